@@ -1,0 +1,35 @@
+# What every target of the project is compiled with.
+
+# guigl_settings(<target>)
+function(guigl_settings target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+    # -ffp-contract=off: results of float arithmetic are the same on every machine, so no multiply-add is fused.
+    # The prefix map keeps the build machine's folders out of assertion reports.
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+        -ffp-contract=off
+        -ffile-prefix-map=${guigl_SOURCE_DIR}/=)
+    if(PROJECT_IS_TOP_LEVEL)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+endfunction()
+
+# guigl_library(<name> <sources>...): the shared library guigl_<name>, known as guigl::<name>.
+function(guigl_library name)
+    set(target guigl_${name})
+    add_library(${target} SHARED ${ARGN})
+    add_library(guigl::${name} ALIAS ${target})
+    guigl_settings(${target})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${name}
+        VERSION ${guigl_VERSION}
+        SOVERSION ${guigl_VERSION_MAJOR}.${guigl_VERSION_MINOR})
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    install(TARGETS ${target} EXPORT guigl
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl)
+endfunction()

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <type_traits>
+
+namespace td
+{
+
+using BYTE = unsigned char;
+
+/// The types that points, sizes and the other geometric value types are made of.
+template <typename T>
+concept Number = std::is_arithmetic_v<T>;
+
+} // namespace td
