@@ -1,0 +1,97 @@
+#include "GLHooks.h"
+
+#include <epoxy/gl.h>
+
+namespace test
+{
+
+namespace
+{
+
+using Role = GLEntry::Role;
+using Kind = GLTrace::Kind;
+
+// For plain entries the kind means nothing.
+template <auto Slot>
+GLEntry entry(const char* function, const char* parameters, Role role = Role::Plain, Kind kind = Kind::Buffer)
+{
+    return {function, parameters, role, kind, GLHook<Slot>::install, GLHook<Slot>::restore};
+}
+
+} // namespace
+
+std::span<const GLEntry> glEntries()
+{
+    static const GLEntry cEntries[] = {
+        entry<&glActiveTexture>("glActiveTexture", "e"),
+        entry<&glAttachShader>("glAttachShader", "ee"),
+        entry<&glBindBuffer>("glBindBuffer", "ee"),
+        entry<&glBindFramebuffer>("glBindFramebuffer", "ee"),
+        entry<&glBindTexture>("glBindTexture", "ee"),
+        entry<&glBindVertexArray>("glBindVertexArray", "e"),
+        entry<&glBlendFunc>("glBlendFunc", "ee"),
+        entry<&glBufferData>("glBufferData", "eipe"),
+        entry<&glClear>("glClear", "e"),
+        entry<&glClearColor>("glClearColor", "ffff"),
+        entry<&glCompileShader>("glCompileShader", "e"),
+        entry<&glCreateProgram>("glCreateProgram", "", Role::Create, Kind::Program),
+        entry<&glCreateShader>("glCreateShader", "e", Role::Create, Kind::Shader),
+        entry<&glDeleteBuffers>("glDeleteBuffers", "in", Role::Delete, Kind::Buffer),
+        entry<&glDeleteProgram>("glDeleteProgram", "e", Role::Delete, Kind::Program),
+        entry<&glDeleteShader>("glDeleteShader", "e", Role::Delete, Kind::Shader),
+        entry<&glDeleteTextures>("glDeleteTextures", "in", Role::Delete, Kind::Texture),
+        entry<&glDeleteVertexArrays>("glDeleteVertexArrays", "in", Role::Delete, Kind::VertexArray),
+        entry<&glDepthFunc>("glDepthFunc", "e"),
+        entry<&glDepthMask>("glDepthMask", "e"),
+        entry<&glDisable>("glDisable", "e"),
+        entry<&glDrawArrays>("glDrawArrays", "eii"),
+        entry<&glDrawArraysInstanced>("glDrawArraysInstanced", "eiii"),
+        entry<&glDrawElements>("glDrawElements", "eiep"),
+        entry<&glDrawElementsInstanced>("glDrawElementsInstanced", "eiepi"),
+        entry<&glEnable>("glEnable", "e"),
+        entry<&glEnableVertexAttribArray>("glEnableVertexAttribArray", "i"),
+        entry<&glGenBuffers>("glGenBuffers", "in", Role::Generate, Kind::Buffer),
+        entry<&glGenTextures>("glGenTextures", "in", Role::Generate, Kind::Texture),
+        entry<&glGenVertexArrays>("glGenVertexArrays", "in", Role::Generate, Kind::VertexArray),
+        entry<&glGenerateMipmap>("glGenerateMipmap", "e"),
+        entry<&glGetError>("glGetError", ""),
+        entry<&glGetIntegerv>("glGetIntegerv", "ep"),
+        entry<&glGetProgramInfoLog>("glGetProgramInfoLog", "eipp"),
+        entry<&glGetProgramiv>("glGetProgramiv", "eep"),
+        entry<&glGetShaderInfoLog>("glGetShaderInfoLog", "eipp"),
+        entry<&glGetShaderiv>("glGetShaderiv", "eep"),
+        entry<&glGetUniformLocation>("glGetUniformLocation", "es"),
+        entry<&glLinkProgram>("glLinkProgram", "e"),
+        entry<&glPatchParameteri>("glPatchParameteri", "ei"),
+        entry<&glPixelStorei>("glPixelStorei", "ei"),
+        entry<&glPointSize>("glPointSize", "f"),
+        entry<&glPolygonMode>("glPolygonMode", "ee"),
+        entry<&glReadPixels>("glReadPixels", "iiiieep"),
+        entry<&glShaderSource>("glShaderSource", "eipp"),
+        entry<&glStencilFunc>("glStencilFunc", "eie"),
+        entry<&glStencilMask>("glStencilMask", "e"),
+        entry<&glStencilOp>("glStencilOp", "eee"),
+        entry<&glTexImage2D>("glTexImage2D", "eieiiieep"),
+        entry<&glTexParameteri>("glTexParameteri", "eee"),
+        entry<&glTexSubImage2D>("glTexSubImage2D", "eiiiiieep"),
+        entry<&glUniform1f>("glUniform1f", "if"),
+        entry<&glUniform1i>("glUniform1i", "ii"),
+        entry<&glUniform2f>("glUniform2f", "iff"),
+        entry<&glUniform2i>("glUniform2i", "iii"),
+        entry<&glUniform3f>("glUniform3f", "ifff"),
+        entry<&glUniform3fv>("glUniform3fv", "ii3"),
+        entry<&glUniform3iv>("glUniform3iv", "ii3"),
+        entry<&glUniform4f>("glUniform4f", "iffff"),
+        entry<&glUniform4fv>("glUniform4fv", "ii4"),
+        entry<&glUniform4iv>("glUniform4iv", "ii4"),
+        entry<&glUniformMatrix3fv>("glUniformMatrix3fv", "iie9"),
+        entry<&glUniformMatrix4fv>("glUniformMatrix4fv", "iiem"),
+        entry<&glUseProgram>("glUseProgram", "e"),
+        entry<&glVertexAttribDivisor>("glVertexAttribDivisor", "ii"),
+        entry<&glVertexAttribPointer>("glVertexAttribPointer", "iieeip"),
+        entry<&glViewport>("glViewport", "iiii"),
+    };
+    return cEntries;
+}
+
+} // namespace test
