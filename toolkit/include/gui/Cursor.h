@@ -1,0 +1,19 @@
+#pragma once
+
+#include <td/Types.h>
+
+namespace gui
+{
+
+/// The pointer's shapes.
+class Cursor
+{
+public:
+    enum class Type : td::BYTE
+    {
+        Default = 1, ///< the arrow; what a view shows at first
+        Pan = 3      ///< shown while the content of a view is being moved
+    };
+};
+
+} // namespace gui

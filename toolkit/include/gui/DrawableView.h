@@ -1,0 +1,68 @@
+#pragma once
+
+#include "BaseView.h"
+
+#include <td/Export.h>
+#include <td/RectNormalized.h>
+#include <td/Size.h>
+
+namespace gui
+{
+
+class InputDevice;
+
+/// A view that draws its own content and takes pointer, wheel and gesture events. Applications override its handlers;
+/// each is called on the GUI thread. The defaults do nothing and report nothing as handled.
+class GUIGL_API DrawableView : public BaseView
+{
+protected:
+    friend class DrawableViewHelper;
+
+    /// Draws a frame. @param rect  what has to be drawn, in points
+    virtual void onDraw(const td::RectNormalized<double>& rect);
+
+    virtual void onPrimaryButtonPressed(const InputDevice& device);
+    virtual void onPrimaryButtonReleased(const InputDevice& device);
+    virtual void onSecondaryButtonPressed(const InputDevice& device);
+    virtual void onSecondaryButtonReleased(const InputDevice& device);
+
+    /// The second press of a double click; it takes the place of onPrimaryButtonPressed.
+    virtual void onPrimaryButtonDblClick(const InputDevice& device);
+
+    virtual void onCursorEntered(const InputDevice& device);
+    virtual void onCursorMoved(const InputDevice& device);   ///< with no button down
+    virtual void onCursorDragged(const InputDevice& device); ///< with the primary button down
+    virtual void onCursorExited(const InputDevice& device);
+
+    /// A zoom step, by device.getScale() about device.getFramePoint().
+    /// @return true when it is used up; false passes it on
+    virtual bool onZoom(const InputDevice& device);
+
+    /// The wheel was turned; device.getFramePoint() carries the distance in points.
+    /// @return true when it is used up; false passes it on
+    virtual bool onScroll(const InputDevice& device);
+
+    /// The view has a new size. @param size  in points
+    virtual void onResize(const td::Size<double>& size);
+
+    virtual void onFocusIn();
+    virtual void onFocusOut();
+};
+
+/// The way in for the window system: forwards to the view's protected handlers.
+class DrawableViewHelper
+{
+public:
+    explicit DrawableViewHelper(DrawableView* pView)
+        : _pView(pView)
+    {
+    }
+
+    void onFocusIn() { _pView->onFocusIn(); }
+    void onFocusOut() { _pView->onFocusOut(); }
+
+private:
+    DrawableView* _pView;
+};
+
+} // namespace gui
