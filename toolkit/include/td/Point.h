@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Types.h"
+
+namespace td
+{
+
+/// A point of the plane. Which way y grows is up to whoever uses it: downwards in views, as it pleases in models.
+template <Number T>
+struct Point
+{
+    T x{};
+    T y{};
+
+    constexpr Point() = default;
+    constexpr Point(T xPos, T yPos)
+        : x(xPos)
+        , y(yPos)
+    {
+    }
+
+    /// Multiplies x by sx and y by sy, in double precision.
+    constexpr void scale(double sx, double sy)
+    {
+        x = T(double(x) * sx);
+        y = T(double(y) * sy);
+    }
+
+    constexpr bool operator==(const Point&) const = default;
+};
+
+// Arrays of points are handed to GL as arrays of numbers.
+static_assert(sizeof(Point<float>) == 2 * sizeof(float) && sizeof(Point<double>) == 2 * sizeof(double));
+
+} // namespace td
