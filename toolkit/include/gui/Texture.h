@@ -11,8 +11,6 @@
 namespace gui
 {
 
-struct DecodedImage;
-
 /// An image in memory: rows from the top down, pixels from left to right, channels of one byte each, nothing between
 /// rows. Loads PNG and JPEG, saves PNG, and serves as the target of frames that are read back. Moves, but can't be copied.
 class GUIGL_API Texture
@@ -34,7 +32,7 @@ public:
     ///                  ("fileName != nullptr") and gives false.
     /// @return true when the image was loaded. Otherwise one line says why ("ERROR! Texture::loadFromFile cannot load
     ///         file: NAME (CAUSE)"), and the texture is what it was. Refused are files that can't be read, are neither
-    ///         PNG nor JPEG, are damaged anywhere or end too soon; files of more than 1 GiB; images of more than 65,535
+    ///         PNG nor JPEG, are seen to be damaged or end too soon; files of more than 1 GiB; images of more than 65,535
     ///         pixels in a direction, or of 4 GiB of pixels or more; and files too short to hold what they claim, which is
     ///         found out before memory is taken.
     [[nodiscard]] bool loadFromFile(const char* fileName);
@@ -69,8 +67,8 @@ private:
     friend class TextureHelper;
     friend struct TextureLayout;
 
-    bool decode(const td::BYTE* bytes, std::size_t nBytes, std::string& cause);
-    void take(DecodedImage&& image);
+    bool load(const td::BYTE* bytes, std::size_t nBytes, std::string& cause);
+    bool isRoomFor(int width, int height, unsigned short bytesPerPixel) const;
     void updateInfo(int width, int height, unsigned short bytesPerPixel);
     void swap(Texture& other) noexcept;
 
@@ -82,7 +80,7 @@ private:
     int _height = 0;
     td::Color _color; // part of the record's layout, as are the last four bytes
     td::BYTE _bytesPerPixel = 0;
-    td::BYTE _reserved[4] = {};
+    [[maybe_unused]] td::BYTE _reserved[4] = {};
 };
 
 /// Fills textures with pixels that come from elsewhere, frames that are read back for instance.

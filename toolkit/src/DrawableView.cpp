@@ -1,0 +1,36 @@
+#include <gui/DrawableView.h>
+
+namespace gui
+{
+
+void DrawableView::onDraw(const td::RectNormalized<double>&) {}
+
+void DrawableView::onPrimaryButtonPressed(const InputDevice&) {}
+
+void DrawableView::onPrimaryButtonReleased(const InputDevice&) {}
+
+void DrawableView::onSecondaryButtonPressed(const InputDevice&) {}
+
+void DrawableView::onSecondaryButtonReleased(const InputDevice&) {}
+
+void DrawableView::onPrimaryButtonDblClick(const InputDevice&) {}
+
+void DrawableView::onCursorEntered(const InputDevice&) {}
+
+void DrawableView::onCursorMoved(const InputDevice&) {}
+
+void DrawableView::onCursorDragged(const InputDevice&) {}
+
+void DrawableView::onCursorExited(const InputDevice&) {}
+
+bool DrawableView::onZoom(const InputDevice&) { return false; }
+
+bool DrawableView::onScroll(const InputDevice&) { return false; }
+
+void DrawableView::onResize(const td::Size<double>&) {}
+
+void DrawableView::onFocusIn() {}
+
+void DrawableView::onFocusOut() {}
+
+} // namespace gui

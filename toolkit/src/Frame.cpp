@@ -1,0 +1,26 @@
+#include <gui/Frame.h>
+
+#include <gui/NativeObject.h>
+
+namespace gui
+{
+
+void Frame::getSize(td::Size<double>& size) const
+{
+    if (_handle != nullptr)
+        _handle->getSize(size);
+    else
+        size = {};
+}
+
+void Frame::reDraw()
+{
+    if (_handle != nullptr)
+        _handle->reDraw();
+}
+
+bool Frame::onKeyPressed(const Key&) { return false; }
+
+bool Frame::onKeyReleased(const Key&) { return false; }
+
+} // namespace gui
