@@ -1,0 +1,130 @@
+#pragma once
+
+#include "CommandList.h"
+#include "CurrentContext.h"
+#include "DataType.h"
+
+#include <cnt/PushBackVector.h>
+#include <cnt/SafeFullVector.h>
+#include <td/Export.h>
+#include <td/Point.h>
+
+#include <cstddef>
+#include <initializer_list>
+
+namespace gui::gl
+{
+
+/// Vertices, indices and instances collected in memory and uploaded at once: init, append, commit; then activate and draw.
+/// Beside them it keeps the list of commands that draw them.
+///
+/// Committed data stays in memory but is closed: appending, inserting, changing and reading a point writes
+/// "ERROR! Buffer::append vertices on committed buffer! Call reset first!" and asserts, until reset() opens the buffer for
+/// new data. Not copyable. commit, activate and deActivate need the view's context current. GUI thread only.
+class GUIGL_API Buffer
+{
+public:
+    Buffer() = default;
+    ~Buffer();
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+
+    /// Sets the layout of a vertex and makes room. Data already appended is dropped.
+    /// @param nCommands  commands to make room for; those recorded are dropped. 0 leaves the command list alone
+    /// @param nVertices, nIndices  how many to make room for; more can be appended. 0 indices leave the indices alone
+    /// @param layout  the type of each vertex attribute, in the order of their locations from 0; 255 floats at most
+    /// @return true; false, with nothing changed, after an assertion: an empty layout (after the log line
+    ///         "Error! Buffer::init with 0 layout vertex positions!"), one that is too long, an unknown type
+    bool init(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices,
+              const std::initializer_list<DataType>& layout);
+
+    /// The same with attributes that advance per instance, at the locations after the vertex's own.
+    /// @param instanceLayout  an empty one writes "Error! Buffer::init instanced buffer with 0 layout instanced positions!"
+    /// @param divisors  after how many instances each attribute advances; empty means 1 for all. A list of another length
+    ///                  than instanceLayout is ignored with "Warning! Buffer::init number of divisors doesn't correspond
+    ///                  to number of layout positions and will be ignored"
+    bool init(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices, std::size_t nInstances,
+              const std::initializer_list<DataType>& layout, const std::initializer_list<DataType>& instanceLayout,
+              const std::initializer_list<unsigned short>& divisors);
+
+    /// @param data  nVertices times the floats of a vertex, one vertex after the other. The layout must be set.
+    void appendVertices(const float* data, std::size_t nVertices);
+    /// @param nVertexFloats  floats, a whole number of vertices (an assertion)
+    void appendVertexUnits(const float* data, std::size_t nVertexFloats);
+    /// x and y of each point; points and vertices must come out even (an assertion).
+    void appendVertices(const td::Point<float>* pts, std::size_t n);
+    void appendVertices(const cnt::PushBackVector<td::Point<float>, 0>& pts);
+    /// For layouts of 2 floats, or of 1 (an assertion).
+    void appendVertex(const td::Point<float>& pt);
+
+    /// @param data  nInstances times the floats of an instance. Needs the instanced init with room for at least one.
+    void appendInstances(const float* data, std::size_t nInstances);
+
+    /// Indices count vertices from the buffer's first.
+    void appendIndices(const unsigned int* indices, std::size_t n);
+    void appendIndices(const cnt::PushBackVector<unsigned int, 0>& indices);
+    void appendIndex(unsigned int index);
+
+    /// Point access, for layouts of 2 floats. i must be below the number of vertices: element access stops the program.
+    void updateVertex(std::size_t i, const td::Point<float>& pt);
+    void getVertex(std::size_t i, td::Point<float>& pt) const;
+    /// Moves vertices from i up by one place; at or past the end it appends.
+    void insertVertex(std::size_t i, const td::Point<float>& pt);
+
+    /// 0 without a layout (an assertion).
+    std::size_t getNoOfVertices() const;
+    std::size_t getNoOfIndices() const { return _indices.size(); }
+    /// The number of floats in the instance data. It is not divided by the floats of an instance.
+    std::size_t getNoOfInstances() const { return _instanceData.size(); }
+    /// Bytes from one vertex, or instance, to the next.
+    unsigned short getVertexStride() const { return _vertexRecLenInBytes; }
+    unsigned short getInstanceStride() const { return _instanceRecLenInBytes; }
+    const cnt::PushBackVector<float, 0>& getVertices() const { return _vertexData; }
+    /// False when data may be appended; see the class for what it does on a committed buffer, where the answer is true.
+    bool isAddOnCommitted() const;
+
+    /// Uploads what was appended. Does nothing on a committed buffer.
+    /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO, IBO).
+    ///         Objects made so far are kept; reset the buffer and fill it again to start over
+    bool commit();
+
+    /// Binds the vertex array. Commit first (an assertion).
+    void activate() const;
+    /// Binds no vertex array.
+    void deActivate() const;
+
+    /// The buffer's own commands. createCommand's pointer is good until the next one is created (see CommandList).
+    CommandList& getCommandList() { return _commandList; }
+    void reserveCommands(std::size_t n);
+    Command* createCommand();
+    bool encode(Command* pCommand);
+    bool remove(Command* pCommand);
+
+    /// Drops data and commands, keeps their memory and the layout. The GL objects live on until the next commit.
+    void reset();
+    /// The same, and frees the memory and deletes the GL objects. Needs no context.
+    void release();
+
+private:
+    void deleteObjects();
+
+    CommandList _commandList;
+    cnt::PushBackVector<float, 0> _vertexData;
+    cnt::PushBackVector<float, 0> _instanceData;
+    cnt::PushBackVector<unsigned int, 0> _indices;
+    cnt::SafeFullVector<DataType, false> _vertexLayout;
+    cnt::SafeFullVector<DataType, false> _instanceLayout;
+    cnt::SafeFullVector<unsigned short, false> _divisors;
+    unsigned int _vao = 0;
+    unsigned int _vbo = 0;
+    unsigned int _ibo = 0; // instances
+    unsigned int _ebo = 0; // indices
+    unsigned short _vertexRecLenInBytes = 0;
+    unsigned short _instanceRecLenInBytes = 0;
+    unsigned char _nVertexFloats = 0;
+    unsigned char _nInstanceFloats = 0;
+    unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
+    CurrentContext::ID _contextID = 0;
+};
+
+} // namespace gui::gl

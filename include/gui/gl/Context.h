@@ -1,0 +1,217 @@
+#pragma once
+
+#include "Texture.h"
+#include "Textures.h"
+
+#include <td/ColorID.h>
+#include <td/Export.h>
+#include <td/Types.h>
+
+#include <initializer_list>
+#include <tuple>
+
+namespace gui::gl
+{
+
+/// The depth buffer: how many bits a context asks for, and how fragments are compared with it.
+struct DepthBuffer
+{
+    /// Each size has a second value, one above, that means the same number of bits; other values mean none.
+    enum class Size : td::BYTE
+    {
+        None = 0,
+        Bits8 = 2,
+        Bits16 = 4,
+        Bits24 = 6,
+        Bits32 = 8
+    };
+
+    /// When a fragment passes: its depth compared with the stored one. The order is not that of StencilBuffer::Function.
+    enum class Function : td::BYTE
+    {
+        Always,
+        Never,
+        Less,
+        Equal,
+        LessOrEqual,
+        Greater,
+        NotEqual,
+        GreaterOrEqual
+    };
+};
+
+/// The stencil buffer: how many bits a context asks for, how fragments are compared with it and what becomes of it.
+struct StencilBuffer
+{
+    /// As DepthBuffer::Size.
+    enum class Size : td::BYTE
+    {
+        None = 0,
+        Bits8 = 2,
+        Bits16 = 4,
+        Bits24 = 6,
+        Bits32 = 8
+    };
+
+    /// When a fragment passes: the reference value compared with the stored one, both masked.
+    enum class Function : td::BYTE
+    {
+        Never,
+        Less,
+        LessOrEqual,
+        Greater,
+        GreaterOrEqual,
+        Equal,
+        NotEqual,
+        Always
+    };
+
+    enum class Operation : td::BYTE
+    {
+        Keep,
+        Zero,
+        Replace, ///< the reference value
+        Increment,
+        IncrementWrap,
+        Decrement,
+        DecrementWrap,
+        Invert
+    };
+};
+
+struct Blend
+{
+    enum class Factor : td::BYTE
+    {
+        Zero,
+        One,
+        SrcColor,
+        OneMinusSrcColor,
+        DstColor,
+        OneMinusDstColor,
+        SrcAlpha,
+        OneMinusSrcAlpha,
+        DstAlpha,
+        OneMinusDstAlpha,
+        ConstantColor,
+        OneMinusConstantColor,
+        ConstantAlpha,
+        OneMinusConstantAlpha,
+        SrcAlphaSaturate,
+        Src1Color,
+        OneMinusSrc1Color,
+        Src1Alpha,
+        OneMinusSrc1Alpha
+    };
+};
+
+/// Two things: as a value, the request for a GL context that a view hands over when it creates its surface; as a set of
+/// static operations, the place for GL render state.
+///
+/// The static operations act on the context that is current on the calling thread. A value outside an enumeration is a
+/// programming error (an assertion); the operation then makes no GL call. GL errors are not queried.
+class GUIGL_API Context
+{
+public:
+    enum class Animation : td::BYTE
+    {
+        On, ///< frames follow the display's clock
+        Off ///< frames are drawn on request
+    };
+
+    enum class Profile : td::BYTE
+    {
+        Core32, ///< OpenGL 3.2 core
+        Core41  ///< OpenGL 4.1 core
+    };
+
+    enum class Clear : td::BYTE
+    {
+        Color = 1,
+        Depth,
+        Stencil
+    };
+
+    enum class Flag : td::BYTE
+    {
+        DepthTest,
+        CullFace,
+        StencilTest,
+        Blend
+    };
+
+    enum class PolygonMode : td::BYTE
+    {
+        Fill,
+        Line,
+        Point
+    };
+
+    /// A request with 24 colour bits, 8 alpha bits and no preferred frame rate.
+    Context(Animation animation, DepthBuffer::Size depthBufferSize, StencilBuffer::Size stencilBufferSize,
+            Profile profile);
+
+    /// The same without animation.
+    Context(DepthBuffer::Size depthBufferSize, StencilBuffer::Size stencilBufferSize, Profile profile);
+
+    bool isAnimation() const { return _isAnimation; }
+    Profile getProfile() const { return _profile; }
+
+    /// The number of bits asked for: 0, 8, 16, 24 or 32.
+    unsigned char getDepthBufferSize() const;
+    unsigned char getStencilBufferSize() const;
+
+    /// @param colorBits  red, green and blue together
+    void setRGBSize(unsigned char colorBits, unsigned char alphaBits);
+    /// Colour bits (red, green and blue together), alpha bits.
+    std::tuple<unsigned char, unsigned char> getRGBSize() const { return {_colorBits, _alphaBits}; }
+
+    /// The range that an animated view's frames per second should lie in. Nothing is checked here: a range that is not
+    /// above 0, or whose maximum is below its minimum, means the display's own rate.
+    void setPreferredFrameRateRange(float min, float max);
+    /// Minimum, maximum.
+    std::tuple<float, float> getPreferredFrameRateRange() const { return {_minFrameRate, _maxFrameRate}; }
+
+    /// Clears one buffer.
+    static void clear(Clear what);
+    /// Clears the named buffers with one GL call; with an empty list the call is glClear(0).
+    static void clear(const std::initializer_list<Clear>& what);
+    /// Sets the colour that the colour buffer is cleared to; alpha is always 1. It clears nothing by itself.
+    static void clear(td::ColorID color);
+
+    static void setActiveTextureUnit(Textures::Unit unit);
+    /// @param textureID  not 0 (an assertion)
+    static void bindTextureToCurrentlyActiveTextureUnit(unsigned int textureID, Texture::Type type);
+
+    static void enable(Flag flag);
+    static void disable(Flag flag);
+
+    /// @param writes  whether fragments that pass write their depth
+    static void maskDepthBuffer(bool writes);
+    static void setDepthBufferFunction(DepthBuffer::Function function);
+
+    /// @param mask  the bits that may be written
+    static void setStencilBufferMask(unsigned int mask);
+    static void setStencilBufferFunction(StencilBuffer::Function function, int ref, unsigned int mask);
+    /// @param sfail  when the stencil test fails  @param dpfail  when the depth test fails  @param dppass  when both pass
+    static void setStencilBufferOperation(StencilBuffer::Operation sfail, StencilBuffer::Operation dpfail,
+                                          StencilBuffer::Operation dppass);
+
+    static void setBlendFunction(Blend::Factor src, Blend::Factor dst);
+    /// @param size  in device pixels
+    static void setPointSize(float size);
+    /// For front and back faces alike.
+    static void setPolygonMode(PolygonMode mode);
+
+private:
+    Profile _profile;
+    DepthBuffer::Size _depthBufferSize;
+    StencilBuffer::Size _stencilBufferSize;
+    float _minFrameRate = 0;
+    float _maxFrameRate = 0;
+    bool _isAnimation;
+    unsigned char _colorBits = 24;
+    unsigned char _alphaBits = 8;
+};
+
+} // namespace gui::gl

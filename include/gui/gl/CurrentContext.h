@@ -1,0 +1,54 @@
+#pragma once
+
+#include <td/Export.h>
+#include <td/Types.h>
+
+#include <cstdint>
+
+namespace gui::gl
+{
+
+/// Knows which GL context is current, so that GL names are deleted where they belong and cached state is right.
+///
+/// The library's own surfaces report their contexts here. An application or a host that makes contexts current by itself
+/// must do the same: set() right after it made one current (or none), died() before it destroys one. As long as no
+/// context is known to be current, the operations that create GL objects refuse with a log line.
+///
+/// GL names are numbers per context. Whoever holds one remembers the context's id, and hands name and id to deleteName.
+/// GUI thread only.
+class GUIGL_API CurrentContext
+{
+public:
+    /// What the window system calls a context: any pointer that tells living contexts apart. Null means none.
+    using Handle = const void*;
+    /// A number that is never used for a second context; 0 means none.
+    using ID = std::uint64_t;
+
+    enum class Kind : td::BYTE
+    {
+        Buffer,
+        Program,
+        Texture,
+        VertexArray
+    };
+
+    /// Tells that this context is now current. When it was not before, the current program and the colour and texture
+    /// last sent are forgotten, and names that were handed over for deletion meanwhile are deleted.
+    static void set(Handle handle);
+
+    /// Tells that this context is about to be destroyed. Its names die with it; nothing will be deleted for them.
+    static void died(Handle handle);
+
+    /// The current context's id; 0 when none is.
+    static ID getID();
+
+    /// Deletes a GL name: at once when its context is current, when that context is made current next if it is not; a
+    /// name whose context died is forgotten.  @param owner  where the name was made  @param name  0 does nothing
+    static void deleteName(ID owner, Kind kind, unsigned int name);
+
+    /// For creating operations: whether a context is current. Writes "Error! <operation> without a current GL context!"
+    /// to the log when none is.
+    static bool isThere(const char* operation);
+};
+
+} // namespace gui::gl

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Program.h"
+
+namespace gui::gl
+{
+
+/// Draws 2D shapes in one colour at a time, that of each command.
+///
+/// Vertex layout: {DataType::Vec2}, the position in model units. Set the matrix with setMVP once the program is active.
+/// Commands say the colour with setColor(id); a program linked WithAlpha takes setColor(id, alpha) instead, and shows
+/// transparency where the context's blending is enabled. Shaders: ":gl/flat2d.vert", ":gl/flat2d.frag" and
+/// ":gl/flat2d-alpha.frag".
+class GUIGL_API Flat2DProgram : public Program
+{
+public:
+    enum class Colors : td::BYTE
+    {
+        Opaque,   ///< commands have a colour of red, green and blue
+        WithAlpha ///< commands have a colour of red, green, blue and alpha
+    };
+
+    /// @return as Program::link
+    [[nodiscard]] bool link(Colors colors = Colors::Opaque);
+
+protected:
+    void onLinked() override;
+};
+
+} // namespace gui::gl

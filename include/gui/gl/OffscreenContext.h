@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Context.h"
+
+#include <td/Export.h>
+#include <td/Size.h>
+
+#include <memory>
+
+namespace gui
+{
+class Texture;
+}
+
+namespace gui::gl
+{
+
+/// A GL context that draws into memory: no window, no display, any machine with a GL driver. For pictures made by
+/// servers, for tests, and for trying things out.
+///
+/// It is current when it has been constructed, with the viewport over its whole size. It may be used beside views and
+/// other offscreen contexts: call makeCurrent before drawing. GUI thread only.
+class GUIGL_API OffscreenContext
+{
+public:
+    /// GL objects of the library may outlive the context; they forget their names when it dies.
+    /// @param size      in device pixels, both at least 1
+    /// @param settings  profile and buffer sizes; its animation and frame rates mean nothing here. Depth or stencil bits
+    ///                  that the system lacks fall back to 24 and 8, with a log line of what was asked for and got
+    /// @param debug     asks the driver for a debug context, whose messages glDebugMessageCallback delivers
+    /// When there is no such context a log line says why, and isOk is false.
+    OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug = false);
+    ~OffscreenContext();
+    OffscreenContext(const OffscreenContext&) = delete;
+    OffscreenContext& operator=(const OffscreenContext&) = delete;
+
+    bool isOk() const;
+
+    /// In device pixels.
+    td::Size<int> getSize() const;
+
+    /// @return false, with a log line, when the driver refuses
+    bool makeCurrent();
+
+    /// Replaces the drawing surface by one of another size and makes the context current, with the viewport over all of
+    /// it. The picture is undefined afterwards. @return false, with a log line and nothing changed, when there is none
+    bool resize(const td::Size<int>& size);
+
+    /// Reads the picture drawn so far, upright (the first row is the top), 3 bytes per pixel.
+    /// @return false, with a log line and the texture unchanged, when the context is not ok or memory is short
+    bool readPixels(gui::Texture& picture);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> _pImpl;
+};
+
+} // namespace gui::gl

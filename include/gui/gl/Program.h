@@ -1,0 +1,179 @@
+#pragma once
+
+#include "CommandList.h"
+#include "CurrentContext.h"
+#include "GLSL.h"
+#include "Textures.h"
+
+#include <cnt/SafeFullVector.h>
+#include <cnt/StringBuilder.h>
+#include <td/ColorID.h>
+#include <td/Export.h>
+#include <td/StringBase.h>
+
+#include <glm/ext/vector_float1.hpp>
+#include <glm/ext/vector_uint1.hpp>
+#include <glm/ext/vector_uint2.hpp>
+#include <glm/ext/vector_uint3.hpp>
+#include <glm/ext/vector_uint4.hpp>
+#include <glm/mat3x3.hpp>
+#include <glm/mat4x4.hpp>
+#include <glm/vec2.hpp>
+#include <glm/vec3.hpp>
+#include <glm/vec4.hpp>
+
+#include <cstddef>
+
+namespace gui::gl
+{
+
+class Buffer;
+
+/// A linked GL program: stages compiled from text or resources, uniforms, and the commands recorded into it.
+///
+/// Derive from it, look up uniform locations in onLinked (the library's own programs, Flat2DProgram and its relatives, show
+/// how), then: link, setBuffer and setTextures, record commands; per frame activate, execute, deActivate. An active program
+/// is the current one: commands send their colours, textures and matrices to it. Not copyable; not meant to be deleted
+/// through a pointer to this class. Everything but queries needs the view's context current. GUI thread only.
+class GUIGL_API Program
+{
+public:
+    Program() = default;
+    /// Releases the program and the command list. Needs no context.
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    /// Compiles and links. Each stage is GLSL text, or ':' and the name of a text resource.
+    /// Calls onLinked on success and onError on failure. A program linked before is not deleted: release it first.
+    /// @param geometryResID  null for none  @param tessCtrlResID, tessEvalResID  used only when both are given
+    /// @return false after a failure. The debug log and getLastError say
+    ///         "OpenGL <stage> compilation failed! Info='<driver's log>'. FileName=<stage argument less its colon>" or
+    ///         "OpenGL Program linking failed! Info='<driver's log>'. Vertex fileName=<…>, fragment fileName=<…>" or
+    ///         "OpenGL <stage> cannot be created!". After a compilation the debug log also shows the source lines that
+    ///         the driver's log names.
+    bool link(const char* vertexResID, const char* fragmentResID, const char* geometryResID = nullptr);
+    bool link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID, const char* tessEvalResID,
+              const char* geometryResID);
+
+    bool isOK() const { return _programID != 0; }
+    /// The GL name; 0 when not linked.
+    unsigned int getID() const { return _programID; }
+
+    /// Deletes the GL program; it is the current one no more. Needs no context.
+    void release();
+
+    /// All failures of all programs so far, each ending in a line feed.
+    static td::String getLastError();
+
+    /// @return the location; -1 when the linked program has no such uniform, or uses it nowhere
+    int getUniformLocation(const char* name) const;
+
+    /// Uniforms of the program in use. Locations of -1 are ignored by GL. Unsigned values are sent as int, which is what
+    /// samplers, bool and int uniforms take.
+    void setUniformValue(unsigned int loc, const glm::mat4& value);
+    void setUniformValue(unsigned int loc, const glm::mat3& value);
+    void setUniformValue(unsigned int loc, const glm::vec1& value);
+    void setUniformValue(unsigned int loc, float value);
+    void setUniformValue(unsigned int loc, double value);
+    void setUniformValue(unsigned int loc, const glm::vec2& value);
+    void setUniformValue(unsigned int loc, const glm::vec3& value);
+    void setUniformValue(unsigned int loc, const glm::vec4& value);
+    void setUniformValue(unsigned int loc, const glm::uvec1& value);
+    void setUniformValue(unsigned int loc, unsigned int value);
+    void setUniformValue(unsigned int loc, int value);
+    void setUniformValue(unsigned int loc, const glm::uvec2& value);
+    void setUniformValue(unsigned int loc, const glm::uvec3& value);
+    void setUniformValue(unsigned int loc, const glm::uvec4& value);
+    /// As vec3.
+    void setUniformValue(unsigned int loc, td::ColorID color);
+    /// As vec4. @param alpha  0 to 255
+    void setUniformValue(unsigned int loc, td::ColorID color, unsigned char alpha);
+    /// Binds the texture to the unit and sends the unit's number.
+    void setUniformValue(unsigned int loc, Texture::Type type, unsigned int textureID, Textures::Unit unit);
+
+    /// A table of n locations for derived programs, all -1.
+    void reserveUniforms(unsigned char n);
+    /// True when no entry of that table is negative.
+    bool uniformLocationsAreOk() const;
+
+    /// Looks up n matrix uniforms for setUniformValuesForMatrices.
+    /// @return false at the first name that is missing: its entry is -1, those before it are good, those behind are -1 too
+    bool getUniformLocationsForMatrices(const char** names, std::size_t n);
+    /// Matrix i goes to location i. n must not exceed the number of locations (an assertion).
+    void setUniformValuesForMatrices(const glm::mat4** matrices, std::size_t n);
+    void setUniformValuesForMatrices(const glm::mat4* matrices, std::size_t n);
+    /// @param n  0 means all of them
+    void setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, false>& matrices, std::size_t n = 0);
+
+    /// The program's colour and model-view-projection uniforms. A program without them asserts "_color3Location >= 0" and
+    /// so on. A command's colour or matrix arrives here.
+    void setColor3(const glm::vec3& color);
+    void setColor4(const glm::vec4& color);
+    void setMVP(const glm::mat4& mvp);
+
+    /// Binds the program's buffer if it has one, makes this the current program and uses it.
+    void activate() const;
+    /// Unbinds vertex array and program; there is no current program then.
+    void deActivate() const;
+    /// The same, leaving the vertex array alone. Whichever program it is called on.
+    static void useNone();
+
+    /// Neither is owned; null for none. They must live as long as the program uses them.
+    void setBuffer(Buffer* pBuffer) { _pBuffer = pBuffer; }
+    void setTextures(Textures* pTextures) { _pTextures = pTextures; }
+
+    /// The program's own commands (see CommandList).
+    void reserveCommands(std::size_t n);
+    Command* createCommand();
+    bool encode(Command* pCommand);
+    bool remove(Command* pCommand);
+    /// Executes the program's own commands if it has any, else those of its buffer, which must be set then (an assertion).
+    void execute();
+    /// Executes a range of the buffer's commands, whatever the program's own list holds.
+    void execute(std::size_t first, std::size_t count);
+
+protected:
+    /// Called after a successful link: look up uniforms here. This version writes a log line that says nobody did.
+    virtual void onLinked();
+    /// Called after a failed link.
+    virtual void onError();
+
+private:
+    friend class ProgHelper;
+    friend class View;
+
+    static unsigned int _link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
+                              const char* tessEvalResID, const char* geometryResID);
+    static unsigned int compile(GLSL::Type type, const char* resID);
+    static bool isCompilationOK(GLSL::Type type, unsigned int shader, const char* name, const char* source);
+    static bool isLinkingOK(unsigned int program, const char* vertexName, const char* fragmentName);
+    bool finishLink(unsigned int programID);
+
+    static cnt::StringBuilder<td::String, 1024> s_progErrors;
+
+    CommandList _commandList;
+    Buffer* _pBuffer = nullptr;
+    Textures* _pTextures = nullptr;
+
+protected:
+    cnt::SafeFullVector<int, false> _uniformLocations;
+    cnt::SafeFullVector<int, false> _matrixLocations;
+
+private:
+    unsigned int _programID = 0;
+
+protected:
+    int _color3Location = -1;
+    int _color4Location = -1;
+    int _matrixLocation = -1;
+
+private:
+    CurrentContext::ID _contextID = 0;
+};
+
+/// Makes a program the one that commands send to, and forgets the colour and texture last sent. Program's operations call
+/// it; call it with null after GL code of your own has changed the program in use or its uniforms.
+GUIGL_API void setCurrentProgram(Program* pProgram);
+
+} // namespace gui::gl

@@ -1,0 +1,369 @@
+#include <gui/gl/Buffer.h>
+
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr std::array<unsigned char, 12> FloatUnits{1, 1, 1, 2, 3, 4, 1, 2, 3, 4, 9, 16};
+static_assert(FloatUnits.size() == std::size_t(DataType::Mat4) + 1);
+
+constexpr std::size_t cMaxFloats = std::numeric_limits<unsigned char>::max();
+
+unsigned char floatUnits(DataType type) { return FloatUnits[static_cast<std::size_t>(type)]; }
+
+bool isNormalized(DataType type) { return static_cast<int>(type) >= 10 && static_cast<int>(type) <= 13; }
+
+bool areTypesKnown(const std::initializer_list<DataType>& layout)
+{
+    return std::all_of(layout.begin(), layout.end(),
+                       [](DataType type) { return static_cast<std::size_t>(type) < FloatUnits.size(); });
+}
+
+// In 16 bits it would wrap for layouts of thousands of positions, and be accepted.
+std::size_t sumOfFloats(const std::initializer_list<DataType>& layout)
+{
+    std::size_t nFloats = 0;
+    for (const DataType type : layout)
+        nFloats += floatUnits(type);
+    return nFloats;
+}
+
+template <typename T>
+void copyTo(cnt::SafeFullVector<T, false>& vector, const std::initializer_list<T>& values)
+{
+    vector.reserve(values.size());
+    std::copy(values.begin(), values.end(), vector.begin());
+}
+
+GLuint generateBuffer()
+{
+    GLuint id = 0;
+    glGenBuffers(1, &id);
+    return id;
+}
+
+void uploadTo(GLenum target, GLuint id, const void* pData, std::size_t nBytes)
+{
+    glBindBuffer(target, id);
+    glBufferData(target, static_cast<GLsizeiptr>(nBytes), pData, GL_STATIC_DRAW);
+}
+
+// One attribute of the bound array buffer. @return the offset of the next
+std::size_t enableAttribute(GLuint location, DataType type, GLsizei recLenInBytes, std::size_t offset)
+{
+    const unsigned char units = floatUnits(type);
+    glEnableVertexAttribArray(location);
+    glVertexAttribPointer(location, units, GL_FLOAT, isNormalized(type) ? GL_TRUE : GL_FALSE, recLenInBytes,
+                          reinterpret_cast<const void*>(offset));
+    return offset + units * sizeof(VertexType);
+}
+
+// Where point i starts among the floats; past every end if there can be no such point.
+std::size_t floatOfPoint(std::size_t i)
+{
+    return i < std::numeric_limits<std::size_t>::max() / 2 ? 2 * i : std::numeric_limits<std::size_t>::max() - 1;
+}
+
+} // namespace
+
+Buffer::~Buffer() { release(); }
+
+bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices,
+                  const std::initializer_list<DataType>& layout)
+{
+    if (layout.size() == 0)
+    {
+        vo::dbgLog("Error! Buffer::init with 0 layout vertex positions!");
+        TD_ASSERT(false, false);
+    }
+    TD_ASSERT(areTypesKnown(layout), false);
+    const std::size_t vertexFloatUnits = sumOfFloats(layout);
+    TD_ASSERT(vertexFloatUnits <= 255, false);
+
+    if (nCommands != 0)
+        _commandList.reserve(nCommands);
+    copyTo(_vertexLayout, layout);
+    _nVertexFloats = static_cast<unsigned char>(vertexFloatUnits);
+    _vertexRecLenInBytes = static_cast<unsigned short>(vertexFloatUnits * sizeof(VertexType));
+    _vertexData.reserve(vertexFloatUnits * nVertices);
+    if (nIndices != 0)
+        _indices.reserve(nIndices);
+    return true;
+}
+
+bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices, std::size_t nInstances,
+                  const std::initializer_list<DataType>& layout, const std::initializer_list<DataType>& instanceLayout,
+                  const std::initializer_list<unsigned short>& divisors)
+{
+    // Refused before the plain form runs, unless that one refuses first.
+    const bool isLayoutGood = layout.size() != 0 && areTypesKnown(layout) && sumOfFloats(layout) <= cMaxFloats;
+    if (isLayoutGood)
+    {
+        if (instanceLayout.size() == 0)
+        {
+            vo::dbgLog("Error! Buffer::init instanced buffer with 0 layout instanced positions!");
+            TD_ASSERT(false, false);
+        }
+        TD_ASSERT(areTypesKnown(instanceLayout), false);
+        const std::size_t instanceFloatUnits = sumOfFloats(instanceLayout);
+        TD_ASSERT(instanceFloatUnits <= 255, false);
+    }
+    if (!init(nCommands, nVertices, nIndices, layout))
+        return false;
+
+    const std::size_t nFloats = sumOfFloats(instanceLayout);
+    copyTo(_instanceLayout, instanceLayout);
+    _nInstanceFloats = static_cast<unsigned char>(nFloats);
+    _instanceRecLenInBytes = static_cast<unsigned short>(nFloats * sizeof(VertexType));
+    _instanceData.reserve(nFloats * nInstances);
+    _divisors.reserve(0);
+    if (divisors.size() == instanceLayout.size())
+        copyTo(_divisors, divisors);
+    else if (divisors.size() != 0)
+        vo::dbgLog("Warning! Buffer::init number of divisors doesn't correspond to number of layout positions and will "
+                   "be ignored");
+    return true;
+}
+
+bool Buffer::isAddOnCommitted() const
+{
+    if (_state != 1)
+        return false;
+    vo::dbgLog("ERROR! Buffer::append vertices on committed buffer! Call reset first!");
+    TD_ASSERT(false, true);
+    return true;
+}
+
+void Buffer::appendVertices(const float* data, std::size_t nVertices)
+{
+    if (isAddOnCommitted())
+        return;
+    TD_ASSERT(_vertexRecLenInBytes > 0);
+    _vertexData.push_back(data, nVertices * _nVertexFloats);
+}
+
+void Buffer::appendVertexUnits(const float* data, std::size_t nVertexFloats)
+{
+    if (isAddOnCommitted())
+        return;
+    TD_ASSERT(_vertexRecLenInBytes > 0);
+    TD_ASSERT(((nVertexFloats * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
+    _vertexData.push_back(data, nVertexFloats);
+}
+
+void Buffer::appendVertices(const td::Point<float>* pts, std::size_t n)
+{
+    static_assert(sizeof(td::Point<float>) == 2 * sizeof(float));
+    appendVertexUnits(reinterpret_cast<const float*>(pts), 2 * n);
+}
+
+void Buffer::appendVertices(const cnt::PushBackVector<td::Point<float>, 0>& pts)
+{
+    appendVertices(pts.begin(), pts.size());
+}
+
+void Buffer::appendVertex(const td::Point<float>& pt)
+{
+    if (isAddOnCommitted())
+        return;
+    TD_ASSERT(_vertexRecLenInBytes > 0);
+    TD_ASSERT(((2 * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
+    _vertexData.push_back(pt.x);
+    _vertexData.push_back(pt.y);
+}
+
+void Buffer::appendInstances(const float* data, std::size_t nInstances)
+{
+    if (isAddOnCommitted())
+        return;
+    TD_ASSERT(_instanceData.capacity() > 0);
+    TD_ASSERT(_nInstanceFloats > 0);
+    _instanceData.push_back(data, nInstances * _nInstanceFloats);
+}
+
+void Buffer::appendIndices(const unsigned int* indices, std::size_t n)
+{
+    if (isAddOnCommitted() || n == 0)
+        return;
+    _indices.push_back(indices, n);
+}
+
+void Buffer::appendIndices(const cnt::PushBackVector<unsigned int, 0>& indices)
+{
+    appendIndices(indices.begin(), indices.size());
+}
+
+void Buffer::appendIndex(unsigned int index)
+{
+    if (isAddOnCommitted())
+        return;
+    _indices.push_back(index);
+}
+
+void Buffer::updateVertex(std::size_t i, const td::Point<float>& pt)
+{
+    if (isAddOnCommitted())
+        return;
+    const std::size_t pos = floatOfPoint(i);
+    float& y = _vertexData.at(pos + 1);
+    _vertexData.at(pos) = pt.x;
+    y = pt.y;
+}
+
+void Buffer::getVertex(std::size_t i, td::Point<float>& pt) const
+{
+    if (isAddOnCommitted())
+        return;
+    const std::size_t pos = floatOfPoint(i);
+    pt.y = _vertexData.at(pos + 1);
+    pt.x = _vertexData.at(pos);
+}
+
+void Buffer::insertVertex(std::size_t i, const td::Point<float>& pt)
+{
+    if (isAddOnCommitted())
+        return;
+    const std::size_t pos = floatOfPoint(i);
+    const float x = pt.x;
+    const float y = pt.y;
+    _vertexData.insert(pos, x);
+    _vertexData.insert(pos + 1, y);
+}
+
+std::size_t Buffer::getNoOfVertices() const
+{
+    const std::size_t nRecLen = _vertexRecLenInBytes;
+    TD_ASSERT(nRecLen > 0, 0);
+    const std::size_t nVBOBytes = _vertexData.size() * sizeof(VertexType);
+    TD_ASSERT((nVBOBytes % nRecLen) == 0, 0);
+    return nVBOBytes / nRecLen;
+}
+
+bool Buffer::commit()
+{
+    if (_state == 1)
+        return true;
+    if (!CurrentContext::isThere("Buffer::commit"))
+        return false;
+    if (_state == 2)
+    {
+        deleteObjects();
+        _state = 0;
+    }
+    if (_vao != 0)
+        return true;
+    _contextID = CurrentContext::getID();
+
+    glGenVertexArrays(1, &_vao);
+    if (_vao == 0)
+    {
+        vo::dbgLog("ERROR! Buffer::commit cannot create VAO!");
+        return false;
+    }
+    glBindVertexArray(_vao);
+    _vbo = generateBuffer();
+    if (_vbo == 0)
+    {
+        vo::dbgLog("ERROR! Buffer::commit cannot create VBO!");
+        return false;
+    }
+    uploadTo(GL_ARRAY_BUFFER, _vbo, _vertexData.begin(), _vertexData.size() * sizeof(VertexType));
+    GLuint location = 0;
+    std::size_t offset = 0;
+    for (const DataType type : _vertexLayout)
+        offset = enableAttribute(location++, type, _vertexRecLenInBytes, offset);
+
+    if (_indices.size() > 0)
+    {
+        _ebo = generateBuffer();
+        if (_ebo == 0)
+        {
+            vo::dbgLog("ERROR! Buffer::commit cannot create EBO!");
+            return false;
+        }
+        uploadTo(GL_ELEMENT_ARRAY_BUFFER, _ebo, _indices.begin(), _indices.size() * sizeof(unsigned int));
+    }
+    else
+        TD_ASSERT(_ebo == 0, false);
+
+    if (_instanceData.size() > 0)
+    {
+        TD_ASSERT(_ibo == 0, false);
+        _ibo = generateBuffer();
+        if (_ibo == 0)
+        {
+            vo::dbgLog("ERROR! Buffer::commit cannot create IBO!");
+            return false;
+        }
+        uploadTo(GL_ARRAY_BUFFER, _ibo, _instanceData.begin(), _instanceData.size() * sizeof(VertexType));
+        offset = 0;
+        for (std::size_t j = 0; j < _instanceLayout.size(); ++j, ++location)
+        {
+            offset = enableAttribute(location, _instanceLayout[j], _instanceRecLenInBytes, offset);
+            glVertexAttribDivisor(location, _divisors.size() != 0 ? _divisors[j] : 1);
+        }
+    }
+
+    _state = 1;
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindVertexArray(0);
+    return true;
+}
+
+void Buffer::deleteObjects()
+{
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _vbo);
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _ibo);
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _ebo);
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::VertexArray, _vao);
+    _vbo = _ibo = _ebo = _vao = 0;
+}
+
+void Buffer::activate() const
+{
+    TD_ASSERT(_vao > 0);
+    glBindVertexArray(_vao);
+}
+
+void Buffer::deActivate() const { glBindVertexArray(0); }
+
+void Buffer::reserveCommands(std::size_t n) { _commandList.reserve(n); }
+
+Command* Buffer::createCommand() { return _commandList.get(); }
+
+bool Buffer::encode(Command* pCommand) { return _commandList.encode(pCommand); }
+
+bool Buffer::remove(Command* pCommand) { return _commandList.remove(pCommand); }
+
+void Buffer::reset()
+{
+    _commandList.reset();
+    _vertexData.reset();
+    _indices.reset();
+    _instanceData.reset();
+    _state = 2;
+}
+
+void Buffer::release()
+{
+    reset();
+    _commandList.release();
+    _vertexData.release();
+    _indices.release();
+    _instanceData.release();
+    deleteObjects();
+    _state = 0;
+}
+
+} // namespace gui::gl

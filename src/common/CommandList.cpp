@@ -1,0 +1,76 @@
+#include <gui/gl/CommandList.h>
+
+#include <td/Assert.h>
+
+#include <algorithm>
+
+namespace gui::gl
+{
+
+CommandList::CommandList() = default;
+
+CommandList::CommandList(std::size_t n) { reserve(n); }
+
+CommandList::~CommandList() { release(); }
+
+void CommandList::reserve(std::size_t n) { _commands.reserve(n); }
+
+Command* CommandList::get()
+{
+    Command& command = _commands.push_back();
+    command.reset();
+    return &command;
+}
+
+bool CommandList::encode(Command* pCommand)
+{
+    TD_ASSERT(pCommand != nullptr, false);
+    if (pCommand->encode())
+        return true;
+    _commands.remove_back();
+    return false;
+}
+
+bool CommandList::remove(Command*)
+{
+    _commands.remove_back();
+    return true;
+}
+
+void CommandList::execute()
+{
+    for (Command& command : _commands)
+        command.execute();
+}
+
+void CommandList::execute(std::size_t first, std::size_t count)
+{
+    const std::size_t begin = std::min(first, size());
+    const std::size_t end = begin + std::min(count, size() - begin);
+    for (Command* pCommand = _commands.begin() + begin; pCommand != _commands.begin() + end; ++pCommand)
+        pCommand->execute();
+}
+
+glm::mat4* CommandList::allocMatrix()
+{
+    if (pMatrixAllocator == nullptr)
+        pMatrixAllocator = new mem::MemoryManager<glm::mat4>;
+    TD_ASSERT(pMatrixAllocator, nullptr);
+    return pMatrixAllocator->alloc();
+}
+
+void CommandList::reset()
+{
+    _commands.reset();
+    if (pMatrixAllocator != nullptr)
+        pMatrixAllocator->reset();
+}
+
+void CommandList::release()
+{
+    _commands.release();
+    delete pMatrixAllocator;
+    pMatrixAllocator = nullptr;
+}
+
+} // namespace gui::gl

@@ -1,0 +1,133 @@
+#include <gui/gl/CurrentContext.h>
+
+#include <gui/gl/Program.h>
+
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+struct Name
+{
+    CurrentContext::Kind kind;
+    unsigned int name;
+};
+
+struct LivingContext
+{
+    CurrentContext::Handle handle;
+    std::vector<Name> namesToDelete;
+};
+
+struct State
+{
+    // By id: an address that the window system hands out a second time must not revive the first context's names.
+    std::map<CurrentContext::ID, LivingContext> living;
+    CurrentContext::ID current = 0;
+    CurrentContext::ID last = 0;
+};
+
+State& state()
+{
+    // Never destroyed: owners of GL names may be static objects.
+    static State* const pState = new State;
+    return *pState;
+}
+
+void deleteNow(Name name)
+{
+    switch (name.kind)
+    {
+    case CurrentContext::Kind::Buffer:
+        glDeleteBuffers(1, &name.name);
+        break;
+    case CurrentContext::Kind::Program:
+        glDeleteProgram(name.name);
+        break;
+    case CurrentContext::Kind::Texture:
+        glDeleteTextures(1, &name.name);
+        break;
+    case CurrentContext::Kind::VertexArray:
+        glDeleteVertexArrays(1, &name.name);
+        break;
+    }
+}
+
+std::map<CurrentContext::ID, LivingContext>::iterator find(CurrentContext::Handle handle)
+{
+    auto& living = state().living;
+    auto it = living.begin();
+    while (it != living.end() && it->second.handle != handle)
+        ++it;
+    return it;
+}
+
+} // namespace
+
+void CurrentContext::set(Handle handle)
+{
+    State& s = state();
+    auto it = s.living.end();
+    if (handle != nullptr)
+    {
+        it = find(handle);
+        if (it == s.living.end())
+            it = s.living.emplace(++s.last, LivingContext{handle, {}}).first;
+    }
+    const ID id = it == s.living.end() ? 0 : it->first;
+    if (id == s.current)
+        return;
+    s.current = id;
+    // The caches hold what was sent in the other context.
+    setCurrentProgram(nullptr);
+    if (id == 0)
+        return;
+    for (const Name name : std::exchange(it->second.namesToDelete, {}))
+        deleteNow(name);
+}
+
+void CurrentContext::died(Handle handle)
+{
+    State& s = state();
+    const auto it = find(handle);
+    if (it == s.living.end())
+        return;
+    if (it->first == s.current)
+        set(nullptr);
+    s.living.erase(it);
+}
+
+CurrentContext::ID CurrentContext::getID() { return state().current; }
+
+void CurrentContext::deleteName(ID owner, Kind kind, unsigned int name)
+{
+    if (name == 0)
+        return;
+    State& s = state();
+    const auto it = s.living.find(owner);
+    if (it == s.living.end())
+        return;
+    if (owner == s.current)
+        deleteNow({kind, name});
+    else
+        it->second.namesToDelete.push_back({kind, name});
+}
+
+bool CurrentContext::isThere(const char* operation)
+{
+    if (state().current != 0)
+        return true;
+    vo::dbgLog("Error! %s without a current GL context!", operation);
+    return false;
+}
+
+} // namespace gui::gl

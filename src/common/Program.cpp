@@ -1,0 +1,349 @@
+#include <gui/gl/Program.h>
+
+#include "ProgHelper.h"
+#include "ShaderLog.h"
+
+#include <gui/Res.h>
+#include <gui/gl/Buffer.h>
+#include <gui/gl/Color.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <glm/gtc/type_ptr.hpp>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <vector>
+
+namespace gui::gl
+{
+
+cnt::StringBuilder<td::String, 1024> Program::s_progErrors(true);
+
+namespace
+{
+
+constexpr std::array<GLenum, 5> cShaderTypes{GL_VERTEX_SHADER, GL_FRAGMENT_SHADER, GL_TESS_CONTROL_SHADER,
+                                             GL_TESS_EVALUATION_SHADER, GL_GEOMETRY_SHADER};
+static_assert(cShaderTypes.size() == std::size_t(GLSL::Type::GeometryShader) + 1);
+
+bool isResource(const char* resID) { return resID[0] == ':'; }
+
+// The stage's name in messages.
+const char* nameOf(const char* resID) { return isResource(resID) ? resID + 1 : resID; }
+
+// The compiled shaders of one link, deleted with it, whether it succeeded or not.
+class Shaders
+{
+public:
+    Shaders() = default;
+    ~Shaders();
+    Shaders(const Shaders&) = delete;
+    Shaders& operator=(const Shaders&) = delete;
+
+    GLuint add(GLSL::Type type, GLuint shader) { return _shaders[static_cast<std::size_t>(type)] = shader; }
+
+private:
+    std::array<GLuint, cShaderTypes.size()> _shaders{};
+};
+
+Shaders::~Shaders()
+{
+    constexpr std::array cOrder{GLSL::Type::VertexShader, GLSL::Type::FragmentShader, GLSL::Type::GeometryShader,
+                                GLSL::Type::TessellationEvalShader, GLSL::Type::TessellationCtrlShader};
+    for (const GLSL::Type type : cOrder)
+    {
+        const GLuint shader = _shaders[static_cast<std::size_t>(type)];
+        if (shader != 0)
+            glDeleteShader(shader);
+    }
+}
+
+// The length that GL gives counts the terminating zero; a driver may give 0.
+std::string shaderInfoLog(GLuint shader)
+{
+    GLint length = 0;
+    glGetShaderiv(shader, GL_INFO_LOG_LENGTH, &length);
+    if (length <= 0)
+        return {};
+    std::string infoLog(static_cast<std::size_t>(length), '\0');
+    glGetShaderInfoLog(shader, length, nullptr, infoLog.data());
+    return infoLog.c_str();
+}
+
+std::string programInfoLog(GLuint program)
+{
+    GLint length = 0;
+    glGetProgramiv(program, GL_INFO_LOG_LENGTH, &length);
+    if (length <= 0)
+        return {};
+    std::string infoLog(static_cast<std::size_t>(length), '\0');
+    glGetProgramInfoLog(program, length, nullptr, infoLog.data());
+    return infoLog.c_str();
+}
+
+} // namespace
+
+// Compiles one stage. @return the shader; 0 after a failure, with nothing left behind
+unsigned int Program::compile(GLSL::Type type, const char* resID)
+{
+    const GLuint shader = glCreateShader(cShaderTypes[static_cast<std::size_t>(type)]);
+    if (shader == 0)
+    {
+        s_progErrors << "OpenGL " << GLSL::toString(type) << " cannot be created!\n";
+        vo::dbgLog("OpenGL %s cannot be created!", GLSL::toString(type));
+        return 0;
+    }
+    const td::String resource = isResource(resID) ? gui::getResText(nameOf(resID)) : td::String();
+    const char* const source = isResource(resID) ? resource.c_str() : resID;
+    glShaderSource(shader, 1, &source, nullptr);
+    glCompileShader(shader);
+    return isCompilationOK(type, shader, nameOf(resID), source) ? shader : 0;
+}
+
+bool Program::isCompilationOK(GLSL::Type type, unsigned int shader, const char* name, const char* source)
+{
+    GLint status = GL_FALSE;
+    glGetShaderiv(shader, GL_COMPILE_STATUS, &status);
+    if (status == GL_TRUE)
+        return true;
+    const std::string infoLog = shaderInfoLog(shader);
+    const char* const stage = GLSL::toString(type);
+    s_progErrors << "OpenGL " << stage << " compilation failed! Info='" << infoLog.c_str() << "'. FileName=" << name
+                 << "\n";
+    vo::dbgLog("OpenGL %s compilation failed! Info='%s'. FileName=%s", stage, infoLog.c_str(), name);
+    for (const std::string& line : explainShaderLog(infoLog, source))
+        vo::dbgLog("%s", line.c_str());
+    glDeleteShader(shader);
+    return false;
+}
+
+bool Program::isLinkingOK(unsigned int program, const char* vertexName, const char* fragmentName)
+{
+    GLint status = GL_FALSE;
+    glGetProgramiv(program, GL_LINK_STATUS, &status);
+    if (status == GL_TRUE)
+        return true;
+    const std::string infoLog = programInfoLog(program);
+    if (!infoLog.empty())
+    {
+        s_progErrors << "OpenGL Program linking failed! Info='" << infoLog.c_str()
+                     << "'. Vertex fileName=" << vertexName << ", fragment fileName=" << fragmentName << "\n";
+        vo::dbgLog("OpenGL Program linking failed! Info='%s'. Vertex fileName=%s, fragment fileName=%s",
+                   infoLog.c_str(), vertexName, fragmentName);
+    }
+    glDeleteProgram(program);
+    return false;
+}
+
+unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
+                            const char* tessEvalResID, const char* geometryResID)
+{
+    TD_ASSERT(vertexResID != nullptr, 0);
+    TD_ASSERT(fragmentResID != nullptr, 0);
+    if (!CurrentContext::isThere("Program::link"))
+        return 0;
+
+    Shaders shaders;
+    const GLuint vertexShader = shaders.add(GLSL::Type::VertexShader, compile(GLSL::Type::VertexShader, vertexResID));
+    if (vertexShader == 0)
+        return 0;
+    const GLuint fragmentShader =
+        shaders.add(GLSL::Type::FragmentShader, compile(GLSL::Type::FragmentShader, fragmentResID));
+    if (fragmentShader == 0)
+        return 0;
+
+    const GLuint program = glCreateProgram();
+    if (program == 0)
+    {
+        s_progErrors << "OpenGL Program cannot be created!\n";
+        vo::dbgLog("OpenGL Program cannot be created!");
+        return 0;
+    }
+    glAttachShader(program, vertexShader);
+    glAttachShader(program, fragmentShader);
+
+    struct Stage
+    {
+        GLSL::Type type;
+        const char* resID;
+    };
+    const bool isTessellated = tessCtrlResID != nullptr && tessEvalResID != nullptr;
+    const Stage furtherStages[] = {{GLSL::Type::TessellationCtrlShader, isTessellated ? tessCtrlResID : nullptr},
+                                   {GLSL::Type::TessellationEvalShader, isTessellated ? tessEvalResID : nullptr},
+                                   {GLSL::Type::GeometryShader, geometryResID}};
+    for (const Stage& stage : furtherStages)
+    {
+        if (stage.resID == nullptr)
+            continue;
+        const GLuint shader = shaders.add(stage.type, compile(stage.type, stage.resID));
+        if (shader == 0)
+        {
+            glDeleteProgram(program);
+            return 0;
+        }
+        glAttachShader(program, shader);
+    }
+
+    glLinkProgram(program);
+    return isLinkingOK(program, nameOf(vertexResID), nameOf(fragmentResID)) ? program : 0;
+}
+
+Program::~Program() { release(); }
+
+bool Program::link(const char* vertexResID, const char* fragmentResID, const char* geometryResID)
+{
+    return finishLink(_link(vertexResID, fragmentResID, nullptr, nullptr, geometryResID));
+}
+
+bool Program::link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
+                   const char* tessEvalResID, const char* geometryResID)
+{
+    return finishLink(_link(vertexResID, fragmentResID, tessCtrlResID, tessEvalResID, geometryResID));
+}
+
+bool Program::finishLink(unsigned int programID)
+{
+    _programID = programID;
+    if (_programID == 0)
+    {
+        onError();
+        return false;
+    }
+    _contextID = CurrentContext::getID();
+    onLinked();
+    return true;
+}
+
+void Program::release()
+{
+    if (ProgHelper::isCurrent(this))
+        setCurrentProgram(nullptr);
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Program, _programID);
+    _programID = 0;
+}
+
+td::String Program::getLastError() { return s_progErrors.toString(); }
+
+void Program::onLinked() { vo::dbgLog("WARNNING! zavGL Program::onLinked not handled at all!"); }
+
+void Program::onError() {}
+
+int Program::getUniformLocation(const char* name) const
+{
+    TD_ASSERT(_programID != 0, -1);
+    return glGetUniformLocation(_programID, name);
+}
+
+void Program::reserveUniforms(unsigned char n)
+{
+    _uniformLocations.reserve(n);
+    std::fill(_uniformLocations.begin(), _uniformLocations.end(), -1);
+}
+
+bool Program::uniformLocationsAreOk() const
+{
+    return std::all_of(_uniformLocations.begin(), _uniformLocations.end(), [](int location) { return location >= 0; });
+}
+
+bool Program::getUniformLocationsForMatrices(const char** names, std::size_t n)
+{
+    _matrixLocations.reserve(n);
+    std::fill(_matrixLocations.begin(), _matrixLocations.end(), -1);
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        _matrixLocations[i] = getUniformLocation(names[i]);
+        if (_matrixLocations[i] < 0)
+            return false;
+    }
+    return true;
+}
+
+void Program::setUniformValuesForMatrices(const glm::mat4** matrices, std::size_t n)
+{
+    TD_ASSERT(n <= _matrixLocations.size());
+    for (std::size_t i = 0; i < n; ++i)
+        setUniformValue(static_cast<unsigned int>(_matrixLocations[i]), *matrices[i]);
+}
+
+void Program::setUniformValuesForMatrices(const glm::mat4* matrices, std::size_t n)
+{
+    TD_ASSERT(n <= _matrixLocations.size());
+    for (std::size_t i = 0; i < n; ++i)
+        setUniformValue(static_cast<unsigned int>(_matrixLocations[i]), matrices[i]);
+}
+
+void Program::setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, false>& matrices, std::size_t n)
+{
+    TD_ASSERT(n <= matrices.size());
+    setUniformValuesForMatrices(matrices.begin(), n == 0 ? matrices.size() : n);
+}
+
+void Program::setColor3(const glm::vec3& color)
+{
+    TD_ASSERT(_color3Location >= 0);
+    setUniformValue(static_cast<unsigned int>(_color3Location), color);
+}
+
+void Program::setColor4(const glm::vec4& color)
+{
+    TD_ASSERT(_color4Location >= 0);
+    setUniformValue(static_cast<unsigned int>(_color4Location), color);
+}
+
+void Program::setMVP(const glm::mat4& mvp)
+{
+    TD_ASSERT(_matrixLocation >= 0);
+    setUniformValue(static_cast<unsigned int>(_matrixLocation), mvp);
+}
+
+void Program::activate() const
+{
+    if (_pBuffer != nullptr)
+        _pBuffer->activate();
+    // What it draws does not change the program; commands only send uniforms through it.
+    setCurrentProgram(const_cast<Program*>(this));
+    glUseProgram(_programID);
+}
+
+void Program::deActivate() const
+{
+    glBindVertexArray(0);
+    useNone();
+}
+
+void Program::useNone()
+{
+    glUseProgram(0);
+    setCurrentProgram(nullptr);
+}
+
+void Program::reserveCommands(std::size_t n) { _commandList.reserve(n); }
+
+Command* Program::createCommand() { return _commandList.get(); }
+
+bool Program::encode(Command* pCommand) { return _commandList.encode(pCommand); }
+
+bool Program::remove(Command* pCommand) { return _commandList.remove(pCommand); }
+
+void Program::execute()
+{
+    if (_commandList.size() > 0)
+    {
+        _commandList.execute();
+        return;
+    }
+    TD_ASSERT(_pBuffer != nullptr);
+    _pBuffer->getCommandList().execute();
+}
+
+void Program::execute(std::size_t first, std::size_t count)
+{
+    TD_ASSERT(_pBuffer != nullptr);
+    _pBuffer->getCommandList().execute(first, count);
+}
+
+} // namespace gui::gl

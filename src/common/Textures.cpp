@@ -1,0 +1,296 @@
+#include <gui/gl/Textures.h>
+
+#include "TextureUpload.h"
+
+#include <gui/Texture.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <array>
+#include <cstddef>
+#include <limits>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr std::array<GLenum, 32> cZavPos{
+    GL_TEXTURE0,  GL_TEXTURE1,  GL_TEXTURE2,  GL_TEXTURE3,  GL_TEXTURE4,  GL_TEXTURE5,  GL_TEXTURE6,  GL_TEXTURE7,
+    GL_TEXTURE8,  GL_TEXTURE9,  GL_TEXTURE10, GL_TEXTURE11, GL_TEXTURE12, GL_TEXTURE13, GL_TEXTURE14, GL_TEXTURE15,
+    GL_TEXTURE16, GL_TEXTURE17, GL_TEXTURE18, GL_TEXTURE19, GL_TEXTURE20, GL_TEXTURE21, GL_TEXTURE22, GL_TEXTURE23,
+    GL_TEXTURE24, GL_TEXTURE25, GL_TEXTURE26, GL_TEXTURE27, GL_TEXTURE28, GL_TEXTURE29, GL_TEXTURE30, GL_TEXTURE31};
+static_assert(cZavPos.size() == std::size_t(Textures::Unit::T31) + 1);
+
+constexpr std::size_t cFaces = 6;
+
+// Which name belongs to each face in GL's order: +x, -x, +y, -y, +z, -z.
+constexpr std::array<std::size_t, cFaces> cNameOfFace{2, 0, 4, 5, 1, 3};
+
+GLenum bindTarget(Texture::Type type) { return type == Texture::Type::CubeMap ? GL_TEXTURE_CUBE_MAP : GL_TEXTURE_2D; }
+
+unsigned int generateTexture()
+{
+    GLuint id = 0;
+    glGenTextures(1, &id);
+    return id;
+}
+
+void finish2DTexture()
+{
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+}
+
+// Unbinds a texture that was refused after it got its name, and gives the name back.
+bool refuse(GLenum target, GLuint id)
+{
+    glBindTexture(target, 0);
+    glDeleteTextures(1, &id);
+    return false;
+}
+
+bool areFacesUsable(const std::array<gui::Texture, cFaces>& faces)
+{
+    for (std::size_t slot = 0; slot < cFaces; ++slot)
+    {
+        const gui::Texture& face = faces[slot];
+        if (!face.isOk())
+        {
+            vo::dbgLog("Error! Textures::appendCubeMap cannot load texture with pos=%zu!", slot);
+            return false;
+        }
+        if (face.getWidth() != faces[0].getWidth() || face.getHeight() != faces[0].getHeight())
+        {
+            vo::dbgLog("Error! Textures::appendCubeMap ->All faces in cube map must have same size!");
+            return false;
+        }
+        if (face.getBytesPerPixel() != 3)
+        {
+            vo::dbgLog("Error! Textures::appendCubeMap tries to use non RGB texture with pos=%zu!", slot);
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+Textures::~Textures() { release(); }
+
+bool Textures::canAppend(const char* operation, std::size_t n)
+{
+    if (!CurrentContext::isThere(operation))
+        return false;
+    TD_ASSERT(_textures.size() == 0 || _contextID == CurrentContext::getID(), false);
+    TD_ASSERT(_textures.size() + n <= std::numeric_limits<unsigned short>::max(), false);
+    _contextID = CurrentContext::getID();
+    return true;
+}
+
+bool Textures::append(const std::initializer_list<gui::Texture*>& textures, Texture::Type type)
+{
+    if (!canAppend("Textures::append", textures.size()))
+        return false;
+
+    GLint maxTextureUnits = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_IMAGE_UNITS, &maxTextureUnits);
+    TD_ASSERT(maxTextureUnits >= 16, false);
+    _maxUnits = static_cast<unsigned short>(maxTextureUnits);
+    if (_textures.capacity() == 0)
+        _textures.reserve(textures.size());
+    GLint maxCombinedUnits = 0;
+    glGetIntegerv(GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS, &maxCombinedUnits);
+    _maxCombinedUnits = static_cast<unsigned short>(maxCombinedUnits);
+
+    int position = 0;
+    for (const gui::Texture* pTexture : textures)
+    {
+        TD_ASSERT(pTexture != nullptr, false);
+        const GLuint id = generateTexture();
+        if (id == 0)
+        {
+            glBindTexture(GL_TEXTURE_2D, 0);
+            return false;
+        }
+        glBindTexture(GL_TEXTURE_2D, id);
+        const unsigned int bytesPerPixel = pTexture->getBytesPerPixel();
+        if (bytesPerPixel != 3 && bytesPerPixel != 4)
+        {
+            vo::dbgLog("Error! Textures::append tries to use non RGB texture!");
+            return refuse(GL_TEXTURE_2D, id);
+        }
+        if (!pTexture->isOk())
+        {
+            vo::dbgLog("Error! Textures::append empty texture at position: %d", position);
+            return refuse(GL_TEXTURE_2D, id);
+        }
+        uploadImage(GL_TEXTURE_2D, bytesPerPixel == 4 ? GL_RGBA : GL_RGB, *pTexture);
+        finish2DTexture();
+        _textures.push_back({id, type});
+        ++position;
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return true;
+}
+
+bool Textures::append(const std::initializer_list<const char*>& fileNames, Texture::Type type)
+{
+    if (!canAppend("Textures::append", fileNames.size()))
+        return false;
+
+    int position = 0;
+    for (const char* fileName : fileNames)
+    {
+        if (fileName == nullptr)
+        {
+            vo::dbgLog("Error! Textures::append empty texture name at pos = %d", position);
+            glBindTexture(GL_TEXTURE_2D, 0);
+            return false;
+        }
+        gui::Texture image;
+        if (!image.loadFromFile(fileName) || !image.isOk())
+        {
+            vo::dbgLog("Error! Textures::append cannot load texture with name = %s", fileName);
+            glBindTexture(GL_TEXTURE_2D, 0);
+            return false;
+        }
+        image.mirrorVertically();
+        const GLuint id = generateTexture();
+        if (id == 0)
+            return false;
+        glBindTexture(GL_TEXTURE_2D, id);
+        if (image.getBytesPerPixel() != 3)
+        {
+            vo::dbgLog("Error! Textures::append tries to use non RGB texture! Texture name=%s", fileName);
+            return refuse(GL_TEXTURE_2D, id);
+        }
+        uploadImage(GL_TEXTURE_2D, GL_RGB, image);
+        finish2DTexture();
+        _textures.push_back({id, type});
+        ++position;
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return true;
+}
+
+bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
+{
+    for (std::size_t i = 0; i < cFaces; ++i)
+    {
+        const char* img = fileNames[i];
+        TD_ASSERT(img, false);
+    }
+    if (!canAppend("Textures::appendCubeMap", 1))
+        return false;
+
+    std::array<gui::Texture, cFaces> faces;
+    for (std::size_t slot = 0; slot < cFaces; ++slot)
+        std::ignore = faces[slot].loadFromFile(fileNames[cNameOfFace[slot]]); // areFacesUsable tells
+    if (!areFacesUsable(faces))
+        return false;
+
+    const GLuint id = generateTexture();
+    if (id == 0)
+    {
+        vo::dbgLog("Error! Textures::appendCubeMap cannot generate texture!");
+        return false;
+    }
+    glBindTexture(GL_TEXTURE_CUBE_MAP, id);
+    for (std::size_t i = 0; i < cFaces; ++i)
+    {
+        if (faces[i].getBytes() == nullptr)
+        {
+            vo::dbgLog("Error! Textures::appendCubeMap empty texture at position: %d", static_cast<int>(i));
+            return refuse(GL_TEXTURE_CUBE_MAP, id);
+        }
+        uploadImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(i), GL_RGB, faces[i]);
+        const GLenum error = glGetError();
+        if (error != GL_NO_ERROR)
+        {
+            vo::dbgLog("ERROR! OpenGL error in setupVBO! Error code = %x", error);
+            return refuse(GL_TEXTURE_CUBE_MAP, id);
+        }
+    }
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE);
+    glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
+    _textures.push_back({id, Texture::Type::CubeMap});
+    return true;
+}
+
+void Textures::reserve(unsigned short n)
+{
+    for (const TextureInfo& texture : _textures)
+        CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, texture.id);
+    _textures.reserve(n);
+}
+
+unsigned int Textures::getID(unsigned short index) const { return _textures.at(index).id; }
+
+Texture::Type Textures::getType(unsigned short index) const { return _textures.at(index).type; }
+
+std::tuple<unsigned int, Texture::Type> Textures::getIDAndType(unsigned short index) const
+{
+    const TextureInfo& texture = _textures.at(index);
+    return {texture.id, texture.type};
+}
+
+void Textures::setActiveUnit(Unit unit)
+{
+    const GLenum glUnit = getZavPosID(unit);
+    if (glUnit != 0)
+        glActiveTexture(glUnit);
+}
+
+void Textures::bindToActiveUnit(unsigned short index)
+{
+    const auto [textureID, type] = getIDAndType(index);
+    TD_ASSERT(textureID != 0);
+    glBindTexture(bindTarget(type), textureID);
+}
+
+void Textures::setActive(Unit unit, unsigned short index)
+{
+    setActiveUnit(unit);
+    bindToActiveUnit(index);
+}
+
+void Textures::setUniform(int location, Unit unit, unsigned short index)
+{
+    setActive(unit, index);
+    glUniform1i(location, static_cast<GLint>(unit));
+}
+
+unsigned int Textures::getZavPosID(Unit unit)
+{
+    TD_ASSERT(static_cast<std::size_t>(unit) < cZavPos.size(), 0);
+    return cZavPos[static_cast<std::size_t>(unit)];
+}
+
+void Textures::bindToSamplerUnit(unsigned int textureID, Unit unit, Texture::Type type)
+{
+    const GLenum glUnit = getZavPosID(unit);
+    if (glUnit == 0)
+        return;
+    glActiveTexture(glUnit);
+    glBindTexture(bindTarget(type), textureID);
+}
+
+void Textures::release()
+{
+    for (const TextureInfo& texture : _textures)
+        CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, texture.id);
+    _textures.release();
+}
+
+} // namespace gui::gl

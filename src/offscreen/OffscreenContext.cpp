@@ -1,0 +1,285 @@
+#include <gui/gl/OffscreenContext.h>
+
+#include <gui/Texture.h>
+#include <gui/gl/CurrentContext.h>
+#include <vo/Log.h>
+
+#include <epoxy/egl.h>
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <tuple>
+#include <vector>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+EGLDisplay initialised(EGLDisplay display)
+{
+    return display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr) ? display : EGL_NO_DISPLAY;
+}
+
+EGLDisplay openSurfacelessDisplay()
+{
+    if (!epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless"))
+        return EGL_NO_DISPLAY;
+    return initialised(eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr));
+}
+
+EGLDisplay openDeviceDisplay()
+{
+    if (!epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_platform_device") ||
+        !epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_device_enumeration"))
+        return EGL_NO_DISPLAY;
+    std::array<EGLDeviceEXT, 16> devices{};
+    EGLint nDevices = 0;
+    if (!eglQueryDevicesEXT(static_cast<EGLint>(devices.size()), devices.data(), &nDevices))
+        return EGL_NO_DISPLAY;
+    for (EGLint i = 0; i < nDevices; ++i)
+    {
+        const EGLDisplay display =
+            initialised(eglGetPlatformDisplayEXT(EGL_PLATFORM_DEVICE_EXT, devices[std::size_t(i)], nullptr));
+        if (display != EGL_NO_DISPLAY)
+            return display;
+    }
+    return EGL_NO_DISPLAY;
+}
+
+// One display for the process, kept to its end: drivers do not take well to being unloaded and loaded again.
+EGLDisplay theDisplay()
+{
+    static const EGLDisplay display = []
+    {
+        if (!epoxy_has_egl())
+            return EGLDisplay(EGL_NO_DISPLAY);
+        const EGLDisplay surfaceless = openSurfacelessDisplay();
+        return surfaceless != EGL_NO_DISPLAY ? surfaceless : openDeviceDisplay();
+    }();
+    return display;
+}
+
+struct Sizes
+{
+    EGLint color; // of each channel
+    EGLint alpha;
+    EGLint depth;
+    EGLint stencil;
+};
+
+Sizes sizesOf(const Context& settings)
+{
+    const auto [colorBits, alphaBits] = settings.getRGBSize();
+    return {colorBits / 3, alphaBits, settings.getDepthBufferSize(), settings.getStencilBufferSize()};
+}
+
+// @return null when the system has no such configuration
+EGLConfig findConfig(EGLDisplay display, const Sizes& sizes)
+{
+    const EGLint attributes[] = {
+        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_RED_SIZE,   sizes.color,
+        EGL_GREEN_SIZE,   sizes.color,     EGL_BLUE_SIZE,       sizes.color,    EGL_ALPHA_SIZE, sizes.alpha,
+        EGL_DEPTH_SIZE,   sizes.depth,     EGL_STENCIL_SIZE,    sizes.stencil,  EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint nConfigs = 0;
+    if (!eglChooseConfig(display, attributes, &config, 1, &nConfigs) || nConfigs < 1)
+        return nullptr;
+    return config;
+}
+
+EGLConfig findConfigInSteps(EGLDisplay display, const Context& settings)
+{
+    const Sizes asked = sizesOf(settings);
+    if (EGLConfig config = findConfig(display, asked))
+        return config;
+    Sizes got = asked;
+    got.depth = std::min(got.depth, 24);
+    got.stencil = std::min(got.stencil, 8);
+    EGLConfig config = findConfig(display, got);
+    if (config != nullptr)
+        vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d", asked.depth,
+                   asked.stencil, got.depth, got.stencil);
+    else
+        vo::dbgLog("ERROR! OffscreenContext cannot find a configuration with %d colour, %d alpha, %d depth and %d "
+                   "stencil bits; EGL %s offers none",
+                   asked.color * 3, asked.alpha, asked.depth, asked.stencil, eglQueryString(display, EGL_VERSION));
+    return config;
+}
+
+EGLContext createContext(EGLDisplay display, EGLConfig config, Context::Profile profile, bool debug)
+{
+    const bool is32 = profile == Context::Profile::Core32;
+    const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
+                                 is32 ? 3 : 4,
+                                 EGL_CONTEXT_MINOR_VERSION,
+                                 is32 ? 2 : 1,
+                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                 EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+                                 EGL_CONTEXT_OPENGL_DEBUG,
+                                 debug ? EGL_TRUE : EGL_FALSE,
+                                 EGL_NONE};
+    const EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+    if (context == EGL_NO_CONTEXT)
+        vo::dbgLog("ERROR! OffscreenContext cannot create an OpenGL %s core context (EGL error %x)",
+                   is32 ? "3.2" : "4.1", eglGetError());
+    return context;
+}
+
+EGLSurface createSurface(EGLDisplay display, EGLConfig config, const td::Size<int>& size)
+{
+    if (size.width < 1 || size.height < 1)
+    {
+        vo::dbgLog("Error! OffscreenContext with a size of %d x %d pixels", size.width, size.height);
+        return EGL_NO_SURFACE;
+    }
+    const EGLint attributes[] = {EGL_WIDTH, size.width, EGL_HEIGHT, size.height, EGL_NONE};
+    const EGLSurface surface = eglCreatePbufferSurface(display, config, attributes);
+    if (surface == EGL_NO_SURFACE)
+        vo::dbgLog("ERROR! OffscreenContext cannot create a surface of %d x %d pixels (EGL error %x)", size.width,
+                   size.height, eglGetError());
+    return surface;
+}
+
+} // namespace
+
+struct OffscreenContext::Impl
+{
+    EGLDisplay display = EGL_NO_DISPLAY;
+    EGLConfig config = nullptr;
+    EGLContext context = EGL_NO_CONTEXT;
+    EGLSurface surface = EGL_NO_SURFACE;
+    td::Size<int> size;
+
+    Impl() = default;
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+    ~Impl();
+
+    bool create(const td::Size<int>& newSize, const Context& settings, bool debug);
+    bool makeCurrent(EGLSurface newSurface) const;
+};
+
+OffscreenContext::Impl::~Impl()
+{
+    if (context != EGL_NO_CONTEXT)
+    {
+        if (eglGetCurrentContext() == context)
+            eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        CurrentContext::died(context);
+        eglDestroyContext(display, context);
+    }
+    if (surface != EGL_NO_SURFACE)
+        eglDestroySurface(display, surface);
+}
+
+bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const Context& settings, bool debug)
+{
+    display = theDisplay();
+    if (display == EGL_NO_DISPLAY)
+    {
+        vo::dbgLog("ERROR! OffscreenContext needs EGL with a surfaceless or a device platform, and there is none");
+        return false;
+    }
+    // Of EGL's APIs, the thread's choice decides what eglCreateContext makes; somebody else may have chosen since.
+    eglBindAPI(EGL_OPENGL_API);
+    config = findConfigInSteps(display, settings);
+    if (config == nullptr)
+        return false;
+    surface = createSurface(display, config, newSize);
+    if (surface == EGL_NO_SURFACE)
+        return false;
+    context = createContext(display, config, settings.getProfile(), debug);
+    if (context == EGL_NO_CONTEXT)
+        return false;
+    size = newSize;
+    return makeCurrent(surface);
+}
+
+bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface) const
+{
+    eglBindAPI(EGL_OPENGL_API);
+    if (!eglMakeCurrent(display, newSurface, newSurface, context))
+    {
+        vo::dbgLog("ERROR! OffscreenContext cannot be made current (EGL error %x)", eglGetError());
+        return false;
+    }
+    CurrentContext::set(context);
+    return true;
+}
+
+OffscreenContext::OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug)
+{
+    auto pImpl = std::make_unique<Impl>();
+    if (pImpl->create(size, settings, debug))
+        _pImpl = std::move(pImpl);
+}
+
+OffscreenContext::~OffscreenContext() = default;
+
+bool OffscreenContext::isOk() const { return _pImpl != nullptr; }
+
+td::Size<int> OffscreenContext::getSize() const { return isOk() ? _pImpl->size : td::Size<int>(); }
+
+bool OffscreenContext::makeCurrent() { return isOk() && _pImpl->makeCurrent(_pImpl->surface); }
+
+bool OffscreenContext::resize(const td::Size<int>& size)
+{
+    if (!isOk())
+        return false;
+    const EGLSurface surface = createSurface(_pImpl->display, _pImpl->config, size);
+    if (surface == EGL_NO_SURFACE)
+        return false;
+    if (!_pImpl->makeCurrent(surface))
+    {
+        eglDestroySurface(_pImpl->display, surface);
+        return false;
+    }
+    eglDestroySurface(_pImpl->display, _pImpl->surface);
+    _pImpl->surface = surface;
+    _pImpl->size = size;
+    glViewport(0, 0, size.width, size.height);
+    return true;
+}
+
+bool OffscreenContext::readPixels(gui::Texture& picture)
+{
+    if (!makeCurrent())
+    {
+        vo::dbgLog("Error! OffscreenContext::readPixels without a context");
+        return false;
+    }
+    const auto width = static_cast<std::size_t>(_pImpl->size.width);
+    const auto height = static_cast<std::size_t>(_pImpl->size.height);
+    constexpr std::size_t cBytesPerPixel = 3;
+    const std::size_t rowLength = width * cBytesPerPixel;
+    if (rowLength * height > std::numeric_limits<unsigned int>::max())
+    {
+        vo::dbgLog("Error! OffscreenContext::readPixels of %zu x %zu pixels, more than an image can hold", width,
+                   height);
+        return false;
+    }
+
+    // Rows of 4 bytes per pixel keep GL's pack alignment whatever the width.
+    std::vector<td::BYTE> pixels(width * height * 4);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+    glReadPixels(0, 0, _pImpl->size.width, _pImpl->size.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    TextureHelper helper(&picture);
+    helper.reserve(static_cast<unsigned int>(rowLength * height));
+    helper.updateInfo(_pImpl->size.width, _pImpl->size.height, cBytesPerPixel);
+    for (std::size_t row = 0; row < height; ++row)
+    {
+        const td::BYTE* pFrom = pixels.data() + (height - 1 - row) * width * 4;
+        td::BYTE* pTo = picture.getBytes() + row * rowLength;
+        for (std::size_t i = 0; i < width; ++i, pFrom += 4, pTo += cBytesPerPixel)
+            std::copy(pFrom, pFrom + cBytesPerPixel, pTo);
+    }
+    return true;
+}
+
+} // namespace gui::gl

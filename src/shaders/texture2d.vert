@@ -1,0 +1,10 @@
+#version 330 core
+uniform mat4 mvp;
+layout(location = 0) in vec2 position;
+layout(location = 1) in vec2 textureCoordinate;
+out vec2 coordinate;
+void main()
+{
+    gl_Position = mvp * vec4(position, 0.0, 1.0);
+    coordinate = textureCoordinate;
+}
