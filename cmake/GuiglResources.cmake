@@ -68,11 +68,7 @@ ${assembly}    .popsection
 
 extern \"C\"
 {
-${declarations}
-// What an executable asks for to get this file out of a static library.
-__attribute__((visibility(\"hidden\"))) extern const char guigl_res_${id};
-const char guigl_res_${id} = 0;
-}
+${declarations}}
 
 namespace
 {
@@ -102,10 +98,12 @@ const Registration registration;
 
     target_sources(${target} PRIVATE "${source}")
     # Link-time optimisation does not see symbols that assembly defines.
-    set_property(SOURCE "${source}" TARGET_DIRECTORY ${target} APPEND PROPERTY COMPILE_OPTIONS -fno-lto)
-    set_property(SOURCE "${source}" TARGET_DIRECTORY ${target} APPEND PROPERTY OBJECT_DEPENDS "${paths}")
+    set_property(SOURCE "${source}" TARGET_DIRECTORY ${target} PROPERTY COMPILE_OPTIONS -fno-lto)
+    set_property(SOURCE "${source}" TARGET_DIRECTORY ${target} PROPERTY SKIP_UNITY_BUILD_INCLUSION ON)
+    set_property(SOURCE "${source}" TARGET_DIRECTORY ${target} PROPERTY OBJECT_DEPENDS "${paths}")
+    # Nobody names what is in the source, so a linker would leave it in a static library.
     get_target_property(type ${target} TYPE)
     if(type STREQUAL "STATIC_LIBRARY")
-        target_link_options(${target} INTERFACE "LINKER:--undefined=guigl_res_${id}")
+        target_link_options(${target} INTERFACE "LINKER:--undefined=${symbol}")
     endif()
 endfunction()

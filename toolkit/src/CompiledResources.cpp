@@ -39,28 +39,28 @@ CompiledResources& CompiledResources::instance()
 void CompiledResources::add(std::span<const CompiledResource> resources)
 {
     for (const CompiledResource& resource : resources)
-        _entries.push_back({resource, {}});
+        _entries.push_back({&resource, {}});
 }
 
 void CompiledResources::remove(std::span<const CompiledResource> resources)
 {
     for (const CompiledResource& resource : resources)
-        std::erase_if(_entries, [&](const Entry& entry) { return entry.resource.name == resource.name; });
+        std::erase_if(_entries, [&](const Entry& entry) { return entry.pResource == &resource; });
 }
 
 std::optional<std::span<const td::BYTE>> CompiledResources::find(std::string_view name) const
 {
     const auto entry = std::find_if(_entries.rbegin(), _entries.rend(),
-                                    [&](const Entry& candidate) { return candidate.resource.name == name; });
+                                    [&](const Entry& candidate) { return candidate.pResource->name == name; });
     if (entry == _entries.rend())
         return std::nullopt;
-    return std::span(entry->resource.begin, entry->resource.end);
+    return std::span(entry->pResource->begin, entry->pResource->end);
 }
 
 fs::path CompiledResources::fileOf(std::string_view name)
 {
     const auto entry = std::find_if(_entries.rbegin(), _entries.rend(),
-                                    [&](const Entry& candidate) { return candidate.resource.name == name; });
+                                    [&](const Entry& candidate) { return candidate.pResource->name == name; });
     if (entry == _entries.rend())
         return {};
     std::error_code error;
@@ -70,7 +70,7 @@ fs::path CompiledResources::fileOf(std::string_view name)
     if (!makeFolder())
         return {};
     const fs::path file = _folder / (std::to_string(_nFiles++) + "-" + fs::path(name).filename().string());
-    if (!writeFile(file, entry->resource))
+    if (!writeFile(file, *entry->pResource))
         return {};
     return entry->file = file;
 }

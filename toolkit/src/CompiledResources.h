@@ -34,7 +34,7 @@ public:
 private:
     struct Entry
     {
-        CompiledResource resource;
+        const CompiledResource* pResource;
         std::filesystem::path file; // empty until it is written
     };
 

@@ -46,7 +46,7 @@ public:
     GUIGL_API static bool getCompiled(const char* name, std::span<const td::BYTE>& bytes);
 
     /// What guigl_add_resources calls when the program or library is loaded, and when it is unloaded again. The entries
-    /// are not copied.
+    /// are not copied, and removed by their addresses.
     GUIGL_API static void addCompiled(std::span<const CompiledResource> resources);
     GUIGL_API static void removeCompiled(std::span<const CompiledResource> resources);
 };
