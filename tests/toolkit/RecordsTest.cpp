@@ -1,0 +1,134 @@
+#include <gui/DrawableView.h>
+#include <gui/InputDevice.h>
+#include <gui/NativeObject.h>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+TEST(Key, ASCIIAndVirtualExcludeEachOther)
+{
+    using Virtual = gui::Key::Virtual;
+    const struct
+    {
+        unsigned int code;
+        Virtual virtualKey;
+        bool isASCII;
+        char character;
+    } cases[] = {
+        {'a', Virtual::None, true, 'a'}, {1, Virtual::None, true, 1},
+        {127, Virtual::None, true, 127}, {0, Virtual::None, false, 0},
+        {128, Virtual::None, false, 0},  {'a' + 256, Virtual::None, false, 0}, // must not be cut to a byte
+        {115, Virtual::Home, false, 0},                                        // Home's platform code is that of 's'
+    };
+    for (const auto& c : cases)
+    {
+        gui::Key key(7, 0, 7, 13);
+        if (c.virtualKey == Virtual::None)
+            gui::KeyHelper(key).set(c.code, 9, 1);
+        else
+            gui::KeyHelper(key).setVirtual(c.code, 9, 1, c.virtualKey);
+        EXPECT_EQ(key.getCode(), c.code);
+        EXPECT_EQ(key.getCount(), 1);
+        EXPECT_EQ(key.getModifiers(), 9u);
+        EXPECT_EQ(key.getVirtual(), c.virtualKey) << c.code;
+        EXPECT_EQ(key.isVirtual(), c.virtualKey != Virtual::None) << c.code;
+        EXPECT_EQ(key.isASCII(), c.isASCII) << c.code;
+        EXPECT_EQ(key.getChar(), c.character) << c.code;
+    }
+}
+
+TEST(Key, EachModifierHasItsBit)
+{
+    const auto held = [](unsigned int mask)
+    {
+        const gui::Key key(0, mask, 1, 0);
+        return std::string(key.isShiftPressed() ? "S" : "") + (gui::isCtrlPressed(mask) ? "C" : "") +
+               (key.isAltPressed() ? "A" : "") + (key.isCmdPressed() ? "M" : "") + (key.isFnPressed() ? "F" : "");
+    };
+    const std::pair<unsigned int, std::string> cases[] = {{0, ""},  {1, "S"},  {2, ""},   {4, "C"},
+                                                          {8, "A"}, {16, "M"}, {32, "F"}, {63, "SCAMF"}};
+    for (const auto& [mask, expected] : cases)
+        EXPECT_EQ(held(mask), expected) << mask;
+    EXPECT_EQ(gui::removeKeyModifier(41, gui::KeyModifier::Alt), 33u);
+    EXPECT_EQ(gui::removeKeyModifier(1, gui::KeyModifier::Fn), 1u);
+}
+
+TEST(InputDevice, HoldsWhatItWasGiven)
+{
+    using gui::InputDevice;
+    InputDevice device({1, 2}, {3, 4}, {5, 6}, 17, InputDevice::Type::Gesture, InputDevice::Button::Wheel);
+    EXPECT_EQ(device.getNoOfEvents(), 1);
+    EXPECT_EQ(device.getScale(), 1.0);
+    gui::InputDeviceHelper helper(&device);
+    helper.setNoOfEvents(3);
+    helper.setScale(1.25);
+    EXPECT_EQ(device.getFramePoint(), (td::Point<double>(1, 2)));
+    EXPECT_EQ(device.getContentPoint(), (td::Point<double>(3, 4)));
+    EXPECT_EQ(device.getWindowPoint(), (td::Point<double>(5, 6)));
+    EXPECT_EQ(device.getType(), InputDevice::Type::Gesture);
+    EXPECT_EQ(device.getButton(), InputDevice::Button::Wheel);
+    EXPECT_EQ(device.getNoOfEvents(), 3);
+    EXPECT_EQ(device.getScale(), 1.25);
+    EXPECT_EQ(device.getKeyboardModifiers(), 17u);
+    EXPECT_TRUE(device.isAnyModifierPressed());
+    EXPECT_TRUE(device.getKey().isShiftPressed());
+    EXPECT_FALSE(device.getKey().isASCII());
+}
+
+class FakeNative final : public gui::NativeObject
+{
+public:
+    void release() override { ++nReleases; }
+    void getSize(td::Size<double>& size) const override { size = {640, 480}; }
+    void reDraw() override { ++nRedraws; }
+
+    int nReleases = 0;
+    int nRedraws = 0;
+};
+
+class View final : public gui::DrawableView
+{
+public:
+    explicit View(gui::NativeObject* pNative) { _handle = pNative; }
+    ~View() override { ++s_nDestroyed; }
+
+    void onFocusIn() override { calls += "in "; }
+    void onFocusOut() override { calls += "out "; }
+    void onGeometryChange(const td::PointAndSize<double>&) override { calls += "geometry "; }
+
+    std::string calls;
+    static inline int s_nDestroyed = 0;
+};
+
+TEST(View, ReachesItsNativeObjectUntilItLetsGo)
+{
+    FakeNative native;
+    View view(&native);
+    td::Size<double> size;
+    view.getSize(size);
+    view.reDraw();
+    EXPECT_EQ(size, (td::Size<double>(640, 480)));
+    EXPECT_EQ(native.nRedraws, 1);
+    view.release();
+    view.release();
+    view.getSize(size);
+    view.reDraw();
+    EXPECT_EQ(size, td::Size<double>());
+    EXPECT_EQ(native.nRedraws, 1);
+    EXPECT_EQ(native.nReleases, 1);
+    EXPECT_EQ(view.getHandle(), nullptr);
+
+    auto* const pView = new View(&native);
+    gui::BaseViewHelper(pView).onGeometryChange({});
+    gui::DrawableViewHelper(pView).onFocusIn();
+    gui::DrawableViewHelper(pView).onFocusOut();
+    EXPECT_EQ(pView->calls, "geometry in out ");
+    gui::ZavObject* const pObject = pView;
+    pObject->destroy();
+    EXPECT_EQ(View::s_nDestroyed, 1);
+    EXPECT_EQ(native.nReleases, 2);
+}
+
+} // namespace

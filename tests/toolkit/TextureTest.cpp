@@ -1,0 +1,262 @@
+#include "ImageFiles.h"
+#include "support/CapturedLog.h"
+#include "support/CaughtAsserts.h"
+
+#include <gui/Texture.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+#include <jpeglib.h>
+#include <png.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using test::Bytes;
+
+Bytes pixelsOf(const gui::Texture& texture)
+{
+    const std::size_t nBytes =
+        std::size_t(texture.getWidth()) * std::size_t(texture.getHeight()) * texture.getBytesPerPixel();
+    return Bytes(texture.getBytes(), texture.getBytes() + nBytes);
+}
+
+Bytes gradient(unsigned int width, unsigned int height, unsigned int bytesPerPixel)
+{
+    Bytes pixels;
+    for (unsigned int y = 0; y < height; ++y)
+        for (unsigned int x = 0; x < width; ++x)
+            for (unsigned int channel = 0; channel < bytesPerPixel; ++channel)
+                pixels.push_back(td::BYTE(7 * x + 11 * y + 50 * channel));
+    return pixels;
+}
+
+gui::Texture textureOf(unsigned int width, unsigned int height, unsigned short bytesPerPixel)
+{
+    gui::Texture texture;
+    const Bytes pixels = gradient(width, height, bytesPerPixel);
+    gui::TextureHelper helper(&texture);
+    helper.reserve(static_cast<unsigned int>(pixels.size()));
+    helper.updateInfo(int(width), int(height), bytesPerPixel);
+    std::copy(pixels.begin(), pixels.end(), texture.getBytes());
+    return texture;
+}
+
+/// An empty folder of this process's own.
+struct Folder
+{
+    Folder() { fs::create_directory(path); }
+    ~Folder() { fs::remove_all(path); }
+
+    fs::path path = fs::temp_directory_path() / ("guigl-texture-test-" + std::to_string(::getpid()));
+};
+
+// Every kind that the format has ends as 3 or 4 bytes per pixel: a missing conversion leaves rows of another length, or
+// grey where colour was.
+TEST(Texture, DecodesEveryKindOfPNG)
+{
+    struct Case
+    {
+        test::PNGFile file;
+        unsigned int bytesPerPixel;
+        Bytes pixels;
+    };
+    const Case cases[] = {
+        {{"grey 1", PNG_COLOR_TYPE_GRAY, 1, 3, {0xA0}}, 3, {255, 255, 255, 0, 0, 0, 255, 255, 255}},
+        {{"grey 4", PNG_COLOR_TYPE_GRAY, 4, 2, {0x1F}}, 3, {17, 17, 17, 255, 255, 255}},
+        {{"grey 8", PNG_COLOR_TYPE_GRAY, 8, 1, {9, 200}}, 3, {9, 9, 9, 200, 200, 200}},
+        // 0x12FF is nearer to 0x13 of 8 bits than to 0x12.
+        {{"grey 16", PNG_COLOR_TYPE_GRAY, 16, 1, {0x12, 0xFF}}, 3, {0x13, 0x13, 0x13}},
+        {{"grey, one transparent", PNG_COLOR_TYPE_GRAY, 8, 2, {9, 10}, {9}}, 4, {9, 9, 9, 0, 10, 10, 10, 255}},
+        {{"grey-alpha 8", PNG_COLOR_TYPE_GRAY_ALPHA, 8, 1, {64, 32}}, 4, {64, 64, 64, 32}},
+        {{"grey-alpha 16", PNG_COLOR_TYPE_GRAY_ALPHA, 16, 1, {64, 64, 32, 32}}, 4, {64, 64, 64, 32}},
+        {{"RGB 8", PNG_COLOR_TYPE_RGB, 8, 1, {1, 2, 3, 4, 5, 6}}, 3, {1, 2, 3, 4, 5, 6}},
+        {{"RGB 16", PNG_COLOR_TYPE_RGB, 16, 1, {1, 1, 2, 2, 0x12, 0xFF}}, 3, {1, 2, 0x13}},
+        {{"RGB, one transparent", PNG_COLOR_TYPE_RGB, 8, 2, {1, 2, 3, 1, 2, 4}, {1, 2, 3}},
+         4,
+         {1, 2, 3, 0, 1, 2, 4, 255}},
+        {{"RGBA 8", PNG_COLOR_TYPE_RGB_ALPHA, 8, 1, {1, 2, 3, 4}}, 4, {1, 2, 3, 4}},
+        {{"RGBA 16", PNG_COLOR_TYPE_RGB_ALPHA, 16, 1, {1, 1, 2, 2, 3, 3, 4, 4}}, 4, {1, 2, 3, 4}},
+        {{"palette 2", PNG_COLOR_TYPE_PALETTE, 2, 3, {0x6C}}, 3, {0, 255, 0, 0, 0, 255, 255, 255, 255}},
+        {{"palette 8 with alpha", PNG_COLOR_TYPE_PALETTE, 8, 2, {2, 0}, {0, 255, 7}}, 4, {0, 0, 255, 7, 255, 0, 0, 0}},
+        {{"interlaced", PNG_COLOR_TYPE_RGB, 8, 9, gradient(9, 11, 3), {}, true}, 3, gradient(9, 11, 3)},
+    };
+    for (const Case& c : cases)
+    {
+        const Bytes file = encoded(c.file);
+        gui::Texture texture;
+        ASSERT_TRUE(texture.loadFromMemory(file.data(), file.size())) << c.file.name;
+        EXPECT_TRUE(texture.isOk()) << c.file.name;
+        EXPECT_EQ(texture.getWidth(), int(c.file.width)) << c.file.name;
+        EXPECT_EQ(texture.getBytesPerPixel(), c.bytesPerPixel) << c.file.name;
+        EXPECT_EQ(pixelsOf(texture), c.pixels) << c.file.name;
+    }
+}
+
+TEST(Texture, DecodesEveryKindOfJPEG)
+{
+    struct Case
+    {
+        test::JPEGFile file;
+        Bytes expected; // the colour of all pixels
+    };
+    const auto filled = [](std::initializer_list<td::BYTE> pixel)
+    {
+        Bytes pixels;
+        for (int i = 0; i < 10 * 6; ++i)
+            pixels.insert(pixels.end(), pixel);
+        return pixels;
+    };
+    const Case cases[] = {
+        {{"grey", JCS_GRAYSCALE, JCS_GRAYSCALE, 10, filled({100})}, {100, 100, 100}},
+        {{"YCbCr", JCS_RGB, JCS_YCbCr, 10, filled({200, 100, 50})}, {200, 100, 50}},
+        {{"RGB", JCS_RGB, JCS_RGB, 10, filled({200, 100, 50})}, {200, 100, 50}},
+        {{"progressive", JCS_RGB, JCS_YCbCr, 10, filled({200, 100, 50}), true}, {200, 100, 50}},
+        // With Adobe's marker the values are what is left of the paper's white: 200 * 128 / 255, and so on.
+        {{"CMYK, Adobe", JCS_CMYK, JCS_CMYK, 10, filled({200, 100, 50, 128})}, {100, 50, 25}},
+        {{"YCCK, Adobe", JCS_CMYK, JCS_YCCK, 10, filled({200, 100, 50, 128})}, {100, 50, 25}},
+        {{"CMYK, inks", JCS_CMYK, JCS_CMYK, 10, filled({55, 155, 205, 127}), false, false}, {100, 50, 25}},
+    };
+    for (const Case& c : cases)
+    {
+        const Bytes file = encoded(c.file);
+        gui::Texture texture;
+        ASSERT_TRUE(texture.loadFromMemory(file.data(), file.size())) << c.file.name;
+        EXPECT_EQ(texture.getWidth(), 10) << c.file.name;
+        EXPECT_EQ(texture.getHeight(), 6) << c.file.name;
+        ASSERT_EQ(texture.getBytesPerPixel(), 3u) << c.file.name;
+        const Bytes pixels = pixelsOf(texture);
+        int worst = 0;
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            worst = std::max(worst, std::abs(int(pixels[i]) - int(c.expected[i % 3])));
+        EXPECT_LE(worst, 2) << c.file.name; // luma and chroma are rounded before they are mixed again
+    }
+}
+
+TEST(Texture, SavesWhatItLoadsAgain)
+{
+    const Folder folder;
+    const std::string path = folder.path / "picture.png";
+    test::CapturedLog log;
+    for (const unsigned short bytesPerPixel : {std::uint16_t(3), std::uint16_t(4)})
+    {
+        const gui::Texture texture = textureOf(5, 3, bytesPerPixel);
+        ASSERT_TRUE(texture.saveToFile(path.c_str())); // the second time over the first file
+        gui::Texture loaded;
+        ASSERT_TRUE(loaded.loadFromFile(path.c_str()));
+        EXPECT_EQ(loaded.getBytesPerPixel(), bytesPerPixel);
+        EXPECT_EQ(pixelsOf(loaded), gradient(5, 3, bytesPerPixel));
+    }
+
+    // A picture that can't take the place of what is there leaves nothing of itself behind.
+    const std::string taken = folder.path / "taken";
+    fs::create_directories(fs::path(taken) / "inside");
+    EXPECT_FALSE(textureOf(5, 3, 3).saveToFile(taken.c_str()));
+    EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: " + taken + " (Is a directory)"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), fs::directory_iterator()), 2);
+
+    EXPECT_FALSE(textureOf(5, 3, 3).saveToFile("/no-such-folder/x.png"));
+    EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: /no-such-folder/x.png "
+                         "(No such file or directory)"));
+    EXPECT_FALSE(gui::Texture().saveToFile(path.c_str()));
+    EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: " + path + " (no image)"));
+    EXPECT_FALSE(textureOf(5, 3, 2).saveToFile(path.c_str()));
+    EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: " + path + " (2 bytes per pixel)"));
+    gui::Texture kept;
+    EXPECT_TRUE(kept.loadFromFile(path.c_str()));
+}
+
+TEST(Texture, RefusedFilesSayWhyAndLeaveTheTexture)
+{
+    const Folder folder;
+    const std::string text = folder.path / "text.png";
+    std::ofstream(text) << "no picture";
+    gui::Texture texture = textureOf(4, 4, 4);
+    test::CapturedLog log;
+    const std::pair<std::string, std::string> cases[] = {
+        {folder.path / "missing.png", "No such file or directory"},
+        {folder.path, "not a regular file"},
+        {text, "neither PNG nor JPEG"},
+        {":no/such.png", "no such resource"},
+        {":../text.png", "not a resource name"},
+        {":", "not a resource name"},
+    };
+    for (const auto& [name, cause] : cases)
+    {
+        EXPECT_FALSE(texture.loadFromFile(name.c_str()));
+        EXPECT_TRUE(log.said("ERROR! Texture::loadFromFile cannot load file: " + name + " (" + cause + ")"));
+    }
+    test::CaughtAsserts asserts;
+    EXPECT_FALSE(texture.loadFromFile(nullptr));
+    EXPECT_TRUE(asserts.caught("fileName != nullptr"));
+    EXPECT_EQ(pixelsOf(texture), gradient(4, 4, 4));
+}
+
+TEST(Texture, MirrorsRowsInPlace)
+{
+    for (const unsigned int height : {1u, 2u, 5u})
+    {
+        gui::Texture texture = textureOf(3, height, 3);
+        texture.mirrorVertically();
+        const Bytes upright = gradient(3, height, 3);
+        Bytes expected;
+        for (unsigned int y = height; y-- > 0;)
+            expected.insert(expected.end(), upright.begin() + y * 9, upright.begin() + (y + 1) * 9);
+        EXPECT_EQ(pixelsOf(texture), expected);
+    }
+    gui::Texture none;
+    none.mirrorVertically();
+    EXPECT_FALSE(none.isOk());
+}
+
+// A frame is read back into as many bytes as the record says: sizes that wrap around, or exceed the room, must not pass.
+TEST(Texture, ReadBackNeverExceedsTheRoom)
+{
+    gui::Texture texture = textureOf(4, 4, 4);
+    gui::TextureHelper helper(&texture);
+    test::CaughtAsserts asserts;
+    const struct
+    {
+        int width, height;
+        unsigned short bytesPerPixel;
+    } cases[] = {{5, 4, 4}, {-4, -4, 4}, {65536, 65536, 1}, {0x40000000, 4, 4}, {1, 1, 256}, {4, 4, 5}};
+    for (const auto& c : cases)
+    {
+        helper.updateInfo(c.width, c.height, c.bytesPerPixel);
+        EXPECT_TRUE(asserts.caught("isRoomFor(width, height, bytesPerPixel)"));
+        EXPECT_EQ(pixelsOf(texture), gradient(4, 4, 4));
+    }
+    helper.reserve(10); // less than there is
+    EXPECT_EQ(pixelsOf(texture), gradient(4, 4, 4));
+    helper.reserve(100);
+    EXPECT_EQ(pixelsOf(texture), gradient(4, 4, 4));
+    helper.updateInfo(25, 1, 4);
+    EXPECT_EQ(pixelsOf(texture).back(), 0);
+    helper.updateInfo(0, 25, 4);
+    EXPECT_FALSE(texture.isOk());
+}
+
+TEST(Texture, MovingLeavesNoImageBehind)
+{
+    gui::Texture source = textureOf(2, 2, 3);
+    gui::Texture target = textureOf(9, 9, 4);
+    target = std::move(source);
+    EXPECT_EQ(pixelsOf(target), gradient(2, 2, 3));
+    EXPECT_FALSE(source.isOk());
+    EXPECT_EQ(source.getBytes(), nullptr);
+    EXPECT_EQ(source.getWidth(), 0);
+    gui::Texture& same = target;
+    target = std::move(same);
+    EXPECT_TRUE(target.isOk());
+}
+
+} // namespace
