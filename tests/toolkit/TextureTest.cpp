@@ -228,7 +228,7 @@ TEST(Texture, ReadBackNeverExceedsTheRoom)
     {
         int width, height;
         unsigned short bytesPerPixel;
-    } cases[] = {{5, 4, 4}, {-4, -4, 4}, {65536, 65536, 1}, {0x40000000, 4, 4}, {1, 1, 256}, {4, 4, 5}};
+    } cases[] = {{5, 4, 4}, {-4, -4, 4}, {65536, 65536, 1}, {0x40000000, 0x40000000, 16}, {1, 1, 256}, {4, 4, 5}};
     for (const auto& c : cases)
     {
         helper.updateInfo(c.width, c.height, c.bytesPerPixel);
