@@ -7,6 +7,7 @@
 #include <td/Assert.h>
 #include <vo/Log.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>

@@ -2,8 +2,6 @@
 
 #include <td/Types.h>
 
-#include <cstddef>
-
 namespace gui
 {
 
