@@ -1,0 +1,113 @@
+#include "OffscreenGL.h"
+
+#include <gui/gl/CurrentContext.h>
+
+#include <epoxy/gl.h>
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <array>
+#include <iostream>
+#include <utility>
+
+namespace test
+{
+
+namespace
+{
+
+// The leak check looks at a leak's libraries when the program ends. Drivers would be unloaded by then, so that no
+// suppression could match their names: everything loaded now stays.
+void pinLoadedLibraries()
+{
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void*)
+        {
+            if (info->dlpi_name != nullptr && *info->dlpi_name != '\0')
+                dlopen(info->dlpi_name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+            return 0;
+        },
+        nullptr);
+}
+
+bool isFault(GLenum type)
+{
+    return type == GL_DEBUG_TYPE_ERROR || type == GL_DEBUG_TYPE_UNDEFINED_BEHAVIOR ||
+           type == GL_DEBUG_TYPE_DEPRECATED_BEHAVIOR;
+}
+
+void onMessage(GLenum, GLenum type, GLuint, GLenum, GLsizei, const GLchar* text, const void* pErrors)
+{
+    if (isFault(type))
+        static_cast<std::vector<std::string>*>(const_cast<void*>(pErrors))->emplace_back(text);
+    else
+        std::cout << "GL: " << text << '\n';
+}
+
+} // namespace
+
+std::ostream& operator<<(std::ostream& stream, const Pixel& pixel)
+{
+    return stream << '(' << pixel.red << ' ' << pixel.green << ' ' << pixel.blue << ' ' << pixel.alpha << ')';
+}
+
+OffscreenGL::OffscreenGL(const td::Size<int>& size)
+    : _size(size)
+{
+}
+
+OffscreenGL::~OffscreenGL() = default;
+
+void OffscreenGL::SetUp()
+{
+    const gui::gl::Context settings(gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::Bits8,
+                                    gui::gl::Context::Profile::Core41);
+    _context = std::make_unique<gui::gl::OffscreenContext>(_size, settings, true);
+    ASSERT_TRUE(_context->isOk());
+    pinLoadedLibraries();
+    watchCurrentContext();
+}
+
+void OffscreenGL::TearDown()
+{
+    if (_context && _context->isOk())
+        _context->makeCurrent();
+    for (const std::string& error : takeErrors())
+        ADD_FAILURE() << "GL: " << error;
+    _context.reset();
+}
+
+void OffscreenGL::watchCurrentContext()
+{
+    glEnable(GL_DEBUG_OUTPUT);
+    glEnable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
+    glDebugMessageControl(GL_DONT_CARE, GL_DONT_CARE, GL_DONT_CARE, 0, nullptr, GL_TRUE);
+    glDebugMessageCallback(onMessage, &_errors);
+}
+
+std::vector<std::string> OffscreenGL::takeErrors()
+{
+    if (gui::gl::CurrentContext::getID() != 0)
+    {
+        for (GLenum error = glGetError(); error != GL_NO_ERROR; error = glGetError())
+            _errors.push_back("glGetError answers " + std::to_string(error));
+    }
+    return std::exchange(_errors, {});
+}
+
+void OffscreenGL::clear(const Pixel& color)
+{
+    const auto channel = [](int value) { return static_cast<float>(value) / 255; };
+    glClearColor(channel(color.red), channel(color.green), channel(color.blue), channel(color.alpha));
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+}
+
+Pixel OffscreenGL::pixel(int x, int y)
+{
+    std::array<unsigned char, 4> bytes{};
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    return {bytes[0], bytes[1], bytes[2], bytes[3]};
+}
+
+} // namespace test

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <gui/gl/OffscreenContext.h>
+
+#include <gtest/gtest.h>
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace test
+{
+
+/// The colour of one pixel, channels from 0 to 255.
+struct Pixel
+{
+    int red;
+    int green;
+    int blue;
+    int alpha = 255;
+
+    bool operator==(const Pixel&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Pixel& pixel);
+
+/// A real context of the core profile for each test, with the driver's debug output on. At the end of the test a debug
+/// message of type error, undefined behaviour or deprecated and any error that glGetError knows fail the test; other
+/// messages are printed.
+class OffscreenGL : public testing::Test
+{
+protected:
+    /// @param size  of the picture, in pixels
+    explicit OffscreenGL(const td::Size<int>& size = {64, 64});
+    ~OffscreenGL() override;
+
+    void SetUp() override;
+    void TearDown() override;
+
+    gui::gl::OffscreenContext& context() { return *_context; }
+
+    /// Ends the context before the test does; nothing is current then.
+    void destroyContext() { _context.reset(); }
+
+    /// Turns the debug output on in the current context, for tests that make a second one.
+    void watchCurrentContext();
+
+    /// The messages that would fail the test, and the errors of glGetError, so far; forgets both.
+    std::vector<std::string> takeErrors();
+
+    /// Colour, depth and stencil buffer; depth 1, stencil 0.
+    static void clear(const Pixel& color = {0, 0, 0, 0});
+
+    /// Read from the framebuffer that is bound. y counts from the bottom, as GL does.
+    static Pixel pixel(int x, int y);
+
+private:
+    td::Size<int> _size;
+    std::unique_ptr<gui::gl::OffscreenContext> _context;
+    std::vector<std::string> _errors;
+};
+
+} // namespace test
