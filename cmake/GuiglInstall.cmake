@@ -1,0 +1,40 @@
+# What `cmake --install` puts where, so that other projects find it with find_package(guigl).
+
+include(CMakePackageConfigHelpers)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/guigl)
+
+# The libraries find each other in whatever folder they are installed to.
+foreach(library IN ITEMS guigl_util guigl_gui guigl_gl)
+    if(TARGET ${library})
+        set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    endif()
+endforeach()
+
+foreach(headers IN ITEMS toolkit/include include)
+    if(IS_DIRECTORY ${guigl_SOURCE_DIR}/${headers})
+        install(DIRECTORY ${guigl_SOURCE_DIR}/${headers}/
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl
+            FILES_MATCHING PATTERN "*.h")
+    endif()
+endforeach()
+
+install(EXPORT guigl
+    FILE guiglTargets.cmake
+    NAMESPACE guigl::
+    DESTINATION ${package_folder})
+
+configure_package_config_file(
+    ${CMAKE_CURRENT_LIST_DIR}/guiglConfig.cmake.in
+    ${guigl_BINARY_DIR}/guiglConfig.cmake
+    INSTALL_DESTINATION ${package_folder}
+    NO_SET_AND_CHECK_MACRO)
+# Before 1.0 a minor version may change the interface.
+write_basic_package_version_file(
+    ${guigl_BINARY_DIR}/guiglConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES
+    ${guigl_BINARY_DIR}/guiglConfig.cmake
+    ${guigl_BINARY_DIR}/guiglConfigVersion.cmake
+    ${CMAKE_CURRENT_LIST_DIR}/GuiglResources.cmake
+    DESTINATION ${package_folder})
