@@ -9,10 +9,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <limits>
 #include <new>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace gui::gl
@@ -204,7 +203,9 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const Context&
 bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface) const
 {
     eglBindAPI(EGL_OPENGL_API);
-    if (!eglMakeCurrent(display, newSurface, newSurface, context))
+    // Making a context current again costs a flush.
+    const bool isCurrent = eglGetCurrentContext() == context && eglGetCurrentSurface(EGL_DRAW) == newSurface;
+    if (!isCurrent && !eglMakeCurrent(display, newSurface, newSurface, context))
     {
         vo::dbgLog("ERROR! OffscreenContext cannot be made current (EGL error %x)", eglGetError());
         return false;

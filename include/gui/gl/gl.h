@@ -20,3 +20,4 @@
 #include "Texture.h"
 #include "Texture2DProgram.h"
 #include "Textures.h"
+#include "View.h"

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "Context.h"
+
+#include <gui/Cursor.h>
+#include <gui/DrawableView.h>
+#include <gui/InputDevice.h>
+#include <td/Export.h>
+#include <td/PointAndSize.h>
+#include <td/RectNormalized.h>
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <tuple>
+
+namespace gui
+{
+class Texture;
+}
+
+namespace gui::gl
+{
+
+/// A view that shows what OpenGL draws. Derive from it, override onInit and onDraw, call createContext, and put it into a
+/// window.
+///
+/// The order of a view's life: constructor; createContext, which calls onInit; the view enters a window, which calls
+/// onResize; onDraw for each frame; destructor. In onInit, onDraw, onResize and cleanResources the view's context is
+/// current. A view that never enters a window draws all the same, offscreen. GUI thread only.
+class GUIGL_API View : public gui::DrawableView
+{
+public:
+    View();
+    /// Stops the frame clock, cleans up and lets go of the native view; a window that still shows the view closes.
+    /// cleanResources of a derived class is out of reach by then: release GL objects in the derived class's destructor
+    /// (the library's own do that by themselves), or in cleanResources for the case that the window goes first.
+    ~View() override;
+
+    /// Makes the native view and its context, 400 by 400 points, and calls onInit. The view gets no input events.
+    /// A second call is a programming error ("_handle == nullptr"). When there is no such context, a log line says what
+    /// was asked for and what the system has, and "_handle != nullptr" is asserted; without assertions the view then has
+    /// no native view, and every operation that needs one does nothing.
+    void createContext(const Context& context);
+
+    /// The same, with input.
+    /// @param events    the kinds of events whose handlers are called
+    /// @param geometry  in points; null means 300 by 300 at (0, 0)
+    void createContext(const Context& context, const std::initializer_list<gui::InputDevice::Event>& events,
+                       const td::PointAndSize<double>* geometry = nullptr);
+
+    /// Makes the view's context current, for GL work outside of the callbacks. Nothing while there is no native view.
+    void makeCurrentContext() const;
+
+    /// Asks for a redraw at the next opportunity; however often it is asked for before then, it is one. A call from
+    /// inside onDraw asks for one more. Nothing while there is no native view.
+    void reRender() const;
+
+    /// Sets the flag alone: the frame clock is neither started nor stopped. See startAnimation.
+    void setContRenderMode(bool isContinuous) { _isContRenderMode = isContinuous; }
+    bool isContRenderMode() const { return _isContRenderMode; }
+
+    /// Frames follow the display's clock from now on, at once when the view is in a window, else as soon as it enters one.
+    /// prepareNextFrame is asked before each.
+    void startAnimation();
+    void stopAnimation();
+    bool isAnimated() const { return _isContRenderMode; }
+
+    /// @param globally  true shows it at once, while the pointer is over the view; false when the pointer next enters it
+    void setCursor(gui::Cursor::Type type, bool globally) const;
+
+    /// onFocusIn and onFocusOut are called from now on.
+    void registerForFocusEvents() const;
+
+    /// Major and minor version of the view's context; 0 and 0 without one.
+    std::tuple<int, int> getOpenGLVersion() const;
+
+    /// The part of the model that is seen, in model units. Only views that have a model know: here it is a programming
+    /// error ("false").
+    void getVisiblePartInModelCoordinates(td::RectNormalized<double>& rect) const;
+
+    /// Binds the framebuffer that presents to the window, after drawing into one of your own.
+    void activateScreenFB();
+
+    /// Links a GL program of two stages, each GLSL text or ':' and the name of a text resource.
+    /// @return its GL name, owned by the caller; 0 after a failure, which Program::link describes
+    unsigned int linkProgram(const char* vertexResID, const char* fragmentResID);
+
+    /// Reads the next frame that is drawn into an image: 4 bytes per pixel, the size of the view in device pixels, the
+    /// first row the bottom one. It asks for a redraw; a hidden view is read when it is next drawn. A second call before
+    /// then takes the place of the first.
+    /// @param texture   resized at once and filled later; must live until the callback is called
+    /// @param callback  called once, from the run loop, after the frame was presented; must not be empty
+    void readFrameFrameBuffer(gui::Texture& texture, const std::function<void()>& callback);
+
+    /// Device pixels per point of the window the view is in; 1 before it was in one.
+    float getPixelHiDPIScale() const { return _pixelHiDPIScale; }
+    float getPixelHiDPISizeScale() const { return _pixelHiDPISizeScale; }
+
+    /// 22, the code of a GL view.
+    unsigned int getObjType() const override;
+    /// At least 16 by 16 points, growing in both directions.
+    void reMeasure(gui::CellInfo& cell) override;
+    void measure(gui::CellInfo& cell) override;
+
+    /// How large the view shows its model; 1 here.
+    virtual double getZoom() const;
+
+protected:
+    friend class ViewHelper;
+
+    /// Called once, inside createContext, with the context current: make programs, buffers and textures here.
+    virtual void onInit();
+
+    /// Called with the context current when the native view goes away before this object does: release GL objects here.
+    virtual void cleanResources();
+
+    /// Called by views with a model after their zoom, or their origin, changed.
+    virtual void onZoomChanged();
+    virtual void onOriginChanged();
+
+    /// Called before each frame of an animation. @return false, the default, to end the animation after this frame
+    virtual bool prepareNextFrame();
+
+    bool _prepareNextFrame() { return prepareNextFrame(); }
+
+private:
+    void setPixelHiDPISizeScale(float scale);
+
+    std::function<void()> _frameReadCallback;
+    float _pixelHiDPIScale = 1;
+    float _pixelHiDPISizeScale = 1;
+    unsigned int _screenFB = 0xFFFFFFFF;
+    bool _isContRenderMode = false;
+    std::shared_ptr<View*> _self; // what frames on their way to the callback hold weakly
+};
+
+} // namespace gui::gl

@@ -1,0 +1,154 @@
+#include <gui/gl/View.h>
+
+#include "ViewHelper.h"
+#include "Zav.h"
+
+#include <gui/CellInfo.h>
+#include <gui/Display.h>
+#include <gui/Texture.h>
+#include <gui/gl/Program.h>
+#include <td/Assert.h>
+
+#include <epoxy/gl.h>
+
+#include <climits>
+
+namespace gui::gl
+{
+
+View::View()
+    : _self(std::make_shared<View*>(this))
+{
+}
+
+View::~View()
+{
+    zav::setAnimationMode(this, 0);
+    zav::cleanOpenGLResources(this);
+    release();
+}
+
+void View::createContext(const Context& context)
+{
+    TD_ASSERT(_handle == nullptr);
+    const td::PointAndSize<double> geometry({0, 0}, {400, 400});
+    _handle = zav::createGLView(this, &geometry, context);
+    TD_ASSERT(_handle != nullptr);
+}
+
+void View::createContext(const Context& context, const std::initializer_list<gui::InputDevice::Event>& events,
+                         const td::PointAndSize<double>* geometry)
+{
+    TD_ASSERT(_handle == nullptr);
+    _handle = zav::createGLView(this, geometry, events, context);
+    TD_ASSERT(_handle != nullptr);
+}
+
+void View::makeCurrentContext() const { zav::makeCurrentContext(this); }
+
+void View::reRender() const { zav::reRender(this); }
+
+void View::startAnimation()
+{
+    _isContRenderMode = true;
+    zav::setAnimationMode(this, 1);
+}
+
+void View::stopAnimation()
+{
+    _isContRenderMode = false;
+    zav::setAnimationMode(this, 0);
+}
+
+void View::setCursor(gui::Cursor::Type type, bool globally) const { zav::setCursor(this, type, globally); }
+
+void View::registerForFocusEvents() const { zav::registerForFocusEvents(this); }
+
+std::tuple<int, int> View::getOpenGLVersion() const
+{
+    int minor = 0;
+    const int major = zav::getOpenGLVersion(this, minor);
+    return {major, minor};
+}
+
+void View::getVisiblePartInModelCoordinates(td::RectNormalized<double>&) const { TD_ASSERT(false); }
+
+void View::activateScreenFB() { glBindFramebuffer(GL_FRAMEBUFFER, _screenFB); }
+
+unsigned int View::linkProgram(const char* vertexResID, const char* fragmentResID)
+{
+    return Program::_link(vertexResID, fragmentResID, nullptr, nullptr, nullptr);
+}
+
+void View::readFrameFrameBuffer(gui::Texture& texture, const std::function<void()>& callback)
+{
+    constexpr int cBytesPerPixel = 4;
+    td::Size<double> size;
+    getSize(size);
+    const auto scale = static_cast<double>(gui::Display::getDefaultBackingScaleFactor());
+    const double width = size.width * scale;
+    const double height = size.height * scale;
+    TD_ASSERT(width <= INT_MAX && height <= INT_MAX && width * height * cBytesPerPixel <= UINT_MAX);
+
+    _frameReadCallback = callback;
+    const int pixelWidth = static_cast<int>(width);
+    const int pixelHeight = static_cast<int>(height);
+    gui::TextureHelper helper(&texture);
+    helper.reserve(static_cast<unsigned int>(pixelWidth) * static_cast<unsigned int>(pixelHeight) * cBytesPerPixel);
+    helper.updateInfo(pixelWidth, pixelHeight, cBytesPerPixel);
+    zav::setOnDrawCallback(this, &texture);
+    reDraw();
+}
+
+unsigned int View::getObjType() const
+{
+    constexpr unsigned int cGLView = 22;
+    return cGLView;
+}
+
+void View::reMeasure(gui::CellInfo& cell) { cell = {16, 16, 1, 1}; }
+
+void View::measure(gui::CellInfo& cell) { cell = {16, 16, 1, 1}; }
+
+double View::getZoom() const { return 1.0; }
+
+void View::onInit() {}
+
+void View::cleanResources() {}
+
+void View::onZoomChanged() {}
+
+void View::onOriginChanged() {}
+
+bool View::prepareNextFrame() { return false; }
+
+void View::setPixelHiDPISizeScale(float scale)
+{
+    _pixelHiDPISizeScale = scale;
+    td::Size<double> size;
+    getSize(size);
+    if (size.width != 0 && size.height != 0)
+        onResize(size);
+}
+
+void ViewHelper::sendAsyncOnFrameRead(gui::Texture* pTexture)
+{
+    const std::weak_ptr<View*> view = _pView->_self;
+    gui::ZavObject::asyncCall(new std::function<void()>(
+                                  [view, pTexture]
+                                  {
+                                      // A view that is gone takes no frames any more.
+                                      if (const auto pView = view.lock())
+                                          prepareFrame(*pView, pTexture);
+                                  }),
+                              true);
+}
+
+void ViewHelper::prepareFrame(View* pView, gui::Texture*)
+{
+    // A copy: the callback may ask for the next frame, which replaces it.
+    const auto callback = pView->_frameReadCallback;
+    callback();
+}
+
+} // namespace gui::gl

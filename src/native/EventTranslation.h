@@ -1,0 +1,48 @@
+#pragma once
+
+#include "SurfaceEvents.h"
+
+#include <gui/InputDevice.h>
+#include <gui/Key.h>
+#include <td/Export.h>
+#include <td/Point.h>
+
+#include <cstdint>
+#include <initializer_list>
+
+/// How far the wheel and the gesture go. An application may change them before it uses them.
+namespace zav
+{
+GUIGL_API extern double s_zoomIncrement;        ///< percent of zoom per wheel unit; 1.2
+GUIGL_API extern double s_scrollAccelleration;  ///< factor on the wheel's scroll distances; 1.5
+GUIGL_API extern double s_zoomGestureReduction; ///< divisor of the gesture's magnification; 50
+} // namespace zav
+
+/// The arithmetic between a surface's events and the toolkit's records: pure functions.
+namespace gui::gl
+{
+
+/// The OR of the events' bits.
+GUIGL_API unsigned short buildEventMask(const std::initializer_list<gui::InputDevice::Event>& events);
+
+/// What pointer tracking a view needs, as bits: 0x04 cursor updates, 0x80 always active and 0x200 over what is visible,
+/// these always; 0x02 motion when the mask has CursorMove; 0x01 entering and leaving when it has CursorEnterLeave.
+GUIGL_API std::uint64_t getTrackingOptions(unsigned short eventMask);
+
+/// Whether a wheel event zooms (Command held and dy not 0).
+GUIGL_API bool isWheelZoom(const WheelEvent& event);
+/// 1 + s_zoomIncrement * dy / 100, never below 0.05, so that no single event turns a model inside out.
+GUIGL_API double getWheelZoomFactor(const WheelEvent& event);
+/// The distance to scroll in points: (dx, dy) times s_scrollAccelleration, five times that with Option held.
+GUIGL_API td::Point<double> getWheelScroll(const WheelEvent& event);
+/// 1 + magnification / s_zoomGestureReduction, from 0.8 to 1.2.
+GUIGL_API double getGestureZoomFactor(double magnification);
+
+/// The record of a key that went down: virtual for the codes that zav::getVirtualKeyCode knows and for Tab, else its
+/// character, else, without one, its key code shifted left by 8.
+GUIGL_API gui::Key createKey(const KeyEvent& event);
+/// The record of a key that went up, never virtual: its character when that is one from 1 to 127 and the key is neither
+/// Escape (53) nor key 8, else its key code shifted left by 8.
+GUIGL_API gui::Key createReleasedKey(const KeyEvent& event);
+
+} // namespace gui::gl

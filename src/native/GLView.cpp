@@ -1,0 +1,474 @@
+#include "GLView.h"
+
+#include "EventTranslation.h"
+
+#include "../common/ViewHelper.h"
+
+#include <gui/Key.h>
+#include <gui/Texture.h>
+#include <gui/gl/View.h>
+
+#include <epoxy/gl.h>
+
+#include <utility>
+
+namespace gui::gl
+{
+
+// Held during every call up into the view. What the view's code asks for in there, that the native view or its surface go
+// away, is done when the last of these calls is over.
+class GLView::Busy
+{
+public:
+    explicit Busy(GLView& view)
+        : _view(view)
+    {
+        ++_view._nBusy;
+    }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+    ~Busy()
+    {
+        if (--_view._nBusy > 0)
+            return;
+        if (_view._isReleased)
+            delete &_view;
+        else if (_view._isClosed)
+            _view._pSurface.reset();
+    }
+
+private:
+    GLView& _view;
+};
+
+GLView::GLView(View* pView, const Context& context, unsigned short events)
+    : _pCppView(pView)
+    , _events(events)
+    , _continuousRender(context.isAnimation())
+{
+    std::tie(_minFPS, _maxFPS) = context.getPreferredFrameRateRange();
+}
+
+GLView::~GLView() = default;
+
+GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometry, unsigned short events,
+                           const Context& context, const SurfaceFactory& makeSurface)
+{
+    constexpr td::Size<double> cInitialSize{300, 300};
+    auto* const pNative = new GLView(pView, context, events);
+    const Busy busy(*pNative);
+    // Until the view is complete, every way out takes it back; Busy deletes it.
+    struct Incomplete
+    {
+        GLView* pNative;
+        View* pView;
+        ~Incomplete()
+        {
+            if (pNative == nullptr)
+                return;
+            pNative->_pCppView = nullptr;
+            pNative->_isReleased = true;
+            ViewHelper(pView).setHandle(nullptr);
+        }
+    } incomplete{pNative, pView};
+
+    pNative->_pSurface =
+        makeSurface(*pNative, *pNative, context, pGeometry != nullptr ? pGeometry->size : cInitialSize);
+    if (pNative->_pSurface == nullptr || !pNative->makeCurrentContext())
+        return nullptr;
+    // With the handle in place, onInit can use the whole view.
+    ViewHelper helper(pView);
+    helper.setHandle(pNative);
+    helper.setContRenderMode(pNative->_continuousRender);
+    pNative->prepareOpenGL();
+    helper.onInit();
+    // onInit may have ended the view's life.
+    incomplete.pNative = nullptr;
+    return pNative->_isReleased ? nullptr : pNative;
+}
+
+void GLView::prepareOpenGL()
+{
+    _size = _pSurface->getSize();
+    updateViewport();
+    _screenFrameBufferID = _pSurface->getDefaultFramebuffer();
+    ViewHelper(_pCppView).setScreenFB(_screenFrameBufferID);
+}
+
+// A host's framebuffer may have another name in every frame.
+void GLView::updateScreenFramebuffer()
+{
+    const unsigned int framebuffer = _pSurface->getDefaultFramebuffer();
+    if (framebuffer == _screenFrameBufferID)
+        return;
+    _screenFrameBufferID = framebuffer;
+    ViewHelper(_pCppView).setScreenFB(framebuffer);
+}
+
+void GLView::release()
+{
+    closeWindow();
+    _pCppView = nullptr;
+    _isReleased = true;
+    const Busy busy(*this); // deletes it, now or later
+}
+
+void GLView::getSize(td::Size<double>& size) const
+{
+    size = _pSurface != nullptr ? _pSurface->getSize() : td::Size<double>();
+}
+
+void GLView::reDraw()
+{
+    if (_pSurface != nullptr && _pCppView != nullptr)
+        _pSurface->setNeedsDisplay();
+}
+
+void* GLView::getNativeWindow() const { return _pSurface != nullptr ? _pSurface->getNativeWindow() : nullptr; }
+
+bool GLView::makeCurrentContext() { return _pSurface != nullptr && _pSurface->makeCurrent(); }
+
+bool GLView::has(gui::InputDevice::Event event) const
+{
+    return _pCppView != nullptr && (_events & static_cast<unsigned short>(event)) != 0;
+}
+
+// The window.
+
+void GLView::enteredWindow()
+{
+    if (_pCppView == nullptr || !_pSurface->followWindow())
+        return;
+    const Busy busy(*this);
+    _isInWindow = true;
+    updateViewport();
+    startAnimation();
+    ViewHelper helper(_pCppView);
+    _backingScale = _pSurface->getBackingScale();
+    const td::Size<double> size = _pSurface->getSize();
+    if (std::exchange(_size, size) != size && _sendGeometryChanges)
+        gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
+    if (_pCppView != nullptr)
+        helper.setPixelHiDPIScale(_backingScale);
+    if (_pCppView != nullptr)
+        helper.setPixelHiDPISizeScale(_backingScale);
+    reDraw();
+}
+
+void GLView::leftWindow()
+{
+    stopAnimation();
+    _isInWindow = false;
+}
+
+void GLView::windowClosed()
+{
+    const Busy busy(*this);
+    _isClosed = true;
+    cleanResources();
+}
+
+void GLView::handleEvent(const void* pEvent)
+{
+    const Busy busy(*this);
+    if (_pSurface != nullptr && _pCppView != nullptr)
+        _pSurface->handleEvent(pEvent);
+}
+
+bool GLView::updateViewport()
+{
+    const td::Size<int> viewport = _pSurface->getDrawableSize();
+    if (viewport == _viewport)
+        return false;
+    _viewport = viewport;
+    glViewport(0, 0, viewport.width, viewport.height);
+    return true;
+}
+
+void GLView::onResize()
+{
+    if (_pCppView == nullptr || !_pSurface->followWindow())
+        return;
+    const Busy busy(*this);
+    const bool isViewportNew = updateViewport();
+    const td::Size<double> size = _pSurface->getSize();
+    const bool isSizeNew = std::exchange(_size, size) != size;
+    if (isSizeNew && _sendGeometryChanges)
+        gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
+    if (isSizeNew && _sendResizeEvent && _pCppView != nullptr)
+        ViewHelper(_pCppView).onResize(size);
+    if (isSizeNew || isViewportNew)
+        reDraw();
+}
+
+void GLView::onScaleChange()
+{
+    if (_pCppView == nullptr || !_pSurface->followWindow())
+        return;
+    const Busy busy(*this);
+    updateViewport();
+    const float scale = _pSurface->getBackingScale();
+    if (std::exchange(_backingScale, scale) == scale)
+        return;
+    _size = _pSurface->getSize();
+    ViewHelper helper(_pCppView);
+    helper.setPixelHiDPIScale(scale);
+    helper.setPixelHiDPISizeScale(scale);
+    reDraw();
+}
+
+// Drawing.
+
+void GLView::onExpose()
+{
+    td::Size<double> size;
+    getSize(size);
+    drawRect({0, 0, size.width, size.height});
+}
+
+void GLView::onFrameTick() { onExpose(); }
+
+void GLView::drawRect(const td::RectNormalized<double>& rect)
+{
+    if (_pCppView == nullptr || rect.right - rect.left == 0 || rect.bottom - rect.top == 0)
+        return;
+    if (_isDrawing)
+    {
+        // A loop that turns inside onDraw: this frame has to wait for the one under way.
+        reDraw();
+        return;
+    }
+    const Busy busy(*this);
+    struct Drawing
+    {
+        bool& flag;
+        ~Drawing() { flag = false; }
+    } const drawing{_isDrawing = true};
+
+    if (!makeCurrentContext())
+        return;
+    updateScreenFramebuffer();
+    if (_continuousRender && !ViewHelper(_pCppView).prepareNextFrame())
+        setContinuousMode(false);
+    if (_pCppView == nullptr)
+        return;
+    ViewHelper(_pCppView).onDraw(rect);
+    if (_pCppView == nullptr)
+        return;
+    readGrabbedFrame();
+    _pSurface->flush();
+}
+
+void GLView::readGrabbedFrame()
+{
+    if (_pGrabFrameTexture == nullptr)
+        return;
+    gui::Texture* const pTexture = std::exchange(_pGrabFrameTexture, nullptr);
+    glReadPixels(0, 0, pTexture->getWidth(), pTexture->getHeight(), GL_RGBA, GL_UNSIGNED_BYTE, pTexture->getBytes());
+    ViewHelper(_pCppView).sendAsyncOnFrameRead(pTexture);
+}
+
+// The frame clock.
+
+void GLView::setContinuousMode(bool isContinuous)
+{
+    if (!isContinuous)
+        stopAnimation();
+    _continuousRender = isContinuous;
+    if (_pCppView != nullptr)
+        ViewHelper(_pCppView).setContRenderMode(isContinuous);
+    if (isContinuous && _isInWindow)
+        startAnimation();
+}
+
+void GLView::startAnimation()
+{
+    if (!_continuousRender || _hasFrameClock || _pSurface == nullptr)
+        return;
+    _hasFrameClock = true;
+    _pSurface->startFrameClock(_minFPS, _maxFPS);
+}
+
+void GLView::stopAnimation()
+{
+    if (!_hasFrameClock)
+        return;
+    _hasFrameClock = false;
+    if (_pSurface != nullptr)
+        _pSurface->stopFrameClock();
+}
+
+// Clean-up.
+
+void GLView::cleanResources()
+{
+    const Busy busy(*this);
+    stopAnimation();
+    _pGrabFrameTexture = nullptr;
+    if (_pCppView == nullptr)
+        return;
+    View* const pView = std::exchange(_pCppView, nullptr);
+    if (makeCurrentContext())
+        ViewHelper(pView).cleanResources();
+}
+
+int GLView::getOpenGLVersion(int& minor)
+{
+    int major = 0;
+    minor = 0;
+    if (!makeCurrentContext())
+        return 0;
+    glGetIntegerv(GL_MAJOR_VERSION, &major);
+    glGetIntegerv(GL_MINOR_VERSION, &minor);
+    return major;
+}
+
+// Pointer, keys, focus. The view fills its surface, so a point of the window is a point of the view.
+
+namespace
+{
+
+using gui::InputDevice;
+
+InputDevice pointerRecord(const td::Point<double>& point, unsigned int modifiers, InputDevice::Button button)
+{
+    return {point, point, point, modifiers, InputDevice::Type::Mouse, button};
+}
+
+InputDevice clickRecord(const ButtonEvent& event, InputDevice::Button button, unsigned short nClicks)
+{
+    InputDevice device = pointerRecord(event.point, event.modifiers, button);
+    gui::InputDeviceHelper(&device).setNoOfEvents(nClicks);
+    return device;
+}
+
+} // namespace
+
+bool GLView::onButton(const ButtonEvent& event)
+{
+    const bool isSecondaryWanted = has(InputDevice::Event::SecondaryClicks);
+    const bool isPrimaryWanted = has(InputDevice::Event::PrimaryClicks);
+    const bool isCtrl = gui::isCtrlPressed(event.modifiers);
+    if (event.button == ButtonEvent::Button::Left && event.isDown && !event.isLeftDown && !isCtrl)
+        return true; // a press that is over already
+    const Busy busy(*this);
+    ViewHelper helper(_pCppView);
+
+    // With Control a press counts as the secondary button's only when the left button is not seen down, a release always.
+    const bool isSecondary =
+        event.button == ButtonEvent::Button::Right || (isCtrl && !(event.isDown && event.isLeftDown));
+    if (isSecondary)
+    {
+        if (!isSecondaryWanted || !makeCurrentContext())
+            return false;
+        const InputDevice device = clickRecord(event, InputDevice::Button::Secondary, event.nClicks);
+        if (event.isDown)
+            helper.onSecondaryButtonPressed(device);
+        else
+            helper.onSecondaryButtonReleased(device);
+        return false;
+    }
+    if (!isPrimaryWanted || !makeCurrentContext())
+        return false;
+    if (!event.isDown)
+        helper.onPrimaryButtonReleased(clickRecord(event, InputDevice::Button::Primary, event.nClicks));
+    else if (event.nClicks == 2)
+        helper.onPrimaryButtonDblClick(clickRecord(event, InputDevice::Button::Primary, 1));
+    else
+        helper.onPrimaryButtonPressed(clickRecord(event, InputDevice::Button::Primary, event.nClicks));
+    return false;
+}
+
+bool GLView::onMotion(const MotionEvent& event)
+{
+    if (_pCppView == nullptr)
+        return false;
+    const Busy busy(*this);
+    ViewHelper helper(_pCppView);
+    switch (event.kind)
+    {
+    case MotionEvent::Kind::Moved:
+        if (has(InputDevice::Event::CursorMove) && makeCurrentContext())
+            helper.onCursorMoved(pointerRecord(event.point, event.modifiers, InputDevice::Button::None));
+        break;
+    case MotionEvent::Kind::Dragged:
+        if (has(InputDevice::Event::CursorDrag) && makeCurrentContext())
+            helper.onCursorDragged(pointerRecord(event.point, event.modifiers, InputDevice::Button::Primary));
+        break;
+    case MotionEvent::Kind::Entered:
+        _pSurface->setCursor(_currentCursorType);
+        if (has(InputDevice::Event::CursorEnterLeave) && makeCurrentContext())
+            helper.onCursorEntered(pointerRecord(event.point, event.modifiers, InputDevice::Button::None));
+        break;
+    case MotionEvent::Kind::Exited:
+        if (has(InputDevice::Event::CursorEnterLeave) && makeCurrentContext())
+            helper.onCursorExited(pointerRecord(event.point, event.modifiers, InputDevice::Button::None));
+        break;
+    }
+    return false;
+}
+
+bool GLView::onWheel(const WheelEvent& event)
+{
+    if (!has(InputDevice::Event::ScrollAndZoom) || !makeCurrentContext())
+        return false;
+    const Busy busy(*this);
+    if (isWheelZoom(event))
+    {
+        InputDevice device = pointerRecord(event.point, event.modifiers, InputDevice::Button::Wheel);
+        gui::InputDeviceHelper(&device).setScale(getWheelZoomFactor(event));
+        return ViewHelper(_pCppView).onZoom(device);
+    }
+    if (event.dx == 0 && event.dy == 0)
+        return false;
+    ViewHelper(_pCppView).onScroll(pointerRecord(getWheelScroll(event), event.modifiers, InputDevice::Button::Wheel));
+    return true;
+}
+
+bool GLView::onMagnification(const MagnificationEvent& event)
+{
+    if (!has(InputDevice::Event::ScrollAndZoom) || !makeCurrentContext())
+        return false;
+    const Busy busy(*this);
+    td::Size<double> size;
+    getSize(size);
+    const td::Point<double> centre{size.width / 2, size.height / 2};
+    InputDevice device(centre, centre, centre, event.modifiers, InputDevice::Type::Gesture, InputDevice::Button::None);
+    gui::InputDeviceHelper(&device).setScale(getGestureZoomFactor(event.magnification));
+    ViewHelper(_pCppView).onZoom(device);
+    return true;
+}
+
+bool GLView::onKey(const KeyEvent& event)
+{
+    if (!has(InputDevice::Event::Keyboard) || !makeCurrentContext())
+        return false;
+    const Busy busy(*this);
+    ViewHelper helper(_pCppView);
+    return event.isDown ? helper.onKeyPressed(createKey(event)) : helper.onKeyReleased(createReleasedKey(event));
+}
+
+bool GLView::acceptsFirstResponder() const { return has(InputDevice::Event::Keyboard); }
+
+void GLView::onFocus(bool hasFocus)
+{
+    if (!_sendFocusEvents || !acceptsFirstResponder() || !makeCurrentContext())
+        return;
+    const Busy busy(*this);
+    gui::DrawableViewHelper helper(_pCppView);
+    if (hasFocus)
+        helper.onFocusIn();
+    else
+        helper.onFocusOut();
+}
+
+void GLView::setCursor(gui::Cursor::Type type, bool globally)
+{
+    if (type == _currentCursorType)
+        return;
+    _currentCursorType = type;
+    if (globally && _pSurface != nullptr)
+        _pSurface->setCursor(type);
+}
+
+} // namespace gui::gl

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "NativeSurface.h"
+
+#include <gui/Cursor.h>
+#include <gui/InputDevice.h>
+#include <gui/NativeView.h>
+#include <gui/gl/Context.h>
+#include <td/Export.h>
+#include <td/PointAndSize.h>
+#include <td/RectNormalized.h>
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+
+namespace gui
+{
+class Texture;
+}
+
+namespace gui::gl
+{
+
+class View;
+
+/// The whole behaviour of a native GL view, on any window system: it owns a surface, draws through the library's view, and
+/// turns the surface's events into the toolkit's records.
+///
+/// It belongs to the view's handle; release deletes it. When it is released from inside one of its own calls up into the
+/// view, it goes at the end of that call.
+class GUIGL_API GLView : public gui::NativeView, public NativeSurfaceClient
+{
+public:
+    /// Makes a surface for a client, with a context for these settings and an initial size in points.
+    /// @return null, after a log line that says why, when there is no such context
+    using SurfaceFactory =
+        std::function<std::unique_ptr<NativeSurface>(NativeSurfaceClient& client, gui::NativeView& nativeView,
+                                                     const Context& context, const td::Size<double>& size)>;
+
+    /// @param pView      not owned; gets this as its handle before its onInit is called
+    /// @param pGeometry  in points; null means 300 by 300 at (0, 0)
+    /// @param events     OR of the gui::InputDevice::Event bits that the view wants
+    /// @return null when the factory has no surface. An exception of onInit leaves nothing behind.
+    static GLView* createView(View* pView, const td::PointAndSize<double>* pGeometry, unsigned short events,
+                              const Context& context, const SurfaceFactory& makeSurface);
+
+    // The toolkit's side.
+    void release() override;
+    void getSize(td::Size<double>& size) const override;
+    void reDraw() override;
+    void* getNativeWindow() const override;
+    void enteredWindow() override;
+    void leftWindow() override;
+    void windowClosed() override;
+    void handleEvent(const void* pEvent) override;
+    void sizeChanged() override { onResize(); }
+    void scaleChanged() override { onScaleChange(); }
+    void drawNow() override { onExpose(); }
+
+    // The surface's side.
+    bool onButton(const ButtonEvent& event) override;
+    bool onMotion(const MotionEvent& event) override;
+    bool onWheel(const WheelEvent& event) override;
+    bool onMagnification(const MagnificationEvent& event) override;
+    bool onKey(const KeyEvent& event) override;
+    void onFocus(bool hasFocus) override;
+    void onFrameTick() override;
+    void onExpose() override;
+    void onResize() override;
+    void onScaleChange() override;
+
+    // The library's view's side.
+    bool makeCurrentContext();
+    void setContinuousMode(bool isContinuous);
+    void setGrabFrameBuffer(gui::Texture* pTexture) { _pGrabFrameTexture = pTexture; }
+    void registerFocusEvents() { _sendFocusEvents = true; }
+    void setCursor(gui::Cursor::Type type, bool globally);
+    void cleanResources();
+    int getOpenGLVersion(int& minor);
+
+    bool acceptsFirstResponder() const;
+    bool hasFrameClock() const { return _hasFrameClock; }
+
+private:
+    class Busy;
+
+    GLView(View* pView, const Context& context, unsigned short events);
+    ~GLView();
+
+    void prepareOpenGL();
+    void updateScreenFramebuffer();
+    bool updateViewport();
+    void drawRect(const td::RectNormalized<double>& rect);
+    void readGrabbedFrame();
+    void stopAnimation();
+    void startAnimation();
+    bool has(gui::InputDevice::Event event) const;
+
+    std::unique_ptr<NativeSurface> _pSurface;
+    View* _pCppView; // null after clean-up
+    gui::Texture* _pGrabFrameTexture = nullptr;
+    float _minFPS;
+    float _maxFPS;
+    unsigned int _screenFrameBufferID = 0;
+    unsigned short _events;
+    gui::Cursor::Type _currentCursorType = gui::Cursor::Type::Default;
+    bool _sendGeometryChanges = true;
+    bool _sendResizeEvent = true;
+    bool _continuousRender;
+    bool _sendFocusEvents = false;
+    bool _hasFrameClock = false;
+    bool _isInWindow = false;
+    bool _isDrawing = false;
+    bool _isReleased = false;
+    bool _isClosed = false;
+    int _nBusy = 0;
+    td::Size<double> _size; // the last that the view was told
+    float _backingScale = 0;
+    td::Size<int> _viewport;
+};
+
+} // namespace gui::gl

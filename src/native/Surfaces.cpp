@@ -1,0 +1,39 @@
+#include "Surfaces.h"
+
+#include "../offscreen/OffscreenSurface.h"
+
+#include "WindowSystem.h"
+
+#include <array>
+#include <cstring>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+struct Entry
+{
+    const char* windowSystem;
+    std::unique_ptr<NativeSurface> (*create)(NativeSurfaceClient& client, gui::NativeView& nativeView,
+                                             const Context& context, const td::Size<double>& size);
+};
+
+// By the names of the window systems. The last serves where no other does.
+constexpr std::array cSurfaces{
+    Entry{"offscreen", createOffscreenSurface},
+};
+
+} // namespace
+
+GLView::SurfaceFactory getSurfaceFactory()
+{
+    const char* const name = gui::WindowSystem::instance().getName();
+    for (const Entry& entry : cSurfaces)
+        if (std::strcmp(entry.windowSystem, name) == 0)
+            return entry.create;
+    return cSurfaces.back().create;
+}
+
+} // namespace gui::gl

@@ -1,0 +1,97 @@
+#include "../common/Zav.h"
+
+#include "EventTranslation.h"
+#include "GLView.h"
+#include "Surfaces.h"
+
+#include <gui/gl/View.h>
+#include <td/Assert.h>
+
+namespace zav
+{
+
+namespace
+{
+
+using gui::gl::GLView;
+
+GLView* bridgeCast(gui::NativeObject* pHandle)
+{
+    auto* const pNative = dynamic_cast<GLView*>(pHandle);
+    if (pNative == nullptr)
+        TD_ASSERT(false, nullptr);
+    return pNative;
+}
+
+// @return null when the view has no native view
+GLView* nativeView(const gui::gl::View* pView)
+{
+    gui::NativeObject* const pHandle = pView->getHandle();
+    return pHandle != nullptr ? bridgeCast(pHandle) : nullptr;
+}
+
+} // namespace
+
+gui::NativeObject* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,
+                                const gui::gl::Context& context)
+{
+    return GLView::createView(pView, pGeometry, 0, context, gui::gl::getSurfaceFactory());
+}
+
+gui::NativeObject* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,
+                                const std::initializer_list<gui::InputDevice::Event>& events,
+                                const gui::gl::Context& context)
+{
+    return GLView::createView(pView, pGeometry, gui::gl::buildEventMask(events), context, gui::gl::getSurfaceFactory());
+}
+
+void makeCurrentContext(const gui::gl::View* pView)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->makeCurrentContext();
+}
+
+void reRender(const gui::gl::View* pView)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->reDraw();
+}
+
+void setAnimationMode(gui::gl::View* pView, unsigned char mode)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->setContinuousMode(mode != 0);
+}
+
+void cleanOpenGLResources(gui::gl::View* pView)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->cleanResources();
+}
+
+int getOpenGLVersion(const gui::gl::View* pView, int& minor)
+{
+    minor = 0;
+    GLView* const pNative = nativeView(pView);
+    return pNative != nullptr ? pNative->getOpenGLVersion(minor) : 0;
+}
+
+void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, bool globally)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->setCursor(type, globally);
+}
+
+void registerForFocusEvents(const gui::gl::View* pView)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->registerFocusEvents();
+}
+
+void setOnDrawCallback(gui::gl::View* pView, gui::Texture* pTexture)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->setGrabFrameBuffer(pTexture);
+}
+
+} // namespace zav

@@ -1,0 +1,80 @@
+#include "OffscreenSurface.h"
+
+#include "RunLoop.h"
+#include "WindowSystem.h"
+#include "offscreen/OffscreenWindowSystem.h"
+
+#include <gui/gl/OffscreenContext.h>
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+td::Size<int> inPixels(const gui::OffscreenDrawable& drawable)
+{
+    const auto scale = static_cast<double>(drawable.scale);
+    return {std::max(1, static_cast<int>(std::lround(drawable.size.width * scale))),
+            std::max(1, static_cast<int>(std::lround(drawable.size.height * scale)))};
+}
+
+class OffscreenSurface : public NativeSurface
+{
+public:
+    OffscreenSurface(gui::NativeView& nativeView, const Context& context, const gui::OffscreenDrawable& drawable)
+        : _nativeView(nativeView)
+        , _drawable(drawable)
+        , _context(inPixels(drawable), context)
+    {
+    }
+    ~OffscreenSurface() override { runLoop().forget(&_nativeView); }
+
+    bool isOk() const { return _context.isOk(); }
+
+    bool makeCurrent() override { return _context.makeCurrent(); }
+    void flush() override { glFlush(); }
+    td::Size<double> getSize() const override { return _drawable.size; }
+    float getBackingScale() const override { return _drawable.scale; }
+    td::Size<int> getDrawableSize() const override { return _context.getSize(); }
+    unsigned int getDefaultFramebuffer() const override { return 0; }
+    void setNeedsDisplay() override { runLoop().setNeedsDisplay(&_nativeView); }
+
+    void* getNativeWindow() const override { return &_drawable; }
+    bool followWindow() override
+    {
+        const td::Size<int> size = inPixels(_drawable);
+        return size == _context.getSize() ? _context.makeCurrent() : _context.resize(size);
+    }
+    void startFrameClock(float minFPS, float maxFPS) override
+    {
+        runLoop().startFrameClock(&_nativeView, minFPS, maxFPS);
+    }
+    void stopFrameClock() override { runLoop().stopFrameClock(&_nativeView); }
+
+private:
+    static gui::RunLoop& runLoop() { return gui::WindowSystem::instance().getRunLoop(); }
+
+    gui::NativeView& _nativeView;
+    mutable gui::OffscreenDrawable _drawable; // the window writes to it
+    OffscreenContext _context;
+};
+
+} // namespace
+
+std::unique_ptr<NativeSurface> createOffscreenSurface(NativeSurfaceClient&, gui::NativeView& nativeView,
+                                                      const Context& context, const td::Size<double>& size)
+{
+    const gui::OffscreenDrawable drawable{size, gui::WindowSystem::instance().getMainDisplayScale()};
+    auto surface = std::make_unique<OffscreenSurface>(nativeView, context, drawable);
+    if (!surface->isOk())
+        return nullptr;
+    return surface;
+}
+
+} // namespace gui::gl

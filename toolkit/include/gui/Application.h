@@ -1,0 +1,38 @@
+#pragma once
+
+#include <td/Export.h>
+
+namespace gui
+{
+
+/// The program as a whole: picks the window system and runs the loop that everything happens in.
+///
+/// The window system is the display's or, where there is none, one without a display: programs run unchanged there. The
+/// choice is written to the log; the environment variable GUIGL_WINDOW_SYSTEM ("offscreen") overrides it.
+/// One at a time. GUI thread only, which is the thread that makes it.
+class GUIGL_API Application
+{
+public:
+    /// The arguments are main's; none of them is taken away.
+    Application(int argc, char** argv);
+    ~Application();
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    /// Serves events, functions from asyncCall, frame ticks and redraws until quit is called or the last open window
+    /// closes. It sleeps while there is nothing to do. @return the code given to quit; 0 when the last window closed
+    int run();
+
+    /// One turn of run, for programs that have a loop of their own.
+    /// @param seconds  how long it may sleep before, at most, until something is to be done; 0 does not sleep
+    /// @return false when run would return
+    bool step(double seconds);
+
+    /// Ends run after the handler that calls it. From the GUI thread: from others, post it with ZavObject::asyncCall.
+    static void quit(int code = 0);
+
+    /// The window system in use: "offscreen".
+    static const char* getWindowSystem();
+};
+
+} // namespace gui

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <td/Export.h>
+#include <td/Size.h>
+
+#include <memory>
+
+namespace gui
+{
+
+class NativeView;
+class WindowPeer;
+class ZavObject;
+
+/// A top-level window that shows one view. It does not own the view: either may go first. A view that is destroyed closes
+/// the window it is shown in; a window that closes cleans up the view's resources. GUI thread only.
+class GUIGL_API Window
+{
+public:
+    /// Not seen before show. @param title  UTF-8  @param size  of the content in points, at least 1 by 1 (an assertion)
+    Window(const char* title, const td::Size<double>& size);
+    /// Closes the window.
+    ~Window();
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    /// Shows a view that has its native view already (see gui::gl::View::createContext), over the whole window, in place
+    /// of the one shown before. A view that is in another window leaves that one, which closes.
+    /// @return false, with a log line, when the view has no native view or the window was closed
+    bool show(ZavObject& view);
+
+    /// Closes the window for good, as the user does.
+    void close();
+    /// Whether it shows a view.
+    bool isOpen() const { return _pNativeView != nullptr; }
+
+    void setTitle(const char* title);
+    /// In points, without the frame.
+    void setSize(const td::Size<double>& size);
+    td::Size<double> getSize() const;
+    void setFullScreen(bool isFullScreen);
+    bool isFullScreen() const { return _isFullScreen; }
+
+private:
+    friend class NativeView;
+
+    void release();
+    void closeWithoutView();
+
+    std::unique_ptr<WindowPeer> _pPeer;
+    NativeView* _pNativeView = nullptr;
+    bool _isFullScreen = false;
+};
+
+} // namespace gui

@@ -1,0 +1,182 @@
+#include "RunLoop.h"
+
+#include "AsyncQueue.h"
+
+#include <gui/NativeView.h>
+
+#include <algorithm>
+
+namespace gui
+{
+
+namespace
+{
+
+constexpr double cDefaultDisplayRate = 60;
+
+// What a caller may ask for without the time overflowing.
+constexpr double cLongestSleepInSeconds = 1e6;
+
+double frameRate(double displayRate, float minFPS, float maxFPS)
+{
+    const double rate = displayRate > 0 ? displayRate : cDefaultDisplayRate;
+    const bool isRange = minFPS > 0 && maxFPS > 0 && maxFPS >= minFPS;
+    return isRange ? std::min(rate, static_cast<double>(maxFPS)) : rate;
+}
+
+} // namespace
+
+RunLoop::RunLoop() = default;
+
+RunLoop::~RunLoop() = default;
+
+void RunLoop::connect()
+{
+    AsyncQueue::instance().setWakeUp([this] { wakeUp(); });
+}
+
+void RunLoop::disconnect() { AsyncQueue::instance().setWakeUp({}); }
+
+int RunLoop::run()
+{
+    while (step(cLongestSleepInSeconds))
+        ;
+    return _exitCode.value_or(0);
+}
+
+bool RunLoop::step(double seconds)
+{
+    if (_exitCode)
+        return false;
+    if (!isSomethingDue() && seconds > 0)
+    {
+        const auto sleep = std::chrono::duration<double>(std::min(seconds, cLongestSleepInSeconds));
+        const Time end = Clock::now() + std::chrono::duration_cast<Clock::duration>(sleep);
+        const std::optional<Time> tick = getNextTick();
+        wait(tick ? std::min(*tick, end) : end);
+    }
+    dispatchEvents();
+    if (!_exitCode)
+        AsyncQueue::instance().runPending();
+    if (!_exitCode)
+        runTicks();
+    if (!_exitCode)
+        runRedraws();
+    return !_exitCode;
+}
+
+void RunLoop::quit(int code)
+{
+    _exitCode = code;
+    wakeUp();
+}
+
+void RunLoop::windowClosed()
+{
+    --_nOpenWindows;
+    if (_nOpenWindows == 0 && !_exitCode)
+        quit(0);
+}
+
+void RunLoop::setNeedsDisplay(NativeView* pView) { entryOf(pView).needsDisplay = true; }
+
+void RunLoop::startFrameClock(NativeView* pView, float minFPS, float maxFPS)
+{
+    const double rate = frameRate(getDisplayRate(pView), minFPS, maxFPS);
+    Entry& entry = entryOf(pView);
+    entry.hasClock = true;
+    entry.period = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / rate));
+    entry.nextTick = Clock::now() + entry.period;
+}
+
+void RunLoop::stopFrameClock(NativeView* pView)
+{
+    if (Entry* const pEntry = find(pView))
+        pEntry->hasClock = false;
+}
+
+bool RunLoop::hasFrameClock(const NativeView* pView) const
+{
+    const Entry* const pEntry = find(pView);
+    return pEntry != nullptr && pEntry->hasClock;
+}
+
+void RunLoop::setVisible(NativeView* pView, bool isVisible)
+{
+    Entry& entry = entryOf(pView);
+    if (isVisible && !entry.isVisible)
+        entry.nextTick = Clock::now();
+    entry.isVisible = isVisible;
+}
+
+void RunLoop::forget(NativeView* pView)
+{
+    std::erase_if(_entries, [pView](const Entry& entry) { return entry.pView == pView; });
+}
+
+RunLoop::Entry& RunLoop::entryOf(NativeView* pView)
+{
+    if (Entry* const pEntry = find(pView))
+        return *pEntry;
+    return _entries.emplace_back(Entry{.pView = pView});
+}
+
+RunLoop::Entry* RunLoop::find(const NativeView* pView)
+{
+    const auto it =
+        std::find_if(_entries.begin(), _entries.end(), [pView](const Entry& entry) { return entry.pView == pView; });
+    return it != _entries.end() ? &*it : nullptr;
+}
+
+const RunLoop::Entry* RunLoop::find(const NativeView* pView) const { return const_cast<RunLoop*>(this)->find(pView); }
+
+bool RunLoop::isSomethingDue() const
+{
+    return !AsyncQueue::instance().isEmpty() ||
+           std::any_of(_entries.begin(), _entries.end(), [](const Entry& entry) { return entry.needsDisplay; });
+}
+
+std::optional<RunLoop::Time> RunLoop::getNextTick() const
+{
+    std::optional<Time> next;
+    for (const Entry& entry : _entries)
+        if (entry.hasClock && entry.isVisible && (!next || entry.nextTick < *next))
+            next = entry.nextTick;
+    return next;
+}
+
+void RunLoop::runTicks()
+{
+    // Handlers may start and stop clocks and make views come and go: the views are looked up again one by one.
+    const std::vector<Entry> entries = _entries;
+    const Time now = Clock::now();
+    for (const Entry& candidate : entries)
+    {
+        Entry* const pEntry = find(candidate.pView);
+        if (pEntry == nullptr || !pEntry->hasClock || !pEntry->isVisible || pEntry->nextTick > now)
+            continue;
+        // Ticks lie on multiples of the period, so that the rate does not drift; those that were missed are left out.
+        const auto nMissed = (now - pEntry->nextTick) / pEntry->period;
+        pEntry->nextTick += pEntry->period * (nMissed + 1);
+        pEntry->needsDisplay = false;
+        pEntry->pView->onFrameTick();
+    }
+}
+
+void RunLoop::runRedraws()
+{
+    const std::vector<Entry> entries = _entries;
+    for (const Entry& candidate : entries)
+    {
+        if (!candidate.needsDisplay)
+            continue;
+        Entry* const pEntry = find(candidate.pView);
+        if (pEntry == nullptr || !pEntry->needsDisplay)
+            continue;
+        // Before the draw: a request from inside it is for the next turn.
+        pEntry->needsDisplay = false;
+        pEntry->pView->drawNow();
+    }
+}
+
+} // namespace gui

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <td/Export.h>
+
+#include <chrono>
+#include <optional>
+#include <vector>
+
+namespace gui
+{
+
+class NativeView;
+class Window;
+
+/// One turn after the other: the window system's events, functions from asyncCall, due frame ticks, redraws. It sleeps
+/// when nothing is due. What is the same on every window system is here; a window system waits and dispatches.
+/// GUI thread only, but for wakeUp.
+class GUIGL_API RunLoop
+{
+public:
+    using Clock = std::chrono::steady_clock;
+    using Time = Clock::time_point;
+
+    RunLoop();
+    virtual ~RunLoop();
+    RunLoop(const RunLoop&) = delete;
+    RunLoop& operator=(const RunLoop&) = delete;
+
+    /// Turns until quit, or until the last open window closed. @return the code that was given to quit, else 0
+    int run();
+
+    /// One turn, after sleeping until something is due, at most that long.
+    /// @param seconds  0 or less does not sleep  @return false when the loop is to end
+    bool step(double seconds);
+
+    void quit(int code);
+    /// Forgets an earlier quit.
+    void restart() { _exitCode.reset(); }
+
+    /// Asks for drawNow in this turn, or in the next when it is under way.
+    void setNeedsDisplay(NativeView* pView);
+
+    /// Ticks at the display's rate. When the range is one (both above 0, the maximum not below the minimum), a rate above
+    /// its maximum is lowered to that. A view has one clock at most; starting it again changes its rate.
+    void startFrameClock(NativeView* pView, float minFPS, float maxFPS);
+    void stopFrameClock(NativeView* pView);
+    bool hasFrameClock(const NativeView* pView) const;
+
+    /// A clock of a view that cannot be seen pauses, and goes on when it can.
+    void setVisible(NativeView* pView, bool isVisible);
+
+    /// The view is going away.
+    void forget(NativeView* pView);
+
+    void windowOpened() { ++_nOpenWindows; }
+    void windowClosed();
+
+protected:
+    /// Sleeps until the time (null: without end), an event of the window system, or wakeUp.
+    virtual void wait(const std::optional<Time>& until) = 0;
+    /// Hands out the events that are there. Does not wait.
+    virtual void dispatchEvents() = 0;
+    /// Ends a wait, or the next one if there is none. Any thread.
+    virtual void wakeUp() = 0;
+    /// Frames per second of the display the view is on; 0 when the window system does not know.
+    virtual double getDisplayRate(const NativeView* pView) const = 0;
+
+    /// The derived constructor and destructor call these: the wake-up needs the whole object.
+    void connect();
+    void disconnect();
+
+private:
+    struct Entry
+    {
+        NativeView* pView;
+        bool needsDisplay = false;
+        bool hasClock = false;
+        bool isVisible = true;
+        Clock::duration period{};
+        Time nextTick{};
+    };
+
+    Entry& entryOf(NativeView* pView);
+    Entry* find(const NativeView* pView);
+    const Entry* find(const NativeView* pView) const;
+    bool isSomethingDue() const;
+    std::optional<Time> getNextTick() const;
+    void runTicks();
+    void runRedraws();
+
+    std::vector<Entry> _entries;
+    std::optional<int> _exitCode;
+    int _nOpenWindows = 0;
+};
+
+} // namespace gui

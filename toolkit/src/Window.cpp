@@ -1,0 +1,132 @@
+#include <gui/Window.h>
+
+#include "RunLoop.h"
+#include "WindowSystem.h"
+
+#include <gui/NativeView.h>
+#include <gui/ZavObject.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <utility>
+
+namespace gui
+{
+
+namespace
+{
+
+// Counts a window as closed at the end of its scope, even when a handler throws on the way.
+struct ClosedWindow
+{
+    ClosedWindow() = default;
+    ClosedWindow(const ClosedWindow&) = delete;
+    ClosedWindow& operator=(const ClosedWindow&) = delete;
+    ~ClosedWindow() { WindowSystem::instance().getRunLoop().windowClosed(); }
+};
+
+} // namespace
+
+Window::Window(const char* title, const td::Size<double>& size)
+{
+    TD_ASSERT(size.width >= 1 && size.height >= 1);
+    _pPeer = WindowSystem::instance().createWindow(title != nullptr ? title : "", size);
+}
+
+Window::~Window() { close(); }
+
+bool Window::show(ZavObject& view)
+{
+    auto* const pNativeView = dynamic_cast<NativeView*>(view.getHandle());
+    if (pNativeView == nullptr)
+    {
+        vo::dbgLog("Error! Window::show view without a native view! Create its context first!");
+        return false;
+    }
+    if (_pPeer == nullptr)
+    {
+        vo::dbgLog("Error! Window::show on a closed window!");
+        return false;
+    }
+    if (_pNativeView == pNativeView)
+        return true;
+
+    if (Window* const pOther = pNativeView->_pWindow)
+    {
+        pNativeView->leftWindow();
+        pOther->closeWithoutView();
+    }
+    const bool wasOpen = isOpen();
+    if (wasOpen)
+        release();
+    _pNativeView = pNativeView;
+    pNativeView->_pWindow = this;
+    if (!wasOpen)
+        WindowSystem::instance().getRunLoop().windowOpened();
+    _pPeer->show(pNativeView);
+    return true;
+}
+
+// Lets go of the view, which goes on living without a window.
+void Window::release()
+{
+    NativeView* const pNativeView = std::exchange(_pNativeView, nullptr);
+    pNativeView->_pWindow = nullptr;
+    _pPeer->hide();
+    pNativeView->leftWindow();
+}
+
+void Window::close()
+{
+    if (!isOpen())
+    {
+        _pPeer.reset();
+        return;
+    }
+    const ClosedWindow closed;
+    const std::unique_ptr<WindowPeer> pPeer = std::move(_pPeer);
+    NativeView* const pNativeView = std::exchange(_pNativeView, nullptr);
+    pNativeView->_pWindow = nullptr;
+    pPeer->hide();
+    pNativeView->leftWindow();
+    pNativeView->windowClosed();
+}
+
+void Window::closeWithoutView()
+{
+    const ClosedWindow closed;
+    const std::unique_ptr<WindowPeer> pPeer = std::move(_pPeer);
+    std::exchange(_pNativeView, nullptr)->_pWindow = nullptr;
+    pPeer->hide();
+}
+
+void NativeView::closeWindow()
+{
+    if (_pWindow != nullptr)
+        _pWindow->closeWithoutView();
+}
+
+void Window::setTitle(const char* title)
+{
+    if (_pPeer != nullptr && title != nullptr)
+        _pPeer->setTitle(title);
+}
+
+void Window::setSize(const td::Size<double>& size)
+{
+    TD_ASSERT(size.width >= 1 && size.height >= 1);
+    if (_pPeer != nullptr)
+        _pPeer->setSize(size);
+}
+
+td::Size<double> Window::getSize() const { return _pPeer != nullptr ? _pPeer->getSize() : td::Size<double>(); }
+
+void Window::setFullScreen(bool isFullScreen)
+{
+    if (_pPeer == nullptr || isFullScreen == _isFullScreen)
+        return;
+    _isFullScreen = isFullScreen;
+    _pPeer->setFullScreen(isFullScreen);
+}
+
+} // namespace gui

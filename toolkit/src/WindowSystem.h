@@ -1,0 +1,50 @@
+#pragma once
+
+#include <td/Export.h>
+#include <td/Size.h>
+
+#include <memory>
+
+namespace gui
+{
+
+class NativeView;
+class RunLoop;
+
+/// A top-level window of a window system, behind gui::Window.
+class WindowPeer
+{
+public:
+    virtual ~WindowPeer() = default;
+
+    /// Takes the native view's own window as this one, sized as asked for, and shows it.
+    virtual void show(NativeView* pView) = 0;
+    /// The view leaves; the window is not seen any more.
+    virtual void hide() = 0;
+
+    virtual void setTitle(const char* title) = 0;
+    /// In points, without the frame.
+    virtual void setSize(const td::Size<double>& size) = 0;
+    virtual td::Size<double> getSize() const = 0;
+    virtual void setFullScreen(bool isFullScreen) = 0;
+};
+
+/// What a window system is to the toolkit: a run loop and windows. One per process.
+class GUIGL_API WindowSystem
+{
+public:
+    virtual ~WindowSystem() = default;
+
+    /// The one in use. It is chosen at the first call, and logged; the environment variable GUIGL_WINDOW_SYSTEM overrides
+    /// the choice with a name of the table. One that does not start gives way to the next.
+    static WindowSystem& instance();
+
+    /// As in the table: the native view looks up its surface by it.
+    virtual const char* getName() const = 0;
+    virtual RunLoop& getRunLoop() = 0;
+    virtual std::unique_ptr<WindowPeer> createWindow(const char* title, const td::Size<double>& size) = 0;
+    /// Device pixels per point of the main display.
+    virtual float getMainDisplayScale() const = 0;
+};
+
+} // namespace gui

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "../WindowSystem.h"
+
+#include <td/Export.h>
+
+#include <memory>
+
+namespace gui
+{
+
+/// No display at all: windows that nobody sees. They are drawn, clocked at 60 frames per second and closed like any other.
+/// The environment variable GUIGL_SCALE sets their device pixels per point, 1 to 8.
+std::unique_ptr<WindowSystem> createOffscreenWindowSystem();
+
+/// What a view without a display draws into, as its window sees it: the native view's "native window". The surface owns it
+/// and follows its values when it is told of a change.
+struct OffscreenDrawable
+{
+    td::Size<double> size; // points
+    float scale = 1;       // device pixels per point
+};
+
+} // namespace gui
