@@ -1,0 +1,211 @@
+#include "TopoJSON.h"
+
+#include <vo/Log.h>
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <cstdint>
+#include <stdexcept>
+#include <utility>
+
+namespace examples
+{
+
+namespace
+{
+
+using nlohmann::json;
+
+constexpr std::size_t cMaxPoints = 10'000'000;
+
+// Quantised coordinates end up this much beyond the edges of the globe at most, by rounding.
+constexpr double cDegreeTolerance = 1e-6;
+
+struct Broken : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+[[noreturn]] void fail(const std::string& cause) { throw Broken(cause); }
+
+std::string numbered(const char* thing, std::size_t number) { return thing + (' ' + std::to_string(number)); }
+
+const json& member(const json& parent, const std::string& name, json::value_t type, const std::string& where)
+{
+    const auto it = parent.find(name);
+    if (it == parent.end() || it->type() != type)
+        fail(where + " has no " + (type == json::value_t::array ? "list \"" : "\"") + name + '"');
+    return *it;
+}
+
+td::Point<double> pair(const json& value, const std::string& where)
+{
+    if (!value.is_array() || value.size() < 2 || !value[0].is_number() || !value[1].is_number())
+        fail(where + " is no pair of numbers");
+    return {value[0].get<double>(), value[1].get<double>()};
+}
+
+/// The arcs of a file, in degrees.
+class Arcs
+{
+public:
+    explicit Arcs(const json& topology)
+    {
+        const auto transform = topology.find("transform");
+        _isQuantised = transform != topology.end();
+        if (_isQuantised)
+        {
+            _scale = pair(member(*transform, "scale", json::value_t::array, "transform"), "scale");
+            _translate = pair(member(*transform, "translate", json::value_t::array, "transform"), "translate");
+        }
+        const json& arcs = member(topology, "arcs", json::value_t::array, "file");
+        _arcs.reserve(arcs.size());
+        for (const json& arc : arcs)
+            _arcs.push_back(decode(arc, numbered("arc", _arcs.size())));
+    }
+
+    /// Joins the arcs that a ring names. Negative numbers count from -1 and mean the arc backwards.
+    TopoJSON::Ring join(const json& numbers, const std::string& where)
+    {
+        if (!numbers.is_array() || numbers.empty())
+            fail(where + " has a ring that is no list of arcs");
+        TopoJSON::Ring ring;
+        for (const json& number : numbers)
+        {
+            const auto [arc, isBackwards] = find(number, where);
+            const auto point = [&arc = arc, isBackwards = isBackwards](std::size_t i)
+            { return isBackwards ? arc[arc.size() - 1 - i] : arc[i]; };
+            if (!ring.empty() && ring.back() != point(0))
+                fail(where + " has arcs that don't meet");
+            _nPoints += arc.size();
+            if (_nPoints > cMaxPoints)
+                fail("more than " + std::to_string(cMaxPoints) + " points");
+            for (std::size_t i = ring.empty() ? 0 : 1; i < arc.size(); ++i)
+                ring.push_back(point(i));
+        }
+        if (ring.size() < 4 || ring.front() != ring.back())
+            fail(where + " has a ring that is not closed");
+        ring.pop_back();
+        return ring;
+    }
+
+private:
+    TopoJSON::Ring decode(const json& arc, const std::string& where) const
+    {
+        if (!arc.is_array() || arc.size() < 2)
+            fail(where + " has fewer than two positions");
+        TopoJSON::Ring points;
+        points.reserve(arc.size());
+        td::Point<double> sum{0, 0};
+        for (const json& position : arc)
+        {
+            td::Point<double> point = pair(position, where);
+            if (_isQuantised)
+            {
+                sum.x += point.x;
+                sum.y += point.y;
+                point = {sum.x * _scale.x + _translate.x, sum.y * _scale.y + _translate.y};
+            }
+            // Written so that a NaN is refused too.
+            if (!(std::abs(point.x) <= 180 + cDegreeTolerance && std::abs(point.y) <= 90 + cDegreeTolerance))
+                fail(where + " leaves the globe");
+            points.push_back(point);
+        }
+        return points;
+    }
+
+    std::pair<const TopoJSON::Ring&, bool> find(const json& number, const std::string& where) const
+    {
+        if (!number.is_number_integer())
+            fail(where + " names an arc that is no number");
+        const bool isBackwards = !number.is_number_unsigned() && number.get<std::int64_t>() < 0;
+        const std::uint64_t index =
+            isBackwards ? static_cast<std::uint64_t>(~number.get<std::int64_t>()) : number.get<std::uint64_t>();
+        if (index >= _arcs.size())
+            fail(where + " names arc " + number.dump() + " of " + std::to_string(_arcs.size()));
+        return {_arcs[index], isBackwards};
+    }
+
+    std::vector<TopoJSON::Ring> _arcs;
+    td::Point<double> _scale{1, 1};
+    td::Point<double> _translate{0, 0};
+    std::size_t _nPoints = 0; // in rings so far
+    bool _isQuantised = false;
+};
+
+TopoJSON::Polygon readPolygon(const json& rings, Arcs& arcs, const std::string& where)
+{
+    if (!rings.is_array())
+        fail(where + " has a polygon that is no list of rings");
+    TopoJSON::Polygon polygon;
+    for (const json& ring : rings)
+        polygon.push_back(arcs.join(ring, where));
+    return polygon;
+}
+
+TopoJSON::Area readArea(const json& geometry, Arcs& arcs, const std::string& where)
+{
+    TopoJSON::Area area;
+    const auto properties = geometry.find("properties");
+    if (properties != geometry.end() && properties->is_object())
+    {
+        const auto name = properties->find("name");
+        if (name != properties->end() && name->is_string())
+            area.name = name->get<std::string>();
+    }
+    const json& type = member(geometry, "type", json::value_t::string, where);
+    if (type != "Polygon" && type != "MultiPolygon")
+        fail(where + " is neither Polygon nor MultiPolygon");
+    const json& lists = member(geometry, "arcs", json::value_t::array, where);
+    if (type == "Polygon")
+        area.polygons.push_back(readPolygon(lists, arcs, where));
+    else
+        for (const json& polygon : lists)
+            area.polygons.push_back(readPolygon(polygon, arcs, where));
+    return area;
+}
+
+std::vector<TopoJSON::Area> readAreas(std::string_view text, const std::string& object)
+{
+    const json topology = json::parse(text, nullptr, false);
+    if (topology.is_discarded())
+        fail("no valid JSON");
+    const auto type = topology.find("type");
+    if (type == topology.end() || *type != "Topology")
+        fail("no TopoJSON");
+    const json& objects = member(topology, "objects", json::value_t::object, "file");
+    const json& collection = member(objects, object, json::value_t::object, "file");
+    Arcs arcs(topology);
+    std::vector<TopoJSON::Area> areas;
+    for (const json& geometry : member(collection, "geometries", json::value_t::array, "object"))
+        areas.push_back(readArea(geometry, arcs, numbered("geometry", areas.size())));
+    return areas;
+}
+
+} // namespace
+
+bool TopoJSON::load(std::string_view json, const std::string& object)
+{
+    try
+    {
+        _areas = readAreas(json, object);
+        return true;
+    }
+    catch (const Broken& broken)
+    {
+        vo::dbgLog("ERROR! TopoJSON::load cannot read object: %s (%s)", object.c_str(), broken.what());
+        return false;
+    }
+}
+
+std::size_t TopoJSON::getNoOfRings() const
+{
+    std::size_t n = 0;
+    for (const Area& area : _areas)
+        for (const Polygon& polygon : area.polygons)
+            n += polygon.size();
+    return n;
+}
+
+} // namespace examples

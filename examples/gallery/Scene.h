@@ -1,0 +1,33 @@
+#pragma once
+
+#include <td/Size.h>
+
+namespace gallery
+{
+
+/// What a scene must know of the picture it draws.
+struct Frame
+{
+    td::Size<double> size; ///< in points
+    double scale;          ///< device pixels per point
+    double seconds;        ///< since the start
+};
+
+/// One feature of the library, shown. A scene owns its programs, buffers and textures, and is destroyed before its context.
+class Scene
+{
+public:
+    Scene() = default;
+    virtual ~Scene() = default;
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    /// Called once, with the context current: link programs, fill buffers, record commands.
+    /// @return false, after a line in the log, when the scene can't be shown
+    virtual bool init() = 0;
+
+    /// Draws one picture over the whole viewport, with GL's state as a new context has it, and leaves the state like that.
+    virtual void draw(const Frame& frame) = 0;
+};
+
+} // namespace gallery

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Scene.h"
+
+#include <memory>
+#include <span>
+
+namespace gallery
+{
+
+/// A scene of the gallery. The texts are HTML without markup.
+struct SceneInfo
+{
+    const char* name;  ///< in file names and on the command line
+    const char* title; ///< of the picture
+    const char* text;  ///< what it shows, a sentence or two
+    std::unique_ptr<Scene> (*make)();
+};
+
+/// All scenes, in the order in which they are shown.
+std::span<const SceneInfo> scenes();
+
+// One for each scene's source.
+std::unique_ptr<Scene> makeCoastline();
+
+} // namespace gallery

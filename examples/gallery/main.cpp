@@ -1,0 +1,171 @@
+// Draws every scene of the gallery into PNG files, without a window, and a web page that shows them.
+
+#include "GLMessages.h"
+#include "Page.h"
+#include "Scenes.h"
+
+#include <gui/Texture.h>
+#include <gui/gl/OffscreenContext.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+namespace
+{
+
+using namespace gallery;
+
+constexpr td::Size<double> cSize{960, 600}; // in points
+constexpr int cScales[] = {1, 2};
+
+// The moment at which scenes that move are pictured.
+constexpr double cSeconds = 2;
+
+constexpr int cExitFailed = 1;
+constexpr int cExitUsage = 2;
+
+constexpr const char* cHelp = R"(Usage: gallery [--out FOLDER] [--scene NAME]
+       gallery --list | --help
+
+Draws the gallery's scenes into FOLDER: NAME.png, NAME@2x.png for screens with two
+pixels per point, and index.html, which shows them all.
+
+  --out FOLDER   where to write; made if need be (default: out)
+  --scene NAME   draw only this scene, and leave index.html alone
+  --list         print the names of the scenes
+  --help         print this
+)";
+
+struct Options
+{
+    std::filesystem::path folder = "out";
+    const SceneInfo* pOnly = nullptr;
+    bool isList = false;
+    bool isHelp = false;
+};
+
+const SceneInfo* findScene(const char* name)
+{
+    for (const SceneInfo& scene : scenes())
+        if (std::strcmp(scene.name, name) == 0)
+            return &scene;
+    return nullptr;
+}
+
+// Says what is wrong with the command line and returns false if anything is.
+bool parse(int argc, char** argv, Options& options)
+{
+    for (int i = 1; i < argc; ++i)
+    {
+        const std::string option = argv[i];
+        const char* value = i + 1 < argc ? argv[i + 1] : "";
+        if (option == "--list")
+            options.isList = true;
+        else if (option == "--help")
+            options.isHelp = true;
+        else if (option != "--out" && option != "--scene")
+        {
+            std::fprintf(stderr, "gallery: unknown option: %s (see gallery --help)\n", argv[i]);
+            return false;
+        }
+        else if (*value == '\0')
+        {
+            std::fprintf(stderr, "gallery: %s needs a value (see gallery --help)\n", argv[i]);
+            return false;
+        }
+        else if (++i; option == "--out")
+            options.folder = value;
+        else if (options.pOnly = findScene(value); options.pOnly == nullptr)
+        {
+            std::fprintf(stderr, "gallery: no scene is named %s (see gallery --list)\n", value);
+            return false;
+        }
+    }
+    return true;
+}
+
+td::Size<int> pixels(int scale)
+{
+    return {static_cast<int>(cSize.width) * scale, static_cast<int>(cSize.height) * scale};
+}
+
+// Draws one scene at every scale. Failures are in the log.
+bool drawPictures(const SceneInfo& info, const std::filesystem::path& folder, int& nDrawn, int nPictures)
+{
+    using namespace gui::gl;
+    OffscreenContext context(
+        pixels(1), Context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41), true);
+    if (!context.isOk())
+        return false;
+    GLMessages messages;
+    std::unique_ptr<Scene> pScene = info.make();
+    if (!pScene->init())
+        return false;
+    for (const int scale : cScales)
+    {
+        gui::Texture picture;
+        const std::string name = pictureName(info, scale);
+        if (!context.resize(pixels(scale)))
+            return false;
+        pScene->draw({cSize, static_cast<double>(scale), cSeconds});
+        if (!context.readPixels(picture) || !picture.saveToFile((folder / name).c_str()))
+            return false;
+        std::printf("[%d/%d] %s\n", ++nDrawn, nPictures, name.c_str());
+        std::fflush(stdout);
+    }
+    pScene.reset();
+    return messages.areFaultless();
+}
+
+int draw(const Options& options)
+{
+    std::error_code error;
+    std::filesystem::create_directories(options.folder, error);
+    if (error)
+    {
+        std::fprintf(stderr, "gallery: cannot make folder %s: %s\n", options.folder.c_str(), error.message().c_str());
+        return cExitFailed;
+    }
+    const std::span<const SceneInfo> chosen = options.pOnly != nullptr ? std::span(options.pOnly, 1) : scenes();
+    const int nPictures = static_cast<int>(chosen.size() * std::size(cScales));
+    int nDrawn = 0;
+    int code = 0;
+    for (const SceneInfo& scene : chosen)
+    {
+        if (!drawPictures(scene, options.folder, nDrawn, nPictures))
+        {
+            std::fprintf(stderr, "gallery: scene %s failed\n", scene.name);
+            code = cExitFailed;
+        }
+    }
+    const std::filesystem::path page = options.folder / "index.html";
+    if (options.pOnly == nullptr && !writePage(page, cSize))
+    {
+        std::fprintf(stderr, "gallery: cannot write %s\n", page.c_str());
+        code = cExitFailed;
+    }
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    if (!parse(argc, argv, options))
+        return cExitUsage;
+    if (options.isHelp)
+    {
+        std::fputs(cHelp, stdout);
+        return 0;
+    }
+    if (options.isList)
+    {
+        for (const SceneInfo& scene : scenes())
+            std::puts(scene.name);
+        return 0;
+    }
+    return draw(options);
+}
