@@ -1,6 +1,8 @@
 #include "GLView.h"
 
 #include "EventTranslation.h"
+#include "FrameRecorder.h"
+#include "GLDebug.h"
 
 #include "../common/ViewHelper.h"
 
@@ -89,6 +91,7 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
 
 void GLView::prepareOpenGL()
 {
+    logGLDebugMessages();
     _size = _pSurface->getSize();
     updateViewport();
     _screenFrameBufferID = _pSurface->getDefaultFramebuffer();
@@ -256,6 +259,8 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     if (_pCppView == nullptr)
         return;
     readGrabbedFrame();
+    if (FrameRecorder::instance().isOn())
+        FrameRecorder::instance().onFrame(this, _screenFrameBufferID, _pSurface->getDrawableSize());
     _pSurface->flush();
 }
 

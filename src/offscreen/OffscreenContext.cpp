@@ -1,6 +1,7 @@
 #include <gui/gl/OffscreenContext.h>
 
-#include <gui/Texture.h>
+#include "../common/FrameReader.h"
+
 #include <gui/gl/CurrentContext.h>
 #include <vo/Log.h>
 
@@ -9,10 +10,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
-#include <new>
 #include <utility>
-#include <vector>
 
 namespace gui::gl
 {
@@ -255,32 +253,7 @@ bool OffscreenContext::readPixels(gui::Texture& picture)
         vo::dbgLog("Error! OffscreenContext::readPixels without a context");
         return false;
     }
-    const auto width = static_cast<std::size_t>(_pImpl->size.width);
-    const auto height = static_cast<std::size_t>(_pImpl->size.height);
-    constexpr std::size_t cBytesPerPixel = 3;
-    const std::size_t rowLength = width * cBytesPerPixel;
-    if (rowLength * height > std::numeric_limits<unsigned int>::max())
-    {
-        vo::dbgLog("Error! OffscreenContext::readPixels of %zu x %zu pixels, more than an image can hold", width,
-                   height);
-        return false;
-    }
-
-    // Rows of 4 bytes per pixel keep GL's pack alignment whatever the width.
-    std::vector<td::BYTE> pixels(width * height * 4);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
-    glReadPixels(0, 0, _pImpl->size.width, _pImpl->size.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    TextureHelper helper(&picture);
-    helper.reserve(static_cast<unsigned int>(rowLength * height));
-    helper.updateInfo(_pImpl->size.width, _pImpl->size.height, cBytesPerPixel);
-    for (std::size_t row = 0; row < height; ++row)
-    {
-        const td::BYTE* pFrom = pixels.data() + (height - 1 - row) * width * 4;
-        td::BYTE* pTo = picture.getBytes() + row * rowLength;
-        for (std::size_t i = 0; i < width; ++i, pFrom += 4, pTo += cBytesPerPixel)
-            std::copy(pFrom, pFrom + cBytesPerPixel, pTo);
-    }
-    return true;
+    return readFrame(0, _pImpl->size, picture);
 }
 
 } // namespace gui::gl

@@ -1,5 +1,7 @@
 #include "OffscreenSurface.h"
 
+#include "../native/GLDebug.h"
+
 #include "RunLoop.h"
 #include "WindowSystem.h"
 #include "offscreen/OffscreenWindowSystem.h"
@@ -30,7 +32,7 @@ public:
     OffscreenSurface(gui::NativeView& nativeView, const Context& context, const gui::OffscreenDrawable& drawable)
         : _nativeView(nativeView)
         , _drawable(drawable)
-        , _context(inPixels(drawable), context)
+        , _context(inPixels(drawable), context, isGLDebugWanted())
     {
     }
     ~OffscreenSurface() override { runLoop().forget(&_nativeView); }

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <td/Size.h>
+
+#include <string>
+#include <vector>
+
+namespace gui::gl
+{
+
+/// Writes the first frames of a program to files and ends it, which is how pictures are taken of programs that know nothing
+/// of it. Two environment variables turn it on: GUIGL_FRAMES_TO names the folder, GUIGL_FRAMES the number of frames, 1
+/// unless said otherwise. Files are named frame-0001.png and so on, those of a second view view2-frame-0001.png; the
+/// program is told to quit with code 0 when a view has drawn all of its frames, with 1 when a file could not be written.
+class FrameRecorder
+{
+public:
+    static FrameRecorder& instance();
+
+    bool isOn() const { return _nFrames > 0; }
+
+    /// A view has drawn a frame and not presented it yet; its context is current.
+    /// @param pView  tells views apart  @param framebuffer  what the view presents through  @param size  in device pixels
+    void onFrame(const void* pView, unsigned int framebuffer, const td::Size<int>& size);
+
+private:
+    struct Recording
+    {
+        const void* pView;
+        int nFrames;
+    };
+
+    FrameRecorder();
+    bool write(const std::string& path, unsigned int framebuffer, const td::Size<int>& size) const;
+
+    std::string _folder;
+    int _nFrames = 0;
+    std::vector<Recording> _recordings;
+};
+
+} // namespace gui::gl
