@@ -1,0 +1,136 @@
+#include "native/EventTranslation.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+
+using gui::gl::KeyEvent;
+using gui::gl::WheelEvent;
+using Event = gui::InputDevice::Event;
+
+constexpr unsigned int cOption = 8;
+constexpr unsigned int cCommand = 16;
+
+TEST(EventTranslation, MasksAndWhatTheyTrack)
+{
+    const struct
+    {
+        std::initializer_list<Event> events;
+        unsigned int mask;
+        std::uint64_t tracking;
+    } cases[] = {
+        {{}, 0, 0x284},
+        {{Event::Keyboard}, 0x100, 0x284},
+        {{Event::CursorMove}, 0x20, 0x286},
+        {{Event::CursorEnterLeave}, 0x01, 0x285},
+        {{Event::CursorDrag, Event::CursorDrag, Event::PrimaryClicks, Event::SecondaryClicks}, 0x54, 0x284},
+        {{Event::ScrollAndZoom, Event::CursorEnterLeave, Event::CursorMove}, 0xA1, 0x287},
+        {{static_cast<Event>(0x8000), static_cast<Event>(0x0001)}, 0x8001, 0x285},
+    };
+    for (const auto& c : cases)
+    {
+        const unsigned short mask = gui::gl::buildEventMask(c.events);
+        EXPECT_EQ(mask, c.mask);
+        EXPECT_EQ(gui::gl::getTrackingOptions(mask), c.tracking) << mask;
+    }
+}
+
+TEST(EventTranslation, WheelZoomsWithCommandAndScrollsElse)
+{
+    const auto isZoom = [](double dx, double dy, unsigned int modifiers) {
+        return gui::gl::isWheelZoom({dx, dy, modifiers, {}});
+    };
+    EXPECT_TRUE(isZoom(0, 2, cCommand));
+    EXPECT_TRUE(isZoom(3, -0.25, cCommand | cOption));
+    EXPECT_FALSE(isZoom(3, 0, cCommand));
+    EXPECT_FALSE(isZoom(0, 2, 63 - cCommand));
+
+    const auto factor = [](double dy) { return gui::gl::getWheelZoomFactor({0, dy, cCommand, {}}); };
+    EXPECT_EQ(factor(2), 1.024);
+    EXPECT_EQ(factor(1), 1.012);
+    EXPECT_EQ(factor(-1), 0.988);
+    EXPECT_NEAR(factor(-79), 0.052, 1e-15);
+    EXPECT_EQ(factor(-80), 0.05);
+    EXPECT_EQ(factor(-1e300), 0.05);
+    EXPECT_EQ(factor(std::nan("")), 0.05);
+
+    const auto scroll = [](double dx, double dy, unsigned int modifiers) {
+        return gui::gl::getWheelScroll({dx, dy, modifiers, {}});
+    };
+    EXPECT_EQ(scroll(3, 0, 0), (td::Point<double>(4.5, 0)));
+    EXPECT_EQ(scroll(3, 0, cCommand), (td::Point<double>(4.5, 0)));
+    EXPECT_EQ(scroll(-1, 0.5, 0), (td::Point<double>(-1.5, 0.75)));
+    EXPECT_EQ(scroll(1, -2, cOption), (td::Point<double>(7.5, -15)));
+}
+
+TEST(EventTranslation, GestureStaysWithinAFifth)
+{
+    const std::pair<double, double> cases[] = {{20, 1.2}, {-20, 0.8}, {10, 1.2}, {10.5, 1.2}, {-10.5, 0.8},
+                                               {0, 1},    {5, 1.1},   {-5, 0.9}, {1e300, 1.2}};
+    for (const auto& [magnification, expected] : cases)
+        EXPECT_EQ(gui::gl::getGestureZoomFactor(magnification), expected) << magnification;
+    EXPECT_FALSE(std::isnan(gui::gl::getGestureZoomFactor(std::nan(""))));
+}
+
+// A value that is read once, or copied into a constant, would ignore what the application sets.
+TEST(EventTranslation, TunablesAreReadAtEachEvent)
+{
+    const double before[] = {zav::s_zoomIncrement, zav::s_scrollAccelleration, zav::s_zoomGestureReduction};
+    zav::s_zoomIncrement = 50;
+    zav::s_scrollAccelleration = 2;
+    zav::s_zoomGestureReduction = 4;
+    EXPECT_EQ(gui::gl::getWheelZoomFactor({0, 1, cCommand, {}}), 1.5);
+    EXPECT_EQ(gui::gl::getWheelScroll({1, 3, cOption, {}}), (td::Point<double>(10, 30)));
+    EXPECT_EQ(gui::gl::getGestureZoomFactor(0.5), 1.125);
+    zav::s_zoomIncrement = before[0];
+    zav::s_scrollAccelleration = before[1];
+    zav::s_zoomGestureReduction = before[2];
+}
+
+TEST(EventTranslation, KeysDownAndUp)
+{
+    constexpr unsigned int cShift = 1;
+    const struct
+    {
+        const char* name;
+        unsigned short keyCode, character;
+        unsigned int downCode, downVirtual, upCode;
+    } cases[] = {
+        {"a", 0, 'a', 97, 0, 97},
+        {"A", 0, 'A', 65, 0, 65},
+        {"Return", 36, 13, 36, 2, 13},
+        {"Tab", 48, 9, 48, 1, 9},
+        {"Backspace", 51, 8, 51, 12, 8},
+        {"Escape", 53, 27, 53, 13, 53 << 8},
+        {"Delete", 117, 0, 117, 30, 117 << 8},
+        {"left arrow", 123, 0, 123, 3, 31488},
+        {"F1", 122, 0, 122, 14, 122 << 8},
+        {"keypad 5", 87, '5', 87, 39, '5'},
+        {"key 8", 8, 'c', 'c', 0, 8 << 8},
+        {"DEL", 200, 127, 127, 0, 127},
+        {"the first beyond ASCII", 200, 128, 128, 0, 200 << 8},
+        {"euro sign", 14, 0x20AC, 0x20AC, 0, 14 << 8},
+        {"no character", 127, 0, 127 << 8, 0, 127 << 8},
+        {"no character, printable", 255, 0, 255 << 8, 0, 255 << 8},
+        {"largest code", 0xFFFF, 0, 0xFFFF00, 0, 0xFFFF00},
+    };
+    for (const auto& c : cases)
+    {
+        const gui::Key down = gui::gl::createKey({true, c.keyCode, c.character, cShift | cCommand});
+        EXPECT_EQ(down.getCode(), c.downCode) << c.name;
+        EXPECT_EQ(static_cast<unsigned int>(down.getVirtual()), c.downVirtual) << c.name;
+        const gui::Key up = gui::gl::createReleasedKey({false, c.keyCode, c.character, cShift | cCommand});
+        EXPECT_EQ(up.getCode(), c.upCode) << c.name;
+        EXPECT_EQ(up.getVirtual(), gui::Key::Virtual::None) << c.name;
+        for (const gui::Key& key : {down, up})
+        {
+            EXPECT_EQ(key.getModifiers(), cShift | cCommand) << c.name;
+            EXPECT_EQ(key.getCount(), 1) << c.name;
+        }
+    }
+}
+
+} // namespace
