@@ -46,7 +46,8 @@ public:
     void onCursorDragged(const InputDevice& device) { _pView->onCursorDragged(device); }
     void onCursorExited(const InputDevice& device) { _pView->onCursorExited(device); }
 
-    /// Queues the delivery of a frame that was read: the view's callback runs from the run loop, not from inside the draw.
+    /// Queues the delivery of a frame that was read: the view's callback runs from the run loop, not from inside the
+    /// draw.
     void sendAsyncOnFrameRead(gui::Texture* pTexture);
     static void prepareFrame(View* pView, gui::Texture* pTexture);
 

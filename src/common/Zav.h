@@ -17,8 +17,8 @@ class View;
 } // namespace gl
 } // namespace gui
 
-/// The view's only way down to the native view. Each function that takes a view finds the native view through the view's
-/// handle, and does nothing when that is null.
+/// The view's only way down to the native view. Each function that takes a view finds the native view through the
+/// view's handle, and does nothing when that is null.
 namespace zav
 {
 
@@ -39,8 +39,8 @@ void reRender(const gui::gl::View* pView);
 /// Continuous mode on (not 0) or off (0); off stops the frame clock.
 void setAnimationMode(gui::gl::View* pView, unsigned char mode);
 
-/// Stops the frame clock and the notifications, makes the context current, calls the view's cleanResources and forgets the
-/// view.
+/// Stops the frame clock and the notifications, makes the context current, calls the view's cleanResources and forgets
+/// the view.
 void cleanOpenGLResources(gui::gl::View* pView);
 
 /// @return the context's major version, 0 without a native view

@@ -8,10 +8,11 @@
 namespace gui::gl
 {
 
-/// Writes the first frames of a program to files and ends it, which is how pictures are taken of programs that know nothing
-/// of it. Two environment variables turn it on: GUIGL_FRAMES_TO names the folder, GUIGL_FRAMES the number of frames, 1
-/// unless said otherwise. Files are named frame-0001.png and so on, those of a second view view2-frame-0001.png; the
-/// program is told to quit with code 0 when a view has drawn all of its frames, with 1 when a file could not be written.
+/// Writes the first frames of a program to files and ends it, which is how pictures are taken of programs that know
+/// nothing of it. Two environment variables turn it on: GUIGL_FRAMES_TO names the folder, GUIGL_FRAMES the number of
+/// frames, 1 unless said otherwise. Files are named frame-0001.png and so on, those of a second view
+/// view2-frame-0001.png; the program is told to quit with code 0 when a view has drawn all of its frames, with 1 when a
+/// file could not be written.
 class FrameRecorder
 {
 public:

@@ -24,11 +24,11 @@ namespace gui::gl
 
 class View;
 
-/// The whole behaviour of a native GL view, on any window system: it owns a surface, draws through the library's view, and
-/// turns the surface's events into the toolkit's records.
+/// The whole behaviour of a native GL view, on any window system: it owns a surface, draws through the library's view,
+/// and turns the surface's events into the toolkit's records.
 ///
-/// It belongs to the view's handle; release deletes it. When it is released from inside one of its own calls up into the
-/// view, it goes at the end of that call.
+/// It belongs to the view's handle; release deletes it. When it is released from inside one of its own calls up into
+/// the view, it goes at the end of that call.
 class GUIGL_API GLView : public gui::NativeView, public NativeSurfaceClient
 {
 public:

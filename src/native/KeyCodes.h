@@ -11,8 +11,8 @@ namespace zav
 /// @return None for a key that is not virtual. The second parameter is not used.
 GUIGL_API gui::Key::Virtual getVirtualKeyCode(unsigned int code, unsigned char unused);
 
-/// A second table, for callers outside the library: no shift; Tab (48) is virtual, 51 is Delete, and the keypad's Clear (71)
-/// and 117 are not.
+/// A second table, for callers outside the library: no shift; Tab (48) is virtual, 51 is Delete, and the keypad's Clear
+/// (71) and 117 are not.
 GUIGL_API gui::Key::Virtual getVirtualKeyCode2(unsigned int code, unsigned char unused);
 
 } // namespace zav

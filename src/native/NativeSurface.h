@@ -9,8 +9,8 @@
 namespace gui::gl
 {
 
-/// Whom a surface reports to: one operation for each kind of event. Each answers whether the event is used up; when it is
-/// not, the window system or the host may handle it in its own way.
+/// Whom a surface reports to: one operation for each kind of event. Each answers whether the event is used up; when it
+/// is not, the window system or the host may handle it in its own way.
 class NativeSurfaceClient
 {
 public:
@@ -29,11 +29,11 @@ protected:
     ~NativeSurfaceClient() = default;
 };
 
-/// The port to a window system: what a GL view draws into, with its context. One is made for each view, and destroyed when
-/// the view or its window goes. A surface reports events to its client and decides nothing.
+/// The port to a window system: what a GL view draws into, with its context. One is made for each view, and destroyed
+/// when the view or its window goes. A surface reports events to its client and decides nothing.
 ///
-/// The default framebuffer may have any name and may change it from frame to frame, the surface may present by itself, and
-/// its context may be made by somebody else: a view can then live inside another toolkit's widget.
+/// The default framebuffer may have any name and may change it from frame to frame, the surface may present by itself,
+/// and its context may be made by somebody else: a view can then live inside another toolkit's widget.
 class GUIGL_API NativeSurface
 {
 public:

@@ -6,8 +6,8 @@
 namespace gui::gl
 {
 
-/// What a surface reports to the view that draws into it. Points are in points of the window's content: the origin at the
-/// top left, y downwards. Modifiers are masks of gui::KeyModifier bits, taken when the event arrived.
+/// What a surface reports to the view that draws into it. Points are in points of the window's content: the origin at
+/// the top left, y downwards. Modifiers are masks of gui::KeyModifier bits, taken when the event arrived.
 
 struct ButtonEvent
 {

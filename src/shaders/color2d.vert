@@ -1,5 +1,5 @@
 #version 330 core
-uniform mat4 mvp;
+uniform mat4 mvp = mat4(1.0);
 layout(location = 0) in vec2 position;
 layout(location = 1) in vec4 vertexColor;
 out vec4 color;

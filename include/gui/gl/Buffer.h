@@ -15,12 +15,12 @@
 namespace gui::gl
 {
 
-/// Vertices, indices and instances collected in memory and uploaded at once: init, append, commit; then activate and draw.
-/// Beside them it keeps the list of commands that draw them.
+/// Vertices, indices and instances collected in memory and uploaded at once: init, append, commit; then activate and
+/// draw. Beside them it keeps the list of commands that draw them.
 ///
-/// Committed data stays in memory but is closed: appending, inserting, changing and reading a point writes
-/// "ERROR! Buffer::append vertices on committed buffer! Call reset first!" and asserts, until reset() opens the buffer for
-/// new data. Not copyable. commit, activate and deActivate need the view's context current. GUI thread only.
+/// Committed data stays in memory but is closed: appending, inserting, changing and reading a point writes "ERROR!
+/// Buffer::append vertices on committed buffer! Call reset first!" and asserts, until reset() opens the buffer for new
+/// data. Not copyable. commit, activate and deActivate need the view's context current. GUI thread only.
 class GUIGL_API Buffer
 {
 public:

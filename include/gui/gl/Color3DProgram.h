@@ -7,9 +7,9 @@ namespace gui::gl
 
 /// Draws 3D shapes whose vertices have colours of their own, blended between them.
 ///
-/// Vertex layout: {DataType::Vec3, DataType::Vec4}, the position in model units and red, green, blue and alpha from 0 to 1.
-/// Set the matrix with setMVP once the program is active. Commands need no colour. Alpha shows where the context's blending
-/// is enabled. Shaders: ":gl/color3d.vert" and ":gl/color.frag".
+/// Vertex layout: {DataType::Vec3, DataType::Vec4}, the position in model units and red, green, blue and alpha from 0
+/// to 1. Set the matrix with setMVP once the program is active; it is the identity at first. Commands need no colour.
+/// Alpha shows where the context's blending is enabled. Shaders: ":gl/color3d.vert" and ":gl/color.frag".
 class GUIGL_API Color3DProgram : public Program
 {
 public:

@@ -16,12 +16,12 @@
 namespace gui::gl
 {
 
-/// One recorded step of drawing: a draw call over a range of the active buffer, with a colour or a texture to set first if
-/// need be, or a matrix to send to the current program.
+/// One recorded step of drawing: a draw call over a range of the active buffer, with a colour or a texture to set first
+/// if need be, or a matrix to send to the current program.
 ///
 /// It is filled by one create operation and the setters, then encoded, which chooses the function that will perform it;
-/// executing it then is one call. Values of colour and texture may change after encoding, what kind of thing is sent may
-/// not. Commands are obtained from a CommandList, a Buffer or a Program and live there.
+/// executing it then is one call. Values of colour and texture may change after encoding, what kind of thing is sent
+/// may not. Commands are obtained from a CommandList, a Buffer or a Program and live there.
 ///
 /// Misuse is a programming error (an assertion naming the condition) and leaves the command as it was: a second create
 /// without reset, a colour where a texture was set, an unknown primitive, and what the operations name beside that.
@@ -83,13 +83,14 @@ public:
     /// @param pUniforms  n more uniforms, copied; may be null. See setAdditionalUniforms for how many fit
     void createMVPSetter(const glm::mat4* pMatrix, _additinalUniform* pUniforms = nullptr, unsigned char n = 0);
 
-    /// Records uniforms alone. Such a command can be filled and read, but not encoded: use a matrix command to send them.
+    /// Records uniforms alone. Such a command can be filled and read, but not encoded: use a matrix command to send
+    /// them.
     /// @return as setAdditionalUniforms
     bool createUniformSetter(_additinalUniform* pUniforms, unsigned char n);
 
-    /// Makes a DrawArrays or DrawElements command an instanced one; takes effect with the next encode. On another kind it
-    /// writes "Error! Command::setNumberOfIstances can be only called after createDrawElements or createDrawArrays!" and
-    /// asserts. A command with an RGBA colour has no room for it (an assertion).
+    /// Makes a DrawArrays or DrawElements command an instanced one; takes effect with the next encode. On another kind
+    /// it writes "Error! Command::setNumberOfIstances can be only called after createDrawElements or createDrawArrays!"
+    /// and asserts. A command with an RGBA colour has no room for it (an assertion).
     void setNumberOfInstances(unsigned int n);
 
     /// The colour to send, red, green and blue, to the program's colour uniform of 3 components.
@@ -108,20 +109,21 @@ public:
 
     void setTypeInfo(Type type, DrawSubType subType);
 
-    /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and a second of
-    /// 1 after a first of 1; a uniform command has 13 bytes, of which each further uniform takes 2 more than its value, and
-    /// one stays free.  @param pUniforms  n of them, types 1 to 5
+    /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and a second
+    /// of
+    /// 1 after a first of 1; a uniform command has 13 bytes, of which each further uniform takes 2 more than its value,
+    /// and one stays free.  @param pUniforms  n of them, types 1 to 5
     /// @return false when not all fit; those that did stay
     bool setAdditionalUniforms(_additinalUniform* pUniforms, unsigned char n);
 
-    /// Chooses the function that performs this command. An empty command, a uniform command and an unknown primitive cannot
-    /// be encoded (an assertion). @return true when done
+    /// Chooses the function that performs this command. An empty command, a uniform command and an unknown primitive
+    /// cannot be encoded (an assertion). @return true when done
     bool encode();
 
-    /// Performs the command. Needs the program current (Program::activate) and the buffer active. Colour and texture are
-    /// sent only when they differ from the last ones sent to this program since it was activated.
-    /// A command that is not encoded writes "Error! Command not encoded!" and asserts; one with a texture asserts when the
-    /// program has no texture set, after "Error! Textures used without being set in an active program!".
+    /// Performs the command. Needs the program current (Program::activate) and the buffer active. Colour and texture
+    /// are sent only when they differ from the last ones sent to this program since it was activated. A command that is
+    /// not encoded writes "Error! Command not encoded!" and asserts; one with a texture asserts when the program has no
+    /// texture set, after "Error! Textures used without being set in an active program!".
     bool execute();
 
     /// Back to an empty command.

@@ -13,10 +13,11 @@
 namespace gui::gl
 {
 
-/// Commands in the order of their recording, executed all or a range, with a pool of matrices that live as long as they do.
+/// Commands in the order of their recording, executed all or a range, with a pool of matrices that live as long as they
+/// do.
 ///
-/// Command pointers are good until the list next grows: reserve first, or be done with a command before getting the next.
-/// Not copyable. GUI thread; execute needs the context current.
+/// Command pointers are good until the list next grows: reserve first, or be done with a command before getting the
+/// next. Not copyable. GUI thread; execute needs the context current.
 class GUIGL_API CommandList
 {
 public:

@@ -26,7 +26,8 @@ struct DepthBuffer
         Bits32 = 8
     };
 
-    /// When a fragment passes: its depth compared with the stored one. The order is not that of StencilBuffer::Function.
+    /// When a fragment passes: its depth compared with the stored one. The order is not that of
+    /// StencilBuffer::Function.
     enum class Function : td::BYTE
     {
         Always,

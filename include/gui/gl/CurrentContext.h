@@ -10,9 +10,9 @@ namespace gui::gl
 
 /// Knows which GL context is current, so that GL names are deleted where they belong and cached state is right.
 ///
-/// The library's own surfaces report their contexts here. An application or a host that makes contexts current by itself
-/// must do the same: set() right after it made one current (or none), died() before it destroys one. As long as no
-/// context is known to be current, the operations that create GL objects refuse with a log line.
+/// The library's own surfaces report their contexts here. An application or a host that makes contexts current by
+/// itself must do the same: set() right after it made one current (or none), died() before it destroys one. As long as
+/// no context is known to be current, the operations that create GL objects refuse with a log line.
 ///
 /// GL names are numbers per context. Whoever holds one remembers the context's id, and hands name and id to deleteName.
 /// GUI thread only.

@@ -7,10 +7,10 @@ namespace gui::gl
 
 /// Draws 2D shapes in one colour at a time, that of each command.
 ///
-/// Vertex layout: {DataType::Vec2}, the position in model units. Set the matrix with setMVP once the program is active.
-/// Commands say the colour with setColor(id); a program linked WithAlpha takes setColor(id, alpha) instead, and shows
-/// transparency where the context's blending is enabled. Shaders: ":gl/flat2d.vert", ":gl/flat2d.frag" and
-/// ":gl/flat2d-alpha.frag".
+/// Vertex layout: {DataType::Vec2}, the position in model units. Set the matrix with setMVP once the program is active;
+/// it is the identity at first. Commands say the colour with setColor(id); a program linked WithAlpha takes
+/// setColor(id, alpha) instead, and shows transparency where the context's blending is enabled. Shaders:
+/// ":gl/flat2d.vert", ":gl/flat2d.frag" and ":gl/flat2d-alpha.frag".
 class GUIGL_API Flat2DProgram : public Program
 {
 public:

@@ -31,10 +31,11 @@ class Buffer;
 
 /// A linked GL program: stages compiled from text or resources, uniforms, and the commands recorded into it.
 ///
-/// Derive from it, look up uniform locations in onLinked (the library's own programs, Flat2DProgram and its relatives, show
-/// how), then: link, setBuffer and setTextures, record commands; per frame activate, execute, deActivate. An active program
-/// is the current one: commands send their colours, textures and matrices to it. Not copyable; not meant to be deleted
-/// through a pointer to this class. Everything but queries needs the view's context current. GUI thread only.
+/// Derive from it, look up uniform locations in onLinked (the library's own programs, Flat2DProgram and its relatives,
+/// show how), then: link, setBuffer and setTextures, record commands; per frame activate, execute, deActivate. An
+/// active program is the current one: commands send their colours, textures and matrices to it. Not copyable; not meant
+/// to be deleted through a pointer to this class. Everything but queries needs the view's context current. GUI thread
+/// only.
 class GUIGL_API Program
 {
 public:
@@ -69,8 +70,8 @@ public:
     /// @return the location; -1 when the linked program has no such uniform, or uses it nowhere
     int getUniformLocation(const char* name) const;
 
-    /// Uniforms of the program in use. Locations of -1 are ignored by GL. Unsigned values are sent as int, which is what
-    /// samplers, bool and int uniforms take.
+    /// Uniforms of the program in use. Locations of -1 are ignored by GL. Unsigned values are sent as int, which is
+    /// what samplers, bool and int uniforms take.
     void setUniformValue(unsigned int loc, const glm::mat4& value);
     void setUniformValue(unsigned int loc, const glm::mat3& value);
     void setUniformValue(unsigned int loc, const glm::vec1& value);
@@ -106,8 +107,8 @@ public:
     /// @param n  0 means all of them
     void setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, false>& matrices, std::size_t n = 0);
 
-    /// The program's colour and model-view-projection uniforms. A program without them asserts "_color3Location >= 0" and
-    /// so on. A command's colour or matrix arrives here.
+    /// The program's colour and model-view-projection uniforms. A program without them asserts "_color3Location >= 0"
+    /// and so on. A command's colour or matrix arrives here.
     void setColor3(const glm::vec3& color);
     void setColor4(const glm::vec4& color);
     void setMVP(const glm::mat4& mvp);
@@ -128,7 +129,8 @@ public:
     Command* createCommand();
     bool encode(Command* pCommand);
     bool remove(Command* pCommand);
-    /// Executes the program's own commands if it has any, else those of its buffer, which must be set then (an assertion).
+    /// Executes the program's own commands if it has any, else those of its buffer, which must be set then (an
+    /// assertion).
     void execute();
     /// Executes a range of the buffer's commands, whatever the program's own list holds.
     void execute(std::size_t first, std::size_t count);
@@ -172,8 +174,8 @@ private:
     CurrentContext::ID _contextID = 0;
 };
 
-/// Makes a program the one that commands send to, and forgets the colour and texture last sent. Program's operations call
-/// it; call it with null after GL code of your own has changed the program in use or its uniforms.
+/// Makes a program the one that commands send to, and forgets the colour and texture last sent. Program's operations
+/// call it; call it with null after GL code of your own has changed the program in use or its uniforms.
 GUIGL_API void setCurrentProgram(Program* pProgram);
 
 } // namespace gui::gl

@@ -22,8 +22,8 @@ class Texture;
 namespace gui::gl
 {
 
-/// A view that shows what OpenGL draws. Derive from it, override onInit and onDraw, call createContext, and put it into a
-/// window.
+/// A view that shows what OpenGL draws. Derive from it, override onInit and onDraw, call createContext, and put it into
+/// a window.
 ///
 /// The order of a view's life: constructor; createContext, which calls onInit; the view enters a window, which calls
 /// onResize; onDraw for each frame; destructor. In onInit, onDraw, onResize and cleanResources the view's context is
@@ -37,10 +37,10 @@ public:
     /// (the library's own do that by themselves), or in cleanResources for the case that the window goes first.
     ~View() override;
 
-    /// Makes the native view and its context, 400 by 400 points, and calls onInit. The view gets no input events.
-    /// A second call is a programming error ("_handle == nullptr"). When there is no such context, a log line says what
-    /// was asked for and what the system has, and "_handle != nullptr" is asserted; without assertions the view then has
-    /// no native view, and every operation that needs one does nothing.
+    /// Makes the native view and its context, 400 by 400 points, and calls onInit. The view gets no input events. A
+    /// second call is a programming error ("_handle == nullptr"). When there is no such context, a log line says what
+    /// was asked for and what the system has, and "_handle != nullptr" is asserted; without assertions the view then
+    /// has no native view, and every operation that needs one does nothing.
     void createContext(const Context& context);
 
     /// The same, with input.
@@ -60,8 +60,8 @@ public:
     void setContRenderMode(bool isContinuous) { _isContRenderMode = isContinuous; }
     bool isContRenderMode() const { return _isContRenderMode; }
 
-    /// Frames follow the display's clock from now on, at once when the view is in a window, else as soon as it enters one.
-    /// prepareNextFrame is asked before each.
+    /// Frames follow the display's clock from now on, at once when the view is in a window, else as soon as it enters
+    /// one. prepareNextFrame is asked before each.
     void startAnimation();
     void stopAnimation();
     bool isAnimated() const { return _isContRenderMode; }
@@ -87,8 +87,8 @@ public:
     unsigned int linkProgram(const char* vertexResID, const char* fragmentResID);
 
     /// Reads the next frame that is drawn into an image: 4 bytes per pixel, the size of the view in device pixels, the
-    /// first row the bottom one. It asks for a redraw; a hidden view is read when it is next drawn. A second call before
-    /// then takes the place of the first.
+    /// first row the bottom one. It asks for a redraw; a hidden view is read when it is next drawn. A second call
+    /// before then takes the place of the first.
     /// @param texture   resized at once and filled later; must live until the callback is called
     /// @param callback  called once, from the run loop, after the frame was presented; must not be empty
     void readFrameFrameBuffer(gui::Texture& texture, const std::function<void()>& callback);

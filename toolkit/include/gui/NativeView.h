@@ -21,8 +21,8 @@ public:
     virtual void enteredWindow() = 0;
     /// The view is in no window any more; the frame clock stops.
     virtual void leftWindow() = 0;
-    /// The window closes for good, and takes with it what the view draws into. Resources are cleaned up while the context
-    /// still lives; nothing draws afterwards.
+    /// The window closes for good, and takes with it what the view draws into. Resources are cleaned up while the
+    /// context still lives; nothing draws afterwards.
     virtual void windowClosed() = 0;
 
     /// An event of the window system for this view, in the window system's own form.

@@ -12,8 +12,8 @@ class NativeView;
 class WindowPeer;
 class ZavObject;
 
-/// A top-level window that shows one view. It does not own the view: either may go first. A view that is destroyed closes
-/// the window it is shown in; a window that closes cleans up the view's resources. GUI thread only.
+/// A top-level window that shows one view. It does not own the view: either may go first. A view that is destroyed
+/// closes the window it is shown in; a window that closes cleans up the view's resources. GUI thread only.
 class GUIGL_API Window
 {
 public:
@@ -24,8 +24,8 @@ public:
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    /// Shows a view that has its native view already (see gui::gl::View::createContext), over the whole window, in place
-    /// of the one shown before. A view that is in another window leaves that one, which closes.
+    /// Shows a view that has its native view already (see gui::gl::View::createContext), over the whole window, in
+    /// place of the one shown before. A view that is in another window leaves that one, which closes.
     /// @return false, with a log line, when the view has no native view or the window was closed
     bool show(ZavObject& view);
 
