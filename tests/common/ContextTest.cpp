@@ -1,0 +1,115 @@
+#include "support/NullGL.h"
+
+#include <gui/gl/Color.h>
+#include <gui/gl/Context.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace
+{
+
+using gui::gl::Blend;
+using gui::gl::Context;
+using gui::gl::DepthBuffer;
+using gui::gl::StencilBuffer;
+using gui::gl::Texture;
+using gui::gl::Textures;
+
+TEST(ContextSettings, SizesAreCodedInPairs)
+{
+    const unsigned char cBits[] = {0, 0, 8, 8, 16, 16, 24, 24, 32, 32, 0, 0};
+    for (unsigned char value = 0; value < 12; ++value)
+    {
+        const Context context(DepthBuffer::Size(value), StencilBuffer::Size(value ^ 1), Context::Profile::Core41);
+        EXPECT_EQ(context.getDepthBufferSize(), cBits[value]) << int(value);
+        EXPECT_EQ(context.getStencilBufferSize(), cBits[value ^ 1]) << int(value);
+    }
+    EXPECT_EQ(Context(DepthBuffer::Size(255), StencilBuffer::Size(255), {}).getDepthBufferSize(), 0);
+}
+
+TEST(ContextSettings, StartAsPrescribedAndKeepWhatIsSet)
+{
+    Context context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile(1));
+    EXPECT_EQ(context.getProfile(), Context::Profile::Core41);
+    EXPECT_FALSE(context.isAnimation());
+    EXPECT_EQ(context.getRGBSize(), (std::tuple<unsigned char, unsigned char>(24, 8)));
+    EXPECT_EQ(context.getPreferredFrameRateRange(), (std::tuple<float, float>(0.f, 0.f)));
+    context.setRGBSize(30, 2);
+    context.setPreferredFrameRateRange(60, 30); // unusable ranges are the platform's business
+    EXPECT_EQ(context.getRGBSize(), (std::tuple<unsigned char, unsigned char>(30, 2)));
+    EXPECT_EQ(context.getPreferredFrameRateRange(), (std::tuple<float, float>(60.f, 30.f)));
+    for (const int value : {0, 1, 2, 255})
+        EXPECT_EQ(Context(Context::Animation(value), {}, {}, {}).isAnimation(), value == 0) << value;
+}
+
+class ContextState : public test::NullGL
+{
+};
+
+TEST_F(ContextState, EachOperationIsOneCall)
+{
+    using enum Context::Clear;
+    Context::clear({Color, Depth});
+    Context::clear({Stencil, Stencil});
+    Context::clear(std::initializer_list<Context::Clear>{});
+    Context::clear(Stencil);
+    Context::clear(td::ColorID::NoColor); // whose alpha is 0 in the table
+    Context::clear(td::ColorID::Lime);
+    Context::setActiveTextureUnit(Textures::Unit::T31);
+    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type::CubeMap);
+    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type::CubeStrip);
+    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type(0));
+    Context::maskDepthBuffer(false);
+    Context::setStencilBufferMask(0xF0);
+    Context::setStencilBufferFunction(StencilBuffer::Function(0), -2, 0xFFFFFFFF);
+    Context::setDepthBufferFunction(DepthBuffer::Function(0));
+    Context::setStencilBufferOperation(StencilBuffer::Operation::Keep, StencilBuffer::Operation::Zero,
+                                       StencilBuffer::Operation::Replace);
+    Context::setPointSize(2.5f);
+    EXPECT_TRUE(trace.only({"glClear(0x4100)", "glClear(0x400)", "glClear(0)", "glClear(0x400)",
+                            "glClearColor(0, 0, 0, 1)", "glClearColor(0, 1, 0, 1)", "glActiveTexture(0x84df)",
+                            "glBindTexture(0x8513, 7)", "glBindTexture(0xde1, 7)", "glBindTexture(0xde1, 7)",
+                            "glDepthMask(0)", "glStencilMask(240)", "glStencilFunc(0x200, -2, 0xffffffff)",
+                            "glDepthFunc(0x207)", "glStencilOp(0x1e00, 0, 0x1e01)", "glPointSize(2.5)"}));
+}
+
+// A value outside a table must not read past it, and no call may be made of half of it.
+TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
+{
+    struct Case
+    {
+        const char* condition;
+        std::function<void()> call;
+    };
+    const auto keep = StencilBuffer::Operation::Keep;
+    const auto bad = StencilBuffer::Operation(8);
+    const Case cases[] = {
+        {"false", [] { Context::clear(Context::Clear(0)); }},
+        {"false", [] { Context::clear(Context::Clear(4)); }},
+        {"false",
+         [] {
+             Context::clear({Context::Clear::Color, Context::Clear(255)});
+         }},
+        {"false", [] { Context::setDepthBufferFunction(DepthBuffer::Function(8)); }},
+        {"false", [] { Context::setStencilBufferFunction(StencilBuffer::Function(8), 0, 0); }},
+        {"false", [=] { Context::setStencilBufferOperation(bad, keep, keep); }},
+        {"false", [=] { Context::setStencilBufferOperation(keep, bad, keep); }},
+        {"false", [=] { Context::setStencilBufferOperation(keep, keep, bad); }},
+        {"false", [] { Context::setPolygonMode(Context::PolygonMode(3)); }},
+        {"textureID != 0", [] { Context::bindTextureToCurrentlyActiveTextureUnit(0, Texture::Type::Tex2D); }},
+    };
+    for (const Case& refused : cases)
+    {
+        refused.call();
+        EXPECT_TRUE(asserts.caught(refused.condition));
+        EXPECT_EQ(asserts.lastFile(), td::cAssertReports ? "src/common/Context.cpp" : "");
+    }
+    EXPECT_TRUE(trace.only({}));
+}
+
+} // namespace
