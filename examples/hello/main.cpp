@@ -12,8 +12,10 @@ class TriangleView : public View
 
     void onInit() override
     {
-        const float corners[] = {-0.7f, -0.6f, 1, 0.4f, 0.3f, 1, 0.7f, -0.6f, 0.3f, 0.8f, 0.4f, 1, 0, 0.7f, 0.3f, 0.5f, 1, 1};
-        _buffer.init(1, 3, 0, {DataType::Vec2, DataType::Vec4}); // x, y, then red, green, blue, alpha
+        const float corners[] = {-0.7f, -0.6f, 1.0f, 0.4f, 0.3f, 1.0f, // x, y, red, green, blue, alpha
+                                 +0.7f, -0.6f, 0.3f, 0.8f, 0.4f, 1.0f, //
+                                 +0.0f, +0.7f, 0.3f, 0.5f, 1.0f, 1.0f};
+        _buffer.init(1, 3, 0, {DataType::Vec2, DataType::Vec4});
         _buffer.appendVertices(corners, 3);
         Command* pCommand = _buffer.createCommand();
         pCommand->createDrawArrays(Primitive::Triangles, 0, 3);

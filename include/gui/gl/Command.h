@@ -109,10 +109,10 @@ public:
 
     void setTypeInfo(Type type, DrawSubType subType);
 
-    /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and a second
-    /// of
-    /// 1 after a first of 1; a uniform command has 13 bytes, of which each further uniform takes 2 more than its value,
-    /// and one stays free.  @param pUniforms  n of them, types 1 to 5
+    /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and after
+    /// one of a single byte a second of a single byte; a uniform command has 13 bytes, of which each further uniform takes
+    /// 2 more than its value, and one stays free.
+    /// @param pUniforms  n of them, types 1 to 5
     /// @return false when not all fit; those that did stay
     bool setAdditionalUniforms(_additinalUniform* pUniforms, unsigned char n);
 
