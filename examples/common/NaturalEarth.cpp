@@ -82,4 +82,18 @@ std::vector<td::Point<float>> NaturalEarth::getEdge()
     return edge;
 }
 
+std::vector<std::vector<td::Point<float>>> NaturalEarth::getNet(int degrees)
+{
+    std::vector<std::vector<td::Point<float>>> net;
+    for (int longitude = -180; longitude <= 180; longitude += degrees)
+    {
+        std::vector<td::Point<float>>& meridian = net.emplace_back();
+        for (int latitude = -90; latitude <= 90; latitude += 2)
+            meridian.push_back(project(longitude, latitude));
+    }
+    for (int latitude = degrees - 90; latitude < 90; latitude += degrees)
+        net.push_back({project(-180, latitude), project(180, latitude)});
+    return net;
+}
+
 } // namespace examples

@@ -42,6 +42,9 @@ public:
     /// The map's edge, a closed curve that bulges outwards everywhere; the first point is not repeated.
     static std::vector<td::Point<float>> getEdge();
 
+    /// Meridians, then parallels. @param degrees  from each to the next; divides 90
+    static std::vector<std::vector<td::Point<float>>> getNet(int degrees);
+
 private:
     double _middle;
 };

@@ -70,19 +70,23 @@ public:
     {
         if (!numbers.is_array() || numbers.empty())
             fail(where + " has a ring that is no list of arcs");
+        // Counted before memory is taken: a long arc may be named any number of times.
+        for (const json& number : numbers)
+            _nPoints += find(number, where).first.size();
+        if (_nPoints > cMaxPoints)
+            fail("more than " + std::to_string(cMaxPoints) + " points");
         TopoJSON::Ring ring;
         for (const json& number : numbers)
         {
             const auto [arc, isBackwards] = find(number, where);
-            const auto point = [&arc = arc, isBackwards = isBackwards](std::size_t i)
-            { return isBackwards ? arc[arc.size() - 1 - i] : arc[i]; };
-            if (!ring.empty() && ring.back() != point(0))
+            if (!ring.empty() && ring.back() != (isBackwards ? arc.back() : arc.front()))
                 fail(where + " has arcs that don't meet");
-            _nPoints += arc.size();
-            if (_nPoints > cMaxPoints)
-                fail("more than " + std::to_string(cMaxPoints) + " points");
-            for (std::size_t i = ring.empty() ? 0 : 1; i < arc.size(); ++i)
-                ring.push_back(point(i));
+            if (!ring.empty())
+                ring.pop_back();
+            if (isBackwards)
+                ring.insert(ring.end(), arc.rbegin(), arc.rend());
+            else
+                ring.insert(ring.end(), arc.begin(), arc.end());
         }
         if (ring.size() < 4 || ring.front() != ring.back())
             fail(where + " has a ring that is not closed");

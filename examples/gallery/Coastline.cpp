@@ -1,4 +1,4 @@
-// Look for: coasts and borders in the colours of their countries, and no line that is torn or drawn back across the map.
+// Look for: every coast and border in its country's colour, and no line that is torn or drawn back across the map.
 
 #include "Drawing.h"
 #include "Scenes.h"
@@ -41,13 +41,11 @@ public:
             !world.load({reinterpret_cast<const char*>(file.data()), file.size()}, "countries"))
             return false;
 
-        _buffer.init(world.getNoOfRings() + 18, 101'000, 0, {DataType::Vec2});
-        appendSea();
+        _buffer.init(0, 101'000, 0, {DataType::Vec2});
+        _coasts.reserve(world.getNoOfRings());
+        recordSea();
         for (const TopoJSON::Area& country : world.getAreas())
-            for (const TopoJSON::Polygon& polygon : country.polygons)
-                for (const TopoJSON::Ring& ring : polygon)
-                    appendRing(ring, colorOf(country.name));
-
+            recordCountry(country);
         _program.setBuffer(&_buffer);
         return _backdrop.init() && _program.link(Flat2DProgram::Colors::WithAlpha) && _buffer.commit();
     }
@@ -64,61 +62,88 @@ public:
         _program.setMVP(glm::scale(unitsToClip(frame, cell), glm::vec3(static_cast<float>(scale))));
         Context::setBlendFunction(Blend::Factor::SrcAlpha, Blend::Factor::OneMinusSrcAlpha);
         Context::enable(Context::Flag::Blend);
-        _program.execute();
+        _sea.execute();
+        fillCountries();
+        _coasts.execute();
         Context::disable(Context::Flag::Blend);
         _program.deActivate();
     }
 
 private:
-    // One of the colours above, always the same for a country.
-    static ColorID colorOf(const std::string& country)
+    // Fans overlap where an outline turns inwards. What an odd number of them covers is inside: they are drawn into the
+    // stencil buffer first, then as colour where it is set, which unsets it.
+    void fillCountries()
     {
-        unsigned int hash = 0;
-        for (const char letter : country)
-            hash = hash * 31 + static_cast<unsigned char>(letter);
-        return cCountryColors[hash % std::size(cCountryColors)];
+        using Function = StencilBuffer::Function;
+        using Operation = StencilBuffer::Operation;
+        Context::enable(Context::Flag::StencilTest);
+        std::size_t first = 0;
+        for (const std::size_t nRings : _nRings)
+        {
+            Context::setStencilBufferFunction(Function::Never, 0, 1);
+            Context::setStencilBufferOperation(Operation::Invert, Operation::Keep, Operation::Keep);
+            _lands.execute(first, nRings);
+            Context::setStencilBufferFunction(Function::NotEqual, 0, 1);
+            Context::setStencilBufferOperation(Operation::Keep, Operation::Zero, Operation::Zero);
+            _lands.execute(first, nRings);
+            first += nRings;
+        }
+        Context::disable(Context::Flag::StencilTest);
     }
 
-    void record(Primitive primitive, std::span<const td::Point<float>> points, ColorID color, int alpha)
+    void record(CommandList& list, Primitive primitive, std::size_t first, std::size_t count, ColorID color, int alpha)
+    {
+        Command* pCommand = list.get();
+        pCommand->createDrawArrays(primitive, first, static_cast<unsigned int>(count));
+        pCommand->setColor(color, alpha);
+        list.encode(pCommand);
+    }
+
+    std::size_t append(const std::vector<td::Point<float>>& points)
     {
         const std::size_t first = _buffer.getNoOfVertices();
         _buffer.appendVertices(points.data(), points.size());
-        Command* pCommand = _buffer.createCommand();
-        pCommand->createDrawArrays(primitive, first, static_cast<unsigned int>(points.size()));
-        pCommand->setColor(color, alpha);
-        _buffer.encode(pCommand);
+        return first;
     }
 
-    void appendRing(const TopoJSON::Ring& ring, ColorID color)
+    void recordCountry(const TopoJSON::Area& country)
     {
-        const NaturalEarth::Outline outline = _map.project(ring);
-        record(outline.isLoop ? Primitive::LineLoop : Primitive::LineStrip,
-               std::span(outline.points).first(outline.nLinePoints), color, 255);
+        unsigned int hash = 0;
+        for (const char letter : country.name)
+            hash = hash * 31 + static_cast<unsigned char>(letter);
+        const ColorID color = cCountryColors[hash % std::size(cCountryColors)];
+
+        const std::size_t nBefore = _lands.size();
+        for (const TopoJSON::Polygon& polygon : country.polygons)
+        {
+            for (const TopoJSON::Ring& ring : polygon)
+            {
+                const NaturalEarth::Outline outline = _map.project(ring);
+                const std::size_t first = append(outline.points);
+                record(_lands, Primitive::TriangleFan, first, outline.points.size(), color, 95);
+                record(_coasts, outline.isLoop ? Primitive::LineLoop : Primitive::LineStrip, first, outline.nLinePoints,
+                       color, 255);
+            }
+        }
+        _nRings.push_back(_lands.size() - nBefore);
     }
 
-    // The map's whole area, and a thin net of meridians and parallels 30 degrees apart.
-    void appendSea()
+    void recordSea()
     {
-        record(Primitive::TriangleFan, NaturalEarth::getEdge(), ColorID::DodgerBlue, 60);
-        std::vector<td::Point<float>> line;
-        for (int longitude = -180; longitude <= 180; longitude += 30)
-        {
-            line.clear();
-            for (int latitude = -90; latitude <= 90; latitude += 2)
-                line.push_back(NaturalEarth::project(longitude, latitude));
-            record(Primitive::LineStrip, line, ColorID::LightSkyBlue, 40);
-        }
-        for (int latitude = -60; latitude <= 60; latitude += 30)
-        {
-            line = {NaturalEarth::project(-180, latitude), NaturalEarth::project(180, latitude)};
-            record(Primitive::LineStrip, line, ColorID::LightSkyBlue, 40);
-        }
+        const std::vector<td::Point<float>> edge = NaturalEarth::getEdge();
+        record(_sea, Primitive::TriangleFan, append(edge), edge.size(), ColorID::DodgerBlue, 60);
+        for (const std::vector<td::Point<float>>& line : NaturalEarth::getNet(30))
+            record(_sea, Primitive::LineStrip, append(line), line.size(), ColorID::LightSkyBlue, 40);
     }
 
     const NaturalEarth _map{cMiddleLongitude};
     Backdrop _backdrop;
     Flat2DProgram _program;
     Buffer _buffer;
+    CommandList _sea;
+    CommandList _lands;               // a fan for each ring, country after country
+    CommandList _coasts;              // a line for each ring
+    std::vector<std::size_t> _nRings; // of each country
 };
 
 } // namespace
