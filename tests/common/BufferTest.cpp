@@ -1,0 +1,311 @@
+#include "support/NullGL.h"
+
+#include <gui/gl/Buffer.h>
+
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using gui::gl::Buffer;
+using gui::gl::DataType;
+using test::GLTrace;
+using enum gui::gl::DataType;
+
+const std::vector<float> cNumbers(1024, 1.0f);
+
+class BufferTest : public test::NullGL
+{
+protected:
+    /// One triangle of points with two instances of one float each, and indices.
+    static void fillInstanced(Buffer& buffer)
+    {
+        ASSERT_TRUE(buffer.init(1, 3, 3, 2, {Vec2}, {Float}, {}));
+        fillAgain(buffer);
+    }
+
+    static void fillAgain(Buffer& buffer)
+    {
+        const unsigned int indices[] = {0, 1, 2};
+        buffer.appendVertices(cNumbers.data(), 3);
+        buffer.appendIndices(indices, 3);
+        buffer.appendInstances(cNumbers.data(), 2);
+    }
+};
+
+TEST_F(BufferTest, CommitUploadsVerticesIndicesAndInstances)
+{
+    Buffer buffer;
+    ASSERT_TRUE(buffer.init(0, 2, 3, 1, {Vec3, Vec2}, {Vec4, Scalar2, Mat3}, {1, 2, 65535}));
+    EXPECT_EQ(buffer.getVertexStride(), 20);
+    EXPECT_EQ(buffer.getInstanceStride(), 56);
+    std::vector<float> vertices(10);
+    for (std::size_t i = 0; i < vertices.size(); ++i)
+        vertices[i] = static_cast<float>(i);
+    const std::vector<unsigned int> indices{0, 1, 0x80000000};
+    buffer.appendVertices(vertices.data(), 2);
+    buffer.appendIndices(indices.data(), 2);
+    buffer.appendIndex(indices[2]);
+    buffer.appendInstances(cNumbers.data(), 1);
+    ASSERT_TRUE(buffer.commit());
+    EXPECT_TRUE(trace.only({
+        "glGenVertexArrays(1, [1])",
+        "glBindVertexArray(1)",
+        "glGenBuffers(1, [1])",
+        "glBindBuffer(0x8892, 1)",
+        "glBufferData(0x8892, 40, ptr, 0x88e4)",
+        "glEnableVertexAttribArray(0)",
+        "glVertexAttribPointer(0, 3, 0x1406, 0, 20, 0)",
+        "glEnableVertexAttribArray(1)",
+        "glVertexAttribPointer(1, 2, 0x1406, 0, 20, 12)",
+        "glGenBuffers(1, [2])",
+        "glBindBuffer(0x8893, 2)",
+        "glBufferData(0x8893, 12, ptr, 0x88e4)",
+        "glGenBuffers(1, [3])",
+        "glBindBuffer(0x8892, 3)",
+        "glBufferData(0x8892, 56, ptr, 0x88e4)",
+        "glEnableVertexAttribArray(2)",
+        "glVertexAttribPointer(2, 4, 0x1406, 0, 56, 0)",
+        "glVertexAttribDivisor(2, 1)",
+        "glEnableVertexAttribArray(3)",
+        "glVertexAttribPointer(3, 1, 0x1406, 0, 56, 16)",
+        "glVertexAttribDivisor(3, 2)",
+        "glEnableVertexAttribArray(4)",
+        "glVertexAttribPointer(4, 9, 0x1406, 1, 56, 20)",
+        "glVertexAttribDivisor(4, 65535)",
+        "glBindBuffer(0x8892, 0)",
+        "glBindVertexArray(0)",
+    }));
+    EXPECT_EQ(trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER), indices);
+    EXPECT_EQ(buffer.getNoOfVertices(), 2u);
+    EXPECT_EQ(buffer.getNoOfIndices(), 3u);
+    EXPECT_EQ(buffer.getNoOfInstances(), 14u); // floats, not instances
+
+    EXPECT_TRUE(buffer.commit());
+    EXPECT_TRUE(trace.only({}));
+    buffer.activate();
+    buffer.deActivate();
+    EXPECT_TRUE(trace.only({"glBindVertexArray(1)", "glBindVertexArray(0)"}));
+}
+
+TEST_F(BufferTest, DivisorsOfAnotherLengthCountAsOne)
+{
+    Buffer buffer;
+    ASSERT_TRUE(buffer.init(0, 1, 0, 1, {Float, Float}, {Vec4, Vec4}, {7, 8}));
+    ASSERT_TRUE(buffer.init(0, 1, 0, 1, {Float, Float}, {Vec4, Vec4}, {7})); // the first ones must not stay
+    EXPECT_TRUE(
+        log.said("Warning! Buffer::init number of divisors doesn't correspond to number of layout positions and "
+                 "will be ignored"));
+    buffer.appendVertices(cNumbers.data(), 1);
+    buffer.appendInstances(cNumbers.data(), 1);
+    ASSERT_TRUE(buffer.commit());
+    EXPECT_TRUE(trace.inOrder({"glVertexAttribPointer(2, 4, 0x1406, 0, 32, 0)", "glVertexAttribDivisor(2, 1)",
+                               "glVertexAttribPointer(3, 4, 0x1406, 0, 32, 16)", "glVertexAttribDivisor(3, 1)"}));
+}
+
+TEST_F(BufferTest, RefusedLayoutsLeaveTheOldOne)
+{
+    Buffer buffer;
+    ASSERT_TRUE(buffer.init(0, 4, 0, 4, {Vec3}, {Vec4}, {}));
+    buffer.appendVertices(cNumbers.data(), 2);
+    buffer.createCommand();
+    const std::initializer_list<DataType> full{Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4,
+                                               Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat3, Vec4, Vec2};
+    const std::initializer_list<DataType> tooLong{Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4,
+                                                  Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4, Mat4};
+    const std::string noVertex = "Error! Buffer::init with 0 layout vertex positions!";
+    const std::string noInstance = "Error! Buffer::init instanced buffer with 0 layout instanced positions!";
+    EXPECT_FALSE(buffer.init(9, 9, 9, {}));
+    EXPECT_TRUE(log.said(noVertex));
+    EXPECT_TRUE(asserts.caught("false"));
+    EXPECT_FALSE(buffer.init(9, 9, 9, 9, {}, {Vec4}, {}));
+    EXPECT_TRUE(log.said(noVertex));
+    EXPECT_TRUE(asserts.caught("false"));
+    EXPECT_FALSE(buffer.init(9, 9, 9, 9, {Vec2}, {}, {}));
+    EXPECT_TRUE(log.said(noInstance));
+    EXPECT_TRUE(asserts.caught("false"));
+    EXPECT_FALSE(buffer.init(9, 9, 9, tooLong));
+    EXPECT_TRUE(asserts.caught("vertexFloatUnits <= 255"));
+    EXPECT_FALSE(buffer.init(9, 9, 9, 9, {Vec2}, tooLong, {}));
+    EXPECT_TRUE(asserts.caught("instanceFloatUnits <= 255"));
+    EXPECT_FALSE(buffer.init(9, 9, 9, {Vec2, DataType(12)}));
+    EXPECT_TRUE(asserts.caught("areTypesKnown(layout)"));
+    EXPECT_FALSE(buffer.init(9, 9, 9, 9, {Vec2}, {DataType(255)}, {}));
+    EXPECT_TRUE(asserts.caught("areTypesKnown(instanceLayout)"));
+    EXPECT_EQ(buffer.getVertexStride(), 12);
+    EXPECT_EQ(buffer.getInstanceStride(), 16);
+    EXPECT_EQ(buffer.getNoOfVertices(), 2u);
+    EXPECT_EQ(buffer.getCommandList().size(), 1u);
+
+    ASSERT_TRUE(buffer.init(0, 1, 0, full));
+    EXPECT_EQ(buffer.getVertexStride(), 1020);
+}
+
+TEST_F(BufferTest, AppendsMustFitTheLayout)
+{
+    Buffer buffer;
+    const td::Point<float> points[] = {{1, 2}, {3, 4}, {5, 6}};
+    const std::string noLayout = "_vertexRecLenInBytes > 0"; // would divide by 0
+    buffer.appendVertices(cNumbers.data(), 1);
+    EXPECT_TRUE(asserts.caught(noLayout));
+    buffer.appendVertexUnits(cNumbers.data(), 2);
+    EXPECT_TRUE(asserts.caught(noLayout));
+    buffer.appendVertices(points, 1);
+    EXPECT_TRUE(asserts.caught(noLayout));
+    buffer.appendVertex(points[0]);
+    EXPECT_TRUE(asserts.caught(noLayout));
+    EXPECT_EQ(buffer.getNoOfVertices(), 0u);
+    EXPECT_TRUE(asserts.caught("nRecLen > 0"));
+
+    ASSERT_TRUE(buffer.init(0, 1, 0, {Vec3}));
+    buffer.appendVertexUnits(cNumbers.data(), 4);
+    EXPECT_TRUE(asserts.caught("((nVertexFloats * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0"));
+    buffer.appendVertex(points[0]);
+    EXPECT_TRUE(asserts.caught("((2 * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0"));
+    buffer.appendInstances(cNumbers.data(), 1);
+    EXPECT_TRUE(asserts.caught("_instanceData.capacity() > 0"));
+    buffer.appendIndices(nullptr, 0);
+    EXPECT_EQ(buffer.getNoOfVertices() + buffer.getNoOfIndices() + buffer.getNoOfInstances(), 0u);
+    buffer.appendVertices(points, 3); // 6 floats: two vertices
+    EXPECT_EQ(buffer.getNoOfVertices(), 2u);
+}
+
+TEST_F(BufferTest, PointsAreReadChangedAndInserted)
+{
+    Buffer buffer;
+    ASSERT_TRUE(buffer.init(0, 1, 0, {Vec2}));
+    cnt::PushBackVector<td::Point<float>, 0> points;
+    points.push_back({1, 2});
+    points.push_back({3, 4});
+    buffer.appendVertices(points);
+    buffer.insertVertex(0, {-1, -2});
+    buffer.insertVertex(3, {5, 6});
+    buffer.insertVertex(99, {7, 8}); // past the end it appends
+    buffer.updateVertex(1, {10, 20});
+    const std::vector<float> expected{-1, -2, 10, 20, 3, 4, 5, 6, 7, 8};
+    EXPECT_EQ(std::vector<float>(buffer.getVertices().begin(), buffer.getVertices().end()), expected);
+    td::Point<float> point;
+    buffer.getVertex(4, point);
+    EXPECT_EQ(point.x, 7);
+    EXPECT_EQ(point.y, 8);
+}
+
+TEST_F(BufferTest, CommittedDataIsClosedUntilReset)
+{
+    Buffer buffer;
+    fillInstanced(buffer);
+    ASSERT_TRUE(buffer.commit());
+    td::Point<float> point(1, 2);
+    const cnt::PushBackVector<td::Point<float>, 0> points;
+    const cnt::PushBackVector<unsigned int, 0> indices;
+    const unsigned int index = 0;
+    const std::function<void()> operations[] = {
+        [&] { buffer.appendVertices(cNumbers.data(), 1); },
+        [&] { buffer.appendVertexUnits(cNumbers.data(), 2); },
+        [&] { buffer.appendVertices(&point, 1); },
+        [&] { buffer.appendVertices(points); },
+        [&] { buffer.appendVertex(point); },
+        [&] { buffer.appendInstances(cNumbers.data(), 1); },
+        [&] { buffer.appendIndices(&index, 1); },
+        [&] { buffer.appendIndices(indices); },
+        [&] { buffer.appendIndex(0); },
+        [&] { buffer.updateVertex(0, point); },
+        [&] { buffer.getVertex(0, point); },
+        [&] { buffer.insertVertex(0, point); },
+        [&] { EXPECT_TRUE(buffer.isAddOnCommitted()); },
+    };
+    for (const std::function<void()>& operation : operations)
+    {
+        point = {1, 2};
+        operation();
+        EXPECT_TRUE(log.said("ERROR! Buffer::append vertices on committed buffer! Call reset first!"));
+        EXPECT_TRUE(asserts.caught("false"));
+        EXPECT_EQ(point.x, 1);
+    }
+    EXPECT_EQ(buffer.getNoOfVertices(), 3u);
+    buffer.reset();
+    EXPECT_FALSE(buffer.isAddOnCommitted());
+    EXPECT_EQ(buffer.getNoOfVertices(), 0u);
+    EXPECT_EQ(buffer.getVertices().capacity(), 6u); // storage is kept
+    EXPECT_EQ(buffer.getVertexStride(), 8);
+}
+
+// The leak that a forgotten delete would leave with every rebuilt scene.
+TEST_F(BufferTest, CommitAfterResetDeletesTheOldObjects)
+{
+    Buffer buffer;
+    fillInstanced(buffer);
+    ASSERT_TRUE(buffer.commit());
+    buffer.createCommand();
+    trace.clear();
+    buffer.reset();
+    EXPECT_EQ(buffer.getCommandList().size(), 0u);
+    EXPECT_TRUE(trace.only({}));
+    buffer.appendVertices(cNumbers.data(), 3); // no indices and no instances this time
+    ASSERT_TRUE(buffer.commit());
+    EXPECT_TRUE(trace.inOrder({"glDeleteBuffers(1, [1])", "glDeleteBuffers(1, [3])", "glDeleteBuffers(1, [2])",
+                               "glDeleteVertexArrays(1, [1])", "glGenVertexArrays(1, [2])", "glGenBuffers(1, [4])"}));
+    EXPECT_EQ(trace.aliveNames(GLTrace::Kind::Buffer), (std::vector<unsigned int>{4}));
+    trace.clear();
+    buffer.release();
+    EXPECT_TRUE(trace.only({"glDeleteBuffers(1, [4])", "glDeleteVertexArrays(1, [2])"}));
+    buffer.activate();
+    EXPECT_TRUE(asserts.caught("_vao > 0"));
+    EXPECT_EQ(buffer.getVertices().capacity(), 0u);
+    EXPECT_FALSE(buffer.isAddOnCommitted());
+}
+
+TEST_F(BufferTest, EachObjectThatGLCannotGiveIsNamedAndNothingLeaks)
+{
+    struct Case
+    {
+        const char* function;
+        unsigned int nth;
+        const char* line;
+    };
+    const Case cases[] = {{"glGenVertexArrays", 1, "ERROR! Buffer::commit cannot create VAO!"},
+                          {"glGenBuffers", 1, "ERROR! Buffer::commit cannot create VBO!"},
+                          {"glGenBuffers", 2, "ERROR! Buffer::commit cannot create EBO!"},
+                          {"glGenBuffers", 3, "ERROR! Buffer::commit cannot create IBO!"}};
+    for (const Case& failing : cases)
+    {
+        Buffer buffer;
+        fillInstanced(buffer);
+        trace.failNext(failing.function, failing.nth);
+        EXPECT_FALSE(buffer.commit());
+        EXPECT_TRUE(log.said(failing.line));
+        EXPECT_FALSE(buffer.isAddOnCommitted()); // still open
+        EXPECT_EQ(buffer.getNoOfVertices(), 3u);
+        buffer.reset();
+        fillAgain(buffer);
+        EXPECT_TRUE(buffer.commit()) << failing.line;
+        EXPECT_EQ(trace.aliveNames(GLTrace::Kind::Buffer).size(), 3u) << failing.line;
+        EXPECT_EQ(trace.aliveNames(GLTrace::Kind::VertexArray).size(), 1u) << failing.line;
+        buffer.release();
+        EXPECT_TRUE(trace.nothingAlive()) << failing.line;
+    }
+    Buffer buffer;
+    fillInstanced(buffer);
+    trace.failNext("glGenBuffers", 2);
+    EXPECT_FALSE(buffer.commit());
+    EXPECT_TRUE(log.said(cases[2].line));
+} // and its destructor deletes what there is
+
+TEST_F(BufferTest, CommitNeedsAContext)
+{
+    Buffer buffer;
+    fillInstanced(buffer);
+    gui::gl::CurrentContext::set(nullptr);
+    EXPECT_FALSE(buffer.commit());
+    EXPECT_TRUE(log.said("Error! Buffer::commit without a current GL context!"));
+    EXPECT_TRUE(trace.only({}));
+    gui::gl::CurrentContext::set(this);
+    EXPECT_TRUE(buffer.commit());
+}
+
+} // namespace
