@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace gallery
 {
@@ -50,6 +51,12 @@ glm::vec4 gradient(std::span<const td::ColorID> colors, float way)
     const auto from = static_cast<std::size_t>(place);
     const std::size_t to = std::min(from + 1, colors.size() - 1);
     return glm::mix(colorOf(colors[from]), colorOf(colors[to]), place - static_cast<float>(from));
+}
+
+glm::vec2 onCircle(float turns, float radius)
+{
+    const float angle = 2 * std::numbers::pi_v<float> * turns;
+    return {radius * std::cos(angle), radius * std::sin(angle)};
 }
 
 std::size_t append(gui::gl::Buffer& buffer, std::span<const ColorVertex> vertices)

@@ -29,6 +29,9 @@ glm::vec4 colorOf(td::ColorID id, float alpha = 1);
 /// The colour of the way from one to the other, 0 to 1. @param colors  at least one, evenly spaced along the way
 glm::vec4 gradient(std::span<const td::ColorID> colors, float way);
 
+/// @param turns  from the right, against the clock; 1 is all around
+glm::vec2 onCircle(float turns, float radius);
+
 /// Appends to a buffer of Color2DProgram's layout. @return the place of the first vertex
 std::size_t append(gui::gl::Buffer& buffer, std::span<const ColorVertex> vertices);
 

@@ -11,6 +11,11 @@ constexpr SceneInfo cScenes[] = {
      "The 1,629 outlines of all countries, nearly a hundred thousand points in one buffer, each outline drawn by one "
      "recorded command in a colour of its own.",
      makeCoastline},
+    {"primitives", "The eight primitives",
+     "Points in seven sizes, lines, line strips and line loops; below them triangles, a triangle fan, a triangle strip "
+     "and "
+     "a patch of 16 control points that tessellation shaders turn into a smooth surface.",
+     makePrimitives},
 };
 
 } // namespace

@@ -22,5 +22,6 @@ std::span<const SceneInfo> scenes();
 
 // One for each scene's source.
 std::unique_ptr<Scene> makeCoastline();
+std::unique_ptr<Scene> makePrimitives();
 
 } // namespace gallery
