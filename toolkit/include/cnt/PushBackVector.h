@@ -72,9 +72,10 @@ public:
 
     /// Appends copies of n values: the same as pushing them one by one, the final capacity included, but growing at most
     /// once. Either all of them are appended or, with an exception, none.
-    /// @param pValues  n values; not read when n is 0
+    /// @param pValues  n values; may be null when n is 0
     void push_back(const T* pValues, std::size_t n)
     {
+        TD_ASSERT(pValues != nullptr || n == 0);
         if (n <= _capacity - size())
             _pEnd = std::copy_n(pValues, n, _pEnd);
         else
