@@ -1,6 +1,7 @@
 #include "Surfaces.h"
 
 #include "../offscreen/OffscreenSurface.h"
+#include "../sdl/SDLSurface.h"
 
 #include "WindowSystem.h"
 
@@ -22,6 +23,8 @@ struct Entry
 
 // By the names of the window systems. The last serves where no other does.
 constexpr std::array cSurfaces{
+    Entry{"wayland", createSDLSurface},
+    Entry{"x11", createSDLSurface},
     Entry{"offscreen", createOffscreenSurface},
 };
 

@@ -85,8 +85,16 @@ void RunLoop::startFrameClock(NativeView* pView, float minFPS, float maxFPS)
     const double rate = frameRate(getDisplayRate(pView), minFPS, maxFPS);
     Entry& entry = entryOf(pView);
     entry.hasClock = true;
+    entry.minFPS = minFPS;
+    entry.maxFPS = maxFPS;
     entry.period = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / rate));
     entry.nextTick = Clock::now() + entry.period;
+}
+
+void RunLoop::updateFrameClock(NativeView* pView)
+{
+    if (Entry* const pEntry = find(pView); pEntry != nullptr && pEntry->hasClock)
+        startFrameClock(pView, pEntry->minFPS, pEntry->maxFPS);
 }
 
 void RunLoop::stopFrameClock(NativeView* pView)

@@ -65,6 +65,11 @@ protected:
     /// Frames per second of the display the view is on; 0 when the window system does not know.
     virtual double getDisplayRate(const NativeView* pView) const = 0;
 
+    /// Events behind a quit wait for the next run.
+    bool hasQuit() const { return _exitCode.has_value(); }
+    /// The view's display, or its rate, may have changed: its clock goes on at the new rate.
+    void updateFrameClock(NativeView* pView);
+
     /// The derived constructor and destructor call these: the wake-up needs the whole object.
     void connect();
     void disconnect();
@@ -76,6 +81,8 @@ private:
         bool needsDisplay = false;
         bool hasClock = false;
         bool isVisible = true;
+        float minFPS = 0;
+        float maxFPS = 0;
         Clock::duration period{};
         Time nextTick{};
     };

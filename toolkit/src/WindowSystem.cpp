@@ -2,6 +2,7 @@
 
 #include "DisplayScale.h"
 #include "offscreen/OffscreenWindowSystem.h"
+#include "sdl/SDLWindowSystem.h"
 
 #include <vo/Log.h>
 
@@ -24,6 +25,8 @@ struct Choice
 
 // In the order of preference.
 constexpr std::array cWindowSystems{
+    Choice{"wayland", createWaylandWindowSystem},
+    Choice{"x11", createX11WindowSystem},
     Choice{"offscreen", createOffscreenWindowSystem},
 };
 

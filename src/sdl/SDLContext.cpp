@@ -1,0 +1,142 @@
+#include "SDLContext.h"
+
+#include "../native/GLDebug.h"
+
+#include <vo/Log.h>
+
+#include <SDL_error.h>
+#include <epoxy/gl.h>
+
+#include <string>
+#include <utility>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr Uint32 cWindowFlags = SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;
+
+const char* versionOf(const PixelFormatSizes& sizes) { return sizes.is41 ? "4.1" : "3.2"; }
+
+void setAttributes(const PixelFormatSizes& sizes)
+{
+    constexpr int cChannels = 3;
+    SDL_GL_ResetAttributes();
+    const std::pair<SDL_GLattr, int> attributes[] = {
+        {SDL_GL_RED_SIZE, sizes.colorBits / cChannels},
+        {SDL_GL_GREEN_SIZE, sizes.colorBits / cChannels},
+        {SDL_GL_BLUE_SIZE, sizes.colorBits / cChannels},
+        {SDL_GL_ALPHA_SIZE, sizes.alphaBits},
+        {SDL_GL_DEPTH_SIZE, sizes.depthBits},
+        {SDL_GL_STENCIL_SIZE, sizes.stencilBits},
+        {SDL_GL_DOUBLEBUFFER, 1},
+        {SDL_GL_SHARE_WITH_CURRENT_CONTEXT, 0},
+        {SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE},
+        {SDL_GL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3},
+        {SDL_GL_CONTEXT_MINOR_VERSION, sizes.is41 ? 1 : 2},
+        {SDL_GL_CONTEXT_FLAGS, isGLDebugWanted() ? SDL_GL_CONTEXT_DEBUG_FLAG : 0},
+    };
+    for (const auto& [attribute, value] : attributes)
+        SDL_GL_SetAttribute(attribute, value);
+}
+
+SDL_Window* createWindow(const td::Size<int>& size)
+{
+    return SDL_CreateWindow("", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, size.width, size.height,
+                            cWindowFlags);
+}
+
+// What somebody gets who asks for nothing in particular.
+std::string describeSystem()
+{
+    SDL_GL_ResetAttributes();
+    SDL_Window* const pWindow = createWindow({1, 1});
+    const SDL_GLContext context = pWindow != nullptr ? SDL_GL_CreateContext(pWindow) : nullptr;
+    std::string description = "no OpenGL at all";
+    if (context != nullptr)
+    {
+        CurrentContext::set(context);
+        const auto text = [](GLenum name)
+        {
+            const GLubyte* const value = glGetString(name);
+            return std::string(value != nullptr ? reinterpret_cast<const char*>(value) : "?");
+        };
+        int depthBits = 0;
+        int stencilBits = 0;
+        SDL_GL_GetAttribute(SDL_GL_DEPTH_SIZE, &depthBits);
+        SDL_GL_GetAttribute(SDL_GL_STENCIL_SIZE, &stencilBits);
+        description = "OpenGL " + text(GL_VERSION) + " on " + text(GL_RENDERER) + " with " + std::to_string(depthBits) +
+                      " depth and " + std::to_string(stencilBits) + " stencil bits";
+        SDL_GL_MakeCurrent(nullptr, nullptr);
+        CurrentContext::died(context);
+        SDL_GL_DeleteContext(context);
+    }
+    if (pWindow != nullptr)
+        SDL_DestroyWindow(pWindow);
+    return description;
+}
+
+} // namespace
+
+std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, const td::Size<int>& size)
+{
+    PixelFormatSizes sizes = asked;
+    std::unique_ptr<SDLContext> context = tryToCreate(sizes, size);
+    const std::string error = SDL_GetError();
+    while (context == nullptr && fallBack(sizes))
+        context = tryToCreate(sizes, size);
+    if (context == nullptr)
+        vo::dbgLog("ERROR! SDLContext cannot have an OpenGL %s core context with %d colour, %d alpha, %d depth and %d "
+                   "stencil bits (%s); the system has %s",
+                   versionOf(asked), asked.colorBits, asked.alphaBits, asked.depthBits, asked.stencilBits,
+                   error.c_str(), describeSystem().c_str());
+    else if (sizes.depthBits != asked.depthBits || sizes.stencilBits != asked.stencilBits)
+        vo::dbgLog("Warning! SDLContext asked for %d depth and %d stencil bits, got %d and %d", asked.depthBits,
+                   asked.stencilBits, sizes.depthBits, sizes.stencilBits);
+    return context;
+}
+
+std::unique_ptr<SDLContext> SDLContext::tryToCreate(const PixelFormatSizes& sizes, const td::Size<int>& size)
+{
+    setAttributes(sizes);
+    SDL_Window* const pWindow = createWindow(size);
+    if (pWindow == nullptr)
+        return nullptr;
+    const SDL_GLContext context = SDL_GL_CreateContext(pWindow);
+    if (context == nullptr)
+    {
+        SDL_DestroyWindow(pWindow);
+        return nullptr;
+    }
+    CurrentContext::set(context);
+    // One window that waits for the display would hold up all the others.
+    SDL_GL_SetSwapInterval(0);
+    return std::unique_ptr<SDLContext>(new SDLContext(pWindow, context));
+}
+
+SDLContext::~SDLContext()
+{
+    if (SDL_GL_GetCurrentContext() == _context)
+        SDL_GL_MakeCurrent(nullptr, nullptr);
+    CurrentContext::died(_context);
+    SDL_GL_DeleteContext(_context);
+    SDL_DestroyWindow(_pWindow);
+}
+
+bool SDLContext::makeCurrent()
+{
+    // SDL does nothing for the context that it made current last; somebody else may have made another one current since.
+    if (CurrentContext::getID() != _id && SDL_GL_GetCurrentContext() == _context)
+        SDL_GL_MakeCurrent(nullptr, nullptr);
+    if (SDL_GL_MakeCurrent(_pWindow, _context) != 0)
+    {
+        vo::dbgLog("ERROR! SDLContext cannot be made current: %s", SDL_GetError());
+        return false;
+    }
+    CurrentContext::set(_context);
+    return true;
+}
+
+} // namespace gui::gl

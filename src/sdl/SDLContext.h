@@ -1,0 +1,46 @@
+#pragma once
+
+#include "../native/PixelFormat.h"
+
+#include <gui/gl/CurrentContext.h>
+#include <td/Size.h>
+
+#include <SDL_video.h>
+
+#include <memory>
+
+namespace gui::gl
+{
+
+/// A hidden window of SDL with a GL context of its own, shared with nobody.
+class SDLContext
+{
+public:
+    /// The context is current afterwards. When the sizes are not to be had, they are given up step by step, and a log line
+    /// says so. @param size  in points
+    /// @return null, after a log line that says what was asked for and what the system has
+    static std::unique_ptr<SDLContext> create(const PixelFormatSizes& asked, const td::Size<int>& size);
+    ~SDLContext();
+    SDLContext(const SDLContext&) = delete;
+    SDLContext& operator=(const SDLContext&) = delete;
+
+    /// @return false, after a log line, when it cannot be made current
+    bool makeCurrent();
+
+    SDL_Window* getWindow() const { return _pWindow; }
+
+private:
+    SDLContext(SDL_Window* pWindow, SDL_GLContext context)
+        : _pWindow(pWindow)
+        , _context(context)
+        , _id(CurrentContext::getID())
+    {
+    }
+    static std::unique_ptr<SDLContext> tryToCreate(const PixelFormatSizes& sizes, const td::Size<int>& size);
+
+    SDL_Window* _pWindow;
+    SDL_GLContext _context;
+    CurrentContext::ID _id;
+};
+
+} // namespace gui::gl

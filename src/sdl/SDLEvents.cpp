@@ -1,0 +1,178 @@
+#include "SDLEvents.h"
+
+#include "../native/NativeSurface.h"
+#include "KeyMapping.h"
+#include "Keyboard.h"
+
+#include <SDL_mouse.h>
+#include <SDL_touch.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include <optional>
+
+namespace zav
+{
+
+double s_wheelUnitsPerNotch = 10;
+
+} // namespace zav
+
+namespace gui::gl
+{
+
+namespace
+{
+
+// Whether the right Alt key is an AltGr; known since it went down last.
+bool s_isRightAltAltGr = false;
+
+unsigned int modifiersOf(const gui::SDLEvent& event) { return toModifiers(event.modifiers, s_isRightAltAltGr); }
+
+td::Point<double> toPoint(int x, int y) { return {static_cast<double>(x), static_cast<double>(y)}; }
+
+td::Point<double> mousePoint(const gui::SDLEvent& event) { return toPoint(event.mouseX, event.mouseY); }
+
+bool isLeftDown(const gui::SDLEvent& event) { return (event.mouseButtons & SDL_BUTTON_LMASK) != 0; }
+
+} // namespace
+
+void SDLEvents::handle(const gui::SDLEvent& event)
+{
+    switch (event.event.type)
+    {
+    case SDL_WINDOWEVENT:
+        onWindow(event);
+        break;
+    case SDL_MOUSEBUTTONDOWN:
+    case SDL_MOUSEBUTTONUP:
+        onButton(event);
+        break;
+    case SDL_MOUSEMOTION:
+        onMotion(event);
+        break;
+    case SDL_MOUSEWHEEL:
+        onWheel(event);
+        break;
+    case SDL_FINGERDOWN:
+    case SDL_FINGERMOTION:
+    case SDL_FINGERUP:
+        onFinger(event);
+        break;
+    case SDL_KEYDOWN:
+    case SDL_KEYUP:
+        onKey(event);
+        break;
+    default:
+        break;
+    }
+}
+
+void SDLEvents::onWindow(const gui::SDLEvent& event)
+{
+    switch (event.event.window.event)
+    {
+    case SDL_WINDOWEVENT_ENTER:
+        _isLeavePending = false;
+        if (_isPointerInside)
+            break;
+        _isPointerInside = true;
+        _client.onMotion({MotionEvent::Kind::Entered, modifiersOf(event), mousePoint(event)});
+        break;
+    case SDL_WINDOWEVENT_LEAVE:
+        // A drag that goes on outside is left when it is over.
+        if (_isDragging)
+            _isLeavePending = true;
+        else
+            leave(event, mousePoint(event));
+        break;
+    case SDL_WINDOWEVENT_FOCUS_GAINED:
+        _client.onFocus(true);
+        break;
+    case SDL_WINDOWEVENT_FOCUS_LOST:
+        _client.onFocus(false);
+        break;
+    default:
+        break;
+    }
+}
+
+void SDLEvents::leave(const gui::SDLEvent& event, const td::Point<double>& point)
+{
+    _isLeavePending = false;
+    if (!_isPointerInside)
+        return;
+    _isPointerInside = false;
+    _client.onMotion({MotionEvent::Kind::Exited, modifiersOf(event), point});
+}
+
+void SDLEvents::onButton(const gui::SDLEvent& event)
+{
+    const SDL_MouseButtonEvent& button = event.event.button;
+    if (button.button != SDL_BUTTON_LEFT && button.button != SDL_BUTTON_RIGHT)
+        return;
+    const bool isLeft = button.button == SDL_BUTTON_LEFT;
+    const bool isDown = button.type == SDL_MOUSEBUTTONDOWN;
+    const td::Point<double> point = toPoint(button.x, button.y);
+    if (isLeft)
+        _isDragging = isDown;
+    _client.onButton({isLeft ? ButtonEvent::Button::Left : ButtonEvent::Button::Right, isDown, isLeftDown(event),
+                      button.clicks, modifiersOf(event), point});
+    if (_isLeavePending && !_isDragging)
+        leave(event, point);
+}
+
+void SDLEvents::onMotion(const gui::SDLEvent& event)
+{
+    const SDL_MouseMotionEvent& motion = event.event.motion;
+    // The mouse that SDL makes of the first finger.
+    if (motion.which == SDL_TOUCH_MOUSEID && _pinch.isActive())
+        return;
+    const td::Point<double> point = toPoint(motion.x, motion.y);
+    if ((motion.state & SDL_BUTTON_LMASK) != 0)
+        _client.onMotion({MotionEvent::Kind::Dragged, modifiersOf(event), point});
+    else if (motion.state == 0)
+        _client.onMotion({MotionEvent::Kind::Moved, modifiersOf(event), point});
+}
+
+void SDLEvents::onWheel(const gui::SDLEvent& event)
+{
+    // Content follows the fingers: SDL counts what is scrolled to, to the right.
+    const SDL_MouseWheelEvent& wheel = event.event.wheel;
+    const double dx = -static_cast<double>(wheel.preciseX) * zav::s_wheelUnitsPerNotch;
+    const double dy = static_cast<double>(wheel.preciseY) * zav::s_wheelUnitsPerNotch;
+    _client.onWheel({dx, dy, modifiersOf(event), mousePoint(event)});
+}
+
+void SDLEvents::onFinger(const gui::SDLEvent& event)
+{
+    int width = 0;
+    int height = 0;
+    SDL_GetWindowSize(_pWindow, &width, &height);
+    const td::Size<double> size{static_cast<double>(width), static_cast<double>(height)};
+    if (const std::optional<double> magnification = _pinch.onFinger(event.event.tfinger, size))
+        _client.onMagnification({*magnification, modifiersOf(event)});
+}
+
+void SDLEvents::onKey(const gui::SDLEvent& event)
+{
+    const SDL_KeyboardEvent& key = event.event.key;
+    const bool isDown = key.type == SDL_KEYDOWN;
+    Keyboard& keyboard = Keyboard::of(_pWindow);
+    if (isDown && key.keysym.scancode == SDL_SCANCODE_RALT)
+        s_isRightAltAltGr = keyboard.getSymbol(event, false) == XKB_KEY_ISO_Level3_Shift;
+
+    const KeyMapping mapping = mapKey(key.keysym.scancode, (event.modifiers & KMOD_NUM) != 0);
+    if (mapping.keyCode == 0)
+        return;
+    unsigned short character = mapping.character;
+    const bool isOfShifted = mapping.kind == KeyMapping::Character::OfShiftedLayout;
+    if (isOfShifted || mapping.kind == KeyMapping::Character::OfLayout)
+    {
+        const bool isShifted = isOfShifted || (event.modifiers & KMOD_SHIFT) != 0;
+        if (const unsigned short ofLayout = toCharacter(keyboard.getSymbol(event, isShifted)))
+            character = ofLayout;
+    }
+    _client.onKey({isDown, mapping.keyCode, character, modifiersOf(event)});
+}
+
+} // namespace gui::gl

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Pinch.h"
+#include "sdl/SDLEvent.h"
+
+#include <SDL_video.h>
+#include <td/Export.h>
+#include <td/Point.h>
+
+namespace zav
+{
+
+/// How many wheel units one notch of a mouse wheel is; 10. An application may change it before it is used.
+GUIGL_API extern double s_wheelUnitsPerNotch;
+
+} // namespace zav
+
+namespace gui::gl
+{
+
+class NativeSurfaceClient;
+
+/// Turns SDL's events for one window into what a surface reports.
+class SDLEvents
+{
+public:
+    SDLEvents(NativeSurfaceClient& client, SDL_Window* pWindow)
+        : _client(client)
+        , _pWindow(pWindow)
+    {
+    }
+
+    void handle(const gui::SDLEvent& event);
+
+    bool isPointerInside() const { return _isPointerInside; }
+
+private:
+    void onWindow(const gui::SDLEvent& event);
+    void onButton(const gui::SDLEvent& event);
+    void onMotion(const gui::SDLEvent& event);
+    void onWheel(const gui::SDLEvent& event);
+    void onFinger(const gui::SDLEvent& event);
+    void onKey(const gui::SDLEvent& event);
+    void leave(const gui::SDLEvent& event, const td::Point<double>& point);
+
+    NativeSurfaceClient& _client;
+    SDL_Window* _pWindow;
+    Pinch _pinch;
+    bool _isPointerInside = false;
+    bool _isDragging = false;
+    bool _isLeavePending = false; // until the drag is over
+};
+
+} // namespace gui::gl

@@ -1,0 +1,122 @@
+#include "SDLSurface.h"
+
+#include "SDLContext.h"
+#include "SDLEvents.h"
+
+#include "RunLoop.h"
+#include "WindowSystem.h"
+
+#include <SDL_mouse.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+SDL_Cursor* cursorOf(gui::Cursor::Type type)
+{
+    // Kept to the end of the process, as SDL is.
+    static SDL_Cursor* const pArrow = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_ARROW);
+    static SDL_Cursor* const pPan = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_SIZEALL);
+    return type == gui::Cursor::Type::Pan ? pPan : pArrow;
+}
+
+class SDLSurface : public NativeSurface
+{
+public:
+    SDLSurface(NativeSurfaceClient& client, gui::NativeView& nativeView, std::unique_ptr<SDLContext> pContext)
+        : _nativeView(nativeView)
+        , _pContext(std::move(pContext))
+        , _events(client, _pContext->getWindow())
+        , _presentedSize(getDrawableSize())
+    {
+    }
+    ~SDLSurface() override { runLoop().forget(&_nativeView); }
+
+    bool makeCurrent() override { return _pContext->makeCurrent(); }
+    void flush() override { SDL_GL_SwapWindow(window()); }
+
+    td::Size<double> getSize() const override
+    {
+        int width = 0;
+        int height = 0;
+        SDL_GetWindowSize(window(), &width, &height);
+        return {static_cast<double>(width), static_cast<double>(height)};
+    }
+    float getBackingScale() const override
+    {
+        return static_cast<float>(getDrawableSize().width) / static_cast<float>(std::max(1.0, getSize().width));
+    }
+    td::Size<int> getDrawableSize() const override
+    {
+        td::Size<int> size;
+        SDL_GL_GetDrawableSize(window(), &size.width, &size.height);
+        return size;
+    }
+    unsigned int getDefaultFramebuffer() const override { return 0; }
+    void setNeedsDisplay() override { runLoop().setNeedsDisplay(&_nativeView); }
+
+    void* getNativeWindow() const override { return window(); }
+    void handleEvent(const void* pEvent) override { _events.handle(*static_cast<const gui::SDLEvent*>(pEvent)); }
+
+    bool followWindow() override
+    {
+        if (!makeCurrent())
+            return false;
+        const bool isShown = (SDL_GetWindowFlags(window()) & SDL_WINDOW_HIDDEN) == 0;
+        const td::Size<int> size = getDrawableSize();
+        const bool isSizeNew = std::exchange(_presentedSize, size) != size;
+        const bool isNewlyShown = isShown && !std::exchange(_isShown, isShown);
+        // The driver makes its buffers at the next swap only: the first frame would be drawn into those of the old size.
+        if (isSizeNew || isNewlyShown)
+            flush();
+        return true;
+    }
+
+    void setCursor(gui::Cursor::Type type) override
+    {
+        // SDL has one pointer for all windows.
+        if (_events.isPointerInside())
+            SDL_SetCursor(cursorOf(type));
+    }
+    void startFrameClock(float minFPS, float maxFPS) override
+    {
+        runLoop().startFrameClock(&_nativeView, minFPS, maxFPS);
+    }
+    void stopFrameClock() override { runLoop().stopFrameClock(&_nativeView); }
+
+private:
+    static gui::RunLoop& runLoop() { return gui::WindowSystem::instance().getRunLoop(); }
+    SDL_Window* window() const { return _pContext->getWindow(); }
+
+    gui::NativeView& _nativeView;
+    std::unique_ptr<SDLContext> _pContext;
+    SDLEvents _events;
+    td::Size<int> _presentedSize;
+    bool _isShown = false;
+};
+
+int toLength(double points)
+{
+    constexpr double cLongest = 16384; // SDL's own limit
+    return static_cast<int>(std::lround(std::clamp(points, 1.0, cLongest)));
+}
+
+} // namespace
+
+std::unique_ptr<NativeSurface> createSDLSurface(NativeSurfaceClient& client, gui::NativeView& nativeView,
+                                                const Context& context, const td::Size<double>& size)
+{
+    std::unique_ptr<SDLContext> pContext =
+        SDLContext::create(decodePixelFormat(buildPixelFormat(context)), {toLength(size.width), toLength(size.height)});
+    if (pContext == nullptr)
+        return nullptr;
+    return std::make_unique<SDLSurface>(client, nativeView, std::move(pContext));
+}
+
+} // namespace gui::gl

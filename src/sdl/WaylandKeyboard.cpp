@@ -1,0 +1,126 @@
+#include "Keyboard.h"
+
+#include <SDL_syswm.h>
+#include <wayland-client.h>
+#include <xkbcommon/xkbcommon.h>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+// Listens to the compositor beside SDL, which keeps the layout to itself: on a queue of its own, so that nothing that SDL
+// waits for goes astray.
+class WaylandKeyboard : public Keyboard
+{
+public:
+    explicit WaylandKeyboard(wl_display* pDisplay);
+
+    std::uint32_t getSymbol(const gui::SDLEvent& keyEvent, bool isShifted) override;
+
+private:
+    static void onGlobal(void* pThis, wl_registry* pRegistry, uint32_t name, const char* interface, uint32_t version);
+    static void onGlobalRemove(void*, wl_registry*, uint32_t) {}
+    static void onKeymap(void* pThis, wl_keyboard*, uint32_t format, int32_t fd, uint32_t size);
+    static void onEnter(void*, wl_keyboard*, uint32_t, wl_surface*, wl_array*) {}
+    static void onLeave(void*, wl_keyboard*, uint32_t, wl_surface*) {}
+    static void onKey(void*, wl_keyboard*, uint32_t, uint32_t, uint32_t, uint32_t) {}
+    static void onModifiers(void* pThis, wl_keyboard*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t group);
+    static void onRepeatInfo(void*, wl_keyboard*, int32_t, int32_t) {}
+
+    static constexpr wl_registry_listener cRegistryListener{onGlobal, onGlobalRemove};
+    static constexpr wl_keyboard_listener cKeyboardListener{onKeymap, onEnter,     onLeave,
+                                                            onKey,    onModifiers, onRepeatInfo};
+
+    wl_display* _pDisplay;
+    wl_event_queue* _pQueue;
+    wl_seat* _pSeat = nullptr;
+    xkb_context* _pContext;
+    xkb_keymap* _pKeymap = nullptr;
+    xkb_state* _pState = nullptr;
+    uint32_t _group = 0;
+};
+
+WaylandKeyboard::WaylandKeyboard(wl_display* pDisplay)
+    : _pDisplay(pDisplay)
+    , _pQueue(wl_display_create_queue(pDisplay))
+    , _pContext(xkb_context_new(XKB_CONTEXT_NO_FLAGS))
+{
+    auto* const pWrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(pDisplay));
+    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(pWrapper), _pQueue);
+    wl_registry* const pRegistry = wl_display_get_registry(pWrapper);
+    wl_proxy_wrapper_destroy(pWrapper);
+    wl_registry_add_listener(pRegistry, &cRegistryListener, this);
+    wl_display_roundtrip_queue(_pDisplay, _pQueue);
+    if (_pSeat == nullptr)
+        return;
+    // A seat without a keyboard gets one of us all the same, and it stays silent until there is one.
+    wl_keyboard_add_listener(wl_seat_get_keyboard(_pSeat), &cKeyboardListener, this);
+    wl_display_roundtrip_queue(_pDisplay, _pQueue);
+}
+
+void WaylandKeyboard::onGlobal(void* pThis, wl_registry* pRegistry, uint32_t name, const char* interface, uint32_t)
+{
+    auto& keyboard = *static_cast<WaylandKeyboard*>(pThis);
+    if (keyboard._pSeat == nullptr && std::strcmp(interface, wl_seat_interface.name) == 0)
+        keyboard._pSeat = static_cast<wl_seat*>(wl_registry_bind(pRegistry, name, &wl_seat_interface, 1));
+}
+
+void WaylandKeyboard::onKeymap(void* pThis, wl_keyboard*, uint32_t format, int32_t fd, uint32_t size)
+{
+    auto& keyboard = *static_cast<WaylandKeyboard*>(pThis);
+    void* const pText = format == WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1 && size > 0
+                            ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0)
+                            : MAP_FAILED;
+    close(fd);
+    if (pText == MAP_FAILED)
+        return;
+    // The size counts the terminating zero, but the text is somebody else's.
+    const auto* const text = static_cast<const char*>(pText);
+    xkb_keymap* const pKeymap = xkb_keymap_new_from_buffer(keyboard._pContext, text, strnlen(text, size),
+                                                           XKB_KEYMAP_FORMAT_TEXT_V1, XKB_KEYMAP_COMPILE_NO_FLAGS);
+    munmap(pText, size);
+    if (pKeymap == nullptr)
+        return;
+    xkb_state_unref(keyboard._pState);
+    xkb_keymap_unref(keyboard._pKeymap);
+    keyboard._pKeymap = pKeymap;
+    keyboard._pState = xkb_state_new(pKeymap);
+}
+
+void WaylandKeyboard::onModifiers(void* pThis, wl_keyboard*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t group)
+{
+    static_cast<WaylandKeyboard*>(pThis)->_group = group;
+}
+
+std::uint32_t WaylandKeyboard::getSymbol(const gui::SDLEvent& keyEvent, bool isShifted)
+{
+    constexpr unsigned int cFirstKeyCode = 8;
+    wl_display_dispatch_queue_pending(_pDisplay, _pQueue);
+    const unsigned int keyCode = toKernelKeyCode(keyEvent.event.key.keysym.scancode);
+    if (_pState == nullptr || keyCode == 0)
+        return 0;
+    const xkb_mod_index_t shift = xkb_keymap_mod_get_index(_pKeymap, XKB_MOD_NAME_SHIFT);
+    const xkb_mod_mask_t modifiers = isShifted && shift != XKB_MOD_INVALID ? xkb_mod_mask_t(1) << shift : 0;
+    xkb_state_update_mask(_pState, modifiers, 0, 0, 0, 0, _group);
+    return xkb_state_key_get_one_sym(_pState, keyCode + cFirstKeyCode);
+}
+
+} // namespace
+
+std::unique_ptr<Keyboard> createWaylandKeyboard(SDL_Window* pWindow)
+{
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
+        return nullptr;
+    return std::make_unique<WaylandKeyboard>(info.info.wl.display);
+}
+
+} // namespace gui::gl

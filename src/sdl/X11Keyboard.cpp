@@ -1,0 +1,56 @@
+#include "Keyboard.h"
+
+#include <SDL_syswm.h>
+#include <X11/XKBlib.h>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+class X11Keyboard : public Keyboard
+{
+public:
+    explicit X11Keyboard(Display* pDisplay)
+        : _pDisplay(pDisplay)
+    {
+    }
+
+    std::uint32_t getSymbol(const gui::SDLEvent& keyEvent, bool isShifted) override
+    {
+        constexpr unsigned int cFirstKeyCode = 8;
+        unsigned int keyCode = keyEvent.xKeyCode;
+        // A release that SDL makes up when the window loses the focus.
+        if (keyCode == 0)
+            keyCode = toKernelKeyCode(keyEvent.event.key.keysym.scancode) + cFirstKeyCode;
+        const unsigned int group = XkbGroupForCoreState(keyEvent.xState);
+        const KeySym shifted = isShifted ? symbolOf(keyCode, group, 1) : NoSymbol;
+        return static_cast<std::uint32_t>(shifted != NoSymbol ? shifted : symbolOf(keyCode, group, 0));
+    }
+
+private:
+    KeySym symbolOf(unsigned int keyCode, unsigned int group, unsigned int level) const
+    {
+        const KeySym symbol = XkbKeycodeToKeysym(_pDisplay, static_cast<KeyCode>(keyCode), group, level);
+        // Keys that are the same in all layouts have one group only.
+        return symbol != NoSymbol || group == 0
+                   ? symbol
+                   : XkbKeycodeToKeysym(_pDisplay, static_cast<KeyCode>(keyCode), 0, level);
+    }
+
+    Display* _pDisplay;
+};
+
+} // namespace
+
+std::unique_ptr<Keyboard> createX11Keyboard(SDL_Window* pWindow)
+{
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_X11)
+        return nullptr;
+    return std::make_unique<X11Keyboard>(info.info.x11.display);
+}
+
+} // namespace gui::gl

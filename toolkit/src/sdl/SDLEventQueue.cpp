@@ -1,0 +1,97 @@
+#include "SDLEventQueue.h"
+
+#include <SDL_keyboard.h>
+#include <SDL_mouse.h>
+#include <SDL_syswm.h>
+
+namespace gui
+{
+
+namespace
+{
+
+bool isWindowEvent(const SDL_Event& event, SDL_WindowEventID id)
+{
+    return event.type == SDL_WINDOWEVENT && event.window.event == id;
+}
+
+} // namespace
+
+SDLEventQueue::SDLEventQueue()
+{
+    SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);
+    // These carry memory that somebody would have to free.
+    for (const Uint32 type : {SDL_DROPFILE, SDL_DROPTEXT, SDL_DROPBEGIN, SDL_DROPCOMPLETE})
+        SDL_EventState(type, SDL_DISABLE);
+    SDL_SetEventFilter(onEvent, this);
+}
+
+SDLEventQueue::~SDLEventQueue() { SDL_SetEventFilter(nullptr, nullptr); }
+
+void SDLEventQueue::pump()
+{
+    SDL_PumpEvents();
+    // SDL's own queue only serves to end its wait. It has a limit, this one has none.
+    SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
+}
+
+bool SDLEventQueue::take(SDLEvent& event)
+{
+    if (_events.empty())
+        return false;
+    event = _events.front();
+    _events.pop_front();
+    return true;
+}
+
+int SDLCALL SDLEventQueue::onEvent(void* pQueue, SDL_Event* pEvent)
+{
+    auto& queue = *static_cast<SDLEventQueue*>(pQueue);
+    if (pEvent->type >= SDL_USEREVENT)
+        return 1;
+    if (pEvent->type != SDL_SYSWMEVENT)
+    {
+        queue.append(*pEvent);
+        return 1;
+    }
+    // The X11 event comes right before what SDL makes of it.
+    queue._xKeyCode = 0;
+#ifdef SDL_VIDEO_DRIVER_X11
+    const SDL_SysWMmsg* const pMessage = pEvent->syswm.msg;
+    if (pMessage->subsystem == SDL_SYSWM_X11)
+    {
+        const XEvent& xEvent = pMessage->msg.x11.event;
+        if (xEvent.type == KeyPress || xEvent.type == KeyRelease)
+        {
+            queue._xKeyCode = xEvent.xkey.keycode;
+            queue._xState = xEvent.xkey.state;
+        }
+    }
+#endif
+    return 0;
+}
+
+void SDLEventQueue::append(const SDL_Event& event)
+{
+    SDLEvent& entry = _events.emplace_back();
+    entry.event = event;
+    entry.modifiers = static_cast<unsigned int>(SDL_GetModState());
+    entry.mouseButtons = SDL_GetMouseState(&entry.mouseX, &entry.mouseY);
+    const bool isKey = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP;
+    entry.xKeyCode = isKey ? _xKeyCode : 0;
+    entry.xState = isKey ? _xState : 0;
+
+    // Where the pointer entered is only told by the motion that follows.
+    if (event.type == SDL_MOUSEMOTION && _events.size() >= 2)
+    {
+        SDLEvent& previous = _events[_events.size() - 2];
+        if (isWindowEvent(previous.event, SDL_WINDOWEVENT_ENTER) &&
+            previous.event.window.windowID == event.motion.windowID)
+        {
+            previous.mouseX = event.motion.x;
+            previous.mouseY = event.motion.y;
+        }
+    }
+}
+
+} // namespace gui

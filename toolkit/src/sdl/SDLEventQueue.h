@@ -1,0 +1,35 @@
+#pragma once
+
+#include "SDLEvent.h"
+
+#include <deque>
+
+namespace gui
+{
+
+/// SDL's events, each with the keyboard's and the mouse's state of its own moment. It listens to SDL while it lives.
+/// GUI thread only; events that other threads push, such as a wake-up, don't get here.
+class SDLEventQueue
+{
+public:
+    SDLEventQueue();
+    ~SDLEventQueue();
+    SDLEventQueue(const SDLEventQueue&) = delete;
+    SDLEventQueue& operator=(const SDLEventQueue&) = delete;
+
+    /// Takes in what the window system has sent.
+    void pump();
+    /// @return false when there is none
+    bool take(SDLEvent& event);
+    bool isEmpty() const { return _events.empty(); }
+
+private:
+    static int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent);
+    void append(const SDL_Event& event);
+
+    std::deque<SDLEvent> _events;
+    unsigned int _xKeyCode = 0;
+    unsigned int _xState = 0;
+};
+
+} // namespace gui

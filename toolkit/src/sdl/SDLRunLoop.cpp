@@ -1,0 +1,151 @@
+#include "SDLRunLoop.h"
+
+#include <gui/NativeView.h>
+#include <gui/Window.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace gui
+{
+
+namespace
+{
+
+constexpr char cViewKey[] = "gui::NativeView";
+
+// @return 0 for an event that belongs to no window
+Uint32 windowOf(const SDL_Event& event)
+{
+    switch (event.type)
+    {
+    case SDL_WINDOWEVENT:
+        return event.window.windowID;
+    case SDL_KEYDOWN:
+    case SDL_KEYUP:
+        return event.key.windowID;
+    case SDL_MOUSEMOTION:
+        return event.motion.windowID;
+    case SDL_MOUSEBUTTONDOWN:
+    case SDL_MOUSEBUTTONUP:
+        return event.button.windowID;
+    case SDL_MOUSEWHEEL:
+        return event.wheel.windowID;
+    case SDL_FINGERDOWN:
+    case SDL_FINGERMOTION:
+    case SDL_FINGERUP:
+        return event.tfinger.windowID;
+    default:
+        return 0;
+    }
+}
+
+NativeView* viewOf(SDL_Window* pWindow) { return static_cast<NativeView*>(SDL_GetWindowData(pWindow, cViewKey)); }
+
+} // namespace
+
+SDLRunLoop::SDLRunLoop()
+    : _wakeUpType(SDL_RegisterEvents(1))
+{
+    connect();
+}
+
+SDLRunLoop::~SDLRunLoop() { disconnect(); }
+
+void SDLRunLoop::setView(SDL_Window* pWindow, NativeView* pView) { SDL_SetWindowData(pWindow, cViewKey, pView); }
+
+void SDLRunLoop::wait(const std::optional<Time>& until)
+{
+    using std::chrono::milliseconds;
+    constexpr milliseconds cLongest = std::chrono::hours(1);
+    // Calls of SDL from handlers leave events, too.
+    while (_events.isEmpty())
+    {
+        const Clock::duration rest = until ? *until - Clock::now() : cLongest;
+        if (rest <= Clock::duration::zero())
+            return;
+        const auto wholeMilliseconds = std::min(std::chrono::floor<milliseconds>(rest), cLongest);
+        if (wholeMilliseconds.count() == 0)
+        {
+            std::this_thread::sleep_until(*until);
+            return;
+        }
+        if (SDL_WaitEventTimeout(nullptr, static_cast<int>(wholeMilliseconds.count())) != 0)
+            return;
+    }
+}
+
+void SDLRunLoop::wakeUp()
+{
+    if (_isWakeUpPosted.exchange(true))
+        return;
+    SDL_Event event{};
+    event.type = _wakeUpType;
+    SDL_PushEvent(&event);
+}
+
+void SDLRunLoop::dispatchEvents()
+{
+    _isWakeUpPosted = false;
+    _events.pump();
+    SDLEvent event;
+    while (!hasQuit() && _events.take(event))
+        dispatch(event);
+}
+
+double SDLRunLoop::getDisplayRate(const NativeView* pView) const
+{
+    auto* const pWindow = static_cast<SDL_Window*>(pView->getNativeWindow());
+    const int display = pWindow != nullptr ? SDL_GetWindowDisplayIndex(pWindow) : 0;
+    SDL_DisplayMode mode{};
+    return display >= 0 && SDL_GetCurrentDisplayMode(display, &mode) == 0 ? mode.refresh_rate : 0;
+}
+
+void SDLRunLoop::dispatch(const SDLEvent& event)
+{
+    SDL_Window* const pWindow = SDL_GetWindowFromID(windowOf(event.event));
+    NativeView* const pView = pWindow != nullptr ? viewOf(pWindow) : nullptr;
+    if (pView == nullptr)
+        return;
+    if (event.event.type == SDL_WINDOWEVENT)
+        onWindowEvent(pWindow, pView, event);
+    else
+        pView->handleEvent(&event);
+}
+
+void SDLRunLoop::onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDLEvent& event)
+{
+    const Uint32 windowID = event.event.window.windowID;
+    switch (event.event.window.event)
+    {
+    case SDL_WINDOWEVENT_SIZE_CHANGED:
+        // On Wayland this is also how a change of the scale is told, with the size in points unchanged.
+        pView->sizeChanged();
+        if (SDL_GetWindowFromID(windowID) == pWindow && viewOf(pWindow) == pView)
+            pView->scaleChanged();
+        break;
+    case SDL_WINDOWEVENT_DISPLAY_CHANGED:
+        updateFrameClock(pView);
+        pView->scaleChanged();
+        break;
+    case SDL_WINDOWEVENT_EXPOSED:
+        setNeedsDisplay(pView);
+        break;
+    case SDL_WINDOWEVENT_SHOWN:
+    case SDL_WINDOWEVENT_HIDDEN:
+    case SDL_WINDOWEVENT_MINIMIZED:
+    case SDL_WINDOWEVENT_MAXIMIZED:
+    case SDL_WINDOWEVENT_RESTORED:
+        setVisible(pView, (SDL_GetWindowFlags(pWindow) & (SDL_WINDOW_HIDDEN | SDL_WINDOW_MINIMIZED)) == 0);
+        break;
+    case SDL_WINDOWEVENT_CLOSE:
+        if (Window* const pShownIn = pView->getWindow())
+            pShownIn->close();
+        break;
+    default:
+        pView->handleEvent(&event);
+        break;
+    }
+}
+
+} // namespace gui

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "../WindowSystem.h"
+
+#include <SDL_video.h>
+
+#include <string>
+
+namespace gui
+{
+
+/// A top-level window of SDL. It has one while it shows a view: the view's own.
+class SDLWindow : public WindowPeer
+{
+public:
+    SDLWindow(const char* title, const td::Size<double>& size)
+        : _title(title)
+        , _size(size)
+    {
+    }
+
+    void show(NativeView* pView) override;
+    void hide() override;
+    void setTitle(const char* title) override;
+    void setSize(const td::Size<double>& size) override;
+    td::Size<double> getSize() const override;
+    void setFullScreen(bool isFullScreen) override;
+
+private:
+    void applySize() const;
+    void applyFullScreen() const;
+
+    SDL_Window* _pWindow = nullptr;
+    std::string _title;
+    td::Size<double> _size;
+    bool _isFullScreen = false;
+};
+
+} // namespace gui

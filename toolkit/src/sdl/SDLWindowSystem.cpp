@@ -1,0 +1,132 @@
+#include "SDLWindowSystem.h"
+
+#include "SDLRunLoop.h"
+#include "SDLWindow.h"
+#include "WaylandProbe.h"
+
+#include <vo/Log.h>
+
+// A library must not take main away from its programs.
+#define SDL_MAIN_HANDLED
+#include <SDL.h>
+
+#include <cstdlib>
+#include <optional>
+
+namespace gui
+{
+
+namespace
+{
+
+bool isSet(const char* variable)
+{
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+void giveHints(const char* driver)
+{
+    SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, driver, SDL_HINT_OVERRIDE);
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    // SDL's choices are those of a game; these are a desktop program's.
+    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
+    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
+    SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
+    SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+}
+
+/// SDL's video, on while this lives.
+class Video
+{
+public:
+    explicit Video(const char* driver)
+    {
+        SDL_SetMainReady();
+        giveHints(driver);
+        if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
+            return;
+        _isOn = true;
+        SDL_StopTextInput();
+        // Loaded once and for all: SDL would unload it with the last window, under contexts that are still alive.
+        if (SDL_GL_LoadLibrary(nullptr) != 0)
+            return;
+        // With no window at all SDL does not sleep, it polls.
+        _pWindow = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
+    }
+    Video(const Video&) = delete;
+    Video& operator=(const Video&) = delete;
+    ~Video()
+    {
+        if (_pWindow != nullptr)
+            SDL_DestroyWindow(_pWindow);
+        if (_isOn)
+            SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    }
+
+    bool isOk() const { return _pWindow != nullptr; }
+
+private:
+    bool _isOn = false;
+    SDL_Window* _pWindow = nullptr;
+};
+
+class SDLWindowSystem : public WindowSystem
+{
+public:
+    SDLWindowSystem(std::unique_ptr<Video> pVideo, const char* name, float scale)
+        : _pVideo(std::move(pVideo))
+        , _name(name)
+        , _scale(scale)
+    {
+    }
+
+    const char* getName() const override { return _name; }
+    RunLoop& getRunLoop() override { return _runLoop; }
+    std::unique_ptr<WindowPeer> createWindow(const char* title, const td::Size<double>& size) override
+    {
+        return std::make_unique<SDLWindow>(title, size);
+    }
+    float getMainDisplayScale() const override { return _scale; }
+
+private:
+    std::unique_ptr<Video> _pVideo;
+    SDLRunLoop _runLoop;
+    const char* _name;
+    float _scale;
+};
+
+// @param name  of the window system, and of SDL's driver
+std::unique_ptr<WindowSystem> create(const char* name, float scale)
+{
+    auto pVideo = std::make_unique<Video>(name);
+    if (!pVideo->isOk())
+    {
+        vo::dbgLog("Warning! WindowSystem %s does not start: %s", name, SDL_GetError());
+        return nullptr;
+    }
+    return std::make_unique<SDLWindowSystem>(std::move(pVideo), name, scale);
+}
+
+} // namespace
+
+std::unique_ptr<WindowSystem> createX11WindowSystem() { return isSet("DISPLAY") ? create("x11", 1) : nullptr; }
+
+std::unique_ptr<WindowSystem> createWaylandWindowSystem()
+{
+    if (!isSet("WAYLAND_DISPLAY"))
+        return nullptr;
+    const std::optional<WaylandProbe> probe = WaylandProbe::ask();
+    if (!probe || !probe->hasCompositor || !probe->hasSeat || !probe->hasShell)
+    {
+        vo::dbgLog("Warning! WindowSystem wayland does not start: %s", !probe ? "no compositor answers"
+                                                                       : !probe->hasSeat
+                                                                           ? "the compositor has no seat"
+                                                                           : "the compositor has no windows");
+        return nullptr;
+    }
+    return create("wayland", probe->outputScale);
+}
+
+} // namespace gui
