@@ -11,6 +11,12 @@ void OffscreenRunLoop::wait(const std::optional<Time>& until)
         _wakeUp.wait_until(lock, *until, isWoken);
     else
         _wakeUp.wait(lock, isWoken);
+}
+
+// What the loop was woken for so far is done in the rest of this turn.
+void OffscreenRunLoop::dispatchEvents()
+{
+    const std::lock_guard lock(_mutex);
     _isWoken = false;
 }
 

@@ -17,7 +17,7 @@ public:
 
 protected:
     void wait(const std::optional<Time>& until) override;
-    void dispatchEvents() override {}
+    void dispatchEvents() override;
     void wakeUp() override;
     double getDisplayRate(const NativeView*) const override { return 0; }
 

@@ -1,0 +1,197 @@
+#include "TestView.h"
+
+#include "support/CapturedLog.h"
+
+#include <gui/Application.h>
+#include <gui/Texture.h>
+#include <gui/Window.h>
+#include <gui/gl/CurrentContext.h>
+#include <td/Types.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <ctime>
+#include <memory>
+#include <thread>
+
+namespace
+{
+
+using gui::gl::CurrentContext;
+using test::TestView;
+using Clock = std::chrono::steady_clock;
+
+class Windows : public testing::Test
+{
+protected:
+    Windows() { log.take(); } // the window system in use
+
+    // Turns until nothing is due.
+    void settle()
+    {
+        for (int i = 0; i < 5; ++i)
+            app.step(0);
+    }
+
+    test::CapturedLog log;
+    gui::Application app{0, nullptr};
+};
+
+// A window of another size than the view's own: the view must hear of it once, not once per step of being shown.
+TEST_F(Windows, ShowingTellsTheSizeOnceAndDrawsOnce)
+{
+    TestView view(td::ColorID::Red);
+    gui::Window window("Window", {320, 200});
+    ASSERT_TRUE(window.show(view));
+    view.reRender();
+    view.reDraw();
+    settle();
+    EXPECT_EQ(view.sizes, (std::vector<td::Size<double>>{{320, 200}}));
+    EXPECT_EQ(view.nDraws, 1);
+    window.setSize({320, 200});
+    settle();
+    EXPECT_EQ(view.nDraws, 1);
+    window.setSize({100, 50});
+    settle();
+    EXPECT_EQ(view.sizes.back(), (td::Size<double>{100, 50}));
+    EXPECT_EQ(view.sizes.size(), 2U);
+    EXPECT_EQ(view.nDraws, 2);
+}
+
+TEST_F(Windows, ARequestFromInsideADrawMakesOneMoreDraw)
+{
+    TestView view(td::ColorID::Red);
+    gui::Window window("Window", {32, 32});
+    window.show(view);
+    view.inDraw = [&view]
+    {
+        if (view.nDraws == 1)
+            view.reRender();
+    };
+    app.step(0);
+    EXPECT_EQ(view.nDraws, 1);
+    settle();
+    EXPECT_EQ(view.nDraws, 2);
+}
+
+// A loop that polls, or a clock that goes on, would burn the battery of whoever leaves the window open.
+TEST_F(Windows, NothingToDoCostsNothing)
+{
+    TestView view(td::ColorID::Red);
+    gui::Window window("Window", {32, 32});
+    window.show(view);
+    settle();
+    const std::clock_t before = std::clock();
+    const auto begin = Clock::now();
+    EXPECT_TRUE(app.step(0.5));
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(490));
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 20);
+    EXPECT_EQ(view.nDraws, 1);
+}
+
+TEST_F(Windows, AFunctionFromAnotherThreadWakesTheLoop)
+{
+    const auto begin = Clock::now();
+    bool hasRun = false;
+    std::thread thread(
+        [&hasRun]
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            gui::ZavObject::asyncCall(new std::function<void()>([&hasRun] { hasRun = true; }), true);
+        });
+    while (!hasRun && Clock::now() - begin < std::chrono::seconds(20))
+        app.step(20);
+    thread.join();
+    EXPECT_TRUE(hasRun);
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
+}
+
+// The clock runs only in a window, never faster than the range allows, and ends with the answer of prepareNextFrame.
+TEST_F(Windows, AnAnimationEndsWhenTheViewSaysSo)
+{
+    TestView view(td::ColorID::Red, true);
+    EXPECT_TRUE(view.isAnimated());
+    app.step(0.05);
+    EXPECT_EQ(view.nDraws, 0);
+
+    gui::Window window("Window", {32, 32});
+    window.show(view);
+    view.nFramesLeft = 6;
+    const auto begin = Clock::now();
+    while (view.isAnimated())
+        ASSERT_TRUE(app.step(5));
+    // The first draw is the window's; five frames follow at 60 a second.
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(4 * 16));
+    const int nDraws = view.nDraws;
+    app.step(0.1);
+    EXPECT_EQ(view.nDraws, nDraws);
+
+    view.nFramesLeft = 3;
+    view.startAnimation();
+    view.startAnimation();
+    while (view.isAnimated())
+        ASSERT_TRUE(app.step(5));
+    EXPECT_EQ(view.nDraws, nDraws + 3);
+}
+
+// Each view's callbacks find its own context current, and each window shows its own view.
+TEST_F(Windows, TwoWindowsHaveTwoContexts)
+{
+    TestView red(td::ColorID::Red);
+    const CurrentContext::ID redContext = CurrentContext::getID();
+    TestView blue(td::ColorID::Blue);
+    const CurrentContext::ID blueContext = CurrentContext::getID();
+    ASSERT_NE(redContext, blueContext);
+    red.inDraw = [redContext] { EXPECT_EQ(CurrentContext::getID(), redContext); };
+    blue.inDraw = [blueContext] { EXPECT_EQ(CurrentContext::getID(), blueContext); };
+    gui::Window redWindow("Red", {16, 8});
+    gui::Window blueWindow("Blue", {8, 16});
+    redWindow.show(red);
+    blueWindow.show(blue);
+
+    gui::Texture redPicture;
+    gui::Texture bluePicture;
+    int nPictures = 0;
+    red.readFrameFrameBuffer(redPicture, [&nPictures] { ++nPictures; });
+    blue.readFrameFrameBuffer(bluePicture, [&nPictures] { ++nPictures; });
+    settle();
+    EXPECT_EQ(nPictures, 2);
+    ASSERT_EQ(redPicture.getWidth(), 16);
+    ASSERT_EQ(bluePicture.getHeight(), 16);
+    const auto pixel = [](const gui::Texture& picture)
+    {
+        const td::BYTE* p = picture.getBytes();
+        return std::array<int, 3>{p[0], p[1], p[2]};
+    };
+    EXPECT_EQ(pixel(redPicture), (std::array<int, 3>{255, 0, 0}));
+    EXPECT_EQ(pixel(bluePicture), (std::array<int, 3>{0, 0, 255}));
+}
+
+TEST_F(Windows, AFrameOfAViewThatIsGoneIsDropped)
+{
+    auto view = std::make_unique<TestView>(td::ColorID::Red);
+    gui::Texture picture;
+    view->readFrameFrameBuffer(picture, [] { ADD_FAILURE() << "the view is gone"; });
+    // The draw posts the delivery, which then finds no view.
+    view->inDraw = [&view] { gui::ZavObject::asyncCall(new std::function<void()>([&view] { view.reset(); }), true); };
+    settle();
+    EXPECT_EQ(view, nullptr);
+}
+
+TEST_F(Windows, MisuseIsToldAndHarmless)
+{
+    gui::gl::View view;
+    gui::Window window("Window", {32, 32});
+    EXPECT_FALSE(window.show(view));
+    EXPECT_TRUE(log.said("Error! Window::show view without a native view! Create its context first!"));
+    window.close();
+    TestView good(td::ColorID::Red);
+    EXPECT_FALSE(window.show(good));
+    EXPECT_TRUE(log.said("Error! Window::show on a closed window!"));
+    window.setSize({10, 10});
+    window.setTitle("closed");
+    window.setFullScreen(true);
+}
+
+} // namespace
