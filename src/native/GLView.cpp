@@ -110,10 +110,10 @@ void GLView::updateScreenFramebuffer()
 
 void GLView::release()
 {
-    closeWindow();
-    _pCppView = nullptr;
-    _isReleased = true;
     const Busy busy(*this); // deletes it, now or later
+    closeWindow();
+    _isReleased = true;
+    cleanResources();
 }
 
 void GLView::getSize(td::Size<double>& size) const
@@ -253,10 +253,11 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     updateScreenFramebuffer();
     if (_continuousRender && !ViewHelper(_pCppView).prepareNextFrame())
         setContinuousMode(false);
-    if (_pCppView == nullptr)
+    if (_pCppView == nullptr || !makeCurrentContext())
         return;
     ViewHelper(_pCppView).onDraw(rect);
-    if (_pCppView == nullptr)
+    // A view that came or went in there took the current context with it.
+    if (_pCppView == nullptr || !makeCurrentContext())
         return;
     readGrabbedFrame();
     if (FrameRecorder::instance().isOn())
@@ -288,7 +289,7 @@ void GLView::setContinuousMode(bool isContinuous)
 
 void GLView::startAnimation()
 {
-    if (!_continuousRender || _hasFrameClock || _pSurface == nullptr)
+    if (!_continuousRender || _hasFrameClock || _pSurface == nullptr || _pCppView == nullptr)
         return;
     _hasFrameClock = true;
     _pSurface->startFrameClock(_minFPS, _maxFPS);

@@ -1,4 +1,4 @@
-#include "native/EventTranslation.h"
+#include "src/native/EventTranslation.h"
 
 #include <gtest/gtest.h>
 

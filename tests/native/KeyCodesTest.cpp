@@ -1,4 +1,4 @@
-#include "native/KeyCodes.h"
+#include "src/native/KeyCodes.h"
 
 #include <gtest/gtest.h>
 

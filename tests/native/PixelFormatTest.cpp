@@ -1,4 +1,4 @@
-#include "native/PixelFormat.h"
+#include "src/native/PixelFormat.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,371 @@
+#include "GLViewFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+using gui::gl::ButtonEvent;
+using gui::gl::GLView;
+using gui::gl::KeyEvent;
+using gui::gl::MotionEvent;
+using gui::gl::WheelEvent;
+using test::RecordingView;
+using Lines = std::vector<std::string>;
+
+class GLViewInputTest : public test::GLViewFixture
+{
+protected:
+    GLViewInputTest() { GLView::createView(neighbour.get(), nullptr, 0, context(), other.factory()); }
+
+    /// What ends a view from inside its own callback.
+    static std::function<void()> ending(std::unique_ptr<RecordingView>& pView, GLView* pNative, bool byWindow)
+    {
+        return [&pView, pNative, byWindow]
+        {
+            if (byWindow)
+                pNative->windowClosed();
+            else
+                pView.reset();
+        };
+    }
+
+    /// Whether nothing happened in the neighbour's context.
+    static bool inContext(const Lines& lines)
+    {
+        return std::none_of(lines.begin(), lines.end(),
+                            [](const std::string& line) { return line.ends_with("in another context"); });
+    }
+
+    test::FakeWindow other{journal};
+    std::unique_ptr<RecordingView> neighbour = std::make_unique<RecordingView>(other);
+
+    /// What the view was told, "" for nothing, and whether that used the event up.
+    std::pair<std::string, bool> result(bool isUsedUp)
+    {
+        const Lines lines = journal.take();
+        EXPECT_LE(lines.size(), 1u);
+        return {lines.empty() ? "" : lines.front(), isUsedUp};
+    }
+};
+
+using Result = std::pair<std::string, bool>;
+
+constexpr auto cLeft = ButtonEvent::Button::Left;
+constexpr auto cRight = ButtonEvent::Button::Right;
+constexpr unsigned short cPrimary = 0x04;
+constexpr unsigned short cSecondary = 0x10;
+
+// One event of each kind that a mask's bit lets through.
+struct Kind
+{
+    unsigned short bit;
+    const char* callback;
+    std::function<bool(GLView&)> send;
+};
+
+const std::vector<Kind>& kinds()
+{
+    static const std::vector<Kind> list = {
+        {0x01, "onCursorEntered",
+         [](GLView& v) {
+             return v.onMotion({MotionEvent::Kind::Entered, 0, {1, 2}});
+         }},
+        {0x01, "onCursorExited",
+         [](GLView& v) {
+             return v.onMotion({MotionEvent::Kind::Exited, 0, {1, 2}});
+         }},
+        {0x04, "onPrimaryButtonPressed",
+         [](GLView& v) {
+             return v.onButton({cLeft, true, true, 1, 0, {1, 2}});
+         }},
+        {0x04, "onPrimaryButtonDblClick",
+         [](GLView& v) {
+             return v.onButton({cLeft, true, true, 2, 0, {1, 2}});
+         }},
+        {0x04, "onPrimaryButtonReleased",
+         [](GLView& v) {
+             return v.onButton({cLeft, false, false, 1, 0, {1, 2}});
+         }},
+        {0x10, "onSecondaryButtonPressed",
+         [](GLView& v) {
+             return v.onButton({cRight, true, false, 1, 0, {1, 2}});
+         }},
+        {0x10, "onSecondaryButtonReleased",
+         [](GLView& v) {
+             return v.onButton({cRight, false, false, 1, 0, {1, 2}});
+         }},
+        {0x10, "onSecondaryButtonPressed",
+         [](GLView& v) {
+             return v.onButton({cLeft, true, false, 1, 4, {1, 2}});
+         }},
+        {0x10, "onSecondaryButtonReleased",
+         [](GLView& v) {
+             return v.onButton({cLeft, false, false, 1, 4, {1, 2}});
+         }},
+        {0x20, "onCursorMoved",
+         [](GLView& v) {
+             return v.onMotion({MotionEvent::Kind::Moved, 0, {1, 2}});
+         }},
+        {0x40, "onCursorDragged",
+         [](GLView& v) {
+             return v.onMotion({MotionEvent::Kind::Dragged, 0, {1, 2}});
+         }},
+        {0x80, "onZoom",
+         [](GLView& v) {
+             return v.onWheel({0, 1, 16, {1, 2}});
+         }},
+        {0x80, "onScroll",
+         [](GLView& v) {
+             return v.onWheel({0, 1, 0, {1, 2}});
+         }},
+        {0x80, "onZoom",
+         [](GLView& v) {
+             return v.onMagnification({1, 0});
+         }},
+        {0x100, "onKeyPressed",
+         [](GLView& v) {
+             return v.onKey({true, 0, 'a', 0});
+         }},
+        {0x100, "onKeyReleased",
+         [](GLView& v) {
+             return v.onKey({false, 0, 'a', 0});
+         }},
+    };
+    return list;
+}
+
+TEST_F(GLViewInputTest, OnlyWhatTheMaskNamesArrives)
+{
+    for (const Kind& kind : kinds())
+    {
+        RecordingView with(window);
+        GLView* pNative = show(with, kind.bit);
+        kind.send(*pNative);
+        ASSERT_FALSE(journal.take().empty()) << kind.callback;
+        with.release();
+
+        RecordingView without(window);
+        pNative = show(without, static_cast<unsigned short>(cAllEvents & ~kind.bit));
+        without.handles = true;
+        EXPECT_FALSE(kind.send(*pNative)) << kind.callback;
+        for (const std::string& line : journal.take())
+            EXPECT_TRUE(line.starts_with("cursor ")) << kind.callback << ": " << line;
+        EXPECT_EQ(pNative->acceptsFirstResponder(), kind.bit != 0x100);
+    }
+}
+
+// The usual way of an event: through the native view to its surface, and from there to a handler. The surface must last
+// until it is done with the event.
+TEST_F(GLViewInputTest, HandlersHaveTheirContextAndMayEndTheView)
+{
+    for (const bool byWindow : {false, true})
+    {
+        for (const Kind& kind : kinds())
+        {
+            auto pView = std::make_unique<RecordingView>(window);
+            GLView* const pNative = show(*pView);
+            pView->in[kind.callback] = ending(pView, pNative, byWindow);
+            neighbour->makeCurrentContext();
+            const std::function<void()> event = [&] { kind.send(*pNative); };
+            pNative->handleEvent(&event);
+            const Lines lines = journal.take();
+            ASSERT_GE(lines.size(), 3u);
+            EXPECT_EQ(Lines(lines.end() - 2, lines.end()), (Lines{"handled", "surface gone"})) << kind.callback;
+            EXPECT_TRUE(inContext(lines)) << kind.callback;
+            if (!byWindow)
+                continue;
+            EXPECT_FALSE(kind.send(*pNative));
+            pNative->handleEvent(&event);
+            EXPECT_TRUE(journal.said({})) << kind.callback;
+        }
+    }
+}
+
+TEST_F(GLViewInputTest, OtherCallbacksToo)
+{
+    const std::pair<const char*, std::function<void(GLView&)>> cases[] = {
+        {"prepareNextFrame", [](GLView& v) { v.onFrameTick(); }},   {"onDraw", [](GLView& v) { v.drawNow(); }},
+        {"onGeometryChange", [](GLView& v) { v.sizeChanged(); }},   {"onResize", [](GLView& v) { v.sizeChanged(); }},
+        {"onGeometryChange", [](GLView& v) { v.enteredWindow(); }}, {"onResize", [](GLView& v) { v.enteredWindow(); }},
+        {"onResize", [](GLView& v) { v.scaleChanged(); }},          {"onFocusIn", [](GLView& v) { v.onFocus(true); }},
+        {"onFocusOut", [](GLView& v) { v.onFocus(false); }},
+    };
+    for (const bool byWindow : {false, true})
+    {
+        for (const auto& [callback, act] : cases)
+        {
+            auto pView = std::make_unique<RecordingView>(window);
+            GLView* const pNative = show(*pView, cAllEvents, true);
+            pView->registerForFocusEvents();
+            pView->in[callback] = ending(pView, pNative, byWindow);
+            window.size = {30, 40};
+            window.scale = window.scale > 1 ? 1.0f : 2.0f;
+            neighbour->makeCurrentContext();
+            act(*pNative);
+            const Lines lines = journal.take();
+            EXPECT_EQ(lines.back(), "surface gone") << callback;
+            EXPECT_TRUE(inContext(lines)) << callback;
+        }
+    }
+}
+
+TEST_F(GLViewInputTest, Clicks)
+{
+    const struct
+    {
+        const char* name;
+        unsigned int events;
+        ButtonEvent event;
+        Result expected;
+    } cases[] = {
+        {"click",
+         cPrimary,
+         {cLeft, true, true, 1, 0, {10, 20}},
+         {"onPrimaryButtonPressed (10, 20) modifiers 0 type 1 button 1 events 1 scale 1", false}},
+        {"its release",
+         cPrimary,
+         {cLeft, false, false, 1, 8, {-5, 320}},
+         {"onPrimaryButtonReleased (-5, 320) modifiers 8 type 1 button 1 events 1 scale 1", false}},
+        {"second press of a double click",
+         cPrimary,
+         {cLeft, true, true, 2, 1, {10, 20}},
+         {"onPrimaryButtonDblClick (10, 20) modifiers 1 type 1 button 1 events 1 scale 1", false}},
+        {"second release",
+         cPrimary,
+         {cLeft, false, false, 2, 0, {10, 20}},
+         {"onPrimaryButtonReleased (10, 20) modifiers 0 type 1 button 1 events 2 scale 1", false}},
+        {"third press",
+         cPrimary,
+         {cLeft, true, true, 3, 0, {10, 20}},
+         {"onPrimaryButtonPressed (10, 20) modifiers 0 type 1 button 1 events 3 scale 1", false}},
+        {"press with Control",
+         cPrimary | cSecondary,
+         {cLeft, true, true, 1, 4, {10, 20}},
+         {"onPrimaryButtonPressed (10, 20) modifiers 4 type 1 button 1 events 1 scale 1", false}},
+        {"press with Control, left not seen down",
+         cPrimary | cSecondary,
+         {cLeft, true, false, 2, 4, {10, 20}},
+         {"onSecondaryButtonPressed (10, 20) modifiers 4 type 1 button 2 events 2 scale 1", false}},
+        {"release with Control",
+         cPrimary | cSecondary,
+         {cLeft, false, false, 2, 4, {10, 20}},
+         {"onSecondaryButtonReleased (10, 20) modifiers 4 type 1 button 2 events 2 scale 1", false}},
+        {"press with Control, secondary not wanted", cPrimary, {cLeft, true, false, 1, 4, {10, 20}}, {"", false}},
+        {"release with Control, secondary not wanted", cPrimary, {cLeft, false, false, 1, 4, {10, 20}}, {"", false}},
+        {"press that is over already", cPrimary | cSecondary, {cLeft, true, false, 1, 0, {10, 20}}, {"", true}},
+        {"double click of the right button",
+         cSecondary,
+         {cRight, true, true, 2, 0, {10, 20}},
+         {"onSecondaryButtonPressed (10, 20) modifiers 0 type 1 button 2 events 2 scale 1", false}},
+        {"right release",
+         cSecondary,
+         {cRight, false, false, 1, 20, {10, 20}},
+         {"onSecondaryButtonReleased (10, 20) modifiers 20 type 1 button 2 events 1 scale 1", false}},
+    };
+    for (const auto& c : cases)
+    {
+        RecordingView view(window);
+        GLView* const pNative = show(view, static_cast<unsigned short>(c.events));
+        EXPECT_EQ(result(pNative->onButton(c.event)), c.expected) << c.name;
+    }
+}
+
+TEST_F(GLViewInputTest, Motion)
+{
+    RecordingView view(window);
+    GLView* const pNative = show(view, 0x61);
+    const auto move = [&](MotionEvent::Kind kind)
+    {
+        const bool isUsedUp = pNative->onMotion({kind, 2, {-3.5, 20}});
+        return result(isUsedUp);
+    };
+    EXPECT_EQ(move(MotionEvent::Kind::Moved),
+              Result("onCursorMoved (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1", false));
+    EXPECT_EQ(move(MotionEvent::Kind::Dragged),
+              Result("onCursorDragged (-3.5, 20) modifiers 2 type 1 button 1 events 1 scale 1", false));
+    EXPECT_EQ(move(MotionEvent::Kind::Exited),
+              Result("onCursorExited (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1", false));
+    pNative->onMotion({MotionEvent::Kind::Entered, 2, {-3.5, 20}});
+    EXPECT_TRUE(journal.said({"cursor 1", "onCursorEntered (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1"}));
+}
+
+TEST_F(GLViewInputTest, WheelAndGesture)
+{
+    RecordingView view(window);
+    GLView* const pNative = show(view, 0x80);
+    const auto wheel = [&](double dx, double dy, unsigned int modifiers) {
+        return result(pNative->onWheel({dx, dy, modifiers, {10, 20}}));
+    };
+    EXPECT_EQ(wheel(0, 2, 16), Result("onZoom (10, 20) modifiers 16 type 1 button 128 events 1 scale 1.024", false));
+    view.handles = true;
+    EXPECT_EQ(wheel(5, -1, 24), Result("onZoom (10, 20) modifiers 24 type 1 button 128 events 1 scale 0.988", true));
+    view.handles = false; // a scroll is used up whatever the view says
+    EXPECT_EQ(wheel(3, 0, 16), Result("onScroll (4.5, 0) modifiers 16 type 1 button 128 events 1 scale 1", true));
+    EXPECT_EQ(wheel(0, -2, 8), Result("onScroll (0, -15) modifiers 8 type 1 button 128 events 1 scale 1", true));
+    EXPECT_EQ(wheel(0, 0, 16), Result("", false));
+
+    EXPECT_TRUE(pNative->onMagnification({20, 9}));
+    EXPECT_TRUE(journal.said({"onZoom (100, 50) modifiers 9 type 2 button 0 events 1 scale 1.2"}));
+}
+
+TEST_F(GLViewInputTest, KeysAreUsedUpByTheViewAlone)
+{
+    RecordingView view(window);
+    GLView* const pNative = show(view, 0x100);
+    const auto key = [&](bool isDown, unsigned short keyCode, unsigned short character) {
+        return result(pNative->onKey({isDown, keyCode, character, 16}));
+    };
+    EXPECT_EQ(key(true, 0, 'a'), Result("onKeyPressed 97 virtual 0 modifiers 16", false));
+    EXPECT_EQ(key(false, 0, 'a'), Result("onKeyReleased 97 virtual 0 modifiers 16", false));
+    view.handles = true;
+    EXPECT_EQ(key(true, 123, 0), Result("onKeyPressed 123 virtual 3 modifiers 16", true));
+    EXPECT_EQ(key(false, 123, 0), Result("onKeyReleased 31488 virtual 0 modifiers 16", true));
+}
+
+TEST_F(GLViewInputTest, FocusArrivesOnceItIsAskedFor)
+{
+    RecordingView view(window);
+    GLView* pNative = show(view, 0x100);
+    pNative->onFocus(true);
+    EXPECT_TRUE(journal.said({}));
+    view.registerForFocusEvents();
+    pNative->onFocus(false);
+    pNative->onFocus(true);
+    EXPECT_TRUE(journal.said({"onFocusOut", "onFocusIn"}));
+    view.release();
+    journal.take();
+
+    // A view that takes no keys is no first responder.
+    RecordingView deaf(window);
+    pNative = show(deaf, cAllEvents & ~0x100);
+    deaf.registerForFocusEvents();
+    pNative->onFocus(true);
+    EXPECT_TRUE(journal.said({}));
+}
+
+TEST_F(GLViewInputTest, ACursorShowsWhenItChangesOrOnEntry)
+{
+    using gui::Cursor;
+    RecordingView view(window);
+    GLView* const pNative = show(view, 0);
+    const auto enter = [&] { pNative->onMotion({MotionEvent::Kind::Entered, 0, {}}); };
+    enter();
+    EXPECT_TRUE(journal.said({"cursor 1"}));
+    view.setCursor(Cursor::Type::Default, true); // the one it has from the start
+    view.setCursor(Cursor::Type::Pan, false);
+    view.setCursor(Cursor::Type::Pan, true);
+    EXPECT_TRUE(journal.said({}));
+    enter();
+    EXPECT_TRUE(journal.said({"cursor 3"}));
+    view.setCursor(Cursor::Type::Default, true);
+    view.setCursor(Cursor::Type::Default, true);
+    EXPECT_TRUE(journal.said({"cursor 1"}));
+}
+
+} // namespace

@@ -1,0 +1,127 @@
+#include "FakeSurface.h"
+
+#include <cstdio>
+#include <functional>
+#include <utility>
+
+namespace test
+{
+
+namespace
+{
+
+std::string listed(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines)
+        text += "\n  " + line;
+    return lines.empty() ? " nothing" : text;
+}
+
+} // namespace
+
+void Journal::noteCalls()
+{
+    const std::vector<std::string>& calls = _trace.calls();
+    _lines.insert(_lines.end(), calls.begin(), calls.end());
+    _trace.clear();
+}
+
+void Journal::note(const std::string& line)
+{
+    noteCalls();
+    _lines.push_back(line);
+}
+
+std::vector<std::string> Journal::take()
+{
+    noteCalls();
+    return std::exchange(_lines, {});
+}
+
+testing::AssertionResult Journal::said(const std::vector<std::string>& lines)
+{
+    const std::vector<std::string> actual = take();
+    if (actual == lines)
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "happened:" << listed(actual) << "\nexpected:" << listed(lines);
+}
+
+gui::gl::GLView::SurfaceFactory FakeWindow::factory()
+{
+    return [this](gui::gl::NativeSurfaceClient&, gui::NativeView&, const gui::gl::Context&,
+                  const td::Size<double>& initialSize) -> std::unique_ptr<gui::gl::NativeSurface>
+    {
+        if (!hasContext)
+            return nullptr;
+        return std::make_unique<FakeSurface>(*this, initialSize);
+    };
+}
+
+FakeSurface::FakeSurface(FakeWindow& window, const td::Size<double>& size)
+    : _window(window)
+{
+    _window.size = size;
+    _window.hasSurface = true;
+}
+
+FakeSurface::~FakeSurface()
+{
+    gui::gl::CurrentContext::died(this);
+    _window.contextID = 0;
+    _window.hasSurface = false;
+    _window.journal.note("surface gone");
+}
+
+void FakeSurface::noteInContext(const std::string& line) const
+{
+    _window.journal.note(_window.isCurrent() ? line : line + " in another context");
+}
+
+bool FakeSurface::makeCurrent()
+{
+    if (!_window.hasContext)
+        return false;
+    gui::gl::CurrentContext::set(this);
+    _window.contextID = gui::gl::CurrentContext::getID();
+    return true;
+}
+
+void FakeSurface::flush() { noteInContext("flush"); }
+
+td::Size<int> FakeSurface::getDrawableSize() const
+{
+    const auto scale = static_cast<double>(_window.scale);
+    return {static_cast<int>(_window.size.width * scale), static_cast<int>(_window.size.height * scale)};
+}
+
+unsigned int FakeSurface::getDefaultFramebuffer() const
+{
+    if (!_window.isCurrent())
+        noteInContext("framebuffer");
+    return _window.framebuffer;
+}
+
+void FakeSurface::setNeedsDisplay() { _window.journal.note("needs display"); }
+
+void FakeSurface::handleEvent(const void* pEvent)
+{
+    (*static_cast<const std::function<void()>*>(pEvent))();
+    _window.journal.note("handled");
+}
+
+void FakeSurface::setCursor(gui::Cursor::Type type)
+{
+    _window.journal.note("cursor " + std::to_string(static_cast<int>(type)));
+}
+
+void FakeSurface::startFrameClock(float minFPS, float maxFPS)
+{
+    char line[64];
+    std::snprintf(line, sizeof line, "clock %g %g", static_cast<double>(minFPS), static_cast<double>(maxFPS));
+    _window.journal.note(line);
+}
+
+void FakeSurface::stopFrameClock() { _window.journal.note("clock stops"); }
+
+} // namespace test
