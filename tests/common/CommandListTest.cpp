@@ -1,0 +1,185 @@
+#include "support/NullGL.h"
+
+#include <gui/gl/CommandList.h>
+#include <gui/gl/Program.h>
+#include <gui/gl/Scene.h>
+
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace
+{
+std::atomic<unsigned long> s_nAllocations = 0;
+}
+
+void* operator new(std::size_t n)
+{
+    ++s_nAllocations;
+    if (void* p = std::malloc(n == 0 ? 1 : n))
+        return p;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t n) { return operator new(n); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+
+namespace
+{
+
+using gui::gl::Command;
+using gui::gl::CommandList;
+using gui::gl::Primitive;
+
+static_assert(!std::is_copy_constructible_v<CommandList> && !std::is_copy_assignable_v<CommandList>);
+
+class CommandListTest : public test::NullGL
+{
+protected:
+    /// Command i draws from vertex i.
+    static void record(CommandList& list, unsigned int n)
+    {
+        for (unsigned int i = 0; i < n; ++i)
+        {
+            Command* pCommand = list.get();
+            pCommand->createDrawArrays(Primitive::Points, i, 1);
+            ASSERT_TRUE(list.encode(pCommand));
+        }
+    }
+
+    static std::vector<std::string> draws(const std::vector<unsigned int>& firsts)
+    {
+        std::vector<std::string> calls;
+        for (const unsigned int first : firsts)
+            calls.push_back("glDrawArrays(0, " + std::to_string(first) + ", 1)");
+        return calls;
+    }
+};
+
+TEST_F(CommandListTest, ExecutesAllOrARange)
+{
+    CommandList list;
+    list.execute();
+    list.execute(0, 10);
+    EXPECT_TRUE(trace.only({}));
+    record(list, 5); // it grows on the way: 1, 2, 4, 8
+    struct Case
+    {
+        std::size_t first;
+        std::size_t count;
+        std::vector<unsigned int> executed;
+    };
+    const std::size_t huge = static_cast<std::size_t>(-1);
+    const Case cases[] = {{2, 10, {2, 3, 4}}, {7, 1, {}},    {1, 2, {1, 2}},  {0, 0, {}},
+                          {3, huge, {3, 4}},  {huge, 2, {}}, {huge, huge, {}}}; // first + count would wrap
+    for (const Case& range : cases)
+    {
+        list.execute(range.first, range.count);
+        EXPECT_TRUE(trace.only(draws(range.executed))) << range.first << ' ' << range.count;
+    }
+    list.execute();
+    EXPECT_TRUE(trace.only(draws({0, 1, 2, 3, 4})));
+}
+
+TEST_F(CommandListTest, RemovesTheLastWhicheverIsPassed)
+{
+    CommandList list(3);
+    EXPECT_TRUE(list.remove(nullptr)); // an empty list stays empty
+    Command* pFirst = list.get();
+    list.get();
+    list.get();
+    EXPECT_TRUE(list.remove(pFirst));
+    EXPECT_EQ(list.size(), 2u);
+    EXPECT_FALSE(list.encode(pFirst)); // never created: what cannot be encoded costs the last one
+    EXPECT_TRUE(asserts.caught("false"));
+    EXPECT_EQ(list.size(), 1u);
+    list.reserve(3);
+    EXPECT_EQ(list.size(), 0u);
+}
+
+TEST_F(CommandListTest, RecordsAreHandedOutEmptyAgain)
+{
+    CommandList list;
+    record(list, 3);
+    list.reset();
+    EXPECT_EQ(list.size(), 0u);
+    EXPECT_EQ(list.get()->getType(), Command::Type::None);
+    list.execute(); // the record was encoded before the reset
+    EXPECT_TRUE(log.said("Error! Command not encoded!"));
+    EXPECT_TRUE(asserts.caught("false"));
+}
+
+TEST_F(CommandListTest, MatricesKeepTheirAddressUntilReset)
+{
+    CommandList list;
+    glm::mat4* const pFirst = list.allocMatrix();
+    EXPECT_EQ(list.allocMatrix(), pFirst + 1);
+    std::vector<glm::mat4*> all{pFirst, pFirst + 1};
+    while (all.size() < 1024)
+        all.push_back(list.allocMatrix());
+    EXPECT_EQ(all[1022], pFirst + 1022);
+    EXPECT_NE(all[1023], pFirst + 1023); // in a second block
+    for (glm::mat4* pMatrix : all)
+        *pMatrix = glm::mat4(1);
+    list.reset();
+    EXPECT_EQ(list.allocMatrix(), pFirst);
+    for (int i = 1; i < 1023; ++i)
+        list.allocMatrix();
+    EXPECT_EQ(list.allocMatrix(), all[1023]); // the second block again, not a third one
+    list.release();
+    *list.allocMatrix() = glm::mat4(1);
+}
+
+struct ColorProgram : gui::gl::Program
+{
+    void onLinked() override { _color3Location = 3; }
+};
+
+TEST_F(CommandListTest, ReplayAllocatesNothing)
+{
+    ColorProgram program;
+    ASSERT_TRUE(program.link("vs", "fs"));
+    CommandList list;
+    for (int i = 0; i < 100; ++i)
+    {
+        Command* pCommand = list.get();
+        pCommand->createDrawElements(Primitive::Triangles, 0, 3);
+        pCommand->setColor(i % 2 == 0 ? td::ColorID::Red : td::ColorID::Blue);
+        ASSERT_TRUE(list.encode(pCommand));
+    }
+    program.activate();
+    static int s_nDraws = 0;
+    static int s_nColors = 0;
+    // The trace's own functions allocate.
+    const auto draw = std::exchange(epoxy_glDrawElements, [](GLenum, GLsizei, GLenum, const void*) { ++s_nDraws; });
+    const auto color = std::exchange(epoxy_glUniform3fv, [](GLint, GLsizei, const GLfloat*) { ++s_nColors; });
+    const unsigned long nBefore = s_nAllocations;
+    list.execute();
+    const unsigned long nAllocations = s_nAllocations - nBefore;
+    epoxy_glDrawElements = draw;
+    epoxy_glUniform3fv = color;
+    EXPECT_EQ(nAllocations, 0u);
+    EXPECT_GT(nBefore, 0u);
+    EXPECT_EQ(s_nDraws, 100);
+    EXPECT_EQ(s_nColors, 100);
+}
+
+TEST_F(CommandListTest, ScenesDrawNothing)
+{
+    gui::gl::Scene scene;
+    scene.execute();
+    scene.reset();
+    scene.release();
+    EXPECT_TRUE(trace.only({}));
+}
+
+} // namespace
