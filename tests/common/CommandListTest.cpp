@@ -1,3 +1,4 @@
+#include "support/CountedAllocations.h"
 #include "support/NullGL.h"
 
 #include <gui/gl/CommandList.h>
@@ -7,31 +8,10 @@
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
-
-namespace
-{
-std::atomic<unsigned long> s_nAllocations = 0;
-}
-
-void* operator new(std::size_t n)
-{
-    ++s_nAllocations;
-    if (void* p = std::malloc(n == 0 ? 1 : n))
-        return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t n) { return operator new(n); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 namespace
 {
@@ -162,9 +142,9 @@ TEST_F(CommandListTest, ReplayAllocatesNothing)
     // The trace's own functions allocate.
     const auto draw = std::exchange(epoxy_glDrawElements, [](GLenum, GLsizei, GLenum, const void*) { ++s_nDraws; });
     const auto color = std::exchange(epoxy_glUniform3fv, [](GLint, GLsizei, const GLfloat*) { ++s_nColors; });
-    const unsigned long nBefore = s_nAllocations;
+    const unsigned long nBefore = test::countedAllocations();
     list.execute();
-    const unsigned long nAllocations = s_nAllocations - nBefore;
+    const unsigned long nAllocations = test::countedAllocations() - nBefore;
     epoxy_glDrawElements = draw;
     epoxy_glUniform3fv = color;
     EXPECT_EQ(nAllocations, 0u);
