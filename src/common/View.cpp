@@ -12,6 +12,7 @@
 #include <epoxy/gl.h>
 
 #include <climits>
+#include <utility>
 
 namespace gui::gl
 {
@@ -32,7 +33,11 @@ void View::createContext(const Context& context)
 {
     TD_ASSERT(_handle == nullptr);
     const td::PointAndSize<double> geometry({0, 0}, {400, 400});
-    _handle = zav::createGLView(this, &geometry, context);
+    const std::weak_ptr<View*> self = _self;
+    gui::NativeObject* const pNative = zav::createGLView(this, &geometry, context);
+    if (self.expired()) // onInit ended the view's life
+        return;
+    _handle = pNative;
     TD_ASSERT(_handle != nullptr);
 }
 
@@ -40,7 +45,11 @@ void View::createContext(const Context& context, const std::initializer_list<gui
                          const td::PointAndSize<double>* geometry)
 {
     TD_ASSERT(_handle == nullptr);
-    _handle = zav::createGLView(this, geometry, events, context);
+    const std::weak_ptr<View*> self = _self;
+    gui::NativeObject* const pNative = zav::createGLView(this, geometry, events, context);
+    if (self.expired())
+        return;
+    _handle = pNative;
     TD_ASSERT(_handle != nullptr);
 }
 
@@ -133,12 +142,14 @@ void View::setPixelHiDPISizeScale(float scale)
 
 void ViewHelper::sendAsyncOnFrameRead(gui::Texture* pTexture)
 {
-    const std::weak_ptr<View*> view = _pView->_self;
+    // The callback goes with its frame: the next request may come before this one is delivered.
+    _pView->_frameReadCallbacks.push_back(std::exchange(_pView->_frameReadCallback, {}));
+    const std::weak_ptr<View*> self = _pView->_self;
     gui::ZavObject::asyncCall(new std::function<void()>(
-                                  [view, pTexture]
+                                  [self, pTexture]
                                   {
                                       // A view that is gone takes no frames any more.
-                                      if (const auto pView = view.lock())
+                                      if (const auto pView = self.lock())
                                           prepareFrame(*pView, pTexture);
                                   }),
                               true);
@@ -146,8 +157,8 @@ void ViewHelper::sendAsyncOnFrameRead(gui::Texture* pTexture)
 
 void ViewHelper::prepareFrame(View* pView, gui::Texture*)
 {
-    // A copy: the callback may ask for the next frame, which replaces it.
-    const auto callback = pView->_frameReadCallback;
+    const auto callback = std::move(pView->_frameReadCallbacks.front());
+    pView->_frameReadCallbacks.pop_front();
     callback();
 }
 

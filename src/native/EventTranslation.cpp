@@ -1,6 +1,6 @@
 #include "EventTranslation.h"
 
-#include "KeyCodes.h"
+#include <gui/gl/KeyCodes.h>
 
 #include <algorithm>
 

@@ -4,19 +4,12 @@
 
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
+#include <gui/gl/InputTuning.h>
 #include <td/Export.h>
 #include <td/Point.h>
 
 #include <cstdint>
 #include <initializer_list>
-
-/// How far the wheel and the gesture go. An application may change them before it uses them.
-namespace zav
-{
-GUIGL_API extern double s_zoomIncrement;        ///< percent of zoom per wheel unit; 1.2
-GUIGL_API extern double s_scrollAccelleration;  ///< factor on the wheel's scroll distances; 1.5
-GUIGL_API extern double s_zoomGestureReduction; ///< divisor of the gesture's magnification; 50
-} // namespace zav
 
 /// The arithmetic between a surface's events and the toolkit's records: pure functions.
 namespace gui::gl

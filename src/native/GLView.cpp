@@ -9,6 +9,7 @@
 #include <gui/Key.h>
 #include <gui/Texture.h>
 #include <gui/gl/View.h>
+#include <td/Assert.h>
 
 #include <epoxy/gl.h>
 
@@ -68,9 +69,10 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
         {
             if (pNative == nullptr)
                 return;
+            if (!pNative->_isReleased)
+                ViewHelper(pView).setHandle(nullptr);
             pNative->_pCppView = nullptr;
             pNative->_isReleased = true;
-            ViewHelper(pView).setHandle(nullptr);
         }
     } incomplete{pNative, pView};
 
@@ -145,16 +147,11 @@ void GLView::enteredWindow()
     const Busy busy(*this);
     _isInWindow = true;
     updateViewport();
+    _pSurface->setTracking(getTrackingOptions(_events));
     startAnimation();
-    ViewHelper helper(_pCppView);
     _backingScale = _pSurface->getBackingScale();
-    const td::Size<double> size = _pSurface->getSize();
-    if (std::exchange(_size, size) != size && _sendGeometryChanges)
-        gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
-    if (_pCppView != nullptr)
-        helper.setPixelHiDPIScale(_backingScale);
-    if (_pCppView != nullptr)
-        helper.setPixelHiDPISizeScale(_backingScale);
+    updateGeometry();
+    tellScale();
     reDraw();
 }
 
@@ -188,18 +185,35 @@ bool GLView::updateViewport()
     return true;
 }
 
+// @return whether the size is another than the view was told last
+bool GLView::updateGeometry()
+{
+    const td::Size<double> size = _pSurface->getSize();
+    if (std::exchange(_size, size) == size)
+        return false;
+    if (_sendGeometryChanges)
+        gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
+    return true;
+}
+
+void GLView::tellScale()
+{
+    if (_pCppView == nullptr || !makeCurrentContext())
+        return;
+    ViewHelper helper(_pCppView);
+    helper.setPixelHiDPIScale(_backingScale);
+    helper.setPixelHiDPISizeScale(_backingScale);
+}
+
 void GLView::onResize()
 {
     if (_pCppView == nullptr || !_pSurface->followWindow())
         return;
     const Busy busy(*this);
     const bool isViewportNew = updateViewport();
-    const td::Size<double> size = _pSurface->getSize();
-    const bool isSizeNew = std::exchange(_size, size) != size;
-    if (isSizeNew && _sendGeometryChanges)
-        gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
-    if (isSizeNew && _sendResizeEvent && _pCppView != nullptr)
-        ViewHelper(_pCppView).onResize(size);
+    const bool isSizeNew = updateGeometry();
+    if (isSizeNew && _sendResizeEvent && _pCppView != nullptr && makeCurrentContext())
+        ViewHelper(_pCppView).onResize(_size);
     if (isSizeNew || isViewportNew)
         reDraw();
 }
@@ -213,10 +227,8 @@ void GLView::onScaleChange()
     const float scale = _pSurface->getBackingScale();
     if (std::exchange(_backingScale, scale) == scale)
         return;
-    _size = _pSurface->getSize();
-    ViewHelper helper(_pCppView);
-    helper.setPixelHiDPIScale(scale);
-    helper.setPixelHiDPISizeScale(scale);
+    updateGeometry();
+    tellScale();
     reDraw();
 }
 
@@ -270,6 +282,9 @@ void GLView::readGrabbedFrame()
     if (_pGrabFrameTexture == nullptr)
         return;
     gui::Texture* const pTexture = std::exchange(_pGrabFrameTexture, nullptr);
+    // The image is the application's: it may have put something else into it since.
+    constexpr unsigned int cBytesPerPixel = 4;
+    TD_ASSERT(pTexture->getBytesPerPixel() == cBytesPerPixel);
     glReadPixels(0, 0, pTexture->getWidth(), pTexture->getHeight(), GL_RGBA, GL_UNSIGNED_BYTE, pTexture->getBytes());
     ViewHelper(_pCppView).sendAsyncOnFrameRead(pTexture);
 }

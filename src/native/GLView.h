@@ -91,6 +91,8 @@ private:
     void prepareOpenGL();
     void updateScreenFramebuffer();
     bool updateViewport();
+    bool updateGeometry();
+    void tellScale();
     void drawRect(const td::RectNormalized<double>& rect);
     void readGrabbedFrame();
     void stopAnimation();

@@ -1,4 +1,4 @@
-#include "KeyCodes.h"
+#include <gui/gl/KeyCodes.h>
 
 #include <array>
 

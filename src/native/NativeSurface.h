@@ -6,6 +6,8 @@
 #include <td/Export.h>
 #include <td/Size.h>
 
+#include <cstdint>
+
 namespace gui::gl
 {
 
@@ -57,6 +59,9 @@ public:
     virtual void handleEvent(const void*) {}
     /// Follows a change of the window's size or scale. The context is current afterwards. @return false when it is lost
     virtual bool followWindow() { return makeCurrent(); }
+    /// The view is in a window now: which pointer events it wants, as getTrackingOptions has them. A surface that gets
+    /// them all anyway need not care.
+    virtual void setTracking(std::uint64_t) {}
     /// Shows a pointer shape, while the pointer is over this surface, from now on.
     virtual void setCursor(gui::Cursor::Type) {}
     /// Calls onFrameTick at the display's rate, within a range of frames per second when it is one (both above 0, the

@@ -57,7 +57,7 @@ struct MagnificationEvent
 struct KeyEvent
 {
     bool isDown;
-    unsigned short keyCode;   ///< of the table in KeyCodes.h
+    unsigned short keyCode;   ///< of the table in gui/gl/KeyCodes.h
     unsigned short character; ///< the UTF-16 unit that the key stands for with Shift applied; 0 for none
     unsigned int modifiers;
 };

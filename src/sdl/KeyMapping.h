@@ -29,7 +29,7 @@ struct KeyMapping
     unsigned short character; ///< a fixed one, or the one to take when the layout has none
 };
 
-/// Key codes of the table in KeyCodes.h; 128 to 255 for keys with a character, 127 for every other key.
+/// Key codes of the table in gui/gl/KeyCodes.h; 128 to 255 for keys with a character, 127 for every other key.
 /// @param isNumLock  without it the keypad's digits are Home, End, arrows and so on
 GUIGL_API KeyMapping mapKey(SDL_Scancode scancode, bool isNumLock);
 

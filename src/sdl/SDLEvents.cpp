@@ -138,7 +138,7 @@ void SDLEvents::onWheel(const gui::SDLEvent& event)
 {
     // Content follows the fingers: SDL counts what is scrolled to, to the right.
     const SDL_MouseWheelEvent& wheel = event.event.wheel;
-    const double dx = -static_cast<double>(wheel.preciseX) * zav::s_wheelUnitsPerNotch;
+    const double dx = (0.0 - static_cast<double>(wheel.preciseX)) * zav::s_wheelUnitsPerNotch;
     const double dy = static_cast<double>(wheel.preciseY) * zav::s_wheelUnitsPerNotch;
     _client.onWheel({dx, dy, modifiersOf(event), mousePoint(event)});
 }

@@ -280,6 +280,7 @@ TEST_F(GLViewInputTest, Motion)
 {
     RecordingView view(window);
     GLView* const pNative = show(view, 0x61);
+    EXPECT_EQ(window.tracking, 0x287u);
     const auto move = [&](MotionEvent::Kind kind)
     {
         const bool isUsedUp = pNative->onMotion({kind, 2, {-3.5, 20}});

@@ -5,8 +5,11 @@
 
 #include <gui/Texture.h>
 
+#include <epoxy/gl.h>
+
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -70,12 +73,51 @@ TEST_F(GLViewTest, CreationThatFailsLeavesNothing)
     EXPECT_TRUE(journal.said({"glViewport(0, 0, 300, 300)", "onInit", "surface gone"}));
     EXPECT_EQ(gui::gl::CurrentContext::getID(), 0u);
 
+    view.in["onInit"] = [&] { view.release(); };
+    EXPECT_EQ(make(), nullptr);
+    EXPECT_EQ(view.getHandle(), nullptr);
+    EXPECT_FALSE(window.hasSurface);
+
     view.in.clear();
     EXPECT_NE(make(), nullptr);
-    EXPECT_EQ(std::get<0>(view.getOpenGLVersion()), 0); // what the null GL answers
-    trace.setLimit(0x821B, 4);                          // GL_MAJOR_VERSION
-    trace.setLimit(0x821C, 5);
+    view.release();
+
+    // The end of the view inside its own onInit, quietly and with an exception.
+    for (const bool throws : {false, true})
+    {
+        auto pView = std::make_unique<RecordingView>(window);
+        pView->in["onInit"] = [&]
+        {
+            pView.reset();
+            if (throws)
+                throw std::runtime_error("too late");
+        };
+        RecordingView* const pMade = pView.get();
+        try
+        {
+            EXPECT_EQ(GLView::createView(pMade, nullptr, 0, context(), window.factory()), nullptr);
+            EXPECT_FALSE(throws);
+        }
+        catch (const std::runtime_error&)
+        {
+            EXPECT_TRUE(throws);
+        }
+        EXPECT_FALSE(window.hasSurface);
+    }
+}
+
+TEST_F(GLViewTest, TheVersionIsTheContextsAndAskingChangesNothing)
+{
+    RecordingView view(window);
+    EXPECT_EQ(view.getOpenGLVersion(), std::make_tuple(0, 0));
+    trace.setLimit(GL_MAJOR_VERSION, 4);
+    trace.setLimit(GL_MINOR_VERSION, 5);
+    create(view);
+    test::FakeWindow other(journal);
+    RecordingView neighbour(other);
+    GLView::createView(&neighbour, nullptr, 0, context(), other.factory());
     EXPECT_EQ(view.getOpenGLVersion(), std::make_tuple(4, 5));
+    EXPECT_TRUE(other.isCurrent());
 }
 
 TEST_F(GLViewTest, EnteringAWindowTellsScaleAndSize)
@@ -108,6 +150,40 @@ TEST_F(GLViewTest, EnteringAWindowTellsScaleAndSize)
     pNative->scaleChanged();
     EXPECT_TRUE(journal.said({"glViewport(0, 0, 50, 60)", "needs display", "onResize 50 60", "needs display"}));
     EXPECT_EQ(view.getPixelHiDPISizeScale(), 1);
+
+    window.size = {70, 80};
+    window.scale = 3;
+    view.in.clear();
+    pNative->scaleChanged();
+    pNative->sizeChanged();
+    EXPECT_TRUE(
+        journal.said({"glViewport(0, 0, 210, 240)", "onGeometryChange 0 0 70 80", "onResize 70 80", "needs display"}));
+}
+
+// Each callback has its context, whatever the one before it did.
+TEST_F(GLViewTest, AResizeHasItsContextAfterAGeometryChangeTookIt)
+{
+    test::FakeWindow other(journal);
+    RecordingView neighbour(other);
+    GLView::createView(&neighbour, nullptr, 0, context(), other.factory());
+    RecordingView view(window);
+    GLView* const pNative = create(view);
+    view.in["onGeometryChange"] = [&] { neighbour.makeCurrentContext(); };
+    const std::function<void()> changes[] = {[&] { pNative->enteredWindow(); }, [&] { pNative->sizeChanged(); },
+                                             [&]
+                                             {
+                                                 window.scale = 2;
+                                                 pNative->scaleChanged();
+                                             }};
+    for (const auto& change : changes)
+    {
+        window.size.width += 10;
+        change();
+        const Lines lines = journal.take();
+        ASSERT_EQ(lines.size(), 4u);
+        EXPECT_TRUE(lines[2].starts_with("onResize")) << lines[2];
+        EXPECT_TRUE(lines[2].ends_with("300")) << lines[2];
+    }
 }
 
 TEST_F(GLViewTest, ADrawSetsNothingButTheFramebuffersName)
@@ -254,6 +330,22 @@ TEST_F(GLViewTest, ASecondGrabReplacesTheFirst)
     EXPECT_TRUE(journal.said({"onDraw 0 0 20 10", "flush"}));
     gui::AsyncQueue::instance().runPending();
     EXPECT_EQ(delivered, "second ");
+}
+
+// The application loads three bytes per pixel into the image that waits for four.
+TEST_F(GLViewTest, AGrabNeverWritesPastItsImage)
+{
+    RecordingView view(window);
+    GLView* const pNative = show(view);
+    gui::Texture texture;
+    view.readFrameFrameBuffer(texture, [] { FAIL() << "no frame was read"; });
+    gui::TextureHelper(&texture).updateInfo(200, 100, 3);
+    journal.take();
+    pNative->drawNow();
+    EXPECT_TRUE(asserts.caught("pTexture->getBytesPerPixel() == cBytesPerPixel"));
+    pNative->drawNow();
+    EXPECT_TRUE(journal.said({"onDraw 0 0 200 100", "flush", "onDraw 0 0 200 100", "flush"}));
+    gui::AsyncQueue::instance().runPending();
 }
 
 // The callback usually belongs to the object that owns the view.

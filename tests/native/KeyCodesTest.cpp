@@ -1,4 +1,4 @@
-#include "src/native/KeyCodes.h"
+#include <gui/gl/KeyCodes.h>
 
 #include <gtest/gtest.h>
 

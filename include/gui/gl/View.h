@@ -9,6 +9,7 @@
 #include <td/PointAndSize.h>
 #include <td/RectNormalized.h>
 
+#include <deque>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -72,7 +73,7 @@ public:
     /// onFocusIn and onFocusOut are called from now on.
     void registerForFocusEvents() const;
 
-    /// Major and minor version of the view's context; 0 and 0 without one.
+    /// Major and minor version of the view's context, which is current afterwards; 0 and 0 without one.
     std::tuple<int, int> getOpenGLVersion() const;
 
     /// The part of the model that is seen, in model units. Only views that have a model know: here it is a programming
@@ -132,7 +133,8 @@ private:
     float _pixelHiDPISizeScale = 1;
     unsigned int _screenFB = 0xFFFFFFFF;
     bool _isContRenderMode = false;
-    std::shared_ptr<View*> _self; // what frames on their way to the callback hold weakly
+    std::deque<std::function<void()>> _frameReadCallbacks; // of frames that were read and not delivered yet
+    std::shared_ptr<View*> _self;                          // what frames on their way to the callback hold weakly
 };
 
 } // namespace gui::gl

@@ -13,6 +13,8 @@
 #include "DataType.h"
 #include "Flat2DProgram.h"
 #include "GLSL.h"
+#include "InputTuning.h"
+#include "KeyCodes.h"
 #include "OffscreenContext.h"
 #include "Primitive.h"
 #include "Program.h"
