@@ -94,6 +94,8 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
 void GLView::prepareOpenGL()
 {
     logGLDebugMessages();
+    glGetIntegerv(GL_MAJOR_VERSION, &_majorVersion);
+    glGetIntegerv(GL_MINOR_VERSION, &_minorVersion);
     _size = _pSurface->getSize();
     updateViewport();
     _screenFrameBufferID = _pSurface->getDefaultFramebuffer();
@@ -333,15 +335,10 @@ void GLView::cleanResources()
         ViewHelper(pView).cleanResources();
 }
 
-int GLView::getOpenGLVersion(int& minor)
+int GLView::getOpenGLVersion(int& minor) const
 {
-    int major = 0;
-    minor = 0;
-    if (!makeCurrentContext())
-        return 0;
-    glGetIntegerv(GL_MAJOR_VERSION, &major);
-    glGetIntegerv(GL_MINOR_VERSION, &minor);
-    return major;
+    minor = _pSurface != nullptr ? _minorVersion : 0;
+    return _pSurface != nullptr ? _majorVersion : 0;
 }
 
 // Pointer, keys, focus. The view fills its surface, so a point of the window is a point of the view.

@@ -77,7 +77,7 @@ public:
     void registerFocusEvents() { _sendFocusEvents = true; }
     void setCursor(gui::Cursor::Type type, bool globally);
     void cleanResources();
-    int getOpenGLVersion(int& minor);
+    int getOpenGLVersion(int& minor) const;
 
     bool acceptsFirstResponder() const;
     bool hasFrameClock() const { return _hasFrameClock; }
@@ -117,6 +117,8 @@ private:
     bool _isReleased = false;
     bool _isClosed = false;
     int _nBusy = 0;
+    int _majorVersion = 0;
+    int _minorVersion = 0;
     td::Size<double> _size; // the last that the view was told
     float _backingScale = 0;
     td::Size<int> _viewport;

@@ -73,7 +73,7 @@ public:
     /// onFocusIn and onFocusOut are called from now on.
     void registerForFocusEvents() const;
 
-    /// Major and minor version of the view's context, which is current afterwards; 0 and 0 without one.
+    /// Major and minor version of the view's context; 0 and 0 without one.
     std::tuple<int, int> getOpenGLVersion() const;
 
     /// The part of the model that is seen, in model units. Only views that have a model know: here it is a programming
