@@ -22,8 +22,11 @@ std::string listed(const std::vector<std::string>& lines)
 
 void Journal::noteCalls()
 {
-    const std::vector<std::string>& calls = _trace.calls();
-    _lines.insert(_lines.end(), calls.begin(), calls.end());
+    for (const std::string& call : _trace.calls())
+    {
+        if (!call.starts_with("glGet"))
+            _lines.push_back(call);
+    }
     _trace.clear();
 }
 

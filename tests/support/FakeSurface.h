@@ -8,13 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace test
 {
 
-/// What happened, line by line and in order. The GL calls of a trace stand between the lines.
+/// What happened, line by line and in order. The GL calls of a trace stand between the lines, but for plain queries.
 class Journal
 {
 public:
@@ -56,6 +57,7 @@ struct FakeWindow
     unsigned int framebuffer = 0;
     bool hasContext = true; ///< false: the context is lost, or cannot be made in the first place
     bool hasSurface = false;
+    std::uint64_t tracking = 0; ///< what the view asked for last
     gui::gl::CurrentContext::ID contextID = 0;
 };
 
@@ -75,6 +77,7 @@ public:
     td::Size<int> getDrawableSize() const override;
     unsigned int getDefaultFramebuffer() const override;
     void setNeedsDisplay() override;
+    void setTracking(std::uint64_t options) override { _window.tracking = options; }
     /// Runs an event, a std::function<void()>, and notes "handled" behind it.
     void handleEvent(const void* pEvent) override;
     void setCursor(gui::Cursor::Type type) override;
