@@ -103,7 +103,7 @@ private:
         const std::array<glm::vec3, 16> points = figures::makePatch();
         _patch.init(2, points.size(), 0, {DataType::Vec3});
         _patch.appendVertices(&points.front().x, points.size());
-        for (const td::ColorID shade : {td::ColorID::Gray75, td::ColorID::White})
+        for (const td::ColorID shade : {td::ColorID::Gray81, td::ColorID::White})
         {
             Command* pCommand = _patch.createCommand();
             pCommand->createDrawArrayPatches(0, 16, 16);
@@ -116,7 +116,7 @@ private:
     void drawPatch()
     {
         glm::mat4 matrix = _matrices[7] * glm::perspective(glm::radians(34.0F), 1.0F, 1.0F, 10.0F);
-        matrix = glm::rotate(glm::translate(matrix, {0, 0, -4.6F}), glm::radians(-56.0F), {1, 0, 0});
+        matrix = glm::rotate(glm::translate(matrix, {0, 0, -4.2F}), glm::radians(-56.0F), {1, 0, 0});
         matrix = glm::rotate(matrix, glm::radians(-28.0F), {0, 0, 1});
         _patchProgram.activate();
         Context::enable(Context::Flag::DepthTest);

@@ -16,6 +16,10 @@ constexpr SceneInfo cScenes[] = {
      "and "
      "a patch of 16 control points that tessellation shaders turn into a smooth surface.",
      makePrimitives},
+    {"textures", "Textures",
+     "Soap bubbles from a PNG with alpha, blended over each other; the earth from a JPEG; a small image that repeats "
+     "without a seam; and a cube map whose six faces show on two turning dice.",
+     makeTextures},
 };
 
 } // namespace

@@ -23,5 +23,6 @@ std::span<const SceneInfo> scenes();
 // One for each scene's source.
 std::unique_ptr<Scene> makeCoastline();
 std::unique_ptr<Scene> makePrimitives();
+std::unique_ptr<Scene> makeTextures();
 
 } // namespace gallery

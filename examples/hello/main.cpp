@@ -2,7 +2,6 @@
 #include <gui/Application.h>
 #include <gui/Window.h>
 #include <gui/gl/gl.h>
-
 using namespace gui::gl;
 
 class TriangleView : public View
@@ -22,7 +21,6 @@ class TriangleView : public View
         if (_program.link() && _buffer.encode(pCommand) && _buffer.commit())
             _program.setBuffer(&_buffer);
     }
-
     void onDraw(const td::RectNormalized<double>&) override
     {
         Context::clear(td::ColorID::White);
@@ -31,13 +29,11 @@ class TriangleView : public View
         _program.execute();
     }
 };
-
 int main(int argc, char** argv)
 {
     gui::Application app(argc, argv);
     TriangleView view;
     view.createContext({DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41});
-    gui::Window window("Hello", {800, 600});
-    window.show(view);
-    return app.run();
+    gui::Window window("Hello", {640, 400});
+    return window.show(view) ? app.run() : 1;
 }
