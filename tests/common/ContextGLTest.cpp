@@ -1,0 +1,277 @@
+#include "support/FullScreen.h"
+#include "support/OffscreenGL.h"
+
+#include <gui/gl/Context.h>
+
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+// Every value of every enumeration is judged by what the driver then does.
+
+namespace
+{
+
+using gui::gl::Blend;
+using gui::gl::Context;
+using gui::gl::DepthBuffer;
+using gui::gl::StencilBuffer;
+using test::FullScreen;
+using test::Pixel;
+
+constexpr const char* cWhite = R"(#version 330 core
+out vec4 color;
+void main() { color = vec4(1.0); })";
+
+class ContextGLTest : public test::OffscreenGL
+{
+protected:
+    ContextGLTest()
+        : OffscreenGL({16, 16})
+    {
+    }
+
+    static bool isLit() { return pixel(8, 8) == Pixel{255, 255, 255}; }
+
+    static int stencil()
+    {
+        unsigned char value = 0;
+        glReadPixels(8, 8, 1, 1, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, &value);
+        return value;
+    }
+
+    static float depth()
+    {
+        float value = 0;
+        glReadPixels(8, 8, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &value);
+        return value;
+    }
+};
+
+TEST_F(ContextGLTest, DepthFunctionsPassWhatTheirNamesSay)
+{
+    const FullScreen white(cWhite);
+    Context::enable(Context::Flag::DepthTest);
+    // nearer than, as far as, farther than what is there
+    const std::string cPasses[] = {"111", "000", "100", "010", "110", "001", "101", "011"};
+    for (unsigned char value = 0; value < 8; ++value)
+    {
+        std::string passes;
+        for (const float z : {-0.5f, 0.0f, 0.5f})
+        {
+            glDepthFunc(GL_ALWAYS);
+            white.draw();
+            glClear(GL_COLOR_BUFFER_BIT);
+            Context::setDepthBufferFunction(DepthBuffer::Function(value));
+            white.draw(z);
+            passes += isLit() ? '1' : '0';
+        }
+        EXPECT_EQ(passes, cPasses[value]) << int(value);
+    }
+    Context::maskDepthBuffer(false);
+    Context::setDepthBufferFunction(DepthBuffer::Function::Always);
+    white.draw(-1);
+    EXPECT_GT(depth(), 0.1f); // of the draw before
+    Context::maskDepthBuffer(true);
+    white.draw(-1);
+    EXPECT_EQ(depth(), 0);
+}
+
+TEST_F(ContextGLTest, StencilFunctionsPassWhatTheirNamesSay)
+{
+    const FullScreen white(cWhite);
+    Context::enable(Context::Flag::StencilTest);
+    glClearStencil(5);
+    // reference 4, 5 and 6 compared with 5
+    const std::string cPasses[] = {"000", "100", "110", "001", "011", "010", "101", "111"};
+    for (unsigned char value = 0; value < 8; ++value)
+    {
+        std::string passes;
+        for (const int ref : {0x24, 0x25, 0x26}) // the bits above the mask don't count
+        {
+            glClear(GL_COLOR_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+            Context::setStencilBufferFunction(StencilBuffer::Function(value), ref, 0x1F);
+            white.draw();
+            passes += isLit() ? '1' : '0';
+        }
+        EXPECT_EQ(passes, cPasses[value]) << int(value);
+    }
+}
+
+TEST_F(ContextGLTest, StencilOperationsDoWhatTheirNamesSayInEachPlace)
+{
+    const FullScreen white(cWhite);
+    Context::enable(Context::Flag::StencilTest);
+    Context::enable(Context::Flag::DepthTest);
+    struct Case
+    {
+        int before;
+        int after[8];
+    };
+    const Case cases[] = {
+        {5, {5, 0, 9, 6, 6, 4, 4, 250}}, {255, {255, 0, 9, 255, 0, 254, 254, 0}}, {0, {0, 0, 9, 1, 1, 0, 255, 255}}};
+    const auto keep = StencilBuffer::Operation::Keep;
+    for (const Case& c : cases)
+    {
+        glClearStencil(c.before);
+        for (unsigned char value = 0; value < 8; ++value)
+        {
+            for (int place = 0; place < 3; ++place)
+            {
+                const auto operation = StencilBuffer::Operation(value);
+                Context::setStencilBufferOperation(place == 0 ? operation : keep, place == 1 ? operation : keep,
+                                                   place == 2 ? operation : keep);
+                for (int outcome = 0; outcome < 3; ++outcome)
+                {
+                    glClear(GL_STENCIL_BUFFER_BIT);
+                    Context::setStencilBufferFunction(
+                        outcome == 0 ? StencilBuffer::Function::Never : StencilBuffer::Function::Always, 9, 0xFF);
+                    Context::setDepthBufferFunction(outcome == 1 ? DepthBuffer::Function::Never
+                                                                 : DepthBuffer::Function::Always);
+                    white.draw();
+                    EXPECT_EQ(stencil(), outcome == place ? c.after[value] : c.before)
+                        << int(value) << ' ' << place << ' ' << outcome;
+                }
+            }
+        }
+    }
+    glClearStencil(0);
+    glClear(GL_STENCIL_BUFFER_BIT);
+    Context::setStencilBufferMask(0x0F);
+    Context::setStencilBufferOperation(StencilBuffer::Operation::Invert, StencilBuffer::Operation::Invert,
+                                       StencilBuffer::Operation::Invert);
+    white.draw();
+    EXPECT_EQ(stencil(), 0x0F);
+}
+
+using Color = std::array<double, 4>;
+
+Color operator-(double one, const Color& c) { return {one - c[0], one - c[1], one - c[2], one - c[3]}; }
+
+Color alphaOf(const Color& c) { return {c[3], c[3], c[3], c[3]}; }
+
+TEST_F(ContextGLTest, BlendFactorsMultiplyByWhatTheirNamesSay)
+{
+    const FullScreen source(R"(#version 330 core
+layout(location = 0, index = 0) out vec4 color;
+layout(location = 0, index = 1) out vec4 color1;
+void main()
+{
+    color = vec4(51.0, 102.0, 153.0, 204.0) / 255.0;
+    color1 = vec4(229.0, 178.0, 127.0, 76.0) / 255.0;
+})");
+    const Color src{0.2, 0.4, 0.6, 0.8};
+    const Color src1{229 / 255., 178 / 255., 127 / 255., 76 / 255.};
+    const Color dst{204 / 255., 153 / 255., 51 / 255., 102 / 255.};
+    const Color constant{0.25, 0.5, 0.75, 0.4};
+    const double saturated = std::min(src[3], 1 - dst[3]);
+    const Color factors[] = {{0, 0, 0, 0},
+                             {1, 1, 1, 1},
+                             src,
+                             1 - src,
+                             dst,
+                             1 - dst,
+                             alphaOf(src),
+                             1 - alphaOf(src),
+                             alphaOf(dst),
+                             1 - alphaOf(dst),
+                             constant,
+                             1 - constant,
+                             alphaOf(constant),
+                             1 - alphaOf(constant),
+                             {saturated, saturated, saturated, 1},
+                             src1,
+                             1 - src1,
+                             alphaOf(src1),
+                             1 - alphaOf(src1)};
+    Context::enable(Context::Flag::Blend);
+    glBlendColor(0.25f, 0.5f, 0.75f, 0.4f);
+    for (unsigned char value = 0; value < std::size(factors); ++value)
+    {
+        for (const bool isSource : {true, false})
+        {
+            clear({204, 153, 51, 102});
+            const auto factor = Blend::Factor(value);
+            Context::setBlendFunction(isSource ? factor : Blend::Factor::Zero, isSource ? Blend::Factor::Zero : factor);
+            source.draw();
+            const Color& base = isSource ? src : dst;
+            const Pixel actual = pixel(8, 8);
+            const int channels[] = {actual.red, actual.green, actual.blue, actual.alpha};
+            for (std::size_t i = 0; i < 4; ++i)
+            {
+                // 1: the driver may round products of bytes its own way
+                EXPECT_NEAR(channels[i], base[i] * factors[value][i] * 255, 1) << int(value) << ' ' << isSource;
+            }
+        }
+    }
+}
+
+TEST_F(ContextGLTest, PolygonModesFillOutlineAndDot)
+{
+    const FullScreen white(cWhite);
+    int nLit[3] = {};
+    bool isInsideLit[3] = {};
+    for (unsigned char value = 0; value < 3; ++value)
+    {
+        clear();
+        Context::setPolygonMode(Context::PolygonMode(value));
+        white.draw(0, 0.3f);
+        isInsideLit[value] = isLit();
+        for (int y = 0; y < 16; ++y)
+        {
+            for (int x = 0; x < 16; ++x)
+                nLit[value] += pixel(x, y) == Pixel{255, 255, 255} ? 1 : 0;
+        }
+    }
+    EXPECT_EQ((std::vector<bool>(isInsideLit, isInsideLit + 3)), (std::vector<bool>{true, false, false}));
+    EXPECT_GT(nLit[0], nLit[1]);
+    EXPECT_GT(nLit[1], nLit[2]);
+    EXPECT_EQ(nLit[2], 3); // the corners
+}
+
+TEST_F(ContextGLTest, FlagsAndPointSizeReachTheirState)
+{
+    const GLenum capabilities[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_STENCIL_TEST, GL_BLEND};
+    for (unsigned char value = 0; value < 4; ++value)
+    {
+        Context::enable(Context::Flag(value));
+        for (unsigned char other = 0; other < 4; ++other)
+            EXPECT_EQ(glIsEnabled(capabilities[other]), other == value) << int(value) << ' ' << int(other);
+        Context::disable(Context::Flag(value));
+        EXPECT_FALSE(glIsEnabled(capabilities[value]));
+    }
+    Context::setPointSize(3);
+    float size = 0;
+    glGetFloatv(GL_POINT_SIZE, &size);
+    EXPECT_EQ(size, 3);
+}
+
+TEST_F(ContextGLTest, ClearTouchesTheNamedBuffersOnly)
+{
+    using enum Context::Clear;
+    const std::initializer_list<Context::Clear> cases[] = {{Color}, {Depth}, {Stencil}, {Color, Stencil}, {}};
+    for (const std::initializer_list<Context::Clear>& what : cases)
+    {
+        glClearDepth(0);
+        glClearStencil(3);
+        clear({0, 0, 255, 10});
+        glClearDepth(1);
+        glClearStencil(7);
+        Context::clear(td::ColorID::Red);
+        if (what.size() == 1)
+            Context::clear(*what.begin());
+        else
+            Context::clear(what);
+        const auto has = [&](Context::Clear one) { return std::find(what.begin(), what.end(), one) != what.end(); };
+        EXPECT_EQ(pixel(8, 8), has(Color) ? (Pixel{255, 0, 0, 255}) : (Pixel{0, 0, 255, 10}));
+        EXPECT_EQ(depth(), has(Depth) ? 1 : 0);
+        EXPECT_EQ(stencil(), has(Stencil) ? 7 : 3);
+    }
+}
+
+} // namespace

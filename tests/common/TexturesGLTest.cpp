@@ -1,0 +1,143 @@
+#include "support/FullScreen.h"
+#include "support/Images.h"
+#include "support/OffscreenGL.h"
+
+#include <gui/Texture.h>
+#include <gui/gl/Textures.h>
+
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using gui::gl::Texture;
+using gui::gl::Textures;
+
+class TexturesGLTest : public test::OffscreenGL
+{
+protected:
+    /// The pixels of level 0 of what is bound, rows packed.
+    static std::vector<unsigned char> readBack(GLenum target, int bytesPerPixel, std::size_t n)
+    {
+        std::vector<unsigned char> bytes(n);
+        glPixelStorei(GL_PACK_ALIGNMENT, 1);
+        glGetTexImage(target, 0, bytesPerPixel == 4 ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE, bytes.data());
+        glPixelStorei(GL_PACK_ALIGNMENT, 4);
+        return bytes;
+    }
+
+    static std::vector<unsigned char> bytesOf(const gui::Texture& picture)
+    {
+        const int n = picture.getWidth() * picture.getHeight() * static_cast<int>(picture.getBytesPerPixel());
+        return {picture.getBytes(), picture.getBytes() + n};
+    }
+
+    static int parameter(GLenum target, GLenum name)
+    {
+        GLint value = 0;
+        glGetTexParameteriv(target, name, &value);
+        return value;
+    }
+};
+
+// Rows that are no multiple of 4 bytes came out skewed without padding.
+TEST_F(TexturesGLTest, PixelsArriveExactlyWhateverTheRowLength)
+{
+    for (int width = 1; width <= 6; ++width)
+    {
+        for (const int bytesPerPixel : {3, 4})
+        {
+            gui::Texture picture = test::image(width, 5, static_cast<unsigned short>(bytesPerPixel));
+            Textures textures;
+            ASSERT_TRUE(textures.append({&picture}, Texture::Type::Tex2D));
+            textures.bindToActiveUnit(0);
+            const std::vector<unsigned char> expected = bytesOf(picture);
+            EXPECT_EQ(readBack(GL_TEXTURE_2D, bytesPerPixel, expected.size()), expected)
+                << width << " x " << bytesPerPixel;
+        }
+    }
+}
+
+TEST_F(TexturesGLTest, FilesAreMirroredAndImagesAreNot)
+{
+    const test::ImageFolder folder;
+    gui::Texture picture = test::image(3, 2, 3);
+    const std::string path = folder.save("a.png", picture);
+    Textures textures;
+    ASSERT_TRUE(textures.append({path.c_str()}, Texture::Type::Tex2D));
+    ASSERT_TRUE(textures.append({&picture}, Texture::Type::Tex2D));
+    const std::vector<unsigned char> upright = bytesOf(picture);
+    textures.bindToActiveUnit(1);
+    EXPECT_EQ(readBack(GL_TEXTURE_2D, 3, 18), upright);
+    textures.bindToActiveUnit(0);
+    picture.mirrorVertically();
+    EXPECT_EQ(readBack(GL_TEXTURE_2D, 3, 18), bytesOf(picture));
+    EXPECT_GE(textures.getMaximumUnits(), 16);
+    EXPECT_GE(textures.getMaximumCombinedUnits(), 48);
+}
+
+TEST_F(TexturesGLTest, TexturesRepeatAndCubeMapsClamp)
+{
+    const test::ImageFolder folder;
+    gui::Texture picture = test::image(6, 6, 3);
+    cnt::Array<const char*, 6> names;
+    std::vector<std::string> paths;
+    for (unsigned char i = 0; i < 6; ++i)
+    {
+        gui::Texture face = test::image(3, 3, 3); // rows of 9 bytes
+        face.getBytes()[0] = static_cast<unsigned char>(100 + i);
+        paths.push_back(folder.save(std::to_string(i) + ".png", face));
+    }
+    for (std::size_t i = 0; i < 6; ++i)
+        names[i] = paths[i].c_str();
+    Textures textures;
+    ASSERT_TRUE(textures.append({&picture}, Texture::Type::Tex2D));
+    ASSERT_TRUE(textures.appendCubeMap(names));
+    textures.setActive(Textures::Unit::T5, 0);
+    EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S), GL_REPEAT);
+    EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T), GL_REPEAT);
+    EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER), GL_LINEAR_MIPMAP_LINEAR);
+    EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER), GL_LINEAR);
+    GLint width = 0;
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 2, GL_TEXTURE_WIDTH, &width);
+    EXPECT_EQ(width, 1); // the last of the mipmaps
+    textures.setActive(Textures::Unit::T5, 1);
+    for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R})
+        EXPECT_EQ(parameter(GL_TEXTURE_CUBE_MAP, wrap), GL_CLAMP_TO_EDGE);
+    EXPECT_EQ(parameter(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MIN_FILTER), GL_LINEAR);
+    EXPECT_EQ(parameter(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAG_FILTER), GL_LINEAR);
+    GLint unit = 0;
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+    EXPECT_EQ(unit, GL_TEXTURE5);
+    // Which file each face shows, in GL's order.
+    std::vector<int> faces;
+    for (GLenum face = GL_TEXTURE_CUBE_MAP_POSITIVE_X; face <= GL_TEXTURE_CUBE_MAP_NEGATIVE_Z; ++face)
+    {
+        const std::vector<unsigned char> bytes = readBack(face, 3, 27);
+        faces.push_back(bytes[0] - 100);
+        EXPECT_EQ(bytes[26], 27); // the last byte: rows are where they belong
+    }
+    EXPECT_EQ(faces, (std::vector<int>{2, 0, 4, 5, 1, 3}));
+}
+
+TEST_F(TexturesGLTest, UniformsSampleTheUnitThatTheyWereSetTo)
+{
+    gui::Texture colors[2] = {test::image(1, 1, 3), test::image(1, 1, 4)};
+    Textures textures;
+    ASSERT_TRUE(textures.append({&colors[0], &colors[1]}, Texture::Type::Tex2D));
+    const test::FullScreen screen(R"(#version 330 core
+uniform sampler2D image;
+out vec4 color;
+in vec2 uv;
+void main() { color = texture(image, uv * 7.0); })");
+    textures.setUniform(screen.uniform("image"), Textures::Unit::T3, 1);
+    textures.setActive(Textures::Unit::T0, 0);
+    screen.draw();
+    EXPECT_EQ(pixel(40, 40), (test::Pixel{1, 2, 3, 4}));
+}
+
+} // namespace
