@@ -12,8 +12,8 @@ TEST(Readme, ProgramDrawsThePictureShown)
 {
     gui::Texture picture;
     ASSERT_TRUE(picture.loadFromFile(GUIGL_README_PICTURE));
-    // Pixels on an edge are another driver's choice: at most 1,500 of 256,000.
-    EXPECT_TRUE(test::comparePictures(picture, "boat.png", {.max = 255, .mean = 0.5}));
+    // Pixels on an edge, and how blended colours are rounded, are the driver's choice.
+    EXPECT_TRUE(test::comparePictures(picture, "hello.png", {.max = 255, .mean = 0.5}));
 }
 
 } // namespace
