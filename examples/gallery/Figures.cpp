@@ -1,8 +1,10 @@
 #include "Figures.h"
 
+#include <glm/geometric.hpp>
 #include <glm/trigonometric.hpp>
 
 #include <cmath>
+#include <numbers>
 
 namespace gallery::figures
 {
@@ -16,6 +18,7 @@ constexpr ColorID cSunset[] = {ColorID::Gold, ColorID::Coral, ColorID::MediumVio
 constexpr ColorID cOcean[] = {ColorID::Aquamarine, ColorID::DeepSkyBlue, ColorID::RoyalBlue};
 constexpr ColorID cWheel[] = {ColorID::Tomato,     ColorID::Gold,   ColorID::LimeGreen, ColorID::Turquoise,
                               ColorID::DodgerBlue, ColorID::Orchid, ColorID::Tomato};
+constexpr ColorID cBall[] = {ColorID::DarkSlateBlue, ColorID::MediumVioletRed, ColorID::Coral, ColorID::Gold};
 
 } // namespace
 
@@ -115,6 +118,72 @@ std::array<glm::vec3, 16> makePatch()
     for (std::size_t i = 0; i < points.size(); ++i)
         points[i] = {static_cast<float>(i % 4) / 1.5F - 1, static_cast<float>(i / 4) / 1.5F - 1, cHeights[i]};
     return points;
+}
+
+Vertices makeDisc(const glm::vec4& color)
+{
+    Vertices fan = {{{0, 0}, color}};
+    for (int i = 0; i <= 120; ++i)
+        fan.push_back({onCircle(static_cast<float>(i) / 120, 1), color});
+    return fan;
+}
+
+Vertices makeStar(const glm::vec4& color)
+{
+    Vertices fan = {{{0, 0}, color}};
+    for (int i = 0; i <= 10; ++i)
+        fan.push_back({onCircle(0.25F + static_cast<float>(i) / 10, i % 2 == 0 ? 1.0F : 0.45F), color});
+    return fan;
+}
+
+SolidVertices makeRectangles()
+{
+    constexpr ColorID cColors[][2] = {{ColorID::Gold, ColorID::Coral},
+                                      {ColorID::Aquamarine, ColorID::DodgerBlue},
+                                      {ColorID::Plum, ColorID::MediumSlateBlue}};
+    constexpr float cGolden = std::numbers::phi_v<float>;
+    const float size = 1 / std::hypot(1.0F, cGolden);
+    SolidVertices vertices;
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        for (const glm::vec2& corner : {glm::vec2(-1, -1), {1, -1}, {1, 1}, {1, 1}, {-1, 1}, {-1, -1}})
+        {
+            glm::vec3 position(0);
+            position[axis] = corner.x * cGolden * size;
+            position[(axis + 1) % 3] = corner.y * size;
+            vertices.push_back({position, gradient(cColors[axis], corner.x / 2 + 0.5F)});
+        }
+    }
+    return vertices;
+}
+
+SolidVertices makeBall()
+{
+    // The eight sides of an octahedron, divided again and again, and bulged.
+    std::vector<glm::vec3> corners;
+    for (const float x : {-1.0F, 1.0F})
+        for (const float y : {-1.0F, 1.0F})
+            for (const float z : {-1.0F, 1.0F})
+                for (const glm::vec3& corner :
+                     {glm::vec3(x, 0, 0), x * y * z > 0 ? glm::vec3(0, y, 0) : glm::vec3(0, 0, z),
+                      x * y * z > 0 ? glm::vec3(0, 0, z) : glm::vec3(0, y, 0)})
+                    corners.push_back(corner);
+    for (int depth = 0; depth < 3; ++depth)
+    {
+        std::vector<glm::vec3> finer;
+        for (std::size_t i = 0; i < corners.size(); i += 3)
+        {
+            const glm::vec3 a = corners[i], b = corners[i + 1], c = corners[i + 2];
+            const glm::vec3 ab = glm::normalize(a + b), bc = glm::normalize(b + c), ca = glm::normalize(c + a);
+            finer.insert(finer.end(), {a, ab, ca, ab, b, bc, ca, bc, c, ab, bc, ca});
+        }
+        corners = std::move(finer);
+    }
+    const glm::vec3 light = glm::normalize(glm::vec3(-0.5F, 0.8F, 0.6F));
+    SolidVertices vertices;
+    for (const glm::vec3& corner : corners)
+        vertices.push_back({corner, gradient(cBall, 0.5F + 0.5F * glm::dot(corner, light))});
+    return vertices;
 }
 
 } // namespace gallery::figures

@@ -3,6 +3,7 @@
 #include "Drawing.h"
 
 #include <glm/vec3.hpp>
+#include <glm/vec4.hpp>
 
 #include <array>
 #include <vector>
@@ -10,11 +11,19 @@
 namespace gallery
 {
 
-/// The figures of the primitives: vertices in units, from -1 to 1.
+/// A vertex of Color3DProgram.
+struct SolidVertex
+{
+    glm::vec3 position;
+    glm::vec4 color;
+};
+
+/// The figures of several scenes: vertices in units, from -1 to 1.
 namespace figures
 {
 
 using Vertices = std::vector<ColorVertex>;
+using SolidVertices = std::vector<SolidVertex>;
 
 /// Points of a grid of 9 x 9 at this distance from its middle, 0 to 6.
 Vertices makeGridRing(std::size_t ring);
@@ -40,6 +49,18 @@ Vertices makeRibbon();
 
 /// The control points of a surface with a hill and a valley, row by row.
 std::array<glm::vec3, 16> makePatch();
+
+/// A disc of one colour, a fan.
+Vertices makeDisc(const glm::vec4& color);
+
+/// A star with five points, a fan.
+Vertices makeStar(const glm::vec4& color);
+
+/// Three rectangles that pass through each other, their corners those of an icosahedron. Six vertices each.
+SolidVertices makeRectangles();
+
+/// A ball of triangles, lit from above; their fronts look outwards.
+SolidVertices makeBall();
 
 } // namespace figures
 

@@ -20,6 +20,16 @@ constexpr SceneInfo cScenes[] = {
      "Soap bubbles from a PNG with alpha, blended over each other; the earth from a JPEG; a small image that repeats "
      "without a seam; and a cube map whose six faces show on two turning dice.",
      makeTextures},
+    {"instances", "Ten thousand instances",
+     "Columns arranged like the seeds of a sunflower. One command draws them all; each has a matrix and a colour of "
+     "its "
+     "own.",
+     makeInstances},
+    {"state", "Render state",
+     "Rectangles that pass through each other, without and with the depth test; a star in the stencil buffer that "
+     "lets a picture through or keeps it away; colours blended by their alpha and by addition; one ball as "
+     "surfaces, lines and points.",
+     makeState},
 };
 
 } // namespace

@@ -24,5 +24,7 @@ std::span<const SceneInfo> scenes();
 std::unique_ptr<Scene> makeCoastline();
 std::unique_ptr<Scene> makePrimitives();
 std::unique_ptr<Scene> makeTextures();
+std::unique_ptr<Scene> makeInstances();
+std::unique_ptr<Scene> makeState();
 
 } // namespace gallery
