@@ -51,18 +51,19 @@ bool Window::show(ZavObject& view)
     if (_pNativeView == pNativeView)
         return true;
 
+    // Counted before the other one closes, which would be the last and end the program.
+    const bool wasOpen = isOpen();
+    if (!wasOpen)
+        WindowSystem::instance().getRunLoop().windowOpened();
     if (Window* const pOther = pNativeView->_pWindow)
     {
         pNativeView->leftWindow();
         pOther->closeWithoutView();
     }
-    const bool wasOpen = isOpen();
     if (wasOpen)
         release();
     _pNativeView = pNativeView;
     pNativeView->_pWindow = this;
-    if (!wasOpen)
-        WindowSystem::instance().getRunLoop().windowOpened();
     _pPeer->show(pNativeView);
     return true;
 }
