@@ -47,7 +47,8 @@ bool SDLEventQueue::take(SDLEvent& event)
 int SDLCALL SDLEventQueue::onEvent(void* pQueue, SDL_Event* pEvent)
 {
     auto& queue = *static_cast<SDLEventQueue*>(pQueue);
-    if (pEvent->type >= SDL_USEREVENT)
+    // A wake-up, or a mark of SDL's own.
+    if (pEvent->type >= SDL_POLLSENTINEL)
         return 1;
     if (pEvent->type != SDL_SYSWMEVENT)
     {

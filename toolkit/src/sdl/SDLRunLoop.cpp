@@ -58,8 +58,8 @@ void SDLRunLoop::wait(const std::optional<Time>& until)
 {
     using std::chrono::milliseconds;
     constexpr milliseconds cLongest = std::chrono::hours(1);
-    // Calls of SDL from handlers leave events, too.
-    while (_events.isEmpty())
+    // SDL ends its wait for more than what is an event here, so the events themselves say whether it is over.
+    for (_events.pump(); _events.isEmpty() && !_isWakeUpPosted; _events.pump())
     {
         const Clock::duration rest = until ? *until - Clock::now() : cLongest;
         if (rest <= Clock::duration::zero())
@@ -70,8 +70,7 @@ void SDLRunLoop::wait(const std::optional<Time>& until)
             std::this_thread::sleep_until(*until);
             return;
         }
-        if (SDL_WaitEventTimeout(nullptr, static_cast<int>(wholeMilliseconds.count())) != 0)
-            return;
+        SDL_WaitEventTimeout(nullptr, static_cast<int>(wholeMilliseconds.count()));
     }
 }
 
