@@ -1,11 +1,11 @@
 #include "OffscreenGL.h"
 
+#include "Pinning.h"
+
 #include <gui/gl/CurrentContext.h>
 
 #include <epoxy/gl.h>
 
-#include <dlfcn.h>
-#include <link.h>
 
 #include <array>
 #include <iostream>
@@ -16,20 +16,6 @@ namespace test
 
 namespace
 {
-
-// The leak check looks at a leak's libraries when the program ends. Drivers would be unloaded by then, so that no
-// suppression could match their names: everything loaded now stays.
-void pinLoadedLibraries()
-{
-    dl_iterate_phdr(
-        [](dl_phdr_info* info, std::size_t, void*)
-        {
-            if (info->dlpi_name != nullptr && *info->dlpi_name != '\0')
-                dlopen(info->dlpi_name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
-            return 0;
-        },
-        nullptr);
-}
 
 bool isFault(GLenum type)
 {

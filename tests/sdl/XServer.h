@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Process.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct _XDisplay;
+
+namespace test
+{
+
+/// A picture of a part of the screen: 0xRRGGBB, the first row the top one.
+struct Screenshot
+{
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+
+    std::uint32_t at(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
+    bool operator==(const Screenshot&) const = default;
+};
+
+/// An X server of the test's own, without a screen that anybody sees. DISPLAY names it from then on.
+class XServer
+{
+public:
+    using Window = unsigned long;
+
+    XServer();
+    ~XServer();
+    XServer(const XServer&) = delete;
+    XServer& operator=(const XServer&) = delete;
+
+    bool isOk() const { return _pDisplay != nullptr; }
+    /// A window manager without any key or button bindings of its own. @return false when it does not start
+    bool startWindowManager();
+
+    /// A window by its title, wherever it is in the tree; 0 when there is none that is mapped.
+    Window findWindow(const std::string& title) const;
+    /// Where its content is on the screen.
+    struct Place
+    {
+        int x;
+        int y;
+        int width;
+        int height;
+    };
+    Place placeOf(Window window) const;
+    void move(Window window, int x, int y) const;
+    void resize(Window window, int width, int height) const;
+    void iconify(Window window) const;
+    void map(Window window) const;
+    /// As the close button of its frame does.
+    void askToClose(Window window) const;
+    Window focus() const;
+
+    /// What the screen shows there.
+    Screenshot shoot(const Place& place) const;
+    /// The pointer's shape: a number that is the same for the same picture.
+    std::uint64_t cursor() const;
+
+    /// Layouts as setxkbmap takes them ("us,de").
+    void setLayouts(const std::string& layouts) const;
+
+private:
+    Window findBelow(Window parent, const std::string& title) const;
+
+    std::unique_ptr<Process> _pServer;
+    std::unique_ptr<Process> _pWindowManager;
+    std::string _configuration;
+    _XDisplay* _pDisplay = nullptr;
+    Window _root = 0;
+};
+
+/// xdotool with these arguments; they are split at spaces.
+void xdo(const std::string& arguments);
+
+} // namespace test
