@@ -119,7 +119,7 @@ need()
     mapfile -t absent < <(missing "${wanted[@]}")
     ((${#absent[@]} == 0)) && return
 
-    local command="apt-get install ${absent[*]}"
+    local command="apt-get update && apt-get install ${absent[*]}"
     as_root=()
     if (($(id -u) != 0)); then
         command -v sudo > /dev/null || fail "Packages are missing, and only root may install them. Run this as root:" \
@@ -137,12 +137,12 @@ need()
 
     echo "Missing packages: ${absent[*]}"
     try_step "Installing packages" packages install_packages "${absent[@]}" && return
-    tail -n 12 "$log_folder/packages.log" | sed 's/^/    /'
     if grep --quiet --extended-regexp "Could not resolve|Temporary failure|Could not connect|Cannot initiate|Unable to \
 connect|Connection (failed|refused|timed out)|Network is unreachable" "$log_folder/packages.log"; then
         fail "The packages can't be fetched: there is no network, or it doesn't reach the package server." \
             "Run ./$tool again when it is back, or run this as root: $command"
     fi
+    tail -n 12 "$log_folder/packages.log" | sed 's/^/    /'
     fail "The packages could not be installed; build/log/packages.log says why. They are: ${absent[*]}"
 }
 
