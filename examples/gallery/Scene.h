@@ -26,7 +26,7 @@ public:
     /// @return false, after a line in the log, when the scene can't be shown
     virtual bool init() = 0;
 
-    /// Draws one picture over the whole viewport, with GL's state as a new context has it, and leaves the state like that.
+    /// Draws one picture over the whole viewport. Every Context::Flag is off and polygons are filled, before and after.
     virtual void draw(const Frame& frame) = 0;
 };
 
