@@ -1,13 +1,17 @@
-// Draws every scene of the gallery into PNG files, without a window, and a web page that shows them.
+// Shows the gallery's scenes in a window or, without a display or when asked to, draws them into PNG files and a web page.
 
 #include "GLMessages.h"
+#include "GalleryView.h"
 #include "Page.h"
 #include "Scenes.h"
 
+#include <gui/Application.h>
 #include <gui/Texture.h>
+#include <gui/Window.h>
 #include <gui/gl/OffscreenContext.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -26,21 +30,26 @@ constexpr double cSeconds = 2;
 constexpr int cExitFailed = 1;
 constexpr int cExitUsage = 2;
 
-constexpr const char* cHelp = R"(Usage: gallery [--out FOLDER] [--scene NAME]
+constexpr const char* cHelp = R"(Usage: gallery [--scene NAME] [--frames N]
+       gallery --out FOLDER [--scene NAME]
        gallery --list | --help
 
-Draws the gallery's scenes into FOLDER: NAME.png, NAME@2x.png for screens with two
-pixels per point, and index.html, which shows them all.
+Shows the gallery in a window. Digits and arrow keys choose a scene, Space starts and
+stops time, F tells in the title what a frame costs, F11 fills the screen, Escape ends.
+Without a display, or with --out, it draws every scene into a folder instead: NAME.png,
+NAME@2x.png for screens with two pixels per point, and index.html, which shows them all.
 
-  --out FOLDER   where to write; made if need be (default: out)
-  --scene NAME   draw only this scene, and leave index.html alone
+  --out FOLDER   where to draw; made if need be (without a display: out)
+  --scene NAME   begin with this scene; with --out, draw only this one and no index.html
+  --frames N     end after N frames
   --list         print the names of the scenes
   --help         print this
 )";
 
 struct Options
 {
-    std::filesystem::path folder = "out";
+    std::filesystem::path folder; // empty: not asked for
+    int nFrames = 0;              // 0: no end
     const SceneInfo* pOnly = nullptr;
     bool isList = false;
     bool isHelp = false;
@@ -65,7 +74,7 @@ bool parse(int argc, char** argv, Options& options)
             options.isList = true;
         else if (option == "--help")
             options.isHelp = true;
-        else if (option != "--out" && option != "--scene")
+        else if (option != "--out" && option != "--scene" && option != "--frames")
         {
             std::fprintf(stderr, "gallery: unknown option: %s (see gallery --help)\n", argv[i]);
             return false;
@@ -77,6 +86,15 @@ bool parse(int argc, char** argv, Options& options)
         }
         else if (++i; option == "--out")
             options.folder = value;
+        else if (option == "--frames")
+        {
+            options.nFrames = std::atoi(value);
+            if (options.nFrames < 1)
+            {
+                std::fprintf(stderr, "gallery: --frames needs a number above 0, not %s\n", value);
+                return false;
+            }
+        }
         else if (options.pOnly = findScene(value); options.pOnly == nullptr)
         {
             std::fprintf(stderr, "gallery: no scene is named %s (see gallery --list)\n", value);
@@ -119,13 +137,22 @@ bool drawPictures(const SceneInfo& info, const std::filesystem::path& folder, in
     return messages.areFaultless();
 }
 
+int show(gui::Application& app, const Options& options)
+{
+    gui::Window window("Gallery", cSize);
+    GalleryView view(window, options.pOnly != nullptr ? static_cast<std::size_t>(options.pOnly - scenes().data()) : 0,
+                     options.nFrames);
+    return window.show(view) ? app.run() : cExitFailed;
+}
+
 int draw(const Options& options)
 {
+    const std::filesystem::path folder = options.folder.empty() ? "out" : options.folder;
     std::error_code error;
-    std::filesystem::create_directories(options.folder, error);
+    std::filesystem::create_directories(folder, error);
     if (error)
     {
-        std::fprintf(stderr, "gallery: cannot make folder %s: %s\n", options.folder.c_str(), error.message().c_str());
+        std::fprintf(stderr, "gallery: cannot make folder %s: %s\n", folder.c_str(), error.message().c_str());
         return cExitFailed;
     }
     const std::span<const SceneInfo> chosen = options.pOnly != nullptr ? std::span(options.pOnly, 1) : scenes();
@@ -134,13 +161,13 @@ int draw(const Options& options)
     int code = 0;
     for (const SceneInfo& scene : chosen)
     {
-        if (!drawPictures(scene, options.folder, nDrawn, nPictures))
+        if (!drawPictures(scene, folder, nDrawn, nPictures))
         {
             std::fprintf(stderr, "gallery: scene %s failed\n", scene.name);
             code = cExitFailed;
         }
     }
-    const std::filesystem::path page = options.folder / "index.html";
+    const std::filesystem::path page = folder / "index.html";
     if (options.pOnly == nullptr && !writePage(page, cSize))
     {
         std::fprintf(stderr, "gallery: cannot write %s\n", page.c_str());
@@ -167,5 +194,9 @@ int main(int argc, char** argv)
             std::puts(scene.name);
         return 0;
     }
-    return draw(options);
+    if (!options.folder.empty())
+        return draw(options);
+    gui::Application app(argc, argv);
+    const bool isShown = std::strcmp(gui::Application::getWindowSystem(), "offscreen") != 0 || options.nFrames > 0;
+    return isShown ? show(app, options) : draw(options);
 }

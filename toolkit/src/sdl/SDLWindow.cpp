@@ -29,6 +29,8 @@ void SDLWindow::show(NativeView* pView)
         SDLRunLoop::setView(_pWindow, pView);
         SDL_SetWindowTitle(_pWindow, _title.c_str());
         applySize();
+        // Where the surface made its window, that was the middle for another size.
+        SDL_SetWindowPosition(_pWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
         if (_isFullScreen)
             applyFullScreen();
         SDL_ShowWindow(_pWindow);

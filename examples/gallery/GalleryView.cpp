@@ -1,0 +1,135 @@
+#include "GalleryView.h"
+
+#include <gui/Application.h>
+#include <gui/Key.h>
+#include <gui/gl/Context.h>
+
+#include <cstdio>
+#include <string>
+
+namespace gallery
+{
+
+namespace
+{
+
+// The moment that the pictures show too.
+constexpr double cFirstSeconds = 2;
+
+} // namespace
+
+GalleryView::GalleryView(gui::Window& window, std::size_t nthScene, int nFrames)
+    : _window(window)
+    , _nthScene(nthScene)
+    , _nFrames(nFrames)
+    , _seconds(cFirstSeconds)
+{
+    using namespace gui::gl;
+    createContext(Context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41),
+                  {gui::InputDevice::Event::Keyboard});
+    if (_nFrames > 0)
+        toggleTime();
+}
+
+GalleryView::~GalleryView()
+{
+    makeCurrentContext();
+    _pScene.reset();
+}
+
+void GalleryView::onInit() { showScene(_nthScene); }
+
+void GalleryView::showScene(std::size_t nthScene)
+{
+    _nthScene = nthScene % scenes().size();
+    _seconds = cFirstSeconds;
+    _pScene.reset();
+    std::unique_ptr<Scene> pScene = scenes()[_nthScene].make();
+    if (pScene->init())
+        _pScene = std::move(pScene);
+    showTitle();
+    reRender();
+}
+
+void GalleryView::onDraw(const td::RectNormalized<double>&)
+{
+    const Clock::time_point begin = Clock::now();
+    if (isAnimated())
+        _seconds += std::chrono::duration<double>(begin - _lastFrame).count();
+    _lastFrame = begin;
+
+    td::Size<double> size;
+    getSize(size);
+    if (_pScene != nullptr)
+        _pScene->draw({size, static_cast<double>(getPixelHiDPIScale()), _seconds});
+    else
+    {
+        gui::gl::Context::clear(td::ColorID::Maroon);
+        gui::gl::Context::clear(gui::gl::Context::Clear::Color);
+    }
+
+    ++_nDraws;
+    if (_nDraws == _nFrames)
+        gui::Application::quit();
+    const Clock::time_point end = Clock::now();
+    _millisecondsDrawn += std::chrono::duration<double, std::milli>(end - begin).count();
+    if (_showsCost && end - _toldAt > std::chrono::milliseconds(500))
+        showTitle();
+}
+
+void GalleryView::showTitle()
+{
+    const SceneInfo& scene = scenes()[_nthScene];
+    std::string title = std::to_string(_nthScene + 1) + "  " + scene.title;
+    if (_showsCost && _nDraws > _nDrawsTold)
+    {
+        char cost[64];
+        std::snprintf(cost, sizeof(cost), " - %.2f ms per frame, %d frames",
+                      _millisecondsDrawn / (_nDraws - _nDrawsTold), _nDraws);
+        title += cost;
+    }
+    _nDrawsTold = _nDraws;
+    _millisecondsDrawn = 0;
+    _toldAt = Clock::now();
+    _window.setTitle(title.c_str());
+}
+
+void GalleryView::toggleTime()
+{
+    _lastFrame = Clock::now();
+    if (isAnimated())
+        stopAnimation();
+    else
+        startAnimation();
+}
+
+bool GalleryView::onKeyPressed(const gui::Key& key)
+{
+    using Virtual = gui::Key::Virtual;
+    const std::size_t nScenes = scenes().size();
+    const char character = key.getChar();
+    if (character >= '1' && character <= '9' && static_cast<std::size_t>(character - '1') < nScenes)
+        showScene(static_cast<std::size_t>(character - '1'));
+    else if (key.getVirtual() == Virtual::Right || key.getVirtual() == Virtual::Down)
+        showScene(_nthScene + 1);
+    else if (key.getVirtual() == Virtual::Left || key.getVirtual() == Virtual::Up)
+        showScene(_nthScene + nScenes - 1);
+    else if (character == ' ')
+        toggleTime();
+    else if (character == 'f' || character == 'F')
+    {
+        _showsCost = !_showsCost;
+        showTitle();
+    }
+    else if (key.getVirtual() == Virtual::F11)
+        _window.setFullScreen(!_window.isFullScreen());
+    else if (key.getVirtual() == Virtual::Escape && _window.isFullScreen())
+        _window.setFullScreen(false);
+    else if (key.getVirtual() == Virtual::Escape)
+        gui::Application::quit();
+    else
+        return false;
+    return true;
+}
+
+} // namespace gallery

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Scenes.h"
+
+#include <gui/Window.h>
+#include <gui/gl/View.h>
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+
+namespace gallery
+{
+
+/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F tells in the
+/// title what a frame costs, F11 fills the screen, Escape leaves it, and the program.
+class GalleryView : public gui::gl::View
+{
+public:
+    /// @param nthScene  the first to be shown
+    /// @param nFrames   after how many frames the program ends, time running; 0 for never
+    GalleryView(gui::Window& window, std::size_t nthScene, int nFrames);
+    ~GalleryView() override;
+
+protected:
+    void onInit() override;
+    void onDraw(const td::RectNormalized<double>& rect) override;
+    bool prepareNextFrame() override { return true; }
+    bool onKeyPressed(const gui::Key& key) override;
+    void cleanResources() override { _pScene.reset(); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void showScene(std::size_t nthScene);
+    void toggleTime();
+    void showTitle();
+
+    gui::Window& _window;
+    std::unique_ptr<Scene> _pScene;
+    std::size_t _nthScene;
+    int _nFrames;
+    double _seconds; // on the scene's clock
+    Clock::time_point _lastFrame;
+    bool _showsCost = false;
+    int _nDraws = 0;
+    int _nDrawsTold = 0;
+    Clock::time_point _toldAt;
+    double _millisecondsDrawn = 0;
+};
+
+} // namespace gallery
