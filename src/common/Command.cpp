@@ -1,6 +1,7 @@
 #include <gui/gl/Command.h>
 
 #include "ProgHelper.h"
+#include "UniformPacking.h"
 
 #include <gui/Color.h>
 #include <td/Assert.h>
@@ -8,10 +9,6 @@
 
 #include <epoxy/gl.h>
 
-#include <glm/vec3.hpp>
-#include <glm/vec4.hpp>
-
-#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstring>
@@ -29,56 +26,9 @@ ProgHelper s_progHelper;
 td::Color s_prevColor(0, 0, 0, 0);
 unsigned short s_prevTexture = cNoTexture;
 
-constexpr std::array<td::BYTE, 21> UniformSize{0, 1, 1, 1, 3, 4, 8, 4, 4, 8, 12, 8, 12, 8, 8, 8, 8, 8, 8, 8, 8};
-
-// A group is its type byte, its location byte and its value.
-constexpr unsigned int cGroupHead = 2;
-
-constexpr td::BYTE cLastPackableType = 5;
-
 const void* indexOffset(unsigned int first)
 {
     return reinterpret_cast<const void*>(static_cast<std::size_t>(first) * sizeof(GLuint));
-}
-
-// @return the position behind the group
-td::BYTE* packUniform(td::BYTE* dst, const Command::_additinalUniform& uniform)
-{
-    dst[0] = uniform.type;
-    dst[1] = uniform.location;
-    std::memcpy(dst + cGroupHead, uniform.value, UniformSize[uniform.type]);
-    return dst + cGroupHead + UniformSize[uniform.type];
-}
-
-// Sends the groups packed from p on, up to a type byte of 0 or the end. @return whether all types were known
-bool sendUniforms(Program& program, const td::BYTE* p, const td::BYTE* pEnd)
-{
-    while (pEnd - p > static_cast<std::ptrdiff_t>(cGroupHead) && p[0] != 0)
-    {
-        const unsigned int type = p[0];
-        const unsigned int location = p[1];
-        const td::BYTE* const v = p + cGroupHead;
-        switch (type)
-        {
-        case 1: // a number
-        case 2: // a texture unit
-            program.setUniformValue(location, static_cast<unsigned int>(v[0]));
-            break;
-        case 3:
-            program.setUniformValue(location, static_cast<td::ColorID>(v[0]));
-            break;
-        case 4:
-            program.setUniformValue(location, glm::vec3(v[0] / 255.0f, v[1] / 255.0f, v[2] / 255.0f));
-            break;
-        case 5:
-            program.setUniformValue(location, glm::vec4(v[0] / 255.0f, v[1] / 255.0f, v[2] / 255.0f, v[3] / 255.0f));
-            break;
-        default:
-            return false;
-        }
-        p = v + UniformSize[type];
-    }
-    return true;
 }
 
 } // namespace
