@@ -27,8 +27,6 @@ GalleryView::GalleryView(gui::Window& window, std::size_t nthScene, int nFrames)
     using namespace gui::gl;
     createContext(Context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41),
                   {gui::InputDevice::Event::Keyboard});
-    if (_nFrames > 0)
-        toggleTime();
 }
 
 GalleryView::~GalleryView()
@@ -47,17 +45,23 @@ void GalleryView::showScene(std::size_t nthScene)
     std::unique_ptr<Scene> pScene = scenes()[_nthScene].make();
     if (pScene->init())
         _pScene = std::move(pScene);
+    runTime(_nFrames > 0 || (_pScene != nullptr && _pScene->moves()));
     showTitle();
     reRender();
+}
+
+bool GalleryView::prepareNextFrame()
+{
+    const Clock::time_point now = Clock::now();
+    _seconds += std::chrono::duration<double>(now - _lastFrame).count();
+    _lastFrame = now;
+    const bool goesOn = _pScene == nullptr || _pScene->prepareNextFrame(_seconds);
+    return goesOn || _nFrames > 0;
 }
 
 void GalleryView::onDraw(const td::RectNormalized<double>&)
 {
     const Clock::time_point begin = Clock::now();
-    if (isAnimated())
-        _seconds += std::chrono::duration<double>(begin - _lastFrame).count();
-    _lastFrame = begin;
-
     td::Size<double> size;
     getSize(size);
     if (_pScene != nullptr)
@@ -94,13 +98,13 @@ void GalleryView::showTitle()
     _window.setTitle(title.c_str());
 }
 
-void GalleryView::toggleTime()
+void GalleryView::runTime(bool runs)
 {
     _lastFrame = Clock::now();
-    if (isAnimated())
-        stopAnimation();
-    else
+    if (runs)
         startAnimation();
+    else
+        stopAnimation();
 }
 
 bool GalleryView::onKeyPressed(const gui::Key& key)
@@ -115,7 +119,7 @@ bool GalleryView::onKeyPressed(const gui::Key& key)
     else if (key.getVirtual() == Virtual::Left || key.getVirtual() == Virtual::Up)
         showScene(_nthScene + nScenes - 1);
     else if (character == ' ')
-        toggleTime();
+        runTime(!isAnimated());
     else if (character == 'f' || character == 'F')
     {
         _showsCost = !_showsCost;

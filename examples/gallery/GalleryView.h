@@ -13,7 +13,8 @@ namespace gallery
 {
 
 /// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F tells in the
-/// title what a frame costs, F11 fills the screen, Escape leaves it, and the program.
+/// title what a frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
+/// shown, unless the scene moves by itself.
 class GalleryView : public gui::gl::View
 {
 public:
@@ -25,7 +26,7 @@ public:
 protected:
     void onInit() override;
     void onDraw(const td::RectNormalized<double>& rect) override;
-    bool prepareNextFrame() override { return true; }
+    bool prepareNextFrame() override;
     bool onKeyPressed(const gui::Key& key) override;
     void cleanResources() override { _pScene.reset(); }
 
@@ -33,7 +34,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void showScene(std::size_t nthScene);
-    void toggleTime();
+    void runTime(bool runs);
     void showTitle();
 
     gui::Window& _window;

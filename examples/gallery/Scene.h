@@ -28,6 +28,12 @@ public:
 
     /// Draws one picture over the whole viewport. Every Context::Flag is off and polygons are filled, before and after.
     virtual void draw(const Frame& frame) = 0;
+
+    /// Whether time runs in a window as soon as the scene is shown, without a press of Space.
+    virtual bool moves() const { return false; }
+
+    /// Called before each frame while time runs. @return false to stop time after this frame
+    virtual bool prepareNextFrame(double /*seconds*/) { return true; }
 };
 
 } // namespace gallery

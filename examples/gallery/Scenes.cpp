@@ -30,6 +30,10 @@ constexpr SceneInfo cScenes[] = {
      "lets a picture through or keeps it away; colours blended by their alpha and by addition; one ball as "
      "surfaces, lines and points.",
      makeState},
+    {"animation", "Pendulums on the frame clock",
+     "In one minute each of the pendulums swings once more often than the longer one beside it, so that waves run "
+     "through the row and all of it is in line again at the end. Space stops it and lets it go on.",
+     makeAnimation},
 };
 
 } // namespace

@@ -26,5 +26,6 @@ std::unique_ptr<Scene> makePrimitives();
 std::unique_ptr<Scene> makeTextures();
 std::unique_ptr<Scene> makeInstances();
 std::unique_ptr<Scene> makeState();
+std::unique_ptr<Scene> makeAnimation();
 
 } // namespace gallery
