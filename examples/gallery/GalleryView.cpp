@@ -41,10 +41,14 @@ void GalleryView::showScene(std::size_t nthScene)
 {
     _nthScene = nthScene % scenes().size();
     _seconds = cFirstSeconds;
+    _note.clear();
     _pScene.reset();
     std::unique_ptr<Scene> pScene = scenes()[_nthScene].make();
     if (pScene->init())
+    {
         _pScene = std::move(pScene);
+        _pScene->enter(*this);
+    }
     runTime(_nFrames > 0 || (_pScene != nullptr && _pScene->moves()));
     showTitle();
     reRender();
@@ -85,6 +89,8 @@ void GalleryView::showTitle()
 {
     const SceneInfo& scene = scenes()[_nthScene];
     std::string title = std::to_string(_nthScene + 1) + "  " + scene.title;
+    if (!_note.empty())
+        title += " - " + _note;
     if (_showsCost && _nDraws > _nDrawsTold)
     {
         char cost[64];
@@ -96,6 +102,17 @@ void GalleryView::showTitle()
     _millisecondsDrawn = 0;
     _toldAt = Clock::now();
     _window.setTitle(title.c_str());
+}
+
+void GalleryView::grab(gui::Texture& image, const std::function<void()>& callback)
+{
+    readFrameFrameBuffer(image, callback);
+}
+
+void GalleryView::setNote(const std::string& note)
+{
+    _note = note;
+    showTitle();
 }
 
 void GalleryView::runTime(bool runs)
@@ -110,6 +127,8 @@ void GalleryView::runTime(bool runs)
 bool GalleryView::onKeyPressed(const gui::Key& key)
 {
     using Virtual = gui::Key::Virtual;
+    if (_pScene != nullptr && _pScene->onKey(key, true))
+        return true;
     const std::size_t nScenes = scenes().size();
     const char character = key.getChar();
     if (character >= '1' && character <= '9' && static_cast<std::size_t>(character - '1') < nScenes)
@@ -135,5 +154,7 @@ bool GalleryView::onKeyPressed(const gui::Key& key)
         return false;
     return true;
 }
+
+bool GalleryView::onKeyReleased(const gui::Key& key) { return _pScene != nullptr && _pScene->onKey(key, false); }
 
 } // namespace gallery

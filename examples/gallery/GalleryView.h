@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Scenes.h"
+#include "Stage.h"
 
 #include <gui/Window.h>
 #include <gui/gl/View.h>
@@ -15,7 +16,7 @@ namespace gallery
 /// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F tells in the
 /// title what a frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
 /// shown, unless the scene moves by itself.
-class GalleryView : public gui::gl::View
+class GalleryView : public gui::gl::View, private Stage
 {
 public:
     /// @param nthScene  the first to be shown
@@ -28,10 +29,15 @@ protected:
     void onDraw(const td::RectNormalized<double>& rect) override;
     bool prepareNextFrame() override;
     bool onKeyPressed(const gui::Key& key) override;
+    bool onKeyReleased(const gui::Key& key) override;
     void cleanResources() override { _pScene.reset(); }
 
 private:
     using Clock = std::chrono::steady_clock;
+
+    void redraw() override { reRender(); }
+    void grab(gui::Texture& image, const std::function<void()>& callback) override;
+    void setNote(const std::string& note) override;
 
     void showScene(std::size_t nthScene);
     void runTime(bool runs);
@@ -40,6 +46,7 @@ private:
     gui::Window& _window;
     std::unique_ptr<Scene> _pScene;
     std::size_t _nthScene;
+    std::string _note;
     int _nFrames;
     double _seconds; // on the scene's clock
     Clock::time_point _lastFrame;

@@ -2,8 +2,15 @@
 
 #include <td/Size.h>
 
+namespace gui
+{
+class Key;
+}
+
 namespace gallery
 {
+
+class Stage;
 
 /// What a scene must know of the picture it draws.
 struct Frame
@@ -26,6 +33,9 @@ public:
     /// @return false, after a line in the log, when the scene can't be shown
     virtual bool init() = 0;
 
+    /// Called once after init, before anything else.
+    virtual void enter(Stage& /*stage*/) {}
+
     /// Draws one picture over the whole viewport. Every Context::Flag is off and polygons are filled, before and after.
     virtual void draw(const Frame& frame) = 0;
 
@@ -34,6 +44,9 @@ public:
 
     /// Called before each frame while time runs. @return false to stop time after this frame
     virtual bool prepareNextFrame(double /*seconds*/) { return true; }
+
+    /// A key went down or up. @return true to keep it from the gallery, which then does nothing with it
+    virtual bool onKey(const gui::Key& /*key*/, bool /*isDown*/) { return false; }
 };
 
 } // namespace gallery

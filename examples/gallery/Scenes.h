@@ -27,5 +27,6 @@ std::unique_ptr<Scene> makeTextures();
 std::unique_ptr<Scene> makeInstances();
 std::unique_ptr<Scene> makeState();
 std::unique_ptr<Scene> makeAnimation();
+std::unique_ptr<Scene> makeGrab();
 
 } // namespace gallery

@@ -3,6 +3,7 @@
 #include "GLMessages.h"
 #include "GalleryView.h"
 #include "Page.h"
+#include "PictureStage.h"
 #include "Scenes.h"
 
 #include <gui/Application.h>
@@ -121,13 +122,17 @@ bool drawPictures(const SceneInfo& info, const std::filesystem::path& folder, in
     std::unique_ptr<Scene> pScene = info.make();
     if (!pScene->init())
         return false;
+    PictureStage stage(context);
+    pScene->enter(stage);
     for (const int scale : cScales)
     {
         gui::Texture picture;
         const std::string name = pictureName(info, scale);
         if (!context.resize(pixels(scale)))
             return false;
-        pScene->draw({cSize, static_cast<double>(scale), cSeconds});
+        do
+            pScene->draw({cSize, static_cast<double>(scale), cSeconds});
+        while (stage.finishFrame());
         if (!context.readPixels(picture) || !picture.saveToFile((folder / name).c_str()))
             return false;
         std::printf("[%d/%d] %s\n", ++nDrawn, nPictures, name.c_str());

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace gui
+{
+class Texture;
+}
+
+namespace gallery
+{
+
+/// Where scenes are shown, for those that do more than draw: a window, or a picture that is drawn without one. It outlives
+/// its scenes.
+class Stage
+{
+public:
+    virtual ~Stage() = default;
+
+    /// Asks for another frame, although time may stand still.
+    virtual void redraw() = 0;
+
+    /// Reads the next frame that is drawn, or the one being drawn, as View::readFrameFrameBuffer does.
+    virtual void grab(gui::Texture& image, const std::function<void()>& callback) = 0;
+
+    /// What the window's title says behind the scene's own. @param note  empty for nothing
+    virtual void setNote(const std::string& note) = 0;
+};
+
+} // namespace gallery
