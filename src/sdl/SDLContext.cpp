@@ -7,6 +7,7 @@
 #include <SDL_error.h>
 #include <epoxy/gl.h>
 
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -123,6 +124,22 @@ SDLContext::~SDLContext()
     CurrentContext::died(_context);
     SDL_GL_DeleteContext(_context);
     SDL_DestroyWindow(_pWindow);
+}
+
+bool SDLContext::renewBuffers()
+{
+    const char* const driver = SDL_GetCurrentVideoDriver();
+    if (driver != nullptr && std::strcmp(driver, "wayland") == 0)
+    {
+        // Drivers ask for the size when the context is bound. A swap would copy pixels between buffers of different sizes.
+        SDL_GL_MakeCurrent(nullptr, nullptr);
+        return makeCurrent();
+    }
+    // On X11 they ask at a swap only: the first frame would be drawn into buffers of the old size.
+    if (!makeCurrent())
+        return false;
+    SDL_GL_SwapWindow(_pWindow);
+    return true;
 }
 
 bool SDLContext::makeCurrent()

@@ -27,6 +27,9 @@ public:
     /// @return false, after a log line, when it cannot be made current
     bool makeCurrent();
 
+    /// The window has another size, or was shown: what is drawn next goes into buffers that fit. As makeCurrent.
+    bool renewBuffers();
+
     SDL_Window* getWindow() const { return _pWindow; }
 
 private:

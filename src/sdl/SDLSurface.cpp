@@ -66,16 +66,11 @@ public:
 
     bool followWindow() override
     {
-        if (!makeCurrent())
-            return false;
         const bool isShown = (SDL_GetWindowFlags(window()) & SDL_WINDOW_HIDDEN) == 0;
         const td::Size<int> size = getDrawableSize();
         const bool isSizeNew = std::exchange(_presentedSize, size) != size;
         const bool isNewlyShown = isShown && !std::exchange(_isShown, isShown);
-        // The driver makes its buffers at the next swap only: the first frame would be drawn into those of the old size.
-        if (isSizeNew || isNewlyShown)
-            flush();
-        return true;
+        return isSizeNew || isNewlyShown ? _pContext->renewBuffers() : makeCurrent();
     }
 
     void setCursor(gui::Cursor::Type type) override
