@@ -7,6 +7,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstring>
 
 namespace gui::gl
@@ -30,7 +31,7 @@ private:
     static void onKeymap(void* pThis, wl_keyboard*, uint32_t format, int32_t fd, uint32_t size);
     static void onEnter(void*, wl_keyboard*, uint32_t, wl_surface*, wl_array*) {}
     static void onLeave(void*, wl_keyboard*, uint32_t, wl_surface*) {}
-    static void onKey(void*, wl_keyboard*, uint32_t, uint32_t, uint32_t, uint32_t) {}
+    static void onKey(void* pThis, wl_keyboard*, uint32_t, uint32_t, uint32_t keyCode, uint32_t);
     static void onModifiers(void* pThis, wl_keyboard*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t group);
     static void onRepeatInfo(void*, wl_keyboard*, int32_t, int32_t) {}
 
@@ -45,6 +46,7 @@ private:
     xkb_keymap* _pKeymap = nullptr;
     xkb_state* _pState = nullptr;
     uint32_t _group = 0;
+    std::array<uint32_t, 256> _keyGroups{}; // of each key, when it went down or up last
 };
 
 WaylandKeyboard::WaylandKeyboard(wl_display* pDisplay)
@@ -94,6 +96,14 @@ void WaylandKeyboard::onKeymap(void* pThis, wl_keyboard*, uint32_t format, int32
     keyboard._pState = xkb_state_new(pKeymap);
 }
 
+// A whole batch of events is read before the first is asked about; the layout may have changed since.
+void WaylandKeyboard::onKey(void* pThis, wl_keyboard*, uint32_t, uint32_t, uint32_t keyCode, uint32_t)
+{
+    auto& keyboard = *static_cast<WaylandKeyboard*>(pThis);
+    if (keyCode < keyboard._keyGroups.size())
+        keyboard._keyGroups[keyCode] = keyboard._group;
+}
+
 void WaylandKeyboard::onModifiers(void* pThis, wl_keyboard*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t group)
 {
     static_cast<WaylandKeyboard*>(pThis)->_group = group;
@@ -108,7 +118,7 @@ std::uint32_t WaylandKeyboard::getSymbol(const gui::SDLEvent& keyEvent, bool isS
         return 0;
     const xkb_mod_index_t shift = xkb_keymap_mod_get_index(_pKeymap, XKB_MOD_NAME_SHIFT);
     const xkb_mod_mask_t modifiers = isShifted && shift != XKB_MOD_INVALID ? xkb_mod_mask_t(1) << shift : 0;
-    xkb_state_update_mask(_pState, modifiers, 0, 0, 0, 0, _group);
+    xkb_state_update_mask(_pState, modifiers, 0, 0, 0, 0, _keyGroups[keyCode]);
     return xkb_state_key_get_one_sym(_pState, keyCode + cFirstKeyCode);
 }
 
