@@ -41,6 +41,19 @@ std::string keyText(const gui::Key& key)
     return text.str();
 }
 
+// From bytes of red, green, blue and alpha, the bottom row first.
+Screenshot toScreenshot(int width, int height, const unsigned char* bytes)
+{
+    Screenshot picture{width, height, {}};
+    for (int y = height - 1; y >= 0; --y)
+        for (int x = 0; x < width; ++x)
+        {
+            const unsigned char* const pPixel = bytes + (y * width + x) * 4;
+            picture.pixels.push_back(static_cast<std::uint32_t>(pPixel[0] << 16 | pPixel[1] << 8 | pPixel[2]));
+        }
+    return picture;
+}
+
 void fill(int x, int y, int width, int height, std::uint32_t color)
 {
     const auto channel = [color](unsigned int shift) { return static_cast<float>((color >> shift) & 0xFF) / 255; };
@@ -83,11 +96,23 @@ Screenshot RecordingView::grab()
     readFrameFrameBuffer(texture, [&isRead] { isRead = true; });
     if (!waitInLoop([&] { return isRead; }))
         return {};
-    texture.mirrorVertically();
-    Screenshot picture{texture.getWidth(), texture.getHeight(), {}};
-    const unsigned char* pByte = texture.getBytes();
-    for (int i = 0; i < picture.width * picture.height; ++i, pByte += 4)
-        picture.pixels.push_back(static_cast<std::uint32_t>(pByte[0] << 16 | pByte[1] << 8 | pByte[2]));
+    return toScreenshot(texture.getWidth(), texture.getHeight(), texture.getBytes());
+}
+
+Screenshot RecordingView::readPixels()
+{
+    Screenshot picture;
+    onFrame = [&picture]
+    {
+        int viewport[4]{};
+        glGetIntegerv(GL_VIEWPORT, viewport);
+        std::vector<unsigned char> bytes(static_cast<std::size_t>(viewport[2] * viewport[3] * 4));
+        glReadPixels(0, 0, viewport[2], viewport[3], GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+        picture = toScreenshot(viewport[2], viewport[3], bytes.data());
+    };
+    reRender();
+    waitInLoop([&] { return picture.width != 0; });
+    onFrame = nullptr;
     return picture;
 }
 

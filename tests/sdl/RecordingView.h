@@ -41,6 +41,8 @@ public:
     bool hasHeard(const std::vector<std::string>& expected);
     /// Waits in the run loop for a frame and reads it.
     Screenshot grab();
+    /// The same without the toolkit's help, in the device pixels of wherever the view is.
+    Screenshot readPixels();
 
     void forgetLines() { lines.clear(); }
 

@@ -39,6 +39,18 @@ std::string readNumber(int fd)
     return text;
 }
 
+std::string nameOf(Display* pDisplay, Window window)
+{
+    XTextProperty text{};
+    std::string name;
+    const Atom property = XInternAtom(pDisplay, "_NET_WM_NAME", False);
+    if (XGetTextProperty(pDisplay, window, &text, property) != 0 && text.value != nullptr)
+        name = reinterpret_cast<const char*>(text.value);
+    if (text.value != nullptr)
+        XFree(text.value);
+    return name;
+}
+
 } // namespace
 
 XServer::XServer()
@@ -97,12 +109,8 @@ XServer::Window XServer::findWindow(const std::string& title) const { return fin
 XServer::Window XServer::findBelow(Window parent, const std::string& title) const
 {
     XWindowAttributes attributes{};
-    char* pName = nullptr;
     const bool isMapped = XGetWindowAttributes(_pDisplay, parent, &attributes) && attributes.map_state == IsViewable;
-    const bool isNamed = isMapped && XFetchName(_pDisplay, parent, &pName) != 0 && title == pName;
-    if (pName != nullptr)
-        XFree(pName);
-    if (isNamed)
+    if (isMapped && nameOf(_pDisplay, parent) == title)
         return parent;
     Window root = 0;
     Window grandParent = 0;
@@ -171,6 +179,12 @@ XServer::Window XServer::focus() const
     int revertTo = 0;
     XGetInputFocus(_pDisplay, &window, &revertTo);
     return window;
+}
+
+void XServer::setFocus(Window window) const
+{
+    XSetInputFocus(_pDisplay, window, RevertToPointerRoot, CurrentTime);
+    XSync(_pDisplay, False);
 }
 
 Screenshot XServer::shoot(const Place& place) const

@@ -57,6 +57,7 @@ public:
     /// As the close button of its frame does.
     void askToClose(Window window) const;
     Window focus() const;
+    void setFocus(Window window) const;
 
     /// What the screen shows there.
     Screenshot shoot(const Place& place) const;
