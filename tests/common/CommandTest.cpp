@@ -72,11 +72,11 @@ TEST_F(CommandTest, EachKindDrawsEachPrimitive)
         arrays.createDrawArrays(primitive, INT_MAX, 12);
         elements.createDrawElements(primitive, 6, 12);
         arraysInstanced.createDrawArraysInstanced(primitive, 6, 12, 9);
-        elementsInstanced.createDrawElementsInstanced(primitive, UINT_MAX, 12, 9);
+        elementsInstanced.createDrawElementsInstanced(primitive, 0x40000006, 12, 9);
         EXPECT_EQ(callsOf(arrays), Calls{"glDrawArrays(" + glMode + ", 2147483647, 12)"});
         EXPECT_EQ(callsOf(elements), Calls{"glDrawElements(" + glMode + ", 12, 0x1405, 24)"});
         EXPECT_EQ(callsOf(arraysInstanced), Calls{"glDrawArraysInstanced(" + glMode + ", 6, 12, 9)"});
-        // 4 times the largest index: in 32 bits it would wrap.
+        // In 32 bits the offset would wrap to 24.
         EXPECT_EQ(callsOf(elementsInstanced), Calls{"glDrawElementsInstanced(" + glMode + ", 12, 0x1405, ptr, 9)"});
     }
 }

@@ -3,7 +3,6 @@
 
 #include <gui/Texture.h>
 #include <gui/gl/Buffer.h>
-#include <gui/gl/Command.h>
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
@@ -26,16 +25,13 @@ using gui::gl::OffscreenContext;
 
 struct TestProgram : gui::gl::Program
 {
-    void onLinked() override { _color3Location = getUniformLocation("color3"); }
+    void onLinked() override {}
 
     bool linkAll()
     {
         return link("#version 330 core\nvoid main() { gl_Position = vec4(0.0, 0.0, 0.0, 1.0); }",
-                    "#version 330 core\nuniform vec3 color3;\nout vec4 color;\n"
-                    "void main() { color = vec4(color3, 1.0); }");
+                    "#version 330 core\nout vec4 color;\nvoid main() { color = vec4(1.0); }");
     }
-
-    using Program::_color3Location;
 };
 
 /// One of each class that owns GL objects.
@@ -152,30 +148,6 @@ TEST_F(CurrentContextGLTest, OwnersThatOutliveTheirContextForgetTheirNames)
         EXPECT_EQ(alive(_names), "111");
     }
     EXPECT_EQ(CurrentContext::getID(), 0u);
-}
-
-// The colour last sent went to the other context's program.
-TEST_F(CurrentContextGLTest, CachesAreResetWithTheContext)
-{
-    gui::gl::Command red;
-    red.createDrawArrayPoints(0, 1, 8);
-    red.setColor(td::ColorID::Red);
-    ASSERT_TRUE(red.encode());
-    GLuint vertexArray = 0;
-    glGenVertexArrays(1, &vertexArray);
-    glBindVertexArray(vertexArray);
-    TestProgram program;
-    ASSERT_TRUE(program.linkAll());
-    program.activate();
-    red.execute();
-    context().makeCurrent();
-    _second->makeCurrent();
-    glUseProgram(program.getID());
-    glUniform3f(program._color3Location, 0, 0, 1); // a host's own GL code between the frames
-    program.activate();
-    red.execute();
-    EXPECT_EQ(pixel(16, 16), (test::Pixel{255, 0, 0}));
-    glDeleteVertexArrays(1, &vertexArray);
 }
 
 } // namespace

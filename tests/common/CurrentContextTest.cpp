@@ -1,3 +1,4 @@
+#include "support/CaughtAsserts.h"
 #include "support/GLTrace.h"
 
 #include <gui/gl/Buffer.h>
@@ -36,6 +37,7 @@ protected:
     }
 
     GLTrace trace{GLTrace::Null};
+    test::CaughtAsserts asserts;
     char a = 0;
     char b = 0;
 };
@@ -89,27 +91,29 @@ struct ColorProgram : gui::gl::Program
     void onLinked() override { _color3Location = 0; }
 };
 
-// The other context has other uniform values: a colour that was sent in the first one must be sent there too.
-TEST_F(CurrentContextTest, AnotherContextForgetsWhatWasSent)
+// Sent without a program of this context in use, colours and matrices would go nowhere, or to a neighbour's program.
+TEST_F(CurrentContextTest, AnotherContextHasNoCurrentProgramYet)
 {
     CurrentContext::set(&a);
-    ColorProgram inA;
-    ASSERT_TRUE(inA.link("v", "f"));
+    ColorProgram program;
+    ASSERT_TRUE(program.link("v", "f"));
     gui::gl::Command command;
     command.createDrawArrays(gui::gl::Primitive::Triangles, 0, 3);
     command.setColor(td::ColorID::Red);
     ASSERT_TRUE(command.encode());
-    inA.activate();
-    command.execute();
+    program.activate();
+    EXPECT_TRUE(command.execute());
     trace.clear();
     CurrentContext::set(&a); // as before: nothing to forget
-    command.execute();
+    EXPECT_TRUE(command.execute());
     EXPECT_EQ(trace.count("glUniform3fv"), 0u);
     CurrentContext::set(&b);
+    EXPECT_FALSE(command.execute());
+    EXPECT_TRUE(asserts.caught("s_pCurrentProgram != nullptr"));
     CurrentContext::set(&a);
-    inA.activate();
-    command.execute();
-    EXPECT_EQ(trace.count("glUniform3fv"), 1u);
+    EXPECT_FALSE(command.execute());
+    EXPECT_TRUE(asserts.caught("s_pCurrentProgram != nullptr"));
+    EXPECT_EQ(trace.count("glDrawArrays"), 1u);
 }
 
 } // namespace
