@@ -41,8 +41,10 @@ void GalleryView::showScene(std::size_t nthScene)
 {
     _nthScene = nthScene % scenes().size();
     _seconds = cFirstSeconds;
+    _lastFrame = Clock::now();
     _note.clear();
     _pScene.reset();
+    makeCurrentContext(); // the scene may have had others
     std::unique_ptr<Scene> pScene = scenes()[_nthScene].make();
     if (pScene->init())
     {
@@ -56,9 +58,7 @@ void GalleryView::showScene(std::size_t nthScene)
 
 bool GalleryView::prepareNextFrame()
 {
-    const Clock::time_point now = Clock::now();
-    _seconds += std::chrono::duration<double>(now - _lastFrame).count();
-    _lastFrame = now;
+    advanceTime();
     const bool goesOn = _pScene == nullptr || _pScene->prepareNextFrame(_seconds);
     return goesOn || _nFrames > 0;
 }
@@ -117,11 +117,27 @@ void GalleryView::setNote(const std::string& note)
 
 void GalleryView::runTime(bool runs)
 {
-    _lastFrame = Clock::now();
+    advanceTime();
     if (runs)
         startAnimation();
     else
         stopAnimation();
+    reRender();
+    if (_pScene != nullptr)
+        _pScene->onTime(runs);
+}
+
+// On the scene's clock.
+double GalleryView::secondsSinceFrame(Clock::time_point now) const
+{
+    return isAnimated() ? std::chrono::duration<double>(now - _lastFrame).count() : 0;
+}
+
+void GalleryView::advanceTime()
+{
+    const Clock::time_point now = Clock::now();
+    _seconds += secondsSinceFrame(now);
+    _lastFrame = now;
 }
 
 bool GalleryView::onKeyPressed(const gui::Key& key)
@@ -138,7 +154,7 @@ bool GalleryView::onKeyPressed(const gui::Key& key)
     else if (key.getVirtual() == Virtual::Left || key.getVirtual() == Virtual::Up)
         showScene(_nthScene + nScenes - 1);
     else if (character == ' ')
-        runTime(!isAnimated());
+        toggleTime();
     else if (character == 'f' || character == 'F')
     {
         _showsCost = !_showsCost;

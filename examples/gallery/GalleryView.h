@@ -37,10 +37,14 @@ private:
 
     void redraw() override { reRender(); }
     void grab(gui::Texture& image, const std::function<void()>& callback) override;
+    double getSeconds() const override { return _seconds + secondsSinceFrame(Clock::now()); }
+    void toggleTime() override { runTime(!isAnimated()); }
     void setNote(const std::string& note) override;
 
     void showScene(std::size_t nthScene);
     void runTime(bool runs);
+    double secondsSinceFrame(Clock::time_point now) const;
+    void advanceTime();
     void showTitle();
 
     gui::Window& _window;

@@ -45,6 +45,9 @@ public:
     /// Called before each frame while time runs. @return false to stop time after this frame
     virtual bool prepareNextFrame(double /*seconds*/) { return true; }
 
+    /// Time starts to run, or stops, other than by prepareNextFrame.
+    virtual void onTime(bool /*runs*/) {}
+
     /// A key went down or up. @return true to keep it from the gallery, which then does nothing with it
     virtual bool onKey(const gui::Key& /*key*/, bool /*isDown*/) { return false; }
 };

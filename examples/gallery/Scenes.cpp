@@ -38,6 +38,10 @@ constexpr SceneInfo cScenes[] = {
      "Each frame is read back and becomes a texture in the next one, which stands in that one in turn. S saves the "
      "last frame that was read as a PNG file.",
      makeGrab},
+    {"windows", "Two windows, one clock",
+     "Planets that go by a clock. W opens a second window with a view and a context of its own, which goes by the same "
+     "one: both show the same moment, and Space stops both, pressed in either.",
+     makeWindows},
 };
 
 } // namespace

@@ -28,5 +28,6 @@ std::unique_ptr<Scene> makeInstances();
 std::unique_ptr<Scene> makeState();
 std::unique_ptr<Scene> makeAnimation();
 std::unique_ptr<Scene> makeGrab();
+std::unique_ptr<Scene> makeWindows();
 
 } // namespace gallery

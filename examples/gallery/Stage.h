@@ -24,6 +24,11 @@ public:
     /// Reads the next frame that is drawn, or the one being drawn, as View::readFrameFrameBuffer does.
     virtual void grab(gui::Texture& image, const std::function<void()>& callback) = 0;
 
+    /// The scene's clock, now: beyond the frame drawn last while time runs.
+    virtual double getSeconds() const = 0;
+    /// As Space does.
+    virtual void toggleTime() = 0;
+
     /// What the window's title says behind the scene's own. @param note  empty for nothing
     virtual void setNote(const std::string& note) = 0;
 };

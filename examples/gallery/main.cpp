@@ -122,7 +122,7 @@ bool drawPictures(const SceneInfo& info, const std::filesystem::path& folder, in
     std::unique_ptr<Scene> pScene = info.make();
     if (!pScene->init())
         return false;
-    PictureStage stage(context);
+    PictureStage stage(context, cSeconds);
     pScene->enter(stage);
     for (const int scale : cScales)
     {
