@@ -25,8 +25,11 @@ GalleryView::GalleryView(gui::Window& window, std::size_t nthScene, int nFrames)
     , _seconds(cFirstSeconds)
 {
     using namespace gui::gl;
+    using Event = gui::InputDevice::Event;
     createContext(Context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41),
-                  {gui::InputDevice::Event::Keyboard});
+                  {Event::CursorEnterLeave, Event::PrimaryClicks, Event::SecondaryClicks, Event::CursorMove,
+                   Event::CursorDrag, Event::ScrollAndZoom, Event::Keyboard});
+    registerForFocusEvents();
 }
 
 GalleryView::~GalleryView()
@@ -43,6 +46,7 @@ void GalleryView::showScene(std::size_t nthScene)
     _seconds = cFirstSeconds;
     _lastFrame = Clock::now();
     _note.clear();
+    setCursor(gui::Cursor::Type::Default);
     _pScene.reset();
     makeCurrentContext(); // the scene may have had others
     std::unique_ptr<Scene> pScene = scenes()[_nthScene].make();
@@ -50,6 +54,7 @@ void GalleryView::showScene(std::size_t nthScene)
     {
         _pScene = std::move(pScene);
         _pScene->enter(*this);
+        _pScene->onFocus(_hasFocus);
     }
     runTime(_nFrames > 0 || (_pScene != nullptr && _pScene->moves()));
     showTitle();
@@ -113,6 +118,21 @@ void GalleryView::setNote(const std::string& note)
 {
     _note = note;
     showTitle();
+}
+
+// @return whether there is a scene to take the event
+bool GalleryView::tell(PointerEvent event, const gui::InputDevice& device)
+{
+    if (_pScene != nullptr)
+        _pScene->onPointer(event, device);
+    return _pScene != nullptr;
+}
+
+void GalleryView::setFocus(bool hasFocus)
+{
+    _hasFocus = hasFocus;
+    if (_pScene != nullptr)
+        _pScene->onFocus(hasFocus);
 }
 
 void GalleryView::runTime(bool runs)

@@ -28,6 +28,25 @@ protected:
     void onInit() override;
     void onDraw(const td::RectNormalized<double>& rect) override;
     bool prepareNextFrame() override;
+    void onCursorEntered(const gui::InputDevice& device) override { tell(PointerEvent::Entered, device); }
+    void onCursorMoved(const gui::InputDevice& device) override { tell(PointerEvent::Moved, device); }
+    void onCursorDragged(const gui::InputDevice& device) override { tell(PointerEvent::Dragged, device); }
+    void onCursorExited(const gui::InputDevice& device) override { tell(PointerEvent::Exited, device); }
+    void onPrimaryButtonPressed(const gui::InputDevice& device) override { tell(PointerEvent::Pressed, device); }
+    void onPrimaryButtonReleased(const gui::InputDevice& device) override { tell(PointerEvent::Released, device); }
+    void onPrimaryButtonDblClick(const gui::InputDevice& device) override { tell(PointerEvent::DoubleClicked, device); }
+    void onSecondaryButtonPressed(const gui::InputDevice& device) override
+    {
+        tell(PointerEvent::SecondaryPressed, device);
+    }
+    void onSecondaryButtonReleased(const gui::InputDevice& device) override
+    {
+        tell(PointerEvent::SecondaryReleased, device);
+    }
+    bool onScroll(const gui::InputDevice& device) override { return tell(PointerEvent::Scrolled, device); }
+    bool onZoom(const gui::InputDevice& device) override { return tell(PointerEvent::Zoomed, device); }
+    void onFocusIn() override { setFocus(true); }
+    void onFocusOut() override { setFocus(false); }
     bool onKeyPressed(const gui::Key& key) override;
     bool onKeyReleased(const gui::Key& key) override;
     void cleanResources() override { _pScene.reset(); }
@@ -39,9 +58,12 @@ private:
     void grab(gui::Texture& image, const std::function<void()>& callback) override;
     double getSeconds() const override { return _seconds + secondsSinceFrame(Clock::now()); }
     void toggleTime() override { runTime(!isAnimated()); }
+    void setCursor(gui::Cursor::Type type) override { View::setCursor(type, true); }
     void setNote(const std::string& note) override;
 
     void showScene(std::size_t nthScene);
+    bool tell(PointerEvent event, const gui::InputDevice& device);
+    void setFocus(bool hasFocus);
     void runTime(bool runs);
     double secondsSinceFrame(Clock::time_point now) const;
     void advanceTime();
@@ -54,6 +76,7 @@ private:
     int _nFrames;
     double _seconds; // on the scene's clock
     Clock::time_point _lastFrame;
+    bool _hasFocus = false;
     bool _showsCost = false;
     int _nDraws = 0;
     int _nDrawsTold = 0;

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <td/Size.h>
+#include <td/Types.h>
 
 namespace gui
 {
+class InputDevice;
 class Key;
-}
+} // namespace gui
 
 namespace gallery
 {
@@ -18,6 +20,22 @@ struct Frame
     td::Size<double> size; ///< in points
     double scale;          ///< device pixels per point
     double seconds;        ///< since the start
+};
+
+/// What a pointer, a wheel or a gesture did. See gui::DrawableView's handlers, which are named alike.
+enum class PointerEvent : td::BYTE
+{
+    Entered,
+    Moved,
+    Dragged,
+    Exited,
+    Pressed,
+    Released,
+    DoubleClicked,
+    SecondaryPressed,
+    SecondaryReleased,
+    Scrolled,
+    Zoomed
 };
 
 /// One feature of the library, shown. A scene owns its programs, buffers and textures, and is destroyed before its context.
@@ -47,6 +65,11 @@ public:
 
     /// Time starts to run, or stops, other than by prepareNextFrame.
     virtual void onTime(bool /*runs*/) {}
+
+    virtual void onPointer(PointerEvent /*event*/, const gui::InputDevice& /*device*/) {}
+
+    /// Keys go to the window, or to another. Called after enter too.
+    virtual void onFocus(bool /*hasFocus*/) {}
 
     /// A key went down or up. @return true to keep it from the gallery, which then does nothing with it
     virtual bool onKey(const gui::Key& /*key*/, bool /*isDown*/) { return false; }

@@ -34,6 +34,10 @@ constexpr SceneInfo cScenes[] = {
      "In one minute each of the pendulums swings once more often than the longer one beside it, so that waves run "
      "through the row and all of it is in line again at the end. Space stops it and lets it go on.",
      makeAnimation},
+    {"input", "Pointer, wheel and keys",
+     "The last events of every kind: the pointer's trail and its clicks, wheel and zoom as bars, modifiers as lamps, "
+     "keys as they go down, the focus as a border. The window's title tells the last one's record in full.",
+     makeInput},
     {"grab", "Frames in frames",
      "Each frame is read back and becomes a texture in the next one, which stands in that one in turn. S saves the "
      "last frame that was read as a PNG file.",

@@ -27,6 +27,7 @@ std::unique_ptr<Scene> makeTextures();
 std::unique_ptr<Scene> makeInstances();
 std::unique_ptr<Scene> makeState();
 std::unique_ptr<Scene> makeAnimation();
+std::unique_ptr<Scene> makeInput();
 std::unique_ptr<Scene> makeGrab();
 std::unique_ptr<Scene> makeWindows();
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gui/Cursor.h>
+
 #include <functional>
 #include <string>
 
@@ -28,6 +30,9 @@ public:
     virtual double getSeconds() const = 0;
     /// As Space does.
     virtual void toggleTime() = 0;
+
+    /// The pointer's shape over the scene, at once; an arrow at first.
+    virtual void setCursor(gui::Cursor::Type type) = 0;
 
     /// What the window's title says behind the scene's own. @param note  empty for nothing
     virtual void setNote(const std::string& note) = 0;

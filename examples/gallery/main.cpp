@@ -124,6 +124,7 @@ bool drawPictures(const SceneInfo& info, const std::filesystem::path& folder, in
         return false;
     PictureStage stage(context, cSeconds);
     pScene->enter(stage);
+    PictureStage::play(*pScene, cSize);
     for (const int scale : cScales)
     {
         gui::Texture picture;
