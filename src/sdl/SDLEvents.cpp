@@ -4,6 +4,8 @@
 #include "KeyMapping.h"
 #include "Keyboard.h"
 
+#include <gui/gl/InputTuning.h>
+
 #include <SDL_mouse.h>
 #include <SDL_touch.h>
 #include <xkbcommon/xkbcommon-keysyms.h>

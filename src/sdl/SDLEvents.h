@@ -4,16 +4,7 @@
 #include "sdl/SDLEvent.h"
 
 #include <SDL_video.h>
-#include <td/Export.h>
 #include <td/Point.h>
-
-namespace zav
-{
-
-/// How many wheel units one notch of a mouse wheel is; 10. An application may change it before it is used.
-GUIGL_API extern double s_wheelUnitsPerNotch;
-
-} // namespace zav
 
 namespace gui::gl
 {
