@@ -41,6 +41,8 @@ void setCurrentProgram(Program* pProgram)
     s_prevColor = td::Color(0, 0, 0, 0);
 }
 
+void ProgHelper::forgetTexture() { s_prevTexture = cNoTexture; }
+
 bool ProgHelper::isCurrent(const Program* pProgram) { return s_pCurrentProgram == pProgram; }
 
 // The functions that encode chooses from. Those of a row differ only in the mode.

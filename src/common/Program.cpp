@@ -321,6 +321,12 @@ void Program::useNone()
     setCurrentProgram(nullptr);
 }
 
+void Program::setTextures(Textures* pTextures)
+{
+    _pTextures = pTextures;
+    ProgHelper::forgetTexture();
+}
+
 void Program::reserveCommands(std::size_t n) { _commandList.reserve(n); }
 
 Command* Program::createCommand() { return _commandList.get(); }

@@ -1,6 +1,8 @@
 // The uniform setters of Program.
 #include <gui/gl/Program.h>
 
+#include "ProgHelper.h"
+
 #include <gui/gl/Color.h>
 
 #include <epoxy/gl.h>
@@ -93,6 +95,7 @@ void Program::setUniformValue(unsigned int loc, Texture::Type type, unsigned int
     if (glUnit == 0)
         return;
     Textures::bindToSamplerUnit(textureID, unit, type);
+    ProgHelper::forgetTexture();
     glUniform1i(toGL(loc), static_cast<GLint>(unit));
 }
 

@@ -1,5 +1,6 @@
 #include <gui/gl/Textures.h>
 
+#include "ProgHelper.h"
 #include "TextureUpload.h"
 
 #include <gui/Texture.h>
@@ -91,6 +92,7 @@ bool Textures::canAppend(const char* operation, std::size_t n)
     TD_ASSERT(_textures.size() == 0 || _contextID == CurrentContext::getID(), false);
     TD_ASSERT(_textures.size() + n <= std::numeric_limits<unsigned short>::max(), false);
     _contextID = CurrentContext::getID();
+    ProgHelper::forgetTexture();
     return true;
 }
 
@@ -230,8 +232,7 @@ bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
 
 void Textures::reserve(unsigned short n)
 {
-    for (const TextureInfo& texture : _textures)
-        CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, texture.id);
+    release();
     _textures.reserve(n);
 }
 
@@ -288,6 +289,7 @@ void Textures::bindToSamplerUnit(unsigned int textureID, Unit unit, Texture::Typ
 
 void Textures::release()
 {
+    ProgHelper::forgetTexture();
     for (const TextureInfo& texture : _textures)
         CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, texture.id);
     _textures.release();

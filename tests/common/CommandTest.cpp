@@ -239,8 +239,16 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
     EXPECT_TRUE(
         trace.only({unit1, "glBindTexture(0xde1, 3)", draw, draw, unit1, "glBindTexture(0xde1, 4)", draw, unit1,
                     "glBindTexture(0xde1, 201)", draw, "glActiveTexture(0x84c0)", "glBindTexture(0xde1, 3)", draw}));
+
+    // Appending binds other textures where the command's was.
+    ASSERT_TRUE(textures.append({&dot}, gui::gl::Texture::Type::Tex2D));
+    trace.clear();
+    EXPECT_TRUE(otherUnit.execute());
+    EXPECT_EQ(trace.count("glBindTexture"), 1U);
+    trace.clear();
+
     program.setTextures(nullptr);
-    EXPECT_FALSE(two.execute());
+    EXPECT_FALSE(otherUnit.execute());
     EXPECT_TRUE(log.said("Error! Textures used without being set in an active program!"));
     EXPECT_TRUE(asserts.caught("pTextures"));
     EXPECT_TRUE(trace.only({}));

@@ -110,8 +110,8 @@ public:
     void setTypeInfo(Type type, DrawSubType subType);
 
     /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and after
-    /// one of a single byte a second of a single byte; a uniform command has 13 bytes, of which each further uniform takes
-    /// 2 more than its value, and one stays free.
+    /// one of a single byte a second of a single byte; a uniform command has 13 bytes, of which each further uniform
+    /// takes two more than its value, and one stays free.
     /// @param pUniforms  n of them, types 1 to 5
     /// @return false when not all fit; those that did stay
     bool setAdditionalUniforms(_additinalUniform* pUniforms, unsigned char n);
@@ -121,9 +121,10 @@ public:
     bool encode();
 
     /// Performs the command. Needs the program current (Program::activate) and the buffer active. Colour and texture
-    /// are sent only when they differ from the last ones sent to this program since it was activated. A command that is
-    /// not encoded writes "Error! Command not encoded!" and asserts; one with a texture asserts when the program has no
-    /// texture set, after "Error! Textures used without being set in an active program!".
+    /// are sent only when they differ from the last ones sent since the program was activated; an opaque colour counts as
+    /// the same whether it was sent with its alpha or without. A command that is not encoded writes
+    /// "Error! Command not encoded!" and asserts; one with a texture asserts when the program has no texture set, after
+    /// "Error! Textures used without being set in an active program!".
     bool execute();
 
     /// Back to an empty command.

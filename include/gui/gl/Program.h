@@ -108,7 +108,8 @@ public:
     void setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, false>& matrices, std::size_t n = 0);
 
     /// The program's colour and model-view-projection uniforms. A program without them asserts "_color3Location >= 0"
-    /// and so on. A command's colour or matrix arrives here.
+    /// and so on. A command's colour or matrix arrives here. A colour set by hand is unknown to the commands, which may
+    /// leave out one that they sent before: activate the program again in between.
     void setColor3(const glm::vec3& color);
     void setColor4(const glm::vec4& color);
     void setMVP(const glm::mat4& mvp);
@@ -122,7 +123,7 @@ public:
 
     /// Neither is owned; null for none. They must live as long as the program uses them.
     void setBuffer(Buffer* pBuffer) { _pBuffer = pBuffer; }
-    void setTextures(Textures* pTextures) { _pTextures = pTextures; }
+    void setTextures(Textures* pTextures);
 
     /// The program's own commands (see CommandList).
     void reserveCommands(std::size_t n);
