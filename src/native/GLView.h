@@ -86,7 +86,7 @@ private:
     class Busy;
 
     GLView(View* pView, const Context& context, unsigned short events);
-    ~GLView();
+    ~GLView() override;
 
     void prepareOpenGL();
     void updateScreenFramebuffer();
