@@ -222,6 +222,29 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     EXPECT_FALSE(view.isPictureWrong || view.isContextWrong);
 }
 
+TEST_F(WaylandTest, TwoWindowsTwoContexts)
+{
+    RecordingView first;
+    RecordingView second;
+    first.create(Context::Animation::On);
+    second.create(Context::Animation::On);
+    // Not a grey: the decorations have those.
+    second.topLeft = 0xC020C0;
+    gui::Window firstWindow("First", {200, 150});
+    gui::Window secondWindow("Second", {160, 100});
+    ASSERT_NO_FATAL_FAILURE(show(firstWindow, first, 0));
+    ASSERT_NO_FATAL_FAILURE(show(secondWindow, second, 1));
+    EXPECT_TRUE(showsItsFrame(first));
+    EXPECT_TRUE(showsItsFrame(second));
+    firstWindow.close();
+    EXPECT_TRUE(first.isCleaned);
+    const int nFrames = second.nFrames;
+    EXPECT_TRUE(waitInLoop([&] { return second.nFrames >= nFrames + 3; }));
+    EXPECT_TRUE(showsItsFrame(second));
+    EXPECT_FALSE(first.isContextWrong || second.isContextWrong);
+    EXPECT_FALSE(first.isPictureWrong || second.isPictureWrong);
+}
+
 } // namespace
 
 } // namespace test

@@ -120,7 +120,7 @@ TEST_F(X11WindowTest, TwoWindowsTwoContexts)
     RecordingView second;
     first.create(Context::Animation::On);
     second.create(Context::Animation::On);
-    second.topLeft = 0x808080;
+    second.topLeft = 0xC020C0;
     gui::Window firstWindow("First", {300, 200});
     gui::Window secondWindow("Second", {240, 160});
     ASSERT_NO_FATAL_FAILURE(show(firstWindow, first, "First"));
