@@ -1,0 +1,20 @@
+#pragma once
+
+#include <gui/gl/Triang2D.h>
+
+namespace gui::gl
+{
+
+// What the exported functions of the same meaning do, for loops: an exported one is never inlined.
+
+inline float turnArea(const td::Point<float>& a, const td::Point<float>& b, const td::Point<float>& c)
+{
+    return (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
+}
+
+inline int turnSign(const td::Point<float>& a, const td::Point<float>& b, const td::Point<float>& c)
+{
+    return sgn((b.x - a.x) * (c.y - b.y) - (b.y - a.y) * (c.x - b.x));
+}
+
+} // namespace gui::gl

@@ -1,0 +1,147 @@
+#include <gui/gl/Triang2D.h>
+
+#include "Predicates.h"
+
+#include <gui/gl/Buffer.h>
+#include <gui/gl/SimplePolygon.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <algorithm>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+// The triangles of a polygon, as numbers of vertices of which the polygon's first is base.
+cnt::PushBackVector<unsigned int, 0>& indicesFrom(SimplePolygon& polygon, std::size_t base)
+{
+    for (unsigned int& index : polygon.getIndices())
+        index += static_cast<unsigned int>(base);
+    return polygon.getIndices();
+}
+
+} // namespace
+
+float crossProduct(const td::Point<float>& a, const td::Point<float>& b, const td::Point<float>& c)
+{
+    return turnArea(a, b, c);
+}
+
+int orientation(const td::Point<float>& a, const td::Point<float>& b, const td::Point<float>& c)
+{
+    return turnSign(a, b, c);
+}
+
+std::tuple<bool, unsigned int, unsigned int> isConvex(const td::Point<float>* points, unsigned int n)
+{
+    if (n <= 4)
+        return {true, 0, 0};
+    unsigned int nNeg = 0, nPos = 0, firstNeg = 0, firstPos = 0;
+    for (unsigned int i = 0; i < n; ++i)
+    {
+        const unsigned int j = i + 1 < n ? i + 1 : 0;
+        const unsigned int k = j + 1 < n ? j + 1 : 0;
+        const float c = turnArea(points[i], points[j], points[k]);
+        if (c < 0 && ++nNeg == 1)
+            firstNeg = j;
+        else if (c > 0 && ++nPos == 1)
+            firstPos = j;
+        if (nNeg > 1 && nPos > 1)
+            return {false, 0, 0};
+    }
+    if (nNeg == 0 || nPos == 0)
+        return {true, 0, 0};
+    if (nNeg == 1)
+        return {true, 1, firstNeg};
+    return {true, nPos, firstPos};
+}
+
+Triang2D::Triang2D(unsigned int nExpectedPoints)
+    : _pSimplePolygon(new SimplePolygon(nExpectedPoints))
+{
+}
+
+Triang2D::~Triang2D() { delete _pSimplePolygon; }
+
+std::pair<Primitive, unsigned int> Triang2D::triangulate(const td::Point<float>* points, unsigned int n,
+                                                         Points& vertices, Indices& indices)
+{
+    constexpr std::pair<Primitive, unsigned int> nothing{cNothing, 0};
+    if (n < 3)
+        TD_ASSERT(false && "triangulate: Must be 3 indices at least", nothing);
+
+    const std::size_t base = vertices.size();
+    const auto [isFannable, nNonConvex, start] = isConvex(points, n);
+    if (isFannable)
+    {
+        if (nNonConvex != 0)
+            TD_ASSERT(nNonConvex == 1, nothing);
+        vertices.push_back(points, n);
+        std::rotate(vertices.begin() + base, vertices.begin() + base + start, vertices.end());
+        return {Primitive::TriangleFan, 0};
+    }
+
+    // Before the points are appended: they may be vertices themselves, which move when there is no room.
+    const bool isCut = _pSimplePolygon->triangulate(points, n);
+    vertices.push_back(points, n);
+    if (!isCut)
+        return nothing;
+    const Indices& cut = indicesFrom(*_pSimplePolygon, base);
+    indices.push_back(cut.begin(), cut.size());
+    return {Primitive::Triangles, static_cast<unsigned int>(cut.size())};
+}
+
+std::pair<Primitive, unsigned int> Triang2D::triangulate(const Points& points, Points& vertices, Indices& indices)
+{
+    return triangulate(points.begin(), static_cast<unsigned int>(points.size()), vertices, indices);
+}
+
+Command* Triang2D::triangulate(Buffer* pBuffer, const td::Point<float>* points, unsigned int n)
+{
+    TD_ASSERT(pBuffer != nullptr, nullptr);
+    if (const std::size_t nFloats = pBuffer->getVertexStride() / sizeof(float); nFloats != 2)
+    {
+        vo::dbgLog("Error! Triang2D::triangulate obtained wrong stride size. Expected 2 elemens, obtained %u elements",
+                   static_cast<unsigned int>(nFloats));
+        TD_ASSERT(false, nullptr);
+    }
+    if (n < 3)
+        TD_ASSERT(false && "triangulate: Must be 3 indices at least", nullptr);
+    if (pBuffer->isAddOnCommitted())
+        return nullptr;
+
+    const std::size_t base = pBuffer->getNoOfVertices();
+    const std::size_t firstIndex = pBuffer->getNoOfIndices();
+    const auto [isFannable, nNonConvex, start] = isConvex(points, n);
+    if (isFannable)
+    {
+        if (nNonConvex != 0)
+            TD_ASSERT(nNonConvex == 1, nullptr);
+        pBuffer->appendVertices(points + start, n - start);
+        pBuffer->appendVertices(points, start);
+        Command* pComm = pBuffer->getCommandList().get();
+        TD_ASSERT(pComm, nullptr);
+        pComm->createDrawArrays(Primitive::TriangleFan, base, n);
+        return pComm;
+    }
+
+    pBuffer->appendVertices(points, n);
+    if (!_pSimplePolygon->triangulate(points, n))
+        return nullptr;
+    const Indices& cut = indicesFrom(*_pSimplePolygon, base);
+    pBuffer->appendIndices(cut);
+    Command* pComm = pBuffer->getCommandList().get();
+    TD_ASSERT(pComm, nullptr);
+    pComm->createDrawElements(Primitive::Triangles, firstIndex, static_cast<unsigned int>(cut.size()));
+    return pComm;
+}
+
+Command* Triang2D::triangulate(Buffer* pBuffer, const Points& points)
+{
+    return triangulate(pBuffer, points.begin(), static_cast<unsigned int>(points.size()));
+}
+
+} // namespace gui::gl
