@@ -3,6 +3,7 @@
 #include "CommandList.h"
 #include "CurrentContext.h"
 #include "DataType.h"
+#include "Texture.h"
 
 #include <cnt/PushBackVector.h>
 #include <cnt/SafeFullVector.h>
@@ -73,6 +74,30 @@ public:
 
     /// 0 without a layout (an assertion).
     std::size_t getNoOfVertices() const;
+    /// Appends a cube around the origin and records the command that draws it, Primitive::Triangles; encoding and committing
+    /// stay with the caller. Unknown types ("false"), a layout of another length ("_nVertexFloats == nFloats") and a
+    /// committed buffer are programming errors.
+    /// @param size     the length of an edge
+    /// @param type     Texture::Type::CubeStrip: 24 vertices of position and texture coordinate (5 floats), each face with
+    ///                 a sixth of the texture's width: +z, +x, -z, -x, +y, -y from left to right. Texture::Type::CubeMap:
+    ///                 8 vertices of a position (3 floats), the direction into the cube map at once
+    /// @param normals  not used: there are none
+    /// @return the command, good until the list creates its next one; null after a programming error, nothing appended
+    Command* addCube(float size, Texture::Type type, bool normals = false);
+
+    /// Appends a sphere around the origin, its poles on the z axis, and records the command that draws it, as addCube. Its
+    /// triangles turn against the clock seen from outside. It may be called on a committed buffer, which draws what was
+    /// added after the next reset and commit only.
+    /// @param sectors  around the axis, at least 1; 3 and more look like something  @param stacks  from pole to pole, likewise
+    /// @param type     Texture::Type::Tex2D adds texture coordinates: u from 0 to 1 eastwards, beginning on the x axis, v
+    ///                 from 0 at the north pole (+z) to 1 at the south pole, so the image's first row belongs to the north
+    /// @param normals  adds the normal of each vertex, before the texture coordinate: the direction from the origin
+    /// @param xyScale  widens (above 1) or narrows the sphere across its axis
+    /// @return as addCube. What does not fit 32-bit indices or a command is refused ("isSphereInRange(sectors, stacks,
+    ///         base, first)"). Layouts: position, normal, texture coordinate, of 3, 6, 5 or 8 floats
+    Command* addSphere(float radius, unsigned int sectors, unsigned int stacks, Texture::Type type, bool normals = true,
+                       float xyScale = 1);
+
     std::size_t getNoOfIndices() const { return _indices.size(); }
     /// The number of floats in the instance data. It is not divided by the floats of an instance.
     std::size_t getNoOfInstances() const { return _instanceData.size(); }

@@ -95,11 +95,12 @@ public:
     void setYaw(float yaw) { _yaw = yaw; }
     void setPitch(float pitch) { _pitch = pitch; }
 
-    /// What input can turn the camera to; -180 to 0 and -90 to 90 at first. Take effect when it is next turned.
+    /// What input can turn the camera to, min <= max (an assertion); -180 to 0 and -90 to 90 at first. They take effect
+    /// when it is next turned.
     void setYawLimits(float min, float max);
     void setPitchLimits(float min, float max);
 
-    /// 0.5 to 450 at first. Take effect with the next processZoom.
+    /// 0.5 to 450 at first. They take effect with the next processZoom.
     void setZoomFactorLimits(float min, float max);
     float getZoomFactor() const { return _zoomFactor; }
 
@@ -117,7 +118,6 @@ public:
 
 private:
     unsigned char movementOf(const gui::Key& key, bool isReleased) const;
-    void turn(float yaw, float pitch);
     void moveTo(const glm::vec3& position);
 
     ICameraLimiter* _limiter = nullptr;

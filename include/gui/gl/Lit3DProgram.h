@@ -17,7 +17,7 @@ class GUIGL_API Lit3DProgram : public Program
 {
 public:
     /// @return as Program::link
-    [[nodiscard]] bool link();
+    bool link();
 
     /// Places what is drawn next. Both matrices are the identity at first.
     /// @param model   from the shape's units to the world; may scale and mirror
@@ -45,7 +45,7 @@ class GUIGL_API LitTexture3DProgram : public Lit3DProgram
 {
 public:
     /// @return as Program::link
-    [[nodiscard]] bool link();
+    bool link();
 };
 
 } // namespace gui::gl

@@ -87,10 +87,21 @@ public:
     T& push_back()
     {
         if (_pEnd == getEndPos()) [[unlikely]]
-            insertAndGrow(size(), nullptr, 0);
+            return *pushSlots(1);
         return *_pEnd++;
     }
     T& push_back2() { return push_back(); }
+
+    /// The same for n slots in a row, growing at most once. @return the first of them; null when there is no storage
+    T* pushSlots(std::size_t n)
+    {
+        const std::size_t sz = size();
+        if (n <= _capacity - sz)
+            _pEnd += n;
+        else
+            insertAndGrow(sz, nullptr, n);
+        return _pData + sz;
+    }
 
     /// Inserts a copy of a value before the element at pos; a pos of size() or beyond appends it.
     void insert(std::size_t pos, const T& value)
@@ -177,8 +188,8 @@ private:
             td::stopOnAssert({function, __FILE__, __LINE__, condition}, td::cAssertReports);
     }
 
-    // Doubles the capacity until n more elements fit, at least once, and puts the n values before pos. The old storage
-    // lives on until they are copied, since they may lie in it.
+    // Doubles the capacity until n more elements fit, at least once, and puts the n values before pos; without values, the
+    // slots are left as they are made. The old storage lives on until they are copied, since they may lie in it.
     [[gnu::noinline]] void insertAndGrow(std::size_t pos, const T* pValues, std::size_t n)
     {
         constexpr std::size_t cMax = std::numeric_limits<std::size_t>::max();
@@ -199,7 +210,7 @@ private:
         if (pNewData == nullptr) [[unlikely]]
             td::stopOnAssert({"push_back", __FILE__, __LINE__, "pNewData != nullptr"}, td::cAssertReports);
         T* pTo = std::copy_n(_pData, pos, pNewData);
-        pTo = std::copy_n(pValues, n, pTo);
+        pTo = pValues != nullptr ? std::copy_n(pValues, n, pTo) : pTo + n;
         pTo = std::copy(_pData + pos, _pEnd, pTo);
 
         T* const pOldData = std::exchange(_pData, newData.release());

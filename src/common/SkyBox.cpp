@@ -1,0 +1,147 @@
+#include <gui/gl/SkyBox.h>
+
+#include <gui/gl/Camera.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <glm/mat3x3.hpp>
+#include <glm/vec3.hpp>
+
+#include <array>
+#include <cmath>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr const char* cVertexShader = "#version 330 core\n"
+                                      "layout (location = 0) in vec3 aPos;\n"
+                                      "out vec3 texCoords;\n"
+                                      "uniform mat4 camProjection;\n"
+                                      "void main(){\n"
+                                      "texCoords = aPos;\n"
+                                      "vec4 pos = camProjection * vec4(aPos, 1.0);\n"
+                                      "gl_Position = pos.xyww;}";
+
+constexpr const char* cFragmentShader = "#version 330 core\n"
+                                        "in vec3 texCoords;\n"
+                                        "uniform samplerCube skybox;\n"
+                                        "out vec4 fragColor;\n"
+                                        "void main(){\n"
+                                        "fragColor = texture(skybox, texCoords);}";
+
+// The signs of the corners of two triangles for each face.
+// clang-format off
+constexpr std::array<glm::vec3, 36> cCorners{{
+    {-1, 1, -1}, {-1, -1, -1}, {1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
+    {-1, -1, 1}, {-1, -1, -1}, {-1, 1, -1}, {-1, 1, -1}, {-1, 1, 1}, {-1, -1, 1},
+    {1, -1, -1}, {1, -1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, -1}, {1, -1, -1},
+    {-1, -1, 1}, {-1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, -1, 1}, {-1, -1, 1},
+    {-1, 1, -1}, {1, 1, -1}, {1, 1, 1}, {1, 1, 1}, {-1, 1, 1}, {-1, 1, -1},
+    {-1, -1, -1}, {-1, -1, 1}, {1, -1, -1}, {1, -1, -1}, {-1, -1, 1}, {1, -1, 1}}};
+// clang-format on
+static_assert(sizeof(cCorners) == 432);
+
+} // namespace
+
+void SkyBox::Prog::onLinked()
+{
+    _matrixLocation = getUniformLocation("camProjection");
+    TD_ASSERT(_matrixLocation >= 0);
+    _samplerPos = getUniformLocation("skybox");
+    TD_ASSERT(_samplerPos >= 0);
+}
+
+void SkyBox::Prog::onError() { TD_ASSERT(false); }
+
+void SkyBox::Prog::setSampler(Textures::Unit unit)
+{
+    setUniformValue(static_cast<unsigned int>(_samplerPos), static_cast<unsigned int>(unit));
+}
+
+SkyBox::~SkyBox() { release(); }
+
+bool SkyBox::init(const glm::mat4* pProjection, unsigned int cubeMapID, Textures::Unit unit)
+{
+    _pProjection = pProjection;
+    _cubeMapID = cubeMapID;
+    _unit = unit;
+    _prog.release();
+    return _prog.link(cVertexShader, cFragmentShader, nullptr);
+}
+
+void SkyBox::setCamera(const Camera* pCamera)
+{
+    _pCamera = pCamera;
+    updateTransformation();
+}
+
+void SkyBox::updateTransformation()
+{
+    if (_pProjection == nullptr)
+        _transformation = _pCamera != nullptr ? _pCamera->getViewMatrix() : glm::mat4(1);
+    else if (_pCamera == nullptr)
+        _transformation = *_pProjection;
+    else
+        _transformation = *_pProjection * glm::mat4(glm::mat3(_pCamera->getViewMatrix()));
+}
+
+void SkyBox::commit(float size)
+{
+    if (_committed)
+        return;
+    TD_ASSERT(std::isfinite(size) && size != 0);
+    if (!CurrentContext::isThere("SkyBox::commit"))
+        return;
+    std::array<glm::vec3, cCorners.size()> vertices = cCorners;
+    for (glm::vec3& vertex : vertices)
+        vertex *= size;
+
+    _contextID = CurrentContext::getID();
+    glGenVertexArrays(1, &_vao);
+    glGenBuffers(1, &_vbo);
+    if (_vao == 0 || _vbo == 0)
+    {
+        vo::dbgLog("ERROR! SkyBox::commit cannot create %s!", _vao == 0 ? "VAO" : "VBO");
+        release();
+        return;
+    }
+    glBindVertexArray(_vao);
+    glBindBuffer(GL_ARRAY_BUFFER, _vbo);
+    glBufferData(GL_ARRAY_BUFFER, sizeof(vertices), vertices.data(), GL_STATIC_DRAW);
+    glEnableVertexAttribArray(0);
+    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(glm::vec3), nullptr);
+    _committed = true;
+}
+
+void SkyBox::render(bool disableDepthTest)
+{
+    TD_ASSERT(_prog.isOK());
+    TD_ASSERT(_vao > 0);
+    updateTransformation();
+    _prog.activate();
+    if (_pProjection != nullptr)
+        _prog.setMVP(_transformation);
+    glBindVertexArray(_vao);
+    _prog.setSampler(_unit);
+    glActiveTexture(Textures::getZavPosID(_unit));
+    if (disableDepthTest)
+        glDisable(GL_DEPTH_TEST);
+    glBindTexture(GL_TEXTURE_CUBE_MAP, _cubeMapID);
+    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(cCorners.size()));
+    _prog.deActivate();
+}
+
+void SkyBox::release()
+{
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _vbo);
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::VertexArray, _vao);
+    _vbo = _vao = 0;
+    _committed = false;
+}
+
+} // namespace gui::gl
