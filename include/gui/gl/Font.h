@@ -16,11 +16,13 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 
 namespace arch
 {
+class ArchiveIn;
 class FileSerializerIn;
-}
+} // namespace arch
 
 namespace gui
 {
@@ -198,20 +200,23 @@ private:
     using Scratch = cnt::SafeFullVector<wchar_t, false>;
 
     bool read(arch::FileSerializerIn& file, const char* fileName, gui::Image::_data& imgData, float& metricC);
-    bool readGlyphs(arch::FileSerializerIn& file, unsigned short noGlyphs, const char* fileName);
+    bool readGlyphs(arch::ArchiveIn& archive, unsigned short noGlyphs, const char* fileName);
     void dropGlyphs();
     void indexGlyphs();
-    bool createTexture(const gui::Image::_data& imgData, const char* fileName);
+    bool makeTexture(unsigned int width, unsigned int height, std::span<const td::BYTE> pixels, int minFilter);
     void deleteTexture();
     void deleteBuffers();
 
     bool isEmpty() const { return _glyphs.size() == 0 || _glyphMap.isEmpty(); }
-    const _glyph& glyphOf(wchar_t codePoint, float& nextTx) const;
-    bool decode(const unsigned char* begin, const unsigned char* end, std::size_t& n) const;
-    bool areEdgesOrdered(std::size_t n) const;
-    td::Size<float> measurePiece(const unsigned char* begin, const unsigned char* end) const;
-    td::Size<float> addLine(const td::Point<float>& pos, const char* begin, const char* end, const _format& format);
-    td::Size<float> addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format);
+    std::size_t glyphIndex(wchar_t codePoint) const;
+    float rightEdge(std::size_t index) const;
+    bool decode(const unsigned char* begin, const unsigned char* end, std::span<const wchar_t>& text) const;
+    bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
+    bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
+    bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
+                    const _format& format, td::Size<float>& size);
+    bool addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
+                  td::Size<float>& size);
 
     std::shared_ptr<Scratch> _pUTF32; // shared by the fonts of a Text, and kept by those that left it
     cnt::SafeFullVector<_glyph, false> _glyphs;

@@ -1,0 +1,275 @@
+#include <gui/gl/Font.h>
+
+#include "ProgHelper.h"
+
+#include <gui/gl/Color.h>
+#include <gui/gl/Context.h>
+#include <gui/gl/Text.h>
+
+#include <arch/FileSerializerIn.h>
+#include <gui/Res.h>
+#include <gui/Texture.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr unsigned long cVerticesPerGlyph = 6;
+constexpr std::size_t cCommandsReserved = 128;
+
+// Every implementation takes textures of this size; for larger ones it has to be asked.
+constexpr unsigned int cSizeAlwaysTaken = 1024;
+
+bool exceedsGLsLimit(unsigned int width, unsigned int height, GLint& limit)
+{
+    const unsigned int size = std::max(width, height);
+    if (size <= cSizeAlwaysTaken)
+        return false;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    return size > static_cast<unsigned int>(limit);
+}
+
+// Pixels of 1 (coverage), 2 (grey, alpha), 3 (RGB) or 4 bytes as 4: the shader reads the red channel.
+std::vector<td::BYTE> widened(const td::BYTE* pFrom, std::size_t nPixels, unsigned int bytesPP)
+{
+    std::vector<td::BYTE> pixels(nPixels * 4);
+    for (td::BYTE* pTo = pixels.data(); pTo != pixels.data() + pixels.size(); pTo += 4, pFrom += bytesPP)
+    {
+        const bool isGrey = bytesPP <= 2;
+        pTo[0] = pFrom[0];
+        pTo[1] = isGrey ? pFrom[0] : pFrom[1];
+        pTo[2] = isGrey ? pFrom[0] : pFrom[2];
+        pTo[3] = bytesPP == 3 ? td::BYTE(255) : pFrom[bytesPP - 1];
+    }
+    return pixels;
+}
+
+} // namespace
+
+Font::Font() = default;
+
+Font::Font(Font&& other) noexcept
+    : _pUTF32(std::move(other._pUTF32))
+    , _glyphs(std::move(other._glyphs))
+    , _glyphMap(std::move(other._glyphMap))
+    , _vertices(std::move(other._vertices))
+    , _commands(std::move(other._commands))
+    , _textureID(std::exchange(other._textureID, 0))
+    , _lineHeight(other._lineHeight)
+    , _glyphPadding(other._glyphPadding)
+    , _metricA(other._metricA)
+    , _additionalSpace(other._additionalSpace)
+    , _metricB(other._metricB)
+    , _spaceWidth(other._spaceWidth)
+    , _lineSpacing(other._lineSpacing)
+    , _zLevel{other._zLevel[0], other._zLevel[1]}
+    , _vao(std::exchange(other._vao, 0))
+    , _vbo(std::exchange(other._vbo, 0))
+    , _committed(std::exchange(other._committed, false))
+    , _areAllEdgesOrdered(other._areAllEdgesOrdered)
+    , _pageOf(std::move(other._pageOf))
+    , _pages(std::move(other._pages))
+    , _textureContextID(other._textureContextID)
+    , _bufferContextID(other._bufferContextID)
+{
+}
+
+Font::~Font() { deleteTexture(); }
+
+void Font::deleteTexture()
+{
+    if (_textureID == 0)
+        return;
+    ProgHelper::forgetTexture();
+    CurrentContext::deleteName(_textureContextID, CurrentContext::Kind::Texture, std::exchange(_textureID, 0));
+}
+
+Font* Font::load(const char* fileName)
+{
+    if (fileName == nullptr)
+        return nullptr;
+    td::String path(fileName);
+    if (fileName[0] == ':' && !gui::Res::getFileName(fileName, path))
+        return nullptr;
+    arch::FileSerializerIn file;
+    if (!file.open(path.c_str()))
+    {
+        vo::dbgLog("ERROR! Font::load cannot load file: %s", path.c_str());
+        return nullptr;
+    }
+
+    // From here on the glyphs change, and the old atlas has no pictures of the new ones.
+    deleteTexture();
+    gui::Image::_data imgData;
+    float metricC = 0;
+    if (!read(file, path.c_str(), imgData, metricC))
+    {
+        vo::dbgLog("ERROR! Font::load cannot load file: %s", path.c_str());
+        return nullptr;
+    }
+    if (!CurrentContext::isThere("Font::load"))
+        return nullptr;
+    GLint limit = 0;
+    if (exceedsGLsLimit(imgData.width, imgData.height, limit))
+    {
+        vo::dbgLog("ERROR! Font::load atlas of %u x %u pixels exceeds GL's limit of %d in file: %s", imgData.width,
+                   imgData.height, limit, path.c_str());
+        return nullptr;
+    }
+    const std::size_t nPixels = std::size_t(imgData.width) * imgData.height;
+    const unsigned int bytesPP = imgData.bitsPerPixel / 8;
+    const std::size_t nBytes = nPixels * bytesPP;
+    TD_ASSERT(nBytes == imgData.data.size(), nullptr);
+    return makeTexture(imgData.width, imgData.height, widened(imgData.data.begin(), nPixels, bytesPP), GL_LINEAR)
+               ? this
+               : nullptr;
+}
+
+Font* Font::load(const td::StringBase& fileName) { return load(fileName.c_str()); }
+
+bool Font::setTexture(const gui::Texture& image)
+{
+    if (!CurrentContext::isThere("Font::setTexture"))
+        return false;
+    const auto width = static_cast<unsigned int>(image.getWidth());
+    const auto height = static_cast<unsigned int>(image.getHeight());
+    const unsigned int bytesPP = image.getBytesPerPixel();
+    GLint limit = 0;
+    if (!image.isOk() || (bytesPP != 3 && bytesPP != 4) || exceedsGLsLimit(width, height, limit))
+    {
+        vo::dbgLog("Error! Font::setTexture using invalid texture");
+        glBindTexture(GL_TEXTURE_2D, 0);
+        return false;
+    }
+    TD_ASSERT(_textureID == 0, false);
+    return makeTexture(width, height, widened(image.getBytes(), std::size_t(width) * height, bytesPP),
+                       GL_LINEAR_MIPMAP_LINEAR);
+}
+
+// @param pixels  RGBA
+bool Font::makeTexture(unsigned int width, unsigned int height, std::span<const td::BYTE> pixels, int minFilter)
+{
+    glGenTextures(1, &_textureID);
+    if (_textureID == 0)
+        return false;
+    _textureContextID = CurrentContext::getID();
+    ProgHelper::forgetTexture();
+    glBindTexture(GL_TEXTURE_2D, _textureID);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, static_cast<GLsizei>(width), static_cast<GLsizei>(height), 0, GL_RGBA,
+                 GL_UNSIGNED_BYTE, pixels.data());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minFilter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return true;
+}
+
+void Font::setZLevel(float first, float second)
+{
+    _zLevel[0] = first;
+    _zLevel[1] = second;
+}
+
+void Font::reserve(unsigned long nGlyphs)
+{
+    _vertices.reserve(cVerticesPerGlyph * nGlyphs);
+    _commands.reserve(cCommandsReserved);
+}
+
+bool Font::commit()
+{
+    if (_committed)
+        return true;
+    if (!CurrentContext::isThere("Font::commit"))
+        return false;
+    deleteBuffers();
+    _bufferContextID = CurrentContext::getID();
+    glGenVertexArrays(1, &_vao);
+    if (_vao == 0)
+    {
+        vo::dbgLog("ERROR! Font::commit cannot create VAO!");
+        return false;
+    }
+    glBindVertexArray(_vao);
+    glGenBuffers(1, &_vbo);
+    if (_vbo == 0)
+    {
+        vo::dbgLog("ERROR! Font::commit cannot create VBO!");
+        return false;
+    }
+    glBindBuffer(GL_ARRAY_BUFFER, _vbo);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(_vertices.size() * sizeof(_vd)), _vertices.begin(),
+                 GL_STATIC_DRAW);
+    glEnableVertexAttribArray(0);
+    glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, sizeof(_vd), reinterpret_cast<const void*>(offsetof(_vd, x)));
+    glEnableVertexAttribArray(1);
+    glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, sizeof(_vd), reinterpret_cast<const void*>(offsetof(_vd, u)));
+    _committed = true;
+    glBindVertexArray(0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    return true;
+}
+
+void Font::draw(Program* prog)
+{
+    TD_ASSERT(_vao != 0);
+    TD_ASSERT(_textureID != 0);
+    auto* const pTextProg = dynamic_cast<Text::Prog*>(prog);
+    TD_ASSERT(pTextProg != nullptr);
+    glBindVertexArray(_vao);
+    ProgHelper::forgetTexture();
+    Context::bindTextureToCurrentlyActiveTextureUnit(_textureID, Texture::Type::FontAtlas);
+
+    td::ColorID lastColor = td::ColorID::NoColor;
+    float lastZ = 10000.0f;
+    for (const _cmd& cmd : _commands)
+    {
+        if (cmd.colorID != lastColor)
+        {
+            glm::vec4 color;
+            Color::get(cmd.colorID, color);
+            pTextProg->setColor(color);
+            lastColor = cmd.colorID;
+        }
+        if (cmd.z != lastZ)
+        {
+            pTextProg->setZPos(cmd.z);
+            lastZ = cmd.z;
+        }
+        glDrawArrays(GL_TRIANGLES, static_cast<GLint>(cmd.firstVertex), static_cast<GLsizei>(cmd.vertexCount));
+    }
+}
+
+void Font::reset()
+{
+    _vertices.reset();
+    _commands.reset();
+    _committed = false;
+}
+
+void Font::release()
+{
+    deleteBuffers();
+    _vertices.release();
+    _commands.release();
+}
+
+void Font::deleteBuffers()
+{
+    CurrentContext::deleteName(_bufferContextID, CurrentContext::Kind::Buffer, std::exchange(_vbo, 0));
+    CurrentContext::deleteName(_bufferContextID, CurrentContext::Kind::VertexArray, std::exchange(_vao, 0));
+}
+
+} // namespace gui::gl

@@ -1,0 +1,282 @@
+#include <gui/gl/Font.h>
+
+#include <td/Assert.h>
+#include <td/Search.h>
+#include <vo/Log.h>
+#include <vo/UTFConverter.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr std::size_t cVerticesPerGlyph = 6;
+constexpr std::size_t cVerticesAtFirst = 1024;
+
+bool isHorizontalSpace(wchar_t c) { return c == L' ' || c == L'\t'; }
+
+bool isLineBreak(wchar_t c) { return c == L'\n' || c == L'\u2028'; }
+
+std::size_t lengthOf(const char* str, std::size_t len) { return len != 0 ? len : std::strlen(str); }
+
+const unsigned char* bytes(const char* p) { return reinterpret_cast<const unsigned char*>(p); }
+
+} // namespace
+
+// The code points of a range, in the scratch buffer. @return false after an assertion: they can't be laid out
+bool Font::decode(const unsigned char* begin, const unsigned char* end, std::span<const wchar_t>& text) const
+{
+    constexpr auto cFlags = vo::UTFConverter::Flags(0);
+    text = {};
+    const std::ptrdiff_t iLen = vo::UTFConverter::measureUTF8toUTF32(begin, end, cFlags);
+    if (iLen <= 0)
+        return true;
+    TD_ASSERT(iLen % 4 == 0, false);
+    TD_ASSERT(_pUTF32, false);
+    const auto n = static_cast<std::size_t>(iLen) / 4;
+    if (_pUTF32->size() < n)
+        _pUTF32->reserve(n + 1);
+    static_assert(sizeof(wchar_t) == sizeof(unsigned int));
+    auto* const pOut = reinterpret_cast<unsigned int*>(_pUTF32->begin());
+    vo::UTFConverter::convertUTF8toUTF32(begin, end, pOut, pOut + n, cFlags);
+    text = {_pUTF32->begin(), n};
+    if (_areAllEdgesOrdered) [[likely]]
+        return true;
+
+    for (const wchar_t c : text)
+    {
+        if (isHorizontalSpace(c) || isLineBreak(c))
+            continue;
+        const std::size_t index = glyphIndex(c);
+        const float tx = _glyphs[index].tx;
+        const float nextTx = rightEdge(index);
+        TD_ASSERT(nextTx > tx, false);
+    }
+    return true;
+}
+
+bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
+{
+    size = {};
+    std::span<const wchar_t> text;
+    if (!decode(bytes(begin), bytes(end), text))
+        return false;
+    if (text.empty())
+        return true;
+    if (_vertices.capacity() == 0)
+        _vertices.reserve(cVerticesAtFirst);
+
+    const float s = scale;
+    float x = pos.x;
+    float t = pos.y;
+    float b = t + s * _lineHeight;
+    float widest = 0;
+    bool first = true;
+    for (const wchar_t c : text)
+    {
+        if (isHorizontalSpace(c))
+        {
+            x += s * (_additionalSpace + _spaceWidth);
+            first = false;
+        }
+        else if (isLineBreak(c))
+        {
+            widest = std::max(widest, x - pos.x);
+            x = pos.x;
+            t += s * (_lineHeight + _lineSpacing);
+            b = t + s * _lineHeight;
+            first = true;
+        }
+        else
+        {
+            const std::size_t index = glyphIndex(c);
+            const _glyph& glyph = _glyphs.begin()[index];
+            if (first)
+                x -= s * glyph.bearing;
+            else
+                x += s * glyph.bearing;
+            first = false;
+            x -= (_glyphPadding * s) / 2;
+            const float x1 = x + s * (glyph.width + _glyphPadding);
+            const float u0 = glyph.tx;
+            const float u1 = rightEdge(index);
+            const _vd quad[cVerticesPerGlyph] = {{x, b, u0, 1}, {x1, t, u1, 0}, {x, t, u0, 0},
+                                                 {x, b, u0, 1}, {x1, b, u1, 1}, {x1, t, u1, 0}};
+            _vertices.push_back(quad, cVerticesPerGlyph);
+            x += s * glyph.advance + s * _additionalSpace;
+        }
+    }
+    widest = std::max(widest, x - pos.x);
+    size = {widest, (b - pos.y) + s * _lineSpacing};
+    return true;
+}
+
+bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
+{
+    size = {};
+    std::span<const wchar_t> text;
+    if (!decode(bytes(begin), bytes(end), text))
+        return false;
+    if (text.empty())
+        return true;
+
+    float x = 0;
+    float y = 0;
+    float bottom = _lineHeight;
+    float widest = 0;
+    bool first = true;
+    for (const wchar_t c : text)
+    {
+        if (isHorizontalSpace(c))
+            x += _spaceWidth + _additionalSpace;
+        else if (isLineBreak(c))
+        {
+            widest = std::max(widest, x);
+            x = 0;
+            y += _lineHeight + _lineSpacing + _additionalSpace;
+            bottom = y + _lineHeight;
+        }
+        else
+        {
+            const _glyph& glyph = _glyphs.begin()[glyphIndex(c)];
+            if (first)
+                x -= glyph.bearing;
+            else
+                x += glyph.bearing;
+            x = x - _glyphPadding / 2 + glyph.advance + _additionalSpace;
+        }
+        // Unlike layout: nothing behind the piece's first code point is pulled left, be it the first of its line.
+        first = false;
+    }
+    widest = std::max(widest, x);
+    size = {widest, bottom + _lineSpacing};
+    return true;
+}
+
+td::Size<float> Font::addGlyphs(const td::Point<float>& pos, const unsigned char* begin, const unsigned char* end,
+                                float scale)
+{
+    td::Size<float> size;
+    if (!isEmpty())
+        addPiece(pos, reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end), scale, size);
+    return size;
+}
+
+// One line, or a text without line feeds, of the scaled size that it was measured to have.
+bool Font::addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
+                      const _format& format, td::Size<float>& size)
+{
+    const float shift = format.hAlignment == cRight ? measuredWidth : measuredWidth / 2;
+    return addPiece({pos.x - shift, pos.y}, begin, end, format.scale, size);
+}
+
+// Aligned text with line feeds: every line is placed on its own, one below the other, and empty ones are left out.
+bool Font::addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
+                    td::Size<float>& size)
+{
+    float y = pos.y;
+    size = {};
+    for (std::size_t start = 0; start < len;)
+    {
+        const std::ptrdiff_t d = td::findFromLeft(str, '\n', start, len);
+        if (d == 0)
+        {
+            ++start;
+            continue;
+        }
+        const std::size_t lineEnd = d > 0 ? start + static_cast<std::size_t>(d) : len;
+        td::Size<float> lineSize;
+        if (!measurePiece(str + start, str + lineEnd, lineSize))
+            return false;
+        lineSize = {lineSize.width * format.scale, lineSize.height * format.scale};
+        if (d < 0 && lineSize.width == 0)
+            break;
+        size.width = std::max(size.width, lineSize.width);
+        size.height += lineSize.height;
+        td::Size<float> laidOut;
+        if (!addAligned({pos.x, y}, str + start, str + lineEnd, lineSize.width, format, laidOut))
+            return false;
+        y += lineSize.height;
+        start = d > 0 ? lineEnd + 1 : len;
+    }
+    return true;
+}
+
+td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, unsigned long len, const _format& format)
+{
+    if (_committed)
+    {
+        vo::dbgLog("ERROR! Font::addString called on committed font content! Call reset before addString!");
+        TD_ASSERT(!_committed, {});
+    }
+    TD_ASSERT(str != nullptr, {});
+    if (isEmpty())
+        return {};
+    len = lengthOf(str, len);
+    // In text of several pieces the first ones would be there when a later one is refused.
+    std::span<const wchar_t> text;
+    if (!_areAllEdgesOrdered && !decode(bytes(str), bytes(str + len), text))
+        return {};
+
+    const std::size_t nBefore = _vertices.size();
+    td::Size<float> size;
+    bool isAdded = false;
+    if (format.hAlignment == cLeft)
+        isAdded = addPiece(pos, str, str + len, format.scale, size);
+    else if (td::count(str, len, '\n') == 0)
+    {
+        td::Size<float> measured;
+        isAdded = measurePiece(str, str + len, measured) &&
+                  addAligned(pos, str, str + len, measured.width * format.scale, format, size);
+    }
+    else
+        isAdded = addLines(pos, str, len, format, size);
+    if (!isAdded)
+        return {};
+    _commands.push_back({static_cast<unsigned int>(nBefore), static_cast<unsigned int>(_vertices.size() - nBefore),
+                         format.z, format.colorID});
+    return size;
+}
+
+td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBase& str, const _format& format)
+{
+    return addString(pos, str.c_str(), str.length(), format);
+}
+
+td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, unsigned long len, td::ColorID colorID,
+                                float scale)
+{
+    return addString(pos, str, len, _format{.scale = scale, .colorID = colorID});
+}
+
+td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBase& str, td::ColorID colorID,
+                                float scale)
+{
+    return addString(pos, str.c_str(), str.length(), colorID, scale);
+}
+
+td::Size<float> Font::measure(const char* str, unsigned long len, const td::Range<unsigned int>& range) const
+{
+    TD_ASSERT(str != nullptr, {});
+    td::Size<float> size;
+    if (isEmpty())
+        return size;
+    len = lengthOf(str, len);
+    if (std::uint64_t(range.start) + range.count > len)
+        return size;
+    const char* const begin = str + range.start;
+    measurePiece(begin, range.count != 0 ? begin + range.count : str + len, size);
+    return size;
+}
+
+td::Size<float> Font::measure(const td::StringBase& str, const td::Range<unsigned int>& range) const
+{
+    return measure(str.c_str(), str.length(), range);
+}
+
+} // namespace gui::gl

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <td/Export.h>
+
+#include <cstdint>
+#include <fstream>
+
+namespace arch
+{
+
+/// A binary file that is read from its start to its end. Closes itself.
+class GUIGL_API FileSerializerIn
+{
+public:
+    /// Opens a regular file; pipes and devices may never end and are refused. @param fileName  a path, not null
+    /// @return false when it can't be opened; nothing is logged
+    [[nodiscard]] bool open(const char* fileName);
+
+    /// Reads n bytes. @throws std::ios_base::failure when the file has fewer left, or can't be read
+    void read(char* bytes, unsigned int n);
+
+    /// For sizes that the file itself states: throws what read would, before room is made for them.
+    /// @throws std::ios_base::failure when the file has fewer than n bytes left
+    void require(std::uint64_t n) const;
+
+    void close();
+
+private:
+    std::ifstream _file;
+    std::uint64_t _nBytesLeft = 0;
+};
+
+} // namespace arch
