@@ -37,4 +37,5 @@ install(FILES
     ${guigl_BINARY_DIR}/guiglConfig.cmake
     ${guigl_BINARY_DIR}/guiglConfigVersion.cmake
     ${CMAKE_CURRENT_LIST_DIR}/GuiglResources.cmake
+    ${CMAKE_CURRENT_LIST_DIR}/GuiglFonts.cmake
     DESTINATION ${package_folder})

@@ -1,0 +1,55 @@
+# Font files baked of TrueType and OpenType fonts while a project is built.
+
+set(GUIGL_FONT_FOLDERS "/usr/share/fonts;/usr/local/share/fonts;$ENV{HOME}/.local/share/fonts"
+    CACHE STRING "Where guigl_bake_font looks for fonts that are given by their bare file names")
+
+# guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>]
+#                 [CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])
+#
+# Bakes a font with fontbake and compiles it into the target as the resource "<prefix>/<name>", for Font::load for
+# instance. FONT is a path, or the bare name of a file that is searched in GUIGL_FONT_FOLDERS and below them. CHARS are
+# ranges such as 32-126 U+400-U+45F; TEXT is a file whose characters are baked instead; without both it is Latin-1. OPTIONS
+# are handed on to fontbake, whose --help explains them. Relative files are meant from the current source folder. The target
+# must link guigl::gui, directly or not.
+function(guigl_bake_font target name)
+    cmake_parse_arguments(PARSE_ARGV 2 ARG "" "FONT;SIZE;PREFIX;TEXT" "CHARS;OPTIONS")
+    if(NOT TARGET ${target} OR NOT ARG_FONT OR NOT ARG_SIZE OR ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>] "
+            "[CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])")
+    endif()
+    if(NOT TARGET guigl::fontbake)
+        message(FATAL_ERROR "guigl_bake_font: there is no fontbake; configure guigl with GUIGL_TOOLS=ON")
+    endif()
+
+    cmake_path(ABSOLUTE_PATH ARG_FONT BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE OUTPUT_VARIABLE font)
+    if(NOT EXISTS "${font}" AND NOT ARG_FONT MATCHES "/")
+        list(TRANSFORM GUIGL_FONT_FOLDERS APPEND "/${ARG_FONT}" OUTPUT_VARIABLE patterns)
+        file(GLOB_RECURSE fonts ${patterns})
+        list(APPEND fonts "${font}")
+        list(GET fonts 0 font)
+    endif()
+    if(NOT EXISTS "${font}")
+        message(FATAL_ERROR "guigl_bake_font: no font ${ARG_FONT} in ${CMAKE_CURRENT_SOURCE_DIR};${GUIGL_FONT_FOLDERS}")
+    endif()
+
+    set(arguments --size ${ARG_SIZE})
+    if(ARG_CHARS)
+        list(JOIN ARG_CHARS "," ranges)
+        list(APPEND arguments --chars ${ranges})
+    endif()
+    if(ARG_TEXT)
+        cmake_path(ABSOLUTE_PATH ARG_TEXT BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
+        list(APPEND arguments --text "${ARG_TEXT}")
+    endif()
+    set(folder "${CMAKE_CURRENT_BINARY_DIR}/guigl_fonts/${target}")
+    file(MAKE_DIRECTORY "${folder}")
+    add_custom_command(
+        OUTPUT "${folder}/${name}"
+        COMMAND guigl::fontbake "${font}" -o "${folder}/${name}" ${arguments} ${ARG_OPTIONS}
+        DEPENDS guigl::fontbake "${font}" ${ARG_TEXT}
+        COMMENT "Baking ${name}"
+        VERBATIM)
+    # Make builds a file only for the target that names it.
+    target_sources(${target} PRIVATE "${folder}/${name}")
+    guigl_add_resources(${target} PREFIX "${ARG_PREFIX}" FILES "${folder}/${name}")
+endfunction()
