@@ -77,6 +77,8 @@ std::size_t floatOfPoint(std::size_t i)
 
 } // namespace
 
+Buffer::Buffer(const std::initializer_list<DataType>& layout) { init(0, 0, 0, layout); }
+
 Buffer::~Buffer() { release(); }
 
 bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices,
@@ -181,6 +183,19 @@ void Buffer::appendVertex(const td::Point<float>& pt)
     TD_ASSERT(((2 * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
     _vertexData.push_back(pt.x);
     _vertexData.push_back(pt.y);
+}
+
+Command* Buffer::appendShape(Primitive primitive, const float* data, std::size_t n)
+{
+    if (isAddOnCommitted())
+        return nullptr;
+    TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
+    Command* const pCommand = createCommand();
+    pCommand->createDrawArrays(primitive, getNoOfVertices(), static_cast<unsigned int>(n));
+    if (!encode(pCommand))
+        return nullptr;
+    appendVertices(data, n);
+    return pCommand;
 }
 
 void Buffer::appendInstances(const float* data, std::size_t nInstances)

@@ -132,6 +132,12 @@ void Context::clear(Clear what)
     glClear(bit);
 }
 
+void Context::clear(Clear what, td::ColorID color)
+{
+    clear(color);
+    clear(what);
+}
+
 void Context::clear(const std::initializer_list<Clear>& what)
 {
     GLbitfield bits = 0;

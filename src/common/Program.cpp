@@ -352,4 +352,34 @@ void Program::execute(std::size_t first, std::size_t count)
     _pBuffer->getCommandList().execute(first, count);
 }
 
+bool Program::prepare(Buffer& buffer)
+{
+    if (!isOK())
+    {
+        if (!_hasSaidNotLinked)
+            vo::dbgLog("Error! Program::draw on a program that is not linked");
+        _hasSaidNotLinked = true;
+        return false;
+    }
+    if (!buffer.commit())
+        return false;
+    setBuffer(&buffer);
+    activate();
+    return true;
+}
+
+void Program::draw(Buffer& buffer)
+{
+    if (prepare(buffer))
+        execute();
+}
+
+void Program::draw(Buffer& buffer, const glm::mat4& mvp)
+{
+    if (!prepare(buffer))
+        return;
+    setMVP(mvp);
+    execute();
+}
+
 } // namespace gui::gl

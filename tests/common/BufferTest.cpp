@@ -38,6 +38,28 @@ protected:
     }
 };
 
+// A shape whose command or whose vertices were missing would draw its neighbour's.
+TEST_F(BufferTest, ShapesAreWholeOrNotThere)
+{
+    Buffer buffer{Vec2, Vec4};
+    EXPECT_EQ(buffer.getVertexStride(), 24);
+    ASSERT_NE(buffer.appendShape(gui::gl::Primitive::Triangles, cNumbers.data(), 3), nullptr);
+    ASSERT_NE(buffer.appendShape(gui::gl::Primitive::LineStrip, cNumbers.data(), 4), nullptr);
+    EXPECT_EQ(buffer.appendShape(static_cast<gui::gl::Primitive>(8), cNumbers.data(), 5), nullptr);
+    EXPECT_TRUE(asserts.caught("false"));
+    buffer.getCommandList().execute();
+    EXPECT_TRUE(trace.only({"glDrawArrays(4, 0, 3)", "glDrawArrays(3, 3, 4)"}));
+    ASSERT_TRUE(buffer.commit());
+    EXPECT_EQ(buffer.appendShape(gui::gl::Primitive::Triangles, cNumbers.data(), 3), nullptr);
+    EXPECT_TRUE(asserts.caught("false"));
+    EXPECT_TRUE(log.said("ERROR! Buffer::append vertices on committed buffer! Call reset first!"));
+    EXPECT_EQ(buffer.getNoOfVertices(), 7U);
+    EXPECT_EQ(buffer.getCommandList().size(), 2U);
+    Buffer noLayout;
+    EXPECT_EQ(noLayout.appendShape(gui::gl::Primitive::Triangles, cNumbers.data(), 3), nullptr);
+    EXPECT_TRUE(asserts.caught("_vertexRecLenInBytes > 0"));
+}
+
 TEST_F(BufferTest, CommitUploadsVerticesIndicesAndInstances)
 {
     Buffer buffer;

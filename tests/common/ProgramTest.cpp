@@ -379,6 +379,38 @@ TEST_F(ProgramTest, ActivatesWithItsBufferAndExecutesTheListThatCounts)
 }
 
 // Commands would send to a program that is no more.
+// A frame that a newcomer forgot to prepare must say so once, not draw with another's program or fill the log.
+TEST_F(ProgramTest, DrawPreparesWhatItDraws)
+{
+    TestProgram program;
+    gui::gl::Buffer buffer{gui::gl::DataType::Vec2};
+    constexpr float cPoint[] = {0, 0};
+    buffer.appendShape(gui::gl::Primitive::Points, cPoint, 1);
+    program.draw(buffer);
+    program.draw(buffer, glm::mat4(1));
+    EXPECT_TRUE(trace.only({}));
+    EXPECT_EQ(log.take(), std::vector<std::string>{"Error! Program::draw on a program that is not linked"});
+
+    ASSERT_TRUE(program.link("vs", "fs"));
+    trace.failNext("glGenVertexArrays");
+    trace.clear();
+    program.draw(buffer);
+    EXPECT_EQ(trace.count("glDrawArrays"), 0u);
+    EXPECT_TRUE(log.said("ERROR! Buffer::commit cannot create VAO!"));
+    buffer.reset();
+    buffer.appendShape(gui::gl::Primitive::Points, cPoint, 1);
+    program._matrixLocation = 3;
+    program.draw(buffer, glm::mat4(1));
+    program.draw(buffer);
+    EXPECT_EQ(trace.count("glBufferData"), 1u);
+    EXPECT_TRUE(trace.inOrder({"glBufferData(0x8892, 8, ptr, 0x88e4)", "glBindVertexArray(1)", "glUseProgram(1)"}));
+    EXPECT_EQ(trace.count("glUniformMatrix4fv"), 1u);
+    EXPECT_EQ(trace.count("glDrawArrays"), 2u);
+    buffer.release();
+    program.release();
+    gui::gl::setCurrentProgram(nullptr);
+}
+
 TEST_F(ProgramTest, AReleasedProgramIsNotCurrent)
 {
     gui::gl::Command command;

@@ -3,6 +3,7 @@
 #include "RunLoop.h"
 #include "WindowSystem.h"
 
+#include <gui/Window.h>
 #include <vo/Log.h>
 
 namespace gui
@@ -18,6 +19,12 @@ Application::Application(int, char**)
 Application::~Application() = default;
 
 int Application::run() { return WindowSystem::instance().getRunLoop().run(); }
+
+int Application::run(ZavObject& view, const char* title, const td::Size<double>& size)
+{
+    Window window(title, size);
+    return window.show(view) ? run() : 1;
+}
 
 bool Application::step(double seconds) { return WindowSystem::instance().getRunLoop().step(seconds); }
 

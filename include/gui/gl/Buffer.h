@@ -26,6 +26,8 @@ class GUIGL_API Buffer
 {
 public:
     Buffer() = default;
+    /// With a layout, as init sets it: Buffer triangles{DataType::Vec2, DataType::Vec4};
+    Buffer(const std::initializer_list<DataType>& layout);
     ~Buffer();
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
@@ -61,19 +63,17 @@ public:
     /// @param data  nInstances times the floats of an instance. Needs the instanced init with room for at least one.
     void appendInstances(const float* data, std::size_t nInstances);
 
+    /// Appends a shape: vertices, and the command that draws them as one primitive, encoded.
+    /// @param data  n times the floats of a vertex. The layout must be set.
+    /// @return the command, for a colour or a texture of its own, good until the next one is created; null, with nothing
+    ///         appended, on a committed buffer (as appending), without a layout or for an unknown primitive (assertions)
+    Command* appendShape(Primitive primitive, const float* data, std::size_t n);
+
     /// Indices count vertices from the buffer's first.
     void appendIndices(const unsigned int* indices, std::size_t n);
     void appendIndices(const cnt::PushBackVector<unsigned int, 0>& indices);
     void appendIndex(unsigned int index);
 
-    /// Point access, for layouts of 2 floats. i must be below the number of vertices: element access stops the program.
-    void updateVertex(std::size_t i, const td::Point<float>& pt);
-    void getVertex(std::size_t i, td::Point<float>& pt) const;
-    /// Moves vertices from i up by one place; at or past the end it appends.
-    void insertVertex(std::size_t i, const td::Point<float>& pt);
-
-    /// 0 without a layout (an assertion).
-    std::size_t getNoOfVertices() const;
     /// Appends a cube around the origin and records the command that draws it, Primitive::Triangles; encoding and committing
     /// stay with the caller. Unknown types ("false"), a layout of another length ("_nVertexFloats == nFloats") and a
     /// committed buffer are programming errors.
@@ -98,6 +98,14 @@ public:
     Command* addSphere(float radius, unsigned int sectors, unsigned int stacks, Texture::Type type, bool normals = true,
                        float xyScale = 1);
 
+    /// Point access, for layouts of 2 floats. i must be below the number of vertices: element access stops the program.
+    void updateVertex(std::size_t i, const td::Point<float>& pt);
+    void getVertex(std::size_t i, td::Point<float>& pt) const;
+    /// Moves vertices from i up by one place; at or past the end it appends.
+    void insertVertex(std::size_t i, const td::Point<float>& pt);
+
+    /// 0 without a layout (an assertion).
+    std::size_t getNoOfVertices() const;
     std::size_t getNoOfIndices() const { return _indices.size(); }
     /// The number of floats in the instance data. It is not divided by the floats of an instance.
     std::size_t getNoOfInstances() const { return _instanceData.size(); }

@@ -14,7 +14,7 @@ class GUIGL_API Color3DProgram : public Program
 {
 public:
     /// @return as Program::link
-    [[nodiscard]] bool link();
+    bool link();
 
 protected:
     void onLinked() override;

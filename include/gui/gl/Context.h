@@ -175,6 +175,8 @@ public:
 
     /// Clears one buffer.
     static void clear(Clear what);
+    /// Clears one buffer after setting the colour that the colour buffer is cleared to.
+    static void clear(Clear what, td::ColorID color);
     /// Clears the named buffers with one GL call; with an empty list the call is glClear(0).
     static void clear(const std::initializer_list<Clear>& what);
     /// Sets the colour that the colour buffer is cleared to; alpha is always 1. It clears nothing by itself.

@@ -21,7 +21,7 @@ public:
     };
 
     /// @return as Program::link
-    [[nodiscard]] bool link(Colors colors = Colors::Opaque);
+    bool link(Colors colors = Colors::Opaque);
 
 protected:
     void onLinked() override;

@@ -136,6 +136,13 @@ public:
     /// Executes a range of the buffer's commands, whatever the program's own list holds.
     void execute(std::size_t first, std::size_t count);
 
+    /// A frame's work in one call: commits the buffer if it is not, makes it the program's, activates the program and
+    /// executes. The program stays the active one. A program that is not linked, or a buffer that cannot be committed,
+    /// draws nothing, each with a log line that says so (the program's once per object).
+    void draw(Buffer& buffer);
+    /// The same with a model-view-projection matrix.
+    void draw(Buffer& buffer, const glm::mat4& mvp);
+
 protected:
     /// Called after a successful link: look up uniforms here. This version writes a log line that says nobody did.
     virtual void onLinked();
@@ -146,6 +153,7 @@ private:
     friend class ProgHelper;
     friend class View;
 
+    bool prepare(Buffer& buffer);
     static unsigned int _link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
                               const char* tessEvalResID, const char* geometryResID);
     static unsigned int compile(GLSL::Type type, const char* resID);
@@ -172,6 +180,7 @@ protected:
     int _matrixLocation = -1;
 
 private:
+    bool _hasSaidNotLinked = false;
     CurrentContext::ID _contextID = 0;
 };
 

@@ -16,7 +16,7 @@ class GUIGL_API Texture2DProgram : public Program
 {
 public:
     /// @return as Program::link
-    [[nodiscard]] bool link();
+    bool link();
 
 protected:
     void onLinked() override;

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <td/Export.h>
+#include <td/Size.h>
 
 namespace gui
 {
+
+class ZavObject;
 
 /// The program as a whole: picks the window system and runs the loop that everything happens in.
 ///
@@ -23,6 +26,10 @@ public:
     /// Serves events, functions from asyncCall, frame ticks and redraws until quit is called or the last open window
     /// closes. It sleeps while there is nothing to do. @return the code given to quit; 0 when the last window closed
     int run();
+    /// The same with a view in a window of its own, which lives while it runs.
+    /// @param view, title, size  as for Window  @return the code given to quit; 0 when the window closed; 1 if it could
+    ///                           not be shown
+    int run(ZavObject& view, const char* title, const td::Size<double>& size);
 
     /// One turn of run, for programs that have a loop of their own.
     /// @param seconds  how long it may sleep before, at most, until something is to be done; 0 does not sleep
