@@ -1,6 +1,7 @@
 #include <gui/gl/OffscreenContext.h>
 
 #include "../common/FrameReader.h"
+#include "../native/PixelFormat.h"
 
 #include <gui/gl/CurrentContext.h>
 #include <vo/Log.h>
@@ -8,7 +9,6 @@
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -62,27 +62,14 @@ EGLDisplay theDisplay()
     return display;
 }
 
-struct Sizes
-{
-    EGLint color; // of each channel
-    EGLint alpha;
-    EGLint depth;
-    EGLint stencil;
-};
-
-Sizes sizesOf(const Context& settings)
-{
-    const auto [colorBits, alphaBits] = settings.getRGBSize();
-    return {colorBits / 3, alphaBits, settings.getDepthBufferSize(), settings.getStencilBufferSize()};
-}
-
 // @return null when the system has no such configuration
-EGLConfig findConfig(EGLDisplay display, const Sizes& sizes)
+EGLConfig findConfig(EGLDisplay display, const PixelFormatSizes& sizes)
 {
+    const EGLint channelBits = sizes.colorBits / 3;
     const EGLint attributes[] = {
-        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_RED_SIZE,   sizes.color,
-        EGL_GREEN_SIZE,   sizes.color,     EGL_BLUE_SIZE,       sizes.color,    EGL_ALPHA_SIZE, sizes.alpha,
-        EGL_DEPTH_SIZE,   sizes.depth,     EGL_STENCIL_SIZE,    sizes.stencil,  EGL_NONE};
+        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,    EGL_RED_SIZE,   channelBits,
+        EGL_GREEN_SIZE,   channelBits,     EGL_BLUE_SIZE,       channelBits,       EGL_ALPHA_SIZE, sizes.alphaBits,
+        EGL_DEPTH_SIZE,   sizes.depthBits, EGL_STENCIL_SIZE,    sizes.stencilBits, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint nConfigs = 0;
     if (!eglChooseConfig(display, attributes, &config, 1, &nConfigs) || nConfigs < 1)
@@ -90,23 +77,24 @@ EGLConfig findConfig(EGLDisplay display, const Sizes& sizes)
     return config;
 }
 
-EGLConfig findConfigInSteps(EGLDisplay display, const Context& settings)
+EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked)
 {
-    const Sizes asked = sizesOf(settings);
-    if (EGLConfig config = findConfig(display, asked))
+    PixelFormatSizes got = asked;
+    do
+    {
+        EGLConfig config = findConfig(display, got);
+        if (config == nullptr)
+            continue;
+        if (got.depthBits != asked.depthBits || got.stencilBits != asked.stencilBits)
+            vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d",
+                       asked.depthBits, asked.stencilBits, got.depthBits, got.stencilBits);
         return config;
-    Sizes got = asked;
-    got.depth = std::min(got.depth, 24);
-    got.stencil = std::min(got.stencil, 8);
-    EGLConfig config = findConfig(display, got);
-    if (config != nullptr)
-        vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d", asked.depth,
-                   asked.stencil, got.depth, got.stencil);
-    else
-        vo::dbgLog("ERROR! OffscreenContext cannot find a configuration with %d colour, %d alpha, %d depth and %d "
-                   "stencil bits; EGL %s offers none",
-                   asked.color * 3, asked.alpha, asked.depth, asked.stencil, eglQueryString(display, EGL_VERSION));
-    return config;
+    } while (fallBack(got));
+    vo::dbgLog("ERROR! OffscreenContext cannot find a configuration with %d colour, %d alpha, %d depth and %d "
+               "stencil bits; EGL %s offers none",
+               asked.colorBits, asked.alphaBits, asked.depthBits, asked.stencilBits,
+               eglQueryString(display, EGL_VERSION));
+    return nullptr;
 }
 
 EGLContext createContext(EGLDisplay display, EGLConfig config, Context::Profile profile, bool debug)
@@ -185,7 +173,7 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const Context&
     }
     // Of EGL's APIs, the thread's choice decides what eglCreateContext makes; somebody else may have chosen since.
     eglBindAPI(EGL_OPENGL_API);
-    config = findConfigInSteps(display, settings);
+    config = findConfigInSteps(display, decodePixelFormat(buildPixelFormat(settings)));
     if (config == nullptr)
         return false;
     surface = createSurface(display, config, newSize);
