@@ -1,0 +1,205 @@
+#include "Shapes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace test
+{
+
+namespace
+{
+
+using Point = td::Point<float>;
+
+Point onCircle(double turn, double radius)
+{
+    const double angle = 2 * std::numbers::pi * turn;
+    return {static_cast<float>(radius * std::cos(angle)), static_cast<float>(radius * std::sin(angle))};
+}
+
+Outline makeStar(Random& random, std::size_t n)
+{
+    Outline outline;
+    for (std::size_t i = 0; i < n; ++i)
+        outline.push_back(onCircle(double(i) / double(n), random.between(0.2f, 1)));
+    return outline;
+}
+
+Outline makeCircle(Random& random, std::size_t n)
+{
+    Outline outline;
+    for (std::size_t i = 0; i < n; ++i)
+        outline.push_back(onCircle(double(i) / double(n), random.between(0.99f, 1)));
+    return outline;
+}
+
+// Teeth on a ridge.
+Outline makeComb(Random& random, std::size_t n)
+{
+    Outline outline{{0, 1}, {0, 0}};
+    const auto nTeeth = static_cast<unsigned int>(n / 4 + 1);
+    for (unsigned int i = 0; i < nTeeth; ++i)
+    {
+        const float step = 1 / static_cast<float>(nTeeth), x = step * static_cast<float>(i);
+        const float height = random.between(0.1f, 0.9f);
+        outline.insert(outline.end(), {{x + 0.2f * step, 0}, {x + 0.2f * step, height}, {x + 0.8f * step, height}});
+        outline.push_back({x + 0.8f * step, 0});
+    }
+    outline.insert(outline.end(), {{1, 0}, {1, 1}});
+    return outline;
+}
+
+Outline makeSpiral(Random&, std::size_t n)
+{
+    const std::size_t half = n / 2 + 1;
+    const double step = std::min(4.0 / double(half), 1.0 / 12);
+    Outline outline;
+    for (std::size_t i = 0; i < half; ++i)
+        outline.push_back(onCircle(step * double(i), 0.1 + 0.2 * step * double(i)));
+    for (std::size_t i = half; i-- > 0;)
+        outline.push_back(onCircle(step * double(i), 0.2 + 0.2 * step * double(i)));
+    return outline;
+}
+
+// Corners of a star, and points on the lines between them.
+Outline makeLongRuns(Random& random, std::size_t n)
+{
+    Outline outline;
+    const Outline star = makeStar(random, n / 4 + 3);
+    for (std::size_t i = 0; i < star.size(); ++i)
+    {
+        const Point a = star[i], b = star[(i + 1) % star.size()];
+        outline.push_back(a);
+        for (const float t : {0.25f, 0.5f, 0.75f})
+            outline.push_back({a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)});
+    }
+    return outline;
+}
+
+// Towers of few heights, side by side: repeated corners, straight lines.
+Outline makeBlocks(Random& random, std::size_t n)
+{
+    Outline outline{{1, 0}, {0, 0}};
+    for (std::size_t i = 0; i < n / 2; ++i)
+    {
+        const float height = static_cast<float>(1 + random.below(4)) / 4;
+        outline.push_back({static_cast<float>(i) / static_cast<float>(n / 2), height});
+        outline.push_back({static_cast<float>(i + 1) / static_cast<float>(n / 2), height});
+    }
+    return outline;
+}
+
+Outline makeScatter(Random& random, std::size_t n)
+{
+    Outline outline;
+    for (std::size_t i = 0; i < n; ++i)
+        outline.push_back({random.between(-1, 1), random.between(-1, 1)});
+    return outline;
+}
+
+Outline makeGridWalk(Random& random, std::size_t n)
+{
+    const unsigned int size = 2 + random.below(6);
+    Outline outline;
+    for (std::size_t i = 0; i < n; ++i)
+        outline.push_back({static_cast<float>(random.below(size)), static_cast<float>(random.below(size))});
+    return outline;
+}
+
+// Steps of whole lengths in a few directions: straight on, back, on the spot.
+Outline makeSteps(Random& random, std::size_t n)
+{
+    Outline outline{{0, 0}};
+    Point step{1, 0};
+    while (outline.size() < n)
+    {
+        if (!random.isOneIn(3))
+            step = onCircle(random.below(8) / 8.0, 0.125 * random.below(4));
+        outline.push_back({outline.back().x + step.x, outline.back().y + step.y});
+    }
+    return outline;
+}
+
+Outline makeClusters(Random& random, std::size_t n)
+{
+    const Outline middles = makeScatter(random, 4);
+    Outline outline;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const Point middle = middles[random.below(4)];
+        const float size = random.isOneIn(2) ? 1e-3f : 1e-6f;
+        outline.push_back({middle.x + random.between(-size, size), middle.y + random.between(-size, size)});
+    }
+    return outline;
+}
+
+// Points along a line and hardly off it.
+Outline makeSliver(Random& random, std::size_t n)
+{
+    Outline outline;
+    const float off = random.isOneIn(3) ? 0.0f : 1e-6f;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const float t = random.between(0, 1);
+        outline.push_back({t, 0.3f * t + random.between(-off, off)});
+    }
+    return outline;
+}
+
+// A course that turns by much, by little, and hardly ever by nothing.
+Outline makeTurns(Random& random, std::size_t n)
+{
+    Outline outline{{0, 0}};
+    double direction = 0;
+    while (outline.size() < n)
+    {
+        const double sizes[] = {1e-4, 1.5e-5, 0.01, 0.3};
+        direction += (random.isOneIn(4) ? 0.5 : 0) + sizes[random.below(4)] * random.between(-1, 1);
+        const Point step = onCircle(direction, random.between(0.1f, 1));
+        outline.push_back({outline.back().x + step.x, outline.back().y + step.y});
+    }
+    return outline;
+}
+
+constexpr Family cSimpleFamilies[] = {
+    {"star", makeStar}, {"circle", makeCircle}, {"comb", makeComb}, {"spiral", makeSpiral}};
+constexpr Family cWildFamilies[] = {{"long runs", makeLongRuns}, {"blocks", makeBlocks}, {"scatter", makeScatter},
+                                    {"grid walk", makeGridWalk}, {"steps", makeSteps},   {"clusters", makeClusters},
+                                    {"sliver", makeSliver},      {"turns", makeTurns}};
+
+float poison(Random& random)
+{
+    constexpr float cMax = std::numeric_limits<float>::max();
+    constexpr float cInfinity = std::numeric_limits<float>::infinity();
+    constexpr float cPoisons[] = {std::numeric_limits<float>::quiet_NaN(), cInfinity, -cInfinity, -0.0f, cMax, -cMax,
+                                  std::numeric_limits<float>::denorm_min()};
+    return cPoisons[random.below(std::size(cPoisons))];
+}
+
+} // namespace
+
+std::span<const Family> simpleFamilies() { return cSimpleFamilies; }
+
+std::span<const Family> wildFamilies() { return cWildFamilies; }
+
+Outline distort(const Outline& outline, unsigned int way, Random& random)
+{
+    constexpr float cScales[cDistortions - 3] = {1, 1e-4f, 1e-9f, 1e-20f, 1e6f, 1e18f, 2e38f};
+    Outline distorted = outline;
+    for (Point& p : distorted)
+    {
+        if (way < std::size(cScales))
+            p = {cScales[way] * p.x, cScales[way] * p.y};
+        else if (way == cDistortions - 3)
+            p = {1000 * p.x + 3e6f, 1000 * p.y - 7e5f};
+        else if (way == cDistortions - 2)
+            p = random.isOneIn(4) ? distorted[random.below(static_cast<unsigned int>(distorted.size()))] : p;
+        else if (random.isOneIn(8))
+            (random.isOneIn(2) ? p.x : p.y) = poison(random);
+    }
+    return distorted;
+}
+
+} // namespace test

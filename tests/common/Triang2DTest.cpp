@@ -1,0 +1,299 @@
+#include "TessellationFixture.h"
+#include "support/CountedAllocations.h"
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+
+namespace
+{
+
+using gui::gl::Buffer;
+using gui::gl::Primitive;
+using gui::gl::Triang2D;
+using test::Outline;
+using test::Random;
+using test::Tessellation;
+
+constexpr float cNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr Primitive cNone = static_cast<Primitive>(8);
+
+Outline reversed(Outline outline)
+{
+    std::reverse(outline.begin(), outline.end());
+    return outline;
+}
+
+Tessellation fan(Outline vertices) { return {Primitive::TriangleFan, 0, std::move(vertices), {}}; }
+
+Tessellation triangles(Outline vertices, std::vector<unsigned int> indices)
+{
+    const auto count = static_cast<unsigned int>(indices.size());
+    return {count == 0 ? cNone : Primitive::Triangles, count, std::move(vertices), std::move(indices)};
+}
+
+class Triang2DTest : public test::Tessellating
+{
+};
+
+TEST_F(Triang2DTest, PolygonsByHand)
+{
+    const Outline arrow{{0, 0}, {4, 0}, {1, 1}, {0, 4}};
+    const Outline pentagon{{2, 0}, {3, 1}, {2, 2}, {0, 2}, {0, 0}};
+    const Outline cup{{0, 0}, {3, 0}, {3, 3}, {2, 3}, {2, 1}, {1, 1}, {1, 3}, {0, 3}};
+    const Outline corner{{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}};
+    const Outline zigzag{{0, 0}, {2, 0}, {0, 2}, {2, 2}, {0, 4}, {2, 4}}; // closed across itself
+    const Outline spot(5, {1, 1});
+    // One turns right among those that turn left or are none; one that turns left last.
+    const Outline bay{{0, 0}, {2, 0}, {4, 0}, {4, 4}, {2, 1}, {0, 4}};
+    const struct
+    {
+        Outline points;
+        Tessellation expected;
+    } cCases[] = {
+        {{{0, 0}, {1, 0}, {0, 1}}, fan({{0, 0}, {1, 0}, {0, 1}})},
+        {arrow, fan(arrow)},
+        {pentagon, fan(pentagon)},
+        {reversed(pentagon), fan(reversed(pentagon))},
+        {{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}}, fan({{2, 2}, {0, 4}, {0, 0}, {4, 0}, {4, 4}})},
+        {corner, fan({{1, 1}, {1, 2}, {0, 2}, {0, 0}, {2, 0}, {2, 1}})},
+        {reversed(corner), fan({{1, 1}, {2, 1}, {2, 0}, {0, 0}, {0, 2}, {1, 2}})},
+        {bay, fan({{2, 1}, {0, 4}, {0, 0}, {2, 0}, {4, 0}, {4, 4}})},
+        {cup, triangles(cup, {1, 2, 3, 5, 6, 7, 1, 3, 4, 5, 7, 0, 0, 1, 4, 4, 5, 0})},
+        {reversed(cup), triangles(reversed(cup), {6, 5, 4, 2, 1, 0, 6, 4, 3, 2, 0, 7, 7, 6, 3, 3, 2, 7})},
+        {zigzag, triangles(zigzag, {})},
+        {spot, fan(spot)},
+    };
+    int number = 0;
+    for (const auto& [points, expected] : cCases)
+        EXPECT_TRUE(isPolygon(points, expected)) << "case " << number++;
+}
+
+/// Rounded to three decimals, as a reader of the table would write them.
+Outline rounded(Outline outline)
+{
+    for (td::Point<float>& p : outline)
+        p = {std::round(p.x * 1000) / 1000 + 0.0f, std::round(p.y * 1000) / 1000 + 0.0f};
+    return outline;
+}
+
+TEST_F(Triang2DTest, LinesByHand)
+{
+    const Outline square{{0, 0}, {4, 0}, {4, 4}, {0, 4}};
+    const Outline band{{0, 1}, {0, -1}, {4, 1}, {4, -1}};
+    const Outline thereAndBack{{-1, -1}, {-1, 1}, {-1, 1}, {-1, -1}, {5, 1}, {5, -1}, {5, -1}, {5, 1}};
+    const Outline squareBand{{0.5f, 0.5f}, {-0.5f, -0.5f}, {3.5f, 0.5f}, {4.5f, -0.5f},
+                             {3.5f, 3.5f}, {4.5f, 4.5f},   {0.5f, 3.5f}, {-0.5f, 4.5f}};
+    const std::vector<unsigned int> ring{0, 1, 2, 3, 2, 1, 2, 3, 4, 5, 4, 3, 4, 5, 6, 7, 6, 5, 6, 7, 0, 1, 0, 7};
+    const struct
+    {
+        Outline points;
+        Line line;
+        Outline vertices;
+        std::vector<unsigned int> firstIndices;
+        std::size_t nIndices;
+    } cCases[] = {
+        {{{0, 0}, {4, 0}}, {1, false}, band, {0, 1, 2, 3, 2, 1}, 6},
+        {{{0, 0}, {10, 0}, {10, 10}},
+         {1, false},
+         {{0, 1}, {0, -1}, {9, 1}, {11, -1}, {9, 10}, {11, 10}},
+         {0, 1, 2, 3, 2, 1, 2, 3, 4, 5, 4, 3},
+         12},
+        {{{0, 0}, {10, 0}, {0, 2}},
+         {1, false},
+         {{0, 1},
+          {0, -1},
+          {-0.099f, 1},
+          {10.906f, -1},
+          {-0.099f, 1},
+          {11.084f, 0.803f},
+          {-0.196f, 1.019f},
+          {0.196f, 2.981f}},
+         {0, 2, 1, 3, 2, 1},
+         18},
+        {{{0, 0}, {10, 0}, {0, -2}},
+         {1, false},
+         {{0, 1},
+          {0, -1},
+          {10.908f, 0.981f},
+          {-0.099f, -1},
+          {11.082f, -0.784f},
+          {-0.099f, -1},
+          {0.196f, -2.981f},
+          {-0.196f, -1.019f}},
+         {0, 1, 2, 3, 1, 2},
+         18},
+        {square, {0.5f, true}, squareBand, ring, 24},
+        {{{0, 0}, {0, 0}, {4, 0}, {4, 4}, {4, 4}, {4, 4}, {0, 4}, {0, 0}, {0, 0}}, {0.5f, true}, squareBand, ring, 24},
+        {{{0, 0}, {2, 0}, {4, 0}},
+         {1, false},
+         {{0, 1}, {0, -1}, {2, 1}, {2, -1}, {4, 1}, {4, -1}},
+         {0, 1, 2, 3, 2, 1},
+         12},
+        {{{0, 0}, {4, 0}, {2, 0}},
+         {1, false},
+         {{0, 1}, {0, -1}, {5, 1}, {5, -1}, {5, -1}, {5, 1}, {2, -1}, {2, 1}},
+         {0, 1, 2, 3, 2, 1, 2, 3, 4, 5, 3, 4, 4, 5, 6, 7, 6, 5},
+         18},
+        {{{0, 0}, {4, 0}}, {1, true}, thereAndBack, {0, 1, 2, 3, 1, 2}, 24},
+        {{{0, 0}, {4, 0}, {0, 0}}, {1, true}, thereAndBack, {0, 1, 2, 3, 1, 2}, 24},
+        {{{3, 3}, {3, 3}, {3, 3}}, {1, true}, {}, {}, 0},
+        {{{0, 0}, {0, 0}}, {1, false}, {}, {}, 0},
+        {square, {0, true}, {}, {}, 0},
+        {square, {cNaN, false}, {}, {}, 0},
+    };
+    int number = 0;
+    for (const auto& [points, line, vertices, firstIndices, nIndices] : cCases)
+    {
+        SCOPED_TRACE(number++);
+        const Tessellation made = test::reference::triangulateLine(points, line.width, line.closed);
+        EXPECT_EQ(rounded(made.vertices), vertices);
+        EXPECT_EQ(made.count, nIndices);
+        EXPECT_TRUE(std::equal(firstIndices.begin(), firstIndices.end(), made.indices.begin()));
+        EXPECT_TRUE(isLine(points, line, made));
+    }
+}
+
+// What a colleague does with points that are vertices already must not read where they were before the list grew.
+TEST_F(Triang2DTest, PointsMayBeVertices)
+{
+    for (const Outline& points : {Outline{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}},
+                                  Outline{{0, 0}, {3, 0}, {3, 3}, {2, 3}, {2, 1}, {1, 1}, {1, 3}, {0, 3}}})
+    {
+        Triang2D::Points vertices;
+        Triang2D::Indices indices;
+        vertices.reserve(points.size());
+        vertices.push_back(points.data(), points.size());
+        triang.triangulate(vertices, vertices, indices);
+        const Outline expected = test::reference::triangulate(points).vertices;
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), vertices.begin() + points.size(), vertices.end()));
+    }
+}
+
+TEST_F(Triang2DTest, TheSamePolygonAgainAllocatesNothing)
+{
+    Triang2D roomy(40);
+    Random random(1);
+    const Outline points = test::simpleFamilies()[2].make(random, 30);
+    Triang2D::Points vertices;
+    Triang2D::Indices indices;
+    vertices.reserve(100);
+    indices.reserve(300);
+    const unsigned long nBefore = test::countedAllocations();
+    for (int i = 0; i < 2; ++i)
+        roomy.triangulate(points.data(), static_cast<unsigned int>(points.size()), vertices, indices);
+    EXPECT_EQ(test::countedAllocations(), nBefore);
+    EXPECT_GT(indices.size(), 0U);
+}
+
+TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
+{
+    const Outline arrow{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}}; // stored from its reflex corner on
+    const Outline twins{{1, 1}, {2, 2}, {1, 1}, {0, 0}};
+    const Outline twinsWanted{{1, 1}, {1, 1}, {2, 2}, {1, 1}};
+    Outline off = arrow;
+    off[4].y = std::nextafter(off[4].y, 5.0f);
+    Outline nan = arrow;
+    nan[0].x = cNaN;
+    const struct
+    {
+        Outline stored, points;
+        std::vector<unsigned int> found; // counted from the range's start
+    } cCases[] = {
+        {test::reference::triangulate(arrow).vertices, arrow, {2, 3, 4, 0, 1}},
+        {arrow, arrow, {0, 1, 2, 3, 4}},
+        {twins, twinsWanted, {0, 2, 1, 0}},
+        {{{0, 0}, {-0.0f, 0}}, {{-0.0f, -0.0f}, {0, 0}}, {0, 1}},
+        {arrow, off, {}},
+        {nan, nan, {}},
+    };
+    int number = 0;
+    for (const auto& [stored, points, found] : cCases)
+    {
+        SCOPED_TRACE(number++);
+        Buffer buffer;
+        begin(buffer);
+        const auto first = static_cast<unsigned int>(buffer.getNoOfVertices());
+        buffer.appendVertices(stored.data(), stored.size());
+        const auto n = static_cast<unsigned int>(points.size());
+        gui::gl::Command* pCommand = triang.createRecycledLine(&buffer, Primitive::LineLoop, points.data(), first, n);
+        ASSERT_EQ(pCommand != nullptr, !found.empty());
+        EXPECT_EQ(buffer.getCommandList().size(), found.empty() ? 0U : 1U);
+        EXPECT_EQ(buffer.getNoOfIndices(), 3 + found.size());
+        EXPECT_EQ(buffer.getNoOfVertices(), first + stored.size());
+        if (pCommand == nullptr)
+            continue;
+        ASSERT_TRUE(buffer.encode(pCommand));
+        EXPECT_EQ(drawn(buffer), std::vector<std::string>{"glDrawElements(2, " + std::to_string(n) + ", 0x1405, 12)"});
+        ASSERT_TRUE(buffer.commit());
+        const std::vector<unsigned int> indices = trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER);
+        for (std::size_t i = 0; i < found.size(); ++i)
+            EXPECT_EQ(indices[3 + i], first + found[i]);
+    }
+}
+
+TEST_F(Triang2DTest, MisuseIsSaidAndTouchesNothing)
+{
+    constexpr td::Point<float> points[4]{{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    constexpr const char* cTooFew = "false && \"triangulate: Must be 3 indices at least\"";
+    const std::string past = "Error! Triang2D::createRecycledLine wrong input data! Number of vertices in buffer=2, "
+                             "lastSearchPos=";
+    Buffer flat, solid, closed;
+    begin(flat);
+    begin(closed);
+    ASSERT_TRUE(closed.commit());
+    ASSERT_TRUE(solid.init(0, 0, 0, {gui::gl::DataType::Vec3}));
+    const auto recycle = [this, &points](Buffer& buffer, unsigned int first, unsigned int n)
+    { return triang.createRecycledLine(&buffer, Primitive::LineStrip, points, first, n); };
+    const struct
+    {
+        std::function<gui::gl::Command*()> call;
+        std::string logLine;
+        std::string condition;
+    } cCases[] = {
+        {[&] { return triang.triangulate(&flat, points, 2); }, "", cTooFew},
+        {[&] { return triang.triangulate(&flat, Triang2D::Points()); }, "", cTooFew},
+        {[&] { return triang.triangulate(&solid, points, 2); },
+         "Error! Triang2D::triangulate obtained wrong stride size. Expected 2 elemens, obtained 3 elements", "false"},
+        {[&] { return triang.triangulate(&closed, points, 4); },
+         "ERROR! Buffer::append vertices on committed buffer! Call reset first!", "false"},
+        {[&] { return triang.triangulateLine(&flat, points, 1, 1, false); }, "", "false"},
+        {[&] { return triang.triangulateLine(&solid, points, 4, 1, false); }, "",
+         "pBuffer->getVertexStride() == 2 * sizeof(float)"},
+        {[&] { return triang.triangulateLine(&closed, points, 4, 1, false); },
+         "ERROR! Buffer::append vertices on committed buffer! Call reset first!", "false"},
+        {[&] { return recycle(solid, 0, 4); },
+         "Error! Triang2D::createRecycledLine wrong input data! This method can be used only with layouts having 2d "
+         "points",
+         "false"},
+        {[&] { return recycle(flat, 0, 3); }, past + "3", "false"},
+        {[&] { return recycle(flat, ~0U, 2); }, past + "1", "false"},
+        {[&] { return recycle(closed, 0, 2); }, "ERROR! Buffer::append vertices on committed buffer! Call reset first!",
+         "false"},
+    };
+    for (const auto& [call, logLine, condition] : cCases)
+    {
+        SCOPED_TRACE(condition + logLine);
+        EXPECT_EQ(call(), nullptr);
+        EXPECT_TRUE(asserts.caught(condition));
+        EXPECT_EQ(log.take(), logLine.empty() ? std::vector<std::string>() : std::vector<std::string>{logLine});
+        EXPECT_EQ(flat.getNoOfVertices(), 2U);
+        EXPECT_EQ(flat.getNoOfIndices(), 3U);
+        for (Buffer* pBuffer : {&flat, &solid, &closed})
+            EXPECT_EQ(pBuffer->getCommandList().size(), 0U);
+    }
+    Triang2D::Points vertices;
+    Triang2D::Indices indices;
+    EXPECT_EQ(triang.triangulate(points, 2, vertices, indices), std::make_pair(cNone, 0U));
+    EXPECT_TRUE(asserts.caught(cTooFew));
+    EXPECT_EQ(triang.triangulateLine(points, 1, 1, true, vertices, indices),
+              std::make_tuple(Primitive::Triangles, 0U, 0U));
+    EXPECT_TRUE(asserts.caught("false"));
+    EXPECT_EQ(vertices.size() + indices.size(), 0U);
+}
+
+} // namespace
