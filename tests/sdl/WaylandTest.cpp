@@ -222,6 +222,19 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     EXPECT_FALSE(view.isPictureWrong || view.isContextWrong);
 }
 
+TEST_F(WaylandTest, TheFrameHasAButtonThatCloses)
+{
+    RecordingView view;
+    view.create();
+    gui::Window window("Closes", {200, 150});
+    ASSERT_NO_FATAL_FAILURE(show(window, view, 0));
+    xdo(at(200 - 16, -12));
+    xdo("click 1");
+    EXPECT_TRUE(waitInLoop([&] { return !window.isOpen(); }));
+    EXPECT_TRUE(view.isCleaned);
+    EXPECT_FALSE(app.step(0)) << "the last window is closed";
+}
+
 TEST_F(WaylandTest, TwoWindowsTwoContexts)
 {
     RecordingView first;
