@@ -3,14 +3,32 @@
 set(GUIGL_FONT_FOLDERS "/usr/share/fonts;/usr/local/share/fonts;$ENV{HOME}/.local/share/fonts"
     CACHE STRING "Where guigl_bake_font looks for fonts that are given by their bare file names")
 
+# guigl_find_font(<variable> <file>)
+#
+# The path of a font that is given by a path, seen from the current source folder, or by the bare name of a file that is
+# searched in GUIGL_FONT_FOLDERS and below them. A font that isn't there ends the configuration.
+function(guigl_find_font variable file)
+    cmake_path(ABSOLUTE_PATH file BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE OUTPUT_VARIABLE path)
+    if(NOT EXISTS "${path}" AND NOT file MATCHES "/")
+        list(TRANSFORM GUIGL_FONT_FOLDERS APPEND "/${file}" OUTPUT_VARIABLE patterns)
+        file(GLOB_RECURSE found ${patterns})
+        list(APPEND found "${path}")
+        list(GET found 0 path)
+    endif()
+    if(NOT EXISTS "${path}")
+        list(JOIN GUIGL_FONT_FOLDERS ", " folders)
+        message(FATAL_ERROR "There is no font ${file} in ${CMAKE_CURRENT_SOURCE_DIR} or ${folders}")
+    endif()
+    set(${variable} "${path}" PARENT_SCOPE)
+endfunction()
+
 # guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>]
 #                 [CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])
 #
 # Bakes a font with fontbake and compiles it into the target as the resource "<prefix>/<name>", for Font::load for
-# instance. FONT is a path, or the bare name of a file that is searched in GUIGL_FONT_FOLDERS and below them. CHARS are
-# ranges such as 32-126 U+400-U+45F; TEXT is a file whose characters are baked instead; without both it is Latin-1. OPTIONS
-# are handed on to fontbake, whose --help explains them. Relative files are meant from the current source folder. The target
-# must link guigl::gui, directly or not.
+# instance. FONT is found as guigl_find_font does. CHARS are ranges such as 32-126 U+400-U+45F; TEXT is a file whose
+# characters are baked instead; without both it is Latin-1. OPTIONS are handed on to fontbake, whose --help explains them.
+# Relative files are meant from the current source folder. The target must link guigl::gui, directly or not.
 function(guigl_bake_font target name)
     cmake_parse_arguments(PARSE_ARGV 2 ARG "" "FONT;SIZE;PREFIX;TEXT" "CHARS;OPTIONS")
     if(NOT TARGET ${target} OR NOT ARG_FONT OR NOT ARG_SIZE OR ARG_UNPARSED_ARGUMENTS)
@@ -21,17 +39,7 @@ function(guigl_bake_font target name)
         message(FATAL_ERROR "guigl_bake_font: there is no fontbake; configure guigl with GUIGL_TOOLS=ON")
     endif()
 
-    cmake_path(ABSOLUTE_PATH ARG_FONT BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE OUTPUT_VARIABLE font)
-    if(NOT EXISTS "${font}" AND NOT ARG_FONT MATCHES "/")
-        list(TRANSFORM GUIGL_FONT_FOLDERS APPEND "/${ARG_FONT}" OUTPUT_VARIABLE patterns)
-        file(GLOB_RECURSE fonts ${patterns})
-        list(APPEND fonts "${font}")
-        list(GET fonts 0 font)
-    endif()
-    if(NOT EXISTS "${font}")
-        message(FATAL_ERROR "guigl_bake_font: no font ${ARG_FONT} in ${CMAKE_CURRENT_SOURCE_DIR};${GUIGL_FONT_FOLDERS}")
-    endif()
-
+    guigl_find_font(font "${ARG_FONT}")
     set(arguments --size ${ARG_SIZE})
     if(ARG_CHARS)
         list(JOIN ARG_CHARS "," ranges)

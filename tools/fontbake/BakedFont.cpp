@@ -38,7 +38,7 @@ Picture replacementBox(int size)
 /// How far strokes reach out to the left of the pen, those left aside that reach further than letters do.
 int overhangOf(const std::vector<Picture>& pictures, int size)
 {
-    const int limit = (size + 11) / 12;
+    const int limit = (size + 7) / 8;
     int overhang = 0;
     for (const Picture& picture : pictures)
         if (-picture.left <= limit)

@@ -1,0 +1,358 @@
+#include "FontFileParser.h"
+
+#include <fontbake/BakedFont.h>
+#include <fontbake/Error.h>
+
+#include <gui/Res.h>
+#include <gui/Texture.h>
+#include <gui/gl/Text.h>
+#include <sdl/Process.h>
+#include <support/Images.h>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <span>
+#include <utility>
+
+namespace
+{
+
+using namespace fontbake;
+using test::ParsedFont;
+
+constexpr const char* cFonts[] = {GUIGL_SANS, GUIGL_SERIF, GUIGL_MONO};
+constexpr const char* cLetters = "32-126,160-255,U+391-U+3A1,U+3B1-U+3C9,U+410-U+44F,U+1EA0-U+1EF9,U+300-U+303";
+
+ParsedFont baked(const char* font, CharacterSet characters, const BakeSettings& settings,
+                 Hinting hinting = Hinting::Light)
+{
+    std::ranges::sort(characters);
+    return ParsedFont(fileOf(bake(Rasterizer(font, settings.size, hinting), characters, settings)));
+}
+
+std::string contentOf(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// Glyphs of a font as FreeType has them without any hinting.
+class Reference
+{
+public:
+    Reference(const char* font, int size)
+    {
+        EXPECT_EQ(FT_Init_FreeType(&_library), 0);
+        EXPECT_EQ(FT_New_Face(_library, font, 0, &_face), 0);
+        FT_Set_Pixel_Sizes(_face, 0, static_cast<FT_UInt>(size));
+    }
+    ~Reference() { FT_Done_FreeType(_library); }
+    Reference(const Reference&) = delete;
+    Reference& operator=(const Reference&) = delete;
+
+    float advanceOf(char32_t codePoint)
+    {
+        EXPECT_EQ(FT_Load_Char(_face, codePoint, FT_LOAD_NO_HINTING), 0);
+        return static_cast<float>(_face->glyph->linearHoriAdvance) / 65536;
+    }
+
+    /// The middle of the ink, to the right of the pen and above the baseline.
+    void middleOf(char32_t codePoint, double& x, double& y)
+    {
+        EXPECT_EQ(FT_Load_Char(_face, codePoint, FT_LOAD_NO_HINTING | FT_LOAD_RENDER), 0);
+        const FT_GlyphSlot slot = _face->glyph;
+        double sum = 0;
+        x = y = 0;
+        for (int row = 0; row < int(slot->bitmap.rows); ++row)
+            for (int column = 0; column < int(slot->bitmap.width); ++column)
+            {
+                const double coverage = slot->bitmap.buffer[row * slot->bitmap.pitch + column];
+                sum += coverage;
+                x += coverage * (slot->bitmap_left + column + 0.5);
+                y += coverage * (slot->bitmap_top - row - 0.5);
+            }
+        x /= sum;
+        y /= sum;
+    }
+
+private:
+    FT_Library _library = nullptr;
+    FT_Face _face = nullptr;
+};
+
+TEST(Fontbake, CellsAreSideBySideWithBlankEdges)
+{
+    const CharacterSet characters = charactersOfRanges(cLetters);
+    for (const char* font : cFonts)
+        for (const BakeSettings& settings : {BakeSettings{4, 1}, {12, 1}, {17, 3}, {24, 1}, {35, 2}})
+        {
+            SCOPED_TRACE(font + (" at " + std::to_string(settings.size)));
+            const ParsedFont file = baked(font, characters, settings);
+            EXPECT_LE(file.width, 16384);
+            EXPECT_EQ(file.lineHeight, float(file.height)) << "rows of the atlas are pixels of the line";
+            std::set<std::uint32_t> codePoints;
+            for (std::size_t i = 0; i < file.glyphs.size(); ++i)
+            {
+                SCOPED_TRACE(nameOf(file.glyphs[i].codePoint));
+                codePoints.insert(file.glyphs[i].codePoint);
+                const int left = file.leftOf(i);
+                const int right = file.rightOf(i);
+                ASSERT_EQ(float(right - left), file.glyphs[i].width + file.padding) << "columns are pixels of the quad";
+                ASSERT_GE(file.glyphs[i].width, 0);
+                for (int k = 0; k < settings.spread; ++k)
+                    EXPECT_TRUE(file.isColumnBlank(left + k) && file.isColumnBlank(right - 1 - k)) << k;
+            }
+            for (int k = 0; k < settings.spread; ++k)
+                EXPECT_TRUE(file.isRowBlank(k) && file.isRowBlank(file.height - 1 - k)) << k;
+            EXPECT_EQ(file.glyphs.front().tx, 0);
+            EXPECT_EQ(codePoints.size(), characters.size() + 1);
+            EXPECT_TRUE(std::ranges::includes(codePoints, characters));
+        }
+}
+
+TEST(Fontbake, TheLastGlyphIsABox)
+{
+    for (const int size : {4, 12, 48})
+    {
+        // A character behind U+FFFD, and U+FFFD asked for.
+        const ParsedFont file = baked(GUIGL_SANS, charactersOfRanges("65,U+FFFD,U+1D538"), {size});
+        ASSERT_EQ(file.glyphs.size(), 3U);
+        EXPECT_EQ(file.glyphs[1].codePoint, 0x1D538U);
+        EXPECT_EQ(file.glyphs[2].codePoint, 0xFFFDU);
+        int edge = file.leftOf(2);
+        while (file.isColumnBlank(edge))
+            ++edge;
+        const int base = int(file.metricB) - 1;
+        EXPECT_EQ(file.at(edge, base), 255) << "a corner on the baseline";
+        EXPECT_EQ(file.at(edge, base + 1), 0);
+        EXPECT_EQ(file.at(edge + size / 4, base - size / 3), 0) << "hollow";
+    }
+}
+
+/// The middle of the ink in a cell, to the right of its left edge and above the baseline.
+void middleOf(const ParsedFont& file, std::size_t glyph, double& x, double& y)
+{
+    double sum = 0;
+    x = y = 0;
+    for (int column = file.leftOf(glyph); column < file.rightOf(glyph); ++column)
+        for (int row = 0; row < file.height; ++row)
+        {
+            const int coverage = file.at(column, row);
+            sum += coverage;
+            x += coverage * (column - file.leftOf(glyph) + 0.5);
+            y += coverage * (double(file.metricB) - row - 0.5);
+        }
+    x /= sum;
+    y /= sum;
+}
+
+/// Lays out a line and compares with where an unhinted font has pen and ink.
+void compareLine(const char* font, int size, Hinting hinting, std::u32string_view line)
+{
+    const ParsedFont file = baked(font, {line.begin(), line.end()}, {size}, hinting);
+    Reference reference(font, size);
+    EXPECT_NEAR(file.spaceWidth, reference.advanceOf(U' '), 0.5);
+    for (const test::PlacedGlyph& placed : layOut(file, line))
+    {
+        const char32_t codePoint = file.glyphs[placed.glyph].codePoint;
+        SCOPED_TRACE(nameOf(codePoint));
+        EXPECT_NEAR(placed.nextPen - placed.pen, reference.advanceOf(codePoint), 0.5);
+        EXPECT_EQ(placed.left, std::floor(placed.left)) << "sharp only on whole pixels";
+
+        double expectedX, expectedY, x, y;
+        reference.middleOf(codePoint, expectedX, expectedY);
+        middleOf(file, placed.glyph, x, y);
+        // Half of what rounding adds to the advance, up to a quarter pixel, goes to each side. Light hinting fits heights to
+        // whole pixels, at the base and the top, which gives some ink another weight; overlapping outlines do so too.
+        EXPECT_NEAR(placed.left - placed.pen + x, expectedX, 0.25 + 0.15);
+        EXPECT_NEAR(y, expectedY, hinting == Hinting::Light ? 1 : 0.1);
+    }
+}
+
+TEST(Fontbake, LinesHaveTheFontsOwnSpacing)
+{
+    const std::u32string_view pangrams[] = {
+        U"The quick brown fox jumps over the lazy dog, 0123456789 times!",
+        U"jåfjord: [Åse] ÆØÅ {Jörg fährt Wölfe} (ßüß) ¿qué?",
+        U"Ξεσκεπάζω την ψυχοφθόρα βδελυγμία",
+        U"Съешь ещё этих мягких французских булок",
+        U"Tiếng Việt: nước, Ẩ; e\u0301a\u0302o\u0323",
+    };
+    for (const char* font : cFonts)
+        for (const int size : {9, 12, 16, 24, 48})
+            for (const Hinting hinting : {Hinting::Light, Hinting::None})
+                for (const std::u32string_view pangram : pangrams)
+                {
+                    SCOPED_TRACE(font + (" at " + std::to_string(size)));
+                    compareLine(font, size, hinting, pangram);
+                }
+}
+
+TEST(Fontbake, CharactersComeFromRangesAndTexts)
+{
+    const std::pair<const char*, CharacterSet> ranges[] = {
+        {"66,65,65-67", {65, 66, 67}},
+        {"9-10,32-33,8232,U+fffd", {33}},
+        {"U+D7FF-U+E000", {0xD7FF, 0xE000}},
+        {"u+10FFFF,1114110", {0x10FFFE, 0x10FFFF}},
+    };
+    for (const auto& [text, expected] : ranges)
+        EXPECT_EQ(charactersOfRanges(text), expected) << text;
+    for (const char* text : {"", "65,", ",65", "65-", "-65", "67-65", "65-66-67", "A", "U+", "U+110000", "55296",
+                             "65 66", "0x41", "99999999999", "+65"})
+        EXPECT_THROW(charactersOfRanges(text), Error) << text;
+
+    EXPECT_EQ(charactersOfText("\xEF\xBB\xBF"
+                               "b\ta\r\n b\x7F😀é",
+                               "text"),
+              (CharacterSet{U'a', U'b', U'é', U'😀'}));
+    try
+    {
+        charactersOfText("one\ntwo\nthr\xC3", "some.txt");
+        FAIL() << "half a character";
+    }
+    catch (const Error& error)
+    {
+        EXPECT_STREQ(error.what(), "some.txt is not UTF-8 in line 3");
+    }
+}
+
+TEST(Fontbake, LightTextOnDarkGroundGetsTheRootOfTheCoverage)
+{
+    const ParsedFont plain = baked(GUIGL_SANS, {U'g'}, {20});
+    const ParsedFont light = baked(GUIGL_SANS, {U'g'}, {20, 1, true});
+    ASSERT_EQ(plain.pixels.size(), light.pixels.size());
+    for (std::size_t i = 0; i < plain.pixels.size(); ++i)
+        ASSERT_NEAR(light.pixels[i] * light.pixels[i] / 255.0, plain.pixels[i], 1) << i; // the root's rounding
+}
+
+// The font that the build baked of A to Z and one character behind U+FFFF.
+TEST(Fontbake, FontsOfTheBuildAreReadAndLaidOut)
+{
+    std::span<const td::BYTE> bytes;
+    ASSERT_TRUE(gui::Res::getCompiled("test/sans-16.font", bytes));
+    const ParsedFont file({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    EXPECT_EQ(file.glyphs.size(), 28U);
+    td::StringBase path;
+    ASSERT_TRUE(gui::Res::getFileName("test/sans-16.font", path));
+
+    gui::gl::Text text;
+    text.allocFonts(1);
+    gui::gl::Font& font = *text.getFont(0);
+    gui::Image::_data atlas;
+    float linePitch = 0;
+    ASSERT_TRUE(font.loadBinaryData(path.c_str(), atlas, linePitch));
+    EXPECT_EQ(linePitch, file.metricC);
+
+    const std::pair<const char*, std::u32string_view> lines[] = {{"TYPE", U"TYPE"}, {"A\U0001D538?", U"A\U0001D538?"}};
+    for (const auto& [utf8, line] : lines)
+    {
+        const td::Size<float> size = font.addString({0, 0}, utf8, 0, td::ColorID::Black, 1);
+        EXPECT_EQ(size.width, layOut(file, line).back().nextPen) << utf8;
+        EXPECT_EQ(size.width, font.measure(utf8, 0, {0, 0}).width) << utf8;
+        EXPECT_EQ(size.height, file.lineHeight + 1) << utf8;
+    }
+}
+
+/// The program, run in a folder of its own.
+class FontbakeProgram : public testing::Test
+{
+protected:
+    /// Its exit status and what it said on both channels.
+    int run(const std::string& arguments)
+    {
+        int status = -1;
+        const std::string command = "cd '" + _folder.path("") + "' && " GUIGL_FONTBAKE " " + arguments + " 2>&1";
+        _output = test::outputOf({"sh", "-c", command}, status);
+        return status;
+    }
+
+    std::set<std::string> files() const
+    {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(_folder.path("")))
+            names.insert(entry.path().filename());
+        return names;
+    }
+
+    void write(const char* name, const char* content) const { std::ofstream(_folder.path(name)) << content; }
+
+    test::ImageFolder _folder;
+    std::string _output;
+};
+
+TEST_F(FontbakeProgram, WritesFontAndPreview)
+{
+    write("text.txt", "Žluťoučký kůň\n");
+    ASSERT_EQ(run(GUIGL_SANS " -o czech.font --size=20 --text text.txt --preview czech.png"), 0) << _output;
+    EXPECT_EQ(_output, "");
+    EXPECT_EQ(files(), (std::set<std::string>{"czech.font", "czech.png", "text.txt"}));
+    EXPECT_EQ(ParsedFont(contentOf(_folder.path("czech.font"))).glyphs.size(), 11U);
+    gui::Texture preview;
+    EXPECT_TRUE(preview.loadFromFile(_folder.path("czech.png").c_str()));
+    std::set<int> greys(preview.getBytes(), preview.getBytes() + preview.getWidth() * preview.getHeight() * 3);
+    EXPECT_EQ(*greys.begin(), 0) << "stems are black";
+    EXPECT_EQ(*greys.rbegin(), 255);
+
+    ASSERT_EQ(run(GUIGL_SANS " -o czech.font --size 20 --chars 65,U+378-U+37A,U+E000 --skip-missing"), 0) << _output;
+    EXPECT_EQ(ParsedFont(contentOf(_folder.path("czech.font"))).glyphs.size(), 3U) << "A, U+37A and the box";
+
+    ASSERT_EQ(run("--help"), 0);
+    for (const char* option : {"--size", "--chars", "--text", "--spread", "--preview", "--hinting", "--skip-missing"})
+        EXPECT_NE(_output.find(option), std::string::npos) << option;
+}
+
+TEST_F(FontbakeProgram, RefusesInOneLineAndLeavesNothing)
+{
+    write("bad.txt", "a\xFF");
+    write("none.ttf", "no font");
+    write("old.font", "old");
+    const std::set<std::string> before = files();
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "which font?"},
+        {GUIGL_SANS, "-o is missing"},
+        {GUIGL_SANS " -o x", "--size is missing"},
+        {GUIGL_SANS " " GUIGL_SANS " -o x --size 9", "one font at a time"},
+        {GUIGL_SANS " -o x --size", "--size wants a value"},
+        {GUIGL_SANS " -o x --size 3", "--size wants a number from 4 to 500, not '3'"},
+        {GUIGL_SANS " -o x --size 12pt", "not '12pt'"},
+        {GUIGL_SANS " -o x --size 12 --size 13", "--size is given twice"},
+        {GUIGL_SANS " -o x --size 12 --spread 0", "--spread wants a number from 1 to 64"},
+        {GUIGL_SANS " -o x --size 12 --hinting full", "--hinting is light or none"},
+        {GUIGL_SANS " -o x --size 12 --skip-missing=1", "--skip-missing takes no value"},
+        {GUIGL_SANS " -o x --size 12 --bold", "no option --bold"},
+        {GUIGL_SANS " -o x --size 12 --chars 65 --text old.font", "exclude each other"},
+        {GUIGL_SANS " -o x --size 12 --preview x", "the same file"},
+        {GUIGL_SANS " -o x --size 12 --chars 70-65", "ends before it begins"},
+        {GUIGL_SANS " -o x --size 12 --text bad.txt", "not UTF-8 in line 1"},
+        {GUIGL_SANS " -o x --size 12 --text absent.txt", "absent.txt: No such file"},
+        {GUIGL_SANS " -o x --size 12 --chars 65,U+E000", "lacks U+E000; --skip-missing"},
+        {GUIGL_SANS " -o x --size 12 --chars U+E000-U+E002", "lacks U+E000 and 2 other characters"},
+        {GUIGL_SANS " -o x --size 240", "atlas of 16384 pixels"},
+        {"absent.ttf -o x --size 12", "absent.ttf: No such file"},
+        {"none.ttf -o old.font --size 12", "none.ttf is no font"},
+        {GUIGL_SANS " -o absent/x --size 12", "absent/x: No such file"},
+        {GUIGL_SANS " -o old.font --size 12 --preview absent/x.png", "absent/x.png: No such file"},
+        {GUIGL_SANS " -o /dev/null --size 12", "something that is no file"},
+    };
+    for (const auto& [arguments, message] : cases)
+    {
+        SCOPED_TRACE(arguments);
+        EXPECT_EQ(run(arguments), 1);
+        EXPECT_TRUE(_output.starts_with("fontbake: ")) << _output;
+        EXPECT_NE(_output.find(message), std::string::npos) << _output;
+        EXPECT_EQ(_output.find('\n'), _output.size() - 1) << _output;
+        EXPECT_EQ(files(), before);
+    }
+    EXPECT_EQ(contentOf(_folder.path("old.font")), "old");
+}
+
+} // namespace
