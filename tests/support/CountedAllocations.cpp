@@ -1,5 +1,6 @@
 #include "CountedAllocations.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -9,10 +10,12 @@ namespace
 {
 
 std::atomic<unsigned long> s_nAllocations = 0;
+std::atomic<std::size_t> s_largest = 0;
 
 void* allocateOrNull(std::size_t n) noexcept
 {
     ++s_nAllocations;
+    s_largest = std::max(s_largest.load(), n);
     return std::malloc(n == 0 ? 1 : n);
 }
 
@@ -38,5 +41,7 @@ namespace test
 {
 
 unsigned long countedAllocations() { return s_nAllocations; }
+
+std::size_t largestAllocation() { return s_largest.exchange(0); }
 
 } // namespace test

@@ -1,0 +1,249 @@
+#include "FontFixture.h"
+#include "PlainLayout.h"
+#include "support/CountedAllocations.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <random>
+
+namespace
+{
+
+using test::FontFile;
+using test::PlainLayout;
+
+constexpr std::u32string_view cCharacters = U"zeb\u00E9\u0416a\u2019\u3042\uFFFD\U0001F600\U0010FFFF\u2027.";
+
+/// Text of all kinds: known and unknown code points of every plane, spaces and breaks, and bytes that are no text.
+std::string randomText(std::mt19937& random)
+{
+    const auto below = [&](std::size_t n) { return random() % n; };
+    static const char* const cPieces[] = {"z",
+                                          "e",
+                                          "b",
+                                          "a",
+                                          ".",
+                                          "?",
+                                          "\xC3\xA9",
+                                          "\xD0\x96",
+                                          "\xE3\x81\x82",
+                                          "\xF0\x9F\x98\x80",
+                                          "\xF4\x8F\xBF\xBF",
+                                          " ",
+                                          "\t",
+                                          "\n",
+                                          "\n\n",
+                                          "\r",
+                                          "\xE2\x80\xA8",
+                                          "\xE2\x80\xA9",
+                                          "\xC2\xA0",
+                                          "\xE3\x80\x80", // spaces and breaks
+                                          "\xE2\x80",
+                                          "\xF0\x9F\x98",
+                                          "\xC0\xAF",
+                                          "\xED\xA0\x80"}; // no text
+    std::string text;
+    for (std::size_t n = below(24); n > 0; --n)
+    {
+        const std::size_t kind = below(8);
+        if (kind == 0)
+            text += static_cast<char>(below(256)); // a zero too
+        else if (kind == 1)                        // of any plane
+            text += {char(0xF0 + below(5)), char(0x80 + below(64)), char(0x80 + below(64)), char(0x80 + below(64))};
+        else
+            text += cPieces[below(std::size(cPieces))];
+    }
+    return text;
+}
+
+std::vector<unsigned int> bits(const std::vector<float>& values)
+{
+    std::vector<unsigned int> result(values.size());
+    std::transform(values.begin(), values.end(), result.begin(),
+                   [](float value) { return std::bit_cast<unsigned int>(value); });
+    return result;
+}
+
+class FontLayoutTest : public test::FontFixture
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(readInto(font(), file)); }
+
+    static FontFile irregularFont()
+    {
+        FontFile result(cCharacters);
+        std::shuffle(result.glyphs.begin(), result.glyphs.end(), std::mt19937(3));
+        for (std::size_t i = 0; i < result.glyphs.size(); ++i)
+            result.glyphs[i].tx = static_cast<float>(i) / static_cast<float>(result.glyphs.size());
+        return result;
+    }
+
+    const FontFile file = irregularFont();
+};
+
+TEST_F(FontLayoutTest, EqualsThePlainLayoutBitForBit)
+{
+    std::mt19937 random(7);
+    const auto real = [&](float from, float to) { return std::uniform_real_distribution<float>(from, to)(random); };
+    PlainLayout plain{.file = file, .vertices = {}};
+    for (int round = 0; round < 4000; ++round)
+    {
+        plain.additionalSpace = random() % 2 == 0 ? 0.0f : real(-1, 3);
+        plain.lineSpacing = random() % 2 == 0 ? 1.0f : real(-2, 9);
+        font().setAdditionalSpaceBetweenGlyphs(plain.additionalSpace);
+        font().setSpaceBetweenLines(plain.lineSpacing);
+        const Format format{.scale = random() % 4 == 0 ? 1.0f : real(0.1f, 3),
+                            .hAlignment = static_cast<td::BYTE>(random() % 4)};
+        const td::Point<float> pos(real(-300, 300), real(-300, 300));
+        const std::string text = randomText(random);
+        // In memory of its size, without a zero behind it. An empty text is one up to its zero.
+        const std::vector<char> exact(text.empty() ? std::vector<char>{'\0'}
+                                                   : std::vector<char>(text.begin(), text.end()));
+        const auto len = static_cast<unsigned int>(text.size());
+
+        plain.vertices.clear();
+        const td::Size<float> expected = plain.addString(pos, text, format);
+        const td::Size<float> size = font().addString(pos, exact.data(), len, format);
+        EXPECT_EQ(bits({size.width, size.height}), bits({expected.width, expected.height})) << round;
+        ASSERT_EQ(bits(takeVertices(font())), bits(plain.vertices)) << round;
+
+        const unsigned int start = static_cast<unsigned int>(random()) % (len + 2);
+        const unsigned int count = random() % 3 == 0 ? 0 : static_cast<unsigned int>(random()) % (len + 3 - start);
+        td::Size<float> expectedPart;
+        if (start + count <= len)
+            expectedPart =
+                plain.measure(PlainLayout::decoded(text.substr(start, count == 0 ? std::string::npos : count)));
+        const td::Size<float> part = font().measure(exact.data(), len, {start, count});
+        EXPECT_EQ(bits({part.width, part.height}), bits({expectedPart.width, expectedPart.height})) << round;
+    }
+}
+
+// Every code point: the pages find what the map has, and the replacement for all others.
+TEST_F(FontLayoutTest, EveryCodePointShowsItsGlyphOrTheLast)
+{
+    std::string text;
+    for (unsigned int c = 0x80; c <= 0x10FFFF; ++c)
+    {
+        if ((c >= 0xD800 && c < 0xE000) || c == 0x2028)
+            continue;
+        if (c >= 0x10000)
+            text +=
+                {char(0xF0 | c >> 18), char(0x80 | (c >> 12 & 63)), char(0x80 | (c >> 6 & 63)), char(0x80 | (c & 63))};
+        else if (c >= 0x800)
+            text += {char(0xE0 | c >> 12), char(0x80 | (c >> 6 & 63)), char(0x80 | (c & 63))};
+        else
+            text += {char(0xC0 | c >> 6), char(0x80 | (c & 63))};
+    }
+    font().addString({}, text.c_str(), 0, td::ColorID::Red, 1);
+    const std::vector<float> vertices = takeVertices(font());
+    std::size_t nOthers = 0;
+    std::vector<unsigned int> found;
+    unsigned int c = 0x80;
+    for (std::size_t i = 0; i < vertices.size(); i += 24, ++c)
+    {
+        c = c == 0xD800 ? 0xE000 : c == 0x2028 ? 0x2029 : c;
+        const float u0 = vertices[i + 2];
+        if (u0 == file.glyphs.back().tx)
+            ++nOthers;
+        else if (file.glyphs[std::size_t(std::lround(u0 * float(file.glyphs.size())))].codePoint == c)
+            found.push_back(c);
+    }
+    std::vector<unsigned int> expected;
+    for (const FontFile::Glyph& glyph : file.glyphs)
+    {
+        if (glyph.codePoint >= 0x80 && glyph.codePoint != file.glyphs.back().codePoint)
+            expected.push_back(glyph.codePoint);
+    }
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(c, 0x110000u);
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(nOthers + found.size(), vertices.size() / 24);
+}
+
+// The text hello, two glyphs of the same metrics, and lines: figures worked out by hand.
+TEST_F(FontLayoutTest, WorkedExamples)
+{
+    FontFile two(U"ABhelo");
+    two.lineHeight = 20;
+    for (FontFile::Glyph& glyph : two.glyphs)
+        glyph = {glyph.codePoint, 0, 8, 10, glyph.tx};
+    ASSERT_TRUE(readInto(font(), two));
+    const float sixth = two.glyphs[1].tx, third = two.glyphs[2].tx;
+    const auto add = [&](const char* str, float x, td::BYTE alignment) {
+        return font().addString({x, 50}, str, 0, Format{.scale = 1, .hAlignment = alignment});
+    };
+    EXPECT_EQ(add("AB", 0, Font::cLeft), td::Size<float>(18, 21));
+    EXPECT_EQ(takeVertices(font()),
+              (std::vector<float>{-1, 70, 0,     1, 9, 50, sixth, 0, -1, 50, 0,     0, -1, 70, 0,     1,
+                                  9,  70, sixth, 1, 9, 50, sixth, 0, 8,  70, sixth, 1, 18, 50, third, 0,
+                                  8,  50, sixth, 0, 8, 70, sixth, 1, 18, 70, third, 1, 18, 50, third, 0}));
+    // {the first x, the second quad's x, its top}
+    const auto corners = [&]
+    {
+        const std::vector<float> v = takeVertices(font());
+        return v.size() == 48 ? std::vector<float>{v[0], v[24], v[29]} : std::vector<float>{};
+    };
+    EXPECT_EQ(add("A\nB", 0, Font::cLeft), td::Size<float>(9, 42));
+    EXPECT_EQ(corners(), (std::vector<float>{-1, -1, 71}));
+    EXPECT_EQ(add("AB", 100, Font::cCentre), td::Size<float>(18, 21));
+    EXPECT_EQ(corners(), (std::vector<float>{90, 99, 50}));
+    EXPECT_EQ(add("A\n\nB", 100, Font::cRight), td::Size<float>(9, 42));
+    EXPECT_EQ(corners(), (std::vector<float>{90, 90, 71}));
+    EXPECT_EQ(add("\nAB", 100, Font::cRight), td::Size<float>(18, 21));
+    EXPECT_EQ(corners(), (std::vector<float>{81, 90, 50}));
+    EXPECT_EQ(add("", 0, Font::cLeft), td::Size<float>());
+
+    const td::String hello("hello");
+    EXPECT_EQ(font().measure(hello, {2, 0}), td::Size<float>(27, 21));
+    EXPECT_EQ(font().measure(hello, {4, 3}), td::Size<float>());
+    EXPECT_EQ(font().measure(hello, {5, 0}), td::Size<float>());
+    EXPECT_EQ(font().measure(hello, {0xFFFFFFFF, 2}), td::Size<float>()); // the sum wraps in 32 bits
+}
+
+TEST_F(FontLayoutTest, CostsNoAllocationOnceTheBuffersHaveGrown)
+{
+    const td::String text("\xC3\xA9 zeb\n\xE3\x81\x82 a longer line than before\nz");
+    const auto layOut = [&]
+    {
+        for (const td::BYTE alignment : {Font::cLeft, Font::cCentre, Font::cRight})
+            font().addString({1, 2}, text, Format{.hAlignment = alignment});
+        font().measure(text, {});
+    };
+    font().reserve(500);
+    layOut();
+    font().reset();
+    const unsigned long before = test::countedAllocations();
+    layOut();
+    EXPECT_EQ(test::countedAllocations(), before);
+}
+
+TEST_F(FontLayoutTest, RefusesWithoutATextAndWithoutGrowingEdges)
+{
+    const td::Size<float> nothing;
+    const Format centred{.hAlignment = Font::cCentre};
+    Font loose;
+    EXPECT_EQ(loose.addString({}, "z", 0, centred), nothing); // no glyphs, no matter
+    const unsigned char z[] = {'z'};
+    EXPECT_EQ(loose.addGlyphs({}, z, z + 1, 1), nothing);
+    ASSERT_TRUE(readInto(loose, file));
+    EXPECT_EQ(loose.addString({}, "z\nz", 0, centred), nothing);
+    EXPECT_TRUE(asserts.caught("_pUTF32"));
+    EXPECT_EQ(loose.measure("z", 0, {}), nothing);
+    EXPECT_TRUE(asserts.caught("_pUTF32"));
+    EXPECT_EQ(loose.addString({}, nullptr, 0, centred), nothing);
+    EXPECT_TRUE(asserts.caught("str != nullptr"));
+
+    FontFile flat(U"zab");
+    flat.glyphs[1].tx = flat.glyphs[2].tx;
+    ASSERT_TRUE(readInto(font(), flat));
+    font().addString({}, "z\nb", 0, centred);
+    EXPECT_EQ(font().addString({}, "z\nza", 0, centred), nothing); // not half of it either
+    EXPECT_TRUE(asserts.caught("nextTx > tx"));
+    EXPECT_EQ(font().measure("az", 0, {1, 0}).height, flat.lineHeight + 1);
+    EXPECT_EQ(takeVertices(font()).size(), 2u * 24);
+}
+
+} // namespace

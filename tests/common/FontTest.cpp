@@ -1,0 +1,207 @@
+#include "FontFixture.h"
+
+#include <gui/Texture.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <utility>
+
+namespace
+{
+
+using test::FontFile;
+using test::GLTrace;
+
+class FontTest : public test::FontFixture
+{
+protected:
+    /// Loads a file into the Text's font, through GL.
+    bool load(const FontFile& file) { return font().load(write(file.bytes()).c_str()) == &font(); }
+
+    std::size_t nTextures() { return trace.aliveNames(GLTrace::Kind::Texture).size(); }
+};
+
+TEST_F(FontTest, AtlasPixelsAreWidenedToFourBytes)
+{
+    const struct
+    {
+        unsigned short bitsPerPixel;
+        std::vector<unsigned char> pixels;
+        std::vector<unsigned char> uploaded;
+    } cases[] = {
+        {8, {7, 200}, {7, 7, 7, 7, 200, 200, 200, 200}},
+        {16, {7, 8, 200, 0}, {7, 7, 7, 8, 200, 200, 200, 0}},
+        {24, {1, 2, 3, 4, 5, 6}, {1, 2, 3, 255, 4, 5, 6, 255}},
+        {32, {1, 2, 3, 4, 5, 6, 7, 8}, {1, 2, 3, 4, 5, 6, 7, 8}},
+    };
+    for (const auto& c : cases)
+    {
+        FontFile file(U"ab");
+        file.bitsPerPixel = c.bitsPerPixel;
+        file.pixels.assign(c.pixels.begin(), c.pixels.end());
+        ASSERT_TRUE(load(file));
+        EXPECT_EQ(trace.images().back().bytes, c.uploaded) << c.bitsPerPixel;
+        EXPECT_EQ(nTextures(), 1u); // that of the load before is gone
+    }
+    trace.clear();
+    ASSERT_TRUE(load(FontFile(U"abc")));
+    EXPECT_TRUE(trace.only({"glDeleteTextures(1, [4])", "glGenTextures(1, [5])", "glBindTexture(0xde1, 5)",
+                            "glTexImage2D(0xde1, 0, 0x1908, 3, 1, 0, 0x1908, 0x1401, ptr)",
+                            "glTexParameteri(0xde1, 0x2802, 0x2901)", "glTexParameteri(0xde1, 0x2803, 0x2901)",
+                            "glTexParameteri(0xde1, 0x2801, 0x2601)", "glTexParameteri(0xde1, 0x2800, 0x2601)",
+                            "glGenerateMipmap(0xde1)", "glBindTexture(0xde1, 0)"}));
+    font().addString({}, "abc", 0, td::ColorID::Red, 1);
+    EXPECT_EQ(takeVertices(font())[18], FontFile(U"abc").glyphs[1].tx); // the glyphs are the new ones
+}
+
+TEST_F(FontTest, FailedLoadsSayWhyAndLeaveNoTexture)
+{
+    const std::string path = folder.path("a.font");
+    const std::string cannotLoad = "ERROR! Font::load cannot load file: ";
+    FontFile wide(U"abc");
+    wide.width = 2049;
+    wide.pixels.resize(2049);
+    FontFile noGlyphs(U"abc");
+    noGlyphs.glyphs.clear();
+    const struct
+    {
+        const char* name;
+        std::string bytes;
+        std::vector<std::string> lines;
+        bool hasTexture;
+        bool hasGlyphs;
+    } cases[] = {
+        {nullptr, "", {}, true, true},
+        {":no/such.font", "", {}, true, true},
+        {"no/such.font", "", {cannotLoad + "no/such.font"}, true, true},
+        {"/", "", {cannotLoad + "/"}, true, true},
+        {path.c_str(),
+         noGlyphs.bytes(),
+         {"ERROR! Font::load detected zero glyphs in file: " + path, cannotLoad + path},
+         false,
+         false},
+        {path.c_str(),
+         wide.bytes(),
+         {"ERROR! Font::load atlas of 2049 x 1 pixels exceeds GL's limit of 2048 in file: " + path},
+         false,
+         true},
+    };
+    trace.setLimit(GL_MAX_TEXTURE_SIZE, 2048);
+    for (const auto& c : cases)
+    {
+        ASSERT_TRUE(load(FontFile(U"xy")));
+        if (!c.bytes.empty())
+            write(c.bytes);
+        EXPECT_EQ(font().load(c.name), nullptr);
+        EXPECT_EQ(log.take(), c.lines);
+        EXPECT_EQ(nTextures(), c.hasTexture ? 1u : 0u);
+        EXPECT_EQ(font().measure("xy", 0, {}).width > 0, c.hasGlyphs);
+    }
+    write(FontFile(U"xy").bytes().substr(0, 77));
+    EXPECT_THROW(font().load(td::String(path.c_str())), std::ios_base::failure);
+    EXPECT_EQ(nTextures(), 0u);
+    trace.failNext("glGenTextures");
+    EXPECT_FALSE(load(FontFile(U"xy")));
+    gui::gl::CurrentContext::set(nullptr);
+    trace.clear();
+    EXPECT_FALSE(load(FontFile(U"xy")));
+    EXPECT_TRUE(log.said("Error! Font::load without a current GL context!"));
+    EXPECT_FALSE(font().setTexture({}));
+    EXPECT_TRUE(log.said("Error! Font::setTexture without a current GL context!"));
+    EXPECT_FALSE(font().commit());
+    EXPECT_TRUE(log.said("Error! Font::commit without a current GL context!"));
+    EXPECT_TRUE(trace.only({}));
+}
+
+TEST_F(FontTest, SetTextureTakesImagesWithColors)
+{
+    gui::Texture rgba = test::image(1, 1, 4);
+    gui::Texture rgb = test::image(1, 1, 3);
+    gui::Texture grey = test::image(1, 1, 1);
+    const gui::Texture none;
+    for (const gui::Texture* pBad : {&std::as_const(grey), &none})
+    {
+        EXPECT_FALSE(font().setTexture(*pBad));
+        EXPECT_TRUE(log.said("Error! Font::setTexture using invalid texture"));
+        EXPECT_TRUE(trace.only({"glBindTexture(0xde1, 0)"}));
+    }
+    trace.failNext("glGenTextures");
+    EXPECT_FALSE(font().setTexture(rgb));
+    trace.clear();
+    EXPECT_TRUE(font().setTexture(rgb));
+    EXPECT_TRUE(trace.inOrder({"glTexImage2D(0xde1, 0, 0x1908, 1, 1, 0, 0x1908, 0x1401, ptr)",
+                               "glTexParameteri(0xde1, 0x2801, 0x2703)", "glTexParameteri(0xde1, 0x2800, 0x2601)",
+                               "glGenerateMipmap(0xde1)", "glBindTexture(0xde1, 0)"}));
+    EXPECT_EQ(trace.images().back().bytes, (std::vector<unsigned char>{1, 2, 3, 255}));
+    EXPECT_FALSE(font().setTexture(rgba));
+    EXPECT_TRUE(asserts.caught("_textureID == 0"));
+    EXPECT_EQ(nTextures(), 1u);
+}
+
+TEST_F(FontTest, CommitUploadsOnceUntilReset)
+{
+    ASSERT_TRUE(load(FontFile(U"ab")));
+    font().addString({1, 2}, "ab", 0, td::ColorID::Red, 2);
+    trace.clear();
+    EXPECT_TRUE(font().commit());
+    EXPECT_TRUE(trace.only({"glGenVertexArrays(1, [1])", "glBindVertexArray(1)", "glGenBuffers(1, [1])",
+                            "glBindBuffer(0x8892, 1)", "glBufferData(0x8892, 192, ptr, 0x88e4)",
+                            "glEnableVertexAttribArray(0)", "glVertexAttribPointer(0, 2, 0x1406, 0, 16, 0)",
+                            "glEnableVertexAttribArray(1)", "glVertexAttribPointer(1, 2, 0x1406, 0, 16, 8)",
+                            "glBindVertexArray(0)", "glBindBuffer(0x8892, 0)"}));
+    EXPECT_TRUE(font().commit());
+    EXPECT_TRUE(trace.only({}));
+    EXPECT_EQ(font().addString({1, 2}, "ab", 0, td::ColorID::Red, 2), td::Size<float>());
+    EXPECT_TRUE(log.said("ERROR! Font::addString called on committed font content! Call reset before addString!"));
+    EXPECT_TRUE(asserts.caught("!_committed"));
+
+    font().reset();
+    EXPECT_TRUE(trace.only({}));
+    font().addString({1, 2}, "a", 0, td::ColorID::Red, 2);
+    EXPECT_TRUE(font().commit());
+    EXPECT_TRUE(trace.inOrder({"glDeleteBuffers(1, [1])", "glDeleteVertexArrays(1, [1])", "glGenVertexArrays(1, [2])",
+                               "glGenBuffers(1, [2])", "glBufferData(0x8892, 96, ptr, 0x88e4)"}));
+    trace.clear();
+    font().release();
+    EXPECT_TRUE(trace.only({"glDeleteBuffers(1, [2])", "glDeleteVertexArrays(1, [2])"}));
+    EXPECT_TRUE(font().commit()); // it still counts as committed
+    EXPECT_TRUE(trace.only({}));
+
+    for (const auto& [function, what] : {std::pair("glGenVertexArrays", "VAO"), std::pair("glGenBuffers", "VBO")})
+    {
+        font().reset();
+        trace.failNext(function);
+        EXPECT_FALSE(font().commit());
+        EXPECT_TRUE(log.said(std::string("ERROR! Font::commit cannot create ") + what + "!"));
+    }
+}
+
+// A name that two fonts own is deleted under the one that still draws with it.
+TEST_F(FontTest, MovesWithAllItHas)
+{
+    ASSERT_TRUE(load(FontFile(U"ab")));
+    font().addString({1, 2}, "ab", 0, td::ColorID::Red, 2);
+    ASSERT_TRUE(font().commit());
+    std::optional<Font> moved(std::move(font()));
+    trace.clear();
+    EXPECT_EQ(font().addString({}, "ab", 0, td::ColorID::Red, 1), td::Size<float>()); // it is empty, and open
+    renderer.reset();
+    EXPECT_TRUE(trace.only({}));
+    moved->reset();
+    EXPECT_GT(moved->addString({}, "ab", 0, td::ColorID::Red, 1).width, 0); // without the Text it came from
+    moved->release();
+
+    // Its texture belongs to the context that is not current now.
+    int other = 0;
+    gui::gl::CurrentContext::set(&other);
+    trace.clear();
+    moved.reset();
+    EXPECT_TRUE(trace.only({}));
+    gui::gl::CurrentContext::set(static_cast<test::NullGL*>(this));
+    EXPECT_TRUE(trace.only({"glDeleteTextures(1, [1])"}));
+    gui::gl::CurrentContext::died(&other);
+}
+
+} // namespace

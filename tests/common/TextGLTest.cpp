@@ -1,0 +1,111 @@
+#include "support/FontFiles.h"
+#include "support/Images.h"
+#include "support/OffscreenGL.h"
+
+#include <gui/gl/Text.h>
+
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using gui::gl::Font;
+using gui::gl::Text;
+using gui::gl::Textures;
+using test::Pixel;
+
+constexpr Pixel cBack{0, 0, 255};
+constexpr Pixel cRed{255, 0, 0};
+
+/// A frame of 64 x 64 pixels and a font with lines of 16: F is full, T has its upper half full and its lower one empty.
+class TextGLTest : public test::OffscreenGL
+{
+protected:
+    void SetUp() override
+    {
+        OffscreenGL::SetUp();
+        test::FontFile file(U"FT");
+        file.lineHeight = 16;
+        file.glyphPadding = 0;
+        file.spaceWidth = 16;
+        for (test::FontFile::Glyph& glyph : file.glyphs)
+            glyph = {glyph.codePoint, 0, 16, 16, glyph.tx};
+        file.width = 32;
+        file.height = 16;
+        file.pixels.assign(32 * 16, '\xFF');
+        for (std::size_t i = 32 * 8; i < 32 * 16; ++i)
+            file.pixels[i] = i % 32 < 16 ? '\xFF' : '\0';
+        text.init({64, 64}, Textures::Unit::T5);
+        text.allocFonts(1);
+        ASSERT_NE(text.loadFont(0, test::writeFile(folder.path("a.font"), file.bytes()).c_str()), nullptr);
+        text.getFont(0)->setSpaceBetweenLines(0);
+        clear(cBack);
+    }
+
+    void TearDown() override
+    {
+        text.release();
+        OffscreenGL::TearDown();
+    }
+
+    /// As text coordinates have it: from the top.
+    static Pixel at(int x, int y) { return pixel(x, 63 - y); }
+
+    void add(const char* str, float x, float y, const Font::_format& format)
+    {
+        text.getFont(0)->addString({x, y}, str, 0, format);
+    }
+
+    test::ImageFolder folder;
+    Text text;
+};
+
+TEST_F(TextGLTest, GlyphsStandWhereTheyWereLaidOut)
+{
+    add("F T\nT", 8, 4, {.colorID = td::ColorID::Red});
+    add("F", 64, 48, {.colorID = td::ColorID::Lime, .hAlignment = Font::cRight});
+    text.render(Text::Ctrl::BlendNoDepthTest);
+    const struct
+    {
+        int x;
+        int y;
+        Pixel color;
+    } cases[] = {{8, 4, cRed},    {23, 19, cRed},        {7, 10, cBack},        {10, 3, cBack},  {24, 10, cBack},
+                 {39, 10, cBack}, {42, 5, cRed},         {53, 10, cRed},        {45, 17, cBack}, {10, 21, cRed},
+                 {10, 33, cBack}, {48, 48, {0, 255, 0}}, {63, 63, {0, 255, 0}}, {47, 50, cBack}};
+    for (const auto& c : cases)
+        EXPECT_EQ(at(c.x, c.y), c.color) << c.x << ' ' << c.y;
+}
+
+TEST_F(TextGLTest, DepthDecidesUnlessItsTestIsOff)
+{
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LESS);
+    add("F", 0, 0, {.z = 0.5f, .colorID = td::ColorID::Red}); // nearer, though it comes first
+    add("F", 8, 0, {.z = -0.5f, .colorID = td::ColorID::Lime});
+    text.render(Text::Ctrl::None);
+    EXPECT_EQ(at(12, 8), cRed);
+    EXPECT_EQ(at(20, 8), (Pixel{0, 255, 0}));
+    text.render(Text::Ctrl::NoDepthTest);
+    EXPECT_EQ(at(12, 8), (Pixel{0, 255, 0}));
+    EXPECT_EQ(glIsEnabled(GL_DEPTH_TEST), GL_FALSE);
+}
+
+// Scaled in place, replaced after a frame, and in an atlas that setTexture made.
+TEST_F(TextGLTest, TextIsReplacedAfterReset)
+{
+    add("F", 0, 0, {.colorID = td::ColorID::Red});
+    text.render(Text::Ctrl::Blend);
+    text.getFont(0)->reset();
+    clear(cBack);
+    text.setFrameSize({32, 32});
+    add("T", 0, 0, {.scale = 0.5f, .colorID = td::ColorID::Red});
+    text.render(Text::Ctrl::Blend);
+    EXPECT_EQ(at(2, 2), cRed);
+    EXPECT_EQ(at(13, 4), cRed);
+    EXPECT_EQ(at(2, 12), cBack);
+    EXPECT_EQ(at(20, 4), cBack);
+}
+
+} // namespace

@@ -1,0 +1,54 @@
+#include "FontFiles.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace test
+{
+
+namespace
+{
+
+template <typename T>
+void append(std::string& bytes, T value)
+{
+    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+} // namespace
+
+FontFile::FontFile(std::u32string_view characters)
+    : width(static_cast<unsigned int>(characters.size()))
+    , pixels(characters.size(), '\x80')
+{
+    for (std::size_t i = 0; i < characters.size(); ++i)
+    {
+        const auto n = static_cast<float>(i);
+        glyphs.push_back({characters[i], float(int(i % 5) - 2) * 0.37f, 7 + float(i % 7) / 3, 9 + float(i % 11) / 7,
+                          n / static_cast<float>(characters.size())});
+    }
+}
+
+std::string FontFile::bytes() const
+{
+    std::string bytes;
+    for (const float metric : {metricA, metricB, spaceWidth, glyphPadding, metricC, lineHeight})
+        append(bytes, metric);
+    append(bytes, width);
+    append(bytes, height);
+    append(bytes, bitsPerPixel);
+    append(bytes, static_cast<unsigned short>(glyphs.size()));
+    for (const Glyph& glyph : glyphs)
+        append(bytes, glyph);
+    return bytes + pixels;
+}
+
+const std::string& writeFile(const std::string& path, std::string_view bytes)
+{
+    // Some file systems flush a file to the disk that is cut and written again.
+    std::filesystem::remove(path);
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return path;
+}
+
+} // namespace test

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace test
+{
+
+/// What a font file says. Change what a test is about, and take the bytes.
+struct FontFile
+{
+    struct Glyph
+    {
+        unsigned int codePoint;
+        float bearing;
+        float width;
+        float advance;
+        float tx;
+    };
+
+    /// Glyphs for these characters, with irregular metrics and a pixel of the atlas each; the last one is the replacement.
+    explicit FontFile(std::u32string_view characters);
+
+    std::string bytes() const;
+
+    float metricA = 0.5f;
+    float metricB = 0.25f;
+    float spaceWidth = 6.3f;
+    float glyphPadding = 2;
+    float metricC = 7;
+    float lineHeight = 20.1f;
+    unsigned int width;
+    unsigned int height = 1;
+    unsigned short bitsPerPixel = 8;
+    std::vector<Glyph> glyphs;
+    std::string pixels;
+};
+
+/// Writes a file, replacing it. @return the path
+const std::string& writeFile(const std::string& path, std::string_view bytes);
+
+} // namespace test
