@@ -64,13 +64,19 @@ TEST(PushBackVector, ManyAtOnceAreTheSameAsOneByOne)
             {
                 cnt::PushBackVector<int> one;
                 cnt::PushBackVector<int> many;
+                cnt::PushBackVector<int> slots;
                 fill(one, reserved, nBefore);
                 fill(many, reserved, nBefore);
+                fill(slots, reserved, nBefore);
                 for (std::size_t i = 0; i < n; ++i)
                     one.push_back(values[i]);
                 many.push_back(n > 0 ? values.data() : nullptr, n);
-                EXPECT_EQ(elements(many), elements(one)) << reserved << " " << nBefore << " " << n;
-                EXPECT_EQ(many.capacity(), one.capacity()) << reserved << " " << nBefore << " " << n;
+                std::copy_n(values.begin(), n, slots.pushSlots(n));
+                for (const auto* pVector : {&many, &slots})
+                {
+                    EXPECT_EQ(elements(*pVector), elements(one)) << reserved << " " << nBefore << " " << n;
+                    EXPECT_EQ(pVector->capacity(), one.capacity()) << reserved << " " << nBefore << " " << n;
+                }
             }
         }
     }

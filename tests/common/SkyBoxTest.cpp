@@ -1,0 +1,176 @@
+#include "support/CapturedLog.h"
+#include "support/CaughtAsserts.h"
+#include "support/FullScreen.h"
+#include "support/GLTrace.h"
+#include "support/OffscreenGL.h"
+
+#include <gui/gl/Camera.h>
+#include <gui/gl/Context.h>
+#include <gui/gl/SkyBox.h>
+
+#include <epoxy/gl.h>
+#include <glm/ext/matrix_clip_space.hpp>
+#include <glm/mat3x3.hpp>
+#include <glm/trigonometric.hpp>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <optional>
+
+namespace
+{
+
+using gui::gl::Camera;
+using gui::gl::SkyBox;
+using gui::gl::Textures;
+using test::GLTrace;
+using test::Pixel;
+
+constexpr Pixel cFaces[] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {255, 255, 0}, {255, 0, 255}, {0, 255, 255}};
+
+class SkyBoxTest : public test::OffscreenGL
+{
+protected:
+    void SetUp() override
+    {
+        OffscreenGL::SetUp();
+        glGenTextures(1, &cubeMap);
+        glBindTexture(GL_TEXTURE_CUBE_MAP, cubeMap);
+        for (GLenum i = 0; i < 6; ++i)
+        {
+            const unsigned char bytes[] = {static_cast<unsigned char>(cFaces[i].red),
+                                           static_cast<unsigned char>(cFaces[i].green),
+                                           static_cast<unsigned char>(cFaces[i].blue), 255};
+            glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + i, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, bytes);
+        }
+        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+            glTexParameteri(GL_TEXTURE_CUBE_MAP, filter, GL_NEAREST);
+        glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
+    }
+    void TearDown() override
+    {
+        glDeleteTextures(1, &cubeMap);
+        OffscreenGL::TearDown();
+    }
+
+    const glm::mat4 projection = glm::perspective(glm::radians(60.0F), 1.0F, 0.1F, 50.0F);
+    GLuint cubeMap = 0;
+};
+
+TEST_F(SkyBoxTest, ShowsWhereTheCameraLooksAndNotWhereItIs)
+{
+    SkyBox sky;
+    ASSERT_TRUE(sky.init(&projection, cubeMap, Textures::Unit::T3));
+    sky.commit(1);
+    struct Look
+    {
+        float yaw, pitch;
+        std::size_t face;
+    };
+    for (const Look& look : {Look{0, 0, 0}, {180, 0, 1}, {20, 90, 2}, {20, -90, 3}, {90, 0, 4}, {-90, 0, 5}})
+    {
+        std::optional<glm::mat4> first;
+        for (const glm::vec3& position : {glm::vec3(0, 0, 0), glm::vec3(5, -9, 70)})
+        {
+            const Camera camera(position, look.yaw, look.pitch);
+            sky.setCamera(&camera);
+            first = first.value_or(sky.getTransformation());
+            for (int i = 0; i < 16; ++i)
+                EXPECT_NEAR(sky.getTransformation()[i / 4][i % 4], (*first)[i / 4][i % 4], 1e-5F); // rounding of 70
+            clear();
+            sky.render(true);
+            EXPECT_EQ(pixel(32, 32), cFaces[look.face]) << look.yaw << " " << look.pitch;
+            EXPECT_EQ(pixel(1, 62), cFaces[look.face]);
+        }
+    }
+}
+
+// A sky that is nearer than the far plane covers the scene; one beyond it is not there at all.
+TEST_F(SkyBoxTest, LiesBehindEverythingThatIsDrawn)
+{
+    using namespace gui::gl;
+    const Camera camera({0, 0, 0}, 0, 0);
+    SkyBox sky;
+    ASSERT_TRUE(sky.init(&projection, cubeMap, Textures::Unit::T0));
+    sky.commit(3);
+    sky.setCamera(&camera);
+    const test::FullScreen scene("#version 330 core\nout vec4 color;\nvoid main() { color = vec4(1.0); }");
+    using Function = DepthBuffer::Function;
+    for (const Function function : {Function::LessOrEqual, Function::Less, Function::Always})
+    {
+        clear({10, 20, 30});
+        Context::enable(Context::Flag::DepthTest);
+        Context::setDepthBufferFunction(function);
+        scene.draw(0.9999F, 0.3F);
+        sky.render(false);
+        const Pixel background = function == Function::Less ? Pixel{10, 20, 30} : cFaces[0];
+        EXPECT_EQ(pixel(32, 32), function == Function::Always ? cFaces[0] : (Pixel{255, 255, 255}));
+        EXPECT_EQ(pixel(2, 2), background);
+        EXPECT_EQ(pixel(62, 62), background);
+        EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+    }
+    sky.render(true);
+    EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
+}
+
+TEST_F(SkyBoxTest, MatrixDependsOnWhatIsSet)
+{
+    Camera camera({1, 2, 3}, -70, 20);
+    const glm::mat4 view = camera.getViewMatrix();
+    const glm::mat4 none(1), turned = projection * glm::mat4(glm::mat3(view));
+    for (const bool hasProjection : {false, true})
+    {
+        SkyBox sky;
+        ASSERT_TRUE(sky.init(hasProjection ? &projection : nullptr, cubeMap, Textures::Unit::T0));
+        sky.commit(1);
+        sky.updateTransformation();
+        EXPECT_EQ(sky.getTransformation(), hasProjection ? projection : none);
+        sky.setCamera(&camera);
+        EXPECT_EQ(sky.getTransformation(), hasProjection ? turned : view);
+        GLTrace trace(GLTrace::Forward);
+        sky.render(false);
+        EXPECT_EQ(trace.count("glUniformMatrix4fv"), hasProjection ? 1U : 0U);
+    }
+}
+
+TEST_F(SkyBoxTest, BoxIsMadeOnceAndAgainAfterRelease)
+{
+    test::CaughtAsserts asserts;
+    test::CapturedLog log;
+    GLTrace trace(GLTrace::Forward);
+    SkyBox sky;
+    sky.render(false);
+    EXPECT_TRUE(asserts.caught("_prog.isOK()"));
+    ASSERT_TRUE(sky.init(&projection, cubeMap, Textures::Unit::T5));
+    sky.render(false);
+    EXPECT_TRUE(asserts.caught("_vao > 0"));
+    sky.commit(0);
+    EXPECT_TRUE(asserts.caught("std::isfinite(size) && size != 0"));
+    trace.failNext("glGenBuffers");
+    sky.commit(1);
+    EXPECT_TRUE(log.said("ERROR! SkyBox::commit cannot create VBO!"));
+    EXPECT_TRUE(trace.aliveNames(GLTrace::Kind::VertexArray).empty());
+    for (int i = 0; i < 2; ++i)
+    {
+        trace.clear();
+        sky.commit(0.5F);
+        sky.commit(0.5F);
+        EXPECT_EQ(trace.count("glGenVertexArrays"), 1U);
+        EXPECT_TRUE(trace.inOrder({"glBufferData(0x8892, 432, ptr, 0x88e4)", "glEnableVertexAttribArray(0)",
+                                   "glVertexAttribPointer(0, 3, 0x1406, 0, 12, 0)"}));
+        for (const float value : trace.lastBuffer<float>(GL_ARRAY_BUFFER))
+            EXPECT_EQ(std::abs(value), 0.5F);
+        trace.clear();
+        sky.render(true);
+        EXPECT_TRUE(trace.inOrder({"glActiveTexture(0x84c5)", "glDisable(0xb71)", "glDrawArrays(4, 0, 36)",
+                                   "glBindVertexArray(0)", "glUseProgram(0)"}));
+        sky.release();
+        EXPECT_TRUE(trace.aliveNames(GLTrace::Kind::Buffer).empty());
+        EXPECT_TRUE(trace.aliveNames(GLTrace::Kind::VertexArray).empty());
+    }
+    // A second init leaves no program behind.
+    ASSERT_TRUE(sky.init(nullptr, cubeMap, Textures::Unit::T0));
+    EXPECT_EQ(trace.aliveNames(GLTrace::Kind::Program).size(), 1U);
+}
+
+} // namespace
