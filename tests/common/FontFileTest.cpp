@@ -166,7 +166,7 @@ TEST_F(FontFileTest, DamagedFilesAreRefusedOrHarmless)
         try
         {
             isLoaded = font().load(path.c_str()) != nullptr;
-            EXPECT_EQ(log.take().size(), isLoaded ? 0u : 2u);
+            EXPECT_EQ(log.take().empty(), isLoaded);
         }
         catch (const std::ios_base::failure&)
         {

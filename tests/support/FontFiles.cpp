@@ -43,6 +43,18 @@ std::string FontFile::bytes() const
     return bytes + pixels;
 }
 
+std::string encoded(char32_t c)
+{
+    const auto trail = [c](unsigned int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
+    if (c < 0x80)
+        return {static_cast<char>(c)};
+    if (c < 0x800)
+        return {static_cast<char>(0xC0 | c >> 6), trail(0)};
+    if (c < 0x10000)
+        return {static_cast<char>(0xE0 | c >> 12), trail(6), trail(0)};
+    return {static_cast<char>(0xF0 | c >> 18), trail(12), trail(6), trail(0)};
+}
+
 const std::string& writeFile(const std::string& path, std::string_view bytes)
 {
     // Some file systems flush a file to the disk that is cut and written again.

@@ -37,6 +37,9 @@ struct FontFile
     std::string pixels;
 };
 
+/// A code point as UTF-8.
+std::string encoded(char32_t c);
+
 /// Writes a file, replacing it. @return the path
 const std::string& writeFile(const std::string& path, std::string_view bytes);
 
