@@ -57,17 +57,17 @@ bool refuse(GLenum target, GLuint id)
     return false;
 }
 
-bool areFacesUsable(const std::array<gui::Texture, cFaces>& faces)
+bool areFacesUsable(const std::array<const gui::Texture*, cFaces>& faces)
 {
     for (std::size_t slot = 0; slot < cFaces; ++slot)
     {
-        const gui::Texture& face = faces[slot];
+        const gui::Texture& face = *faces[slot];
         if (!face.isOk())
         {
             vo::dbgLog("Error! Textures::appendCubeMap cannot load texture with pos=%zu!", slot);
             return false;
         }
-        if (face.getWidth() != faces[0].getWidth() || face.getHeight() != faces[0].getHeight())
+        if (face.getWidth() != faces[0]->getWidth() || face.getHeight() != faces[0]->getHeight())
         {
             vo::dbgLog("Error! Textures::appendCubeMap ->All faces in cube map must have same size!");
             return false;
@@ -192,9 +192,35 @@ bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
     if (!canAppend("Textures::appendCubeMap", 1))
         return false;
 
-    std::array<gui::Texture, cFaces> faces;
+    std::array<gui::Texture, cFaces> images;
+    std::array<const gui::Texture*, cFaces> faces{};
     for (std::size_t slot = 0; slot < cFaces; ++slot)
-        std::ignore = faces[slot].loadFromFile(fileNames[cNameOfFace[slot]]); // areFacesUsable tells
+    {
+        std::ignore = images[slot].loadFromFile(fileNames[cNameOfFace[slot]]); // uploadFaces tells
+        faces[slot] = &images[slot];
+    }
+    return uploadFaces(faces);
+}
+
+bool Textures::appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures)
+{
+    for (std::size_t i = 0; i < cFaces; ++i)
+    {
+        const gui::Texture* img = textures[i];
+        TD_ASSERT(img, false);
+    }
+    if (!canAppend("Textures::appendCubeMap", 1))
+        return false;
+
+    std::array<const gui::Texture*, cFaces> faces{};
+    for (std::size_t slot = 0; slot < cFaces; ++slot)
+        faces[slot] = textures[cNameOfFace[slot]];
+    return uploadFaces(faces);
+}
+
+// One cube map of six images in GL's order.
+bool Textures::uploadFaces(const std::array<const gui::Texture*, 6>& faces)
+{
     if (!areFacesUsable(faces))
         return false;
 
@@ -207,12 +233,12 @@ bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
     glBindTexture(GL_TEXTURE_CUBE_MAP, id);
     for (std::size_t i = 0; i < cFaces; ++i)
     {
-        if (faces[i].getBytes() == nullptr)
+        if (faces[i]->getBytes() == nullptr)
         {
             vo::dbgLog("Error! Textures::appendCubeMap empty texture at position: %d", static_cast<int>(i));
             return refuse(GL_TEXTURE_CUBE_MAP, id);
         }
-        uploadImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(i), GL_RGB, faces[i]);
+        uploadImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(i), GL_RGB, *faces[i]);
         const GLenum error = glGetError();
         if (error != GL_NO_ERROR)
         {

@@ -8,6 +8,7 @@
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -85,10 +86,14 @@ TEST_F(TexturesGLTest, TexturesRepeatAndCubeMapsClamp)
     const test::ImageFolder folder;
     gui::Texture picture = test::image(6, 6, 3);
     cnt::Array<const char*, 6> names;
+    cnt::Array<const gui::Texture*, 6> images;
     std::vector<std::string> paths;
+    std::array<gui::Texture, 6> pictures;
     for (unsigned char i = 0; i < 6; ++i)
     {
-        gui::Texture face = test::image(3, 3, 3); // rows of 9 bytes
+        gui::Texture& face = pictures[i];
+        images[i] = &face;
+        face = test::image(3, 3, 3); // rows of 9 bytes
         face.getBytes()[0] = static_cast<unsigned char>(100 + i);
         paths.push_back(folder.save(std::to_string(i) + ".png", face));
     }
@@ -96,7 +101,7 @@ TEST_F(TexturesGLTest, TexturesRepeatAndCubeMapsClamp)
         names[i] = paths[i].c_str();
     Textures textures;
     ASSERT_TRUE(textures.append({&picture}, Texture::Type::Tex2D));
-    ASSERT_TRUE(textures.appendCubeMap(names));
+    ASSERT_TRUE(textures.appendCubeMap(names) && textures.appendCubeMap(images));
     textures.setActive(Textures::Unit::T5, 0);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S), GL_REPEAT);
     EXPECT_EQ(parameter(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T), GL_REPEAT);
@@ -113,15 +118,19 @@ TEST_F(TexturesGLTest, TexturesRepeatAndCubeMapsClamp)
     GLint unit = 0;
     glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
     EXPECT_EQ(unit, GL_TEXTURE5);
-    // Which file each face shows, in GL's order.
-    std::vector<int> faces;
-    for (GLenum face = GL_TEXTURE_CUBE_MAP_POSITIVE_X; face <= GL_TEXTURE_CUBE_MAP_NEGATIVE_Z; ++face)
+    // Which file, or image, each face shows, in GL's order.
+    for (const unsigned short cubeMap : {1, 2})
     {
-        const std::vector<unsigned char> bytes = readBack(face, 3, 27);
-        faces.push_back(bytes[0] - 100);
-        EXPECT_EQ(bytes[26], 27); // the last byte: rows are where they belong
+        textures.bindToActiveUnit(cubeMap);
+        std::vector<int> faces;
+        for (GLenum face = GL_TEXTURE_CUBE_MAP_POSITIVE_X; face <= GL_TEXTURE_CUBE_MAP_NEGATIVE_Z; ++face)
+        {
+            const std::vector<unsigned char> bytes = readBack(face, 3, 27);
+            faces.push_back(bytes[0] - 100);
+            EXPECT_EQ(bytes[26], 27); // the last byte: rows are where they belong
+        }
+        EXPECT_EQ(faces, (std::vector<int>{2, 0, 4, 5, 1, 3}));
     }
-    EXPECT_EQ(faces, (std::vector<int>{2, 0, 4, 5, 1, 3}));
 }
 
 TEST_F(TexturesGLTest, UniformsSampleTheUnitThatTheyWereSetTo)

@@ -8,6 +8,7 @@
 #include <td/Export.h>
 #include <td/Types.h>
 
+#include <array>
 #include <initializer_list>
 #include <tuple>
 
@@ -76,6 +77,8 @@ public:
     ///         "Error! Textures::appendCubeMap cannot generate texture!",
     ///         "ERROR! OpenGL error in setupVBO! Error code = %x"
     bool appendCubeMap(const cnt::Array<const char*, 6>& fileNames);
+    /// The same with images in memory, not owned, read during the call.
+    bool appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures);
 
     /// Makes room for n textures. Meant for an empty set: textures that it holds are deleted first.
     void reserve(unsigned short n);
@@ -111,6 +114,7 @@ public:
 
 private:
     bool canAppend(const char* operation, std::size_t n);
+    bool uploadFaces(const std::array<const gui::Texture*, 6>& faces);
 
     cnt::PushBackVector<TextureInfo, 0> _textures;
     unsigned short _maxUnits = 0;
