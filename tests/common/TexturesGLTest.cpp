@@ -119,7 +119,7 @@ TEST_F(TexturesGLTest, TexturesRepeatAndCubeMapsClamp)
     glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
     EXPECT_EQ(unit, GL_TEXTURE5);
     // Which file, or image, each face shows, in GL's order.
-    for (const unsigned short cubeMap : {1, 2})
+    for (unsigned short cubeMap = 1; cubeMap <= 2; ++cubeMap)
     {
         textures.bindToActiveUnit(cubeMap);
         std::vector<int> faces;
