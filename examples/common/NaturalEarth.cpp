@@ -1,20 +1,11 @@
 #include "NaturalEarth.h"
 
-#include <algorithm>
-#include <cmath>
+#include "FlatRing.h"
+
 #include <numbers>
-#include <numeric>
 
 namespace examples
 {
-
-namespace
-{
-
-// Points this close to a pole are the ends and steps of a line along it, no coast.
-constexpr double cPole = 89.99;
-
-} // namespace
 
 NaturalEarth::NaturalEarth(double middle)
     : _middle(middle)
@@ -35,40 +26,10 @@ td::Point<float> NaturalEarth::project(double longitude, double latitude)
 
 NaturalEarth::Outline NaturalEarth::project(const TopoJSON::Ring& ring) const
 {
-    TopoJSON::Ring points;
-    for (const td::Point<double>& point : ring)
-        if (std::abs(point.y) < cPole)
-            points.emplace_back(std::remainder(point.x - _middle, 360), point.y);
-    Outline outline;
-    if (points.empty())
-        return outline;
-
-    // Begin where the ring comes in at the map's edge, and go on from there by steps of less than half the globe.
-    const auto isAcross = [](const td::Point<double>& a, const td::Point<double>& b)
-    { return std::abs(a.x - b.x) > 180; };
-    const auto beforeEdge = std::adjacent_find(points.begin(), points.end(), isAcross);
-    if (beforeEdge != points.end())
-        std::rotate(points.begin(), beforeEdge + 1, points.end());
-    for (std::size_t i = 1; i < points.size(); ++i)
-        points[i].x = points[i - 1].x + std::remainder(points[i].x - points[i - 1].x, 360);
-
-    outline.isLoop = !isAcross(points.front(), points.back());
-    double shift = 0;
-    if (outline.isLoop)
-    {
-        const double sum = std::accumulate(points.begin(), points.end(), 0.0,
-                                           [](double x, const td::Point<double>& point) { return x + point.x; });
-        shift = -360 * std::round(sum / static_cast<double>(points.size()) / 360);
-    }
-    for (const td::Point<double>& point : points)
-        outline.points.push_back(project(point.x + shift, point.y));
-    outline.nLinePoints = outline.points.size();
-    if (!outline.isLoop)
-    {
-        const double pole = std::copysign(90, points.front().y);
-        outline.points.push_back(project(points.back().x, pole));
-        outline.points.push_back(project(points.front().x, pole));
-    }
+    const FlatRing flat(ring, _middle);
+    Outline outline{{}, flat.nLinePoints, flat.isLoop};
+    for (const td::Point<double>& point : flat.points)
+        outline.points.push_back(project(point.x, point.y));
     return outline;
 }
 

@@ -35,8 +35,7 @@ public:
     /// @param latitude   in degrees
     static td::Point<float> project(double longitude, double latitude);
 
-    /// Places a ring where most of it is on the map. No line leads back across the map: where the ring crosses the map's
-    /// edge it sticks out. What follows the pole, which is a line on the map but nothing on the earth, is left out.
+    /// See FlatRing: where the ring crosses the map's edge it sticks out.
     Outline project(const TopoJSON::Ring& ring) const;
 
     /// The map's edge, a closed curve that bulges outwards everywhere; the first point is not repeated.

@@ -63,22 +63,30 @@ public:
         _arcs.reserve(arcs.size());
         for (const json& arc : arcs)
             _arcs.push_back(decode(arc, numbered("arc", _arcs.size())));
+        _areas.resize(_arcs.size());
     }
 
-    /// Joins the arcs that a ring names. Negative numbers count from -1 and mean the arc backwards.
-    TopoJSON::Ring join(const json& numbers, const std::string& where)
+    /// Joins the arcs that a ring of an area names. Negative numbers count from -1 and mean the arc backwards.
+    TopoJSON::Ring join(const json& numbers, std::size_t area, const std::string& where)
     {
         if (!numbers.is_array() || numbers.empty())
             fail(where + " has a ring that is no list of arcs");
         // Counted before memory is taken: a long arc may be named any number of times.
         for (const json& number : numbers)
-            _nPoints += find(number, where).first.size();
+        {
+            const std::size_t arc = find(number, where).first;
+            _nPoints += _arcs[arc].size();
+            // Areas come one after the other.
+            if (_areas[arc].empty() || _areas[arc].back() != area)
+                _areas[arc].push_back(area);
+        }
         if (_nPoints > cMaxPoints)
             fail("more than " + std::to_string(cMaxPoints) + " points");
         TopoJSON::Ring ring;
         for (const json& number : numbers)
         {
-            const auto [arc, isBackwards] = find(number, where);
+            const auto [index, isBackwards] = find(number, where);
+            const TopoJSON::Ring& arc = _arcs[index];
             if (!ring.empty() && ring.back() != (isBackwards ? arc.back() : arc.front()))
                 fail(where + " has arcs that don't meet");
             if (!ring.empty())
@@ -92,6 +100,16 @@ public:
             fail(where + " has a ring that is not closed");
         ring.pop_back();
         return ring;
+    }
+
+    /// Of the areas whose rings were joined.
+    std::vector<TopoJSON::Border> findBorders() const
+    {
+        std::vector<TopoJSON::Border> borders;
+        for (std::size_t arc = 0; arc < _arcs.size(); ++arc)
+            if (_areas[arc].size() > 1)
+                borders.push_back({_areas[arc], _arcs[arc]});
+        return borders;
     }
 
 private:
@@ -119,7 +137,8 @@ private:
         return points;
     }
 
-    std::pair<const TopoJSON::Ring&, bool> find(const json& number, const std::string& where) const
+    // The arc's index, and whether it is meant backwards.
+    std::pair<std::size_t, bool> find(const json& number, const std::string& where) const
     {
         if (!number.is_number_integer())
             fail(where + " names an arc that is no number");
@@ -128,28 +147,30 @@ private:
             isBackwards ? static_cast<std::uint64_t>(~number.get<std::int64_t>()) : number.get<std::uint64_t>();
         if (index >= _arcs.size())
             fail(where + " names arc " + number.dump() + " of " + std::to_string(_arcs.size()));
-        return {_arcs[index], isBackwards};
+        return {static_cast<std::size_t>(index), isBackwards};
     }
 
     std::vector<TopoJSON::Ring> _arcs;
+    std::vector<std::vector<std::size_t>> _areas; // that name each arc
     td::Point<double> _scale{1, 1};
     td::Point<double> _translate{0, 0};
     std::size_t _nPoints = 0; // in rings so far
     bool _isQuantised = false;
 };
 
-TopoJSON::Polygon readPolygon(const json& rings, Arcs& arcs, const std::string& where)
+TopoJSON::Polygon readPolygon(const json& rings, Arcs& arcs, std::size_t area, const std::string& where)
 {
     if (!rings.is_array())
         fail(where + " has a polygon that is no list of rings");
     TopoJSON::Polygon polygon;
     for (const json& ring : rings)
-        polygon.push_back(arcs.join(ring, where));
+        polygon.push_back(arcs.join(ring, area, where));
     return polygon;
 }
 
-TopoJSON::Area readArea(const json& geometry, Arcs& arcs, const std::string& where)
+TopoJSON::Area readArea(const json& geometry, Arcs& arcs, std::size_t index)
 {
+    const std::string where = numbered("geometry", index);
     TopoJSON::Area area;
     const auto properties = geometry.find("properties");
     if (properties != geometry.end() && properties->is_object())
@@ -163,14 +184,20 @@ TopoJSON::Area readArea(const json& geometry, Arcs& arcs, const std::string& whe
         fail(where + " is neither Polygon nor MultiPolygon");
     const json& lists = member(geometry, "arcs", json::value_t::array, where);
     if (type == "Polygon")
-        area.polygons.push_back(readPolygon(lists, arcs, where));
+        area.polygons.push_back(readPolygon(lists, arcs, index, where));
     else
         for (const json& polygon : lists)
-            area.polygons.push_back(readPolygon(polygon, arcs, where));
+            area.polygons.push_back(readPolygon(polygon, arcs, index, where));
     return area;
 }
 
-std::vector<TopoJSON::Area> readAreas(std::string_view text, const std::string& object)
+struct Map
+{
+    std::vector<TopoJSON::Area> areas;
+    std::vector<TopoJSON::Border> borders;
+};
+
+Map readMap(std::string_view text, const std::string& object)
 {
     const json topology = json::parse(text, nullptr, false);
     if (topology.is_discarded())
@@ -181,10 +208,11 @@ std::vector<TopoJSON::Area> readAreas(std::string_view text, const std::string& 
     const json& objects = member(topology, "objects", json::value_t::object, "file");
     const json& collection = member(objects, object, json::value_t::object, "file");
     Arcs arcs(topology);
-    std::vector<TopoJSON::Area> areas;
+    Map map;
     for (const json& geometry : member(collection, "geometries", json::value_t::array, "object"))
-        areas.push_back(readArea(geometry, arcs, numbered("geometry", areas.size())));
-    return areas;
+        map.areas.push_back(readArea(geometry, arcs, map.areas.size()));
+    map.borders = arcs.findBorders();
+    return map;
 }
 
 } // namespace
@@ -193,7 +221,9 @@ bool TopoJSON::load(std::string_view json, const std::string& object)
 {
     try
     {
-        _areas = readAreas(json, object);
+        Map map = readMap(json, object);
+        _areas = std::move(map.areas);
+        _borders = std::move(map.borders);
         return true;
     }
     catch (const Broken& broken)

@@ -2,6 +2,7 @@
 
 #include <td/Point.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,27 +23,37 @@ public:
     /// An outline, then the holes in it.
     using Polygon = std::vector<Ring>;
 
+    /// A line that areas share: an arc that they name. One that is closed ends with its first point.
+    struct Border
+    {
+        std::vector<std::size_t> areas; ///< two or more places in getAreas, in ascending order
+        std::vector<td::Point<double>> line;
+    };
+
     struct Area
     {
         std::string name; ///< UTF-8; empty when the file has none
         std::vector<Polygon> polygons;
     };
 
-    /// Reads the areas of one object, replacing those read before.
+    /// Reads the areas of one object and their borders, replacing those read before.
     /// @param json    the whole file, UTF-8; read during the call only
     /// @param object  the object's name, "countries" for instance
     /// @return true when it was read. Otherwise one line in the log says why ("ERROR! TopoJSON::load cannot read object:
-    ///         OBJECT (CAUSE)"), and the areas are what they were. Refused is everything the format forbids: arcs that
-    ///         don't exist or don't meet, rings that don't close, positions off the globe; and, since arcs may be named
-    ///         many times over, what would make more than 10 million points.
+    ///         OBJECT (CAUSE)"), and areas and borders are what they were. Refused is everything the format forbids: arcs
+    ///         that don't exist or don't meet, rings that don't close, positions off the globe; and, since arcs may be
+    ///         named many times over, what would make more than 10 million points.
     [[nodiscard]] bool load(std::string_view json, const std::string& object);
 
     const std::vector<Area>& getAreas() const { return _areas; }
+    /// In the order of the file's arcs.
+    const std::vector<Border>& getBorders() const { return _borders; }
 
     std::size_t getNoOfRings() const;
 
 private:
     std::vector<Area> _areas;
+    std::vector<Border> _borders;
 };
 
 } // namespace examples

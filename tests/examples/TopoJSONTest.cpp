@@ -61,6 +61,9 @@ TEST(TopoJSON, SharedArcsAreReadBothWays)
     EXPECT_EQ(two.getAreas()[1].name, "");
     const TopoJSON::Ring expected = {{10.5, 20}, {10, 20.5}, {10, 20}};
     EXPECT_EQ(two.getAreas()[0].polygons, std::vector<TopoJSON::Polygon>{{expected}});
+    ASSERT_EQ(two.getBorders().size(), 1U);
+    EXPECT_EQ(two.getBorders()[0].areas, (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(two.getBorders()[0].line, (TopoJSON::Ring{{10.5, 20}, {10, 20.5}}));
 }
 
 TEST(TopoJSON, RefusesWhatIsBrokenAndKeepsWhatItHas)

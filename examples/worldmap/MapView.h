@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Overview.h"
+#include "SheetView.h"
+
+#include <gui/Window.h>
+
+#include <memory>
+#include <optional>
+
+namespace worldmap
+{
+
+/// The map to go about in, with the name of the country under the pointer in its window's title.
+///
+/// Drag with Shift, wheel, wheel with Ctrl and pinch: see OrthoView. Plus and minus zoom without Ctrl too, arrow keys
+/// move, 0 fits, M changes the projection, O opens and closes an overview, Escape ends the program.
+class MapView : public SheetView
+{
+public:
+    /// @param window, countries  must outlive the view
+    MapView(gui::Window& window, const Countries& countries);
+
+    /// The country that is highlighted, or Countries::cNone.
+    std::size_t getCountry() const { return _country; }
+    const Overview* getOverview() const { return _pOverview.get(); }
+
+protected:
+    void cleanResources() override;
+    void onOriginChanged() override;
+    void onCursorMoved(const gui::InputDevice& device) override;
+    void onCursorDragged(const gui::InputDevice& device) override;
+    void onCursorExited(const gui::InputDevice& device) override;
+    bool onKeyPressed(const gui::Key& key) override;
+
+private:
+    void findCountry();
+    void move(double x, double y);
+    void toggleOverview();
+
+    gui::Window& _window;
+    const Countries& _countries;
+    std::optional<td::Point<double>> _pointer; // in the view
+    std::size_t _country = Countries::cNone;
+    std::unique_ptr<Overview> _pOverview;
+};
+
+} // namespace worldmap
