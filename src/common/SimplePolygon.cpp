@@ -1,15 +1,30 @@
 #include <gui/gl/SimplePolygon.h>
 
+#include "EarClipper.h"
+
 #include <algorithm>
 #include <numeric>
 
 namespace gui::gl
 {
 
+namespace
+{
+
+// Up to as many corners it takes less time to try them in turn than to keep book.
+constexpr std::size_t cFewCorners = 96;
+
+} // namespace
+
 SimplePolygon::SimplePolygon(std::size_t nExpectedPoints)
 {
     _vertexIndices.reserve(nExpectedPoints);
     _indices.reserve(3 * nExpectedPoints);
+    if (nExpectedPoints > cFewCorners)
+    {
+        _pEarClipper = std::make_unique<EarClipper>();
+        _pEarClipper->reserve(nExpectedPoints);
+    }
 }
 
 SimplePolygon::~SimplePolygon() = default;
@@ -27,7 +42,11 @@ bool SimplePolygon::triangulate(const td::Point<float>* points, unsigned int n)
     std::iota(pFirst, pFirst + n, 0U);
     if (!(0 < area()))
         std::reverse(pFirst, pFirst + n);
-    return clipEars(static_cast<int>(n));
+    if (n <= cFewCorners)
+        return clipEars(static_cast<int>(n));
+    if (_pEarClipper == nullptr)
+        _pEarClipper = std::make_unique<EarClipper>();
+    return _pEarClipper->clip(points, {pFirst, n}, _epsilon, _indices);
 }
 
 float SimplePolygon::area() const

@@ -63,7 +63,7 @@ TEST_F(TessellationExactTest, PolygonsOfAllSorts)
             {
                 for (unsigned int way = 0; way < test::cDistortions; ++way)
                 {
-                    const std::size_t n = 3 + random.below(seed % 6 == 0 ? 90 : 12);
+                    const std::size_t n = 3 + random.below(seed % 6 == 0 ? 300 : 12);
                     SCOPED_TRACE(describe(family, n, way, seed));
                     ASSERT_NO_FATAL_FAILURE(checkPolygon(distort(family.make(random, n), way, random)));
                 }
