@@ -124,8 +124,13 @@ private:
 BakedFont bake(const Rasterizer& rasterizer, const CharacterSet& characters, const BakeSettings& settings)
 {
     std::vector<Picture> pictures;
-    for (const char32_t codePoint : characters)
-        pictures.push_back(rasterizer.draw(codePoint));
+    int inkWidth = 0;
+    // Beyond the widest atlas no more are drawn: they would only take memory until the row below is found to be full.
+    for (std::size_t i = 0; i < characters.size() && inkWidth <= cMaxAtlasWidth; ++i)
+    {
+        pictures.push_back(rasterizer.draw(characters[i]));
+        inkWidth += pictures.back().width;
+    }
     pictures.push_back(replacementBox(settings.size));
 
     BakedFont font;
