@@ -34,6 +34,18 @@ constexpr SceneInfo cScenes[] = {
      "In one minute each of the pendulums swings once more often than the longer one beside it, so that waves run "
      "through the row and all of it is in line again at the end. Space stops it and lets it go on.",
      makeAnimation},
+    {"polygons", "Polygons in triangles",
+     "Fans around one corner where a fan will do, in blue; elsewhere triangles cut off one by one, in red. The numbers "
+     "are their order.",
+     makePolygons},
+    {"lines", "Thick lines",
+     "A corner, bevels on either side, points on a straight line, lines that turn back, rings, a very wide line, ever "
+     "sharper turns and smooth ones, with the triangles that they are made of.",
+     makeLines},
+    {"recycled", "Outlines over stored vertices",
+     "Outlines drawn through the vertices that fill the shapes. The two open ones go through their corners in the order "
+     "of the golden numbers; the white ones tell how these are stored.",
+     makeRecycled},
     {"input", "Pointer, wheel and keys",
      "The last events of every kind: the pointer's trail and its clicks, wheel and zoom as bars, modifiers as lamps, "
      "keys as they go down, the focus as a border. The window's title tells the last one's record in full.",
