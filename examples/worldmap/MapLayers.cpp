@@ -27,8 +27,8 @@ struct Color
 };
 
 // The sea shines through the land and takes the edge off its colours.
-constexpr Color cLandColors[] = {{ColorID::Khaki, 215}, {ColorID::SandyBrown, 165},  {ColorID::LightPink, 195},
-                                 {ColorID::Plum, 135},  {ColorID::YellowGreen, 125}, {ColorID::BlanchedAlmond, 215}};
+constexpr Color cLandColors[] = {{ColorID::Khaki, 220},   {ColorID::PeachPuff, 235},  {ColorID::Pink, 200},
+                                 {ColorID::Thistle, 215}, {ColorID::GreenYellow, 80}, {ColorID::Cornsilk, 220}};
 static_assert(std::size(cLandColors) == cNoOfColors);
 
 constexpr Color cHighlightColor{ColorID::Coral, 220};

@@ -37,7 +37,7 @@ std::string repeated(const std::string& part, int n)
 TEST(TopoJSON, ReadsTheWorld)
 {
     std::span<const td::BYTE> file;
-    ASSERT_TRUE(gui::Res::getCompiled("test/countries-50m.json", file));
+    ASSERT_TRUE(gui::Res::getCompiled("worldmap/countries-50m.json", file));
     TopoJSON world;
     ASSERT_TRUE(world.load({reinterpret_cast<const char*>(file.data()), file.size()}, "countries"));
 

@@ -89,11 +89,11 @@ bool RecordingView::hasHeard(const std::vector<std::string>& expected)
     return isSame;
 }
 
-Screenshot RecordingView::grab()
+Screenshot grabFrame(gui::gl::View& view)
 {
     gui::Texture texture;
     bool isRead = false;
-    readFrameFrameBuffer(texture, [&isRead] { isRead = true; });
+    view.readFrameFrameBuffer(texture, [&isRead] { isRead = true; });
     if (!waitInLoop([&] { return isRead; }))
         return {};
     return toScreenshot(texture.getWidth(), texture.getHeight(), texture.getBytes());

@@ -15,6 +15,9 @@
 namespace test
 {
 
+/// Waits in the run loop for a view's next frame and reads it.
+Screenshot grabFrame(gui::gl::View& view);
+
 /// A view that writes down what reaches it, one line each, and draws four fields of different colours.
 /// Lines read like "press 10,20 x1" with "+Shift" and the like behind it for the modifiers, and keys like "key 'a'",
 /// "key virtual 3 code 123" or "key code 6528"; releases begin with "up".
@@ -39,8 +42,8 @@ public:
 
     /// Waits in the run loop. @return whether the lines came to be these; they are forgotten
     bool hasHeard(const std::vector<std::string>& expected);
-    /// Waits in the run loop for a frame and reads it.
-    Screenshot grab();
+    /// See grabFrame.
+    Screenshot grab() { return grabFrame(*this); }
     /// The same without the toolkit's help, in the device pixels of wherever the view is.
     Screenshot readPixels();
 
