@@ -58,6 +58,18 @@ constexpr SceneInfo cScenes[] = {
      "Planets that go by a clock. W opens a second window with a view and a context of its own, which goes by the same "
      "one: both show the same moment, and Space stops both, pressed in either.",
      makeWindows},
+    {"text", "A page of text",
+     "Four scripts, left, centred and right, under headings in two fonts; below them four sizes. Every letter stands on "
+     "whole pixels, on every kind of screen.",
+     makeText},
+    {"unicode", "Blocks of characters",
+     "The characters of one font file, sixteen to a row with the code point of the first. What the font lacks shows as "
+     "a box.",
+     makeUnicode},
+    {"depth", "Text in depth",
+     "Words before, between and behind the balls that wind around them: with the depth test, where the nearer hides "
+     "the farther, and without it.",
+     makeDepth},
 };
 
 } // namespace

@@ -33,5 +33,8 @@ std::unique_ptr<Scene> makeRecycled();
 std::unique_ptr<Scene> makeInput();
 std::unique_ptr<Scene> makeGrab();
 std::unique_ptr<Scene> makeWindows();
+std::unique_ptr<Scene> makeText();
+std::unique_ptr<Scene> makeUnicode();
+std::unique_ptr<Scene> makeDepth();
 
 } // namespace gallery

@@ -28,6 +28,8 @@ class GUIGL_API Text
 public:
     /// What render does to GL's state: the sum of 1 (depth test off), 2 (face culling off) and 4 (blending on). What was
     /// turned off stays off afterwards; blending is off afterwards.
+    /// Glyphs are quads, transparent around the letter, and with the depth test on they write the depth of all of it:
+    /// Context::maskDepthBuffer(false) around render keeps them from hiding each other and what is drawn later.
     enum class Ctrl : td::BYTE
     {
         None = 0, ///< everything stays as the application left it; without blending glyphs have black boxes
