@@ -20,6 +20,22 @@ constexpr SceneInfo cScenes[] = {
      "Soap bubbles from a PNG with alpha, blended over each other; the earth from a JPEG; a small image that repeats "
      "without a seam; and a cube map whose six faces show on two turning dice.",
      makeTextures},
+    {"polygon", "Regular polygons",
+     "From three corners to sixty, with texture coordinates that fit the circle around them into the picture. As time "
+     "runs the corners turn, and the picture stays.",
+     makePolygon},
+    {"meshes", "Cubes and spheres",
+     "A cube covered with a strip of six pictures and one with a cube map; spheres of few and of many sectors and stacks, "
+     "a flattened one, one with its normals, and one with the earth around it.",
+     makeMeshes},
+    {"camera", "A hall to fly through",
+     "Keys w, a, s and d move the camera, Alt and the arrows or the wheel turn it, moving the pointer with Shift pans it "
+     "and Ctrl with the wheel zooms. It stays inside.",
+     makeCamera},
+    {"sky", "A sky box",
+     "A cube map, computed when the program starts, surrounds the scene and keeps its distance. The balls mirror it. The "
+     "wheel looks around.",
+     makeSky},
     {"instances", "Ten thousand instances",
      "Columns arranged like the seeds of a sunflower. One command draws them all; each has a matrix and a colour of "
      "its "
