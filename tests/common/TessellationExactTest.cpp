@@ -55,7 +55,7 @@ TEST_F(TessellationExactTest, SimplePolygonsOfAllSizesAreCoveredOnce)
 TEST_F(TessellationExactTest, PolygonsOfAllSorts)
 {
     Random random(2);
-    for (unsigned int seed = 0; seed < 60; ++seed)
+    for (unsigned int seed = 0; seed < 50; ++seed)
     {
         for (const std::span<const Family> families : {test::simpleFamilies(), test::wildFamilies()})
         {
@@ -80,7 +80,7 @@ TEST_F(TessellationExactTest, LinesOfAllSorts)
 {
     constexpr float cWidths[] = {0.05f, 1, 1e-4f, 1e-20f, 1e18f, -0.3f};
     Random random(3);
-    for (unsigned int seed = 0; seed < 100; ++seed)
+    for (unsigned int seed = 0; seed < 70; ++seed)
     {
         for (const std::span<const Family> families : {test::simpleFamilies(), test::wildFamilies()})
         {
