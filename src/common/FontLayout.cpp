@@ -24,29 +24,28 @@ bool isLineBreak(wchar_t c) { return c == L'\n' || c == L'\u2028'; }
 
 std::size_t lengthOf(const char* str, std::size_t len) { return len != 0 ? len : std::strlen(str); }
 
-const unsigned char* bytes(const char* p) { return reinterpret_cast<const unsigned char*>(p); }
-
 } // namespace
 
-// The code points of a range, in the scratch buffer. @return false after an assertion: they can't be laid out
-bool Font::decode(const unsigned char* begin, const unsigned char* end, std::span<const wchar_t>& text) const
+// The code points of a range, in the scratch buffer. @return nothing after an assertion: they can't be laid out
+std::optional<std::span<const wchar_t>> Font::decode(const char* first, const char* last) const
 {
     constexpr auto cFlags = vo::UTFConverter::Flags(0);
-    text = {};
+    const auto* const begin = reinterpret_cast<const unsigned char*>(first);
+    const auto* const end = reinterpret_cast<const unsigned char*>(last);
     const std::ptrdiff_t iLen = vo::UTFConverter::measureUTF8toUTF32(begin, end, cFlags);
     if (iLen <= 0)
-        return true;
-    TD_ASSERT(iLen % 4 == 0, false);
-    TD_ASSERT(_pUTF32, false);
+        return std::span<const wchar_t>();
+    TD_ASSERT(iLen % 4 == 0, std::nullopt);
+    TD_ASSERT(_pUTF32, std::nullopt);
     const auto n = static_cast<std::size_t>(iLen) / 4;
     if (_pUTF32->size() < n)
         _pUTF32->reserve(n + 1);
     static_assert(sizeof(wchar_t) == sizeof(unsigned int));
     auto* const pOut = reinterpret_cast<unsigned int*>(_pUTF32->begin());
     vo::UTFConverter::convertUTF8toUTF32(begin, end, pOut, pOut + n, cFlags);
-    text = {_pUTF32->begin(), n};
+    const std::span<const wchar_t> text(_pUTF32->begin(), n);
     if (_areAllEdgesOrdered) [[likely]]
-        return true;
+        return text;
 
     for (const wchar_t c : text)
     {
@@ -55,19 +54,16 @@ bool Font::decode(const unsigned char* begin, const unsigned char* end, std::spa
         const std::size_t index = glyphIndex(c);
         const float tx = _glyphs[index].tx;
         const float nextTx = rightEdge(index);
-        TD_ASSERT(nextTx > tx, false);
+        TD_ASSERT(nextTx > tx, std::nullopt);
     }
-    return true;
+    return text;
 }
 
 bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
 {
-    size = {};
-    std::span<const wchar_t> text;
-    if (!decode(bytes(begin), bytes(end), text))
-        return false;
-    if (text.empty())
-        return true;
+    const std::optional<std::span<const wchar_t>> text = decode(begin, end);
+    if (!text || text->empty())
+        return text.has_value();
     if (_vertices.capacity() == 0)
         _vertices.reserve(cVerticesAtFirst);
 
@@ -77,7 +73,7 @@ bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* 
     float b = t + s * _lineHeight;
     float widest = 0;
     bool first = true;
-    for (const wchar_t c : text)
+    for (const wchar_t c : *text)
     {
         if (isHorizontalSpace(c))
         {
@@ -118,19 +114,16 @@ bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* 
 
 bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
 {
-    size = {};
-    std::span<const wchar_t> text;
-    if (!decode(bytes(begin), bytes(end), text))
-        return false;
-    if (text.empty())
-        return true;
+    const std::optional<std::span<const wchar_t>> text = decode(begin, end);
+    if (!text || text->empty())
+        return text.has_value();
 
     float x = 0;
     float y = 0;
     float bottom = _lineHeight;
     float widest = 0;
     bool first = true;
-    for (const wchar_t c : text)
+    for (const wchar_t c : *text)
     {
         if (isHorizontalSpace(c))
             x += _spaceWidth + _additionalSpace;
@@ -219,8 +212,7 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
         return {};
     len = lengthOf(str, len);
     // In text of several pieces the first ones would be there when a later one is refused.
-    std::span<const wchar_t> text;
-    if (!_areAllEdgesOrdered && !decode(bytes(str), bytes(str + len), text))
+    if (!_areAllEdgesOrdered && !decode(str, str + len))
         return {};
 
     const std::size_t nBefore = _vertices.size();

@@ -92,20 +92,4 @@ TEST_F(TextGLTest, DepthDecidesUnlessItsTestIsOff)
     EXPECT_EQ(glIsEnabled(GL_DEPTH_TEST), GL_FALSE);
 }
 
-// Scaled in place, replaced after a frame, and in an atlas that setTexture made.
-TEST_F(TextGLTest, TextIsReplacedAfterReset)
-{
-    add("F", 0, 0, {.colorID = td::ColorID::Red});
-    text.render(Text::Ctrl::Blend);
-    text.getFont(0)->reset();
-    clear(cBack);
-    text.setFrameSize({32, 32});
-    add("T", 0, 0, {.scale = 0.5f, .colorID = td::ColorID::Red});
-    text.render(Text::Ctrl::Blend);
-    EXPECT_EQ(at(2, 2), cRed);
-    EXPECT_EQ(at(13, 4), cRed);
-    EXPECT_EQ(at(2, 12), cBack);
-    EXPECT_EQ(at(20, 4), cBack);
-}
-
 } // namespace

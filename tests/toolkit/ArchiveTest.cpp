@@ -21,31 +21,26 @@ TEST(ArchiveIn, ReadsValuesUntilTheFileEnds)
                                                          "abcd",
                                                          14);
     arch::FileSerializerIn file;
-    for (int round = 0; round < 2; ++round) // a file can be opened again after its end
-    {
-        ASSERT_TRUE(file.open(path.c_str()));
-        arch::ArchiveIn archive(file);
-        float real = 0;
-        unsigned int word = 0;
-        unsigned short half = 0;
-        char text[4] = {'-', '-', '-', '-'};
-        archive >> real >> word >> half;
-        EXPECT_EQ(real, 1.5f);
-        EXPECT_EQ(word, 0x81020304u);
-        EXPECT_EQ(half, 0xFEFF);
-        EXPECT_NO_THROW(file.require(4));
-        EXPECT_THROW(file.require(5), std::ios_base::failure);
-        archive.get(text, 3);
-        EXPECT_EQ(std::string(text, 4), "abc-");
-        EXPECT_THROW(archive >> half, std::ios_base::failure);
-        EXPECT_EQ(archive.getNoOfBytes(), 13u);
-    }
-    // It shrinks while it is read.
-    ASSERT_TRUE(file.open(path.c_str()));
-    std::filesystem::resize_file(path, 2);
     float real = 0;
-    EXPECT_THROW(arch::ArchiveIn(file) >> real, std::ios_base::failure);
-    arch::ArchiveIn(file).close();
+    unsigned int word = 0;
+    unsigned short half = 0;
+    char text[] = "----";
+    ASSERT_TRUE(file.open(path.c_str()));
+    arch::ArchiveIn archive(file);
+    archive >> real >> word >> half;
+    EXPECT_EQ(real, 1.5f);
+    EXPECT_EQ(word, 0x81020304u);
+    EXPECT_EQ(half, 0xFEFF);
+    EXPECT_NO_THROW(file.require(4));
+    EXPECT_THROW(file.require(5), std::ios_base::failure);
+    archive.get(text, 3);
+    EXPECT_EQ(std::string(text), "abc-");
+    EXPECT_THROW(archive >> half, std::ios_base::failure);
+    EXPECT_EQ(archive.getNoOfBytes(), 13u);
+    ASSERT_TRUE(file.open(path.c_str())); // again, and it shrinks while it is read
+    std::filesystem::resize_file(path, 2);
+    EXPECT_THROW(archive >> real, std::ios_base::failure);
+    archive.close();
     EXPECT_THROW(file.require(1), std::ios_base::failure);
 
     // Nobody writes to the pipe: opening it would wait for ever.

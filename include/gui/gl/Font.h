@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace arch
@@ -210,7 +211,7 @@ private:
     bool isEmpty() const { return _glyphs.size() == 0 || _glyphMap.isEmpty(); }
     std::size_t glyphIndex(wchar_t codePoint) const;
     float rightEdge(std::size_t index) const;
-    bool decode(const unsigned char* begin, const unsigned char* end, std::span<const wchar_t>& text) const;
+    std::optional<std::span<const wchar_t>> decode(const char* first, const char* last) const;
     bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
     bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
     bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
