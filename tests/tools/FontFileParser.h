@@ -23,7 +23,7 @@ struct ParsedFont
     std::size_t indexOf(char32_t codePoint) const;
     int leftOf(std::size_t glyph) const;  ///< its cell's first column
     int rightOf(std::size_t glyph) const; ///< the column behind its cell
-    int at(int x, int y) const { return pixels[std::size_t(y * width + x)]; }
+    int at(int x, int y) const { return pixels[std::size_t(y) * std::size_t(width) + std::size_t(x)]; }
     bool isColumnBlank(int x) const;
     bool isRowBlank(int y) const;
 

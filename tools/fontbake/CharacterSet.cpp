@@ -31,8 +31,7 @@ CharacterSet ordered(CharacterSet characters)
 {
     std::erase_if(characters, isWithoutPicture);
     std::ranges::sort(characters);
-    const auto rest = std::ranges::unique(characters);
-    characters.erase(rest.begin(), rest.end());
+    characters.erase(std::unique(characters.begin(), characters.end()), characters.end());
     return characters;
 }
 
