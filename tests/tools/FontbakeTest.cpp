@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -315,6 +317,7 @@ TEST_F(FontbakeProgram, RefusesInOneLineAndLeavesNothing)
     write("bad.txt", "a\xFF");
     write("none.ttf", "no font");
     write("old.font", "old");
+    ASSERT_EQ(mkfifo(_folder.path("pipe").c_str(), 0600), 0);
     const std::set<std::string> before = files();
     const std::pair<const char*, const char*> cases[] = {
         {"", "which font?"},
@@ -341,7 +344,7 @@ TEST_F(FontbakeProgram, RefusesInOneLineAndLeavesNothing)
         {"none.ttf -o old.font --size 12", "none.ttf is no font"},
         {GUIGL_SANS " -o absent/x --size 12", "absent/x: No such file"},
         {GUIGL_SANS " -o old.font --size 12 --preview absent/x.png", "absent/x.png: No such file"},
-        {GUIGL_SANS " -o /dev/null --size 12", "something that is no file"},
+        {GUIGL_SANS " -o pipe --size 12", "something that is no file"},
     };
     for (const auto& [arguments, message] : cases)
     {
