@@ -6,9 +6,12 @@
 #include <td/Point.h>
 
 #include <cstddef>
+#include <memory>
 
 namespace gui::gl
 {
+
+class EarClipper;
 
 /// Cuts a simple polygon into triangles by clipping its ears: three corners in a row that turn left, with no other corner
 /// inside or on the edge of their triangle, lose the one in the middle until two are left.
@@ -53,6 +56,7 @@ private:
     cnt::SafeFullVector<unsigned int, false> _vertexIndices; // corners left, counter-clockwise
     cnt::PushBackVector<unsigned int, 0> _indices;
     unsigned int _nPoints = 0;
+    std::unique_ptr<EarClipper> _pEarClipper; // for polygons with many corners
 };
 
 } // namespace gui::gl
