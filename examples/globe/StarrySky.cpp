@@ -1,0 +1,95 @@
+#include "StarrySky.h"
+
+#include <common/Paint.h>
+
+#include <gui/gl/Context.h>
+
+#include <glm/common.hpp>
+#include <glm/geometric.hpp>
+
+#include <cmath>
+
+namespace globe
+{
+
+namespace
+{
+
+using namespace gui::gl;
+using glm::vec3;
+
+constexpr int cFaceSize = 768;
+
+// Stars of one size: a grid around the eye whose cells have one or none.
+struct Stars
+{
+    float cellsPerRadian;
+    float share; // of the cells
+    float brightness;
+};
+
+constexpr Stars cStars[] = {{150, 0.030F, 0.40F}, {100, 0.012F, 0.75F}, {62, 0.006F, 1.5F}};
+
+vec3 starColor(float heat) // 0 to 1
+{
+    return heat < 0.5F ? glm::mix(vec3(1, 0.72F, 0.5F), vec3(1, 0.97F, 0.92F), 2 * heat)
+                       : glm::mix(vec3(1, 0.97F, 0.92F), vec3(0.66F, 0.78F, 1), 2 * heat - 1);
+}
+
+vec3 starlight(const vec3& direction, const Stars& stars, float crowd)
+{
+    const vec3 place = stars.cellsPerRadian * direction;
+    const glm::ivec3 cell(glm::floor(place));
+    if (examples::scatter(cell) > stars.share * crowd)
+        return vec3(0);
+    const vec3 middle = vec3(cell) + 0.35F +
+                        0.3F * vec3(examples::scatter(cell, 1), examples::scatter(cell, 2), examples::scatter(cell, 3));
+    // Seen on the sphere around the eye, not in the depth of the grid.
+    const float distance = glm::length(direction - glm::normalize(middle)) * stars.cellsPerRadian;
+    const float size = examples::scatter(cell, 4);
+    const float light = stars.brightness * (0.15F + size * size * size) * std::exp(-distance * distance * 26);
+    return starColor(examples::scatter(cell, 5)) * light;
+}
+
+// The Milky Way lies along a circle, with dark dust in its middle.
+vec3 starrySky(const vec3& direction)
+{
+    const vec3 pole = glm::normalize(vec3(0.48F, 0.62F, 0.62F)), center = glm::normalize(vec3(-0.8F, 0.6F, 0.02F));
+    const float aside = glm::dot(direction, pole);
+    const float band = std::exp(-aside * aside * 22);
+    vec3 color(0.004F, 0.006F, 0.014F);
+    if (band > 0.02F)
+    {
+        const float clouds = examples::clouds(5.0F * direction + 3.0F, 5);
+        const float dust = examples::clouds(vec3(9.0F * direction) + 31.0F, 5);
+        const float bulge = 0.55F + 0.45F * glm::smoothstep(-0.4F, 1.0F, glm::dot(direction, center));
+        const float lane = glm::smoothstep(0.44F, 0.64F, dust) * std::exp(-aside * aside * 160);
+        const float light = band * glm::smoothstep(0.28F, 0.80F, clouds) * bulge * (1 - 0.85F * lane);
+        color += 0.45F * light * glm::mix(vec3(0.62F, 0.70F, 1), vec3(1, 0.84F, 0.70F), band * bulge);
+    }
+    for (const Stars& stars : cStars)
+        color += starlight(direction, stars, 0.6F + 1.6F * band);
+    return color;
+}
+
+} // namespace
+
+bool StarrySky::init(const glm::mat4& projection, const Camera& camera)
+{
+    const auto faces = examples::paintCubeMap(cFaceSize, starrySky);
+    if (!_textures.appendCubeMap({&faces[0], &faces[1], &faces[2], &faces[3], &faces[4], &faces[5]}) ||
+        !_sky.init(&projection, _textures.getID(0), Textures::Unit::T0))
+        return false;
+    _sky.setCamera(&camera);
+    _sky.commit(1);
+    return true;
+}
+
+void StarrySky::draw()
+{
+    Context::setDepthBufferFunction(DepthBuffer::Function::LessOrEqual);
+    _sky.render(false);
+    Context::setDepthBufferFunction(DepthBuffer::Function::Less);
+}
+
+} // namespace globe

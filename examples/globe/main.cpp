@@ -1,0 +1,96 @@
+// The earth in space, to fly around, or pictures of it.
+
+#include "GlobeView.h"
+
+#include <gui/Application.h>
+#include <gui/Texture.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace
+{
+
+using namespace globe;
+
+constexpr int cExitFailed = 1;
+constexpr int cExitUsage = 2;
+constexpr td::Size<double> cSize{1080, 720};
+
+constexpr const char* cHelp = R"(Usage: globe [--out FOLDER] | --help
+
+Shows the earth in space. The window's title tells where the eye is.
+
+  W, S, A, D, arrow keys     fly
+  the same with Alt, wheel   turn
+  pointer with Shift         move across
+  wheel with Ctrl, pinch     zoom
+  1, 2, 3                    outlooks
+  Space                      time goes on, or stops
+  B, L                       borders, labels
+  Escape                     end
+
+  --out FOLDER   draw the three outlooks into a folder instead, without a window;
+                 GUIGL_SCALE=2 draws two pixels per point
+)";
+
+bool draw(gui::Application& app, GlobeView& view, const Outlook& outlook, const std::filesystem::path& file)
+{
+    view.show(outlook);
+    gui::Texture picture;
+    bool isRead = false;
+    view.readFrameFrameBuffer(picture, [&] { isRead = true; });
+    while (!isRead)
+        app.step(1);
+    picture.mirrorVertically(); // the first row that was read is the bottom
+    for (int i = 0; i < picture.getWidth() * picture.getHeight(); ++i)
+        picture.getBytes()[4 * i + 3] = 255; // what blending left of the alpha means nothing
+    return picture.saveToFile(file.c_str());
+}
+
+int drawPictures(gui::Application& app, GlobeView& view, const std::filesystem::path& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    for (const Outlook& outlook : cOutlooks)
+    {
+        const std::filesystem::path file = folder / (std::string(outlook.name) + ".png");
+        if (!draw(app, view, outlook, file))
+        {
+            std::fprintf(stderr, "globe: cannot write %s\n", file.c_str());
+            return cExitFailed;
+        }
+        std::puts(file.c_str());
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::string option = argc > 1 ? argv[1] : "";
+    const bool isOut = option == "--out" && argc == 3 && *argv[2] != '\0';
+    if (option == "--help")
+    {
+        std::fputs(cHelp, stdout);
+        return 0;
+    }
+    if (argc > 1 && !isOut)
+    {
+        std::fprintf(stderr, "globe: cannot make sense of: %s (see globe --help)\n", argv[1]);
+        return cExitUsage;
+    }
+    // Pictures need no display, even where there is one.
+    if (isOut)
+        setenv("GUIGL_WINDOW_SYSTEM", "offscreen", 1);
+
+    gui::Application app(argc, argv);
+    gui::Window window("Globe", cSize);
+    GlobeView view(window);
+    if (!view.isOk() || !window.show(view))
+        return cExitFailed;
+    return isOut ? drawPictures(app, view, argv[2]) : app.run();
+}
