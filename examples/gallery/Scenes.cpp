@@ -62,6 +62,10 @@ constexpr SceneInfo cScenes[] = {
      "Outlines drawn through the vertices that fill the shapes. The two open ones go through their corners in the order "
      "of the golden numbers; the white ones tell how these are stored.",
      makeRecycled},
+    {"plot", "A hundred thousand samples",
+     "A curve of constant thickness over its fill, made of no more than the view can show. Drag or turn the wheel to "
+     "move it; the wheel with Ctrl, or plus and minus, zoom about the pointer down to single samples, and 0 shows all.",
+     makePlot},
     {"input", "Pointer, wheel and keys",
      "The last events of every kind: the pointer's trail and its clicks, wheel and zoom as bars, modifiers as lamps, "
      "keys as they go down, the focus as a border. The window's title tells the last one's record in full.",

@@ -34,6 +34,7 @@ std::unique_ptr<Scene> makeAnimation();
 std::unique_ptr<Scene> makePolygons();
 std::unique_ptr<Scene> makeLines();
 std::unique_ptr<Scene> makeRecycled();
+std::unique_ptr<Scene> makePlot();
 std::unique_ptr<Scene> makeInput();
 std::unique_ptr<Scene> makeGrab();
 std::unique_ptr<Scene> makeWindows();
