@@ -3,11 +3,12 @@
 #include <gui/Application.h>
 #include <gui/Res.h>
 #include <gui/gl/Context.h>
-#include <gui/gl/KeyCodes.h>
+#include <td/ToLower.h>
 
 #include <glm/geometric.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 
@@ -108,13 +109,14 @@ void GlobeView::move()
 
 bool GlobeView::onKeyPressed(const gui::Key& key)
 {
-    if (_heldKeys.count(key.getCode()) != 0) // it repeats
+    const auto code = key.isASCII() ? static_cast<unsigned int>(td::toLower(key.getChar())) : key.getCode();
+    if (_heldKeys.count(code) != 0) // it repeats
         return true;
     _turns = key.isAltPressed();
     _eye.setSpeed(getHeight() / 50);
     if (CameraView::onKeyPressed(key))
     {
-        _heldKeys.insert(key.getCode());
+        _heldKeys.insert(code);
         _lastFrame = Clock::now();
         startAnimation();
         return true;
@@ -143,11 +145,12 @@ bool GlobeView::onKeyPressed(const gui::Key& key)
 
 bool GlobeView::onKeyReleased(const gui::Key& key)
 {
-    // An arrow comes up with its key code alone.
-    _heldKeys.erase(zav::getVirtualKeyCode(key.getCode(), 0) != gui::Key::Virtual::None ? key.getCode() >> 8
-                                                                                        : key.getCode());
+    // Shift may have gone down meanwhile: the key must not stay held for that. An arrow comes up with its key code shifted.
+    const unsigned int alt = key.getModifiers() & static_cast<unsigned int>(gui::KeyModifier::Alt);
+    const auto code = key.isASCII() ? static_cast<unsigned int>(td::toLower(key.getChar())) : key.getCode();
+    _heldKeys.erase(key.isASCII() ? code : code >> 8);
     _eye.setSpeed(0);
-    const bool isUsed = CameraView::onKeyReleased(key);
+    const bool isUsed = CameraView::onKeyReleased(gui::Key(code, alt, 1, 0));
     showTitle();
     return isUsed;
 }
