@@ -118,13 +118,15 @@ TEST_F(FontFileTest, ShortFilesThrowBeforeMemoryIsTaken)
                   {3, 2, 8},
                   {5, 1, 16}, // a byte too few, five
                   {0x40000000, 1, 32},
-                  {1, 0x7FFFFFFF, 24}};
+                  {1, 0x7FFFFFFF, 24},
+                  {6000, 1, 32}}; // a byte of each is there
     for (const auto& claim : claims)
     {
         FontFile file(U"zebra");
         file.width = claim.width;
         file.height = claim.height;
         file.bitsPerPixel = claim.bitsPerPixel;
+        file.pixels.resize(claim.width == 6000 ? 6000 : 5);
         test::largestAllocation();
         EXPECT_THROW(readInto(font(), file), std::ios_base::failure) << claim.width;
         EXPECT_LT(test::largestAllocation(), 20000u) << claim.width;
