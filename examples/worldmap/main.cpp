@@ -2,8 +2,8 @@
 
 #include "MapView.h"
 
+#include <common/SavePicture.h>
 #include <gui/Application.h>
-#include <gui/Texture.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -81,39 +81,19 @@ constexpr Shot cShots[] = {
     {"italy", Projection::Mercator, 60, {12.2, 42.9}},
 };
 
-bool draw(gui::Application& app, MapView& view, const Shot& shot, const std::filesystem::path& file)
-{
-    view.setProjection(shot.projection);
-    view.fit();
-    if (shot.zoom > 0)
-    {
-        view.setZoom(shot.zoom);
-        view.center(project(shot.projection, shot.middle));
-    }
-    gui::Texture picture;
-    bool isRead = false;
-    view.readFrameFrameBuffer(picture, [&] { isRead = true; });
-    while (!isRead)
-        app.step(1);
-    picture.mirrorVertically(); // the first row that was read is the bottom
-    for (int i = 0; i < picture.getWidth() * picture.getHeight(); ++i)
-        picture.getBytes()[4 * i + 3] = 255; // what blending left of the alpha means nothing
-    return picture.saveToFile(file.c_str());
-}
-
 int drawPictures(gui::Application& app, MapView& view, const std::filesystem::path& folder)
 {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
     for (const Shot& shot : cShots)
     {
-        const std::filesystem::path file = folder / (std::string(shot.name) + ".png");
-        if (!draw(app, view, shot, file))
+        view.setProjection(shot.projection);
+        view.fit();
+        if (shot.zoom > 0)
         {
-            std::fprintf(stderr, "worldmap: cannot write %s\n", file.c_str());
-            return cExitFailed;
+            view.setZoom(shot.zoom);
+            view.center(project(shot.projection, shot.middle));
         }
-        std::puts(file.c_str());
+        if (!examples::savePicture(app, view, folder / (std::string(shot.name) + ".png")))
+            return cExitFailed;
     }
     return 0;
 }

@@ -1,5 +1,6 @@
+#include "World.h"
+
 #include <worldmap/Coloring.h>
-#include <worldmap/Countries.h>
 
 #include <gtest/gtest.h>
 
@@ -11,19 +12,9 @@ namespace
 {
 
 using examples::TopoJSON;
+using test::world;
 using worldmap::Countries;
 using worldmap::Projection;
-
-const Countries& world()
-{
-    static const Countries countries = []
-    {
-        Countries loaded;
-        EXPECT_TRUE(loaded.load());
-        return loaded;
-    }();
-    return countries;
-}
 
 std::string nameAt(const td::Point<double>& degrees)
 {

@@ -2,6 +2,7 @@
 
 #include "X11Fixture.h"
 
+#include "examples/World.h"
 #include "support/Pictures.h"
 
 #include <worldmap/MapView.h>
@@ -22,17 +23,6 @@ using worldmap::Projection;
 
 // The software renderer's versions round the edges of triangles and lines in other ways.
 constexpr PictureLimits cEdges{.max = 255, .mean = 0.3};
-
-const Countries& world()
-{
-    static const Countries countries = []
-    {
-        Countries loaded;
-        EXPECT_TRUE(loaded.load());
-        return loaded;
-    }();
-    return countries;
-}
 
 class SteppedMap : public MapView
 {
