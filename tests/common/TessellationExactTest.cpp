@@ -25,14 +25,37 @@ protected:
         }
     }
 
+    /// Calls check with outlines of every family, distorted in every way, as often as there are seeds; one seed in six
+    /// makes long ones.
+    template <typename Check>
+    void forEachOutline(unsigned int nSeeds, Check check)
+    {
+        Random random(nSeeds);
+        for (unsigned int seed = 0; seed < nSeeds; ++seed)
+        {
+            for (const std::span<const Family> families : {test::simpleFamilies(), test::wildFamilies()})
+            {
+                for (const Family& family : families)
+                {
+                    for (unsigned int way = 0; way < test::cDistortions; ++way)
+                    {
+                        const std::size_t n = 2 + random.below(seed % 6 == 0 ? 300 : 12);
+                        SCOPED_TRACE(describe(family, n, way, seed));
+                        ASSERT_NO_FATAL_FAILURE(check(distort(family.make(random, n), way, random), random));
+                    }
+                }
+            }
+        }
+    }
+
+    static std::string describe(const Family& family, std::size_t n, unsigned int way, unsigned int seed)
+    {
+        return std::string(family.name) + ", " + std::to_string(n) + " corners, distortion " + std::to_string(way) +
+               ", seed " + std::to_string(seed);
+    }
+
     unsigned int nMade[9] = {}; // by primitive
 };
-
-std::string describe(const Family& family, std::size_t n, unsigned int way, unsigned int seed)
-{
-    return std::string(family.name) + ", " + std::to_string(n) + " corners, distortion " + std::to_string(way) +
-           ", seed " + std::to_string(seed);
-}
 
 TEST_F(TessellationExactTest, SimplePolygonsOfAllSizesAreCoveredOnce)
 {
@@ -54,22 +77,12 @@ TEST_F(TessellationExactTest, SimplePolygonsOfAllSizesAreCoveredOnce)
 
 TEST_F(TessellationExactTest, PolygonsOfAllSorts)
 {
-    Random random(2);
-    for (unsigned int seed = 0; seed < 50; ++seed)
-    {
-        for (const std::span<const Family> families : {test::simpleFamilies(), test::wildFamilies()})
-        {
-            for (const Family& family : families)
-            {
-                for (unsigned int way = 0; way < test::cDistortions; ++way)
-                {
-                    const std::size_t n = 3 + random.below(seed % 6 == 0 ? 300 : 12);
-                    SCOPED_TRACE(describe(family, n, way, seed));
-                    ASSERT_NO_FATAL_FAILURE(checkPolygon(distort(family.make(random, n), way, random)));
-                }
-            }
-        }
-    }
+    forEachOutline(50,
+                   [this](const Outline& outline, Random&)
+                   {
+                       if (outline.size() >= 3)
+                           checkPolygon(outline);
+                   });
     // None of the three ways is left out.
     EXPECT_GT(nMade[4], 1000U);
     EXPECT_GT(nMade[5], 1000U);
@@ -78,26 +91,14 @@ TEST_F(TessellationExactTest, PolygonsOfAllSorts)
 
 TEST_F(TessellationExactTest, LinesOfAllSorts)
 {
-    constexpr float cWidths[] = {0.05f, 1, 1e-4f, 1e-20f, 1e18f, -0.3f};
-    Random random(3);
-    for (unsigned int seed = 0; seed < 70; ++seed)
-    {
-        for (const std::span<const Family> families : {test::simpleFamilies(), test::wildFamilies()})
-        {
-            for (const Family& family : families)
-            {
-                for (unsigned int way = 0; way < test::cDistortions; ++way)
-                {
-                    const std::size_t n = 2 + random.below(seed % 10 == 0 ? 300 : 12);
-                    SCOPED_TRACE(describe(family, n, way, seed));
-                    const Outline outline = distort(family.make(random, n), way, random);
-                    const Line line{cWidths[random.below(std::size(cWidths))], random.isOneIn(2)};
-                    const Tessellation expected = test::reference::triangulateLine(outline, line.width, line.closed);
-                    ASSERT_TRUE(isLine(outline, line, expected));
-                }
-            }
-        }
-    }
+    forEachOutline(70,
+                   [this](const Outline& outline, Random& random)
+                   {
+                       constexpr float cWidths[] = {0.05f, 1, 1e-4f, 1e-20f, 1e18f, -0.3f};
+                       const Line line{cWidths[random.below(std::size(cWidths))], random.isOneIn(2)};
+                       ASSERT_TRUE(
+                           isLine(outline, line, test::reference::triangulateLine(outline, line.width, line.closed)));
+                   });
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "TessellationFixture.h"
 #include "support/CountedAllocations.h"
 
+#include <gui/gl/SimplePolygon.h>
+
 #include <epoxy/gl.h>
 
 #include <algorithm>
@@ -71,6 +73,30 @@ TEST_F(Triang2DTest, PolygonsByHand)
     int number = 0;
     for (const auto& [points, expected] : cCases)
         EXPECT_TRUE(isPolygon(points, expected)) << "case " << number++;
+}
+
+TEST_F(Triang2DTest, EarsHaveAnArea)
+{
+    constexpr float cEpsilon = 1e-10f; // doubled
+    const struct
+    {
+        Outline points;
+        bool isCut;
+        std::vector<unsigned int> indices;
+    } cCases[] = {
+        {{{0, 0}, {cEpsilon, 0}, {0, 1}}, true, {2, 0, 1}},
+        {{{0, 1}, {cEpsilon, 0}, {0, 0}}, true, {0, 2, 1}},
+        {{{0, 0}, {std::nextafter(cEpsilon, 0.0f), 0}, {0, 1}}, false, {}},
+        {{{0, 0}, {1, 1}, {2, 2}}, false, {}},
+        {{{0, 0}, {1, 0}}, false, {}},
+    };
+    gui::gl::SimplePolygon polygon(0);
+    for (const auto& [points, isCut, indices] : cCases)
+    {
+        EXPECT_EQ(polygon.triangulate(points.data(), static_cast<unsigned int>(points.size())), isCut);
+        EXPECT_TRUE(
+            std::equal(indices.begin(), indices.end(), polygon.getIndices().begin(), polygon.getIndices().end()));
+    }
 }
 
 /// Rounded to three decimals, as a reader of the table would write them.

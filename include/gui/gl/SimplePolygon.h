@@ -31,9 +31,8 @@ public:
     /// 1. all triangles turn left (y upwards), also when the corners go clockwise;
     /// 2. they cover a simple polygon exactly once;
     /// 3. they are the same, in the same order, on every machine.
-    /// The first ear is looked for at the first corner, each further one behind the one before it. Corners that clipping
-    /// never reaches an ear at, since they lie on another's triangle or on a straight line at the end, defeat it: that is
-    /// a polygon with a repeated corner, say, or none whose edges are apart.
+    /// The first ear is looked for from the first corner on, each further one from behind the one before it. A corner on
+    /// the edge of a triangle counts as inside, so one that is repeated keeps its neighbours from being ears.
     /// @param points  n corners, below 2^30, the first not repeated at the end; read during the call only
     /// @return false when fewer than three corners are given or no corner of what is left is an ear, as in many polygons
     ///         that cross themselves; getIndices() then holds the triangles found so far

@@ -80,8 +80,10 @@ public:
     /// the right of the direction of travel; where the corner of the outer edge would lie further than 2 * width from
     /// the point, at turns of more than 120 degrees, it is cut off at the distance width and there are two pairs.
     /// A straight continuation has no corner. Where the line turns back, it ends square, width beyond the point.
-    /// @param points  n points. One equal to its predecessor is left out, and so are those at the end of a closed line
-    ///                that equal the first
+    /// Beside the cut of a turn to the right the outer edge closes in on the line, to width * |cos(turn)|: by half of it at
+    /// 120 degrees, by hardly anything near 180. Turns to the left keep it.
+    /// @param points  n points, not those of vertices. One equal to its predecessor is left out, and so are those at the
+    ///                end of a closed line that equal the first
     /// @param n       at least 2 (an assertion)
     /// @param width   from the line to each edge: the band is twice as thick. Above 0
     /// @param closed  whether the last point is joined to the first
