@@ -2,8 +2,8 @@
 
 #include "GlobeView.h"
 
+#include <common/SavePicture.h>
 #include <gui/Application.h>
-#include <gui/Texture.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -36,33 +36,14 @@ Shows the earth in space. The window's title tells where the eye is.
                  GUIGL_SCALE=2 draws two pixels per point
 )";
 
-bool draw(gui::Application& app, GlobeView& view, const Outlook& outlook, const std::filesystem::path& file)
-{
-    view.show(outlook);
-    gui::Texture picture;
-    bool isRead = false;
-    view.readFrameFrameBuffer(picture, [&] { isRead = true; });
-    while (!isRead)
-        app.step(1);
-    picture.mirrorVertically(); // the first row that was read is the bottom
-    for (int i = 0; i < picture.getWidth() * picture.getHeight(); ++i)
-        picture.getBytes()[4 * i + 3] = 255; // what blending left of the alpha means nothing
-    return picture.saveToFile(file.c_str());
-}
-
+// @return the program's exit status
 int drawPictures(gui::Application& app, GlobeView& view, const std::filesystem::path& folder)
 {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
     for (const Outlook& outlook : cOutlooks)
     {
-        const std::filesystem::path file = folder / (std::string(outlook.name) + ".png");
-        if (!draw(app, view, outlook, file))
-        {
-            std::fprintf(stderr, "globe: cannot write %s\n", file.c_str());
+        view.show(outlook);
+        if (!examples::savePicture(app, view, folder / (std::string(outlook.name) + ".png")))
             return cExitFailed;
-        }
-        std::puts(file.c_str());
     }
     return 0;
 }
