@@ -15,9 +15,9 @@ constexpr double cFrameWidth = 2; // points
 Overview::Overview(const Countries& countries, SheetView& map)
     : SheetView(countries, map.getMapProjection())
     , _map(map)
-    , _window("World map - overview", {440, 232})
     , _triang(4)
     , _frame{gui::gl::DataType::Vec2}
+    , _window("World map - overview", {440, 232})
 {
     createContext(false);
 }

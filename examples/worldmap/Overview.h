@@ -36,10 +36,10 @@ private:
     void fillFrame(const Box& box);
 
     SheetView& _map;
-    gui::Window _window;
     gui::gl::Flat2DProgram _program;
     gui::gl::Triang2D _triang;
     gui::gl::Buffer _frame;
+    gui::Window _window; // the last one: when it closes, cleanResources needs the others
 };
 
 } // namespace worldmap
