@@ -4,6 +4,8 @@
 
 #include <gui/gl/gl.h>
 
+#include <iterator>
+
 namespace gallery
 {
 
@@ -89,9 +91,9 @@ public:
         const auto width = static_cast<float>(frame.size.width);
         const auto height = static_cast<float>(frame.size.height);
         const float column = (width - 2 * cMargin - 3 * cGap) / 4;
-        std::vector<Cell> cells;
-        for (int i = 0; i < 4; ++i)
-            cells.push_back({cMargin + static_cast<float>(i) * (column + cGap), 104, column, 272});
+        Cell cells[std::size(cArticles)];
+        for (std::size_t i = 0; i < std::size(cells); ++i)
+            cells[i] = {cMargin + static_cast<float>(i) * (column + cGap), 104, column, 272};
         _backdrop.draw(frame, cells);
         if (!_lettering.begin(frame))
             return;

@@ -143,7 +143,7 @@ void Font::indexGlyphs()
 
 std::size_t Font::glyphIndex(wchar_t codePoint) const
 {
-    const auto c = static_cast<std::size_t>(codePoint);
+    const std::size_t c = static_cast<unsigned int>(codePoint);
     return _pages.begin()[_pageOf.begin()[c / cPageSize] * cPageSize + c % cPageSize];
 }
 
