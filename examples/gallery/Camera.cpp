@@ -1,7 +1,9 @@
 // Look for: steps that end at the walls, a floor that mirrors what stands on it, a zoom that narrows the view.
 
 #include "Hall.h"
+#include "Lettering.h"
 #include "Scenes.h"
+#include "Sketch.h"
 #include "Stage.h"
 
 #include <gui/InputDevice.h>
@@ -40,14 +42,11 @@ public:
         _camera.setPitchLimits(-60, 60);
         _camera.setZoomFactorLimits(0.7F, 8);
         _camera.setLimiter(&_limiter);
-        return _hall.init(_perspective, _camera);
+        _lettering.init();
+        return _hall.init(_perspective, _camera) && _sketch.init();
     }
 
-    void enter(Stage& stage) override
-    {
-        _pStage = &stage;
-        tellPlace();
-    }
+    void enter(Stage& stage) override { _pStage = &stage; }
 
     void draw(const Frame& frame) override
     {
@@ -56,6 +55,7 @@ public:
         _perspective = glm::perspective(fieldOfView, aspect, 0.1F, 100.0F);
         _camera.getViewMatrix(); // as it is now, for the hall's const camera
         _hall.draw();
+        drawPlace(frame);
     }
 
     void onPointer(PointerEvent event, const gui::InputDevice& device) override
@@ -74,7 +74,7 @@ public:
             _camera.processZoom(static_cast<float>(device.getScale()));
         else
             return;
-        tellPlace();
+        _pStage->redraw();
     }
 
     // Arrow keys turn the camera; without Alt they choose another scene, as everywhere.
@@ -84,24 +84,35 @@ public:
             return false;
         if (!(isDown ? _camera.onKeyPressed(key) : _camera.onKeyReleased(key)))
             return false;
-        tellPlace();
+        _pStage->redraw();
         return true;
     }
 
 private:
-    void tellPlace()
+    // Where the camera is, on a dark plate that keeps it readable.
+    void drawPlace(const Frame& frame)
     {
+        if (!_lettering.begin(frame))
+            return;
         const glm::vec3& place = _camera.getPosition();
         char text[96];
-        std::snprintf(text, sizeof(text), "at (%.1f, %.1f, %.1f), yaw %.0f, pitch %.0f, zoom %.1f",
+        std::snprintf(text, sizeof text,
+                      "x %5.1f   y %5.1f   z %5.1f      yaw %4.0f\u00b0   pitch %4.0f\u00b0   zoom %3.1f",
                       static_cast<double>(place.x), static_cast<double>(place.y), static_cast<double>(place.z),
                       static_cast<double>(_camera.getYaw()), static_cast<double>(_camera.getPitch()),
                       static_cast<double>(_camera.getZoomFactor()));
-        _pStage->setNote(text);
-        _pStage->redraw();
+        const float left = 20, bottom = static_cast<float>(frame.size.height) - 20;
+        constexpr float cPadding = 12, cHeight = 32, cBaseline = 11;
+        const float width = _lettering.widthOf(text, 0) + 2 * cPadding;
+        _sketch.addCell({left, bottom - cHeight, width, cHeight}, {0.03F, 0.04F, 0.08F, 0.66F});
+        _sketch.draw(frame);
+        _lettering.add({left + cPadding, bottom - cBaseline}, text, {.face = 0, .color = td::ColorID::White});
+        _lettering.draw();
     }
 
     Hall _hall;
+    Sketch _sketch;
+    Lettering _lettering{{{"mono", 14}}};
     Camera _camera{{-0.45F, 1.95F, 6.4F}, -86.5F, -5};
     InsideHall _limiter;
     glm::mat4 _perspective{1};
