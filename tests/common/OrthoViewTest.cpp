@@ -292,7 +292,9 @@ TEST_F(OrthoViewTest, NoNumberBreaksTheProjection)
     GLView* const pNative = show(view, false);
     for (const auto& c : cases)
     {
+        const glm::mat4 before = view.getProjection();
         c.act(view, *pNative);
+        EXPECT_EQ(view.getProjection(), before) << c.name;
         EXPECT_EQ(view.getOrigin(), Point()) << c.name;
         EXPECT_EQ(view.getZoom(), 1) << c.name;
         view.onResize({800, 600});
