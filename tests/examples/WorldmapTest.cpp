@@ -190,7 +190,7 @@ TEST(Worldmap, ProjectionsGoBothWays)
                 const double expected = projection == Projection::Mercator ? 1 / std::cos(y * std::acos(-1) / 180) : 1;
                 EXPECT_NEAR(height, expected, 1e-4 * expected);
             }
-        EXPECT_TRUE(std::isfinite(worldmap::project(projection, {0, -90}).y));
+        EXPECT_GT(worldmap::project(projection, {0, -90}).y, -200) << "a pole is no farther than is of use";
     }
 }
 
