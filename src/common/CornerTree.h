@@ -61,9 +61,10 @@ private:
     static std::size_t roundUp(std::size_t n) { return (n + cFan - 1) / cFan * cFan; }
 
     void buildLevel(std::size_t level, std::size_t nChildren);
-    // Bits for those of sixteen points that are on the inside of an edge, or that are not.
-    static unsigned int insideBits(Edge edge, const float* x, const float* y);
-    static unsigned int outsideBits(Edge edge, const float* x, const float* y);
+    // Bits for those of sixteen points that are on the inside of an edge, or that are not. Inlined into other loops, they
+    // are no longer made vector operations of (GCC 12).
+    [[gnu::noinline]] static unsigned int insideBits(Edge edge, const float* x, const float* y);
+    [[gnu::noinline]] static unsigned int outsideBits(Edge edge, const float* x, const float* y);
     unsigned int cornersInside(std::size_t leaf, const Edges& edges) const;
     unsigned int boxesInside(std::size_t level, std::size_t node, const Edges& edges) const;
     std::size_t search(std::size_t level, std::size_t node, const Edges& edges, const Triangle& triangle) const;

@@ -17,4 +17,12 @@ inline int turnSign(const td::Point<float>& a, const td::Point<float>& b, const 
     return sgn((b.x - a.x) * (c.y - b.y) - (b.y - a.y) * (c.x - b.x));
 }
 
+inline bool isInTriangle(const td::Point<float>& a, const td::Point<float>& b, const td::Point<float>& c,
+                         const td::Point<float>& p)
+{
+    return (c.x - b.x) * (p.y - b.y) - (c.y - b.y) * (p.x - b.x) >= 0 &&
+           (a.x - c.x) * (p.y - c.y) - (a.y - c.y) * (p.x - c.x) >= 0 &&
+           (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x) >= 0;
+}
+
 } // namespace gui::gl

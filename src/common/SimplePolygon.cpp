@@ -1,6 +1,7 @@
 #include <gui/gl/SimplePolygon.h>
 
 #include "EarClipper.h"
+#include "Predicates.h"
 
 #include <algorithm>
 #include <numeric>
@@ -91,7 +92,7 @@ bool SimplePolygon::snip(int u, int v, int w, int nv) const
     for (int p = 0; p < nv; ++p)
     {
         const td::Point<float> P = _points[corners[p]];
-        if (p != u && p != v && p != w && insideTriangle(A.x, A.y, B.x, B.y, C.x, C.y, P.x, P.y))
+        if (p != u && p != v && p != w && isInTriangle(A, B, C, P))
             return false;
     }
     return true;
@@ -99,8 +100,7 @@ bool SimplePolygon::snip(int u, int v, int w, int nv) const
 
 bool SimplePolygon::insideTriangle(float Ax, float Ay, float Bx, float By, float Cx, float Cy, float Px, float Py)
 {
-    return (Cx - Bx) * (Py - By) - (Cy - By) * (Px - Bx) >= 0 && (Ax - Cx) * (Py - Cy) - (Ay - Cy) * (Px - Cx) >= 0 &&
-           (Bx - Ax) * (Py - Ay) - (By - Ay) * (Px - Ax) >= 0;
+    return isInTriangle({Ax, Ay}, {Bx, By}, {Cx, Cy}, {Px, Py});
 }
 
 } // namespace gui::gl
