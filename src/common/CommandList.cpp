@@ -31,6 +31,14 @@ bool CommandList::encode(Command* pCommand)
     return false;
 }
 
+bool CommandList::encode()
+{
+    bool isDone = true;
+    for (Command& command : _commands)
+        isDone &= command.isEncoded() || command.encode();
+    return isDone;
+}
+
 bool CommandList::remove(Command*)
 {
     _commands.remove_back();

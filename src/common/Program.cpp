@@ -361,6 +361,8 @@ bool Program::prepare(Buffer& buffer)
         _hasSaidNotLinked = true;
         return false;
     }
+    if (!buffer.isCommitted())
+        buffer.getCommandList().encode(); // one that can't be says so when it is executed
     if (!buffer.commit())
         return false;
     setBuffer(&buffer);

@@ -74,6 +74,18 @@ bool SkyBox::init(const glm::mat4* pProjection, unsigned int cubeMapID, Textures
     return _prog.link(cVertexShader, cFragmentShader, nullptr);
 }
 
+bool SkyBox::init(const glm::mat4* pProjection, const Camera* pCamera, int faceSize,
+                  const std::function<glm::vec3(const glm::vec3& direction)>& color)
+{
+    _textures.release();
+    if (!_textures.appendCubeMap(faceSize, color) || !init(pProjection, _textures.getID(0), Textures::Unit::T0))
+        return false;
+    setCamera(pCamera);
+    release();
+    commit(1);
+    return _committed;
+}
+
 void SkyBox::setCamera(const Camera* pCamera)
 {
     _pCamera = pCamera;

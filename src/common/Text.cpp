@@ -88,6 +88,15 @@ void Text::init(const td::Size<double>& frameSize, Textures::Unit unit)
     _program.deActivate();
 }
 
+Font& Text::init(const char* fontName)
+{
+    init({0, 0}, Textures::Unit::T0);
+    allocFonts(1);
+    if (loadFont(0, fontName) == nullptr)
+        vo::dbgLog("Error! Text::init cannot load font: %s", fontName != nullptr ? fontName : "(null)");
+    return _fonts[0];
+}
+
 void Text::setFrameSize(const td::Size<double>& size)
 {
     const auto width = static_cast<float>(size.width);
@@ -121,11 +130,13 @@ void Text::commit()
         font.commit();
 }
 
-void Text::render(Ctrl ctrl)
+void Text::render(Ctrl ctrl) { render(ctrl, _projection); }
+
+void Text::render(Ctrl ctrl, const glm::mat4& projection)
 {
     TD_ASSERT(_program.isOK());
     _program.activate();
-    _program.setProjection(_projection);
+    _program.setProjection(projection);
     _program.setSampler(_unit);
     startCtrl(ctrl);
     Context::setActiveTextureUnit(_unit);

@@ -1,5 +1,6 @@
 #include <gui/gl/Textures.h>
 
+#include "CubeMapPainting.h"
 #include "ProgHelper.h"
 #include "TextureUpload.h"
 
@@ -27,6 +28,7 @@ constexpr std::array<GLenum, 32> cZavPos{
 static_assert(cZavPos.size() == std::size_t(Textures::Unit::T31) + 1);
 
 constexpr std::size_t cFaces = 6;
+constexpr int cMaxFaceSize = 16384;
 
 // Which name belongs to each face in GL's order: +x, -x, +y, -y, +z, -z.
 constexpr std::array<std::size_t, cFaces> cNameOfFace{2, 0, 4, 5, 1, 3};
@@ -216,6 +218,14 @@ bool Textures::appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures)
     for (std::size_t slot = 0; slot < cFaces; ++slot)
         faces[slot] = textures[cNameOfFace[slot]];
     return uploadFaces(faces);
+}
+
+bool Textures::appendCubeMap(int size, const std::function<glm::vec3(const glm::vec3& direction)>& color)
+{
+    TD_ASSERT(size > 0 && size <= cMaxFaceSize, false);
+    TD_ASSERT(color, false);
+    const std::array<gui::Texture, cFaces> images = paintCubeMap(size, color);
+    return appendCubeMap({&images[0], &images[1], &images[2], &images[3], &images[4], &images[5]});
 }
 
 // One cube map of six images in GL's order.

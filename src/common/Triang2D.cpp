@@ -23,6 +23,15 @@ cnt::PushBackVector<unsigned int, 0>& indicesFrom(SimplePolygon& polygon, std::s
     return polygon.getIndices();
 }
 
+Command* finished(Command* pCommand, td::ColorID color)
+{
+    if (pCommand == nullptr)
+        return nullptr;
+    pCommand->setColor(color);
+    pCommand->encode();
+    return pCommand;
+}
+
 } // namespace
 
 float crossProduct(const td::Point<float>& a, const td::Point<float>& b, const td::Point<float>& c)
@@ -142,6 +151,18 @@ Command* Triang2D::triangulate(Buffer* pBuffer, const td::Point<float>* points, 
 Command* Triang2D::triangulate(Buffer* pBuffer, const Points& points)
 {
     return triangulate(pBuffer, points.begin(), static_cast<unsigned int>(points.size()));
+}
+
+Command* Triang2D::triangulate(Buffer* pBuffer, std::span<const td::Point<float>> points, td::ColorID color)
+{
+    return finished(triangulate(pBuffer, points.data(), static_cast<unsigned int>(points.size())), color);
+}
+
+Command* Triang2D::triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
+                                   td::ColorID color)
+{
+    return finished(triangulateLine(pBuffer, points.data(), static_cast<unsigned int>(points.size()), width, closed),
+                    color);
 }
 
 } // namespace gui::gl

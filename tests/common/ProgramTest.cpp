@@ -398,7 +398,8 @@ TEST_F(ProgramTest, DrawPreparesWhatItDraws)
     EXPECT_EQ(trace.count("glDrawArrays"), 0u);
     EXPECT_TRUE(log.said("ERROR! Buffer::commit cannot create VAO!"));
     buffer.reset();
-    buffer.appendShape(gui::gl::Primitive::Points, cPoint, 1);
+    buffer.appendVertices(cPoint, 1);
+    buffer.createCommand()->createDrawArrays(gui::gl::Primitive::Points, 0, 1);
     program._matrixLocation = 3;
     program.draw(buffer, glm::mat4(1));
     program.draw(buffer);

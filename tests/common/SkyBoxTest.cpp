@@ -10,12 +10,15 @@
 
 #include <epoxy/gl.h>
 #include <glm/ext/matrix_clip_space.hpp>
+#include <glm/geometric.hpp>
 #include <glm/mat3x3.hpp>
+#include <glm/matrix.hpp>
 #include <glm/trigonometric.hpp>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace
 {
@@ -111,6 +114,35 @@ TEST_F(SkyBoxTest, LiesBehindEverythingThatIsDrawn)
     }
     sky.render(true);
     EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
+}
+
+// A face that is mirrored, turned or in another one's place shows in the corners of the view.
+TEST_F(SkyBoxTest, ComputedSkyShowsEachDirectionsColour)
+{
+    test::CaughtAsserts asserts;
+    const auto colorOf = [](const glm::vec3& direction) { return 0.5F + 0.5F * direction; };
+    SkyBox sky;
+    EXPECT_FALSE(sky.init(&projection, nullptr, 0, colorOf));
+    EXPECT_TRUE(asserts.caught("size > 0 && size <= cMaxFaceSize"));
+    EXPECT_FALSE(sky.init(&projection, nullptr, 1, nullptr));
+    EXPECT_TRUE(asserts.caught("color"));
+    for (const auto& [yaw, pitch] : {std::pair(0, 0), {90, 0}, {180, 0}, {-90, 0}, {30, 89}, {30, -89}, {-40, 35}})
+    {
+        const Camera camera({0, 0, 0}, static_cast<float>(yaw), static_cast<float>(pitch));
+        ASSERT_TRUE(sky.init(&projection, &camera, 256, colorOf));
+        sky.render(true);
+        const glm::mat4 toWorld = glm::inverse(sky.getTransformation());
+        for (const auto& [x, y] : {std::pair(32, 32), {2, 3}, {60, 2}, {1, 61}, {62, 50}})
+        {
+            const glm::vec4 place(static_cast<float>(x) / 32 - 63.0F / 64, static_cast<float>(y) / 32 - 63.0F / 64, 1,
+                                  1);
+            const glm::vec4 seen = toWorld * place;
+            const glm::vec3 color = 255.0F * colorOf(glm::normalize(glm::vec3(seen) / seen.w));
+            const Pixel actual = pixel(x, y);
+            const glm::vec3 difference = glm::vec3(actual.red, actual.green, actual.blue) - color;
+            EXPECT_LT(glm::length(difference), 2.5F) << yaw << ' ' << pitch << ' ' << x << ' ' << y; // a pixel's size
+        }
+    }
 }
 
 TEST_F(SkyBoxTest, MatrixDependsOnWhatIsSet)

@@ -1,3 +1,4 @@
+#include "support/CapturedLog.h"
 #include "support/FontFiles.h"
 #include "support/Images.h"
 #include "support/OffscreenGL.h"
@@ -5,7 +6,11 @@
 #include <gui/gl/Text.h>
 
 #include <epoxy/gl.h>
+#include <glm/ext/matrix_clip_space.hpp>
 #include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
 
 namespace
 {
@@ -76,6 +81,26 @@ TEST_F(TextGLTest, GlyphsStandWhereTheyWereLaidOut)
                  {10, 33, cBack}, {48, 48, {0, 255, 0}}, {63, 63, {0, 255, 0}}, {47, 50, cBack}};
     for (const auto& c : cases)
         EXPECT_EQ(at(c.x, c.y), c.color) << c.x << ' ' << c.y;
+}
+
+// Text in a plane must stay where the plane is, and a font that is missing must not end the program.
+TEST_F(TextGLTest, TextIsDrawnThroughAnotherProjection)
+{
+    add("F", 8, 4, {.colorID = td::ColorID::Red});
+    text.render(Text::Ctrl::BlendNoDepthTest, glm::ortho(0.0f, 32.0f, 32.0f, 0.0f));
+    for (const auto& [x, y, color] : {std::tuple(18, 10, cRed), {45, 37, cRed}, {15, 20, cBack}, {48, 39, cBack}})
+        EXPECT_EQ(at(x, y), color) << x << ' ' << y;
+
+    test::CapturedLog log;
+    Text other;
+    other.init(":nowhere.font").addString({0, 0}, "F", td::ColorID::Red, 1);
+    EXPECT_TRUE(log.said("Error! Text::init cannot load font: :nowhere.font"));
+    const std::string path = folder.path("a.font");
+    other.init(path.c_str()).addString({0, 0}, "F", td::ColorID::Lime, 1);
+    other.setFrameSize({64, 64});
+    other.render(Text::Ctrl::BlendNoDepthTest);
+    EXPECT_EQ(at(8, 8), (Pixel{0, 255, 0}));
+    other.release();
 }
 
 TEST_F(TextGLTest, DepthDecidesUnlessItsTestIsOff)

@@ -63,7 +63,7 @@ TEST_F(Triang2DGLTest, PolygonsFillTheirInsideAndRecycledLinesTheirEdge)
 {
     const Outline arrow{at(2, 2), at(30, 2), at(30, 30), at(16, 16), at(2, 30)};
     const Outline cup{at(34, 34), at(62, 34), at(62, 62), at(54, 62), at(54, 44), at(42, 44), at(42, 62), at(34, 62)};
-    record(_triang.triangulate(&_buffer, arrow.data(), 5), ColorID::Red);
+    ASSERT_NE(_triang.triangulate(&_buffer, arrow, ColorID::Red), nullptr);
     record(_triang.triangulate(&_buffer, cup.data(), 8), ColorID::Blue);
     record(_triang.createRecycledLine(&_buffer, gui::gl::Primitive::LineLoop, cup.data(), 5, 8), ColorID::White);
     draw();
@@ -83,7 +83,8 @@ TEST_F(Triang2DGLTest, SharpCornersAreCutOff)
 {
     // Both of 8 pixels, with a turn of some 153 degrees to the left: the miter would reach 17 pixels beyond the corner.
     const Outline line{at(4, 12), at(44, 12), at(4, 32)};
-    record(_triang.triangulateLine(&_buffer, line.data(), 3, 0.125f, false), ColorID::Red);
+    ASSERT_NE(_triang.triangulateLine(&_buffer, line, 0.125f, false, ColorID::Red), nullptr);
+    EXPECT_EQ(_triang.triangulateLine(&_buffer, line, 0, false, ColorID::Red), nullptr);
     draw();
     for (const td::Point<int> p : {td::Point(6, 9), {6, 14}, {40, 12}, {44, 11}, {46, 11}, {20, 26}, {44, 14}})
         EXPECT_EQ(pixel(p.x, p.y), cRed) << p.x << ", " << p.y;

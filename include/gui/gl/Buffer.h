@@ -115,6 +115,8 @@ public:
     const cnt::PushBackVector<float, 0>& getVertices() const { return _vertexData; }
     /// False when data may be appended; see the class for what it does on a committed buffer, where the answer is true.
     bool isAddOnCommitted() const;
+    /// True from commit to reset or release.
+    bool isCommitted() const { return _state == 1; }
 
     /// Uploads what was appended. Does nothing on a committed buffer.
     /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO, IBO).

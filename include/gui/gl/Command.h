@@ -130,6 +130,7 @@ public:
     /// Back to an empty command.
     void reset();
 
+    bool isEncoded() const { return _fn != nullptr; }
     bool isDraw() const { return getType() >= Type::DrawArrays && getType() <= Type::DrawElementsInstanced; }
     Type getType() const { return static_cast<Type>(_type); }
     DrawSubType getDrawSubType() const { return static_cast<DrawSubType>(_drawSubType); }

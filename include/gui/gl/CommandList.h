@@ -36,6 +36,8 @@ public:
 
     /// Encodes a command of the list. @return false, with the list's last command removed, when it cannot be encoded
     bool encode(Command* pCommand);
+    /// Encodes the commands that are not encoded yet. @return false when some cannot be; they stay, not encoded
+    bool encode();
 
     /// Removes the last command, whichever is passed; an empty list stays empty. @return true
     bool remove(Command* pCommand);

@@ -136,8 +136,8 @@ public:
     /// Executes a range of the buffer's commands, whatever the program's own list holds.
     void execute(std::size_t first, std::size_t count);
 
-    /// A frame's work in one call: commits the buffer if it is not, makes it the program's, activates the program and
-    /// executes. The program stays the active one. A program that is not linked, or a buffer that cannot be committed,
+    /// A frame's work in one call: encodes the buffer's commands and commits it if it is not, makes it the program's,
+    /// activates the program and executes. The program stays the active one. A program that is not linked, or a buffer that cannot be committed,
     /// draws nothing, each with a log line that says so (the program's once per object).
     void draw(Buffer& buffer);
     /// The same with a model-view-projection matrix.

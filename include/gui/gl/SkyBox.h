@@ -7,6 +7,9 @@
 #include <td/Export.h>
 
 #include <glm/mat4x4.hpp>
+#include <glm/vec3.hpp>
+
+#include <functional>
 
 namespace gui::gl
 {
@@ -49,6 +52,14 @@ public:
     /// @return false, after an assertion ("false"), when the built-in shaders do not link
     bool init(const glm::mat4* pProjection, unsigned int cubeMapID, Textures::Unit unit);
 
+    /// A sky that is computed, in one call: its cube map is made, init, setCamera and commit are called. The map lives in
+    /// this object until its end or the next call; the texture unit is T0.
+    /// @param pProjection, pCamera  as for init and setCamera
+    /// @param faceSize, color       as for Textures::appendCubeMap
+    /// @return false, after a log line or an assertion, when one of them fails
+    bool init(const glm::mat4* pProjection, const Camera* pCamera, int faceSize,
+              const std::function<glm::vec3(const glm::vec3& direction)>& color);
+
     /// Not owned, read at each render; null for none. The sky follows what the camera's const getViewMatrix gives, so ask
     /// for the camera's matrix first (drawing the scene does).
     void setCamera(const Camera* pCamera);
@@ -82,6 +93,7 @@ private:
     unsigned int _vbo = 0;
     bool _committed = false;
     CurrentContext::ID _contextID = 0;
+    Textures _textures; // a cube map of its own, or none
 };
 
 } // namespace gui::gl

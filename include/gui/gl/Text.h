@@ -73,6 +73,11 @@ public:
     /// A program that doesn't link is said in the log (see Program::link) and asserts; nothing is rendered then.
     void init(const td::Size<double>& frameSize, Textures::Unit unit);
 
+    /// A text of one font: init with unit T0, allocFonts(1) and loadFont(0, fontName). The frame's size is left to be set.
+    /// @return the font, owned by this object. One that can't be loaded ("Error! Text::init cannot load font: %s" follows
+    ///         what Font::load logs) has no glyphs: adding strings adds nothing
+    Font& init(const char* fontName);
+
     /// Says how large the frame is: text coordinates go from (0, 0) at its top left corner to this size at its bottom
     /// right one. A width or height of 0 changes nothing.
     void setFrameSize(const td::Size<double>& size);
@@ -95,6 +100,10 @@ public:
     /// Needs a successful init (an assertion). A font that was never loaded asserts and is left out, as is one that can't
     /// be committed; "Error! Text::render font %u has no texture!" is logged once until fonts are allocated anew.
     void render(Ctrl ctrl);
+    /// The same with the text somewhere else than flat on the frame.
+    /// @param projection  from the text's coordinates to clip space. With OrthoView::getProjection text lies in the plane
+    ///                    and moves and grows with it; it is upright where the plane's y grows downwards
+    void render(Ctrl ctrl, const glm::mat4& projection);
 
     /// Font::release of every font. The program stays until this object is destroyed. Needs no context.
     void release();

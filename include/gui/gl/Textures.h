@@ -8,7 +8,10 @@
 #include <td/Export.h>
 #include <td/Types.h>
 
+#include <glm/vec3.hpp>
+
 #include <array>
+#include <functional>
 #include <initializer_list>
 #include <tuple>
 
@@ -79,6 +82,11 @@ public:
     bool appendCubeMap(const cnt::Array<const char*, 6>& fileNames);
     /// The same with images in memory, not owned, read during the call.
     bool appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures);
+    /// The same with what a function gives for each pixel.
+    /// @param size   of each face's edges in pixels, 1 to 16,384 (an assertion)
+    /// @param color  what is seen in a direction, a unit vector: red, green and blue from 0 to 1, cut off beyond. Not empty
+    ///               (an assertion)
+    bool appendCubeMap(int size, const std::function<glm::vec3(const glm::vec3& direction)>& color);
 
     /// Makes room for n textures. Meant for an empty set: textures that it holds are deleted first.
     void reserve(unsigned short n);

@@ -3,11 +3,13 @@
 #include "Primitive.h"
 
 #include <cnt/PushBackVector.h>
+#include <td/ColorID.h>
 #include <td/Export.h>
 #include <td/Point.h>
 
 #include <glm/vec2.hpp>
 
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -23,14 +25,12 @@ class SimplePolygon;
 ///
 /// Each shape has a form that appends to two lists of the caller, and one that appends to a Buffer whose layout is one
 /// Vec2 and records the draw in the buffer's command list. Both give the same vertices and indices. Commands come
-/// without colour and not encoded: set a colour, call Buffer::encode, and when all is appended commit the buffer.
+/// without colour and not encoded: set a colour, call Buffer::encode, and when all is appended commit the buffer. Forms
+/// with a colour leave only the last of these to do, and Program::draw does that.
 /// @code
 /// gui::gl::Triang2D triang(200);
-/// if (gui::gl::Command* pCommand = triang.triangulate(&_buffer, lake.data(), nLakePoints))
-/// {
-///     pCommand->setColor(td::ColorID::SteelBlue);
-///     _buffer.encode(pCommand);
-/// }
+/// triang.triangulate(&_buffer, lake, td::ColorID::SteelBlue);
+/// triang.triangulateLine(&_buffer, river, 2, false, td::ColorID::SteelBlue);
 /// @endcode
 /// Coordinates are in the caller's units, and y grows upwards where left, right and clockwise are spoken of. Results are
 /// the same to the last bit on every machine. It is one outline at a time: holes are not known.
@@ -75,6 +75,8 @@ public:
     ///         (nothing is appended)
     Command* triangulate(Buffer* pBuffer, const td::Point<float>* points, unsigned int n);
     Command* triangulate(Buffer* pBuffer, const Points& points);
+    /// The same with its colour, and encoded.
+    Command* triangulate(Buffer* pBuffer, std::span<const td::Point<float>> points, td::ColorID color);
 
     /// A band along a polyline, as triangles that turn left. Each point becomes a pair of vertices, on the left and on
     /// the right of the direction of travel; where the corner of the outer edge would lie further than 2 * width from
@@ -99,6 +101,9 @@ public:
     /// @return the command, owned by the buffer's command list and good until that next grows: an element draw. Null when
     ///         there is nothing to draw, and for misuse
     Command* triangulateLine(Buffer* pBuffer, const td::Point<float>* points, unsigned int n, float width, bool closed);
+    /// The same with its colour, and encoded.
+    Command* triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
+                             td::ColorID color);
 
     /// Draws a primitive through points that the buffer already holds: the outline of a filled polygon, say. Only indices
     /// are appended, one for each point, in their order.
