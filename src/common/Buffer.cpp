@@ -190,10 +190,9 @@ Command* Buffer::appendShape(Primitive primitive, const float* data, std::size_t
     if (isAddOnCommitted())
         return nullptr;
     TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
+    TD_ASSERT(primitive <= Primitive::Patches, nullptr);
     Command* const pCommand = createCommand();
     pCommand->createDrawArrays(primitive, getNoOfVertices(), static_cast<unsigned int>(n));
-    if (!encode(pCommand))
-        return nullptr;
     appendVertices(data, n);
     return pCommand;
 }

@@ -148,6 +148,7 @@ bool Font::setTexture(const gui::Texture& image)
     if (!image.isOk() || (bytesPP != 3 && bytesPP != 4) || exceedsGLsLimit(width, height, limit))
     {
         vo::dbgLog("Error! Font::setTexture using invalid texture");
+        ProgHelper::forgetTexture();
         glBindTexture(GL_TEXTURE_2D, 0);
         return false;
     }

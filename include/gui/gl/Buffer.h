@@ -63,10 +63,11 @@ public:
     /// @param data  nInstances times the floats of an instance. Needs the instanced init with room for at least one.
     void appendInstances(const float* data, std::size_t nInstances);
 
-    /// Appends a shape: vertices, and the command that draws them as one primitive, encoded.
+    /// Appends a shape: vertices, and the command that draws them as one primitive.
     /// @param data  n times the floats of a vertex. The layout must be set.
-    /// @return the command, for a colour or a texture of its own, good until the next one is created; null, with nothing
-    ///         appended, on a committed buffer (as appending), without a layout or for an unknown primitive (assertions)
+    /// @return the command, good until the next one is created. It is not encoded yet: give it a colour or a texture if
+    ///         it is to have one, then encode it, or leave that to Program::draw. Null, with nothing appended, on a
+    ///         committed buffer (as appending), without a layout or for an unknown primitive (assertions)
     Command* appendShape(Primitive primitive, const float* data, std::size_t n);
 
     /// Indices count vertices from the buffer's first.
