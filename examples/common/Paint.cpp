@@ -1,8 +1,6 @@
 #include "Paint.h"
 
 #include <glm/common.hpp>
-#include <glm/geometric.hpp>
-#include <glm/vector_relational.hpp>
 
 #include <cstdint>
 
@@ -11,27 +9,6 @@ namespace examples
 
 namespace
 {
-
-// A place on a face, -1 to 1 to the right and downwards, as a direction; faces in appendCubeMap's order.
-glm::vec3 directionOf(std::size_t face, const glm::vec2& place)
-{
-    const auto [s, t] = std::pair(place.x, place.y);
-    switch (face)
-    {
-    case 0:
-        return {-1, -t, s};
-    case 1:
-        return {s, -t, 1};
-    case 2:
-        return {1, -t, -s};
-    case 3:
-        return {-s, -t, -1};
-    case 4:
-        return {s, 1, t};
-    default:
-        return {s, -1, -t};
-    }
-}
 
 // The clouds of one size: values at whole numbers, blended between them.
 float blended(const glm::vec3& place)
@@ -66,16 +43,6 @@ gui::Texture paint(int width, int height, const std::function<glm::vec3(const gl
         }
     }
     return image;
-}
-
-std::array<gui::Texture, 6> paintCubeMap(int size, const std::function<glm::vec3(const glm::vec3&)>& color)
-{
-    std::array<gui::Texture, 6> faces;
-    for (std::size_t face = 0; face < faces.size(); ++face)
-        faces[face] = paint(size, size,
-                            [&](const glm::vec2& place)
-                            { return color(glm::normalize(directionOf(face, 2.0F * place - 1.0F))); });
-    return faces;
 }
 
 float scatter(const glm::ivec3& point, int kind)

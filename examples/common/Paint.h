@@ -5,7 +5,6 @@
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 
-#include <array>
 #include <functional>
 
 /// Images that a program computes, pixel by pixel. Colours are red, green and blue from 0 to 1; what is beyond is cut off.
@@ -14,11 +13,6 @@ namespace examples
 
 /// @param color  of a place in the image, (0, 0) to (1, 1), the middle of each pixel; rows begin at y = 0
 gui::Texture paint(int width, int height, const std::function<glm::vec3(const glm::vec2&)>& color);
-
-/// The faces of a cube map around the origin, in the order in which gui::gl::Textures::appendCubeMap takes them.
-/// @param size   pixels along an edge
-/// @param color  seen in a direction, a unit vector
-std::array<gui::Texture, 6> paintCubeMap(int size, const std::function<glm::vec3(const glm::vec3&)>& color);
 
 /// A number from 0 to 1 for each point of the grid of whole numbers, the same on every machine and without any order.
 float scatter(const glm::ivec3& point, int kind = 0);

@@ -66,10 +66,8 @@ bool Hall::init(const glm::mat4& perspective, const Camera& camera)
     _pPerspective = &perspective;
     _pCamera = &camera;
     gui::Texture floor = examples::paint(256, 256, stone);
-    const auto sky = examples::paintCubeMap(256, evening);
     if (!_textures.append({&floor}, Texture::Type::Tex2D) ||
-        !_textures.append({":gallery/earth.jpg"}, Texture::Type::Tex2D) ||
-        !_skyMap.appendCubeMap({&sky[0], &sky[1], &sky[2], &sky[3], &sky[4], &sky[5]}))
+        !_textures.append({":gallery/earth.jpg"}, Texture::Type::Tex2D))
         return false;
 
     constexpr ColorID cStone = ColorID::Linen, cWall = ColorID::AntiqueWhite;
@@ -113,11 +111,8 @@ bool Hall::init(const glm::mat4& perspective, const Camera& camera)
     _program.setBuffer(&_solids);
     _pictureProgram.setBuffer(&_pictures);
     _pictureProgram.setTextures(&_textures);
-    if (!_sky.init(_pPerspective, _skyMap.getID(0), Textures::Unit::T0))
-        return false;
-    _sky.setCamera(_pCamera);
-    _sky.commit(1);
-    return _program.link() && _pictureProgram.link() && _solids.commit() && _pictures.commit();
+    return _sky.init(_pPerspective, _pCamera, 256, evening) && _program.link() && _pictureProgram.link() &&
+           _solids.commit() && _pictures.commit();
 }
 
 void Hall::addBox(const vec3& middle, const vec3& size, ColorID color)

@@ -52,7 +52,6 @@ private:
     gui::gl::Buffer _pictures{gui::gl::DataType::Vec3, gui::gl::DataType::Vec2}; // the floor, then what hangs
     std::size_t _nBoxes = 0;                                                     // commands before those of the balls
     gui::gl::Textures _textures;
-    gui::gl::Textures _skyMap;
 };
 
 } // namespace gallery

@@ -64,9 +64,8 @@ vec3 bands(const vec3& direction)
     const float whirl = examples::clouds(vec3(3, 9, 3) * direction + 5.0F, 5) - 0.5F;
     const float latitude = 0.5F + 0.5F * direction.y + 0.09F * whirl;
     // A storm, and the bands that part around it.
-    const float storm =
-        glm::length((glm::normalize(direction - vec3(0, 0.04F, 0)) - glm::normalize(vec3(0.12F, -0.3F, 1))) *
-                    vec3(0.6F, 1, 0.6F));
+    const float storm = glm::length(
+        (glm::normalize(direction - vec3(0, 0.04F, 0)) - glm::normalize(vec3(0.12F, -0.3F, 1))) * vec3(0.6F, 1, 0.6F));
     const vec3 color = vec3(gradient(cBands, latitude + 0.07F * std::exp(-30 * storm * storm)));
     return light * glm::mix(vec3(0.78F, 0.28F, 0.16F), color, glm::smoothstep(0.08F, 0.15F, storm + 0.05F * whirl));
 }
@@ -82,9 +81,8 @@ public:
                 return false;
         gui::Texture strip = joinFaces(faces);
         gui::Texture earth;
-        const auto map = examples::paintCubeMap(256, bands);
         if (!earth.loadFromFile(":gallery/earth.jpg") || !_textures.append({&strip, &earth}, Type::Tex2D) ||
-            !_maps.appendCubeMap({&map[0], &map[1], &map[2], &map[3], &map[4], &map[5]}))
+            !_maps.appendCubeMap(256, bands))
             return false;
 
         Command* pCommand = _strip.addCube(1.3F, Type::CubeStrip);

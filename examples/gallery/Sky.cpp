@@ -117,8 +117,7 @@ class Sky : public Scene
 public:
     bool init() override
     {
-        const auto faces = examples::paintCubeMap(cFaceSize, skyColor);
-        if (!_textures.appendCubeMap({&faces[0], &faces[1], &faces[2], &faces[3], &faces[4], &faces[5]}))
+        if (!_textures.appendCubeMap(cFaceSize, skyColor))
             return false;
         _buffer.addSphere(1, 96, 48, gui::gl::Texture::Type::CubeMap)->encode();
         _program.setBuffer(&_buffer);

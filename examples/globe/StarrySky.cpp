@@ -76,13 +76,7 @@ vec3 starrySky(const vec3& direction)
 
 bool StarrySky::init(const glm::mat4& projection, const Camera& camera)
 {
-    const auto faces = examples::paintCubeMap(cFaceSize, starrySky);
-    if (!_textures.appendCubeMap({&faces[0], &faces[1], &faces[2], &faces[3], &faces[4], &faces[5]}) ||
-        !_sky.init(&projection, _textures.getID(0), Textures::Unit::T0))
-        return false;
-    _sky.setCamera(&camera);
-    _sky.commit(1);
-    return true;
+    return _sky.init(&projection, &camera, cFaceSize, starrySky);
 }
 
 void StarrySky::draw()

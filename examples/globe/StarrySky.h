@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gui/gl/SkyBox.h>
-#include <gui/gl/Textures.h>
 
 #include <glm/mat4x4.hpp>
 
@@ -25,7 +24,6 @@ public:
     void draw();
 
 private:
-    gui::gl::Textures _textures;
     gui::gl::SkyBox _sky;
 };
 
