@@ -73,10 +73,12 @@ bool isSphereInRange(unsigned int sectors, unsigned int stacks, std::uint64_t ba
            first <= cMaxFirst && 6 * std::uint64_t(sectors) * (stacks - 1) <= cMaxCount;
 }
 
-struct Direction
+// What is the same for all vertices of one sector.
+struct Column
 {
     float cos;
     float sin;
+    float u;
 };
 
 // Of the normal; zeros for a vertex in the middle, which has none.
@@ -134,11 +136,12 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
     const std::size_t nRows = std::size_t(stacks) + 1;
     const float sectorStep = c2Pi / static_cast<float>(sectors);
     const float stackStep = cPi / static_cast<float>(stacks);
-    std::vector<Direction> directions(nColumns);
+    std::vector<Column> columns(nColumns);
     for (unsigned int j = 0; j <= sectors; ++j)
     {
         const float sectorAngle = static_cast<float>(j) * sectorStep;
-        directions[j] = {std::cos(sectorAngle), std::sin(sectorAngle)};
+        columns[j] = {std::cos(sectorAngle), std::sin(sectorAngle),
+                      static_cast<float>(j) / static_cast<float>(sectors)};
     }
 
     float* pTo = _vertexData.pushSlots(nRows * nColumns * nFloats);
@@ -148,10 +151,10 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
         const float xy = xyScale * radius * std::cos(stackAngle);
         const float z = radius * std::sin(stackAngle);
         const float v = static_cast<float>(i) / static_cast<float>(stacks);
-        for (unsigned int j = 0; j <= sectors; ++j)
+        for (const Column& column : columns)
         {
-            const float x = xy * directions[j].cos;
-            const float y = xy * directions[j].sin;
+            const float x = xy * column.cos;
+            const float y = xy * column.sin;
             *pTo++ = x;
             *pTo++ = y;
             *pTo++ = z;
@@ -159,7 +162,7 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
                 writeNormal(pTo, x, y, z);
             if (hasTexture)
             {
-                *pTo++ = static_cast<float>(j) / static_cast<float>(sectors);
+                *pTo++ = column.u;
                 *pTo++ = v;
             }
         }
