@@ -17,11 +17,13 @@ namespace globe
 namespace
 {
 
-using gui::gl::Font;
-
-// The fonts and their sizes, for one and for two device pixels per point.
-constexpr const char* cFonts[] = {":globe/sans-13.font", ":globe/sans-26.font"};
+// For one and for two device pixels per point.
+constexpr examples::Captions::BakedFont cFonts[] = {{":globe/sans-13.font", 13}, {":globe/sans-26.font", 26}};
 constexpr float cSize = 13;
+
+// A shadow keeps letters readable over ice and sand.
+constexpr td::Point<float> cShadow[] = {{1, 1}};
+constexpr examples::Captions::Style cStyle{td::ColorID::White, td::ColorID::Black, cShadow};
 
 struct Piece
 {
@@ -53,8 +55,6 @@ Piece measure(const examples::TopoJSON::Ring& ring)
 
 } // namespace
 
-Labels::~Labels() { _text.release(); }
-
 bool Labels::init(const examples::TopoJSON& countries)
 {
     for (const examples::TopoJSON::Area& area : countries.getAreas())
@@ -68,25 +68,14 @@ bool Labels::init(const examples::TopoJSON& countries)
     }
     std::sort(_countries.begin(), _countries.end(),
               [](const Country& a, const Country& b) { return a.extent > b.extent; });
-    _text.init({1, 1}, gui::gl::Textures::Unit::T0);
-    _text.allocFonts(std::size(cFonts));
-    for (unsigned char i = 0; i < std::size(cFonts); ++i)
-        if (_text.loadFont(i, cFonts[i]) == nullptr)
-            return false;
-    return true;
+    return _captions.init(cFonts, cSize);
 }
 
 void Labels::draw(const Sight& sight, const td::Size<double>& size, float scale)
 {
-    const td::Size<double> pixels(size.width * static_cast<double>(scale), size.height * static_cast<double>(scale));
-    const auto width = static_cast<float>(pixels.width), height = static_cast<float>(pixels.height);
-    const unsigned char nthFont = scale > 1 ? 1 : 0;
-    Font& font = *_text.getFont(nthFont);
-    font.reset();
-    const float fontScale = scale / (nthFont + 1.0F);
-    _text.setFrameSize(pixels);
+    const auto width = static_cast<float>(size.width) * scale, height = static_cast<float>(size.height) * scale;
+    _captions.begin(size, scale);
     _shown.clear();
-    std::vector<Box> taken;
     for (const Country& country : _countries)
     {
         // The middle of the label is on this side, and not near the rim, where countries are thin.
@@ -101,26 +90,11 @@ void Labels::draw(const Sight& sight, const td::Size<double>& size, float scale)
         // What a radian is long there, across the line of sight: clip space is 2 high.
         const float radian =
             glm::length(glm::vec3(sight.toClip[0][1], sight.toClip[1][1], sight.toClip[2][1])) * height / 2 / clip.w;
-        const td::Size<float> text = font.measure(country.name.c_str(), 0, {});
-        const glm::vec2 half(text.width * fontScale / 2, text.height * fontScale / 2);
-        if (country.extent * radian < 1.1F * half.x)
-            continue;
-        const float margin = 3 * scale;
-        const Box box{middle.x - half.x - margin, middle.y - half.y, middle.x + half.x + margin, middle.y + half.y};
-        const auto isInTheWay = [&box](const Box& other) {
-            return box.left < other.right && other.left < box.right && box.top < other.bottom && other.top < box.bottom;
-        };
-        if (box.left < 0 || box.top < 0 || box.right > width || box.bottom > height ||
-            std::any_of(taken.begin(), taken.end(), isInTheWay))
-            continue;
-        taken.push_back(box);
-        _shown.push_back(country.name);
-        // Whole pixels keep letters sharp; a shadow keeps them readable over ice and sand.
-        const td::Point<float> place(std::round(middle.x - half.x), std::round(middle.y - half.y));
-        font.addString({place.x + scale, place.y + scale}, country.name.c_str(), 0, td::ColorID::Black, fontScale);
-        font.addString(place, country.name.c_str(), 0, td::ColorID::White, fontScale);
+        if (country.extent * radian >= 0.55F * _captions.measure(country.name).width &&
+            _captions.addIfFree({middle.x, middle.y}, country.name, cStyle))
+            _shown.push_back(country.name);
     }
-    _text.render(gui::gl::Text::Ctrl::BlendNoDepthTestNoCulling);
+    _captions.draw(gui::gl::Text::Ctrl::BlendNoDepthTestNoCulling);
 }
 
 } // namespace globe

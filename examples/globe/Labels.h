@@ -2,9 +2,9 @@
 
 #include "Sight.h"
 
+#include <common/Captions.h>
 #include <common/TopoJSON.h>
 
-#include <gui/gl/Text.h>
 #include <td/Size.h>
 
 #include <string>
@@ -17,11 +17,6 @@ namespace globe
 class Labels
 {
 public:
-    Labels() = default;
-    ~Labels();
-    Labels(const Labels&) = delete;
-    Labels& operator=(const Labels&) = delete;
-
     /// @param countries  read during the call only
     /// @return false, after a line in the log, when a font is missing
     [[nodiscard]] bool init(const examples::TopoJSON& countries);
@@ -40,12 +35,7 @@ private:
         float extent;        // of that piece, in radians
     };
 
-    struct Box
-    {
-        float left, top, right, bottom;
-    };
-
-    gui::gl::Text _text;
+    examples::Captions _captions;
     std::vector<Country> _countries; // from the largest to the smallest
     std::vector<std::string> _shown;
 };
