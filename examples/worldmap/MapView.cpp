@@ -23,10 +23,40 @@ MapView::MapView(gui::Window& window, const Countries& countries)
     createContext(false);
 }
 
+void MapView::onInit()
+{
+    SheetView::onInit();
+    _pLabels = std::make_unique<Labels>(_countries);
+    _pLegend = std::make_unique<Legend>();
+    if (!_pLabels->init() || !_pLegend->init())
+        _isWritten = false;
+}
+
 void MapView::cleanResources()
 {
     _pOverview.reset();
+    _pLegend.reset();
+    _pLabels.reset();
     SheetView::cleanResources();
+}
+
+void MapView::onDraw(const td::RectNormalized<double>& rect)
+{
+    SheetView::onDraw(rect);
+    if (!_isWritten || _pLabels == nullptr)
+        return;
+    td::Size<double> size;
+    getSize(size);
+    const Outlook outlook{getMapProjection(), getVisible(), size, getPixelHiDPIScale()};
+    const bool isNone = _country == Countries::cNone;
+    _pLabels->draw(outlook, Legend::boxesIn(outlook));
+    _pLegend->draw(outlook, _pointer, isNone ? std::string() : _countries.getCountries()[_country].name);
+}
+
+void MapView::setWritten(bool isWritten)
+{
+    _isWritten = isWritten;
+    reRender();
 }
 
 void MapView::onOriginChanged()
@@ -41,6 +71,7 @@ void MapView::onCursorMoved(const gui::InputDevice& device)
 {
     _pointer = device.getFramePoint();
     findCountry();
+    reRender(); // for the place that is written
 }
 
 void MapView::onCursorDragged(const gui::InputDevice& device)
@@ -54,6 +85,7 @@ void MapView::onCursorExited(const gui::InputDevice& device)
     SheetView::onCursorExited(device);
     _pointer.reset();
     findCountry();
+    reRender();
 }
 
 void MapView::findCountry()
@@ -90,6 +122,8 @@ bool MapView::onKeyPressed(const gui::Key& key)
         fit();
     else if (character == 'm' || character == 'M')
         setProjection(getMapProjection() == Projection::Mercator ? Projection::Equirectangular : Projection::Mercator);
+    else if (character == 'l' || character == 'L')
+        setWritten(!_isWritten);
     else if (character == 'o' || character == 'O')
         toggleOverview();
     else if (key.getVirtual() == Virtual::Left)

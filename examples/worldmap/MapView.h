@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Labels.h"
+#include "Legend.h"
 #include "Overview.h"
 #include "SheetView.h"
 
@@ -14,7 +16,8 @@ namespace worldmap
 /// The map to go about in, with the name of the country under the pointer in its window's title.
 ///
 /// Drag with Shift, wheel, wheel with Ctrl and pinch: see OrthoView. Plus and minus zoom without Ctrl too, arrow keys
-/// move, 0 fits, M changes the projection, O opens and closes an overview, Escape ends the program.
+/// move, 0 fits, M changes the projection, L shows and hides what is written on the map, O opens and closes an overview,
+/// Escape ends the program.
 class MapView : public SheetView
 {
 public:
@@ -23,10 +26,17 @@ public:
 
     /// The country that is highlighted, or Countries::cNone.
     std::size_t getCountry() const { return _country; }
+    /// Names of countries, the scale bar and the line below it; shown at first.
+    void setWritten(bool isWritten);
+
+    const Labels* getLabels() const { return _pLabels.get(); }
+    const Legend* getLegend() const { return _pLegend.get(); }
     const Overview* getOverview() const { return _pOverview.get(); }
 
 protected:
+    void onInit() override;
     void cleanResources() override;
+    void onDraw(const td::RectNormalized<double>& rect) override;
     void onOriginChanged() override;
     void onCursorMoved(const gui::InputDevice& device) override;
     void onCursorDragged(const gui::InputDevice& device) override;
@@ -42,6 +52,9 @@ private:
     const Countries& _countries;
     std::optional<td::Point<double>> _pointer; // in the view
     std::size_t _country = Countries::cNone;
+    bool _isWritten = true;
+    std::unique_ptr<Labels> _pLabels;
+    std::unique_ptr<Legend> _pLegend;
     std::unique_ptr<Overview> _pOverview;
 };
 

@@ -20,6 +20,8 @@ struct Box
     td::Point<double> min;
     td::Point<double> max;
 
+    bool operator==(const Box&) const = default;
+
     double width() const { return max.x - min.x; }
     double height() const { return max.y - min.y; }
     td::Point<double> middle() const { return {(min.x + max.x) / 2, (min.y + max.y) / 2}; }

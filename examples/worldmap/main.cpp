@@ -20,11 +20,12 @@ constexpr int cExitUsage = 2;
 
 constexpr const char* cHelp = R"(Usage: worldmap [--size WIDTHxHEIGHT] [--out FOLDER] | --help
 
-Shows the countries of the world. The window's title names the one under the pointer.
+Shows the countries of the world. The line below says where the pointer is.
 
   drag with Shift, wheel, arrow keys   move
   wheel with Ctrl, pinch, + and -      zoom; 0 shows all of the map again
   M                                    equirectangular or Mercator projection
+  L                                    names of countries, scale bar and the line below
   O                                    an overview in a second window
   Escape                               end
 
