@@ -25,9 +25,6 @@ public:
     /// @return false, after a line in the log, when a font is missing
     [[nodiscard]] bool init();
 
-    /// Frees what OpenGL holds for it.
-    void release() { _shapes.release(); }
-
     /// @param pointer  in the view, if it is there  @param country  the name of the country there, or nothing
     void draw(const Outlook& outlook, const std::optional<td::Point<double>>& pointer, const std::string& country);
 

@@ -28,8 +28,10 @@ void MapView::onInit()
     SheetView::onInit();
     _pLabels = std::make_unique<Labels>(_countries);
     _pLegend = std::make_unique<Legend>();
-    if (!_pLabels->init() || !_pLegend->init())
-        _isWritten = false;
+    if (_pLabels->init() && _pLegend->init())
+        return;
+    _pLegend.reset();
+    _pLabels.reset();
 }
 
 void MapView::cleanResources()
@@ -43,11 +45,11 @@ void MapView::cleanResources()
 void MapView::onDraw(const td::RectNormalized<double>& rect)
 {
     SheetView::onDraw(rect);
-    if (!_isWritten || _pLabels == nullptr)
+    const Box visible = getVisible();
+    if (!_isWritten || _pLabels == nullptr || visible.width() <= 0 || visible.height() <= 0)
         return;
-    td::Size<double> size;
-    getSize(size);
-    const Outlook outlook{getMapProjection(), getVisible(), size, getPixelHiDPIScale()};
+    const td::Size<double> size(visible.width() * getZoom(), visible.height() * getZoom());
+    const Outlook outlook{getMapProjection(), visible, size, getPixelHiDPIScale()};
     const bool isNone = _country == Countries::cNone;
     _pLabels->draw(outlook, Legend::boxesIn(outlook));
     _pLegend->draw(outlook, _pointer, isNone ? std::string() : _countries.getCountries()[_country].name);

@@ -26,12 +26,10 @@ public:
 
     /// The country that is highlighted, or Countries::cNone.
     std::size_t getCountry() const { return _country; }
+    const Overview* getOverview() const { return _pOverview.get(); }
+
     /// Names of countries, the scale bar and the line below it; shown at first.
     void setWritten(bool isWritten);
-
-    const Labels* getLabels() const { return _pLabels.get(); }
-    const Legend* getLegend() const { return _pLegend.get(); }
-    const Overview* getOverview() const { return _pOverview.get(); }
 
 protected:
     void onInit() override;
@@ -53,7 +51,7 @@ private:
     std::optional<td::Point<double>> _pointer; // in the view
     std::size_t _country = Countries::cNone;
     bool _isWritten = true;
-    std::unique_ptr<Labels> _pLabels;
+    std::unique_ptr<Labels> _pLabels; // null, as the legend, when a font is missing
     std::unique_ptr<Legend> _pLegend;
     std::unique_ptr<Overview> _pOverview;
 };
