@@ -6,7 +6,8 @@ namespace gui::gl
 bool Flat2DProgram::link(Colors colors)
 {
     const bool isOpaque = colors == Colors::Opaque;
-    if (!Program::link(":gl/flat2d.vert", isOpaque ? ":gl/flat2d.frag" : ":gl/flat2d-alpha.frag"))
+    if (!(isOpaque ? Program::link(":gl/flat2d.vert", ":gl/flat2d.frag")
+                   : Program::link(":gl/flat2d-alpha.vert", ":gl/flat2d-alpha.frag")))
         return false;
     const int color = getUniformLocation("color");
     _color3Location = isOpaque ? color : -1;

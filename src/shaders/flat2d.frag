@@ -1,7 +1,7 @@
 #version 330 core
-uniform vec3 color;
+flat in vec3 shapeColor;
 out vec4 fragColor;
 void main()
 {
-    fragColor = vec4(color, 1.0);
+    fragColor = vec4(shapeColor, 1.0);
 }

@@ -92,4 +92,14 @@ TEST_F(Triang2DGLTest, SharpCornersAreCutOff)
         EXPECT_EQ(pixel(p.x, p.y), cEmpty) << p.x << ", " << p.y;
 }
 
+// A driver may have other code for tiles that one triangle covers, which once took the channels of a uniform for others.
+TEST_F(Triang2DGLTest, LargeShapesHaveTheirColourAllOver)
+{
+    const Outline wide{at(-64, -64), at(192, -64), at(0, 192)};
+    ASSERT_NE(_triang.triangulate(&_buffer, wide, ColorID::Gold), nullptr);
+    draw();
+    for (int x = 0; x < 64; ++x)
+        EXPECT_EQ(pixel(x, 63 - x), (Pixel{255, 215, 0})) << x;
+}
+
 } // namespace

@@ -10,7 +10,7 @@ namespace gui::gl
 /// Vertex layout: {DataType::Vec2}, the position in model units. Set the matrix with setMVP once the program is active;
 /// it is the identity at first. Commands say the colour with setColor(id); a program linked WithAlpha takes
 /// setColor(id, alpha) instead, and shows transparency where the context's blending is enabled. Shaders:
-/// ":gl/flat2d.vert", ":gl/flat2d.frag" and ":gl/flat2d-alpha.frag".
+/// ":gl/flat2d.vert" and ":gl/flat2d.frag", ":gl/flat2d-alpha.vert" and ":gl/flat2d-alpha.frag".
 class GUIGL_API Flat2DProgram : public Program
 {
 public:
