@@ -75,7 +75,7 @@ Camera::Camera(const glm::vec3& position, const glm::vec3& target, const glm::ve
     if (isFinite(d))
     {
         _yaw = glm::degrees(std::atan2(d.z, d.x));
-        _pitch = glm::degrees(std::asin(std::clamp(d.y, -1.0F, 1.0F))); // rounding takes it past 1
+        _pitch = glm::degrees(std::asin(d.y));
     }
     updateCameraVectors();
     getViewMatrix();

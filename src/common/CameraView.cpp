@@ -63,11 +63,11 @@ void CameraView::scaleFieldOfView(float scale)
         return;
     const float fov = _fieldOfView / scale;
     const float aspect = _size.width / _size.height;
-    const float widening = std::tan(glm::radians(fov) / 2);
-    // A field of view, or a shape, that no projection has.
-    if (!std::isnormal(aspect) || !std::isnormal(widening) || !std::isfinite(1 / (aspect * widening)))
+    if (!std::isnormal(aspect))
         return;
-    _perspective = glm::perspective(glm::radians(fov), aspect, _near, _far);
+    const glm::mat4 perspective = glm::perspective(glm::radians(fov), aspect, _near, _far);
+    if (std::isfinite(perspective[0][0]) && std::isfinite(perspective[1][1])) // what fields of view can spoil
+        _perspective = perspective;
 }
 
 bool CameraView::onKeyPressed(const gui::Key& key)

@@ -78,7 +78,7 @@ TEST(CameraTest, VectorsAndMatrixFollowFromTheAngles)
     EXPECT_TRUE(isNear(camera.getRight(), {1, 0, 0}));
     EXPECT_TRUE(isNear(camera.getUp(), cUp));
     EXPECT_TRUE(isNear(Camera({1, 2, 3}, {1, 2, 3}).getFront(), {0, 0, -1}));
-    EXPECT_TRUE(isNear(Camera({0, 0, 0}, {0, 3, 0}).getFront(), cUp)); // a sine that rounding took past 1 has no angle
+    EXPECT_TRUE(isNear(Camera({0, 0, 0}, {0, 3, 0}).getFront(), cUp));
 }
 
 // Straight up, what rounding leaves of the cosine turned the picture upside down.

@@ -84,6 +84,7 @@ TEST(CameraViewTest, ProjectionFollowsSizeAndZoom)
     EXPECT_TRUE(asserts.caught("nearest > 0 && nearest < farthest && std::isfinite(farthest)"));
     for (const float scale : {0.0F, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()})
         view.scaleFieldOfView(scale);
+    view.onResize({std::numeric_limits<double>::infinity(), 1});
     EXPECT_TRUE(isNear(view._perspective, perspective(60, 300, 900, 1, 5000)));
 }
 

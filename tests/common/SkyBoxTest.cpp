@@ -9,6 +9,7 @@
 #include <gui/gl/SkyBox.h>
 
 #include <epoxy/gl.h>
+#include <glm/common.hpp>
 #include <glm/ext/matrix_clip_space.hpp>
 #include <glm/geometric.hpp>
 #include <glm/mat3x3.hpp>
@@ -19,6 +20,7 @@
 #include <cmath>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -190,8 +192,13 @@ TEST_F(SkyBoxTest, BoxIsMadeOnceAndAgainAfterRelease)
         EXPECT_EQ(trace.count("glGenVertexArrays"), 1U);
         EXPECT_TRUE(trace.inOrder({"glBufferData(0x8892, 432, ptr, 0x88e4)", "glEnableVertexAttribArray(0)",
                                    "glVertexAttribPointer(0, 3, 0x1406, 0, 12, 0)"}));
-        for (const float value : trace.lastBuffer<float>(GL_ARRAY_BUFFER))
-            EXPECT_EQ(std::abs(value), 0.5F);
+        const std::vector<glm::vec3> corners = trace.lastBuffer<glm::vec3>(GL_ARRAY_BUFFER);
+        float area = 0;
+        for (std::size_t k = 0; k < corners.size(); k += 3)
+            area += glm::length(glm::cross(corners[k + 1] - corners[k], corners[k + 2] - corners[k])) / 2;
+        EXPECT_EQ(area, 6);
+        for (const glm::vec3& corner : corners)
+            EXPECT_EQ(glm::abs(corner), glm::vec3(0.5F));
         trace.clear();
         sky.render(true);
         EXPECT_TRUE(trace.inOrder({"glActiveTexture(0x84c5)", "glDisable(0xb71)", "glDrawArrays(4, 0, 36)",
