@@ -2,6 +2,7 @@
 #include "support/OffscreenGL.h"
 
 #include <gui/gl/Buffer.h>
+#include <gui/gl/Context.h>
 #include <gui/gl/Flat2DProgram.h>
 #include <gui/gl/Triang2D.h>
 
@@ -92,14 +93,27 @@ TEST_F(Triang2DGLTest, SharpCornersAreCutOff)
         EXPECT_EQ(pixel(p.x, p.y), cEmpty) << p.x << ", " << p.y;
 }
 
-// A driver may have other code for tiles that one triangle covers, which once took the channels of a uniform for others.
+// Mesa's other code for tiles that one triangle covers, from the second frame on and without a depth buffer, takes the
+// channels of a fragment shader's vec3 uniform for one another.
 TEST_F(Triang2DGLTest, LargeShapesHaveTheirColourAllOver)
 {
-    const Outline wide{at(-64, -64), at(192, -64), at(0, 192)};
-    ASSERT_NE(_triang.triangulate(&_buffer, wide, ColorID::Gold), nullptr);
-    draw();
-    for (int x = 0; x < 64; ++x)
-        EXPECT_EQ(pixel(x, 63 - x), (Pixel{255, 215, 0})) << x;
+    using namespace gui::gl;
+    OffscreenContext flat({128, 128}, {DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41});
+    Flat2DProgram program;
+    ASSERT_TRUE(program.link());
+    Buffer buffer{DataType::Vec2};
+    const Outline wide{{-4, -4}, {4, -4}, {0, 4}};
+    ASSERT_NE(_triang.triangulate(&buffer, wide, ColorID::Gold), nullptr);
+    for (int frame = 0; frame < 3; ++frame)
+    {
+        Context::clear(Context::Clear::Color, ColorID::Navy);
+        program.draw(buffer);
+        for (int x = 0; x < 128; ++x)
+            EXPECT_EQ(pixel(x, 127 - x), (Pixel{255, 215, 0})) << x;
+    }
+    buffer.release();
+    program.release();
+    ASSERT_TRUE(context().makeCurrent());
 }
 
 } // namespace
