@@ -98,18 +98,18 @@ TEST_F(Triang2DGLTest, SharpCornersAreCutOff)
 TEST_F(Triang2DGLTest, LargeShapesHaveTheirColourAllOver)
 {
     using namespace gui::gl;
-    OffscreenContext flat({128, 128}, {DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41});
+    OffscreenContext flat({200, 200}, {DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41});
     Flat2DProgram program;
     ASSERT_TRUE(program.link());
     Buffer buffer{DataType::Vec2};
-    const Outline wide{{-4, -4}, {4, -4}, {0, 4}};
+    const Outline wide{{-1, -1}, {1, -1}, {-1, 1}};
     ASSERT_NE(_triang.triangulate(&buffer, wide, ColorID::Gold), nullptr);
     for (int frame = 0; frame < 3; ++frame)
     {
         Context::clear(Context::Clear::Color, ColorID::Navy);
         program.draw(buffer);
-        for (int x = 0; x < 128; ++x)
-            EXPECT_EQ(pixel(x, 127 - x), (Pixel{255, 215, 0})) << x;
+        for (int x = 0; x < 98; ++x)
+            EXPECT_EQ(pixel(x, 98 - x), (Pixel{255, 215, 0})) << x;
     }
     buffer.release();
     program.release();
