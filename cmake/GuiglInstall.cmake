@@ -38,4 +38,5 @@ install(FILES
     ${guigl_BINARY_DIR}/guiglConfigVersion.cmake
     ${CMAKE_CURRENT_LIST_DIR}/GuiglResources.cmake
     ${CMAKE_CURRENT_LIST_DIR}/GuiglFonts.cmake
+    ${CMAKE_CURRENT_LIST_DIR}/GuiglProgram.cmake
     DESTINATION ${package_folder})
