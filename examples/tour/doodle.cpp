@@ -32,8 +32,11 @@ class DoodleView : public OrthoView
     {
         _program.link();
         Stroke spiral{{}, _width};
-        for (float angle = 0; angle < 25; angle += 0.1F)
+        for (int i = 0; i < 250; ++i)
+        {
+            const float angle = 0.1F * static_cast<float>(i);
             spiral.points.push_back({320 + 7 * angle * std::cos(angle), 200 + 7 * angle * std::sin(angle)});
+        }
         _strokes.push_back(spiral);
         refill();
     }

@@ -5,6 +5,7 @@
 #include <glm/geometric.hpp>
 
 #include <algorithm>
+#include <cmath>
 
 namespace gui::gl
 {
@@ -30,7 +31,10 @@ constexpr std::array<Face, 6> cFaces{{{{-1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
 constexpr int cBytesPerPixel = 3;
 
 // NaN is black.
-td::BYTE toByte(float value) { return static_cast<td::BYTE>(255 * (value > 0 ? std::min(value, 1.0F) : 0.0F) + 0.5F); }
+td::BYTE toByte(float value)
+{
+    return static_cast<td::BYTE>(std::lround(255 * (value > 0 ? std::min(value, 1.0F) : 0.0F)));
+}
 
 void paint(gui::Texture& image, int size, const Face& face, const std::function<glm::vec3(const glm::vec3&)>& color)
 {
