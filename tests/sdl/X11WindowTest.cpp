@@ -243,7 +243,7 @@ TEST_F(X11WindowTest, WindowsLeaveNothingBehind)
     const auto nDescriptorsBefore = nDescriptors();
     const long before = residentPages();
     const char* const pNumber = std::getenv("GUIGL_TEST_WINDOWS");
-    openAndClose(pNumber != nullptr ? std::atoi(pNumber) : 120);
+    openAndClose(pNumber != nullptr ? std::atoi(pNumber) : 40);
     EXPECT_EQ(nDescriptors(), nDescriptorsBefore);
     // The sanitizer keeps freed memory for a while.
     EXPECT_TRUE(cIsSanitized || residentPages() - before < 200) << before << " pages before, " << residentPages();
