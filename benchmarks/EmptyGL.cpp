@@ -94,6 +94,7 @@ constexpr Slot cSlots[] = {
     ignored<&glDrawArrays>,
     ignored<&glDrawArraysInstanced>,
     ignored<&glDrawElements>,
+    ignored<&glDrawElementsInstanced>,
     ignored<&glEnable>,
     ignored<&glUniform1f>,
     ignored<&glUniform1i>,

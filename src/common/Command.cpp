@@ -1,185 +1,16 @@
 #include <gui/gl/Command.h>
 
-#include "ProgHelper.h"
 #include "UniformPacking.h"
 
 #include <gui/Color.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
 
-#include <epoxy/gl.h>
-
-#include <array>
 #include <climits>
 #include <cstring>
 
 namespace gui::gl
 {
-
-namespace
-{
-
-constexpr unsigned short cNoTexture = 65535;
-
-Program* s_pCurrentProgram = nullptr;
-ProgHelper s_progHelper;
-td::Color s_prevColor(0, 0, 0, 0);
-unsigned short s_prevTexture = cNoTexture;
-
-const void* indexOffset(unsigned int first)
-{
-    return reinterpret_cast<const void*>(static_cast<std::size_t>(first) * sizeof(GLuint));
-}
-
-} // namespace
-
-void setCurrentProgram(Program* pProgram)
-{
-    s_pCurrentProgram = pProgram;
-    s_progHelper.setProgram(pProgram);
-    s_prevTexture = cNoTexture;
-    s_prevColor = td::Color(0, 0, 0, 0);
-}
-
-void ProgHelper::forgetTexture() { s_prevTexture = cNoTexture; }
-
-bool ProgHelper::isCurrent(const Program* pProgram) { return s_pCurrentProgram == pProgram; }
-
-// The functions that encode chooses from. Those of a row differ only in the mode.
-struct Command::Functions
-{
-    static bool drawArrays(const Command* c, GLenum mode)
-    {
-        glDrawArrays(mode, static_cast<GLint>(c->_drawData._first), static_cast<GLsizei>(c->_drawData._count));
-        return true;
-    }
-    static bool drawArraysPoints(const Command* c) { return drawArrays(c, GL_POINTS); }
-    static bool drawArraysLines(const Command* c) { return drawArrays(c, GL_LINES); }
-    static bool drawArraysLineStrip(const Command* c) { return drawArrays(c, GL_LINE_STRIP); }
-    static bool drawArraysLineLoop(const Command* c) { return drawArrays(c, GL_LINE_LOOP); }
-    static bool drawArraysTriangles(const Command* c) { return drawArrays(c, GL_TRIANGLES); }
-    static bool drawArraysTriangleFan(const Command* c) { return drawArrays(c, GL_TRIANGLE_FAN); }
-    static bool drawArraysTriangleStrip(const Command* c) { return drawArrays(c, GL_TRIANGLE_STRIP); }
-    static bool drawArraysPatches(const Command* c) { return drawArrays(c, GL_PATCHES); }
-
-    static bool drawElements(const Command* c, GLenum mode)
-    {
-        glDrawElements(mode, static_cast<GLsizei>(c->_drawData._count), GL_UNSIGNED_INT,
-                       indexOffset(c->_drawData._first));
-        return true;
-    }
-    static bool drawElementsPoints(const Command* c) { return drawElements(c, GL_POINTS); }
-    static bool drawElementsLines(const Command* c) { return drawElements(c, GL_LINES); }
-    static bool drawElementsLineStrip(const Command* c) { return drawElements(c, GL_LINE_STRIP); }
-    static bool drawElementsLineLoop(const Command* c) { return drawElements(c, GL_LINE_LOOP); }
-    static bool drawElementsTriangles(const Command* c) { return drawElements(c, GL_TRIANGLES); }
-    static bool drawElementsTriangleFan(const Command* c) { return drawElements(c, GL_TRIANGLE_FAN); }
-    static bool drawElementsTriangleStrip(const Command* c) { return drawElements(c, GL_TRIANGLE_STRIP); }
-    static bool drawElementsPatches(const Command* c) { return drawElements(c, GL_PATCHES); }
-
-    static bool drawArraysInstanced(const Command* c, GLenum mode)
-    {
-        glDrawArraysInstanced(mode, static_cast<GLint>(c->_drawData._first), static_cast<GLsizei>(c->_drawData._count),
-                              static_cast<GLsizei>(c->_drawData._nInstances));
-        return true;
-    }
-    static bool drawArraysPointsInstanced(const Command* c) { return drawArraysInstanced(c, GL_POINTS); }
-    static bool drawArraysLinesInstanced(const Command* c) { return drawArraysInstanced(c, GL_LINES); }
-    static bool drawArraysLineStripInstanced(const Command* c) { return drawArraysInstanced(c, GL_LINE_STRIP); }
-    static bool drawArraysLineLoopInstanced(const Command* c) { return drawArraysInstanced(c, GL_LINE_LOOP); }
-    static bool drawArraysTrianglesInstanced(const Command* c) { return drawArraysInstanced(c, GL_TRIANGLES); }
-    static bool drawArraysTriangleFanInstanced(const Command* c) { return drawArraysInstanced(c, GL_TRIANGLE_FAN); }
-    static bool drawArraysTriangleStripInstanced(const Command* c) { return drawArraysInstanced(c, GL_TRIANGLE_STRIP); }
-    static bool drawArraysPatchesInstanced(const Command* c) { return drawArraysInstanced(c, GL_PATCHES); }
-
-    static bool drawElementsInstanced(const Command* c, GLenum mode)
-    {
-        glDrawElementsInstanced(mode, static_cast<GLsizei>(c->_drawData._count), GL_UNSIGNED_INT,
-                                indexOffset(c->_drawData._first), static_cast<GLsizei>(c->_drawData._nInstances));
-        return true;
-    }
-    static bool drawElementsPointsInstanced(const Command* c) { return drawElementsInstanced(c, GL_POINTS); }
-    static bool drawElementsLinesInstanced(const Command* c) { return drawElementsInstanced(c, GL_LINES); }
-    static bool drawElementsLineStripInstanced(const Command* c) { return drawElementsInstanced(c, GL_LINE_STRIP); }
-    static bool drawElementsLineLoopInstanced(const Command* c) { return drawElementsInstanced(c, GL_LINE_LOOP); }
-    static bool drawElementsTrianglesInstanced(const Command* c) { return drawElementsInstanced(c, GL_TRIANGLES); }
-    static bool drawElementsTriangleFanInstanced(const Command* c) { return drawElementsInstanced(c, GL_TRIANGLE_FAN); }
-    static bool drawElementsTriangleStripInstanced(const Command* c)
-    {
-        return drawElementsInstanced(c, GL_TRIANGLE_STRIP);
-    }
-    static bool drawElementsPatchesInstanced(const Command* c) { return drawElementsInstanced(c, GL_PATCHES); }
-
-    static bool drawArraysPointsWithSize(const Command* c)
-    {
-        glPointSize(c->_drawData._pointSize);
-        return drawArrays(c, GL_POINTS);
-    }
-    static bool drawElementPointsWithSize(const Command* c)
-    {
-        glPointSize(c->_drawData._pointSize);
-        return drawElements(c, GL_POINTS);
-    }
-    static bool drawArraysPatchesWithSize(const Command* c)
-    {
-        glPatchParameteri(GL_PATCH_VERTICES, c->_drawData._nPatchVertices);
-        return drawArrays(c, GL_PATCHES);
-    }
-    static bool drawElementPatchesWithSize(const Command* c)
-    {
-        glPatchParameteri(GL_PATCH_VERTICES, c->_drawData._nPatchVertices);
-        return drawElements(c, GL_PATCHES);
-    }
-
-    static bool s_setUniformMatrix(const Command* c)
-    {
-        TD_ASSERT(s_pCurrentProgram != nullptr, false);
-        s_progHelper.setMVP(c->_mvpData._pMatrix);
-        return sendUniforms(*s_pCurrentProgram, c->_mvpData._uniforms, c->_mvpData._uniforms + cMVPUniformBytes);
-    }
-
-    static Function encodeDrawArrays(td::BYTE primitive)
-    {
-        static constexpr std::array<Function, 8> cFunctions{
-            drawArraysPoints,    drawArraysLines,       drawArraysLineStrip,     drawArraysLineLoop,
-            drawArraysTriangles, drawArraysTriangleFan, drawArraysTriangleStrip, drawArraysPatches};
-        if (primitive >= cFunctions.size())
-            TD_ASSERT(false, nullptr);
-        return cFunctions[primitive];
-    }
-
-    static Function encodeDrawElements(td::BYTE primitive)
-    {
-        static constexpr std::array<Function, 8> cFunctions{
-            drawElementsPoints,    drawElementsLines,       drawElementsLineStrip,     drawElementsLineLoop,
-            drawElementsTriangles, drawElementsTriangleFan, drawElementsTriangleStrip, drawElementsPatches};
-        if (primitive >= cFunctions.size())
-            TD_ASSERT(false, nullptr);
-        return cFunctions[primitive];
-    }
-
-    static Function encodeDrawArraysInstanced(td::BYTE primitive)
-    {
-        static constexpr std::array<Function, 8> cFunctions{
-            drawArraysPointsInstanced,        drawArraysLinesInstanced,     drawArraysLineStripInstanced,
-            drawArraysLineLoopInstanced,      drawArraysTrianglesInstanced, drawArraysTriangleFanInstanced,
-            drawArraysTriangleStripInstanced, drawArraysPatchesInstanced};
-        if (primitive >= cFunctions.size())
-            TD_ASSERT(false, nullptr);
-        return cFunctions[primitive];
-    }
-
-    static Function encodeDrawElementsInstanced(td::BYTE primitive)
-    {
-        static constexpr std::array<Function, 8> cFunctions{
-            drawElementsPointsInstanced,        drawElementsLinesInstanced,     drawElementsLineStripInstanced,
-            drawElementsLineLoopInstanced,      drawElementsTrianglesInstanced, drawElementsTriangleFanInstanced,
-            drawElementsTriangleStripInstanced, drawElementsPatchesInstanced};
-        if (primitive >= cFunctions.size())
-            TD_ASSERT(false, nullptr);
-        return cFunctions[primitive];
-    }
-};
 
 Command::Command()
     : _fn(nullptr)
@@ -200,6 +31,8 @@ void Command::setTypeInfo(Type type, DrawSubType subType)
 {
     _type = static_cast<td::BYTE>(type) & 0xF;
     _drawSubType = static_cast<td::BYTE>(subType) & 0xF;
+    if (_fn != nullptr)
+        chooseForSubType();
 }
 
 // The callers have checked that the command is empty and that the numbers fit.
@@ -433,104 +266,6 @@ bool Command::setAdditionalUniforms(_additinalUniform* pUniforms, unsigned char 
     for (unsigned char i = 0; i < nFitting; ++i)
         dst = packUniform(dst, pUniforms[i]);
     return nFitting == n;
-}
-
-bool Command::encode()
-{
-    Function fn = nullptr;
-    switch (getType())
-    {
-    case Type::DrawArrays:
-        fn = Functions::encodeDrawArrays(_drawData._primitive);
-        break;
-    case Type::DrawElements:
-        fn = Functions::encodeDrawElements(_drawData._primitive);
-        break;
-    case Type::DrawArraysInstanced:
-        fn = Functions::encodeDrawArraysInstanced(_drawData._primitive);
-        break;
-    case Type::DrawElementsInstanced:
-        fn = Functions::encodeDrawElementsInstanced(_drawData._primitive);
-        break;
-    case Type::DrawArrayPoints:
-        fn = Functions::drawArraysPointsWithSize;
-        break;
-    case Type::DrawElementPoints:
-        fn = Functions::drawElementPointsWithSize;
-        break;
-    case Type::DrawArrayPatches:
-        fn = Functions::drawArraysPatchesWithSize;
-        break;
-    case Type::DrawElementPatches:
-        fn = Functions::drawElementPatchesWithSize;
-        break;
-    case Type::MVPSetter:
-        fn = Functions::s_setUniformMatrix;
-        break;
-    case Type::None:
-    case Type::UniformSetter:
-    default:
-        TD_ASSERT(false, false);
-    }
-    if (fn == nullptr)
-        return false;
-    _fn = fn;
-    return true;
-}
-
-bool Command::execute()
-{
-    if (_fn == nullptr)
-    {
-        vo::dbgLog("Error! Command not encoded!");
-        TD_ASSERT(false, false);
-    }
-    if (isDraw() && !sendColorOrTexture())
-        return false;
-    return _fn(this);
-}
-
-bool Command::sendColorOrTexture() const
-{
-    const td::BYTE* const v = _drawData._values;
-    switch (getDrawSubType())
-    {
-    case DrawSubType::DrawWithClr3:
-    {
-        const td::Color color(v[0], v[1], v[2], 255);
-        if (color == s_prevColor)
-            break;
-        TD_ASSERT(s_pCurrentProgram != nullptr, false);
-        s_prevColor = color;
-        s_pCurrentProgram->setColor3({v[0] / 255.0f, v[1] / 255.0f, v[2] / 255.0f});
-        break;
-    }
-    case DrawSubType::DrawWithClr4:
-    {
-        const td::Color color(_drawData._rgba);
-        if (color == s_prevColor)
-            break;
-        TD_ASSERT(s_pCurrentProgram != nullptr, false);
-        s_prevColor = color;
-        s_pCurrentProgram->setColor4(
-            {color.red() / 255.0f, color.green() / 255.0f, color.blue() / 255.0f, color.alpha() / 255.0f});
-        break;
-    }
-    case DrawSubType::DrawWithTexture:
-    {
-        const auto key = static_cast<unsigned short>(v[0] * 256 + v[1]);
-        if (key == s_prevTexture)
-            break;
-        if (!s_progHelper.setTexture(static_cast<Textures::Unit>(v[0]), v[1]))
-            return false;
-        s_prevTexture = key;
-        break;
-    }
-    case DrawSubType::None:
-    default:
-        break;
-    }
-    return true;
 }
 
 } // namespace gui::gl

@@ -47,16 +47,14 @@ bool CommandList::remove(Command*)
 
 void CommandList::execute()
 {
-    for (Command& command : _commands)
-        command.execute();
+    Command::execute(_commands.begin(), _commands.end());
 }
 
 void CommandList::execute(std::size_t first, std::size_t count)
 {
     const std::size_t begin = std::min(first, size());
     const std::size_t end = begin + std::min(count, size() - begin);
-    for (Command* pCommand = _commands.begin() + begin; pCommand != _commands.begin() + end; ++pCommand)
-        pCommand->execute();
+    Command::execute(_commands.begin() + begin, _commands.begin() + end);
 }
 
 glm::mat4* CommandList::allocMatrix()

@@ -1,13 +1,17 @@
 #include "support/CountedAllocations.h"
+#include "support/Images.h"
 #include "support/NullGL.h"
 
 #include <gui/gl/CommandList.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Scene.h>
+#include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -19,6 +23,7 @@ namespace
 using gui::gl::Command;
 using gui::gl::CommandList;
 using gui::gl::Primitive;
+using gui::gl::Textures;
 
 static_assert(!std::is_copy_constructible_v<CommandList> && !std::is_copy_assignable_v<CommandList>);
 
@@ -121,8 +126,130 @@ TEST_F(CommandListTest, MatricesKeepTheirAddressUntilReset)
 
 struct ColorProgram : gui::gl::Program
 {
-    void onLinked() override { _color3Location = 3; }
+    void onLinked() override
+    {
+        _color3Location = 3;
+        _color4Location = 4;
+    }
 };
+
+/// What a command must do, said without the library: its draw call, and what it sends before it unless that was sent last.
+struct Expected
+{
+    std::string state;
+    std::string draw;
+    char cache = 0; // 'c' for colours, 't' for textures: they are remembered apart
+};
+
+/// Fills a command at random, of few kinds and values so that runs of equal ones are frequent.
+Expected fill(Command& command, std::mt19937& random, unsigned int first)
+{
+    const auto below = [&random](unsigned int n) { return static_cast<unsigned int>(random() % n); };
+    const unsigned int kind = below(4), primitive = below(2);
+    const std::string mode = std::to_string(primitive), place = std::to_string(first);
+    Expected expected;
+    switch (kind)
+    {
+    case 0:
+        command.createDrawArrays(static_cast<Primitive>(primitive), first, 3);
+        expected.draw = "glDrawArrays(" + mode + ", " + place + ", 3)";
+        break;
+    case 1:
+        command.createDrawElements(static_cast<Primitive>(primitive), first, 3);
+        expected.draw = "glDrawElements(" + mode + ", 3, 0x1405, " + std::to_string(first * 4) + ")";
+        break;
+    case 2:
+        command.createDrawArraysInstanced(static_cast<Primitive>(primitive), first, 3, 7);
+        expected.draw = "glDrawArraysInstanced(" + mode + ", " + place + ", 3, 7)";
+        break;
+    default:
+        command.createDrawArrayPatches(first, 3, 3);
+        expected.draw = "glDrawArrays(14, " + place + ", 3)";
+        break;
+    }
+    const unsigned int value = below(2);
+    const td::ColorID color = value == 0 ? td::ColorID::Red : td::ColorID::Blue;
+    const std::string rgb = value == 0 ? "1 0 0" : "0 0 1";
+    switch (below(4))
+    {
+    case 1:
+        command.setColor(color);
+        expected.state = "glUniform3fv(3, 1, [" + rgb + "])";
+        expected.cache = 'c';
+        break;
+    case 2:
+        if (kind < 2)
+        {
+            command.setColor(color, 51);
+            expected.state = "glUniform4fv(4, 1, [" + rgb + " 0.2])";
+            expected.cache = 'c';
+        }
+        break;
+    case 3:
+        command.setTexture(Textures::Unit::T2, static_cast<char>(value));
+        expected.state = "glBindTexture(0xde1, " + std::to_string(value + 1) + ")";
+        expected.cache = 't';
+        break;
+    default:
+        break;
+    }
+    return expected;
+}
+
+TEST_F(CommandListTest, RunsOfAnyLengthDoWhatEachCommandSays)
+{
+    gui::Texture image = test::image(1, 1, 3);
+    Textures textures;
+    ASSERT_TRUE(textures.append({&image, &image}, gui::gl::Texture::Type::Tex2D));
+    ColorProgram program;
+    ASSERT_TRUE(program.link("vs", "fs"));
+    program.setTextures(&textures);
+    std::mt19937 random(1);
+    CommandList list;
+    std::vector<Expected> expected;
+    for (unsigned int i = 0; i < 3000; ++i)
+    {
+        Command* const pCommand = list.get();
+        expected.push_back(fill(*pCommand, random, i));
+        if (random() % 16 != 0)
+        {
+            ASSERT_TRUE(list.encode(pCommand));
+        }
+        if (!pCommand->isEncoded())
+            expected.back() = {};
+        else if (random() % 16 == 0)
+        {
+            pCommand->setTypeInfo(pCommand->getType(), Command::DrawSubType::None);
+            expected.back().state.clear();
+        }
+    }
+    std::vector<std::string> calls;
+    std::string sent[2];
+    for (const Expected& command : expected)
+    {
+        std::string& last = sent[command.cache == 't'];
+        if (!command.state.empty() && last != command.state)
+        {
+            last = command.state;
+            if (command.cache == 't')
+                calls.push_back("glActiveTexture(0x84c2)");
+            calls.push_back(command.state);
+        }
+        if (command.draw.starts_with("glDrawArrays(14"))
+            calls.push_back("glPatchParameteri(0x8e72, 3)");
+        if (!command.draw.empty())
+            calls.push_back(command.draw);
+    }
+    program.activate();
+    trace.clear();
+    list.execute();
+    EXPECT_TRUE(trace.only(calls));
+    const auto isEmpty = [](const Expected& command) { return command.draw.empty(); };
+    const auto nEmpty = static_cast<std::size_t>(std::ranges::count_if(expected, isEmpty));
+    EXPECT_GT(nEmpty, 0u);
+    EXPECT_EQ(log.take(), std::vector<std::string>(nEmpty, "Error! Command not encoded!"));
+    EXPECT_TRUE(asserts.caught(std::vector<std::string>(nEmpty, "false")));
+}
 
 TEST_F(CommandListTest, ReplayAllocatesNothing)
 {

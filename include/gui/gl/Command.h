@@ -125,7 +125,7 @@ public:
     /// the same whether it was sent with its alpha or without. A command that is not encoded writes
     /// "Error! Command not encoded!" and asserts; one with a texture asserts when the program has no texture set, after
     /// "Error! Textures used without being set in an active program!".
-    bool execute();
+    bool execute() const;
 
     /// Back to an empty command.
     void reset();
@@ -136,7 +136,16 @@ public:
     DrawSubType getDrawSubType() const { return static_cast<DrawSubType>(_drawSubType); }
 
 private:
-    using Function = bool (*)(const Command*);
+    friend class CommandList;
+
+    // How far a function came: behind the last command it executed, and whether that one succeeded.
+    struct Progress
+    {
+        const Command* pNext;
+        bool isDone;
+    };
+    // Executes the command and those right behind it, up to pEnd, that are encoded to the same function.
+    using Function = Progress (*)(const Command* p, const Command* pEnd);
     struct Functions;
 
     struct _draw
@@ -165,7 +174,8 @@ private:
     };
 
     void createDraw(Type type, Primitive primitive, std::size_t first, unsigned int count);
-    bool sendColorOrTexture() const;
+    void chooseForSubType();
+    static void execute(const Command* p, const Command* pEnd);
 
     Function _fn;
     union

@@ -121,6 +121,8 @@ public:
     void release();
 
 private:
+    friend class ProgHelper;
+
     bool canAppend(const char* operation, std::size_t n);
     bool uploadFaces(const std::array<const gui::Texture*, 6>& faces);
 

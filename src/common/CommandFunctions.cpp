@@ -1,0 +1,332 @@
+#include <gui/gl/Command.h>
+
+#include "ProgHelper.h"
+#include "UniformPacking.h"
+
+#include <gui/gl/Program.h>
+#include <td/Assert.h>
+#include <td/Color.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+#include <glm/vec3.hpp>
+#include <glm/vec4.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+// Encoding and executing. There is one function for each kind and sub-type together, so that executing decides nothing
+// that was known when the command was encoded, and each goes on by itself while the next command of the list is its own:
+// lists are mostly long runs of one kind. The primitive stays a number in the record: functions for each primitive too,
+// eight times as many, made mixed lists slower, for the processor remembers only so many branches.
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr unsigned short cNoTexture = 65535;
+
+Program* s_pCurrentProgram = nullptr;
+ProgHelper s_progHelper;
+td::Color s_prevColor(0, 0, 0, 0);
+unsigned short s_prevTexture = cNoTexture;
+
+// Each value of a channel divided by 255.
+constexpr auto cChannels = []
+{
+    std::array<float, 256> channels{};
+    for (std::size_t i = 0; i < channels.size(); ++i)
+        channels[i] = static_cast<float>(i) / 255.0f;
+    return channels;
+}();
+
+const void* indexOffset(unsigned int first)
+{
+    return reinterpret_cast<const void*>(static_cast<std::size_t>(first) * sizeof(GLuint));
+}
+
+bool sendColor3(td::Color color)
+{
+    TD_ASSERT(s_pCurrentProgram != nullptr, false);
+    s_prevColor = color;
+    s_progHelper.setColor3({cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()]});
+    return true;
+}
+
+bool sendColor4(td::Color color)
+{
+    TD_ASSERT(s_pCurrentProgram != nullptr, false);
+    s_prevColor = color;
+    s_progHelper.setColor4(
+        {cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()], cChannels[color.alpha()]});
+    return true;
+}
+
+bool bindTexture(td::BYTE unit, td::BYTE index, unsigned short key)
+{
+    if (!s_progHelper.setTexture(static_cast<Textures::Unit>(unit), index))
+        return false;
+    s_prevTexture = key;
+    return true;
+}
+
+} // namespace
+
+void setCurrentProgram(Program* pProgram)
+{
+    s_pCurrentProgram = pProgram;
+    s_progHelper.setProgram(pProgram);
+    s_prevTexture = cNoTexture;
+    s_prevColor = td::Color(0, 0, 0, 0);
+}
+
+void ProgHelper::forgetTexture() { s_prevTexture = cNoTexture; }
+
+bool ProgHelper::isCurrent(const Program* pProgram) { return s_pCurrentProgram == pProgram; }
+
+struct Command::Functions
+{
+    using SubType = DrawSubType;
+    using Draw = bool (*)(const Command*);
+    // The functions for one kind, by sub-type.
+    using Row = std::array<Function, 4>;
+
+    // By Primitive.
+    static constexpr std::array<GLenum, 8> cModes{GL_POINTS,    GL_LINES,        GL_LINE_STRIP,     GL_LINE_LOOP,
+                                                  GL_TRIANGLES, GL_TRIANGLE_FAN, GL_TRIANGLE_STRIP, GL_PATCHES};
+    static GLenum mode(const Command* c) { return cModes[c->_drawData._primitive]; }
+
+    static bool drawArrays(const Command* c) { return drawArrays(c, mode(c)); }
+    static bool drawArrays(const Command* c, GLenum mode)
+    {
+        glDrawArrays(mode, static_cast<GLint>(c->_drawData._first), static_cast<GLsizei>(c->_drawData._count));
+        return true;
+    }
+
+    static bool drawElements(const Command* c) { return drawElements(c, mode(c)); }
+    static bool drawElements(const Command* c, GLenum mode)
+    {
+        glDrawElements(mode, static_cast<GLsizei>(c->_drawData._count), GL_UNSIGNED_INT,
+                       indexOffset(c->_drawData._first));
+        return true;
+    }
+
+    static bool drawArraysInstanced(const Command* c)
+    {
+        glDrawArraysInstanced(mode(c), static_cast<GLint>(c->_drawData._first),
+                              static_cast<GLsizei>(c->_drawData._count),
+                              static_cast<GLsizei>(c->_drawData._nInstances));
+        return true;
+    }
+    static bool drawElementsInstanced(const Command* c)
+    {
+        glDrawElementsInstanced(mode(c), static_cast<GLsizei>(c->_drawData._count), GL_UNSIGNED_INT,
+                                indexOffset(c->_drawData._first), static_cast<GLsizei>(c->_drawData._nInstances));
+        return true;
+    }
+
+    static bool drawArraysPointsWithSize(const Command* c)
+    {
+        glPointSize(c->_drawData._pointSize);
+        return drawArrays(c, GL_POINTS);
+    }
+    static bool drawElementPointsWithSize(const Command* c)
+    {
+        glPointSize(c->_drawData._pointSize);
+        return drawElements(c, GL_POINTS);
+    }
+    static bool drawArraysPatchesWithSize(const Command* c)
+    {
+        glPatchParameteri(GL_PATCH_VERTICES, c->_drawData._nPatchVertices);
+        return drawArrays(c, GL_PATCHES);
+    }
+    static bool drawElementPatchesWithSize(const Command* c)
+    {
+        glPatchParameteri(GL_PATCH_VERTICES, c->_drawData._nPatchVertices);
+        return drawElements(c, GL_PATCHES);
+    }
+
+    static bool s_setUniformMatrix(const Command* c)
+    {
+        TD_ASSERT(s_pCurrentProgram != nullptr, false);
+        s_progHelper.setMVP(c->_mvpData._pMatrix);
+        return sendUniforms(*s_pCurrentProgram, c->_mvpData._uniforms, c->_mvpData._uniforms + cMVPUniformBytes);
+    }
+
+    // Sends the colour or the texture of a command, unless it is the one that was sent last.
+    template <SubType subType>
+    static bool send(const Command* c)
+    {
+        const td::BYTE* const v = c->_drawData._values;
+        if constexpr (subType == SubType::DrawWithClr3)
+        {
+            // The primitive lies before red: the four bytes are one word, and an opaque colour what is left of it.
+            const td::Color color(td::GLRGBA(c->_drawData._primitive, v[0], v[1], v[2]) >> 8 |
+                                  td::Color(0, 0, 0, 255).rgba());
+            return color == s_prevColor || sendColor3(color);
+        }
+        else if constexpr (subType == SubType::DrawWithClr4)
+        {
+            const td::Color color(c->_drawData._rgba);
+            return color == s_prevColor || sendColor4(color);
+        }
+        else if constexpr (subType == SubType::DrawWithTexture)
+        {
+            const auto key = static_cast<unsigned short>(v[0] * 256 + v[1]);
+            return key == s_prevTexture || bindTexture(v[0], v[1], key);
+        }
+        else
+            return true;
+    }
+
+    template <Draw draw, SubType subType>
+    static Progress run(const Command* p, const Command* pEnd)
+    {
+        const Function fn = p->_fn;
+        do
+        {
+            if (!send<subType>(p) || !draw(p)) [[unlikely]]
+                return {p + 1, false};
+            ++p;
+        } while (p != pEnd && p->_fn == fn);
+        return {p, true};
+    }
+
+    template <Draw draw>
+    static constexpr Row cRow{run<draw, SubType::None>, run<draw, SubType::DrawWithClr3>,
+                              run<draw, SubType::DrawWithClr4>, run<draw, SubType::DrawWithTexture>};
+
+    static constexpr std::array cRows{cRow<drawArrays>,
+                                      cRow<drawElements>,
+                                      cRow<drawArraysInstanced>,
+                                      cRow<drawElementsInstanced>,
+                                      cRow<drawArraysPointsWithSize>,
+                                      cRow<drawElementPointsWithSize>,
+                                      cRow<drawArraysPatchesWithSize>,
+                                      cRow<drawElementPatchesWithSize>,
+                                      cRow<s_setUniformMatrix>};
+
+    // A primitive that is none cannot be encoded.
+    static const Row* encodeDrawArrays(td::BYTE primitive)
+    {
+        if (primitive >= cModes.size())
+            TD_ASSERT(false, nullptr);
+        return &cRow<drawArrays>;
+    }
+    static const Row* encodeDrawElements(td::BYTE primitive)
+    {
+        if (primitive >= cModes.size())
+            TD_ASSERT(false, nullptr);
+        return &cRow<drawElements>;
+    }
+    static const Row* encodeDrawArraysInstanced(td::BYTE primitive)
+    {
+        if (primitive >= cModes.size())
+            TD_ASSERT(false, nullptr);
+        return &cRow<drawArraysInstanced>;
+    }
+    static const Row* encodeDrawElementsInstanced(td::BYTE primitive)
+    {
+        if (primitive >= cModes.size())
+            TD_ASSERT(false, nullptr);
+        return &cRow<drawElementsInstanced>;
+    }
+
+    static Function choose(const Row& row, const Command& command)
+    {
+        if (command.isDraw())
+            switch (command.getDrawSubType())
+            {
+            case SubType::DrawWithClr3:
+                return row[1];
+            case SubType::DrawWithClr4:
+                return row[2];
+            case SubType::DrawWithTexture:
+                return row[3];
+            case SubType::None:
+            default:
+                break;
+            }
+        return row[0];
+    }
+};
+
+bool Command::encode()
+{
+    const Functions::Row* pRow = nullptr;
+    switch (getType())
+    {
+    case Type::DrawArrays:
+        pRow = Functions::encodeDrawArrays(_drawData._primitive);
+        break;
+    case Type::DrawElements:
+        pRow = Functions::encodeDrawElements(_drawData._primitive);
+        break;
+    case Type::DrawArraysInstanced:
+        pRow = Functions::encodeDrawArraysInstanced(_drawData._primitive);
+        break;
+    case Type::DrawElementsInstanced:
+        pRow = Functions::encodeDrawElementsInstanced(_drawData._primitive);
+        break;
+    case Type::DrawArrayPoints:
+        pRow = &Functions::cRow<Functions::drawArraysPointsWithSize>;
+        break;
+    case Type::DrawElementPoints:
+        pRow = &Functions::cRow<Functions::drawElementPointsWithSize>;
+        break;
+    case Type::DrawArrayPatches:
+        pRow = &Functions::cRow<Functions::drawArraysPatchesWithSize>;
+        break;
+    case Type::DrawElementPatches:
+        pRow = &Functions::cRow<Functions::drawElementPatchesWithSize>;
+        break;
+    case Type::MVPSetter:
+        pRow = &Functions::cRow<Functions::s_setUniformMatrix>;
+        break;
+    case Type::None:
+    case Type::UniformSetter:
+    default:
+        TD_ASSERT(false, false);
+    }
+    if (pRow == nullptr)
+        return false;
+    _fn = Functions::choose(*pRow, *this);
+    return true;
+}
+
+// What is drawn stays as it was encoded, even when the type is another by now.
+void Command::chooseForSubType()
+{
+    for (const Functions::Row& row : Functions::cRows)
+        if (std::ranges::find(row, _fn) != row.end())
+        {
+            _fn = Functions::choose(row, *this);
+            return;
+        }
+}
+
+bool Command::execute() const
+{
+    if (_fn == nullptr)
+    {
+        vo::dbgLog("Error! Command not encoded!");
+        TD_ASSERT(false, false);
+    }
+    return _fn(this, this + 1).isDone;
+}
+
+void Command::execute(const Command* p, const Command* pEnd)
+{
+    while (p != pEnd)
+    {
+        if (p->_fn == nullptr) [[unlikely]]
+            p++->execute();
+        else
+            p = p->_fn(p, pEnd).pNext;
+    }
+}
+
+} // namespace gui::gl
