@@ -1,0 +1,132 @@
+#pragma once
+
+#include <cstddef>
+
+#ifdef __SSE2__
+#include <immintrin.h>
+#endif
+
+/// Floats side by side, for loops that do the same with many: eight in a source that is compiled for AVX2, otherwise four,
+/// which every compiler knows how to spread over the machine's registers. Arithmetic and comparisons are those of single
+/// floats, to the bit.
+///
+/// All of it is internal to the source that includes it: versions for two widths stay apart when they are linked.
+namespace gui::gl
+{
+
+namespace
+{
+
+#ifdef __AVX2__
+constexpr std::size_t cLanes = 8;
+#else
+constexpr std::size_t cLanes = 4;
+#endif
+
+using Floats [[gnu::vector_size(cLanes * sizeof(float))]] = float;
+/// What a comparison gives: -1 where it holds, 0 elsewhere.
+using Mask [[gnu::vector_size(cLanes * sizeof(int))]] = int;
+/// Four floats that lie side by side in memory.
+using Record [[gnu::vector_size(4 * sizeof(float))]] = float;
+
+/// From and to any place in memory.
+inline Floats load(const float* p)
+{
+    Floats v;
+    __builtin_memcpy(&v, p, sizeof(v));
+    return v;
+}
+
+inline Record loadRecord(const float* p)
+{
+    Record v;
+    __builtin_memcpy(&v, p, sizeof(v));
+    return v;
+}
+
+inline void store(float* p, Floats v) { __builtin_memcpy(p, &v, sizeof(v)); }
+
+inline void storeRecord(float* p, Record v) { __builtin_memcpy(p, &v, sizeof(v)); }
+
+/// The same number in all lanes, the sign of a 0 included.
+inline Floats all(float f) { return f - Floats{}; }
+
+inline Floats squareRoot(Floats v)
+{
+#if defined(__AVX2__)
+    return _mm256_sqrt_ps(v);
+#elif defined(__SSE2__)
+    return _mm_sqrt_ps(v);
+#else
+    for (std::size_t i = 0; i < cLanes; ++i)
+        v[i] = __builtin_sqrtf(v[i]);
+    return v;
+#endif
+}
+
+/// A bit for each lane, the first in bit 0.
+inline unsigned int bits(Mask mask)
+{
+#if defined(__AVX2__)
+    return static_cast<unsigned int>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
+#elif defined(__SSE2__)
+    return static_cast<unsigned int>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
+#else
+    unsigned int result = 0;
+    for (std::size_t i = 0; i < cLanes; ++i)
+        result |= (mask[i] != 0 ? 1U : 0U) << i;
+    return result;
+#endif
+}
+
+/// Four lists of floats, or as many records as there are lanes. In eight lanes, v[i] holds the records i and i + 4.
+using Block = Floats[4];
+
+/// Makes lists of records and records of lists.
+inline void transpose(Block& v)
+{
+#ifdef __AVX2__
+    const Floats ab0 = __builtin_shufflevector(v[0], v[1], 0, 8, 1, 9, 4, 12, 5, 13);
+    const Floats ab2 = __builtin_shufflevector(v[0], v[1], 2, 10, 3, 11, 6, 14, 7, 15);
+    const Floats cd0 = __builtin_shufflevector(v[2], v[3], 0, 8, 1, 9, 4, 12, 5, 13);
+    const Floats cd2 = __builtin_shufflevector(v[2], v[3], 2, 10, 3, 11, 6, 14, 7, 15);
+    v[0] = __builtin_shufflevector(ab0, cd0, 0, 1, 8, 9, 4, 5, 12, 13);
+    v[1] = __builtin_shufflevector(ab0, cd0, 2, 3, 10, 11, 6, 7, 14, 15);
+    v[2] = __builtin_shufflevector(ab2, cd2, 0, 1, 8, 9, 4, 5, 12, 13);
+    v[3] = __builtin_shufflevector(ab2, cd2, 2, 3, 10, 11, 6, 7, 14, 15);
+#else
+    const Floats ab0 = __builtin_shufflevector(v[0], v[1], 0, 4, 1, 5);
+    const Floats ab2 = __builtin_shufflevector(v[0], v[1], 2, 6, 3, 7);
+    const Floats cd0 = __builtin_shufflevector(v[2], v[3], 0, 4, 1, 5);
+    const Floats cd2 = __builtin_shufflevector(v[2], v[3], 2, 6, 3, 7);
+    v[0] = __builtin_shufflevector(ab0, cd0, 0, 1, 4, 5);
+    v[1] = __builtin_shufflevector(ab0, cd0, 2, 3, 6, 7);
+    v[2] = __builtin_shufflevector(ab2, cd2, 0, 1, 4, 5);
+    v[3] = __builtin_shufflevector(ab2, cd2, 2, 3, 6, 7);
+#endif
+}
+
+/// Reads records that stand one after the other.
+inline void loadRecords(const float* p, Block& v)
+{
+    for (std::size_t i = 0; i < 4; ++i)
+#ifdef __AVX2__
+        v[i] = __builtin_shufflevector(loadRecord(p + 4 * i), loadRecord(p + 4 * (i + 4)), 0, 1, 2, 3, 4, 5, 6, 7);
+#else
+        v[i] = loadRecord(p + 4 * i);
+#endif
+}
+
+inline Record recordOf(const Block& v, std::size_t i)
+{
+#ifdef __AVX2__
+    return i < 4 ? __builtin_shufflevector(v[i], v[i], 0, 1, 2, 3)
+                 : __builtin_shufflevector(v[i - 4], v[i - 4], 4, 5, 6, 7);
+#else
+    return v[i];
+#endif
+}
+
+} // namespace
+
+} // namespace gui::gl
