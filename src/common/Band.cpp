@@ -77,15 +77,9 @@ void Band::addDistinct(std::span<const Point> points)
 {
     for (std::size_t i = 1; i < points.size();)
     {
-        const std::size_t end = std::min(points.size(), i + cCorners + 2 - _nPoints);
-        std::size_t n = _nPoints;
-        for (; i < end; ++i)
-        {
-            _x[n] = points[i].x;
-            _y[n] = points[i].y;
-            n += points[i] == points[i - 1] ? 0 : 1;
-        }
-        _nPoints = n;
+        const std::size_t n = std::min(points.size() - i, cCorners + 2 - _nPoints);
+        _nPoints += _loops.takePoints(&points[i].x, n, _x + _nPoints, _y + _nPoints);
+        i += n;
         if (_nPoints == cCorners + 2)
         {
             addCorners();
@@ -98,17 +92,16 @@ void Band::addDistinct(std::span<const Point> points)
 void Band::addCorners()
 {
     const std::size_t n = _nPoints - 2;
+    if (n == 0)
+        return;
     for (std::size_t i = _nPoints; i < _nPoints + BandLoops::cSlack; ++i)
     {
         _x[i] = _x[_nPoints - 1];
         _y[i] = _y[_nPoints - 1];
     }
     _nWaiting += _loops.addCorners(_x, _y, n, _width, _pairs + 4 * (1 + _nWaiting));
-    for (const std::size_t i : {0, 1})
-    {
-        _x[i] = _x[n + i];
-        _y[i] = _y[n + i];
-    }
+    std::copy_n(_x + n, 2, _x);
+    std::copy_n(_y + n, 2, _y);
     _nPoints = 2;
 }
 

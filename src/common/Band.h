@@ -60,8 +60,8 @@ private:
     float _x[cCorners + 2 + BandLoops::cSlack];
     float _y[cCorners + 2 + BandLoops::cSlack];
     // The last pair that was given away, then those of the line's start, of the corners and of the line's end.
-    float _pairs[4 * (1 + 1 + 2 * cCorners + 1 + BandLoops::cSlack)];
-    unsigned int _indices[6 * (1 + 2 * cCorners + 1) + BandLoops::cSlack];
+    float _pairs[4 * (1 + 1 + 2 * (cCorners + BandLoops::cSlack) + 1)];
+    unsigned int _indices[6 * (1 + 2 * cCorners + 1 + BandLoops::cSlack)];
 };
 
 } // namespace gui::gl

@@ -64,7 +64,7 @@ inline Pairs choose(const Mask& mask, const Pairs& a, const Pairs& b)
     return {choose(mask, a.left, b.left), choose(mask, a.right, b.right)};
 }
 
-inline Vectors miterVectors(const Corners& c, const Floats& width)
+[[gnu::always_inline]] inline Vectors miterVectors(const Corners& c, const Floats& width)
 {
     const Vectors W1 = width * c.in;
     const Vectors A1 = c.before + perp(W1);
@@ -79,30 +79,31 @@ struct Bevels
 };
 
 // The outer edge is cut across the miter at the distance width.
-inline Bevels bevelsOf(const Corners& c, const Vectors& miter, const Floats& width)
+[[gnu::always_inline]] inline Bevels bevelsOf(const Corners& c, const Vectors& miter, const Floats& length,
+                                              const Floats& width)
 {
     const Floats area = turnArea(c.before, c.point, c.after);
     const Mask isLeft = area > 0, isRight = area < 0;
-    const Floats s = isLeft ? all(1) : isRight ? all(-1) : all(0);
     const Vectors& C = c.point;
-    const Vectors A = C + width * perp(c.back);
-    const Vectors B = C - perp(width * c.in);
-    const Vectors m = 1.0f / squareRoot(dot(miter, miter)) * miter;
-    const Vectors D = C - s * width * m;
-    const Vectors T = -s * perp(width * m);
+    const Vectors W1 = width * c.in, W2 = width * c.back;
+    const Vectors A = C + perp(W2), B = C - perp(W1);
+    const Vectors m = width * (1.0f / length * miter);
+    const Vectors inwards = choose(isLeft, m, -m);
+    const Vectors D = C - inwards;
+    const Vectors T = perp(inwards);
     // A turn that is lost in rounding has no direction and no finite result.
     const Floats nan = all(__builtin_nanf(""));
     const Vectors none{nan, nan};
-    const Vectors U1 = width * choose(isLeft, c.back, choose(isRight, c.in, none));
-    const Vectors U2 = width * choose(isLeft, c.in, choose(isRight, c.back, none));
-    const Vectors X1 = A + stepsToCrossing(U1, -T, D - A) * U1;
-    const Vectors X2 = B + stepsToCrossing(U2, T, D - B) * U2;
+    const Vectors U1 = choose(isLeft, W2, choose(isRight, W1, none));
+    const Vectors U2 = choose(isLeft, W1, choose(isRight, W2, none));
+    const Vectors X1 = A + stepsToCrossing(U1, T, D - A) * U1;
+    const Vectors X2 = B + stepsToCrossing(U2, -T, D - B) * U2;
     const Pairs mitered = around(C, miter);
     return {choose(isLeft, {mitered.left, X2}, {X1, mitered.right}),
             choose(isLeft, {mitered.left, X1}, {X2, mitered.right})};
 }
 
-inline void toRecords(const Pairs& pairs, Block& records)
+[[gnu::always_inline]] inline void toRecords(const Pairs& pairs, Block& records)
 {
     records[0] = pairs.left.x;
     records[1] = pairs.left.y;
@@ -111,70 +112,140 @@ inline void toRecords(const Pairs& pairs, Block& records)
     transpose(records);
 }
 
-// 1 / length of the ways from each of n points to the next.
-inline void invertLengths(const float* x, const float* y, std::size_t n, float* pInverses)
+std::size_t takePoints(const float* pPoints, std::size_t n, float* x, float* y)
 {
-    for (std::size_t i = 0; i < n; i += cLanes)
+    std::size_t nTaken = 0;
+    for (std::size_t i = 0, end = 0; i < n; i = end)
+    {
+        const float* const p = pPoints + 2 * i;
+        end = i + cLanes;
+        if (end <= n)
+        {
+            const Floats a = load(p), b = load(p + cLanes), aBefore = load(p - 2), bBefore = load(p + cLanes - 2);
+            const Floats px = evens(a, b), py = odds(a, b);
+            if (bits((px == evens(aBefore, bBefore)) & (py == odds(aBefore, bBefore))) == 0)
+            {
+                store(x + nTaken, px);
+                store(y + nTaken, py);
+                nTaken += cLanes;
+                continue;
+            }
+        }
+        else
+            end = n;
+        for (; i < end; ++i)
+        {
+            const float* const q = pPoints + 2 * i;
+            x[nTaken] = q[0];
+            y[nTaken] = q[1];
+            nTaken += q[0] == q[-2] && q[1] == q[-1] ? 0 : 1;
+        }
+    }
+    return nTaken;
+}
+
+/// What is known of the corners of a block before their pairs are made. It takes turns: each loop has a long way from its
+/// first operation to its last, and the shorter the loop is, the more of its rounds are under way at a time.
+struct Joins
+{
+    static constexpr std::size_t cSize = BandLoops::cMaxCorners + 1 + BandLoops::cSlack;
+    float inverse[cSize];     // 1 / the length of the way to the point, and of the last corner's way to the point after
+    float x[cSize], y[cSize]; // from the point to the left vertex, where there is one
+    float length[cSize];
+    Mask isBevel[cSize / 4], isBack[cSize / 4];
+};
+
+inline Corners cornersAt(const float* x, const float* y, const Joins& joins, std::size_t i)
+{
+    const Floats in = load(joins.inverse + i), out = load(joins.inverse + i + 1);
+    return {loadPoints(x, y, i),
+            loadPoints(x, y, i + 1),
+            loadPoints(x, y, i + 2),
+            in * (loadPoints(x, y, i + 1) - loadPoints(x, y, i)),
+            out * (loadPoints(x, y, i + 2) - loadPoints(x, y, i + 1)),
+            out * (loadPoints(x, y, i + 1) - loadPoints(x, y, i + 2))};
+}
+
+void findJoins(const float* x, const float* y, std::size_t n, float lineWidth, Joins& joins)
+{
+    for (std::size_t i = 0; i < n + 1; i += cLanes)
     {
         const Vectors way = loadPoints(x, y, i + 1) - loadPoints(x, y, i);
-        store(pInverses + i, 1.0f / squareRoot(dot(way, way)));
+        store(joins.inverse + i, 1.0f / squareRoot(dot(way, way)));
+    }
+    const Floats width = all(lineWidth), limit = all(cMiterLimit * lineWidth);
+    for (std::size_t i = 0; i < n; i += cLanes)
+    {
+        const Corners corners = cornersAt(x, y, joins, i);
+        const auto& in = corners.in;
+        const Floats sine = in.x * corners.out.y - in.y * corners.out.x;
+        const Mask isStraight = (sine <= cParallelSine) & (sine >= -cParallelSine);
+        const Vectors miter = miterVectors(corners, width);
+        const Floats length = squareRoot(dot(miter, miter));
+        const Vectors offset = choose(isStraight, width * perp(in), miter);
+        store(joins.x + i, offset.x);
+        store(joins.y + i, offset.y);
+        store(joins.length + i, length);
+        joins.isBevel[i / cLanes] = ~isStraight & (length > limit);
+        joins.isBack[i / cLanes] = isStraight & ~(dot(in, corners.out) > 0);
     }
 }
 
 std::size_t addCorners(const float* x, const float* y, std::size_t n, float lineWidth, float* pPairs)
 {
-    float inverses[BandLoops::cMaxCorners + 1 + BandLoops::cSlack];
-    invertLengths(x, y, n + 1, inverses);
-    const Floats width = all(lineWidth), limit = all(cMiterLimit * lineWidth);
+    Joins joins;
+    findJoins(x, y, n, lineWidth, joins);
     float* pTo = pPairs;
     for (std::size_t i = 0; i < n; i += cLanes)
     {
-        const Vectors P = loadPoints(x, y, i), C = loadPoints(x, y, i + 1), N = loadPoints(x, y, i + 2);
-        const Floats inverseIn = load(inverses + i), inverseOut = load(inverses + i + 1);
-        const Corners corners{P, C, N, inverseIn * (C - P), inverseOut * (N - C), inverseOut * (C - N)};
-        const auto& in = corners.in;
-        const Floats sine = in.x * corners.out.y - in.y * corners.out.x;
-        const Mask isStraight = (sine <= cParallelSine) & (sine >= -cParallelSine);
-        const Mask isBack = isStraight & ~(dot(in, corners.out) > 0);
-        const Vectors straight = width * perp(in);
-        const Vectors miter = miterVectors(corners, width);
-        const Mask isBevel = ~isStraight & (squareRoot(dot(miter, miter)) > limit);
-
+        const Mask isBevel = joins.isBevel[i / cLanes], isBack = joins.isBack[i / cLanes];
         const std::size_t count = n - i < cLanes ? n - i : cLanes;
-        const unsigned int twice = bits(isBack | isBevel) & ((1U << count) - 1);
-        const Pairs single = around(C, choose(isStraight, straight, miter));
-        Block first;
-        if (twice == 0)
+        const unsigned int isDouble = bits(isBack | isBevel) & ((1U << count) - 1);
+        const Vectors offset = loadPoints(joins.x, joins.y, i);
+        Pairs first = around(loadPoints(x, y, i + 1), offset);
+        Block records;
+        if (isDouble == 0)
         {
-            toRecords(single, first);
+            toRecords(first, records);
             for (std::size_t k = 0; k < cLanes; ++k)
-                storeRecord(pTo + 4 * k, recordOf(first, k));
+                storeRecord(pTo + 4 * k, recordOf(records, k));
             pTo += 4 * count;
             continue;
         }
-        const Bevels bevels = bevelsOf(corners, miter, width);
-        const Pairs end = around(C + width * in, straight);
-        Block second;
-        toRecords(choose(isBack, end, choose(isBevel, bevels.first, single)), first);
-        toRecords(choose(isBack, {end.right, end.left}, bevels.second), second);
-        for (std::size_t k = 0; k < count; ++k)
+        const Floats width = all(lineWidth);
+        const Corners corners = cornersAt(x, y, joins, i);
+        const Bevels bevels = bevelsOf(corners, offset, load(joins.length + i), width);
+        first = choose(isBevel, bevels.first, first);
+        Pairs second = bevels.second;
+        if (bits(isBack) != 0)
         {
-            storeRecord(pTo, recordOf(first, k));
-            storeRecord(pTo + 4, recordOf(second, k));
-            pTo += 4 + (twice >> k & 1) * 4;
+            const Pairs end = around(corners.point + width * corners.in, offset);
+            first = choose(isBack, end, first);
+            second = choose(isBack, {end.right, end.left}, second);
         }
+        Block secondRecords;
+        toRecords(first, records);
+        toRecords(second, secondRecords);
+        for (std::size_t k = 0; k < cLanes; ++k)
+        {
+            storeRecords(pTo, records, secondRecords, k);
+            pTo += 4 + (isDouble >> k & 1) * 4;
+        }
+        pTo -= 4 * (cLanes - count);
     }
     return static_cast<std::size_t>(pTo - pPairs) / 4;
 }
 
 using Indices [[gnu::vector_size(8 * sizeof(unsigned int))]] = unsigned int;
 
-// Two triangles between a pair, 0 and 1, and the next, 2 and 3. Those that turn right have their last two corners swapped.
+// Two triangles between a pair, 0 and 1, and the next, 2 and 3. Those that turn right have their last two corners swapped:
+// the first of odd kinds, the second of kinds from 2 on.
 constexpr unsigned int cQuads[4][8] = {
     {0, 1, 2, 3, 1, 2, 0, 0}, {0, 2, 1, 3, 1, 2, 0, 0}, {0, 1, 2, 3, 2, 1, 0, 0}, {0, 2, 1, 3, 2, 1, 0, 0}};
 
 void addQuads(const float* pPairs, std::size_t n, unsigned int firstIndex, unsigned int* pIndices)
 {
+    Indices first = firstIndex - Indices{};
     for (std::size_t i = 0; i < n; i += cLanes)
     {
         Block from, to;
@@ -183,18 +254,17 @@ void addQuads(const float* pPairs, std::size_t n, unsigned int firstIndex, unsig
         transpose(from);
         transpose(to);
         const Vectors left{from[0], from[1]}, right{from[2], from[3]}, nextLeft{to[0], to[1]}, nextRight{to[2], to[3]};
-        const unsigned int first = bits(turnArea(left, right, nextLeft) < 0);
-        const unsigned int second = bits(turnArea(nextRight, right, nextLeft) < 0);
-        const std::size_t count = n - i < cLanes ? n - i : cLanes;
-        for (std::size_t k = 0; k < count; ++k)
+        const Mask kinds =
+            ((turnArea(left, right, nextLeft) < 0) & 1) | ((turnArea(nextRight, right, nextLeft) < 0) & 2);
+        for (std::size_t k = 0; k < cLanes; ++k)
         {
             Indices indices;
-            __builtin_memcpy(&indices, cQuads[(first >> k & 1) + (second >> k & 1) * 2], sizeof(indices));
-            indices += firstIndex;
-            __builtin_memcpy(pIndices, &indices, sizeof(indices));
-            pIndices += 6;
-            firstIndex += 2;
+            __builtin_memcpy(&indices, cQuads[kinds[k]], sizeof(indices));
+            indices += first;
+            __builtin_memcpy(pIndices + 6 * k, &indices, sizeof(indices));
+            first += 2;
         }
+        pIndices += 6 * cLanes;
     }
 }
 
@@ -202,11 +272,11 @@ void addQuads(const float* pPairs, std::size_t n, unsigned int firstIndex, unsig
 
 #ifdef __AVX2__
 
-const BandLoops cBandLoopsAVX2{addCorners, addQuads};
+const BandLoops cBandLoopsAVX2{takePoints, addCorners, addQuads};
 
 #else
 
-const BandLoops cBandLoops{addCorners, addQuads};
+const BandLoops cBandLoops{takePoints, addCorners, addQuads};
 
 const BandLoops& bandLoops()
 {

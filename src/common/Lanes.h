@@ -29,24 +29,14 @@ using Mask [[gnu::vector_size(cLanes * sizeof(int))]] = int;
 /// Four floats that lie side by side in memory.
 using Record [[gnu::vector_size(4 * sizeof(float))]] = float;
 
-/// From and to any place in memory.
-inline Floats load(const float* p)
-{
-    Floats v;
-    __builtin_memcpy(&v, p, sizeof(v));
-    return v;
-}
+/// The same anywhere in memory: a copy of 32 bytes by another way than this is not always one load (GCC 12).
+using FloatsInMemory [[gnu::vector_size(cLanes * sizeof(float)), gnu::aligned(4), gnu::may_alias]] = float;
+using RecordInMemory [[gnu::vector_size(4 * sizeof(float)), gnu::aligned(4), gnu::may_alias]] = float;
 
-inline Record loadRecord(const float* p)
-{
-    Record v;
-    __builtin_memcpy(&v, p, sizeof(v));
-    return v;
-}
-
-inline void store(float* p, Floats v) { __builtin_memcpy(p, &v, sizeof(v)); }
-
-inline void storeRecord(float* p, Record v) { __builtin_memcpy(p, &v, sizeof(v)); }
+inline Floats load(const float* p) { return *reinterpret_cast<const FloatsInMemory*>(p); }
+inline Record loadRecord(const float* p) { return *reinterpret_cast<const RecordInMemory*>(p); }
+inline void store(float* p, Floats v) { *reinterpret_cast<FloatsInMemory*>(p) = v; }
+inline void storeRecord(float* p, Record v) { *reinterpret_cast<RecordInMemory*>(p) = v; }
 
 /// The same number in all lanes, the sign of a 0 included.
 inline Floats all(float f) { return f - Floats{}; }
@@ -76,6 +66,25 @@ inline unsigned int bits(Mask mask)
     for (std::size_t i = 0; i < cLanes; ++i)
         result |= (mask[i] != 0 ? 1U : 0U) << i;
     return result;
+#endif
+}
+
+/// The first, third, ... or the second, fourth, ... of twice as many floats.
+inline Floats evens(Floats a, Floats b)
+{
+#ifdef __AVX2__
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+#else
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6);
+#endif
+}
+
+inline Floats odds(Floats a, Floats b)
+{
+#ifdef __AVX2__
+    return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
+#else
+    return __builtin_shufflevector(a, b, 1, 3, 5, 7);
 #endif
 }
 
@@ -124,6 +133,18 @@ inline Record recordOf(const Block& v, std::size_t i)
                  : __builtin_shufflevector(v[i - 4], v[i - 4], 4, 5, 6, 7);
 #else
     return v[i];
+#endif
+}
+
+/// Writes the record i of both, one after the other.
+inline void storeRecords(float* p, const Block& a, const Block& b, std::size_t i)
+{
+#ifdef __AVX2__
+    store(p, i < 4 ? __builtin_shufflevector(a[i], b[i], 0, 1, 2, 3, 8, 9, 10, 11)
+                   : __builtin_shufflevector(a[i - 4], b[i - 4], 4, 5, 6, 7, 12, 13, 14, 15));
+#else
+    storeRecord(p, a[i]);
+    storeRecord(p + 4, b[i]);
 #endif
 }
 
