@@ -1,4 +1,5 @@
-# What `cmake --install` puts where, so that other projects find it with find_package(guigl).
+# What `cmake --install` puts where, so that other projects find it with find_package(guigl) or pkg-config, in four
+# components: runtime, development, documentation and examples.
 
 include(CMakePackageConfigHelpers)
 
@@ -15,6 +16,7 @@ foreach(headers IN ITEMS toolkit/include include)
     if(IS_DIRECTORY ${guigl_SOURCE_DIR}/${headers})
         install(DIRECTORY ${guigl_SOURCE_DIR}/${headers}/
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl
+            COMPONENT development
             FILES_MATCHING PATTERN "*.h")
     endif()
 endforeach()
@@ -22,7 +24,8 @@ endforeach()
 install(EXPORT guigl
     FILE guiglTargets.cmake
     NAMESPACE guigl::
-    DESTINATION ${package_folder})
+    DESTINATION ${package_folder}
+    COMPONENT development)
 
 configure_package_config_file(
     ${CMAKE_CURRENT_LIST_DIR}/guiglConfig.cmake.in
@@ -39,4 +42,26 @@ install(FILES
     ${CMAKE_CURRENT_LIST_DIR}/GuiglResources.cmake
     ${CMAKE_CURRENT_LIST_DIR}/GuiglFonts.cmake
     ${CMAKE_CURRENT_LIST_DIR}/GuiglProgram.cmake
-    DESTINATION ${package_folder})
+    DESTINATION ${package_folder}
+    COMPONENT development)
+
+# pkg-config finds the prefix from where the file lies.
+file(RELATIVE_PATH GUIGL_PREFIX_FROM_PC
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/guigl.pc.in ${guigl_BINARY_DIR}/guigl.pc @ONLY)
+install(FILES ${guigl_BINARY_DIR}/guigl.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
+
+install(FILES ${guigl_SOURCE_DIR}/README.md ${guigl_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT documentation)
+install(DIRECTORY ${guigl_SOURCE_DIR}/docs
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT documentation
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+# The sources that build by themselves, each with CMake lines of its own.
+install(DIRECTORY ${guigl_SOURCE_DIR}/examples/first/
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+    COMPONENT examples
+    REGEX "/first/CMakeLists.txt$" EXCLUDE)

@@ -33,7 +33,10 @@ function(guigl_library name)
     # The library's calls to its own exported functions are direct and can be inlined: nobody replaces them from outside.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,-Bsymbolic-functions)
-    install(TARGETS ${target} EXPORT guigl
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl)
+    if(GUIGL_INSTALL)
+        install(TARGETS ${target} EXPORT guigl
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+                COMPONENT runtime NAMELINK_COMPONENT development
+            INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl)
+    endif()
 endfunction()

@@ -1,0 +1,47 @@
+# Debian packages: `cpack --preset debian` after a release build makes one for each component of the installation. They
+# hold what a distribution's packages would: the libraries by their ABI version, so that two of them can live side by side.
+
+set(CPACK_PACKAGE_NAME guigl)
+set(CPACK_PACKAGE_VENDOR "the GuiGL maintainers")
+set(CPACK_PACKAGE_CONTACT "The GuiGL maintainers <maintainers@guigl.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${guigl_DESCRIPTION}")
+set(CPACK_PACKAGE_DIRECTORY ${guigl_BINARY_DIR}/packages)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR DEB)
+
+set(abi ${guigl_VERSION_MAJOR}.${guigl_VERSION_MINOR})
+set(CPACK_COMPONENTS_ALL runtime development documentation examples)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libguigl${abi})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${guigl_DESCRIPTION} - shared libraries")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+    ${guigl_BINARY_DIR}/toolkit ${guigl_BINARY_DIR}/src)
+# The loader of GL's functions opens these when a context is made.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "libegl1, libgl1, libgl1-mesa-dri")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libguigl-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${guigl_DESCRIPTION} - headers, CMake package and font tool")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "libguigl${abi} (= ${guigl_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libglm-dev")
+
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libguigl-doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOCUMENTATION_DESCRIPTION "${guigl_DESCRIPTION} - guides")
+
+set(CPACK_DEBIAN_EXAMPLES_PACKAGE_NAME libguigl-examples)
+set(CPACK_DEBIAN_EXAMPLES_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_EXAMPLES_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_EXAMPLES_DESCRIPTION "${guigl_DESCRIPTION} - programs to begin with")
+set(CPACK_DEBIAN_EXAMPLES_PACKAGE_RECOMMENDS "libguigl-dev")
+
+include(CPack)
