@@ -64,7 +64,7 @@ Sheet::Points Sheet::place(const Points& points) const
     return placed;
 }
 
-void Sheet::addTriangles(const Triang2D::Points& vertices, const Triang2D::Indices& indices)
+void Sheet::addTriangles(std::span<const td::Point<float>> vertices, std::span<const unsigned int> indices)
 {
     for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
     {

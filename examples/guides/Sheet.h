@@ -2,6 +2,7 @@
 
 #include <gui/gl/gl.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,7 @@ public:
     Points place(const Points& points) const;
 
     /// Triangles, the edges between them, and the line that they were made from. All on the page.
-    void addTriangles(const gui::gl::Triang2D::Points& vertices, const gui::gl::Triang2D::Indices& indices);
+    void addTriangles(std::span<const td::Point<float>> vertices, std::span<const unsigned int> indices);
     void addPath(const Points& points, bool isClosed);
 
     /// Draws what was added. @return false, after a log line, when it can't be saved

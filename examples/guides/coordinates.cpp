@@ -85,10 +85,13 @@ private:
     {
         _text.getFont(0)->reset();
         _model.reset();
-        for (float x = 0; x <= 160; x += 20)
-            addLine(_model, {x, 0}, {x, 100}, 0.15F, td::ColorID::SteelBlue);
-        for (float y = 0; y <= 100; y += 20)
-            addLine(_model, {0, y}, {160, y}, 0.15F, td::ColorID::SteelBlue);
+        for (int i = 0; i <= 8; ++i)
+        {
+            const auto at = static_cast<float>(20 * i);
+            addLine(_model, {at, 0}, {at, 100}, 0.15F, td::ColorID::SteelBlue);
+            if (i <= 5)
+                addLine(_model, {0, at}, {160, at}, 0.15F, td::ColorID::SteelBlue);
+        }
         _triang.triangulate(&_model, cSail, td::ColorID::DodgerBlue);
         write(toView({0, 0}), {-70, 2}, "model 0, 0", td::ColorID::LightSkyBlue);
         write(toView({160, 100}), {4, -8}, "160, 100", td::ColorID::LightSkyBlue);

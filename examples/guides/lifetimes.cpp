@@ -42,13 +42,16 @@ void outliveContext()
 void switchContexts()
 {
     OffscreenContext first({64, 64}, cPlain);
-    auto pProgram = std::make_unique<Flat2DProgram>();
-    pProgram->link();
+    auto pBuffer = std::make_unique<Buffer>();
+    pBuffer->init(1, 3, 0, {DataType::Vec2});
+    fill(*pBuffer);
+    pBuffer->commit();
 
     const OffscreenContext second({64, 64}, cPlain); // current now
-    Flat2DProgram other;
-    other.link();
-    pProgram.reset(); // its GL program is deleted when its context is next current
+    Buffer other{DataType::Vec2};
+    fill(other);
+    other.commit();
+    pBuffer.reset(); // its GL objects are deleted when their context is next current
     std::puts("deleted later");
     first.makeCurrent();
     std::puts("deleted now");

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <numbers>
 #include <string>
+#include <vector>
 
 using namespace gui::gl;
 
@@ -94,15 +95,13 @@ void addPolygon(Sheet& sheet, const char* title, const Sheet::Points& points, bo
     indices.reset();
     const Sheet::Points placed = sheet.place(centred(points));
     triang.triangulate(placed.data(), n, vertices, indices);
+    std::vector<unsigned int> corners(indices.begin(), indices.end());
     if (primitive == Primitive::TriangleFan)
     {
         for (unsigned int i = 1; i + 1 < n; ++i)
-        {
-            const unsigned int triangle[] = {0, i, i + 1};
-            indices.push_back(triangle, 3);
-        }
+            corners.insert(corners.end(), {0, i, i + 1});
     }
-    sheet.addTriangles(vertices, indices);
+    sheet.addTriangles(vertices, corners);
     sheet.addPath(placed, true);
 }
 
