@@ -10,24 +10,12 @@ function trimmed(text)
     return text
 }
 
-# The name that a declaration declares.
-function name_of(text, n)
-{
-    if (match(text, /operator *[^ (]+ *\(/) || match(text, /operator\(\)/))
-        return trimmed(substr(text, RSTART, RLENGTH - 1))
-    if (match(text, /~?[A-Za-z_][A-Za-z_0-9]* *\(/))
-        return trimmed(substr(text, RSTART, RLENGTH - 1))
-    sub(/ *(=|\{|\[|;).*/, "", text)
-    n = match(text, /[A-Za-z_][A-Za-z_0-9]*$/)
-    return n ? substr(text, RSTART) : ""
-}
-
 function count(text, what)
 {
     return gsub(what, "&", text)
 }
 
-# What is neither text nor comment.
+# A line without comment, and with nothing in its literals.
 function code_of(text)
 {
     gsub(/"([^"\\]|\\.)*"/, "\"\"", text)
@@ -36,17 +24,32 @@ function code_of(text)
     return text
 }
 
-# Queries without arguments, what a container or a value has by custom, operators, fields of plain records, and what
-# forwards to protected handlers.
+# The name that a declaration declares.
+function name_of(code)
+{
+    if (match(code, /operator *[^ (]+ *\(/) || match(code, /~?[A-Za-z_][A-Za-z_0-9]* *\(/))
+        return trimmed(substr(code, RSTART, RLENGTH - 1))
+    sub(/ *(=|\{|\[|;).*/, "", code)
+    return match(code, /[A-Za-z_][A-Za-z_0-9]*$/) ? substr(code, RSTART) : ""
+}
+
+# Begins or ends a scope whose members are declarations of their own, or declares nothing.
+function is_between(code)
+{
+    return code ~ /^ *(template <.*> *)?(inline )?(class|struct|union|enum|namespace|extern)[ {"]/ ||
+        code ~ /^ *[{}]/ || code ~ /^ *template *<.*> *$/ || code ~ /^ *(static_assert|friend|using [A-Za-z_:]+;)/
+}
+
+# What is defaulted, operators and destructors, what a container or a value has by custom, queries without arguments,
+# fields and constructors of plain records, copies and moves, and what forwards to protected handlers.
 function is_plain(code, name)
 {
-    if (code ~ /= default;/ || name ~ /^operator/ || name ~ /^~/ || name ~ /^(begin|end|size|capacity|length)$/)
+    if (code ~ /= default;/ || name ~ /^(operator|~)/ || name ~ /^(begin|end|size|capacity|length)$/)
         return 1
     if (code ~ /\(\) const/ && name ~ /^(get|is|has)[A-Z]/)
         return 1
     if (code !~ /\(/ && scope ~ /^struct /)
         return 1
-    # Constructors of records, copies and moves.
     if (scope ~ (" " name "$") && (scope ~ /^struct / || code ~ ("\\((const )?" name "&&? [a-z]+\\)")))
         return 1
     return scope ~ /Helper$/
@@ -59,85 +62,84 @@ function forget()
     first_doc = ""
 }
 
-BEGIN { nested = 0; body = 0; pending = 0; scope = ""; forget() }
+# The comment for a declaration that has none of its own.
+function comment_for(code, name, copy)
+{
+    if (name !~ /^~/ && first != "")
+    {
+        if (name != first)
+            return " See " first ", whose description is this one's too."
+        copy = first_doc
+        gsub(/@param  *[^@]*/, "", copy)
+        return trimmed(copy) != "" ? copy : first_doc
+    }
+    return is_plain(code, name) ? " &zwnj;" : ""
+}
+
+BEGIN { depth = 0; body = 0; goes_on = 0; forget() }
 
 {
-    line = $0
-    text = trimmed(line)
-    code = code_of(line)
+    text = trimmed($0)
+    code = code_of($0)
     opened = count(code, "{") - count(code, "}")
+    parens += count(code, "\\(") - count(code, "\\)")
+}
 
-    # Inside a function's body, or a declaration that goes on.
-    if (body > 0 || pending)
-    {
-        print line
-        if (pending)
-        {
-            parens += count(code, "\\(") - count(code, "\\)")
-            if (body == 0 && opened == 0 && parens <= 0 && code ~ /[;}] *$/)
-                pending = 0
-        }
-        if (opened != 0 || body > 0)
-        {
-            body += opened
-            if (body <= 0)
-            {
-                body = 0
-                pending = 0
-            }
-        }
-        next
-    }
-    if (text ~ /^#/ && text !~ /\\$/ || text == "")
-    {
-        print line
-        forget()
-        next
-    }
-    if (text ~ /^\/\/\/($|[^<])/)
-    {
-        if (doc == "")
-            forget()
-        doc = doc " " (substr(text, 4))
-        print line
-        next
-    }
-    if (text ~ /^\/\// || text ~ /^(public|protected|private):/)
-    {
-        print line
-        forget()
-        next
-    }
-    # Scopes whose members are declarations of their own.
-    if (code ~ /^ *(template <.*> *)?(inline )?(class|struct|union|enum|namespace|extern)[ {"]/ || text ~ /^[{}]/ || text ~ /^template *<.*> *$/ || text ~ /^(static_assert|friend|using [A-Za-z_:]+;)/)
-    {
-        print line
-        if (text !~ /^template/)
-            forget()
-        nested += opened
-        if (text ~ /^}/ && (nested in scopes))
-        {
-            scope = scopes[nested]
-            delete scopes[nested]
-        }
-        if (match(code, /(class|struct) +(GUIGL_API +)?[A-Za-z_]+/) && code !~ /;/)
-        {
-            scopes[nested] = scope
-            scope = substr(code, RSTART, RLENGTH)
-        }
-        next
-    }
-    if (code ~ /= delete;/)
-    {
-        print ""
-        next
-    }
+# The rest of a declaration, and a function's body.
+body > 0 || goes_on {
+    print
+    body += opened
+    goes_on = body > 0 || parens > 0 || code !~ /[;}] *$/
+    next
+}
 
-    # A declaration.
+text == "" || text ~ /^#/ {
+    print
+    forget()
+    next
+}
+
+text ~ /^\/\/\/($|[^<])/ {
+    print
+    if (doc == "")
+        forget()
+    doc = doc " " substr(text, 4)
+    next
+}
+
+text ~ /^\/\// || text ~ /^(public|protected|private):/ {
+    print
+    forget()
+    next
+}
+
+is_between(code) {
+    print
+    if (text !~ /^template/)
+        forget()
+    depth += opened
+    parens = 0
+    if (text ~ /^}/ && (depth in scopes))
+    {
+        scope = scopes[depth]
+        delete scopes[depth]
+    }
+    if (match(code, /(class|struct) +(GUIGL_API +)?[A-Za-z_]+/) && code !~ /;/)
+    {
+        scopes[depth] = scope
+        scope = substr(code, RSTART, RLENGTH)
+    }
+    next
+}
+
+code ~ /= delete;/ {
+    print ""
+    next
+}
+
+{
     name = name_of(code)
-    indent = line
-    sub(/[^ \t].*/, "", indent)
-    added = ""
+    comment = ""
     if (doc != "")
     {
         first = name
@@ -145,24 +147,9 @@ BEGIN { nested = 0; body = 0; pending = 0; scope = ""; forget() }
         doc = ""
     }
     else if (text !~ /\/\/\/</)
-    {
-        if (name ~ /^~/)
-            added = " &zwnj;"
-        else if (first != "" && name == first)
-        {
-            copy = first_doc
-            gsub(/@param  *[^@]*/, "", copy)
-            added = trimmed(copy) != "" ? copy : first_doc
-        }
-        else if (first != "")
-            added = " See " first ", whose description is this one's too."
-        else if (is_plain(code, name))
-            added = " &zwnj;"
-    }
-    print (added == "" ? line : indent "/**" added " */ " trimmed(line))
+        comment = comment_for(code, name)
+    print (comment == "" ? $0 : "/**" comment " */ " $0)
     parens = count(code, "\\(") - count(code, "\\)")
-    if (opened > 0)
-        body = opened
-    else if (code !~ /[;},] *$/ || parens > 0)
-        pending = 1
+    body = opened > 0 ? opened : 0
+    goes_on = body > 0 || parens > 0 || code !~ /[;},] *$/
 }
