@@ -16,6 +16,8 @@ namespace gui::gl
 class Band
 {
 public:
+    using Point = td::Point<float>;
+
     /// @param base  the number of the first vertex
     Band(const BandLoops& loops, std::size_t base)
         : _loops(loops)
@@ -29,14 +31,12 @@ public:
     /// The whole of one line, once.
     /// @param points  of which neighbours may be equal
     /// @return false, with nothing given away, when there are fewer than two distinct points or the width is 0 or NaN
-    bool add(std::span<const td::Point<float>> points, float width, bool closed);
+    bool add(std::span<const Point> points, float width, bool closed);
 
     unsigned int getNoOfVertices() const { return 2 * _nPairs; }
     unsigned int getNoOfIndices() const { return _nIndices; }
 
 private:
-    using Point = td::Point<float>;
-
     virtual void append(std::span<const Point> vertices, std::span<const unsigned int> indices) = 0;
 
     void addPoint(const Point& point);

@@ -1,6 +1,7 @@
 #include <gui/gl/Triang2D.h>
 
 #include "Predicates.h"
+#include "VertexFinder.h"
 
 #include <gui/gl/Buffer.h>
 #include <gui/gl/SimplePolygon.h>
@@ -69,11 +70,12 @@ std::tuple<bool, unsigned int, unsigned int> isConvex(const td::Point<float>* po
 }
 
 Triang2D::Triang2D(unsigned int nExpectedPoints)
-    : _pSimplePolygon(new SimplePolygon(nExpectedPoints))
+    : _pSimplePolygon(std::make_unique<SimplePolygon>(nExpectedPoints))
+    , _pVertexFinder(std::make_unique<VertexFinder>())
 {
 }
 
-Triang2D::~Triang2D() { delete _pSimplePolygon; }
+Triang2D::~Triang2D() = default;
 
 std::pair<Primitive, unsigned int> Triang2D::triangulate(const td::Point<float>* points, unsigned int n,
                                                          Points& vertices, Indices& indices)

@@ -96,9 +96,64 @@ TEST_F(TessellationExactTest, LinesOfAllSorts)
                    {
                        constexpr float cWidths[] = {0.05f, 1, 1e-4f, 1e-20f, 1e18f, -0.3f};
                        const Line line{cWidths[random.below(std::size(cWidths))], random.isOneIn(2)};
-                       ASSERT_TRUE(
-                           isLine(outline, line, test::reference::triangulateLine(outline, line.width, line.closed)));
+                       const Tessellation expected = test::reference::triangulateLine(outline, line.width, line.closed);
+                       ASSERT_TRUE(isLine(outline, line, expected));
+                       // The library takes one of these.
+                       ASSERT_TRUE(isBand(gui::gl::cBandLoops, outline, line, expected));
+#ifdef GUIGL_AVX2
+                       ASSERT_TRUE(!__builtin_cpu_supports("avx2") ||
+                                   isBand(gui::gl::cBandLoopsAVX2, outline, line, expected));
+#endif
                    });
+}
+
+/// Points taken from stored ones in one of many ways.
+Outline recycled(const Outline& stored, Random& random)
+{
+    const auto n = static_cast<unsigned int>(stored.size());
+    Outline points = stored;
+    switch (random.below(6))
+    {
+    case 0:
+        break;
+    case 1:
+        std::rotate(points.begin(), points.begin() + random.below(n), points.end());
+        break;
+    case 2:
+        std::reverse(points.begin() + random.below(n), points.end());
+        break;
+    case 3:
+        for (unsigned int i = 1; i < n; ++i)
+            std::swap(points[i], points[random.below(i + 1)]);
+        break;
+    case 4:
+        std::fill(points.begin(), points.end(), points[random.below(n)]);
+        break;
+    default:
+        for (test::Outline::value_type& p : points)
+            p = stored[random.below(n)];
+    }
+    if (random.isOneIn(3))
+        for (test::Outline::value_type& p : points)
+            p = {p.x == 0 ? -p.x : p.x, p.y == 0 ? -p.y : p.y};
+    if (random.isOneIn(8))
+        points[random.below(n)].x += random.isOneIn(2) ? 1e-6f : 1;
+    return points;
+}
+
+TEST_F(TessellationExactTest, RecycledLinesInAnyOrder)
+{
+    unsigned int nFound = 0, nMissing = 0;
+    forEachOutline(30,
+                   [&](const Outline& outline, Random& random)
+                   {
+                       const Outline points = recycled(outline, random);
+                       const std::vector<unsigned int> found = test::reference::recycle(outline, points, 0);
+                       ++(found.empty() ? nMissing : nFound);
+                       ASSERT_TRUE(isRecycled(outline, points, found));
+                   });
+    EXPECT_GT(nFound, 2000U);
+    EXPECT_GT(nMissing, 300U);
 }
 
 } // namespace

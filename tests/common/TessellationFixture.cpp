@@ -1,5 +1,7 @@
 #include "TessellationFixture.h"
 
+#include "src/common/Band.h"
+
 #include <epoxy/gl.h>
 
 #include <bit>
@@ -51,6 +53,25 @@ testing::AssertionResult isAppended(std::span<const Point> vertices, std::span<c
             return AssertionFailure() << "index " << i << " is " << indices[i] << " instead of " << allIndices[i];
     return AssertionSuccess();
 }
+
+class CollectingBand : public gui::gl::Band
+{
+public:
+    explicit CollectingBand(const gui::gl::BandLoops& loops)
+        : Band(loops, cOldVertices.size())
+    {
+    }
+
+    Outline vertices = cOldVertices;
+    std::vector<unsigned int> indices = cOldIndices;
+
+private:
+    void append(std::span<const Point> newVertices, std::span<const unsigned int> newIndices) override
+    {
+        vertices.insert(vertices.end(), newVertices.begin(), newVertices.end());
+        indices.insert(indices.end(), newIndices.begin(), newIndices.end());
+    }
+};
 
 double areaOf(const Point& a, const Point& b, const Point& c)
 {
@@ -107,6 +128,40 @@ testing::AssertionResult Tessellating::isLine(const Outline& points, const Line&
     const testing::AssertionResult lists = areLists(expected);
     return lists ? isCommand(triang.triangulateLine(&_buffer, points.data(), n, line.width, line.closed), expected)
                  : lists;
+}
+
+testing::AssertionResult Tessellating::isBand(const gui::gl::BandLoops& loops, const Outline& points, const Line& line,
+                                              const Tessellation& expected) const
+{
+    CollectingBand band(loops);
+    band.add(points, line.width, line.closed);
+    return isAppended(band.vertices, band.indices, expected);
+}
+
+testing::AssertionResult Tessellating::isRecycled(const Outline& stored, const Outline& points,
+                                                  const std::vector<unsigned int>& found)
+{
+    begin(_buffer);
+    const auto first = static_cast<unsigned int>(_buffer.getNoOfVertices());
+    _buffer.appendVertices(stored.data(), stored.size());
+    gui::gl::Command* const pCommand = triang.createRecycledLine(&_buffer, Primitive::LineLoop, points.data(), first,
+                                                                 static_cast<unsigned int>(points.size()));
+    if (_buffer.getNoOfVertices() != first + stored.size())
+        return AssertionFailure() << "vertices appended";
+    std::vector<std::string> draws;
+    if (!found.empty())
+        draws = {"glDrawElements(2, " + std::to_string(found.size()) + ", 0x1405, 12)"};
+    if (_buffer.getCommandList().size() != draws.size() || (pCommand != nullptr && !_buffer.encode(pCommand)) ||
+        drawn(_buffer) != draws)
+        return AssertionFailure() << "not the commands";
+    if (!_buffer.commit())
+        return AssertionFailure() << "cannot commit";
+    std::vector<unsigned int> expected = cOldIndices;
+    for (const unsigned int index : found)
+        expected.push_back(first + index);
+    const bool areFound = trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER) == expected;
+    _buffer.release();
+    return areFound ? AssertionSuccess() : AssertionFailure() << "not the indices";
 }
 
 testing::AssertionResult Tessellating::areLists(const Tessellation& expected) const

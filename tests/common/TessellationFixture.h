@@ -2,6 +2,7 @@
 
 #include "Shapes.h"
 #include "TriangReference.h"
+#include "src/common/BandLoops.h"
 #include "support/NullGL.h"
 
 #include <gui/gl/Buffer.h>
@@ -23,6 +24,14 @@ protected:
     /// Runs the container form and the buffer form, and compares both with what is expected, bit for bit.
     testing::AssertionResult isPolygon(const Outline& points, const Tessellation& expected);
     testing::AssertionResult isLine(const Outline& points, const Line& line, const Tessellation& expected);
+
+    /// The same for the loops of one kind of vectors.
+    testing::AssertionResult isBand(const gui::gl::BandLoops& loops, const Outline& points, const Line& line,
+                                    const Tessellation& expected) const;
+
+    /// Outlines points over stored vertices. @param found  counts from the first of them; empty when one is missing
+    testing::AssertionResult isRecycled(const Outline& stored, const Outline& points,
+                                        const std::vector<unsigned int>& found);
 
     /// An open buffer of 2D points with two vertices, three indices and no command.
     void begin(gui::gl::Buffer& buffer);

@@ -239,27 +239,7 @@ TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
     };
     int number = 0;
     for (const auto& [stored, points, found] : cCases)
-    {
-        SCOPED_TRACE(number++);
-        Buffer buffer;
-        begin(buffer);
-        const auto first = static_cast<unsigned int>(buffer.getNoOfVertices());
-        buffer.appendVertices(stored.data(), stored.size());
-        const auto n = static_cast<unsigned int>(points.size());
-        gui::gl::Command* pCommand = triang.createRecycledLine(&buffer, Primitive::LineLoop, points.data(), first, n);
-        ASSERT_EQ(pCommand != nullptr, !found.empty());
-        EXPECT_EQ(buffer.getCommandList().size(), found.empty() ? 0U : 1U);
-        EXPECT_EQ(buffer.getNoOfIndices(), 3 + found.size());
-        EXPECT_EQ(buffer.getNoOfVertices(), first + stored.size());
-        if (pCommand == nullptr)
-            continue;
-        ASSERT_TRUE(buffer.encode(pCommand));
-        EXPECT_EQ(drawn(buffer), std::vector<std::string>{"glDrawElements(2, " + std::to_string(n) + ", 0x1405, 12)"});
-        ASSERT_TRUE(buffer.commit());
-        const std::vector<unsigned int> indices = trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER);
-        for (std::size_t i = 0; i < found.size(); ++i)
-            EXPECT_EQ(indices[3 + i], first + found[i]);
-    }
+        EXPECT_TRUE(isRecycled(stored, points, found)) << "case " << number++;
 }
 
 TEST_F(Triang2DTest, MisuseIsSaidAndTouchesNothing)

@@ -9,6 +9,7 @@
 
 #include <glm/vec2.hpp>
 
+#include <memory>
 #include <span>
 #include <tuple>
 #include <utility>
@@ -19,6 +20,7 @@ namespace gui::gl
 class Buffer;
 class Command;
 class SimplePolygon;
+class VertexFinder;
 
 /// Turns 2D shapes into what GL draws: filled polygons, polylines of any width, and lines over vertices that a buffer
 /// already holds.
@@ -110,8 +112,8 @@ public:
     /// @param pBuffer  open, its layout two floats; another writes "Error! Triang2D::createRecycledLine wrong input data!
     ///                 This method can be used only with layouts having 2d points" and asserts
     /// @param points   nVerticesToSearch points, each equal to a vertex of the range. Of several equal vertices the first
-    ///                 from the point's own place on is taken, else the first of the range. Vertices in the order of the
-    ///                 points are found at once; others cost a search of the range
+    ///                 from the point's own place on is taken, else the first of the range. Vertices in the
+    ///                 order of the points are the quickest to find; for others the object keeps some memory
     /// @param firstSearchPos, nVerticesToSearch  the range of vertices; past the buffer's end it writes "Error!
     ///                 Triang2D::createRecycledLine wrong input data! Number of vertices in buffer=N, lastSearchPos=N" and
     ///                 asserts
@@ -121,7 +123,8 @@ public:
                                 unsigned int firstSearchPos, unsigned int nVerticesToSearch);
 
 private:
-    SimplePolygon* _pSimplePolygon;
+    std::unique_ptr<SimplePolygon> _pSimplePolygon;
+    std::unique_ptr<VertexFinder> _pVertexFinder;
 };
 
 /// Twice the signed area of a triangle: above 0 when a, b, c turn left.
