@@ -1,6 +1,6 @@
 #include "EmptyGL.h"
 
-#include "../tests/support/FontFiles.h"
+#include "../tests/common/PlainLayout.h"
 
 #include <gui/Texture.h>
 #include <gui/gl/Text.h>
@@ -15,18 +15,21 @@
 
 #include <unistd.h>
 
-// Lays out text of several scripts, and draws a frame of many strings beside a loop that makes the same GL calls.
+// Lays out text beside a plain two-pass layout and beside the additions that nobody can save, adds strings again of which
+// one changed, and draws many beside a loop that makes the same GL calls.
 
 namespace
 {
 
 using gui::gl::Font;
 using gui::gl::Text;
+using Strings = std::vector<std::string>;
 
-constexpr std::size_t cStrings = 1000;
-constexpr std::size_t cLabel = 20;      // characters
-constexpr std::size_t cParagraph = 400; // characters
-constexpr std::size_t cWord = 7;        // a space in the place of every seventh
+constexpr std::size_t cLabels = 100;
+constexpr std::size_t cLabel = 20; // characters
+constexpr std::size_t cParagraphs = 4;
+constexpr std::size_t cParagraph = 500;
+constexpr std::size_t cManyStrings = 10'000;
 
 struct Script
 {
@@ -38,18 +41,80 @@ constexpr Script cASCII{U'a', U'z'};
 constexpr Script cLatin1{0xC0, 0xFF};
 constexpr Script cCyrillic{0x410, 0x44F};
 constexpr Script cCJK{0x4E00, 0x5FFF};
+constexpr Script cScripts[] = {cASCII, cLatin1, cCyrillic, cCJK};
 
-/// @param seed  which of many such texts
-std::string textIn(const Script& script, std::size_t nCharacters, unsigned int seed = 1)
+/// Words of two to nine letters.
+class Writer
 {
-    std::string utf8;
-    for (std::size_t i = 0; i < nCharacters; ++i)
+public:
+    explicit Writer(unsigned int seed)
+        : _seed(seed)
     {
-        seed = seed * 1664525 + 1013904223;
-        utf8 += i % cWord == cWord - 1 ? " "
-                                       : test::encoded(script.first + seed / 65536 % (script.last - script.first + 1));
     }
-    return utf8;
+
+    std::string write(std::size_t nCharacters, bool isMixed)
+    {
+        std::string utf8;
+        const Script* pScript = &cASCII;
+        std::size_t nLeft = 2 + below(8);
+        for (std::size_t i = 0; i < nCharacters; ++i)
+        {
+            if (nLeft-- == 0)
+            {
+                utf8 += ' ';
+                nLeft = 2 + below(8);
+                if (isMixed)
+                    pScript = &cScripts[below(std::size(cScripts))];
+            }
+            else
+                utf8 +=
+                    test::encoded(pScript->first + static_cast<char32_t>(below(pScript->last - pScript->first + 1)));
+        }
+        return utf8;
+    }
+
+private:
+    std::size_t below(std::size_t n)
+    {
+        _seed = _seed * 1664525 + 1013904223;
+        return _seed / 65536 % n;
+    }
+
+    unsigned int _seed;
+};
+
+Strings texts(std::size_t n, std::size_t nCharacters, bool isMixed, unsigned int seed)
+{
+    Writer writer(seed);
+    Strings strings(n);
+    for (std::string& string : strings)
+        string = writer.write(nCharacters, isMixed);
+    return strings;
+}
+
+enum class Kind
+{
+    Labels,
+    Mixed,
+    Paragraphs
+};
+
+/// Texts of a kind. Two seeds make texts that differ from the first word on: what is the same as before is not laid out.
+Strings textsOf(Kind kind, unsigned int seed)
+{
+    return kind == Kind::Paragraphs ? texts(cParagraphs, cParagraph, false, seed)
+                                    : texts(cLabels, cLabel, kind == Kind::Mixed, seed);
+}
+
+test::FontFile fontFile()
+{
+    std::u32string characters;
+    for (const Script& script : cScripts)
+    {
+        for (char32_t c = script.first; c <= script.last; ++c)
+            characters += c;
+    }
+    return test::FontFile(characters);
 }
 
 /// A Text with a font of all the scripts, ready to lay out and, on an empty GL, to draw.
@@ -58,12 +123,6 @@ class Fixture
 public:
     Fixture()
     {
-        std::u32string characters;
-        for (const Script& script : {cASCII, cLatin1, cCyrillic, cCJK})
-        {
-            for (char32_t c = script.first; c <= script.last; ++c)
-                characters += c;
-        }
         const std::string path =
             std::filesystem::temp_directory_path() / ("guigl-text-bench-" + std::to_string(::getpid()));
         gui::Image::_data imgData;
@@ -74,8 +133,7 @@ public:
         helper.updateInfo(1, 1, 4);
         text.init({1920, 1080}, gui::gl::Textures::Unit::T0);
         text.allocFonts(1);
-        isReady = font().loadBinaryData(test::writeFile(path, test::FontFile(characters).bytes()).c_str(), imgData,
-                                        metricC) &&
+        isReady = font().loadBinaryData(test::writeFile(path, fontFile().bytes()).c_str(), imgData, metricC) &&
                   font().setTexture(atlas);
         std::filesystem::remove(path);
     }
@@ -97,60 +155,129 @@ public:
     bool isReady = false;
 };
 
-void layOut(benchmark::State& state, const Script& script, td::BYTE alignment)
+void count(benchmark::State& state, std::size_t nPerIteration)
+{
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nPerIteration));
+}
+
+std::size_t charactersOf(Kind kind) { return kind == Kind::Paragraphs ? cParagraphs * cParagraph : cLabels * cLabel; }
+
+Font::_format formatOf(td::BYTE alignment) { return {.scale = 1.25f, .hAlignment = alignment}; }
+
+void layOut(benchmark::State& state, Kind kind, td::BYTE alignment)
 {
     Fixture fixture;
     if (!fixture.check(state))
         return;
-    const auto nCharacters = static_cast<std::size_t>(state.range(0));
-    const std::string utf8 = textIn(script, nCharacters);
-    const Font::_format format{.scale = 1.25f, .hAlignment = alignment};
-    fixture.font().reserve(nCharacters);
+    const Strings strings[] = {textsOf(kind, 1), textsOf(kind, 2)};
+    unsigned int round = 0;
     for (auto _ : state)
     {
         fixture.font().reset();
-        benchmark::DoNotOptimize(fixture.font().addString({10, 20}, utf8.data(), utf8.size(), format));
+        for (const std::string& string : strings[++round % 2])
+            benchmark::DoNotOptimize(
+                fixture.font().addString({10, 20}, string.data(), string.size(), formatOf(alignment)));
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nCharacters));
+    count(state, charactersOf(kind));
 }
 
-void measure(benchmark::State& state, const Script& script)
+void layOutPlainly(benchmark::State& state, Kind kind, td::BYTE alignment)
+{
+    test::PlainLayout plain{.file = fontFile(), .vertices = {}};
+    const Strings strings[] = {textsOf(kind, 1), textsOf(kind, 2)};
+    unsigned int round = 0;
+    for (auto _ : state)
+    {
+        plain.vertices.clear();
+        for (const std::string& string : strings[++round % 2])
+            benchmark::DoNotOptimize(plain.addString({10, 20}, string, formatOf(alignment)));
+    }
+    count(state, charactersOf(kind));
+}
+
+void measure(benchmark::State& state, Kind kind)
 {
     Fixture fixture;
     if (!fixture.check(state))
         return;
-    const auto nCharacters = static_cast<std::size_t>(state.range(0));
-    const std::string utf8 = textIn(script, nCharacters);
+    const Strings strings = textsOf(kind, 1);
     for (auto _ : state)
-        benchmark::DoNotOptimize(fixture.font().measure(utf8.data(), utf8.size(), {}));
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nCharacters));
+    {
+        for (const std::string& string : strings)
+            benchmark::DoNotOptimize(fixture.font().measure(string.data(), string.size(), {}));
+    }
+    count(state, charactersOf(kind));
 }
 
-std::vector<std::string> labels()
+/// Each glyph moves the pen three times, and each time waits for the one before.
+void addThreeTimes(benchmark::State& state)
 {
-    std::vector<std::string> strings;
-    for (unsigned int i = 0; i < cStrings; ++i)
-        strings.push_back(textIn(cASCII, cLabel, i));
-    return strings;
+    struct Step
+    {
+        float bearing;
+        float advance;
+    };
+    std::vector<Step> steps;
+    for (const std::string& string : textsOf(Kind::Labels, 1))
+    {
+        for (const char c : string)
+            steps.push_back({float(c % 5) / 4, float(c % 11) / 4});
+    }
+    benchmark::DoNotOptimize(steps.data());
+    const float halfPadding = 1.25f;
+    for (auto _ : state)
+    {
+        float x = 10;
+        for (const Step& step : steps)
+        {
+            x += step.bearing;
+            x -= halfPadding;
+            x += step.advance;
+        }
+        benchmark::DoNotOptimize(x);
+    }
+    count(state, steps.size());
 }
 
 td::ColorID colorOf(std::size_t i) { return i % 4 == 0 ? td::ColorID::Red : td::ColorID::Black; }
 
-void addAll(Font& font, const std::vector<std::string>& strings)
+void addAll(Font& font, const Strings& strings)
 {
     for (std::size_t i = 0; i < strings.size(); ++i)
         font.addString({10, static_cast<float>(i)}, strings[i].data(), strings[i].size(), colorOf(i), 1.0f);
 }
 
-void drawFrame(benchmark::State& state)
+void addAgain(benchmark::State& state, bool isAllNew)
 {
     Fixture fixture;
     if (!fixture.check(state))
         return;
-    addAll(fixture.font(), labels());
+    Strings strings[] = {texts(cManyStrings, cLabel, false, 1), texts(cManyStrings, cLabel, false, 2)};
+    unsigned int round = 0;
+    const auto add = [&]
+    {
+        ++round;
+        Strings& now = strings[isAllNew ? round % 2 : 0];
+        now[cManyStrings / 2][0] = static_cast<char>('a' + round % 26);
+        fixture.font().reset();
+        addAll(fixture.font(), now);
+    };
+    add(); // the memory is there
+    add();
+    for (auto _ : state)
+        add();
+    count(state, cManyStrings);
+}
+
+void draw(benchmark::State& state)
+{
+    Fixture fixture;
+    if (!fixture.check(state))
+        return;
+    addAll(fixture.font(), texts(cManyStrings, cLabel, false, 1));
     for (auto _ : state)
         fixture.text.render(Text::Ctrl::BlendNoDepthTest);
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(cStrings));
+    count(state, cManyStrings);
 }
 
 /// What somebody would keep of each string who draws without the library.
@@ -162,11 +289,11 @@ struct Draw
     bool isColorNew;
 };
 
-void drawFrameByHand(benchmark::State& state)
+void drawByHand(benchmark::State& state)
 {
     const bench::EmptyGL gl;
     std::vector<Draw> draws;
-    for (std::size_t i = 0; i < cStrings; ++i)
+    for (std::size_t i = 0; i < cManyStrings; ++i)
     {
         const float red = colorOf(i) == td::ColorID::Red ? 1.0f : 0.0f;
         draws.push_back({static_cast<GLint>(i * cLabel * 6), cLabel * 6, {red, 0, 0, 1}, i % 4 < 2});
@@ -184,36 +311,23 @@ void drawFrameByHand(benchmark::State& state)
             glDrawArrays(GL_TRIANGLES, draw.first, draw.count);
         }
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(cStrings));
+    count(state, cManyStrings);
 }
 
-// A clock among the labels: all are added again, uploaded and drawn.
-void changeOneAndDraw(benchmark::State& state)
-{
-    Fixture fixture;
-    if (!fixture.check(state))
-        return;
-    std::vector<std::string> strings = labels();
-    unsigned int frame = 0;
-    for (auto _ : state)
-    {
-        strings[cStrings / 2] = textIn(cASCII, cLabel, ++frame);
-        fixture.font().reset();
-        addAll(fixture.font(), strings);
-        fixture.text.render(Text::Ctrl::BlendNoDepthTest);
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(cStrings));
-}
-
-BENCHMARK_CAPTURE(layOut, ASCII, cASCII, Font::cLeft)->Name("Layout/ASCII")->Arg(cLabel)->Arg(cParagraph);
-BENCHMARK_CAPTURE(layOut, Latin1, cLatin1, Font::cLeft)->Name("Layout/Latin1")->Arg(cLabel)->Arg(cParagraph);
-BENCHMARK_CAPTURE(layOut, Cyrillic, cCyrillic, Font::cLeft)->Name("Layout/Cyrillic")->Arg(cLabel)->Arg(cParagraph);
-BENCHMARK_CAPTURE(layOut, CJK, cCJK, Font::cLeft)->Name("Layout/CJK")->Arg(cLabel)->Arg(cParagraph);
-BENCHMARK_CAPTURE(layOut, Centred, cASCII, Font::cCentre)->Name("Layout/ASCII centred")->Arg(cLabel);
-BENCHMARK_CAPTURE(measure, ASCII, cASCII)->Name("Measure/ASCII")->Arg(cLabel)->Arg(cParagraph);
-BENCHMARK_CAPTURE(measure, CJK, cCJK)->Name("Measure/CJK")->Arg(cLabel)->Arg(cParagraph);
-BENCHMARK(drawFrame)->Name("Frame/1000 strings");
-BENCHMARK(drawFrameByHand)->Name("Frame/byHand");
-BENCHMARK(changeOneAndDraw)->Name("Frame/one string of 1000 changes");
+BENCHMARK_CAPTURE(layOut, labels, Kind::Labels, Font::cLeft)->Name("Layout/labels");
+BENCHMARK_CAPTURE(layOut, mixed, Kind::Mixed, Font::cLeft)->Name("Layout/mixed");
+BENCHMARK_CAPTURE(layOut, paragraphs, Kind::Paragraphs, Font::cLeft)->Name("Layout/paragraphs");
+BENCHMARK_CAPTURE(layOut, centred, Kind::Labels, Font::cCentre)->Name("Layout/centred");
+BENCHMARK_CAPTURE(layOutPlainly, labels, Kind::Labels, Font::cLeft)->Name("Layout/labels/plain");
+BENCHMARK_CAPTURE(layOutPlainly, mixed, Kind::Mixed, Font::cLeft)->Name("Layout/mixed/plain");
+BENCHMARK_CAPTURE(layOutPlainly, paragraphs, Kind::Paragraphs, Font::cLeft)->Name("Layout/paragraphs/plain");
+BENCHMARK_CAPTURE(layOutPlainly, centred, Kind::Labels, Font::cCentre)->Name("Layout/centred/plain");
+BENCHMARK_CAPTURE(measure, labels, Kind::Labels)->Name("Measure/labels");
+BENCHMARK_CAPTURE(measure, mixed, Kind::Mixed)->Name("Measure/mixed");
+BENCHMARK(addThreeTimes)->Name("ThreeAdditions/labels");
+BENCHMARK_CAPTURE(addAgain, one, false)->Name("Again/one of 10000 changes");
+BENCHMARK_CAPTURE(addAgain, all, true)->Name("Again/all change");
+BENCHMARK(draw)->Name("Draw/10000 strings");
+BENCHMARK(drawByHand)->Name("Draw/byHand");
 
 } // namespace

@@ -1,5 +1,7 @@
 #include <gui/gl/Font.h>
 
+#include "GlyphTable.h"
+#include "LayoutMemo.h"
 #include "ProgHelper.h"
 
 #include <gui/gl/Color.h>
@@ -76,9 +78,8 @@ Font::Font(Font&& other) noexcept
     , _vao(std::exchange(other._vao, 0))
     , _vbo(std::exchange(other._vbo, 0))
     , _committed(std::exchange(other._committed, false))
-    , _areAllEdgesOrdered(other._areAllEdgesOrdered)
-    , _pageOf(std::move(other._pageOf))
-    , _pages(std::move(other._pages))
+    , _pTable(std::move(other._pTable))
+    , _pMemo(std::move(other._pMemo))
     , _textureContextID(other._textureContextID)
     , _bufferContextID(other._bufferContextID)
 {
@@ -177,6 +178,13 @@ bool Font::makeTexture(unsigned int width, unsigned int height, std::span<const 
     return true;
 }
 
+void Font::setAdditionalSpaceBetweenGlyphs(float space)
+{
+    _additionalSpace = space;
+    if (_pTable != nullptr)
+        _pTable->setSpace(_additionalSpace + _spaceWidth);
+}
+
 void Font::setZLevel(float first, float second)
 {
     _zLevel[0] = first;
@@ -185,6 +193,8 @@ void Font::setZLevel(float first, float second)
 
 void Font::reserve(unsigned long nGlyphs)
 {
+    if (_pMemo != nullptr)
+        _pMemo->forget();
     _vertices.reserve(cVerticesPerGlyph * nGlyphs);
     _commands.reserve(cCommandsReserved);
 }
@@ -255,6 +265,8 @@ void Font::draw(Program* prog)
 
 void Font::reset()
 {
+    if (_pMemo != nullptr)
+        _pMemo->restart(_commands.size(), _vertices.capacity());
     _vertices.reset();
     _commands.reset();
     _committed = false;
@@ -263,6 +275,8 @@ void Font::reset()
 void Font::release()
 {
     deleteBuffers();
+    if (_pMemo != nullptr)
+        _pMemo->forget();
     _vertices.release();
     _commands.release();
 }

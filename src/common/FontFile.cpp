@@ -1,5 +1,8 @@
 #include <gui/gl/Font.h>
 
+#include "GlyphTable.h"
+#include "LayoutMemo.h"
+
 #include <arch/ArchiveIn.h>
 #include <arch/FileSerializerIn.h>
 #include <vo/Log.h>
@@ -16,10 +19,6 @@ namespace
 {
 
 constexpr unsigned int cGlyphRecordBytes = 20;
-
-// Pages for all of Unicode.
-constexpr std::size_t cPageSize = 256;
-constexpr std::size_t cNoOfPages = 0x110000 / cPageSize;
 
 // The rows stored one after the other. @throws what a read beyond the file's end throws, before the memory is taken
 void readPixels(arch::FileSerializerIn& file, arch::ArchiveIn& archive, unsigned int bytesPP,
@@ -102,7 +101,10 @@ bool Font::readGlyphs(arch::ArchiveIn& archive, unsigned short noGlyphs, const c
         _glyphMap.append(static_cast<wchar_t>(codePoint), i);
     }
     _glyphMap.endUpdate();
-    indexGlyphs();
+    _pMemo = std::make_unique<LayoutMemo>();
+    _pTable =
+        std::make_unique<GlyphTable>(std::span<const _glyph>(_glyphs.begin(), _glyphs.end()), _glyphMap, _glyphPadding);
+    _pTable->setSpace(_additionalSpace + _spaceWidth);
     return true;
 }
 
@@ -110,43 +112,8 @@ void Font::dropGlyphs()
 {
     _glyphs.reserve(0);
     _glyphMap.reserve(0);
-    _pageOf.reserve(0);
-    _pages.reserve(0);
+    _pTable.reset();
+    _pMemo.reset();
 }
-
-void Font::indexGlyphs()
-{
-    const auto isCodePoint = [](wchar_t key) { return key >= 0 && std::size_t(key) < cNoOfPages * cPageSize; };
-
-    // Page 0 is the page of all code points that have no glyph.
-    std::size_t nPages = 1;
-    _pageOf.reserve(cNoOfPages);
-    _pageOf.zeros();
-    for (const auto& entry : _glyphMap)
-    {
-        if (isCodePoint(entry.key) && _pageOf[std::size_t(entry.key) / cPageSize] == 0)
-            _pageOf[std::size_t(entry.key) / cPageSize] = static_cast<unsigned short>(nPages++);
-    }
-    _pages.reserve(nPages * cPageSize);
-    std::fill(_pages.begin(), _pages.end(), static_cast<unsigned short>(_glyphs.size() - 1));
-    for (const auto& entry : _glyphMap)
-    {
-        if (isCodePoint(entry.key))
-            _pages[_pageOf[std::size_t(entry.key) / cPageSize] * cPageSize + std::size_t(entry.key) % cPageSize] =
-                *_glyphMap.find(entry.key); // of equal keys the one that a search finds
-    }
-
-    _areAllEdgesOrdered = true;
-    for (std::size_t i = 0; i < _glyphs.size(); ++i)
-        _areAllEdgesOrdered = _areAllEdgesOrdered && rightEdge(i) > _glyphs[i].tx;
-}
-
-std::size_t Font::glyphIndex(wchar_t codePoint) const
-{
-    const std::size_t c = static_cast<unsigned int>(codePoint);
-    return _pages.begin()[_pageOf.begin()[c / cPageSize] * cPageSize + c % cPageSize];
-}
-
-float Font::rightEdge(std::size_t index) const { return index + 1 < _glyphs.size() ? _glyphs[index + 1].tx : 1.0f; }
 
 } // namespace gui::gl

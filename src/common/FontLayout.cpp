@@ -1,5 +1,8 @@
 #include <gui/gl/Font.h>
 
+#include "GlyphRun.h"
+#include "LayoutMemo.h"
+
 #include <td/Assert.h>
 #include <td/Search.h>
 #include <vo/Log.h>
@@ -44,35 +47,84 @@ std::optional<std::span<const wchar_t>> Font::decode(const char* first, const ch
     auto* const pOut = reinterpret_cast<unsigned int*>(_pUTF32->begin());
     vo::UTFConverter::convertUTF8toUTF32(begin, end, pOut, pOut + n, cFlags);
     const std::span<const wchar_t> text(_pUTF32->begin(), n);
-    if (_areAllEdgesOrdered) [[likely]]
+    if (_pTable->areAllEdgesOrdered()) [[likely]]
         return text;
 
     for (const wchar_t c : text)
     {
         if (isHorizontalSpace(c) || isLineBreak(c))
             continue;
-        const std::size_t index = glyphIndex(c);
+        const std::size_t index = _pTable->number(static_cast<char32_t>(c));
         const float tx = _glyphs[index].tx;
-        const float nextTx = rightEdge(index);
+        const float nextTx = _pTable->rightEdge(index);
         TD_ASSERT(nextTx > tx, std::nullopt);
     }
     return text;
 }
 
+FontMetrics Font::metrics() const
+{
+    return {.lineHeight = _lineHeight,
+            .glyphPadding = _glyphPadding,
+            .additionalSpace = _additionalSpace,
+            .lineSpacing = _lineSpacing};
+}
+
 bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
 {
+    if (begin >= end)
+        return true;
+    const float s = scale;
+    Pen pen{.x = pos.x, .top = pos.y, .bottom = pos.y + s * _lineHeight, .widest = 0, .isFirst = true};
+    begin = runPiece(pos, begin, end, scale, pen);
+    if (begin != end && !addPlainly(pos, begin, end, scale, pen))
+        return false;
+    size = {std::max(pen.widest, pen.x - pos.x), (pen.bottom - pos.y) + s * _lineSpacing};
+    return true;
+}
+
+// Lays out in one pass what can be. @return where to go on plainly
+const char* Font::runPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen)
+{
+    const FontMetrics fontMetrics = metrics();
+    if (_pUTF32 == nullptr || !_pTable->isForRuns() || !GlyphRun::canRun(fontMetrics, pos, scale))
+        return begin;
+    if (_vertices.capacity() == 0)
+        _vertices.reserve(cVerticesAtFirst);
+    GlyphRun run(*_pTable, fontMetrics, pos, scale, pen);
+    const auto* p = reinterpret_cast<const unsigned char*>(begin);
+    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
+    for (const unsigned char* pStop = p; p < pEnd && p >= pStop;)
+    {
+        const std::size_t room = (_vertices.capacity() - _vertices.size()) / cVerticesPerGlyph;
+        _vd quad[cVerticesPerGlyph];
+        _vd* const pFirst = room > 0 ? _vertices.end() : quad;
+        _vd* pLast = pFirst;
+        pStop = p + std::min<std::size_t>(room > 0 ? room : 1, static_cast<std::size_t>(pEnd - p));
+        p = run.add(p, pStop, pEnd, pLast);
+        if (room > 0)
+        {
+            _vertices.pushSlots(static_cast<std::size_t>(pLast - pFirst));
+            if (run.hasSpilled())
+                _pMemo->overwrote(_vertices.size() + cVerticesPerGlyph);
+        }
+        else // which grows if it is a glyph
+            _vertices.push_back(quad, static_cast<std::size_t>(pLast - pFirst));
+    }
+    return reinterpret_cast<const char*>(p);
+}
+
+// The plain form of GlyphRun, for all that it leaves.
+bool Font::addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen)
+{
     const std::optional<std::span<const wchar_t>> text = decode(begin, end);
-    if (!text || text->empty())
-        return text.has_value();
+    if (!text)
+        return false;
     if (_vertices.capacity() == 0)
         _vertices.reserve(cVerticesAtFirst);
 
     const float s = scale;
-    float x = pos.x;
-    float t = pos.y;
-    float b = t + s * _lineHeight;
-    float widest = 0;
-    bool first = true;
+    auto& [x, t, b, widest, first] = pen;
     for (const wchar_t c : *text)
     {
         if (isHorizontalSpace(c))
@@ -90,7 +142,7 @@ bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* 
         }
         else
         {
-            const std::size_t index = glyphIndex(c);
+            const std::size_t index = _pTable->number(static_cast<char32_t>(c));
             const _glyph& glyph = _glyphs.begin()[index];
             if (first)
                 x -= s * glyph.bearing;
@@ -100,23 +152,27 @@ bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* 
             x -= (_glyphPadding * s) / 2;
             const float x1 = x + s * (glyph.width + _glyphPadding);
             const float u0 = glyph.tx;
-            const float u1 = rightEdge(index);
+            const float u1 = _pTable->rightEdge(index);
             const _vd quad[cVerticesPerGlyph] = {{x, b, u0, 1}, {x1, t, u1, 0}, {x, t, u0, 0},
                                                  {x, b, u0, 1}, {x1, b, u1, 1}, {x1, t, u1, 0}};
             _vertices.push_back(quad, cVerticesPerGlyph);
             x += s * glyph.advance + s * _additionalSpace;
         }
     }
-    widest = std::max(widest, x - pos.x);
-    size = {widest, (b - pos.y) + s * _lineSpacing};
     return true;
 }
 
 bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
 {
+    if (begin >= end)
+        return true;
+    if (_pUTF32 != nullptr && _pTable->isForRuns() && GlyphRun::canMeasure(metrics()) &&
+        GlyphRun::measure(*_pTable, metrics(), reinterpret_cast<const unsigned char*>(begin),
+                          reinterpret_cast<const unsigned char*>(end), size))
+        return true;
     const std::optional<std::span<const wchar_t>> text = decode(begin, end);
-    if (!text || text->empty())
-        return text.has_value();
+    if (!text)
+        return false;
 
     float x = 0;
     float y = 0;
@@ -136,7 +192,7 @@ bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& siz
         }
         else
         {
-            const _glyph& glyph = _glyphs.begin()[glyphIndex(c)];
+            const _glyph& glyph = _glyphs.begin()[_pTable->number(static_cast<char32_t>(c))];
             if (first)
                 x -= glyph.bearing;
             else
@@ -211,11 +267,26 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
     if (isEmpty())
         return {};
     len = lengthOf(str, len);
+    const std::size_t number = _commands.size();
+    const std::size_t nBefore = _vertices.size();
+    const LayoutMemo::Key key{.x = pos.x,
+                              .y = pos.y,
+                              .scale = format.scale,
+                              .additionalSpace = _additionalSpace,
+                              .lineSpacing = _lineSpacing,
+                              .alignment = format.hAlignment,
+                              .text = {str, len}};
+    const LayoutMemo::Layout* const pKnown = _pMemo->find(number, key, nBefore, _vertices.capacity());
+    if (pKnown != nullptr)
+    {
+        _vertices.pushSlots(pKnown->nVertices);
+        recordString(nBefore, format);
+        return pKnown->size;
+    }
     // In text of several pieces the first ones would be there when a later one is refused.
-    if (!_areAllEdgesOrdered && !decode(str, str + len))
+    if (!_pTable->areAllEdgesOrdered() && !decode(str, str + len))
         return {};
 
-    const std::size_t nBefore = _vertices.size();
     td::Size<float> size;
     bool isAdded = false;
     if (format.hAlignment == cLeft)
@@ -230,9 +301,16 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
         isAdded = addLines(pos, str, len, format, size);
     if (!isAdded)
         return {};
-    _commands.push_back({static_cast<unsigned int>(nBefore), static_cast<unsigned int>(_vertices.size() - nBefore),
-                         format.z, format.colorID});
+    recordString(nBefore, format);
+    _pMemo->remember(number, key, {nBefore, _vertices.size() - nBefore, size});
     return size;
+}
+
+// Its vertices are those from firstVertex on.
+void Font::recordString(std::size_t firstVertex, const _format& format)
+{
+    _commands.push_back({static_cast<unsigned int>(firstVertex),
+                         static_cast<unsigned int>(_vertices.size() - firstVertex), format.z, format.colorID});
 }
 
 td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBase& str, const _format& format)

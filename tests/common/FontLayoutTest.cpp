@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <random>
 
 namespace
@@ -58,12 +59,26 @@ std::string randomText(std::mt19937& random)
     return text;
 }
 
+/// What is no number is one and the same.
 std::vector<unsigned int> bits(const std::vector<float>& values)
 {
     std::vector<unsigned int> result(values.size());
     std::transform(values.begin(), values.end(), result.begin(),
-                   [](float value) { return std::bit_cast<unsigned int>(value); });
+                   [](float value) { return std::isnan(value) ? ~0u : std::bit_cast<unsigned int>(value); });
     return result;
+}
+
+std::vector<unsigned int> bits(const td::Size<float>& size)
+{
+    return bits(std::vector<float>{size.width, size.height});
+}
+
+/// Most often a number of the range.
+float randomNumber(std::mt19937& random, float from, float to)
+{
+    static constexpr float cOthers[] = {0.0f, -0.0f, 1e-44f, -1.0f, -2.5f, 3e38f, 1.0f, INFINITY, -INFINITY, NAN};
+    return random() % 16 == 0 ? cOthers[random() % std::size(cOthers)]
+                              : std::uniform_real_distribution<float>(from, to)(random);
 }
 
 class FontLayoutTest : public test::FontFixture
@@ -80,23 +95,29 @@ protected:
         return result;
     }
 
+    /// The same in both.
+    void setSpaces(PlainLayout& plain, float additional, float ofLines)
+    {
+        font().setAdditionalSpaceBetweenGlyphs(plain.additionalSpace = additional);
+        font().setSpaceBetweenLines(plain.lineSpacing = ofLines);
+    }
+
     const FontFile file = irregularFont();
 };
 
 TEST_F(FontLayoutTest, EqualsThePlainLayoutBitForBit)
 {
     std::mt19937 random(7);
-    const auto real = [&](float from, float to) { return std::uniform_real_distribution<float>(from, to)(random); };
+    const auto number = [&](float from, float to) { return randomNumber(random, from, to); };
     PlainLayout plain{.file = file, .vertices = {}};
     for (int round = 0; round < 4000; ++round)
     {
-        plain.additionalSpace = random() % 2 == 0 ? 0.0f : real(-1, 3);
-        plain.lineSpacing = random() % 2 == 0 ? 1.0f : real(-2, 9);
-        font().setAdditionalSpaceBetweenGlyphs(plain.additionalSpace);
-        font().setSpaceBetweenLines(plain.lineSpacing);
-        const Format format{.scale = random() % 4 == 0 ? 1.0f : real(0.1f, 3),
+        setSpaces(plain, random() % 2 == 0 ? 0.0f : number(-1, 3), random() % 2 == 0 ? 1.0f : number(-2, 9));
+        const Format format{.scale = random() % 4 == 0 ? 1.0f : number(0.1f, 3),
                             .hAlignment = static_cast<td::BYTE>(random() % 4)};
-        const td::Point<float> pos(real(-300, 300), real(-300, 300));
+        const td::Point<float> pos(number(-300, 300), number(-300, 300));
+        if (random() % 4 == 0) // until there is no room
+            font().reserve(random() % 24);
         const std::string text = randomText(random);
         // In memory of its size, without a zero behind it. An empty text is one up to its zero.
         const std::vector<char> exact(text.empty() ? std::vector<char>{'\0'}
@@ -106,7 +127,7 @@ TEST_F(FontLayoutTest, EqualsThePlainLayoutBitForBit)
         plain.vertices.clear();
         const td::Size<float> expected = plain.addString(pos, text, format);
         const td::Size<float> size = font().addString(pos, exact.data(), len, format);
-        EXPECT_EQ(bits({size.width, size.height}), bits({expected.width, expected.height})) << round;
+        EXPECT_EQ(bits(size), bits(expected)) << round;
         ASSERT_EQ(bits(takeVertices(font())), bits(plain.vertices)) << round;
 
         const unsigned int start = static_cast<unsigned int>(random()) % (len + 2);
@@ -116,7 +137,126 @@ TEST_F(FontLayoutTest, EqualsThePlainLayoutBitForBit)
             expectedPart =
                 plain.measure(PlainLayout::decoded(text.substr(start, count == 0 ? std::string::npos : count)));
         const td::Size<float> part = font().measure(exact.data(), len, {start, count});
-        EXPECT_EQ(bits({part.width, part.height}), bits({expectedPart.width, expectedPart.height})) << round;
+        EXPECT_EQ(bits(part), bits(expectedPart)) << round;
+    }
+}
+
+// The vertices of a string that is taken for the one before would be those of that one, or of what was written over them.
+TEST_F(FontLayoutTest, StringsAddedAgainAreLaidOutAsTheFirstTime)
+{
+    struct String
+    {
+        std::string text;
+        td::Point<float> pos;
+        Format format;
+    };
+    std::mt19937 random(11);
+    const auto below = [&](std::size_t n) { return random() % n; };
+    const auto number = [&] { return static_cast<float>(below(4)); };
+    const auto randomString = [&] {
+        return String{
+            randomText(random), {number(), number()}, {.scale = 1 + number(), .hAlignment = td::BYTE(below(3))}};
+    };
+    FontFile files[] = {file, file};
+    for (FontFile::Glyph& glyph : files[1].glyphs)
+        glyph.advance += 1;
+    PlainLayout plain{.file = file, .vertices = {}};
+    std::vector<String> strings(4, randomString());
+    const auto reload = [&]
+    {
+        plain.file = files[below(2)];
+        EXPECT_TRUE(readInto(font(), plain.file));
+    };
+    const auto change = [&](String& string)
+    {
+        switch (below(8))
+        {
+        case 0:
+            string = randomString();
+            return;
+        case 1:
+            string.text += " \t"[below(2)];
+            return;
+        case 2:
+            string.text.assign(string.text.size(), "za "[below(3)]);
+            return;
+        case 3:
+            string.pos.x = -string.pos.x;
+            return;
+        case 4:
+            string.pos.y = number();
+            return;
+        case 5:
+            string.format.scale = number();
+            return;
+        case 6:
+            string.format.hAlignment = td::BYTE(below(3));
+            return;
+        default:
+            string.text = string.text.substr(0, below(string.text.size() + 1));
+        }
+    };
+    for (int frame = 0; frame < 3000; ++frame)
+    {
+        const std::size_t place = below(strings.size());
+        switch (below(16))
+        {
+        case 0:
+            strings.insert(strings.begin() + std::ptrdiff_t(place), randomString());
+            break;
+        case 1:
+            if (strings.size() > 4)
+                strings.resize(place + 1);
+            break;
+        case 2:
+            setSpaces(plain, number() / 4, number());
+            break;
+        case 3:
+            font().reserve(below(200));
+            break;
+        case 4:
+            font().release();
+            break;
+        case 5:
+            reload();
+            break;
+        default:
+            change(strings[place]);
+        }
+        plain.vertices.clear();
+        const std::size_t disturbed = below(40); // in the middle of the strings
+        for (std::size_t i = 0; i < strings.size(); ++i)
+        {
+            const auto& [text, pos, format] = strings[i];
+            if (i == disturbed && below(2) == 0)
+                reload();
+            else if (i == disturbed)
+            {
+                const unsigned char z[] = {'z', ' '};
+                EXPECT_EQ(bits(font().addGlyphs(pos, z, z + 2, 2)), bits(plain.addGlyphs(pos, {'z', ' '}, 2)));
+            }
+            const td::Size<float> expected = plain.addString(pos, text, format);
+            EXPECT_EQ(bits(font().addString(pos, text.c_str(), text.size(), format)), bits(expected)) << frame;
+        }
+        ASSERT_EQ(bits(takeVertices(font())), bits(plain.vertices)) << frame;
+    }
+}
+
+// Layout numbers what is no glyph too, and 16 bits are few.
+TEST_F(FontLayoutTest, AsManyGlyphsAsCanBe)
+{
+    std::u32string characters(65535, U'\0');
+    for (std::size_t i = 0; i < characters.size(); ++i)
+        characters[i] = static_cast<char32_t>(0x20000 + i);
+    const std::string text = test::encoded(characters[65531]) + " \n\t" + test::encoded(characters[65533]) + "a" +
+                             test::encoded(characters[65534]);
+    for (const std::size_t n : {65532u, 65533u, 65534u, 65535u})
+    {
+        PlainLayout plain{.file = FontFile(characters.substr(0, n)), .vertices = {}};
+        ASSERT_TRUE(readInto(font(), plain.file));
+        const td::Size<float> expected = plain.addString({1, 2}, text, {});
+        EXPECT_EQ(bits(font().addString({1, 2}, text.c_str(), 0, Format{})), bits(expected)) << n;
+        EXPECT_EQ(bits(takeVertices(font())), bits(plain.vertices)) << n;
     }
 }
 

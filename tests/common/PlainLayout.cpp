@@ -20,10 +20,16 @@ PlainLayout::Text PlainLayout::decoded(const std::string& utf8)
 
 std::size_t PlainLayout::indexOf(unsigned int codePoint) const
 {
-    std::size_t i = 0;
-    while (i + 1 < file.glyphs.size() && file.glyphs[i].codePoint != codePoint)
-        ++i;
-    return i;
+    if (map.isEmpty())
+    {
+        map.reserve(file.glyphs.size());
+        map.beginUpdate();
+        for (std::size_t i = 0; i < file.glyphs.size(); ++i)
+            map.append(static_cast<wchar_t>(file.glyphs[i].codePoint), static_cast<unsigned short>(i));
+        map.endUpdate();
+    }
+    const unsigned short* const pIndex = map.find(static_cast<wchar_t>(codePoint));
+    return pIndex != nullptr ? *pIndex : file.glyphs.size() - 1;
 }
 
 td::Size<float> PlainLayout::addGlyphs(td::Point<float> pos, const Text& text, float s)

@@ -66,10 +66,14 @@ TEST_F(TextTest, RenderDrawsEachStringWithItsColorAndDepthWhereTheyChange)
     loadFont(0, U"ab");
     loadFont(1, U"c");
     Font& first = *renderer->getFont(0);
-    first.addString({0, 0}, "ab", 0, td::ColorID::Red, 1);
-    first.addString({0, 20}, "a", 0, td::ColorID::Red, 1);
-    first.addString({0, 40}, "", 0, Format{.z = 0.5f, .colorID = td::ColorID::Red});
-    first.addString({0, 60}, "b", 0, Format{.z = 0.5f, .colorID = td::ColorID::Lime});
+    const auto add = [&](td::ColorID color)
+    {
+        first.addString({0, 0}, "ab", 0, td::ColorID::Red, 1);
+        first.addString({0, 20}, "a", 0, td::ColorID::Red, 1);
+        first.addString({0, 40}, "", 0, Format{.z = 0.5f, .colorID = td::ColorID::Red});
+        first.addString({0, 60}, "b", 0, Format{.z = 0.5f, .colorID = color});
+    };
+    add(td::ColorID::Lime);
     renderer->init({2, 4}, Textures::Unit::T2);
     renderer->setFrameSize({0, 9}); // changes nothing
     renderer->setFrameSize({9, 0});
@@ -89,6 +93,12 @@ TEST_F(TextTest, RenderDrawsEachStringWithItsColorAndDepthWhereTheyChange)
                     "glBindTexture(0xde1, 2)", "glDisable(0xbe2)",
                     "glBindVertexArray(0)",    "glBindVertexArray(0)",
                     "glUseProgram(0)"}));
+
+    first.reset(); // the same strings, another colour
+    add(td::ColorID::Blue);
+    renderer->render(Text::Ctrl::None);
+    EXPECT_TRUE(trace.inOrder({"glUniform4fv(7, 1, [1 0 0 1])", "glDrawArrays(4, 0, 12)", "glDrawArrays(4, 12, 6)",
+                               "glDrawArrays(4, 18, 0)", "glUniform4fv(7, 1, [0 0 1 1])", "glDrawArrays(4, 18, 6)"}));
 }
 
 TEST_F(TextTest, CtrlSaysWhatIsTurnedOffAndOn)

@@ -33,7 +33,11 @@ class Texture;
 namespace gui::gl
 {
 
+class GlyphTable;
+class LayoutMemo;
 class Program;
+struct FontMetrics;
+struct Pen;
 
 /// A bitmap font together with the text laid out in it.
 ///
@@ -171,7 +175,7 @@ public:
                               float scale);
 
     /// Additional advance after every glyph and space, in font units; 0 at first.
-    void setAdditionalSpaceBetweenGlyphs(float space) { _additionalSpace = space; }
+    void setAdditionalSpaceBetweenGlyphs(float space);
     /// From the bottom of a line to the top of the next, in font units; 1 at first.
     void setSpaceBetweenLines(float space) { _lineSpacing = space; }
     /// Two levels that are kept for the application; nothing reads them.
@@ -203,17 +207,18 @@ private:
     bool read(arch::FileSerializerIn& file, const char* fileName, gui::Image::_data& imgData, float& metricC);
     bool readGlyphs(arch::ArchiveIn& archive, unsigned short noGlyphs, const char* fileName);
     void dropGlyphs();
-    void indexGlyphs();
     bool makeTexture(unsigned int width, unsigned int height, std::span<const td::BYTE> pixels, int minFilter);
     void deleteTexture();
     void deleteBuffers();
 
-    bool isEmpty() const { return _glyphs.size() == 0 || _glyphMap.isEmpty(); }
-    std::size_t glyphIndex(wchar_t codePoint) const;
-    float rightEdge(std::size_t index) const;
+    bool isEmpty() const { return _pTable == nullptr; }
+    FontMetrics metrics() const;
     std::optional<std::span<const wchar_t>> decode(const char* first, const char* last) const;
     bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
+    const char* runPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen);
+    bool addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen);
     bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
+    void recordString(std::size_t firstVertex, const _format& format);
     bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
                     const _format& format, td::Size<float>& size);
     bool addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
@@ -236,10 +241,8 @@ private:
     unsigned int _vao = 0;
     unsigned int _vbo = 0;
     bool _committed = false;
-    bool _areAllEdgesOrdered = true; // each glyph's right edge is right of its left one
-    // The glyph map once more, for looking up in two steps: the page of a code point, and its place on that page.
-    cnt::SafeFullVector<unsigned short, false> _pageOf;
-    cnt::SafeFullVector<unsigned short, false> _pages;
+    std::unique_ptr<GlyphTable> _pTable; // glyphs and their map once more, for layout; null as long as there are none
+    std::unique_ptr<LayoutMemo> _pMemo;  // null as long as the table is
     CurrentContext::ID _textureContextID = 0;
     CurrentContext::ID _bufferContextID = 0;
 };
