@@ -24,13 +24,13 @@ public:
         // A release that SDL makes up when the window loses the focus.
         if (keyCode == 0)
             keyCode = toKernelKeyCode(keyEvent.event.key.keysym.scancode) + cFirstKeyCode;
-        const unsigned int group = XkbGroupForCoreState(keyEvent.xState);
+        const auto group = static_cast<int>(XkbGroupForCoreState(keyEvent.xState));
         const KeySym shifted = isShifted ? symbolOf(keyCode, group, 1) : NoSymbol;
         return static_cast<std::uint32_t>(shifted != NoSymbol ? shifted : symbolOf(keyCode, group, 0));
     }
 
 private:
-    KeySym symbolOf(unsigned int keyCode, unsigned int group, unsigned int level) const
+    KeySym symbolOf(unsigned int keyCode, int group, int level) const
     {
         const KeySym symbol = XkbKeycodeToKeysym(_pDisplay, static_cast<KeyCode>(keyCode), group, level);
         // Keys that are the same in all layouts have one group only.

@@ -2,8 +2,35 @@
 
 #include <epoxy/gl.h>
 
+#include <stdexcept>
+
 namespace test
 {
+
+GLListener* s_pGLListener = nullptr;
+
+void GLListener::startListening()
+{
+    if (s_pGLListener != nullptr)
+        throw std::logic_error("somebody else listens to GL");
+    s_pGLListener = this;
+    for (const GLEntry& entry : glEntries())
+        entry.install(entry);
+}
+
+void GLListener::stopListening()
+{
+    for (const GLEntry& entry : glEntries())
+        entry.restore();
+    s_pGLListener = nullptr;
+}
+
+std::span<const unsigned int> namesOf(GLArguments arguments, const unsigned int& single)
+{
+    if (arguments.size() == 1)
+        return {&single, 1};
+    return {arguments[1].data<GLuint>(), static_cast<std::size_t>(arguments[0].integer)};
+}
 
 namespace
 {

@@ -9,7 +9,7 @@
 #include <span>
 #include <type_traits>
 
-// The inside of GLTrace.
+// How the tests take the place of GL: entry points that are replaced, and who hears of their calls.
 
 namespace test
 {
@@ -75,14 +75,33 @@ struct GLEntry
 /// The entry points that the library may use, and those that it must not but a trace should show.
 std::span<const GLEntry> glEntries();
 
-/// What a trace knows.
-struct GLTrace::State
+/// Hears of every GL call between start and stop. One at a time.
+class GLListener
 {
+public:
+    GLListener() = default;
+    virtual ~GLListener() = default;
+    GLListener(const GLListener&) = delete;
+    GLListener& operator=(const GLListener&) = delete;
+
     /// True when the call is answered here, false when the driver has to answer it.
-    bool answer(const GLEntry& entry, GLArguments arguments, long long& result);
+    virtual bool answer(const GLEntry& entry, GLArguments arguments, long long& result) = 0;
 
     /// Takes note of a call that was answered.
-    void note(const GLEntry& entry, GLArguments arguments, long long result);
+    virtual void note(const GLEntry& entry, GLArguments arguments, long long result) = 0;
+
+    void startListening();
+    void stopListening();
+};
+
+/// The names of a call that generates or deletes some, also of those that take just one.
+std::span<const unsigned int> namesOf(GLArguments arguments, const unsigned int& single);
+
+/// What a trace knows.
+struct GLTrace::State : GLListener
+{
+    bool answer(const GLEntry& entry, GLArguments arguments, long long& result) override;
+    void note(const GLEntry& entry, GLArguments arguments, long long result) override;
 
     Mode mode;
     std::vector<std::string> calls;
@@ -107,8 +126,8 @@ private:
     void keepNames(const GLEntry& entry, GLArguments arguments, long long result);
 };
 
-/// The trace that lives; null when none does.
-extern GLTrace::State* s_pTraceState;
+/// Who listens; null when nobody does.
+extern GLListener* s_pGLListener;
 
 /// Takes the place of an entry point. Slot: the address of the loader's pointer to it.
 template <auto Slot>
@@ -134,7 +153,7 @@ struct GLHook<Slot>
         const GLArgument values[sizeof...(Parameters) + 1] = {GLArgument(parameters)..., GLArgument(0)};
         const GLArguments arguments(values, sizeof...(Parameters));
         long long result = 0;
-        if (!s_pTraceState->answer(*s_pEntry, arguments, result))
+        if (!s_pGLListener->answer(*s_pEntry, arguments, result))
         {
             // On its first call the loader's pointer replaces itself and calls on through itself: it has to be back in
             // its place meanwhile, or it would call this function again, for ever.
@@ -146,7 +165,7 @@ struct GLHook<Slot>
             s_loaded = *Slot;
             *Slot = call;
         }
-        s_pTraceState->note(*s_pEntry, arguments, result);
+        s_pGLListener->note(*s_pEntry, arguments, result);
         if constexpr (!std::is_void_v<Result>)
             return static_cast<Result>(result);
     }

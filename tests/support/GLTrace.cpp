@@ -9,12 +9,9 @@
 #include <cstdio>
 #include <cstring>
 #include <sstream>
-#include <stdexcept>
 
 namespace test
 {
-
-GLTrace::State* s_pTraceState = nullptr;
 
 namespace
 {
@@ -91,14 +88,6 @@ std::string linesOf(const std::vector<std::string>& calls)
     for (const std::string& call : calls)
         text += "\n  " + call;
     return calls.empty() ? " none" : text;
-}
-
-/// The names of a glGen* or glDelete* call, also of those that take just one.
-std::span<const GLuint> namesOf(GLArguments arguments, const GLuint& single)
-{
-    if (arguments.size() == 1)
-        return {&single, 1};
-    return {arguments[1].data<GLuint>(), static_cast<std::size_t>(arguments[0].integer)};
 }
 
 std::vector<unsigned char> bytesOf(const void* data, std::size_t n)
@@ -274,21 +263,12 @@ void GLTrace::State::keepData(std::string_view function, GLArguments arguments)
 GLTrace::GLTrace(Mode mode)
     : _state(std::make_unique<State>())
 {
-    if (s_pTraceState != nullptr)
-        throw std::logic_error("another GLTrace lives");
     _state->mode = mode;
     _state->limits = {{GL_MAX_TEXTURE_IMAGE_UNITS, 16}, {GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS, 80}};
-    s_pTraceState = _state.get();
-    for (const GLEntry& entry : glEntries())
-        entry.install(entry);
+    _state->startListening();
 }
 
-GLTrace::~GLTrace()
-{
-    for (const GLEntry& entry : glEntries())
-        entry.restore();
-    s_pTraceState = nullptr;
-}
+GLTrace::~GLTrace() { _state->stopListening(); }
 
 const std::vector<std::string>& GLTrace::calls() const { return _state->calls; }
 

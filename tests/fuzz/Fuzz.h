@@ -1,0 +1,90 @@
+#pragma once
+
+#include <td/Types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+// What every target is: libFuzzer calls it with inputs of its own, Replay.cpp with the files of the corpus.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n);
+
+namespace fuzz
+{
+
+/// Ends the program, with the text, when what must hold does not: the input is a finding then.
+void require(bool holds, const char* text);
+
+/// The bytes of an input as values, from the first on. Behind the end all are 0.
+class Input
+{
+public:
+    Input(const std::uint8_t* bytes, std::size_t n)
+        : _at(bytes)
+        , _end(bytes + n)
+    {
+    }
+
+    std::size_t left() const { return static_cast<std::size_t>(_end - _at); }
+
+    template <typename T>
+    T take()
+    {
+        T value{};
+        const std::size_t n = left() < sizeof value ? left() : sizeof value;
+        if (n > 0)
+            std::memcpy(&value, _at, n);
+        _at += n;
+        return value;
+    }
+
+    /// 0 to n - 1, of one byte.
+    unsigned int below(unsigned int n) { return take<td::BYTE>() % n; }
+
+    /// The bytes that are left, at most max.
+    std::string text(std::size_t max = SIZE_MAX)
+    {
+        const std::size_t n = left() < max ? left() : max;
+        const std::string result(reinterpret_cast<const char*>(_at), n);
+        _at += n;
+        return result;
+    }
+
+private:
+    const std::uint8_t* _at;
+    const std::uint8_t* _end;
+};
+
+/// A file without a place on the disk that holds an input.
+class MemoryFile
+{
+public:
+    MemoryFile();
+    ~MemoryFile();
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    void write(const std::uint8_t* bytes, std::size_t n);
+    const char* path() const { return _path.c_str(); }
+
+private:
+    int _descriptor;
+    std::string _path;
+};
+
+/// While it lives, assertions that fail and lines of the log are counted, and nothing is written or stopped.
+class Quiet
+{
+public:
+    Quiet();
+    ~Quiet();
+    Quiet(const Quiet&) = delete;
+    Quiet& operator=(const Quiet&) = delete;
+
+    unsigned int nAsserts = 0;
+    unsigned int nLines = 0;
+};
+
+} // namespace fuzz

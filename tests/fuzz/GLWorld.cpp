@@ -1,0 +1,358 @@
+#include "GLWorld.h"
+
+#include <gui/Texture.h>
+#include <gui/gl/CurrentContext.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace fuzz
+{
+
+namespace
+{
+
+using gui::gl::Buffer;
+using gui::gl::CurrentContext;
+using gui::gl::DataType;
+using gui::gl::Textures;
+using Kind = test::StrictGL::Kind;
+
+gui::Texture imageOf(int width, int height, unsigned short bytesPerPixel)
+{
+    gui::Texture image;
+    image.reserve(static_cast<unsigned int>(width * height * bytesPerPixel));
+    gui::TextureHelper(&image).updateInfo(width, height, bytesPerPixel);
+    return image;
+}
+
+} // namespace
+
+void GLWorld::ProgramObject::onLinked()
+{
+    _color3Location = getUniformLocation("color3");
+    _color4Location = getUniformLocation("color4");
+    _matrixLocation = getUniformLocation("mvp");
+}
+
+GLWorld::GLWorld()
+{
+    for (BufferSlot& slot : _buffers)
+        slot.object.emplace();
+    for (ProgramSlot& slot : _programs)
+        slot.object.emplace();
+    for (TextureSlot& slot : _textures)
+        slot.object.emplace();
+    _list.emplace();
+    makeCurrent(1);
+}
+
+void GLWorld::live(Input input)
+{
+    while (input.left() > 0)
+    {
+        doNext(input);
+        check();
+    }
+    end();
+}
+
+void GLWorld::doNext(Input& input)
+{
+    switch (input.below(10))
+    {
+    case 0:
+        return changeContext(input);
+    case 1:
+    case 2:
+    case 3:
+        return changeBuffer(input);
+    case 4:
+    case 5:
+        return changeCommand(input);
+    case 6:
+        return changeProgram(input);
+    case 7:
+        return changeTextures(input);
+    default:
+        return draw(input);
+    }
+}
+
+void GLWorld::check()
+{
+    for (const std::string& finding : _gl.takeFindings())
+    {
+        std::fprintf(stderr, "%s\n", finding.c_str());
+        require(false, "every GL call is right");
+    }
+    for (const BufferSlot& slot : _buffers)
+    {
+        require(slot.object->isCommitted() == slot.isCommitted, "a buffer's state");
+        require(slot.object->getVertices().size() == slot.nFloats, "a buffer's vertices");
+        require(slot.object->getNoOfIndices() == slot.nIndices, "a buffer's indices");
+    }
+    for (std::size_t i = 0; i <= _buffers.size(); ++i)
+        require(listOf(i).size() == plainListOf(i).commands.size(), "a list's commands");
+}
+
+// The objects go in any context or none; what they leave is deleted when its context is current again.
+void GLWorld::end()
+{
+    _list.reset();
+    for (BufferSlot& slot : _buffers)
+        slot.object.reset();
+    for (ProgramSlot& slot : _programs)
+        slot.object.reset();
+    for (TextureSlot& slot : _textures)
+        slot.object.reset();
+    for (unsigned int context = 1; context <= cContexts; ++context)
+        if (_isAlive[context])
+            makeCurrent(context);
+    require(_gl.takeFindings().empty(), "every GL call is right, at the end too");
+    require(_gl.nAlive() == 0, "nothing is left");
+    for (unsigned int context = 1; context <= cContexts; ++context)
+        endContext(context);
+}
+
+void GLWorld::makeCurrent(unsigned int context)
+{
+    if (context != _current)
+        _pActive = nullptr;
+    _current = context;
+    _isAlive[context] = true;
+    _gl.makeCurrent(context);
+    CurrentContext::set(context == 0 ? nullptr : &_handles[context]);
+}
+
+void GLWorld::endContext(unsigned int context)
+{
+    if (context == _current)
+        _pActive = nullptr;
+    if (context == _current)
+        _current = 0;
+    _isAlive[context] = false;
+    CurrentContext::died(&_handles[context]);
+    _gl.destroy(context);
+    // Its names are of no use any more.
+    for (BufferSlot& slot : _buffers)
+        if (slot.context == context)
+            slot.context = 99;
+    for (ProgramSlot& slot : _programs)
+        if (slot.context == context)
+            slot.context = 99;
+    for (TextureSlot& slot : _textures)
+        if (slot.context == context)
+            slot.context = 99;
+}
+
+void GLWorld::changeContext(Input& input)
+{
+    const unsigned int what = input.below(8);
+    if (what <= cContexts)
+        makeCurrent(what);
+    else if (what == 4)
+        endContext(1 + input.below(cContexts));
+    else if (what == 5)
+        deactivate();
+    else
+        _gl.refuseNth(1 + input.below(5));
+}
+
+void GLWorld::deactivate()
+{
+    if (_current != 0)
+        gui::gl::Program::useNone();
+    _pActive = nullptr;
+}
+
+void GLWorld::changeBuffer(Input& input)
+{
+    BufferSlot& slot = _buffers[input.below(3)];
+    switch (input.below(8))
+    {
+    case 0:
+        return initBuffer(slot, input);
+    case 1:
+        return emptyBuffer(slot), slot.object->reset();
+    case 2:
+        emptyBuffer(slot);
+        slot.context = 0;
+        return slot.object->release();
+    case 3:
+        std::destroy_at(&slot);
+        std::construct_at(&slot)->object.emplace();
+        return;
+    case 4:
+    case 5:
+        return commit(slot);
+    default:
+        return appendTo(slot, input);
+    }
+}
+
+void GLWorld::emptyBuffer(BufferSlot& slot)
+{
+    slot.list = {};
+    slot.nFloats = slot.nIndices = 0;
+    slot.isCommitted = false;
+}
+
+void GLWorld::initBuffer(BufferSlot& slot, Input& input)
+{
+    Buffer& buffer = *slot.object;
+    // The objects of a committed buffer would have another layout than the buffer.
+    if (slot.isCommitted)
+        return;
+    const std::size_t nCommands = input.below(3), nIndices = input.below(3);
+    bool isDone = false;
+    std::size_t nVertexFloats = 2, nInstanceFloats = slot.nInstanceFloats;
+    switch (input.below(4))
+    {
+    case 0:
+        isDone = buffer.init(nCommands, 4, nIndices, {DataType::Vec2});
+        break;
+    case 1:
+        isDone = buffer.init(nCommands, 0, nIndices, {DataType::Vec3, DataType::Vec4});
+        nVertexFloats = 7;
+        break;
+    case 2:
+        isDone = buffer.init(nCommands, 1, nIndices, 3, {DataType::Vec2}, {DataType::Vec4, DataType::Float}, {1, 2});
+        nInstanceFloats = 5;
+        break;
+    default:
+        require(!buffer.init(1, 1, 1, {}), "no layout is refused");
+        return;
+    }
+    require(isDone, "a layout is accepted");
+    slot.nVertexFloats = nVertexFloats;
+    slot.nInstanceFloats = nInstanceFloats;
+    slot.nFloats = 0;
+    if (nCommands > 0)
+        slot.list = {};
+    if (nIndices > 0)
+        slot.nIndices = 0;
+}
+
+void GLWorld::appendTo(BufferSlot& slot, Input& input)
+{
+    Buffer& buffer = *slot.object;
+    const std::vector<float> floats(8 * 7, 0.5f);
+    const unsigned int indices[] = {0, 1, 2, 1, 0, 2, 0, 1};
+    const unsigned int what = input.below(8), n = input.below(8);
+    const bool isOpen = !slot.isCommitted && slot.nVertexFloats > 0;
+    const bool takesPoints = isOpen && 2 % slot.nVertexFloats == 0;
+    if (what == 0)
+        buffer.appendIndices(indices, n);
+    else if (what == 1)
+        buffer.appendIndex(n);
+    else if (what == 2)
+        buffer.appendVertices(floats.data(), n);
+    else if (what == 3)
+        buffer.appendVertexUnits(floats.data(), n);
+    else if (what == 4)
+        buffer.appendVertex({1, 2});
+    else if (what == 5)
+        buffer.appendInstances(floats.data(), n);
+    else if (what == 6 && takesPoints)
+        buffer.insertVertex(n, {3, 4});
+    else if (what == 7 && takesPoints && slot.nFloats > 2 * n)
+        buffer.updateVertex(n, {5, 6});
+    if (what < 2 && !slot.isCommitted)
+        slot.nIndices += what == 0 ? n : 1;
+    if (what == 2 && isOpen)
+        slot.nFloats += n * slot.nVertexFloats;
+    if (what == 3 && isOpen && n % slot.nVertexFloats == 0)
+        slot.nFloats += n;
+    if ((what == 4 || what == 6) && takesPoints)
+        slot.nFloats += 2;
+}
+
+void GLWorld::commit(BufferSlot& slot)
+{
+    const std::size_t nBefore = _gl.nAlive(_current, Kind::VertexArray);
+    const bool isDone = slot.object->commit();
+    require(isDone || !slot.object->isCommitted(), "a buffer that was not committed is not");
+    if (_current == 0)
+        return require(isDone == slot.isCommitted, "nothing is committed without a context");
+    // A buffer that was reset may have deleted its vertex array and made another.
+    slot.isCommitted = slot.object->isCommitted();
+    if (_gl.nAlive(_current, Kind::VertexArray) > nBefore || (isDone && slot.context == 0))
+        slot.context = _current;
+    if (slot.isCommitted)
+        slot.nIndicesInGL = slot.nIndices;
+}
+
+void GLWorld::changeProgram(Input& input)
+{
+    ProgramSlot& slot = _programs[input.below(2)];
+    const unsigned int what = input.below(6);
+    if (what < 3)
+    {
+        if (_pActive == &slot)
+            deactivate();
+        slot.object->release();
+        slot.uniforms.clear();
+        const bool isLinked = what > 0 && slot.object->link("vertex", "fragment", what == 1 ? "geometry" : nullptr);
+        slot.context = isLinked ? _current : 0;
+        require(!isLinked || _current != 0, "nothing is linked without a context");
+    }
+    else if (what == 3)
+    {
+        if (_pActive == &slot)
+            deactivate();
+        std::destroy_at(&slot);
+        std::construct_at(&slot)->object.emplace();
+    }
+    else
+    {
+        Textures* const pTextures = input.below(3) == 0 ? nullptr : &*_textures[input.below(2)].object;
+        slot.object->setTextures(pTextures);
+        slot.pTextures = pTextures;
+    }
+}
+
+void GLWorld::changeTextures(Input& input)
+{
+    TextureSlot& slot = _textures[input.below(2)];
+    const unsigned int what = input.below(6);
+    if (what < 2)
+        return append(slot, input);
+    slot.context = 0;
+    if (what == 2)
+        return slot.object->release();
+    if (what == 3)
+        return slot.object->reserve(static_cast<unsigned short>(input.below(4)));
+    for (ProgramSlot& program : _programs)
+        if (program.pTextures == &*slot.object)
+        {
+            program.object->setTextures(nullptr);
+            program.pTextures = nullptr;
+        }
+    slot.object.emplace();
+}
+
+void GLWorld::append(TextureSlot& slot, Input& input)
+{
+    static gui::Texture s_rgb = imageOf(2, 2, 3), s_rgba = imageOf(3, 1, 4), s_grey = imageOf(2, 2, 1), s_none;
+    Textures& textures = *slot.object;
+    const unsigned short before = textures.size();
+    bool isDone = false;
+    const unsigned int what = input.below(5);
+    if (what == 0)
+        isDone = textures.append({&s_rgb, &s_rgba, &s_rgb}, gui::gl::Texture::Type::Tex2D);
+    else if (what == 1)
+        isDone = textures.append({&s_rgba, &s_none}, gui::gl::Texture::Type::Tex2D);
+    else if (what == 2)
+        isDone = textures.append({&s_grey}, gui::gl::Texture::Type::Tex2D);
+    else if (what == 3)
+        isDone = textures.append({"/nowhere.png", nullptr}, gui::gl::Texture::Type::Tex2D);
+    else
+        isDone = textures.appendCubeMap(2, [](const glm::vec3& direction) { return direction; });
+    const bool mayBe = _current != 0 && (before == 0 || slot.context == _current);
+    require(mayBe || (!isDone && textures.size() == before), "textures of one context make a set");
+    if (mayBe && textures.size() > 0)
+        slot.context = _current;
+}
+
+} // namespace fuzz
