@@ -31,6 +31,7 @@ public:
     /// @param worldUp     where up is in the world, of any length but 0
     explicit Camera(const glm::vec3& position = glm::vec3(0), float yaw = -90, float pitch = 0,
                     const glm::vec3& worldUp = glm::vec3(0, 1, 0));
+    /// The same as numbers: position, worldUp, yaw, pitch.
     Camera(float posX, float posY, float posZ, float upX, float upY, float upZ, float yaw = -90, float pitch = 0);
     /// Looks at a target. Where the target is the position, it looks along -z.
     Camera(const glm::vec3& position, const glm::vec3& target, const glm::vec3& worldUp = glm::vec3(0, 1, 0));

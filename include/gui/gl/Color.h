@@ -13,6 +13,7 @@ namespace gui::gl
 class GUIGL_API Color
 {
 public:
+    /// @param color  becomes red, green, blue
     static void get(td::ColorID id, glm::vec3& color);
     /// @param color  red, green, blue and the table's alpha
     static void get(td::ColorID id, glm::vec4& color);

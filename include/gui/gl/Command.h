@@ -28,6 +28,7 @@ namespace gui::gl
 class GUIGL_API Command
 {
 public:
+    /// What a command does when it is executed.
     enum class Type : td::BYTE
     {
         None,
@@ -43,6 +44,7 @@ public:
         UniformSetter
     };
 
+    /// What a draw command sends first: nothing, a colour of 3 or of 4 components, or a texture.
     enum class DrawSubType : td::BYTE
     {
         None = 0,
@@ -107,6 +109,7 @@ public:
     /// @param index  0 to 255; negative values of char stand for 128 to 255
     void setTexture(Textures::Unit unit, char index);
 
+    /// Overwrites what kind of command it is and what it sends; its data stay. For those who fill commands by other means.
     void setTypeInfo(Type type, DrawSubType subType);
 
     /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and after

@@ -22,6 +22,7 @@ class GUIGL_API CommandList
 {
 public:
     CommandList();
+    /// With room for n commands.
     explicit CommandList(std::size_t n);
     ~CommandList();
     CommandList(const CommandList&) = delete;
@@ -42,6 +43,7 @@ public:
     /// Removes the last command, whichever is passed; an empty list stays empty. @return true
     bool remove(Command* pCommand);
 
+    /// Executes all of them, in their order.
     void execute();
     /// Commands first to first + count - 1, as many of them as there are.
     void execute(std::size_t first, std::size_t count);

@@ -67,6 +67,7 @@ struct StencilBuffer
         Always
     };
 
+    /// What becomes of the stored value.
     enum class Operation : td::BYTE
     {
         Keep,
@@ -80,8 +81,10 @@ struct StencilBuffer
     };
 };
 
+/// Blending of what is drawn with what is there.
 struct Blend
 {
+    /// What the source's or the destination's colour is multiplied by.
     enum class Factor : td::BYTE
     {
         Zero,
@@ -114,18 +117,21 @@ struct Blend
 class GUIGL_API Context
 {
 public:
+    /// Whether the view begins animated; see View::startAnimation for later.
     enum class Animation : td::BYTE
     {
         On, ///< frames follow the display's clock
         Off ///< frames are drawn on request
     };
 
+    /// The OpenGL to ask for. A newer one that has it may come.
     enum class Profile : td::BYTE
     {
         Core32, ///< OpenGL 3.2 core
         Core41  ///< OpenGL 4.1 core
     };
 
+    /// A buffer to clear.
     enum class Clear : td::BYTE
     {
         Color = 1,
@@ -133,6 +139,7 @@ public:
         Stencil
     };
 
+    /// What enable turns on; all are off in a new context.
     enum class Flag : td::BYTE
     {
         DepthTest,
@@ -141,6 +148,7 @@ public:
         Blend
     };
 
+    /// What triangles are drawn as: whole, their edges, or their corners.
     enum class PolygonMode : td::BYTE
     {
         Fill,
@@ -182,10 +190,12 @@ public:
     /// Sets the colour that the colour buffer is cleared to; alpha is always 1. It clears nothing by itself.
     static void clear(td::ColorID color);
 
+    /// What the next bind of a texture is for.
     static void setActiveTextureUnit(Textures::Unit unit);
     /// @param textureID  not 0 (an assertion)
     static void bindTextureToCurrentlyActiveTextureUnit(unsigned int textureID, Texture::Type type);
 
+    /// They stay as they are until the other is called, from frame to frame.
     static void enable(Flag flag);
     static void disable(Flag flag);
 
@@ -200,6 +210,8 @@ public:
     static void setStencilBufferOperation(StencilBuffer::Operation sfail, StencilBuffer::Operation dpfail,
                                           StencilBuffer::Operation dppass);
 
+    /// Takes effect where Flag::Blend is on: src times what is drawn, plus dst times what is there. SrcAlpha and
+    /// OneMinusSrcAlpha are the usual choice.
     static void setBlendFunction(Blend::Factor src, Blend::Factor dst);
     /// @param size  in device pixels
     static void setPointSize(float size);

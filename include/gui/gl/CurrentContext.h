@@ -24,6 +24,7 @@ public:
     /// A number that is never used for a second context; 0 means none.
     using ID = std::uint64_t;
 
+    /// The kind of GL object that a name belongs to.
     enum class Kind : td::BYTE
     {
         Buffer,

@@ -14,6 +14,7 @@ namespace gui::gl
 class GUIGL_API Flat2DProgram : public Program
 {
 public:
+    /// Which of the two colours of a command the program takes.
     enum class Colors : td::BYTE
     {
         Opaque,   ///< commands have a colour of red, green and blue

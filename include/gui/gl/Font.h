@@ -98,6 +98,7 @@ public:
     };
 
     Font();
+    /// The other one has no glyphs, no strings and no GL objects afterwards.
     Font(Font&& other) noexcept;
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;

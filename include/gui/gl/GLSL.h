@@ -9,6 +9,7 @@ namespace gui::gl
 /// The stages of a shader program, as messages name them.
 struct GUIGL_API GLSL
 {
+    /// A stage, or the whole program.
     enum class Type : td::BYTE
     {
         VertexShader,

@@ -64,6 +64,7 @@ protected:
     /// Takes over the size and brings the projection up to date; there is no notification and no redraw.
     void onResize(const td::Size<double>& size) override;
 
+    /// These pan while Shift is held.
     void onPrimaryButtonPressed(const InputDevice& device) override;
     void onPrimaryButtonReleased(const InputDevice& device) override;
     void onPrimaryButtonDblClick(const InputDevice& device) override;

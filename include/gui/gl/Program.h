@@ -47,7 +47,7 @@ public:
 
     /// Compiles and links. Each stage is GLSL text, or ':' and the name of a text resource.
     /// Calls onLinked on success and onError on failure. A program linked before is not deleted: release it first.
-    /// @param geometryResID  null for none  @param tessCtrlResID, tessEvalResID  used only when both are given
+    /// @param geometryResID  null for none. Tessellation stages, in the second form, are used only when both are given
     /// @return false after a failure. The debug log and getLastError say
     ///         "OpenGL <stage> compilation failed! Info='<driver's log>'. FileName=<stage argument less its colon>" or
     ///         "OpenGL Program linking failed! Info='<driver's log>'. Vertex fileName=<…>, fragment fileName=<…>" or
@@ -168,6 +168,7 @@ private:
     Textures* _pTextures = nullptr;
 
 protected:
+    /// The tables of reserveUniforms and getUniformLocationsForMatrices.
     cnt::SafeFullVector<int, false> _uniformLocations;
     cnt::SafeFullVector<int, false> _matrixLocations;
 
@@ -175,6 +176,8 @@ private:
     unsigned int _programID = 0;
 
 protected:
+    /// Locations that a derived class looks up: of the uniforms that setColor3, setColor4 and setMVP send, and with them
+    /// commands. -1 for a program that has none.
     int _color3Location = -1;
     int _color4Location = -1;
     int _matrixLocation = -1;

@@ -10,6 +10,7 @@ namespace gui::gl
 class GUIGL_API Scene
 {
 public:
+    /// Nothing yet.
     void execute();
     void reset();
     void release();

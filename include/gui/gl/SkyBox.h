@@ -28,6 +28,7 @@ public:
     class GUIGL_API Prog : public Program
     {
     public:
+        /// The unit that the cube map is bound to. Sets a uniform of the program in use.
         void setSampler(Textures::Unit unit);
 
     protected:

@@ -41,6 +41,7 @@ public:
         // clang-format on
     };
 
+    /// A texture of the set.
     struct TextureInfo
     {
         unsigned int id = 0; ///< GL name; 0 means no texture
@@ -105,6 +106,7 @@ public:
     Texture::Type getType(unsigned short index) const;
     std::tuple<unsigned int, Texture::Type> getIDAndType(unsigned short index) const;
 
+    /// The unit for the next bind, and a bind to it by position.
     void setActiveUnit(Unit unit);
     void bindToActiveUnit(unsigned short index);
     /// Both of the above.

@@ -43,6 +43,7 @@ class VertexFinder;
 class GUIGL_API Triang2D
 {
 public:
+    /// Vertices, and what counts them.
     using Points = cnt::PushBackVector<td::Point<float>, 0>;
     using Indices = cnt::PushBackVector<unsigned int, 0>;
 
@@ -163,6 +164,7 @@ GUIGL_API glm::vec2 getMiddlePointOutlineVector(const glm::vec2& a, const glm::v
 GUIGL_API td::Point<float> getMiddlePointOutlineVector(const td::Point<float>& a, const td::Point<float>& b,
                                                        const td::Point<float>& c, float width);
 
+/// The same point for glm and for the toolkit.
 inline glm::vec2 toGlm2(const td::Point<float>& pt) { return {pt.x, pt.y}; }
 inline td::Point<float> toPt2(const glm::vec2& v) { return {v.x, v.y}; }
 

@@ -123,6 +123,7 @@ protected:
     /// Called before each frame of an animation. @return false, the default, to end the animation after this frame
     virtual bool prepareNextFrame();
 
+    /// For the native view: calls prepareNextFrame.
     bool _prepareNextFrame() { return prepareNextFrame(); }
 
 private:

@@ -23,6 +23,7 @@ public:
     /// @throws std::ios_base::failure when the file has fewer than n bytes left
     void require(std::uint64_t n) const;
 
+    /// Nothing when it is closed already. Reading throws from then on.
     void close();
 
 private:

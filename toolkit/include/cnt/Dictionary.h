@@ -14,6 +14,7 @@ template <typename Key, typename Value>
 class Dictionary
 {
 public:
+    /// A key with its value.
     struct _entry
     {
         Key key;

@@ -57,6 +57,7 @@ class List
     };
 
 public:
+    /// Walk from the first entry to the last. They stay good while entries are appended.
     using iterator = _iterator<T, _entry>;
     using const_iterator = _iterator<const T, const _entry>;
 

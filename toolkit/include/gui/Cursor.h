@@ -9,6 +9,7 @@ namespace gui
 class Cursor
 {
 public:
+    /// The shape of the pointer.
     enum class Type : td::BYTE
     {
         Default = 1, ///< the arrow; what a view shows at first

@@ -21,6 +21,7 @@ protected:
     /// Draws a frame. @param rect  what has to be drawn, in points
     virtual void onDraw(const td::RectNormalized<double>& rect);
 
+    /// A click, with the number of clicks in a row in the record.
     virtual void onPrimaryButtonPressed(const InputDevice& device);
     virtual void onPrimaryButtonReleased(const InputDevice& device);
     virtual void onSecondaryButtonPressed(const InputDevice& device);
@@ -29,6 +30,7 @@ protected:
     /// The second press of a double click; it takes the place of onPrimaryButtonPressed.
     virtual void onPrimaryButtonDblClick(const InputDevice& device);
 
+    /// The pointer over the view.
     virtual void onCursorEntered(const InputDevice& device);
     virtual void onCursorMoved(const InputDevice& device);   ///< with no button down
     virtual void onCursorDragged(const InputDevice& device); ///< with the primary button down
@@ -45,6 +47,7 @@ protected:
     /// The view has a new size. @param size  in points
     virtual void onResize(const td::Size<double>& size);
 
+    /// Keys come to this view from now on, or do so no more.
     virtual void onFocusIn();
     virtual void onFocusOut();
 };

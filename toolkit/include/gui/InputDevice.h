@@ -13,6 +13,7 @@ namespace gui
 class InputDevice
 {
 public:
+    /// What made the event.
     enum class Type : td::BYTE
     {
         Mouse = 1,   ///< the pointer, its buttons and the wheel
@@ -20,6 +21,7 @@ public:
         Keyboard = 5 ///< a zoom step made with the keyboard
     };
 
+    /// The button that the event is about.
     enum class Button : td::BYTE
     {
         None = 0,

@@ -16,6 +16,7 @@ enum class KeyModifier : unsigned int
     Fn = 32
 };
 
+/// Whether a mask has this bit.
 constexpr bool isKeyModifierPressed(unsigned int modifiers, KeyModifier modifier)
 {
     return (modifiers & static_cast<unsigned int>(modifier)) != 0;

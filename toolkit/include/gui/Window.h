@@ -35,6 +35,7 @@ public:
     /// Whether it shows a view.
     bool isOpen() const { return _pNativeView != nullptr; }
 
+    /// @param title  UTF-8; null changes nothing
     void setTitle(const char* title);
     /// In points, without the frame.
     void setSize(const td::Size<double>& size);

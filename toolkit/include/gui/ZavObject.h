@@ -41,6 +41,7 @@ public:
     static void asyncCall(std::function<void()>* pFn, bool wake);
 
 protected:
+    /// What getHandle gives. Who makes the native object sets it.
     NativeObject* _handle = nullptr;
 };
 

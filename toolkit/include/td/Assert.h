@@ -16,6 +16,7 @@ struct AssertReport
     const char* condition; ///< text of the condition that did not hold
 };
 
+/// What is called with the report of a failed assertion.
 using AssertHandler = std::function<void(const AssertReport&)>;
 
 /// Replaces what happens when an assertion fails. The default prints one line to standard error and aborts the program.
@@ -32,6 +33,7 @@ GUIGL_API void reportAssert(const AssertReport& report);
 /// assertions, when `reports` is true) and stops the program if the handler returns.
 [[noreturn]] GUIGL_API void stopOnAssert(const AssertReport& report, bool reports);
 
+/// Whether this build was compiled with assertions, that is without NDEBUG.
 #ifdef NDEBUG
 inline constexpr bool cAssertReports = false;
 #else

@@ -5,6 +5,7 @@
 namespace td
 {
 
+/// A circle of the plane.
 template <Number T>
 struct Circle
 {

@@ -34,6 +34,7 @@ public:
     {
     }
 
+    /// The components, 0 to 255.
     constexpr BYTE red() const { return GetRColor(_rgba); }
     constexpr BYTE green() const { return GetGColor(_rgba); }
     constexpr BYTE blue() const { return GetBColor(_rgba); }

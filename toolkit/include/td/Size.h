@@ -5,6 +5,7 @@
 namespace td
 {
 
+/// A width and a height.
 template <Number T>
 struct Size
 {

@@ -49,7 +49,7 @@ public:
     std::size_t length() const { return _pBuffer != nullptr ? _pBuffer->length : 0; }
     bool isEmpty() const { return length() == 0; }
 
-    /// This string without the white space (space, \t, \n, \v, \f, \r) at both ends.
+    /// This string without the white space (space, tab, line feed, vertical tab, form feed, return) at both ends.
     StringBase trim() const;
 
     /// Whether both have the same bytes.
@@ -79,6 +79,7 @@ private:
 
 static_assert(sizeof(StringBase) == 8);
 
+/// The name that applications use.
 using String = StringBase;
 
 } // namespace td

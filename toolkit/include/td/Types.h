@@ -5,6 +5,7 @@
 namespace td
 {
 
+/// 8 bits without a sign.
 using BYTE = unsigned char;
 
 /// The types that points, sizes and the other geometric value types are made of.
