@@ -4,7 +4,6 @@
 #include <gui/Key.h>
 #include <gui/gl/Context.h>
 
-#include <cstdio>
 #include <string>
 
 namespace gallery
@@ -36,6 +35,9 @@ GalleryView::~GalleryView()
 {
     makeCurrentContext();
     _pScene.reset();
+    if (_pCostPanel != nullptr)
+        gui::gl::FrameLedger::stop();
+    _pCostPanel.reset();
 }
 
 void GalleryView::onInit() { showScene(_nthScene); }
@@ -70,24 +72,25 @@ bool GalleryView::prepareNextFrame()
 
 void GalleryView::onDraw(const td::RectNormalized<double>&)
 {
-    const Clock::time_point begin = Clock::now();
     td::Size<double> size;
     getSize(size);
+    const gallery::Frame frame{size, static_cast<double>(getPixelHiDPIScale()), _seconds};
     if (_pScene != nullptr)
-        _pScene->draw({size, static_cast<double>(getPixelHiDPIScale()), _seconds});
+        _pScene->draw(frame);
     else
     {
         gui::gl::Context::clear(td::ColorID::Maroon);
         gui::gl::Context::clear(gui::gl::Context::Clear::Color);
     }
-
+    if (_pCostPanel != nullptr)
+    {
+        gui::gl::FrameLedger::end();
+        const gui::gl::FrameLedger::Pause pause;
+        _pCostPanel->draw(frame, gui::gl::FrameLedger::getLast());
+    }
     ++_nDraws;
     if (_nDraws == _nFrames)
         gui::Application::quit();
-    const Clock::time_point end = Clock::now();
-    _millisecondsDrawn += std::chrono::duration<double, std::milli>(end - begin).count();
-    if (_showsCost && end - _toldAt > std::chrono::milliseconds(500))
-        showTitle();
 }
 
 void GalleryView::showTitle()
@@ -96,17 +99,23 @@ void GalleryView::showTitle()
     std::string title = std::to_string(_nthScene + 1) + "  " + scene.title;
     if (!_note.empty())
         title += " - " + _note;
-    if (_showsCost && _nDraws > _nDrawsTold)
-    {
-        char cost[64];
-        std::snprintf(cost, sizeof(cost), " - %.2f ms per frame, %d frames",
-                      _millisecondsDrawn / (_nDraws - _nDrawsTold), _nDraws);
-        title += cost;
-    }
-    _nDrawsTold = _nDraws;
-    _millisecondsDrawn = 0;
-    _toldAt = Clock::now();
     _window.setTitle(title.c_str());
+}
+
+void GalleryView::toggleCost()
+{
+    if (_pCostPanel != nullptr)
+    {
+        gui::gl::FrameLedger::stop();
+        makeCurrentContext();
+        _pCostPanel.reset();
+    }
+    else
+    {
+        gui::gl::FrameLedger::start();
+        _pCostPanel = std::make_unique<CostPanel>();
+    }
+    reRender();
 }
 
 void GalleryView::grab(gui::Texture& image, const std::function<void()>& callback)
@@ -176,10 +185,7 @@ bool GalleryView::onKeyPressed(const gui::Key& key)
     else if (character == ' ')
         toggleTime();
     else if (character == 'f' || character == 'F')
-    {
-        _showsCost = !_showsCost;
-        showTitle();
-    }
+        toggleCost();
     else if (key.getVirtual() == Virtual::F11)
         _window.setFullScreen(!_window.isFullScreen());
     else if (key.getVirtual() == Virtual::Escape && _window.isFullScreen())

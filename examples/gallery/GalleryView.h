@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CostPanel.h"
 #include "Scenes.h"
 #include "Stage.h"
 
@@ -13,8 +14,8 @@
 namespace gallery
 {
 
-/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F tells in the
-/// title what a frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
+/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F shows what a
+/// frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
 /// shown, unless the scene moves by itself.
 class GalleryView : public gui::gl::View, private Stage
 {
@@ -49,7 +50,11 @@ protected:
     void onFocusOut() override { setFocus(false); }
     bool onKeyPressed(const gui::Key& key) override;
     bool onKeyReleased(const gui::Key& key) override;
-    void cleanResources() override { _pScene.reset(); }
+    void cleanResources() override
+    {
+        _pScene.reset();
+        _pCostPanel.reset();
+    }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -68,6 +73,7 @@ private:
     double secondsSinceFrame(Clock::time_point now) const;
     void advanceTime();
     void showTitle();
+    void toggleCost();
 
     gui::Window& _window;
     std::unique_ptr<Scene> _pScene;
@@ -77,11 +83,8 @@ private:
     double _seconds; // on the scene's clock
     Clock::time_point _lastFrame;
     bool _hasFocus = false;
-    bool _showsCost = false;
+    std::unique_ptr<CostPanel> _pCostPanel; // while it is shown
     int _nDraws = 0;
-    int _nDrawsTold = 0;
-    Clock::time_point _toldAt;
-    double _millisecondsDrawn = 0;
 };
 
 } // namespace gallery

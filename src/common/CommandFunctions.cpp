@@ -1,5 +1,7 @@
 #include <gui/gl/Command.h>
 
+#include "CommandCounter.h"
+#include "CountedGL.h"
 #include "ProgHelper.h"
 #include "UniformPacking.h"
 
@@ -308,6 +310,22 @@ void Command::chooseForSubType()
         }
 }
 
+// Executes one command for somebody who counts.
+Command::Progress Command::executeCounted() const
+{
+    CommandCounter& counter = *CommandCounter::s_pCurrent;
+    const unsigned int nBefore = CountedGL::counts().nStates;
+    const Progress progress = _fn(this, this + 1);
+    const Type type = getType();
+    ++counter.nCommands[std::min<std::size_t>(_type, counter.nCommands.size() - 1)];
+    // Points and patches set their size each time.
+    const bool hasSize = type >= Type::DrawArrayPoints && type <= Type::DrawElementPatches;
+    const unsigned int nSent = CountedGL::counts().nStates - nBefore - (hasSize ? 1 : 0);
+    if (progress.isDone && isDraw() && getDrawSubType() != DrawSubType::None && nSent == 0)
+        ++counter.nSaved;
+    return progress;
+}
+
 bool Command::execute() const
 {
     if (_fn == nullptr)
@@ -315,14 +333,17 @@ bool Command::execute() const
         vo::dbgLog("Error! Command not encoded!");
         TD_ASSERT(false, false);
     }
+    if (CommandCounter::s_pCurrent != nullptr) [[unlikely]]
+        return executeCounted().isDone;
     return _fn(this, this + 1).isDone;
 }
 
 void Command::execute(const Command* p, const Command* pEnd)
 {
+    const bool isCounted = CommandCounter::s_pCurrent != nullptr;
     while (p != pEnd)
     {
-        if (p->_fn == nullptr) [[unlikely]]
+        if (p->_fn == nullptr || isCounted) [[unlikely]]
             p++->execute();
         else
             p = p->_fn(p, pEnd).pNext;

@@ -53,6 +53,9 @@ void deleteNow(Name name)
     case CurrentContext::Kind::Program:
         glDeleteProgram(name.name);
         break;
+    case CurrentContext::Kind::Query:
+        glDeleteQueries(1, &name.name);
+        break;
     case CurrentContext::Kind::Texture:
         glDeleteTextures(1, &name.name);
         break;

@@ -8,6 +8,7 @@
 
 #include <gui/Key.h>
 #include <gui/Texture.h>
+#include <gui/gl/FrameLedger.h>
 #include <gui/gl/View.h>
 #include <td/Assert.h>
 
@@ -270,7 +271,9 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         setContinuousMode(false);
     if (_pCppView == nullptr || !makeCurrentContext())
         return;
+    FrameLedger::begin();
     ViewHelper(_pCppView).onDraw(rect);
+    FrameLedger::end();
     // A view that came or went in there took the current context with it.
     if (_pCppView == nullptr || !makeCurrentContext())
         return;

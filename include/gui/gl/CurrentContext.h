@@ -29,6 +29,7 @@ public:
     {
         Buffer,
         Program,
+        Query,
         Texture,
         VertexArray
     };

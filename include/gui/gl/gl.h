@@ -16,6 +16,7 @@
 #include "DataType.h"
 #include "Flat2DProgram.h"
 #include "Font.h"
+#include "FrameLedger.h"
 #include "GLSL.h"
 #include "ICameraLimiter.h"
 #include "InputTuning.h"
