@@ -27,6 +27,7 @@ namespace gui::gl
 class GUIGL_API FrameLedger
 {
 public:
+    /// What one frame cost.
     struct Frame
     {
         std::uint64_t number = 0;     ///< 1 for the first frame since start; 0 means that there was none yet
@@ -44,9 +45,11 @@ public:
         double gpuTime = -1;
         std::uint64_t gpuNumber = 0; ///< the number of that earlier frame
 
+        /// How many commands of one type were executed.
         unsigned int getCount(Command::Type type) const { return nCommands[static_cast<std::size_t>(type)]; }
     };
 
+    /// What is measured in time.
     enum class Times
     {
         CPU,
