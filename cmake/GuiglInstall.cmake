@@ -60,6 +60,11 @@ install(DIRECTORY ${guigl_SOURCE_DIR}/docs
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT documentation
     FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+# The pages show what the tests compare with.
+install(DIRECTORY ${guigl_SOURCE_DIR}/tests/references
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/tests
+    COMPONENT documentation
+    FILES_MATCHING PATTERN "hello.png" PATTERN "plane.png" PATTERN "sphere.png" PATTERN "tour-*.png" PATTERN "guide-*.png")
 # The sources that build by themselves, each with CMake lines of its own.
 install(DIRECTORY ${guigl_SOURCE_DIR}/examples/first/
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
