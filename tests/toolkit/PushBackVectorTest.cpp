@@ -6,9 +6,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <sstream>
+#include <string>
 #include <vector>
 
 namespace
@@ -209,6 +215,53 @@ TEST(PushBackVector, CountsThatNoMemoryHoldsAreRefused)
     for (const std::size_t n : {cMax, cMax - 1, cMax - 2, cMax / 2 + 1, cMax / 4})
         EXPECT_THROW(v.push_back(&value, n), std::bad_alloc) << n;
     EXPECT_EQ(elements(v), (std::vector<float>{0, 1}));
+}
+
+// The flags of the mapping that holds an address.
+std::string flagsOf(const void* pAddress)
+{
+    std::ifstream maps("/proc/self/smaps");
+    bool isIn = false;
+    for (std::string line; std::getline(maps, line);)
+    {
+        std::uintptr_t begin = 0, end = 0;
+        char dash = 0;
+        if (std::istringstream(line) >> std::hex >> begin >> dash >> end && dash == '-')
+            isIn = begin <= std::uintptr_t(pAddress) && std::uintptr_t(pAddress) < end;
+        else if (isIn && line.starts_with("VmFlags:"))
+            return line + ' ';
+    }
+    return "";
+}
+
+TEST(PushBackVector, LargeStorageIsOnLargePages)
+{
+    if (!std::filesystem::exists("/sys/kernel/mm/transparent_hugepage"))
+        GTEST_SKIP() << "this kernel has none";
+    cnt::PushBackVector<int> reserved, grown;
+    reserved.reserve(std::size_t(8) << 20);
+    while (grown.size() < std::size_t(3) << 20)
+        grown.push_back(static_cast<int>(grown.size()));
+    for (std::size_t i = 0; i < grown.size(); ++i)
+        ASSERT_EQ(grown[i], static_cast<int>(i));
+    for (const int* pMiddle : {reserved.begin() + (std::size_t(4) << 20), grown.begin() + grown.size() / 2})
+        EXPECT_NE(flagsOf(pMiddle).find(" hg "), std::string::npos) << flagsOf(pMiddle);
+    cnt::PushBackVector<int> small;
+    small.reserve(1000);
+    EXPECT_EQ(flagsOf(small.begin()).find(" hg "), std::string::npos);
+}
+
+TEST(LargePages, AdviceChangesNothing)
+{
+    const std::vector<char> filled(std::size_t(5) << 20, 'x');
+    std::vector<char> advised = filled;
+    errno = ERANGE;
+    mem::adviseLargePages(nullptr, 0);
+    for (const std::size_t offset : {0U, 1U, 4095U, 2U << 20})
+        for (const std::size_t nBytes : {0U, 1U, 4096U, 2U << 20, 3U << 20})
+            mem::adviseLargePages(advised.data() + offset, nBytes);
+    EXPECT_EQ(errno, ERANGE);
+    EXPECT_EQ(advised, filled);
 }
 
 struct NeverThrows

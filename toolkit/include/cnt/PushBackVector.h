@@ -1,9 +1,11 @@
 #pragma once
 
+#include <mem/LargePages.h>
 #include <td/Assert.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
@@ -51,7 +53,7 @@ public:
             release();
             if (n > 0)
             {
-                _pData = new T[n];
+                _pData = allocate(n);
                 _capacity = n;
             }
         }
@@ -76,10 +78,17 @@ public:
     void push_back(const T* pValues, std::size_t n)
     {
         TD_ASSERT(pValues != nullptr || n == 0);
-        if (n <= _capacity - size())
-            _pEnd = std::copy_n(pValues, n, _pEnd);
-        else
+        if (n > _capacity - size()) [[unlikely]]
             insertAndGrow(size(), pValues, n);
+        else if constexpr (std::is_trivially_copyable_v<T>)
+        {
+            // By its own name: the compiler knows no better way to copy a few values.
+            if (n != 0) [[likely]]
+                std::memcpy(_pEnd, pValues, n * sizeof(T));
+            _pEnd += n;
+        }
+        else
+            _pEnd = std::copy_n(pValues, n, _pEnd);
     }
 
     /// Appends one slot that the caller fills: it holds a default-constructed or a formerly used element.
@@ -188,6 +197,16 @@ private:
             td::stopOnAssert({function, __FILE__, __LINE__, condition}, td::cAssertReports);
     }
 
+    static T* allocate(std::size_t n)
+    {
+        T* const pData = new T[n];
+        // Slots that are made by writing to them have their pages already.
+        if constexpr (std::is_trivially_default_constructible_v<T>)
+            if (n >= mem::cLargePagesFrom / sizeof(T)) [[unlikely]]
+                mem::adviseLargePages(pData, n * sizeof(T));
+        return pData;
+    }
+
     // Doubles the capacity until n more elements fit, at least once, and puts the n values before pos; without values, the
     // slots are left as they are made. The old storage lives on until they are copied, since they may lie in it.
     [[gnu::noinline]] void insertAndGrow(std::size_t pos, const T* pValues, std::size_t n)
@@ -204,7 +223,7 @@ private:
             newCapacity = newCapacity == 0 ? 1 : newCapacity * 2;
         } while (newCapacity < sz + n);
 
-        std::unique_ptr<T[]> newData(new T[newCapacity]);
+        std::unique_ptr<T[]> newData(allocate(newCapacity));
         T* const pNewData = newData.get();
         // A class with an operator new[] of its own that never throws can get here without storage.
         if (pNewData == nullptr) [[unlikely]]
