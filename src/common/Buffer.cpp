@@ -147,14 +147,6 @@ bool Buffer::isAddOnCommitted() const
     return true;
 }
 
-void Buffer::appendVertices(const float* data, std::size_t nVertices)
-{
-    if (isAddOnCommitted())
-        return;
-    TD_ASSERT(_vertexRecLenInBytes > 0);
-    _vertexData.push_back(data, nVertices * _nVertexFloats);
-}
-
 void Buffer::appendVertexUnits(const float* data, std::size_t nVertexFloats)
 {
     if (isAddOnCommitted())
@@ -162,17 +154,6 @@ void Buffer::appendVertexUnits(const float* data, std::size_t nVertexFloats)
     TD_ASSERT(_vertexRecLenInBytes > 0);
     TD_ASSERT(((nVertexFloats * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
     _vertexData.push_back(data, nVertexFloats);
-}
-
-void Buffer::appendVertices(const td::Point<float>* pts, std::size_t n)
-{
-    static_assert(sizeof(td::Point<float>) == 2 * sizeof(float));
-    appendVertexUnits(reinterpret_cast<const float*>(pts), 2 * n);
-}
-
-void Buffer::appendVertices(const cnt::PushBackVector<td::Point<float>, 0>& pts)
-{
-    appendVertices(pts.begin(), pts.size());
 }
 
 void Buffer::appendVertex(const td::Point<float>& pt)
@@ -204,25 +185,6 @@ void Buffer::appendInstances(const float* data, std::size_t nInstances)
     TD_ASSERT(_instanceData.capacity() > 0);
     TD_ASSERT(_nInstanceFloats > 0);
     _instanceData.push_back(data, nInstances * _nInstanceFloats);
-}
-
-void Buffer::appendIndices(const unsigned int* indices, std::size_t n)
-{
-    if (isAddOnCommitted() || n == 0)
-        return;
-    _indices.push_back(indices, n);
-}
-
-void Buffer::appendIndices(const cnt::PushBackVector<unsigned int, 0>& indices)
-{
-    appendIndices(indices.begin(), indices.size());
-}
-
-void Buffer::appendIndex(unsigned int index)
-{
-    if (isAddOnCommitted())
-        return;
-    _indices.push_back(index);
 }
 
 void Buffer::updateVertex(std::size_t i, const td::Point<float>& pt)

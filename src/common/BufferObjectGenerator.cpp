@@ -1,7 +1,10 @@
 #include <gui/gl/Buffer.h>
 
+#include "SphereLoops.h"
+
 #include <td/Assert.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -73,22 +76,59 @@ bool isSphereInRange(unsigned int sectors, unsigned int stacks, std::uint64_t ba
            first <= cMaxFirst && 6 * std::uint64_t(sectors) * (stacks - 1) <= cMaxCount;
 }
 
-// What is the same for all vertices of one sector.
-struct Column
+/// What is the same for all vertices of one sector: lists of the cosines, of the sines, and of u.
+class Columns
 {
-    float cos;
-    float sin;
-    float u;
+public:
+    explicit Columns(unsigned int sectors)
+        : _n(std::size_t(sectors) + 1 + SphereRow::cSlack)
+        , _numbers(3 * _n)
+    {
+        constexpr float c2Pi = 6.283185F;
+        const float sectorStep = c2Pi / static_cast<float>(sectors);
+        for (unsigned int j = 0; j <= sectors; ++j)
+        {
+            const float sectorAngle = static_cast<float>(j) * sectorStep;
+            _numbers[j] = std::cos(sectorAngle);
+            _numbers[_n + j] = std::sin(sectorAngle);
+            _numbers[2 * _n + j] = static_cast<float>(j) / static_cast<float>(sectors);
+        }
+    }
+
+    const float* cosines() const { return _numbers.data(); }
+    const float* sines() const { return cosines() + _n; }
+    const float* u() const { return sines() + _n; }
+
+private:
+    std::size_t _n;
+    std::vector<float> _numbers;
 };
 
-// Of the normal; zeros for a vertex in the middle, which has none.
-void writeNormal(float*& pTo, float x, float y, float z)
+// The rows at the poles have one triangle per sector, the others two.
+void writeSphereIndices(unsigned int base, unsigned int sectors, unsigned int stacks, unsigned int* pTo)
 {
-    const float length = std::sqrt(x * x + y * y + z * z);
-    const float scale = length > 0 ? 1 / length : 0;
-    *pTo++ = x * scale;
-    *pTo++ = y * scale;
-    *pTo++ = z * scale;
+    const unsigned int nColumns = sectors + 1;
+    const std::size_t nOfRow = 6 * std::size_t(sectors);
+    for (unsigned int i = 0; i < stacks; ++i)
+    {
+        // What a row is when there is one above it, with one as well: the same one row on.
+        if (i >= 2 && i + 1 < stacks)
+        {
+            const unsigned int* const pAbove = pTo - nOfRow;
+            for (std::size_t k = 0; k < nOfRow; ++k)
+                pTo[k] = pAbove[k] + nColumns;
+            pTo += nOfRow;
+            continue;
+        }
+        unsigned int k1 = base + i * nColumns, k2 = k1 + nColumns;
+        for (unsigned int j = 0; j < sectors; ++j, ++k1, ++k2)
+        {
+            if (i != 0)
+                pTo = std::copy_n(std::array{k1, k2, k1 + 1}.begin(), 3, pTo);
+            if (i != stacks - 1)
+                pTo = std::copy_n(std::array{k1 + 1, k2, k2 + 1}.begin(), 3, pTo);
+        }
+    }
 }
 
 } // namespace
@@ -123,7 +163,7 @@ Command* Buffer::addCube(float size, Texture::Type type, bool)
 Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stacks, Texture::Type type, bool normals,
                            float xyScale)
 {
-    constexpr float c2Pi = 6.283185F, cPi = 3.1415925F, cHalfPi = 1.5707963F;
+    constexpr float cPi = 3.1415925F, cHalfPi = 1.5707963F;
     const bool hasTexture = type == Texture::Type::Tex2D;
     const std::size_t nFloats = 3U + (normals ? 3U : 0U) + (hasTexture ? 2U : 0U);
     TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
@@ -132,65 +172,28 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
     const std::size_t first = getNoOfIndices();
     TD_ASSERT(isSphereInRange(sectors, stacks, base, first), nullptr);
 
-    const std::size_t nColumns = std::size_t(sectors) + 1;
-    const std::size_t nRows = std::size_t(stacks) + 1;
-    const float sectorStep = c2Pi / static_cast<float>(sectors);
+    const Columns columns(sectors);
+    SphereRow row{.pCos = columns.cosines(),
+                  .pSin = columns.sines(),
+                  .pU = columns.u(),
+                  .nColumns = std::size_t(sectors) + 1,
+                  .hasNormals = normals,
+                  .nFloats = nFloats};
+    const std::size_t nOfRow = row.nColumns * nFloats;
+    float* pTo = _vertexData.pushSlots((std::size_t(stacks) + 1) * nOfRow);
     const float stackStep = cPi / static_cast<float>(stacks);
-    std::vector<Column> columns(nColumns);
-    for (unsigned int j = 0; j <= sectors; ++j)
-    {
-        const float sectorAngle = static_cast<float>(j) * sectorStep;
-        columns[j] = {std::cos(sectorAngle), std::sin(sectorAngle),
-                      static_cast<float>(j) / static_cast<float>(sectors)};
-    }
-
-    float* pTo = _vertexData.pushSlots(nRows * nColumns * nFloats);
-    for (unsigned int i = 0; i <= stacks; ++i)
+    const SphereLoops& loops = sphereLoops();
+    for (unsigned int i = 0; i <= stacks; ++i, pTo += nOfRow)
     {
         const float stackAngle = cHalfPi - static_cast<float>(i) * stackStep;
-        const float xy = xyScale * radius * std::cos(stackAngle);
-        const float z = radius * std::sin(stackAngle);
-        const float v = static_cast<float>(i) / static_cast<float>(stacks);
-        for (const Column& column : columns)
-        {
-            const float x = xy * column.cos;
-            const float y = xy * column.sin;
-            *pTo++ = x;
-            *pTo++ = y;
-            *pTo++ = z;
-            if (normals)
-                writeNormal(pTo, x, y, z);
-            if (hasTexture)
-            {
-                *pTo++ = column.u;
-                *pTo++ = v;
-            }
-        }
+        row.xy = xyScale * radius * std::cos(stackAngle);
+        row.z = radius * std::sin(stackAngle);
+        row.v = static_cast<float>(i) / static_cast<float>(stacks);
+        loops.addRow(row, pTo);
     }
 
-    // The rows at the poles have one triangle per sector, the others two.
     const std::size_t nIndices = 6 * std::size_t(sectors) * (stacks - 1);
-    unsigned int* pIndex = _indices.pushSlots(nIndices);
-    for (unsigned int i = 0; i < stacks; ++i)
-    {
-        auto k1 = static_cast<unsigned int>(base + i * nColumns);
-        auto k2 = static_cast<unsigned int>(k1 + nColumns);
-        for (unsigned int j = 0; j < sectors; ++j, ++k1, ++k2)
-        {
-            if (i != 0)
-            {
-                *pIndex++ = k1;
-                *pIndex++ = k2;
-                *pIndex++ = k1 + 1;
-            }
-            if (i != stacks - 1)
-            {
-                *pIndex++ = k1 + 1;
-                *pIndex++ = k2;
-                *pIndex++ = k2 + 1;
-            }
-        }
-    }
+    writeSphereIndices(static_cast<unsigned int>(base), sectors, stacks, _indices.pushSlots(nIndices));
 
     Command* const pComm = _commandList.get();
     TD_ASSERT(pComm, nullptr);

@@ -1,3 +1,4 @@
+#include "src/common/SphereLoops.h"
 #include "support/NullGL.h"
 
 #include <gui/gl/Buffer.h>
@@ -11,6 +12,13 @@
 #include <cmath>
 #include <limits>
 #include <vector>
+
+namespace gui::gl
+{
+
+extern const SphereLoops cSphereLoopsPlain;
+
+} // namespace gui::gl
 
 namespace
 {
@@ -177,6 +185,50 @@ TEST_F(MeshTest, SpheresAreTheFormulasFloats)
         expectedIndices.insert(expectedIndices.begin(), indicesBefore.begin(), indicesBefore.end());
         EXPECT_EQ(vertices, expected) << c.sectors << " x " << c.stacks;
         EXPECT_EQ(indices, expectedIndices) << c.sectors << " x " << c.stacks;
+    }
+}
+
+// All kinds of vectors, of which a sphere takes one; the floats behind a row are not the row's.
+TEST(SphereLoopsTest, RowsOfAllLengths)
+{
+    std::vector<const gui::gl::SphereLoops*> allLoops{&gui::gl::cSphereLoops, &gui::gl::cSphereLoopsPlain};
+#ifdef GUIGL_AVX2
+    if (__builtin_cpu_supports("avx2"))
+        allLoops.push_back(&gui::gl::cSphereLoopsAVX2);
+#endif
+    constexpr float cInfinity = std::numeric_limits<float>::infinity();
+    constexpr std::pair<float, float> cSizes[] = {{2, -0.7F}, {0, 0}, {-0.0F, 1e-30F}, {cInfinity, 1}, {1e30F, 1e30F}};
+    for (std::size_t i = 0; i < 4 * 25 * std::size(cSizes); ++i)
+    {
+        const bool hasNormals = i % 2 != 0, hasTexture = i % 4 >= 2;
+        const std::size_t nFloats = (hasNormals ? 6 : 3) + (hasTexture ? 2 : 0), n = i / 4 % 25 + 1;
+        const auto [xy, z] = cSizes[i / 100];
+        std::vector<float> lists, expected;
+        for (std::size_t j = 0; j < 3 * (n + gui::gl::SphereRow::cSlack); ++j)
+            lists.push_back(std::sin(static_cast<float>(j * j)));
+        const float* const pCos = lists.data();
+        const float* const pSin = pCos + n + gui::gl::SphereRow::cSlack;
+        const float* const pU = pSin + n + gui::gl::SphereRow::cSlack;
+        for (std::size_t j = 0; j < n; ++j)
+        {
+            const float x = xy * pCos[j], y = xy * pSin[j], length = std::sqrt(x * x + y * y + z * z);
+            const float scale = length > 0 ? 1 / length : 0;
+            expected.insert(expected.end(), {x, y, z});
+            if (hasNormals)
+                expected.insert(expected.end(), {x * scale, y * scale, z * scale});
+            if (hasTexture)
+                expected.insert(expected.end(), {pU[j], 0.3F});
+        }
+        expected.insert(expected.end(), 20, 77);
+        for (const gui::gl::SphereLoops* pLoops : allLoops)
+        {
+            std::vector<float> row(expected.size(), 77);
+            pLoops->addRow({pCos, pSin, pU, n, hasNormals, nFloats, xy, z, 0.3F}, row.data());
+            for (std::size_t j = 0; j < row.size(); ++j)
+                ASSERT_TRUE((row[j] == expected[j] && std::signbit(row[j]) == std::signbit(expected[j])) ||
+                            (std::isnan(row[j]) && std::isnan(expected[j])))
+                    << i << " " << j << ": " << row[j] << " instead of " << expected[j];
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <cnt/PushBackVector.h>
 #include <cnt/SafeFullVector.h>
+#include <td/Assert.h>
 #include <td/Export.h>
 #include <td/Point.h>
 
@@ -51,12 +52,29 @@ public:
               const std::initializer_list<unsigned short>& divisors);
 
     /// @param data  nVertices times the floats of a vertex, one vertex after the other. The layout must be set.
-    void appendVertices(const float* data, std::size_t nVertices);
+    void appendVertices(const float* data, std::size_t nVertices)
+    {
+        if (isClosed())
+            return;
+        TD_ASSERT(_vertexRecLenInBytes > 0);
+        // From the 8 bits of _nVertexFloats, compilers conclude that few floats are copied, and choose a slow way.
+        _vertexData.push_back(data, nVertices * (_vertexRecLenInBytes / sizeof(float)));
+    }
     /// @param nVertexFloats  floats, a whole number of vertices (an assertion)
     void appendVertexUnits(const float* data, std::size_t nVertexFloats);
     /// x and y of each point; points and vertices must come out even (an assertion).
-    void appendVertices(const td::Point<float>* pts, std::size_t n);
-    void appendVertices(const cnt::PushBackVector<td::Point<float>, 0>& pts);
+    void appendVertices(const td::Point<float>* pts, std::size_t n)
+    {
+        const float* const data = reinterpret_cast<const float*>(pts);
+        if (_nVertexFloats == 2)
+            appendVertices(data, n);
+        else
+            appendVertexUnits(data, 2 * n);
+    }
+    void appendVertices(const cnt::PushBackVector<td::Point<float>, 0>& pts)
+    {
+        appendVertices(pts.begin(), pts.size());
+    }
     /// For layouts of 2 floats, or of 1 (an assertion).
     void appendVertex(const td::Point<float>& pt);
 
@@ -71,9 +89,22 @@ public:
     Command* appendShape(Primitive primitive, const float* data, std::size_t n);
 
     /// Indices count vertices from the buffer's first.
-    void appendIndices(const unsigned int* indices, std::size_t n);
-    void appendIndices(const cnt::PushBackVector<unsigned int, 0>& indices);
-    void appendIndex(unsigned int index);
+    void appendIndices(const unsigned int* indices, std::size_t n)
+    {
+        if (isClosed() || n == 0)
+            return;
+        _indices.push_back(indices, n);
+    }
+    void appendIndices(const cnt::PushBackVector<unsigned int, 0>& indices)
+    {
+        appendIndices(indices.begin(), indices.size());
+    }
+    void appendIndex(unsigned int index)
+    {
+        if (isClosed())
+            return;
+        _indices.push_back(index);
+    }
 
     /// Appends a cube around the origin and records the command that draws it, Primitive::Triangles; encoding and committing
     /// stay with the caller. Unknown types ("false"), a layout of another length ("_nVertexFloats == nFloats") and a
@@ -142,6 +173,8 @@ public:
     void release();
 
 private:
+    // Appending is inline: a call takes as long as copying a few vertices.
+    bool isClosed() const { return _state == 1 && isAddOnCommitted(); }
     void deleteObjects();
 
     CommandList _commandList;

@@ -1,0 +1,77 @@
+#include "SphereLoops.h"
+
+#include "Lanes.h"
+
+// Several vertices at a time. Compiled once for any machine and once for AVX2.
+
+namespace gui::gl
+{
+
+namespace
+{
+
+// As many vertices as there are lanes, from column j on. The last one writes eight floats, however many it has.
+inline void addVertices(const SphereRow& row, std::size_t j, float* pTo)
+{
+    const Floats x = row.xy * load(row.pCos + j), y = row.xy * load(row.pSin + j), z = all(row.z);
+    const Floats u = load(row.pU + j), v = all(row.v);
+    Block first{x, y, z, u};
+    Block second{v, v, u, v};
+    if (row.hasNormals)
+    {
+        const Floats length = squareRoot(x * x + y * y + z * z);
+        // A vertex in the middle has none.
+        const Floats scale = length > 0 ? 1.0f / length : Floats{};
+        first[3] = x * scale;
+        second[0] = y * scale;
+        second[1] = z * scale;
+    }
+    transpose(first);
+    transpose(second);
+    for (std::size_t k = 0; k < cLanes; ++k)
+    {
+        storeRecord(pTo, recordOf(first, k));
+        storeRecord(pTo + 4, recordOf(second, k));
+        pTo += row.nFloats;
+    }
+}
+
+void addRow(const SphereRow& row, float* pTo)
+{
+    const std::size_t n = row.nColumns;
+    std::size_t j = 0;
+    // What one vertex writes beyond its own floats belongs to the next two.
+    for (; j + cLanes + 2 <= n; j += cLanes)
+        addVertices(row, j, pTo + j * row.nFloats);
+    for (; j < n; j += cLanes)
+    {
+        float last[8 * cLanes];
+        addVertices(row, j, last);
+        const std::size_t count = n - j < cLanes ? n - j : cLanes;
+        __builtin_memcpy(pTo + j * row.nFloats, last, count * row.nFloats * sizeof(float));
+    }
+}
+
+} // namespace
+
+#ifdef __AVX2__
+
+const SphereLoops cSphereLoopsAVX2{addRow};
+
+#else
+
+const SphereLoops cSphereLoops{addRow};
+
+const SphereLoops& sphereLoops()
+{
+#ifdef GUIGL_AVX2
+    static const SphereLoops& s_best = __builtin_cpu_supports("avx2") ? cSphereLoopsAVX2 : cSphereLoops;
+    return s_best;
+#else
+    return cSphereLoops;
+#endif
+}
+
+#endif
+
+} // namespace gui::gl

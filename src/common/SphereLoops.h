@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+
+namespace gui::gl
+{
+
+/// What is the same for all vertices of one parallel of a sphere, and what is not: see Buffer::addSphere.
+struct SphereRow
+{
+    /// How many more numbers of each column are read.
+    static constexpr std::size_t cSlack = 8;
+
+    const float* pCos = nullptr; ///< of each column
+    const float* pSin = nullptr;
+    const float* pU = nullptr;
+    std::size_t nColumns = 0;
+    bool hasNormals = false;
+    std::size_t nFloats = 0; ///< of a vertex: 3, 3 of the normal, 2 of u and v
+    float xy = 0;
+    float z = 0;
+    float v = 0;
+};
+
+/// What a sphere's time goes into, for a machine's vectors.
+struct SphereLoops
+{
+    /// Writes the vertices of a row.
+    void (*addRow)(const SphereRow& row, float* pTo);
+};
+
+extern const SphereLoops cSphereLoops;
+#ifdef GUIGL_AVX2
+extern const SphereLoops cSphereLoopsAVX2;
+#endif
+
+/// The best for this machine.
+const SphereLoops& sphereLoops();
+
+} // namespace gui::gl
