@@ -101,7 +101,7 @@ private:
         addLine(_clip, {0, -1}, {0, 1}, 0.001F, td::ColorID::LightGreen);
         const double right = static_cast<double>(_size.width);
         const double bottom = static_cast<double>(_size.height);
-        write({right / 2, bottom / 2}, {6, 3}, "clip 0, 0", td::ColorID::LightGreen);
+        write({right / 2, bottom / 2}, {-64, 3}, "clip 0, 0", td::ColorID::LightGreen);
         write({right, bottom / 2}, {-40, 3}, "1, 0", td::ColorID::LightGreen);
         write({right / 2, 0}, {6, 30}, "0, 1", td::ColorID::LightGreen);
 

@@ -29,9 +29,11 @@ void Command::reset()
 
 void Command::setTypeInfo(Type type, DrawSubType subType)
 {
+    const bool isOther = getType() != type || getDrawSubType() != subType;
     _type = static_cast<td::BYTE>(type) & 0xF;
     _drawSubType = static_cast<td::BYTE>(subType) & 0xF;
-    if (_fn != nullptr)
+    // Not for each new colour of an encoded command.
+    if (_fn != nullptr && isOther)
         chooseForSubType();
 }
 

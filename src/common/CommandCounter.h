@@ -1,6 +1,6 @@
 #pragma once
 
-#include <array>
+#include <gui/gl/FrameLedger.h>
 
 namespace gui::gl
 {
@@ -8,7 +8,7 @@ namespace gui::gl
 /// Counts executed commands by their type, and colours and textures that they did not send again.
 struct CommandCounter
 {
-    std::array<unsigned int, 11> nCommands{};
+    decltype(FrameLedger::Frame::nCommands) nCommands{};
     unsigned int nSaved = 0;
 
     /// The counter at work; null while nobody counts.

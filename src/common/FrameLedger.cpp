@@ -5,6 +5,7 @@
 #include "FrameTimer.h"
 
 #include <chrono>
+#include <memory>
 #include <optional>
 
 namespace gui::gl
@@ -19,7 +20,7 @@ struct Ledger
 {
     FrameLedger::Frame last;
     CommandCounter commands;
-    std::optional<FrameTimer> timer;
+    std::unique_ptr<FrameTimer> timer;      // null when GL's time is not asked for
     std::optional<Clock::time_point> begin; // of the frame that has begun
     std::uint64_t nFrames = 0;
     CommandCounter commandsAtPause;
@@ -47,7 +48,7 @@ void FrameLedger::start(Times times)
     l.nPauses = nPauses;
     l.isOn = true;
     if (times == Times::CPUAndGPU)
-        l.timer.emplace();
+        l.timer = std::make_unique<FrameTimer>();
     CountedGL::counts() = {};
     CountedGL::install();
     CommandCounter::s_pCurrent = &l.commands;

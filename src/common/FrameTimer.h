@@ -21,7 +21,10 @@ public:
         double milliseconds = -1;
     };
 
+    FrameTimer() = default;
     ~FrameTimer();
+    FrameTimer(const FrameTimer&) = delete;
+    FrameTimer& operator=(const FrameTimer&) = delete;
 
     void begin(std::uint64_t number);
     void end();

@@ -184,6 +184,14 @@ TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
     red.setColor(td::ColorID::Blue); // the value may change after encoding
     red.execute();
     EXPECT_TRUE(trace.only({sendRed, draw, "glUniform3fv(3, 1, [0 0 1])", draw}));
+    // And so may whether there is one.
+    program.activate();
+    trace.clear();
+    red.setTypeInfo(red.getType(), SubType::None);
+    red.execute();
+    red.setTypeInfo(red.getType(), SubType::DrawWithClr3);
+    red.execute();
+    EXPECT_TRUE(trace.only({draw, "glUniform3fv(3, 1, [0 0 1])", draw}));
 }
 
 TEST_F(CommandTest, AlphaIsCutToAByte)

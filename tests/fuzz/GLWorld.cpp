@@ -128,22 +128,23 @@ void GLWorld::makeCurrent(unsigned int context)
 void GLWorld::endContext(unsigned int context)
 {
     if (context == _current)
+    {
         _pActive = nullptr;
-    if (context == _current)
         _current = 0;
+    }
     _isAlive[context] = false;
     CurrentContext::died(&_handles[context]);
     _gl.destroy(context);
     // Its names are of no use any more.
     for (BufferSlot& slot : _buffers)
         if (slot.context == context)
-            slot.context = 99;
+            slot.context = cGone;
     for (ProgramSlot& slot : _programs)
         if (slot.context == context)
-            slot.context = 99;
+            slot.context = cGone;
     for (TextureSlot& slot : _textures)
         if (slot.context == context)
-            slot.context = 99;
+            slot.context = cGone;
 }
 
 void GLWorld::changeContext(Input& input)

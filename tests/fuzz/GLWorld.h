@@ -100,6 +100,7 @@ private:
     PlainList& plainListOf(std::size_t i);
 
     static constexpr unsigned int cContexts = 3;
+    static constexpr unsigned int cGone = cContexts + 1; // what had a context that ended
 
     test::StrictGL _gl;
     Quiet _quiet;

@@ -1,5 +1,5 @@
 #include <gui/DrawableView.h>
-#include <gui/InputDevice.h>
+#include <gui/Key.h>
 #include <gui/NativeObject.h>
 
 #include <gtest/gtest.h>
@@ -53,28 +53,6 @@ TEST(Key, EachModifierHasItsBit)
         EXPECT_EQ(held(mask), expected) << mask;
     EXPECT_EQ(gui::removeKeyModifier(41, gui::KeyModifier::Alt), 33u);
     EXPECT_EQ(gui::removeKeyModifier(1, gui::KeyModifier::Fn), 1u);
-}
-
-TEST(InputDevice, HoldsWhatItWasGiven)
-{
-    using gui::InputDevice;
-    InputDevice device({1, 2}, {3, 4}, {5, 6}, 17, InputDevice::Type::Gesture, InputDevice::Button::Wheel);
-    EXPECT_EQ(device.getNoOfEvents(), 1);
-    EXPECT_EQ(device.getScale(), 1.0);
-    gui::InputDeviceHelper helper(&device);
-    helper.setNoOfEvents(3);
-    helper.setScale(1.25);
-    EXPECT_EQ(device.getFramePoint(), (td::Point<double>(1, 2)));
-    EXPECT_EQ(device.getContentPoint(), (td::Point<double>(3, 4)));
-    EXPECT_EQ(device.getWindowPoint(), (td::Point<double>(5, 6)));
-    EXPECT_EQ(device.getType(), InputDevice::Type::Gesture);
-    EXPECT_EQ(device.getButton(), InputDevice::Button::Wheel);
-    EXPECT_EQ(device.getNoOfEvents(), 3);
-    EXPECT_EQ(device.getScale(), 1.25);
-    EXPECT_EQ(device.getKeyboardModifiers(), 17u);
-    EXPECT_TRUE(device.isAnyModifierPressed());
-    EXPECT_TRUE(device.getKey().isShiftPressed());
-    EXPECT_FALSE(device.getKey().isASCII());
 }
 
 class FakeNative final : public gui::NativeObject

@@ -13,7 +13,7 @@ namespace gui::gl
 
 /// Counts what each frame costs: draw calls, changes of state, uploads, commands by kind, and times. It is off at first
 /// and costs nothing then; while it is on, GL's entry points go through functions that count, also those that the
-/// application calls by itself.
+/// application calls by itself. Draw calls of several ranges (glMultiDraw...) and mapped buffers are not seen.
 ///
 /// A view's frames begin and end by themselves, with onDraw; a program that draws without a view marks its frames by
 /// begin() and end(). Calls between frames count for the frame that follows. A test can say that nothing is uploaded any
@@ -36,10 +36,11 @@ public:
         unsigned int nStatesSent = 0; ///< calls that change state: binding, uniforms, enabling, and the like
         /// Colours and textures that commands did not send because they were the last ones sent.
         unsigned int nStatesSaved = 0;
-        unsigned int nUploads = 0;                ///< calls that give GL vertices, indices or pixels
-        std::uint64_t nBytesUploaded = 0;         ///< by those calls; storage without content counts 0
-        std::array<unsigned int, 11> nCommands{}; ///< executed, by Command::Type
-        double cpuTime = 0;                       ///< milliseconds from the frame's begin to its end
+        unsigned int nUploads = 0;        ///< calls that give GL vertices, indices or pixels
+        std::uint64_t nBytesUploaded = 0; ///< by those calls; storage without content counts 0
+        std::array<unsigned int, std::size_t(Command::Type::UniformSetter) + 1>
+            nCommands{};    ///< executed, by Command::Type
+        double cpuTime = 0; ///< milliseconds from the frame's begin to its end
         /// Milliseconds that GL spent on an earlier frame, the latest that it has finished; below 0 as long as there is
         /// none, and where the driver does not measure.
         double gpuTime = -1;
