@@ -23,7 +23,7 @@ std::uint64_t hashOf(float x, float y)
 
 void VertexFinder::build(const float* pCoordinates, std::size_t n)
 {
-    const std::size_t nPlaces = std::bit_ceil(2 * n + 2);
+    const std::size_t nPlaces = std::bit_ceil(3 * n + 2);
     _shift = static_cast<unsigned int>(64 - std::countr_zero(nPlaces));
     _pCoordinates = pCoordinates;
     _groups.assign(nPlaces, {cEnd, cEnd});

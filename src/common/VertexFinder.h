@@ -38,7 +38,7 @@ private:
     Group& groupOf(float x, float y);
 
     const float* _pCoordinates = nullptr;
-    std::vector<Group> _groups;       // by hash, or behind; at least as many places are free
+    std::vector<Group> _groups;       // by hash, or behind; twice as many places are free
     std::vector<unsigned int> _nexts; // of the same group
     unsigned int _shift = 0;          // makes a place of a hash
 };
