@@ -181,6 +181,7 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
                   .nFloats = nFloats};
     const std::size_t nOfRow = row.nColumns * nFloats;
     float* pTo = _vertexData.pushSlots((std::size_t(stacks) + 1) * nOfRow);
+    const float* const pEnd = pTo + (std::size_t(stacks) + 1) * nOfRow;
     const float stackStep = cPi / static_cast<float>(stacks);
     const SphereLoops& loops = sphereLoops();
     for (unsigned int i = 0; i <= stacks; ++i, pTo += nOfRow)
@@ -189,7 +190,7 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
         row.xy = xyScale * radius * std::cos(stackAngle);
         row.z = radius * std::sin(stackAngle);
         row.v = static_cast<float>(i) / static_cast<float>(stacks);
-        loops.addRow(row, pTo);
+        loops.addRow(row, pTo, pEnd);
     }
 
     const std::size_t nIndices = 6 * std::size_t(sectors) * (stacks - 1);

@@ -29,26 +29,23 @@ inline void addVertices(const SphereRow& row, std::size_t j, float* pTo)
     transpose(first);
     transpose(second);
     for (std::size_t k = 0; k < cLanes; ++k)
-    {
-        storeRecord(pTo, recordOf(first, k));
-        storeRecord(pTo + 4, recordOf(second, k));
-        pTo += row.nFloats;
-    }
+        storeRecords(pTo + k * row.nFloats, first, second, k);
 }
 
-void addRow(const SphereRow& row, float* pTo)
+void addRow(const SphereRow& row, float* pTo, const float* pEnd)
 {
-    const std::size_t n = row.nColumns;
-    std::size_t j = 0;
-    // What one vertex writes beyond its own floats belongs to the next two.
-    for (; j + cLanes + 2 <= n; j += cLanes)
-        addVertices(row, j, pTo + j * row.nFloats);
-    for (; j < n; j += cLanes)
+    for (std::size_t j = 0; j < row.nColumns; j += cLanes, pTo += cLanes * row.nFloats)
     {
-        float last[8 * cLanes];
+        constexpr std::size_t cFloats = 8 * cLanes;
+        if (static_cast<std::size_t>(pEnd - pTo) >= cFloats) [[likely]]
+        {
+            addVertices(row, j, pTo);
+            continue;
+        }
+        float last[cFloats];
         addVertices(row, j, last);
-        const std::size_t count = n - j < cLanes ? n - j : cLanes;
-        __builtin_memcpy(pTo + j * row.nFloats, last, count * row.nFloats * sizeof(float));
+        const std::size_t n = row.nColumns - j;
+        __builtin_memcpy(pTo, last, (n < cLanes ? n : cLanes) * row.nFloats * sizeof(float));
     }
 }
 

@@ -25,8 +25,9 @@ struct SphereRow
 /// What a sphere's time goes into, for a machine's vectors.
 struct SphereLoops
 {
-    /// Writes the vertices of a row.
-    void (*addRow)(const SphereRow& row, float* pTo);
+    /// Writes the vertices of a row, and perhaps more behind them, where the next row goes.
+    /// @param pEnd  the end of the sphere's vertices; it is not passed
+    void (*addRow)(const SphereRow& row, float* pTo, const float* pEnd);
 };
 
 extern const SphereLoops cSphereLoops;

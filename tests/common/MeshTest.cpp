@@ -219,11 +219,17 @@ TEST(SphereLoopsTest, RowsOfAllLengths)
             if (hasTexture)
                 expected.insert(expected.end(), {pU[j], 0.3F});
         }
-        expected.insert(expected.end(), 20, 77);
+        expected.insert(expected.end(), 70, 77);
         for (const gui::gl::SphereLoops* pLoops : allLoops)
         {
             std::vector<float> row(expected.size(), 77);
-            pLoops->addRow({pCos, pSin, pU, n, hasNormals, nFloats, xy, z, 0.3F}, row.data());
+            const gui::gl::SphereRow described{pCos, pSin, pU, n, hasNormals, nFloats, xy, z, 0.3F};
+            // Short of its own end, then with room behind that is overwritten here as by the next row.
+            for (const std::size_t nBehind : {0, 70})
+            {
+                pLoops->addRow(described, row.data(), row.data() + n * nFloats + nBehind);
+                std::fill(row.end() - 70, row.end() - 70 + std::ptrdiff_t(nBehind), 77.0F);
+            }
             for (std::size_t j = 0; j < row.size(); ++j)
                 ASSERT_TRUE((row[j] == expected[j] && std::signbit(row[j]) == std::signbit(expected[j])) ||
                             (std::isnan(row[j]) && std::isnan(expected[j])))
