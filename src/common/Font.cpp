@@ -16,7 +16,10 @@
 
 #include <epoxy/gl.h>
 
+#include <glm/gtc/type_ptr.hpp>
+
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -54,6 +57,21 @@ std::vector<td::BYTE> widened(const td::BYTE* pFrom, std::size_t nPixels, unsign
         pTo[3] = bytesPP == 3 ? td::BYTE(255) : pFrom[bytesPP - 1];
     }
     return pixels;
+}
+
+using Colors = std::array<glm::vec4, 256>;
+
+// The colour of every byte.
+const Colors& allColors()
+{
+    static const Colors s_colors = []
+    {
+        Colors colors;
+        for (std::size_t i = 0; i < colors.size(); ++i)
+            Color::get(static_cast<td::ColorID>(i), colors[i]);
+        return colors;
+    }();
+    return s_colors;
 }
 
 } // namespace
@@ -178,11 +196,27 @@ bool Font::makeTexture(unsigned int width, unsigned int height, std::span<const 
     return true;
 }
 
+FontMetrics Font::metrics() const
+{
+    return {.lineHeight = _lineHeight,
+            .glyphPadding = _glyphPadding,
+            .spaceWidth = _spaceWidth,
+            .additionalSpace = _additionalSpace,
+            .lineSpacing = _lineSpacing};
+}
+
 void Font::setAdditionalSpaceBetweenGlyphs(float space)
 {
     _additionalSpace = space;
     if (_pTable != nullptr)
-        _pTable->setSpace(_additionalSpace + _spaceWidth);
+        _pTable->setMetrics(metrics());
+}
+
+void Font::setSpaceBetweenLines(float space)
+{
+    _lineSpacing = space;
+    if (_pTable != nullptr)
+        _pTable->setMetrics(metrics());
 }
 
 void Font::setZLevel(float first, float second)
@@ -243,23 +277,29 @@ void Font::draw(Program* prog)
     ProgHelper::forgetTexture();
     Context::bindTextureToCurrentlyActiveTextureUnit(_textureID, Texture::Type::FontAtlas);
 
+    // The program's setters and the colour table, without the calls.
+    const Colors& colors = allColors();
+    const GLint colorPos = pTextProg->_colorPos;
+    const GLint zPos = pTextProg->_zPos;
     td::ColorID lastColor = td::ColorID::NoColor;
     float lastZ = 10000.0f;
-    for (const _cmd& cmd : _commands)
+    for (const _cmd *pCmd = _commands.begin(), *const pEnd = _commands.end(); pCmd != pEnd;)
     {
-        if (cmd.colorID != lastColor)
+        if (pCmd->colorID != lastColor)
         {
-            glm::vec4 color;
-            Color::get(cmd.colorID, color);
-            pTextProg->setColor(color);
-            lastColor = cmd.colorID;
+            lastColor = pCmd->colorID;
+            glUniform4fv(colorPos, 1, glm::value_ptr(colors[std::size_t(lastColor)]));
         }
-        if (cmd.z != lastZ)
+        if (pCmd->z != lastZ)
         {
-            pTextProg->setZPos(cmd.z);
-            lastZ = cmd.z;
+            lastZ = pCmd->z;
+            glUniform1f(zPos, lastZ);
         }
-        glDrawArrays(GL_TRIANGLES, static_cast<GLint>(cmd.firstVertex), static_cast<GLsizei>(cmd.vertexCount));
+        do
+        {
+            glDrawArrays(GL_TRIANGLES, static_cast<GLint>(pCmd->firstVertex), static_cast<GLsizei>(pCmd->vertexCount));
+            ++pCmd;
+        } while (pCmd != pEnd && pCmd->colorID == lastColor && pCmd->z == lastZ);
     }
 }
 

@@ -103,8 +103,7 @@ bool Font::readGlyphs(arch::ArchiveIn& archive, unsigned short noGlyphs, const c
     _glyphMap.endUpdate();
     _pMemo = std::make_unique<LayoutMemo>();
     _pTable =
-        std::make_unique<GlyphTable>(std::span<const _glyph>(_glyphs.begin(), _glyphs.end()), _glyphMap, _glyphPadding);
-    _pTable->setSpace(_additionalSpace + _spaceWidth);
+        std::make_unique<GlyphTable>(std::span<const _glyph>(_glyphs.begin(), _glyphs.end()), _glyphMap, metrics());
     return true;
 }
 

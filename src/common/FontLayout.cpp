@@ -1,7 +1,8 @@
 #include <gui/gl/Font.h>
 
-#include "GlyphRun.h"
+#include "GlyphTable.h"
 #include "LayoutMemo.h"
+#include "Pen.h"
 
 #include <td/Assert.h>
 #include <td/Search.h>
@@ -54,7 +55,7 @@ std::optional<std::span<const wchar_t>> Font::decode(const char* first, const ch
     {
         if (isHorizontalSpace(c) || isLineBreak(c))
             continue;
-        const std::size_t index = _pTable->number(static_cast<char32_t>(c));
+        const std::size_t index = _pTable->glyphIndex(static_cast<char32_t>(c));
         const float tx = _glyphs[index].tx;
         const float nextTx = _pTable->rightEdge(index);
         TD_ASSERT(nextTx > tx, std::nullopt);
@@ -62,60 +63,9 @@ std::optional<std::span<const wchar_t>> Font::decode(const char* first, const ch
     return text;
 }
 
-FontMetrics Font::metrics() const
-{
-    return {.lineHeight = _lineHeight,
-            .glyphPadding = _glyphPadding,
-            .additionalSpace = _additionalSpace,
-            .lineSpacing = _lineSpacing};
-}
-
-bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
-{
-    if (begin >= end)
-        return true;
-    const float s = scale;
-    Pen pen{.x = pos.x, .top = pos.y, .bottom = pos.y + s * _lineHeight, .widest = 0, .isFirst = true};
-    begin = runPiece(pos, begin, end, scale, pen);
-    if (begin != end && !addPlainly(pos, begin, end, scale, pen))
-        return false;
-    size = {std::max(pen.widest, pen.x - pos.x), (pen.bottom - pos.y) + s * _lineSpacing};
-    return true;
-}
-
-// Lays out in one pass what can be. @return where to go on plainly
-const char* Font::runPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen)
-{
-    const FontMetrics fontMetrics = metrics();
-    if (_pUTF32 == nullptr || !_pTable->isForRuns() || !GlyphRun::canRun(fontMetrics, pos, scale))
-        return begin;
-    if (_vertices.capacity() == 0)
-        _vertices.reserve(cVerticesAtFirst);
-    GlyphRun run(*_pTable, fontMetrics, pos, scale, pen);
-    const auto* p = reinterpret_cast<const unsigned char*>(begin);
-    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
-    for (const unsigned char* pStop = p; p < pEnd && p >= pStop;)
-    {
-        const std::size_t room = (_vertices.capacity() - _vertices.size()) / cVerticesPerGlyph;
-        _vd quad[cVerticesPerGlyph];
-        _vd* const pFirst = room > 0 ? _vertices.end() : quad;
-        _vd* pLast = pFirst;
-        pStop = p + std::min<std::size_t>(room > 0 ? room : 1, static_cast<std::size_t>(pEnd - p));
-        p = run.add(p, pStop, pEnd, pLast);
-        if (room > 0)
-        {
-            _vertices.pushSlots(static_cast<std::size_t>(pLast - pFirst));
-            if (run.hasSpilled())
-                _pMemo->overwrote(_vertices.size() + cVerticesPerGlyph);
-        }
-        else // which grows if it is a glyph
-            _vertices.push_back(quad, static_cast<std::size_t>(pLast - pFirst));
-    }
-    return reinterpret_cast<const char*>(p);
-}
-
-// The plain form of GlyphRun, for all that it leaves.
-bool Font::addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen)
+// What of a piece is not laid out in one pass. @param pos  where the piece begins  @param pen  where its rest does
+bool Font::addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen pen,
+                      td::Size<float>& size)
 {
     const std::optional<std::span<const wchar_t>> text = decode(begin, end);
     if (!text)
@@ -134,15 +84,11 @@ bool Font::addPlainly(const td::Point<float>& pos, const char* begin, const char
         }
         else if (isLineBreak(c))
         {
-            widest = std::max(widest, x - pos.x);
-            x = pos.x;
-            t += s * (_lineHeight + _lineSpacing);
-            b = t + s * _lineHeight;
-            first = true;
+            pen.breakLine(pos.x, s * _lineHeight, s * (_lineHeight + _lineSpacing));
         }
         else
         {
-            const std::size_t index = _pTable->number(static_cast<char32_t>(c));
+            const std::size_t index = _pTable->glyphIndex(static_cast<char32_t>(c));
             const _glyph& glyph = _glyphs.begin()[index];
             if (first)
                 x -= s * glyph.bearing;
@@ -159,6 +105,7 @@ bool Font::addPlainly(const td::Point<float>& pos, const char* begin, const char
             x += s * glyph.advance + s * _additionalSpace;
         }
     }
+    size = pen.size(pos, s * _lineSpacing);
     return true;
 }
 
@@ -166,9 +113,7 @@ bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& siz
 {
     if (begin >= end)
         return true;
-    if (_pUTF32 != nullptr && _pTable->isForRuns() && GlyphRun::canMeasure(metrics()) &&
-        GlyphRun::measure(*_pTable, metrics(), reinterpret_cast<const unsigned char*>(begin),
-                          reinterpret_cast<const unsigned char*>(end), size))
+    if (runMeasure(begin, end, size)) [[likely]]
         return true;
     const std::optional<std::span<const wchar_t>> text = decode(begin, end);
     if (!text)
@@ -192,7 +137,7 @@ bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& siz
         }
         else
         {
-            const _glyph& glyph = _glyphs.begin()[_pTable->number(static_cast<char32_t>(c))];
+            const _glyph& glyph = _glyphs.begin()[_pTable->glyphIndex(static_cast<char32_t>(c))];
             if (first)
                 x -= glyph.bearing;
             else
@@ -269,14 +214,13 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
     len = lengthOf(str, len);
     const std::size_t number = _commands.size();
     const std::size_t nBefore = _vertices.size();
-    const LayoutMemo::Key key{.x = pos.x,
-                              .y = pos.y,
-                              .scale = format.scale,
-                              .additionalSpace = _additionalSpace,
-                              .lineSpacing = _lineSpacing,
-                              .alignment = format.hAlignment,
-                              .text = {str, len}};
-    const LayoutMemo::Layout* const pKnown = _pMemo->find(number, key, nBefore, _vertices.capacity());
+    const LayoutMemo::Style style{.x = pos.x,
+                                  .y = pos.y,
+                                  .scale = format.scale,
+                                  .additionalSpace = _additionalSpace,
+                                  .lineSpacing = _lineSpacing,
+                                  .alignment = format.hAlignment};
+    const LayoutMemo::Layout* const pKnown = _pMemo->find(number, {str, len}, style, nBefore, _vertices.capacity());
     if (pKnown != nullptr)
     {
         _vertices.pushSlots(pKnown->nVertices);
@@ -302,15 +246,19 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
     if (!isAdded)
         return {};
     recordString(nBefore, format);
-    _pMemo->remember(number, key, {nBefore, _vertices.size() - nBefore, size});
+    _pMemo->remember(number, {str, len}, style, {nBefore, _vertices.size() - nBefore, size});
     return size;
 }
 
 // Its vertices are those from firstVertex on.
 void Font::recordString(std::size_t firstVertex, const _format& format)
 {
-    _commands.push_back({static_cast<unsigned int>(firstVertex),
-                         static_cast<unsigned int>(_vertices.size() - firstVertex), format.z, format.colorID});
+    // Put together elsewhere and copied, it would have to wait for memory, as LayoutMemo::Style would.
+    _cmd& cmd = _commands.push_back();
+    cmd.firstVertex = static_cast<unsigned int>(firstVertex);
+    cmd.vertexCount = static_cast<unsigned int>(_vertices.size() - firstVertex);
+    cmd.z = format.z;
+    cmd.colorID = format.colorID;
 }
 
 td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBase& str, const _format& format)

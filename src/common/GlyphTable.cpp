@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace gui::gl
 {
@@ -14,36 +13,34 @@ constexpr char32_t cCodePoints = 0x110000;
 constexpr char32_t cSpaces[] = {U' ', U'\t'};
 constexpr char32_t cLineBreaks[] = {U'\n', U'\u2028'};
 constexpr std::size_t cASCII = 128;
-
-// Behind the glyphs: the space, the line break, and bytes that are no character.
-constexpr std::size_t cNumbersOfNoGlyph = 3;
+constexpr unsigned int cFloatsPerQuad = 6 * 4;
 
 bool isCodePoint(wchar_t key) { return key >= 0 && char32_t(key) < cCodePoints; }
 
 } // namespace
 
 GlyphTable::GlyphTable(std::span<const Font::_glyph> glyphs, const cnt::Dictionary<wchar_t, unsigned short>& map,
-                       float padding)
+                       const FontMetrics& metrics)
     : _glyphs(glyphs)
 {
     numberGlyphs(map);
-    makeRecords(padding);
-    if (glyphs.size() + cNumbersOfNoGlyph - 1 > std::numeric_limits<Number>::max())
-    {
-        _isForRuns = false;
-        return;
-    }
-    _space = static_cast<Number>(glyphs.size());
-    _lineBreak = static_cast<Number>(glyphs.size() + 1);
-    for (const char32_t c : cSpaces)
-        slot(c) = _space;
-    for (const char32_t c : cLineBreaks)
-        slot(c) = _lineBreak;
-    std::fill(std::begin(_bytes), std::end(_bytes), static_cast<Number>(glyphs.size() + 2));
-    std::copy_n(_pages.begin() + _pageOf[0] * std::ptrdiff_t(cPageSize), cASCII, std::begin(_bytes));
+    makeEntries(metrics.glyphPadding);
+    if (cFirstGlyph + glyphs.size() <= cLineBreak)
+        numberOthers();
+    else
+        _areGlyphsForRuns = false;
+    setMetrics(metrics);
 }
 
-void GlyphTable::setSpace(float advance) { _records[_glyphs.size()] = {0, advance, 0, 0, 0, 0}; }
+void GlyphTable::setMetrics(const FontMetrics& metrics)
+{
+    _metrics = metrics;
+    _entries[cSpace] = {};
+    _entries[cSpace].advance = metrics.additionalSpace + metrics.spaceWidth;
+    _isForRuns = _areGlyphsForRuns && std::isfinite(metrics.lineHeight) && std::isfinite(metrics.glyphPadding) &&
+                 std::isfinite(metrics.spaceWidth) && std::isfinite(metrics.additionalSpace) &&
+                 std::isfinite(metrics.lineSpacing);
+}
 
 GlyphTable::Number& GlyphTable::slot(char32_t codePoint)
 {
@@ -67,28 +64,46 @@ void GlyphTable::numberGlyphs(const cnt::Dictionary<wchar_t, unsigned short>& ma
         if (isCodePoint(entry.key))
             needPage(char32_t(entry.key));
     }
-    _pages.assign(nPages * cPageSize, static_cast<Number>(_glyphs.size() - 1));
+    const auto numberOf = [](std::size_t index) { return static_cast<Number>(cFirstGlyph + index); };
+    _pages.assign(nPages * cPageSize, numberOf(_glyphs.size() - 1));
     for (const auto& entry : map)
     {
         if (isCodePoint(entry.key))
-            slot(char32_t(entry.key)) = *map.find(entry.key); // of equal keys the one that a search finds
+            slot(char32_t(entry.key)) = numberOf(*map.find(entry.key)); // of equal keys the one that a search finds
     }
 }
 
-void GlyphTable::makeRecords(float padding)
+void GlyphTable::numberOthers()
 {
-    _records.reserve(_glyphs.size() + 1);
+    for (const char32_t c : cSpaces)
+        slot(c) = cSpace;
+    for (const char32_t c : cLineBreaks)
+        slot(c) = cLineBreak;
+    for (std::size_t byte = 0; byte < std::size(_bytes); ++byte)
+        _bytes[byte] = byte < cASCII ? number(static_cast<char32_t>(byte)) : cLead;
+}
+
+void GlyphTable::makeEntries(float padding)
+{
+    _entries.reserve(cFirstGlyph + _glyphs.size());
+    _entries.push_back({}); // the space
     for (std::size_t i = 0; i < _glyphs.size(); ++i)
     {
         const Font::_glyph& glyph = _glyphs[i];
-        _records.push_back({glyph.bearing, glyph.advance, glyph.width + padding, glyph.tx, rightEdge(i), 1});
-        const Record& record = _records.back();
-        _areAllEdgesOrdered = _areAllEdgesOrdered && record.right > record.left;
-        _isForRuns =
-            _isForRuns && std::isfinite(record.bearing) && std::isfinite(record.advance) && std::isfinite(record.width);
+        const Entry entry{.advance = glyph.advance,
+                          .bearing = glyph.bearing,
+                          .start = 0,
+                          .end = glyph.width + padding,
+                          .nQuads = 1,
+                          .nFloats = cFloatsPerQuad,
+                          .left = glyph.tx,
+                          .right = rightEdge(i)};
+        const bool isFinite = std::isfinite(entry.end) && std::isfinite(entry.bearing) && std::isfinite(entry.advance);
+        const bool isOrdered = entry.right > entry.left;
+        _areAllEdgesOrdered = _areAllEdgesOrdered && isOrdered;
+        _areGlyphsForRuns = _areGlyphsForRuns && isFinite && isOrdered;
+        _entries.push_back(entry);
     }
-    _records.push_back({});
-    _isForRuns = _isForRuns && _areAllEdgesOrdered && std::isfinite(padding);
 }
 
 } // namespace gui::gl

@@ -9,49 +9,68 @@
 namespace gui::gl
 {
 
+/// A font's metrics that are not a glyph's own.
+struct FontMetrics
+{
+    float lineHeight;
+    float glyphPadding;
+    float spaceWidth;
+    float additionalSpace;
+    float lineSpacing;
+};
+
 /// The glyphs of a font as layout wants them: found by code point in two steps, and all that is needed of one in one place.
 class GlyphTable
 {
 public:
-    /// A glyph's place among the records. Behind the glyphs come the space and, without records, what is no glyph.
+    /// What a character is: 0 a space, i + 1 the glyph of index i. Line breaks and bytes that are no character have numbers
+    /// too, but no entry.
     using Number = unsigned short;
+    static constexpr Number cSpace = 0;
+    static constexpr Number cFirstGlyph = 1;
+    static constexpr Number cLineBreak = 0xFFFE;
+    static constexpr Number cLead = 0xFFFF;
 
-    struct alignas(32) Record
+    struct alignas(32) Entry
     {
-        float bearing;
         float advance;
-        float width; ///< of the quad: with the padding
-        float left;  ///< edges in the atlas
+        float bearing;
+        float start; ///< edges of the quad, from the pen behind the bearing: 0, and the width with the padding
+        float end;
+        unsigned int nQuads;  ///< 1; 0 for the space, which only moves the pen
+        unsigned int nFloats; ///< of the quads' vertices
+        float left;           ///< edges in the atlas
         float right;
-        unsigned int nQuads; ///< 1; 0 for the space, which moves the pen only
     };
 
     /// @param glyphs  of the font; not empty, and there as long as the table
     GlyphTable(std::span<const Font::_glyph> glyphs, const cnt::Dictionary<wchar_t, unsigned short>& map,
-               float padding);
+               const FontMetrics& metrics);
+
+    /// Takes over what can be set. The padding stays.
+    void setMetrics(const FontMetrics& metrics);
+    const FontMetrics& metrics() const { return _metrics; }
 
     /// Whether right edges of all glyphs are right of the left ones.
     bool areAllEdgesOrdered() const { return _areAllEdgesOrdered; }
 
-    /// Whether GlyphRun can use the table: metrics are finite and 16 bits suffice to number what is no glyph too.
+    /// Whether the fast layout can use the table: that is so, all metrics are finite, and there are numbers for what is no
+    /// glyph.
     bool isForRuns() const { return _isForRuns; }
 
-    /// How far a space or tab moves the pen, in font units. 0 at first.
-    void setSpace(float advance);
+    /// @return the index of a code point's glyph, the last one's where it has none. Not for spaces and line breaks
+    std::size_t glyphIndex(char32_t codePoint) const { return std::size_t(number(codePoint)) - cFirstGlyph; }
 
-    /// @return the index of a code point's glyph, the last one's where it has none; for spaces and line breaks too, unless
-    ///         isForRuns
     Number number(char32_t codePoint) const
     {
         return _pages[_pageOf[codePoint / cPageSize] * cPageSize + codePoint % cPageSize];
     }
 
-    /// The number of a byte that is a character, or isLead.
+    /// The number of a byte that is a character, otherwise cLead.
     Number numberOfByte(unsigned char byte) const { return _bytes[byte]; }
 
-    bool isRecord(Number number) const { return number <= _space; }
-    bool isLead(Number number) const { return number > _lineBreak; }
-    const Record& record(Number number) const { return _records[number]; }
+    static bool hasEntry(Number number) { return number < cLineBreak; }
+    const Entry& entry(Number number) const { return _entries[number]; }
 
     float rightEdge(std::size_t index) const { return index + 1 < _glyphs.size() ? _glyphs[index + 1].tx : 1.0f; }
 
@@ -60,17 +79,18 @@ private:
 
     Number& slot(char32_t codePoint);
     void numberGlyphs(const cnt::Dictionary<wchar_t, unsigned short>& map);
-    void makeRecords(float padding);
+    void numberOthers();
+    void makeEntries(float padding);
 
     std::span<const Font::_glyph> _glyphs;
     std::vector<Number> _pageOf;
     std::vector<Number> _pages;
-    std::vector<Record> _records;
+    std::vector<Entry> _entries;
     Number _bytes[256] = {};
-    Number _space = 0;
-    Number _lineBreak = 0;
+    FontMetrics _metrics = {};
     bool _areAllEdgesOrdered = true;
-    bool _isForRuns = true;
+    bool _areGlyphsForRuns = true;
+    bool _isForRuns = false;
 };
 
 } // namespace gui::gl

@@ -1,8 +1,11 @@
 #pragma once
 
-#include <gui/gl/Font.h>
+#include <td/Point.h>
+#include <td/Size.h>
 
+#include <bit>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,8 +20,8 @@ namespace gui::gl
 class LayoutMemo
 {
 public:
-    /// All that layout depends on, beside the glyphs.
-    struct Key
+    /// All that layout depends on, beside the text and the glyphs.
+    struct Style
     {
         float x;
         float y;
@@ -26,7 +29,21 @@ public:
         float additionalSpace;
         float lineSpacing;
         unsigned int alignment;
-        std::string_view text;
+
+        /// To the bit. Number by number, as they are put together: a block of several, read right after it was written,
+        /// is not at hand before all that was written earlier is in memory, and that is a string's vertices.
+        bool isSameAs(const Style& other) const
+        {
+            return isSame(x, other.x) && isSame(y, other.y) && isSame(scale, other.scale) &&
+                   isSame(additionalSpace, other.additionalSpace) && isSame(lineSpacing, other.lineSpacing) &&
+                   alignment == other.alignment;
+        }
+
+    private:
+        static bool isSame(float a, float b)
+        {
+            return std::bit_cast<unsigned int>(a) == std::bit_cast<unsigned int>(b);
+        }
     };
 
     struct Layout
@@ -38,10 +55,31 @@ public:
 
     /// @param number  of the string  @param firstVertex  where it begins  @param capacity  the storage's, in vertices
     /// @return the layout when it is known and its vertices are there, valid until the next call; null otherwise
-    const Layout* find(std::size_t number, const Key& key, std::size_t firstVertex, std::size_t capacity) const;
+    const Layout* find(std::size_t number, std::string_view text, const Style& style, std::size_t firstVertex,
+                       std::size_t capacity) const
+    {
+        // A storage that grew has what was in use, and nothing of what was behind it.
+        if (number >= _entries.size() || firstVertex < _overwrittenEnd || capacity != _capacity)
+            return nullptr;
+        const Entry& entry = _entries[number];
+        const bool isSame = entry.layout.firstVertex == firstVertex && entry.textLength == text.size() &&
+                            entry.style.isSameAs(style) &&
+                            std::memcmp(_texts.data() + entry.textAt, text.data(), text.size()) == 0;
+        return isSame ? &entry.layout : nullptr;
+    }
 
     /// Remembers a string that was laid out. Without memory to do so, all is forgotten.
-    void remember(std::size_t number, const Key& key, const Layout& layout) noexcept;
+    void remember(std::size_t number, std::string_view text, const Style& style, const Layout& layout) noexcept
+    {
+        if ((number >= _entries.size() || text.size() > _entries[number].textLength) && !makeRoom(number, text.size()))
+            return;
+        Entry& entry = _entries[number];
+        _nWasted += entry.textLength - text.size();
+        entry.textLength = text.size();
+        entry.style = style;
+        entry.layout = layout;
+        std::memcpy(_texts.data() + entry.textAt, text.data(), text.size());
+    }
 
     /// Tells that vertices before this one, though not in use, were written over.
     void overwrote(std::size_t end) { _overwrittenEnd = end; }
@@ -56,13 +94,13 @@ public:
 private:
     struct Entry
     {
-        // Of the key. Numbers are compared by their bits.
-        float numbers[5];
-        unsigned int alignment;
+        Style style;
         std::size_t textAt; // in _texts
         std::size_t textLength;
         Layout layout;
     };
+
+    bool makeRoom(std::size_t number, std::size_t textLength) noexcept;
 
     std::vector<Entry> _entries;
     std::string _texts;

@@ -178,7 +178,7 @@ public:
     /// Additional advance after every glyph and space, in font units; 0 at first.
     void setAdditionalSpaceBetweenGlyphs(float space);
     /// From the bottom of a line to the top of the next, in font units; 1 at first.
-    void setSpaceBetweenLines(float space) { _lineSpacing = space; }
+    void setSpaceBetweenLines(float space);
     /// Two levels that are kept for the application; nothing reads them.
     void setZLevel(float first, float second);
 
@@ -216,8 +216,9 @@ private:
     FontMetrics metrics() const;
     std::optional<std::span<const wchar_t>> decode(const char* first, const char* last) const;
     bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
-    const char* runPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen);
-    bool addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen& pen);
+    bool runMeasure(const char* begin, const char* end, td::Size<float>& size) const;
+    bool addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen pen,
+                    td::Size<float>& size);
     bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
     void recordString(std::size_t firstVertex, const _format& format);
     bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,

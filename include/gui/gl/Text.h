@@ -58,6 +58,8 @@ public:
         void onError() override;
 
     private:
+        friend class Font;
+
         int _samplerPos = -1;
         int _colorPos = -1;
         int _zPos = -1;
