@@ -1,5 +1,6 @@
 #include "BandLoops.h"
 
+#include "BestLoops.h"
 #include "Lanes.h"
 
 // Formulas stand as they do in OutlineVectors.cpp: no other way to write them gives the same bits. Compiled once for any
@@ -278,15 +279,7 @@ const BandLoops cBandLoopsAVX2{takePoints, addCorners, addQuads};
 
 const BandLoops cBandLoops{takePoints, addCorners, addQuads};
 
-const BandLoops& bandLoops()
-{
-#ifdef GUIGL_AVX2
-    static const BandLoops& s_best = __builtin_cpu_supports("avx2") ? cBandLoopsAVX2 : cBandLoops;
-    return s_best;
-#else
-    return cBandLoops;
-#endif
-}
+const BandLoops& bandLoops() { return bestLoops<BandLoops, cBandLoops, cBandLoopsAVX2>(); }
 
 #endif
 

@@ -38,10 +38,7 @@ struct BandLoops
     void (*addQuads)(const float* pPairs, std::size_t n, unsigned int firstIndex, unsigned int* pIndices);
 };
 
-extern const BandLoops cBandLoops;
-#ifdef GUIGL_AVX2
-extern const BandLoops cBandLoopsAVX2;
-#endif
+extern const BandLoops cBandLoops, cBandLoopsAVX2;
 
 /// The best for this machine.
 const BandLoops& bandLoops();

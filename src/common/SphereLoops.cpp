@@ -1,5 +1,6 @@
 #include "SphereLoops.h"
 
+#include "BestLoops.h"
 #include "Lanes.h"
 
 // Several vertices at a time. Compiled once for any machine and once for AVX2.
@@ -59,15 +60,7 @@ const SphereLoops cSphereLoopsAVX2{addRow};
 
 const SphereLoops cSphereLoops{addRow};
 
-const SphereLoops& sphereLoops()
-{
-#ifdef GUIGL_AVX2
-    static const SphereLoops& s_best = __builtin_cpu_supports("avx2") ? cSphereLoopsAVX2 : cSphereLoops;
-    return s_best;
-#else
-    return cSphereLoops;
-#endif
-}
+const SphereLoops& sphereLoops() { return bestLoops<SphereLoops, cSphereLoops, cSphereLoopsAVX2>(); }
 
 #endif
 

@@ -30,10 +30,7 @@ struct SphereLoops
     void (*addRow)(const SphereRow& row, float* pTo, const float* pEnd);
 };
 
-extern const SphereLoops cSphereLoops;
-#ifdef GUIGL_AVX2
-extern const SphereLoops cSphereLoopsAVX2;
-#endif
+extern const SphereLoops cSphereLoops, cSphereLoopsAVX2;
 
 /// The best for this machine.
 const SphereLoops& sphereLoops();
