@@ -1,7 +1,8 @@
 #include "CornerTree.h"
 
+#include "Lanes.h"
+
 #include <algorithm>
-#include <bit>
 #include <limits>
 
 namespace gui::gl
@@ -10,147 +11,115 @@ namespace gui::gl
 namespace
 {
 
-// A plain array: indexing an object keeps GCC 12 from making vector operations of the loops over it.
-constexpr unsigned int cBits[] = {1U << 0, 1U << 1, 1U << 2,  1U << 3,  1U << 4,  1U << 5,  1U << 6,  1U << 7,
-                                  1U << 8, 1U << 9, 1U << 10, 1U << 11, 1U << 12, 1U << 13, 1U << 14, 1U << 15};
+constexpr float cInfinity = std::numeric_limits<float>::infinity();
+
+// Differences of coordinates up to this one are finite.
+constexpr float cMaxBounded = 1.5e38f;
+
+// A NaN in a counts as nothing: no triangle holds it.
+Floats smaller(Floats a, Floats b) { return a < b ? a : b; }
+Floats larger(Floats a, Floats b) { return a > b ? a : b; }
+
+float smallestOf(Floats v)
+{
+    float smallest = v[0];
+    for (unsigned int i = 1; i < cLanes; ++i)
+        smallest = std::min(smallest, v[i]);
+    return smallest;
+}
+
+float largestOf(Floats v) { return -smallestOf(-v); }
+
+float smallestOfFan(const float* p)
+{
+    Floats v = all(cInfinity);
+    for (unsigned int i = 0; i < CornerTree::cFan; i += cLanes)
+        v = smaller(load(p + i), v);
+    return smallestOf(v);
+}
+
+float largestOfFan(const float* p)
+{
+    Floats v = all(-cInfinity);
+    for (unsigned int i = 0; i < CornerTree::cFan; i += cLanes)
+        v = larger(load(p + i), v);
+    return largestOf(v);
+}
+
+// Lays a diagonal strip around n corners that are a whole number of leaves, along the diagonal where it is narrower.
+void setStrip(CornerTree::Boxes& boxes, unsigned int child, const float* x, const float* y, unsigned int n)
+{
+    const float minX = boxes.minX[child], minY = boxes.minY[child];
+    const auto inverse = [](float size) { return size > 0x1p-100f && size < 0x1p+100f ? 1 / size : 0; };
+    const float scaleX = inverse(boxes.maxX[child] - minX), scaleY = inverse(boxes.maxY[child] - minY);
+    Floats lowSum = all(cInfinity), highSum = all(-cInfinity), lowDiff = all(cInfinity), highDiff = all(-cInfinity);
+    for (unsigned int i = 0; i < n; i += cLanes)
+    {
+        const Floats s = (load(x + i) - minX) * scaleX, t = (load(y + i) - minY) * scaleY;
+        lowSum = smaller(s + t, lowSum);
+        highSum = larger(s + t, highSum);
+        lowDiff = smaller(s - t, lowDiff);
+        highDiff = larger(s - t, highDiff);
+    }
+    const float low[] = {smallestOf(lowSum), smallestOf(lowDiff)}, high[] = {largestOf(highSum), largestOf(highDiff)};
+    const bool isFalling = high[0] - low[0] < high[1] - low[1];
+    boxes.scaleX[child] = scaleX;
+    boxes.scaleY[child] = isFalling ? scaleY : -scaleY;
+    boxes.low[child] = low[isFalling ? 0 : 1];
+    boxes.high[child] = high[isFalling ? 0 : 1];
+}
+
+void setBox(CornerTree::Boxes& boxes, unsigned int child, float minX, float maxX, float minY, float maxY)
+{
+    boxes.minX[child] = minX;
+    boxes.maxX[child] = maxX;
+    boxes.minY[child] = minY;
+    boxes.maxY[child] = maxY;
+}
 
 } // namespace
 
-void CornerTree::resize(std::size_t n)
+void buildTree(CornerTree& tree, unsigned int n)
 {
-    _nCorners = n;
-    _x.resize(roundUp(n));
-    _y.resize(roundUp(n));
-}
-
-void CornerTree::build()
-{
-    _nLevels = 0;
-    std::size_t n = _nCorners;
-    do
+    constexpr unsigned int cFan = CornerTree::cFan;
+    unsigned int nCorners = 1;
+    for (unsigned int level = 0, nChildren = n; level < tree.nLevels; ++level)
     {
-        if (_nLevels == _levels.size())
-            _levels.emplace_back();
-        Level& level = _levels[_nLevels];
-        const std::size_t nChildren = n;
-        n = (n + cFan - 1) / cFan;
-        for (std::vector<float>* pBounds : {&level.minX, &level.maxX, &level.minY, &level.maxY})
-            pBounds->resize(roundUp(n));
-        level.alive.assign(n, (1U << cFan) - 1);
+        const unsigned int nNodes = (nChildren + cFan - 1) / cFan;
+        std::fill_n(tree.pAlive[level], nNodes, std::uint16_t(0xffff));
         if (nChildren % cFan != 0)
-            level.alive.back() = (1U << nChildren % cFan) - 1;
-        buildLevel(_nLevels++, nChildren);
-    } while (n > 1);
-}
-
-// Comparisons leave NaN out, which no triangle holds.
-void CornerTree::buildLevel(std::size_t level, std::size_t nChildren)
-{
-    Level& boxes = _levels[level];
-    const bool isFirst = level == 0;
-    const std::vector<float>& minX = isFirst ? _x : _levels[level - 1].minX;
-    const std::vector<float>& maxX = isFirst ? _x : _levels[level - 1].maxX;
-    const std::vector<float>& minY = isFirst ? _y : _levels[level - 1].minY;
-    const std::vector<float>& maxY = isFirst ? _y : _levels[level - 1].maxY;
-    constexpr float cInfinity = std::numeric_limits<float>::infinity();
-    for (std::size_t node = 0; node < boxes.alive.size(); ++node)
-    {
-        float left = cInfinity, right = -cInfinity, bottom = cInfinity, top = -cInfinity;
-        for (std::size_t i = node * cFan; i < std::min((node + 1) * cFan, nChildren); ++i)
+            tree.pAlive[level][nNodes - 1] = static_cast<std::uint16_t>((1U << nChildren % cFan) - 1);
+        for (unsigned int child = 0; level > 0 && child < nNodes * cFan; ++child)
         {
-            left = minX[i] < left ? minX[i] : left;
-            right = maxX[i] > right ? maxX[i] : right;
-            bottom = minY[i] < bottom ? minY[i] : bottom;
-            top = maxY[i] > top ? maxY[i] : top;
+            CornerTree::Boxes& boxes = tree.pBoxes[level][child / cFan];
+            if (child >= nChildren)
+            {
+                setBox(boxes, child % cFan, cInfinity, -cInfinity, cInfinity, -cInfinity);
+                continue;
+            }
+            if (level == 1)
+            {
+                const float* const x = tree.pX + child * cFan;
+                const float* const y = tree.pY + child * cFan;
+                setBox(boxes, child % cFan, smallestOfFan(x), largestOfFan(x), smallestOfFan(y), largestOfFan(y));
+                continue;
+            }
+            const CornerTree::Boxes& below = tree.pBoxes[level - 1][child];
+            setBox(boxes, child % cFan, smallestOfFan(below.minX), largestOfFan(below.maxX), smallestOfFan(below.minY),
+                   largestOfFan(below.maxY));
         }
-        boxes.minX[node] = left;
-        boxes.maxX[node] = right;
-        boxes.minY[node] = bottom;
-        boxes.maxY[node] = top;
+        for (unsigned int child = 0; level > 0 && child < nChildren; ++child)
+        {
+            const unsigned int first = child * nCorners,
+                               last = std::min(first + nCorners, (n + cFan - 1) / cFan * cFan);
+            setStrip(tree.pBoxes[level][child / cFan], child % cFan, tree.pX + first, tree.pY + first, last - first);
+        }
+        nChildren = nNodes;
+        nCorners *= cFan;
     }
-}
-
-void CornerTree::remove(std::size_t i)
-{
-    for (std::size_t level = 0; level < _nLevels; ++level, i /= cFan)
-        if ((_levels[level].alive[i / cFan] &= ~(1U << i % cFan)) != 0)
-            return;
-}
-
-std::size_t CornerTree::findInside(const Triangle& triangle)
-{
-    const auto edge = [this](std::size_t from, std::size_t to) {
-        return Edge{_x[to] - _x[from], _y[to] - _y[from], _x[from], _y[from]};
-    };
-    const auto [a, b, c] = triangle;
-    // A search that always began at the same place would find the same few corners in the way of all others, and each
-    // of them would have to be cut before it found the next.
-    _firstChild = (_firstChild + 7) % cFan;
-    return search(_nLevels - 1, 0, {edge(b, c), edge(c, a), edge(a, b)}, triangle);
-}
-
-std::size_t CornerTree::search(std::size_t level, std::size_t node, const Edges& edges, const Triangle& triangle) const
-{
-    unsigned int children = level == 0 ? cornersInside(node, edges) : boxesInside(level - 1, node, edges);
-    children &= _levels[level].alive[node];
-    if (level == 0)
-    {
-        for (const std::size_t corner : triangle)
-            if (corner / cFan == node)
-                children &= ~(1U << corner % cFan);
-    }
-    children = (children | children << cFan) >> _firstChild & ((1U << cFan) - 1);
-    for (; children != 0; children &= children - 1)
-    {
-        const std::size_t i =
-            node * cFan + (_firstChild + static_cast<unsigned int>(std::countr_zero(children))) % cFan;
-        const std::size_t found = level == 0 ? i : search(level - 1, i, edges, triangle);
-        if (found != cNone)
-            return found;
-    }
-    return cNone;
-}
-
-unsigned int CornerTree::cornersInside(std::size_t leaf, const Edges& edges) const
-{
-    const float* const x = _x.data() + leaf * cFan;
-    const float* const y = _y.data() + leaf * cFan;
-    unsigned int inside = ~0U;
-    for (const Edge& edge : edges)
-        inside &= insideBits(edge, x, y);
-    return inside;
-}
-
-// Every operation of side() is monotone, rounded as it is: it grows with x, or falls, and so with y. So no corner in a box
-// is further on the inside than the box's best corner, computed in the same operations. NaN is not below 0 and proves
-// nothing.
-unsigned int CornerTree::boxesInside(std::size_t level, std::size_t node, const Edges& edges) const
-{
-    const Level& boxes = _levels[level];
-    unsigned int outside = 0;
-    for (const Edge& edge : edges)
-    {
-        const float* const x = (edge.y < 0 ? boxes.maxX : boxes.minX).data() + node * cFan;
-        const float* const y = (edge.x > 0 ? boxes.maxY : boxes.minY).data() + node * cFan;
-        outside |= outsideBits(edge, x, y);
-    }
-    return ~outside;
-}
-
-unsigned int CornerTree::insideBits(Edge edge, const float* x, const float* y)
-{
-    unsigned int bits = 0;
-    for (std::size_t i = 0; i < cFan; ++i)
-        bits |= edge.side(x[i], y[i]) >= 0 ? cBits[i] : 0;
-    return bits;
-}
-
-unsigned int CornerTree::outsideBits(Edge edge, const float* x, const float* y)
-{
-    unsigned int bits = 0;
-    for (std::size_t i = 0; i < cFan; ++i)
-        bits |= edge.side(x[i], y[i]) < 0 ? cBits[i] : 0;
-    return bits;
+    const CornerTree::Boxes& root = tree.pBoxes[tree.nLevels - 1][0];
+    tree.isBounded = smallestOfFan(root.minX) >= -cMaxBounded && largestOfFan(root.maxX) <= cMaxBounded &&
+                     smallestOfFan(root.minY) >= -cMaxBounded && largestOfFan(root.maxY) <= cMaxBounded;
 }
 
 } // namespace gui::gl

@@ -1,149 +1,261 @@
 #include "EarClipper.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace gui::gl
 {
 
 namespace
 {
 
-// The list of corners is packed when fewer than half of them are left, but not when it is as short as this.
-constexpr std::size_t cShortList = 64;
+constexpr unsigned int cNone = ManyEars::cNone;
+constexpr unsigned int cFan = CornerTree::cFan;
+
+template <typename T>
+T* grown(std::vector<T>& list, std::size_t size)
+{
+    if (list.size() < size)
+        list.resize(size);
+    return list.data();
+}
+
+/// Sizes of the levels of a tree, from its leaves to its root, end to end.
+template <unsigned int cMaxLevels>
+struct Levels
+{
+    Levels(unsigned int n, unsigned int fan)
+    {
+        do
+        {
+            starts[nLevels++] = size;
+            n = (n + fan - 1) / fan;
+            size += n;
+        } while (n > 1);
+    }
+
+    unsigned int starts[cMaxLevels] = {};
+    unsigned int nLevels = 0;
+    unsigned int size = 0;
+};
 
 } // namespace
 
 void EarClipper::reserve(std::size_t nCorners)
 {
-    _corners.reserve(nCorners);
-    _places.reserve(nCorners);
-    _candidates.clear(nCorners);
-    _tree.resize(nCorners);
-    _tree.build();
+    if (nCorners > FewEars::cMaxCorners)
+        setSize(static_cast<unsigned int>(nCorners));
 }
 
-bool EarClipper::clip(const td::Point<float>* points, std::span<const unsigned int> corners, float epsilon,
+bool EarClipper::clip(const td::Point<float>* points, unsigned int n, bool isReversed, float epsilon,
                       cnt::PushBackVector<unsigned int, 0>& indices)
 {
-    fill(points, corners);
-    for (unsigned int from = 0; _nLeft > 2;)
-    {
-        std::size_t candidate = _candidates.findFrom(from);
-        if (candidate == CornerSet::cNone)
-            candidate = _candidates.findFrom(0);
-        if (candidate == CornerSet::cNone)
-            return false;
-        _candidates.erase(candidate);
-
-        const auto v = static_cast<unsigned int>(candidate);
-        const unsigned int u = _corners[v].previous, w = _corners[v].next;
-        from = v;
-        const td::Point<float> A = _tree.get(u), B = _tree.get(v), C = _tree.get(w);
-        if (epsilon > (B.x - A.x) * (C.y - A.y) - (B.y - A.y) * (C.x - A.x))
-            continue;
-        if (const std::size_t inside = _tree.findInside({u, v, w}); inside != CornerTree::cNone)
-        {
-            wait(v, static_cast<unsigned int>(inside));
-            continue;
-        }
-        const unsigned int triangle[] = {_corners[u].number, _corners[v].number, _corners[w].number};
-        indices.push_back(triangle, 3);
-        cut(v);
-        // The corner behind w is tried next, and w last.
-        from = w + 1;
-        if (_corners.size() > cShortList && 2 * _nLeft < _corners.size())
-            from = pack(from);
-    }
-    return true;
-}
-
-void EarClipper::fill(const td::Point<float>* points, std::span<const unsigned int> corners)
-{
-    _nLeft = corners.size();
-    const auto last = static_cast<unsigned int>(_nLeft - 1);
-    _corners.resize(_nLeft);
-    _places.resize(_nLeft);
-    _tree.resize(_nLeft);
-    for (unsigned int i = 0; i <= last; ++i)
-    {
-        _corners[i] = {corners[i], i > 0 ? i - 1 : last, i < last ? i + 1 : 0, cNone, cNone, cNone, cNone};
-        _tree.set(i, points[corners[i]]);
-    }
-    _tree.build();
-    _candidates.fill(_nLeft);
-}
-
-void EarClipper::cut(unsigned int v)
-{
-    const Corner& corner = _corners[v];
-    _corners[corner.previous].next = corner.next;
-    _corners[corner.next].previous = corner.previous;
-    _tree.remove(v);
-    --_nLeft;
-    while (corner.firstWaiting != cNone)
-        wake(corner.firstWaiting);
-    wake(corner.previous);
-    wake(corner.next);
-}
-
-void EarClipper::wait(unsigned int v, unsigned int forCorner)
-{
-    Corner& corner = _corners[v];
-    corner.waitsFor = forCorner;
-    corner.previousWaiting = cNone;
-    corner.nextWaiting = _corners[forCorner].firstWaiting;
-    if (corner.nextWaiting != cNone)
-        _corners[corner.nextWaiting].previousWaiting = v;
-    _corners[forCorner].firstWaiting = v;
-}
-
-// Makes a corner a candidate, whether it waited or not.
-void EarClipper::wake(unsigned int v)
-{
-    Corner& corner = _corners[v];
-    _candidates.insert(v);
-    if (corner.waitsFor == cNone)
-        return;
-    if (corner.previousWaiting != cNone)
-        _corners[corner.previousWaiting].nextWaiting = corner.nextWaiting;
+    indices.reset();
+    _few.pIndices = _many.pIndices = indices.pushSlots(3 * (std::size_t(n) - 2));
+    _few.epsilon = _many.epsilon = epsilon;
+    bool isCut = true;
+    if (n <= FewEars::cMaxCorners)
+        _loops.fillFew(_few, &points->x, n, isReversed);
     else
-        _corners[corner.waitsFor].firstWaiting = corner.nextWaiting;
-    if (corner.nextWaiting != cNone)
-        _corners[corner.nextWaiting].previousWaiting = corner.previousWaiting;
-    corner.waitsFor = cNone;
+    {
+        fillMany(points, n, isReversed);
+        isCut = cutMany();
+        _few.pIndices = _many.pIndices;
+        if (isCut)
+            makeFew();
+    }
+    isCut = isCut && _loops.cutFew(_few);
+    const auto nIndices = static_cast<std::size_t>(_few.pIndices - indices.begin());
+    indices.reset();
+    indices.pushSlots(nIndices);
+    return isCut;
 }
 
-// Closes the gaps in the list of corners and makes the boxes as small as what is left in them. @return from's new place
-unsigned int EarClipper::pack(unsigned int from)
+// Makes room for n corners, and has them take all of it.
+void EarClipper::setSize(unsigned int n)
 {
-    const auto n = static_cast<unsigned int>(_corners.size());
-    unsigned int nKept = 0, newFrom = 0;
+    _many.nPlaces = n;
+    _many.nEnough = std::max(FewEars::cMaxCorners, n / 2);
+    _many.pCorners = grown(_corners, n);
+    _many.pNumbers = grown(_numbers, n);
+    grown(_places, n);
+    _slots.reserve(n);
+    _slotCorners.reserve(n);
+
+    const Levels<CornerSet::cMaxLevels> words(n, 64);
+    grown(_candidates, words.size);
+    for (unsigned int level = 0; level < words.nLevels; ++level)
+        _many.candidates.pWords[level] = _candidates.data() + words.starts[level];
+    _many.candidates.nWords = (n + 63) / 64;
+    _many.candidates.nLevels = words.nLevels;
+
+    CornerTree& tree = _many.tree;
+    const Levels<CornerTree::cMaxLevels> nodes(n, cFan);
+    grown(_alive, nodes.size);
+    grown(_boxes, nodes.size - nodes.starts[1]);
+    for (unsigned int level = 0; level < nodes.nLevels; ++level)
+    {
+        tree.pAlive[level] = _alive.data() + nodes.starts[level];
+        tree.pBoxes[level] = level > 0 ? _boxes.data() + nodes.starts[level] - nodes.starts[1] : nullptr;
+    }
+    tree.nLevels = nodes.nLevels;
+    tree.pX = grown(_x, std::size_t(nodes.starts[1]) * cFan);
+    tree.pY = grown(_y, std::size_t(nodes.starts[1]) * cFan);
+    // Of corners that aren't there.
+    constexpr float cNaN = std::numeric_limits<float>::quiet_NaN();
+    for (unsigned int i = n; i % cFan != 0; ++i)
+        _x[i] = _y[i] = cNaN;
+}
+
+void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool isReversed)
+{
+    setSize(n);
     for (unsigned int i = 0; i < n; ++i)
     {
-        newFrom = i == from ? nKept : newFrom;
+        const unsigned int number = isReversed ? n - 1 - i : i;
+        const td::Point<float> p = points[number];
+        _corners[i] = {p.x, p.y, i - 1, i + 1, cNone, cNone, cNone, cNone};
+        _numbers[i] = number;
+        _x[i] = p.x;
+        _y[i] = p.y;
+    }
+    _corners[0].previous = n - 1;
+    _corners[n - 1].next = 0;
+    _many.nLeft = n;
+    _many.from = 0;
+    CornerTree& tree = _many.tree;
+    tree.pSlots = tree.pCorners = nullptr;
+    tree.random = 1;
+    tree.nVisitsLeft = _nVisitsPerCorner * n;
+    buildTree(tree, n);
+    _loops.findCandidates(_many);
+}
+
+// Cuts ears until few corners are left. @return false when there is none
+bool EarClipper::cutMany()
+{
+    for (;;)
+    {
+        const EarLoops::Result result = _loops.cutMany(_many);
+        if (result == EarLoops::Result::NoEar)
+            return false;
+        if (result == EarLoops::Result::Crowded)
+            sort();
+        else if (_many.nLeft > FewEars::cMaxCorners)
+            pack();
+        else
+            return true;
+    }
+}
+
+// Closes the gaps between the corners left, and makes the boxes as small as what is in them.
+void EarClipper::pack()
+{
+    const unsigned int n = _many.nPlaces;
+    unsigned int nKept = 0;
+    _isKept.resize(n);
+    for (unsigned int i = 0; i < n; ++i)
+    {
+        const ManyEars::Corner corner = _corners[i];
         _places[i] = nKept;
-        nKept += _tree.contains(i) ? 1 : 0;
+        _numbers[nKept] = _numbers[i];
+        _corners[nKept] = {corner.x, corner.y, nKept - 1, nKept + 1, corner.waitsFor, cNone, cNone, cNone};
+        _isKept[i] = corner.next != cNone;
+        nKept += _isKept[i];
     }
-    const auto placeOf = [this](unsigned int i) { return i != cNone ? _places[i] : cNone; };
+    _corners[0].previous = nKept - 1;
+    _corners[nKept - 1].next = 0;
+    _many.from = _many.from < n ? _places[_many.from] : 0;
+    for (unsigned int i = 0; i < nKept; ++i)
+    {
+        ManyEars::Corner& corner = _corners[i];
+        if (corner.waitsFor == cNone)
+            continue;
+        corner.waitsFor = _places[corner.waitsFor];
+        unsigned int& first = _corners[corner.waitsFor].firstWaiting;
+        corner.nextWaiting = first;
+        if (first != cNone)
+            _corners[first].previousWaiting = i;
+        first = i;
+    }
+    packSlots(nKept);
+    setSize(nKept);
+    buildTree(_many.tree, nKept);
+    _loops.findCandidates(_many);
+}
+
+// The tree's order stays; _places tells the new places of corners.
+void EarClipper::packSlots(unsigned int nKept)
+{
+    CornerTree& tree = _many.tree;
+    if (tree.pSlots == nullptr)
+    {
+        for (unsigned int i = 0; i < nKept; ++i)
+        {
+            _x[i] = _corners[i].x;
+            _y[i] = _corners[i].y;
+        }
+        return;
+    }
+    unsigned int packed = 0;
+    for (unsigned int slot = 0; slot < _many.nPlaces; ++slot)
+    {
+        const unsigned int corner = _slotCorners[slot];
+        _x[packed] = _x[slot];
+        _y[packed] = _y[slot];
+        _slotCorners[packed] = _places[corner];
+        packed += _isKept[corner];
+    }
+    for (unsigned int slot = 0; slot < nKept; ++slot)
+        _slots[_slotCorners[slot]] = slot;
+}
+
+// The outline is not near itself along itself: its corners are put in another order for the tree.
+void EarClipper::sort()
+{
+    pack();
+    const unsigned int n = _many.nPlaces;
+    const std::span<ZOrder::Item> items = _order.take(n);
+    for (unsigned int i = 0; i < n; ++i)
+        items[i] = {_corners[i].x, _corners[i].y, i, 0};
+    _order.sort();
+    _slots.resize(n);
+    _slotCorners.resize(n);
+    for (unsigned int slot = 0; slot < n; ++slot)
+    {
+        _x[slot] = items[slot].x;
+        _y[slot] = items[slot].y;
+        _slotCorners[slot] = items[slot].number;
+        _slots[items[slot].number] = slot;
+    }
+    _many.tree.pSlots = _slots.data();
+    _many.tree.pCorners = _slotCorners.data();
+    _many.tree.nVisitsLeft = std::numeric_limits<long long>::max(); // no better order is known
+    buildTree(_many.tree, n);
+}
+
+// Few corners are left.
+void EarClipper::makeFew()
+{
+    pack();
+    const unsigned int n = _many.nPlaces;
+    _few.candidates = _few.convex = *_many.candidates.pWords[0];
     for (unsigned int i = 0; i < n; ++i)
     {
-        if (!_tree.contains(i))
-            continue;
-        const Corner& corner = _corners[i];
-        const unsigned int place = _places[i];
-        _corners[place] = {corner.number,
-                           placeOf(corner.previous),
-                           placeOf(corner.next),
-                           placeOf(corner.waitsFor),
-                           placeOf(corner.firstWaiting),
-                           placeOf(corner.previousWaiting),
-                           placeOf(corner.nextWaiting)};
-        _tree.set(place, _tree.get(i));
-        if (_candidates.erase(i))
-            _candidates.insert(place);
+        _few.x[i] = _corners[i].x;
+        _few.y[i] = _corners[i].y;
+        _few.numbers[i] = _numbers[i];
+        _few.waiting[i] = 0;
     }
-    _corners.resize(nKept);
-    _tree.resize(nKept);
-    _tree.build();
-    return newFrom;
+    for (unsigned int i = 0; i < n; ++i)
+    {
+        if (_corners[i].waitsFor == cNone)
+            continue;
+        _few.waiting[_corners[i].waitsFor] |= bit(i);
+        _few.convex |= bit(i);
+    }
+    _few.nPlaces = n;
+    _few.from = _many.from;
 }
 
 } // namespace gui::gl

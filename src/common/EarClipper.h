@@ -1,59 +1,69 @@
 #pragma once
 
-#include "CornerSet.h"
-#include "CornerTree.h"
+#include "EarLoops.h"
+#include "ZOrder.h"
 
 #include <cnt/PushBackVector.h>
 #include <td/Point.h>
 
 #include <cstddef>
-#include <span>
 #include <vector>
 
 namespace gui::gl
 {
 
-/// Clips the ears of polygons with many corners: the triangles of SimplePolygon's plain search, in the same order, at a
-/// cost that grows hardly faster than the number of corners instead of with its cube.
+/// Clips the ears of polygons: the triangles of SimplePolygon's plain search, in the same order, at a cost that grows
+/// hardly faster than the number of corners instead of with its cube.
 ///
 /// A corner that is no ear stays none until one of its neighbours is cut, or the corner that lies in its triangle. So
 /// each is tried only when that may have changed; meanwhile it waits for the corner in its way.
 class EarClipper
 {
 public:
+    /// How many boxes searches may go through for each corner, beside those around the corner that is tried, before the
+    /// outline's order is found wanting.
+    static constexpr unsigned int cVisitsPerCorner = 32;
+
+    explicit EarClipper(const EarLoops& loops = earLoops(), unsigned int nVisitsPerCorner = cVisitsPerCorner)
+        : _loops(loops)
+        , _nVisitsPerCorner(nVisitsPerCorner)
+    {
+    }
+
     void reserve(std::size_t nCorners);
 
-    /// @param corners  numbers of points, three at least, counter-clockwise
-    /// @param epsilon  the doubled area that an ear has at least
-    /// @param indices  three are appended for each ear
+    /// @param points      n, three at least
+    /// @param isReversed  whether they go clockwise
+    /// @param epsilon     the doubled area that an ear has at least
+    /// @param indices     three are put in for each ear, instead of what is there
     /// @return false when there is no ear and more than two corners are left
-    bool clip(const td::Point<float>* points, std::span<const unsigned int> corners, float epsilon,
+    bool clip(const td::Point<float>* points, unsigned int n, bool isReversed, float epsilon,
               cnt::PushBackVector<unsigned int, 0>& indices);
 
 private:
-    static constexpr unsigned int cNone = ~0U;
+    void fillMany(const td::Point<float>* points, unsigned int n, bool isReversed);
+    bool cutMany();
+    void pack();
+    void sort();
+    void packSlots(unsigned int nKept);
+    void makeFew();
+    void setSize(unsigned int n);
 
-    /// A corner of the polygon that is left. Neighbours and others are places in the list of corners.
-    struct Corner
-    {
-        unsigned int number; ///< of its point
-        unsigned int previous, next;
-        unsigned int waitsFor;                     ///< the one in its way
-        unsigned int firstWaiting;                 ///< of those that wait for it
-        unsigned int previousWaiting, nextWaiting; ///< of those that wait for the same
-    };
+    const EarLoops& _loops;
+    const long long _nVisitsPerCorner;
+    FewEars _few{};
+    ManyEars _many{};
 
-    void fill(const td::Point<float>* points, std::span<const unsigned int> corners);
-    void cut(unsigned int v);
-    void wait(unsigned int v, unsigned int forCorner);
-    void wake(unsigned int v);
-    unsigned int pack(unsigned int from);
-
-    std::vector<Corner> _corners;
-    std::vector<unsigned int> _places; // for pack
-    CornerSet _candidates;
-    CornerTree _tree;
-    std::size_t _nLeft = 0;
+    // What _many points into, kept from one use to the next.
+    std::vector<ManyEars::Corner> _corners;
+    std::vector<unsigned int> _numbers, _places;
+    std::vector<unsigned char> _isKept;
+    std::vector<std::uint64_t> _candidates;
+    std::vector<float> _x, _y;
+    std::vector<CornerTree::Boxes> _boxes;
+    std::vector<std::uint16_t> _alive;
+    std::vector<unsigned int> _slots, _slotCorners; // once the tree is sorted
+    ZOrder _order;
 };
 
 } // namespace gui::gl

@@ -13,19 +13,16 @@ namespace
 {
 
 // Up to as many corners it takes less time to try them in turn than to keep book.
-constexpr std::size_t cFewCorners = 96;
+constexpr unsigned int cFewestCorners = 8;
 
 } // namespace
 
 SimplePolygon::SimplePolygon(std::size_t nExpectedPoints)
+    : _pEarClipper(std::make_unique<EarClipper>())
 {
-    _vertexIndices.reserve(nExpectedPoints);
+    _vertexIndices.reserve(cFewestCorners);
     _indices.reserve(3 * nExpectedPoints);
-    if (nExpectedPoints > cFewCorners)
-    {
-        _pEarClipper = std::make_unique<EarClipper>();
-        _pEarClipper->reserve(nExpectedPoints);
-    }
+    _pEarClipper->reserve(nExpectedPoints);
 }
 
 SimplePolygon::~SimplePolygon() = default;
@@ -37,17 +34,14 @@ bool SimplePolygon::triangulate(const td::Point<float>* points, unsigned int n)
     _nPoints = n;
     if (n < 3)
         return false;
-    if (_vertexIndices.size() < n)
-        _vertexIndices.reserve(n);
+    const bool isReversed = !(0 < area());
+    if (n > cFewestCorners)
+        return _pEarClipper->clip(points, n, isReversed, _epsilon, _indices);
     unsigned int* const pFirst = _vertexIndices.begin();
     std::iota(pFirst, pFirst + n, 0U);
-    if (!(0 < area()))
+    if (isReversed)
         std::reverse(pFirst, pFirst + n);
-    if (n <= cFewCorners)
-        return clipEars(static_cast<int>(n));
-    if (_pEarClipper == nullptr)
-        _pEarClipper = std::make_unique<EarClipper>();
-    return _pEarClipper->clip(points, {pFirst, n}, _epsilon, _indices);
+    return clipEars(static_cast<int>(n));
 }
 
 float SimplePolygon::area() const

@@ -63,6 +63,70 @@ Outline makeSpiral(Random&, std::size_t n)
     return outline;
 }
 
+// What lies under a curve that goes up and down.
+Outline makeCurve(Random& random, std::size_t n)
+{
+    Outline outline{{1, 0}};
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const auto x = static_cast<float>(i) / static_cast<float>(n);
+        outline.push_back({1 - x, 0.5f + 0.2f * std::sin(20 * x) + random.between(0, 0.2f)});
+    }
+    outline.push_back({0, 0});
+    return outline;
+}
+
+// A street that winds up row by row, with rough kerbs.
+Outline makeMeander(Random& random, std::size_t n)
+{
+    const auto nRows = static_cast<std::size_t>(std::sqrt(static_cast<double>(n) / 8)) + 1;
+    const std::size_t nSteps = n / (2 * nRows) + 2;
+    const auto unit = 1 / static_cast<float>(nRows);
+    Outline right, left;
+    for (std::size_t row = 0; row < nRows; ++row)
+    {
+        const bool isBack = row % 2 == 1;
+        const auto bottom = static_cast<float>(row);
+        for (std::size_t i = 0; i < nSteps; ++i)
+        {
+            const float way = static_cast<float>(i) / static_cast<float>(nSteps - 1);
+            const float x = isBack ? 0.9f - 0.9f * way : 0.9f * way;
+            const float low = random.between(0, 0.1f), high = random.between(0.5f, 0.6f);
+            right.push_back({0.1f + x, unit * (bottom + (isBack ? high : low))});
+            left.push_back({x, unit * (bottom + (isBack ? low : high))});
+        }
+    }
+    right.insert(right.end(), left.rbegin(), left.rend());
+    return right;
+}
+
+// Bays and capes, with bays and capes of their own.
+Outline makeCoast(Random& random, std::size_t n)
+{
+    Outline outline{{-0.9f, -0.5f}, {0.9f, -0.5f}, {0, 1}};
+    while (outline.size() < n)
+    {
+        Outline finer;
+        std::size_t nMissing = n - outline.size();
+        for (std::size_t i = 0; i < outline.size(); ++i)
+        {
+            const Point a = outline[i], b = outline[(i + 1) % outline.size()];
+            finer.push_back(a);
+            if (nMissing < 3)
+                continue;
+            const float dx = b.x - a.x, dy = b.y - a.y, out = random.between(0.1f, 0.28f);
+            finer.push_back({a.x + dx / 3, a.y + dy / 3});
+            finer.push_back({a.x + dx / 2 + out * dy, a.y + dy / 2 - out * dx});
+            finer.push_back({a.x + 2 * dx / 3, a.y + 2 * dy / 3});
+            nMissing -= 3;
+        }
+        if (finer.size() == outline.size())
+            break;
+        outline = finer;
+    }
+    return outline;
+}
+
 // Corners of a star, and points on the lines between them.
 Outline makeLongRuns(Random& random, std::size_t n)
 {
@@ -163,11 +227,68 @@ Outline makeTurns(Random& random, std::size_t n)
     return outline;
 }
 
-constexpr Family cSimpleFamilies[] = {
-    {"star", makeStar}, {"circle", makeCircle}, {"comb", makeComb}, {"spiral", makeSpiral}};
+// Thin teeth from side to side, and as many corners on the side where they end.
+Outline makeNeedles(Random& random, std::size_t n)
+{
+    const std::size_t nTeeth = n / 4 + 1;
+    const auto step = 1 / static_cast<float>(nTeeth);
+    Outline outline{{1, 1}};
+    for (std::size_t i = 0; i < 2 * nTeeth; ++i)
+        outline.push_back({1 - 0.5f * step * static_cast<float>(i + 1), random.between(0.95f, 1)});
+    for (std::size_t i = 0; i < nTeeth; ++i)
+    {
+        const float x = step * static_cast<float>(i);
+        outline.insert(outline.end(), {{x + 0.4f * step, 0}, {x + 0.5f * step, random.between(0.7f, 0.94f)}});
+    }
+    return outline;
+}
+
+// The same with teeth in all directions, across each other.
+Outline makeCrossedNeedles(Random& random, std::size_t n)
+{
+    Outline outline;
+    for (std::size_t i = 0; i < n / 2; ++i)
+    {
+        const double turn = double(i) / double(n / 2);
+        outline.push_back(onCircle(turn, random.between(0.99f, 1)));
+        outline.push_back(onCircle(turn + random.between(0.3f, 0.7f), random.between(0.2f, 0.9f)));
+    }
+    return outline;
+}
+
+// Half of the corners see the other half in their triangles: a curl that can be cut from its end only.
+Outline makeBlocked(Random& random, std::size_t n)
+{
+    Outline outline;
+    for (std::size_t i = 0; i < n / 2; ++i)
+        outline.push_back(onCircle(0.334 * double(i), random.between(0.9f, 1)));
+    for (std::size_t i = 0; i < n / 2; ++i)
+        outline.push_back(onCircle(-8 * double(i) / double(n), 0.1 - 0.18 * double(i) / double(n)));
+    return outline;
+}
+
+// There and back along a line, in the noise of rounding.
+Outline makeNoise(Random& random, std::size_t n)
+{
+    Outline outline;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const float t = static_cast<float>(i < n / 2 ? i : n - i) / static_cast<float>(n / 2);
+        const float off = random.between(0, 1e-3f) + (i < n / 2 ? -1e-3f : 0);
+        outline.push_back({1000 * t, 300 * t + off});
+    }
+    return outline;
+}
+
+constexpr Family cSimpleFamilies[] = {{"star", makeStar},     {"circle", makeCircle}, {"comb", makeComb},
+                                      {"spiral", makeSpiral}, {"curve", makeCurve},   {"meander", makeMeander},
+                                      {"coast", makeCoast}};
 constexpr Family cWildFamilies[] = {{"long runs", makeLongRuns}, {"blocks", makeBlocks}, {"scatter", makeScatter},
                                     {"grid walk", makeGridWalk}, {"steps", makeSteps},   {"clusters", makeClusters},
                                     {"sliver", makeSliver},      {"turns", makeTurns}};
+
+constexpr Family cHostileFamilies[] = {
+    {"needles", makeNeedles}, {"crossed needles", makeCrossedNeedles}, {"blocked", makeBlocked}, {"noise", makeNoise}};
 
 float poison(Random& random)
 {
@@ -183,6 +304,8 @@ float poison(Random& random)
 std::span<const Family> simpleFamilies() { return cSimpleFamilies; }
 
 std::span<const Family> wildFamilies() { return cWildFamilies; }
+
+std::span<const Family> hostileFamilies() { return cHostileFamilies; }
 
 Outline distort(const Outline& outline, unsigned int way, Random& random)
 {

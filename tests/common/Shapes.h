@@ -39,6 +39,9 @@ std::span<const Family> simpleFamilies();
 /// Outlines that cross and touch themselves, stand still, run back and lie on one line.
 std::span<const Family> wildFamilies();
 
+/// Outlines that make much work of little.
+std::span<const Family> hostileFamilies();
+
 /// Moves or distorts an outline: far away, huge, tiny, with numbers that are none; way is below cDistortions.
 inline constexpr unsigned int cDistortions = 10;
 Outline distort(const Outline& outline, unsigned int way, Random& random);

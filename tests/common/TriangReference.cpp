@@ -62,35 +62,6 @@ bool isEar(const Outline& p, const std::vector<unsigned int>& left, std::size_t 
     return true;
 }
 
-bool clipEars(const Outline& p, std::vector<unsigned int>& triangles)
-{
-    const std::size_t n = p.size();
-    float sum = 0;
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        const Point& before = p[(i + n - 1) % n];
-        sum += before.x * p[i].y - p[i].x * before.y;
-    }
-    std::vector<unsigned int> left;
-    for (std::size_t i = 0; i < n; ++i)
-        left.push_back(static_cast<unsigned int>(0 < 0.5f * sum ? i : n - 1 - i));
-    std::size_t nTries = 0;
-    for (std::size_t v = n - 1; left.size() > 2;)
-    {
-        if (nTries++ == 2 * left.size())
-            return false;
-        const std::size_t u = v < left.size() ? v : 0;
-        v = u + 1 < left.size() ? u + 1 : 0;
-        const std::size_t w = v + 1 < left.size() ? v + 1 : 0;
-        if (!isEar(p, left, u, v, w))
-            continue;
-        triangles.insert(triangles.end(), {left[u], left[v], left[w]});
-        left.erase(left.begin() + static_cast<std::ptrdiff_t>(v));
-        nTries = 0;
-    }
-    return true;
-}
-
 glm::vec2 perp(const glm::vec2& v) { return {-v.y, v.x}; }
 glm::vec2 vec(const Point& p) { return {p.x, p.y}; }
 Point point(const glm::vec2& v) { return {v.x, v.y}; }
@@ -174,6 +145,35 @@ void addTriangle(Tessellation& result, std::size_t a, std::size_t b, std::size_t
 }
 
 } // namespace
+
+bool clipEars(const Outline& p, std::vector<unsigned int>& triangles)
+{
+    const std::size_t n = p.size();
+    float sum = 0;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const Point& before = p[(i + n - 1) % n];
+        sum += before.x * p[i].y - p[i].x * before.y;
+    }
+    std::vector<unsigned int> left;
+    for (std::size_t i = 0; i < n; ++i)
+        left.push_back(static_cast<unsigned int>(0 < 0.5f * sum ? i : n - 1 - i));
+    std::size_t nTries = 0;
+    for (std::size_t v = n - 1; left.size() > 2;)
+    {
+        if (nTries++ == 2 * left.size())
+            return false;
+        const std::size_t u = v < left.size() ? v : 0;
+        v = u + 1 < left.size() ? u + 1 : 0;
+        const std::size_t w = v + 1 < left.size() ? v + 1 : 0;
+        if (!isEar(p, left, u, v, w))
+            continue;
+        triangles.insert(triangles.end(), {left[u], left[v], left[w]});
+        left.erase(left.begin() + static_cast<std::ptrdiff_t>(v));
+        nTries = 0;
+    }
+    return true;
+}
 
 Tessellation triangulate(const Outline& points)
 {

@@ -26,6 +26,9 @@ namespace reference
 
 Tessellation triangulate(const Outline& points);
 
+/// Three numbers of points for each ear. @return false when there is no ear and more than two corners are left
+bool clipEars(const Outline& points, std::vector<unsigned int>& triangles);
+
 Tessellation triangulateLine(const Outline& points, float width, bool closed);
 
 /// The indices of a recycled line over stored[first], stored[first + 1], ...; empty when a point is missing.

@@ -55,7 +55,7 @@ private:
     cnt::SafeFullVector<unsigned int, false> _vertexIndices; // corners left, counter-clockwise
     cnt::PushBackVector<unsigned int, 0> _indices;
     unsigned int _nPoints = 0;
-    std::unique_ptr<EarClipper> _pEarClipper; // for polygons with many corners
+    std::unique_ptr<EarClipper> _pEarClipper; // for all but the smallest polygons
 };
 
 } // namespace gui::gl

@@ -1,0 +1,201 @@
+#pragma once
+
+#include "CornerTree.h"
+#include "EarTriangle.h"
+
+namespace gui::gl
+{
+
+// Internal to the source that includes it: versions for several machines stay apart when they are linked.
+namespace
+{
+
+/// A search of the tree for a corner in a triangle, other than its own.
+class CornerSearch
+{
+public:
+    static constexpr unsigned int cNone = ~0U;
+    static constexpr unsigned int cFan = CornerTree::cFan;
+
+    /// @param u, v, w  the slots of a, b and c
+    CornerSearch(CornerTree& tree, const EarPoint& a, const EarPoint& b, const EarPoint& c, unsigned int u,
+                 unsigned int v, unsigned int w)
+        : _tree(tree)
+        , _triangle(a, b, c)
+        , _bounds(a, b, c, turnArea(a, b, c))
+        , _isBounded(_bounds.isProven && tree.isBounded)
+        , _own{u, v, w}
+    {
+    }
+
+    /// A slot; cNone when there is none. From v's leaf upwards: what is in the way is near most of the time.
+    unsigned int find()
+    {
+        const unsigned int leaf = _own[1] / cFan;
+        const unsigned int inside = insideLeaf(leaf);
+        if (inside != 0)
+            return leaf * cFan + pick(inside);
+        unsigned int found = findAbove(leaf);
+        // Were it always the first, then an ear that many corners lie in could be tried once for each of them.
+        if (found != cNone)
+        {
+            _picksAny = true;
+            found = findAbove(leaf);
+        }
+        return found;
+    }
+
+private:
+    unsigned int findAbove(unsigned int node)
+    {
+        unsigned int found = cNone;
+        for (unsigned int level = 1; found == cNone && level < _tree.nLevels; ++level)
+        {
+            const unsigned int child = node % cFan;
+            node /= cFan;
+            const unsigned int children = childrenInside(level, node, _tree.pAlive[level][node] & ~(1U << child));
+            if (children != 0)
+                found = findInChildren(level, node, children);
+        }
+        return found;
+    }
+
+    unsigned int findInChildren(unsigned int level, unsigned int node, unsigned int children)
+    {
+        _tree.nVisitsLeft -= 2;
+        while (children != 0)
+        {
+            const unsigned int child = _picksAny ? pick(children) : static_cast<unsigned int>(__builtin_ctz(children));
+            const unsigned int below = node * cFan + child;
+            children &= ~(1U << child);
+            if (level == 1)
+            {
+                --_tree.nVisitsLeft;
+                const unsigned int inside = insideLeaf(below);
+                if (inside != 0)
+                    return below * cFan + pick(inside);
+                continue;
+            }
+            const unsigned int next = childrenInside(level - 1, below, _tree.pAlive[level - 1][below]);
+            if (next == 0)
+                continue;
+            const unsigned int found = findInChildren(level - 1, below, next);
+            if (found != cNone)
+                return found;
+        }
+        return cNone;
+    }
+
+    // Bits of the corners of a leaf that are inside.
+    unsigned int insideLeaf(unsigned int leaf) const
+    {
+        const float* const x = _tree.pX + leaf * cFan;
+        const float* const y = _tree.pY + leaf * cFan;
+        unsigned int inside = _tree.pAlive[0][leaf];
+        for (const unsigned int own : _own)
+            inside &= ~((own / cFan == leaf ? 1U : 0U) << own % cFan);
+        if (_isBounded)
+            inside &= insideBits<cFan>(_bounds, x, y);
+        if (inside != 0)
+            inside &= insideBits<cFan>(_triangle, x, y);
+        return inside;
+    }
+
+    // Of some children of a node, those whose boxes may hold corners that are inside.
+    unsigned int childrenInside(unsigned int level, unsigned int node, unsigned int children) const
+    {
+        const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
+        if (_isBounded)
+            children &= boundsBits(boxes, children);
+        if (children != 0)
+            children &= edgesBits(boxes, children);
+        if (children != 0 && _isBounded)
+            children &= stripBits(boxes, children);
+        return children;
+    }
+
+    // What EarBounds says of the bounds is true of any other direction. Places of a triangle less than 250 boxes large are
+    // off by far less than 2^-10 by rounding, and so are those of the corners in the box.
+    unsigned int stripBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        const EarPoint corners[] = {{_triangle.edges[0].x0, _triangle.edges[0].y0},
+                                    {_triangle.edges[1].x0, _triangle.edges[1].y0},
+                                    {_triangle.edges[2].x0, _triangle.edges[2].y0}};
+        const float width = _bounds.right - _bounds.left, height = _bounds.top - _bounds.bottom;
+        unsigned int outside = 0;
+        for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
+        {
+            const Floats minX = load(boxes.minX + i), minY = load(boxes.minY + i);
+            const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
+            const auto place = [&](const EarPoint& p) { return (p.x - minX) * scaleX + (p.y - minY) * scaleY; };
+            const Floats a = place(corners[0]), b = place(corners[1]), c = place(corners[2]);
+            Floats low = a < b ? a : b, high = a > b ? a : b;
+            low = low < c ? low : c;
+            high = high > c ? high : c;
+            const Floats margin = (high - low) * _bounds.margin + 0x1p-10f;
+            const Mask isApart = (low - margin > load(boxes.high + i)) | (high + margin < load(boxes.low + i));
+            const Floats sizeY = height * scaleY;
+            const Mask isSmall = (width * scaleX < 250.0f) & (sizeY < 250.0f) & (sizeY > -250.0f);
+            outside |= bits(isApart & isSmall) << i;
+        }
+        return ~outside;
+    }
+
+    unsigned int boundsBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        unsigned int inside = 0;
+        for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
+        {
+            const Mask isNear = (load(boxes.minX + i) <= _bounds.right) & (load(boxes.maxX + i) >= _bounds.left) &
+                                (load(boxes.minY + i) <= _bounds.top) & (load(boxes.maxY + i) >= _bounds.bottom);
+            inside |= bits(isNear) << i;
+        }
+        return inside;
+    }
+
+    // Every operation is monotone, rounded as it is: an edge's value grows with x, or falls, and so with y. So no corner
+    // in a box is further on the inside than the box's best corner, computed in the same operations. NaN is not below 0
+    // and proves nothing.
+    unsigned int edgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        const float *x[3], *y[3];
+        for (unsigned int i = 0; i < 3; ++i)
+        {
+            x[i] = _triangle.edges[i].y < 0 ? boxes.maxX : boxes.minX;
+            y[i] = _triangle.edges[i].x > 0 ? boxes.maxY : boxes.minY;
+        }
+        unsigned int outside = 0;
+        for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
+        {
+            const Mask isOutside = (sideOf(_triangle.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
+                                   (sideOf(_triangle.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
+                                   (sideOf(_triangle.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
+            outside |= bits(isOutside) << i;
+        }
+        return ~outside;
+    }
+
+    // One of the bits, each as likely as the others.
+    unsigned int pick(unsigned int bits)
+    {
+        if ((bits & (bits - 1)) != 0)
+        {
+            _tree.random = 1664525 * _tree.random + 1013904223;
+            const auto n = static_cast<unsigned int>(__builtin_popcount(bits));
+            for (unsigned int skipped = ((_tree.random >> 16) * n) >> 16; skipped > 0; --skipped)
+                bits &= bits - 1;
+        }
+        return static_cast<unsigned int>(__builtin_ctz(bits));
+    }
+
+    CornerTree& _tree;
+    const EarTriangle _triangle;
+    const EarBounds _bounds;
+    const bool _isBounded;
+    const unsigned int _own[3];
+    bool _picksAny = false;
+};
+
+} // namespace
+
+} // namespace gui::gl

@@ -1,0 +1,284 @@
+#include "EarLoops.h"
+
+#include "BestLoops.h"
+#include "CornerSearch.h"
+#include "CornerSet.h"
+#include "EarTriangle.h"
+
+// Compiled once for any machine and once for AVX2.
+
+namespace gui::gl
+{
+
+namespace
+{
+
+using Corner = ManyEars::Corner;
+
+// Few corners.
+
+// The first bit from a place on, or from 0 on when there is none.
+inline unsigned int nextBit(std::uint64_t bits, unsigned int place)
+{
+    place %= 64;
+    return (place + firstBit(bits >> place | bits << (64 - place) % 64)) % 64;
+}
+
+// The last bit before a place, or before 64 when there is none.
+inline unsigned int previousBit(std::uint64_t bits, unsigned int place)
+{
+    return (place + 63 - static_cast<unsigned int>(__builtin_clzll(bits << (64 - place) % 64 | bits >> place))) % 64;
+}
+
+inline EarPoint pointAt(const FewEars& ears, unsigned int place) { return {ears.x[place], ears.y[place]}; }
+
+void fillFew(FewEars& ears, const float* pPoints, unsigned int n, bool isReversed)
+{
+    for (unsigned int i = 0; i < n; ++i)
+    {
+        const unsigned int number = isReversed ? n - 1 - i : i;
+        ears.x[i] = pPoints[2 * number];
+        ears.y[i] = pPoints[2 * number + 1];
+        ears.numbers[i] = number;
+        ears.waiting[i] = 0;
+    }
+    ears.convex = 0;
+    for (unsigned int u = n - 2, v = n - 1, w = 0; w < n; u = v, v = w++)
+    {
+        const float area = turnArea(pointAt(ears, u), pointAt(ears, v), pointAt(ears, w));
+        ears.convex |= std::uint64_t(isEarArea(area, ears.epsilon)) << v;
+    }
+    ears.candidates = ears.convex;
+    ears.nPlaces = n;
+    ears.from = 0;
+}
+
+/// Bits of the corners of a polygon of few.
+struct FewSets
+{
+    std::uint64_t left;       ///< not cut yet
+    std::uint64_t convex;     ///< turn left far enough to be an ear
+    std::uint64_t candidates; ///< those of them not known to have another corner in the way
+};
+
+// Closes the gaps between the corners left; no corner stays in its place, but all stay in order.
+void packFew(FewEars& ears, FewSets& sets)
+{
+    unsigned char places[FewEars::cMaxCorners];
+    unsigned int n = 0;
+    FewSets packed{};
+    for (std::uint64_t rest = sets.left; rest != 0; rest &= rest - 1)
+    {
+        const unsigned int i = firstBit(rest);
+        places[i] = static_cast<unsigned char>(n);
+        packed.convex |= (sets.convex >> i & 1) << n;
+        packed.candidates |= (sets.candidates >> i & 1) << n;
+        ears.x[n] = ears.x[i];
+        ears.y[n] = ears.y[i];
+        ears.numbers[n] = ears.numbers[i];
+        ++n;
+    }
+    for (std::uint64_t rest = sets.left; rest != 0; rest &= rest - 1)
+    {
+        const unsigned int i = firstBit(rest);
+        std::uint64_t packedWaiting = 0;
+        for (std::uint64_t waiting = ears.waiting[i] & sets.left; waiting != 0; waiting &= waiting - 1)
+            packedWaiting |= bit(places[firstBit(waiting)]);
+        ears.waiting[places[i]] = packedWaiting;
+    }
+    packed.left = firstBits(n);
+    sets = packed;
+    ears.nPlaces = n;
+}
+
+bool cutFew(FewEars& ears)
+{
+    const float epsilon = ears.epsilon;
+    unsigned int nPlaces = ears.nPlaces, nLeft = nPlaces;
+    FewSets sets{firstBits(nPlaces), ears.convex, ears.candidates};
+    unsigned int* pIndices = ears.pIndices;
+    unsigned int v = sets.candidates != 0 ? nextBit(sets.candidates, ears.from) : 0;
+    while (nLeft > 2 && sets.candidates != 0)
+    {
+        const unsigned int u = previousBit(sets.left, v), w = nextBit(sets.left, v + 1);
+        const EarPoint a = pointAt(ears, u), b = pointAt(ears, v), c = pointAt(ears, w);
+        const EarTriangle triangle(a, b, c);
+        const std::uint64_t others = sets.left & ~(bit(u) | bit(v) | bit(w));
+        std::uint64_t inside = 0;
+        for (unsigned int i = 0; i < nPlaces; i += 8)
+            inside |= std::uint64_t(insideBits<8>(triangle, ears.x + i, ears.y + i)) << i;
+        inside &= others;
+        if (inside != 0)
+        {
+            ears.waiting[firstBit(inside)] |= bit(v);
+            sets.candidates &= ~bit(v);
+            v = sets.candidates != 0 ? nextBit(sets.candidates, v) : 0;
+            continue;
+        }
+        pIndices[0] = ears.numbers[u];
+        pIndices[1] = ears.numbers[v];
+        pIndices[2] = ears.numbers[w];
+        pIndices += 3;
+        sets.left &= ~bit(v);
+        --nLeft;
+        const float areaOfA = turnArea(pointAt(ears, previousBit(sets.left, u)), a, c);
+        const float areaOfC = turnArea(a, c, pointAt(ears, nextBit(sets.left, w + 1)));
+        const std::uint64_t turned =
+            std::uint64_t(isEarArea(areaOfA, epsilon)) << u | std::uint64_t(isEarArea(areaOfC, epsilon)) << w;
+        const std::uint64_t rest = (sets.candidates | ears.waiting[v]) & sets.convex & others;
+        sets.convex = (sets.convex & others) | turned;
+        sets.candidates = rest | turned;
+        // The corner behind w is tried next; u and w are the last, so that there is seldom need to wait for their areas.
+        if (rest != 0) [[likely]]
+            v = nextBit(rest, w + 1);
+        else if (turned != 0)
+            v = nextBit(turned, w + 1);
+        if (2 * nLeft <= nPlaces && nPlaces > 8)
+        {
+            const std::uint64_t before = sets.left & (bit(v) - 1);
+            packFew(ears, sets);
+            nPlaces = ears.nPlaces;
+            v = static_cast<unsigned int>(__builtin_popcountll(before));
+        }
+    }
+    ears.pIndices = pIndices;
+    return nLeft == 2;
+}
+
+// Many corners.
+
+inline EarPoint pointOf(const Corner& corner) { return {corner.x, corner.y}; }
+
+void findCandidates(ManyEars& ears)
+{
+    const Corner* const corners = ears.pCorners;
+    for (unsigned int level = 1, nWords = ears.candidates.nWords; level < ears.candidates.nLevels; ++level)
+    {
+        nWords = (nWords + 63) / 64;
+        for (unsigned int i = 0; i < nWords; ++i)
+            ears.candidates.pWords[level][i] = 0;
+    }
+    for (unsigned int i = 0; i < ears.nPlaces; i += 64)
+    {
+        std::uint64_t word = 0;
+        const unsigned int n = ears.nPlaces - i < 64 ? ears.nPlaces - i : 64;
+        for (unsigned int j = 0; j < n; ++j)
+        {
+            const Corner& corner = corners[i + j];
+            const float area =
+                turnArea(pointOf(corners[corner.previous]), pointOf(corner), pointOf(corners[corner.next]));
+            word |= std::uint64_t(isEarArea(area, ears.epsilon) & (corner.waitsFor == ManyEars::cNone)) << j;
+        }
+        ears.candidates.pWords[0][i / 64] = word;
+        if (word != 0)
+            setWord(ears.candidates, i / 64, true);
+    }
+}
+
+inline void unhook(Corner* corners, unsigned int v)
+{
+    Corner& corner = corners[v];
+    if (corner.waitsFor == ManyEars::cNone)
+        return;
+    if (corner.previousWaiting != ManyEars::cNone)
+        corners[corner.previousWaiting].nextWaiting = corner.nextWaiting;
+    else
+        corners[corner.waitsFor].firstWaiting = corner.nextWaiting;
+    if (corner.nextWaiting != ManyEars::cNone)
+        corners[corner.nextWaiting].previousWaiting = corner.previousWaiting;
+    corner.waitsFor = ManyEars::cNone;
+}
+
+inline void wait(Corner* corners, unsigned int v, unsigned int forCorner)
+{
+    Corner& corner = corners[v];
+    corner.waitsFor = forCorner;
+    corner.previousWaiting = ManyEars::cNone;
+    corner.nextWaiting = corners[forCorner].firstWaiting;
+    if (corner.nextWaiting != ManyEars::cNone)
+        corners[corner.nextWaiting].previousWaiting = v;
+    corners[forCorner].firstWaiting = v;
+}
+
+inline void removeFromTree(CornerTree& tree, unsigned int slot)
+{
+    for (unsigned int level = 0; level < tree.nLevels; ++level)
+    {
+        std::uint16_t& alive = tree.pAlive[level][slot / CornerTree::cFan];
+        alive = static_cast<std::uint16_t>(alive & ~(1U << slot % CornerTree::cFan));
+        if (alive != 0) [[likely]]
+            return;
+        slot /= CornerTree::cFan;
+    }
+}
+
+EarLoops::Result cutMany(ManyEars& ears)
+{
+    Corner* const corners = ears.pCorners;
+    CornerTree& tree = ears.tree;
+    const auto slotOf = [&tree](unsigned int place) { return tree.pSlots != nullptr ? tree.pSlots[place] : place; };
+    const auto areaOf = [corners](unsigned int i)
+    {
+        const Corner& corner = corners[i];
+        return turnArea(pointOf(corners[corner.previous]), pointOf(corner), pointOf(corners[corner.next]));
+    };
+
+    while (ears.nLeft > ears.nEnough)
+    {
+        if (tree.nVisitsLeft < 0)
+            return EarLoops::Result::Crowded;
+        unsigned int v = findFrom(ears.candidates, ears.from);
+        if (v == CornerSet::cNone)
+            v = findFrom(ears.candidates, 0);
+        if (v == CornerSet::cNone)
+            return EarLoops::Result::NoEar;
+        setMember(ears.candidates, v, false);
+        const unsigned int u = corners[v].previous, w = corners[v].next;
+        CornerSearch search(tree, pointOf(corners[u]), pointOf(corners[v]), pointOf(corners[w]), slotOf(u), slotOf(v),
+                            slotOf(w));
+        const unsigned int found = search.find();
+        if (found != CornerSearch::cNone)
+        {
+            wait(corners, v, tree.pSlots != nullptr ? tree.pCorners[found] : found);
+            ears.from = v + 1;
+            continue;
+        }
+        ears.pIndices[0] = ears.pNumbers[u];
+        ears.pIndices[1] = ears.pNumbers[v];
+        ears.pIndices[2] = ears.pNumbers[w];
+        ears.pIndices += 3;
+        corners[u].next = w;
+        corners[w].previous = u;
+        corners[v].next = ManyEars::cNone;
+        removeFromTree(tree, slotOf(v));
+        --ears.nLeft;
+        for (unsigned int i = corners[v].firstWaiting; i != ManyEars::cNone; i = corners[i].nextWaiting)
+        {
+            corners[i].waitsFor = ManyEars::cNone;
+            setMember(ears.candidates, i, true);
+        }
+        unhook(corners, u);
+        setMember(ears.candidates, u, isEarArea(areaOf(u), ears.epsilon));
+        unhook(corners, w);
+        setMember(ears.candidates, w, isEarArea(areaOf(w), ears.epsilon));
+        // The corner behind w is tried next, and w last.
+        ears.from = w + 1;
+    }
+    return EarLoops::Result::Enough;
+}
+
+} // namespace
+
+#ifdef __AVX2__
+
+const EarLoops cEarLoopsAVX2{fillFew, cutFew, findCandidates, cutMany};
+
+#else
+
+const EarLoops cEarLoops{fillFew, cutFew, findCandidates, cutMany};
+
+const EarLoops& earLoops() { return bestLoops<EarLoops, cEarLoops, cEarLoopsAVX2>(); }
+
+#endif
+
+} // namespace gui::gl

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "Lanes.h"
+
+namespace gui::gl
+{
+
+// Internal to the source that includes it: versions for several machines stay apart when they are linked.
+namespace
+{
+
+struct EarPoint
+{
+    float x, y;
+};
+
+/// Doubled, in the rounding that decides whether a corner may be an ear.
+inline float turnArea(const EarPoint& a, const EarPoint& b, const EarPoint& c)
+{
+    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
+/// NaN is not too small.
+inline bool isEarArea(float area, float epsilon) { return !(epsilon > area); }
+
+/// A corner with its neighbours, asked which points keep it from being an ear: to the bit those that
+/// SimplePolygon::insideTriangle finds inside.
+struct EarTriangle
+{
+    /// A point is on the inside when x * (p.y - y0) - y * (p.x - x0) is not below 0.
+    struct Edge
+    {
+        float x, y, x0, y0;
+    };
+
+    EarTriangle(const EarPoint& a, const EarPoint& b, const EarPoint& c)
+        : edges{{c.x - b.x, c.y - b.y, b.x, b.y}, {a.x - c.x, a.y - c.y, c.x, c.y}, {b.x - a.x, b.y - a.y, a.x, a.y}}
+    {
+    }
+
+    Edge edges[3];
+};
+
+inline Floats sideOf(const EarTriangle::Edge& edge, Floats x, Floats y)
+{
+    return edge.x * (y - edge.y0) - edge.y * (x - edge.x0);
+}
+
+/// Bits of the points inside, of n that are a whole number of lanes.
+template <unsigned int n>
+inline unsigned int insideBits(const EarTriangle& triangle, const float* x, const float* y)
+{
+    unsigned int inside = 0;
+    for (unsigned int i = 0; i < n; i += cLanes)
+    {
+        const Floats px = load(x + i), py = load(y + i);
+        const Mask isInside = (sideOf(triangle.edges[0], px, py) >= 0) & (sideOf(triangle.edges[1], px, py) >= 0) &
+                              (sideOf(triangle.edges[2], px, py) >= 0);
+        inside |= bits(isInside) << i;
+    }
+    return inside;
+}
+
+/// What all points inside a triangle are inside of as well, for a first look that costs less.
+///
+/// Rounded as they are, edges let points pass that lie outside the triangle, but not far outside. Let W and H be the
+/// triangle's width and height, D its doubled area, r = W * H / D, u = 2^-24. Of a point beyond its bounds by m times the
+/// triangle's size in some direction, some edge has a value of -D * m / 2 at most, while rounding errors of an edge's value
+/// come to 8 * u * W * H * (1 + m) at most, m being the one for x or y. So the point is found outside if m is above
+/// 16 * u * r / (1 - 16 * u * r). With r up to 2^18, whose own error is an eighth then, 64 * u * r is twice as much.
+/// Underflow is far below D, which is 1e-10 at least; there must be no overflow.
+struct EarBounds
+{
+    /// @param area  the doubled one, as computed
+    EarBounds(const EarPoint& a, const EarPoint& b, const EarPoint& c, float area)
+    {
+        const float minX = smallest(a.x, b.x, c.x), maxX = largest(a.x, b.x, c.x), width = maxX - minX;
+        const float minY = smallest(a.y, b.y, c.y), maxY = largest(a.y, b.y, c.y), height = maxY - minY;
+        margin = width * height / area * 0x1p-18f;
+        left = minX - margin * width;
+        right = maxX + margin * width;
+        bottom = minY - margin * height;
+        top = maxY + margin * height;
+        // Nothing of the kind is true of NaN.
+        isProven = width * height < 0x1p+120f && margin <= 1;
+    }
+
+    static float smallest(float a, float b, float c)
+    {
+        const float ab = a < b ? a : b;
+        return ab < c ? ab : c;
+    }
+
+    static float largest(float a, float b, float c)
+    {
+        const float ab = a > b ? a : b;
+        return ab > c ? ab : c;
+    }
+
+    float margin; ///< 64 * u * r
+    float left, right, bottom, top;
+    bool isProven; ///< of finite coordinates whose differences are finite
+};
+
+/// Bits of the points in the bounds.
+template <unsigned int n>
+inline unsigned int insideBits(const EarBounds& bounds, const float* x, const float* y)
+{
+    unsigned int inside = 0;
+    for (unsigned int i = 0; i < n; i += cLanes)
+    {
+        const Floats px = load(x + i), py = load(y + i);
+        inside |= bits((px >= bounds.left) & (px <= bounds.right) & (py >= bounds.bottom) & (py <= bounds.top)) << i;
+    }
+    return inside;
+}
+
+} // namespace
+
+} // namespace gui::gl
