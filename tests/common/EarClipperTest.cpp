@@ -29,17 +29,6 @@ using Indices = std::vector<unsigned int>;
 
 constexpr float cEpsilon = 1e-10f;
 
-bool isReversed(const Outline& outline)
-{
-    float sum = 0;
-    for (std::size_t i = 0; i < outline.size(); ++i)
-    {
-        const td::Point<float> p = outline[(i + outline.size() - 1) % outline.size()], q = outline[i];
-        sum += p.x * q.y - q.x * p.y;
-    }
-    return !(0 < 0.5f * sum);
-}
-
 // Ear clipping by the loops for each kind of vectors, in trees of the outline's order and in sorted ones.
 class EarClipperTest : public testing::Test
 {
@@ -102,8 +91,8 @@ private:
 
     bool clip(EarClipper& clipper, const Outline& outline)
     {
-        return clipper.clip(outline.data(), static_cast<unsigned int>(outline.size()), isReversed(outline), cEpsilon,
-                            _indices);
+        const bool isReversed = !test::reference::isCounterClockwise(outline);
+        return clipper.clip(outline.data(), static_cast<unsigned int>(outline.size()), isReversed, cEpsilon, _indices);
     }
 
     std::vector<Named> _clippers;

@@ -146,18 +146,24 @@ void addTriangle(Tessellation& result, std::size_t a, std::size_t b, std::size_t
 
 } // namespace
 
+bool isCounterClockwise(const Outline& p)
+{
+    float sum = 0;
+    for (std::size_t i = 0; i < p.size(); ++i)
+    {
+        const Point& before = p[(i + p.size() - 1) % p.size()];
+        sum += before.x * p[i].y - p[i].x * before.y;
+    }
+    return 0 < 0.5f * sum;
+}
+
 bool clipEars(const Outline& p, std::vector<unsigned int>& triangles)
 {
     const std::size_t n = p.size();
-    float sum = 0;
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        const Point& before = p[(i + n - 1) % n];
-        sum += before.x * p[i].y - p[i].x * before.y;
-    }
+    const bool isForward = isCounterClockwise(p);
     std::vector<unsigned int> left;
     for (std::size_t i = 0; i < n; ++i)
-        left.push_back(static_cast<unsigned int>(0 < 0.5f * sum ? i : n - 1 - i));
+        left.push_back(static_cast<unsigned int>(isForward ? i : n - 1 - i));
     std::size_t nTries = 0;
     for (std::size_t v = n - 1; left.size() > 2;)
     {

@@ -26,6 +26,9 @@ namespace reference
 
 Tessellation triangulate(const Outline& points);
 
+/// By the area, in the order and the rounding in which ear clipping adds it up.
+bool isCounterClockwise(const Outline& points);
+
 /// Three numbers of points for each ear. @return false when there is no ear and more than two corners are left
 bool clipEars(const Outline& points, std::vector<unsigned int>& triangles);
 
