@@ -109,13 +109,14 @@ private:
             children &= boundsBits(boxes, children);
         if (children != 0)
             children &= edgesBits(boxes, children);
-        if (children != 0 && _isBounded)
-            children &= stripBits(boxes, children);
+        if (children != 0)
+            children &= _isBounded ? stripBits(boxes, children) : stripEdgesBits(boxes, children);
         return children;
     }
 
-    // What EarBounds says of the bounds is true of any other direction. Places of a triangle less than 250 boxes large are
-    // off by far less than 2^-10 by rounding, and so are those of the corners in the box.
+    // What EarBounds says of the bounds is true of any other direction. With the bounds S boxes wide and high together,
+    // places in the strip's direction are below 2 + S and off by 4 * u * (2 + S) at most; what is made of them here is
+    // off by four times as much, for which 32 * u * (2 + S) is enough. Of infinite numbers and NaN nothing is apart.
     unsigned int stripBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         const EarPoint corners[] = {{_triangle.edges[0].x0, _triangle.edges[0].y0},
@@ -129,14 +130,10 @@ private:
             const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
             const auto place = [&](const EarPoint& p) { return (p.x - minX) * scaleX + (p.y - minY) * scaleY; };
             const Floats a = place(corners[0]), b = place(corners[1]), c = place(corners[2]);
-            Floats low = a < b ? a : b, high = a > b ? a : b;
-            low = low < c ? low : c;
-            high = high > c ? high : c;
-            const Floats margin = (high - low) * _bounds.margin + 0x1p-10f;
-            const Mask isApart = (low - margin > load(boxes.high + i)) | (high + margin < load(boxes.low + i));
-            const Floats sizeY = height * scaleY;
-            const Mask isSmall = (width * scaleX < 250.0f) & (sizeY < 250.0f) & (sizeY > -250.0f);
-            outside |= bits(isApart & isSmall) << i;
+            const Floats low = smaller(smaller(a, b), c), high = larger(larger(a, b), c);
+            const Floats size = width * scaleX + absolute(height * scaleY);
+            const Floats margin = (high - low) * _bounds.margin + (size + 2.0f) * 0x1p-19f;
+            outside |= bits((low - margin > load(boxes.high + i)) | (high + margin < load(boxes.low + i))) << i;
         }
         return ~outside;
     }
@@ -174,6 +171,37 @@ private:
         }
         return ~outside;
     }
+
+    // For slivers, which have no bounds: the edges once more, with what is both in the box and in its strip. Let a corner be
+    // s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a * (s + t) + (b - a) * t and
+    // f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead, signs change. The margin is
+    // several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
+    [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        unsigned int outside = 0;
+        for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
+        {
+            const Floats minX = load(boxes.minX + i), minY = load(boxes.minY + i);
+            const Floats width = load(boxes.maxX + i) - minX, height = load(boxes.maxY + i) - minY;
+            const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
+            const Floats low = load(boxes.low + i), high = load(boxes.high + i);
+            const Mask hasStrip = (scaleX != 0) & (scaleY != 0);
+            for (const EarTriangle::Edge& edge : _triangle.edges)
+            {
+                const Floats dx = minX - edge.x0, dy = minY - edge.y0;
+                const Floats a = -edge.y * width, b = edge.x * height;
+                const Floats signedA = scaleY < 0 ? -a : a, signedB = scaleY < 0 ? -b : b;
+                const Floats byA = larger(a * low, a * high) + larger(b - signedA, Floats{});
+                const Floats byB = larger(signedB * low, signedB * high) + larger(a - signedB, Floats{});
+                const Floats most = edge.x * dy - edge.y * dx + smaller(byA, byB);
+                const Floats size = absolute(edge.x * dy) + absolute(edge.y * dx) + absolute(a) + absolute(b);
+                outside |= bits(hasStrip & (most + size * 0x1p-18f < -0x1p-100f)) << i;
+            }
+        }
+        return ~outside;
+    }
+
+    static Floats absolute(Floats a) { return a < 0 ? -a : a; }
 
     // One of the bits, each as likely as the others.
     unsigned int pick(unsigned int bits)

@@ -16,10 +16,6 @@ constexpr float cInfinity = std::numeric_limits<float>::infinity();
 // Differences of coordinates up to this one are finite.
 constexpr float cMaxBounded = 1.5e38f;
 
-// A NaN in a counts as nothing: no triangle holds it.
-Floats smaller(Floats a, Floats b) { return a < b ? a : b; }
-Floats larger(Floats a, Floats b) { return a > b ? a : b; }
-
 float smallestOf(Floats v)
 {
     float smallest = v[0];
@@ -30,6 +26,7 @@ float smallestOf(Floats v)
 
 float largestOf(Floats v) { return -smallestOf(-v); }
 
+// NaN counts as nothing: no triangle holds it.
 float smallestOfFan(const float* p)
 {
     Floats v = all(cInfinity);

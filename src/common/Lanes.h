@@ -41,6 +41,10 @@ inline void storeRecord(float* p, Record v) { *reinterpret_cast<RecordInMemory*>
 /// The same number in all lanes, the sign of a 0 included.
 inline Floats all(float f) { return f - Floats{}; }
 
+/// The second where the first is NaN.
+inline Floats smaller(Floats a, Floats b) { return a < b ? a : b; }
+inline Floats larger(Floats a, Floats b) { return a > b ? a : b; }
+
 inline Floats squareRoot(Floats v)
 {
 #if defined(__AVX2__)

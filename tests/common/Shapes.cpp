@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <utility>
 
 namespace test
 {
@@ -256,14 +257,30 @@ Outline makeCrossedNeedles(Random& random, std::size_t n)
     return outline;
 }
 
-// Half of the corners see the other half in their triangles: a curl that can be cut from its end only.
+// Half of the corners have the other half in their triangles. That is an arc that bends away, of which only the last corner
+// is an ear, then the one before it and so on: one each time around. So that it bends at every corner, its steps are whole:
+// q to the right and p down for fractions p / q, from 0 to 1 one after the other.
 Outline makeBlocked(Random& random, std::size_t n)
 {
-    Outline outline;
+    const int order = static_cast<int>(2 * std::sqrt(static_cast<double>(n) / 2)) + 2;
+    int p = 0, q = 1, nextP = 1, nextQ = order;
+    Outline arc{{0, 0}};
+    while (arc.size() < n / 2)
+    {
+        arc.push_back({arc.back().x + static_cast<float>(q), arc.back().y - static_cast<float>(p)});
+        const int times = (order + q) / nextQ;
+        p = std::exchange(nextP, times * nextP - p);
+        q = std::exchange(nextQ, times * nextQ - q);
+    }
+    const float width = arc.back().x;
+    Outline outline = arc;
+    outline.push_back({width, width});
     for (std::size_t i = 0; i < n / 2; ++i)
-        outline.push_back(onCircle(0.334 * double(i), random.between(0.9f, 1)));
-    for (std::size_t i = 0; i < n / 2; ++i)
-        outline.push_back(onCircle(-8 * double(i) / double(n), 0.1 - 0.18 * double(i) / double(n)));
+    {
+        const Point b = onCircle(0.334 * double(i), random.between(4.5f, 5) * width);
+        outline.push_back({b.x + width / 2, b.y});
+    }
+    outline.push_back({-3 * width, 0});
     return outline;
 }
 
