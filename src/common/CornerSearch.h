@@ -107,10 +107,12 @@ private:
         const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         if (_isBounded)
             children &= boundsBits(boxes, children);
+        if (_isBounded && children != 0)
+            children &= stripBits(boxes, children);
         if (children != 0)
             children &= edgesBits(boxes, children);
-        if (children != 0)
-            children &= _isBounded ? stripBits(boxes, children) : stripEdgesBits(boxes, children);
+        if (!_isBounded && children != 0)
+            children &= stripEdgesBits(boxes, children);
         return children;
     }
 

@@ -200,14 +200,14 @@ Outline makeClusters(Random& random, std::size_t n)
     return outline;
 }
 
-// Points along a line and hardly off it.
+// Points along a line and hardly off it, half of them close to the middle.
 Outline makeSliver(Random& random, std::size_t n)
 {
     Outline outline;
     const float off = random.isOneIn(3) ? 0.0f : 1e-6f;
     for (std::size_t i = 0; i < n; ++i)
     {
-        const float t = random.between(0, 1);
+        const float t = (random.isOneIn(2) ? 1.0f : 0.01f) * random.between(-1, 1);
         outline.push_back({t, 0.3f * t + random.between(-off, off)});
     }
     return outline;
