@@ -3,6 +3,7 @@
 #include <gui/Application.h>
 #include <gui/Key.h>
 #include <gui/gl/Context.h>
+#include <vo/Log.h>
 
 #include <string>
 
@@ -58,6 +59,8 @@ void GalleryView::showScene(std::size_t nthScene)
         _pScene->enter(*this);
         _pScene->onFocus(_hasFocus);
     }
+    else
+        vo::dbgLog("ERROR! Gallery cannot show scene: %s", scenes()[_nthScene].name);
     runTime(_nFrames > 0 || (_pScene != nullptr && _pScene->moves()));
     showTitle();
     reRender();

@@ -7,6 +7,7 @@
 #include <gui/Key.h>
 #include <gui/Texture.h>
 #include <gui/gl/gl.h>
+#include <vo/Log.h>
 
 #include <glm/ext/matrix_transform.hpp>
 #include <glm/trigonometric.hpp>
@@ -78,7 +79,8 @@ public:
         if (_pLast->isNew)
         {
             _textures.release();
-            _textures.append({&_pLast->image}, Texture::Type::Tex2D);
+            if (!_textures.append({&_pLast->image}, Texture::Type::Tex2D))
+                vo::dbgLog("ERROR! Grab cannot show the last frame");
             _pLast->isNew = _pLast->isAwaited = false;
         }
         _backdrop.draw(frame);

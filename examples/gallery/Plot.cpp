@@ -109,7 +109,8 @@ public:
         _backdrop.draw(frame, {&area, 1});
         addGrid();
         _grid.draw(frame);
-        drawCurve(frame);
+        if (_isPlotted)
+            drawCurve(frame);
         _axes.draw(frame);
         _lettering.draw();
     }
@@ -228,7 +229,7 @@ private:
             pCommand->setColor(ColorID::Turquoise);
             _curve.encode(pCommand);
         }
-        _curve.commit();
+        const bool hasCurve = _curve.commit();
 
         _fill.reset();
         const float bottom = _area.top + _area.height;
@@ -241,7 +242,7 @@ private:
         Command* pFill = _fill.createCommand();
         pFill->createDrawArrays(Primitive::TriangleStrip, 0, static_cast<unsigned int>(_fill.getNoOfVertices()));
         _fill.encode(pFill);
-        _fill.commit();
+        _isPlotted = _fill.commit() && hasCurve;
         _isChanged = false;
     }
 
@@ -328,6 +329,7 @@ private:
     double _high = 1;
     double _pointer = 0;
     bool _isChanged = true;
+    bool _isPlotted = false; // the driver had room for it
 };
 
 } // namespace

@@ -120,6 +120,7 @@ void SkyBox::commit(float size)
     {
         vo::dbgLog("ERROR! SkyBox::commit cannot create %s!", _vao == 0 ? "VAO" : "VBO");
         release();
+        _isRefused = true;
         return;
     }
     glBindVertexArray(_vao);
@@ -132,6 +133,9 @@ void SkyBox::commit(float size)
 
 void SkyBox::render(bool disableDepthTest)
 {
+    // A driver's refusal is in the log already, and no mistake of the caller's.
+    if (_isRefused)
+        return;
     TD_ASSERT(_prog.isOK());
     TD_ASSERT(_vao > 0);
     updateTransformation();
@@ -154,6 +158,7 @@ void SkyBox::release()
     CurrentContext::deleteName(_contextID, CurrentContext::Kind::VertexArray, _vao);
     _vbo = _vao = 0;
     _committed = false;
+    _isRefused = false;
 }
 
 } // namespace gui::gl

@@ -60,4 +60,21 @@ void logGLDebugMessages()
     glDebugMessageCallback(onMessage, nullptr);
 }
 
+void logGLErrors(const char* during, unsigned int& said)
+{
+    // A context that is lost answers for ever.
+    constexpr int cMaxErrors = 8;
+    for (int i = 0; i < cMaxErrors; ++i)
+    {
+        const GLenum error = glGetError();
+        if (error == GL_NO_ERROR)
+            return;
+        const unsigned int kind = 1U << (error & 31U);
+        if ((said & kind) == 0)
+            vo::dbgLog("ERROR! GLView %s left OpenGL error %x%s", during, error,
+                       error == GL_OUT_OF_MEMORY ? " (out of memory)" : "");
+        said |= kind;
+    }
+}
+
 } // namespace gui::gl

@@ -90,7 +90,11 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     helper.onInit();
     // onInit may have ended the view's life.
     incomplete.pNative = nullptr;
-    return pNative->_isReleased ? nullptr : pNative;
+    if (pNative->_isReleased)
+        return nullptr;
+    if (pNative->makeCurrentContext())
+        logGLErrors("onInit", pNative->_saidGLErrors);
+    return pNative;
 }
 
 void GLView::prepareOpenGL()
@@ -278,6 +282,7 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     if (_pCppView == nullptr || !makeCurrentContext())
         return;
     readGrabbedFrame();
+    logGLErrors("onDraw", _saidGLErrors);
     if (FrameRecorder::instance().isOn())
         FrameRecorder::instance().onFrame(this, _screenFrameBufferID, _pSurface->getDrawableSize());
     _pSurface->flush();

@@ -117,6 +117,7 @@ private:
     bool _isReleased = false;
     bool _isClosed = false;
     int _nBusy = 0;
+    unsigned int _saidGLErrors = 0;
     int _majorVersion = 0;
     int _minorVersion = 0;
     td::Size<double> _size; // the last that the view was told

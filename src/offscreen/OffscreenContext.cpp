@@ -140,6 +140,7 @@ struct OffscreenContext::Impl
     EGLContext context = EGL_NO_CONTEXT;
     EGLSurface surface = EGL_NO_SURFACE;
     td::Size<int> size;
+    bool isLost = false; // it could not be made current, and the log says so
 
     Impl() = default;
     Impl(const Impl&) = delete;
@@ -147,7 +148,7 @@ struct OffscreenContext::Impl
     ~Impl();
 
     bool create(const td::Size<int>& newSize, const Context& settings, bool debug);
-    bool makeCurrent(EGLSurface newSurface) const;
+    bool makeCurrent(EGLSurface newSurface);
 };
 
 OffscreenContext::Impl::~Impl()
@@ -186,16 +187,19 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const Context&
     return makeCurrent(surface);
 }
 
-bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface) const
+bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
 {
     eglBindAPI(EGL_OPENGL_API);
     // Making a context current again costs a flush.
     const bool isCurrent = eglGetCurrentContext() == context && eglGetCurrentSurface(EGL_DRAW) == newSurface;
     if (!isCurrent && !eglMakeCurrent(display, newSurface, newSurface, context))
     {
-        vo::dbgLog("ERROR! OffscreenContext cannot be made current (EGL error %x)", eglGetError());
+        // Once, and not for every frame and event of a view whose context is lost.
+        if (!std::exchange(isLost, true))
+            vo::dbgLog("ERROR! OffscreenContext cannot be made current (EGL error %x)", eglGetError());
         return false;
     }
+    isLost = false;
     CurrentContext::set(context);
     return true;
 }

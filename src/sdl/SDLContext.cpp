@@ -149,9 +149,12 @@ bool SDLContext::makeCurrent()
         SDL_GL_MakeCurrent(nullptr, nullptr);
     if (SDL_GL_MakeCurrent(_pWindow, _context) != 0)
     {
-        vo::dbgLog("ERROR! SDLContext cannot be made current: %s", SDL_GetError());
+        // Once, and not for every frame and event of a view whose context is lost.
+        if (!std::exchange(_isLost, true))
+            vo::dbgLog("ERROR! SDLContext cannot be made current: %s", SDL_GetError());
         return false;
     }
+    _isLost = false;
     CurrentContext::set(_context);
     return true;
 }

@@ -24,7 +24,7 @@ public:
     SDLContext(const SDLContext&) = delete;
     SDLContext& operator=(const SDLContext&) = delete;
 
-    /// @return false, after a log line, when it cannot be made current
+    /// @return false when it cannot be made current, after a log line the first time
     bool makeCurrent();
 
     /// The window has another size, or was shown: what is drawn next goes into buffers that fit. As makeCurrent.
@@ -44,6 +44,7 @@ private:
     SDL_Window* _pWindow;
     SDL_GLContext _context;
     CurrentContext::ID _id;
+    bool _isLost = false; // it could not be made current, and the log says so
 };
 
 } // namespace gui::gl

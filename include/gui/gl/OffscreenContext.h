@@ -39,7 +39,7 @@ public:
     /// In device pixels.
     td::Size<int> getSize() const;
 
-    /// @return false, with a log line, when the driver refuses
+    /// @return false when the driver refuses, with a log line the first time
     bool makeCurrent();
 
     /// Replaces the drawing surface by one of another size and makes the context current, with the viewport over all of

@@ -73,7 +73,8 @@ public:
     /// Makes the box. Nothing when it is there already.
     /// @param size  half of its edge, between the projection's near and far plane as a rule; finite and not 0 (an
     ///              assertion)
-    /// "ERROR! SkyBox::commit cannot create VAO!" (or VBO) in the log when GL has no object to give.
+    /// "ERROR! SkyBox::commit cannot create VAO!" (or VBO) in the log when GL has no object to give; render draws nothing
+    /// then, until release() or a commit that succeeds.
     void commit(float size);
 
     /// Draws the sky. init and commit first (assertions). No program and no vertex array is in use afterwards.
@@ -93,6 +94,7 @@ private:
     unsigned int _vao = 0;
     unsigned int _vbo = 0;
     bool _committed = false;
+    bool _isRefused = false; // commit had no objects from GL
     CurrentContext::ID _contextID = 0;
     Textures _textures; // a cube map of its own, or none
 };

@@ -1,0 +1,251 @@
+// Every scene of the gallery in the hands of a driver that refuses, and of one that loses the context.
+
+#include "support/CapturedLog.h"
+#include "support/Pinning.h"
+#include "support/RefusingGL.h"
+
+#include <gallery/Scenes.h>
+#include <gallery/Stage.h>
+
+#include <gui/Application.h>
+#include <gui/gl/CurrentContext.h>
+#include <gui/gl/View.h>
+#include <td/Assert.h>
+
+#include <epoxy/egl.h>
+#include <epoxy/gl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+using gallery::SceneInfo;
+
+constexpr int cWidth = 120, cHeight = 75;
+
+// How many refusals each scene meets.
+#ifdef NDEBUG
+constexpr int cTries = 2;
+#else
+constexpr int cTries = 1;
+#endif
+// Those that compute for seconds where nothing is optimised: left out with just one try.
+constexpr std::string_view cSlowScenes[] = {"camera", "coastline", "instances", "meshes", "sky"};
+
+/// A scene in a view, as the gallery shows it, at a moment that stays.
+class SceneView : public gui::gl::View, private gallery::Stage
+{
+public:
+    explicit SceneView(const SceneInfo& info)
+        : _info(info)
+    {
+    }
+    ~SceneView() override { end(); }
+
+    void create()
+    {
+        using namespace gui::gl;
+        const td::PointAndSize<double> geometry({0, 0}, {cWidth, cHeight});
+        createContext(Context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41), {},
+                      &geometry);
+    }
+    void end()
+    {
+        makeCurrentContext();
+        _pScene.reset();
+    }
+
+    bool isShown() const { return _pScene != nullptr; }
+
+    int nDraws = 0;
+
+protected:
+    void onInit() override
+    {
+        std::unique_ptr<gallery::Scene> pScene = _info.make();
+        if (!pScene->init())
+            return;
+        _pScene = std::move(pScene);
+        _pScene->enter(*this);
+    }
+    void onDraw(const td::RectNormalized<double>&) override
+    {
+        ++nDraws;
+        if (_pScene != nullptr)
+            _pScene->draw({{cWidth, cHeight}, 1, 2});
+    }
+    void cleanResources() override { _pScene.reset(); }
+
+private:
+    void redraw() override {}
+    void grab(gui::Texture& image, const std::function<void()>& callback) override
+    {
+        readFrameFrameBuffer(image, callback);
+    }
+    double getSeconds() const override { return 2; }
+    void toggleTime() override {}
+    void setCursor(gui::Cursor::Type) override {}
+    void setNote(const std::string&) override {}
+
+    const SceneInfo& _info;
+    std::unique_ptr<gallery::Scene> _pScene;
+};
+
+EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
+EGLContext refuseContext(EGLDisplay, EGLConfig, EGLContext, const EGLint*) { return EGL_NO_CONTEXT; }
+
+/// Stands in for an entry point while it lives.
+template <typename Function>
+class StandIn
+{
+public:
+    StandIn(Function& slot, Function standIn)
+        : _slot(slot)
+        , _loaded(std::exchange(slot, standIn))
+    {
+    }
+    StandIn(const StandIn&) = delete;
+    StandIn& operator=(const StandIn&) = delete;
+    ~StandIn() { _slot = _loaded; }
+
+private:
+    Function& _slot;
+    Function _loaded;
+};
+
+class Refusal : public testing::Test
+{
+protected:
+    Refusal()
+    {
+        log.take(); // the window system in use
+        td::setAssertHandler([this](const td::AssertReport& report) { asserts.emplace_back(report.condition); });
+    }
+    ~Refusal() override
+    {
+        EXPECT_TRUE(asserts.empty());
+        td::setAssertHandler({});
+    }
+
+    /// Draws two frames. @return the second one's pixels
+    std::string draw(SceneView& view)
+    {
+        for (int i = 0; i < 2; ++i)
+        {
+            view.nDraws = 0;
+            view.reRender();
+            for (int turn = 0; turn < 2; ++turn) // the second one delivers frames that were read
+                app.step(0);
+            EXPECT_GE(view.nDraws, 1);
+        }
+        view.makeCurrentContext();
+        std::string pixels(std::size_t(cWidth) * cHeight * 4, 0);
+        glReadPixels(0, 0, cWidth, cHeight, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        return pixels;
+    }
+
+    /// Shows a scene on a driver that refuses the nth call that it may refuse. @return what the log had to say
+    std::vector<std::string> refuse(const SceneInfo& info, unsigned int nth)
+    {
+        gl.refuseNth(nth);
+        SceneView view(info);
+        view.create();
+        draw(view);
+        const bool isShown = view.isShown();
+        view.end();
+        EXPECT_EQ(gl.nAlive(), 0U);
+        std::vector<std::string> lines = log.take();
+        if (!isShown)
+            lines.emplace_back("what the gallery says then itself");
+        return lines;
+    }
+
+    /// Loses the context of a scene between two frames, and gives it another one. @return how many calls it made that may
+    /// be refused
+    unsigned int lose(const SceneInfo& info)
+    {
+        gl.refuseNth(0);
+        SceneView view(info);
+        view.create();
+        test::pinLoadedLibraries();
+        const std::string pixels = draw(view);
+        const unsigned int nRefusable = gl.nRefusable() - 1; // the last one read the pixels
+        {
+            eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+            gui::gl::CurrentContext::set(nullptr);
+            const StandIn lost(epoxy_eglMakeCurrent, &refuseCurrent);
+            const unsigned long nBefore = gl.nCalls();
+            for (int i = 0; i < 3; ++i)
+            {
+                view.reRender();
+                app.step(0);
+            }
+            EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot be made current (EGL error 3000)"));
+            view.release();
+            EXPECT_EQ(gl.nCalls(), nBefore) << "a call without a context";
+        }
+        gl.forgetNames();
+        gl.refuseNth(0);
+        view.create();
+        EXPECT_TRUE(draw(view) == pixels);
+        view.end();
+        EXPECT_EQ(gl.nAlive(), 0U);
+        return nRefusable;
+    }
+
+    test::RefusingGL gl;
+    test::CapturedLog log;
+    gui::Application app{0, nullptr};
+    std::vector<std::string> asserts;
+};
+
+// The environment variable GUIGL_REFUSALS wants another number of tries; 1000 are all.
+TEST_F(Refusal, WhatIsRefusedIsSaidAndDrawnAgainInANewContext)
+{
+    const char* const wanted = std::getenv("GUIGL_REFUSALS");
+    const auto nTries = static_cast<unsigned int>(std::max(1, wanted != nullptr ? std::atoi(wanted) : cTries));
+    unsigned int offset = 0; // so that scenes which begin alike have other calls refused
+    for (const SceneInfo& info : gallery::scenes())
+    {
+        if (nTries == 1 && std::ranges::find(cSlowScenes, info.name) != std::end(cSlowScenes))
+            continue;
+        SCOPED_TRACE(info.name);
+        const unsigned int n = lose(info);
+        ASSERT_GT(n, 0U);
+        const unsigned int stride = std::max(1U, n / nTries);
+        offset += 7;
+        for (unsigned int nth = 1 + offset % stride; nth <= n; nth += stride)
+        {
+            const std::vector<std::string> lines = refuse(info, nth);
+            SCOPED_TRACE(gl.refused() + ", refusal " + std::to_string(nth) + " of " + std::to_string(n));
+            EXPECT_FALSE(lines.empty()) << "nothing was said";
+            // What the built-in shaders' programs do by their rules.
+            for (const std::string& condition : std::exchange(asserts, {}))
+                EXPECT_TRUE(condition == "false" || condition == "_program.isOK()") << condition;
+        }
+    }
+}
+
+TEST_F(Refusal, WithoutAContextThereIsNoViewAndNoCall)
+{
+    const StandIn noContext(epoxy_eglCreateContext, &refuseContext);
+    SceneView view(gallery::scenes().front());
+    view.create();
+    EXPECT_EQ(view.getHandle(), nullptr);
+    EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot create an OpenGL 4.1 core context (EGL error 3000)"));
+    view.reRender();
+    app.step(0);
+    EXPECT_EQ(gl.nCalls(), 0U);
+    for (const std::string& condition : std::exchange(asserts, {}))
+        EXPECT_EQ(condition, "_handle != nullptr");
+}
+
+} // namespace
