@@ -187,6 +187,7 @@ TEST_P(WaylandSizeTest, FirstFrameOfANewSizeIsWhole)
 
 INSTANTIATE_TEST_SUITE_P(Outputs, WaylandSizeTest, testing::Values(0, 1));
 
+// Picture and pointer agree before, during and after: on one output, across both, and back.
 TEST_F(WaylandTest, MoveToAnotherScale)
 {
     RecordingView view;
@@ -195,6 +196,11 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     ASSERT_NO_FATAL_FAILURE(show(window, view, 0));
     ASSERT_EQ(view.getPixelHiDPISizeScale(), 1);
     view.sizes.clear();
+    const auto isClickHeard = [&](int x, int y, const std::string& point)
+    {
+        xdo("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 3");
+        return waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "release2 " + point + " x1"; });
+    };
     // The compositor moves a window that is dragged with Super held: until it reaches into the second output.
     const auto drag = [&](int fromX, int fromY, int x)
     {
@@ -203,22 +209,39 @@ TEST_F(WaylandTest, MoveToAnotherScale)
         xdo("mousemove " + std::to_string(x) + " 60");
         xdo("mouseup 1 keyup super");
     };
+    EXPECT_TRUE(isClickHeard(corner.x + 50, corner.y + 40, "50,40"));
     const int edge = s_pWeston->output(0).width - 1;
     drag(corner.x + 20, corner.y + 20, edge);
     ASSERT_TRUE(waitInLoop([&] { return view.getPixelHiDPISizeScale() == 2; }));
     EXPECT_EQ(view.getPixelHiDPIScale(), 2);
-    EXPECT_EQ(view.readPixels().width, 400);
     EXPECT_EQ(window.getSize(), (td::Size<double>{200, 150}));
     EXPECT_EQ(view.sizes, (std::vector<td::Size<double>>{{200, 150}}));
-    // And back, with the pointer where it is in points.
-    xdo("mousemove " + std::to_string(edge - 10) + " 60");
-    xdo("click 3");
-    EXPECT_TRUE(waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "release2 10,20 x1"; }));
+    // All but its first 21 points is on the second output.
+    const XServer::Place second = s_pWeston->output(1);
+    constexpr int cHidden = 2 * 21, cTop = 2 * 40;
+    const auto isSeenThere = [&]
+    {
+        const Screenshot drawn = view.readPixels();
+        if (drawn.width != 400 || drawn.height != 300)
+            return false;
+        const Screenshot seen =
+            s_pWeston->server().shoot({second.x, second.y + cTop, drawn.width - cHidden, drawn.height});
+        for (int y = 0; y < seen.height; ++y)
+            for (int x = 0; x < seen.width; ++x)
+                if (seen.at(x, y) != drawn.at(cHidden + x, y))
+                    return false;
+        return true;
+    };
+    s_pWeston->goTo(1); // or the pointer would be in the picture
+    EXPECT_TRUE(waitInLoop(isSeenThere));
+    EXPECT_TRUE(isClickHeard(second.x + 2 * 100 - cHidden, second.y + cTop + 2 * 30, "100,30"));
+    EXPECT_TRUE(isClickHeard(edge - 10, 60, "10,20"));
     drag(edge - 10, 60, 100);
     ASSERT_TRUE(waitInLoop([&] { return view.getPixelHiDPISizeScale() == 1; }));
     s_pWeston->goTo(0);
     EXPECT_TRUE(showsItsFrame(view));
     EXPECT_EQ(corner.width, 200);
+    EXPECT_TRUE(isClickHeard(corner.x + 60, corner.y + 50, "60,50"));
     EXPECT_FALSE(view.isPictureWrong || view.isContextWrong);
 }
 

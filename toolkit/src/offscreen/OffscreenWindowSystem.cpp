@@ -1,11 +1,14 @@
 #include "OffscreenWindowSystem.h"
 
+#include "../DisplayScale.h"
 #include "OffscreenRunLoop.h"
 
 #include <gui/NativeView.h>
 #include <vo/Log.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 namespace gui
 {
@@ -30,14 +33,23 @@ float scaleFromEnvironment()
     return 1;
 }
 
+class OffscreenWindow;
+
+// What stands for the screen: its device pixels per point, and the windows on it.
+float s_scale = 1;
+std::vector<OffscreenWindow*> s_windows;
+
 class OffscreenWindow : public WindowPeer
 {
 public:
-    OffscreenWindow(const td::Size<double>& size, float scale)
+    explicit OffscreenWindow(const td::Size<double>& size)
         : _size(size)
-        , _scale(scale)
     {
+        s_windows.push_back(this);
     }
+    OffscreenWindow(const OffscreenWindow&) = delete;
+    OffscreenWindow& operator=(const OffscreenWindow&) = delete;
+    ~OffscreenWindow() override { std::erase(s_windows, this); }
 
     void show(NativeView* pView) override
     {
@@ -64,11 +76,19 @@ public:
         resizeView();
     }
 
+    void followScale() const
+    {
+        if (_pView == nullptr)
+            return;
+        apply();
+        _pView->scaleChanged();
+    }
+
 private:
     void apply() const
     {
         if (auto* const pDrawable = static_cast<OffscreenDrawable*>(_pView->getNativeWindow()))
-            *pDrawable = {getSize(), _scale};
+            *pDrawable = {getSize(), s_scale};
     }
 
     void resizeView() const
@@ -81,27 +101,38 @@ private:
 
     NativeView* _pView = nullptr;
     td::Size<double> _size;
-    float _scale;
     bool _isFullScreen = false;
 };
 
 class OffscreenWindowSystem : public WindowSystem
 {
 public:
+    OffscreenWindowSystem() { s_scale = scaleFromEnvironment(); }
+
     const char* getName() const override { return "offscreen"; }
     RunLoop& getRunLoop() override { return _runLoop; }
     std::unique_ptr<WindowPeer> createWindow(const char*, const td::Size<double>& size) override
     {
-        return std::make_unique<OffscreenWindow>(size, _scale);
+        return std::make_unique<OffscreenWindow>(size);
     }
-    float getMainDisplayScale() const override { return _scale; }
+    float getMainDisplayScale() const override { return s_scale; }
 
 private:
     OffscreenRunLoop _runLoop;
-    float _scale = scaleFromEnvironment();
 };
 
 } // namespace
+
+void setOffscreenScale(float scale)
+{
+    s_scale = scale;
+    setDefaultBackingScaleFactor(scale);
+    // A copy: what a view does when it hears of it may open and close windows.
+    const std::vector<OffscreenWindow*> windows = s_windows;
+    for (const OffscreenWindow* const pWindow : windows)
+        if (std::ranges::find(s_windows, pWindow) != s_windows.end())
+            pWindow->followScale();
+}
 
 std::unique_ptr<WindowSystem> createOffscreenWindowSystem() { return std::make_unique<OffscreenWindowSystem>(); }
 

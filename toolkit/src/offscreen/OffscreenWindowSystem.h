@@ -13,6 +13,10 @@ namespace gui
 /// The environment variable GUIGL_SCALE sets their device pixels per point, 1 to 8.
 std::unique_ptr<WindowSystem> createOffscreenWindowSystem();
 
+/// Another number of device pixels per point, above 0, for the windows that are there and those to come: as when somebody
+/// changes the screen's settings.
+GUIGL_API void setOffscreenScale(float scale);
+
 /// What a view without a display draws into, as its window sees it: the native view's "native window". The surface owns it
 /// and follows its values when it is told of a change.
 struct OffscreenDrawable
