@@ -3,6 +3,7 @@
 #include "FlatRing.h"
 
 #include <numbers>
+#include <utility>
 
 namespace examples
 {
@@ -48,9 +49,10 @@ std::vector<std::vector<td::Point<float>>> NaturalEarth::getNet(int degrees)
     std::vector<std::vector<td::Point<float>>> net;
     for (int longitude = -180; longitude <= 180; longitude += degrees)
     {
-        std::vector<td::Point<float>>& meridian = net.emplace_back();
+        std::vector<td::Point<float>> meridian;
         for (int latitude = -90; latitude <= 90; latitude += 2)
             meridian.push_back(project(longitude, latitude));
+        net.push_back(std::move(meridian));
     }
     for (int latitude = degrees - 90; latitude < 90; latitude += degrees)
         net.push_back({project(-180, latitude), project(180, latitude)});

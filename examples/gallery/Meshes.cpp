@@ -177,7 +177,7 @@ private:
             lines.insert(lines.end(), {place, normal, place + 0.24F * normal, normal});
         }
         const std::size_t firstLine = _spheres.getNoOfVertices();
-        _spheres.appendVertices(&lines.front().x, lines.size() / 2);
+        _spheres.appendVertices(&lines.data()->x, lines.size() / 2);
         pCommand = _spheres.createCommand();
         pCommand->createDrawArrays(Primitive::Lines, firstLine, static_cast<unsigned int>(lines.size() / 2));
         pCommand->setColor(ColorID::Gold);

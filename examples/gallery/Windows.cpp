@@ -36,7 +36,7 @@ public:
     ~SecondWindow() override
     {
         makeCurrentContext();
-        cleanResources();
+        _planets.reset();
     }
 
     bool open() { return _window.show(*this); }

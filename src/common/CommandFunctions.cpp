@@ -36,14 +36,20 @@ ProgHelper s_progHelper;
 td::Color s_prevColor(0, 0, 0, 0);
 unsigned short s_prevTexture = cNoTexture;
 
+// By Primitive.
+constexpr std::array<GLenum, 8> cModes{GL_POINTS,    GL_LINES,        GL_LINE_STRIP,     GL_LINE_LOOP,
+                                       GL_TRIANGLES, GL_TRIANGLE_FAN, GL_TRIANGLE_STRIP, GL_PATCHES};
+
 // Each value of a channel divided by 255.
-constexpr auto cChannels = []
+constexpr std::array<float, 256> makeChannels()
 {
     std::array<float, 256> channels{};
     for (std::size_t i = 0; i < channels.size(); ++i)
         channels[i] = static_cast<float>(i) / 255.0f;
     return channels;
-}();
+}
+
+constexpr std::array<float, 256> cChannels = makeChannels();
 
 const void* indexOffset(unsigned int first)
 {
@@ -96,9 +102,6 @@ struct Command::Functions
     // The functions for one kind, by sub-type.
     using Row = std::array<Function, 4>;
 
-    // By Primitive.
-    static constexpr std::array<GLenum, 8> cModes{GL_POINTS,    GL_LINES,        GL_LINE_STRIP,     GL_LINE_LOOP,
-                                                  GL_TRIANGLES, GL_TRIANGLE_FAN, GL_TRIANGLE_STRIP, GL_PATCHES};
     static GLenum mode(const Command* c) { return cModes[c->_drawData._primitive]; }
 
     static bool drawArrays(const Command* c) { return drawArrays(c, mode(c)); }

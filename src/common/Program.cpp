@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -71,7 +72,8 @@ std::string shaderInfoLog(GLuint shader)
         return {};
     std::string infoLog(static_cast<std::size_t>(length), '\0');
     glGetShaderInfoLog(shader, length, nullptr, infoLog.data());
-    return infoLog.c_str();
+    infoLog.resize(std::strlen(infoLog.c_str()));
+    return infoLog;
 }
 
 std::string programInfoLog(GLuint program)
@@ -82,7 +84,8 @@ std::string programInfoLog(GLuint program)
         return {};
     std::string infoLog(static_cast<std::size_t>(length), '\0');
     glGetProgramInfoLog(program, length, nullptr, infoLog.data());
-    return infoLog.c_str();
+    infoLog.resize(std::strlen(infoLog.c_str()));
+    return infoLog;
 }
 
 } // namespace

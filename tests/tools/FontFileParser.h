@@ -27,8 +27,8 @@ struct ParsedFont
     bool isColumnBlank(int x) const;
     bool isRowBlank(int y) const;
 
-    float metricA, metricB, spaceWidth, padding, metricC, lineHeight;
-    int width, height;
+    float metricA = 0, metricB = 0, spaceWidth = 0, padding = 0, metricC = 0, lineHeight = 0;
+    int width = 0, height = 0;
     std::vector<Glyph> glyphs;
     std::vector<unsigned char> pixels;
 };
