@@ -32,9 +32,9 @@ bool Captions::init(std::span<const BakedFont> fonts, float size)
     _size = size;
     _text.init({1, 1}, gui::gl::Textures::Unit::T0);
     _text.allocFonts(static_cast<unsigned char>(fonts.size()));
-    for (unsigned char i = 0; i < fonts.size(); ++i)
+    for (std::size_t i = 0; i < fonts.size(); ++i)
     {
-        if (_text.loadFont(i, fonts[i].name) == nullptr)
+        if (_text.loadFont(static_cast<unsigned char>(i), fonts[i].name) == nullptr)
         {
             vo::dbgLog("ERROR! Captions::init has no font %s", fonts[i].name);
             return false;

@@ -112,9 +112,9 @@ private:
         const float place = cHalfRow * (2 * static_cast<float>(i) / (cPendulums - 1) - 1);
         const glm::mat4 hung = glm::rotate(glm::translate(camera, {place, 0, 0}), angle, {1, 0, 0});
         _program.setMVP(glm::scale(hung, {1, length, 1}));
-        _program.execute(static_cast<std::size_t>(2 * i) + 1, 1);
+        _program.execute(2 * static_cast<std::size_t>(i) + 1, 1);
         _program.setMVP(glm::scale(glm::translate(hung, {0, -length, 0}), glm::vec3(cBob)));
-        _program.execute(static_cast<std::size_t>(2 * i), 1);
+        _program.execute(2 * static_cast<std::size_t>(i), 1);
     }
 
     Backdrop _backdrop;

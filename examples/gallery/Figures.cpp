@@ -116,7 +116,10 @@ std::array<glm::vec3, 16> makePatch()
                                     -0.4F, 2.2F, -2.6F, -0.2F, 0.3F, -0.2F, 0.4F,  0.0F};
     std::array<glm::vec3, 16> points;
     for (std::size_t i = 0; i < points.size(); ++i)
-        points[i] = {static_cast<float>(i % 4) / 1.5F - 1, static_cast<float>(i / 4) / 1.5F - 1, cHeights[i]};
+    {
+        const std::size_t row = i / 4, column = i % 4;
+        points[i] = {static_cast<float>(column) / 1.5F - 1, static_cast<float>(row) / 1.5F - 1, cHeights[i]};
+    }
     return points;
 }
 

@@ -201,8 +201,9 @@ private:
     {
         for (std::size_t i = 0; i < std::size(cModifiers); ++i)
         {
-            const glm::vec2 place(_lamps.left + _lamps.width * (static_cast<float>(i % 3) + 0.5F) / 3,
-                                  _lamps.top + _lamps.height * (static_cast<float>(i / 3) + 0.5F) / 2);
+            const auto row = i / 3, column = i % 3;
+            const glm::vec2 place(_lamps.left + _lamps.width * (static_cast<float>(column) + 0.5F) / 3,
+                                  _lamps.top + _lamps.height * (static_cast<float>(row) + 0.5F) / 2);
             const bool isOn = (_modifiers >> i & 1U) != 0;
             if (isOn)
                 _sketch.addDisc(place, 20, colorOf(cModifiers[i]));

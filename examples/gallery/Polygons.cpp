@@ -96,7 +96,7 @@ private:
     // In shades that grow lighter from the first triangle to the last.
     Outline add(const Outline& outline, ColorID color)
     {
-        const Outline place = fitted({outline}, 0.74F).front();
+        Outline place = fitted({outline}, 0.74F).front();
         const std::vector<Diagrams::Triangle> triangles = _diagrams.trianglesOf(place);
         _diagrams.beginCell();
         _diagrams.addPolygon(place, {color});

@@ -25,15 +25,18 @@ constexpr SceneInfo cScenes[] = {
      "runs the corners turn, and the picture stays.",
      makePolygon},
     {"meshes", "Cubes and spheres",
-     "A cube covered with a strip of six pictures and one with a cube map; spheres of few and of many sectors and stacks, "
+     "A cube covered with a strip of six pictures and one with a cube map; spheres of few and of many sectors and "
+     "stacks, "
      "a flattened one, one with its normals, and one with the earth around it.",
      makeMeshes},
     {"camera", "A hall to fly through",
-     "Keys w, a, s and d move the camera, Alt and the arrows or the wheel turn it, moving the pointer with Shift pans it "
+     "Keys w, a, s and d move the camera, Alt and the arrows or the wheel turn it, moving the pointer with Shift pans "
+     "it "
      "and Ctrl with the wheel zooms. It stays inside.",
      makeCamera},
     {"sky", "A sky box",
-     "A cube map, computed when the program starts, surrounds the scene and keeps its distance. The balls mirror it. The "
+     "A cube map, computed when the program starts, surrounds the scene and keeps its distance. The balls mirror it. "
+     "The "
      "wheel looks around.",
      makeSky},
     {"instances", "Ten thousand instances",
@@ -59,7 +62,8 @@ constexpr SceneInfo cScenes[] = {
      "sharper turns and smooth ones, with the triangles that they are made of.",
      makeLines},
     {"recycled", "Outlines over stored vertices",
-     "Outlines drawn through the vertices that fill the shapes. The two open ones go through their corners in the order "
+     "Outlines drawn through the vertices that fill the shapes. The two open ones go through their corners in the "
+     "order "
      "of the golden numbers; the white ones tell how these are stored.",
      makeRecycled},
     {"plot", "A hundred thousand samples",
@@ -79,7 +83,8 @@ constexpr SceneInfo cScenes[] = {
      "one: both show the same moment, and Space stops both, pressed in either.",
      makeWindows},
     {"text", "A page of text",
-     "Four scripts, left, centred and right, under headings in two fonts; below them four sizes. Every letter stands on "
+     "Four scripts, left, centred and right, under headings in two fonts; below them four sizes. Every letter stands "
+     "on "
      "whole pixels, on every kind of screen.",
      makeText},
     {"unicode", "Blocks of characters",
