@@ -45,10 +45,7 @@ bool CommandList::remove(Command*)
     return true;
 }
 
-void CommandList::execute()
-{
-    Command::execute(_commands.begin(), _commands.end());
-}
+void CommandList::execute() { Command::execute(_commands.begin(), _commands.end()); }
 
 void CommandList::execute(std::size_t first, std::size_t count)
 {

@@ -6,7 +6,6 @@
 
 #include <epoxy/gl.h>
 
-
 #include <array>
 #include <iostream>
 #include <utility>
