@@ -34,7 +34,8 @@ public:
     // Not inlined, or GCC takes the deletion at the end of an inner call for one that the outer call would run into.
     [[gnu::noinline]] ~Busy()
     {
-        if (--_view._nBusy > 0)
+        // Deleted is it by the outermost one alone, whose count the others only lower.
+        if (--_view._nBusy > 0) // NOLINT(clang-analyzer-cplusplus.NewDelete)
             return;
         if (_view._isReleased)
             delete &_view;

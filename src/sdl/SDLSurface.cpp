@@ -33,7 +33,7 @@ public:
         : _nativeView(nativeView)
         , _pContext(std::move(pContext))
         , _events(client, _pContext->getWindow())
-        , _presentedSize(getDrawableSize())
+        , _presentedSize(SDLSurface::getDrawableSize())
     {
     }
     ~SDLSurface() override { runLoop().forget(&_nativeView); }

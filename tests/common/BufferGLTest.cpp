@@ -21,7 +21,7 @@ using test::Pixel;
 using enum gui::gl::DataType;
 
 /// Draws squares of 16 pixels: instance attributes shift and colour them.
-struct SquareProgram : gui::gl::Program
+struct SquareProgram final : gui::gl::Program
 {
     void onLinked() override {}
 

@@ -21,7 +21,7 @@ using gui::gl::Primitive;
 using test::Pixel;
 
 /// Points in pixels of a picture of 64 x 64, moved by a matrix, in one colour.
-struct PixelProgram : gui::gl::Program
+struct PixelProgram final : gui::gl::Program
 {
     void onLinked() override
     {
