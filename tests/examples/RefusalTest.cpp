@@ -1,5 +1,7 @@
 // Every scene of the gallery in the hands of a driver that refuses, and of one that loses the context.
 
+#include "SlowScenes.h"
+
 #include "support/CapturedLog.h"
 #include "support/Pinning.h"
 #include "support/RefusingGL.h"
@@ -20,7 +22,6 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -37,8 +38,6 @@ constexpr int cTries = 2;
 #else
 constexpr int cTries = 1;
 #endif
-// Those that compute for seconds where nothing is optimised: left out with just one try.
-constexpr std::string_view cSlowScenes[] = {"camera", "coastline", "instances", "meshes", "sky"};
 
 /// A scene in a view, as the gallery shows it, at a moment that stays.
 class SceneView : public gui::gl::View, private gallery::Stage
@@ -215,7 +214,7 @@ TEST_F(Refusal, WhatIsRefusedIsSaidAndDrawnAgainInANewContext)
     unsigned int offset = 0; // so that scenes which begin alike have other calls refused
     for (const SceneInfo& info : gallery::scenes())
     {
-        if (nTries == 1 && std::ranges::find(cSlowScenes, info.name) != std::end(cSlowScenes))
+        if (nTries == 1 && test::isSlow(info))
             continue;
         SCOPED_TRACE(info.name);
         const unsigned int n = lose(info);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <gallery/Scenes.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+namespace test
+{
+
+/// Whether a scene computes for seconds where nothing is optimised.
+inline bool isSlow(const gallery::SceneInfo& scene)
+{
+    constexpr std::string_view cNames[] = {"camera", "coastline", "instances", "meshes", "sky"};
+    return std::ranges::find(cNames, scene.name) != std::end(cNames);
+}
+
+} // namespace test

@@ -1,0 +1,283 @@
+// Windows that come and go, with the gallery's scenes and the map of the world in them, and a user without a plan. Fails
+// when memory grows after the first round, or when anything is in the log.
+
+#include "User.h"
+
+#include "examples/SlowScenes.h"
+#include "support/Pinning.h"
+#include "toolkit/src/offscreen/OffscreenWindowSystem.h"
+
+#include <gallery/GalleryView.h>
+#include <worldmap/MapView.h>
+
+#include <gui/Application.h>
+#include <gui/gl/CurrentContext.h>
+#include <vo/Log.h>
+
+#include <dlfcn.h>
+#include <epoxy/egl.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace soak
+{
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point begin) { return std::chrono::duration<double>(Clock::now() - begin).count(); }
+
+std::size_t bytesInUse()
+{
+    // The sanitizers have a heap of their own.
+    using Count = std::size_t (*)();
+    static const auto count = reinterpret_cast<Count>(dlsym(RTLD_DEFAULT, "__sanitizer_get_current_allocated_bytes"));
+    if (count != nullptr)
+        return count();
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+std::size_t residentBytes()
+{
+    std::size_t nPages = 0;
+    std::ifstream("/proc/self/statm") >> nPages >> nPages;
+    return nPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
+
+/// The windows of a program that is used.
+class Desk
+{
+public:
+    /// @param isPatient  also shows what takes long to make
+    Desk(bool isOffscreen, bool isPatient, const worldmap::Countries& countries, Random& random)
+        : _isOffscreen(isOffscreen)
+        , _countries(countries)
+        , _random(random)
+    {
+        for (std::size_t scene = 0; scene < gallery::scenes().size(); ++scene)
+            if (isPatient || !test::isSlow(gallery::scenes()[scene]))
+                _scenes.push_back(scene);
+    }
+
+    std::vector<gui::gl::View*> views() const
+    {
+        std::vector<gui::gl::View*> views;
+        for (const Place& place : _places)
+            if (place.pView != nullptr)
+                views.push_back(place.pView.get());
+        return views;
+    }
+
+    void turn() { _app->step(0.005); }
+
+    /// Shows every scene and the map once.
+    void showAll()
+    {
+        for (std::size_t i = 0; i <= _scenes.size(); ++i)
+        {
+            open(_places[0], i);
+            turn();
+        }
+        closeAll();
+    }
+
+    /// Opens, closes or changes a window.
+    void change()
+    {
+        Place& place = _places[_random() % _places.size()];
+        if (place.pView == nullptr)
+            return open(place, randomContent());
+        switch (below(_random, 5))
+        {
+        case 0:
+            return close(place);
+        case 1:
+            if (_isOffscreen)
+                return loseContext(place);
+            [[fallthrough]];
+        case 2:
+            if (_isOffscreen)
+            {
+                constexpr float cScales[] = {1, 1.25F, 2};
+                return gui::setOffscreenScale(cScales[below(_random, 3)]);
+            }
+            [[fallthrough]];
+        default:
+            return place.pWindow->setSize(randomSize());
+        }
+    }
+
+    void closeAll()
+    {
+        for (Place& place : _places)
+            close(place);
+        if (_isOffscreen)
+            gui::setOffscreenScale(1);
+        turn();
+        // With the last window the program ended.
+        _app.reset();
+        _app.emplace(0, nullptr);
+    }
+
+    /// How long the map takes for a frame, in milliseconds: the middle one of a few.
+    double timeFrame()
+    {
+        gui::Window window("Time", {400, 250});
+        worldmap::MapView view(window, _countries);
+        window.show(view);
+        std::array<double, 5> times{};
+        for (double& time : times)
+        {
+            view.reRender();
+            const Clock::time_point begin = Clock::now();
+            _app->step(0);
+            time = 1000 * secondsSince(begin);
+        }
+        std::ranges::sort(times);
+        return times[times.size() / 2];
+    }
+
+    int nLost = 0; ///< contexts
+
+private:
+    struct Place
+    {
+        std::unique_ptr<gui::Window> pWindow;
+        std::unique_ptr<gui::gl::View> pView;
+    };
+
+    td::Size<double> randomSize() { return {150.0 + below(_random, 300), 100.0 + below(_random, 200)}; }
+
+    // The map is as frequent as all scenes together.
+    std::size_t randomContent() { return _random() % (2 * _scenes.size()); }
+
+    // @param content  a scene, or the map when there are not so many
+    void open(Place& place, std::size_t content)
+    {
+        close(place);
+        place.pWindow = std::make_unique<gui::Window>("Window", randomSize());
+        if (content < _scenes.size())
+            place.pView = std::make_unique<gallery::GalleryView>(*place.pWindow, _scenes[content], 0);
+        else
+            place.pView = std::make_unique<worldmap::MapView>(*place.pWindow, _countries);
+        place.pWindow->show(*place.pView);
+    }
+
+    void close(Place& place)
+    {
+        if (below(_random, 2) == 0)
+            place.pWindow.reset(); // before its view
+        place.pView.reset();
+        place.pWindow.reset();
+    }
+
+    // The view finds out when it draws next; it is made anew.
+    void loseContext(Place& place)
+    {
+        ++nLost;
+        eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        gui::gl::CurrentContext::set(nullptr);
+        const auto loaded = std::exchange(epoxy_eglMakeCurrent, &refuseCurrent);
+        place.pView->reRender();
+        turn();
+        close(place);
+        epoxy_eglMakeCurrent = loaded;
+        open(place, randomContent());
+    }
+
+    std::optional<gui::Application> _app{std::in_place, 0, nullptr};
+    bool _isOffscreen;
+    const worldmap::Countries& _countries;
+    Random& _random;
+    std::vector<std::size_t> _scenes;
+    std::array<Place, 3> _places;
+};
+
+int run(double seconds, unsigned int seed)
+{
+    // Rounds of a minute, but always some. All windows are closed at the end of each.
+    const int nRounds = std::max(3, static_cast<int>(seconds / 60));
+    // What the heap may have more then than after the first one: caches of drivers, and what they keep of lost contexts.
+    constexpr std::size_t cAllowedGrowth = 200'000, cAllowedForEachLoss = 4'000;
+
+    int nLines = 0;
+    vo::setLogSink(
+        [&nLines](const char* line)
+        {
+            for (const char* const expected :
+                 {"Application runs on window system", "ERROR! OffscreenContext cannot be made current"})
+                if (std::string_view(line).starts_with(expected))
+                    return;
+            ++nLines;
+            std::printf("the log says: %s\n", line);
+        });
+    const char* const windowSystem = std::getenv("GUIGL_WINDOW_SYSTEM");
+    const bool isOffscreen = windowSystem == nullptr || std::string_view(windowSystem) != "x11";
+    const std::unique_ptr<User> pUser = isOffscreen ? createOffscreenUser() : createX11User();
+    worldmap::Countries countries;
+    if (pUser == nullptr || !countries.load())
+        return 2;
+
+    Random random(seed);
+    Desk desk(isOffscreen, seconds >= 60, countries, random);
+    desk.showAll();
+    test::pinLoadedLibraries();
+    std::size_t allowed = 0;
+    bool hasGrown = false;
+    for (int round = 0; round < nRounds; ++round)
+    {
+        const Clock::time_point begin = Clock::now();
+        const int nLostBefore = desk.nLost;
+        int nActs = 0;
+        for (; secondsSince(begin) < seconds / nRounds; ++nActs)
+        {
+            if (nActs % 5 == 0)
+                desk.change();
+            pUser->act(desk.views(), random, [&desk] { desk.turn(); });
+        }
+        desk.closeAll();
+        const double milliseconds = desk.timeFrame();
+        desk.closeAll();
+        const std::size_t inUse = bytesInUse();
+        const int nLost = desk.nLost - nLostBefore;
+        std::printf("round %d: %d acts, %d lost contexts, %.3f MB in use, %.0f MB resident, a frame in %.1f ms\n",
+                    round + 1, nActs, nLost, static_cast<double>(inUse) / 1e6,
+                    static_cast<double>(residentBytes()) / 1e6, milliseconds);
+        std::fflush(stdout);
+        allowed = round == 0 ? inUse + cAllowedGrowth : allowed + cAllowedForEachLoss * static_cast<std::size_t>(nLost);
+        hasGrown = hasGrown || inUse > allowed;
+    }
+    if (hasGrown)
+        std::printf("memory has grown\n");
+    return nLines > 0 || hasGrown ? 1 : 0;
+}
+
+} // namespace
+
+} // namespace soak
+
+int main(int argc, char** argv)
+{
+    const double seconds = argc > 1 ? std::atof(argv[1]) : 0;
+    if (seconds <= 0)
+    {
+        std::fputs("usage: soak SECONDS [SEED]\n", stderr);
+        return 2;
+    }
+    return soak::run(seconds, argc > 2 ? static_cast<unsigned int>(std::atoi(argv[2])) : 1);
+}
