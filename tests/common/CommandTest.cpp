@@ -475,7 +475,6 @@ TEST_F(CommandTest, FurtherUniformsFollowTheMatrix)
 
 TEST_F(CommandTest, UniformsThatDoNotFitAreRefused)
 {
-    const glm::mat4 matrix(1);
     struct Case
     {
         std::vector<td::BYTE> types;

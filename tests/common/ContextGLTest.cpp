@@ -135,7 +135,7 @@ TEST_F(ContextGLTest, StencilOperationsDoWhatTheirNamesSayInEachPlace)
                                                                  : DepthBuffer::Function::Always);
                     white.draw();
                     EXPECT_EQ(stencil(), outcome == place ? c.after[value] : c.before)
-                        << int(value) << ' ' << place << ' ' << outcome;
+                        << value << ' ' << place << ' ' << outcome;
                 }
             }
         }
@@ -191,7 +191,7 @@ void main()
                              1 - alphaOf(src1)};
     Context::enable(Context::Flag::Blend);
     glBlendColor(0.25f, 0.5f, 0.75f, 0.4f);
-    for (unsigned char value = 0; value < std::size(factors); ++value)
+    for (std::size_t value = 0; value < std::size(factors); ++value)
     {
         for (const bool isSource : {true, false})
         {
@@ -205,7 +205,7 @@ void main()
             for (std::size_t i = 0; i < 4; ++i)
             {
                 // 1: the driver may round products of bytes its own way
-                EXPECT_NEAR(channels[i], base[i] * factors[value][i] * 255, 1) << int(value) << ' ' << isSource;
+                EXPECT_NEAR(channels[i], base[i] * factors[value][i] * 255, 1) << value << ' ' << isSource;
             }
         }
     }
@@ -241,7 +241,7 @@ TEST_F(ContextGLTest, FlagsAndPointSizeReachTheirState)
     {
         Context::enable(Context::Flag(value));
         for (unsigned char other = 0; other < 4; ++other)
-            EXPECT_EQ(glIsEnabled(capabilities[other]), other == value) << int(value) << ' ' << int(other);
+            EXPECT_EQ(glIsEnabled(capabilities[other]), other == value) << value << ' ' << int(other);
         Context::disable(Context::Flag(value));
         EXPECT_FALSE(glIsEnabled(capabilities[value]));
     }

@@ -27,7 +27,6 @@ using glm::vec3;
 using gui::gl::Buffer;
 using gui::gl::Command;
 using gui::gl::Texture;
-using test::GLTrace;
 using enum gui::gl::DataType;
 
 constexpr auto Tex2D = Texture::Type::Tex2D, CubeStrip = Texture::Type::CubeStrip, CubeMap = Texture::Type::CubeMap;

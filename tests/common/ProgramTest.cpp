@@ -17,7 +17,6 @@ using gui::gl::GLSL;
 using gui::gl::Program;
 using gui::gl::Texture;
 using gui::gl::Textures;
-using test::GLTrace;
 
 struct TestProgram : Program
 {
@@ -40,7 +39,7 @@ std::string newErrors()
     static std::string s_before;
     const std::string all = Program::getLastError().c_str();
     EXPECT_TRUE(all.starts_with(s_before));
-    const std::string added = all.substr(s_before.size());
+    std::string added = all.substr(s_before.size());
     s_before = all;
     return added;
 }

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace
@@ -109,7 +110,7 @@ TEST_F(Programs3DGLTest, LightFollowsTheNormalThatTheModelTurns)
         program.setMatrices(c.model, c.model[2][2] == 0 ? one : glm::inverse(c.model));
         clear();
         program.execute();
-        const int level = static_cast<int>(255 * c.brightness + 0.5F);
+        const int level = static_cast<int>(std::lround(255 * c.brightness));
         EXPECT_TRUE(isNear(pixel(32, 32), {level, level, level})) << c.name;
     }
     test::CaughtAsserts asserts;

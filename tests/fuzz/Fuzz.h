@@ -47,7 +47,7 @@ public:
     std::string text(std::size_t max = SIZE_MAX)
     {
         const std::size_t n = left() < max ? left() : max;
-        const std::string result(reinterpret_cast<const char*>(_at), n);
+        std::string result(reinterpret_cast<const char*>(_at), n);
         _at += n;
         return result;
     }
