@@ -7,8 +7,6 @@
 namespace
 {
 
-using gui::gl::KeyEvent;
-using gui::gl::WheelEvent;
 using Event = gui::InputDevice::Event;
 
 constexpr unsigned int cOption = 8;
