@@ -32,12 +32,7 @@ void setBytes(benchmark::State& state, std::size_t nFloats)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(nFloats * sizeof(float)));
 }
 
-std::size_t argument(benchmark::State& state, int i)
-{
-    auto number = static_cast<std::size_t>(state.range(i));
-    benchmark::DoNotOptimize(number); // not one that the compiler knows
-    return number;
-}
+std::size_t argument(const benchmark::State& state, std::size_t i) { return static_cast<std::size_t>(state.range(i)); }
 
 // Room is filled by pieces of so many floats, again and again.
 void copyPieces(benchmark::State& state)

@@ -53,8 +53,8 @@ void addSpherePlainly(benchmark::State& state, Texture::Type type, bool normals)
     const Size size = sizeOf(state);
     cnt::PushBackVector<float> vertices;
     cnt::PushBackVector<unsigned int> indices;
-    float radius = 2;
-    benchmark::DoNotOptimize(radius);
+    volatile float given = 2; // a number that the compiler does not know
+    const float radius = given;
     const float sectorStep = 6.283185F / static_cast<float>(size.sectors);
     const float stackStep = 3.1415925F / static_cast<float>(size.stacks);
     for (auto _ : state)
