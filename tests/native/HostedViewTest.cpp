@@ -18,7 +18,6 @@ namespace
 {
 
 using gui::gl::Context;
-using gui::gl::CurrentContext;
 using gui::gl::GLView;
 
 constexpr td::Size<int> cSize{40, 20};

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-struct _XDisplay;
+struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's name
 
 namespace test
 {
@@ -20,7 +20,7 @@ struct Screenshot
     int height = 0;
     std::vector<std::uint32_t> pixels;
 
-    std::uint32_t at(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
+    std::uint32_t at(int x, int y) const { return pixels[std::size_t(y) * std::size_t(width) + std::size_t(x)]; }
     bool operator==(const Screenshot&) const = default;
 };
 
