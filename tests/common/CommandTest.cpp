@@ -126,22 +126,25 @@ TEST_F(CommandTest, WhatGLCannotBeToldIsRefused)
     }
 }
 
+/// Draws of instances, points and patches.
+void (*const cWithNumbers[])(Command&) = {
+    [](Command& c) { c.createDrawArraysInstanced(Primitive::Points, 0, 1, 1); },
+    [](Command& c) { c.createDrawElementsInstanced(Primitive::Points, 0, 1, 1); },
+    [](Command& c) { c.createDrawArrayPoints(0, 1, 1); },
+    [](Command& c) { c.createDrawElementPoints(0, 1, 1); },
+    [](Command& c) { c.createDrawArrayPatches(0, 1, 1); },
+    [](Command& c) { c.createDrawElementPatches(0, 1, 1); },
+};
+
 TEST_F(CommandTest, ACommandIsCreatedOnce)
 {
     const glm::mat4 matrix(1);
     Uniform uniform{1, 2, {3}};
-    const std::function<void(Command&)> creates[] = {
-        [](Command& c) { c.createDrawArrays(Primitive::Points, 0, 1); },
-        [](Command& c) { c.createDrawElements(Primitive::Points, 0, 1); },
-        [](Command& c) { c.createDrawArraysInstanced(Primitive::Points, 0, 1, 1); },
-        [](Command& c) { c.createDrawElementsInstanced(Primitive::Points, 0, 1, 1); },
-        [](Command& c) { c.createDrawArrayPoints(0, 1, 1); },
-        [](Command& c) { c.createDrawElementPoints(0, 1, 1); },
-        [](Command& c) { c.createDrawArrayPatches(0, 1, 1); },
-        [](Command& c) { c.createDrawElementPatches(0, 1, 1); },
-        [&](Command& c) { c.createMVPSetter(&matrix); },
-        [&](Command& c) { EXPECT_FALSE(c.createUniformSetter(&uniform, 1)); },
-    };
+    std::vector<std::function<void(Command&)>> creates(std::begin(cWithNumbers), std::end(cWithNumbers));
+    creates.emplace_back([](Command& c) { c.createDrawArrays(Primitive::Points, 0, 1); });
+    creates.emplace_back([](Command& c) { c.createDrawElements(Primitive::Points, 0, 1); });
+    creates.emplace_back([&](Command& c) { c.createMVPSetter(&matrix); });
+    creates.emplace_back([&](Command& c) { EXPECT_FALSE(c.createUniformSetter(&uniform, 1)); });
     for (const std::function<void(Command&)>& create : creates)
     {
         Command command = triangles(7);
@@ -339,15 +342,7 @@ TEST_F(CommandTest, OneKindOfColorOrTexturePerCommand)
 // The word that holds an RGBA colour is the one of instances, point and patch sizes.
 TEST_F(CommandTest, RGBAColorsAndTheOtherNumbersExcludeEachOther)
 {
-    const std::function<void(Command&)> creates[] = {
-        [](Command& c) { c.createDrawArraysInstanced(Primitive::Points, 0, 1, 1); },
-        [](Command& c) { c.createDrawElementsInstanced(Primitive::Points, 0, 1, 1); },
-        [](Command& c) { c.createDrawArrayPoints(0, 1, 1); },
-        [](Command& c) { c.createDrawElementPoints(0, 1, 1); },
-        [](Command& c) { c.createDrawArrayPatches(0, 1, 1); },
-        [](Command& c) { c.createDrawElementPatches(0, 1, 1); },
-    };
-    for (const std::function<void(Command&)>& create : creates)
+    for (const auto& create : cWithNumbers)
     {
         Command command;
         create(command);

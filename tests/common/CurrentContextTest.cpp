@@ -42,23 +42,6 @@ protected:
     char b = 0;
 };
 
-TEST_F(CurrentContextTest, NamesWaitForTheirContext)
-{
-    CurrentContext::set(&a);
-    auto buffer = committedBuffer();
-    CurrentContext::set(&b);
-    trace.clear();
-    buffer.reset(); // here it would delete what b has under these numbers
-    CurrentContext::set(nullptr);
-    CurrentContext::set(&b);
-    EXPECT_TRUE(trace.only({}));
-    CurrentContext::set(&a);
-    EXPECT_TRUE(trace.only({"glDeleteBuffers(1, [1])", "glDeleteVertexArrays(1, [1])"}));
-    CurrentContext::set(&b);
-    CurrentContext::set(&a);
-    EXPECT_TRUE(trace.only({})); // once
-}
-
 TEST_F(CurrentContextTest, NamesDieWithTheirContext)
 {
     CurrentContext::set(&a);

@@ -21,30 +21,9 @@ constexpr std::u32string_view cCharacters = U"zeb\u00E9\u0416a\u2019\u3042\uFFFD
 std::string randomText(std::mt19937& random)
 {
     const auto below = [&](std::size_t n) { return random() % n; };
-    static const char* const cPieces[] = {"z",
-                                          "e",
-                                          "b",
-                                          "a",
-                                          ".",
-                                          "?",
-                                          "\xC3\xA9",
-                                          "\xD0\x96",
-                                          "\xE3\x81\x82",
-                                          "\xF0\x9F\x98\x80",
-                                          "\xF4\x8F\xBF\xBF",
-                                          " ",
-                                          "\t",
-                                          "\n",
-                                          "\n\n",
-                                          "\r",
-                                          "\xE2\x80\xA8",
-                                          "\xE2\x80\xA9",
-                                          "\xC2\xA0",
-                                          "\xE3\x80\x80", // spaces and breaks
-                                          "\xE2\x80",
-                                          "\xF0\x9F\x98",
-                                          "\xC0\xAF",
-                                          "\xED\xA0\x80"}; // no text
+    static constexpr std::u32string_view cKnown =
+        U"zeba.?\u00E9\u0416\u3042\U0001F600\U0010FFFF \t\n\r\u2028\u2029\u00A0\u3000";
+    static constexpr const char* cNoText[] = {"\xE2\x80", "\xF0\x9F\x98", "\xC0\xAF", "\xED\xA0\x80"};
     std::string text;
     for (std::size_t n = below(24); n > 0; --n)
     {
@@ -53,8 +32,10 @@ std::string randomText(std::mt19937& random)
             text += static_cast<char>(below(256)); // a zero too
         else if (kind == 1)                        // of any plane
             text += {char(0xF0 + below(5)), char(0x80 + below(64)), char(0x80 + below(64)), char(0x80 + below(64))};
+        else if (kind == 2)
+            text += cNoText[below(4)];
         else
-            text += cPieces[below(std::size(cPieces))];
+            text += test::encoded(cKnown[below(cKnown.size())]);
     }
     return text;
 }

@@ -42,7 +42,7 @@ TEST_F(FontTest, AtlasPixelsAreWidenedToFourBytes)
         file.bitsPerPixel = c.bitsPerPixel;
         file.pixels.assign(c.pixels.begin(), c.pixels.end());
         ASSERT_TRUE(load(file));
-        EXPECT_EQ(trace.images().back().bytes, c.uploaded) << c.bitsPerPixel;
+        EXPECT_EQ(trace.lastImage(), c.uploaded) << c.bitsPerPixel;
         EXPECT_EQ(nTextures(), 1u); // that of the load before is gone
     }
     trace.clear();
@@ -134,7 +134,7 @@ TEST_F(FontTest, SetTextureTakesImagesWithColors)
     EXPECT_TRUE(trace.inOrder({"glTexImage2D(0xde1, 0, 0x1908, 1, 1, 0, 0x1908, 0x1401, ptr)",
                                "glTexParameteri(0xde1, 0x2801, 0x2703)", "glTexParameteri(0xde1, 0x2800, 0x2601)",
                                "glGenerateMipmap(0xde1)", "glBindTexture(0xde1, 0)"}));
-    EXPECT_EQ(trace.images().back().bytes, (std::vector<unsigned char>{1, 2, 3, 255}));
+    EXPECT_EQ(trace.lastImage(), (std::vector<unsigned char>{1, 2, 3, 255}));
     EXPECT_FALSE(font().setTexture(rgba));
     EXPECT_TRUE(asserts.caught("_textureID == 0"));
     EXPECT_EQ(nTextures(), 1u);

@@ -270,20 +270,6 @@ TEST_F(MeshTest, MisuseAppendsNothing)
     EXPECT_EQ(solid.getNoOfVertices(), 8 + 25U);
 }
 
-// Memory grows at most once per container, whatever was reserved, and a middle without a normal is no NaN.
-TEST_F(MeshTest, DegenerateSpheresHaveFiniteNormals)
-{
-    constexpr float cInfinity = std::numeric_limits<float>::infinity();
-    for (const float radius : {0.0F, 1e-30F, 1e30F, cInfinity})
-    {
-        Buffer buffer{Vec3, Vec3};
-        ASSERT_NE(buffer.addSphere(radius, 3, 2, CubeMap, true, 0), nullptr);
-        ASSERT_NO_FATAL_FAILURE(commit(buffer));
-        for (std::size_t i = 0; radius < cInfinity && i < vertices.size(); ++i)
-            EXPECT_TRUE(std::isfinite(vertices[i])) << radius << " " << i;
-    }
-}
-
 TEST(SymPolygonTest, CornersLieOnTheCircle)
 {
     using Points = cnt::PushBackVector<td::Point<float>>;

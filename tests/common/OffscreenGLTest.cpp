@@ -1,5 +1,4 @@
 #include "support/OffscreenGL.h"
-#include "support/GLTrace.h"
 #include "support/Pictures.h"
 
 #include <gui/Texture.h>
@@ -9,7 +8,6 @@
 namespace
 {
 
-using test::GLTrace;
 using test::Pixel;
 
 class OffscreenGLTest : public test::OffscreenGL
@@ -22,23 +20,6 @@ TEST_F(OffscreenGLTest, NoticesWhatTheDriverComplainsOf)
     EXPECT_TRUE(takeErrors().empty());
     glEnable(GL_RGBA);
     EXPECT_EQ(takeErrors().size(), 2u); // the message and glGetError
-}
-
-// An entry point that nobody called before: the loader's stub would call the hook again, for ever.
-TEST_F(OffscreenGLTest, ForwardedCallsReachTheDriver)
-{
-    GLuint buffer = 0;
-    {
-        GLTrace trace(GLTrace::Forward);
-        glGenBuffers(1, &buffer);
-        glBindBuffer(GL_ARRAY_BUFFER, buffer);
-        EXPECT_EQ(trace.aliveNames(GLTrace::Kind::Buffer), std::vector<unsigned int>{buffer});
-        trace.failNext("glCreateProgram");
-        EXPECT_EQ(glCreateProgram(), 0u);
-        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    }
-    EXPECT_TRUE(glIsBuffer(buffer));
-    glDeleteBuffers(1, &buffer);
 }
 
 TEST_F(OffscreenGLTest, PicturesDifferByWhatTheirPixelsDifferBy)

@@ -20,20 +20,23 @@ Point onCircle(double turn, double radius)
     return {static_cast<float>(radius * std::cos(angle)), static_cast<float>(radius * std::sin(angle))};
 }
 
-Outline makeStar(Random& random, std::size_t n)
+template <typename PointAt>
+Outline collect(std::size_t n, const PointAt& pointAt)
 {
     Outline outline;
     for (std::size_t i = 0; i < n; ++i)
-        outline.push_back(onCircle(double(i) / double(n), random.between(0.2f, 1)));
+        outline.push_back(pointAt(i));
     return outline;
+}
+
+Outline makeStar(Random& random, std::size_t n)
+{
+    return collect(n, [&](std::size_t i) { return onCircle(double(i) / double(n), random.between(0.2f, 1)); });
 }
 
 Outline makeCircle(Random& random, std::size_t n)
 {
-    Outline outline;
-    for (std::size_t i = 0; i < n; ++i)
-        outline.push_back(onCircle(double(i) / double(n), random.between(0.99f, 1)));
-    return outline;
+    return collect(n, [&](std::size_t i) { return onCircle(double(i) / double(n), random.between(0.99f, 1)); });
 }
 
 // Teeth on a ridge.
@@ -158,10 +161,7 @@ Outline makeBlocks(Random& random, std::size_t n)
 
 Outline makeScatter(Random& random, std::size_t n)
 {
-    Outline outline;
-    for (std::size_t i = 0; i < n; ++i)
-        outline.push_back({random.between(-1, 1), random.between(-1, 1)});
-    return outline;
+    return collect(n, [&](std::size_t) { return Point{random.between(-1, 1), random.between(-1, 1)}; });
 }
 
 Outline makeGridWalk(Random& random, std::size_t n)
@@ -190,14 +190,13 @@ Outline makeSteps(Random& random, std::size_t n)
 Outline makeClusters(Random& random, std::size_t n)
 {
     const Outline middles = makeScatter(random, 4);
-    Outline outline;
-    for (std::size_t i = 0; i < n; ++i)
+    const auto pointAt = [&](std::size_t)
     {
         const Point middle = middles[random.below(4)];
         const float size = random.isOneIn(2) ? 1e-3f : 1e-6f;
-        outline.push_back({middle.x + random.between(-size, size), middle.y + random.between(-size, size)});
-    }
-    return outline;
+        return Point{middle.x + random.between(-size, size), middle.y + random.between(-size, size)};
+    };
+    return collect(n, pointAt);
 }
 
 // Points along a line and hardly off it, half of them close to the middle.

@@ -30,16 +30,6 @@ protected:
 TEST_F(TextTest, InitLinksItsShadersAndSetsTheSamplerInUse)
 {
     renderer->init({800, 600}, Textures::Unit::T3);
-    EXPECT_EQ(
-        trace.shaderSource(1),
-        "#version 330 core\nlayout (location = 0) in vec2 position;\nlayout (location = 1) in vec2 "
-        "texCoord;\nuniform mat4 mvp;\nuniform float z;\nout vec2 fragTexCoord;\nvoid main(){\ngl_Position = mvp * "
-        "vec4(position, z, 1.0);\nfragTexCoord = texCoord;}");
-    EXPECT_EQ(
-        trace.shaderSource(2),
-        "#version 330 core\nin vec2 fragTexCoord;\nuniform vec4 color;\nuniform sampler2D textureSampler;\nout vec4 "
-        "fragColor;\nvoid main(){\nvec4 texValue = texture(textureSampler, fragTexCoord);\nfragColor = texValue.r * "
-        "color;}");
     EXPECT_TRUE(trace.inOrder({"glUseProgram(1)", "glUniform1i(5, 3)", "glUseProgram(0)"}));
     renderer->init({800, 600}, Textures::Unit::T0); // in a new context, say
     EXPECT_EQ(trace.aliveNames(test::GLTrace::Kind::Program).size(), 1u);

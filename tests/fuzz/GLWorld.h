@@ -29,7 +29,6 @@ private:
         void onLinked() override;
     };
 
-    /// What a command should draw.
     struct PlainCommand
     {
         test::StrictGL::Draw draw;

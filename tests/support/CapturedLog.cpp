@@ -1,5 +1,7 @@
 #include "CapturedLog.h"
 
+#include "Lines.h"
+
 #include <vo/Log.h>
 
 #include <utility>
@@ -21,15 +23,6 @@ CapturedLog::~CapturedLog()
 
 std::vector<std::string> CapturedLog::take() { return std::exchange(_lines, {}); }
 
-testing::AssertionResult CapturedLog::said(const std::string& line)
-{
-    const std::vector<std::string> actual = take();
-    if (actual == std::vector<std::string>{line})
-        return testing::AssertionSuccess();
-    testing::AssertionResult result = testing::AssertionFailure() << "log lines:";
-    for (const std::string& text : actual)
-        result << "\n  " << text;
-    return result << "\nexpected:\n  " << line;
-}
+testing::AssertionResult CapturedLog::said(const std::string& line) { return areLines("log lines", take(), {line}); }
 
 } // namespace test

@@ -1,22 +1,11 @@
 #include "CaughtAsserts.h"
 
+#include "Lines.h"
+
 #include <utility>
 
 namespace test
 {
-
-namespace
-{
-
-std::string listed(const std::vector<std::string>& texts)
-{
-    std::string list;
-    for (const std::string& text : texts)
-        list += "\n  " + text;
-    return texts.empty() ? " none" : list;
-}
-
-} // namespace
 
 CaughtAsserts::CaughtAsserts()
     : _previous(td::setAssertHandler(
@@ -37,11 +26,8 @@ CaughtAsserts::~CaughtAsserts()
 
 testing::AssertionResult CaughtAsserts::caught(const std::vector<std::string>& conditions)
 {
-    const std::vector<std::string> actual = std::exchange(_conditions, {});
-    const std::vector<std::string> expected = td::cAssertReports ? conditions : std::vector<std::string>{};
-    if (actual == expected)
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "assertions:" << listed(actual) << "\nexpected:" << listed(expected);
+    return areLines("assertions", std::exchange(_conditions, {}),
+                    td::cAssertReports ? conditions : std::vector<std::string>{});
 }
 
 testing::AssertionResult CaughtAsserts::caught(const std::string& condition)

@@ -1,24 +1,13 @@
 #include "FakeSurface.h"
 
+#include "Lines.h"
+
 #include <cstdio>
 #include <functional>
 #include <utility>
 
 namespace test
 {
-
-namespace
-{
-
-std::string listed(const std::vector<std::string>& lines)
-{
-    std::string text;
-    for (const std::string& line : lines)
-        text += "\n  " + line;
-    return lines.empty() ? " nothing" : text;
-}
-
-} // namespace
 
 void Journal::noteCalls()
 {
@@ -44,10 +33,7 @@ std::vector<std::string> Journal::take()
 
 testing::AssertionResult Journal::said(const std::vector<std::string>& lines)
 {
-    const std::vector<std::string> actual = take();
-    if (actual == lines)
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "happened:" << listed(actual) << "\nexpected:" << listed(lines);
+    return areLines("happened", take(), lines);
 }
 
 gui::gl::GLView::SurfaceFactory FakeWindow::factory()

@@ -37,7 +37,6 @@ struct FontFile
     std::string pixels;
 };
 
-/// A code point as UTF-8.
 std::string encoded(char32_t c);
 
 /// Writes a file, replacing it. @return the path

@@ -32,6 +32,25 @@ std::span<const unsigned int> namesOf(GLArguments arguments, const unsigned int&
     return {arguments[1].data<GLuint>(), static_cast<std::size_t>(arguments[0].integer)};
 }
 
+unsigned int GLListener::noteNames(const GLEntry& entry, GLArguments arguments, long long result)
+{
+    std::set<unsigned int>& names = alive[entry.kind];
+    if (entry.role == GLEntry::Role::Create && result != 0)
+        names.insert(static_cast<GLuint>(result));
+    if (entry.role != GLEntry::Role::Generate && entry.role != GLEntry::Role::Delete)
+        return 0;
+    unsigned int dead = 0;
+    const GLuint single = arguments[0].name();
+    for (const GLuint name : namesOf(arguments, single))
+    {
+        if (name != 0 && entry.role == GLEntry::Role::Generate)
+            names.insert(name);
+        else if (name != 0 && names.erase(name) == 0)
+            dead = name;
+    }
+    return dead;
+}
+
 namespace
 {
 

@@ -14,7 +14,6 @@
 namespace test
 {
 
-/// One argument of a GL call, whatever its type.
 struct GLArgument
 {
     template <std::integral T>
@@ -87,17 +86,22 @@ public:
     /// True when the call is answered here, false when the driver has to answer it.
     virtual bool answer(const GLEntry& entry, GLArguments arguments, long long& result) = 0;
 
-    /// Takes note of a call that was answered.
     virtual void note(const GLEntry& entry, GLArguments arguments, long long result) = 0;
 
     void startListening();
     void stopListening();
+
+    /// Which names were made and not deleted, as far as noteNames heard of it.
+    std::map<GLTrace::Kind, std::set<unsigned int>> alive;
+
+protected:
+    /// @return a name that was deleted without being alive; 0 when there was none
+    unsigned int noteNames(const GLEntry& entry, GLArguments arguments, long long result);
 };
 
 /// The names of a call that generates or deletes some, also of those that take just one.
 std::span<const unsigned int> namesOf(GLArguments arguments, const unsigned int& single);
 
-/// What a trace knows.
 struct GLTrace::State : GLListener
 {
     bool answer(const GLEntry& entry, GLArguments arguments, long long& result) override;
@@ -107,7 +111,6 @@ struct GLTrace::State : GLListener
     std::vector<std::string> calls;
     std::map<std::string, std::vector<unsigned int>, std::less<>> failures; ///< how many calls on each function fails
     std::map<Kind, unsigned int> lastNames;
-    std::map<Kind, std::set<unsigned int>> alive;
     std::map<unsigned int, unsigned int> stages; ///< of each shader
     std::map<unsigned int, std::string> compileLogs;
     std::optional<std::string> linkLog;
@@ -116,17 +119,15 @@ struct GLTrace::State : GLListener
     std::vector<unsigned int> errors;
     std::map<unsigned int, std::string> sources;
     std::map<unsigned int, std::vector<unsigned char>> bufferData;
-    std::vector<Image> images;
+    std::vector<unsigned char> lastImage;
 
 private:
     bool mustFail(const GLEntry& entry);
     long long nullResult(std::string_view function, GLArguments arguments);
     long long handOutNames(const GLEntry& entry, GLArguments arguments);
     void keepData(std::string_view function, GLArguments arguments);
-    void keepNames(const GLEntry& entry, GLArguments arguments, long long result);
 };
 
-/// Who listens; null when nobody does.
 extern GLListener* s_pGLListener;
 
 /// Takes the place of an entry point. Slot: the address of the loader's pointer to it.

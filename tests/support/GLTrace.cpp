@@ -1,6 +1,7 @@
 #include "GLTrace.h"
 
 #include "GLHooks.h"
+#include "Lines.h"
 
 #include <epoxy/gl.h>
 
@@ -80,14 +81,6 @@ std::string callText(const GLEntry& entry, GLArguments arguments)
     for (std::size_t i = 0; i < arguments.size(); ++i)
         text += (i == 0 ? "" : ", ") + argumentText(entry, arguments, i);
     return text + ")";
-}
-
-std::string linesOf(const std::vector<std::string>& calls)
-{
-    std::string text;
-    for (const std::string& call : calls)
-        text += "\n  " + call;
-    return calls.empty() ? " none" : text;
 }
 
 std::vector<unsigned char> bytesOf(const void* data, std::size_t n)
@@ -205,32 +198,11 @@ long long GLTrace::State::nullResult(std::string_view function, GLArguments argu
 void GLTrace::State::note(const GLEntry& entry, GLArguments arguments, long long result)
 {
     calls.push_back(callText(entry, arguments));
-    keepNames(entry, arguments, result);
+    if (entry.role == GLEntry::Role::Create && entry.kind == Kind::Shader)
+        stages[static_cast<GLuint>(result)] = arguments[0].name();
+    if (const GLuint name = noteNames(entry, arguments, result); name != 0 && mode == Null)
+        ADD_FAILURE() << entry.function << " of " << name << ", which is not alive";
     keepData(entry.function, arguments);
-}
-
-void GLTrace::State::keepNames(const GLEntry& entry, GLArguments arguments, long long result)
-{
-    if (entry.role == GLEntry::Role::Plain)
-        return;
-    if (entry.role == GLEntry::Role::Create)
-    {
-        if (result != 0)
-            alive[entry.kind].insert(static_cast<GLuint>(result));
-        if (entry.kind == Kind::Shader)
-            stages[static_cast<GLuint>(result)] = arguments[0].name();
-        return;
-    }
-    const GLuint single = arguments[0].name();
-    for (const GLuint name : namesOf(arguments, single))
-    {
-        if (name == 0)
-            continue;
-        if (entry.role == GLEntry::Role::Generate)
-            alive[entry.kind].insert(name);
-        else if (alive[entry.kind].erase(name) == 0 && mode == Null)
-            ADD_FAILURE() << entry.function << " of " << name << ", which is not alive";
-    }
 }
 
 void GLTrace::State::keepData(std::string_view function, GLArguments arguments)
@@ -249,15 +221,9 @@ void GLTrace::State::keepData(std::string_view function, GLArguments arguments)
     }
     if (function == "glBufferData")
         bufferData[arguments[0].name()] = bytesOf(arguments[2].pointer, static_cast<std::size_t>(arguments[1].integer));
-    if (function == "glTexImage2D" || function == "glTexSubImage2D")
-    {
-        const std::size_t size = function == "glTexImage2D" ? 3 : 4;
-        const auto width = static_cast<int>(arguments[size].integer);
-        const auto height = static_cast<int>(arguments[size + 1].integer);
-        const GLenum format = arguments[6].name();
-        images.push_back({arguments[0].name(), static_cast<int>(arguments[1].integer), width, height, format,
-                          pixelsOf(arguments[8].pointer, width, height, format)});
-    }
+    if (function == "glTexImage2D")
+        lastImage = pixelsOf(arguments[8].pointer, static_cast<int>(arguments[3].integer),
+                             static_cast<int>(arguments[4].integer), arguments[6].name());
 }
 
 GLTrace::GLTrace(Mode mode)
@@ -283,12 +249,7 @@ std::size_t GLTrace::count(std::string_view function) const
 
 testing::AssertionResult GLTrace::only(const std::vector<std::string>& expected)
 {
-    const std::vector<std::string> actual = std::exchange(_state->calls, {});
-    if (actual == expected)
-        return testing::AssertionSuccess();
-    const auto [at, other] = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
-    return testing::AssertionFailure() << "GL calls, the first " << at - actual.begin()
-                                       << " as expected:" << linesOf(actual) << "\nexpected:" << linesOf(expected);
+    return areLines("GL calls", std::exchange(_state->calls, {}), expected);
 }
 
 testing::AssertionResult GLTrace::inOrder(const std::vector<std::string>& expected) const
@@ -299,7 +260,7 @@ testing::AssertionResult GLTrace::inOrder(const std::vector<std::string>& expect
         at = std::find(at, calls().end(), call);
         if (at == calls().end())
             return testing::AssertionFailure()
-                   << "not called, or not in this place: " << call << "\nGL calls:" << linesOf(calls());
+                   << "not called, or not in this place: " << call << "\nGL calls:" << listed(calls());
         ++at;
     }
     return testing::AssertionSuccess();
@@ -355,6 +316,6 @@ const std::vector<unsigned char>& GLTrace::lastBufferData(unsigned int target) c
     return _state->bufferData.at(target);
 }
 
-const std::vector<GLTrace::Image>& GLTrace::images() const { return _state->images; }
+const std::vector<unsigned char>& GLTrace::lastImage() const { return _state->lastImage; }
 
 } // namespace test

@@ -37,18 +37,6 @@ public:
         Program
     };
 
-    /// What one glTexImage2D or glTexSubImage2D got. The bytes are those that GL reads from the pointer: rows padded to
-    /// a multiple of 4 bytes, and none behind the last row. Empty for a null pointer.
-    struct Image
-    {
-        unsigned int target;
-        int level;
-        int width;
-        int height;
-        unsigned int format;
-        std::vector<unsigned char> bytes;
-    };
-
     explicit GLTrace(Mode mode);
     ~GLTrace();
     GLTrace(const GLTrace&) = delete;
@@ -74,7 +62,6 @@ public:
     /// anything else but 0 fails the test.
     std::vector<unsigned int> aliveNames(Kind kind) const;
 
-    /// Whether no object of any kind is alive.
     testing::AssertionResult nothingAlive() const;
 
     /// Null only, until compileAndLinkAll: a stage that doesn't compile or programs that don't link, and the info log.
@@ -92,18 +79,17 @@ public:
     /// Null only: the errors that the next calls of glGetError answer; GL_NO_ERROR after them.
     void setErrors(std::vector<unsigned int> errors);
 
-    /// The text that glShaderSource gave the shader last.
     const std::string& shaderSource(unsigned int shader) const;
 
-    /// The bytes of the last glBufferData with that target.
     const std::vector<unsigned char>& lastBufferData(unsigned int target) const;
 
     /// The same as numbers of one type: lastBuffer<float>(GL_ARRAY_BUFFER).
     template <typename T>
     std::vector<T> lastBuffer(unsigned int target) const;
 
-    /// All images since the trace began, oldest first.
-    const std::vector<Image>& images() const;
+    /// What the last glTexImage2D got: the bytes that GL reads from the pointer, rows padded to a multiple of 4 bytes, and
+    /// none behind the last row. Empty for a null pointer.
+    const std::vector<unsigned char>& lastImage() const;
 
     struct State;
 

@@ -21,7 +21,6 @@ public:
 
     std::string path(const std::string& fileName) const { return _path + "/" + fileName; }
 
-    /// @return the file's path
     std::string save(const std::string& fileName, const gui::Texture& picture) const;
 
 private:

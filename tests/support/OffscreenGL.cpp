@@ -51,7 +51,10 @@ void OffscreenGL::SetUp()
     _context = std::make_unique<gui::gl::OffscreenContext>(_size, settings, true);
     ASSERT_TRUE(_context->isOk());
     pinLoadedLibraries();
-    watchCurrentContext();
+    glEnable(GL_DEBUG_OUTPUT);
+    glEnable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
+    glDebugMessageControl(GL_DONT_CARE, GL_DONT_CARE, GL_DONT_CARE, 0, nullptr, GL_TRUE);
+    glDebugMessageCallback(onMessage, &_errors);
 }
 
 void OffscreenGL::TearDown()
@@ -61,14 +64,6 @@ void OffscreenGL::TearDown()
     for (const std::string& error : takeErrors())
         ADD_FAILURE() << "GL: " << error;
     _context.reset();
-}
-
-void OffscreenGL::watchCurrentContext()
-{
-    glEnable(GL_DEBUG_OUTPUT);
-    glEnable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
-    glDebugMessageControl(GL_DONT_CARE, GL_DONT_CARE, GL_DONT_CARE, 0, nullptr, GL_TRUE);
-    glDebugMessageCallback(onMessage, &_errors);
 }
 
 std::vector<std::string> OffscreenGL::takeErrors()

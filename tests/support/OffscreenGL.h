@@ -12,7 +12,6 @@
 namespace test
 {
 
-/// The colour of one pixel, channels from 0 to 255.
 struct Pixel
 {
     int red;
@@ -31,7 +30,6 @@ std::ostream& operator<<(std::ostream& stream, const Pixel& pixel);
 class OffscreenGL : public testing::Test
 {
 protected:
-    /// @param size  of the picture, in pixels
     explicit OffscreenGL(const td::Size<int>& size = {64, 64});
     ~OffscreenGL() override;
 
@@ -39,12 +37,6 @@ protected:
     void TearDown() override;
 
     gui::gl::OffscreenContext& context() { return *_context; }
-
-    /// Ends the context before the test does; nothing is current then.
-    void destroyContext() { _context.reset(); }
-
-    /// Turns the debug output on in the current context, for tests that make a second one.
-    void watchCurrentContext();
 
     /// The messages that would fail the test, and the errors of glGetError, so far; forgets both.
     std::vector<std::string> takeErrors();

@@ -42,7 +42,7 @@ void RefusingGL::refuseNth(unsigned int n)
 std::size_t RefusingGL::nAlive() const
 {
     std::size_t n = 0;
-    for (const auto& [kind, names] : _alive)
+    for (const auto& [kind, names] : alive)
         n += names.size();
     return n;
 }
@@ -97,23 +97,7 @@ bool RefusingGL::answerForRefused(std::string_view function, GLArguments argumen
 
 void RefusingGL::note(const GLEntry& entry, GLArguments arguments, long long result)
 {
-    if (entry.role == Role::Plain)
-        return;
-    std::set<unsigned int>& names = _alive[entry.kind];
-    if (entry.role == Role::Create)
-    {
-        if (result != 0)
-            names.insert(static_cast<GLuint>(result));
-        return;
-    }
-    const GLuint single = arguments[0].name();
-    for (const GLuint name : namesOf(arguments, single))
-    {
-        if (entry.role == Role::Delete)
-            names.erase(name);
-        else if (name != 0)
-            names.insert(name);
-    }
+    noteNames(entry, arguments, result);
 }
 
 } // namespace test

@@ -2,8 +2,6 @@
 
 #include "GLHooks.h"
 
-#include <map>
-#include <set>
 #include <string>
 
 namespace test
@@ -20,18 +18,14 @@ public:
     /// Counts from 1 again, and refuses the n-th call that can be refused; 0 refuses none.
     void refuseNth(unsigned int n);
 
-    /// How many calls could have been refused since then.
     unsigned int nRefusable() const { return _n; }
 
-    /// The function that was refused; empty as long as none was.
     const std::string& refused() const { return _refused; }
 
-    /// How many names are alive.
     std::size_t nAlive() const;
     /// Names that are alive went with their context.
-    void forgetNames() { _alive.clear(); }
+    void forgetNames() { alive.clear(); }
 
-    /// All calls, whichever they are.
     unsigned long nCalls() const { return _nCalls; }
 
 private:
@@ -46,7 +40,6 @@ private:
     std::string _refused;
     unsigned int _failedName = 0; // of a shader or a program
     bool _isMemoryShort = false;  // and glGetError has not said so yet
-    std::map<GLTrace::Kind, std::set<unsigned int>> _alive;
 };
 
 } // namespace test

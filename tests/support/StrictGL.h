@@ -30,7 +30,6 @@ public:
     /// Ends a context. Its names end with it, and are counted no more.
     void destroy(Context context);
 
-    /// What was wrong: one line for each call that was.
     std::vector<std::string> takeFindings();
 
     /// How many names are alive: of all contexts, of one, of a kind in one.
@@ -57,7 +56,6 @@ public:
         std::map<int, std::vector<float>> uniforms{}; ///< of the program, vectors and matrices
     };
 
-    /// The draw calls since the last time this was asked.
     std::vector<Draw> takeDraws() { return std::exchange(_draws, {}); }
 
 private:
