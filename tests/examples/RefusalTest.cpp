@@ -101,25 +101,6 @@ private:
 EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
 EGLContext refuseContext(EGLDisplay, EGLConfig, EGLContext, const EGLint*) { return EGL_NO_CONTEXT; }
 
-/// Stands in for an entry point while it lives.
-template <typename Function>
-class StandIn
-{
-public:
-    StandIn(Function& slot, Function standIn)
-        : _slot(slot)
-        , _loaded(std::exchange(slot, standIn))
-    {
-    }
-    StandIn(const StandIn&) = delete;
-    StandIn& operator=(const StandIn&) = delete;
-    ~StandIn() { _slot = _loaded; }
-
-private:
-    Function& _slot;
-    Function _loaded;
-};
-
 class Refusal : public testing::Test
 {
 protected:
@@ -180,7 +161,7 @@ protected:
         {
             eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
             gui::gl::CurrentContext::set(nullptr);
-            const StandIn lost(epoxy_eglMakeCurrent, &refuseCurrent);
+            const auto loaded = std::exchange(epoxy_eglMakeCurrent, &refuseCurrent);
             const unsigned long nBefore = gl.nCalls();
             for (int i = 0; i < 3; ++i)
             {
@@ -190,6 +171,7 @@ protected:
             EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot be made current (EGL error 3000)"));
             view.release();
             EXPECT_EQ(gl.nCalls(), nBefore) << "a call without a context";
+            epoxy_eglMakeCurrent = loaded;
         }
         gl.forgetNames();
         gl.refuseNth(0);
@@ -235,8 +217,8 @@ TEST_F(Refusal, WhatIsRefusedIsSaidAndDrawnAgainInANewContext)
 
 TEST_F(Refusal, WithoutAContextThereIsNoViewAndNoCall)
 {
-    const StandIn noContext(epoxy_eglCreateContext, &refuseContext);
     SceneView view(gallery::scenes().front());
+    const auto loaded = std::exchange(epoxy_eglCreateContext, &refuseContext);
     view.create();
     EXPECT_EQ(view.getHandle(), nullptr);
     EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot create an OpenGL 4.1 core context (EGL error 3000)"));
@@ -245,6 +227,7 @@ TEST_F(Refusal, WithoutAContextThereIsNoViewAndNoCall)
     EXPECT_EQ(gl.nCalls(), 0U);
     for (const std::string& condition : std::exchange(asserts, {}))
         EXPECT_EQ(condition, "_handle != nullptr");
+    epoxy_eglCreateContext = loaded;
 }
 
 } // namespace

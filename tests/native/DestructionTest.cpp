@@ -6,9 +6,7 @@
 
 #include <gui/Application.h>
 #include <gui/Window.h>
-#include <gui/gl/Buffer.h>
 #include <gui/gl/CurrentContext.h>
-#include <gui/gl/Flat2DProgram.h>
 #include <gui/gl/SkyBox.h>
 #include <gui/gl/Text.h>
 #include <gui/gl/View.h>
@@ -65,7 +63,7 @@ private:
     StrictGL::Context _context;
 };
 
-/// A GL object of some kind; it goes with this one.
+/// GL objects of all kinds, buffers, textures and programs; they go with this one.
 class Object
 {
 public:
@@ -79,61 +77,6 @@ public:
 
     StrictGL::Context context = 0;
     std::size_t nNames = 0;
-};
-
-class BufferObject : public Object
-{
-public:
-    void make() override
-    {
-        const float floats[12] = {};
-        const unsigned int indices[] = {0, 1, 2};
-        _buffer.init(1, 2, 3, 1, {gui::gl::DataType::Vec2}, {gui::gl::DataType::Vec4}, {});
-        _buffer.appendVertices(floats, 3);
-        _buffer.appendInstances(floats, 2);
-        _buffer.appendIndices(indices, 3);
-        ASSERT_TRUE(_buffer.commit());
-    }
-    void use() override
-    {
-        _buffer.activate();
-        _buffer.deActivate();
-    }
-    void release() override { _buffer.release(); }
-
-private:
-    gui::gl::Buffer _buffer;
-};
-
-class ProgramObject : public Object
-{
-public:
-    void make() override { ASSERT_TRUE(_program.link()); }
-    void use() override
-    {
-        _program.activate();
-        _program.setMVP(glm::mat4(1));
-    }
-    void release() override { _program.release(); }
-
-private:
-    gui::gl::Flat2DProgram _program;
-};
-
-class TexturesObject : public Object
-{
-public:
-    void make() override
-    {
-        gui::Texture image = test::image(2, 2, 3);
-        ASSERT_TRUE(_textures.append({&image, &image}, gui::gl::Texture::Type::Tex2D));
-        ASSERT_TRUE(_textures.appendCubeMap(1, [](const glm::vec3& direction) { return direction; }));
-    }
-    void use() override { _textures.setActive(gui::gl::Textures::Unit::T1, 2); }
-    void release() override { _textures.release(); }
-
-private:
-    gui::gl::Textures _textures;
 };
 
 class TextObject : public Object
@@ -258,24 +201,10 @@ protected:
     std::unique_ptr<Object> makeObject()
     {
         std::unique_ptr<Object> pObject;
-        switch (below(5))
-        {
-        case 0:
-            pObject = std::make_unique<BufferObject>();
-            break;
-        case 1:
-            pObject = std::make_unique<ProgramObject>();
-            break;
-        case 2:
-            pObject = std::make_unique<TexturesObject>();
-            break;
-        case 3:
+        if (below(2) == 0)
             pObject = std::make_unique<TextObject>(_font);
-            break;
-        default:
+        else
             pObject = std::make_unique<SkyObject>();
-            break;
-        }
         make(*pObject);
         return pObject;
     }

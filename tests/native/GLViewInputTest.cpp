@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <sstream>
 #include <vector>
 
 namespace
@@ -69,73 +70,48 @@ struct Kind
     std::function<bool(GLView&)> send;
 };
 
+Kind motion(unsigned short bit, const char* callback, MotionEvent::Kind kind)
+{
+    return {bit, callback, [=](GLView& v) { return v.onMotion({kind, 0, {1, 2}}); }};
+}
+
+Kind button(unsigned short bit, const char* callback, const ButtonEvent& event)
+{
+    return {bit, callback, [=](GLView& v) { return v.onButton(event); }};
+}
+
+Kind wheel(const char* callback, unsigned int modifiers)
+{
+    return {0x80, callback, [=](GLView& v) { return v.onWheel({0, 1, modifiers, {1, 2}}); }};
+}
+
+Kind key(const char* callback, bool isDown)
+{
+    return {0x100, callback, [=](GLView& v) { return v.onKey({isDown, 0, 'a', 0}); }};
+}
+
 const std::vector<Kind>& kinds()
 {
     static const std::vector<Kind> list = {
-        {0x01, "onCursorEntered",
-         [](GLView& v) {
-             return v.onMotion({MotionEvent::Kind::Entered, 0, {1, 2}});
-         }},
-        {0x01, "onCursorExited",
-         [](GLView& v) {
-             return v.onMotion({MotionEvent::Kind::Exited, 0, {1, 2}});
-         }},
-        {0x04, "onPrimaryButtonPressed",
-         [](GLView& v) {
-             return v.onButton({cLeft, true, true, 1, 0, {1, 2}});
-         }},
-        {0x04, "onPrimaryButtonDblClick",
-         [](GLView& v) {
-             return v.onButton({cLeft, true, true, 2, 0, {1, 2}});
-         }},
-        {0x04, "onPrimaryButtonReleased",
-         [](GLView& v) {
-             return v.onButton({cLeft, false, false, 1, 0, {1, 2}});
-         }},
-        {0x10, "onSecondaryButtonPressed",
-         [](GLView& v) {
-             return v.onButton({cRight, true, false, 1, 0, {1, 2}});
-         }},
-        {0x10, "onSecondaryButtonReleased",
-         [](GLView& v) {
-             return v.onButton({cRight, false, false, 1, 0, {1, 2}});
-         }},
-        {0x10, "onSecondaryButtonPressed",
-         [](GLView& v) {
-             return v.onButton({cLeft, true, false, 1, 4, {1, 2}});
-         }},
-        {0x10, "onSecondaryButtonReleased",
-         [](GLView& v) {
-             return v.onButton({cLeft, false, false, 1, 4, {1, 2}});
-         }},
-        {0x20, "onCursorMoved",
-         [](GLView& v) {
-             return v.onMotion({MotionEvent::Kind::Moved, 0, {1, 2}});
-         }},
-        {0x40, "onCursorDragged",
-         [](GLView& v) {
-             return v.onMotion({MotionEvent::Kind::Dragged, 0, {1, 2}});
-         }},
-        {0x80, "onZoom",
-         [](GLView& v) {
-             return v.onWheel({0, 1, 16, {1, 2}});
-         }},
-        {0x80, "onScroll",
-         [](GLView& v) {
-             return v.onWheel({0, 1, 0, {1, 2}});
-         }},
+        motion(0x01, "onCursorEntered", MotionEvent::Kind::Entered),
+        motion(0x01, "onCursorExited", MotionEvent::Kind::Exited),
+        motion(0x20, "onCursorMoved", MotionEvent::Kind::Moved),
+        motion(0x40, "onCursorDragged", MotionEvent::Kind::Dragged),
+        button(0x04, "onPrimaryButtonPressed", {cLeft, true, true, 1, 0, {1, 2}}),
+        button(0x04, "onPrimaryButtonDblClick", {cLeft, true, true, 2, 0, {1, 2}}),
+        button(0x04, "onPrimaryButtonReleased", {cLeft, false, false, 1, 0, {1, 2}}),
+        button(0x10, "onSecondaryButtonPressed", {cRight, true, false, 1, 0, {1, 2}}),
+        button(0x10, "onSecondaryButtonReleased", {cRight, false, false, 1, 0, {1, 2}}),
+        button(0x10, "onSecondaryButtonPressed", {cLeft, true, false, 1, 4, {1, 2}}),
+        button(0x10, "onSecondaryButtonReleased", {cLeft, false, false, 1, 4, {1, 2}}),
+        wheel("onZoom", 16),
+        wheel("onScroll", 0),
         {0x80, "onZoom",
          [](GLView& v) {
              return v.onMagnification({1, 0});
          }},
-        {0x100, "onKeyPressed",
-         [](GLView& v) {
-             return v.onKey({true, 0, 'a', 0});
-         }},
-        {0x100, "onKeyReleased",
-         [](GLView& v) {
-             return v.onKey({false, 0, 'a', 0});
-         }},
+        key("onKeyPressed", true),
+        key("onKeyReleased", false),
     };
     return list;
 }
@@ -217,62 +193,40 @@ TEST_F(GLViewInputTest, OtherCallbacksToo)
 
 TEST_F(GLViewInputTest, Clicks)
 {
+    constexpr unsigned int cBoth = cPrimary | cSecondary;
     const struct
     {
-        const char* name;
-        unsigned int events;
+        unsigned int wanted;
         ButtonEvent event;
-        Result expected;
+        const char* callback; // null for none
+        int nEvents;
+        bool isUsedUp = false;
     } cases[] = {
-        {"click",
-         cPrimary,
-         {cLeft, true, true, 1, 0, {10, 20}},
-         {"onPrimaryButtonPressed (10, 20) modifiers 0 type 1 button 1 events 1 scale 1", false}},
-        {"its release",
-         cPrimary,
-         {cLeft, false, false, 1, 8, {-5, 320}},
-         {"onPrimaryButtonReleased (-5, 320) modifiers 8 type 1 button 1 events 1 scale 1", false}},
-        {"second press of a double click",
-         cPrimary,
-         {cLeft, true, true, 2, 1, {10, 20}},
-         {"onPrimaryButtonDblClick (10, 20) modifiers 1 type 1 button 1 events 1 scale 1", false}},
-        {"second release",
-         cPrimary,
-         {cLeft, false, false, 2, 0, {10, 20}},
-         {"onPrimaryButtonReleased (10, 20) modifiers 0 type 1 button 1 events 2 scale 1", false}},
-        {"third press",
-         cPrimary,
-         {cLeft, true, true, 3, 0, {10, 20}},
-         {"onPrimaryButtonPressed (10, 20) modifiers 0 type 1 button 1 events 3 scale 1", false}},
-        {"press with Control",
-         cPrimary | cSecondary,
-         {cLeft, true, true, 1, 4, {10, 20}},
-         {"onPrimaryButtonPressed (10, 20) modifiers 4 type 1 button 1 events 1 scale 1", false}},
-        {"press with Control, left not seen down",
-         cPrimary | cSecondary,
-         {cLeft, true, false, 2, 4, {10, 20}},
-         {"onSecondaryButtonPressed (10, 20) modifiers 4 type 1 button 2 events 2 scale 1", false}},
-        {"release with Control",
-         cPrimary | cSecondary,
-         {cLeft, false, false, 2, 4, {10, 20}},
-         {"onSecondaryButtonReleased (10, 20) modifiers 4 type 1 button 2 events 2 scale 1", false}},
-        {"press with Control, secondary not wanted", cPrimary, {cLeft, true, false, 1, 4, {10, 20}}, {"", false}},
-        {"release with Control, secondary not wanted", cPrimary, {cLeft, false, false, 1, 4, {10, 20}}, {"", false}},
-        {"press that is over already", cPrimary | cSecondary, {cLeft, true, false, 1, 0, {10, 20}}, {"", true}},
-        {"double click of the right button",
-         cSecondary,
-         {cRight, true, true, 2, 0, {10, 20}},
-         {"onSecondaryButtonPressed (10, 20) modifiers 0 type 1 button 2 events 2 scale 1", false}},
-        {"right release",
-         cSecondary,
-         {cRight, false, false, 1, 20, {10, 20}},
-         {"onSecondaryButtonReleased (10, 20) modifiers 20 type 1 button 2 events 1 scale 1", false}},
+        {cPrimary, {cLeft, true, true, 1, 0, {10, 20}}, "onPrimaryButtonPressed", 1},
+        {cPrimary, {cLeft, false, false, 1, 8, {-5, 320}}, "onPrimaryButtonReleased", 1},
+        {cPrimary, {cLeft, true, true, 2, 1, {10, 20}}, "onPrimaryButtonDblClick", 1},
+        {cPrimary, {cLeft, false, false, 2, 0, {10, 20}}, "onPrimaryButtonReleased", 2},
+        {cPrimary, {cLeft, true, true, 3, 0, {10, 20}}, "onPrimaryButtonPressed", 3},
+        // With Control it is the secondary button's, but for a press that is seen down.
+        {cBoth, {cLeft, true, true, 1, 4, {10, 20}}, "onPrimaryButtonPressed", 1},
+        {cBoth, {cLeft, true, false, 2, 4, {10, 20}}, "onSecondaryButtonPressed", 2},
+        {cBoth, {cLeft, false, false, 2, 4, {10, 20}}, "onSecondaryButtonReleased", 2},
+        {cPrimary, {cLeft, true, false, 1, 4, {10, 20}}, nullptr, 0},
+        {cPrimary, {cLeft, false, false, 1, 4, {10, 20}}, nullptr, 0},
+        // A press that is over already.
+        {cBoth, {cLeft, true, false, 1, 0, {10, 20}}, nullptr, 0, true},
+        {cSecondary, {cRight, true, true, 2, 0, {10, 20}}, "onSecondaryButtonPressed", 2},
+        {cSecondary, {cRight, false, false, 1, 20, {10, 20}}, "onSecondaryButtonReleased", 1},
     };
-    for (const auto& c : cases)
+    for (const auto& [wanted, event, callback, nEvents, isUsedUp] : cases)
     {
+        std::ostringstream expected;
+        if (callback != nullptr)
+            expected << callback << " (" << event.point.x << ", " << event.point.y << ") modifiers " << event.modifiers
+                     << " type 1 button " << (callback[2] == 'P' ? 1 : 2) << " events " << nEvents << " scale 1";
         RecordingView view(window);
-        GLView* const pNative = show(view, static_cast<unsigned short>(c.events));
-        EXPECT_EQ(result(pNative->onButton(c.event)), c.expected) << c.name;
+        GLView* const pNative = show(view, static_cast<unsigned short>(wanted));
+        EXPECT_EQ(result(pNative->onButton(event)), Result(expected.str(), isUsedUp));
     }
 }
 

@@ -403,6 +403,17 @@ TEST_F(GLViewTest, CleansUpOnceWhoeverGoesFirst)
     released.release();
     EXPECT_TRUE(journal.said({"cleanResources", "surface gone"}));
     EXPECT_EQ(released.getHandle(), nullptr);
+    released.release();
+    released.reDraw();
+    td::Size<double> size(1, 1);
+    released.getSize(size);
+    EXPECT_EQ(size, td::Size<double>());
+    EXPECT_TRUE(journal.said({}));
+
+    auto* const pOwned = new RecordingView(window);
+    show(*pOwned);
+    static_cast<gui::ZavObject*>(pOwned)->destroy();
+    EXPECT_TRUE(journal.said({"surface gone"}));
 }
 
 } // namespace

@@ -27,7 +27,6 @@ public:
     bool isRunning();
     /// @return the exit status; -1 when it did not end in time, or not by itself
     int wait(double seconds);
-    pid_t getID() const { return _id; }
 
 private:
     pid_t _id = -1;

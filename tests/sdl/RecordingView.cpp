@@ -1,6 +1,7 @@
 #include "RecordingView.h"
 
 #include "WaitInLoop.h"
+#include "support/Lines.h"
 
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
@@ -75,18 +76,10 @@ void RecordingView::create(gui::gl::Context::Animation animation, const td::Size
                   {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard}, &geometry);
 }
 
-bool RecordingView::hasHeard(const std::vector<std::string>& expected)
+testing::AssertionResult RecordingView::hasHeard(const std::vector<std::string>& expected)
 {
-    const bool isSame = waitInLoop([&] { return lines.size() >= expected.size(); }) && lines == expected;
-    if (!isSame)
-    {
-        std::string text = "heard:";
-        for (const std::string& line : lines)
-            text += "\n  " + line;
-        ADD_FAILURE() << text;
-    }
-    lines.clear();
-    return isSame;
+    waitInLoop([&] { return lines.size() >= expected.size(); });
+    return areLines("heard", std::exchange(lines, {}), expected);
 }
 
 Screenshot grabFrame(gui::gl::View& view)

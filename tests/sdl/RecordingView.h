@@ -8,6 +8,8 @@
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/View.h>
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -41,8 +43,7 @@ public:
     std::function<void()> onFrame;
 
     /// Waits in the run loop. @return whether the lines came to be these; they are forgotten
-    bool hasHeard(const std::vector<std::string>& expected);
-    /// See grabFrame.
+    testing::AssertionResult hasHeard(const std::vector<std::string>& expected);
     Screenshot grab() { return grabFrame(*this); }
     /// The same without the toolkit's help, in the device pixels of wherever the view is.
     Screenshot readPixels();

@@ -31,7 +31,6 @@ protected:
     void show(gui::Window& window, RecordingView& view, const char* title);
     /// A point of the window, as xdotool's mousemove takes it.
     static std::string at(const char* title, int x, int y);
-    /// Away from all windows.
     static void movePointerAway() { xdo("mousemove 1279 1023"); }
     /// Waits until the window shows the frame that the view draws.
     static testing::AssertionResult showsItsFrame(const char* title, RecordingView& view);

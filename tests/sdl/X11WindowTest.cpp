@@ -2,16 +2,8 @@
 
 #include "X11Fixture.h"
 
-#include "support/GLTrace.h"
-
 #include <gui/ZavObject.h>
-#include <gui/gl/Buffer.h>
-#include <gui/gl/Color2DProgram.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <optional>
 #include <thread>
 
 namespace test
@@ -21,12 +13,6 @@ namespace
 {
 
 using gui::gl::Context;
-
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool cIsSanitized = true;
-#else
-constexpr bool cIsSanitized = false;
-#endif
 
 class X11WindowTest : public X11Fixture
 {
@@ -166,87 +152,6 @@ TEST_F(X11WindowTest, ViewMovesToAnotherWindow)
     EXPECT_FALSE(firstWindow.isOpen());
     EXPECT_EQ(xServer().findWindow("Before"), 0u);
     EXPECT_EQ(view.sizes.back(), (td::Size<double>{200, 120}));
-}
-
-/// A view with a triangle, whose GL objects go with its context.
-class TriangleView : public gui::gl::View
-{
-public:
-    TriangleView()
-    {
-        createContext({gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41});
-    }
-    int nFrames = 0;
-
-protected:
-    void onInit() override
-    {
-        constexpr float cCorners[] = {-1, -1, 1, 0, 0, 1, 1, -1, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1};
-        _buffer.appendShape(gui::gl::Primitive::Triangles, cCorners, 3);
-        _program.link();
-    }
-    void onDraw(const td::RectNormalized<double>&) override
-    {
-        ++nFrames;
-        _program.draw(_buffer);
-    }
-    void cleanResources() override
-    {
-        _buffer.release();
-        _program.release();
-    }
-
-private:
-    gui::gl::Buffer _buffer{gui::gl::DataType::Vec2, gui::gl::DataType::Vec4};
-    gui::gl::Color2DProgram _program;
-};
-
-// Many windows, opened and closed: nothing of them stays. GUIGL_TEST_WINDOWS=1000 opens as many.
-TEST_F(X11WindowTest, WindowsLeaveNothingBehind)
-{
-    // The loop ends with the last window.
-    RecordingView staying;
-    staying.create();
-    gui::Window stayingWindow("Stays", {64, 64});
-    ASSERT_NO_FATAL_FAILURE(show(stayingWindow, staying, "Stays"));
-    const auto openAndClose = [this](int n)
-    {
-        std::optional<GLTrace> trace;
-        for (int i = 0; i < n; ++i)
-        {
-            TriangleView view;
-            if (!trace)
-                trace.emplace(GLTrace::Forward);
-            trace->clear();
-            gui::Window window("Many", {64, 64});
-            ASSERT_TRUE(window.show(view));
-            ASSERT_TRUE(waitInLoop([&] { return view.nFrames > 0; }));
-            window.close();
-            log.take();
-        }
-        EXPECT_TRUE(trace->nothingAlive());
-    };
-    const auto nDescriptors = []
-    {
-        const std::filesystem::directory_iterator folder("/proc/self/fd");
-        return std::distance(begin(folder), end(folder));
-    };
-    const auto residentPages = []
-    {
-        std::ifstream file("/proc/self/statm");
-        long all = 0;
-        long resident = 0;
-        file >> all >> resident;
-        return resident;
-    };
-    openAndClose(20);
-    const auto nDescriptorsBefore = nDescriptors();
-    const long before = residentPages();
-    const char* const pNumber = std::getenv("GUIGL_TEST_WINDOWS");
-    openAndClose(pNumber != nullptr ? std::atoi(pNumber) : 40);
-    EXPECT_EQ(nDescriptors(), nDescriptorsBefore);
-    // The sanitizer keeps freed memory for a while.
-    EXPECT_TRUE(cIsSanitized || residentPages() - before < 200) << before << " pages before, " << residentPages();
 }
 
 } // namespace

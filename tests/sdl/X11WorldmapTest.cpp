@@ -140,29 +140,6 @@ TEST_F(X11WorldmapTest, ZoomsAboutThePointer)
     EXPECT_NEAR(zoom, enlarged * std::pow(0.88, 20), 1e-9);
 }
 
-TEST_F(X11WorldmapTest, ADragWithShiftMovesThePicture)
-{
-    // From the sea, where nothing is highlighted, and without names, which keep within the view.
-    view.setWritten(false);
-    view.setZoom(3);
-    pointAt(300, 150);
-    const Screenshot before = seen();
-    const td::Point<double> origin = view.getOrigin();
-    xdo("keydown shift mousedown 1");
-    pointAt(320, 165);
-    pointAt(340, 170);
-    xdo("mouseup 1 keyup shift");
-    ASSERT_TRUE(waitInLoop([&] { return std::abs(view.getOrigin().x - (origin.x - 40.0 / 3)) < 1e-9; }));
-    EXPECT_NEAR(view.getOrigin().y, origin.y + 20.0 / 3, 1e-9);
-    const Screenshot after = seen();
-    int nDifferent = 0;
-    for (int y = 0; y + 20 < before.height; ++y)
-        for (int x = 0; x + 40 < before.width; ++x)
-            nDifferent += before.at(x, y) != after.at(x + 40, y + 20) ? 1 : 0;
-    // Edges that run through a pixel's middle may fall to either side.
-    EXPECT_LT(nDifferent, 200);
-}
-
 TEST_F(X11WorldmapTest, LimitsHold)
 {
     pointAt(320, 180);

@@ -1,5 +1,5 @@
 // Windows that come and go, with the gallery's scenes and the map of the world in them, and a user without a plan. Fails
-// when memory grows after the first round, or when anything is in the log.
+// when memory or the number of open files grows after the first round, or when anything is in the log.
 
 #include "User.h"
 
@@ -24,7 +24,9 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -56,6 +58,8 @@ std::size_t residentBytes()
     std::ifstream("/proc/self/statm") >> nPages >> nPages;
     return nPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
+
+std::ptrdiff_t openFiles() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
 
 EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
 
@@ -239,6 +243,7 @@ int run(double seconds, unsigned int seed)
     desk.showAll();
     test::pinLoadedLibraries();
     std::size_t allowed = 0;
+    std::ptrdiff_t nFilesAllowed = 0;
     bool hasGrown = false;
     for (int round = 0; round < nRounds; ++round)
     {
@@ -260,11 +265,14 @@ int run(double seconds, unsigned int seed)
                     static_cast<double>(residentBytes()) / 1e6, milliseconds);
         std::fflush(stdout);
         if (round == 0)
+        {
             allowed = inUse + allowedGrowth;
-        hasGrown = hasGrown || inUse > allowed;
+            nFilesAllowed = openFiles();
+        }
+        hasGrown = hasGrown || inUse > allowed || openFiles() > nFilesAllowed;
     }
     if (hasGrown)
-        std::printf("memory has grown\n");
+        std::printf("memory, or the number of open files, has grown\n");
     return nLines > 0 || hasGrown ? 1 : 0;
 }
 

@@ -59,22 +59,6 @@ TEST_F(Windows, ShowingTellsTheSizeOnceAndDrawsOnce)
     EXPECT_EQ(view.nDraws, 2);
 }
 
-TEST_F(Windows, ARequestFromInsideADrawMakesOneMoreDraw)
-{
-    TestView view(td::ColorID::Red);
-    gui::Window window("Window", {32, 32});
-    window.show(view);
-    view.inDraw = [&view]
-    {
-        if (view.nDraws == 1)
-            view.reRender();
-    };
-    app.step(0);
-    EXPECT_EQ(view.nDraws, 1);
-    settle();
-    EXPECT_EQ(view.nDraws, 2);
-}
-
 // A loop that polls, or a clock that goes on, would burn the battery of whoever leaves the window open.
 TEST_F(Windows, NothingToDoCostsNothing)
 {
@@ -166,17 +150,6 @@ TEST_F(Windows, TwoWindowsHaveTwoContexts)
     };
     EXPECT_EQ(pixel(redPicture), (std::array<int, 3>{255, 0, 0}));
     EXPECT_EQ(pixel(bluePicture), (std::array<int, 3>{0, 0, 255}));
-}
-
-TEST_F(Windows, AFrameOfAViewThatIsGoneIsDropped)
-{
-    auto view = std::make_unique<TestView>(td::ColorID::Red);
-    gui::Texture picture;
-    view->readFrameFrameBuffer(picture, [] { ADD_FAILURE() << "the view is gone"; });
-    // The draw posts the delivery, which then finds no view.
-    view->inDraw = [&view] { gui::ZavObject::asyncCall(new std::function<void()>([&view] { view.reset(); }), true); };
-    settle();
-    EXPECT_EQ(view, nullptr);
 }
 
 TEST_F(Windows, MisuseIsToldAndHarmless)
