@@ -1,6 +1,4 @@
-#include <gui/DrawableView.h>
 #include <gui/Key.h>
-#include <gui/NativeObject.h>
 
 #include <gtest/gtest.h>
 
@@ -53,60 +51,6 @@ TEST(Key, EachModifierHasItsBit)
         EXPECT_EQ(held(mask), expected) << mask;
     EXPECT_EQ(gui::removeKeyModifier(41, gui::KeyModifier::Alt), 33u);
     EXPECT_EQ(gui::removeKeyModifier(1, gui::KeyModifier::Fn), 1u);
-}
-
-class FakeNative final : public gui::NativeObject
-{
-public:
-    void release() override { ++nReleases; }
-    void getSize(td::Size<double>& size) const override { size = {640, 480}; }
-    void reDraw() override { ++nRedraws; }
-
-    int nReleases = 0;
-    int nRedraws = 0;
-};
-
-class View final : public gui::DrawableView
-{
-public:
-    explicit View(gui::NativeObject* pNative) { _handle = pNative; }
-    ~View() override { ++s_nDestroyed; }
-
-    void onFocusIn() override { calls += "in "; }
-    void onFocusOut() override { calls += "out "; }
-    void onGeometryChange(const td::PointAndSize<double>&) override { calls += "geometry "; }
-
-    std::string calls;
-    static inline int s_nDestroyed = 0;
-};
-
-TEST(View, ReachesItsNativeObjectUntilItLetsGo)
-{
-    FakeNative native;
-    View view(&native);
-    td::Size<double> size;
-    view.getSize(size);
-    view.reDraw();
-    EXPECT_EQ(size, (td::Size<double>(640, 480)));
-    EXPECT_EQ(native.nRedraws, 1);
-    view.release();
-    view.release();
-    view.getSize(size);
-    view.reDraw();
-    EXPECT_EQ(size, td::Size<double>());
-    EXPECT_EQ(native.nRedraws, 1);
-    EXPECT_EQ(native.nReleases, 1);
-    EXPECT_EQ(view.getHandle(), nullptr);
-
-    auto* const pView = new View(&native);
-    gui::BaseViewHelper(pView).onGeometryChange({});
-    gui::DrawableViewHelper(pView).onFocusIn();
-    gui::DrawableViewHelper(pView).onFocusOut();
-    EXPECT_EQ(pView->calls, "geometry in out ");
-    gui::ZavObject* const pObject = pView;
-    pObject->destroy();
-    EXPECT_EQ(View::s_nDestroyed, 1);
-    EXPECT_EQ(native.nReleases, 2);
 }
 
 } // namespace

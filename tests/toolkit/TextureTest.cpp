@@ -1,6 +1,7 @@
 #include "ImageFiles.h"
 #include "support/CapturedLog.h"
 #include "support/CaughtAsserts.h"
+#include "support/Images.h"
 
 #include <gui/Texture.h>
 
@@ -30,35 +31,15 @@ Bytes pixelsOf(const gui::Texture& texture)
     return Bytes(texture.getBytes(), texture.getBytes() + nBytes);
 }
 
-Bytes gradient(unsigned int width, unsigned int height, unsigned int bytesPerPixel)
-{
-    Bytes pixels;
-    for (unsigned int y = 0; y < height; ++y)
-        for (unsigned int x = 0; x < width; ++x)
-            for (unsigned int channel = 0; channel < bytesPerPixel; ++channel)
-                pixels.push_back(td::BYTE(7 * x + 11 * y + 50 * channel));
-    return pixels;
-}
-
 gui::Texture textureOf(unsigned int width, unsigned int height, unsigned short bytesPerPixel)
 {
-    gui::Texture texture;
-    const Bytes pixels = gradient(width, height, bytesPerPixel);
-    gui::TextureHelper helper(&texture);
-    helper.reserve(static_cast<unsigned int>(pixels.size()));
-    helper.updateInfo(int(width), int(height), bytesPerPixel);
-    std::copy(pixels.begin(), pixels.end(), texture.getBytes());
-    return texture;
+    return test::image(int(width), int(height), bytesPerPixel);
 }
 
-/// An empty folder of this process's own.
-struct Folder
+Bytes gradient(unsigned int width, unsigned int height, unsigned short bytesPerPixel)
 {
-    Folder() { fs::create_directory(path); }
-    ~Folder() { fs::remove_all(path); }
-
-    fs::path path = fs::temp_directory_path() / ("guigl-texture-test-" + std::to_string(::getpid()));
-};
+    return pixelsOf(textureOf(width, height, bytesPerPixel));
+}
 
 // Every kind that the format has ends as 3 or 4 bytes per pixel: a missing conversion leaves rows of another length, or
 // grey where colour was.
@@ -144,8 +125,8 @@ TEST(Texture, DecodesEveryKindOfJPEG)
 
 TEST(Texture, SavesWhatItLoadsAgain)
 {
-    const Folder folder;
-    const std::string path = folder.path / "picture.png";
+    const test::ImageFolder folder;
+    const std::string path = folder.path("picture.png");
     test::CapturedLog log;
     for (const unsigned short bytesPerPixel : {std::uint16_t(3), std::uint16_t(4)})
     {
@@ -158,11 +139,11 @@ TEST(Texture, SavesWhatItLoadsAgain)
     }
 
     // A picture that can't take the place of what is there leaves nothing of itself behind.
-    const std::string taken = folder.path / "taken";
+    const std::string taken = folder.path("taken");
     fs::create_directories(fs::path(taken) / "inside");
     EXPECT_FALSE(textureOf(5, 3, 3).saveToFile(taken.c_str()));
     EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: " + taken + " (Is a directory)"));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), fs::directory_iterator()), 2);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path("")), fs::directory_iterator()), 2);
 
     EXPECT_FALSE(textureOf(5, 3, 3).saveToFile("/no-such-folder/x.png"));
     EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: /no-such-folder/x.png "
@@ -177,14 +158,14 @@ TEST(Texture, SavesWhatItLoadsAgain)
 
 TEST(Texture, RefusedFilesSayWhyAndLeaveTheTexture)
 {
-    const Folder folder;
-    const std::string text = folder.path / "text.png";
+    const test::ImageFolder folder;
+    const std::string text = folder.path("text.png");
     std::ofstream(text) << "no picture";
     gui::Texture texture = textureOf(4, 4, 4);
     test::CapturedLog log;
     const std::pair<std::string, std::string> cases[] = {
-        {folder.path / "missing.png", "No such file or directory"},
-        {folder.path, "not a regular file"},
+        {folder.path("missing.png"), "No such file or directory"},
+        {folder.path(""), "not a regular file"},
         {text, "neither PNG nor JPEG"},
         {":no/such.png", "no such resource"},
         {":../text.png", "not a resource name"},

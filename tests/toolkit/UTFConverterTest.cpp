@@ -1,3 +1,5 @@
+#include "support/FontFiles.h"
+
 #include <vo/UTFConverter.h>
 
 #include <gtest/gtest.h>
@@ -28,25 +30,13 @@ std::vector<unsigned int> decoded(const std::string& bytes)
     return {out.get(), out.get() + n};
 }
 
-std::string encoded(unsigned int c)
-{
-    const auto trail = [c](int shift) { return char(0x80 | (c >> shift & 0x3F)); };
-    if (c < 0x80)
-        return {char(c)};
-    if (c < 0x800)
-        return {char(0xC0 | c >> 6), trail(0)};
-    if (c < 0x10000)
-        return {char(0xE0 | c >> 12), trail(6), trail(0)};
-    return {char(0xF0 | c >> 18), trail(12), trail(6), trail(0)};
-}
-
 TEST(UTFConverter, EveryCodePointComesBackAndEverySurrogateDoesNot)
 {
     std::string bytes;
     std::vector<unsigned int> expected;
     for (unsigned int c = 0; c <= 0x10FFFF; ++c)
     {
-        bytes += encoded(c);
+        bytes += test::encoded(c);
         if (c >= 0xD800 && c <= 0xDFFF)
             expected.insert(expected.end(), 3, R);
         else

@@ -8,51 +8,26 @@
 namespace test
 {
 
-namespace
-{
-
-class Source
-{
-public:
-    explicit Source(std::string_view bytes)
-        : _bytes(bytes)
-    {
-    }
-
-    template <typename T>
-    T take()
-    {
-        T value{};
-        EXPECT_GE(_bytes.size(), sizeof(T)) << "the file is too short";
-        std::memcpy(&value, _bytes.data(), std::min(sizeof(T), _bytes.size()));
-        _bytes.remove_prefix(std::min(sizeof(T), _bytes.size()));
-        return value;
-    }
-
-    std::string_view rest() const { return _bytes; }
-
-private:
-    std::string_view _bytes;
-};
-
-} // namespace
-
 ParsedFont::ParsedFont(std::string_view bytes)
 {
-    Source source(bytes);
-    for (float* pMetric : {&metricA, &metricB, &spaceWidth, &padding, &metricC, &lineHeight})
-        *pMetric = source.take<float>();
-    width = static_cast<int>(source.take<std::uint32_t>());
-    height = static_cast<int>(source.take<std::uint32_t>());
-    EXPECT_EQ(source.take<std::uint16_t>(), 8) << "bits per pixel";
-    glyphs.resize(source.take<std::uint16_t>());
-    for (Glyph& glyph : glyphs)
+    const auto take = [&bytes](auto& value)
     {
-        glyph.codePoint = source.take<std::uint32_t>();
-        for (float* pValue : {&glyph.bearing, &glyph.width, &glyph.advance, &glyph.tx})
-            *pValue = source.take<float>();
-    }
-    pixels.assign(source.rest().begin(), source.rest().end());
+        ASSERT_GE(bytes.size(), sizeof value) << "the file is too short";
+        std::memcpy(&value, bytes.data(), sizeof value);
+        bytes.remove_prefix(sizeof value);
+    };
+    std::uint16_t bitsPerPixel = 0, nGlyphs = 0;
+    for (float* pMetric : {&metricA, &metricB, &spaceWidth, &padding, &metricC, &lineHeight})
+        take(*pMetric);
+    take(width);
+    take(height);
+    take(bitsPerPixel);
+    take(nGlyphs);
+    EXPECT_EQ(bitsPerPixel, 8);
+    glyphs.resize(nGlyphs);
+    for (Glyph& glyph : glyphs)
+        take(glyph);
+    pixels.assign(bytes.begin(), bytes.end());
     EXPECT_FALSE(glyphs.empty());
     EXPECT_EQ(pixels.size(), std::size_t(width) * std::size_t(height));
 }
