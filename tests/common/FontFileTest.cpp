@@ -6,7 +6,6 @@
 #include <functional>
 #include <ios>
 #include <limits>
-#include <numeric>
 #include <random>
 
 namespace
@@ -30,34 +29,6 @@ protected:
 
     static constexpr std::size_t cPixelsAt = 36 + 5 * 20;
 };
-
-TEST_F(FontFileTest, PixelsAreTakenByTheirSize)
-{
-    const struct
-    {
-        unsigned short bitsPerPixel;
-        std::size_t bytesPP;
-    } cases[] = {{8, 1}, {12, 1}, {15, 1}, {16, 2}, {24, 3}, {32, 4}, {39, 4}};
-    for (const auto& c : cases)
-    {
-        FontFile file(U"ax");
-        file.width = 3;
-        file.height = 2;
-        file.bitsPerPixel = c.bitsPerPixel;
-        file.pixels.resize(6 * c.bytesPP);
-        std::iota(file.pixels.begin(), file.pixels.end(), '\x01');
-        const std::string pixels = file.pixels;
-        file.pixels += "whatever follows";
-        ASSERT_TRUE(readInto(font(), file));
-        EXPECT_EQ(std::string(image.data.begin(), image.data.end()), pixels);
-        EXPECT_EQ(image.width * 10 + image.height, 32u);
-        EXPECT_EQ(image.bitsPerPixel, c.bitsPerPixel);
-        EXPECT_EQ(metricC, 7);
-    }
-    const FontFile smallest(U"a");
-    EXPECT_EQ(smallest.bytes().size(), 57u);
-    EXPECT_TRUE(readInto(font(), smallest));
-}
 
 TEST_F(FontFileTest, BadValuesAreRefusedWithTheirCause)
 {

@@ -20,15 +20,14 @@ inline gui::Application*& theApplication()
 template <typename Condition>
 bool waitInLoop(const Condition& condition, double seconds = cPatience)
 {
-    constexpr double cTurn = 0.02;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (!condition())
+    const auto isTrueOrTurns = [&]
     {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        theApplication()->step(cTurn);
-    }
-    return true;
+        if (condition())
+            return true;
+        theApplication()->step(0.02);
+        return false;
+    };
+    return waitFor(isTrueOrTurns, seconds);
 }
 
 } // namespace test
