@@ -129,6 +129,7 @@ void SkyBox::commit(float size)
     glEnableVertexAttribArray(0);
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(glm::vec3), nullptr);
     _committed = true;
+    _isRefused = false;
 }
 
 void SkyBox::render(bool disableDepthTest)
