@@ -20,14 +20,15 @@ inline gui::Application*& theApplication()
 template <typename Condition>
 bool waitInLoop(const Condition& condition, double seconds = cPatience)
 {
-    const auto isTrueOrTurns = [&]
+    constexpr double cTurn = 0.02;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (!condition())
     {
-        if (condition())
-            return true;
-        theApplication()->step(0.02);
-        return false;
-    };
-    return waitFor(isTrueOrTurns, seconds);
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        theApplication()->step(cTurn);
+    }
+    return true;
 }
 
 } // namespace test
