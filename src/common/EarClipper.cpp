@@ -126,7 +126,7 @@ void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool i
     CornerTree& tree = _many.tree;
     tree.pSlots = tree.pCorners = nullptr;
     tree.random = 1;
-    tree.nVisitsLeft = _nVisitsPerCorner * n;
+    tree.nVisitsLeft = static_cast<long long>(_nVisitsPerCorner) * n;
     buildTree(tree, n);
     _loops.findCandidates(_many);
 }

@@ -1,3 +1,4 @@
+#include "support/FullScreen.h"
 #include "support/OffscreenGL.h"
 
 #include <gui/gl/Context.h>
@@ -6,10 +7,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
+#include <array>
+#include <cmath>
+#include <string>
 #include <vector>
 
-// Every value of every enumeration is sent through the driver.
+// Every value of every enumeration is judged by what the driver then does.
 
 namespace
 {
@@ -18,7 +21,12 @@ using gui::gl::Blend;
 using gui::gl::Context;
 using gui::gl::DepthBuffer;
 using gui::gl::StencilBuffer;
+using test::FullScreen;
 using test::Pixel;
+
+constexpr const char* cWhite = R"(#version 330 core
+out vec4 color;
+void main() { color = vec4(1.0); })";
 
 class ContextGLTest : public test::OffscreenGL
 {
@@ -28,12 +36,7 @@ protected:
     {
     }
 
-    static int stateOf(GLenum name)
-    {
-        GLint values[2] = {};
-        glGetIntegerv(name, values);
-        return values[0];
-    }
+    static bool isLit() { return pixel(8, 8) == Pixel{255, 255, 255}; }
 
     static int stencil()
     {
@@ -50,69 +53,185 @@ protected:
     }
 };
 
-TEST_F(ContextGLTest, ValuesAreThoseOfTheirNames)
+TEST_F(ContextGLTest, DepthFunctionsPassWhatTheirNamesSay)
 {
-    using Operation = StencilBuffer::Operation;
-    const std::vector<int> operations{GL_KEEP,      GL_ZERO, GL_REPLACE,   GL_INCR,
-                                      GL_INCR_WRAP, GL_DECR, GL_DECR_WRAP, GL_INVERT};
-    const std::vector<int> factors{GL_ZERO,
-                                   GL_ONE,
-                                   GL_SRC_COLOR,
-                                   GL_ONE_MINUS_SRC_COLOR,
-                                   GL_DST_COLOR,
-                                   GL_ONE_MINUS_DST_COLOR,
-                                   GL_SRC_ALPHA,
-                                   GL_ONE_MINUS_SRC_ALPHA,
-                                   GL_DST_ALPHA,
-                                   GL_ONE_MINUS_DST_ALPHA,
-                                   GL_CONSTANT_COLOR,
-                                   GL_ONE_MINUS_CONSTANT_COLOR,
-                                   GL_CONSTANT_ALPHA,
-                                   GL_ONE_MINUS_CONSTANT_ALPHA,
-                                   GL_SRC_ALPHA_SATURATE,
-                                   GL_SRC1_COLOR,
-                                   GL_ONE_MINUS_SRC1_COLOR,
-                                   GL_SRC1_ALPHA,
-                                   GL_ONE_MINUS_SRC1_ALPHA};
-    const struct
+    const FullScreen white(cWhite);
+    Context::enable(Context::Flag::DepthTest);
+    // nearer than, as far as, farther than what is there
+    const std::string cPasses[] = {"111", "000", "100", "010", "110", "001", "101", "011"};
+    for (unsigned char value = 0; value < 8; ++value)
     {
-        GLenum state;
-        std::function<void(unsigned char)> set;
-        std::vector<int> values;
-    } cases[] = {
-        {GL_DEPTH_FUNC,
-         [](unsigned char v) { Context::setDepthBufferFunction(DepthBuffer::Function(v)); },
-         {GL_ALWAYS, GL_NEVER, GL_LESS, GL_EQUAL, GL_LEQUAL, GL_GREATER, GL_NOTEQUAL, GL_GEQUAL}},
-        {GL_STENCIL_FUNC,
-         [](unsigned char v) { Context::setStencilBufferFunction(StencilBuffer::Function(v), 0x25, 0x1F); },
-         {GL_NEVER, GL_LESS, GL_LEQUAL, GL_GREATER, GL_GEQUAL, GL_EQUAL, GL_NOTEQUAL, GL_ALWAYS}},
-        {GL_STENCIL_FAIL,
-         [](unsigned char v) { Context::setStencilBufferOperation(Operation(v), Operation::Keep, Operation::Keep); },
-         operations},
-        {GL_STENCIL_PASS_DEPTH_FAIL,
-         [](unsigned char v) { Context::setStencilBufferOperation(Operation::Keep, Operation(v), Operation::Keep); },
-         operations},
-        {GL_STENCIL_PASS_DEPTH_PASS,
-         [](unsigned char v) { Context::setStencilBufferOperation(Operation::Keep, Operation::Keep, Operation(v)); },
-         operations},
-        {GL_BLEND_SRC_RGB, [](unsigned char v) { Context::setBlendFunction(Blend::Factor(v), Blend::Factor::Zero); },
-         factors},
-        {GL_BLEND_DST_ALPHA, [](unsigned char v) { Context::setBlendFunction(Blend::Factor::Zero, Blend::Factor(v)); },
-         factors},
-        {GL_POLYGON_MODE,
-         [](unsigned char v) { Context::setPolygonMode(Context::PolygonMode(v)); },
-         {GL_FILL, GL_LINE, GL_POINT}},
-        {GL_DEPTH_WRITEMASK, [](unsigned char v) { Context::maskDepthBuffer(v != 0); }, {GL_FALSE, GL_TRUE}},
-        {GL_STENCIL_WRITEMASK, [](unsigned char v) { Context::setStencilBufferMask(v); }, {0, 1, 2, 3}},
-    };
-    for (const auto& [state, set, values] : cases)
-        for (std::size_t i = 0; i < values.size(); ++i)
+        std::string passes;
+        for (const float z : {-0.5f, 0.0f, 0.5f})
         {
-            set(static_cast<unsigned char>(i));
-            EXPECT_EQ(stateOf(state), values[i]) << std::hex << state << ' ' << i;
+            glDepthFunc(GL_ALWAYS);
+            white.draw();
+            glClear(GL_COLOR_BUFFER_BIT);
+            Context::setDepthBufferFunction(DepthBuffer::Function(value));
+            white.draw(z);
+            passes += isLit() ? '1' : '0';
         }
-    EXPECT_EQ(stateOf(GL_STENCIL_REF), 0x25);
-    EXPECT_EQ(stateOf(GL_STENCIL_VALUE_MASK), 0x1F);
+        EXPECT_EQ(passes, cPasses[value]) << int(value);
+    }
+    Context::maskDepthBuffer(false);
+    Context::setDepthBufferFunction(DepthBuffer::Function::Always);
+    white.draw(-1);
+    EXPECT_GT(depth(), 0.1f); // of the draw before
+    Context::maskDepthBuffer(true);
+    white.draw(-1);
+    EXPECT_EQ(depth(), 0);
+}
+
+TEST_F(ContextGLTest, StencilFunctionsPassWhatTheirNamesSay)
+{
+    const FullScreen white(cWhite);
+    Context::enable(Context::Flag::StencilTest);
+    glClearStencil(5);
+    // reference 4, 5 and 6 compared with 5
+    const std::string cPasses[] = {"000", "100", "110", "001", "011", "010", "101", "111"};
+    for (unsigned char value = 0; value < 8; ++value)
+    {
+        std::string passes;
+        for (const int ref : {0x24, 0x25, 0x26}) // the bits above the mask don't count
+        {
+            glClear(GL_COLOR_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+            Context::setStencilBufferFunction(StencilBuffer::Function(value), ref, 0x1F);
+            white.draw();
+            passes += isLit() ? '1' : '0';
+        }
+        EXPECT_EQ(passes, cPasses[value]) << int(value);
+    }
+}
+
+TEST_F(ContextGLTest, StencilOperationsDoWhatTheirNamesSayInEachPlace)
+{
+    const FullScreen white(cWhite);
+    Context::enable(Context::Flag::StencilTest);
+    Context::enable(Context::Flag::DepthTest);
+    struct Case
+    {
+        int before;
+        int after[8];
+    };
+    const Case cases[] = {
+        {5, {5, 0, 9, 6, 6, 4, 4, 250}}, {255, {255, 0, 9, 255, 0, 254, 254, 0}}, {0, {0, 0, 9, 1, 1, 0, 255, 255}}};
+    const auto keep = StencilBuffer::Operation::Keep;
+    for (const Case& c : cases)
+    {
+        glClearStencil(c.before);
+        for (unsigned char value = 0; value < 8; ++value)
+        {
+            for (int place = 0; place < 3; ++place)
+            {
+                const auto operation = StencilBuffer::Operation(value);
+                Context::setStencilBufferOperation(place == 0 ? operation : keep, place == 1 ? operation : keep,
+                                                   place == 2 ? operation : keep);
+                for (int outcome = 0; outcome < 3; ++outcome)
+                {
+                    glClear(GL_STENCIL_BUFFER_BIT);
+                    Context::setStencilBufferFunction(
+                        outcome == 0 ? StencilBuffer::Function::Never : StencilBuffer::Function::Always, 9, 0xFF);
+                    Context::setDepthBufferFunction(outcome == 1 ? DepthBuffer::Function::Never
+                                                                 : DepthBuffer::Function::Always);
+                    white.draw();
+                    EXPECT_EQ(stencil(), outcome == place ? c.after[value] : c.before)
+                        << value << ' ' << place << ' ' << outcome;
+                }
+            }
+        }
+    }
+    glClearStencil(0);
+    glClear(GL_STENCIL_BUFFER_BIT);
+    Context::setStencilBufferMask(0x0F);
+    Context::setStencilBufferOperation(StencilBuffer::Operation::Invert, StencilBuffer::Operation::Invert,
+                                       StencilBuffer::Operation::Invert);
+    white.draw();
+    EXPECT_EQ(stencil(), 0x0F);
+}
+
+using Color = std::array<double, 4>;
+
+Color operator-(double one, const Color& c) { return {one - c[0], one - c[1], one - c[2], one - c[3]}; }
+
+Color alphaOf(const Color& c) { return {c[3], c[3], c[3], c[3]}; }
+
+TEST_F(ContextGLTest, BlendFactorsMultiplyByWhatTheirNamesSay)
+{
+    const FullScreen source(R"(#version 330 core
+layout(location = 0, index = 0) out vec4 color;
+layout(location = 0, index = 1) out vec4 color1;
+void main()
+{
+    color = vec4(51.0, 102.0, 153.0, 204.0) / 255.0;
+    color1 = vec4(229.0, 178.0, 127.0, 76.0) / 255.0;
+})");
+    const Color src{0.2, 0.4, 0.6, 0.8};
+    const Color src1{229 / 255., 178 / 255., 127 / 255., 76 / 255.};
+    const Color dst{204 / 255., 153 / 255., 51 / 255., 102 / 255.};
+    const Color constant{0.25, 0.5, 0.75, 0.4};
+    const double saturated = std::min(src[3], 1 - dst[3]);
+    const Color factors[] = {{0, 0, 0, 0},
+                             {1, 1, 1, 1},
+                             src,
+                             1 - src,
+                             dst,
+                             1 - dst,
+                             alphaOf(src),
+                             1 - alphaOf(src),
+                             alphaOf(dst),
+                             1 - alphaOf(dst),
+                             constant,
+                             1 - constant,
+                             alphaOf(constant),
+                             1 - alphaOf(constant),
+                             {saturated, saturated, saturated, 1},
+                             src1,
+                             1 - src1,
+                             alphaOf(src1),
+                             1 - alphaOf(src1)};
+    Context::enable(Context::Flag::Blend);
+    glBlendColor(0.25f, 0.5f, 0.75f, 0.4f);
+    for (std::size_t value = 0; value < std::size(factors); ++value)
+    {
+        for (const bool isSource : {true, false})
+        {
+            clear({204, 153, 51, 102});
+            const auto factor = Blend::Factor(value);
+            Context::setBlendFunction(isSource ? factor : Blend::Factor::Zero, isSource ? Blend::Factor::Zero : factor);
+            source.draw();
+            const Color& base = isSource ? src : dst;
+            const Pixel actual = pixel(8, 8);
+            const int channels[] = {actual.red, actual.green, actual.blue, actual.alpha};
+            for (std::size_t i = 0; i < 4; ++i)
+            {
+                // 1: the driver may round products of bytes its own way
+                EXPECT_NEAR(channels[i], base[i] * factors[value][i] * 255, 1) << value << ' ' << isSource;
+            }
+        }
+    }
+}
+
+TEST_F(ContextGLTest, PolygonModesFillOutlineAndDot)
+{
+    const FullScreen white(cWhite);
+    int nLit[3] = {};
+    bool isInsideLit[3] = {};
+    for (unsigned char value = 0; value < 3; ++value)
+    {
+        clear();
+        Context::setPolygonMode(Context::PolygonMode(value));
+        white.draw(0, 0.3f);
+        isInsideLit[value] = isLit();
+        for (int y = 0; y < 16; ++y)
+        {
+            for (int x = 0; x < 16; ++x)
+                nLit[value] += pixel(x, y) == Pixel{255, 255, 255} ? 1 : 0;
+        }
+    }
+    EXPECT_EQ((std::vector<bool>(isInsideLit, isInsideLit + 3)), (std::vector<bool>{true, false, false}));
+    EXPECT_GT(nLit[0], nLit[1]);
+    EXPECT_GT(nLit[1], nLit[2]);
+    EXPECT_EQ(nLit[2], 3); // the corners
 }
 
 TEST_F(ContextGLTest, FlagsAndPointSizeReachTheirState)

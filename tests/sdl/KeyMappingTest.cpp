@@ -1,6 +1,7 @@
 #include "sdl/KeyMapping.h"
 
 #include <gui/Key.h>
+#include <gui/gl/KeyCodes.h>
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
@@ -53,6 +54,38 @@ TEST(KeyMappingTest, ModifierKeysMakeNoEvent)
          {SDL_SCANCODE_LSHIFT, SDL_SCANCODE_RCTRL, SDL_SCANCODE_LALT, SDL_SCANCODE_RALT, SDL_SCANCODE_MODE,
           SDL_SCANCODE_RGUI, SDL_SCANCODE_CAPSLOCK, SDL_SCANCODE_NUMLOCKCLEAR})
         EXPECT_EQ(mapKey(scancode, true).keyCode, 0) << scancode;
+}
+
+// A key's way through both tables, to its code and from the code to what is printed on it.
+TEST(KeyMappingTest, KeysAreWhatIsPrintedOnThem)
+{
+    using enum gui::Key::Virtual;
+    const auto keyOf = [](int scancode)
+    { return static_cast<int>(zav::getVirtualKeyCode(mapKey(static_cast<SDL_Scancode>(scancode), true).keyCode, 0)); };
+    for (int i = 0; i < 12; ++i)
+        EXPECT_EQ(keyOf(SDL_SCANCODE_F1 + i), int(F1) + i) << i;
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(keyOf(i == 0 ? SDL_SCANCODE_KP_0 : SDL_SCANCODE_KP_1 + i - 1), int(Keypad0) + i) << i;
+    const std::pair<SDL_Scancode, gui::Key::Virtual> keys[] = {
+        {SDL_SCANCODE_RETURN, Return},
+        {SDL_SCANCODE_ESCAPE, Escape},
+        {SDL_SCANCODE_HOME, Home},
+        {SDL_SCANCODE_END, End},
+        {SDL_SCANCODE_PAGEUP, PageUp},
+        {SDL_SCANCODE_PAGEDOWN, PageDown},
+        {SDL_SCANCODE_LEFT, Left},
+        {SDL_SCANCODE_RIGHT, Right},
+        {SDL_SCANCODE_UP, Up},
+        {SDL_SCANCODE_DOWN, Down},
+        {SDL_SCANCODE_KP_PERIOD, KeypadDecimal},
+        {SDL_SCANCODE_KP_PLUS, KeypadPlus},
+        {SDL_SCANCODE_KP_MINUS, KeypadMinus},
+        {SDL_SCANCODE_KP_MULTIPLY, KeypadMultiply},
+        {SDL_SCANCODE_KP_DIVIDE, KeypadDivide},
+        {SDL_SCANCODE_KP_ENTER, KeypadEnter},
+    };
+    for (const auto& [scancode, key] : keys)
+        EXPECT_EQ(keyOf(scancode), int(key)) << scancode;
 }
 
 // Without Num Lock the keypad is a second set of cursor keys.

@@ -37,20 +37,4 @@ TEST(Key, ASCIIAndVirtualExcludeEachOther)
     }
 }
 
-TEST(Key, EachModifierHasItsBit)
-{
-    const auto held = [](unsigned int mask)
-    {
-        const gui::Key key(0, mask, 1, 0);
-        return std::string(key.isShiftPressed() ? "S" : "") + (gui::isCtrlPressed(mask) ? "C" : "") +
-               (key.isAltPressed() ? "A" : "") + (key.isCmdPressed() ? "M" : "") + (key.isFnPressed() ? "F" : "");
-    };
-    const std::pair<unsigned int, std::string> cases[] = {{0, ""},  {1, "S"},  {2, ""},   {4, "C"},
-                                                          {8, "A"}, {16, "M"}, {32, "F"}, {63, "SCAMF"}};
-    for (const auto& [mask, expected] : cases)
-        EXPECT_EQ(held(mask), expected) << mask;
-    EXPECT_EQ(gui::removeKeyModifier(41, gui::KeyModifier::Alt), 33u);
-    EXPECT_EQ(gui::removeKeyModifier(1, gui::KeyModifier::Fn), 1u);
-}
-
 } // namespace
