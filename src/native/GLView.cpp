@@ -89,13 +89,11 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     helper.setContRenderMode(pNative->_continuousRender);
     pNative->prepareOpenGL();
     helper.onInit();
-    // onInit may have ended the view's life.
+    // onInit may have ended the view's life, and so may the log's sink.
     incomplete.pNative = nullptr;
-    if (pNative->_isReleased)
-        return nullptr;
-    if (pNative->makeCurrentContext())
+    if (!pNative->_isReleased && pNative->makeCurrentContext())
         logGLErrors("onInit", pNative->_saidGLErrors);
-    return pNative;
+    return pNative->_isReleased ? nullptr : pNative;
 }
 
 void GLView::prepareOpenGL()

@@ -4,6 +4,7 @@
 #include "toolkit/src/DisplayScale.h"
 
 #include <gui/Texture.h>
+#include <vo/Log.h>
 
 #include <epoxy/gl.h>
 
@@ -54,6 +55,19 @@ TEST_F(GLViewTest, TheViewIsCompleteInOnInit)
     EXPECT_FALSE(plain.isAnimated());
 }
 
+TEST_F(GLViewTest, AnErrorOfGLIsSaidOncePerKind)
+{
+    RecordingView view(window);
+    trace.setErrors({GL_INVALID_ENUM, GL_INVALID_ENUM, GL_OUT_OF_MEMORY});
+    GLView* const pNative = create(view);
+    EXPECT_EQ(log.take(), (Lines{"ERROR! GLView onInit left OpenGL error 500",
+                                 "ERROR! GLView onInit left OpenGL error 505 (out of memory)"}));
+    trace.setErrors({GL_INVALID_VALUE, GL_INVALID_ENUM});
+    pNative->drawNow();
+    EXPECT_TRUE(log.said("ERROR! GLView onDraw left OpenGL error 501"));
+    journal.take();
+}
+
 // Neither a refusing system nor an exception leaves a surface, a handle or a view that cannot be made a second time.
 TEST_F(GLViewTest, CreationThatFailsLeavesNothing)
 {
@@ -79,6 +93,11 @@ TEST_F(GLViewTest, CreationThatFailsLeavesNothing)
     EXPECT_FALSE(window.hasSurface);
 
     view.in.clear();
+    trace.setErrors({GL_INVALID_ENUM});
+    vo::setLogSink([&](const char*) { view.release(); });
+    EXPECT_EQ(make(), nullptr);
+    EXPECT_FALSE(window.hasSurface);
+    vo::setLogSink({});
     EXPECT_NE(make(), nullptr);
     view.release();
 
