@@ -95,7 +95,7 @@ Act drag(const Point& from, const Point& to, unsigned int modifiers)
 }
 Act wheel(double dx, double dy, unsigned int modifiers, const Point& point = {})
 {
-    return [=](GLView& v) { v.onWheel({dx, dy, modifiers, point}); };
+    return [=](GLView& v) { EXPECT_TRUE(v.onWheel({dx, dy, modifiers, point})); };
 }
 Act key(unsigned short character, unsigned int modifiers, bool isHandled)
 {

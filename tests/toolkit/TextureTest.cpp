@@ -128,6 +128,8 @@ TEST(Texture, SavesWhatItLoadsAgain)
     const test::ImageFolder folder;
     const std::string path = folder.path("picture.png");
     test::CapturedLog log;
+    const auto nOpenFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+    const auto nBefore = nOpenFiles();
     for (const unsigned short bytesPerPixel : {std::uint16_t(3), std::uint16_t(4)})
     {
         const gui::Texture texture = textureOf(5, 3, bytesPerPixel);
@@ -154,6 +156,7 @@ TEST(Texture, SavesWhatItLoadsAgain)
     EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: " + path + " (2 bytes per pixel)"));
     gui::Texture kept;
     EXPECT_TRUE(kept.loadFromFile(path.c_str()));
+    EXPECT_EQ(nOpenFiles(), nBefore);
 }
 
 TEST(Texture, RefusedFilesSayWhyAndLeaveTheTexture)
