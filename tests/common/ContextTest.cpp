@@ -13,7 +13,6 @@
 namespace
 {
 
-using gui::gl::Blend;
 using gui::gl::Context;
 using gui::gl::DepthBuffer;
 using gui::gl::StencilBuffer;
