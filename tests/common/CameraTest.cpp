@@ -216,7 +216,7 @@ TEST(CameraTest, TurningAndZoomingEndAtTheirLimits)
         scrolled.processScroll(scroll.delta, scroll.isFast);
         EXPECT_NEAR(scrolled.getYaw(), scroll.yaw, 1e-4F);
         EXPECT_NEAR(scrolled.getPitch(), scroll.pitch, 1e-4F);
-        EXPECT_EQ(scrolled.getFront(), Camera({}, scrolled.getYaw(), scrolled.getPitch()).getFront());
+        EXPECT_EQ(scrolled.getViewMatrix(), Camera({}, scrolled.getYaw(), scrolled.getPitch()).getViewMatrix());
     }
     scrolled.getMouseSensitivity(0.5F);
     scrolled.setYawLimits(-1000, 1000);

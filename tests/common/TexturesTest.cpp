@@ -163,11 +163,15 @@ TEST_F(TexturesTest, CubeMapsAreRefusedWholeAndFacesNamedInGLOrder)
     EXPECT_EQ(trace.count("glTexImage2D"), 2u);
     EXPECT_TRUE(trace.inOrder({"glBindTexture(0x8513, 0)"}));
     EXPECT_TRUE(trace.nothingAlive());
-    names[2] = nullptr;
-    EXPECT_FALSE(textures.appendCubeMap(names));
-    EXPECT_TRUE(asserts.caught("img"));
+    for (const std::size_t nameless : {0U, 5U})
+    {
+        std::fill(names.begin(), names.end(), good.c_str());
+        names[nameless] = nullptr;
+        EXPECT_FALSE(textures.appendCubeMap(names));
+        EXPECT_TRUE(asserts.caught("img"));
+    }
     EXPECT_EQ(textures.size(), 0);
-    names[2] = good.c_str();
+    names[5] = good.c_str();
     trace.clear();
     EXPECT_TRUE(textures.appendCubeMap(names));
     EXPECT_TRUE(trace.inOrder({"glGenTextures(1, [2])", "glBindTexture(0x8513, 2)",
