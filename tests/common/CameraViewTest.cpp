@@ -75,6 +75,7 @@ TEST(CameraViewTest, ProjectionFollowsSizeAndZoom)
     view.onResize({300, 900});
     EXPECT_TRUE(isNear(view._perspective, perspective(45, 300, 900)));
     view.setFieldOfView(60);
+    EXPECT_TRUE(isNear(view._perspective, perspective(60, 300, 900)));
     view.setDepthRange(1, 5000);
     EXPECT_TRUE(isNear(view._perspective, perspective(60, 300, 900, 1, 5000)));
     test::CaughtAsserts asserts;
