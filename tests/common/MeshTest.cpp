@@ -224,7 +224,7 @@ TEST(SphereLoopsTest, RowsOfAllLengths)
             std::vector<float> row(expected.size(), 77);
             const gui::gl::SphereRow described{pCos, pSin, pU, n, hasNormals, nFloats, xy, z, 0.3F};
             // Short of its own end, then with room behind that is overwritten here as by the next row.
-            for (const std::size_t nBehind : {0, 70})
+            for (const std::size_t nBehind : {0U, 70U})
             {
                 pLoops->addRow(described, row.data(), row.data() + n * nFloats + nBehind);
                 std::fill(row.end() - 70, row.end() - 70 + std::ptrdiff_t(nBehind), 77.0F);

@@ -31,6 +31,7 @@ public:
 
     using OrthoView::onKeyPressed;
     using OrthoView::onResize;
+    using OrthoView::onScroll;
     using OrthoView::onZoom;
 
 protected:
@@ -95,7 +96,7 @@ Act drag(const Point& from, const Point& to, unsigned int modifiers)
 }
 Act wheel(double dx, double dy, unsigned int modifiers, const Point& point = {})
 {
-    return [=](GLView& v) { EXPECT_TRUE(v.onWheel({dx, dy, modifiers, point})); };
+    return [=](GLView& v) { v.onWheel({dx, dy, modifiers, point}); };
 }
 Act key(unsigned short character, unsigned int modifiers, bool isHandled)
 {
@@ -151,6 +152,9 @@ TEST_F(OrthoViewTest, EventsMoveThePlane)
             EXPECT_NEAR(view.getOrigin().y, point.y * staying, 1e-9) << c.name;
             expectThatProjectionAgrees(view, c.name);
         }
+        const gui::InputDevice device({1, 1}, {1, 1}, {1, 1}, 0, gui::InputDevice::Type::Mouse,
+                                      gui::InputDevice::Button::Wheel);
+        EXPECT_TRUE(view.onScroll(device)) << "or what holds the view would scroll as well";
     }
 }
 

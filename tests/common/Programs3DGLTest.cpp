@@ -126,7 +126,7 @@ TEST_F(Programs3DGLTest, TexturedMeshesStandUpright)
     gui::Texture picture = strip();
     Textures textures;
     ASSERT_TRUE(textures.append({&picture}, gui::gl::Texture::Type::Tex2D));
-    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+    for (const GLenum filter : std::initializer_list<GLenum>{GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
     {
         textures.setActive(Textures::Unit::T0, 0);
         glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);

@@ -47,7 +47,7 @@ protected:
                                            static_cast<unsigned char>(cFaces[i].blue), 255};
             glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + i, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, bytes);
         }
-        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+        for (const GLenum filter : std::initializer_list<GLenum>{GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
             glTexParameteri(GL_TEXTURE_CUBE_MAP, filter, GL_NEAREST);
         glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
     }

@@ -69,7 +69,7 @@ TEST_F(TessellationExactTest, SimplePolygonsOfAllSizesAreCoveredOnce)
     Random random(1);
     for (const Family& family : test::simpleFamilies())
     {
-        for (const std::size_t n : {5, 6, 7, 8, 11, 16, 23, 33, 47, 64, 65, 90, 129, 200, 300})
+        for (const std::size_t n : {5U, 6U, 7U, 8U, 11U, 16U, 23U, 33U, 47U, 64U, 65U, 90U, 129U, 200U, 300U})
         {
             for (unsigned int seed = 0; seed < 3; ++seed)
             {

@@ -13,9 +13,7 @@ namespace
 
 using gui::gl::ButtonEvent;
 using gui::gl::GLView;
-using gui::gl::KeyEvent;
 using gui::gl::MotionEvent;
-using gui::gl::WheelEvent;
 using test::RecordingView;
 using Lines = std::vector<std::string>;
 

@@ -277,7 +277,7 @@ TEST(PushBackVectorDeathTest, MisuseStopsTheProgram)
     EXPECT_STOPS(v[0] = 1, "pos < sz", "operator[]");
     fill(v, 8, 3);
     EXPECT_STOPS(v[3] = 1, "pos < sz", "operator[]");
-    EXPECT_STOPS(v[constant[3]] = 1, "pos < sz", "operator[]");
+    EXPECT_STOPS(v[std::size_t(constant[3])] = 1, "pos < sz", "operator[]");
     EXPECT_STOPS(v.at(3) = 1, "pos < size()", "at");
     EXPECT_STOPS(v[std::size_t(constant.at(std::size_t(-1)))] = 1, "pos < size()", "at");
     EXPECT_EQ(v[2] + constant.at(2), 4);
