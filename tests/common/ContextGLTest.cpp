@@ -151,7 +151,7 @@ TEST_F(ContextGLTest, StencilOperationsDoWhatTheirNamesSayInEachPlace)
 
 using Color = std::array<double, 4>;
 
-Color operator-(double one, const Color& c) { return {one - c[0], one - c[1], one - c[2], one - c[3]}; }
+Color oneMinus(const Color& c) { return {1 - c[0], 1 - c[1], 1 - c[2], 1 - c[3]}; }
 
 Color alphaOf(const Color& c) { return {c[3], c[3], c[3], c[3]}; }
 
@@ -173,22 +173,22 @@ void main()
     const Color factors[] = {{0, 0, 0, 0},
                              {1, 1, 1, 1},
                              src,
-                             1 - src,
+                             oneMinus(src),
                              dst,
-                             1 - dst,
+                             oneMinus(dst),
                              alphaOf(src),
-                             1 - alphaOf(src),
+                             oneMinus(alphaOf(src)),
                              alphaOf(dst),
-                             1 - alphaOf(dst),
+                             oneMinus(alphaOf(dst)),
                              constant,
-                             1 - constant,
+                             oneMinus(constant),
                              alphaOf(constant),
-                             1 - alphaOf(constant),
+                             oneMinus(alphaOf(constant)),
                              {saturated, saturated, saturated, 1},
                              src1,
-                             1 - src1,
+                             oneMinus(src1),
                              alphaOf(src1),
-                             1 - alphaOf(src1)};
+                             oneMinus(alphaOf(src1))};
     Context::enable(Context::Flag::Blend);
     glBlendColor(0.25f, 0.5f, 0.75f, 0.4f);
     for (std::size_t value = 0; value < std::size(factors); ++value)
