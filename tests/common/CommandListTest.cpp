@@ -4,7 +4,6 @@
 
 #include <gui/gl/CommandList.h>
 #include <gui/gl/Program.h>
-#include <gui/gl/Scene.h>
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
@@ -204,15 +203,6 @@ TEST_F(CommandListTest, ReplayAllocatesNothing)
     EXPECT_GT(nBefore, 0u);
     EXPECT_EQ(s_nDraws, 100);
     EXPECT_EQ(s_nColors, 100);
-}
-
-TEST_F(CommandListTest, ScenesDrawNothing)
-{
-    gui::gl::Scene scene;
-    scene.execute();
-    scene.reset();
-    scene.release();
-    EXPECT_TRUE(trace.only({}));
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace
@@ -29,21 +28,6 @@ TEST(ContextSettings, SizesAreCodedInPairs)
         EXPECT_EQ(context.getStencilBufferSize(), cBits[value ^ 1]) << int(value);
     }
     EXPECT_EQ(Context(DepthBuffer::Size(255), StencilBuffer::Size(255), {}).getDepthBufferSize(), 0);
-}
-
-TEST(ContextSettings, StartAsPrescribedAndKeepWhatIsSet)
-{
-    Context context(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile(1));
-    EXPECT_EQ(context.getProfile(), Context::Profile::Core41);
-    EXPECT_FALSE(context.isAnimation());
-    EXPECT_EQ(context.getRGBSize(), (std::tuple<unsigned char, unsigned char>(24, 8)));
-    EXPECT_EQ(context.getPreferredFrameRateRange(), (std::tuple<float, float>(0.f, 0.f)));
-    context.setRGBSize(30, 2);
-    context.setPreferredFrameRateRange(60, 30); // unusable ranges are the platform's business
-    EXPECT_EQ(context.getRGBSize(), (std::tuple<unsigned char, unsigned char>(30, 2)));
-    EXPECT_EQ(context.getPreferredFrameRateRange(), (std::tuple<float, float>(60.f, 30.f)));
-    for (const int value : {0, 1, 2, 255})
-        EXPECT_EQ(Context(Context::Animation(value), {}, {}, {}).isAnimation(), value == 0) << value;
 }
 
 class ContextState : public test::NullGL

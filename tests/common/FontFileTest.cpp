@@ -6,7 +6,6 @@
 #include <functional>
 #include <ios>
 #include <limits>
-#include <random>
 
 namespace
 {
@@ -107,55 +106,6 @@ TEST_F(FontFileTest, ShortFilesThrowBeforeMemoryIsTaken)
     test::largestAllocation();
     EXPECT_THROW(font().loadBinaryData(write(manyGlyphs).c_str(), image, metricC), std::ios_base::failure);
     EXPECT_LT(test::largestAllocation(), 20000u);
-}
-
-// Whatever a file says: it is loaded or refused, a font that draws has all it needs, and text can be laid out.
-TEST_F(FontFileTest, DamagedFilesAreRefusedOrHarmless)
-{
-#if defined(__SANITIZE_ADDRESS__) || !defined(NDEBUG)
-    constexpr int cRounds = 5'000;
-#else
-    constexpr int cRounds = 100'000;
-#endif
-    const FontFile fonts[] = {FontFile(U"zebra"), FontFile(U"a"), FontFile(U"\U0010FFFFx\u3042\u00E9 a")};
-    std::mt19937 random(1);
-    const auto below = [&](std::size_t n) { return random() % n; };
-    int nLoaded = 0;
-    int nThrown = 0;
-    for (int round = 0; round < cRounds; ++round)
-    {
-        std::string bytes = fonts[below(3)].bytes();
-        if (below(4) == 0)
-            bytes.resize(below(bytes.size()));
-        for (std::size_t n = below(4); n > 0 && !bytes.empty(); --n)
-        {
-            const std::size_t pos =
-                below(2) == 0 ? below(bytes.size()) : below(std::min<std::size_t>(bytes.size(), 56));
-            bytes[pos] = below(3) == 0 ? "\0\xFF\x7F\x80"[below(4)] : static_cast<char>(below(256));
-        }
-        const std::string path = write(bytes);
-        bool isLoaded = false;
-        test::largestAllocation();
-        try
-        {
-            isLoaded = font().load(path.c_str()) != nullptr;
-            EXPECT_EQ(log.take().empty(), isLoaded);
-        }
-        catch (const std::ios_base::failure&)
-        {
-            ++nThrown;
-        }
-        ASSERT_TRUE(isLoaded || test::largestAllocation() < 20'000);
-        nLoaded += isLoaded ? 1 : 0;
-        ASSERT_EQ(trace.aliveNames(test::GLTrace::Kind::Texture).size(), isLoaded ? 1u : 0u);
-        for (const td::BYTE alignment : {Font::cLeft, Font::cCentre, Font::cRight})
-            font().addString({1, 2}, "z\n\na\xFF \u3042", 0, Format{.hAlignment = alignment});
-        font().reset();
-        trace.clear();
-        std::ignore = asserts.caught("nextTx > tx");
-    }
-    EXPECT_GT(nLoaded, cRounds / 10);
-    EXPECT_GT(nThrown, cRounds / 10);
 }
 
 } // namespace

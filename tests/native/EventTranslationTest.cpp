@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 namespace
 {
 
@@ -36,43 +34,6 @@ TEST(EventTranslation, MasksAndWhatTheyTrack)
     }
 }
 
-TEST(EventTranslation, WheelZoomsWithCommandAndScrollsElse)
-{
-    const auto isZoom = [](double dx, double dy, unsigned int modifiers) {
-        return gui::gl::isWheelZoom({dx, dy, modifiers, {}});
-    };
-    EXPECT_TRUE(isZoom(0, 2, cCommand));
-    EXPECT_TRUE(isZoom(3, -0.25, cCommand | cOption));
-    EXPECT_FALSE(isZoom(3, 0, cCommand));
-    EXPECT_FALSE(isZoom(0, 2, 63 - cCommand));
-
-    const auto factor = [](double dy) { return gui::gl::getWheelZoomFactor({0, dy, cCommand, {}}); };
-    EXPECT_EQ(factor(2), 1.024);
-    EXPECT_EQ(factor(1), 1.012);
-    EXPECT_EQ(factor(-1), 0.988);
-    EXPECT_NEAR(factor(-79), 0.052, 1e-15);
-    EXPECT_EQ(factor(-80), 0.05);
-    EXPECT_EQ(factor(-1e300), 0.05);
-    EXPECT_EQ(factor(std::nan("")), 0.05);
-
-    const auto scroll = [](double dx, double dy, unsigned int modifiers) {
-        return gui::gl::getWheelScroll({dx, dy, modifiers, {}});
-    };
-    EXPECT_EQ(scroll(3, 0, 0), (td::Point<double>(4.5, 0)));
-    EXPECT_EQ(scroll(3, 0, cCommand), (td::Point<double>(4.5, 0)));
-    EXPECT_EQ(scroll(-1, 0.5, 0), (td::Point<double>(-1.5, 0.75)));
-    EXPECT_EQ(scroll(1, -2, cOption), (td::Point<double>(7.5, -15)));
-}
-
-TEST(EventTranslation, GestureStaysWithinAFifth)
-{
-    const std::pair<double, double> cases[] = {{20, 1.2}, {-20, 0.8}, {10, 1.2}, {10.5, 1.2}, {-10.5, 0.8},
-                                               {0, 1},    {5, 1.1},   {-5, 0.9}, {1e300, 1.2}};
-    for (const auto& [magnification, expected] : cases)
-        EXPECT_EQ(gui::gl::getGestureZoomFactor(magnification), expected) << magnification;
-    EXPECT_FALSE(std::isnan(gui::gl::getGestureZoomFactor(std::nan(""))));
-}
-
 // A value that is read once, or copied into a constant, would ignore what the application sets.
 TEST(EventTranslation, TunablesAreReadAtEachEvent)
 {
@@ -102,6 +63,7 @@ TEST(EventTranslation, KeysDownAndUp)
         {"Return", 36, 13, 36, 2, 13},
         {"Tab", 48, 9, 48, 1, 9},
         {"Backspace", 51, 8, 51, 12, 8},
+        {"A with Control, of some systems", 0, 1, 1, 0, 1},
         {"Escape", 53, 27, 53, 13, 53 << 8},
         {"Delete", 117, 0, 117, 30, 117 << 8},
         {"left arrow", 123, 0, 123, 3, 31488},

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace
@@ -262,9 +264,18 @@ TEST_F(GLViewInputTest, WheelAndGesture)
     EXPECT_EQ(wheel(3, 0, 16), Result("onScroll (4.5, 0) modifiers 16 type 1 button 128 events 1 scale 1", true));
     EXPECT_EQ(wheel(0, -2, 8), Result("onScroll (0, -15) modifiers 8 type 1 button 128 events 1 scale 1", true));
     EXPECT_EQ(wheel(0, 0, 16), Result("", false));
+    // However far it is turned, and whatever a device tells.
+    for (const double dy : {-80.0, -1e300, std::nan("")})
+        EXPECT_EQ(wheel(0, dy, 16),
+                  Result("onZoom (10, 20) modifiers 16 type 1 button 128 events 1 scale 0.05", false));
 
-    EXPECT_TRUE(pNative->onMagnification({20, 9}));
-    EXPECT_TRUE(journal.said({"onZoom (100, 50) modifiers 9 type 2 button 0 events 1 scale 1.2"}));
+    const std::pair<double, const char*> gestures[] = {{20, "1.2"}, {-20, "0.8"}, {5, "1.1"}, {-1e300, "0.8"}};
+    for (const auto& [magnification, scale] : gestures)
+    {
+        EXPECT_TRUE(pNative->onMagnification({magnification, 9}));
+        EXPECT_TRUE(
+            journal.said({std::string("onZoom (100, 50) modifiers 9 type 2 button 0 events 1 scale ") + scale}));
+    }
 }
 
 TEST_F(GLViewInputTest, KeysAreUsedUpByTheViewAlone)

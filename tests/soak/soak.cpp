@@ -4,6 +4,7 @@
 #include "User.h"
 
 #include "examples/SlowScenes.h"
+#include "support/OpenFiles.h"
 #include "support/Pinning.h"
 #include "toolkit/src/offscreen/OffscreenWindowSystem.h"
 
@@ -24,9 +25,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -58,8 +57,6 @@ std::size_t residentBytes()
     std::ifstream("/proc/self/statm") >> nPages >> nPages;
     return nPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
-
-std::ptrdiff_t openFiles() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
 
 EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
 
@@ -270,9 +267,9 @@ int run(double seconds, unsigned int seed)
         if (round == 0)
         {
             allowed = inUse + allowedGrowth;
-            nFilesAllowed = openFiles();
+            nFilesAllowed = test::nOpenFiles();
         }
-        hasGrown = hasGrown || inUse > allowed || openFiles() > nFilesAllowed;
+        hasGrown = hasGrown || inUse > allowed || test::nOpenFiles() > nFilesAllowed;
     }
     if (hasGrown)
         std::printf("memory, or the number of open files, has grown\n");

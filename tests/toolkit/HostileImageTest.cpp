@@ -108,21 +108,6 @@ TEST(HostileImage, FlippedBitsAreRefusedOrHarmless)
             }
 }
 
-TEST(HostileImage, ScrambledFilesAreRefusedOrHarmless)
-{
-    Victim victim;
-    unsigned int state = 7;
-    const auto next = [&](std::size_t below) { return (state = state * 1664525 + 1013904223) / 65536 % below; };
-    for (const Bytes& file : jpegFiles())
-        for (int round = 0; round < 500; ++round)
-        {
-            Bytes scrambled = file;
-            for (std::size_t n = 1 + next(8); n > 0; --n)
-                scrambled[3 + next(file.size() - 3)] = td::BYTE(next(256));
-            victim.refuses(scrambled);
-        }
-}
-
 // The size is known before the pixels: memory must not be taken on the word of a few bytes.
 TEST(HostileImage, SizesAreCheckedBeforeMemoryIsTaken)
 {

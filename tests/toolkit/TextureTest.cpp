@@ -2,6 +2,7 @@
 #include "support/CapturedLog.h"
 #include "support/CaughtAsserts.h"
 #include "support/Images.h"
+#include "support/OpenFiles.h"
 
 #include <gui/Texture.h>
 
@@ -128,8 +129,7 @@ TEST(Texture, SavesWhatItLoadsAgain)
     const test::ImageFolder folder;
     const std::string path = folder.path("picture.png");
     test::CapturedLog log;
-    const auto nOpenFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
-    const auto nBefore = nOpenFiles();
+    const std::ptrdiff_t nBefore = test::nOpenFiles();
     for (const unsigned short bytesPerPixel : {std::uint16_t(3), std::uint16_t(4)})
     {
         const gui::Texture texture = textureOf(5, 3, bytesPerPixel);
@@ -156,7 +156,7 @@ TEST(Texture, SavesWhatItLoadsAgain)
     EXPECT_TRUE(log.said("ERROR! Texture::saveToFile cannot save file: " + path + " (2 bytes per pixel)"));
     gui::Texture kept;
     EXPECT_TRUE(kept.loadFromFile(path.c_str()));
-    EXPECT_EQ(nOpenFiles(), nBefore);
+    EXPECT_EQ(test::nOpenFiles(), nBefore);
 }
 
 TEST(Texture, RefusedFilesSayWhyAndLeaveTheTexture)

@@ -1,7 +1,4 @@
-#include <td/Circle.h>
 #include <td/Color.h>
-#include <td/PointAndSize.h>
-#include <td/Range.h>
 #include <td/RectNormalized.h>
 
 #include <gtest/gtest.h>
@@ -34,19 +31,6 @@ TEST(ValueTypes, ColoursArePackedWithRedLowest)
     EXPECT_EQ(color.blue(), 252);
     EXPECT_EQ(color.alpha(), 255);
     EXPECT_FALSE(color == td::Color(250, 251, 252, 254));
-}
-
-TEST(ValueTypes, DefaultsAreZeroAndPointsScale)
-{
-    EXPECT_EQ(td::PointAndSize<double>(), td::PointAndSize<double>(0, 0, 0, 0));
-    EXPECT_EQ(td::Circle<float>(), td::Circle<float>({0, 0}, 0));
-    EXPECT_EQ(td::Range<unsigned int>().start + td::Range<unsigned int>().count, 0u);
-    td::PointAndSize<double> frame(1, 2, 3, 4);
-    frame.point.scale(2, -3);
-    EXPECT_EQ(frame, (td::PointAndSize<double>({2, -6}, {3, 4})));
-    td::Point<int> pixel(3, 3);
-    pixel.scale(0.5, 1.5);
-    EXPECT_EQ(pixel, td::Point<int>(1, 4));
 }
 
 } // namespace
