@@ -67,9 +67,9 @@ struct Sample
 
 constexpr Sample cSamples[] = {
     {Size48, "48\tpx", "born free and equal in dignity", 454},
-    {Size24, "24\tpx", "and rights. They are endowed with reason and conscience and should", 499},
-    {Size16, "16\tpx", "act towards one another in a spirit of brotherhood. Everyone is entitled to all the rights and",
-     533},
+    {Size24, "24\tpx", "and rights. They are endowed with reason and conscience and", 499},
+    {Size16, "16\tpx",
+     "should act towards one another in a spirit of brotherhood. Everyone is entitled to all the rights and", 533},
     {Size12, "12\tpx",
      "freedoms set forth in this Declaration, without distinction of any kind, such as race, colour, sex, language, "
      "religion, opinion or origin.",
