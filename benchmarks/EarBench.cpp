@@ -1,6 +1,6 @@
-#include "common/Shapes.h"
-#include "common/TriangReference.h"
-#include "src/common/EarClipper.h"
+#include "shapes/Shapes.h"
+#include "shapes/TriangReference.h"
+#include "src/shapes/ears/EarClipper.h"
 
 #include <common/NaturalEarth.h>
 #include <common/TopoJSON.h>

@@ -1,5 +1,5 @@
-#include "common/Shapes.h"
-#include "common/TriangReference.h"
+#include "shapes/Shapes.h"
+#include "shapes/TriangReference.h"
 
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Triang2D.h>

@@ -1,6 +1,6 @@
 #include "EmptyGL.h"
 
-#include "../tests/common/PlainLayout.h"
+#include "../tests/text/PlainLayout.h"
 
 #include <gui/Texture.h>
 #include <gui/gl/Text.h>

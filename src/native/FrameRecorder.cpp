@@ -1,6 +1,6 @@
 #include "FrameRecorder.h"
 
-#include "../common/FrameReader.h"
+#include "../context/FrameReader.h"
 
 #include <gui/Application.h>
 #include <gui/Texture.h>

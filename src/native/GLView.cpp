@@ -4,7 +4,7 @@
 #include "FrameRecorder.h"
 #include "GLDebug.h"
 
-#include "../common/ViewHelper.h"
+#include "../view/ViewHelper.h"
 
 #include <gui/Key.h>
 #include <gui/Texture.h>

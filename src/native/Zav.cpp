@@ -1,4 +1,4 @@
-#include "../common/Zav.h"
+#include "../view/Zav.h"
 
 #include "EventTranslation.h"
 #include "GLView.h"

@@ -1,6 +1,6 @@
 #include <gui/gl/OffscreenContext.h>
 
-#include "../common/FrameReader.h"
+#include "../context/FrameReader.h"
 #include "../native/PixelFormat.h"
 
 #include <gui/gl/CurrentContext.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Fuzz.h"
-#include "common/TriangReference.h"
+#include "shapes/TriangReference.h"
 
 namespace fuzz
 {

@@ -1,8 +1,8 @@
 // Text of any bytes in any font, laid out beside the plain layout.
 
 #include "Fuzz.h"
-#include "common/PlainLayout.h"
 #include "support/GLTrace.h"
+#include "text/PlainLayout.h"
 
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Text.h>

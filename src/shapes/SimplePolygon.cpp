@@ -1,7 +1,7 @@
 #include <gui/gl/SimplePolygon.h>
 
-#include "EarClipper.h"
 #include "Predicates.h"
+#include "ears/EarClipper.h"
 
 #include <algorithm>
 #include <numeric>

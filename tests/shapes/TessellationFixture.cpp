@@ -1,6 +1,6 @@
 #include "TessellationFixture.h"
 
-#include "src/common/Band.h"
+#include "src/shapes/Band.h"
 
 #include <epoxy/gl.h>
 

@@ -76,7 +76,7 @@ TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
     {
         refused.call();
         EXPECT_TRUE(asserts.caught(refused.condition));
-        EXPECT_EQ(asserts.lastFile(), td::cAssertReports ? "src/common/Context.cpp" : "");
+        EXPECT_EQ(asserts.lastFile(), td::cAssertReports ? "src/context/Context.cpp" : "");
     }
     EXPECT_TRUE(trace.only({}));
 }

@@ -1,6 +1,6 @@
 #include "CornerTree.h"
 
-#include "Lanes.h"
+#include "../../simd/Lanes.h"
 
 #include <algorithm>
 #include <limits>

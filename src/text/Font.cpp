@@ -1,8 +1,8 @@
 #include <gui/gl/Font.h>
 
+#include "../gpu/ProgHelper.h"
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
-#include "ProgHelper.h"
 
 #include <gui/gl/Color.h>
 #include <gui/gl/Context.h>

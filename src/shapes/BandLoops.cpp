@@ -1,7 +1,7 @@
 #include "BandLoops.h"
 
-#include "BestLoops.h"
-#include "Lanes.h"
+#include "../simd/BestLoops.h"
+#include "../simd/Lanes.h"
 
 // Formulas stand as they do in OutlineVectors.cpp: no other way to write them gives the same bits. Compiled once for any
 // machine and once for AVX2.

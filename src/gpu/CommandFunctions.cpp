@@ -1,7 +1,7 @@
 #include <gui/gl/Command.h>
 
-#include "CommandCounter.h"
-#include "CountedGL.h"
+#include "../context/CommandCounter.h"
+#include "../context/CountedGL.h"
 #include "ProgHelper.h"
 #include "UniformPacking.h"
 

@@ -1,4 +1,4 @@
-#include "src/common/SphereLoops.h"
+#include "src/shapes/SphereLoops.h"
 #include "support/NullGL.h"
 
 #include <gui/gl/Buffer.h>

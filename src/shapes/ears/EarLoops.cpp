@@ -1,6 +1,6 @@
 #include "EarLoops.h"
 
-#include "BestLoops.h"
+#include "../../simd/BestLoops.h"
 #include "CornerSearch.h"
 #include "CornerSet.h"
 #include "EarTriangle.h"

@@ -9,8 +9,8 @@
 // All other text is left to the plain way, and so is what follows malformed bytes.
 #include <gui/gl/Font.h>
 
+#include "../simd/Lanes.h"
 #include "GlyphTable.h"
-#include "Lanes.h"
 #include "LayoutMemo.h"
 #include "Pen.h"
 

@@ -2,7 +2,7 @@
 
 #include "Shapes.h"
 #include "TriangReference.h"
-#include "src/common/BandLoops.h"
+#include "src/shapes/BandLoops.h"
 #include "support/NullGL.h"
 
 #include <gui/gl/Buffer.h>

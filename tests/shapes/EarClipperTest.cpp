@@ -1,7 +1,7 @@
 #include "Shapes.h"
 #include "TriangReference.h"
 
-#include "src/common/EarClipper.h"
+#include "src/shapes/ears/EarClipper.h"
 
 #include <gtest/gtest.h>
 

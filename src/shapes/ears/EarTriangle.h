@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Lanes.h"
+#include "../../simd/Lanes.h"
 
 namespace gui::gl
 {

@@ -1,7 +1,7 @@
 #include "SphereLoops.h"
 
-#include "BestLoops.h"
-#include "Lanes.h"
+#include "../simd/BestLoops.h"
+#include "../simd/Lanes.h"
 
 // Several vertices at a time. Compiled once for any machine and once for AVX2.
 
