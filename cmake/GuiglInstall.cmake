@@ -53,20 +53,4 @@ install(FILES ${guigl_BINARY_DIR}/guigl.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT development)
 
-install(FILES ${guigl_SOURCE_DIR}/README.md ${guigl_SOURCE_DIR}/CHANGELOG.md
-    DESTINATION ${CMAKE_INSTALL_DOCDIR}
-    COMPONENT documentation)
-install(DIRECTORY ${guigl_SOURCE_DIR}/docs
-    DESTINATION ${CMAKE_INSTALL_DOCDIR}
-    COMPONENT documentation
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
-# The pages show what the tests compare with.
-install(DIRECTORY ${guigl_SOURCE_DIR}/tests/references
-    DESTINATION ${CMAKE_INSTALL_DOCDIR}/tests
-    COMPONENT documentation
-    FILES_MATCHING PATTERN "hello.png" PATTERN "plane.png" PATTERN "sphere.png" PATTERN "tour-*.png" PATTERN "guide-*.png")
-# The sources that build by themselves, each with CMake lines of its own.
-install(DIRECTORY ${guigl_SOURCE_DIR}/examples/first/
-    DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-    COMPONENT examples
-    REGEX "/first/CMakeLists.txt$" EXCLUDE)
+include(GuiglDocs)

@@ -1,5 +1,6 @@
 # Compares README.md and the pages in docs with the tree SOURCE. With PROGRAM and PAGE it runs that program and compares
-# what it prints with the page's text blocks, and nothing else.
+# what it prints with the page's text blocks, and nothing else. With INSTALLED it follows the links of the documentation
+# installed there, and nothing else.
 cmake_minimum_required(VERSION 3.25)
 
 # Every block of code stands, character by character, in the file that the line before it links to. Blocks for the shell
@@ -155,6 +156,18 @@ if(DEFINED PROGRAM)
     # Builds with assertions say more.
     string(REGEX REPLACE "[^\n]* asserts: [^\n]*\n" "" printed "${printed}")
     check_blocks(${SOURCE}/docs/${PAGE}.md)
+    return()
+endif()
+
+if(DEFINED INSTALLED)
+    file(GLOB pages ${INSTALLED}/*.md ${INSTALLED}/docs/*.md)
+    list(LENGTH pages nPages)
+    if(nPages LESS 10)
+        message(SEND_ERROR "${INSTALLED} has ${nPages} pages")
+    endif()
+    foreach(page IN LISTS pages)
+        check_links(${page})
+    endforeach()
     return()
 endif()
 

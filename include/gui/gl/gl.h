@@ -1,6 +1,24 @@
 #pragma once
 
-/// All of gui::gl.
+/// All of gui::gl. STEP BY STEP, a program that draws:
+///
+///  1. `gui::Application app(argc, argv);` first of all in main: it finds the window system.
+///  2. Derive from View; from OrthoView for a plane to pan and zoom, from CameraView for space to fly through.
+///  3. Give it, as members, a Buffer with its layout and a program: Flat2DProgram, Color2DProgram, or your own Program.
+///  4. `view.createContext(...)` makes the GL context and calls onInit; before it, nothing has one.
+///  5. In onInit fill the buffer: appendShape, addCube, addSphere, Triang2D for polygons and thick lines.
+///  6. In onInit, too, link the program, and load images (Textures) and fonts (Text::init).
+///  7. In onDraw clear (Context::clear), then `program.draw(buffer, getProjection())`, then `text.render(...)`.
+///  8. `return app.run(view, "Title", {640, 400});` shows the view and serves it until its window closes.
+///  9. When something changed, reDraw asks for a frame; startAnimation has one drawn at each beat of the display.
+/// 10. Nothing to clean up: members delete their GL objects. What went wrong is a line in the log (vo::setLogSink).
+///
+/// A Command changes a shape's colour or texture; a CommandList, which a Buffer has, replays them. An OffscreenContext
+/// draws pictures without a view. GL calls of your own are welcome wherever a context is current.
+///
+/// What it does not do: it keeps no scene, fills no polygon with holes and smooths no edge; it lays out text from left
+/// to right without kerning, ligatures or letters that join; it has no buttons, menus or layout of widgets; and all of
+/// it is for one thread, the GUI thread.
 
 #include "Buffer.h"
 #include "Camera.h"
