@@ -15,8 +15,7 @@ function(guigl_settings target)
         $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
         -ffp-contract=off
         -ffile-prefix-map=${guigl_SOURCE_DIR}/=)
-    # clang, which fuzzing needs, has warnings of its own.
-    if(PROJECT_IS_TOP_LEVEL AND NOT GUIGL_FUZZ)
+    if(GUIGL_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
 endfunction()

@@ -31,11 +31,12 @@ struct Broken : std::runtime_error
 
 std::string numbered(const char* thing, std::size_t number) { return thing + (' ' + std::to_string(number)); }
 
-const json& member(const json& parent, const std::string& name, json::value_t type, const std::string& where)
+const json& member(const json& parent, std::string_view name, json::value_t type, std::string_view where)
 {
     const auto it = parent.find(name);
     if (it == parent.end() || it->type() != type)
-        fail(where + " has no " + (type == json::value_t::array ? "list \"" : "\"") + name + '"');
+        fail(std::string(where) + " has no " + (type == json::value_t::array ? "list \"" : "\"") + std::string(name) +
+             '"');
     return *it;
 }
 
