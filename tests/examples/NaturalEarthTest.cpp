@@ -20,12 +20,6 @@ double longestStep(const NaturalEarth::Outline& outline)
     return longest;
 }
 
-TEST(NaturalEarth, TheMapFillsItsHalves)
-{
-    EXPECT_NEAR(NaturalEarth::project(180, 0).x, NaturalEarth::cHalfWidth, 1e-6);
-    EXPECT_NEAR(NaturalEarth::project(0, -90).y, -NaturalEarth::cHalfHeight, 1e-6);
-}
-
 // An island across the map's edge must not be drawn from one side of the map to the other.
 TEST(NaturalEarth, AnIslandAcrossTheEdgeStaysInOnePiece)
 {

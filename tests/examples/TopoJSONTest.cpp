@@ -34,23 +34,6 @@ std::string repeated(const std::string& part, int n)
     return text;
 }
 
-TEST(TopoJSON, ReadsTheWorld)
-{
-    std::span<const td::BYTE> file;
-    ASSERT_TRUE(gui::Res::getCompiled("worldmap/countries-50m.json", file));
-    TopoJSON world;
-    ASSERT_TRUE(world.load({reinterpret_cast<const char*>(file.data()), file.size()}, "countries"));
-
-    EXPECT_EQ(world.getAreas().size(), 241U);
-    EXPECT_EQ(world.getNoOfRings(), 1629U);
-    std::size_t nPoints = 0;
-    for (const TopoJSON::Area& area : world.getAreas())
-        for (const TopoJSON::Polygon& polygon : area.polygons)
-            for (const TopoJSON::Ring& ring : polygon)
-                nPoints += ring.size();
-    EXPECT_EQ(nPoints, 99'539U - 1629U);
-}
-
 TEST(TopoJSON, SharedArcsAreReadBothWays)
 {
     TopoJSON two;

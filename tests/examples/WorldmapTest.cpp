@@ -1,8 +1,11 @@
 #include "World.h"
 
-#include <worldmap/Coloring.h>
+#include "support/GLTrace.h"
+#include "support/OffscreenGL.h"
 
-#include <gtest/gtest.h>
+#include <worldmap/Coloring.h>
+#include <worldmap/Labels.h>
+#include <worldmap/Legend.h>
 
 #include <algorithm>
 #include <array>
@@ -11,69 +14,17 @@
 namespace
 {
 
-using examples::TopoJSON;
 using test::world;
 using worldmap::Countries;
+using worldmap::Labels;
+using worldmap::Legend;
+using worldmap::Outlook;
 using worldmap::Projection;
 
 std::string nameAt(const td::Point<double>& degrees)
 {
     const std::size_t country = world().find(degrees);
     return country == Countries::cNone ? "" : world().getCountries()[country].name;
-}
-
-// A honeycomb, in which every cell has six neighbours: as many as the cells of a large map can have on average.
-std::vector<TopoJSON::Border> honeycomb(std::size_t side)
-{
-    std::vector<TopoJSON::Border> borders;
-    for (std::size_t row = 0; row < side; ++row)
-        for (std::size_t column = 0; column < side; ++column)
-        {
-            const std::size_t cell = row * side + column;
-            if (column + 1 < side)
-                borders.push_back({{cell, cell + 1}, {}});
-            if (row + 1 < side)
-                borders.push_back({{cell, cell + side}, {}});
-            if (row + 1 < side && column > 0)
-                borders.push_back({{cell + side - 1, cell}, {}});
-        }
-    return borders;
-}
-
-// Ten rings of neighbours around one country, each ring bordering the next.
-std::vector<TopoJSON::Border> rings(std::size_t n)
-{
-    std::vector<TopoJSON::Border> borders;
-    for (std::size_t cell = 1; cell <= 10 * n; ++cell)
-    {
-        borders.push_back({{cell > n ? cell - n : 0, cell}, {}});
-        borders.push_back({{cell, cell % n == 0 ? cell - n + 1 : cell + 1}, {}});
-    }
-    return borders;
-}
-
-TEST(Worldmap, NeighboursHaveDifferentColors)
-{
-    const struct
-    {
-        const char* name;
-        std::size_t nAreas;
-        std::vector<TopoJSON::Border> borders;
-    } maps[] = {
-        {"honeycomb", 400, honeycomb(20)},
-        {"rings of odd length", 71, rings(7)},
-        {"long rings", 1001, rings(100)},
-        {"three at one arc", 4, {{{0, 1, 2}, {}}, {{1, 3}, {}}}},
-    };
-    for (const auto& map : maps)
-    {
-        const std::vector<std::size_t> colors = worldmap::color(map.nAreas, map.borders);
-        ASSERT_EQ(colors.size(), map.nAreas);
-        EXPECT_LT(*std::max_element(colors.begin(), colors.end()), worldmap::cNoOfColors) << map.name;
-        for (const TopoJSON::Border& border : map.borders)
-            for (std::size_t i = 1; i < border.areas.size(); ++i)
-                EXPECT_NE(colors[border.areas[i - 1]], colors[border.areas[i]]) << map.name;
-    }
 }
 
 // On the real map, which is found by looking at both sides of every border.
@@ -132,66 +83,137 @@ TEST(Worldmap, PointsAreFoundInTheirCountries)
         EXPECT_EQ(nameAt(point.degrees), point.country) << point.degrees.x << ' ' << point.degrees.y;
 }
 
-// Every hole but the one around the pole is there for another country, which is drawn later.
-TEST(Worldmap, HolesBelongToTheCountriesInThem)
+class WorldmapLabelsTest : public test::OffscreenGL
 {
-    std::size_t nHoles = 0;
-    const std::vector<worldmap::Ring>& rings = world().getRings();
-    for (auto hole = rings.begin(); hole != rings.end(); ++hole)
+protected:
+    void SetUp() override
     {
-        if (!hole->isHole)
-            continue;
-        ++nHoles;
-        const auto filling =
-            std::find_if(hole + 1, rings.end(),
-                         [&](const worldmap::Ring& ring) { return !ring.isHole && ring.box.min == hole->box.min; });
-        ASSERT_NE(filling, rings.end());
-        EXPECT_NE(filling->country, hole->country);
+        OffscreenGL::SetUp();
+        ASSERT_TRUE(labels.init());
+        ASSERT_TRUE(legend.init());
+    }
+
+    static Outlook outlookAt(Projection projection, double zoom, const td::Point<double>& degrees, float scale = 1)
+    {
+        constexpr td::Size<double> cSize(640, 360);
+        const td::Point<double> middle = worldmap::project(projection, degrees);
+        const double x = cSize.width / 2 / zoom, y = cSize.height / 2 / zoom;
+        return {projection, {{middle.x - x, middle.y - y}, {middle.x + x, middle.y + y}}, cSize, scale};
+    }
+
+    void draw(const Outlook& outlook) { labels.draw(outlook, Legend::boxesIn(outlook)); }
+
+    bool isShown(const std::string& name) const
+    {
+        return std::any_of(labels.getShown().begin(), labels.getShown().end(),
+                           [&](const Labels::Shown& shown)
+                           { return world().getCountries()[shown.country].name == name; });
+    }
+
+    Labels labels{world()};
+    Legend legend;
+};
+
+TEST_F(WorldmapLabelsTest, NamesHaveRoomWhereTheyBelong)
+{
+    const struct
+    {
+        Projection projection;
+        double zoom;
         td::Point<double> middle;
-        for (const td::Point<double>& point : hole->line.points)
-            middle = {middle.x + point.x / static_cast<double>(hole->line.points.size()),
-                      middle.y + point.y / static_cast<double>(hole->line.points.size())};
-        EXPECT_EQ(world().find(middle), filling->country) << world().getCountries()[hole->country].name;
-    }
-    EXPECT_EQ(nHoles, 12U);
-}
+        std::vector<std::string> shown, hidden;
+    } cases[] = {
+        {Projection::Equirectangular, 1.7, {11, 0}, {"Russia", "China", "Brazil"}, {"Lesotho", "France", "Malta"}},
+        {Projection::Mercator, 14, {14, 51}, {"Germany", "France", "Austria", "Russia"}, {"Vatican", "Monaco"}},
+        {Projection::Equirectangular, 30, {28.2, -29.5}, {"South Africa", "Lesotho"}, {"eSwatini"}},
+        {Projection::Mercator, 60, {28.2, -29.5}, {"South Africa", "Lesotho", "eSwatini"}, {"Botswana"}},
+        {Projection::Mercator, 390, {28.2, -29.5}, {"Lesotho"}, {"Mozambique"}},
+        {Projection::Mercator, 20, {178, -18}, {"Fiji"}, {}},               // beside it
+        {Projection::Mercator, 300, {12.45, 43.2}, {"Italy"}, {"Vatican"}}, // far from the country's middle
+        {Projection::Equirectangular, 4, {60, 60}, {"Russia", "Kazakhstan"}, {}},
+    };
+    for (const auto& c : cases)
+        for (const float scale : {1.0F, 1.5F, 2.0F})
+        {
+            SCOPED_TRACE(testing::Message()
+                         << c.middle.x << ' ' << c.middle.y << " zoom " << c.zoom << " scale " << scale);
+            const Outlook outlook = outlookAt(c.projection, c.zoom, c.middle, scale);
+            draw(outlook);
+            for (const std::string& name : c.shown)
+                EXPECT_TRUE(isShown(name)) << name;
+            for (const std::string& name : c.hidden)
+                EXPECT_FALSE(isShown(name)) << name;
 
-// Islands across the maps' edge are on both of its sides.
-TEST(Worldmap, WhatReachesAcrossTheEdgeIsThereTwice)
-{
-    std::size_t nTwice = 0;
-    for (const worldmap::Ring& ring : world().getRings())
-    {
-        if (ring.box.max.x <= 191 || !ring.line.isLoop)
-            continue;
-        ++nTwice;
-        const auto isOther = [&](const worldmap::Ring& other)
-        { return other.country == ring.country && std::abs(other.box.min.x - ring.box.min.x + 360) < 1e-9; };
-        EXPECT_TRUE(std::any_of(world().getRings().begin(), world().getRings().end(), isOther));
-    }
-    EXPECT_GT(nTwice, 0U);
-}
-
-TEST(Worldmap, ProjectionsGoBothWays)
-{
-    for (const Projection projection : {Projection::Equirectangular, Projection::Mercator})
-    {
-        const worldmap::Box sheet = worldmap::sheetOf(projection);
-        for (double y = -84; y <= 84; y += 12)
-            for (double x = -169; x <= 191; x += 45)
+            std::vector<Labels::Box> boxes = Legend::boxesIn(outlook);
+            for (const Labels::Shown& shown : labels.getShown())
             {
-                const td::Point<double> point = worldmap::project(projection, {x, y});
-                const td::Point<double> back = worldmap::unproject(projection, point);
-                EXPECT_NEAR(back.x, x, 1e-9);
-                EXPECT_NEAR(back.y, y, 1e-9);
-                EXPECT_EQ(sheet.contains(point), projection == Projection::Equirectangular || y > -78);
-                // As high as wide everywhere, which is what Mercator is for.
-                const double height = (worldmap::project(projection, {x, y + 1e-6}).y - point.y) / 1e-6;
-                const double expected = projection == Projection::Mercator ? 1 / std::cos(y * std::acos(-1) / 180) : 1;
-                EXPECT_NEAR(height, expected, 1e-4 * expected);
+                const std::string& name = world().getCountries()[shown.country].name;
+                const Labels::Box& box = shown.box;
+                EXPECT_TRUE(box.left >= 0 && box.top >= 0 && box.right <= 640 * scale && box.bottom <= 360 * scale)
+                    << name;
+                for (const Labels::Box& other : boxes)
+                    EXPECT_FALSE(box.overlaps(other)) << name;
+                boxes.push_back(box);
+                const auto x = static_cast<double>((box.left + box.right) / 2 / scale);
+                const auto y = static_cast<double>((box.top + box.bottom) / 2 / scale);
+                const std::size_t found = world().find(outlook.toDegrees({x, y}));
+                EXPECT_TRUE(found == shown.country || found == Countries::cNone) << name;
             }
-        EXPECT_GT(worldmap::project(projection, {0, -90}).y, -200) << "a pole is no farther than is of use";
+        }
+}
+
+TEST_F(WorldmapLabelsTest, TheLegendTellsLengthsAndPlaces)
+{
+    const struct
+    {
+        double length, round;
+    } lengths[] = {{1, 1}, {1.9, 1}, {2, 2}, {4.9, 2}, {5, 5}, {9.9, 5}, {10, 10}, {119, 100}, {4999, 2000}};
+    for (const auto& c : lengths)
+        EXPECT_NEAR(worldmap::roundLength(c.length), c.round, 1e-9) << c.length;
+
+    const struct
+    {
+        Projection projection;
+        double zoom;
+        td::Point<double> middle;
+        const char* length; // of at most 120 points, a degree of the equator being 111.2 km
+        const char* place;
+    } cases[] = {
+        {Projection::Equirectangular, 1.7, {11, 0}, "5000 km", "11.00\u00b0 E  0.00\u00b0 N"},
+        {Projection::Equirectangular, 60, {28.2, -29.5}, "100 km", "28.20\u00b0 E  29.50\u00b0 S"},
+        {Projection::Mercator, 60, {-20, 64}, "50 km", "20.00\u00b0 W  64.00\u00b0 N"},
+        {Projection::Mercator, 400, {190, 0}, "20 km", "170.00\u00b0 W  0.00\u00b0 N"},
+        {Projection::Equirectangular, 10, {0, 95}, "100 km", ""},
+    };
+    for (const auto& c : cases)
+    {
+        legend.draw(outlookAt(c.projection, c.zoom, c.middle), td::Point<double>(320, 180), "");
+        EXPECT_EQ(legend.getScaleText(), c.length);
+        EXPECT_EQ(legend.getPlaceText(), c.place);
     }
+    legend.draw(outlookAt(Projection::Mercator, 60, {0, 0}), std::nullopt, "");
+    EXPECT_EQ(legend.getPlaceText(), "");
+}
+
+// Text that is laid out again is uploaded again.
+TEST_F(WorldmapLabelsTest, TextIsLaidOutOnlyWhenSomethingChanged)
+{
+    const Outlook outlook = outlookAt(Projection::Mercator, 14, {14, 51}),
+                  moved = outlookAt(Projection::Mercator, 14, {15, 51});
+    const td::Point<double> pointer(300, 100);
+    const auto drawAll = [&](const Outlook& now, const td::Point<double>& place)
+    {
+        test::GLTrace trace(test::GLTrace::Forward);
+        draw(now);
+        const std::size_t nLabels = trace.count("glBufferData");
+        legend.draw(now, place, "Germany");
+        return std::pair(nLabels > 0, trace.count("glBufferData") > nLabels);
+    };
+    EXPECT_EQ(drawAll(outlook, pointer), std::pair(true, true));
+    EXPECT_EQ(drawAll(outlook, pointer), std::pair(false, false));
+    EXPECT_EQ(drawAll(outlook, {301, 100}), std::pair(false, true));
+    EXPECT_EQ(drawAll(moved, {301, 100}), std::pair(true, true));
+    EXPECT_EQ(drawAll(moved, {301, 100}), std::pair(false, false));
 }
 
 } // namespace
