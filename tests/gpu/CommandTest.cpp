@@ -240,16 +240,16 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
     two.setTexture(Textures::Unit::T1, 2);
     three.setTexture(Textures::Unit::T1, 3);
     far.setTexture(Textures::Unit::T1, static_cast<char>(200)); // negative as a char
-    otherUnit.setTexture(Textures::Unit::T0, 2);
+    otherUnit.setTexture(Textures::Unit::T0, 4);                // as many together as the one before
     for (Command* command : {&two, &three, &far, &otherUnit})
         ASSERT_TRUE(command->encode());
-    for (Command* command : {&two, &two, &three, &far, &otherUnit})
+    for (Command* command : {&two, &two, &three, &otherUnit, &far})
         EXPECT_TRUE(command->execute());
     const std::string draw = "glDrawArrays(4, 0, 3)";
     const std::string unit1 = "glActiveTexture(0x84c1)";
-    EXPECT_TRUE(
-        trace.only({unit1, "glBindTexture(0xde1, 3)", draw, draw, unit1, "glBindTexture(0xde1, 4)", draw, unit1,
-                    "glBindTexture(0xde1, 201)", draw, "glActiveTexture(0x84c0)", "glBindTexture(0xde1, 3)", draw}));
+    EXPECT_TRUE(trace.only({unit1, "glBindTexture(0xde1, 3)", draw, draw, unit1, "glBindTexture(0xde1, 4)", draw,
+                            "glActiveTexture(0x84c0)", "glBindTexture(0xde1, 5)", draw, unit1,
+                            "glBindTexture(0xde1, 201)", draw}));
 
     // Appending binds other textures where the command's was.
     ASSERT_TRUE(textures.append({&dot}, gui::gl::Texture::Type::Tex2D));
