@@ -80,7 +80,7 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     } incomplete{pNative, pView};
 
     pNative->_pSurface =
-        makeSurface(*pNative, *pNative, context, pGeometry != nullptr ? pGeometry->size : cInitialSize);
+        makeSurface(*pNative, buildPixelFormat(context), pGeometry != nullptr ? pGeometry->size : cInitialSize);
     if (pNative->_pSurface == nullptr || !pNative->makeCurrentContext())
         return nullptr;
     // With the handle in place, onInit can use the whole view.
@@ -154,7 +154,6 @@ void GLView::enteredWindow()
     const Busy busy(*this);
     _isInWindow = true;
     updateViewport();
-    _pSurface->setTracking(getTrackingOptions(_events));
     startAnimation();
     _backingScale = _pSurface->getBackingScale();
     updateGeometry();
@@ -175,13 +174,6 @@ void GLView::windowClosed()
     cleanResources();
 }
 
-void GLView::handleEvent(const void* pEvent)
-{
-    const Busy busy(*this);
-    if (_pSurface != nullptr && _pCppView != nullptr)
-        _pSurface->handleEvent(pEvent);
-}
-
 bool GLView::updateViewport()
 {
     const td::Size<int> viewport = _pSurface->getDrawableSize();
@@ -198,8 +190,7 @@ bool GLView::updateGeometry()
     const td::Size<double> size = _pSurface->getSize();
     if (std::exchange(_size, size) == size)
         return false;
-    if (_sendGeometryChanges)
-        gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
+    gui::BaseViewHelper(_pCppView).onGeometryChange({{0, 0}, size});
     return true;
 }
 
@@ -212,20 +203,20 @@ void GLView::tellScale()
     helper.setPixelHiDPISizeScale(_backingScale);
 }
 
-void GLView::onResize()
+void GLView::sizeChanged()
 {
     if (_pCppView == nullptr || !_pSurface->followWindow())
         return;
     const Busy busy(*this);
     const bool isViewportNew = updateViewport();
     const bool isSizeNew = updateGeometry();
-    if (isSizeNew && _sendResizeEvent && _pCppView != nullptr && makeCurrentContext())
+    if (isSizeNew && _pCppView != nullptr && makeCurrentContext())
         ViewHelper(_pCppView).onResize(_size);
     if (isSizeNew || isViewportNew)
         reDraw();
 }
 
-void GLView::onScaleChange()
+void GLView::scaleChanged()
 {
     if (_pCppView == nullptr || !_pSurface->followWindow())
         return;
@@ -241,14 +232,12 @@ void GLView::onScaleChange()
 
 // Drawing.
 
-void GLView::onExpose()
+void GLView::drawNow()
 {
     td::Size<double> size;
     getSize(size);
     drawRect({0, 0, size.width, size.height});
 }
-
-void GLView::onFrameTick() { onExpose(); }
 
 void GLView::drawRect(const td::RectNormalized<double>& rect)
 {
@@ -370,13 +359,13 @@ InputDevice clickRecord(const ButtonEvent& event, InputDevice::Button button, un
 
 } // namespace
 
-bool GLView::onButton(const ButtonEvent& event)
+void GLView::onButton(const ButtonEvent& event)
 {
     const bool isSecondaryWanted = has(InputDevice::Event::SecondaryClicks);
     const bool isPrimaryWanted = has(InputDevice::Event::PrimaryClicks);
     const bool isCtrl = gui::isCtrlPressed(event.modifiers);
     if (event.button == ButtonEvent::Button::Left && event.isDown && !event.isLeftDown && !isCtrl)
-        return true; // a press that is over already
+        return; // a press that is over already
     const Busy busy(*this);
     ViewHelper helper(_pCppView);
 
@@ -386,29 +375,28 @@ bool GLView::onButton(const ButtonEvent& event)
     if (isSecondary)
     {
         if (!isSecondaryWanted || !makeCurrentContext())
-            return false;
+            return;
         const InputDevice device = clickRecord(event, InputDevice::Button::Secondary, event.nClicks);
         if (event.isDown)
             helper.onSecondaryButtonPressed(device);
         else
             helper.onSecondaryButtonReleased(device);
-        return false;
+        return;
     }
     if (!isPrimaryWanted || !makeCurrentContext())
-        return false;
+        return;
     if (!event.isDown)
         helper.onPrimaryButtonReleased(clickRecord(event, InputDevice::Button::Primary, event.nClicks));
     else if (event.nClicks == 2)
         helper.onPrimaryButtonDblClick(clickRecord(event, InputDevice::Button::Primary, 1));
     else
         helper.onPrimaryButtonPressed(clickRecord(event, InputDevice::Button::Primary, event.nClicks));
-    return false;
 }
 
-bool GLView::onMotion(const MotionEvent& event)
+void GLView::onMotion(const MotionEvent& event)
 {
     if (_pCppView == nullptr)
-        return false;
+        return;
     const Busy busy(*this);
     ViewHelper helper(_pCppView);
     switch (event.kind)
@@ -431,7 +419,6 @@ bool GLView::onMotion(const MotionEvent& event)
             helper.onCursorExited(pointerRecord(event.point, event.modifiers, InputDevice::Button::None));
         break;
     }
-    return false;
 }
 
 bool GLView::onWheel(const WheelEvent& event)
@@ -451,10 +438,10 @@ bool GLView::onWheel(const WheelEvent& event)
     return true;
 }
 
-bool GLView::onMagnification(const MagnificationEvent& event)
+void GLView::onMagnification(const MagnificationEvent& event)
 {
     if (!has(InputDevice::Event::ScrollAndZoom) || !makeCurrentContext())
-        return false;
+        return;
     const Busy busy(*this);
     td::Size<double> size;
     getSize(size);
@@ -462,7 +449,6 @@ bool GLView::onMagnification(const MagnificationEvent& event)
     InputDevice device(centre, centre, centre, event.modifiers, InputDevice::Type::Gesture, InputDevice::Button::None);
     gui::InputDeviceHelper(&device).setScale(getGestureZoomFactor(event.magnification));
     ViewHelper(_pCppView).onZoom(device);
-    return true;
 }
 
 bool GLView::onKey(const KeyEvent& event)
@@ -475,6 +461,8 @@ bool GLView::onKey(const KeyEvent& event)
 }
 
 bool GLView::acceptsFirstResponder() const { return has(InputDevice::Event::Keyboard); }
+
+std::uint64_t GLView::getTrackingOptions() const { return gui::gl::getTrackingOptions(_events); }
 
 void GLView::onFocus(bool hasFocus)
 {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "NativeSurface.h"
+#include <gui/gl/port/PixelFormat.h>
 
 #include <gui/Cursor.h>
 #include <gui/InputDevice.h>
-#include <gui/NativeView.h>
 #include <gui/gl/Context.h>
 #include <td/Export.h>
 #include <td/PointAndSize.h>
@@ -29,14 +29,13 @@ class View;
 ///
 /// It belongs to the view's handle; release deletes it. When it is released from inside one of its own calls up into
 /// the view, it goes at the end of that call.
-class GUIGL_API GLView : public gui::NativeView, public NativeSurfaceClient
+class GUIGL_API GLView : public NativeSurfaceClient
 {
 public:
-    /// Makes a surface for a client, with a context for these settings and an initial size in points.
+    /// Makes a surface for a client, with a context of this format and an initial size in points.
     /// @return null, after a log line that says why, when there is no such context
-    using SurfaceFactory =
-        std::function<std::unique_ptr<NativeSurface>(NativeSurfaceClient& client, gui::NativeView& nativeView,
-                                                     const Context& context, const td::Size<double>& size)>;
+    using SurfaceFactory = std::function<std::unique_ptr<NativeSurface>(
+        NativeSurfaceClient& client, const PixelFormat& format, const td::Size<double>& size)>;
 
     /// @param pView      not owned; gets this as its handle before its onInit is called
     /// @param pGeometry  in points; null means 300 by 300 at (0, 0)
@@ -53,22 +52,20 @@ public:
     void enteredWindow() override;
     void leftWindow() override;
     void windowClosed() override;
-    void handleEvent(const void* pEvent) override;
-    void sizeChanged() override { onResize(); }
-    void scaleChanged() override { onScaleChange(); }
-    void drawNow() override { onExpose(); }
+    void sizeChanged() override;
+    void scaleChanged() override;
+    void drawNow() override;
+    void onFrameTick() override { drawNow(); }
 
     // The surface's side.
-    bool onButton(const ButtonEvent& event) override;
-    bool onMotion(const MotionEvent& event) override;
+    void onButton(const ButtonEvent& event) override;
+    void onMotion(const MotionEvent& event) override;
     bool onWheel(const WheelEvent& event) override;
-    bool onMagnification(const MagnificationEvent& event) override;
+    void onMagnification(const MagnificationEvent& event) override;
     bool onKey(const KeyEvent& event) override;
     void onFocus(bool hasFocus) override;
-    void onFrameTick() override;
-    void onExpose() override;
-    void onResize() override;
-    void onScaleChange() override;
+    bool acceptsFirstResponder() const override;
+    std::uint64_t getTrackingOptions() const override;
 
     // The library's view's side.
     bool makeCurrentContext();
@@ -79,7 +76,6 @@ public:
     void cleanResources();
     int getOpenGLVersion(int& minor) const;
 
-    bool acceptsFirstResponder() const;
     bool hasFrameClock() const { return _hasFrameClock; }
 
 private:
@@ -107,8 +103,6 @@ private:
     unsigned int _screenFrameBufferID = 0;
     unsigned short _events;
     gui::Cursor::Type _currentCursorType = gui::Cursor::Type::Default;
-    bool _sendGeometryChanges = true;
-    bool _sendResizeEvent = true;
     bool _continuousRender;
     bool _sendFocusEvents = false;
     bool _hasFrameClock = false;

@@ -3,6 +3,7 @@
 #include "SurfaceEvents.h"
 
 #include <gui/Cursor.h>
+#include <gui/NativeView.h>
 #include <td/Export.h>
 #include <td/Size.h>
 
@@ -11,24 +12,29 @@
 namespace gui::gl
 {
 
-/// Whom a surface reports to: one operation for each kind of event. Each answers whether the event is used up; when it
-/// is not, the window system or the host may handle it in its own way.
-class NativeSurfaceClient
+/// Whom a surface reports input to: one operation for each kind of event. What the view's code does in there may end the
+/// view and its surface with it, so nothing of the surface is to be touched behind such a call without a look whether it
+/// is still there.
+class GUIGL_API NativeSurfaceClient : public gui::NativeView
 {
 public:
-    virtual bool onButton(const ButtonEvent& event) = 0;
-    virtual bool onMotion(const MotionEvent& event) = 0;
+    virtual void onButton(const ButtonEvent& event) = 0;
+    virtual void onMotion(const MotionEvent& event) = 0;
+    /// @return whether the event is used up; if it is not, a host may handle it in its own way
     virtual bool onWheel(const WheelEvent& event) = 0;
-    virtual bool onMagnification(const MagnificationEvent& event) = 0;
+    virtual void onMagnification(const MagnificationEvent& event) = 0;
+    /// @return as onWheel
     virtual bool onKey(const KeyEvent& event) = 0;
     virtual void onFocus(bool hasFocus) = 0;
-    virtual void onFrameTick() = 0;
-    virtual void onExpose() = 0;
-    virtual void onResize() = 0;
-    virtual void onScaleChange() = 0;
+
+    /// Whether the view takes keys.
+    virtual bool acceptsFirstResponder() const = 0;
+    /// Which pointer events the view wants, as bits: 0x04 cursor updates, 0x80 always active and 0x200 over what is
+    /// visible, these always; 0x02 motion; 0x01 entering and leaving. A surface that gets them all anyway need not care.
+    virtual std::uint64_t getTrackingOptions() const = 0;
 
 protected:
-    ~NativeSurfaceClient() = default;
+    ~NativeSurfaceClient() override = default;
 };
 
 /// The port to a window system: what a GL view draws into, with its context. One is made for each view, and destroyed
@@ -50,18 +56,13 @@ public:
     virtual td::Size<int> getDrawableSize() const = 0; ///< device pixels
     /// The GL name of the framebuffer that is presented. The context is current.
     virtual unsigned int getDefaultFramebuffer() const = 0;
-    /// Asks for an onExpose at the next opportunity; several requests before it are one.
+    /// Asks for a drawNow at the next opportunity; several requests before it are one.
     virtual void setNeedsDisplay() = 0;
 
     /// The window that gui::Window adopts; null when the surface has none to give away.
     virtual void* getNativeWindow() const { return nullptr; }
-    /// An event of the window system, in its own form, for the surface to translate.
-    virtual void handleEvent(const void*) {}
     /// Follows a change of the window's size or scale. The context is current afterwards. @return false when it is lost
     virtual bool followWindow() { return makeCurrent(); }
-    /// The view is in a window now: which pointer events it wants, as getTrackingOptions has them. A surface that gets
-    /// them all anyway need not care.
-    virtual void setTracking(std::uint64_t) {}
     /// Shows a pointer shape, while the pointer is over this surface, from now on.
     virtual void setCursor(gui::Cursor::Type) {}
     /// Calls onFrameTick at the display's rate, within a range of frames per second when it is one (both above 0, the

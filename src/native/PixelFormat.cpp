@@ -1,4 +1,4 @@
-#include "PixelFormat.h"
+#include <gui/gl/port/PixelFormat.h>
 
 #include <cstddef>
 

@@ -17,8 +17,8 @@ namespace
 struct Entry
 {
     const char* windowSystem;
-    std::unique_ptr<NativeSurface> (*create)(NativeSurfaceClient& client, gui::NativeView& nativeView,
-                                             const Context& context, const td::Size<double>& size);
+    std::unique_ptr<NativeSurface> (*create)(NativeSurfaceClient& client, const PixelFormat& format,
+                                             const td::Size<double>& size);
 };
 
 // By the names of the window systems. The last serves where no other does.

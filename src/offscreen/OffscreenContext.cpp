@@ -1,7 +1,6 @@
 #include <gui/gl/OffscreenContext.h>
 
 #include "../context/FrameReader.h"
-#include "../native/PixelFormat.h"
 
 #include <gui/gl/CurrentContext.h>
 #include <vo/Log.h>
@@ -97,13 +96,12 @@ EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked)
     return nullptr;
 }
 
-EGLContext createContext(EGLDisplay display, EGLConfig config, Context::Profile profile, bool debug)
+EGLContext createContext(EGLDisplay display, EGLConfig config, bool is41, bool debug)
 {
-    const bool is32 = profile == Context::Profile::Core32;
     const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                 is32 ? 3 : 4,
+                                 is41 ? 4 : 3,
                                  EGL_CONTEXT_MINOR_VERSION,
-                                 is32 ? 2 : 1,
+                                 is41 ? 1 : 2,
                                  EGL_CONTEXT_OPENGL_PROFILE_MASK,
                                  EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
                                  EGL_CONTEXT_OPENGL_DEBUG,
@@ -112,7 +110,7 @@ EGLContext createContext(EGLDisplay display, EGLConfig config, Context::Profile 
     const EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
     if (context == EGL_NO_CONTEXT)
         vo::dbgLog("ERROR! OffscreenContext cannot create an OpenGL %s core context (EGL error %x)",
-                   is32 ? "3.2" : "4.1", eglGetError());
+                   is41 ? "4.1" : "3.2", eglGetError());
     return context;
 }
 
@@ -147,7 +145,7 @@ struct OffscreenContext::Impl
     Impl& operator=(const Impl&) = delete;
     ~Impl();
 
-    bool create(const td::Size<int>& newSize, const Context& settings, bool debug);
+    bool create(const td::Size<int>& newSize, const PixelFormatSizes& sizes, bool debug);
     bool makeCurrent(EGLSurface newSurface);
 };
 
@@ -164,7 +162,7 @@ OffscreenContext::Impl::~Impl()
         eglDestroySurface(display, surface);
 }
 
-bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const Context& settings, bool debug)
+bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFormatSizes& sizes, bool debug)
 {
     display = theDisplay();
     if (display == EGL_NO_DISPLAY)
@@ -174,13 +172,13 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const Context&
     }
     // Of EGL's APIs, the thread's choice decides what eglCreateContext makes; somebody else may have chosen since.
     eglBindAPI(EGL_OPENGL_API);
-    config = findConfigInSteps(display, decodePixelFormat(buildPixelFormat(settings)));
+    config = findConfigInSteps(display, sizes);
     if (config == nullptr)
         return false;
     surface = createSurface(display, config, newSize);
     if (surface == EGL_NO_SURFACE)
         return false;
-    context = createContext(display, config, settings.getProfile(), debug);
+    context = createContext(display, config, sizes.is41, debug);
     if (context == EGL_NO_CONTEXT)
         return false;
     size = newSize;
@@ -205,9 +203,14 @@ bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
 }
 
 OffscreenContext::OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug)
+    : OffscreenContext(size, buildPixelFormat(settings), debug)
+{
+}
+
+OffscreenContext::OffscreenContext(const td::Size<int>& size, const PixelFormat& format, bool debug)
 {
     auto pImpl = std::make_unique<Impl>();
-    if (pImpl->create(size, settings, debug))
+    if (pImpl->create(size, decodePixelFormat(format), debug))
         _pImpl = std::move(pImpl);
 }
 

@@ -1,8 +1,8 @@
 #include "OffscreenSurface.h"
 
 #include "../native/GLDebug.h"
+#include "../native/LoopSurface.h"
 
-#include "RunLoop.h"
 #include "WindowSystem.h"
 #include "offscreen/OffscreenWindowSystem.h"
 
@@ -26,16 +26,15 @@ td::Size<int> inPixels(const gui::OffscreenDrawable& drawable)
             std::max(1, static_cast<int>(std::lround(drawable.size.height * scale)))};
 }
 
-class OffscreenSurface : public NativeSurface
+class OffscreenSurface : public LoopSurface
 {
 public:
-    OffscreenSurface(gui::NativeView& nativeView, const Context& context, const gui::OffscreenDrawable& drawable)
-        : _nativeView(nativeView)
+    OffscreenSurface(NativeSurfaceClient& client, const PixelFormat& format, const gui::OffscreenDrawable& drawable)
+        : LoopSurface(client)
         , _drawable(drawable)
-        , _context(inPixels(drawable), context, isGLDebugWanted())
+        , _context(inPixels(drawable), format, isGLDebugWanted())
     {
     }
-    ~OffscreenSurface() override { runLoop().forget(&_nativeView); }
 
     bool isOk() const { return _context.isOk(); }
 
@@ -45,7 +44,6 @@ public:
     float getBackingScale() const override { return _drawable.scale; }
     td::Size<int> getDrawableSize() const override { return _context.getSize(); }
     unsigned int getDefaultFramebuffer() const override { return 0; }
-    void setNeedsDisplay() override { runLoop().setNeedsDisplay(&_nativeView); }
 
     void* getNativeWindow() const override { return &_drawable; }
     bool followWindow() override
@@ -53,27 +51,19 @@ public:
         const td::Size<int> size = inPixels(_drawable);
         return size == _context.getSize() ? _context.makeCurrent() : _context.resize(size);
     }
-    void startFrameClock(float minFPS, float maxFPS) override
-    {
-        runLoop().startFrameClock(&_nativeView, minFPS, maxFPS);
-    }
-    void stopFrameClock() override { runLoop().stopFrameClock(&_nativeView); }
 
 private:
-    static gui::RunLoop& runLoop() { return gui::WindowSystem::instance().getRunLoop(); }
-
-    gui::NativeView& _nativeView;
     mutable gui::OffscreenDrawable _drawable; // the window writes to it
     OffscreenContext _context;
 };
 
 } // namespace
 
-std::unique_ptr<NativeSurface> createOffscreenSurface(NativeSurfaceClient&, gui::NativeView& nativeView,
-                                                      const Context& context, const td::Size<double>& size)
+std::unique_ptr<NativeSurface> createOffscreenSurface(NativeSurfaceClient& client, const PixelFormat& format,
+                                                      const td::Size<double>& size)
 {
     const gui::OffscreenDrawable drawable{size, gui::WindowSystem::instance().getMainDisplayScale()};
-    auto surface = std::make_unique<OffscreenSurface>(nativeView, context, drawable);
+    auto surface = std::make_unique<OffscreenSurface>(client, format, drawable);
     if (!surface->isOk())
         return nullptr;
     return surface;

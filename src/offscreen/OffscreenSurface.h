@@ -1,21 +1,15 @@
 #pragma once
 
 #include "../native/NativeSurface.h"
+#include <gui/gl/port/PixelFormat.h>
 
 #include <memory>
-
-namespace gui
-{
-class NativeView;
-}
 
 namespace gui::gl
 {
 
-class Context;
-
 /// A surface in memory, for views without a display. @return null, after a log line, when there is no such context
-std::unique_ptr<NativeSurface> createOffscreenSurface(NativeSurfaceClient& client, gui::NativeView& nativeView,
-                                                      const Context& context, const td::Size<double>& size);
+std::unique_ptr<NativeSurface> createOffscreenSurface(NativeSurfaceClient& client, const PixelFormat& format,
+                                                      const td::Size<double>& size);
 
 } // namespace gui::gl

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../native/PixelFormat.h"
+#include <gui/gl/port/PixelFormat.h>
 
 #include <gui/gl/CurrentContext.h>
 #include <td/Size.h>

@@ -38,7 +38,17 @@ bool isLeftDown(const gui::SDLEvent& event) { return (event.mouseButtons & SDL_B
 
 } // namespace
 
-void SDLEvents::handle(const gui::SDLEvent& event)
+SDLEvents::SDLEvents(NativeSurfaceClient& client, SDL_Window* pWindow)
+    : _client(client)
+    , _pWindow(pWindow)
+    , _self(std::make_shared<SDLEvents*>(this))
+{
+    gui::setEventSink(pWindow, this);
+}
+
+SDLEvents::~SDLEvents() { gui::setEventSink(_pWindow, nullptr); }
+
+void SDLEvents::onEvent(const gui::SDLEvent& event)
 {
     switch (event.event.type)
     {
@@ -117,9 +127,11 @@ void SDLEvents::onButton(const gui::SDLEvent& event)
     const td::Point<double> point = toPoint(button.x, button.y);
     if (isLeft)
         _isDragging = isDown;
+    const std::weak_ptr<SDLEvents*> self = _self;
     _client.onButton({isLeft ? ButtonEvent::Button::Left : ButtonEvent::Button::Right, isDown, isLeftDown(event),
                       button.clicks, modifiersOf(event), point});
-    if (_isLeavePending && !_isDragging)
+    // The click may have ended the view, and this with it.
+    if (!self.expired() && _isLeavePending && !_isDragging)
         leave(event, point);
 }
 

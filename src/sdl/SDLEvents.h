@@ -6,22 +6,23 @@
 #include <SDL_video.h>
 #include <td/Point.h>
 
+#include <memory>
+
 namespace gui::gl
 {
 
 class NativeSurfaceClient;
 
-/// Turns SDL's events for one window into what a surface reports.
-class SDLEvents
+/// Turns SDL's events for one window into what a surface reports. It takes them from the run loop while it lives.
+class SDLEvents : public gui::SDLEventSink
 {
 public:
-    SDLEvents(NativeSurfaceClient& client, SDL_Window* pWindow)
-        : _client(client)
-        , _pWindow(pWindow)
-    {
-    }
+    SDLEvents(NativeSurfaceClient& client, SDL_Window* pWindow);
+    ~SDLEvents();
+    SDLEvents(const SDLEvents&) = delete;
+    SDLEvents& operator=(const SDLEvents&) = delete;
 
-    void handle(const gui::SDLEvent& event);
+    void onEvent(const gui::SDLEvent& event) override;
 
     bool isPointerInside() const { return _isPointerInside; }
 
@@ -39,7 +40,8 @@ private:
     Pinch _pinch;
     bool _isPointerInside = false;
     bool _isDragging = false;
-    bool _isLeavePending = false; // until the drag is over
+    bool _isLeavePending = false;      // until the drag is over
+    std::shared_ptr<SDLEvents*> _self; // what outlives the client's answer to an event holds weakly
 };
 
 } // namespace gui::gl

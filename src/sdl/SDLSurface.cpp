@@ -1,10 +1,8 @@
 #include "SDLSurface.h"
 
+#include "../native/LoopSurface.h"
 #include "SDLContext.h"
 #include "SDLEvents.h"
-
-#include "RunLoop.h"
-#include "WindowSystem.h"
 
 #include <SDL_mouse.h>
 
@@ -26,17 +24,16 @@ SDL_Cursor* cursorOf(gui::Cursor::Type type)
     return type == gui::Cursor::Type::Pan ? pPan : pArrow;
 }
 
-class SDLSurface : public NativeSurface
+class SDLSurface : public LoopSurface
 {
 public:
-    SDLSurface(NativeSurfaceClient& client, gui::NativeView& nativeView, std::unique_ptr<SDLContext> pContext)
-        : _nativeView(nativeView)
+    SDLSurface(NativeSurfaceClient& client, std::unique_ptr<SDLContext> pContext)
+        : LoopSurface(client)
         , _pContext(std::move(pContext))
         , _events(client, _pContext->getWindow())
         , _presentedSize(SDLSurface::getDrawableSize())
     {
     }
-    ~SDLSurface() override { runLoop().forget(&_nativeView); }
 
     bool makeCurrent() override { return _pContext->makeCurrent(); }
     void flush() override { SDL_GL_SwapWindow(window()); }
@@ -59,10 +56,8 @@ public:
         return size;
     }
     unsigned int getDefaultFramebuffer() const override { return 0; }
-    void setNeedsDisplay() override { runLoop().setNeedsDisplay(&_nativeView); }
 
     void* getNativeWindow() const override { return window(); }
-    void handleEvent(const void* pEvent) override { _events.handle(*static_cast<const gui::SDLEvent*>(pEvent)); }
 
     bool followWindow() override
     {
@@ -79,17 +74,10 @@ public:
         if (_events.isPointerInside())
             SDL_SetCursor(cursorOf(type));
     }
-    void startFrameClock(float minFPS, float maxFPS) override
-    {
-        runLoop().startFrameClock(&_nativeView, minFPS, maxFPS);
-    }
-    void stopFrameClock() override { runLoop().stopFrameClock(&_nativeView); }
 
 private:
-    static gui::RunLoop& runLoop() { return gui::WindowSystem::instance().getRunLoop(); }
     SDL_Window* window() const { return _pContext->getWindow(); }
 
-    gui::NativeView& _nativeView;
     std::unique_ptr<SDLContext> _pContext;
     SDLEvents _events;
     td::Size<int> _presentedSize;
@@ -104,14 +92,14 @@ int toLength(double points)
 
 } // namespace
 
-std::unique_ptr<NativeSurface> createSDLSurface(NativeSurfaceClient& client, gui::NativeView& nativeView,
-                                                const Context& context, const td::Size<double>& size)
+std::unique_ptr<NativeSurface> createSDLSurface(NativeSurfaceClient& client, const PixelFormat& format,
+                                                const td::Size<double>& size)
 {
     std::unique_ptr<SDLContext> pContext =
-        SDLContext::create(decodePixelFormat(buildPixelFormat(context)), {toLength(size.width), toLength(size.height)});
+        SDLContext::create(decodePixelFormat(format), {toLength(size.width), toLength(size.height)});
     if (pContext == nullptr)
         return nullptr;
-    return std::make_unique<SDLSurface>(client, nativeView, std::move(pContext));
+    return std::make_unique<SDLSurface>(client, std::move(pContext));
 }
 
 } // namespace gui::gl

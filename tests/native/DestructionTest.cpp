@@ -148,7 +148,7 @@ protected:
             , context(++test._lastContext)
         {
             const GLView::SurfaceFactory factory =
-                [this](gui::gl::NativeSurfaceClient&, gui::NativeView&, const Context&, const td::Size<double>&)
+                [this](gui::gl::NativeSurfaceClient&, const gui::gl::PixelFormat&, const td::Size<double>&)
             { return std::make_unique<Surface>(_test.gl, context); };
             const Context settings(gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None,
                                    Context::Profile::Core41);
@@ -259,7 +259,7 @@ protected:
             return;
         case 5:
             if (auto* const pNative = pView != nullptr ? dynamic_cast<GLView*>(pView->getHandle()) : nullptr)
-                pNative->onExpose();
+                pNative->drawNow();
             return;
         case 6:
             if (pObject != nullptr && pObject->context == gl.current())

@@ -50,7 +50,7 @@ struct Host
     void paint(GLView& view)
     {
         glBindFramebuffer(GL_FRAMEBUFFER, current());
-        view.onExpose();
+        view.drawNow();
         ++nFrames;
     }
 };
@@ -106,8 +106,7 @@ TEST_F(HostedViewTest, EachFrameGoesIntoTheFramebufferOfThatFrame)
     GLView* const pNative = GLView::createView(
         &view, nullptr, 0,
         {gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41},
-        [&host](auto&, auto&, const Context&, const td::Size<double>&)
-        { return std::make_unique<HostedSurface>(host); });
+        [&host](auto&, auto&, auto&) { return std::make_unique<HostedSurface>(host); });
     ASSERT_NE(pNative, nullptr);
     pNative->enteredWindow();
     EXPECT_EQ(view.getPixelHiDPIScale(), 2);

@@ -1,4 +1,4 @@
-#include "src/native/PixelFormat.h"
+#include <gui/gl/port/PixelFormat.h>
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,6 @@
 #include "Lines.h"
 
 #include <cstdio>
-#include <functional>
 #include <utility>
 
 namespace test
@@ -38,7 +37,7 @@ testing::AssertionResult Journal::said(const std::vector<std::string>& lines)
 
 gui::gl::GLView::SurfaceFactory FakeWindow::factory()
 {
-    return [this](gui::gl::NativeSurfaceClient&, gui::NativeView&, const gui::gl::Context&,
+    return [this](gui::gl::NativeSurfaceClient&, const gui::gl::PixelFormat&,
                   const td::Size<double>& initialSize) -> std::unique_ptr<gui::gl::NativeSurface>
     {
         if (!hasContext)
@@ -92,12 +91,6 @@ unsigned int FakeSurface::getDefaultFramebuffer() const
 }
 
 void FakeSurface::setNeedsDisplay() { _window.journal.note("needs display"); }
-
-void FakeSurface::handleEvent(const void* pEvent)
-{
-    (*static_cast<const std::function<void()>*>(pEvent))();
-    _window.journal.note("handled");
-}
 
 void FakeSurface::setCursor(gui::Cursor::Type type)
 {

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -57,7 +56,6 @@ struct FakeWindow
     unsigned int framebuffer = 0;
     bool hasContext = true; ///< false: the context is lost, or cannot be made in the first place
     bool hasSurface = false;
-    std::uint64_t tracking = 0; ///< what the view asked for last
     gui::gl::CurrentContext::ID contextID = 0;
 };
 
@@ -77,9 +75,6 @@ public:
     td::Size<int> getDrawableSize() const override;
     unsigned int getDefaultFramebuffer() const override;
     void setNeedsDisplay() override;
-    void setTracking(std::uint64_t options) override { _window.tracking = options; }
-    /// Runs an event, a std::function<void()>, and notes "handled" behind it.
-    void handleEvent(const void* pEvent) override;
     void setCursor(gui::Cursor::Type type) override;
     void startFrameClock(float minFPS, float maxFPS) override;
     void stopFrameClock() override;

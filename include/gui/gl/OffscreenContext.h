@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Context.h"
+#include "port/PixelFormat.h"
 
 #include <td/Export.h>
 #include <td/Size.h>
@@ -30,6 +31,8 @@ public:
     /// @param debug     asks the driver for a debug context, whose messages glDebugMessageCallback delivers
     /// When there is no such context a log line says why, and isOk is false.
     OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug = false);
+    /// The same, for a surface that was asked for a format.
+    OffscreenContext(const td::Size<int>& size, const PixelFormat& format, bool debug = false);
     ~OffscreenContext();
     OffscreenContext(const OffscreenContext&) = delete;
     OffscreenContext& operator=(const OffscreenContext&) = delete;

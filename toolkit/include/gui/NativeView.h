@@ -9,8 +9,8 @@ namespace gui
 
 class Window;
 
-/// What windows and run loops know of a view's native side: that it enters and leaves windows, takes events and draws.
-/// The native view implements it and tells the run loop when it wants to be drawn. GUI thread only.
+/// What windows and run loops know of a view's native side: that it enters and leaves windows, and draws. The native
+/// view implements it and tells the run loop when it wants to be drawn. GUI thread only.
 class GUIGL_API NativeView : public NativeObject
 {
 public:
@@ -24,9 +24,6 @@ public:
     /// The window closes for good, and takes with it what the view draws into. Resources are cleaned up while the
     /// context still lives; nothing draws afterwards.
     virtual void windowClosed() = 0;
-
-    /// An event of the window system for this view, in the window system's own form.
-    virtual void handleEvent(const void* pEvent) = 0;
 
     /// The window's size, or its scale, may have changed.
     virtual void sizeChanged() = 0;

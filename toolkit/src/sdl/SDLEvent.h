@@ -1,12 +1,13 @@
 #pragma once
 
 #include <SDL_events.h>
+#include <SDL_video.h>
+#include <td/Export.h>
 
 namespace gui
 {
 
-/// An event of SDL with what SDL leaves out of it, all of it as it was when the event arrived: what native views get from
-/// this run loop.
+/// An event of SDL with what SDL leaves out of it, all of it as it was when the event arrived.
 struct SDLEvent
 {
     SDL_Event event;
@@ -17,5 +18,19 @@ struct SDLEvent
     unsigned int xKeyCode; ///< of the X11 event that a key event came from; 0 when it came from none
     unsigned int xState;   ///< its state, which holds the layout's group
 };
+
+/// Who takes the input for a window: whatever SDL tells of it but what the window itself sees to, such as its size. The
+/// sink may be gone when it returns.
+class SDLEventSink
+{
+public:
+    virtual void onEvent(const SDLEvent& event) = 0;
+
+protected:
+    ~SDLEventSink() = default;
+};
+
+/// The input for this window goes to this sink from now on, while a gui::Window shows it; null for nobody.
+GUIGL_API void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink);
 
 } // namespace gui

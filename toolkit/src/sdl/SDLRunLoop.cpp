@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr char cViewKey[] = "gui::NativeView";
+constexpr char cSinkKey[] = "gui::SDLEventSink";
 
 // @return 0 for an event that belongs to no window
 Uint32 windowOf(const SDL_Event& event)
@@ -53,6 +54,8 @@ SDLRunLoop::SDLRunLoop()
 SDLRunLoop::~SDLRunLoop() { disconnect(); }
 
 void SDLRunLoop::setView(SDL_Window* pWindow, NativeView* pView) { SDL_SetWindowData(pWindow, cViewKey, pView); }
+
+void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink) { SDL_SetWindowData(pWindow, cSinkKey, pSink); }
 
 void SDLRunLoop::wait(const std::optional<Time>& until)
 {
@@ -106,44 +109,42 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
     NativeView* const pView = pWindow != nullptr ? viewOf(pWindow) : nullptr;
     if (pView == nullptr)
         return;
-    if (event.event.type == SDL_WINDOWEVENT)
-        onWindowEvent(pWindow, pView, event);
-    else
-        pView->handleEvent(&event);
+    if (event.event.type == SDL_WINDOWEVENT && onWindowEvent(pWindow, pView, event.event.window))
+        return;
+    if (auto* const pSink = static_cast<SDLEventSink*>(SDL_GetWindowData(pWindow, cSinkKey)))
+        pSink->onEvent(event);
 }
 
-void SDLRunLoop::onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDLEvent& event)
+bool SDLRunLoop::onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDL_WindowEvent& event)
 {
-    const Uint32 windowID = event.event.window.windowID;
-    switch (event.event.window.event)
+    switch (event.event)
     {
     case SDL_WINDOWEVENT_SIZE_CHANGED:
         // On Wayland this is also how a change of the scale is told, with the size in points unchanged.
         pView->sizeChanged();
-        if (SDL_GetWindowFromID(windowID) == pWindow && viewOf(pWindow) == pView)
+        if (SDL_GetWindowFromID(event.windowID) == pWindow && viewOf(pWindow) == pView)
             pView->scaleChanged();
-        break;
+        return true;
     case SDL_WINDOWEVENT_DISPLAY_CHANGED:
         updateFrameClock(pView);
         pView->scaleChanged();
-        break;
+        return true;
     case SDL_WINDOWEVENT_EXPOSED:
         setNeedsDisplay(pView);
-        break;
+        return true;
     case SDL_WINDOWEVENT_SHOWN:
     case SDL_WINDOWEVENT_HIDDEN:
     case SDL_WINDOWEVENT_MINIMIZED:
     case SDL_WINDOWEVENT_MAXIMIZED:
     case SDL_WINDOWEVENT_RESTORED:
         setVisible(pView, (SDL_GetWindowFlags(pWindow) & (SDL_WINDOW_HIDDEN | SDL_WINDOW_MINIMIZED)) == 0);
-        break;
+        return true;
     case SDL_WINDOWEVENT_CLOSE:
         if (Window* const pShownIn = pView->getWindow())
             pShownIn->close();
-        break;
+        return true;
     default:
-        pView->handleEvent(&event);
-        break;
+        return false;
     }
 }
 

@@ -10,15 +10,15 @@
 namespace gui
 {
 
-/// A run loop on SDL's events. It finds the native view by the event's window, hands it the input as SDLEvent, and takes
-/// care of the window's own events itself.
+/// A run loop on SDL's events. It hands the input to the sink of the event's window, and tells the native view in there
+/// itself what becomes of the window.
 class SDLRunLoop : public RunLoop
 {
 public:
     SDLRunLoop();
     ~SDLRunLoop() override;
 
-    /// Events of this window are for this view from now on; null for nobody.
+    /// This window shows this view from now on; null for none.
     static void setView(SDL_Window* pWindow, NativeView* pView);
 
 protected:
@@ -29,7 +29,8 @@ protected:
 
 private:
     void dispatch(const SDLEvent& event);
-    void onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDLEvent& event);
+    /// @return whether the event is one of those that the window itself sees to
+    bool onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDL_WindowEvent& event);
 
     SDLEventQueue _events;
     Uint32 _wakeUpType;
