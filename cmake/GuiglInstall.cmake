@@ -6,13 +6,13 @@ include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/guigl)
 
 # The libraries find each other in whatever folder they are installed to.
-foreach(library IN ITEMS guigl_util guigl_gui guigl_gl)
+foreach(library IN ITEMS guigl_util guigl_gui guigl_gl guigl_draw)
     if(TARGET ${library})
         set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
     endif()
 endforeach()
 
-foreach(headers IN ITEMS toolkit/include include)
+foreach(headers IN ITEMS toolkit/include include draw/include)
     if(IS_DIRECTORY ${guigl_SOURCE_DIR}/${headers})
         install(DIRECTORY ${guigl_SOURCE_DIR}/${headers}/
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl
@@ -48,9 +48,11 @@ install(FILES
 # pkg-config finds the prefix from where the file lies.
 file(RELATIVE_PATH GUIGL_PREFIX_FROM_PC
     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-configure_file(${CMAKE_CURRENT_LIST_DIR}/guigl.pc.in ${guigl_BINARY_DIR}/guigl.pc @ONLY)
-install(FILES ${guigl_BINARY_DIR}/guigl.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-    COMPONENT development)
+foreach(name IN ITEMS guigl guigl-draw)
+    configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${guigl_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${guigl_BINARY_DIR}/${name}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+        COMPONENT development)
+endforeach()
 
 include(GuiglDocs)

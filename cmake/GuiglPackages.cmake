@@ -21,7 +21,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${guigl_DESCRIPTION} - shared libraries")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-    ${guigl_BINARY_DIR}/toolkit ${guigl_BINARY_DIR}/src)
+    ${guigl_BINARY_DIR}/toolkit ${guigl_BINARY_DIR}/src ${guigl_BINARY_DIR}/draw)
 # The loader of GL's functions opens these when a context is made.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "libegl1, libgl1, libgl1-mesa-dri")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)

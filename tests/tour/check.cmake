@@ -95,7 +95,9 @@ endfunction()
 
 # log_lines(<variable>): what the libraries' sources log, as it is written there.
 function(log_lines variable)
-    file(GLOB_RECURSE files ${SOURCE}/src/*.cpp ${SOURCE}/src/*.h ${SOURCE}/toolkit/src/*.cpp ${SOURCE}/toolkit/src/*.h)
+    file(GLOB_RECURSE files
+        ${SOURCE}/src/*.cpp ${SOURCE}/src/*.h ${SOURCE}/draw/src/*.cpp ${SOURCE}/draw/src/*.h
+        ${SOURCE}/toolkit/src/*.cpp ${SOURCE}/toolkit/src/*.h)
     set(all "")
     foreach(file IN LISTS files)
         file(READ ${file} content)

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <td/Point.h>
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// Lines through points: what is left of a path when its curves are flattened, and what fills and strokes are made of.
+struct Polylines
+{
+    /// Some of the points, in a row.
+    struct Line
+    {
+        std::size_t first = 0; ///< its first point
+        std::size_t count = 0; ///< at least 1
+        /// Whether the last point is joined with the first, which is not repeated for that.
+        bool isClosed = false;
+    };
+
+    std::vector<td::Point<double>> points;
+    std::vector<Line> lines;
+
+    std::span<const td::Point<double>> pointsOf(const Line& line) const
+    {
+        return std::span(points).subspan(line.first, line.count);
+    }
+
+    /// Empties both lists and keeps their memory.
+    void clear()
+    {
+        points.clear();
+        lines.clear();
+    }
+};
+
+} // namespace gui::draw

@@ -1,0 +1,8 @@
+#pragma once
+
+// All public headers of guigl::draw: what is drawn in the plane, above gui::gl. Begin with Path.
+
+#include "Affine.h"
+#include "Path.h"
+#include "PathSegment.h"
+#include "Polylines.h"

@@ -1,0 +1,57 @@
+// Path's curves as straight lines.
+
+#include <gui/draw/Path.h>
+
+#include <td/Assert.h>
+
+namespace gui::draw
+{
+
+void Path::flatten(double tolerance, Polylines& result) const
+{
+    TD_ASSERT(tolerance > 0);
+    Polylines::Line line{.first = result.points.size()};
+    const auto endLine = [&](bool isClosed)
+    {
+        // A subpath has its beginning at least, and something after it.
+        line.count = result.points.size() - line.first;
+        line.isClosed = isClosed;
+        if (line.count > 0)
+            result.lines.push_back(line);
+        line.first = result.points.size();
+    };
+    Point start;
+    for (const PathSegment& segment : *this)
+    {
+        if (segment.verb == Verb::MoveTo)
+        {
+            endLine(false);
+            start = segment.to;
+            continue;
+        }
+        if (result.points.size() == line.first)
+            result.points.push_back(start);
+        if (segment.verb == Verb::Close)
+        {
+            // The beginning once more at the end is what closing means.
+            if (result.points.size() - line.first > 1 && result.points.back() == start)
+                result.points.pop_back();
+            endLine(true);
+            continue;
+        }
+        const unsigned int n = segment.nPieces(tolerance);
+        for (unsigned int i = 1; i < n; ++i)
+            result.points.push_back(segment.at(double(i) / n));
+        result.points.push_back(segment.to);
+    }
+    endLine(false);
+}
+
+Polylines Path::flatten(double tolerance) const
+{
+    Polylines result;
+    flatten(tolerance, result);
+    return result;
+}
+
+} // namespace gui::draw
