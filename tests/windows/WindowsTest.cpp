@@ -13,6 +13,7 @@
 #include <chrono>
 #include <ctime>
 #include <memory>
+#include <optional>
 #include <thread>
 
 namespace
@@ -57,6 +58,15 @@ TEST_F(Windows, ShowingTellsTheSizeOnceAndDrawsOnce)
     EXPECT_EQ(view.sizes.back(), (td::Size<double>{100, 50}));
     EXPECT_EQ(view.sizes.size(), 2U);
     EXPECT_EQ(view.nDraws, 2);
+    // Asked for inside a draw, it is one more.
+    view.inDraw = [&view]
+    {
+        if (view.nDraws == 3)
+            view.reDraw();
+    };
+    view.reDraw();
+    settle();
+    EXPECT_EQ(view.nDraws, 4);
 }
 
 // A loop that polls, or a clock that goes on, would burn the battery of whoever leaves the window open.
@@ -111,12 +121,23 @@ TEST_F(Windows, AnAnimationEndsWhenTheViewSaysSo)
     app.step(0.1);
     EXPECT_EQ(view.nDraws, nDraws);
 
-    view.nFramesLeft = 3;
+    // Frames that a long one covers are not made up for: after the one that is due, each waits for its time.
+    std::optional<Clock::time_point> endOfLongFrame;
+    view.inDraw = [&endOfLongFrame]
+    {
+        if (endOfLongFrame)
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        endOfLongFrame = Clock::now();
+    };
+    view.nFramesLeft = 6;
     view.startAnimation();
     view.startAnimation();
     while (view.isAnimated())
         ASSERT_TRUE(app.step(5));
-    EXPECT_EQ(view.nDraws, nDraws + 3);
+    EXPECT_EQ(view.nDraws, nDraws + 6);
+    ASSERT_TRUE(endOfLongFrame);
+    EXPECT_GE(Clock::now() - *endOfLongFrame, std::chrono::milliseconds(3 * 16));
 }
 
 // Each view's callbacks find its own context current, and each window shows its own view.
