@@ -111,6 +111,12 @@ void CurrentContext::died(Handle handle)
 
 CurrentContext::ID CurrentContext::getID() { return state().current; }
 
+bool CurrentContext::isAlive(ID id)
+{
+    const State& s = state();
+    return (id != 0 && id == s.current) || s.living.contains(id);
+}
+
 void CurrentContext::deleteName(ID owner, Kind kind, unsigned int name)
 {
     if (name == 0)

@@ -140,7 +140,7 @@ bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nInd
 
 bool Buffer::isAddOnCommitted() const
 {
-    if (_state != 1)
+    if (!isCommitted())
         return false;
     vo::dbgLog("ERROR! Buffer::append vertices on committed buffer! Call reset first!");
     TD_ASSERT(false, true);
@@ -228,19 +228,23 @@ std::size_t Buffer::getNoOfVertices() const
 
 bool Buffer::commit()
 {
-    if (_state == 1)
+    if (isCommitted())
         return true;
-    if (!CurrentContext::isThere("Buffer::commit"))
+    if (!CurrentContext::isThere("Buffer::commit") || (_isRefused && CurrentContext::isAlive(_contextID)))
         return false;
-    if (_state == 2)
+    if (_state != 0)
     {
         deleteObjects();
         _state = 0;
     }
-    if (_vao != 0)
-        return true;
     _contextID = CurrentContext::getID();
+    _isRefused = !upload();
+    return !_isRefused;
+}
 
+// What was made before a failure is kept, and the vertex array stays bound.
+bool Buffer::upload()
+{
     glGenVertexArrays(1, &_vao);
     if (_vao == 0)
     {
@@ -309,6 +313,7 @@ void Buffer::deleteObjects()
 void Buffer::activate() const
 {
     TD_ASSERT(_vao > 0);
+    TD_ASSERT(CurrentContext::isAlive(_contextID));
     glBindVertexArray(_vao);
 }
 
@@ -329,6 +334,7 @@ void Buffer::reset()
     _indices.reset();
     _instanceData.reset();
     _state = 2;
+    _isRefused = false;
 }
 
 void Buffer::release()

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -76,12 +77,13 @@ std::string shaderInfoLog(GLuint shader)
     return infoLog;
 }
 
-std::string programInfoLog(GLuint program)
+// Nothing where there is no log at all; an empty one is a log too.
+std::optional<std::string> programInfoLog(GLuint program)
 {
     GLint length = 0;
     glGetProgramiv(program, GL_INFO_LOG_LENGTH, &length);
     if (length <= 0)
-        return {};
+        return std::nullopt;
     std::string infoLog(static_cast<std::size_t>(length), '\0');
     glGetProgramInfoLog(program, length, nullptr, infoLog.data());
     infoLog.resize(std::strlen(infoLog.c_str()));
@@ -130,13 +132,13 @@ bool Program::isLinkingOK(unsigned int program, const char* vertexName, const ch
     glGetProgramiv(program, GL_LINK_STATUS, &status);
     if (status == GL_TRUE)
         return true;
-    const std::string infoLog = programInfoLog(program);
-    if (!infoLog.empty())
+    const std::optional<std::string> infoLog = programInfoLog(program);
+    if (infoLog)
     {
-        s_progErrors << "OpenGL Program linking failed! Info='" << infoLog.c_str()
+        s_progErrors << "OpenGL Program linking failed! Info='" << infoLog->c_str()
                      << "'. Vertex fileName=" << vertexName << ", fragment fileName=" << fragmentName << "\n";
         vo::dbgLog("OpenGL Program linking failed! Info='%s'. Vertex fileName=%s, fragment fileName=%s",
-                   infoLog.c_str(), vertexName, fragmentName);
+                   infoLog->c_str(), vertexName, fragmentName);
     }
     glDeleteProgram(program);
     return false;
@@ -237,7 +239,7 @@ void Program::onError() {}
 
 int Program::getUniformLocation(const char* name) const
 {
-    TD_ASSERT(_programID != 0, -1);
+    TD_ASSERT(isOK(), -1);
     return glGetUniformLocation(_programID, name);
 }
 
@@ -309,7 +311,9 @@ void Program::activate() const
         _pBuffer->activate();
     // What it draws does not change the program; commands only send uniforms through it.
     setCurrentProgram(const_cast<Program*>(this));
-    glUseProgram(_programID);
+    if (_pTextures != nullptr)
+        _pTextures->forgetDead();
+    glUseProgram(getID());
 }
 
 void Program::deActivate() const

@@ -87,10 +87,21 @@ bool areFacesUsable(const std::array<const gui::Texture*, cFaces>& faces)
 
 Textures::~Textures() { release(); }
 
+// The places stay: a command that names one finds no texture there.
+void Textures::forgetDead()
+{
+    if (CurrentContext::isAlive(_contextID))
+        return;
+    for (TextureInfo& texture : _textures)
+        texture.id = 0;
+}
+
 bool Textures::canAppend(const char* operation, std::size_t n)
 {
     if (!CurrentContext::isThere(operation))
         return false;
+    if (!CurrentContext::isAlive(_contextID))
+        _textures.reset();
     TD_ASSERT(_textures.size() == 0 || _contextID == CurrentContext::getID(), false);
     TD_ASSERT(_textures.size() + n <= std::numeric_limits<unsigned short>::max(), false);
     _contextID = CurrentContext::getID();
@@ -291,6 +302,7 @@ void Textures::setActiveUnit(Unit unit)
 
 void Textures::bindToActiveUnit(unsigned short index)
 {
+    forgetDead();
     const auto [textureID, type] = getIDAndType(index);
     TD_ASSERT(textureID != 0);
     glBindTexture(bindTarget(type), textureID);

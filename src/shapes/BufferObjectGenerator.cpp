@@ -141,8 +141,10 @@ Command* Buffer::addCube(float size, Texture::Type type, bool)
     if (isAddOnCommitted())
         return nullptr;
     TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
-    TD_ASSERT(_nVertexFloats == nFloats, nullptr);
     const std::size_t base = getNoOfVertices();
+    if (_vertexRecLenInBytes == 0) // which asserted
+        return nullptr;
+    TD_ASSERT(_nVertexFloats == nFloats, nullptr);
     const std::size_t first = getNoOfIndices();
     TD_ASSERT(base + vertices.size() / nFloats <= cMaxVertices && first <= cMaxFirst, nullptr);
 
@@ -167,8 +169,10 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
     const bool hasTexture = type == Texture::Type::Tex2D;
     const std::size_t nFloats = 3U + (normals ? 3U : 0U) + (hasTexture ? 2U : 0U);
     TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
-    TD_ASSERT(_nVertexFloats == nFloats, nullptr);
     const std::size_t base = getNoOfVertices();
+    if (_vertexRecLenInBytes == 0) // which asserted
+        return nullptr;
+    TD_ASSERT(_nVertexFloats == nFloats, nullptr);
     const std::size_t first = getNoOfIndices();
     TD_ASSERT(isSphereInRange(sectors, stacks, base, first), nullptr);
 

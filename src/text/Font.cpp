@@ -103,7 +103,11 @@ Font::Font(Font&& other) noexcept
 {
 }
 
-Font::~Font() { deleteTexture(); }
+Font::~Font()
+{
+    deleteTexture();
+    deleteBuffers();
+}
 
 void Font::deleteTexture()
 {
@@ -171,6 +175,7 @@ bool Font::setTexture(const gui::Texture& image)
         glBindTexture(GL_TEXTURE_2D, 0);
         return false;
     }
+    forgetDead();
     TD_ASSERT(_textureID == 0, false);
     return makeTexture(width, height, widened(image.getBytes(), std::size_t(width) * height, bytesPP),
                        GL_LINEAR_MIPMAP_LINEAR);
@@ -233,8 +238,20 @@ void Font::reserve(unsigned long nGlyphs)
     _commands.reserve(cCommandsReserved);
 }
 
+// What went with its context.
+void Font::forgetDead()
+{
+    if (!CurrentContext::isAlive(_textureContextID))
+        _textureID = 0;
+    if (CurrentContext::isAlive(_bufferContextID))
+        return;
+    _vao = _vbo = 0;
+    _committed = false;
+}
+
 bool Font::commit()
 {
+    forgetDead();
     if (_committed)
         return true;
     if (!CurrentContext::isThere("Font::commit"))

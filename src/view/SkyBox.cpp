@@ -104,7 +104,7 @@ void SkyBox::updateTransformation()
 
 void SkyBox::commit(float size)
 {
-    if (_committed)
+    if (_committed && CurrentContext::isAlive(_contextID))
         return;
     TD_ASSERT(std::isfinite(size) && size != 0);
     if (!CurrentContext::isThere("SkyBox::commit"))
@@ -139,6 +139,7 @@ void SkyBox::render(bool disableDepthTest)
         return;
     TD_ASSERT(_prog.isOK());
     TD_ASSERT(_vao > 0);
+    TD_ASSERT(CurrentContext::isAlive(_contextID));
     updateTransformation();
     _prog.activate();
     if (_pProjection != nullptr)

@@ -1,10 +1,12 @@
 #include "support/CaughtAsserts.h"
 #include "support/GLTrace.h"
+#include "support/Images.h"
 
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Command.h>
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Program.h>
+#include <gui/gl/Textures.h>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +17,11 @@ namespace
 
 using gui::gl::CurrentContext;
 using test::GLTrace;
+
+struct ColorProgram : gui::gl::Program
+{
+    void onLinked() override { _color3Location = 0; }
+};
 
 /// Two contexts that share nothing, known by the addresses of these.
 class CurrentContextTest : public testing::Test
@@ -56,6 +63,37 @@ TEST_F(CurrentContextTest, NamesDieWithTheirContext)
     EXPECT_TRUE(trace.only({}));
 }
 
+// What was uploaded to a context that died must not be drawn from in the next, where its names are somebody else's.
+TEST_F(CurrentContextTest, ObjectsKnowThatTheyAreNotInTheNextContext)
+{
+    CurrentContext::set(&a);
+    auto buffer = committedBuffer();
+    ColorProgram program;
+    ASSERT_TRUE(program.link("v", "f"));
+    gui::gl::Textures textures;
+    gui::Texture image = test::image(1, 1, 3);
+    ASSERT_TRUE(textures.append({&image}, gui::gl::Texture::Type::Tex2D));
+    program.setTextures(&textures);
+    CurrentContext::died(&a);
+    CurrentContext::set(&b);
+    trace.clear();
+    EXPECT_FALSE(buffer->isCommitted());
+    EXPECT_FALSE(buffer->isAddOnCommitted());
+    buffer->activate();
+    EXPECT_TRUE(asserts.caught("CurrentContext::isAlive(_contextID)"));
+    EXPECT_FALSE(program.isOK());
+    program.activate();
+    EXPECT_TRUE(trace.only({"glUseProgram(0)"}));
+    textures.setActive(gui::gl::Textures::Unit::T0, 0);
+    EXPECT_TRUE(asserts.caught("textureID != 0"));
+    EXPECT_EQ(trace.count("glBindTexture"), 0u);
+
+    EXPECT_TRUE(buffer->commit());
+    EXPECT_EQ(trace.count("glBufferData"), 1u);
+    EXPECT_TRUE(textures.append({&image}, gui::gl::Texture::Type::Tex2D));
+    EXPECT_EQ(textures.size(), 1u);
+}
+
 TEST_F(CurrentContextTest, DyingWhileCurrentLeavesNoneCurrent)
 {
     CurrentContext::set(&a);
@@ -68,11 +106,6 @@ TEST_F(CurrentContextTest, DyingWhileCurrentLeavesNoneCurrent)
     CurrentContext::set(&a);
     EXPECT_NE(CurrentContext::getID(), first); // a new context, though at the same address
 }
-
-struct ColorProgram : gui::gl::Program
-{
-    void onLinked() override { _color3Location = 0; }
-};
 
 // Sent without a program of this context in use, colours and matrices would go nowhere, or to a neighbour's program.
 TEST_F(CurrentContextTest, AnotherContextHasNoCurrentProgramYet)

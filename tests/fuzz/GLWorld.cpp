@@ -138,7 +138,10 @@ void GLWorld::endContext(unsigned int context)
     // Its names are of no use any more.
     for (BufferSlot& slot : _buffers)
         if (slot.context == context)
+        {
             slot.context = cGone;
+            slot.isCommitted = false;
+        }
     for (ProgramSlot& slot : _programs)
         if (slot.context == context)
             slot.context = cGone;
@@ -350,7 +353,7 @@ void GLWorld::append(TextureSlot& slot, Input& input)
         isDone = textures.append({"/nowhere.png", nullptr}, gui::gl::Texture::Type::Tex2D);
     else
         isDone = textures.appendCubeMap(2, [](const glm::vec3& direction) { return direction; });
-    const bool mayBe = _current != 0 && (before == 0 || slot.context == _current);
+    const bool mayBe = _current != 0 && (before == 0 || slot.context == _current || slot.context == cGone);
     require(mayBe || (!isDone && textures.size() == before), "textures of one context make a set");
     if (mayBe && textures.size() > 0)
         slot.context = _current;

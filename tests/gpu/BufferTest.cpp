@@ -304,6 +304,7 @@ TEST_F(BufferTest, EachObjectThatGLCannotGiveIsNamedAndNothingLeaks)
         EXPECT_TRUE(log.said(failing.line));
         EXPECT_FALSE(buffer.isAddOnCommitted()); // still open
         EXPECT_EQ(buffer.getNoOfVertices(), 3u);
+        EXPECT_FALSE(buffer.commit()) << "nothing was uploaded";
         buffer.reset();
         fillAgain(buffer);
         EXPECT_TRUE(buffer.commit()) << failing.line;

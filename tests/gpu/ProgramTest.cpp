@@ -174,8 +174,11 @@ TEST_F(ProgramTest, ProgramsThatDoNotLinkLeaveNothing)
     EXPECT_TRUE(log.said(line));
     EXPECT_EQ(newErrors(), line + "\n" + line + "\n");
     EXPECT_EQ(program.nErrors, 2);
-    trace.failLinking("");
+    trace.failLinking(""); // of length 1: its zero
     EXPECT_FALSE(program.link("vs", "fs"));
+    const std::string noReason = "OpenGL Program linking failed! Info=''. Vertex fileName=vs, fragment fileName=fs";
+    EXPECT_TRUE(log.said(noReason));
+    EXPECT_EQ(newErrors(), noReason + "\n");
     EXPECT_TRUE(trace.nothingAlive());
 }
 
@@ -391,11 +394,11 @@ TEST_F(ProgramTest, DrawPreparesWhatItDraws)
     EXPECT_EQ(log.take(), std::vector<std::string>{"Error! Program::draw on a program that is not linked"});
 
     ASSERT_TRUE(program.link("vs", "fs"));
-    trace.failNext("glGenVertexArrays");
-    trace.clear();
+    trace.failNext("glGenBuffers");
     program.draw(buffer);
+    EXPECT_TRUE(log.said("ERROR! Buffer::commit cannot create VBO!"));
+    program.draw(buffer); // from what is not there, and with a line in each frame
     EXPECT_EQ(trace.count("glDrawArrays"), 0u);
-    EXPECT_TRUE(log.said("ERROR! Buffer::commit cannot create VAO!"));
     buffer.reset();
     buffer.appendVertices(cPoint, 1);
     buffer.createCommand()->createDrawArrays(gui::gl::Primitive::Points, 0, 1);
@@ -403,7 +406,7 @@ TEST_F(ProgramTest, DrawPreparesWhatItDraws)
     program.draw(buffer, glm::mat4(1));
     program.draw(buffer);
     EXPECT_EQ(trace.count("glBufferData"), 1u);
-    EXPECT_TRUE(trace.inOrder({"glBufferData(0x8892, 8, ptr, 0x88e4)", "glBindVertexArray(1)", "glUseProgram(1)"}));
+    EXPECT_TRUE(trace.inOrder({"glBufferData(0x8892, 8, ptr, 0x88e4)", "glBindVertexArray(2)", "glUseProgram(1)"}));
     EXPECT_EQ(trace.count("glUniformMatrix4fv"), 1u);
     EXPECT_EQ(trace.count("glDrawArrays"), 2u);
     buffer.release();

@@ -248,8 +248,8 @@ TEST_F(MeshTest, MisuseAppendsNothing)
                buffer.getCommandList().size() == 0 && asserts.caught(condition);
     };
     EXPECT_TRUE(isRefused(solid, solid.addCube(1, Tex2D), "false"));
-    EXPECT_TRUE(isRefused(noLayout, noLayout.addCube(1, CubeMap), "_vertexRecLenInBytes > 0"));
-    EXPECT_TRUE(isRefused(noLayout, noLayout.addSphere(1, 4, 4, Tex2D), "_vertexRecLenInBytes > 0"));
+    EXPECT_TRUE(isRefused(noLayout, noLayout.addCube(1, CubeMap), "nRecLen > 0"));
+    EXPECT_TRUE(isRefused(noLayout, noLayout.addSphere(1, 4, 4, Tex2D), "nRecLen > 0"));
     EXPECT_TRUE(isRefused(wrong, wrong.addCube(1, CubeStrip), "_nVertexFloats == nFloats"));
     EXPECT_TRUE(isRefused(wrong, wrong.addSphere(1, 4, 4, Tex2D), "_nVertexFloats == nFloats"));
     // Sizes that wrap in 32 bits, and in 64.

@@ -118,7 +118,7 @@ void answerStatus(const std::string* pLog, GLArguments arguments)
 {
     GLint& value = *arguments[2].result<GLint>();
     if (arguments[1].name() == GL_INFO_LOG_LENGTH)
-        value = pLog == nullptr || pLog->empty() ? 0 : static_cast<GLint>(pLog->size() + 1);
+        value = pLog == nullptr ? 0 : static_cast<GLint>(pLog->size() + 1);
     else
         value = pLog == nullptr ? GL_TRUE : GL_FALSE;
 }

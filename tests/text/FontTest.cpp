@@ -191,16 +191,16 @@ TEST_F(FontTest, MovesWithAllItHas)
     EXPECT_TRUE(trace.only({}));
     moved->reset();
     EXPECT_GT(moved->addString({}, "ab", 0, td::ColorID::Red, 1).width, 0); // without the Text it came from
-    moved->release();
+    ASSERT_TRUE(moved->commit());
 
-    // Its texture belongs to the context that is not current now.
+    // What it has belongs to the context that is not current now.
     int other = 0;
     gui::gl::CurrentContext::set(&other);
     trace.clear();
     moved.reset();
     EXPECT_TRUE(trace.only({}));
     gui::gl::CurrentContext::set(static_cast<test::NullGL*>(this));
-    EXPECT_TRUE(trace.only({"glDeleteTextures(1, [1])"}));
+    EXPECT_TRUE(trace.only({"glDeleteTextures(1, [1])", "glDeleteBuffers(1, [2])", "glDeleteVertexArrays(1, [2])"}));
     gui::gl::CurrentContext::died(&other);
 }
 

@@ -114,8 +114,8 @@ TEST_F(TextTest, FontsStayUntilTheirNumberChanges)
     renderer->getFont(1)->addString({}, "ab", 0, td::ColorID::Red, 1);
     renderer->allocFonts(2);
     EXPECT_EQ(takeVertices(*renderer->getFont(1)).size(), 48u);
-    renderer->release();
-    renderer->allocFonts(3); // deletes the texture
+    renderer->commit();
+    renderer->allocFonts(3); // deletes what the fonts had
     EXPECT_TRUE(trace.nothingAlive());
     EXPECT_EQ(renderer->getFont(1)->measure("ab", 0, {}), td::Size<float>());
 }

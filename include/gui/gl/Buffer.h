@@ -107,8 +107,8 @@ public:
     }
 
     /// Appends a cube around the origin and records the command that draws it, Primitive::Triangles; encoding and committing
-    /// stay with the caller. Unknown types ("false"), a layout of another length ("_nVertexFloats == nFloats") and a
-    /// committed buffer are programming errors.
+    /// stay with the caller. Unknown types ("false"), no layout ("nRecLen > 0"), one of another length
+    /// ("_nVertexFloats == nFloats") and a committed buffer are programming errors.
     /// @param size     the length of an edge
     /// @param type     Texture::Type::CubeStrip: 24 vertices of position and texture coordinate (5 floats), each face with
     ///                 a sixth of the texture's width: +z, +x, -z, -x, +y, -y from left to right. Texture::Type::CubeMap:
@@ -147,12 +147,13 @@ public:
     const cnt::PushBackVector<float, 0>& getVertices() const { return _vertexData; }
     /// False when data may be appended; see the class for what it does on a committed buffer, where the answer is true.
     bool isAddOnCommitted() const;
-    /// True from commit to reset or release.
-    bool isCommitted() const { return _state == 1; }
+    /// True from commit to reset or release, and to the end of the context that it was committed in.
+    bool isCommitted() const { return _state == 1 && CurrentContext::isAlive(_contextID); }
 
-    /// Uploads what was appended. Does nothing on a committed buffer.
+    /// Uploads what was appended. Does nothing on a committed buffer; one whose context has died is uploaded anew.
     /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO, IBO).
-    ///         Objects made so far are kept; reset the buffer and fill it again to start over
+    ///         Objects made so far are kept, and further calls are refused without another line: reset the buffer and
+    ///         fill it again to start over
     bool commit();
 
     /// Binds the vertex array. Commit first (an assertion).
@@ -175,6 +176,7 @@ public:
 private:
     // Appending is inline: a call takes as long as copying a few vertices.
     bool isClosed() const { return _state == 1 && isAddOnCommitted(); }
+    bool upload();
     void deleteObjects();
 
     CommandList _commandList;
@@ -193,6 +195,7 @@ private:
     unsigned char _nVertexFloats = 0;
     unsigned char _nInstanceFloats = 0;
     unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
+    bool _isRefused = false;  // GL had not all of the objects
     CurrentContext::ID _contextID = 0;
 };
 

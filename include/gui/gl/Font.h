@@ -51,8 +51,8 @@ struct Pen;
 /// by the font's space, U+000A and U+2028 break the line, and a code point that the font lacks shows its last glyph.
 ///
 /// Moves, but can't be copied; no assignment. load, setTexture, commit and draw need the view's context current. The
-/// destructor deletes the atlas texture, and needs no context; the vertex array and its buffer are deleted by release()
-/// alone, so call that before. GUI thread only.
+/// destructor deletes the atlas texture, the vertex array and its buffer, and needs no context. When the context dies
+/// they are gone: the strings are uploaded anew by the next commit, the atlas by the next load. GUI thread only.
 class GUIGL_API Font
 {
 public:
@@ -211,6 +211,7 @@ private:
     bool makeTexture(unsigned int width, unsigned int height, std::span<const td::BYTE> pixels, int minFilter);
     void deleteTexture();
     void deleteBuffers();
+    void forgetDead();
 
     bool isEmpty() const { return _pTable == nullptr; }
     FontMetrics metrics() const;

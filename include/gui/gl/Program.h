@@ -57,9 +57,10 @@ public:
     bool link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID, const char* tessEvalResID,
               const char* geometryResID);
 
-    bool isOK() const { return _programID != 0; }
+    /// True from a successful link to release, and to the end of the context that it was linked in.
+    bool isOK() const { return _programID != 0 && CurrentContext::isAlive(_contextID); }
     /// The GL name; 0 when not linked.
-    unsigned int getID() const { return _programID; }
+    unsigned int getID() const { return isOK() ? _programID : 0; }
 
     /// Deletes the GL program; it is the current one no more. Needs no context.
     void release();

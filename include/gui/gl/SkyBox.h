@@ -70,7 +70,7 @@ public:
     void updateTransformation();
     const glm::mat4& getTransformation() const { return _transformation; }
 
-    /// Makes the box. Nothing when it is there already.
+    /// Makes the box. Nothing when it is there already, in a context that lives.
     /// @param size  half of its edge, between the projection's near and far plane as a rule; finite and not 0 (an
     ///              assertion)
     /// "ERROR! SkyBox::commit cannot create VAO!" (or VBO) in the log when GL has no object to give; render draws nothing

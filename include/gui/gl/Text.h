@@ -85,7 +85,7 @@ public:
     void setFrameSize(const td::Size<double>& size);
 
     /// Makes n fonts, without glyphs. With the number there is already, the fonts and their strings stay; otherwise they
-    /// are destroyed: call release() before, it alone deletes their vertex arrays and buffers.
+    /// are destroyed, and with them what they have in GL.
     void allocFonts(unsigned char n);
 
     /// @param index  below the number of fonts: element access stops the program  @return the font, owned by this object

@@ -26,7 +26,8 @@ namespace gui::gl
 /// A set of GL textures, filled once from images or image files and bound by position while drawing.
 ///
 /// Every append adds at the end; positions never change. The set owns its GL textures: release() and the destructor
-/// delete them, in the context that made them. All textures of a set belong to one context. Images are uploaded and not
+/// delete them, in the context that made them. All textures of a set belong to one context; when that dies they are gone, and the
+/// next append begins a new set. Images are uploaded and not
 /// kept. 2D textures repeat in both directions, have mipmaps and linear filters; cube maps clamp to their edges, with
 /// linear filters and no mipmaps. Not copyable. Unless said otherwise, operations need the view's context current.
 class GUIGL_API Textures
@@ -124,7 +125,9 @@ public:
 
 private:
     friend class ProgHelper;
+    friend class Program;
 
+    void forgetDead();
     bool canAppend(const char* operation, std::size_t n);
     bool uploadFaces(const std::array<const gui::Texture*, 6>& faces);
 
