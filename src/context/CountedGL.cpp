@@ -12,6 +12,7 @@ namespace
 {
 
 CountedGL::Counts s_counts;
+bool s_isInstalled = false;
 
 template <typename... Parameters>
 void countState(Parameters...)
@@ -80,7 +81,11 @@ struct Counted<Slot, Count>
 {
     static inline void (*s_loaded)(Parameters...) = nullptr;
 
-    static void install() { s_loaded = std::exchange(*Slot, call); }
+    static void install()
+    {
+        if (*Slot != call)
+            s_loaded = std::exchange(*Slot, call);
+    }
     static void restore() { *Slot = s_loaded; }
 
     static void call(Parameters... parameters)
@@ -90,7 +95,9 @@ struct Counted<Slot, Count>
         // place meanwhile, or it would call this function again, for ever.
         *Slot = s_loaded;
         (*Slot)(parameters...);
-        s_loaded = std::exchange(*Slot, call);
+        // A debug callback of the driver may have stopped the counting, and begun it anew.
+        if (s_isInstalled)
+            install();
     }
 };
 
@@ -185,12 +192,14 @@ constexpr Entry cEntries[] = {
 
 void CountedGL::install()
 {
+    s_isInstalled = true;
     for (const Entry& entry : cEntries)
         entry.install();
 }
 
 void CountedGL::restore()
 {
+    s_isInstalled = false;
     for (const Entry& entry : cEntries)
         entry.restore();
 }

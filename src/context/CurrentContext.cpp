@@ -50,14 +50,32 @@ void deleteNow(Name name)
     case CurrentContext::Kind::Buffer:
         glDeleteBuffers(1, &name.name);
         break;
+    case CurrentContext::Kind::Framebuffer:
+        glDeleteFramebuffers(1, &name.name);
+        break;
     case CurrentContext::Kind::Program:
         glDeleteProgram(name.name);
+        break;
+    case CurrentContext::Kind::ProgramPipeline:
+        glDeleteProgramPipelines(1, &name.name);
         break;
     case CurrentContext::Kind::Query:
         glDeleteQueries(1, &name.name);
         break;
+    case CurrentContext::Kind::Renderbuffer:
+        glDeleteRenderbuffers(1, &name.name);
+        break;
+    case CurrentContext::Kind::Sampler:
+        glDeleteSamplers(1, &name.name);
+        break;
+    case CurrentContext::Kind::Shader:
+        glDeleteShader(name.name);
+        break;
     case CurrentContext::Kind::Texture:
         glDeleteTextures(1, &name.name);
+        break;
+    case CurrentContext::Kind::TransformFeedback:
+        glDeleteTransformFeedbacks(1, &name.name);
         break;
     case CurrentContext::Kind::VertexArray:
         glDeleteVertexArrays(1, &name.name);

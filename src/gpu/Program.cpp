@@ -219,6 +219,7 @@ bool Program::finishLink(unsigned int programID)
         return false;
     }
     _contextID = CurrentContext::getID();
+    _hasSaidNotLinked = _hasSaidColor = false;
     onLinked();
     return true;
 }
@@ -287,14 +288,30 @@ void Program::setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, f
     setUniformValuesForMatrices(matrices.begin(), n == 0 ? matrices.size() : n);
 }
 
+// A colour that goes nowhere leaves shapes black, in builds without assertions without another word.
+void Program::sayColorGoesNowhere(int nComponents)
+{
+    if (_hasSaidColor)
+        return;
+    _hasSaidColor = true;
+    const char* const taken = _color3Location >= 0   ? "a colour of 3 components: setColor(id)"
+                              : _color4Location >= 0 ? "a colour of 4 components: setColor(id, alpha)"
+                                                     : "no colour";
+    vo::dbgLog("Error! Program::setColor%d on a program that takes %s", nComponents, taken);
+}
+
 void Program::setColor3(const glm::vec3& color)
 {
+    if (_color3Location < 0)
+        sayColorGoesNowhere(3);
     TD_ASSERT(_color3Location >= 0);
     setUniformValue(static_cast<unsigned int>(_color3Location), color);
 }
 
 void Program::setColor4(const glm::vec4& color)
 {
+    if (_color4Location < 0)
+        sayColorGoesNowhere(4);
     TD_ASSERT(_color4Location >= 0);
     setUniformValue(static_cast<unsigned int>(_color4Location), color);
 }

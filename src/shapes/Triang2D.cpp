@@ -77,6 +77,30 @@ Triang2D::Triang2D(unsigned int nExpectedPoints)
 
 Triang2D::~Triang2D() = default;
 
+// The fan of four corners is taken without a look at their turns.
+void Triang2D::checkFan(const td::Point<float>* points, unsigned int n)
+{
+    if (n != 4 || _hasSaidUnfilled)
+        return;
+    const float first = turnArea(points[0], points[1], points[2]);
+    const float second = turnArea(points[0], points[2], points[3]);
+    if (!((first < 0 && second > 0) || (first > 0 && second < 0)))
+        return;
+    vo::dbgLog("Warning! Triang2D::triangulate the fan of a polygon of four corners leaves it");
+    _hasSaidUnfilled = true;
+}
+
+bool Triang2D::cut(const td::Point<float>* points, unsigned int n)
+{
+    if (_pSimplePolygon->triangulate(points, n)) [[likely]]
+        return true;
+    if (!_hasSaidUnfilled)
+        vo::dbgLog("Warning! Triang2D::triangulate found no ear in a polygon of %u corners, of which %u were left", n,
+                   n - static_cast<unsigned int>(_pSimplePolygon->getIndices().size() / 3));
+    _hasSaidUnfilled = true;
+    return false;
+}
+
 std::pair<Primitive, unsigned int> Triang2D::triangulate(const td::Point<float>* points, unsigned int n,
                                                          Points& vertices, Indices& indices)
 {
@@ -90,19 +114,20 @@ std::pair<Primitive, unsigned int> Triang2D::triangulate(const td::Point<float>*
     {
         if (nNonConvex != 0)
             TD_ASSERT(nNonConvex == 1, nothing);
+        checkFan(points, n);
         vertices.push_back(points, n);
         std::rotate(vertices.begin() + base, vertices.begin() + base + start, vertices.end());
         return {Primitive::TriangleFan, 0};
     }
 
     // Before the points are appended: they may be vertices themselves, which move when there is no room.
-    const bool isCut = _pSimplePolygon->triangulate(points, n);
+    const bool isCut = cut(points, n);
     vertices.push_back(points, n);
     if (!isCut)
         return nothing;
-    const Indices& cut = indicesFrom(*_pSimplePolygon, base);
-    indices.push_back(cut.begin(), cut.size());
-    return {Primitive::Triangles, static_cast<unsigned int>(cut.size())};
+    const Indices& triangles = indicesFrom(*_pSimplePolygon, base);
+    indices.push_back(triangles.begin(), triangles.size());
+    return {Primitive::Triangles, static_cast<unsigned int>(triangles.size())};
 }
 
 std::pair<Primitive, unsigned int> Triang2D::triangulate(const Points& points, Points& vertices, Indices& indices)
@@ -131,6 +156,7 @@ Command* Triang2D::triangulate(Buffer* pBuffer, const td::Point<float>* points, 
     {
         if (nNonConvex != 0)
             TD_ASSERT(nNonConvex == 1, nullptr);
+        checkFan(points, n);
         pBuffer->appendVertices(points + start, n - start);
         pBuffer->appendVertices(points, start);
         Command* pComm = pBuffer->getCommandList().get();
@@ -140,13 +166,13 @@ Command* Triang2D::triangulate(Buffer* pBuffer, const td::Point<float>* points, 
     }
 
     pBuffer->appendVertices(points, n);
-    if (!_pSimplePolygon->triangulate(points, n))
+    if (!cut(points, n))
         return nullptr;
-    const Indices& cut = indicesFrom(*_pSimplePolygon, base);
-    pBuffer->appendIndices(cut);
+    const Indices& triangles = indicesFrom(*_pSimplePolygon, base);
+    pBuffer->appendIndices(triangles);
     Command* pComm = pBuffer->getCommandList().get();
     TD_ASSERT(pComm, nullptr);
-    pComm->createDrawElements(Primitive::Triangles, firstIndex, static_cast<unsigned int>(cut.size()));
+    pComm->createDrawElements(Primitive::Triangles, firstIndex, static_cast<unsigned int>(triangles.size()));
     return pComm;
 }
 

@@ -118,11 +118,17 @@ void Text::allocFonts(unsigned char n)
     _isMissingTextureSaid = false;
 }
 
-Font* Text::getFont(unsigned char index) { return &_fonts[index]; }
+// An index beyond the fonts stops the program, in every build: it says why.
+Font* Text::getFont(unsigned char index)
+{
+    if (index >= _fonts.size())
+        vo::dbgLog("Error! Text::getFont %u of %zu fonts! Call allocFonts before!", unsigned(index), _fonts.size());
+    return &_fonts[index];
+}
 
-Font* Text::loadFont(unsigned char index, const char* fileName) { return _fonts[index].load(fileName); }
+Font* Text::loadFont(unsigned char index, const char* fileName) { return getFont(index)->load(fileName); }
 
-Font* Text::loadFont(unsigned char index, const td::StringBase& fileName) { return _fonts[index].load(fileName); }
+Font* Text::loadFont(unsigned char index, const td::StringBase& fileName) { return getFont(index)->load(fileName); }
 
 void Text::commit()
 {

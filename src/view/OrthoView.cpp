@@ -1,6 +1,7 @@
 #include <gui/gl/OrthoView.h>
 
 #include <gui/Key.h>
+#include <vo/Log.h>
 
 #include <glm/ext/matrix_clip_space.hpp>
 
@@ -56,9 +57,14 @@ void OrthoView::setZoom(double zoom)
 
 void OrthoView::setZoomLimits(double min, double max)
 {
-    // Written so that NaN is refused too.
-    if (!(min > 0 && max >= min && std::isfinite(max)))
+    if (max < min)
         return;
+    // Written so that NaN is refused too.
+    if (!(min > 0 && std::isfinite(max)))
+    {
+        vo::dbgLog("Warning! OrthoView::setZoomLimits ignores limits from %g to %g", min, max);
+        return;
+    }
     _minZoom = min;
     _maxZoom = max;
 }

@@ -2,6 +2,7 @@
 #include "support/OffscreenGL.h"
 
 #include <gui/gl/Context.h>
+#include <gui/gl/CurrentContext.h>
 
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
@@ -249,6 +250,56 @@ TEST_F(ContextGLTest, FlagsAndPointSizeReachTheirState)
     float size = 0;
     glGetFloatv(GL_POINT_SIZE, &size);
     EXPECT_EQ(size, 3);
+}
+
+// A kind that is mixed up with another deletes a neighbour's object, or nothing.
+TEST_F(ContextGLTest, NamesOfEveryKindAreDeleted)
+{
+    using gui::gl::CurrentContext;
+    using Kind = CurrentContext::Kind;
+    struct
+    {
+        Kind kind;
+        unsigned int name;
+        GLboolean (*isThere)(GLuint);
+    } objects[] = {{Kind::Buffer, 0, glIsBuffer},
+                   {Kind::Framebuffer, 0, glIsFramebuffer},
+                   {Kind::Program, glCreateProgram(), glIsProgram},
+                   {Kind::ProgramPipeline, 0, glIsProgramPipeline},
+                   {Kind::Query, 0, glIsQuery},
+                   {Kind::Renderbuffer, 0, glIsRenderbuffer},
+                   {Kind::Sampler, 0, glIsSampler},
+                   {Kind::Shader, glCreateShader(GL_VERTEX_SHADER), glIsShader},
+                   {Kind::Texture, 0, glIsTexture},
+                   {Kind::TransformFeedback, 0, glIsTransformFeedback},
+                   {Kind::VertexArray, 0, glIsVertexArray}};
+    // Names are objects once they were bound.
+    glGenBuffers(1, &objects[0].name);
+    glBindBuffer(GL_ARRAY_BUFFER, objects[0].name);
+    glGenFramebuffers(1, &objects[1].name);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, objects[1].name);
+    glGenProgramPipelines(1, &objects[3].name);
+    glBindProgramPipeline(objects[3].name);
+    glGenQueries(1, &objects[4].name);
+    glBeginQuery(GL_SAMPLES_PASSED, objects[4].name);
+    glEndQuery(GL_SAMPLES_PASSED);
+    glGenRenderbuffers(1, &objects[5].name);
+    glBindRenderbuffer(GL_RENDERBUFFER, objects[5].name);
+    glGenSamplers(1, &objects[6].name);
+    glBindSampler(0, objects[6].name);
+    glGenTextures(1, &objects[8].name);
+    glBindTexture(GL_TEXTURE_2D, objects[8].name);
+    glGenTransformFeedbacks(1, &objects[9].name);
+    glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, objects[9].name);
+    glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, 0);
+    glGenVertexArrays(1, &objects[10].name);
+    glBindVertexArray(objects[10].name);
+    for (const auto& object : objects)
+    {
+        EXPECT_TRUE(object.isThere(object.name)) << int(object.kind);
+        CurrentContext::deleteName(CurrentContext::getID(), object.kind, object.name);
+        EXPECT_FALSE(object.isThere(object.name)) << int(object.kind);
+    }
 }
 
 TEST_F(ContextGLTest, ClearTouchesTheNamedBuffersOnly)

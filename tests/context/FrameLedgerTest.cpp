@@ -6,6 +6,7 @@
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
 
+#include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
 namespace
@@ -94,6 +95,31 @@ TEST_F(FrameLedgerTest, ImagesCountAsTheirPixels)
     FrameLedger::end();
     EXPECT_EQ(FrameLedger::getLast().nBytesUploaded, 5u * 3 * 4);
     textures.release();
+}
+
+// The call during which it is stopped would be counted for ever, by its own count.
+TEST_F(FrameLedgerTest, ADriversCallbackMayStopIt)
+{
+    FrameLedger::stop();
+    static auto* const s_before = glLineWidth;
+    static bool s_startsAgain = false;
+    const auto withCallback = [](GLfloat)
+    {
+        FrameLedger::stop();
+        if (s_startsAgain)
+            FrameLedger::start(FrameLedger::Times::CPU);
+    };
+    for (const bool startsAgain : {false, true})
+    {
+        s_startsAgain = startsAgain;
+        glLineWidth = withCallback;
+        FrameLedger::start(FrameLedger::Times::CPU);
+        glLineWidth(1);
+        EXPECT_EQ(glLineWidth != withCallback, startsAgain);
+        FrameLedger::stop();
+        EXPECT_TRUE(glLineWidth == withCallback);
+        glLineWidth = s_before;
+    }
 }
 
 TEST_F(FrameLedgerTest, WhatIsOffCountsNothing)

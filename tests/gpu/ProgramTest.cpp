@@ -215,6 +215,7 @@ TEST_F(ProgramTest, MisuseIsRefusedBeforeGLIsTouched)
     EXPECT_TRUE(asserts.caught("fragmentResID != nullptr"));
     program.setColor3({});
     EXPECT_TRUE(asserts.caught("_color3Location >= 0"));
+    EXPECT_TRUE(log.said("Error! Program::setColor3 on a program that takes no colour"));
     program.setColor4({});
     EXPECT_TRUE(asserts.caught("_color4Location >= 0"));
     program.setMVP({});
@@ -380,7 +381,6 @@ TEST_F(ProgramTest, ActivatesWithItsBufferAndExecutesTheListThatCounts)
     EXPECT_EQ(trace.count("glDrawArrays"), 2u); // the buffer's again
 }
 
-// Commands would send to a program that is no more.
 // A frame that a newcomer forgot to prepare must say so once, not draw with another's program or fill the log.
 TEST_F(ProgramTest, DrawPreparesWhatItDraws)
 {
@@ -414,6 +414,32 @@ TEST_F(ProgramTest, DrawPreparesWhatItDraws)
     gui::gl::setCurrentProgram(nullptr);
 }
 
+// Black shapes, and in release no word of why.
+TEST_F(ProgramTest, ColoursThatDoNotFitAreSaidOncePerProgram)
+{
+    constexpr float cPoint[] = {0, 0};
+    for (const bool isOpaque : {true, false})
+    {
+        gui::gl::Buffer buffer{gui::gl::DataType::Vec2};
+        for (const td::ColorID color : {td::ColorID::Red, td::ColorID::Blue})
+        {
+            gui::gl::Command* const pCommand = buffer.appendShape(gui::gl::Primitive::Points, cPoint, 1);
+            isOpaque ? pCommand->setColor(color) : pCommand->setColor(color, 0.5f);
+        }
+        TestProgram program;
+        ASSERT_TRUE(program.link("vs", "fs"));
+        (isOpaque ? program._color4Location : program._color3Location) = 2;
+        program.draw(buffer);
+        EXPECT_TRUE(log.said(isOpaque ? "Error! Program::setColor3 on a program that takes a colour of 4 components: "
+                                        "setColor(id, alpha)"
+                                      : "Error! Program::setColor4 on a program that takes a colour of 3 components: "
+                                        "setColor(id)"));
+        EXPECT_TRUE(
+            asserts.caught(std::vector<std::string>(2, isOpaque ? "_color3Location >= 0" : "_color4Location >= 0")));
+    }
+}
+
+// Commands would send to a program that is no more.
 TEST_F(ProgramTest, AReleasedProgramIsNotCurrent)
 {
     gui::gl::Command command;

@@ -1,6 +1,7 @@
 #include "FontFixture.h"
 
 #include <gtest/gtest.h>
+#include <vo/Log.h>
 
 #include <string>
 #include <vector>
@@ -109,6 +110,7 @@ TEST_F(TextTest, CtrlSaysWhatIsTurnedOffAndOn)
 
 TEST_F(TextTest, FontsStayUntilTheirNumberChanges)
 {
+    EXPECT_DEATH((vo::setLogSink({}), renderer->getFont(1)), "Error! Text::getFont 1 of 1 fonts! Call allocFonts");
     renderer->allocFonts(2);
     loadFont(1, U"ab");
     renderer->getFont(1)->addString({}, "ab", 0, td::ColorID::Red, 1);

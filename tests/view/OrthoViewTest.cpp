@@ -212,15 +212,16 @@ TEST_F(OrthoViewTest, LimitsHold)
         std::function<void()> act;
         double zoom;
         Lines lines;
+        std::size_t nLogged = 0;
     } steps[] = {
         {"above", [&] { view.setZoom(1000); }, 100, {"zoom", "origin"}},
         {"above again", [&] { view.setZoom(cInfinity); }, 100, {}},
         {"below", [&] { view.setZoom(0.001); }, 0.01, {"zoom", "origin"}},
         {"inverted limits", [&] { view.setZoomLimits(5, 1); }, 0.01, {}},
-        {"limits of 0", [&] { view.setZoomLimits(0, 1); }, 0.01, {}},
-        {"limits below 0", [&] { view.setZoomLimits(-2, -1); }, 0.01, {}},
-        {"no limits", [&] { view.setZoomLimits(cNaN, 1); }, 0.01, {}},
-        {"no upper limit", [&] { view.setZoomLimits(1, cInfinity); }, 0.01, {}},
+        {"limits of 0", [&] { view.setZoomLimits(0, 1); }, 0.01, {}, 1},
+        {"limits below 0", [&] { view.setZoomLimits(-2, -1); }, 0.01, {}, 1},
+        {"no limits", [&] { view.setZoomLimits(cNaN, 1); }, 0.01, {}, 1},
+        {"no upper limit", [&] { view.setZoomLimits(1, cInfinity); }, 0.01, {}, 1},
         {"still the old limits", [&] { view.setZoom(-1); }, 0.01, {}},
         {"new limits wait for the next zoom", [&] { view.setZoomLimits(2, 3); }, 0.01, {}},
         {"no zoom", [&] { view.setZoom(cNaN); }, 0.01, {}},
@@ -230,6 +231,7 @@ TEST_F(OrthoViewTest, LimitsHold)
     {
         step.act();
         EXPECT_EQ(view.getZoom(), step.zoom) << step.name;
+        EXPECT_EQ(log.take().size(), step.nLogged) << step.name;
         EXPECT_TRUE(journal.said(step.lines)) << step.name;
         expectThatProjectionAgrees(view, step.name);
     }

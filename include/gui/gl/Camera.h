@@ -15,7 +15,7 @@ namespace gui::gl
 class ICameraLimiter;
 class SkyBox;
 
-/// An eye that flies: a position and two angles, moved and turned by keys, the wheel and Shift-drags, and the view matrix
+/// An eye that flies: a position and two angles, moved and turned by keys, the wheel and the pointer, and the view matrix
 /// that follows from them.
 ///
 /// Keys w, s, a, d and the arrows move by a step of the camera's speed along its view direction or sideways; with Alt
@@ -145,7 +145,7 @@ private:
     float _mouseSensitivity = 0.1F;
     float _moveSensitivity = 0.01F;
     bool _updateViewMatrix = true;
-    bool _shiftPressed = false; // a Shift-drag is going on
+    bool _shiftPressed = false; // the pointer pans
     bool _fixed = false;
 };
 

@@ -15,7 +15,7 @@ class Camera;
 /// A view of a 3D scene in perspective, seen through a camera that the user flies.
 ///
 /// Derive from it, give it a camera, and draw with _perspective * getCameraMatrix() * model. Keys, wheel, pinches and
-/// Shift-drags go to the camera; when one of them changed what is seen, the view asks for a redraw. The camera's zoom
+/// movement of the pointer with Shift held and no button down go to the camera; when one of them changed what is seen, the view asks for a redraw. The camera's zoom
 /// factor narrows the field of view.
 class GUIGL_API CameraView : public View
 {
@@ -23,8 +23,9 @@ public:
     CameraView() = default;
     ~CameraView() override;
 
-    /// Makes the context, with keys, buttons, movement, wheel and gestures as input. Drags (movement with the primary
-    /// button down) are not asked for: see View's form for a list of one's own.
+    /// Makes the context, with keys, buttons, movement, wheel and gestures as input. Movement with the primary
+    /// button down is a drag, which is not asked for and does nothing to the camera: see View's form for a list of one's
+    /// own, and onCursorDragged.
     void createContext(const Context& context);
     using View::createContext;
 
@@ -54,7 +55,7 @@ protected:
     /// Fn makes it three times as fast.
     bool onScroll(const gui::InputDevice& device) override;
     void onCursorMoved(const gui::InputDevice& device) override;
-    /// Nothing: a Shift-drag ends with the first movement without Shift.
+    /// Nothing: panning ends with the first movement without Shift.
     void onCursorExited(const gui::InputDevice& device) override;
     /// An empty size changes nothing.
     void onResize(const td::Size<double>& size) override;

@@ -14,7 +14,14 @@ namespace gui::gl
 /// itself must do the same: set() right after it made one current (or none), died() before it destroys one. As long as
 /// no context is known to be current, the operations that create GL objects refuse with a log line.
 ///
-/// GL names are numbers per context. Whoever holds one remembers the context's id, and hands name and id to deleteName.
+/// GL names are numbers per context. Whoever holds one remembers the context's id, and hands name and id to deleteName:
+/// the library's objects do, and an application that makes framebuffers, say, can do the same:
+/// @code
+/// glGenFramebuffers(1, &_framebuffer);
+/// _contextID = gui::gl::CurrentContext::getID();
+/// // and in the destructor, whichever context is current then, or none:
+/// CurrentContext::deleteName(_contextID, gui::gl::CurrentContext::Kind::Framebuffer, _framebuffer);
+/// @endcode
 /// GUI thread only.
 class GUIGL_API CurrentContext
 {
@@ -24,13 +31,19 @@ public:
     /// A number that is never used for a second context; 0 means none.
     using ID = std::uint64_t;
 
-    /// The kind of GL object that a name belongs to.
+    /// The kind of GL object that a name belongs to: all that OpenGL 4.1 has.
     enum class Kind : td::BYTE
     {
         Buffer,
+        Framebuffer,
         Program,
+        ProgramPipeline,
         Query,
+        Renderbuffer,
+        Sampler,
+        Shader,
         Texture,
+        TransformFeedback,
         VertexArray
     };
 

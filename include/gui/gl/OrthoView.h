@@ -48,8 +48,8 @@ public:
     /// @param zoom  brought into the limits; NaN is ignored
     void setZoom(double zoom);
 
-    /// 0.01 and 100 at first. The zoom stays what it is until it is next set. Ignored when max is less than min, or when
-    /// one of them is not above 0 or not finite.
+    /// 0.01 and 100 at first. The zoom stays what it is until it is next set. Ignored when max is less than min, and,
+    /// after "Warning! OrthoView::setZoomLimits ignores limits from MIN to MAX", when one is not above 0 or not finite.
     void setZoomLimits(double min, double max);
 
     /// Moves the plane so that this point becomes the origin, calls onOriginChanged and asks for a redraw.

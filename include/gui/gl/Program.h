@@ -109,7 +109,8 @@ public:
     void setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, false>& matrices, std::size_t n = 0);
 
     /// The program's colour and model-view-projection uniforms. A program without them asserts "_color3Location >= 0"
-    /// and so on. A command's colour or matrix arrives here. A colour set by hand is unknown to the commands, which may
+    /// and so on; for a colour, "Error! Program::setColorN on a program that takes ..." is logged before, once per link. A
+    /// command's colour or matrix arrives here: one that does not fit leaves shapes black. A colour set by hand is unknown to the commands, which may
     /// leave out one that they sent before: activate the program again in between.
     void setColor3(const glm::vec3& color);
     void setColor4(const glm::vec4& color);
@@ -138,8 +139,8 @@ public:
     void execute(std::size_t first, std::size_t count);
 
     /// A frame's work in one call: encodes the buffer's commands and commits it if it is not, makes it the program's,
-    /// activates the program and executes. The program stays the active one. A program that is not linked, or a buffer that cannot be committed,
-    /// draws nothing, each with a log line that says so (the program's once per object).
+    /// activates the program and executes. The program stays the active one. A program that is not linked, or a buffer
+    /// that cannot be committed, draws nothing, each with one log line that says so.
     void draw(Buffer& buffer);
     /// The same with a model-view-projection matrix.
     void draw(Buffer& buffer, const glm::mat4& mvp);
@@ -155,6 +156,7 @@ private:
     friend class View;
 
     bool prepare(Buffer& buffer);
+    void sayColorGoesNowhere(int nComponents);
     static unsigned int _link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
                               const char* tessEvalResID, const char* geometryResID);
     static unsigned int compile(GLSL::Type type, const char* resID);
@@ -184,7 +186,9 @@ protected:
     int _matrixLocation = -1;
 
 private:
+    // Since the last link, once each.
     bool _hasSaidNotLinked = false;
+    bool _hasSaidColor = false;
     CurrentContext::ID _contextID = 0;
 };
 

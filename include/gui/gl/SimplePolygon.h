@@ -32,7 +32,9 @@ public:
     /// 2. they cover a simple polygon exactly once;
     /// 3. they are the same, in the same order, on every machine.
     /// The first ear is looked for from the first corner on, each further one from behind the one before it. A corner on
-    /// the edge of a triangle counts as inside, so one that is repeated keeps its neighbours from being ears.
+    /// the edge of a triangle counts as inside, so one that is repeated keeps its neighbours from being ears. Neither is one an
+    /// ear whose triangle is smaller than 1e-10 in doubled area, in square units of the points: of shapes less than 1e-5
+    /// units across there are none.
     /// @param points  n corners, below 2^30, the first not repeated at the end; read during the call only
     /// @return false when fewer than three corners are given or no corner of what is left is an ear, as in many polygons
     ///         that cross themselves; getIndices() then holds the triangles found so far

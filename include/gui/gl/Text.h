@@ -88,7 +88,8 @@ public:
     /// are destroyed, and with them what they have in GL.
     void allocFonts(unsigned char n);
 
-    /// @param index  below the number of fonts: element access stops the program  @return the font, owned by this object
+    /// @param index  below the number of fonts: element access stops the program otherwise, after "Error! Text::getFont N of
+    ///               N fonts! Call allocFonts before!"  @return the font, owned by this object
     Font* getFont(unsigned char index);
 
     /// Font::load of one of the fonts.

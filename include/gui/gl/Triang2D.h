@@ -37,6 +37,13 @@ class VertexFinder;
 /// Coordinates are in the caller's units, and y grows upwards where left, right and clockwise are spoken of. Results are
 /// the same to the last bit on every machine. It is one outline at a time: holes are not known.
 ///
+/// Two things to know of polygons. One of four corners is always a fan from its first corner: where it bends inwards at
+/// the second or the fourth, the fan spills over the edge, so begin at the corner that bends inwards. And no triangle that
+/// is cut from a polygon is smaller than 1e-10 in doubled area, in square units: corners of shapes that measure less than
+/// 1e-5 units across find no ear. Scale such shapes up. An object says in one line of the log, the first time only, that a
+/// polygon could not be filled: "Warning! Triang2D::triangulate the fan of a polygon of four corners leaves it" or
+/// "Warning! Triang2D::triangulate found no ear in a polygon of N corners, of which N were left".
+///
 /// An object keeps working memory from call to call, so use one for many shapes. Not copyable; one object must not be
 /// used from two threads at once. A buffer that is committed is refused: null, with the buffer's own log line and
 /// assertion.
@@ -60,7 +67,7 @@ public:
     /// fannable (see isConvex) needs no indices and is stored from its odd corner on, any other gets three indices for
     /// each of its n - 2 triangles, which turn left.
     /// @param points    n corners in either direction, the first not repeated at the end. A polygon of 4 is always taken
-    ///                  for fannable, from its first corner
+    ///                  for fannable, from its first corner (see above)
     /// @param n         at least 3 (an assertion)
     /// @param indices   count from the first of vertices
     /// @return TriangleFan and 0: draw the n vertices appended as a fan. Triangles and the number of indices appended:
@@ -124,8 +131,12 @@ public:
                                 unsigned int firstSearchPos, unsigned int nVerticesToSearch);
 
 private:
+    void checkFan(const td::Point<float>* points, unsigned int n);
+    bool cut(const td::Point<float>* points, unsigned int n);
+
     std::unique_ptr<SimplePolygon> _pSimplePolygon;
     std::unique_ptr<VertexFinder> _pVertexFinder;
+    bool _hasSaidUnfilled = false;
 };
 
 /// Twice the signed area of a triangle: above 0 when a, b, c turn left.

@@ -54,7 +54,8 @@ public:
     void makeCurrentContext() const;
 
     /// Asks for a redraw at the next opportunity; however often it is asked for before then, it is one. A call from
-    /// inside onDraw asks for one more. Nothing while there is no native view.
+    /// inside onDraw asks for one more. Nothing while there is no native view. reDraw, which every gui::Frame has, does
+    /// the same for a view; this one can be called on a const view.
     void reRender() const;
 
     /// Sets the flag alone: the frame clock is neither started nor stopped. See startAnimation.

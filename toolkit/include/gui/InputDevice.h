@@ -48,7 +48,7 @@ public:
     /// @param contentPoint  position in the coordinates of the view's content; the frame point again in views that have
     ///                      no content of their own, all of them here
     /// @param windowPoint   position in the window's coordinates
-    /// @param modifiers     mask of KeyModifier bits
+    /// @param modifiers     mask of KeyModifier bits; the Ctrl key is Cmd
     InputDevice(const td::Point<double>& framePoint, const td::Point<double>& contentPoint,
                 const td::Point<double>& windowPoint, unsigned int modifiers, Type type, Button button)
         : _framePoint(framePoint)

@@ -5,7 +5,9 @@
 namespace gui
 {
 
-/// Bits of a keyboard modifier mask.
+/// Bits of a keyboard modifier mask. They are named as on a Mac keyboard, and by what people expect of them: on Linux the
+/// Ctrl key arrives as Cmd, since it is the one for commands (Ctrl-plus, Ctrl-wheel), the Super key as Ctrl, and AltGr as
+/// Fn.
 enum class KeyModifier : unsigned int
 {
     Shift = 1,
