@@ -1,5 +1,7 @@
 #include <gui/gl/Context.h>
 
+#include "TextureBinding.h"
+
 #include <gui/gl/Color.h>
 
 #include <td/Assert.h>
@@ -158,17 +160,12 @@ void Context::clear(td::ColorID color)
     glClearColor(rgb.r, rgb.g, rgb.b, 1.0f);
 }
 
-void Context::setActiveTextureUnit(Textures::Unit unit)
-{
-    const GLenum glUnit = Textures::getZavPosID(unit);
-    if (glUnit != 0)
-        glActiveTexture(glUnit);
-}
+void Context::setActiveTextureUnit(Texture::Unit unit) { activateUnit(unit); }
 
 void Context::bindTextureToCurrentlyActiveTextureUnit(unsigned int textureID, Texture::Type type)
 {
     TD_ASSERT(textureID != 0);
-    glBindTexture(type == Texture::Type::CubeMap ? GL_TEXTURE_CUBE_MAP : GL_TEXTURE_2D, textureID);
+    bindTexture(type, textureID);
 }
 
 void Context::enable(Flag flag)

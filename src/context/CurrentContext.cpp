@@ -1,7 +1,5 @@
 #include <gui/gl/CurrentContext.h>
 
-#include <gui/gl/Program.h>
-
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -34,6 +32,7 @@ struct State
     std::map<CurrentContext::ID, LivingContext> living;
     CurrentContext::ID current = 0;
     CurrentContext::ID last = 0;
+    std::vector<CurrentContext::Listener> listeners;
 };
 
 State& state()
@@ -108,8 +107,8 @@ void CurrentContext::set(Handle handle)
     if (id == s.current)
         return;
     s.current = id;
-    // The caches hold what was sent in the other context.
-    setCurrentProgram(nullptr);
+    for (const CurrentContext::Listener listener : s.listeners)
+        listener();
     if (id == 0)
         return;
     for (const Name name : std::exchange(it->second.namesToDelete, {}))
@@ -126,6 +125,8 @@ void CurrentContext::died(Handle handle)
         set(nullptr);
     s.living.erase(it);
 }
+
+void CurrentContext::onChange(Listener listener) { state().listeners.push_back(listener); }
 
 CurrentContext::ID CurrentContext::getID() { return state().current; }
 

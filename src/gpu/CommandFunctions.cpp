@@ -1,7 +1,7 @@
 #include <gui/gl/Command.h>
 
-#include "../context/CommandCounter.h"
-#include "../context/CountedGL.h"
+#include "CommandCounter.h"
+#include "CountedGL.h"
 #include "ProgHelper.h"
 #include "UniformPacking.h"
 
@@ -29,12 +29,8 @@ namespace gui::gl
 namespace
 {
 
-constexpr unsigned short cNoTexture = 65535;
-
-Program* s_pCurrentProgram = nullptr;
-ProgHelper s_progHelper;
-td::Color s_prevColor(0, 0, 0, 0);
-unsigned short s_prevTexture = cNoTexture;
+// What was sent in one context is not there in another.
+[[maybe_unused]] const bool s_isListening = (CurrentContext::onChange([] { setCurrentProgram(nullptr); }), true);
 
 // By Primitive.
 constexpr std::array<GLenum, 8> cModes{GL_POINTS,    GL_LINES,        GL_LINE_STRIP,     GL_LINE_LOOP,
@@ -60,7 +56,7 @@ bool sendColor3(td::Color color)
 {
     TD_ASSERT(s_pCurrentProgram != nullptr, false);
     s_prevColor = color;
-    s_progHelper.setColor3({cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()]});
+    ProgHelper::setColor3({cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()]});
     return true;
 }
 
@@ -68,14 +64,14 @@ bool sendColor4(td::Color color)
 {
     TD_ASSERT(s_pCurrentProgram != nullptr, false);
     s_prevColor = color;
-    s_progHelper.setColor4(
+    ProgHelper::setColor4(
         {cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()], cChannels[color.alpha()]});
     return true;
 }
 
-bool bindTexture(td::BYTE unit, td::BYTE index, unsigned short key)
+bool sendTexture(td::BYTE unit, td::BYTE index, unsigned short key)
 {
-    if (!s_progHelper.setTexture(static_cast<Textures::Unit>(unit), index))
+    if (!ProgHelper::setTexture(static_cast<Textures::Unit>(unit), index))
         return false;
     s_prevTexture = key;
     return true;
@@ -86,14 +82,9 @@ bool bindTexture(td::BYTE unit, td::BYTE index, unsigned short key)
 void setCurrentProgram(Program* pProgram)
 {
     s_pCurrentProgram = pProgram;
-    s_progHelper.setProgram(pProgram);
-    s_prevTexture = cNoTexture;
+    forgetTexture();
     s_prevColor = td::Color(0, 0, 0, 0);
 }
-
-void ProgHelper::forgetTexture() { s_prevTexture = cNoTexture; }
-
-bool ProgHelper::isCurrent(const Program* pProgram) { return s_pCurrentProgram == pProgram; }
 
 struct Command::Functions
 {
@@ -157,7 +148,7 @@ struct Command::Functions
     static bool s_setUniformMatrix(const Command* c)
     {
         TD_ASSERT(s_pCurrentProgram != nullptr, false);
-        s_progHelper.setMVP(c->_mvpData._pMatrix);
+        ProgHelper::setMVP(*c->_mvpData._pMatrix);
         return sendUniforms(*s_pCurrentProgram, c->_mvpData._uniforms, c->_mvpData._uniforms + cMVPUniformBytes);
     }
 
@@ -181,7 +172,7 @@ struct Command::Functions
         else if constexpr (subType == SubType::DrawWithTexture)
         {
             const auto key = static_cast<unsigned short>(v[0] * 256 + v[1]);
-            return key == s_prevTexture || bindTexture(v[0], v[1], key);
+            return key == s_prevTexture || sendTexture(v[0], v[1], key);
         }
         else
             return true;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "../context/TextureBinding.h"
+
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
 #include <td/Assert.h>
+#include <td/Color.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -12,36 +15,36 @@
 namespace gui::gl
 {
 
+/// The program that commands send to, and the colour that they sent last.
+inline Program* s_pCurrentProgram = nullptr;
+inline td::Color s_prevColor(0, 0, 0, 0);
+
 /// Reaches what commands need of the current program. What they send most often is inline.
 class ProgHelper
 {
 public:
-    /// Whether commands send to this program now.
-    static bool isCurrent(const Program* pProgram);
+    static void setMVP(const glm::mat4& matrix) { s_pCurrentProgram->setMVP(matrix); }
 
-    /// Tells that textures were bound, or deleted, other than by a command: the next command with one binds it again.
-    static void forgetTexture();
+    static void setColor3(const glm::vec3& color)
+    {
+        if (s_pCurrentProgram->_color3Location >= 0) [[likely]]
+            glUniform3fv(s_pCurrentProgram->_color3Location, 1, &color.x);
+        else
+            s_pCurrentProgram->setColor3(color);
+    }
 
-    void setProgram(Program* pProgram) { _pProgram = pProgram; }
-    void setMVP(const glm::mat4* pMatrix) { _pProgram->setMVP(*pMatrix); }
-    void setColor3(const glm::vec3& color)
+    static void setColor4(const glm::vec4& color)
     {
-        if (_pProgram->_color3Location >= 0) [[likely]]
-            glUniform3fv(_pProgram->_color3Location, 1, &color.x);
+        if (s_pCurrentProgram->_color4Location >= 0) [[likely]]
+            glUniform4fv(s_pCurrentProgram->_color4Location, 1, &color.x);
         else
-            _pProgram->setColor3(color);
+            s_pCurrentProgram->setColor4(color);
     }
-    void setColor4(const glm::vec4& color)
-    {
-        if (_pProgram->_color4Location >= 0) [[likely]]
-            glUniform4fv(_pProgram->_color4Location, 1, &color.x);
-        else
-            _pProgram->setColor4(color);
-    }
+
     /// @return false, after a log line and an assertion, when the program has no texture set
-    bool setTexture(Textures::Unit unit, unsigned char index)
+    static bool setTexture(Textures::Unit unit, unsigned char index)
     {
-        Textures* const pTextures = _pProgram != nullptr ? _pProgram->_pTextures : nullptr;
+        Textures* const pTextures = s_pCurrentProgram != nullptr ? s_pCurrentProgram->_pTextures : nullptr;
         if (pTextures == nullptr) [[unlikely]]
             vo::dbgLog("Error! Textures used without being set in an active program!");
         TD_ASSERT(pTextures, false);
@@ -60,10 +63,8 @@ private:
             return;
         }
         glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-        glBindTexture(pTexture->type == Texture::Type::CubeMap ? GL_TEXTURE_CUBE_MAP : GL_TEXTURE_2D, pTexture->id);
+        glBindTexture(textureTarget(pTexture->type), pTexture->id);
     }
-
-    Program* _pProgram = nullptr;
 };
 
 } // namespace gui::gl

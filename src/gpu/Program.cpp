@@ -226,7 +226,7 @@ bool Program::finishLink(unsigned int programID)
 
 void Program::release()
 {
-    if (ProgHelper::isCurrent(this))
+    if (s_pCurrentProgram == this)
         setCurrentProgram(nullptr);
     CurrentContext::deleteName(_contextID, CurrentContext::Kind::Program, _programID);
     _programID = 0;
@@ -348,7 +348,7 @@ void Program::useNone()
 void Program::setTextures(Textures* pTextures)
 {
     _pTextures = pTextures;
-    ProgHelper::forgetTexture();
+    forgetTexture();
 }
 
 void Program::reserveCommands(std::size_t n) { _commandList.reserve(n); }

@@ -1,7 +1,7 @@
 // The uniform setters of Program.
 #include <gui/gl/Program.h>
 
-#include "ProgHelper.h"
+#include "../context/TextureBinding.h"
 
 #include <gui/gl/Color.h>
 
@@ -91,11 +91,9 @@ void Program::setUniformValue(unsigned int loc, td::ColorID color, unsigned char
 
 void Program::setUniformValue(unsigned int loc, Texture::Type type, unsigned int textureID, Textures::Unit unit)
 {
-    const GLenum glUnit = Textures::getZavPosID(unit);
-    if (glUnit == 0)
+    if (!activateUnit(unit))
         return;
-    Textures::bindToSamplerUnit(textureID, unit, type);
-    ProgHelper::forgetTexture();
+    bindTexture(type, textureID);
     glUniform1i(toGL(loc), static_cast<GLint>(unit));
 }
 

@@ -1,7 +1,7 @@
 #include <gui/gl/Textures.h>
 
+#include "../context/TextureBinding.h"
 #include "CubeMapPainting.h"
-#include "ProgHelper.h"
 #include "TextureUpload.h"
 
 #include <gui/Texture.h>
@@ -20,20 +20,11 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::array<GLenum, 32> cZavPos{
-    GL_TEXTURE0,  GL_TEXTURE1,  GL_TEXTURE2,  GL_TEXTURE3,  GL_TEXTURE4,  GL_TEXTURE5,  GL_TEXTURE6,  GL_TEXTURE7,
-    GL_TEXTURE8,  GL_TEXTURE9,  GL_TEXTURE10, GL_TEXTURE11, GL_TEXTURE12, GL_TEXTURE13, GL_TEXTURE14, GL_TEXTURE15,
-    GL_TEXTURE16, GL_TEXTURE17, GL_TEXTURE18, GL_TEXTURE19, GL_TEXTURE20, GL_TEXTURE21, GL_TEXTURE22, GL_TEXTURE23,
-    GL_TEXTURE24, GL_TEXTURE25, GL_TEXTURE26, GL_TEXTURE27, GL_TEXTURE28, GL_TEXTURE29, GL_TEXTURE30, GL_TEXTURE31};
-static_assert(cZavPos.size() == std::size_t(Textures::Unit::T31) + 1);
-
 constexpr std::size_t cFaces = 6;
 constexpr int cMaxFaceSize = 16384;
 
 // Which name belongs to each face in GL's order: +x, -x, +y, -y, +z, -z.
 constexpr std::array<std::size_t, cFaces> cNameOfFace{2, 0, 4, 5, 1, 3};
-
-GLenum bindTarget(Texture::Type type) { return type == Texture::Type::CubeMap ? GL_TEXTURE_CUBE_MAP : GL_TEXTURE_2D; }
 
 unsigned int generateTexture()
 {
@@ -105,7 +96,7 @@ bool Textures::canAppend(const char* operation, std::size_t n)
     TD_ASSERT(_textures.size() == 0 || _contextID == CurrentContext::getID(), false);
     TD_ASSERT(_textures.size() + n <= std::numeric_limits<unsigned short>::max(), false);
     _contextID = CurrentContext::getID();
-    ProgHelper::forgetTexture();
+    forgetTexture();
     return true;
 }
 
@@ -293,19 +284,14 @@ std::tuple<unsigned int, Texture::Type> Textures::getIDAndType(unsigned short in
     return {texture.id, texture.type};
 }
 
-void Textures::setActiveUnit(Unit unit)
-{
-    const GLenum glUnit = getZavPosID(unit);
-    if (glUnit != 0)
-        glActiveTexture(glUnit);
-}
+void Textures::setActiveUnit(Unit unit) { activateUnit(unit); }
 
 void Textures::bindToActiveUnit(unsigned short index)
 {
     forgetDead();
     const auto [textureID, type] = getIDAndType(index);
     TD_ASSERT(textureID != 0);
-    glBindTexture(bindTarget(type), textureID);
+    bindTexture(type, textureID);
 }
 
 void Textures::setActive(Unit unit, unsigned short index)
@@ -320,24 +306,17 @@ void Textures::setUniform(int location, Unit unit, unsigned short index)
     glUniform1i(location, static_cast<GLint>(unit));
 }
 
-unsigned int Textures::getZavPosID(Unit unit)
-{
-    TD_ASSERT(static_cast<std::size_t>(unit) < cZavPos.size(), 0);
-    return cZavPos[static_cast<std::size_t>(unit)];
-}
+unsigned int Textures::getZavPosID(Unit unit) { return gl::getZavPosID(unit); }
 
 void Textures::bindToSamplerUnit(unsigned int textureID, Unit unit, Texture::Type type)
 {
-    const GLenum glUnit = getZavPosID(unit);
-    if (glUnit == 0)
-        return;
-    glActiveTexture(glUnit);
-    glBindTexture(bindTarget(type), textureID);
+    if (activateUnit(unit))
+        bindTexture(type, textureID);
 }
 
 void Textures::release()
 {
-    ProgHelper::forgetTexture();
+    forgetTexture();
     for (const TextureInfo& texture : _textures)
         CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, texture.id);
     _textures.release();

@@ -1,6 +1,6 @@
 #include <gui/gl/Font.h>
 
-#include "../gpu/ProgHelper.h"
+#include "../context/TextureBinding.h"
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
 
@@ -113,7 +113,7 @@ void Font::deleteTexture()
 {
     if (_textureID == 0)
         return;
-    ProgHelper::forgetTexture();
+    forgetTexture();
     CurrentContext::deleteName(_textureContextID, CurrentContext::Kind::Texture, std::exchange(_textureID, 0));
 }
 
@@ -171,7 +171,7 @@ bool Font::setTexture(const gui::Texture& image)
     if (!image.isOk() || (bytesPP != 3 && bytesPP != 4) || exceedsGLsLimit(width, height, limit))
     {
         vo::dbgLog("Error! Font::setTexture using invalid texture");
-        ProgHelper::forgetTexture();
+        forgetTexture();
         glBindTexture(GL_TEXTURE_2D, 0);
         return false;
     }
@@ -188,7 +188,7 @@ bool Font::makeTexture(unsigned int width, unsigned int height, std::span<const 
     if (_textureID == 0)
         return false;
     _textureContextID = CurrentContext::getID();
-    ProgHelper::forgetTexture();
+    forgetTexture();
     glBindTexture(GL_TEXTURE_2D, _textureID);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, static_cast<GLsizei>(width), static_cast<GLsizei>(height), 0, GL_RGBA,
                  GL_UNSIGNED_BYTE, pixels.data());
@@ -291,7 +291,7 @@ void Font::draw(Program* prog)
     auto* const pTextProg = dynamic_cast<Text::Prog*>(prog);
     TD_ASSERT(pTextProg != nullptr);
     glBindVertexArray(_vao);
-    ProgHelper::forgetTexture();
+    forgetTexture();
     Context::bindTextureToCurrentlyActiveTextureUnit(_textureID, Texture::Type::FontAtlas);
 
     // The program's setters and the colour table, without the calls.

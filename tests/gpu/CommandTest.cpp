@@ -2,6 +2,7 @@
 #include "support/NullGL.h"
 
 #include <gui/gl/Command.h>
+#include <gui/gl/Context.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
 
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -251,11 +253,25 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
                             "glActiveTexture(0x84c0)", "glBindTexture(0xde1, 5)", draw, unit1,
                             "glBindTexture(0xde1, 201)", draw}));
 
-    // Appending binds other textures where the command's was.
-    ASSERT_TRUE(textures.append({&dot}, gui::gl::Texture::Type::Tex2D));
-    trace.clear();
-    EXPECT_TRUE(otherUnit.execute());
-    EXPECT_EQ(trace.count("glBindTexture"), 1U);
+    // All that binds another texture where the command's was.
+    using gui::gl::Context;
+    const std::pair<const char*, std::function<void()>> binds[] = {
+        {"append", [&] { EXPECT_TRUE(textures.append({&dot}, gui::gl::Texture::Type::Tex2D)); }},
+        {"setActive", [&] { textures.setActive(Textures::Unit::T0, 5); }},
+        {"setUniform", [&] { textures.setUniform(1, Textures::Unit::T0, 5); }},
+        {"bindToActiveUnit", [&] { textures.bindToActiveUnit(5); }},
+        {"bindToSamplerUnit",
+         [] { Textures::bindToSamplerUnit(6, Textures::Unit::T0, gui::gl::Texture::Type::CubeMap); }},
+        {"the context's", [] { Context::bindTextureToCurrentlyActiveTextureUnit(6, gui::gl::Texture::Type::Tex2D); }},
+        {"the program's", [&] { program.setUniformValue(1, gui::gl::Texture::Type::Tex2D, 6, Textures::Unit::T0); }}};
+    for (const auto& [name, bind] : binds)
+    {
+        bind();
+        trace.clear();
+        EXPECT_TRUE(otherUnit.execute());
+        EXPECT_TRUE(otherUnit.execute());
+        EXPECT_EQ(trace.count("glBindTexture"), 1U) << name;
+    }
     trace.clear();
 
     program.setTextures(nullptr);

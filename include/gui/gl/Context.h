@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Texture.h"
-#include "Textures.h"
 
 #include <td/ColorID.h>
 #include <td/Export.h>
@@ -191,7 +190,7 @@ public:
     static void clear(td::ColorID color);
 
     /// What the next bind of a texture is for.
-    static void setActiveTextureUnit(Textures::Unit unit);
+    static void setActiveTextureUnit(Texture::Unit unit);
     /// @param textureID  not 0 (an assertion)
     static void bindTextureToCurrentlyActiveTextureUnit(unsigned int textureID, Texture::Type type);
 

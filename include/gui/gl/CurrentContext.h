@@ -47,12 +47,18 @@ public:
         VertexArray
     };
 
+    using Listener = void (*)();
+
     /// Tells that this context is now current. When it was not before, the current program and the colour and texture
     /// last sent are forgotten, and names that were handed over for deletion meanwhile are deleted.
     static void set(Handle handle);
 
     /// Tells that this context is about to be destroyed. Its names die with it; nothing will be deleted for them.
     static void died(Handle handle);
+
+    /// Has a function called after each change, before anything is done in the context that is current then: for those
+    /// who remember what they told GL, as the library's commands do. It is called for good.
+    static void onChange(Listener listener);
 
     /// The current context's id; 0 when none is.
     static ID getID();

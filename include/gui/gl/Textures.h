@@ -34,13 +34,7 @@ class GUIGL_API Textures
 {
 public:
     /// A texture unit: unit n is GL_TEXTURE0 + n.
-    enum class Unit : td::BYTE
-    {
-        // clang-format off
-        T0, T1, T2, T3, T4, T5, T6, T7, T8, T9, T10, T11, T12, T13, T14, T15,
-        T16, T17, T18, T19, T20, T21, T22, T23, T24, T25, T26, T27, T28, T29, T30, T31
-        // clang-format on
-    };
+    using Unit = Texture::Unit;
 
     /// A texture of the set.
     struct TextureInfo
