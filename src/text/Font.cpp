@@ -122,10 +122,16 @@ Font* Font::load(const char* fileName)
     if (fileName == nullptr)
         return nullptr;
     td::String path(fileName);
-    if (fileName[0] == ':' && !gui::Res::getFileName(fileName, path))
+    std::span<const td::BYTE> bytes;
+    if (fileName[0] == ':' && !gui::Res::find(fileName, path, bytes))
         return nullptr;
     arch::FileSerializerIn file;
-    if (!file.open(path.c_str()))
+    if (fileName[0] == ':' && path.length() == 0)
+    {
+        file.open(bytes);
+        path = fileName;
+    }
+    else if (!file.open(path.c_str()))
     {
         vo::dbgLog("ERROR! Font::load cannot load file: %s", path.c_str());
         return nullptr;
@@ -291,7 +297,6 @@ void Font::draw(Program* prog)
     auto* const pTextProg = dynamic_cast<Text::Prog*>(prog);
     TD_ASSERT(pTextProg != nullptr);
     glBindVertexArray(_vao);
-    forgetTexture();
     Context::bindTextureToCurrentlyActiveTextureUnit(_textureID, Texture::Type::FontAtlas);
 
     // The program's setters and the colour table, without the calls.

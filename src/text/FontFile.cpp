@@ -9,8 +9,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <limits>
+#include <span>
 
 namespace gui::gl
 {
@@ -19,6 +21,14 @@ namespace
 {
 
 constexpr unsigned int cGlyphRecordBytes = 20;
+
+// Values as they lie in a file, which is little-endian, become the machine's.
+template <typename... Values>
+void toHostOrder(Values&... values)
+{
+    if constexpr (std::endian::native == std::endian::big)
+        (std::ranges::reverse(std::as_writable_bytes(std::span(&values, 1))), ...);
+}
 
 // The rows stored one after the other. @throws what a read beyond the file's end throws, before the memory is taken
 void readPixels(arch::FileSerializerIn& file, arch::ArchiveIn& archive, unsigned int bytesPP,
@@ -58,6 +68,8 @@ bool Font::read(arch::FileSerializerIn& file, const char* fileName, gui::Image::
     unsigned short bitsPerPixel = 0;
     unsigned short noGlyphs = 0;
     archive >> imgData.width >> imgData.height >> bitsPerPixel >> noGlyphs;
+    toHostOrder(_metricA, _metricB, _spaceWidth, _glyphPadding, metricC, _lineHeight);
+    toHostOrder(imgData.width, imgData.height, bitsPerPixel, noGlyphs);
     imgData.bitsPerPixel = bitsPerPixel;
     if (noGlyphs == 0)
     {
@@ -91,6 +103,7 @@ bool Font::readGlyphs(arch::ArchiveIn& archive, unsigned short noGlyphs, const c
         _glyph& g = _glyphs[i];
         unsigned int codePoint = 0;
         archive >> codePoint >> g.bearing >> g.width >> g.advance >> g.tx;
+        toHostOrder(codePoint, g.bearing, g.width, g.advance, g.tx);
         if (!(g.tx >= 0.0f && g.tx <= 1.0f))
         {
             vo::dbgLog("ERROR! Font::load texture coordinate of glyph %u is not from 0 to 1 in file: %s", unsigned(i),

@@ -2,12 +2,10 @@
 
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
-#include "Pen.h"
 
 #include <td/Assert.h>
 #include <td/Search.h>
 #include <vo/Log.h>
-#include <vo/UTFConverter.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -19,138 +17,9 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::size_t cVerticesPerGlyph = 6;
-constexpr std::size_t cVerticesAtFirst = 1024;
-
-bool isHorizontalSpace(wchar_t c) { return c == L' ' || c == L'\t'; }
-
-bool isLineBreak(wchar_t c) { return c == L'\n' || c == L'\u2028'; }
-
 std::size_t lengthOf(const char* str, std::size_t len) { return len != 0 ? len : std::strlen(str); }
 
 } // namespace
-
-// The code points of a range, in the scratch buffer. @return nothing after an assertion: they can't be laid out
-std::optional<std::span<const wchar_t>> Font::decode(const char* first, const char* last) const
-{
-    constexpr auto cFlags = vo::UTFConverter::Flags(0);
-    const auto* const begin = reinterpret_cast<const unsigned char*>(first);
-    const auto* const end = reinterpret_cast<const unsigned char*>(last);
-    const std::ptrdiff_t iLen = vo::UTFConverter::measureUTF8toUTF32(begin, end, cFlags);
-    if (iLen <= 0)
-        return std::span<const wchar_t>();
-    TD_ASSERT(iLen % 4 == 0, std::nullopt);
-    TD_ASSERT(_pUTF32, std::nullopt);
-    const auto n = static_cast<std::size_t>(iLen) / 4;
-    if (_pUTF32->size() < n)
-        _pUTF32->reserve(n + 1);
-    static_assert(sizeof(wchar_t) == sizeof(unsigned int));
-    auto* const pOut = reinterpret_cast<unsigned int*>(_pUTF32->begin());
-    vo::UTFConverter::convertUTF8toUTF32(begin, end, pOut, pOut + n, cFlags);
-    const std::span<const wchar_t> text(_pUTF32->begin(), n);
-    if (_pTable->areAllEdgesOrdered()) [[likely]]
-        return text;
-
-    for (const wchar_t c : text)
-    {
-        if (isHorizontalSpace(c) || isLineBreak(c))
-            continue;
-        const std::size_t index = _pTable->glyphIndex(static_cast<char32_t>(c));
-        const float tx = _glyphs[index].tx;
-        const float nextTx = _pTable->rightEdge(index);
-        TD_ASSERT(nextTx > tx, std::nullopt);
-    }
-    return text;
-}
-
-// What of a piece is not laid out in one pass. @param pos  where the piece begins  @param pen  where its rest does
-bool Font::addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen pen,
-                      td::Size<float>& size)
-{
-    const std::optional<std::span<const wchar_t>> text = decode(begin, end);
-    if (!text)
-        return false;
-    if (_vertices.capacity() == 0)
-        _vertices.reserve(cVerticesAtFirst);
-
-    const float s = scale;
-    auto& [x, t, b, widest, first] = pen;
-    for (const wchar_t c : *text)
-    {
-        if (isHorizontalSpace(c))
-        {
-            x += s * (_additionalSpace + _spaceWidth);
-            first = false;
-        }
-        else if (isLineBreak(c))
-        {
-            pen.breakLine(pos.x, s * _lineHeight, s * (_lineHeight + _lineSpacing));
-        }
-        else
-        {
-            const std::size_t index = _pTable->glyphIndex(static_cast<char32_t>(c));
-            const _glyph& glyph = _glyphs.begin()[index];
-            if (first)
-                x -= s * glyph.bearing;
-            else
-                x += s * glyph.bearing;
-            first = false;
-            x -= (_glyphPadding * s) / 2;
-            const float x1 = x + s * (glyph.width + _glyphPadding);
-            const float u0 = glyph.tx;
-            const float u1 = _pTable->rightEdge(index);
-            const _vd quad[cVerticesPerGlyph] = {{x, b, u0, 1}, {x1, t, u1, 0}, {x, t, u0, 0},
-                                                 {x, b, u0, 1}, {x1, b, u1, 1}, {x1, t, u1, 0}};
-            _vertices.push_back(quad, cVerticesPerGlyph);
-            x += s * glyph.advance + s * _additionalSpace;
-        }
-    }
-    size = pen.size(pos, s * _lineSpacing);
-    return true;
-}
-
-bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
-{
-    if (begin >= end)
-        return true;
-    if (runMeasure(begin, end, size)) [[likely]]
-        return true;
-    const std::optional<std::span<const wchar_t>> text = decode(begin, end);
-    if (!text)
-        return false;
-
-    float x = 0;
-    float y = 0;
-    float bottom = _lineHeight;
-    float widest = 0;
-    bool first = true;
-    for (const wchar_t c : *text)
-    {
-        if (isHorizontalSpace(c))
-            x += _spaceWidth + _additionalSpace;
-        else if (isLineBreak(c))
-        {
-            widest = std::max(widest, x);
-            x = 0;
-            y += _lineHeight + _lineSpacing + _additionalSpace;
-            bottom = y + _lineHeight;
-        }
-        else
-        {
-            const _glyph& glyph = _glyphs.begin()[_pTable->glyphIndex(static_cast<char32_t>(c))];
-            if (first)
-                x -= glyph.bearing;
-            else
-                x += glyph.bearing;
-            x = x - _glyphPadding / 2 + glyph.advance + _additionalSpace;
-        }
-        // Unlike layout: nothing behind the piece's first code point is pulled left, be it the first of its line.
-        first = false;
-    }
-    widest = std::max(widest, x);
-    size = {widest, bottom + _lineSpacing};
-    return true;
-}
 
 td::Size<float> Font::addGlyphs(const td::Point<float>& pos, const unsigned char* begin, const unsigned char* end,
                                 float scale)
@@ -228,7 +97,7 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
         return pKnown->size;
     }
     // In text of several pieces the first ones would be there when a later one is refused.
-    if (!_pTable->areAllEdgesOrdered() && !decode(str, str + len))
+    if (!_pTable->areAllEdgesOrdered() && !canLayOut(str, str + len))
         return {};
 
     td::Size<float> size;

@@ -1,18 +1,19 @@
-// The fast way through Font's layout and measure: one pass over the bytes. It does with each character what FontLayout.cpp
-// does with code points, in the same order and with the same rounding, so pen and vertices are the same to the bit. What it
-// saves is the decoding into a buffer, the second look at each character, and on the way from one position of the pen to the
-// next everything but three additions, each of which waits for the one before.
+// Font's layout and measure: one pass over the bytes, in which pen and vertices are computed by the prescribed operations
+// in their order, so that they are the same to the bit on every machine. What takes time is that of one position of the pen
+// to the next: three additions, each of which waits for the one before.
 //
 // A space is laid out as a glyph without bearing, padding or width, whose vertices are overwritten by those of the glyph
 // behind it. That adds zeros to the pen, which change nothing as long as it is not at -0, and it gets there from nowhere
-// else. And where numbers are finite at first, operations bring forth only one kind of NaN, whatever the operands' order.
-// All other text is left to the plain way, and so is what follows malformed bytes.
+// else; and an infinite scale would make of zero no number. Where one of these can be, spaces are told apart.
 #include <gui/gl/Font.h>
 
 #include "../simd/Lanes.h"
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
 #include "Pen.h"
+
+#include <td/Assert.h>
+#include <vo/UTFConverter.h>
 
 #include <bit>
 #include <cmath>
@@ -35,21 +36,7 @@ struct Addends
     float additionalSpace;
 };
 
-// The bytes behind a character's first one: six bits of it each.
-inline bool takeTrail(const unsigned char* p, const unsigned char* end, std::ptrdiff_t n, char32_t& codePoint)
-{
-    if (end - p < n)
-        return false;
-    for (std::ptrdiff_t i = 0; i < n; ++i)
-    {
-        if ((p[i] & 0xC0u) != 0x80)
-            return false;
-        codePoint = codePoint << 6 | (p[i] & 0x3Fu);
-    }
-    return true;
-}
-
-/// A character's number, and what is behind it: null where bytes are malformed.
+/// A character's number, and what is behind it.
 struct Taken
 {
     const unsigned char* pNext;
@@ -59,25 +46,8 @@ struct Taken
 // A character of several bytes. Apart, to leave the loops the registers.
 [[gnu::noinline]] Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
 {
-    const unsigned char lead = *p++;
-    if (lead >= 0xE0 && lead <= 0xEF)
-    {
-        char32_t codePoint = lead & 0x0Fu;
-        if (!takeTrail(p, end, 2, codePoint) || codePoint < 0x800 || (codePoint >= 0xD800 && codePoint <= 0xDFFF))
-            return {};
-        return {p + 2, table.number(codePoint)};
-    }
-    if (lead >= 0xC2 && lead <= 0xDF)
-    {
-        char32_t codePoint = lead & 0x1Fu;
-        if (!takeTrail(p, end, 1, codePoint))
-            return {};
-        return {p + 1, table.number(codePoint)};
-    }
-    char32_t codePoint = lead & 0x07u;
-    if (lead < 0xF0 || lead > 0xF4 || !takeTrail(p, end, 3, codePoint) || codePoint < 0x10000 || codePoint > 0x10FFFF)
-        return {};
-    return {p + 3, table.number(codePoint)};
+    const char32_t codePoint = vo::UTFConverter::next(p, end);
+    return {p, table.number(codePoint)};
 }
 
 // The character at p, which has no entry by its first byte.
@@ -97,6 +67,7 @@ inline Record interleaveLow(Record a, Record b) { return __builtin_shufflevector
 inline Record interleaveHigh(Record a, Record b) { return __builtin_shufflevector(a, b, 2, 6, 3, 7); }
 
 /// A text that is laid out piece by piece.
+template <bool tellsSpacesApart>
 class Run
 {
 public:
@@ -109,17 +80,10 @@ public:
     {
     }
 
-    // Numbers so large that their sum is none could be laid out too.
-    static bool isPossible(const GlyphTable& table, const td::Point<float>& pos, float scale)
-    {
-        const bool isMinusZero = std::bit_cast<unsigned int>(pos.x) == std::bit_cast<unsigned int>(-0.0f);
-        return table.isForRuns() && !isMinusZero && std::isfinite(pos.x + pos.y + scale);
-    }
-
     /// Lays out the characters that begin before stop.
     /// @param end   of the text; nothing there or behind it is read
     /// @param pOut  room for a quad per byte before stop. Of the room behind the last quad that one more may be overwritten
-    /// @return behind the last of the characters; before stop where bytes are malformed
+    /// @return behind the last of the characters
     const unsigned char* add(const unsigned char* p, const unsigned char* stop, const unsigned char* end,
                              Font::_vd* pOut);
 
@@ -141,8 +105,9 @@ private:
     std::size_t _nVertices = 0;
 };
 
-inline const unsigned char* Run::add(const unsigned char* p, const unsigned char* stop, const unsigned char* end,
-                                     Font::_vd* pOut)
+template <bool tellsSpacesApart>
+inline const unsigned char* Run<tellsSpacesApart>::add(const unsigned char* p, const unsigned char* stop,
+                                                       const unsigned char* end, Font::_vd* pOut)
 {
     const GlyphTable& table = _table;
     const float s = _scale;
@@ -164,20 +129,30 @@ inline const unsigned char* Run::add(const unsigned char* p, const unsigned char
             if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
             {
                 taken = takeOther(table, p, end, taken.number);
-                isLineBreak = taken.pNext != nullptr && !GlyphTable::hasEntry(taken.number);
-                p = isLineBreak ? taken.pNext : p;
-                if (isLineBreak || taken.pNext == nullptr)
+                isLineBreak = !GlyphTable::hasEntry(taken.number);
+                if (isLineBreak)
+                {
+                    p = taken.pNext;
                     break;
+                }
             }
             p = taken.pNext;
             pEntry = &table.entry(taken.number);
+            if (tellsSpacesApart && pEntry->nQuads == 0)
+            {
+                x += s * pEntry->advance;
+                bearingScale = s;
+                continue;
+            }
             const Addends& addends = _addends[pEntry->nQuads];
             const Record scaled = s * loadHalf(&pEntry->advance);
             x += bearingScale * pEntry->bearing;
             bearingScale = s;
             x -= addends.halfPadding;
             // Of both, the second half is meant: the edges in the frame and those in the atlas.
-            const Record quad = interleaveHigh(Record{x, x, x, x} + scaled, loadHalf(&pEntry->nQuads));
+            Record quad = interleaveHigh(Record{x, x, x, x} + scaled, loadHalf(&pEntry->nQuads));
+            if (tellsSpacesApart)
+                quad[0] = x;
             const Record leftBottom = interleaveLow(quad, bottom);
             const Record rightTop = interleaveHigh(quad, top);
             storeRecord(pTo, leftBottom);
@@ -204,17 +179,51 @@ inline const unsigned char* Run::add(const unsigned char* p, const unsigned char
 
 } // namespace
 
+// Whether a text can be laid out: asserts where it can't.
+bool Font::canLayOut(const char* begin, const char* end) const
+{
+    if (begin >= end)
+        return true;
+    TD_ASSERT(_pUTF32, false);
+    const auto* p = reinterpret_cast<const unsigned char*>(begin);
+    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
+    while (p < pEnd)
+    {
+        Taken taken{p + 1, _pTable->numberOfByte(*p)};
+        if (!GlyphTable::hasEntry(taken.number))
+            taken = takeOther(*_pTable, p, pEnd, taken.number);
+        p = taken.pNext;
+        if (taken.number == GlyphTable::cSpace || taken.number == GlyphTable::cLineBreak)
+            continue;
+        const float tx = _pTable->entry(taken.number).left;
+        const float nextTx = _pTable->entry(taken.number).right;
+        TD_ASSERT(nextTx > tx, false);
+    }
+    return true;
+}
+
 bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
 {
     if (begin >= end)
         return true;
-    const Pen first{.x = pos.x, .top = pos.y, .bottom = pos.y + scale * _lineHeight};
-    if (_pUTF32 == nullptr || !Run::isPossible(*_pTable, pos, scale)) [[unlikely]]
-        return addPlainly(pos, begin, end, scale, first, size);
+    if ((_pUTF32 == nullptr || !_pTable->areAllEdgesOrdered()) && !canLayOut(begin, end)) [[unlikely]]
+        return false;
+    const bool isMinusZero = std::bit_cast<unsigned int>(pos.x) == std::bit_cast<unsigned int>(-0.0f);
+    // Numbers so large that their sum is none are told from infinite ones in vain, but rightly.
+    if (!_pTable->isFinite() || isMinusZero || !std::isfinite(pos.x + pos.y + scale)) [[unlikely]]
+        addRun<true>(pos, begin, end, scale, size);
+    else
+        addRun<false>(pos, begin, end, scale, size);
+    return true;
+}
+
+template <bool tellsSpacesApart>
+void Font::addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
+{
     if (_vertices.capacity() == 0)
         _vertices.reserve(cVerticesAtFirst);
 
-    Run run(*_pTable, pos, scale, first);
+    Run<tellsSpacesApart> run(*_pTable, pos, scale, {.x = pos.x, .top = pos.y, .bottom = pos.y + scale * _lineHeight});
     const auto* p = reinterpret_cast<const unsigned char*>(begin);
     const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
     do
@@ -235,17 +244,15 @@ bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* 
         }
         else
             _vertices.push_back(quad, run.nVertices()); // which grows if it is a glyph
-        if (p < pStop)
-            return addPlainly(pos, reinterpret_cast<const char*>(p), end, scale, run.pen(), size);
     } while (p < pEnd);
     size = run.pen().size(pos, scale * _lineSpacing);
-    return true;
 }
 
-// @return false, with the size as it was, when the text has to be measured plainly
-bool Font::runMeasure(const char* begin, const char* end, td::Size<float>& size) const
+bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
 {
-    if (_pUTF32 == nullptr || !_pTable->isForRuns()) [[unlikely]]
+    if (begin >= end)
+        return true;
+    if ((_pUTF32 == nullptr || !_pTable->areAllEdgesOrdered()) && !canLayOut(begin, end)) [[unlikely]]
         return false;
     const GlyphTable& table = *_pTable;
 
@@ -264,11 +271,7 @@ bool Font::runMeasure(const char* begin, const char* end, td::Size<float>& size)
     {
         Taken taken{p + 1, table.numberOfByte(*p)};
         if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
-        {
             taken = takeOther(table, p, pEnd, taken.number);
-            if (taken.pNext == nullptr)
-                return false;
-        }
         p = taken.pNext;
         if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
         {
@@ -279,6 +282,7 @@ bool Font::runMeasure(const char* begin, const char* end, td::Size<float>& size)
             bearingSign = 1;
             continue;
         }
+        // Unlike layout: nothing behind the piece's first code point is pulled left, be it the first of its line.
         const GlyphTable::Entry& entry = table.entry(taken.number);
         x += bearingSign * entry.bearing;
         bearingSign = 1;

@@ -10,9 +10,8 @@ namespace
 {
 
 constexpr char32_t cCodePoints = 0x110000;
-constexpr char32_t cSpaces[] = {U' ', U'\t'};
-constexpr char32_t cLineBreaks[] = {U'\n', U'\u2028'};
-constexpr std::size_t cASCII = 128;
+constexpr char32_t cLineSeparator = 0x2028;
+constexpr char32_t cASCII = 128;
 constexpr unsigned int cFloatsPerQuad = 6 * 4;
 
 bool isCodePoint(wchar_t key) { return key >= 0 && char32_t(key) < cCodePoints; }
@@ -25,10 +24,7 @@ GlyphTable::GlyphTable(std::span<const Font::_glyph> glyphs, const cnt::Dictiona
 {
     numberGlyphs(map);
     makeEntries(metrics.glyphPadding);
-    if (cFirstGlyph + glyphs.size() <= cLineBreak)
-        numberOthers();
-    else
-        _areGlyphsForRuns = false;
+    numberBytes();
     setMetrics(metrics);
 }
 
@@ -37,12 +33,12 @@ void GlyphTable::setMetrics(const FontMetrics& metrics)
     _metrics = metrics;
     _entries[cSpace] = {};
     _entries[cSpace].advance = metrics.additionalSpace + metrics.spaceWidth;
-    _isForRuns = _areGlyphsForRuns && std::isfinite(metrics.lineHeight) && std::isfinite(metrics.glyphPadding) &&
-                 std::isfinite(metrics.spaceWidth) && std::isfinite(metrics.additionalSpace) &&
-                 std::isfinite(metrics.lineSpacing);
+    _isFinite = _areGlyphsFinite && std::isfinite(metrics.lineHeight) && std::isfinite(metrics.glyphPadding) &&
+                std::isfinite(metrics.spaceWidth) && std::isfinite(metrics.additionalSpace) &&
+                std::isfinite(metrics.lineSpacing);
 }
 
-GlyphTable::Number& GlyphTable::slot(char32_t codePoint)
+GlyphTable::NumberOnPage& GlyphTable::slot(char32_t codePoint)
 {
     return _pages[_pageOf[codePoint / cPageSize] * cPageSize + codePoint % cPageSize];
 }
@@ -50,21 +46,20 @@ GlyphTable::Number& GlyphTable::slot(char32_t codePoint)
 void GlyphTable::numberGlyphs(const cnt::Dictionary<wchar_t, unsigned short>& map)
 {
     // Page 0 is the page of all code points that have no glyph.
-    Number nPages = 1;
+    unsigned short nPages = 1;
     _pageOf.assign(cCodePoints / cPageSize, 0);
     const auto needPage = [&](char32_t codePoint)
     {
         if (_pageOf[codePoint / cPageSize] == 0)
             _pageOf[codePoint / cPageSize] = nPages++;
     };
-    std::for_each(std::begin(cSpaces), std::end(cSpaces), needPage);
-    std::for_each(std::begin(cLineBreaks), std::end(cLineBreaks), needPage);
+    needPage(cLineSeparator);
     for (const auto& entry : map)
     {
         if (isCodePoint(entry.key))
             needPage(char32_t(entry.key));
     }
-    const auto numberOf = [](std::size_t index) { return static_cast<Number>(cFirstGlyph + index); };
+    const auto numberOf = [](std::size_t index) { return static_cast<NumberOnPage>(cFirstGlyph + index); };
     _pages.assign(nPages * cPageSize, numberOf(_glyphs.size() - 1));
     for (const auto& entry : map)
     {
@@ -73,14 +68,14 @@ void GlyphTable::numberGlyphs(const cnt::Dictionary<wchar_t, unsigned short>& ma
     }
 }
 
-void GlyphTable::numberOthers()
+void GlyphTable::numberBytes()
 {
-    for (const char32_t c : cSpaces)
-        slot(c) = cSpace;
-    for (const char32_t c : cLineBreaks)
-        slot(c) = cLineBreak;
-    for (std::size_t byte = 0; byte < std::size(_bytes); ++byte)
-        _bytes[byte] = byte < cASCII ? number(static_cast<char32_t>(byte)) : cLead;
+    std::ranges::fill(_bytes, cLead);
+    for (char32_t c = 0; c < cASCII; ++c)
+        _bytes[c] = slot(c);
+    _bytes[' '] = _bytes['\t'] = cSpace;
+    _bytes['\n'] = cLineBreak;
+    slot(cLineSeparator) = cBreakOnPage;
 }
 
 void GlyphTable::makeEntries(float padding)
@@ -101,7 +96,7 @@ void GlyphTable::makeEntries(float padding)
         const bool isFinite = std::isfinite(entry.end) && std::isfinite(entry.bearing) && std::isfinite(entry.advance);
         const bool isOrdered = entry.right > entry.left;
         _areAllEdgesOrdered = _areAllEdgesOrdered && isOrdered;
-        _areGlyphsForRuns = _areGlyphsForRuns && isFinite && isOrdered;
+        _areGlyphsFinite = _areGlyphsFinite && isFinite;
         _entries.push_back(entry);
     }
 }

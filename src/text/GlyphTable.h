@@ -25,11 +25,11 @@ class GlyphTable
 public:
     /// What a character is: 0 a space, i + 1 the glyph of index i. Line breaks and bytes that are no character have numbers
     /// too, but no entry.
-    using Number = unsigned short;
+    using Number = unsigned int;
     static constexpr Number cSpace = 0;
     static constexpr Number cFirstGlyph = 1;
-    static constexpr Number cLineBreak = 0xFFFE;
-    static constexpr Number cLead = 0xFFFF;
+    static constexpr Number cLineBreak = 0x10000;
+    static constexpr Number cLead = 0x10001;
 
     struct alignas(32) Entry
     {
@@ -54,16 +54,14 @@ public:
     /// Whether right edges of all glyphs are right of the left ones.
     bool areAllEdgesOrdered() const { return _areAllEdgesOrdered; }
 
-    /// Whether the fast layout can use the table: that is so, all metrics are finite, and there are numbers for what is no
-    /// glyph.
-    bool isForRuns() const { return _isForRuns; }
+    /// Whether all metrics are finite.
+    bool isFinite() const { return _isFinite; }
 
-    /// @return the index of a code point's glyph, the last one's where it has none. Not for spaces and line breaks
-    std::size_t glyphIndex(char32_t codePoint) const { return std::size_t(number(codePoint)) - cFirstGlyph; }
-
+    /// Of a code point that is no single byte: its glyph's, the last glyph's where it has none, or a line break's.
     Number number(char32_t codePoint) const
     {
-        return _pages[_pageOf[codePoint / cPageSize] * cPageSize + codePoint % cPageSize];
+        const Number number = _pages[_pageOf[codePoint / cPageSize] * cPageSize + codePoint % cPageSize];
+        return number != cBreakOnPage ? number : cLineBreak;
     }
 
     /// The number of a byte that is a character, otherwise cLead.
@@ -72,25 +70,28 @@ public:
     static bool hasEntry(Number number) { return number < cLineBreak; }
     const Entry& entry(Number number) const { return _entries[number]; }
 
+private:
     float rightEdge(std::size_t index) const { return index + 1 < _glyphs.size() ? _glyphs[index + 1].tx : 1.0f; }
 
-private:
+    // Of 16 bits, of which a font can need all others. Spaces are single bytes, and on no page.
+    using NumberOnPage = unsigned short;
+    static constexpr NumberOnPage cBreakOnPage = 0;
     static constexpr std::size_t cPageSize = 256;
 
-    Number& slot(char32_t codePoint);
+    NumberOnPage& slot(char32_t codePoint);
     void numberGlyphs(const cnt::Dictionary<wchar_t, unsigned short>& map);
-    void numberOthers();
+    void numberBytes();
     void makeEntries(float padding);
 
     std::span<const Font::_glyph> _glyphs;
-    std::vector<Number> _pageOf;
-    std::vector<Number> _pages;
+    std::vector<unsigned short> _pageOf;
+    std::vector<NumberOnPage> _pages;
     std::vector<Entry> _entries;
     Number _bytes[256] = {};
     FontMetrics _metrics = {};
     bool _areAllEdgesOrdered = true;
-    bool _areGlyphsForRuns = true;
-    bool _isForRuns = false;
+    bool _areGlyphsFinite = true;
+    bool _isFinite = false;
 };
 
 } // namespace gui::gl

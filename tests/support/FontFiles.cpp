@@ -1,5 +1,7 @@
 #include "FontFiles.h"
 
+#include <array>
+#include <bit>
 #include <filesystem>
 #include <fstream>
 
@@ -9,10 +11,15 @@ namespace test
 namespace
 {
 
+// Little-endian, whatever the machine is.
 template <typename T>
 void append(std::string& bytes, T value)
 {
-    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+    const auto raw = std::bit_cast<std::array<char, sizeof(T)>>(value);
+    if constexpr (std::endian::native == std::endian::little)
+        bytes.append(raw.begin(), raw.end());
+    else
+        bytes.append(raw.rbegin(), raw.rend());
 }
 
 } // namespace
@@ -39,7 +46,11 @@ std::string FontFile::bytes() const
     append(bytes, bitsPerPixel);
     append(bytes, static_cast<unsigned short>(glyphs.size()));
     for (const Glyph& glyph : glyphs)
-        append(bytes, glyph);
+    {
+        append(bytes, glyph.codePoint);
+        for (const float metric : {glyph.bearing, glyph.width, glyph.advance, glyph.tx})
+            append(bytes, metric);
+    }
     return bytes + pixels;
 }
 

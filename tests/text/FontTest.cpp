@@ -1,9 +1,11 @@
 #include "FontFixture.h"
 
+#include <gui/Res.h>
 #include <gui/Texture.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <utility>
@@ -176,6 +178,22 @@ TEST_F(FontTest, CommitUploadsOnceUntilReset)
         EXPECT_FALSE(font().commit());
         EXPECT_TRUE(log.said(std::string("ERROR! Font::commit cannot create ") + what + "!"));
     }
+}
+
+// Where no file can be written, there would be no text.
+TEST_F(FontTest, ACompiledInFontIsReadWhereItLies)
+{
+    const std::string bytes = FontFile(U"ab").bytes();
+    const auto* const begin = reinterpret_cast<const td::BYTE*>(bytes.data());
+    const gui::CompiledResource fonts[] = {{"test/whole.font", begin, begin + bytes.size()},
+                                           {"test/short.font", begin, begin + 77}};
+    gui::Res::addCompiled(fonts);
+    ::setenv("TMPDIR", "/nowhere", 1);
+    EXPECT_EQ(font().load(":test/whole.font"), &font());
+    EXPECT_GT(font().measure("ab", 0, {}).width, 0);
+    EXPECT_THROW(font().load(":test/short.font"), std::ios_base::failure);
+    ::unsetenv("TMPDIR");
+    gui::Res::removeCompiled(fonts);
 }
 
 // A name that two fonts own is deleted under the one that still draws with it.

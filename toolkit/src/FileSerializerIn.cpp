@@ -1,5 +1,6 @@
 #include <arch/FileSerializerIn.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -27,10 +28,23 @@ bool FileSerializerIn::open(const char* fileName)
     return true;
 }
 
+void FileSerializerIn::open(std::span<const td::BYTE> bytes)
+{
+    close();
+    _pMemory = bytes.data();
+    _nBytesLeft = bytes.size();
+}
+
 void FileSerializerIn::read(char* bytes, unsigned int n)
 {
     require(n);
-    _file.read(bytes, n);
+    if (_pMemory != nullptr)
+    {
+        std::copy_n(_pMemory, n, bytes);
+        _pMemory += n;
+    }
+    else
+        _file.read(bytes, n);
     _nBytesLeft -= n;
 }
 
@@ -46,6 +60,7 @@ void FileSerializerIn::close()
     if (_file.is_open())
         _file.close();
     _file.clear();
+    _pMemory = nullptr;
     _nBytesLeft = 0;
 }
 

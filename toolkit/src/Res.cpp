@@ -124,6 +124,20 @@ bool Res::getFileName(const char* name, td::StringBase& fileName)
     return true;
 }
 
+bool Res::find(const char* name, td::StringBase& path, std::span<const td::BYTE>& bytes)
+{
+    fs::path file;
+    if (const std::string_view plainName = resourceName(name); !plainName.empty() && findFile(plainName, file))
+    {
+        path = file.c_str();
+        return true;
+    }
+    if (!getCompiled(name, bytes))
+        return false;
+    path = td::StringBase();
+    return true;
+}
+
 bool Res::getCompiled(const char* name, std::span<const td::BYTE>& bytes)
 {
     const auto found = CompiledResources::instance().find(resourceName(name));

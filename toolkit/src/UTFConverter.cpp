@@ -1,7 +1,5 @@
 #include <vo/UTFConverter.h>
 
-#include <utf8.h>
-
 #include <algorithm>
 
 namespace vo
@@ -9,8 +7,6 @@ namespace vo
 
 namespace
 {
-
-constexpr unsigned int cReplacement = 0xFFFD;
 
 struct ByteRange
 {
@@ -49,8 +45,10 @@ constexpr std::ptrdiff_t sequenceLength(unsigned char lead)
     return 1;
 }
 
+} // namespace
+
 // The end of the maximal subpart at p, where a sequence that is not well-formed begins.
-const unsigned char* skipMalformed(const unsigned char* p, const unsigned char* end)
+const unsigned char* UTFConverter::skipMalformed(const unsigned char* p, const unsigned char* end)
 {
     const std::ptrdiff_t length = std::min(sequenceLength(*p), end - p);
     ByteRange allowed = secondBytes(*p);
@@ -63,52 +61,24 @@ const unsigned char* skipMalformed(const unsigned char* p, const unsigned char* 
     return p + length;
 }
 
-// Calls put with each code point until it returns false.
-template <typename Put>
-bool decode(const unsigned char* begin, const unsigned char* end, Put put)
-{
-    while (begin < end)
-    {
-        const unsigned char* const valid = utf8::find_invalid(begin, end);
-        while (begin != valid)
-        {
-            if (!put(utf8::unchecked::next(begin)))
-                return false;
-        }
-        if (begin == end)
-            break;
-        if (!put(cReplacement))
-            return false;
-        begin = skipMalformed(begin, end);
-    }
-    return true;
-}
-
-} // namespace
-
 std::ptrdiff_t UTFConverter::measureUTF8toUTF32(const unsigned char* begin, const unsigned char* end, Flags)
 {
     std::ptrdiff_t nCodePoints = 0;
-    decode(begin, end,
-           [&](unsigned int)
-           {
-               ++nCodePoints;
-               return true;
-           });
+    for (; begin < end; ++nCodePoints)
+        next(begin, end);
     return nCodePoints * 4;
 }
 
 bool UTFConverter::convertUTF8toUTF32(const unsigned char* begin, const unsigned char* end, unsigned int* outBegin,
                                       unsigned int* outEnd, Flags)
 {
-    return decode(begin, end,
-                  [&](unsigned int codePoint)
-                  {
-                      if (outBegin >= outEnd)
-                          return false;
-                      *outBegin++ = codePoint;
-                      return true;
-                  });
+    while (begin < end)
+    {
+        if (outBegin >= outEnd)
+            return false;
+        *outBegin++ = next(begin, end);
+    }
+    return true;
 }
 
 } // namespace vo

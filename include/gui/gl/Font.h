@@ -16,7 +16,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <span>
 
 namespace arch
@@ -37,7 +36,6 @@ class GlyphTable;
 class LayoutMemo;
 class Program;
 struct FontMetrics;
-struct Pen;
 
 /// A bitmap font together with the text laid out in it.
 ///
@@ -106,7 +104,8 @@ public:
 
     /// Loads a font file and makes the atlas texture. A second load replaces glyphs and texture; strings added before keep
     /// their places in the old atlas, so reset() first.
-    /// @param fileName  a path, or a resource's name after a colon (":name", see gui::Res)
+    /// @param fileName  a path, or a resource's name after a colon (":name", see gui::Res). One that is compiled in is
+    ///                  read where it lies, and stands in the log by its name
     /// @return this font; null when
     ///         - the name is null or names no resource: nothing is logged, and the font is as it was
     ///         - the file can't be opened or isn't a regular one: "ERROR! Font::load cannot load file: %s" (the path), and
@@ -215,11 +214,10 @@ private:
 
     bool isEmpty() const { return _pTable == nullptr; }
     FontMetrics metrics() const;
-    std::optional<std::span<const wchar_t>> decode(const char* first, const char* last) const;
+    bool canLayOut(const char* begin, const char* end) const;
     bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
-    bool runMeasure(const char* begin, const char* end, td::Size<float>& size) const;
-    bool addPlainly(const td::Point<float>& pos, const char* begin, const char* end, float scale, Pen pen,
-                    td::Size<float>& size);
+    template <bool tellsSpacesApart>
+    void addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
     bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
     void recordString(std::size_t firstVertex, const _format& format);
     bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
@@ -227,7 +225,7 @@ private:
     bool addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
                   td::Size<float>& size);
 
-    std::shared_ptr<Scratch> _pUTF32; // shared by the fonts of a Text, and kept by those that left it
+    std::shared_ptr<Scratch> _pUTF32; // of the Text that made it; a font that has none lays nothing out
     cnt::SafeFullVector<_glyph, false> _glyphs;
     cnt::Dictionary<wchar_t, unsigned short> _glyphMap;
     cnt::PushBackVector<_vd, 0> _vertices;

@@ -1,20 +1,24 @@
 #pragma once
 
 #include <td/Export.h>
+#include <td/Types.h>
 
 #include <cstdint>
 #include <fstream>
+#include <span>
 
 namespace arch
 {
 
-/// A binary file that is read from its start to its end. Closes itself.
+/// A binary file, or bytes in memory in its place, read from the start to the end. Closes itself.
 class GUIGL_API FileSerializerIn
 {
 public:
     /// Opens a regular file; pipes and devices may never end and are refused. @param fileName  a path, not null
     /// @return false when it can't be opened; nothing is logged
     [[nodiscard]] bool open(const char* fileName);
+    /// Reads bytes in memory. @param bytes  not owned: they must be there until all is read
+    void open(std::span<const td::BYTE> bytes);
 
     /// Reads n bytes. @throws std::ios_base::failure when the file has fewer left, or can't be read
     void read(char* bytes, unsigned int n);
@@ -28,6 +32,7 @@ public:
 
 private:
     std::ifstream _file;
+    const td::BYTE* _pMemory = nullptr; // what is read next when it is no file
     std::uint64_t _nBytesLeft = 0;
 };
 

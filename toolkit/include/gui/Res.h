@@ -41,6 +41,10 @@ public:
     ///         logged ("ERROR! Res::getFileName cannot write file for resource: NAME"); fileName is unchanged then
     GUIGL_API static bool getFileName(const char* name, td::StringBase& fileName);
 
+    /// Where a resource is: the path of its file, or, with an empty path, the bytes that are compiled in. No file is
+    /// written.  @return false when there is no such resource; path and bytes are unchanged then
+    GUIGL_API static bool find(const char* name, td::StringBase& path, std::span<const td::BYTE>& bytes);
+
     /// The bytes of a resource that is compiled in, whether or not a folder holds one of that name.
     /// @return false when there is none; bytes is unchanged then
     GUIGL_API static bool getCompiled(const char* name, std::span<const td::BYTE>& bytes);

@@ -11,7 +11,7 @@ namespace vo
 /// character. A malformed sequence is a maximal subpart as Unicode recommends it (chapter 3, "U+FFFD Substitution of
 /// Maximal Subparts"): the longest run of bytes that begins a well-formed sequence, or else a single byte. So a character
 /// that breaks off becomes one U+FFFD, and each byte of an overlong form, of a surrogate or of a value above U+10FFFF one.
-/// Both operations decode alike, and read nothing outside the range.
+/// All operations decode alike, and read nothing outside the range.
 class GUIGL_API UTFConverter
 {
 public:
@@ -20,6 +20,50 @@ public:
     {
         None = 0
     };
+
+    /// Takes one code point, for loops over text: inline, and quick where bytes are well-formed.
+    /// @param p  before end; behind the code point, or the malformed sequence, afterwards
+    static char32_t next(const unsigned char*& p, const unsigned char* end)
+    {
+        const unsigned char* const q = p;
+        const char32_t lead = *q;
+        if (lead < 0x80)
+        {
+            p = q + 1;
+            return lead;
+        }
+        if (lead >= 0xE0 && lead <= 0xEF)
+        {
+            if (end - q >= 3 && isTrail(q[1]) && isTrail(q[2]))
+            {
+                const char32_t codePoint = (lead & 0x0F) << 12 | bits(q[1]) << 6 | bits(q[2]);
+                if (codePoint >= 0x800 && (codePoint < 0xD800 || codePoint > 0xDFFF))
+                {
+                    p = q + 3;
+                    return codePoint;
+                }
+            }
+        }
+        else if (lead >= 0xC2 && lead <= 0xDF)
+        {
+            if (end - q >= 2 && isTrail(q[1]))
+            {
+                p = q + 2;
+                return (lead & 0x1F) << 6 | bits(q[1]);
+            }
+        }
+        else if (lead >= 0xF0 && lead <= 0xF4 && end - q >= 4 && isTrail(q[1]) && isTrail(q[2]) && isTrail(q[3]))
+        {
+            const char32_t codePoint = (lead & 0x07) << 18 | bits(q[1]) << 12 | bits(q[2]) << 6 | bits(q[3]);
+            if (codePoint >= 0x10000 && codePoint <= 0x10FFFF)
+            {
+                p = q + 4;
+                return codePoint;
+            }
+        }
+        p = skipMalformed(q, end);
+        return cReplacement;
+    }
 
     /// @param begin, end  the UTF-8 bytes; nothing is read when end is not behind begin
     /// @return the bytes that the range takes as UTF-32, 4 per code point; 0 for an empty range
@@ -30,6 +74,13 @@ public:
     /// @return true when all were written; false, with the room filled, when it was too small (nothing is logged)
     static bool convertUTF8toUTF32(const unsigned char* begin, const unsigned char* end, unsigned int* outBegin,
                                    unsigned int* outEnd, Flags flags);
+
+private:
+    static constexpr char32_t cReplacement = 0xFFFD;
+
+    static bool isTrail(unsigned char byte) { return (byte & 0xC0U) == 0x80; }
+    static char32_t bits(unsigned char trail) { return trail & 0x3FU; }
+    static const unsigned char* skipMalformed(const unsigned char* p, const unsigned char* end);
 };
 
 } // namespace vo
