@@ -11,7 +11,8 @@ namespace gui::gl
 {
 
 /// Reads a framebuffer upright (the first row is the top), 3 bytes per pixel. What is bound stays bound.
-/// @param size  in device pixels  @return false, after a log line and with the picture unchanged, when it would be too large
+/// @param size  in device pixels  @return false, after a log line and with the picture unchanged, when it would be too
+///              large
 bool readFrame(unsigned int framebuffer, const td::Size<int>& size, gui::Texture& picture);
 
 } // namespace gui::gl

@@ -199,7 +199,8 @@ void Command::setTexture(Textures::Unit unit, char index)
     {
         if (!isDraw())
             TD_ASSERT(false);
-        TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::None || _drawSubType == (td::BYTE) DrawSubType::DrawWithTexture);
+        TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::None ||
+                  _drawSubType == (td::BYTE) DrawSubType::DrawWithTexture);
     }
     else
         TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::DrawWithTexture);

@@ -19,9 +19,9 @@
 #include <cstddef>
 
 // Encoding and executing. There is one function for each kind and sub-type together, so that executing decides nothing
-// that was known when the command was encoded, and each goes on by itself while the next command of the list is its own:
-// lists are mostly long runs of one kind. The primitive stays a number in the record: functions for each primitive too,
-// eight times as many, made mixed lists slower, for the processor remembers only so many branches.
+// that was known when the command was encoded, and each goes on by itself while the next command of the list is its
+// own: lists are mostly long runs of one kind. The primitive stays a number in the record: functions for each primitive
+// too, eight times as many, made mixed lists slower, for the processor remembers only so many branches.
 
 namespace gui::gl
 {

@@ -10,8 +10,8 @@
 namespace gui::gl
 {
 
-/// How long GL works on a frame, by time stamps that it writes down when it comes to them. They arrive some frames later.
-/// A frame that ends in another context than it began in is not measured.
+/// How long GL works on a frame, by time stamps that it writes down when it comes to them. They arrive some frames
+/// later. A frame that ends in another context than it began in is not measured.
 class FrameTimer
 {
 public:

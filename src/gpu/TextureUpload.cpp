@@ -14,8 +14,8 @@ namespace gui::gl
 
 void uploadImage(unsigned int target, unsigned int format, const gui::Texture& image)
 {
-    // GL reads rows that begin at multiples of 4 bytes, and the library leaves its unpack parameters alone: packed rows of
-    // another length would come out skewed, and the last read past its end.
+    // GL reads rows that begin at multiples of 4 bytes, and the library leaves its unpack parameters alone: packed rows
+    // of another length would come out skewed, and the last read past its end.
     constexpr std::size_t cUnpackAlignment = 4;
 
     const auto height = static_cast<std::size_t>(image.getHeight());

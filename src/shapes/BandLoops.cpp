@@ -3,8 +3,8 @@
 #include "../simd/BestLoops.h"
 #include "../simd/Lanes.h"
 
-// Formulas stand as they do in OutlineVectors.cpp: no other way to write them gives the same bits. Compiled once for any
-// machine and once for AVX2.
+// Formulas stand as they do in Triang2DOutlines.cpp: no other way to write them gives the same bits. Compiled once for
+// any machine and once for AVX2.
 
 namespace gui::gl
 {
@@ -145,8 +145,8 @@ std::size_t takePoints(const float* pPoints, std::size_t n, float* x, float* y)
     return nTaken;
 }
 
-/// What is known of the corners of a block before their pairs are made. It takes turns: each loop has a long way from its
-/// first operation to its last, and the shorter the loop is, the more of its rounds are under way at a time.
+/// What is known of the corners of a block before their pairs are made. It takes turns: each loop has a long way from
+/// its first operation to its last, and the shorter the loop is, the more of its rounds are under way at a time.
 struct Joins
 {
     static constexpr std::size_t cSize = BandLoops::cMaxCorners + 1 + BandLoops::cSlack;
@@ -239,8 +239,8 @@ std::size_t addCorners(const float* x, const float* y, std::size_t n, float line
 
 using Indices [[gnu::vector_size(8 * sizeof(unsigned int))]] = unsigned int;
 
-// Two triangles between a pair, 0 and 1, and the next, 2 and 3. Those that turn right have their last two corners swapped:
-// the first of odd kinds, the second of kinds from 2 on.
+// Two triangles between a pair, 0 and 1, and the next, 2 and 3. Those that turn right have their last two corners
+// swapped: the first of odd kinds, the second of kinds from 2 on.
 constexpr unsigned int cQuads[4][8] = {
     {0, 1, 2, 3, 1, 2, 0, 0}, {0, 2, 1, 3, 1, 2, 0, 0}, {0, 1, 2, 3, 2, 1, 0, 0}, {0, 2, 1, 3, 2, 1, 0, 0}};
 

@@ -9,8 +9,8 @@ namespace gui::gl
 /// digits, while the edge itself is off by less than a ten-thousandth of the width.
 inline constexpr float cParallelSine = 1e-4f;
 
-/// The loops that a thick line's time goes into, for a machine's vectors: they do what getMiddlePointOutlineVector and the
-/// rules of Triang2D::triangulateLine say for one corner, with many at a time and to the bit.
+/// The loops that a thick line's time goes into, for a machine's vectors: they do what getMiddlePointOutlineVector and
+/// the rules of Triang2D::triangulateLine say for one corner, with many at a time and to the bit.
 ///
 /// A pair is four floats: x and y of the vertex on the left, x and y of the one on the right.
 struct BandLoops

@@ -8,11 +8,11 @@
 namespace gui::gl
 {
 
-/// Finds vertices by their exact coordinates, for points that come in another order: a search of them all for each point
-/// would take the square of their number.
+/// Finds vertices by their exact coordinates, for points that come in another order: a search of them all for each
+/// point would take the square of their number.
 ///
-/// Equal vertices are a group that is entered once into a hash table. It lists its members upwards, and keeps a place in
-/// the list that only moves on.
+/// Equal vertices are a group that is entered once into a hash table. It lists its members upwards, and keeps a place
+/// in the list that only moves on.
 class VertexFinder
 {
 public:

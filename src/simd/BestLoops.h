@@ -3,8 +3,8 @@
 namespace gui::gl
 {
 
-/// Of the same loops compiled for any machine and for AVX2, those that are best for this machine. Without GUIGL_AVX2 there
-/// are none for AVX2.
+/// Of the same loops compiled for any machine and for AVX2, those that are best for this machine. Without GUIGL_AVX2
+/// there are none for AVX2.
 template <typename Loops, const Loops& any, const Loops& forAVX2>
 const Loops& bestLoops()
 {

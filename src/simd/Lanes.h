@@ -6,9 +6,9 @@
 #include <immintrin.h>
 #endif
 
-/// Floats side by side, for loops that do the same with many: eight in a source that is compiled for AVX2, otherwise four,
-/// which every compiler knows how to spread over the machine's registers. Arithmetic and comparisons are those of single
-/// floats, to the bit.
+/// Floats side by side, for loops that do the same with many: eight in a source that is compiled for AVX2, otherwise
+/// four, which every compiler knows how to spread over the machine's registers. Arithmetic and comparisons are those of
+/// single floats, to the bit.
 ///
 /// All of it is internal to the source that includes it: versions for two widths stay apart when they are linked.
 namespace gui::gl

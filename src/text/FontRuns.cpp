@@ -1,10 +1,10 @@
-// Font's layout and measure: one pass over the bytes, in which pen and vertices are computed by the prescribed operations
-// in their order, so that they are the same to the bit on every machine. What takes time is that of one position of the pen
-// to the next: three additions, each of which waits for the one before.
+// Font's layout and measure: one pass over the bytes, in which pen and vertices are computed by the prescribed
+// operations in their order, so that they are the same to the bit on every machine. What takes time is that of one
+// position of the pen to the next: three additions, each of which waits for the one before.
 //
-// A space is laid out as a glyph without bearing, padding or width, whose vertices are overwritten by those of the glyph
-// behind it. That adds zeros to the pen, which change nothing as long as it is not at -0, and it gets there from nowhere
-// else; and an infinite scale would make of zero no number. Where one of these can be, spaces are told apart.
+// A space is laid out as a glyph without bearing, padding or width, whose vertices are overwritten by those of the
+// glyph behind it. That adds zeros to the pen, which change nothing as long as it is not at -0, and it gets there from
+// nowhere else; and an infinite scale would make of zero no number. Where one of these can be, spaces are told apart.
 #include <gui/gl/Font.h>
 
 #include "../simd/Lanes.h"
@@ -82,7 +82,8 @@ public:
 
     /// Lays out the characters that begin before stop.
     /// @param end   of the text; nothing there or behind it is read
-    /// @param pOut  room for a quad per byte before stop. Of the room behind the last quad that one more may be overwritten
+    /// @param pOut  room for a quad per byte before stop. Of the room behind the last quad that one more may be
+    ///              overwritten
     /// @return behind the last of the characters
     const unsigned char* add(const unsigned char* p, const unsigned char* stop, const unsigned char* end,
                              Font::_vd* pOut);

@@ -19,12 +19,13 @@ struct FontMetrics
     float lineSpacing;
 };
 
-/// The glyphs of a font as layout wants them: found by code point in two steps, and all that is needed of one in one place.
+/// The glyphs of a font as layout wants them: found by code point in two steps, and all that is needed of one in one
+/// place.
 class GlyphTable
 {
 public:
-    /// What a character is: 0 a space, i + 1 the glyph of index i. Line breaks and bytes that are no character have numbers
-    /// too, but no entry.
+    /// What a character is: 0 a space, i + 1 the glyph of index i. Line breaks and bytes that are no character have
+    /// numbers too, but no entry.
     using Number = unsigned int;
     static constexpr Number cSpace = 0;
     static constexpr Number cFirstGlyph = 1;

@@ -13,10 +13,10 @@
 namespace gui::gl
 {
 
-/// What the strings of a font were, so that those added again after a reset, as most are when one of many changes, are not
-/// laid out again. Their vertices are still in the storage: a reset empties it without touching it. So a string that is in
-/// all respects the one of the same number before, and begins at the same vertex, keeps its vertices, unless others were
-/// written over them since.
+/// What the strings of a font were, so that those added again after a reset, as most are when one of many changes, are
+/// not laid out again. Their vertices are still in the storage: a reset empties it without touching it. So a string
+/// that is in all respects the one of the same number before, and begins at the same vertex, keeps its vertices, unless
+/// others were written over them since.
 class LayoutMemo
 {
 public:

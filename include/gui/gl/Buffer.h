@@ -43,10 +43,11 @@ public:
               const std::initializer_list<DataType>& layout);
 
     /// The same with attributes that advance per instance, at the locations after the vertex's own.
-    /// @param instanceLayout  an empty one writes "Error! Buffer::init instanced buffer with 0 layout instanced positions!"
-    /// @param divisors  after how many instances each attribute advances; empty means 1 for all. A list of another length
-    ///                  than instanceLayout is ignored with "Warning! Buffer::init number of divisors doesn't correspond
-    ///                  to number of layout positions and will be ignored"
+    /// @param instanceLayout  an empty one writes "Error! Buffer::init instanced buffer with 0 layout instanced
+    ///                        positions!"
+    /// @param divisors  after how many instances each attribute advances; empty means 1 for all. A list of another
+    ///                  length than instanceLayout is ignored with "Warning! Buffer::init number of divisors doesn't
+    ///                  correspond to number of layout positions and will be ignored"
     bool init(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices, std::size_t nInstances,
               const std::initializer_list<DataType>& layout, const std::initializer_list<DataType>& instanceLayout,
               const std::initializer_list<unsigned short>& divisors);
@@ -106,23 +107,26 @@ public:
         _indices.push_back(index);
     }
 
-    /// Appends a cube around the origin and records the command that draws it, Primitive::Triangles; encoding and committing
-    /// stay with the caller. Unknown types ("false"), no layout ("nRecLen > 0"), one of another length
+    /// Appends a cube around the origin and records the command that draws it, Primitive::Triangles; encoding and
+    /// committing stay with the caller. Unknown types ("false"), no layout ("nRecLen > 0"), one of another length
     /// ("_nVertexFloats == nFloats") and a committed buffer are programming errors.
     /// @param size     the length of an edge
-    /// @param type     Texture::Type::CubeStrip: 24 vertices of position and texture coordinate (5 floats), each face with
-    ///                 a sixth of the texture's width: +z, +x, -z, -x, +y, -y from left to right. Texture::Type::CubeMap:
-    ///                 8 vertices of a position (3 floats), the direction into the cube map at once
+    /// @param type     Texture::Type::CubeStrip: 24 vertices of position and texture coordinate (5 floats), each face
+    ///                 with a sixth of the texture's width: +z, +x, -z, -x, +y, -y from left to right.
+    ///                 Texture::Type::CubeMap: 8 vertices of a position (3 floats), the direction into the cube map at
+    ///                 once
     /// @param normals  not used: there are none
     /// @return the command, good until the list creates its next one; null after a programming error, nothing appended
     Command* addCube(float size, Texture::Type type, bool normals = false);
 
-    /// Appends a sphere around the origin, its poles on the z axis, and records the command that draws it, as addCube. Its
-    /// triangles turn against the clock seen from outside. It may be called on a committed buffer, which draws what was
-    /// added after the next reset and commit only.
-    /// @param sectors  around the axis, at least 1; 3 and more look like something  @param stacks  from pole to pole, likewise
-    /// @param type     Texture::Type::Tex2D adds texture coordinates: u from 0 to 1 eastwards, beginning on the x axis, v
-    ///                 from 0 at the north pole (+z) to 1 at the south pole, so the image's first row belongs to the north
+    /// Appends a sphere around the origin, its poles on the z axis, and records the command that draws it, as addCube.
+    /// Its triangles turn against the clock seen from outside. It may be called on a committed buffer, which draws what
+    /// was added after the next reset and commit only.
+    /// @param sectors  around the axis, at least 1; 3 and more look like something  @param stacks  from pole to pole,
+    ///                 likewise
+    /// @param type     Texture::Type::Tex2D adds texture coordinates: u from 0 to 1 eastwards, beginning on the x axis,
+    ///                 v from 0 at the north pole (+z) to 1 at the south pole, so the image's first row belongs to the
+    ///                 north
     /// @param normals  adds the normal of each vertex, before the texture coordinate: the direction from the origin
     /// @param xyScale  widens (above 1) or narrows the sphere across its axis
     /// @return as addCube. What does not fit 32-bit indices or a command is refused ("isSphereInRange(sectors, stacks,
@@ -151,9 +155,9 @@ public:
     bool isCommitted() const { return _state == 1 && CurrentContext::isAlive(_contextID); }
 
     /// Uploads what was appended. Does nothing on a committed buffer; one whose context has died is uploaded anew.
-    /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO, IBO).
-    ///         Objects made so far are kept, and further calls are refused without another line: reset the buffer and
-    ///         fill it again to start over
+    /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO,
+    ///         IBO). Objects made so far are kept, and further calls are refused without another line: reset the buffer
+    ///         and fill it again to start over
     bool commit();
 
     /// Binds the vertex array. Commit first (an assertion).

@@ -15,15 +15,15 @@ namespace gui::gl
 class ICameraLimiter;
 class SkyBox;
 
-/// An eye that flies: a position and two angles, moved and turned by keys, the wheel and the pointer, and the view matrix
-/// that follows from them.
+/// An eye that flies: a position and two angles, moved and turned by keys, the wheel and the pointer, and the view
+/// matrix that follows from them.
 ///
 /// Keys w, s, a, d and the arrows move by a step of the camera's speed along its view direction or sideways; with Alt
-/// they turn it by a degree. The wheel turns it. Moving the pointer with Shift held pans it, three times as far with Alt.
-/// A CameraView forwards all of these; for smooth flight, call updatePosition in each frame of an animation.
+/// they turn it by a degree. The wheel turns it. Moving the pointer with Shift held pans it, three times as far with
+/// Alt. A CameraView forwards all of these; for smooth flight, call updatePosition in each frame of an animation.
 ///
-/// Angles are in degrees. Yaw -90 looks along -z, yaw 0 along x; a pitch above 0 looks up. Input that is not a number, and
-/// steps that would lead to infinity, change nothing. It draws nothing and owns no GL object. GUI thread only.
+/// Angles are in degrees. Yaw -90 looks along -z, yaw 0 along x; a pitch above 0 looks up. Input that is not a number,
+/// and steps that would lead to infinity, change nothing. It draws nothing and owns no GL object. GUI thread only.
 class GUIGL_API Camera
 {
 public:

@@ -15,8 +15,8 @@ class Camera;
 /// A view of a 3D scene in perspective, seen through a camera that the user flies.
 ///
 /// Derive from it, give it a camera, and draw with _perspective * getCameraMatrix() * model. Keys, wheel, pinches and
-/// movement of the pointer with Shift held and no button down go to the camera; when one of them changed what is seen, the view asks for a redraw. The camera's zoom
-/// factor narrows the field of view.
+/// movement of the pointer with Shift held and no button down go to the camera; when one of them changed what is seen,
+/// the view asks for a redraw. The camera's zoom factor narrows the field of view.
 class GUIGL_API CameraView : public View
 {
 public:
@@ -24,8 +24,8 @@ public:
     ~CameraView() override;
 
     /// Makes the context, with keys, buttons, movement, wheel and gestures as input. Movement with the primary
-    /// button down is a drag, which is not asked for and does nothing to the camera: see View's form for a list of one's
-    /// own, and onCursorDragged.
+    /// button down is a drag, which is not asked for and does nothing to the camera: see View's form for a list of
+    /// one's own, and onCursorDragged.
     void createContext(const Context& context);
     using View::createContext;
 

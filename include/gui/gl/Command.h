@@ -109,7 +109,8 @@ public:
     /// @param index  0 to 255; negative values of char stand for 128 to 255
     void setTexture(Textures::Unit unit, char index);
 
-    /// Overwrites what kind of command it is and what it sends; its data stay. For those who fill commands by other means.
+    /// Overwrites what kind of command it is and what it sends; its data stay. For those who fill commands by other
+    /// means.
     void setTypeInfo(Type type, DrawSubType subType);
 
     /// Packs uniforms into a matrix or uniform command. A matrix command takes one of up to 4 value bytes, and after
@@ -124,8 +125,8 @@ public:
     bool encode();
 
     /// Performs the command. Needs the program current (Program::activate) and the buffer active. Colour and texture
-    /// are sent only when they differ from the last ones sent since the program was activated; an opaque colour counts as
-    /// the same whether it was sent with its alpha or without. A command that is not encoded writes
+    /// are sent only when they differ from the last ones sent since the program was activated; an opaque colour counts
+    /// as the same whether it was sent with its alpha or without. A command that is not encoded writes
     /// "Error! Command not encoded!" and asserts; one with a texture asserts when the program has no texture set, after
     /// "Error! Textures used without being set in an active program!".
     bool execute() const;

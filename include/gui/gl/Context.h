@@ -205,7 +205,8 @@ public:
     /// @param mask  the bits that may be written
     static void setStencilBufferMask(unsigned int mask);
     static void setStencilBufferFunction(StencilBuffer::Function function, int ref, unsigned int mask);
-    /// @param sfail  when the stencil test fails  @param dpfail  when the depth test fails  @param dppass  when both pass
+    /// @param sfail  when the stencil test fails  @param dpfail  when the depth test fails  @param dppass  when both
+    ///               pass
     static void setStencilBufferOperation(StencilBuffer::Operation sfail, StencilBuffer::Operation dpfail,
                                           StencilBuffer::Operation dppass);
 

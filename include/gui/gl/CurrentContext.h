@@ -63,8 +63,8 @@ public:
     /// The current context's id; 0 when none is.
     static ID getID();
 
-    /// Whether a context is there still: false for one that died, and for 0. An owner of names whose context is not there
-    /// has nothing in GL any more.
+    /// Whether a context is there still: false for one that died, and for 0. An owner of names whose context is not
+    /// there has nothing in GL any more.
     static bool isAlive(ID id);
 
     /// Deletes a GL name: at once when its context is current, when that context is made current next if it is not; a

@@ -39,14 +39,16 @@ struct FontMetrics;
 
 /// A bitmap font together with the text laid out in it.
 ///
-/// load a font file, add strings, and they are drawn: each glyph is a textured quad, each string one draw call in a colour
-/// and at a depth of its own. Fonts are members of a Text, which draws them (Text::getFont, Text::loadFont); a font of its
-/// own, outside of any Text, loads but refuses to lay out. To replace the text: reset, then add strings again.
+/// load a font file, add strings, and they are drawn: each glyph is a textured quad, each string one draw call in a
+/// colour and at a depth of its own. Fonts are members of a Text, which draws them (Text::getFont, Text::loadFont); a
+/// font of its own, outside of any Text, loads but refuses to lay out. To replace the text: reset, then add strings
+/// again.
 ///
-/// Text is UTF-8; malformed bytes count as U+FFFD (see vo::UTFConverter). Coordinates are the pixels of the frame, y growing
-/// downwards, and a string's position is the top left corner of its first line (or the top right one or the middle of its
-/// top, by its alignment). Metrics are in font units; a string's scale multiplies them all. U+0020 and U+0009 move the pen
-/// by the font's space, U+000A and U+2028 break the line, and a code point that the font lacks shows its last glyph.
+/// Text is UTF-8; malformed bytes count as U+FFFD (see vo::UTFConverter). Coordinates are the pixels of the frame, y
+/// growing downwards, and a string's position is the top left corner of its first line (or the top right one or the
+/// middle of its top, by its alignment). Metrics are in font units; a string's scale multiplies them all. U+0020 and
+/// U+0009 move the pen by the font's space, U+000A and U+2028 break the line, and a code point that the font lacks
+/// shows its last glyph.
 ///
 /// Moves, but can't be copied; no assignment. load, setTexture, commit and draw need the view's context current. The
 /// destructor deletes the atlas texture, the vertex array and its buffer, and needs no context. When the context dies
@@ -102,18 +104,18 @@ public:
     Font& operator=(const Font&) = delete;
     ~Font();
 
-    /// Loads a font file and makes the atlas texture. A second load replaces glyphs and texture; strings added before keep
-    /// their places in the old atlas, so reset() first.
+    /// Loads a font file and makes the atlas texture. A second load replaces glyphs and texture; strings added before
+    /// keep their places in the old atlas, so reset() first.
     /// @param fileName  a path, or a resource's name after a colon (":name", see gui::Res). One that is compiled in is
     ///                  read where it lies, and stands in the log by its name
     /// @return this font; null when
     ///         - the name is null or names no resource: nothing is logged, and the font is as it was
-    ///         - the file can't be opened or isn't a regular one: "ERROR! Font::load cannot load file: %s" (the path), and
-    ///           the font is as it was
+    ///         - the file can't be opened or isn't a regular one: "ERROR! Font::load cannot load file: %s" (the path),
+    ///           and the font is as it was
     ///         - the file is refused: a line with the cause comes before that one (see loadBinaryData)
-    ///         - there is no context ("Error! Font::load without a current GL context!"), GL has no texture name to give
-    ///           (not logged), or the atlas exceeds GL's largest texture ("ERROR! Font::load atlas of %u x %u pixels
-    ///           exceeds GL's limit of %d in file: %s"). Glyphs and metrics are the new ones
+    ///         - there is no context ("Error! Font::load without a current GL context!"), GL has no texture name to
+    ///           give (not logged), or the atlas exceeds GL's largest texture ("ERROR! Font::load atlas of %u x %u
+    ///           pixels exceeds GL's limit of %d in file: %s"). Glyphs and metrics are the new ones
     ///         A font that is not as it was has no texture: it isn't drawn until a load succeeds.
     /// @throws std::ios_base::failure when the file is shorter than its content says
     Font* load(const char* fileName);
@@ -121,39 +123,41 @@ public:
 
     /// The reading half of load, without GL: metrics, glyphs and the pixels of the atlas.
     ///
-    /// A font file is a sequence of little-endian values without gaps: the floats metric A, metric B, space width, glyph
-    /// padding, metric C, line height; the 32-bit atlas width and height in pixels; the 16-bit bits per pixel (8 coverage,
-    /// 16 grey and alpha, 24 RGB, 32 RGBA) and number of glyphs (at least 1); for each glyph its 32-bit code point and the
-    /// floats bearing, width, advance, tx; then the pixels, row by row from the top. The glyphs stand side by side in the
-    /// atlas in the file's order, so tx grows from glyph to glyph. Every glyph is as high as the atlas, which is the line.
+    /// A font file is a sequence of little-endian values without gaps: the floats metric A, metric B, space width,
+    /// glyph padding, metric C, line height; the 32-bit atlas width and height in pixels; the 16-bit bits per pixel (8
+    /// coverage, 16 grey and alpha, 24 RGB, 32 RGBA) and number of glyphs (at least 1); for each glyph its 32-bit code
+    /// point and the floats bearing, width, advance, tx; then the pixels, row by row from the top. The glyphs stand
+    /// side by side in the atlas in the file's order, so tx grows from glyph to glyph. Every glyph is as high as the
+    /// atlas, which is the line.
     /// @param fileName  a path, not null
     /// @param imgData   gets the atlas  @param metricC  gets metric C
-    /// @return true when all was read. false when the file can't be opened (nothing is logged or changed), and, with the
-    ///         metrics as read and no glyphs, after one of the lines
+    /// @return true when all was read. false when the file can't be opened (nothing is logged or changed), and, with
+    ///         the metrics as read and no glyphs, after one of the lines
     ///         "ERROR! Font::load detected zero glyphs in file: %s"
     ///         "ERROR! Font::load texture coordinate of glyph %u is not from 0 to 1 in file: %s"
     ///         "ERROR! Font::load cannot use %u bits per pixel in file: %s"
-    /// @throws std::ios_base::failure when the file is shorter than its content says, which is found before memory is taken
-    ///         on its word. Metrics are as read then; glyphs are there if the file has all of them, else none
+    /// @throws std::ios_base::failure when the file is shorter than its content says, which is found before memory is
+    ///         taken on its word. Metrics are as read then; glyphs are there if the file has all of them, else none
     bool loadBinaryData(const char* fileName, gui::Image::_data& imgData, float& metricC);
 
-    /// Makes the atlas texture of an image, for a font that was read by loadBinaryData. The image's first row becomes the
-    /// top; the red channel is the coverage.
-    /// @return false when the image is none, has neither 3 nor 4 bytes per pixel or exceeds GL's largest texture ("Error!
-    ///         Font::setTexture using invalid texture"), when the font has a texture (an assertion), when GL has no texture
-    ///         name to give, or without a context
+    /// Makes the atlas texture of an image, for a font that was read by loadBinaryData. The image's first row becomes
+    /// the top; the red channel is the coverage.
+    /// @return false when the image is none, has neither 3 nor 4 bytes per pixel or exceeds GL's largest texture
+    ///         ("Error! Font::setTexture using invalid texture"), when the font has a texture (an assertion), when GL
+    ///         has no texture name to give, or without a context
     bool setTexture(const gui::Texture& image);
 
-    /// Adds a string: lays it out and records its draw. On committed content it writes "ERROR! Font::addString called on
-    /// committed font content! Call reset before addString!" and asserts; a font without glyphs adds nothing; a font of no
-    /// Text, or one whose atlas coordinates do not grow at a glyph of the string, asserts. All these return (0, 0).
+    /// Adds a string: lays it out and records its draw. On committed content it writes "ERROR! Font::addString called
+    /// on committed font content! Call reset before addString!" and asserts; a font without glyphs adds nothing; a font
+    /// of no Text, or one whose atlas coordinates do not grow at a glyph of the string, asserts. All these return (0,
+    /// 0).
     ///
-    /// The pen starts at the position. The first glyph of a line is pulled left by its bearing, those behind it are pushed
-    /// right by theirs; half of the padding stands out on each side. In aligned text (centre, right) each line that ends
-    /// in U+000A is placed on its own by its measure, and empty lines take no room.
+    /// The pen starts at the position. The first glyph of a line is pulled left by its bearing, those behind it are
+    /// pushed right by theirs; half of the padding stands out on each side. In aligned text (centre, right) each line
+    /// that ends in U+000A is placed on its own by its measure, and empty lines take no room.
     /// @param len  in bytes; nothing at or behind it is read. 0 means up to the terminating zero
-    /// @return width and height of the text in the frame's pixels, as far as the pen went: to right of the last advance,
-    ///         and down to the next line's top
+    /// @return width and height of the text in the frame's pixels, as far as the pen went: to right of the last
+    ///         advance, and down to the next line's top
     td::Size<float> addString(const td::Point<float>& pos, const char* str, unsigned long len, const _format& format);
     td::Size<float> addString(const td::Point<float>& pos, const td::StringBase& str, const _format& format);
     /// Left-aligned, at depth 0.
@@ -161,9 +165,9 @@ public:
                               float scale);
     td::Size<float> addString(const td::Point<float>& pos, const td::StringBase& str, td::ColorID colorID, float scale);
 
-    /// The size of a piece of a string in font units: multiply by the scale. It differs from what addString returns where
-    /// lines break (each adds the additional space to the height) and where a line or the piece begins with a space or a
-    /// break (only the piece's very first code point is pulled left).
+    /// The size of a piece of a string in font units: multiply by the scale. It differs from what addString returns
+    /// where lines break (each adds the additional space to the height) and where a line or the piece begins with a
+    /// space or a break (only the piece's very first code point is pulled left).
     /// @param len    in bytes, 0 up to the terminating zero
     /// @param range  the piece: where it starts and how many bytes it has, 0 for all that follow
     /// @return (0, 0) for a piece that is empty or goes beyond len, and for a font without glyphs; asserts as addString

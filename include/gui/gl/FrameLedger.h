@@ -16,8 +16,8 @@ namespace gui::gl
 /// application calls by itself. Draw calls of several ranges (glMultiDraw...) and mapped buffers are not seen.
 ///
 /// A view's frames begin and end by themselves, with onDraw; a program that draws without a view marks its frames by
-/// begin() and end(). Calls between frames count for the frame that follows. A test can say that nothing is uploaded any
-/// more:
+/// begin() and end(). Calls between frames count for the frame that follows. A test can say that nothing is uploaded
+/// any more:
 ///
 ///     FrameLedger::start();
 ///     ... // draw two frames
@@ -66,9 +66,9 @@ public:
     /// The last frame that ended.
     static const Frame& getLast();
 
-    /// Marks where a frame begins and ends. A view calls both; calling end() before the end of onDraw gives the time up to
-    /// there. An end without a begin does nothing, a second begin takes the place of the first. Nothing happens while the
-    /// ledger is off.
+    /// Marks where a frame begins and ends. A view calls both; calling end() before the end of onDraw gives the time up
+    /// to there. An end without a begin does nothing, a second begin takes the place of the first. Nothing happens
+    /// while the ledger is off.
     static void begin();
     static void end();
 

@@ -8,11 +8,11 @@ namespace gui::gl
 /// Draws 3D shapes in the light of a sun, in one colour at a time, that of each command.
 ///
 /// Vertex layout: {DataType::Vec3, DataType::Vec3}, position and normal in model units, as Buffer::addSphere makes them
-/// with normals and without texture coordinates. Commands say the colour with setColor(id). Shaders: ":gl/lit3d.vert" and
-/// ":gl/lit3d.frag".
+/// with normals and without texture coordinates. Commands say the colour with setColor(id). Shaders: ":gl/lit3d.vert"
+/// and ":gl/lit3d.frag".
 ///
-/// The operations below send uniforms, which stay: call them once the program is active. A matrix sent with setMVP, or by
-/// a command, moves shapes without turning their normals.
+/// The operations below send uniforms, which stay: call them once the program is active. A matrix sent with setMVP, or
+/// by a command, moves shapes without turning their normals.
 class GUIGL_API Lit3DProgram : public Program
 {
 public:
@@ -38,8 +38,8 @@ protected:
 /// The same with a texture in place of the colour.
 ///
 /// Vertex layout: {DataType::Vec3, DataType::Vec3, DataType::Vec2}, position, normal and texture coordinate, as
-/// Buffer::addSphere(radius, sectors, stacks, Texture::Type::Tex2D, true, 1) makes them. The texture is the one bound to
-/// unit T0: give the program a texture set with setTextures and the command setTexture(Textures::Unit::T0, index).
+/// Buffer::addSphere(radius, sectors, stacks, Texture::Type::Tex2D, true, 1) makes them. The texture is the one bound
+/// to unit T0: give the program a texture set with setTextures and the command setTexture(Textures::Unit::T0, index).
 /// Shaders: ":gl/littexture3d.vert" and ":gl/littexture3d.frag".
 class GUIGL_API LitTexture3DProgram : public Lit3DProgram
 {

@@ -26,8 +26,8 @@ class GUIGL_API OffscreenContext
 public:
     /// GL objects of the library may outlive the context; they forget their names when it dies.
     /// @param size      in device pixels, both at least 1
-    /// @param settings  profile and buffer sizes; its animation and frame rates mean nothing here. Depth or stencil bits
-    ///                  that the system lacks fall back to 24 and 8, with a log line of what was asked for and got
+    /// @param settings  profile and buffer sizes; its animation and frame rates mean nothing here. Depth or stencil
+    ///                  bits that the system lacks fall back to 24 and 8, with a log line of what was asked for and got
     /// @param debug     asks the driver for a debug context, whose messages glDebugMessageCallback delivers
     /// When there is no such context a log line says why, and isOk is false.
     OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug = false);

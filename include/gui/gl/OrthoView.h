@@ -11,18 +11,18 @@
 namespace gui::gl
 {
 
-/// A view of a plane that the user pans and zooms. Derive from it, call createContext, and draw the plane in onDraw with
-/// getProjection as the program's matrix. The user moves it by
+/// A view of a plane that the user pans and zooms. Derive from it, call createContext, and draw the plane in onDraw
+/// with getProjection as the program's matrix. The user moves it by
 /// - a drag with Shift: the plane follows the pointer, which shows gui::Cursor::Type::Pan meanwhile;
 /// - the wheel: the plane moves along;
 /// - the wheel with Command, or the magnification gesture: zooms about the event's point;
 /// - Command-plus and Command-minus: zoom about the view's middle, by 1 + gui::InputDevice::getDefaultZoomIncrement().
 ///
-/// An override of a handler calls this class's for what it leaves to it. onZoomChanged and onOriginChanged tell a derived
-/// class of every change; they must not end the view's life.
+/// An override of a handler calls this class's for what it leaves to it. onZoomChanged and onOriginChanged tell a
+/// derived class of every change; they must not end the view's life.
 ///
-/// The projection is always finite: while the size is empty, or the view's edges are so far out that float cannot tell them
-/// apart, it stays what it was. Events whose numbers are NaN or infinite change nothing.
+/// The projection is always finite: while the size is empty, or the view's edges are so far out that float cannot tell
+/// them apart, it stays what it was. Events whose numbers are NaN or infinite change nothing.
 class GUIGL_API OrthoView : public View
 {
 public:
@@ -44,7 +44,8 @@ public:
     /// In view points per model unit; 1 at first.
     double getZoom() const override;
 
-    /// Keeps the origin where it is and asks for no redraw. Calls onZoomChanged, then onOriginChanged, if the zoom changes.
+    /// Keeps the origin where it is and asks for no redraw. Calls onZoomChanged, then onOriginChanged, if the zoom
+    /// changes.
     /// @param zoom  brought into the limits; NaN is ignored
     void setZoom(double zoom);
 
@@ -74,8 +75,8 @@ protected:
     /// @return true
     bool onScroll(const InputDevice& device) override;
 
-    /// The model point under the record's point stays there. Calls onZoomChanged and onOriginChanged, each twice, and asks
-    /// for a redraw, unless the zoom stays as it is because of its limits.
+    /// The model point under the record's point stays there. Calls onZoomChanged and onOriginChanged, each twice, and
+    /// asks for a redraw, unless the zoom stays as it is because of its limits.
     /// @return true
     bool onZoom(const InputDevice& device) override;
 

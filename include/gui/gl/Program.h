@@ -100,7 +100,8 @@ public:
     bool uniformLocationsAreOk() const;
 
     /// Looks up n matrix uniforms for setUniformValuesForMatrices.
-    /// @return false at the first name that is missing: its entry is -1, those before it are good, those behind are -1 too
+    /// @return false at the first name that is missing: its entry is -1, those before it are good, those behind are -1
+    ///         too
     bool getUniformLocationsForMatrices(const char** names, std::size_t n);
     /// Matrix i goes to location i. n must not exceed the number of locations (an assertion).
     void setUniformValuesForMatrices(const glm::mat4** matrices, std::size_t n);
@@ -109,9 +110,10 @@ public:
     void setUniformValuesForMatrices(const cnt::SafeFullVector<glm::mat4, false>& matrices, std::size_t n = 0);
 
     /// The program's colour and model-view-projection uniforms. A program without them asserts "_color3Location >= 0"
-    /// and so on; for a colour, "Error! Program::setColorN on a program that takes ..." is logged before, once per link. A
-    /// command's colour or matrix arrives here: one that does not fit leaves shapes black. A colour set by hand is unknown to the commands, which may
-    /// leave out one that they sent before: activate the program again in between.
+    /// and so on; for a colour, "Error! Program::setColorN on a program that takes ..." is logged before, once per
+    /// link. A command's colour or matrix arrives here: one that does not fit leaves shapes black. A colour set by hand
+    /// is unknown to the commands, which may leave out one that they sent before: activate the program again in
+    /// between.
     void setColor3(const glm::vec3& color);
     void setColor4(const glm::vec4& color);
     void setMVP(const glm::mat4& mvp);
@@ -179,8 +181,8 @@ private:
     unsigned int _programID = 0;
 
 protected:
-    /// Locations that a derived class looks up: of the uniforms that setColor3, setColor4 and setMVP send, and with them
-    /// commands. -1 for a program that has none.
+    /// Locations that a derived class looks up: of the uniforms that setColor3, setColor4 and setMVP send, and with
+    /// them commands. -1 for a program that has none.
     int _color3Location = -1;
     int _color4Location = -1;
     int _matrixLocation = -1;

@@ -53,28 +53,28 @@ public:
     /// @return false, after an assertion ("false"), when the built-in shaders do not link
     bool init(const glm::mat4* pProjection, unsigned int cubeMapID, Textures::Unit unit);
 
-    /// A sky that is computed, in one call: its cube map is made, init, setCamera and commit are called. The map lives in
-    /// this object until its end or the next call; the texture unit is T0.
+    /// A sky that is computed, in one call: its cube map is made, init, setCamera and commit are called. The map lives
+    /// in this object until its end or the next call; the texture unit is T0.
     /// @param pProjection, pCamera  as for init and setCamera
     /// @param faceSize, color       as for Textures::appendCubeMap
     /// @return false, after a log line or an assertion, when one of them fails
     bool init(const glm::mat4* pProjection, const Camera* pCamera, int faceSize,
               const std::function<glm::vec3(const glm::vec3& direction)>& color);
 
-    /// Not owned, read at each render; null for none. The sky follows what the camera's const getViewMatrix gives, so ask
-    /// for the camera's matrix first (drawing the scene does).
+    /// Not owned, read at each render; null for none. The sky follows what the camera's const getViewMatrix gives, so
+    /// ask for the camera's matrix first (drawing the scene does).
     void setCamera(const Camera* pCamera);
 
-    /// Computes the matrix to send: projection * the camera's view matrix without its translation. Without a camera it is
-    /// the projection alone, without a projection the whole view matrix, without both the identity. render calls it.
+    /// Computes the matrix to send: projection * the camera's view matrix without its translation. Without a camera it
+    /// is the projection alone, without a projection the whole view matrix, without both the identity. render calls it.
     void updateTransformation();
     const glm::mat4& getTransformation() const { return _transformation; }
 
     /// Makes the box. Nothing when it is there already, in a context that lives.
     /// @param size  half of its edge, between the projection's near and far plane as a rule; finite and not 0 (an
     ///              assertion)
-    /// "ERROR! SkyBox::commit cannot create VAO!" (or VBO) in the log when GL has no object to give; render draws nothing
-    /// then, until release() or a commit that succeeds.
+    /// "ERROR! SkyBox::commit cannot create VAO!" (or VBO) in the log when GL has no object to give; render draws
+    /// nothing then, until release() or a commit that succeeds.
     void commit(float size);
 
     /// Draws the sky. init and commit first (assertions). No program and no vertex array is in use afterwards.

@@ -5,7 +5,8 @@
 namespace gui::gl
 {
 
-/// What a GL texture is, which decides how it is bound, and where it is bound to. Textures, in the plural, is the class that holds them.
+/// What a GL texture is, which decides how it is bound, and where it is bound to. Textures, in the plural, is the class
+/// that holds them.
 struct Texture
 {
     /// Only CubeMap binds to GL_TEXTURE_CUBE_MAP; every other value binds to GL_TEXTURE_2D.

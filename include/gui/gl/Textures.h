@@ -26,8 +26,8 @@ namespace gui::gl
 /// A set of GL textures, filled once from images or image files and bound by position while drawing.
 ///
 /// Every append adds at the end; positions never change. The set owns its GL textures: release() and the destructor
-/// delete them, in the context that made them. All textures of a set belong to one context; when that dies they are gone, and the
-/// next append begins a new set. Images are uploaded and not
+/// delete them, in the context that made them. All textures of a set belong to one context; when that dies they are
+/// gone, and the next append begins a new set. Images are uploaded and not
 /// kept. 2D textures repeat in both directions, have mipmaps and linear filters; cube maps clamp to their edges, with
 /// linear filters and no mipmaps. Not copyable. Unless said otherwise, operations need the view's context current.
 class GUIGL_API Textures
@@ -53,8 +53,8 @@ public:
     /// @param type      recorded with each
     /// @return false when an image was refused; those before it in the list stay in the set. The log says
     ///         "Error! Textures::append empty texture at position: %d" or
-    ///         "Error! Textures::append tries to use non RGB texture!", and nothing when GL had no texture name to give.
-    ///         An empty list gives true.
+    ///         "Error! Textures::append tries to use non RGB texture!", and nothing when GL had no texture name to
+    ///         give. An empty list gives true.
     bool append(const std::initializer_list<gui::Texture*>& textures, Texture::Type type);
 
     /// Loads each file and uploads it as a 2D texture, mirrored, so that the image's bottom row becomes t = 0.
@@ -80,8 +80,8 @@ public:
     bool appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures);
     /// The same with what a function gives for each pixel.
     /// @param size   of each face's edges in pixels, 1 to 16,384 (an assertion)
-    /// @param color  what is seen in a direction, a unit vector: red, green and blue from 0 to 1, cut off beyond. Not empty
-    ///               (an assertion)
+    /// @param color  what is seen in a direction, a unit vector: red, green and blue from 0 to 1, cut off beyond. Not
+    ///               empty (an assertion)
     bool appendCubeMap(int size, const std::function<glm::vec3(const glm::vec3& direction)>& color);
 
     /// Makes room for n textures. Meant for an empty set: textures that it holds are deleted first.

@@ -34,15 +34,15 @@ class VertexFinder;
 /// triang.triangulate(&_buffer, lake, td::ColorID::SteelBlue);
 /// triang.triangulateLine(&_buffer, river, 2, false, td::ColorID::SteelBlue);
 /// @endcode
-/// Coordinates are in the caller's units, and y grows upwards where left, right and clockwise are spoken of. Results are
-/// the same to the last bit on every machine. It is one outline at a time: holes are not known.
+/// Coordinates are in the caller's units, and y grows upwards where left, right and clockwise are spoken of. Results
+/// are the same to the last bit on every machine. It is one outline at a time: holes are not known.
 ///
 /// Two things to know of polygons. One of four corners is always a fan from its first corner: where it bends inwards at
-/// the second or the fourth, the fan spills over the edge, so begin at the corner that bends inwards. And no triangle that
-/// is cut from a polygon is smaller than 1e-10 in doubled area, in square units: corners of shapes that measure less than
-/// 1e-5 units across find no ear. Scale such shapes up. An object says in one line of the log, the first time only, that a
-/// polygon could not be filled: "Warning! Triang2D::triangulate the fan of a polygon of four corners leaves it" or
-/// "Warning! Triang2D::triangulate found no ear in a polygon of N corners, of which N were left".
+/// the second or the fourth, the fan spills over the edge, so begin at the corner that bends inwards. And no triangle
+/// that is cut from a polygon is smaller than 1e-10 in doubled area, in square units: corners of shapes that measure
+/// less than 1e-5 units across find no ear. Scale such shapes up. An object says in one line of the log, the first time
+/// only, that a polygon could not be filled: "Warning! Triang2D::triangulate the fan of a polygon of four corners
+/// leaves it" or "Warning! Triang2D::triangulate found no ear in a polygon of N corners, of which N were left".
 ///
 /// An object keeps working memory from call to call, so use one for many shapes. Not copyable; one object must not be
 /// used from two threads at once. A buffer that is committed is refused: null, with the buffer's own log line and
@@ -66,8 +66,8 @@ public:
     /// Fills a simple polygon, one whose edges meet at its corners only. Appends its n corners to vertices; one that is
     /// fannable (see isConvex) needs no indices and is stored from its odd corner on, any other gets three indices for
     /// each of its n - 2 triangles, which turn left.
-    /// @param points    n corners in either direction, the first not repeated at the end. A polygon of 4 is always taken
-    ///                  for fannable, from its first corner (see above)
+    /// @param points    n corners in either direction, the first not repeated at the end. A polygon of 4 is always
+    ///                  taken for fannable, from its first corner (see above)
     /// @param n         at least 3 (an assertion)
     /// @param indices   count from the first of vertices
     /// @return TriangleFan and 0: draw the n vertices appended as a fan. Triangles and the number of indices appended:
@@ -81,8 +81,8 @@ public:
     /// @param pBuffer  open, its layout two floats; another writes "Error! Triang2D::triangulate obtained wrong stride
     ///                 size. Expected 2 elemens, obtained N elements" and asserts
     /// @return the command, owned by the buffer's command list and good until that next grows: an array draw of the fan
-    ///         or an element draw of the triangles. Null when no ear is found (the corners stay appended), and for misuse
-    ///         (nothing is appended)
+    ///         or an element draw of the triangles. Null when no ear is found (the corners stay appended), and for
+    ///         misuse (nothing is appended)
     Command* triangulate(Buffer* pBuffer, const td::Point<float>* points, unsigned int n);
     Command* triangulate(Buffer* pBuffer, const Points& points);
     /// The same with its colour, and encoded.
@@ -92,41 +92,41 @@ public:
     /// the right of the direction of travel; where the corner of the outer edge would lie further than 2 * width from
     /// the point, at turns of more than 120 degrees, it is cut off at the distance width and there are two pairs.
     /// A straight continuation has no corner. Where the line turns back, it ends square, width beyond the point.
-    /// Beside the cut of a turn to the right the outer edge closes in on the line, to width * |cos(turn)|: by half of it at
-    /// 120 degrees, by hardly anything near 180. Turns to the left keep it.
-    /// @param points  n points, not those of vertices. One equal to its predecessor is left out, and so are those at the
-    ///                end of a closed line that equal the first
+    /// Beside the cut of a turn to the right the outer edge closes in on the line, to width * |cos(turn)|: by half of
+    /// it at 120 degrees, by hardly anything near 180. Turns to the left keep it.
+    /// @param points  n points, not those of vertices. One equal to its predecessor is left out, and so are those at
+    ///                the end of a closed line that equal the first
     /// @param n       at least 2 (an assertion)
     /// @param width   from the line to each edge: the band is twice as thick. Above 0
     /// @param closed  whether the last point is joined to the first
     /// @param indices  count from the first of vertices
-    /// @return Triangles, the number of vertices and of indices appended. Both are 0, and nothing is appended, with fewer
-    ///         than two distinct points or a width of 0 or NaN. Points that are not finite, or so close together that
-    ///         the square of their distance is no float (1e-23), make vertices that are not finite
+    /// @return Triangles, the number of vertices and of indices appended. Both are 0, and nothing is appended, with
+    ///         fewer than two distinct points or a width of 0 or NaN. Points that are not finite, or so close together
+    ///         that the square of their distance is no float (1e-23), make vertices that are not finite
     std::tuple<Primitive, unsigned int, unsigned int> triangulateLine(const td::Point<float>* points, unsigned int n,
                                                                       float width, bool closed, Points& vertices,
                                                                       Indices& indices);
 
     /// The same into a buffer whose layout is two floats; another layout is an assertion.
-    /// @return the command, owned by the buffer's command list and good until that next grows: an element draw. Null when
-    ///         there is nothing to draw, and for misuse
+    /// @return the command, owned by the buffer's command list and good until that next grows: an element draw. Null
+    ///         when there is nothing to draw, and for misuse
     Command* triangulateLine(Buffer* pBuffer, const td::Point<float>* points, unsigned int n, float width, bool closed);
     /// The same with its colour, and encoded.
     Command* triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
                              td::ColorID color);
 
-    /// Draws a primitive through points that the buffer already holds: the outline of a filled polygon, say. Only indices
-    /// are appended, one for each point, in their order.
-    /// @param pBuffer  open, its layout two floats; another writes "Error! Triang2D::createRecycledLine wrong input data!
-    ///                 This method can be used only with layouts having 2d points" and asserts
-    /// @param points   nVerticesToSearch points, each equal to a vertex of the range. Of several equal vertices the first
-    ///                 from the point's own place on is taken, else the first of the range. Vertices in the
+    /// Draws a primitive through points that the buffer already holds: the outline of a filled polygon, say. Only
+    /// indices are appended, one for each point, in their order.
+    /// @param pBuffer  open, its layout two floats; another writes "Error! Triang2D::createRecycledLine wrong input
+    ///                 data! This method can be used only with layouts having 2d points" and asserts
+    /// @param points   nVerticesToSearch points, each equal to a vertex of the range. Of several equal vertices the
+    ///                 first from the point's own place on is taken, else the first of the range. Vertices in the
     ///                 order of the points are the quickest to find; for others the object keeps some memory
     /// @param firstSearchPos, nVerticesToSearch  the range of vertices; past the buffer's end it writes "Error!
-    ///                 Triang2D::createRecycledLine wrong input data! Number of vertices in buffer=N, lastSearchPos=N" and
-    ///                 asserts
-    /// @return the command, owned by the buffer's command list and good until that next grows. Null, with the buffer and
-    ///         its list as they were, when a point is not in the range, and for misuse
+    ///                 Triang2D::createRecycledLine wrong input data! Number of vertices in buffer=N, lastSearchPos=N"
+    ///                 and asserts
+    /// @return the command, owned by the buffer's command list and good until that next grows. Null, with the buffer
+    ///         and its list as they were, when a point is not in the range, and for misuse
     Command* createRecycledLine(Buffer* pBuffer, Primitive primitive, const td::Point<float>* points,
                                 unsigned int firstSearchPos, unsigned int nVerticesToSearch);
 
@@ -153,8 +153,8 @@ constexpr int sgn(T v)
 }
 
 /// Whether a fan covers a simple polygon, judged by the turns at its corners.
-/// @return whether it does; how many corners turn against all others, 0 or 1; where the fan starts: at the odd corner, or
-///         at 0. Up to four points are not looked at: true, 0, 0. A polygon that no fan covers is false, 0, 0
+/// @return whether it does; how many corners turn against all others, 0 or 1; where the fan starts: at the odd corner,
+///         or at 0. Up to four points are not looked at: true, 0, 0. A polygon that no fan covers is false, 0, 0
 GUIGL_API std::tuple<bool, unsigned int, unsigned int> isConvex(const td::Point<float>* points, unsigned int n);
 
 /// From a line's first point, a, to the left edge of its band; b is the next point. The length is width, and the right
@@ -168,8 +168,8 @@ GUIGL_API glm::vec2 getEndPointOutlineVector(const glm::vec2& a, const glm::vec2
 GUIGL_API td::Point<float> getEndPointOutlineVector(const td::Point<float>& a, const td::Point<float>& b, float width);
 
 /// From b to where the left edges of the bands along a, b and b, c meet: width / cos(turn / 2) long. When the line goes
-/// straight on or straight back (the sine of the turn is at most 1e-4), they do not meet, and it is the vector of the end
-/// of the band along a, b.
+/// straight on or straight back (the sine of the turn is at most 1e-4), they do not meet, and it is the vector of the
+/// end of the band along a, b.
 GUIGL_API glm::vec2 getMiddlePointOutlineVector(const glm::vec2& a, const glm::vec2& b, const glm::vec2& c,
                                                 float width);
 GUIGL_API td::Point<float> getMiddlePointOutlineVector(const td::Point<float>& a, const td::Point<float>& b,

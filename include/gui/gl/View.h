@@ -68,7 +68,8 @@ public:
     void stopAnimation();
     bool isAnimated() const { return _isContRenderMode; }
 
-    /// @param globally  true shows it at once, while the pointer is over the view; false when the pointer next enters it
+    /// @param globally  true shows it at once, while the pointer is over the view; false when the pointer next enters
+    ///                  it
     void setCursor(gui::Cursor::Type type, bool globally) const;
 
     /// onFocusIn and onFocusOut are called from now on.

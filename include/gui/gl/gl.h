@@ -15,8 +15,9 @@
 ///
 /// A Command changes a shape's colour or texture; a CommandList, which a Buffer has, replays them. An OffscreenContext
 /// draws pictures without a view. GL calls of your own are welcome wherever a context is current:
-/// `#include <epoxy/gl.h>`, and link `guigl::epoxy`, which comes with the library's CMake package. Delete what you make by
-/// CurrentContext::deleteName, and call setCurrentProgram(nullptr) after using programs and binding textures of your own.
+/// `#include <epoxy/gl.h>`, and link `guigl::epoxy`, which comes with the library's CMake package. Delete what you make
+/// by CurrentContext::deleteName, and call setCurrentProgram(nullptr) after using programs and binding textures of your
+/// own.
 ///
 /// What it does not do: it keeps no scene, fills no polygon with holes and smooths no edge; it lays out text from left
 /// to right without kerning, ligatures or letters that join; it has no buttons, menus or layout of widgets; and all of

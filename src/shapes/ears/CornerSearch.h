@@ -152,9 +152,9 @@ private:
         return inside;
     }
 
-    // Every operation is monotone, rounded as it is: an edge's value grows with x, or falls, and so with y. So no corner
-    // in a box is further on the inside than the box's best corner, computed in the same operations. NaN is not below 0
-    // and proves nothing.
+    // Every operation is monotone, rounded as it is: an edge's value grows with x, or falls, and so with y. So no
+    // corner in a box is further on the inside than the box's best corner, computed in the same operations. NaN is not
+    // below 0 and proves nothing.
     unsigned int edgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         const float *x[3], *y[3];
@@ -174,10 +174,10 @@ private:
         return ~outside;
     }
 
-    // For slivers, which have no bounds: the edges once more, with what is both in the box and in its strip. Let a corner be
-    // s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a * (s + t) + (b - a) * t and
-    // f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead, signs change. The margin is
-    // several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
+    // For slivers, which have no bounds: the edges once more, with what is both in the box and in its strip. Let a
+    // corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a * (s + t) + (b
+    // - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead, signs change.
+    // The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
     [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         unsigned int outside = 0;

@@ -5,11 +5,11 @@
 namespace gui::gl
 {
 
-/// The corners left of a polygon, in boxes: sixteen corners have a box around them, sixteen boxes have one, and so on. A
-/// triangle asks only those boxes that may hold one of its corners.
+/// The corners left of a polygon, in boxes: sixteen corners have a box around them, sixteen boxes have one, and so on.
+/// A triangle asks only those boxes that may hold one of its corners.
 ///
-/// Corners stand in slots. Their order is the outline's, since an outline is near itself along itself; or that of a curve
-/// that fills the plane, where it isn't.
+/// Corners stand in slots. Their order is the outline's, since an outline is near itself along itself; or that of a
+/// curve that fills the plane, where it isn't.
 struct CornerTree
 {
     static constexpr unsigned int cFan = 16;

@@ -128,7 +128,8 @@ bool cutFew(FewEars& ears)
         const std::uint64_t rest = (sets.candidates | ears.waiting[v]) & sets.convex & others;
         sets.convex = (sets.convex & others) | turned;
         sets.candidates = rest | turned;
-        // The corner behind w is tried next; u and w are the last, so that there is seldom need to wait for their areas.
+        // The corner behind w is tried next; u and w are the last, so that there is seldom need to wait for their
+        // areas.
         if (rest != 0) [[likely]]
             v = nextBit(rest, w + 1);
         else if (turned != 0)

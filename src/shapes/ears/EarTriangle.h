@@ -64,11 +64,11 @@ inline unsigned int insideBits(const EarTriangle& triangle, const float* x, cons
 /// What all points inside a triangle are inside of as well, for a first look that costs less.
 ///
 /// Rounded as they are, edges let points pass that lie outside the triangle, but not far outside. Let W and H be the
-/// triangle's width and height, D its doubled area, r = W * H / D, u = 2^-24. Of a point beyond its bounds by m times the
-/// triangle's size in some direction, some edge has a value of -D * m / 2 at most, while rounding errors of an edge's value
-/// come to 8 * u * W * H * (1 + m) at most, m being the one for x or y. So the point is found outside if m is above
-/// 16 * u * r / (1 - 16 * u * r). With r up to 2^18, whose own error is an eighth then, 64 * u * r is twice as much.
-/// Underflow is far below D, which is 1e-10 at least; there must be no overflow.
+/// triangle's width and height, D its doubled area, r = W * H / D, u = 2^-24. Of a point beyond its bounds by m times
+/// the triangle's size in some direction, some edge has a value of -D * m / 2 at most, while rounding errors of an
+/// edge's value come to 8 * u * W * H * (1 + m) at most, m being the one for x or y. So the point is found outside if m
+/// is above 16 * u * r / (1 - 16 * u * r). With r up to 2^18, whose own error is an eighth then, 64 * u * r is twice as
+/// much. Underflow is far below D, which is 1e-10 at least; there must be no overflow.
 struct EarBounds
 {
     /// @param area  the doubled one, as computed

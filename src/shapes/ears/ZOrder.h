@@ -8,8 +8,8 @@
 namespace gui::gl
 {
 
-/// Sorts points along a curve that fills the plane, cell after cell of a grid, so that those near each other in the order
-/// are mostly near each other in the plane. The points in a crowded cell get a grid of their own.
+/// Sorts points along a curve that fills the plane, cell after cell of a grid, so that those near each other in the
+/// order are mostly near each other in the plane. The points in a crowded cell get a grid of their own.
 class ZOrder
 {
 public:
