@@ -2,6 +2,7 @@
 
 #include <gui/gl/Color.h>
 #include <gui/gl/Context.h>
+#include <gui/gl/Textures.h>
 
 #include <gtest/gtest.h>
 
