@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -16,6 +15,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <sys/mman.h>
 
 namespace
 {
@@ -234,9 +235,22 @@ std::string flagsOf(const void* pAddress)
     return "";
 }
 
+// Whether the kernel takes advice on large pages, and its list of mappings shows it: asked with a mapping of our own.
+bool kernelNotesAdvice()
+{
+    constexpr std::size_t cBytes = std::size_t(4) << 20;
+    void* pMapping = mmap(nullptr, cBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pMapping == MAP_FAILED)
+        return false;
+    madvise(pMapping, cBytes, MADV_HUGEPAGE);
+    const bool isNoted = flagsOf(pMapping).find(" hg ") != std::string::npos;
+    munmap(pMapping, cBytes);
+    return isNoted;
+}
+
 TEST(PushBackVector, LargeStorageIsOnLargePages)
 {
-    const bool hasKernelThem = std::filesystem::exists("/sys/kernel/mm/transparent_hugepage");
+    const bool hasKernelThem = kernelNotesAdvice();
     cnt::PushBackVector<int> reserved, grown;
     reserved.reserve(std::size_t(8) << 20);
     while (grown.size() < std::size_t(3) << 20)
