@@ -13,6 +13,8 @@ function(guigl_settings target)
         -Wall -Wextra -Wpedantic -Wconversion -Wshadow
         # GCC 12 sees overlapping copies in its own std::string when it optimises.
         $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+        # clang counts the sign of integers among conversions, GCC does not.
+        $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>
         -ffp-contract=off
         -ffile-prefix-map=${guigl_SOURCE_DIR}/=)
     if(GUIGL_WERROR)

@@ -21,6 +21,9 @@
 namespace gui
 {
 
+// Members of different access are laid out as others are by every compiler there is; clang doubts it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
 // The record's layout is fixed.
 struct TextureLayout
 {
@@ -29,6 +32,7 @@ struct TextureLayout
     static_assert(offsetof(Texture, _color) == 32 && offsetof(Texture, _bytesPerPixel) == 36);
     static_assert(sizeof(Texture) == 48);
 };
+#pragma GCC diagnostic pop
 
 namespace
 {
