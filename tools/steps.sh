@@ -155,11 +155,12 @@ configure()
     # Whoever builds it gets a library whatever a new compiler warns about; the check of a change takes no warning.
     [[ -z ${CI:-} ]] || strict=(-DGUIGL_WERROR=ON)
     # CMake refuses a build folder that was copied or moved here with the tree.
-    if [[ -f $cache ]] && ! grep --quiet --line-regexp --fixed-strings "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
+    if [[ -f $cache ]] &&
+        ! grep --quiet --line-regexp --fixed-strings "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
         rm -rf "build/$preset"
     fi
     step "Configuring $preset" "$preset-configure" \
-        cmake --preset "$preset" "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" "${strict[@]}"
+        cmake --preset "$preset" -DGUIGL_UNITY=ON "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" "${strict[@]}"
 }
 
 # build <preset> <target>

@@ -14,7 +14,7 @@ using td::ColorID;
 using Virtual = gui::Key::Virtual;
 
 constexpr std::size_t cKeysRemembered = 6;
-constexpr float cGap = 0.12F; // between keys
+constexpr float cKeyGap = 0.12F; // between keys
 
 struct CharacterRow
 {
@@ -145,8 +145,9 @@ void Keyboard::draw(Sketch& sketch, const glm::vec2& corner, float unit) const
             color = colorOf(ColorID::Gold);
         else if (const auto it = std::find_if(_last.begin(), _last.end(), isHere); it != _last.end())
             color = colorOf(ColorID::DodgerBlue, 0.9F - 0.1F * static_cast<float>(it - _last.begin()));
-        sketch.addCell({corner.x + unit * (place.cell.left + cGap / 2), corner.y + unit * (place.cell.top + cGap / 2),
-                        unit * (place.cell.width - cGap), unit * (place.cell.height - cGap)},
+        sketch.addCell({corner.x + unit * (place.cell.left + cKeyGap / 2),
+                        corner.y + unit * (place.cell.top + cKeyGap / 2), unit * (place.cell.width - cKeyGap),
+                        unit * (place.cell.height - cKeyGap)},
                        color);
     }
 }

@@ -26,7 +26,7 @@ namespace
 
 constexpr float cHeightsPerSecond = 0.8F;
 constexpr double cDegreesPerSecond = 6; // of the sun, westwards
-constexpr double cLongestStep = 0.1;    // seconds, after a frame that came late
+constexpr double cLongestFrame = 0.1;   // seconds, after a frame that came late
 
 } // namespace
 
@@ -96,7 +96,7 @@ bool GlobeView::prepareNextFrame()
 void GlobeView::move()
 {
     const Clock::time_point now = Clock::now();
-    const double seconds = std::min(std::chrono::duration<double>(now - _lastFrame).count(), cLongestStep);
+    const double seconds = std::min(std::chrono::duration<double>(now - _lastFrame).count(), cLongestFrame);
     _lastFrame = now;
     if (_hasTime)
         _sun.longitude -= cDegreesPerSecond * seconds;

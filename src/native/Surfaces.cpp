@@ -1,7 +1,9 @@
 #include "Surfaces.h"
 
 #include "../offscreen/OffscreenSurface.h"
+#ifdef GUIGL_SDL
 #include "../sdl/SDLSurface.h"
+#endif
 
 #include "WindowSystem.h"
 
@@ -23,8 +25,10 @@ struct Entry
 
 // By the names of the window systems. The last serves where no other does.
 constexpr std::array cSurfaces{
+#ifdef GUIGL_SDL
     Entry{"wayland", createSDLSurface},
     Entry{"x11", createSDLSurface},
+#endif
     Entry{"offscreen", createOffscreenSurface},
 };
 

@@ -18,7 +18,7 @@ namespace
 using gui::gl::CurrentContext;
 using test::GLTrace;
 
-struct ColorProgram : gui::gl::Program
+struct TintProgram : gui::gl::Program
 {
     void onLinked() override { _color3Location = 0; }
 };
@@ -68,7 +68,7 @@ TEST_F(CurrentContextTest, ObjectsKnowThatTheyAreNotInTheNextContext)
 {
     CurrentContext::set(&a);
     auto buffer = committedBuffer();
-    ColorProgram program;
+    TintProgram program;
     ASSERT_TRUE(program.link("v", "f"));
     gui::gl::Textures textures;
     gui::Texture image = test::image(1, 1, 3);
@@ -111,7 +111,7 @@ TEST_F(CurrentContextTest, DyingWhileCurrentLeavesNoneCurrent)
 TEST_F(CurrentContextTest, AnotherContextHasNoCurrentProgramYet)
 {
     CurrentContext::set(&a);
-    ColorProgram program;
+    TintProgram program;
     ASSERT_TRUE(program.link("v", "f"));
     gui::gl::Command command;
     command.createDrawArrays(gui::gl::Primitive::Triangles, 0, 3);

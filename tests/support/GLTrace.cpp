@@ -17,7 +17,7 @@ namespace test
 namespace
 {
 
-constexpr const char* cKindNames[] = {"buffers", "vertex arrays", "textures", "shaders", "programs"};
+constexpr const char* cKindsOfNames[] = {"buffers", "vertex arrays", "textures", "shaders", "programs"};
 
 std::string numberText(double value)
 {
@@ -283,7 +283,7 @@ testing::AssertionResult GLTrace::nothingAlive() const
     for (const auto& [kind, names] : _state->alive)
     {
         for (const unsigned int name : names)
-            text += std::string(" ") + std::to_string(name) + " of " + cKindNames[static_cast<int>(kind)];
+            text += std::string(" ") + std::to_string(name) + " of " + cKindsOfNames[static_cast<int>(kind)];
     }
     if (text.empty())
         return testing::AssertionSuccess();

@@ -52,7 +52,7 @@ testing::AssertionResult isNear(const glm::mat4& actual, const glm::mat4& expect
     return testing::AssertionSuccess();
 }
 
-Key typed(char c) { return Key(static_cast<unsigned char>(c), 0, 1, 0); }
+Key letter(char c) { return Key(static_cast<unsigned char>(c), 0, 1, 0); }
 
 TEST(CameraViewTest, ProjectionFollowsSizeAndZoom)
 {
@@ -112,25 +112,25 @@ TEST(CameraViewTest, ZoomStepsNarrowTheFieldOfView)
 
 TEST(CameraViewTest, InputGoesToTheCameraIfThereIsOne)
 {
-    constexpr unsigned int cShift = 1, cAlt = 8, cFn = 32;
+    constexpr unsigned int cShiftHeld = 1, cAltHeld = 8, cFnHeld = 32;
     TestView view;
     EXPECT_EQ(view.getCameraMatrix(), glm::mat4(1));
-    EXPECT_FALSE(view.onKeyPressed(typed('w')));
-    EXPECT_FALSE(view.onKeyReleased(typed('w')));
+    EXPECT_FALSE(view.onKeyPressed(letter('w')));
+    EXPECT_FALSE(view.onKeyReleased(letter('w')));
     EXPECT_FALSE(view.onScroll(at(10, 0, 0)));
     EXPECT_FALSE(view.onZoom(at(0, 0, 0, 2)));
-    view.onCursorMoved(at(0, 0, cShift));
+    view.onCursorMoved(at(0, 0, cShiftHeld));
 
     Camera camera;
     view.setCamera(&camera);
     EXPECT_EQ(view.getCamera(), &camera);
-    EXPECT_TRUE(view.onKeyPressed(typed('w')));
+    EXPECT_TRUE(view.onKeyPressed(letter('w')));
     EXPECT_TRUE(isNear(view.getCameraMatrix(), Camera({0, 0, -0.25F}).getViewMatrix()));
-    EXPECT_TRUE(view.onKeyReleased(typed('w')));
-    EXPECT_FALSE(view.onKeyPressed(typed('q')));
-    view.onCursorMoved(at(10, 10, cShift));
-    view.onCursorExited(at(0, 0, cShift)); // does not end the drag
-    view.onCursorMoved(at(110, 10, cShift));
+    EXPECT_TRUE(view.onKeyReleased(letter('w')));
+    EXPECT_FALSE(view.onKeyPressed(letter('q')));
+    view.onCursorMoved(at(10, 10, cShiftHeld));
+    view.onCursorExited(at(0, 0, cShiftHeld)); // does not end the drag
+    view.onCursorMoved(at(110, 10, cShiftHeld));
     EXPECT_TRUE(isNear(view.getCameraMatrix(), Camera({-1, 0, -0.5F}).getViewMatrix()));
 
     struct Turn
@@ -138,7 +138,7 @@ TEST(CameraViewTest, InputGoesToTheCameraIfThereIsOne)
         unsigned int modifiers;
         float yaw;
     };
-    for (const Turn& turn : {Turn{0, -89}, {cAlt, -88}, {cFn, -85}, {cFn | cAlt, -82}})
+    for (const Turn& turn : {Turn{0, -89}, {cAltHeld, -88}, {cFnHeld, -85}, {cFnHeld | cAltHeld, -82}})
     {
         EXPECT_TRUE(view.onScroll(at(10, 0, turn.modifiers)));
         EXPECT_FLOAT_EQ(camera.getYaw(), turn.yaw);

@@ -2,7 +2,9 @@
 
 #include "DisplayScale.h"
 #include "offscreen/OffscreenWindowSystem.h"
+#ifdef GUIGL_SDL
 #include "sdl/SDLWindowSystem.h"
+#endif
 
 #include <vo/Log.h>
 
@@ -25,8 +27,10 @@ struct Choice
 
 // In the order of preference.
 constexpr std::array cWindowSystems{
+#ifdef GUIGL_SDL
     Choice{"wayland", createWaylandWindowSystem},
     Choice{"x11", createX11WindowSystem},
+#endif
     Choice{"offscreen", createOffscreenWindowSystem},
 };
 
