@@ -203,23 +203,10 @@ bool Font::canLayOut(const char* begin, const char* end) const
     return true;
 }
 
-bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
-{
-    if (begin >= end)
-        return true;
-    if ((_pUTF32 == nullptr || !_pTable->areAllEdgesOrdered()) && !canLayOut(begin, end)) [[unlikely]]
-        return false;
-    const bool isMinusZero = std::bit_cast<unsigned int>(pos.x) == std::bit_cast<unsigned int>(-0.0f);
-    // Numbers so large that their sum is none are told from infinite ones in vain, but rightly.
-    if (!_pTable->isFinite() || isMinusZero || !std::isfinite(pos.x + pos.y + scale)) [[unlikely]]
-        addRun<true>(pos, begin, end, scale, size);
-    else
-        addRun<false>(pos, begin, end, scale, size);
-    return true;
-}
-
+// A call more would be felt in short texts.
 template <bool tellsSpacesApart>
-void Font::addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
+[[gnu::always_inline]] inline void Font::addRun(const td::Point<float>& pos, const char* begin, const char* end,
+                                                float scale, td::Size<float>& size)
 {
     if (_vertices.capacity() == 0)
         _vertices.reserve(cVerticesAtFirst);
@@ -247,6 +234,21 @@ void Font::addRun(const td::Point<float>& pos, const char* begin, const char* en
             _vertices.push_back(quad, run.nVertices()); // which grows if it is a glyph
     } while (p < pEnd);
     size = run.pen().size(pos, scale * _lineSpacing);
+}
+
+bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
+{
+    if (begin >= end)
+        return true;
+    if ((_pUTF32 == nullptr || !_pTable->areAllEdgesOrdered()) && !canLayOut(begin, end)) [[unlikely]]
+        return false;
+    const bool isMinusZero = std::bit_cast<unsigned int>(pos.x) == std::bit_cast<unsigned int>(-0.0f);
+    // Numbers so large that their sum is none are told from infinite ones in vain, but rightly.
+    if (!_pTable->isFinite() || isMinusZero || !std::isfinite(pos.x + pos.y + scale)) [[unlikely]]
+        addRun<true>(pos, begin, end, scale, size);
+    else
+        addRun<false>(pos, begin, end, scale, size);
+    return true;
 }
 
 bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
