@@ -24,8 +24,8 @@
 #include <utility>
 #include <vector>
 
-// Polygons beside their plain form, which gives the same triangles, and beside GLU's tessellator, which gives others. Also
-// with the vectors that any machine has, when this one has wider ones. The counter tells the time per corner.
+// Polygons beside their plain form, which gives the same triangles, and beside GLU's tessellator, which gives others.
+// Also with the vectors that any machine has, when this one has wider ones. The counter tells the time per corner.
 
 namespace
 {

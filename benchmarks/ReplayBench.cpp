@@ -14,8 +14,8 @@
 #include <random>
 #include <vector>
 
-// Replays 100,000 recorded draw commands, beside a loop that makes the same GL calls from a plain array; and a random mix
-// of all kinds, beside an interpreter that decides by switch what to call.
+// Replays 100,000 recorded draw commands, beside a loop that makes the same GL calls from a plain array; and a random
+// mix of all kinds, beside an interpreter that decides by switch what to call.
 
 namespace
 {

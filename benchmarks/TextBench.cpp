@@ -15,8 +15,8 @@
 
 #include <unistd.h>
 
-// Lays out text beside a plain two-pass layout and beside the additions that nobody can save, adds strings again of which
-// one changed, and draws many beside a loop that makes the same GL calls.
+// Lays out text beside a plain two-pass layout and beside the additions that nobody can save, adds strings again of
+// which one changed, and draws many beside a loop that makes the same GL calls.
 
 namespace
 {
@@ -99,7 +99,8 @@ enum class Kind
     Paragraphs
 };
 
-/// Texts of a kind. Two seeds make texts that differ from the first word on: what is the same as before is not laid out.
+/// Texts of a kind. Two seeds make texts that differ from the first word on: what is the same as before is not laid
+/// out.
 Strings textsOf(Kind kind, unsigned int seed)
 {
     return kind == Kind::Paragraphs ? texts(cParagraphs, cParagraph, false, seed)

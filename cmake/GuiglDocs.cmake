@@ -1,5 +1,5 @@
-# The documentation as it is installed: pages, pictures and sources stand beside each other as in the tree, headers where
-# compilers look for them. Links to what is not installed become text.
+# The documentation as it is installed: pages, pictures and sources stand beside each other as in the tree, headers
+# where compilers look for them. Links to what is not installed become text.
 
 set(documentation_folder ${CMAKE_INSTALL_FULL_DOCDIR})
 set(header_folder ${CMAKE_INSTALL_FULL_INCLUDEDIR}/guigl)
@@ -66,7 +66,8 @@ install(DIRECTORY ${guigl_SOURCE_DIR}/docs/pictures
 install(DIRECTORY ${guigl_SOURCE_DIR}/tests/references
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/tests
     COMPONENT documentation
-    FILES_MATCHING PATTERN "hello.png" PATTERN "plane.png" PATTERN "sphere.png" PATTERN "tour-*.png" PATTERN "guide-*.png")
+    FILES_MATCHING PATTERN "hello.png" PATTERN "plane.png" PATTERN "sphere.png"
+        PATTERN "tour-*.png" PATTERN "guide-*.png")
 # All of them to read; those of examples/first have CMake lines of their own and build by themselves.
 install(DIRECTORY ${guigl_SOURCE_DIR}/examples
     DESTINATION ${CMAKE_INSTALL_DOCDIR}

@@ -27,8 +27,8 @@ endfunction()
 #
 # Bakes a font with fontbake and compiles it into the target as the resource "<prefix>/<name>", for Font::load for
 # instance. FONT is found as guigl_find_font does. CHARS are ranges such as 32-126 U+400-U+45F; TEXT is a file whose
-# characters are baked instead; without both it is Latin-1. OPTIONS are handed on to fontbake, whose --help explains them.
-# Relative files are meant from the current source folder. The target must link guigl::gui, directly or not.
+# characters are baked instead; without both it is Latin-1. OPTIONS are handed on to fontbake, whose --help explains
+# them. Relative files are meant from the current source folder. The target must link guigl::gui, directly or not.
 function(guigl_bake_font target name)
     cmake_parse_arguments(PARSE_ARGV 2 ARG "" "FONT;SIZE;PREFIX;TEXT" "CHARS;OPTIONS")
     if(NOT TARGET ${target} OR NOT ARG_FONT OR NOT ARG_SIZE OR ARG_UNPARSED_ARGUMENTS)

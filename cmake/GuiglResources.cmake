@@ -2,9 +2,10 @@
 
 # guigl_add_resources(<target> [PREFIX <prefix>] [BASE <folder>] FILES <files>...)
 #
-# Compiles the files into the target, byte by byte, and builds it anew when one of them changes. A file's resource name is
-# its path below BASE, or its bare name without BASE, after "<prefix>/": "gl/flat.vert" for PREFIX gl FILES a/flat.vert.
-# Relative files and folders are meant from the current source folder. The target must link guigl::gui, directly or not.
+# Compiles the files into the target, byte by byte, and builds it anew when one of them changes. A file's resource name
+# is its path below BASE, or its bare name without BASE, after "<prefix>/": "gl/flat.vert" for PREFIX gl FILES
+# a/flat.vert. Relative files and folders are meant from the current source folder. The target must link guigl::gui,
+# directly or not.
 function(guigl_add_resources target)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "PREFIX;BASE" "FILES")
     if(NOT TARGET ${target} OR NOT ARG_FILES OR ARG_UNPARSED_ARGUMENTS)

@@ -32,7 +32,8 @@ function(guigl_library name)
         EXPORT_NAME ${name}
         VERSION ${guigl_VERSION}
         SOVERSION ${guigl_VERSION_MAJOR}.${guigl_VERSION_MINOR})
-    # The library's calls to its own exported functions are direct and can be inlined: nobody replaces them from outside.
+    # The library's calls to its own exported functions are direct and can be inlined: nobody replaces them from
+    # outside.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,-Bsymbolic-functions)
     if(GUIGL_INSTALL)

@@ -1,8 +1,8 @@
 # Prepares a header for Doxygen. In the headers a comment stands for all declarations up to the next blank line or
 # comment; Doxygen knows the first of them only. The others get a comment here, on their own line so that line numbers
 # stay what they are: the first one's again for a function of the same name, else one that names the first.
-# Declarations that say all by themselves (see is_plain) get a comment that shows as nothing, so that Doxygen warns of the
-# others. What is forbidden ("= delete") is left out.
+# Declarations that say all by themselves (see is_plain) get a comment that shows as nothing, so that Doxygen warns of
+# the others. What is forbidden ("= delete") is left out.
 
 function trimmed(text)
 {

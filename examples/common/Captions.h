@@ -12,8 +12,9 @@
 namespace examples
 {
 
-/// Names over a picture, in one size of one typeface, which do not overlap. Their letters stand on whole pixels and come
-/// from a font of the very size that the frame shows, if there is one. Begin, add, and draw as often as nothing changes.
+/// Names over a picture, in one size of one typeface, which do not overlap. Their letters stand on whole pixels and
+/// come from a font of the very size that the frame shows, if there is one. Begin, add, and draw as often as nothing
+/// changes.
 ///
 /// Places are pixels of the frame, y downwards. init and draw need the context current that init was called in.
 class Captions
@@ -58,7 +59,8 @@ public:
     /// @param text  of one line or more, as for addIfFree
     td::Size<float> measure(const std::string& text) const;
 
-    /// Adds a text, each of its lines centred, unless some of it would be outside of the frame, or too near to what was reserved.
+    /// Adds a text, each of its lines centred, unless some of it would be outside of the frame, or too near to what was
+    /// reserved.
     /// @return whether it was added; its place is reserved then
     bool addIfFree(const td::Point<float>& middle, const std::string& text, const Style& style);
 

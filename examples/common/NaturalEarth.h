@@ -11,8 +11,9 @@ namespace examples
 {
 
 /// A map of the world in the Natural Earth projection, by its polynomial form: B. Šavrič, B. Jenny, T. Patterson,
-/// D. Petrovič, L. Hurni, "A Polynomial Equation for the Natural Earth Projection", Cartography and Geographic Information
-/// Science 38 (2011), 363-372. On the map x grows to the right and y upwards from the middle, for a globe of radius 1.
+/// D. Petrovič, L. Hurni, "A Polynomial Equation for the Natural Earth Projection", Cartography and Geographic
+/// Information Science 38 (2011), 363-372. On the map x grows to the right and y upwards from the middle, for a globe
+/// of radius 1.
 class NaturalEarth
 {
 public:

@@ -7,7 +7,8 @@
 
 #include <functional>
 
-/// Images that a program computes, pixel by pixel. Colours are red, green and blue from 0 to 1; what is beyond is cut off.
+/// Images that a program computes, pixel by pixel. Colours are red, green and blue from 0 to 1; what is beyond is cut
+/// off.
 namespace examples
 {
 

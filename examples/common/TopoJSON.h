@@ -12,8 +12,8 @@ namespace examples
 
 /// Countries and other areas read from TopoJSON, the format in which neighbours share the arcs of their common borders.
 ///
-/// Reads objects of type GeometryCollection whose geometries are Polygon or MultiPolygon, quantised or not, in degrees of
-/// longitude (-180 to 180) and latitude (-90 to 90). Other properties than "name" are skipped.
+/// Reads objects of type GeometryCollection whose geometries are Polygon or MultiPolygon, quantised or not, in degrees
+/// of longitude (-180 to 180) and latitude (-90 to 90). Other properties than "name" are skipped.
 class TopoJSON
 {
 public:
@@ -39,10 +39,10 @@ public:
     /// Reads the areas of one object and their borders, replacing those read before.
     /// @param json    the whole file, UTF-8; read during the call only
     /// @param object  the object's name, "countries" for instance
-    /// @return true when it was read. Otherwise one line in the log says why ("ERROR! TopoJSON::load cannot read object:
-    ///         OBJECT (CAUSE)"), and areas and borders are what they were. Refused is everything the format forbids: arcs
-    ///         that don't exist or don't meet, rings that don't close, positions off the globe; and, since arcs may be
-    ///         named many times over, what would make more than 10 million points.
+    /// @return true when it was read. Otherwise one line in the log says why ("ERROR! TopoJSON::load cannot read
+    ///         object: OBJECT (CAUSE)"), and areas and borders are what they were. Refused is everything the format
+    ///         forbids: arcs that don't exist or don't meet, rings that don't close, positions off the globe; and,
+    ///         since arcs may be named many times over, what would make more than 10 million points.
     [[nodiscard]] bool load(std::string_view json, const std::string& object);
 
     const std::vector<Area>& getAreas() const { return _areas; }

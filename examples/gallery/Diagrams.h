@@ -11,8 +11,8 @@
 namespace gallery
 {
 
-/// Flat figures in the cells of a grid, made once. Each is in units of its own cell, as unitsToClip has them; later ones
-/// cover earlier ones, or let them through by their alpha.
+/// Flat figures in the cells of a grid, made once. Each is in units of its own cell, as unitsToClip has them; later
+/// ones cover earlier ones, or let them through by their alpha.
 class Diagrams
 {
 public:

@@ -3,8 +3,8 @@
 namespace gallery
 {
 
-/// Listens to what the GL driver says about the current context, which must be a debug context. Faults (errors, undefined
-/// behaviour, deprecated calls) are written to the log and counted.
+/// Listens to what the GL driver says about the current context, which must be a debug context. Faults (errors,
+/// undefined behaviour, deprecated calls) are written to the log and counted.
 class GLMessages
 {
 public:

@@ -14,8 +14,8 @@
 namespace gallery
 {
 
-/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F shows what a
-/// frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
+/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F shows what
+/// a frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
 /// shown, unless the scene moves by itself.
 class GalleryView : public gui::gl::View, private Stage
 {

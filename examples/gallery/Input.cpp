@@ -1,5 +1,6 @@
-// Look for: the pointer's trail and a ring for each click; wheel and zoom as bars, modifiers as lamps, keys on a keyboard;
-// another pointer over the striped field, the border's colour with the focus, and the last event's record in the title.
+// Look for: the pointer's trail and a ring for each click; wheel and zoom as bars, modifiers as lamps, keys on a
+// keyboard; another pointer over the striped field, the border's colour with the focus, and the last event's record in
+// the title.
 
 #include "Keyboard.h"
 #include "Scenes.h"

@@ -1,4 +1,5 @@
-// Look for: ten thousand columns in a sunflower's pattern, each with a place, a height and a colour of its own; one command.
+// Look for: ten thousand columns in a sunflower's pattern, each with a place, a height and a colour of its own; one
+// command.
 
 #include "Drawing.h"
 #include "Scenes.h"

@@ -19,8 +19,8 @@ struct Typeface
     int size; ///< points per em
 };
 
-/// Text that is new in every frame: begin, add, draw. Points of the frame, y downwards. Pictures of letters are taken in
-/// the size that the frame shows, and stand on whole device pixels.
+/// Text that is new in every frame: begin, add, draw. Points of the frame, y downwards. Pictures of letters are taken
+/// in the size that the frame shows, and stand on whole device pixels.
 class Lettering
 {
 public:

@@ -1,5 +1,5 @@
-// Look for: six faces of a strip and of a cube map that meet at their edges, spheres that grow round, normals that stand
-// straight on them.
+// Look for: six faces of a strip and of a cube map that meet at their edges, spheres that grow round, normals that
+// stand straight on them.
 
 #include "Drawing.h"
 #include "Scenes.h"

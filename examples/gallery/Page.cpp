@@ -37,8 +37,8 @@ footer { padding-top: 20px; border-top: 1px solid var(--line); color: var(--fain
 <main>
 <header>
 <h1>GuiGL gallery</h1>
-<p>What the OpenGL layer of the toolkit draws: each picture comes from one short program, rendered without a window at one
-and at two device pixels per point.</p>
+<p>What the OpenGL layer of the toolkit draws: each picture comes from one short program, rendered without a window at
+one and at two device pixels per point.</p>
 </header>
 )";
 

@@ -79,7 +79,8 @@ std::string decimal(double value, double step)
     return text;
 }
 
-// A plot that is moved and zoomed along the samples. Values are shown as large as there is room for those that are seen.
+// A plot that is moved and zoomed along the samples. Values are shown as large as there is room for those that are
+// seen.
 class Plot : public Scene
 {
 public:
@@ -198,8 +199,8 @@ private:
         _high = static_cast<double>(*high) + 0.15 * range;
     }
 
-    // The curve's points in the frame: the samples that are seen or, where many share a point's width, the lowest and the
-    // highest of each such column, in the order in which they come.
+    // The curve's points in the frame: the samples that are seen or, where many share a point's width, the lowest and
+    // the highest of each such column, in the order in which they come.
     std::vector<td::Point<float>> findPoints() const
     {
         const double perPoint = (lastSample() - firstSample()) / static_cast<double>(_area.width);

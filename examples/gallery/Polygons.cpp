@@ -1,4 +1,5 @@
-// Look for: blue fans around their gold corner, red ears in the order they are cut, no gap and no overlap between numbers.
+// Look for: blue fans around their gold corner, red ears in the order they are cut, no gap and no overlap between
+// numbers.
 
 #include "Diagrams.h"
 #include "Scenes.h"

@@ -1,4 +1,5 @@
-// Look for: points, lines, line strips, line loops; below, triangles, a fan, a strip, and one patch, tessellated and smooth.
+// Look for: points, lines, line strips, line loops; below, triangles, a fan, a strip, and one patch, tessellated and
+// smooth.
 
 #include "Figures.h"
 #include "PatchProgram.h"

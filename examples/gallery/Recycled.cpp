@@ -1,4 +1,5 @@
-// Look for: outlines on the edges of what is filled; open ones from corner to corner in the gold order, whatever the white.
+// Look for: outlines on the edges of what is filled; open ones from corner to corner in the gold order, whatever the
+// white.
 
 #include "Diagrams.h"
 #include "Scenes.h"

@@ -38,7 +38,8 @@ enum class PointerEvent : td::BYTE
     Zoomed
 };
 
-/// One feature of the library, shown. A scene owns its programs, buffers and textures, and is destroyed before its context.
+/// One feature of the library, shown. A scene owns its programs, buffers and textures, and is destroyed before its
+/// context.
 class Scene
 {
 public:

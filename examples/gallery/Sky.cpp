@@ -1,4 +1,5 @@
-// Look for: a horizon that runs through all faces without a seam, balls that mirror it, and a sky that keeps its distance.
+// Look for: a horizon that runs through all faces without a seam, balls that mirror it, and a sky that keeps its
+// distance.
 
 #include "MirrorProgram.h"
 #include "Scenes.h"

@@ -13,8 +13,8 @@ class Texture;
 namespace gallery
 {
 
-/// Where scenes are shown, for those that do more than draw: a window, or a picture that is drawn without one. It outlives
-/// its scenes.
+/// Where scenes are shown, for those that do more than draw: a window, or a picture that is drawn without one. It
+/// outlives its scenes.
 class Stage
 {
 public:

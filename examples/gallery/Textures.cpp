@@ -1,4 +1,5 @@
-// Look for: see-through bubbles, the earth, a pattern that repeats without seams, and all six faces on two turning dice.
+// Look for: see-through bubbles, the earth, a pattern that repeats without seams, and all six faces on two turning
+// dice.
 
 #include "CubeProgram.h"
 #include "Drawing.h"
@@ -30,7 +31,8 @@ struct Picture
     glm::vec2 topRight;
 };
 
-// The bubbles' texture was appended as an image, so its first row is t = 0; those named by file are the other way round.
+// The bubbles' texture was appended as an image, so its first row is t = 0; those named by file are the other way
+// round.
 constexpr Picture cBubbles[] = {{{-0.68F, -0.04F}, {0.78F, 0.78F}, {0, 1}, {1, 0}},
                                 {{0.32F, 0.30F}, {0.52F, 0.52F}, {0, 1}, {1, 0}},
                                 {{0.94F, -0.20F}, {0.44F, 0.44F}, {0, 1}, {1, 0}},

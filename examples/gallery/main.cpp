@@ -1,4 +1,5 @@
-// Shows the gallery's scenes in a window or, without a display or when asked to, draws them into PNG files and a web page.
+// Shows the gallery's scenes in a window or, without a display or when asked to, draws them into PNG files and a web
+// page.
 
 #include "GLMessages.h"
 #include "GalleryView.h"

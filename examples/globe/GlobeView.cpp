@@ -145,7 +145,8 @@ bool GlobeView::onKeyPressed(const gui::Key& key)
 
 bool GlobeView::onKeyReleased(const gui::Key& key)
 {
-    // Shift may have gone down meanwhile: the key must not stay held for that. An arrow comes up with its key code shifted.
+    // Shift may have gone down meanwhile: the key must not stay held for that. An arrow comes up with its key code
+    // shifted.
     const unsigned int alt = key.getModifiers() & static_cast<unsigned int>(gui::KeyModifier::Alt);
     const auto code = key.isASCII() ? static_cast<unsigned int>(td::toLower(key.getChar())) : key.getCode();
     _heldKeys.erase(key.isASCII() ? code : code >> 8);

@@ -31,7 +31,8 @@ struct Outlook
 extern const Outlook cOutlooks[3];
 
 /// The earth in space, to fly around. Keys, wheel, pinch and Shift-drags: see gui::gl::Camera; the nearer the earth the
-/// slower. Digits choose an outlook, Space starts and stops time, B and L hide borders and labels, Escape ends the program.
+/// slower. Digits choose an outlook, Space starts and stops time, B and L hide borders and labels, Escape ends the
+/// program.
 class GlobeView : public gui::gl::CameraView
 {
 public:

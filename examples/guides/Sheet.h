@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// A page of cells, drawn into memory and saved as PNG: shapes above, two lines of text below. Shapes are in units of the
-/// page's points from the middle of their cell, y upwards.
+/// A page of cells, drawn into memory and saved as PNG: shapes above, two lines of text below. Shapes are in units of
+/// the page's points from the middle of their cell, y upwards.
 class Sheet
 {
 public:

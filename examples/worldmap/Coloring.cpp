@@ -17,8 +17,8 @@ std::vector<std::size_t> color(std::size_t nAreas, const std::vector<examples::T
                 if (a != b)
                     neighbours[a].insert(b);
 
-    // Every flat map has an area with five neighbours at most, and has one still without that one. Taken away one by one
-    // and put back in reverse, each area finds five neighbours at most that have a colour already.
+    // Every flat map has an area with five neighbours at most, and has one still without that one. Taken away one by
+    // one and put back in reverse, each area finds five neighbours at most that have a colour already.
     std::vector<std::set<std::size_t>> left = neighbours;
     std::vector<std::size_t> order;
     std::vector<bool> isTaken(nAreas, false);

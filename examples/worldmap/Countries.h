@@ -41,8 +41,9 @@ public:
 
     const std::vector<Country>& getCountries() const { return _countries; }
 
-    /// From the largest to the smallest: drawn in this order, each ring covers those it lies in. A country in another lies
-    /// on the hole that is there for it. Rings that reach across the maps' edge are there twice, once on each side.
+    /// From the largest to the smallest: drawn in this order, each ring covers those it lies in. A country in another
+    /// lies on the hole that is there for it. Rings that reach across the maps' edge are there twice, once on each
+    /// side.
     const std::vector<Ring>& getRings() const { return _rings; }
 
     /// The lines between countries. One that is closed ends with its first point.

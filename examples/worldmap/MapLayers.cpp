@@ -179,7 +179,8 @@ void MapLayers::fillLands()
             _lands.appendVertex(points.front());
         }
     }
-    // Over all of the land. Loops are strips with the first point repeated: software renderers close long ones too often.
+    // Over all of the land. Loops are strips with the first point repeated: software renderers close long ones too
+    // often.
     for (std::size_t i = 0; i < rings.size(); ++i)
     {
         Command* pCoast = _triang.createRecycledLine(&_lands, Primitive::LineStrip, lines[i].data(),

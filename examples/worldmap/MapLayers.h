@@ -14,8 +14,8 @@
 namespace worldmap
 {
 
-/// The map as OpenGL draws it: a layer is a buffer with the commands that draw it, recorded once. A frame draws the layers
-/// one over the other. Everything but the constructor needs the context current that init was called in.
+/// The map as OpenGL draws it: a layer is a buffer with the commands that draw it, recorded once. A frame draws the
+/// layers one over the other. Everything but the constructor needs the context current that init was called in.
 class MapLayers
 {
 public:

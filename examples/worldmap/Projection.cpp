@@ -12,7 +12,8 @@ namespace
 
 constexpr double cDegree = std::numbers::pi / 180;
 
-// What Mercator stretches beyond all bounds, and what of it the map shows: from the ice shelf to the northernmost island.
+// What Mercator stretches beyond all bounds, and what of it the map shows: from the ice shelf to the northernmost
+// island.
 constexpr double cMaxLatitude = 86;
 constexpr double cSouth = -78;
 constexpr double cNorth = 84;

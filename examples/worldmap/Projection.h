@@ -31,7 +31,8 @@ struct Box
     }
 };
 
-/// The longitude in the middle of the maps, which end in the Bering Strait, where next to nothing reaches across their edge.
+/// The longitude in the middle of the maps, which end in the Bering Strait, where next to nothing reaches across their
+/// edge.
 constexpr double cMiddleLongitude = 11;
 
 /// @param degrees  longitude and latitude; latitudes near the poles, which Mercator cannot show, are pulled in

@@ -148,8 +148,8 @@ protected:
         return lines;
     }
 
-    /// Loses the context of a scene between two frames, and gives it another one. @return how many calls it made that may
-    /// be refused
+    /// Loses the context of a scene between two frames, and gives it another one. @return how many calls it made that
+    /// may be refused
     unsigned int lose(const SceneInfo& info)
     {
         gl.refuseNth(0);

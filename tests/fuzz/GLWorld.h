@@ -13,8 +13,8 @@
 namespace fuzz
 {
 
-/// Contexts, and objects of every kind in them, which do what an input says. Beside them stands what they should hold, and
-/// what their commands should draw.
+/// Contexts, and objects of every kind in them, which do what an input says. Beside them stands what they should hold,
+/// and what their commands should draw.
 class GLWorld
 {
 public:

@@ -129,8 +129,8 @@ TEST(PushBackVector, EmptyingAndMovingLeaveAUsableVector)
     }
 }
 
-// Every element of every vector is inserted at every place, with and without growth: a value that is read after it moved
-// or after the old storage was freed shows as a wrong element or a sanitizer report.
+// Every element of every vector is inserted at every place, with and without growth: a value that is read after it
+// moved or after the old storage was freed shows as a wrong element or a sanitizer report.
 TEST(PushBackVector, ElementsOfTheVectorItselfCanBePushedAndInserted)
 {
     for (const std::size_t reserved : {0u, 3u, 4u, 8u})

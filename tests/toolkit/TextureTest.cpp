@@ -202,7 +202,8 @@ TEST(Texture, MirrorsRowsInPlace)
     EXPECT_FALSE(none.isOk());
 }
 
-// A frame is read back into as many bytes as the record says: sizes that wrap around, or exceed the room, must not pass.
+// A frame is read back into as many bytes as the record says: sizes that wrap around, or exceed the room, must not
+// pass.
 TEST(Texture, ReadBackNeverExceedsTheRoom)
 {
     gui::Texture texture = textureOf(4, 4, 4);

@@ -40,8 +40,8 @@ struct PlacedGlyph
     float pen, left, nextPen;
 };
 
-/// Lays out a line from x = 0: the pen goes back by the first glyph's bearing and forward by that of each other, then back
-/// by half the padding; there is the quad; then it goes on by the advance. Spaces are left out of the result.
+/// Lays out a line from x = 0: the pen goes back by the first glyph's bearing and forward by that of each other, then
+/// back by half the padding; there is the quad; then it goes on by the advance. Spaces are left out of the result.
 std::vector<PlacedGlyph> layOut(const ParsedFont& font, std::u32string_view line);
 
 } // namespace test

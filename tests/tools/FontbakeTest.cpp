@@ -170,8 +170,9 @@ void compareLine(const char* font, int size, Hinting hinting, std::u32string_vie
         const int left = file.leftOf(placed.glyph);
         const Middle middle = middleOfPixels(file.rightOf(placed.glyph) - left, file.height,
                                              [&](int column, int row) { return file.at(left + column, row); });
-        // Half of what rounding adds to the advance, up to a quarter pixel, goes to each side. Light hinting fits heights to
-        // whole pixels, at the base and the top, which gives some ink another weight; overlapping outlines do so too.
+        // Half of what rounding adds to the advance, up to a quarter pixel, goes to each side. Light hinting fits
+        // heights to whole pixels, at the base and the top, which gives some ink another weight; overlapping outlines
+        // do so too.
         EXPECT_NEAR(placed.left - placed.pen + middle.x, expected.x, 0.25 + 0.15);
         EXPECT_NEAR(double(file.metricB) - middle.y, expected.y, hinting == Hinting::Light ? 1 : 0.1);
     }

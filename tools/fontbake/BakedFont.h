@@ -14,14 +14,14 @@ constexpr int cMaxAtlasWidth = 16384;
 
 /// What a font file holds, in whole pixels.
 ///
-/// Text is laid out by these rules. At the first glyph of a line the pen goes back by the bearing, at any other forward; then
-/// back by half of the padding. Here begins the glyph's quad, as wide as its cell in the atlas: its width and the padding.
-/// Then the pen goes on by the advance.
+/// Text is laid out by these rules. At the first glyph of a line the pen goes back by the bearing, at any other
+/// forward; then back by half of the padding. Here begins the glyph's quad, as wide as its cell in the atlas: its width
+/// and the padding. Then the pen goes on by the advance.
 ///
-/// So bearings are 0 where possible: lines begin where they are asked to, and measuring them takes no exception. The blank
-/// columns that a glyph has at its left are part of its cell, and the padding leaves room for strokes that reach out to
-/// the left of the pen, like those of "j". Only where one reaches out further, as accents do that stand over the letter
-/// before them, the bearing is negative.
+/// So bearings are 0 where possible: lines begin where they are asked to, and measuring them takes no exception. The
+/// blank columns that a glyph has at its left are part of its cell, and the padding leaves room for strokes that reach
+/// out to the left of the pen, like those of "j". Only where one reaches out further, as accents do that stand over the
+/// letter before them, the bearing is negative.
 struct BakedFont
 {
     struct Glyph
@@ -49,8 +49,8 @@ struct BakeSettings
 {
     int size = 0;   ///< pixels per em, as the rasterizer has it
     int spread = 1; ///< blank pixels around each picture, at least 1
-    /// Text multiplies its colour by the coverage, and then blends it by coverage as alpha. That takes nothing from black
-    /// text on white, but white text on black gets the coverage's square, so the atlas holds its root then.
+    /// Text multiplies its colour by the coverage, and then blends it by coverage as alpha. That takes nothing from
+    /// black text on white, but white text on black gets the coverage's square, so the atlas holds its root then.
     bool lightOnDark = false;
 };
 

@@ -5,8 +5,8 @@
 namespace fontbake
 {
 
-/// A file that appears only when it is complete: the bytes go to a file beside it, which keep() renames. Until then what
-/// stood under the name is untouched, and without keep() it stays so.
+/// A file that appears only when it is complete: the bytes go to a file beside it, which keep() renames. Until then
+/// what stood under the name is untouched, and without keep() it stays so.
 class OutputFile
 {
 public:

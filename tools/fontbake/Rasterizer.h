@@ -40,8 +40,8 @@ public:
     bool has(char32_t codePoint) const;
 
     /// Draws a character that the font has. The advance is the font's own, not hinted, rounded to whole pixels; what
-    /// rounding adds or takes goes to the left and the right of the picture in equal parts, so that stems stay evenly apart.
-    /// Throws Error.
+    /// rounding adds or takes goes to the left and the right of the picture in equal parts, so that stems stay evenly
+    /// apart. Throws Error.
     Picture draw(char32_t codePoint) const;
 
     int getAscender() const;   ///< from the baseline up, in pixels

@@ -14,7 +14,8 @@ void main()
 
     // Dusk is a band, not a line, and red where it ends.
     float day = smoothstep(-0.10, 0.22, height);
-    vec3 light = mix(vec3(1.0, 0.62, 0.42), vec3(1.0), smoothstep(0.0, 0.35, height)) * (0.62 + 0.38 * max(height, 0.0));
+    vec3 light =
+        mix(vec3(1.0, 0.62, 0.42), vec3(1.0), smoothstep(0.0, 0.35, height)) * (0.62 + 0.38 * max(height, 0.0));
     vec3 night = color * vec3(0.020, 0.028, 0.050) + vec3(0.002, 0.004, 0.010);
     vec3 surface = mix(night, color * light, day);
 

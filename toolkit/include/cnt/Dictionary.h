@@ -46,8 +46,8 @@ public:
         _updating = false;
     }
 
-    /// @return the value of a key, owned by the dictionary and valid until the next reserve or update; null when the key
-    ///         isn't there, and during an update
+    /// @return the value of a key, owned by the dictionary and valid until the next reserve or update; null when the
+    ///         key isn't there, and during an update
     const Value* find(const Key& key) const
     {
         if (_updating || isEmpty())

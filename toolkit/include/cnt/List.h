@@ -7,8 +7,8 @@
 namespace cnt
 {
 
-/// A singly linked list that grows at its end. Every entry is allocated on its own, so elements keep their address until
-/// the list is cleaned or destroyed. It can't be copied. The second argument is always false.
+/// A singly linked list that grows at its end. Every entry is allocated on its own, so elements keep their address
+/// until the list is cleaned or destroyed. It can't be copied. The second argument is always false.
 template <typename T, bool NotUsed = false>
 class List
 {

@@ -15,8 +15,8 @@
 namespace cnt
 {
 
-/// The growable array: its capacity doubles, from 1. All slots of the storage are default-constructed, also those behind
-/// the last element in use. It moves but can't be copied. The second argument is always 0.
+/// The growable array: its capacity doubles, from 1. All slots of the storage are default-constructed, also those
+/// behind the last element in use. It moves but can't be copied. The second argument is always 0.
 /// Growing copies the elements by assignment, in bulk where they are trivially copyable, and makes pointers and
 /// references to them invalid. When an allocation or a copy fails with an exception, the vector keeps its elements;
 /// only reserve loses them. Values that are pushed or inserted may be elements of the vector itself.
@@ -43,9 +43,9 @@ public:
         delete[] _pData;
     }
 
-    /// Empties the vector and sets its capacity to exactly n. This is no growth hint: the elements are gone in every case.
-    /// The storage is kept only when n is the capacity already. If the allocation fails (an exception), the vector is
-    /// left without storage.
+    /// Empties the vector and sets its capacity to exactly n. This is no growth hint: the elements are gone in every
+    /// case. The storage is kept only when n is the capacity already. If the allocation fails (an exception), the
+    /// vector is left without storage.
     void reserve(std::size_t n)
     {
         if (n != _capacity)
@@ -72,8 +72,8 @@ public:
             insertAndGrow(size(), &value, 1);
     }
 
-    /// Appends copies of n values: the same as pushing them one by one, the final capacity included, but growing at most
-    /// once. Either all of them are appended or, with an exception, none.
+    /// Appends copies of n values: the same as pushing them one by one, the final capacity included, but growing at
+    /// most once. Either all of them are appended or, with an exception, none.
     /// @param pValues  n values; may be null when n is 0
     void push_back(const T* pValues, std::size_t n)
     {
@@ -207,8 +207,8 @@ private:
         return pData;
     }
 
-    // Doubles the capacity until n more elements fit, at least once, and puts the n values before pos; without values, the
-    // slots are left as they are made. The old storage lives on until they are copied, since they may lie in it.
+    // Doubles the capacity until n more elements fit, at least once, and puts the n values before pos; without values,
+    // the slots are left as they are made. The old storage lives on until they are copied, since they may lie in it.
     [[gnu::noinline]] void insertAndGrow(std::size_t pos, const T* pValues, std::size_t n)
     {
         constexpr std::size_t cMax = std::numeric_limits<std::size_t>::max();

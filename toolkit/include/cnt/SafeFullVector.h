@@ -29,8 +29,8 @@ public:
     SafeFullVector& operator=(const SafeFullVector&) = delete;
     ~SafeFullVector() { delete[] _data; }
 
-    /// Makes it n elements long. When n is the size already, nothing happens. Otherwise the old elements are destroyed and
-    /// the new ones default-constructed: numbers hold anything until they are written or zeros() is called. If the
+    /// Makes it n elements long. When n is the size already, nothing happens. Otherwise the old elements are destroyed
+    /// and the new ones default-constructed: numbers hold anything until they are written or zeros() is called. If the
     /// allocation fails (an exception), there are no elements left.
     void reserve(std::size_t n)
     {

@@ -10,9 +10,9 @@ class ZavObject;
 
 /// The program as a whole: picks the window system and runs the loop that everything happens in.
 ///
-/// The window system is the display's: Wayland when WAYLAND_DISPLAY names a compositor that works, else X11 when DISPLAY
-/// names a server that works, else one without a display: programs run unchanged there. The choice is written to the log;
-/// the environment variable GUIGL_WINDOW_SYSTEM ("wayland", "x11", "offscreen") overrides it.
+/// The window system is the display's: Wayland when WAYLAND_DISPLAY names a compositor that works, else X11 when
+/// DISPLAY names a server that works, else one without a display: programs run unchanged there. The choice is written
+/// to the log; the environment variable GUIGL_WINDOW_SYSTEM ("wayland", "x11", "offscreen") overrides it.
 /// One at a time. GUI thread only, which is the thread that makes it.
 class GUIGL_API Application
 {

@@ -7,8 +7,8 @@
 namespace gui
 {
 
-/// The channels of the toolkit's named colours. Named colours are opaque; td::ColorID::NoColor, and any value beyond it,
-/// is transparent black: all four channels are 0.
+/// The channels of the toolkit's named colours. Named colours are opaque; td::ColorID::NoColor, and any value beyond
+/// it, is transparent black: all four channels are 0.
 class Color
 {
 public:

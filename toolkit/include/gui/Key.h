@@ -5,9 +5,9 @@
 namespace gui
 {
 
-/// Bits of a keyboard modifier mask. They are named as on a Mac keyboard, and by what people expect of them: on Linux the
-/// Ctrl key arrives as Cmd, since it is the one for commands (Ctrl-plus, Ctrl-wheel), the Super key as Ctrl, and AltGr as
-/// Fn.
+/// Bits of a keyboard modifier mask. They are named as on a Mac keyboard, and by what people expect of them: on Linux
+/// the Ctrl key arrives as Cmd, since it is the one for commands (Ctrl-plus, Ctrl-wheel), the Super key as Ctrl, and
+/// AltGr as Fn.
 enum class KeyModifier : unsigned int
 {
     Shift = 1,
@@ -37,8 +37,8 @@ constexpr unsigned int removeKeyModifier(unsigned int modifiers, KeyModifier mod
 
 /// One key that went down or up, with the modifiers held at that moment.
 /// A key is one of three kinds. A character: its code is the UTF-16 unit the key stands for. A virtual key (arrows,
-/// function keys, the keypad and so on): getVirtual() says which, and the code is the platform's key code. A key that is
-/// neither: its code is the platform's key code shifted left by 8 bits.
+/// function keys, the keypad and so on): getVirtual() says which, and the code is the platform's key code. A key that
+/// is neither: its code is the platform's key code shifted left by 8 bits.
 class Key
 {
 public:

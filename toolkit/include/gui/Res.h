@@ -10,7 +10,8 @@
 namespace gui
 {
 
-/// A resource that is part of a program or a library: its name and its bytes, which live as long as the program is loaded.
+/// A resource that is part of a program or a library: its name and its bytes, which live as long as the program is
+/// loaded.
 struct CompiledResource
 {
     const char* name;
@@ -26,8 +27,8 @@ struct CompiledResource
 ///   4. "share/guigl" of the prefix the library was configured for, and "../share/guigl" seen from the executable;
 ///   5. the resources compiled into the program and its libraries with the CMake function guigl_add_resources; of two
 ///      of the same name the program's comes before a library's.
-/// Names that are empty, absolute, or have a ".." in them name nothing. GUI thread only, but for what is compiled in, which
-/// adds itself while the program starts.
+/// Names that are empty, absolute, or have a ".." in them name nothing. GUI thread only, but for what is compiled in,
+/// which adds itself while the program starts.
 class Res
 {
 public:

@@ -12,7 +12,8 @@ namespace gui
 {
 
 /// An image in memory: rows from the top down, pixels from left to right, channels of one byte each, nothing between
-/// rows. Loads PNG and JPEG, saves PNG, and serves as the target of frames that are read back. Moves, but can't be copied.
+/// rows. Loads PNG and JPEG, saves PNG, and serves as the target of frames that are read back. Moves, but can't be
+/// copied.
 class GUIGL_API Texture
 {
 public:
@@ -26,23 +27,23 @@ public:
 
     /// Loads a PNG or a JPEG image; which of the two it is, the file's first bytes say. The pixels become 3 bytes (red,
     /// green, blue), or 4 (with alpha, not premultiplied) when the file has alpha or a transparent colour: grey and
-    /// palette images are widened, 16-bit channels are rounded to 8, and CMYK becomes red, green, blue. Colour profiles,
-    /// gamma and the orientation that cameras write are ignored.
+    /// palette images are widened, 16-bit channels are rounded to 8, and CMYK becomes red, green, blue. Colour
+    /// profiles, gamma and the orientation that cameras write are ignored.
     /// @param fileName  a path, or a resource's name after a colon (":name", see gui::Res). Null is misuse
     ///                  ("fileName != nullptr") and gives false.
     /// @return true when the image was loaded. Otherwise one line says why ("ERROR! Texture::loadFromFile cannot load
     ///         file: NAME (CAUSE)"), and the texture is what it was. Refused are files that can't be read, are neither
-    ///         PNG nor JPEG, are seen to be damaged or end too soon; files of more than 1 GiB; images of more than 65,535
-    ///         pixels in a direction, or of 4 GiB of pixels or more; and files too short to hold what they claim, which is
-    ///         found out before memory is taken.
+    ///         PNG nor JPEG, are seen to be damaged or end too soon; files of more than 1 GiB; images of more than
+    ///         65,535 pixels in a direction, or of 4 GiB of pixels or more; and files too short to hold what they
+    ///         claim, which is found out before memory is taken.
     [[nodiscard]] bool loadFromFile(const char* fileName);
 
     /// Loads an image file whose content lies in memory, like loadFromFile. @param bytes  read during the call only
     [[nodiscard]] bool loadFromMemory(const td::BYTE* bytes, std::size_t nBytes);
 
     /// Writes the image to a PNG file, replacing it. The new file takes the old one's place only when it is complete.
-    /// @return true when it was written. Otherwise one line says why ("ERROR! Texture::saveToFile cannot save file: PATH
-    ///         (CAUSE)"), and no file is left or changed. Pixels must be 3 or 4 bytes.
+    /// @return true when it was written. Otherwise one line says why ("ERROR! Texture::saveToFile cannot save file:
+    ///         PATH (CAUSE)"), and no file is left or changed. Pixels must be 3 or 4 bytes.
     [[nodiscard]] bool saveToFile(const char* path) const;
 
     /// Reverses the order of the rows.

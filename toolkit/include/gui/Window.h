@@ -13,8 +13,8 @@ class WindowPeer;
 class ZavObject;
 
 /// A top-level window that shows one view. It does not own the view: either may go first. A view that is destroyed
-/// closes the window it is shown in; a window that closes cleans up the view's resources. A window that is a member of an
-/// object whose view it shows stands behind the members that the view cleans up. GUI thread only.
+/// closes the window it is shown in; a window that closes cleans up the view's resources. A window that is a member of
+/// an object whose view it shows stands behind the members that the view cleans up. GUI thread only.
 class GUIGL_API Window
 {
 public:

@@ -37,7 +37,8 @@ public:
     /// @param pFn   made with new; taken over and deleted after its call. If it throws, the exception leaves the run
     ///              loop's turn, and the functions behind it stay queued. Null is misuse ("pFn != nullptr") and queues
     ///              nothing.
-    /// @param wake  true wakes a run loop that sleeps; false leaves the function until the loop wakes for another reason
+    /// @param wake  true wakes a run loop that sleeps; false leaves the function until the loop wakes for another
+    ///              reason
     static void asyncCall(std::function<void()>* pFn, bool wake);
 
 protected:

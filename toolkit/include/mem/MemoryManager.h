@@ -8,8 +8,9 @@
 namespace mem
 {
 
-/// A pool that hands out slots for a T, one after another from blocks of nPerBlock. A slot keeps its address until reset
-/// hands it out again; single slots are not given back. Destroying the pool frees all of them. It can't be copied.
+/// A pool that hands out slots for a T, one after another from blocks of nPerBlock. A slot keeps its address until
+/// reset hands it out again; single slots are not given back. Destroying the pool frees all of them. It can't be
+/// copied.
 template <typename T, std::size_t nPerBlock = 1023>
 class MemoryManager
 {
@@ -25,9 +26,9 @@ public:
             delete[] pBlock;
     }
 
-    /// @return the next slot, never null. What it holds is left from its last use or, where T's default constructor sets
-    ///         nothing, uninitialised. Slots of one block lie side by side. When a new block is needed and can't be
-    ///         allocated (an exception), the pool is unchanged.
+    /// @return the next slot, never null. What it holds is left from its last use or, where T's default constructor
+    ///         sets nothing, uninitialised. Slots of one block lie side by side. When a new block is needed and can't
+    ///         be allocated (an exception), the pool is unchanged.
     T* alloc()
     {
         if (_nUsed == nPerBlock || _current.isEnd())

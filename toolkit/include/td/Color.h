@@ -5,8 +5,8 @@
 namespace td
 {
 
-/// Packs four components of 0 to 255 into a word: red in the lowest byte, alpha in the highest. Larger components are not
-/// masked and spill into their neighbours.
+/// Packs four components of 0 to 255 into a word: red in the lowest byte, alpha in the highest. Larger components are
+/// not masked and spill into their neighbours.
 constexpr unsigned int GLRGBA(unsigned int r, unsigned int g, unsigned int b, unsigned int a)
 {
     return r | g << 8 | b << 16 | a << 24;

@@ -6,8 +6,8 @@ namespace td
 {
 
 /// The colours of the toolkit's colour table, by the names people write; gui::Color gives their channels.
-/// Values 0 to 147 are the names of CSS in alphabetical order with CSS's values, both spellings of grey included. Values
-/// 148 to 182 are a ramp of greys: the number in the name is the lightness in percent, from black to white.
+/// Values 0 to 147 are the names of CSS in alphabetical order with CSS's values, both spellings of grey included.
+/// Values 148 to 182 are a ramp of greys: the number in the name is the lightness in percent, from black to white.
 /// NoColor (183) stands for "no colour given": its channels are all 0.
 enum class ColorID : BYTE
 {

@@ -15,8 +15,8 @@ namespace td
 {
 
 /// A string of bytes (UTF-8 where it is text) that never changes in place: it is replaced or copied whole.
-/// It is one pointer. Copies share one buffer, up to 15 of them; the next copy gets a buffer of its own. The count is not
-/// atomic: strings that were copied from one another belong to one thread, the GUI thread.
+/// It is one pointer. Copies share one buffer, up to 15 of them; the next copy gets a buffer of its own. The count is
+/// not atomic: strings that were copied from one another belong to one thread, the GUI thread.
 class GUIGL_API StringBase
 {
 public:

@@ -9,9 +9,9 @@ namespace vo
 
 /// Decodes UTF-8 into code points, whatever the bytes are: each malformed sequence becomes one U+FFFD, the replacement
 /// character. A malformed sequence is a maximal subpart as Unicode recommends it (chapter 3, "U+FFFD Substitution of
-/// Maximal Subparts"): the longest run of bytes that begins a well-formed sequence, or else a single byte. So a character
-/// that breaks off becomes one U+FFFD, and each byte of an overlong form, of a surrogate or of a value above U+10FFFF one.
-/// All operations decode alike, and read nothing outside the range.
+/// Maximal Subparts"): the longest run of bytes that begins a well-formed sequence, or else a single byte. So a
+/// character that breaks off becomes one U+FFFD, and each byte of an overlong form, of a surrogate or of a value above
+/// U+10FFFF one. All operations decode alike, and read nothing outside the range.
 class GUIGL_API UTFConverter
 {
 public:
