@@ -194,11 +194,11 @@ void PathSegment::widen(td::RectNormalized<double>& rect) const
     }
 }
 
-// A chord of a curve p stays within h^2 / 8 max |p''| when it spans h of the parameter: the error of linear interpolation.
-// A Bézier curve's second derivative is bounded by its control points' second differences (Wang's formula; G. Wang,
-// "The subdivision method for finding the intersection between two Bézier curves or surfaces", 1984): 2 |d| for a quadratic
-// one, 6 max |d| for a cubic one. A chord over an angle h of a unit circle is 1 - cos(h / 2) away from it, and an affine
-// map enlarges that by no more than its norm, the largest singular value.
+// A chord of a curve p stays within h^2 / 8 max |p''| when it spans h of the parameter: the error of linear
+// interpolation. A Bézier curve's second derivative is bounded by its control points' second differences (as in G.
+// Wang, "The subdivision method for finding the intersection between two Bézier curves or surfaces", 1984):
+// 2 |d| for a quadratic one, 6 max |d| for a cubic one. A chord over an angle h of a unit circle is 1 - cos(h / 2) away
+// from it, and an affine map enlarges that by no more than its norm, the largest singular value.
 unsigned int PathSegment::nPieces(double tolerance) const
 {
     double n = 1;

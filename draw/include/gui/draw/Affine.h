@@ -24,7 +24,8 @@ struct GUIGL_API Affine
     /// Where a difference of two points goes: not translated.
     td::Point<double> mapVector(td::Point<double> v) const { return {a * v.x + c * v.y, b * v.x + d * v.y}; }
 
-    /// First the right one, then the left one, as matrices multiply: translation(5, 0) * scaling(2) doubles, then shifts.
+    /// First the right one, then the left one, as matrices multiply: translation(5, 0) * scaling(2) doubles, then
+    /// shifts.
     Affine operator*(const Affine& first) const;
 
     /// The way back; empty when the plane is mapped to a line or a point, or a number is not finite.

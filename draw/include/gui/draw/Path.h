@@ -59,16 +59,16 @@ concept PointRange =
 ///         std::printf("%g long\n", path.getLength());
 ///     }
 ///
-/// It is a value: copied, moved, compared with nothing else. Building operations return the path, so that they can follow
-/// each other:
+/// It is a value: copied, moved, compared with nothing else. Building operations return the path, so that they can
+/// follow each other:
 ///
 ///     Path arrow;
 ///     arrow.moveTo({0, 0}).lineTo({8, 4}).lineTo({0, 8}).close();
 ///
-/// A subpath begins with moveTo; a lineTo, quadTo, cubicTo or arcTo without one begins at its own first point, and after
-/// close at the point where the subpath before began. Which way y grows is the user's; "clockwise" below means downwards.
-/// Arcs stay arcs: transforming them, their bounds and flattening them are as exact as for lines. Numbers that are not
-/// finite are taken as they are; bounds pass over NaN, and fills over such points.
+/// A subpath begins with moveTo; a lineTo, quadTo, cubicTo or arcTo without one begins at its own first point, and
+/// after close at the point where the subpath before began. Which way y grows is the user's; "clockwise" below means
+/// downwards. Arcs stay arcs: transforming them, their bounds and flattening them are as exact as for lines. Numbers
+/// that are not finite are taken as they are; bounds pass over NaN, and fills over such points.
 class GUIGL_API Path
 {
 public:
@@ -114,8 +114,8 @@ public:
     Path& lineTo(Point p);
     Path& quadTo(Point control, Point p);
     Path& cubicTo(Point control1, Point control2, Point p);
-    /// An elliptical arc to a point, as SVG's command A has it: radii without sign, enlarged when they don't reach, a line
-    /// when one is 0, and nothing when it ends where it begins.
+    /// An elliptical arc to a point, as SVG's command A has it: radii without sign, enlarged when they don't reach, a
+    /// line when one is 0, and nothing when it ends where it begins.
     /// @param rotation   of the ellipse's first axis, in radians
     /// @param isLarge    of the two arcs on each side, the longer one
     /// @param isPositive the one on which angles grow
@@ -127,8 +127,8 @@ public:
     /// @param start, sweep  angles in radians before the ellipse is rotated; a sweep beyond a full turn goes on turning
     Path& arc(Point center, Point radii, double start, double sweep, double rotation = 0);
 
-    /// Whole subpaths, clockwise from the left top corner, or from the right end of the horizontal axis. Radii are limited
-    /// to half of the sides.
+    /// Whole subpaths, clockwise from the left top corner, or from the right end of the horizontal axis. Radii are
+    /// limited to half of the sides.
     Path& addRect(const Rect& rect);
     Path& addRoundedRect(const Rect& rect, Point radii);
     Path& addEllipse(Point center, Point radii);
@@ -174,8 +174,8 @@ public:
     Iterator begin() const;
     Iterator end() const;
 
-    /// The smallest rectangle around everything that the path draws, curves' turning points included; its numbers are off
-    /// by rounding alone. A moveTo without anything after it draws nothing. Empty when nothing is drawn.
+    /// The smallest rectangle around everything that the path draws, curves' turning points included; its numbers are
+    /// off by rounding alone. A moveTo without anything after it draws nothing. Empty when nothing is drawn.
     std::optional<Rect> getBounds() const;
 
     /// The length of all segments, closing lines included. Takes an integration for each curve.

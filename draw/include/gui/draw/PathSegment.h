@@ -55,8 +55,8 @@ struct GUIGL_API PathSegment
     void widen(td::RectNormalized<double>& rect) const;
 
     /// Into how many pieces of equal t the curve is cut so that straight lines instead of them stay within a tolerance
-    /// above 0: the largest distance of a point of either from the other. Between 1 and 65,536, so a curve whose size is
-    /// beyond some 10^9 tolerances is left as coarse as that.
+    /// above 0: the largest distance of a point of either from the other. Between 1 and 65,536, so a curve whose size
+    /// is beyond some 10^9 tolerances is left as coarse as that.
     unsigned int nPieces(double tolerance) const;
 };
 
