@@ -12,12 +12,13 @@ foreach(library IN ITEMS guigl_util guigl_gui guigl_gl guigl_draw)
     endif()
 endforeach()
 
-foreach(headers IN ITEMS toolkit/include include draw/include)
+foreach(headers IN ITEMS toolkit/include toolkit/port include draw/include)
     if(IS_DIRECTORY ${guigl_SOURCE_DIR}/${headers})
         install(DIRECTORY ${guigl_SOURCE_DIR}/${headers}/
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl
             COMPONENT development
-            FILES_MATCHING PATTERN "*.h")
+            # What the two halves of a window system share is theirs, and brings its headers.
+            FILES_MATCHING PATTERN "*.h" PATTERN "sdl" EXCLUDE)
     endif()
 endforeach()
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "SurfaceEvents.h"
-
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 #include <gui/gl/InputTuning.h>
+#include <gui/gl/port/SurfaceEvents.h>
 #include <td/Export.h>
 #include <td/Point.h>
 

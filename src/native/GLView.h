@@ -1,11 +1,10 @@
 #pragma once
 
-#include "NativeSurface.h"
-#include <gui/gl/port/PixelFormat.h>
-
 #include <gui/Cursor.h>
 #include <gui/InputDevice.h>
 #include <gui/gl/Context.h>
+#include <gui/gl/port/NativeSurface.h>
+#include <gui/gl/port/PixelFormat.h>
 #include <td/Export.h>
 #include <td/PointAndSize.h>
 #include <td/RectNormalized.h>
@@ -32,11 +31,6 @@ class View;
 class GUIGL_API GLView : public NativeSurfaceClient
 {
 public:
-    /// Makes a surface for a client, with a context of this format and an initial size in points.
-    /// @return null, after a log line that says why, when there is no such context
-    using SurfaceFactory = std::function<std::unique_ptr<NativeSurface>(
-        NativeSurfaceClient& client, const PixelFormat& format, const td::Size<double>& size)>;
-
     /// @param pView      not owned; gets this as its handle before its onInit is called
     /// @param pGeometry  in points; null means 300 by 300 at (0, 0)
     /// @param events     OR of the gui::InputDevice::Event bits that the view wants

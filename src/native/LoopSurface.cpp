@@ -1,7 +1,7 @@
 #include "LoopSurface.h"
 
-#include "RunLoop.h"
-#include "WindowSystem.h"
+#include <gui/port/RunLoop.h>
+#include <gui/port/WindowSystem.h>
 
 namespace gui::gl
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NativeSurface.h"
+#include <gui/gl/port/NativeSurface.h>
 
 namespace gui::gl
 {

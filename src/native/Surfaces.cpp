@@ -5,7 +5,7 @@
 #include "../sdl/SDLSurface.h"
 #endif
 
-#include "WindowSystem.h"
+#include <gui/port/WindowSystem.h>
 
 #include <array>
 #include <cstring>
@@ -34,7 +34,7 @@ constexpr std::array cSurfaces{
 
 } // namespace
 
-GLView::SurfaceFactory getSurfaceFactory()
+SurfaceFactory getSurfaceFactory()
 {
     const char* const name = gui::WindowSystem::instance().getName();
     for (const Entry& entry : cSurfaces)

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "GLView.h"
+#include <gui/gl/port/NativeSurface.h>
 
 namespace gui::gl
 {
 
 /// The factory of surfaces for the window system in use.
-GLView::SurfaceFactory getSurfaceFactory();
+SurfaceFactory getSurfaceFactory();
 
 } // namespace gui::gl

@@ -1,4 +1,4 @@
-#include "../view/Zav.h"
+#include <gui/gl/port/Zav.h>
 
 #include "EventTranslation.h"
 #include "GLView.h"
@@ -43,6 +43,13 @@ gui::NativeObject* createGLView(gui::gl::View* pView, const td::PointAndSize<dou
                                 const gui::gl::Context& context)
 {
     return GLView::createView(pView, pGeometry, gui::gl::buildEventMask(events), context, gui::gl::getSurfaceFactory());
+}
+
+gui::gl::NativeSurfaceClient* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,
+                                           const std::initializer_list<gui::InputDevice::Event>& events,
+                                           const gui::gl::Context& context, const gui::gl::SurfaceFactory& makeSurface)
+{
+    return GLView::createView(pView, pGeometry, gui::gl::buildEventMask(events), context, makeSurface);
 }
 
 void makeCurrentContext(const gui::gl::View* pView)

@@ -3,10 +3,9 @@
 #include "../native/GLDebug.h"
 #include "../native/LoopSurface.h"
 
-#include "WindowSystem.h"
-#include "offscreen/OffscreenWindowSystem.h"
-
 #include <gui/gl/OffscreenContext.h>
+#include <gui/port/WindowSystem.h>
+#include <gui/port/offscreen/OffscreenDrawable.h>
 
 #include <epoxy/gl.h>
 

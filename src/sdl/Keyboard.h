@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sdl/SDLEvent.h"
+#include <gui/port/sdl/SDLEvent.h>
 
 #include <SDL_video.h>
 

@@ -1,10 +1,10 @@
 #include "SDLEvents.h"
 
-#include "../native/NativeSurface.h"
 #include "KeyMapping.h"
 #include "Keyboard.h"
 
 #include <gui/gl/InputTuning.h>
+#include <gui/gl/port/NativeSurface.h>
 
 #include <SDL_mouse.h>
 #include <SDL_touch.h>

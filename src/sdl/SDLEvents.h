@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Pinch.h"
-#include "sdl/SDLEvent.h"
+
+#include <gui/port/sdl/SDLEvent.h>
 
 #include <SDL_video.h>
 #include <td/Point.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../native/NativeSurface.h"
+#include <gui/gl/port/NativeSurface.h>
 #include <gui/gl/port/PixelFormat.h>
 
 #include <memory>

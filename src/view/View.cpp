@@ -1,12 +1,12 @@
 #include <gui/gl/View.h>
 
 #include "ViewHelper.h"
-#include "Zav.h"
 
 #include <gui/CellInfo.h>
 #include <gui/Display.h>
 #include <gui/Texture.h>
 #include <gui/gl/Program.h>
+#include <gui/gl/port/Zav.h>
 #include <td/Assert.h>
 
 #include <epoxy/gl.h>

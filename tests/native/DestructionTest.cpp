@@ -147,7 +147,7 @@ protected:
             : _test(test)
             , context(++test._lastContext)
         {
-            const GLView::SurfaceFactory factory =
+            const gui::gl::SurfaceFactory factory =
                 [this](gui::gl::NativeSurfaceClient&, const gui::gl::PixelFormat&, const td::Size<double>&)
             { return std::make_unique<Surface>(_test.gl, context); };
             const Context settings(gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None,

@@ -1,9 +1,9 @@
 #include "GLViewFixture.h"
 
 #include "toolkit/src/AsyncQueue.h"
-#include "toolkit/src/DisplayScale.h"
 
 #include <gui/Texture.h>
+#include <gui/port/DisplayScale.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>

@@ -1,11 +1,10 @@
 // A view inside a host that made the context itself, draws it into framebuffers of its own, another one for each frame,
 // and presents them when it likes.
-#include "src/native/GLView.h"
-
 #include "support/OffscreenGL.h"
 
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/View.h>
+#include <gui/gl/port/Zav.h>
 
 #include <epoxy/gl.h>
 
@@ -18,7 +17,7 @@ namespace
 {
 
 using gui::gl::Context;
-using gui::gl::GLView;
+using gui::gl::NativeSurfaceClient;
 
 constexpr td::Size<int> cSize{40, 20};
 
@@ -47,7 +46,7 @@ struct Host
     GLuint current() const { return framebuffers[nFrames % 2]; }
 
     // As a host's own paint event: it binds what is to be drawn into, and turns to the next afterwards.
-    void paint(GLView& view)
+    void paint(NativeSurfaceClient& view)
     {
         glBindFramebuffer(GL_FRAMEBUFFER, current());
         view.drawNow();
@@ -103,8 +102,8 @@ TEST_F(HostedViewTest, EachFrameGoesIntoTheFramebufferOfThatFrame)
     gui::gl::OffscreenContext other({8, 8}, Context(gui::gl::DepthBuffer::Size::None,
                                                     gui::gl::StencilBuffer::Size::None, Context::Profile::Core41));
     DetourView view;
-    GLView* const pNative = GLView::createView(
-        &view, nullptr, 0,
+    NativeSurfaceClient* const pNative = zav::createGLView(
+        &view, nullptr, {},
         {gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41},
         [&host](auto&, auto&, auto&) { return std::make_unique<HostedSurface>(host); });
     ASSERT_NE(pNative, nullptr);

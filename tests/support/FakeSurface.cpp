@@ -35,7 +35,7 @@ testing::AssertionResult Journal::said(const std::vector<std::string>& lines)
     return areLines("happened", take(), lines);
 }
 
-gui::gl::GLView::SurfaceFactory FakeWindow::factory()
+gui::gl::SurfaceFactory FakeWindow::factory()
 {
     return [this](gui::gl::NativeSurfaceClient&, const gui::gl::PixelFormat&,
                   const td::Size<double>& initialSize) -> std::unique_ptr<gui::gl::NativeSurface>

@@ -46,7 +46,7 @@ struct FakeWindow
     }
 
     /// Makes surfaces that belong to this window, one at a time.
-    gui::gl::GLView::SurfaceFactory factory();
+    gui::gl::SurfaceFactory factory();
 
     bool isCurrent() const { return contextID != 0 && gui::gl::CurrentContext::getID() == contextID; }
 

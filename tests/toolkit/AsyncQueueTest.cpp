@@ -1,9 +1,9 @@
 #include "toolkit/src/AsyncQueue.h"
 #include "support/CaughtAsserts.h"
-#include "toolkit/src/DisplayScale.h"
 
 #include <gui/Display.h>
 #include <gui/ZavObject.h>
+#include <gui/port/DisplayScale.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,8 @@
 #include <gui/Application.h>
 
-#include "RunLoop.h"
-#include "WindowSystem.h"
-
 #include <gui/Window.h>
+#include <gui/port/RunLoop.h>
+#include <gui/port/WindowSystem.h>
 #include <vo/Log.h>
 
 namespace gui

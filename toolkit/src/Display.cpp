@@ -1,7 +1,6 @@
 #include <gui/Display.h>
 
-#include "DisplayScale.h"
-
+#include <gui/port/DisplayScale.h>
 #include <td/Assert.h>
 
 namespace gui

@@ -1,4 +1,4 @@
-#include "RunLoop.h"
+#include <gui/port/RunLoop.h>
 
 #include "AsyncQueue.h"
 

@@ -1,10 +1,9 @@
 #include <gui/Window.h>
 
-#include "RunLoop.h"
-#include "WindowSystem.h"
-
 #include <gui/NativeView.h>
 #include <gui/ZavObject.h>
+#include <gui/port/RunLoop.h>
+#include <gui/port/WindowSystem.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
 

@@ -1,11 +1,11 @@
-#include "WindowSystem.h"
+#include <gui/port/WindowSystem.h>
 
-#include "DisplayScale.h"
 #include "offscreen/OffscreenWindowSystem.h"
 #ifdef GUIGL_SDL
 #include "sdl/SDLWindowSystem.h"
 #endif
 
+#include <gui/port/DisplayScale.h>
 #include <vo/Log.h>
 
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../RunLoop.h"
+#include <gui/port/RunLoop.h>
 
 #include <condition_variable>
 #include <mutex>

@@ -1,9 +1,10 @@
 #include "OffscreenWindowSystem.h"
 
-#include "../DisplayScale.h"
 #include "OffscreenRunLoop.h"
 
 #include <gui/NativeView.h>
+#include <gui/port/DisplayScale.h>
+#include <gui/port/offscreen/OffscreenDrawable.h>
 #include <vo/Log.h>
 
 #include <algorithm>

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "../WindowSystem.h"
-
+#include <gui/port/WindowSystem.h>
 #include <td/Export.h>
 
 #include <memory>
@@ -16,13 +15,5 @@ std::unique_ptr<WindowSystem> createOffscreenWindowSystem();
 /// Another number of device pixels per point, above 0, for the windows that are there and those to come: as when somebody
 /// changes the screen's settings.
 GUIGL_API void setOffscreenScale(float scale);
-
-/// What a view without a display draws into, as its window sees it: the native view's "native window". The surface owns it
-/// and follows its values when it is told of a change.
-struct OffscreenDrawable
-{
-    td::Size<double> size; // points
-    float scale = 1;       // device pixels per point
-};
 
 } // namespace gui

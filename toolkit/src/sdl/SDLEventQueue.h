@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SDLEvent.h"
+#include <gui/port/sdl/SDLEvent.h>
 
 #include <deque>
 

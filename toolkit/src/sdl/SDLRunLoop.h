@@ -1,7 +1,8 @@
 #pragma once
 
-#include "../RunLoop.h"
 #include "SDLEventQueue.h"
+
+#include <gui/port/RunLoop.h>
 
 #include <SDL_video.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../WindowSystem.h"
+#include <gui/port/WindowSystem.h>
 
 #include <SDL_video.h>
 

@@ -13,6 +13,7 @@ namespace gui::gl
 /// (5), accelerated (73) and no recovery (72), which have none.
 using PixelFormat = std::array<unsigned int, 14>;
 
+/// The list for these settings; always in the same order.
 GUIGL_API PixelFormat buildPixelFormat(const Context& context);
 
 /// What a surface reads out of the list.
@@ -25,6 +26,7 @@ struct PixelFormatSizes
     int stencilBits;
 };
 
+/// What the list says; an attribute that is unknown is passed over.
 GUIGL_API PixelFormatSizes decodePixelFormat(const PixelFormat& format);
 
 /// One step down to sizes that systems have, when these are not to be had: a stencil above 8 becomes 8; if it is not

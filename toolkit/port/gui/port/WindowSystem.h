@@ -11,7 +11,9 @@ namespace gui
 class NativeView;
 class RunLoop;
 
-/// A top-level window of a window system, behind gui::Window.
+/// A top-level window of a window system, behind gui::Window. It tells the native view that is in it what becomes of it:
+/// enteredWindow at the end of show, sizeChanged, scaleChanged, and drawNow through the run loop when it was uncovered.
+/// When the user closes it, it calls close() of the view's gui::Window.
 class WindowPeer
 {
 public:
@@ -22,6 +24,7 @@ public:
     /// The view leaves; the window is not seen any more.
     virtual void hide() = 0;
 
+    /// What its frame shows; UTF-8.
     virtual void setTitle(const char* title) = 0;
     /// In points, without the frame.
     virtual void setSize(const td::Size<double>& size) = 0;
@@ -29,7 +32,8 @@ public:
     virtual void setFullScreen(bool isFullScreen) = 0;
 };
 
-/// What a window system is to the toolkit: a run loop and windows. One per process.
+/// What a window system is to the toolkit: a run loop and windows. One per process. The library has a table of them in
+/// toolkit/src/WindowSystem.cpp.
 class GUIGL_API WindowSystem
 {
 public:

@@ -18,7 +18,9 @@ class Window;
 class GUIGL_API RunLoop
 {
 public:
+    /// What times are read from, and what they are.
     using Clock = std::chrono::steady_clock;
+    /// A moment of it.
     using Time = Clock::time_point;
 
     RunLoop();
@@ -33,6 +35,7 @@ public:
     /// @param seconds  0 or less does not sleep  @return false when the loop is to end
     bool step(double seconds);
 
+    /// Ends run and step, now or when the turn under way is over. @param code  what run returns
     void quit(int code);
     /// Forgets an earlier quit.
     void restart() { _exitCode.reset(); }
@@ -52,7 +55,9 @@ public:
     /// The view is going away.
     void forget(NativeView* pView);
 
+    /// Windows are counted: when the last one closes, the loop quits with 0.
     void windowOpened() { ++_nOpenWindows; }
+    /// See windowOpened.
     void windowClosed();
 
 protected:

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <td/Point.h>
+#include <td/Types.h>
+
+namespace gui::gl
+{
+
+// What a surface reports to the view that draws into it. Points are in points of the window's content: the origin at the
+// top left, y downwards. Modifiers are masks of gui::KeyModifier bits, taken when the event arrived and not when it is
+// handled.
+
+/// A button of the pointer went down or up. Other buttons than these two are nobody's.
+struct ButtonEvent
+{
+    /// Which one.
+    enum class Button : td::BYTE
+    {
+        Left, ///< the primary one, on a mouse for the left hand as well
+        Right
+    };
+
+    Button button;           ///< which of the two
+    bool isDown;             ///< whether it went down
+    bool isLeftDown;         ///< whether the left button is down now, the event counted in
+    unsigned short nClicks;  ///< 1 for the first of a row of quick clicks, 2 for the second and so on; also on release
+    unsigned int modifiers;  ///< those that were held
+    td::Point<double> point; ///< where it was
+};
+
+/// The pointer moved, or came or went.
+struct MotionEvent
+{
+    /// What of these.
+    enum class Kind : td::BYTE
+    {
+        Moved,   ///< no button is down
+        Dragged, ///< the left button is down, whichever else is; also outside the window
+        Entered,
+        Exited ///< after a drag that ended outside, when that is over
+    };
+
+    Kind kind;               ///< what it did
+    unsigned int modifiers;  ///< those that were held
+    td::Point<double> point; ///< where it is
+};
+
+/// The wheel turned, or two fingers moved on a touchpad.
+struct WheelEvent
+{
+    /// Wheel units, ten to a notch; content follows the fingers: to the right, and down, is positive.
+    double dx;
+    double dy;               ///< see dx
+    unsigned int modifiers;  ///< those that were held
+    td::Point<double> point; ///< where the pointer is
+};
+
+/// Two fingers moved apart or together on a touch device.
+struct MagnificationEvent
+{
+    double magnification;   ///< 0 for none; of the whole gesture's step
+    unsigned int modifiers; ///< those that were held
+};
+
+/// A key went down, which it does again while it repeats, or up. Modifier keys alone make no event.
+struct KeyEvent
+{
+    bool isDown;            ///< whether it went down
+    unsigned short keyCode; ///< of the table in gui/gl/KeyCodes.h; 128 to 255 for what is not in it and has a character
+    unsigned short character; ///< the UTF-16 unit that the key stands for with Shift applied; 0 for none
+    unsigned int modifiers;   ///< those that were held
+};
+
+} // namespace gui::gl
