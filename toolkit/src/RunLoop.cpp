@@ -5,6 +5,7 @@
 #include <gui/NativeView.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace gui
 {
@@ -14,14 +15,31 @@ namespace
 
 constexpr double cDefaultDisplayRate = 60;
 
-// What a caller may ask for without the time overflowing.
+// What a caller may ask for, of a sleep or between two ticks, without the time overflowing.
 constexpr double cLongestSleepInSeconds = 1e6;
 
+RunLoop::Clock::duration toDuration(double seconds)
+{
+    const auto sleep = std::chrono::duration<double>(std::min(seconds, cLongestSleepInSeconds));
+    return std::chrono::duration_cast<RunLoop::Clock::duration>(sleep);
+}
+
+// The whole divisor of the display's rate that is nearest to the middle of the range, and in it: any other rate limps.
+// The higher one of two. Where there is none, the middle itself, as far as the display can follow.
 double frameRate(double displayRate, float minFPS, float maxFPS)
 {
     const double rate = displayRate > 0 ? displayRate : cDefaultDisplayRate;
-    const bool isRange = minFPS > 0 && maxFPS > 0 && maxFPS >= minFPS;
-    return isRange ? std::min(rate, static_cast<double>(maxFPS)) : rate;
+    if (!(minFPS > 0 && maxFPS > 0 && maxFPS >= minFPS))
+        return rate;
+    const auto min = static_cast<double>(minFPS);
+    const auto max = static_cast<double>(maxFPS);
+    const double middle = (min + max) / 2;
+    double best = 0;
+    const double nAbove = std::max(1.0, std::floor(rate / middle));
+    for (const double divisor : {rate / nAbove, rate / (nAbove + 1)})
+        if (divisor >= min && divisor <= max && (best == 0 || std::abs(divisor - middle) < std::abs(best - middle)))
+            best = divisor;
+    return best > 0 ? best : std::min(rate, middle);
 }
 
 } // namespace
@@ -50,8 +68,7 @@ bool RunLoop::step(double seconds)
         return false;
     if (!isSomethingDue() && seconds > 0)
     {
-        const auto sleep = std::chrono::duration<double>(std::min(seconds, cLongestSleepInSeconds));
-        const Time end = Clock::now() + std::chrono::duration_cast<Clock::duration>(sleep);
+        const Time end = Clock::now() + toDuration(seconds);
         const std::optional<Time> tick = getNextTick();
         wait(tick ? std::min(*tick, end) : end);
     }
@@ -87,7 +104,7 @@ void RunLoop::startFrameClock(NativeView* pView, float minFPS, float maxFPS)
     entry.hasClock = true;
     entry.minFPS = minFPS;
     entry.maxFPS = maxFPS;
-    entry.period = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / rate));
+    entry.period = toDuration(1 / rate);
     entry.nextTick = Clock::now() + entry.period;
 }
 

@@ -43,8 +43,10 @@ public:
     /// Asks for drawNow in this turn, or in the next when it is under way.
     void setNeedsDisplay(NativeView* pView);
 
-    /// Ticks at the display's rate. When the range is one (both above 0, the maximum not below the minimum), a rate above
-    /// its maximum is lowered to that. A view has one clock at most; starting it again changes its rate.
+    /// Ticks at the display's rate. When the range is one (both above 0, the maximum not below the minimum), at the
+    /// display's rate divided by a whole number: the one within the range that is nearest to its middle, the higher of
+    /// two. At 60 Hz (25, 35) gives 30, and (30, 60) gives 60. Where no such rate is in the range it is the middle, if
+    /// the display is that fast. A view has one clock at most; starting it again changes its rate.
     void startFrameClock(NativeView* pView, float minFPS, float maxFPS);
     void stopFrameClock(NativeView* pView);
     bool hasFrameClock(const NativeView* pView) const;
