@@ -98,6 +98,7 @@ void Texture::swap(Texture& other) noexcept
     std::swap(_width, other._width);
     std::swap(_height, other._height);
     std::swap(_bytesPerPixel, other._bytesPerPixel);
+    std::swap(_isOpaque, other._isOpaque);
 }
 
 bool Texture::loadFromFile(const char* fileName)
@@ -138,7 +139,20 @@ bool Texture::load(const td::BYTE* bytes, std::size_t nBytes, std::string& cause
     _width = image.width;
     _height = image.height;
     _bytesPerPixel = image.bytesPerPixel;
+    _isOpaque = 0;
     return true;
+}
+
+bool Texture::write(std::FILE* pFile, std::string& cause) const
+{
+    constexpr unsigned int cOpaqueBytes = 3;
+    if (_isOpaque == 0 || _bytesPerPixel == cOpaqueBytes)
+        return writePNG(pFile, _pBytes, _width, _height, _bytesPerPixel, cause);
+    const std::size_t nPixels = std::size_t(_width) * std::size_t(_height);
+    std::vector<td::BYTE> pixels(nPixels * cOpaqueBytes);
+    for (std::size_t i = 0; i < nPixels; ++i)
+        std::copy_n(_pBytes + i * _bytesPerPixel, cOpaqueBytes, pixels.data() + i * cOpaqueBytes);
+    return writePNG(pFile, pixels.data(), _width, _height, cOpaqueBytes, cause);
 }
 
 bool Texture::saveToFile(const char* path) const
@@ -154,7 +168,7 @@ bool Texture::saveToFile(const char* path) const
         PartialFile part(path);
         if (part.file() == nullptr)
             cause = std::strerror(errno);
-        else if (writePNG(part.file(), _pBytes, _width, _height, _bytesPerPixel, cause))
+        else if (write(part.file(), cause))
         {
             if (part.finish())
                 return true;
@@ -202,6 +216,7 @@ void Texture::updateInfo(int width, int height, unsigned short bytesPerPixel)
     _width = width;
     _height = height;
     _bytesPerPixel = td::BYTE(bytesPerPixel);
+    _isOpaque = 0;
     _nBytes = static_cast<unsigned int>(width) * static_cast<unsigned int>(height) * bytesPerPixel;
 }
 

@@ -5,6 +5,7 @@
 #include <td/Types.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -46,6 +47,11 @@ public:
     ///         PATH (CAUSE)"), and no file is left or changed. Pixels must be 3 or 4 bytes.
     [[nodiscard]] bool saveToFile(const char* path) const;
 
+    /// Whether its alpha means nothing: saveToFile then writes 3 bytes per pixel. Frames that were read back start so;
+    /// false keeps the alpha that the frame was left with. An image that is loaded has its own alpha.
+    void setOpaque(bool isOpaque) { _isOpaque = isOpaque ? 1 : 0; }
+    bool isOpaque() const { return _isOpaque != 0; } ///< see setOpaque
+
     /// Reverses the order of the rows.
     void mirrorVertically();
 
@@ -69,6 +75,7 @@ private:
     friend struct TextureLayout;
 
     bool load(const td::BYTE* bytes, std::size_t nBytes, std::string& cause);
+    bool write(std::FILE* pFile, std::string& cause) const;
     bool isRoomFor(int width, int height, unsigned short bytesPerPixel) const;
     void updateInfo(int width, int height, unsigned short bytesPerPixel);
     void swap(Texture& other) noexcept;
@@ -79,9 +86,10 @@ private:
     unsigned int _capacity = 0; // bytes of _storage
     int _width = 0;
     int _height = 0;
-    td::Color _color; // part of the record's layout, as are the last four bytes
+    td::Color _color; // part of the record's layout, as are the last three bytes
     td::BYTE _bytesPerPixel = 0;
-    [[maybe_unused]] td::BYTE _reserved[4] = {};
+    td::BYTE _isOpaque = 0;
+    [[maybe_unused]] td::BYTE _reserved[3] = {};
 };
 
 /// Fills textures with pixels that come from elsewhere, frames that are read back for instance.
