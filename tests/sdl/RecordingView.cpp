@@ -171,6 +171,13 @@ void RecordingView::add(const std::string& what, const gui::InputDevice& device)
     lines.push_back(text.str() + modifierText(device.getKeyboardModifiers()));
 }
 
+void RecordingView::onPrimaryButtonReleased(const gui::InputDevice& device)
+{
+    add("release", device);
+    if (onRelease)
+        onRelease();
+}
+
 bool RecordingView::onScroll(const gui::InputDevice& device)
 {
     add("scroll", device);

@@ -41,6 +41,7 @@ public:
     bool isPictureWrong = false;      ///< a frame's corner was not what had been drawn there
     std::uint32_t topLeft = 0xE02020; ///< the colour of the first field
     std::function<void()> onFrame;
+    std::function<void()> onRelease; ///< what a click ends in
 
     /// Waits in the run loop. @return whether the lines came to be these; they are forgotten
     testing::AssertionResult hasHeard(const std::vector<std::string>& expected);
@@ -58,7 +59,7 @@ protected:
     bool prepareNextFrame() override { return true; }
 
     void onPrimaryButtonPressed(const gui::InputDevice& device) override { add("press", device); }
-    void onPrimaryButtonReleased(const gui::InputDevice& device) override { add("release", device); }
+    void onPrimaryButtonReleased(const gui::InputDevice& device) override;
     void onPrimaryButtonDblClick(const gui::InputDevice& device) override { add("double", device); }
     void onSecondaryButtonPressed(const gui::InputDevice& device) override { add("press2", device); }
     void onSecondaryButtonReleased(const gui::InputDevice& device) override { add("release2", device); }

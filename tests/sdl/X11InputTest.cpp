@@ -80,6 +80,17 @@ TEST_F(X11InputTest, DragGoesOnOutside)
     EXPECT_TRUE(view.hasHeard({"press2 40,30 x1", "release2 60,40 x1"}));
 }
 
+// The release is not the last of its event: the pointer left on the way.
+TEST_F(X11InputTest, ADragOutsideMayEndTheView)
+{
+    view.onRelease = [this] { window.close(); };
+    xdo("mousedown 1");
+    xdo(at("Input", 350, -20));
+    xdo("mouseup 1");
+    ASSERT_TRUE(waitInLoop([&] { return view.isCleaned; }));
+    EXPECT_EQ(view.lines.back(), "release 350,-20 x1");
+}
+
 TEST_F(X11InputTest, WheelScrollsAndZooms)
 {
     struct Case
