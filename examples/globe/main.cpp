@@ -37,12 +37,12 @@ Shows the earth in space. The window's title tells where the eye is.
 )";
 
 // @return the program's exit status
-int drawPictures(gui::Application& app, GlobeView& view, const std::filesystem::path& folder)
+int drawPictures(GlobeView& view, const std::filesystem::path& folder)
 {
     for (const Outlook& outlook : cOutlooks)
     {
         view.show(outlook);
-        if (!examples::savePicture(app, view, folder / (std::string(outlook.name) + ".png")))
+        if (!examples::savePicture(view, folder / (std::string(outlook.name) + ".png")))
             return cExitFailed;
     }
     return 0;
@@ -73,5 +73,5 @@ int main(int argc, char** argv)
     GlobeView view(window);
     if (!view.isOk() || !window.show(view))
         return cExitFailed;
-    return isOut ? drawPictures(app, view, argv[2]) : app.run();
+    return isOut ? drawPictures(view, argv[2]) : app.run();
 }

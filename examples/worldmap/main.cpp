@@ -82,7 +82,7 @@ constexpr Shot cShots[] = {
     {"italy", Projection::Mercator, 60, {12.2, 42.9}},
 };
 
-int drawPictures(gui::Application& app, MapView& view, const std::filesystem::path& folder)
+int drawPictures(MapView& view, const std::filesystem::path& folder)
 {
     for (const Shot& shot : cShots)
     {
@@ -93,7 +93,7 @@ int drawPictures(gui::Application& app, MapView& view, const std::filesystem::pa
             view.setZoom(shot.zoom);
             view.center(project(shot.projection, shot.middle));
         }
-        if (!examples::savePicture(app, view, folder / (std::string(shot.name) + ".png")))
+        if (!examples::savePicture(view, folder / (std::string(shot.name) + ".png")))
             return cExitFailed;
     }
     return 0;
@@ -123,5 +123,5 @@ int main(int argc, char** argv)
     MapView view(window, countries);
     if (!window.show(view))
         return cExitFailed;
-    return options.folder.empty() ? app.run() : drawPictures(app, view, options.folder);
+    return options.folder.empty() ? app.run() : drawPictures(view, options.folder);
 }

@@ -14,6 +14,20 @@
 namespace gui::gl
 {
 
+BoundForReading::BoundForReading(unsigned int framebuffer)
+    : _framebuffer(framebuffer)
+{
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &_boundBefore);
+    if (static_cast<GLuint>(_boundBefore) != framebuffer)
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
+}
+
+BoundForReading::~BoundForReading()
+{
+    if (static_cast<GLuint>(_boundBefore) != _framebuffer)
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(_boundBefore));
+}
+
 bool readFrame(unsigned int framebuffer, const td::Size<int>& size, gui::Texture& picture)
 {
     const auto width = static_cast<std::size_t>(size.width);
@@ -26,13 +40,10 @@ bool readFrame(unsigned int framebuffer, const td::Size<int>& size, gui::Texture
         return false;
     }
 
-    GLint boundBefore = 0;
-    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &boundBefore);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
+    const BoundForReading bound(framebuffer);
     // Rows of 4 bytes per pixel keep GL's pack alignment whatever the width.
     std::vector<td::BYTE> pixels(width * height * 4);
     glReadPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(boundBefore));
 
     TextureHelper helper(&picture);
     helper.reserve(static_cast<unsigned int>(rowLength * height));

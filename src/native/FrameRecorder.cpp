@@ -6,7 +6,6 @@
 #include <gui/Texture.h>
 #include <vo/Log.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -40,22 +39,19 @@ FrameRecorder::FrameRecorder()
     }
 }
 
-void FrameRecorder::onFrame(const void* pView, unsigned int framebuffer, const td::Size<int>& size)
+void FrameRecorder::onFrame(Recording& recording, unsigned int framebuffer, const td::Size<int>& size)
 {
-    auto it = std::find_if(_recordings.begin(), _recordings.end(),
-                           [pView](const Recording& recording) { return recording.pView == pView; });
-    if (it == _recordings.end())
-        it = _recordings.insert(it, {pView, 0});
-    if (it->nFrames == _nFrames)
+    if (recording.nthView == 0)
+        recording.nthView = ++_nViews;
+    if (recording.nFrames == _nFrames)
         return;
-    ++it->nFrames;
+    ++recording.nFrames;
 
-    const auto nthView = it - _recordings.begin() + 1;
     char number[16];
-    std::snprintf(number, sizeof(number), "%04d", it->nFrames);
-    const std::string prefix = nthView > 1 ? "view" + std::to_string(nthView) + "-" : "";
+    std::snprintf(number, sizeof(number), "%04d", recording.nFrames);
+    const std::string prefix = recording.nthView > 1 ? "view" + std::to_string(recording.nthView) + "-" : "";
     const bool isWritten = write(_folder + "/" + prefix + "frame-" + number + ".png", framebuffer, size);
-    if (!isWritten || it->nFrames == _nFrames)
+    if (!isWritten || recording.nFrames == _nFrames)
         gui::Application::quit(isWritten ? 0 : 1);
 }
 

@@ -3,7 +3,6 @@
 #include <td/Size.h>
 
 #include <string>
-#include <vector>
 
 namespace gui::gl
 {
@@ -20,23 +19,24 @@ public:
 
     bool isOn() const { return _nFrames > 0; }
 
-    /// A view has drawn a frame and not presented it yet; its context is current.
-    /// @param pView  tells views apart  @param framebuffer  what the view presents through  @param size  in device pixels
-    void onFrame(const void* pView, unsigned int framebuffer, const td::Size<int>& size);
-
-private:
+    /// What was written of one view. It belongs to that view, as another one may come to stand at its address.
     struct Recording
     {
-        const void* pView;
-        int nFrames;
+        int nthView = 0; ///< 0 before its first frame
+        int nFrames = 0;
     };
 
+    /// A view has drawn a frame and not presented it yet; its context is current.
+    /// @param framebuffer  what the view presents through  @param size  in device pixels
+    void onFrame(Recording& recording, unsigned int framebuffer, const td::Size<int>& size);
+
+private:
     FrameRecorder();
     bool write(const std::string& path, unsigned int framebuffer, const td::Size<int>& size) const;
 
     std::string _folder;
     int _nFrames = 0;
-    std::vector<Recording> _recordings;
+    int _nViews = 0;
 };
 
 } // namespace gui::gl

@@ -1,11 +1,12 @@
 #include "GLView.h"
 
 #include "EventTranslation.h"
-#include "FrameRecorder.h"
 #include "GLDebug.h"
 
+#include "../context/FrameReader.h"
 #include "../view/ViewHelper.h"
 
+#include <gui/Display.h>
 #include <gui/Key.h>
 #include <gui/Texture.h>
 #include <gui/gl/FrameLedger.h>
@@ -14,13 +15,14 @@
 
 #include <epoxy/gl.h>
 
+#include <cmath>
 #include <utility>
 
 namespace gui::gl
 {
 
-// Held during every call up into the view. What the view's code asks for in there, that the native view or its surface go
-// away, is done when the last of these calls is over.
+// Held during every call up into the view. What the view's code asks for in there, that the native view or its surface
+// go away, is done when the last of these calls is over.
 class GLView::Busy
 {
 public:
@@ -50,7 +52,7 @@ private:
 GLView::GLView(View* pView, const Context& context, unsigned short events)
     : _pCppView(pView)
     , _events(events)
-    , _continuousRender(context.isAnimation())
+    , _continuousRender(context.isAnimation() || pView->isContRenderMode()) // it may have been started already
 {
     std::tie(_minFPS, _maxFPS) = context.getPreferredFrameRateRange();
 }
@@ -91,7 +93,7 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     helper.onInit();
     // onInit may have ended the view's life, and so may the log's sink.
     incomplete.pNative = nullptr;
-    if (!pNative->_isReleased && pNative->makeCurrentContext())
+    if (!pNative->_isReleased && isGLDebugWanted() && pNative->makeCurrentContext())
         logGLErrors("onInit", pNative->_saidGLErrors);
     return pNative->_isReleased ? nullptr : pNative;
 }
@@ -232,11 +234,33 @@ void GLView::scaleChanged()
 
 // Drawing.
 
+// What the window system redraws is in the view's own coordinates, what a tick draws is the view's frame in its window.
 void GLView::drawNow()
 {
     td::Size<double> size;
     getSize(size);
+    drawRect({0, 0, size.width / _scale, size.height / _scale});
+}
+
+void GLView::onFrameTick()
+{
+    td::Size<double> size;
+    getSize(size);
     drawRect({0, 0, size.width, size.height});
+}
+
+bool GLView::drawInto(gui::Texture& picture)
+{
+    if (_isDrawing)
+        return false;
+    const Busy busy(*this);
+    struct Wanted
+    {
+        gui::Texture*& pPicture;
+        ~Wanted() { pPicture = nullptr; }
+    } const wanted{_pPicture = &picture};
+    drawNow();
+    return _pPicture == nullptr; // the frame took it
 }
 
 void GLView::drawRect(const td::RectNormalized<double>& rect)
@@ -270,9 +294,13 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     if (_pCppView == nullptr || !makeCurrentContext())
         return;
     readGrabbedFrame();
-    logGLErrors("onDraw", _saidGLErrors);
+    const td::Size<int> size = _pSurface->getDrawableSize();
+    if (_pPicture != nullptr && readFrame(_screenFrameBufferID, size, *_pPicture))
+        _pPicture = nullptr;
+    if (isGLDebugWanted())
+        logGLErrors("onDraw", _saidGLErrors);
     if (FrameRecorder::instance().isOn())
-        FrameRecorder::instance().onFrame(this, _screenFrameBufferID, _pSurface->getDrawableSize());
+        FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, size);
     _pSurface->flush();
 }
 
@@ -284,6 +312,8 @@ void GLView::readGrabbedFrame()
     // The image is the application's: it may have put something else into it since.
     constexpr unsigned int cBytesPerPixel = 4;
     TD_ASSERT(pTexture->getBytesPerPixel() == cBytesPerPixel);
+    // The application may have left another framebuffer to read from.
+    const BoundForReading bound(_screenFrameBufferID);
     glReadPixels(0, 0, pTexture->getWidth(), pTexture->getHeight(), GL_RGBA, GL_UNSIGNED_BYTE, pTexture->getBytes());
     ViewHelper(_pCppView).sendAsyncOnFrameRead(pTexture);
 }
@@ -332,32 +362,48 @@ void GLView::cleanResources()
         ViewHelper(pView).cleanResources();
 }
 
+float GLView::getBackingScale() const
+{
+    return _pSurface != nullptr ? _pSurface->getBackingScale() : gui::Display::getDefaultBackingScaleFactor();
+}
+
+void GLView::setScale(double scale)
+{
+    TD_ASSERT(scale > 0 && std::isfinite(scale));
+    _scale = scale;
+    reDraw();
+}
+
+void GLView::printMe() const { TD_ASSERT(false); }
+
+void GLView::printMeToPDF(const char*) const { TD_ASSERT(false); }
+
 int GLView::getOpenGLVersion(int& minor) const
 {
     minor = _pSurface != nullptr ? _minorVersion : 0;
     return _pSurface != nullptr ? _majorVersion : 0;
 }
 
-// Pointer, keys, focus. The view fills its surface, so a point of the window is a point of the view.
+// Pointer, keys, focus. The view fills its surface: but for its scale, a point of the window is a point of the view.
 
-namespace
+td::Point<double> GLView::toView(const td::Point<double>& windowPoint) const
 {
-
-using gui::InputDevice;
-
-InputDevice pointerRecord(const td::Point<double>& point, unsigned int modifiers, InputDevice::Button button)
-{
-    return {point, point, point, modifiers, InputDevice::Type::Mouse, button};
+    return {windowPoint.x / _scale, windowPoint.y / _scale};
 }
 
-InputDevice clickRecord(const ButtonEvent& event, InputDevice::Button button, unsigned short nClicks)
+InputDevice GLView::pointerRecord(const td::Point<double>& windowPoint, unsigned int modifiers,
+                                  InputDevice::Button button) const
+{
+    const td::Point<double> point = toView(windowPoint);
+    return {point, point, windowPoint, modifiers, InputDevice::Type::Mouse, button};
+}
+
+InputDevice GLView::clickRecord(const ButtonEvent& event, InputDevice::Button button, unsigned short nClicks) const
 {
     InputDevice device = pointerRecord(event.point, event.modifiers, button);
     gui::InputDeviceHelper(&device).setNoOfEvents(nClicks);
     return device;
 }
-
-} // namespace
 
 void GLView::onButton(const ButtonEvent& event)
 {
@@ -369,7 +415,8 @@ void GLView::onButton(const ButtonEvent& event)
     const Busy busy(*this);
     ViewHelper helper(_pCppView);
 
-    // With Control a press counts as the secondary button's only when the left button is not seen down, a release always.
+    // With Control a press counts as the secondary button's only when the left button is not seen down, a release
+    // always.
     const bool isSecondary =
         event.button == ButtonEvent::Button::Right || (isCtrl && !(event.isDown && event.isLeftDown));
     if (isSecondary)
@@ -434,7 +481,10 @@ bool GLView::onWheel(const WheelEvent& event)
     }
     if (event.dx == 0 && event.dy == 0)
         return false;
-    ViewHelper(_pCppView).onScroll(pointerRecord(getWheelScroll(event), event.modifiers, InputDevice::Button::Wheel));
+    // The distance, not a place.
+    const td::Point<double> scroll = getWheelScroll(event);
+    ViewHelper(_pCppView).onScroll(
+        {scroll, scroll, scroll, event.modifiers, InputDevice::Type::Mouse, InputDevice::Button::Wheel});
     return true;
 }
 

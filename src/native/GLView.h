@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FrameRecorder.h"
+
 #include <gui/Cursor.h>
 #include <gui/InputDevice.h>
 #include <gui/gl/Context.h>
@@ -49,7 +51,7 @@ public:
     void sizeChanged() override;
     void scaleChanged() override;
     void drawNow() override;
-    void onFrameTick() override { drawNow(); }
+    void onFrameTick() override;
 
     // The surface's side.
     void onButton(const ButtonEvent& event) override;
@@ -69,6 +71,20 @@ public:
     void setCursor(gui::Cursor::Type type, bool globally);
     void cleanResources();
     int getOpenGLVersion(int& minor) const;
+    float getBackingScale() const;
+    /// Draws a frame and reads it, upright and opaque, before it is presented. @return false when none was drawn
+    bool drawInto(gui::Texture& picture);
+
+    /// The view's own zoom: with a scale of 2 a point of the view is two points of its window. Sizes stay those of the
+    /// window.
+    double getScale() const { return _scale; }
+    /// @param scale  above 0
+    void setScale(double scale);
+    void resetScaling() { _scale = 1; }
+
+    // Not offered: both are programming errors.
+    void printMe() const;
+    void printMeToPDF(const char* fileName) const;
 
     bool hasFrameClock() const { return _hasFrameClock; }
 
@@ -85,6 +101,11 @@ private:
     void tellScale();
     void drawRect(const td::RectNormalized<double>& rect);
     void readGrabbedFrame();
+    td::Point<double> toView(const td::Point<double>& windowPoint) const;
+    gui::InputDevice pointerRecord(const td::Point<double>& windowPoint, unsigned int modifiers,
+                                   gui::InputDevice::Button button) const;
+    gui::InputDevice clickRecord(const ButtonEvent& event, gui::InputDevice::Button button,
+                                 unsigned short nClicks) const;
     void stopAnimation();
     void startAnimation();
     bool has(gui::InputDevice::Event event) const;
@@ -92,6 +113,8 @@ private:
     std::unique_ptr<NativeSurface> _pSurface;
     View* _pCppView; // null after clean-up
     gui::Texture* _pGrabFrameTexture = nullptr;
+    gui::Texture* _pPicture = nullptr; // of the next frame, upright
+    double _scale = 1;
     float _minFPS;
     float _maxFPS;
     unsigned int _screenFrameBufferID = 0;
@@ -106,6 +129,7 @@ private:
     bool _isClosed = false;
     int _nBusy = 0;
     unsigned int _saidGLErrors = 0;
+    FrameRecorder::Recording _recording;
     int _majorVersion = 0;
     int _minorVersion = 0;
     td::Size<double> _size; // the last that the view was told

@@ -4,6 +4,7 @@
 #include "GLView.h"
 #include "Surfaces.h"
 
+#include <gui/Display.h>
 #include <gui/gl/View.h>
 #include <td/Assert.h>
 
@@ -89,6 +90,8 @@ void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, bool globally
         pNative->setCursor(type, globally);
 }
 
+void* getCursor(gui::Cursor::Type type) { return gui::gl::getNativeCursor(type); }
+
 void registerForFocusEvents(const gui::gl::View* pView)
 {
     if (GLView* const pNative = nativeView(pView))
@@ -99,6 +102,48 @@ void setOnDrawCallback(gui::gl::View* pView, gui::Texture* pTexture)
 {
     if (GLView* const pNative = nativeView(pView))
         pNative->setGrabFrameBuffer(pTexture);
+}
+
+float getBackingScale(const gui::gl::View* pView)
+{
+    const GLView* const pNative = nativeView(pView);
+    return pNative != nullptr ? pNative->getBackingScale() : gui::Display::getDefaultBackingScaleFactor();
+}
+
+bool drawInto(gui::gl::View* pView, gui::Texture& picture)
+{
+    GLView* const pNative = nativeView(pView);
+    return pNative != nullptr && pNative->drawInto(picture);
+}
+
+double getScale(const gui::gl::View* pView)
+{
+    const GLView* const pNative = nativeView(pView);
+    return pNative != nullptr ? pNative->getScale() : 1;
+}
+
+void setScale(gui::gl::View* pView, double scale)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->setScale(scale);
+}
+
+void resetScaling(gui::gl::View* pView)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->resetScaling();
+}
+
+void printMe(const gui::gl::View* pView)
+{
+    if (const GLView* const pNative = nativeView(pView))
+        pNative->printMe();
+}
+
+void printMeToPDF(const gui::gl::View* pView, const char* fileName)
+{
+    if (const GLView* const pNative = nativeView(pView))
+        pNative->printMeToPDF(fileName);
 }
 
 } // namespace zav

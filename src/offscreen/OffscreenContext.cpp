@@ -2,6 +2,7 @@
 
 #include "../context/FrameReader.h"
 
+#include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
 #include <vo/Log.h>
 
@@ -249,6 +250,12 @@ bool OffscreenContext::readPixels(gui::Texture& picture)
         return false;
     }
     return readFrame(0, _pImpl->size, picture);
+}
+
+bool OffscreenContext::savePicture(const char* path)
+{
+    gui::Texture picture;
+    return readPixels(picture) && picture.saveToFile(path);
 }
 
 } // namespace gui::gl

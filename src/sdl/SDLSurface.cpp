@@ -16,14 +16,6 @@ namespace gui::gl
 namespace
 {
 
-SDL_Cursor* cursorOf(gui::Cursor::Type type)
-{
-    // Kept to the end of the process, as SDL is.
-    static SDL_Cursor* const pArrow = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_ARROW);
-    static SDL_Cursor* const pPan = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_SIZEALL);
-    return type == gui::Cursor::Type::Pan ? pPan : pArrow;
-}
-
 class SDLSurface : public LoopSurface
 {
 public:
@@ -72,7 +64,7 @@ public:
     {
         // SDL has one pointer for all windows.
         if (_events.isPointerInside())
-            SDL_SetCursor(cursorOf(type));
+            SDL_SetCursor(static_cast<SDL_Cursor*>(getSDLCursor(type)));
     }
 
 private:
@@ -100,6 +92,13 @@ std::unique_ptr<NativeSurface> createSDLSurface(NativeSurfaceClient& client, con
     if (pContext == nullptr)
         return nullptr;
     return std::make_unique<SDLSurface>(client, std::move(pContext));
+}
+
+void* getSDLCursor(gui::Cursor::Type type)
+{
+    static SDL_Cursor* const pArrow = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_ARROW);
+    static SDL_Cursor* const pPan = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_SIZEALL);
+    return type == gui::Cursor::Type::Pan ? pPan : pArrow;
 }
 
 } // namespace gui::gl

@@ -13,4 +13,7 @@ namespace gui::gl
 std::unique_ptr<NativeSurface> createSDLSurface(NativeSurfaceClient& client, const PixelFormat& format,
                                                 const td::Size<double>& size);
 
+/// SDL's cursor of a shape, an SDL_Cursor that is kept to the end of the process, as SDL is.
+void* getSDLCursor(gui::Cursor::Type type);
+
 } // namespace gui::gl

@@ -3,11 +3,11 @@
 #include "ViewHelper.h"
 
 #include <gui/CellInfo.h>
-#include <gui/Display.h>
 #include <gui/Texture.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/port/Zav.h>
 #include <td/Assert.h>
+#include <vo/Log.h>
 
 #include <epoxy/gl.h>
 
@@ -94,7 +94,7 @@ void View::readFrameFrameBuffer(gui::Texture& texture, const std::function<void(
     constexpr int cBytesPerPixel = 4;
     td::Size<double> size;
     getSize(size);
-    const auto scale = static_cast<double>(gui::Display::getDefaultBackingScaleFactor());
+    const auto scale = static_cast<double>(zav::getBackingScale(this));
     const double width = size.width * scale;
     const double height = size.height * scale;
     TD_ASSERT(width <= INT_MAX && height <= INT_MAX && width * height * cBytesPerPixel <= UINT_MAX);
@@ -105,8 +105,19 @@ void View::readFrameFrameBuffer(gui::Texture& texture, const std::function<void(
     gui::TextureHelper helper(&texture);
     helper.reserve(static_cast<unsigned int>(pixelWidth) * static_cast<unsigned int>(pixelHeight) * cBytesPerPixel);
     helper.updateInfo(pixelWidth, pixelHeight, cBytesPerPixel);
+    texture.setOpaque(true);
     zav::setOnDrawCallback(this, &texture);
     reDraw();
+}
+
+bool View::savePicture(const char* path)
+{
+    TD_ASSERT(path != nullptr, false);
+    gui::Texture picture;
+    if (zav::drawInto(this, picture))
+        return picture.saveToFile(path);
+    vo::dbgLog("Error! View::savePicture there is no frame to save: %s", path);
+    return false;
 }
 
 unsigned int View::getObjType() const

@@ -1,5 +1,7 @@
 #include "GLViewFixture.h"
 
+#include <gui/gl/port/Zav.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -245,6 +247,28 @@ TEST_F(GLViewInputTest, Motion)
               "onCursorExited (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1");
     pNative->onMotion({MotionEvent::Kind::Entered, 2, {-3.5, 20}});
     EXPECT_TRUE(journal.said({"cursor 1", "onCursorEntered (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1"}));
+}
+
+TEST_F(GLViewInputTest, AScaleIsTheViewsAlone)
+{
+    RecordingView view(window);
+    GLView* const pNative = show(view);
+    zav::setScale(&view, 2);
+    EXPECT_EQ(zav::getScale(&view), 2);
+    pNative->onButton({cLeft, true, true, 1, 0, {10, 20}});
+    pNative->drawNow();
+    pNative->onFrameTick();
+    EXPECT_TRUE(
+        journal.said({"needs display", "onPrimaryButtonPressed (5, 10) modifiers 0 type 1 button 1 events 1 scale 1",
+                      "onDraw 0 0 100 50", "flush", "onDraw 0 0 200 100", "flush"}));
+    zav::setScale(&view, 0);
+    zav::printMe(&view);
+    zav::printMeToPDF(&view, "view.pdf");
+    EXPECT_TRUE(asserts.caught({"scale > 0 && std::isfinite(scale)", "false", "false"}));
+    EXPECT_EQ(zav::getScale(&view), 2);
+    zav::resetScaling(&view);
+    EXPECT_EQ(zav::getScale(&view), 1);
+    EXPECT_TRUE(journal.said({}));
 }
 
 TEST_F(GLViewInputTest, WheelAndGesture)

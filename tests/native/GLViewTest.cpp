@@ -3,13 +3,12 @@
 #include "toolkit/src/AsyncQueue.h"
 
 #include <gui/Texture.h>
-#include <gui/port/DisplayScale.h>
-#include <vo/Log.h>
 
 #include <epoxy/gl.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -55,16 +54,23 @@ TEST_F(GLViewTest, TheViewIsCompleteInOnInit)
     EXPECT_FALSE(plain.isAnimated());
 }
 
-TEST_F(GLViewTest, AnErrorOfGLIsSaidOncePerKind)
+TEST_F(GLViewTest, ErrorsOfGLAreTheApplicationsUnlessDebugged)
 {
     RecordingView view(window);
-    trace.setErrors({GL_INVALID_ENUM, GL_INVALID_ENUM, GL_OUT_OF_MEMORY});
+    trace.setErrors({GL_INVALID_OPERATION});
     GLView* const pNative = create(view);
-    EXPECT_EQ(log.take(), (Lines{"ERROR! GLView onInit left OpenGL error 500",
-                                 "ERROR! GLView onInit left OpenGL error 505 (out of memory)"}));
+    pNative->drawNow();
+    EXPECT_EQ(glGetError(), unsigned(GL_INVALID_OPERATION)) << "an application that asks later";
+
+    setenv("GUIGL_GL_DEBUG", "1", 1);
+    trace.setErrors({GL_INVALID_ENUM, GL_INVALID_ENUM, GL_OUT_OF_MEMORY});
+    pNative->drawNow();
+    EXPECT_EQ(log.take(), (Lines{"ERROR! GLView onDraw left OpenGL error 500",
+                                 "ERROR! GLView onDraw left OpenGL error 505 (out of memory)"}));
     trace.setErrors({GL_INVALID_VALUE, GL_INVALID_ENUM});
     pNative->drawNow();
     EXPECT_TRUE(log.said("ERROR! GLView onDraw left OpenGL error 501"));
+    unsetenv("GUIGL_GL_DEBUG");
     journal.take();
 }
 
@@ -93,11 +99,6 @@ TEST_F(GLViewTest, CreationThatFailsLeavesNothing)
     EXPECT_FALSE(window.hasSurface);
 
     view.in.clear();
-    trace.setErrors({GL_INVALID_ENUM});
-    vo::setLogSink([&](const char*) { view.release(); });
-    EXPECT_EQ(make(), nullptr);
-    EXPECT_FALSE(window.hasSurface);
-    vo::setLogSink({});
     EXPECT_NE(make(), nullptr);
     view.release();
 
@@ -264,8 +265,8 @@ TEST_F(GLViewTest, NothingIsDrawnIntoNothing)
     EXPECT_TRUE(journal.said({}));
 }
 
-// A view that is made, or goes, inside another one's draw takes the current context with it: the frame must still be read
-// and presented in its own.
+// A view that is made, or goes, inside another one's draw takes the current context with it: the frame must still be
+// read and presented in its own.
 TEST_F(GLViewTest, AFrameEndsInTheContextItBeganIn)
 {
     test::FakeWindow other(journal);
@@ -310,7 +311,7 @@ TEST_F(GLViewTest, AnExceptionInADrawEndsThatFrameOnly)
 
 TEST_F(GLViewTest, AGrabReadsOneFrameAndReplacesOneThatIsNotReadYet)
 {
-    gui::setDefaultBackingScaleFactor(2);
+    window.scale = 2; // the main display's is 1
     RecordingView view(window);
     GLView* const pNative = show(view);
     std::string delivered;
@@ -337,7 +338,6 @@ TEST_F(GLViewTest, AGrabReadsOneFrameAndReplacesOneThatIsNotReadYet)
     pNative->drawNow();
     gui::AsyncQueue::instance().runPending();
     EXPECT_EQ(delivered, "second third fourth ");
-    gui::setDefaultBackingScaleFactor(1);
 }
 
 // The application loads three bytes per pixel into the image that waits for four.

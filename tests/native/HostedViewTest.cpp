@@ -1,7 +1,10 @@
 // A view inside a host that made the context itself, draws it into framebuffers of its own, another one for each frame,
 // and presents them when it likes.
+#include "support/CapturedLog.h"
 #include "support/OffscreenGL.h"
+#include "toolkit/src/AsyncQueue.h"
 
+#include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/View.h>
 #include <gui/gl/port/Zav.h>
@@ -11,7 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdio>
 #include <memory>
+#include <string>
 
 namespace
 {
@@ -80,6 +85,7 @@ class DetourView : public gui::gl::View
 public:
     GLuint detour = 0;
     td::ColorID color = td::ColorID::Red;
+    bool isBlended = false; ///< whether its upper half is blue, with half an alpha
 
 protected:
     void onInit() override { glGenFramebuffers(1, &detour); }
@@ -89,9 +95,27 @@ protected:
         activateScreenFB();
         Context::clear(color);
         Context::clear(Context::Clear::Color);
+        if (!isBlended)
+            return;
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(0, cSize.height / 2, cSize.width, cSize.height / 2);
+        glClearColor(0, 0, 1, 0.5f);
+        Context::clear(Context::Clear::Color);
+        glDisable(GL_SCISSOR_TEST);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, 0); // what it has read from itself
     }
     void cleanResources() override { glDeleteFramebuffers(1, &detour); }
 };
+
+NativeSurfaceClient* showIn(Host& host, DetourView& view)
+{
+    NativeSurfaceClient* const pNative = zav::createGLView(
+        &view, nullptr, {},
+        {gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41},
+        [&host](auto&, auto&, auto&) { return std::make_unique<HostedSurface>(host); });
+    pNative->enteredWindow();
+    return pNative;
+}
 
 using HostedViewTest = test::OffscreenGL;
 
@@ -102,12 +126,7 @@ TEST_F(HostedViewTest, EachFrameGoesIntoTheFramebufferOfThatFrame)
     gui::gl::OffscreenContext other({8, 8}, Context(gui::gl::DepthBuffer::Size::None,
                                                     gui::gl::StencilBuffer::Size::None, Context::Profile::Core41));
     DetourView view;
-    NativeSurfaceClient* const pNative = zav::createGLView(
-        &view, nullptr, {},
-        {gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41},
-        [&host](auto&, auto&, auto&) { return std::make_unique<HostedSurface>(host); });
-    ASSERT_NE(pNative, nullptr);
-    pNative->enteredWindow();
+    NativeSurfaceClient* const pNative = showIn(host, view);
     EXPECT_EQ(view.getPixelHiDPIScale(), 2);
     EXPECT_GE(host.nRequests, 1);
 
@@ -127,6 +146,49 @@ TEST_F(HostedViewTest, EachFrameGoesIntoTheFramebufferOfThatFrame)
     pNative->windowClosed();
     host.paint(*pNative);
     EXPECT_TRUE(context().makeCurrent()) << "the host's context is the host's";
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glDeleteFramebuffers(2, host.framebuffers.data());
+    glDeleteTextures(2, host.textures.data());
+}
+
+// A picture is of the frame's own framebuffer, upright, and without holes where something was blended.
+TEST_F(HostedViewTest, PicturesAreWholeAndUpright)
+{
+    Host host(context());
+    DetourView view;
+    view.isBlended = true;
+    NativeSurfaceClient* const pNative = showIn(host, view);
+    gui::Texture frame;
+    bool isDelivered = false;
+    view.readFrameFrameBuffer(frame, [&] { isDelivered = true; });
+    host.paint(*pNative);
+    gui::AsyncQueue::instance().runPending();
+    EXPECT_TRUE(isDelivered);
+    ASSERT_EQ(frame.getHeight(), cSize.height);
+    const td::BYTE* const pTop = frame.getBytes() + std::size_t(frame.getWidth() * (frame.getHeight() - 1) * 4);
+    EXPECT_EQ(frame.getBytes()[0], 255) << "red, the first row is the bottom";
+    EXPECT_EQ(pTop[2], 255) << "blue";
+    EXPECT_NEAR(pTop[3], 128, 1);
+
+    const std::string path = testing::TempDir() + "hosted-view.png";
+    gui::Texture saved;
+    const auto load = [&](bool isSaved) { return isSaved && saved.loadFromFile(path.c_str()); };
+    ASSERT_TRUE(load(frame.saveToFile(path.c_str())));
+    EXPECT_EQ(saved.getBytesPerPixel(), 3u);
+    frame.setOpaque(false);
+    ASSERT_TRUE(load(frame.saveToFile(path.c_str())));
+    EXPECT_EQ(saved.getBytesPerPixel(), 4u);
+    ASSERT_TRUE(load(view.savePicture(path.c_str())));
+    EXPECT_EQ(saved.getBytesPerPixel(), 3u);
+    EXPECT_EQ(saved.getBytes()[2], 255) << "blue above";
+    ASSERT_TRUE(load(context().savePicture(path.c_str())));
+    EXPECT_EQ(saved.getWidth(), context().getSize().width);
+    pNative->windowClosed();
+    test::CapturedLog log;
+    EXPECT_FALSE(view.savePicture(path.c_str()));
+    EXPECT_TRUE(log.said("Error! View::savePicture there is no frame to save: " + path));
+    std::remove(path.c_str());
+    context().makeCurrent();
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glDeleteFramebuffers(2, host.framebuffers.data());
     glDeleteTextures(2, host.textures.data());

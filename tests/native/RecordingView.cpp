@@ -1,5 +1,7 @@
 #include "RecordingView.h"
 
+#include <gui/gl/port/Zav.h>
+
 #include <cstdio>
 
 namespace test
@@ -41,7 +43,8 @@ bool RecordingView::note(const std::string& name, const gui::InputDevice& device
     const bool isUsedUp = handles;
     const td::Point<double>& point = device.getFramePoint();
     EXPECT_EQ(device.getContentPoint(), point);
-    EXPECT_EQ(device.getWindowPoint(), point);
+    const double scale = zav::getScale(this);
+    EXPECT_EQ(device.getWindowPoint(), td::Point<double>(point.x * scale, point.y * scale));
     note(name, formatted(" (%g, %g) modifiers %u type %d button %d events %d scale %g", point.x, point.y,
                          device.getKeyboardModifiers(), static_cast<int>(device.getType()),
                          static_cast<int>(device.getButton()), device.getNoOfEvents(), device.getScale()));

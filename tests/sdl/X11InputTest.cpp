@@ -117,7 +117,8 @@ TEST_F(X11InputTest, WheelScrollsAndZooms)
 
 TEST_F(X11InputTest, KeysFollowTheLayout)
 {
-    // Key codes of the server, that is positions: 24 'q', 29 'y', 38 'a', 20 '-', 21 '=', 34 '[', 35 ']', 47 ';', 108 AltGr.
+    // Key codes of the server, that is positions: 24 'q', 29 'y', 38 'a', 20 '-', 21 '=', 34 '[', 35 ']', 47 ';', 108
+    // AltGr.
     struct Case
     {
         const char* layout;

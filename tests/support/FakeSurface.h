@@ -60,8 +60,8 @@ struct FakeWindow
 };
 
 /// A surface on no window system, with a context that is current when it says so. It notes: "needs display", "flush",
-/// "cursor 3", "clock 30 60", "clock stops", "surface gone"; and it complains there when its context is not current where it
-/// has to be.
+/// "cursor 3", "clock 30 60", "clock stops", "surface gone"; and it complains there when its context is not current
+/// where it has to be.
 class FakeSurface : public gui::gl::NativeSurface
 {
 public:

@@ -53,6 +53,10 @@ public:
     /// @return false, with a log line and the texture unchanged, when the context is not ok or memory is short
     bool readPixels(gui::Texture& picture);
 
+    /// Saves the picture drawn so far as a PNG file, upright and opaque.
+    /// @return false, with a log line, when it could not be read or written
+    [[nodiscard]] bool savePicture(const char* path);
+
 private:
     struct Impl;
     std::unique_ptr<Impl> _pImpl;

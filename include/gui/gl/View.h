@@ -63,7 +63,7 @@ public:
     bool isContRenderMode() const { return _isContRenderMode; }
 
     /// Frames follow the display's clock from now on, at once when the view is in a window, else as soon as it enters
-    /// one. prepareNextFrame is asked before each.
+    /// one; before createContext as well. prepareNextFrame is asked before each.
     void startAnimation();
     void stopAnimation();
     bool isAnimated() const { return _isContRenderMode; }
@@ -91,10 +91,18 @@ public:
 
     /// Reads the next frame that is drawn into an image: 4 bytes per pixel, the size of the view in device pixels, the
     /// first row the bottom one. It asks for a redraw; a hidden view is read when it is next drawn. A second call
-    /// before then takes the place of the first.
+    /// before then takes the place of the first. The image counts as opaque when it is saved, since what blending
+    /// leaves of the alpha means nothing: see gui::Texture::setOpaque.
     /// @param texture   resized at once and filled later; must live until the callback is called
     /// @param callback  called once, from the run loop, after the frame was presented; must not be empty
     void readFrameFrameBuffer(gui::Texture& texture, const std::function<void()>& callback);
+
+    /// Draws a frame now, and saves it as a PNG file, upright and opaque, in device pixels. Not from inside onDraw.
+    /// @return true when the file was written. Otherwise a line says why: the file's ("ERROR! Texture::saveToFile
+    ///         cannot save file: PATH (CAUSE)"), or, when there was no frame ("Error! View::savePicture there is no
+    ///         frame to save: PATH"), because createContext was not called, the context is lost, or a draw is under
+    ///         way.
+    [[nodiscard]] bool savePicture(const char* path);
 
     /// Device pixels per point of the window the view is in; 1 before it was in one.
     float getPixelHiDPIScale() const { return _pixelHiDPIScale; }

@@ -14,8 +14,8 @@ namespace gui::gl
 {
 
 /// What a GL view draws into, with its context: what a window system, or another toolkit with widgets of its own,
-/// implements to show views. One is made for each view, and destroyed when the view or its window goes. A surface reports
-/// input to its client and decides nothing.
+/// implements to show views. One is made for each view, and destroyed when the view or its window goes. A surface
+/// reports input to its client and decides nothing.
 ///
 /// The default framebuffer may have any name and may change it from frame to frame, the surface may present by itself,
 /// and its context may be made by somebody else: a view can then live inside another toolkit's widget. GUI thread only.
@@ -33,7 +33,8 @@ public:
     virtual td::Size<int> getDrawableSize() const = 0; ///< device pixels
     /// The GL name of the framebuffer that is presented. The context is current.
     virtual unsigned int getDefaultFramebuffer() const = 0;
-    /// Asks for a drawNow of the client at the next opportunity, and returns at once; several requests before it are one.
+    /// Asks for a drawNow of the client at the next opportunity, and returns at once; several requests before it are
+    /// one.
     virtual void setNeedsDisplay() = 0;
 
     /// The window that gui::Window adopts; null when the surface has none to give away.
@@ -42,8 +43,8 @@ public:
     virtual bool followWindow() { return makeCurrent(); }
     /// Shows a pointer shape, while the pointer is over this surface, from now on.
     virtual void setCursor(gui::Cursor::Type) {}
-    /// Calls the client's onFrameTick at the display's rate, or, when the range is one (both above 0, the maximum not below
-    /// the minimum), at a rate within it, in frames per second; see gui::RunLoop::startFrameClock for which.
+    /// Calls the client's onFrameTick at the display's rate, or, when the range is one (both above 0, the maximum not
+    /// below the minimum), at a rate within it, in frames per second; see gui::RunLoop::startFrameClock for which.
     virtual void startFrameClock(float /*minFPS*/, float /*maxFPS*/) {}
     virtual void stopFrameClock() {}
 };

@@ -10,8 +10,9 @@
 namespace gui::gl
 {
 
-/// The native side of a GL view, as its surface and its host see it: a gui::NativeView that takes input, with one operation
-/// for each kind of event. Which kinds reach the view, and as what, is decided behind it. The library implements it.
+/// The native side of a GL view, as its surface and its host see it: a gui::NativeView that takes input, with one
+/// operation for each kind of event. Which kinds reach the view, and as what, is decided behind it. The library
+/// implements it.
 ///
 /// What the view's code does in there may end the view and its surface with it: nothing of the surface is to be touched
 /// behind such a call without a look whether it is still there. GUI thread only.
@@ -34,7 +35,8 @@ public:
     /// Whether the view takes keys.
     virtual bool acceptsFirstResponder() const = 0;
     /// Which pointer events the view wants, as bits: 0x04 cursor updates, 0x80 always active and 0x200 over what is
-    /// visible, these always; 0x02 motion; 0x01 entering and leaving. A surface that gets them all anyway need not care.
+    /// visible, these always; 0x02 motion; 0x01 entering and leaving. A surface that gets them all anyway need not
+    /// care.
     virtual std::uint64_t getTrackingOptions() const = 0;
 
 protected:

@@ -6,9 +6,9 @@
 namespace gui::gl
 {
 
-// What a surface reports to the view that draws into it. Points are in points of the window's content: the origin at the
-// top left, y downwards. Modifiers are masks of gui::KeyModifier bits, taken when the event arrived and not when it is
-// handled.
+// What a surface reports to the view that draws into it. Points are in points of the window's content: the origin at
+// the top left, y downwards. Modifiers are masks of gui::KeyModifier bits, taken when the event arrived and not when it
+// is handled.
 
 /// A button of the pointer went down or up. Other buttons than these two are nobody's.
 struct ButtonEvent

@@ -36,11 +36,11 @@ GUIGL_API gui::NativeObject* createGLView(gui::gl::View* pView, const td::PointA
                                           const std::initializer_list<gui::InputDevice::Event>& events,
                                           const gui::gl::Context& context);
 
-/// The same on a surface of the caller's: a view in a widget of another toolkit, with that toolkit's context, framebuffer
-/// and loop. The view has the native view as its handle afterwards. The host calls enteredWindow when the widget is shown,
-/// sizeChanged and scaleChanged after changes, drawNow and onFrameTick to have a frame drawn, the operations for events,
-/// leftWindow when the widget is hidden, and windowClosed while the context still lives. The view goes on without a native
-/// side after that, and may be deleted before or after.
+/// The same on a surface of the caller's: a view in a widget of another toolkit, with that toolkit's context,
+/// framebuffer and loop. The view has the native view as its handle afterwards. The host calls enteredWindow when the
+/// widget is shown, sizeChanged and scaleChanged after changes, drawNow and onFrameTick to have a frame drawn, the
+/// operations for events, leftWindow when the widget is hidden, and windowClosed while the context still lives. The
+/// view goes on without a native side after that, and may be deleted before or after.
 /// @return the native view, which the view's handle owns; null when the factory gave no surface
 GUIGL_API gui::gl::NativeSurfaceClient* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,
                                                      const std::initializer_list<gui::InputDevice::Event>& events,
@@ -66,10 +66,37 @@ GUIGL_API int getOpenGLVersion(const gui::gl::View* pView, int& minor);
 /// @param globally  whether it shows at once, while the pointer is over the view
 GUIGL_API void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, bool globally);
 
+/// The window system's own cursor of a shape: an SDL_Cursor on X11 and Wayland, kept to the end of the process; null
+/// where there is no pointer.
+GUIGL_API void* getCursor(gui::Cursor::Type type);
+
 /// Focus changes are delivered from now on.
 GUIGL_API void registerForFocusEvents(const gui::gl::View* pView);
 
 /// The next frame is read into this image.
 GUIGL_API void setOnDrawCallback(gui::gl::View* pView, gui::Texture* pTexture);
+
+/// Draws a frame now and reads it, upright (the first row is the top), 3 bytes per pixel, before it is presented.
+/// @return false, with the picture unchanged, when none was drawn: no native view, a lost context, no area, or a draw
+///         of the view that is under way already
+GUIGL_API bool drawInto(gui::gl::View* pView, gui::Texture& picture);
+
+/// Device pixels per point of what the view draws into; of the main display without a native view.
+GUIGL_API float getBackingScale(const gui::gl::View* pView);
+
+/// The view's own zoom, a scale of its coordinates: with 2, a point of the view is two points of its window. It changes
+/// the points of pointer records that are in the view, and the rectangle that a redraw is for; what is drawn is the
+/// view's business, and sizes stay those of the window. 1 at first, and without a native view.
+GUIGL_API double getScale(const gui::gl::View* pView);
+/// Sets it and asks for a redraw. @param scale  a scale of 0 or below, or one that is not finite, is misuse
+///                                             ("scale > 0 && std::isfinite(scale)") and changes nothing
+GUIGL_API void setScale(gui::gl::View* pView, double scale);
+/// Back to 1, without a redraw.
+GUIGL_API void resetScaling(gui::gl::View* pView);
+
+/// A GL view can't be printed: this is a programming error ("false"). Save a picture instead.
+GUIGL_API void printMe(const gui::gl::View* pView);
+/// As printMe.
+GUIGL_API void printMeToPDF(const gui::gl::View* pView, const char* fileName);
 
 } // namespace zav

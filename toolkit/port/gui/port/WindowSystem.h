@@ -11,9 +11,9 @@ namespace gui
 class NativeView;
 class RunLoop;
 
-/// A top-level window of a window system, behind gui::Window. It tells the native view that is in it what becomes of it:
-/// enteredWindow at the end of show, sizeChanged, scaleChanged, and drawNow through the run loop when it was uncovered.
-/// When the user closes it, it calls close() of the view's gui::Window.
+/// A top-level window of a window system, behind gui::Window. It tells the native view that is in it what becomes of
+/// it: enteredWindow at the end of show, sizeChanged, scaleChanged, and drawNow through the run loop when it was
+/// uncovered. When the user closes it, it calls close() of the view's gui::Window.
 class WindowPeer
 {
 public:
@@ -39,8 +39,8 @@ class GUIGL_API WindowSystem
 public:
     virtual ~WindowSystem() = default;
 
-    /// The one in use. It is chosen at the first call, and logged; the environment variable GUIGL_WINDOW_SYSTEM overrides
-    /// the choice with a name of the table. One that does not start gives way to the next.
+    /// The one in use. It is chosen at the first call, and logged; the environment variable GUIGL_WINDOW_SYSTEM
+    /// overrides the choice with a name of the table. One that does not start gives way to the next.
     static WindowSystem& instance();
 
     /// As in the table: the native view looks up its surface by it.
