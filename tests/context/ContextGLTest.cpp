@@ -1,8 +1,8 @@
-#include "support/FullScreen.h"
 #include "support/OffscreenGL.h"
 
 #include <gui/gl/Context.h>
 #include <gui/gl/CurrentContext.h>
+#include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
@@ -22,12 +22,47 @@ using gui::gl::Blend;
 using gui::gl::Context;
 using gui::gl::DepthBuffer;
 using gui::gl::StencilBuffer;
-using test::FullScreen;
 using test::Pixel;
 
 constexpr const char* cWhite = R"(#version 330 core
 out vec4 color;
 void main() { color = vec4(1.0); })";
+
+/// Covers the picture with one triangle whose pixels a fragment shader colours.
+class FullScreen : public gui::gl::Program
+{
+public:
+    explicit FullScreen(const char* fragmentShader)
+    {
+        EXPECT_TRUE(link(R"(#version 330 core
+uniform float depth;
+uniform float scale;
+void main()
+{
+    vec2 corner = vec2(gl_VertexID & 1, gl_VertexID >> 1) * 4.0 - 1.0;
+    gl_Position = vec4(corner * scale, depth, 1.0);
+})",
+                         fragmentShader));
+        glGenVertexArrays(1, &_vertexArray);
+    }
+    ~FullScreen() { glDeleteVertexArrays(1, &_vertexArray); }
+
+    void onLinked() override {}
+
+    /// @param depth  of all pixels, -1 to 1
+    /// @param scale  1 covers the picture; 0.3 puts the corners at (-0.3, -0.3), (0.9, -0.3) and (-0.3, 0.9)
+    void draw(float depth = 0, float scale = 1)
+    {
+        activate();
+        setUniformValue(static_cast<unsigned int>(getUniformLocation("depth")), depth);
+        setUniformValue(static_cast<unsigned int>(getUniformLocation("scale")), scale);
+        glBindVertexArray(_vertexArray);
+        glDrawArrays(GL_TRIANGLES, 0, 3);
+    }
+
+private:
+    GLuint _vertexArray = 0;
+};
 
 class ContextGLTest : public test::OffscreenGL
 {
@@ -56,7 +91,7 @@ protected:
 
 TEST_F(ContextGLTest, DepthFunctionsPassWhatTheirNamesSay)
 {
-    const FullScreen white(cWhite);
+    FullScreen white(cWhite);
     Context::enable(Context::Flag::DepthTest);
     // nearer than, as far as, farther than what is there
     const std::string cPasses[] = {"111", "000", "100", "010", "110", "001", "101", "011"};
@@ -85,7 +120,7 @@ TEST_F(ContextGLTest, DepthFunctionsPassWhatTheirNamesSay)
 
 TEST_F(ContextGLTest, StencilFunctionsPassWhatTheirNamesSay)
 {
-    const FullScreen white(cWhite);
+    FullScreen white(cWhite);
     Context::enable(Context::Flag::StencilTest);
     glClearStencil(5);
     // reference 4, 5 and 6 compared with 5
@@ -106,7 +141,7 @@ TEST_F(ContextGLTest, StencilFunctionsPassWhatTheirNamesSay)
 
 TEST_F(ContextGLTest, StencilOperationsDoWhatTheirNamesSayInEachPlace)
 {
-    const FullScreen white(cWhite);
+    FullScreen white(cWhite);
     Context::enable(Context::Flag::StencilTest);
     Context::enable(Context::Flag::DepthTest);
     struct Case
@@ -158,7 +193,7 @@ Color alphaOf(const Color& c) { return {c[3], c[3], c[3], c[3]}; }
 
 TEST_F(ContextGLTest, BlendFactorsMultiplyByWhatTheirNamesSay)
 {
-    const FullScreen source(R"(#version 330 core
+    FullScreen source(R"(#version 330 core
 layout(location = 0, index = 0) out vec4 color;
 layout(location = 0, index = 1) out vec4 color1;
 void main()
@@ -171,28 +206,16 @@ void main()
     const Color dst{204 / 255., 153 / 255., 51 / 255., 102 / 255.};
     const Color constant{0.25, 0.5, 0.75, 0.4};
     const double saturated = std::min(src[3], 1 - dst[3]);
-    const Color factors[] = {{0, 0, 0, 0},
-                             {1, 1, 1, 1},
-                             src,
-                             oneMinus(src),
-                             dst,
-                             oneMinus(dst),
-                             alphaOf(src),
-                             oneMinus(alphaOf(src)),
-                             alphaOf(dst),
-                             oneMinus(alphaOf(dst)),
-                             constant,
-                             oneMinus(constant),
-                             alphaOf(constant),
-                             oneMinus(alphaOf(constant)),
-                             {saturated, saturated, saturated, 1},
-                             src1,
-                             oneMinus(src1),
-                             alphaOf(src1),
-                             oneMinus(alphaOf(src1))};
+    const Color zero{}, one{1, 1, 1, 1}, saturate{saturated, saturated, saturated, 1};
+    std::vector<Color> factors{zero, one};
+    for (const Color& color : {src, dst, alphaOf(src), alphaOf(dst), constant, alphaOf(constant)})
+        factors.insert(factors.end(), {color, oneMinus(color)});
+    factors.push_back(saturate);
+    for (const Color& color : {src1, alphaOf(src1)})
+        factors.insert(factors.end(), {color, oneMinus(color)});
     Context::enable(Context::Flag::Blend);
     glBlendColor(0.25f, 0.5f, 0.75f, 0.4f);
-    for (std::size_t value = 0; value < std::size(factors); ++value)
+    for (std::size_t value = 0; value < factors.size(); ++value)
     {
         for (const bool isSource : {true, false})
         {
@@ -214,7 +237,7 @@ void main()
 
 TEST_F(ContextGLTest, PolygonModesFillOutlineAndDot)
 {
-    const FullScreen white(cWhite);
+    FullScreen white(cWhite);
     int nLit[3] = {};
     bool isInsideLit[3] = {};
     for (unsigned char value = 0; value < 3; ++value)

@@ -8,6 +8,8 @@
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
 
+#include <epoxy/gl.h>
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -105,6 +107,15 @@ TEST_F(CurrentContextTest, DyingWhileCurrentLeavesNoneCurrent)
     CurrentContext::died(nullptr);
     CurrentContext::set(&a);
     EXPECT_NE(CurrentContext::getID(), first); // a new context, though at the same address
+}
+
+// Without this the checks of every other test on a null GL could be asleep.
+TEST_F(CurrentContextTest, TheNullGLKnowsWhichNamesLive)
+{
+    const GLuint names[] = {1};
+    EXPECT_NONFATAL_FAILURE(glDeleteBuffers(1, names), "glDeleteBuffers: buffer 1 is not alive");
+    EXPECT_NE(glCreateProgram(), 0u);
+    EXPECT_FALSE(trace.nothingAlive());
 }
 
 // Sent without a program of this context in use, colours and matrices would go nowhere, or to a neighbour's program.

@@ -4,7 +4,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/Pinning.h"
-#include "support/RefusingGL.h"
+#include "support/GLTrace.h"
 
 #include <gallery/Scenes.h>
 #include <gallery/Stage.h>
@@ -152,6 +152,7 @@ protected:
     /// may be refused
     unsigned int lose(const SceneInfo& info)
     {
+        gl.record(false);
         gl.refuseNth(0);
         SceneView view(info);
         view.create();
@@ -162,7 +163,7 @@ protected:
             eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
             gui::gl::CurrentContext::set(nullptr);
             const auto loaded = std::exchange(epoxy_eglMakeCurrent, &refuseCurrent);
-            const unsigned long nBefore = gl.nCalls();
+            gl.record(true);
             for (int i = 0; i < 3; ++i)
             {
                 view.reRender();
@@ -170,10 +171,12 @@ protected:
             }
             EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot be made current (EGL error 3000)"));
             view.release();
-            EXPECT_EQ(gl.nCalls(), nBefore) << "a call without a context";
+            EXPECT_TRUE(gl.only({})) << "a call without a context";
+            gl.record(false);
             epoxy_eglMakeCurrent = loaded;
         }
-        gl.forgetNames();
+        gl.destroy(gl.current());
+        gl.makeCurrent(1);
         gl.refuseNth(0);
         view.create();
         EXPECT_TRUE(draw(view) == pixels);
@@ -182,7 +185,7 @@ protected:
         return nRefusable;
     }
 
-    test::RefusingGL gl;
+    test::GLTrace gl{test::GLTrace::Forward};
     test::CapturedLog log;
     gui::Application app{0, nullptr};
     std::vector<std::string> asserts;
@@ -224,7 +227,7 @@ TEST_F(Refusal, WithoutAContextThereIsNoViewAndNoCall)
     EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot create an OpenGL 4.1 core context (EGL error 3000)"));
     view.reRender();
     app.step(0);
-    EXPECT_EQ(gl.nCalls(), 0U);
+    EXPECT_TRUE(gl.only({}));
     for (const std::string& condition : std::exchange(asserts, {}))
         EXPECT_EQ(condition, "_handle != nullptr");
     epoxy_eglCreateContext = loaded;

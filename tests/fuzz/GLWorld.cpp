@@ -3,6 +3,7 @@
 #include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -13,10 +14,15 @@ namespace
 {
 
 using gui::gl::Buffer;
+using gui::gl::Command;
+using gui::gl::CommandList;
 using gui::gl::CurrentContext;
 using gui::gl::DataType;
+using gui::gl::Primitive;
 using gui::gl::Textures;
-using Kind = test::StrictGL::Kind;
+using Kind = test::GLTrace::Kind;
+
+constexpr char cTextureIndex = 2; // of textured commands
 
 gui::Texture imageOf(int width, int height, unsigned short bytesPerPixel)
 {
@@ -87,13 +93,9 @@ void GLWorld::check()
         require(false, "every GL call is right");
     }
     for (const BufferSlot& slot : _buffers)
-    {
         require(slot.object->isCommitted() == slot.isCommitted, "a buffer's state");
-        require(slot.object->getVertices().size() == slot.nFloats, "a buffer's vertices");
-        require(slot.object->getNoOfIndices() == slot.nIndices, "a buffer's indices");
-    }
     for (std::size_t i = 0; i <= _buffers.size(); ++i)
-        require(listOf(i).size() == plainListOf(i).commands.size(), "a list's commands");
+        require(listOf(i).size() == plainListOf(i).n, "a list's commands");
 }
 
 // The objects go in any context or none; what they leave is deleted when its context is current again.
@@ -117,8 +119,6 @@ void GLWorld::end()
 
 void GLWorld::makeCurrent(unsigned int context)
 {
-    if (context != _current)
-        _pActive = nullptr;
     _current = context;
     _isAlive[context] = true;
     _gl.makeCurrent(context);
@@ -128,10 +128,7 @@ void GLWorld::makeCurrent(unsigned int context)
 void GLWorld::endContext(unsigned int context)
 {
     if (context == _current)
-    {
-        _pActive = nullptr;
         _current = 0;
-    }
     _isAlive[context] = false;
     CurrentContext::died(&_handles[context]);
     _gl.destroy(context);
@@ -157,17 +154,10 @@ void GLWorld::changeContext(Input& input)
         makeCurrent(what);
     else if (what == 4)
         endContext(1 + input.below(cContexts));
-    else if (what == 5)
-        deactivate();
+    else if (what == 5 && _current != 0)
+        gui::gl::Program::useNone();
     else
         _gl.refuseNth(1 + input.below(5));
-}
-
-void GLWorld::deactivate()
-{
-    if (_current != 0)
-        gui::gl::Program::useNone();
-    _pActive = nullptr;
 }
 
 void GLWorld::changeBuffer(Input& input)
@@ -178,9 +168,12 @@ void GLWorld::changeBuffer(Input& input)
     case 0:
         return initBuffer(slot, input);
     case 1:
-        return emptyBuffer(slot), slot.object->reset();
+        slot.isCommitted = false;
+        slot.list = {};
+        return slot.object->reset();
     case 2:
-        emptyBuffer(slot);
+        slot.isCommitted = false;
+        slot.list = {};
         slot.context = 0;
         return slot.object->release();
     case 3:
@@ -195,13 +188,6 @@ void GLWorld::changeBuffer(Input& input)
     }
 }
 
-void GLWorld::emptyBuffer(BufferSlot& slot)
-{
-    slot.list = {};
-    slot.nFloats = slot.nIndices = 0;
-    slot.isCommitted = false;
-}
-
 void GLWorld::initBuffer(BufferSlot& slot, Input& input)
 {
     Buffer& buffer = *slot.object;
@@ -210,7 +196,6 @@ void GLWorld::initBuffer(BufferSlot& slot, Input& input)
         return;
     const std::size_t nCommands = input.below(3), nIndices = input.below(3);
     bool isDone = false;
-    std::size_t nVertexFloats = 2, nInstanceFloats = slot.nInstanceFloats;
     switch (input.below(4))
     {
     case 0:
@@ -218,24 +203,16 @@ void GLWorld::initBuffer(BufferSlot& slot, Input& input)
         break;
     case 1:
         isDone = buffer.init(nCommands, 0, nIndices, {DataType::Vec3, DataType::Vec4});
-        nVertexFloats = 7;
         break;
     case 2:
         isDone = buffer.init(nCommands, 1, nIndices, 3, {DataType::Vec2}, {DataType::Vec4, DataType::Float}, {1, 2});
-        nInstanceFloats = 5;
         break;
     default:
-        require(!buffer.init(1, 1, 1, {}), "no layout is refused");
-        return;
+        return require(!buffer.init(1, 1, 1, {}), "no layout is refused");
     }
     require(isDone, "a layout is accepted");
-    slot.nVertexFloats = nVertexFloats;
-    slot.nInstanceFloats = nInstanceFloats;
-    slot.nFloats = 0;
     if (nCommands > 0)
         slot.list = {};
-    if (nIndices > 0)
-        slot.nIndices = 0;
 }
 
 void GLWorld::appendTo(BufferSlot& slot, Input& input)
@@ -244,8 +221,7 @@ void GLWorld::appendTo(BufferSlot& slot, Input& input)
     const std::vector<float> floats(8 * 7, 0.5f);
     const unsigned int indices[] = {0, 1, 2, 1, 0, 2, 0, 1};
     const unsigned int what = input.below(8), n = input.below(8);
-    const bool isOpen = !slot.isCommitted && slot.nVertexFloats > 0;
-    const bool takesPoints = isOpen && 2 % slot.nVertexFloats == 0;
+    const bool holdsPoints = buffer.getVertexStride() == 2 * sizeof(float);
     if (what == 0)
         buffer.appendIndices(indices, n);
     else if (what == 1)
@@ -258,18 +234,10 @@ void GLWorld::appendTo(BufferSlot& slot, Input& input)
         buffer.appendVertex({1, 2});
     else if (what == 5)
         buffer.appendInstances(floats.data(), n);
-    else if (what == 6 && takesPoints)
+    else if (what == 6 && holdsPoints)
         buffer.insertVertex(n, {3, 4});
-    else if (what == 7 && takesPoints && slot.nFloats > 2 * n)
+    else if (what == 7 && holdsPoints && n < buffer.getNoOfVertices())
         buffer.updateVertex(n, {5, 6});
-    if (what < 2 && !slot.isCommitted)
-        slot.nIndices += what == 0 ? n : 1;
-    if (what == 2 && isOpen)
-        slot.nFloats += n * slot.nVertexFloats;
-    if (what == 3 && isOpen && n % slot.nVertexFloats == 0)
-        slot.nFloats += n;
-    if ((what == 4 || what == 6) && takesPoints)
-        slot.nFloats += 2;
 }
 
 void GLWorld::commit(BufferSlot& slot)
@@ -284,7 +252,7 @@ void GLWorld::commit(BufferSlot& slot)
     if (_gl.nAlive(_current, Kind::VertexArray) > nBefore || (isDone && slot.context == 0))
         slot.context = _current;
     if (slot.isCommitted)
-        slot.nIndicesInGL = slot.nIndices;
+        slot.nIndicesInGL = slot.object->getNoOfIndices();
 }
 
 void GLWorld::changeProgram(Input& input)
@@ -293,18 +261,13 @@ void GLWorld::changeProgram(Input& input)
     const unsigned int what = input.below(6);
     if (what < 3)
     {
-        if (_pActive == &slot)
-            deactivate();
         slot.object->release();
-        slot.uniforms.clear();
         const bool isLinked = what > 0 && slot.object->link("vertex", "fragment", what == 1 ? "geometry" : nullptr);
         slot.context = isLinked ? _current : 0;
         require(!isLinked || _current != 0, "nothing is linked without a context");
     }
     else if (what == 3)
     {
-        if (_pActive == &slot)
-            deactivate();
         std::destroy_at(&slot);
         std::construct_at(&slot)->object.emplace();
     }
@@ -357,6 +320,130 @@ void GLWorld::append(TextureSlot& slot, Input& input)
     require(mayBe || (!isDone && textures.size() == before), "textures of one context make a set");
     if (mayBe && textures.size() > 0)
         slot.context = _current;
+}
+
+CommandList& GLWorld::listOf(std::size_t i) { return i < 3 ? _buffers[i].object->getCommandList() : *_list; }
+
+GLWorld::PlainList& GLWorld::plainListOf(std::size_t i) { return i < 3 ? _buffers[i].list : _plainList; }
+
+void GLWorld::changeCommand(Input& input)
+{
+    const std::size_t i = input.below(4);
+    CommandList& list = listOf(i);
+    PlainList& plain = plainListOf(i);
+    const unsigned int what = input.below(10);
+    if (what < 5)
+    {
+        plain.pLast = list.get();
+        ++plain.n;
+        create(*plain.pLast, input);
+    }
+    else if (what == 5)
+        list.encode();
+    else if (what == 6 && plain.pLast != nullptr)
+        decorate(*plain.pLast, input);
+    else if (what == 8 || (what == 7 && plain.pLast != nullptr && !list.encode(plain.pLast)))
+    {
+        if (what == 8)
+            list.remove(nullptr);
+        plain.n -= plain.n > 0 ? 1 : 0;
+        plain.pLast = nullptr;
+    }
+    else if (what == 9)
+    {
+        plain = {};
+        const unsigned int how = input.below(3);
+        if (how == 0)
+            list.reset();
+        else if (how == 1)
+            list.release();
+        else
+            list.reserve(input.below(5));
+    }
+    if (plain.pLast == nullptr)
+        return;
+    const Command::Type type = plain.pLast->getType();
+    plain.isIndexed |= type == Command::Type::DrawElements || type == Command::Type::DrawElementsInstanced ||
+                       type == Command::Type::DrawElementPoints || type == Command::Type::DrawElementPatches;
+    plain.isTextured |= plain.pLast->getDrawSubType() == Command::DrawSubType::DrawWithTexture;
+}
+
+void GLWorld::create(Command& command, Input& input)
+{
+    const auto first = input.take<std::uint16_t>(), count = input.take<std::uint16_t>();
+    const auto primitive = static_cast<Primitive>(input.below(8));
+    const unsigned int kind = input.below(11), n = 1 + input.below(4);
+    Command::_additinalUniform uniforms[3];
+    for (Command::_additinalUniform& uniform : uniforms)
+    {
+        uniform.type = static_cast<td::BYTE>(input.below(22));
+        uniform.location = static_cast<td::BYTE>(input.below(2));
+    }
+    const auto nUniforms = static_cast<unsigned char>(input.below(4));
+    switch (static_cast<Command::Type>(kind))
+    {
+    case Command::Type::DrawArrays:
+        return command.createDrawArrays(primitive, first, count);
+    case Command::Type::DrawElements:
+        return command.createDrawElements(primitive, first, count);
+    case Command::Type::DrawArraysInstanced:
+        return command.createDrawArraysInstanced(primitive, first, count, n);
+    case Command::Type::DrawElementsInstanced:
+        return command.createDrawElementsInstanced(primitive, first, count, n);
+    case Command::Type::DrawArrayPoints:
+        return command.createDrawArrayPoints(first, count, static_cast<float>(n));
+    case Command::Type::DrawElementPoints:
+        return command.createDrawElementPoints(first, count, static_cast<float>(n));
+    case Command::Type::DrawArrayPatches:
+        return command.createDrawArrayPatches(first, count, static_cast<int>(n));
+    case Command::Type::DrawElementPatches:
+        return command.createDrawElementPatches(first, count, static_cast<int>(n));
+    case Command::Type::MVPSetter:
+        return command.createMVPSetter(&_matrix, uniforms, nUniforms);
+    default:
+        command.createUniformSetter(uniforms, nUniforms);
+    }
+}
+
+void GLWorld::decorate(Command& command, Input& input)
+{
+    const auto color = static_cast<td::ColorID>(input.below(184));
+    const auto value = input.take<td::BYTE>();
+    const unsigned int what = input.below(4);
+    if (what == 0)
+        command.setColor(color);
+    else if (what == 1)
+        command.setColor(color, value);
+    else if (what == 2)
+        command.setTexture(static_cast<Textures::Unit>(value % 33), cTextureIndex);
+    else
+        command.setNumberOfInstances(value);
+}
+
+bool GLWorld::canDraw(const PlainList& list, const BufferSlot& buffer, const ProgramSlot& program) const
+{
+    if (_current == 0 || program.context != _current || !buffer.isCommitted || buffer.context != _current)
+        return false;
+    if (list.isIndexed && buffer.nIndicesInGL == 0)
+        return false;
+    const auto textures = std::find_if(_textures.begin(), _textures.end(),
+                                       [&](const TextureSlot& slot) { return &*slot.object == program.pTextures; });
+    return !list.isTextured || textures == _textures.end() ||
+           (textures->context == _current && textures->object->size() > cTextureIndex);
+}
+
+void GLWorld::draw(Input& input)
+{
+    const std::size_t i = input.below(4);
+    BufferSlot& buffer = _buffers[i < 3 ? i : input.below(3)];
+    ProgramSlot& program = _programs[input.below(2)];
+    const std::size_t first = input.below(8), count = input.below(8);
+    if (!canDraw(plainListOf(i), buffer, program))
+        return;
+    program.object->activate();
+    buffer.object->activate();
+    count == 0 ? listOf(i).execute() : listOf(i).execute(first, count);
+    buffer.object->deActivate();
 }
 
 } // namespace fuzz

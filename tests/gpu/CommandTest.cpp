@@ -1,15 +1,20 @@
 #include "support/Images.h"
 #include "support/NullGL.h"
 
+#include <gui/Color.h>
 #include <gui/gl/Command.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
 
+#include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <utility>
@@ -50,6 +55,19 @@ protected:
         ASSERT_TRUE(program.link("vs", "fs"));
         program.activate();
         trace.clear();
+    }
+
+    /// The RGBA colour that a command sends to a program that has none yet.
+    static std::array<float, 4> sentBy(Command command, TestProgram& program)
+    {
+        static std::array<float, 4> s_sent;
+        s_sent = {};
+        const auto copy = [](GLint, GLsizei, const GLfloat* values) { std::copy(values, values + 4, s_sent.begin()); };
+        const auto loaded = std::exchange(epoxy_glUniform4fv, copy);
+        program.activate();
+        EXPECT_TRUE(command.encode() && command.execute());
+        epoxy_glUniform4fv = loaded;
+        return s_sent;
     }
 
     std::vector<std::string> callsOf(Command command)
@@ -99,68 +117,6 @@ TEST_F(CommandTest, PointsAndPatchesSetTheirSizeFirst)
     EXPECT_EQ(callsOf(command), (Calls{"glPatchParameteri(0x8e72, 4)", "glDrawElements(14, 8, 0x1405, 8)"}));
 }
 
-TEST_F(CommandTest, WhatGLCannotBeToldIsRefused)
-{
-    struct Case
-    {
-        const char* condition;
-        std::function<void(Command&)> create;
-    };
-    const Case cases[] = {
-        {"nVertices % verticesPerPatch == 0", [](Command& c) { c.createDrawArrayPatches(0, 10, 3); }},
-        {"nIndices % verticesPerPatch == 0", [](Command& c) { c.createDrawElementPatches(0, 10, 3); }},
-        {"verticesPerPatch > 0", [](Command& c) { c.createDrawArrayPatches(0, 9, 0); }},
-        {"verticesPerPatch > 0", [](Command& c) { c.createDrawElementPatches(0, 9, -3); }},
-        {"first <= INT_MAX && count <= INT_MAX",
-         [](Command& c) { c.createDrawArrays(Primitive::Points, std::size_t(INT_MAX) + 1, 1); }},
-        {"first <= UINT_MAX && count <= INT_MAX",
-         [](Command& c) { c.createDrawElements(Primitive::Points, std::size_t(UINT_MAX) + 1, 1); }},
-        {"first <= UINT_MAX && count <= INT_MAX",
-         [](Command& c) { c.createDrawElementPoints(0, unsigned(INT_MAX) + 1, 1); }},
-        {"pMatrix != nullptr", [](Command& c) { c.createMVPSetter(nullptr); }},
-    };
-    for (const Case& refused : cases)
-    {
-        Command command;
-        refused.create(command);
-        EXPECT_TRUE(asserts.caught(refused.condition));
-        EXPECT_EQ(command.getType(), Type::None);
-    }
-}
-
-/// Draws of instances, points and patches.
-void (*const cWithNumbers[])(Command&) = {
-    [](Command& c) { c.createDrawArraysInstanced(Primitive::Points, 0, 1, 1); },
-    [](Command& c) { c.createDrawElementsInstanced(Primitive::Points, 0, 1, 1); },
-    [](Command& c) { c.createDrawArrayPoints(0, 1, 1); },
-    [](Command& c) { c.createDrawElementPoints(0, 1, 1); },
-    [](Command& c) { c.createDrawArrayPatches(0, 1, 1); },
-    [](Command& c) { c.createDrawElementPatches(0, 1, 1); },
-};
-
-TEST_F(CommandTest, ACommandIsCreatedOnce)
-{
-    const glm::mat4 matrix(1);
-    Uniform uniform{1, 2, {3}};
-    std::vector<std::function<void(Command&)>> creates(std::begin(cWithNumbers), std::end(cWithNumbers));
-    creates.emplace_back([](Command& c) { c.createDrawArrays(Primitive::Points, 0, 1); });
-    creates.emplace_back([](Command& c) { c.createDrawElements(Primitive::Points, 0, 1); });
-    creates.emplace_back([&](Command& c) { c.createMVPSetter(&matrix); });
-    creates.emplace_back([&](Command& c) { EXPECT_FALSE(c.createUniformSetter(&uniform, 1)); });
-    for (const std::function<void(Command&)>& create : creates)
-    {
-        Command command = triangles(7);
-        create(command);
-        EXPECT_TRUE(asserts.caught("_type == (td::BYTE) Type::None"));
-        EXPECT_EQ(callsOf(command), Calls{"glDrawArrays(4, 0, 7)"});
-        command.reset();
-        EXPECT_EQ(command.getType(), Type::None);
-        EXPECT_FALSE(command.execute());
-        EXPECT_TRUE(log.said("Error! Command not encoded!"));
-        EXPECT_TRUE(asserts.caught("false"));
-    }
-}
-
 TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
 {
     TestProgram program;
@@ -199,34 +155,35 @@ TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
     EXPECT_TRUE(trace.only({draw, "glUniform3fv(3, 1, [0 0 1])", draw}));
 }
 
-TEST_F(CommandTest, AlphaIsCutToAByte)
+// A channel times 1/255 is often not the channel over 255.
+TEST_F(CommandTest, ColorsAreExactQuotients)
 {
-    struct Case
-    {
-        float alpha;
-        const char* sent;
-    };
-    const Case cases[] = {{0.5f, "127"},   {1.0f, "255"}, {-0.5f, "0"},   {-1e30f, "0"},       {0.0f, "0"},
-                          {0.999f, "254"}, {2.0f, "254"}, {1e30f, "255"}, {std::nanf(""), "0"}};
     TestProgram program;
     activate(program);
-    for (const Case& c : cases)
+    for (int i = 0; i < 256; ++i)
+    {
+        const auto id = static_cast<td::ColorID>(i % 183);
+        const td::Color color = gui::Color::toTDColor(id);
+        Command command = triangles();
+        command.setColor(id, i);
+        const std::array<float, 4> expected{color.red() / 255.0f, color.green() / 255.0f, color.blue() / 255.0f,
+                                            static_cast<float>(i) / 255.0f};
+        EXPECT_EQ(sentBy(command, program), expected) << i;
+    }
+}
+
+TEST_F(CommandTest, AlphaIsCutToAByte)
+{
+    TestProgram program;
+    activate(program);
+    const std::pair<float, int> cases[] = {{0.5f, 127},   {1.0f, 255}, {-0.5f, 0},   {-1e30f, 0},       {0.0f, 0},
+                                           {0.999f, 254}, {2.0f, 254}, {1e30f, 255}, {std::nanf(""), 0}};
+    for (const auto& [alpha, sent] : cases)
     {
         Command command = triangles();
-        command.setColor(td::ColorID::White, c.alpha);
-        ASSERT_TRUE(command.encode());
-        program.activate();
-        trace.clear();
-        command.execute();
-        Command same = triangles();
-        same.setColor(td::ColorID::White, std::stoi(c.sent));
-        ASSERT_TRUE(same.encode());
-        same.execute();
-        EXPECT_EQ(trace.count("glUniform4fv"), 1u) << c.alpha;
+        command.setColor(td::ColorID::White, alpha);
+        EXPECT_EQ(sentBy(command, program)[3], static_cast<float>(sent) / 255.0f) << alpha;
     }
-    Command command = triangles();
-    command.setColor(td::ColorID::White, 256);
-    EXPECT_TRUE(asserts.caught("alpha >= 0 && alpha <= 255"));
 }
 
 TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
@@ -304,81 +261,9 @@ TEST_F(CommandTest, WithoutACurrentProgramNothingIsSentOrDrawn)
     EXPECT_TRUE(trace.only({}));
 }
 
-TEST_F(CommandTest, OneKindOfColorOrTexturePerCommand)
-{
-    const std::string draws = "(td::BYTE) DrawSubType::";
-    const auto condition = [&](const std::string& name, bool encoded)
-    {
-        const std::string own = "_drawSubType == " + draws + name;
-        return encoded ? own : "_drawSubType == " + draws + "None || " + own;
-    };
-    struct Setter
-    {
-        std::string name;
-        std::function<void(Command&)> set;
-    };
-    const Setter setters[] = {
-        {"DrawWithClr3", [](Command& c) { c.setColor(td::ColorID::Red); }},
-        {"DrawWithClr4", [](Command& c) { c.setColor(td::ColorID::Red, 5); }},
-        {"DrawWithTexture", [](Command& c) { c.setTexture(Textures::Unit::T0, 1); }},
-    };
-    const glm::mat4 matrix(1);
-    for (const Setter& first : setters)
-    {
-        Command empty;
-        first.set(empty);
-        EXPECT_TRUE(asserts.caught("_type != 0"));
-        Command mvp;
-        mvp.createMVPSetter(&matrix);
-        first.set(mvp);
-        EXPECT_TRUE(asserts.caught("false"));
-        Command plain = triangles();
-        ASSERT_TRUE(plain.encode());
-        first.set(plain);
-        EXPECT_TRUE(asserts.caught(condition(first.name, true)));
-        EXPECT_EQ(plain.getDrawSubType(), SubType::None);
-        for (const Setter& second : setters)
-        {
-            for (const bool encoded : {false, true})
-            {
-                Command command = triangles();
-                first.set(command);
-                const SubType subType = command.getDrawSubType();
-                ASSERT_TRUE(!encoded || command.encode());
-                second.set(command);
-                const bool isRefused = first.name != second.name;
-                EXPECT_TRUE(isRefused ? asserts.caught(condition(second.name, encoded))
-                                      : asserts.caught(std::vector<std::string>{}));
-                EXPECT_EQ(command.getDrawSubType(), subType);
-            }
-        }
-    }
-}
-
-// The word that holds an RGBA colour is the one of instances, point and patch sizes.
-TEST_F(CommandTest, RGBAColorsAndTheOtherNumbersExcludeEachOther)
-{
-    for (const auto& create : cWithNumbers)
-    {
-        Command command;
-        create(command);
-        const Calls before = callsOf(command);
-        command.setColor(td::ColorID::Red, 5);
-        EXPECT_TRUE(asserts.caught("_type == (td::BYTE) Type::DrawArrays || _type == (td::BYTE) Type::DrawElements"));
-        EXPECT_EQ(callsOf(command), before);
-        command.setColor(td::ColorID::Red); // its bytes lie elsewhere
-        EXPECT_EQ(command.getDrawSubType(), SubType::DrawWithClr3);
-    }
-    Command command = triangles();
-    command.setColor(td::ColorID::Red, 5);
-    command.setNumberOfInstances(2);
-    EXPECT_TRUE(asserts.caught("_drawSubType != (td::BYTE) DrawSubType::DrawWithClr4"));
-    EXPECT_EQ(command.getType(), Type::DrawArrays);
-}
-
 TEST_F(CommandTest, InstancesAreGivenToPlainDraws)
 {
-    Command elements, points, empty;
+    Command elements;
     elements.createDrawElements(Primitive::Triangles, 0, 12);
     elements.setNumberOfInstances(5);
     EXPECT_EQ(elements.getType(), Type::DrawElementsInstanced);
@@ -390,51 +275,6 @@ TEST_F(CommandTest, InstancesAreGivenToPlainDraws)
     arrays.execute(); // takes effect with the next encode
     EXPECT_TRUE(trace.only({"glDrawArrays(4, 0, 3)"}));
     EXPECT_EQ(callsOf(arrays), Calls{"glDrawArraysInstanced(4, 0, 3, 5)"});
-    points.createDrawArrayPoints(0, 1, 1);
-    for (Command* command : {&points, &empty, &elements})
-    {
-        const Type type = command->getType();
-        command->setNumberOfInstances(2);
-        EXPECT_TRUE(log.said("Error! Command::setNumberOfIstances can be only called after createDrawElements or "
-                             "createDrawArrays!"));
-        EXPECT_TRUE(asserts.caught("false"));
-        EXPECT_EQ(command->getType(), type);
-    }
-}
-
-TEST_F(CommandTest, WhatCannotBeEncodedStaysAsItWas)
-{
-    Uniform uniform{1, 2, {3}};
-    Command empty, uniforms;
-    EXPECT_TRUE(uniforms.createUniformSetter(&uniform, 1));
-    for (Command* command : {&empty, &uniforms})
-    {
-        EXPECT_FALSE(command->encode());
-        EXPECT_TRUE(asserts.caught("false"));
-        EXPECT_EQ(asserts.lastFunction(), td::cAssertReports ? "encode" : "");
-    }
-    struct Case
-    {
-        const char* function;
-        std::function<void(Command&, Primitive)> create;
-    };
-    const Case cases[] = {
-        {"encodeDrawArrays", [](Command& c, Primitive p) { c.createDrawArrays(p, 0, 1); }},
-        {"encodeDrawElements", [](Command& c, Primitive p) { c.createDrawElements(p, 0, 1); }},
-        {"encodeDrawArraysInstanced", [](Command& c, Primitive p) { c.createDrawArraysInstanced(p, 0, 1, 1); }},
-        {"encodeDrawElementsInstanced", [](Command& c, Primitive p) { c.createDrawElementsInstanced(p, 0, 1, 1); }},
-    };
-    for (const Case& unknown : cases)
-    {
-        for (const int primitive : {8, 255})
-        {
-            Command command;
-            unknown.create(command, Primitive(primitive));
-            EXPECT_FALSE(command.encode());
-            EXPECT_TRUE(asserts.caught("false"));
-            EXPECT_EQ(asserts.lastFunction(), td::cAssertReports ? unknown.function : "");
-        }
-    }
 }
 
 TEST_F(CommandTest, MatricesAreReadAtEachExecution)
@@ -484,48 +324,159 @@ TEST_F(CommandTest, FurtherUniformsFollowTheMatrix)
     }
 }
 
-TEST_F(CommandTest, UniformsThatDoNotFitAreRefused)
+using Act = std::function<void(Command&)>;
+
+/// Commands of all kinds.
+const std::vector<Act>& creations()
 {
-    struct Case
-    {
-        std::vector<td::BYTE> types;
-        bool isMatrix;
-        const char* condition; // null when it is no misuse
+    static const glm::mat4 s_matrix(1);
+    static Uniform s_uniform{1, 2, {3}};
+    static const std::vector<Act> s_creations{
+        [](Command& c) { c.createDrawArrays(Primitive::Triangles, 0, 1); },
+        [](Command& c) { c.createDrawElements(Primitive::Triangles, 0, 1); },
+        [](Command& c) { c.createDrawArraysInstanced(Primitive::Points, 0, 1, 1); },
+        [](Command& c) { c.createDrawElementsInstanced(Primitive::Points, 0, 1, 1); },
+        [](Command& c) { c.createDrawArrayPoints(0, 1, 1); },
+        [](Command& c) { c.createDrawElementPoints(0, 1, 1); },
+        [](Command& c) { c.createDrawArrayPatches(0, 1, 1); },
+        [](Command& c) { c.createDrawElementPatches(0, 1, 1); },
+        [](Command& c) { c.createMVPSetter(&s_matrix); },
+        [](Command& c) { c.createUniformSetter(&s_uniform, 1); },
     };
-    const Case cases[] = {
-        {{5, 5}, false, nullptr},    // 4 + 6 of 13 bytes
-        {{5, 4, 1}, false, nullptr}, // 4 + 5 + 3 of them: one stays free
-        {{6}, true, "uniformSize < 5"},
-        {{10}, true, "uniformSize < 5"},
-        {{6}, false, "false"},
-        {{0}, true, "false"},
-        {{0}, false, "false"},
-        {{1, 6}, false, "false"},
-        {{21}, true, "type < UniformSize.size()"},
-        {{255}, false, "type < UniformSize.size()"},
-        {{1, 255}, false, "type < UniformSize.size()"},
-    };
-    for (const Case& c : cases)
+    return s_creations;
+}
+
+/// A uniform of each type.
+Act uniforms(std::vector<td::BYTE> types)
+{
+    return [types](Command& command)
     {
-        std::vector<Uniform> uniforms;
-        for (const td::BYTE type : c.types)
-            uniforms.push_back({type, 1, {}});
-        Command command;
-        command.setTypeInfo(c.isMatrix ? Type::MVPSetter : Type::UniformSetter, SubType::None);
-        EXPECT_EQ(command.setAdditionalUniforms(uniforms.data(), static_cast<unsigned char>(uniforms.size())),
-                  c.condition == nullptr);
-        EXPECT_TRUE(asserts.caught(c.condition == nullptr ? std::vector<std::string>{}
-                                                          : std::vector<std::string>{c.condition}));
+        std::vector<Uniform> list;
+        for (const td::BYTE type : types)
+            list.push_back({type, 1, {}});
+        EXPECT_FALSE(command.setAdditionalUniforms(list.data(), static_cast<unsigned char>(list.size())));
+    };
+}
+
+struct Misuse
+{
+    Act before;
+    Act act;
+    std::string condition;
+    const char* function = nullptr; ///< that reports it
+};
+
+std::vector<Misuse> misuses()
+{
+    const Act nothing = [](Command&) {}, encode = [](Command&c) { EXPECT_FALSE(c.encode()); };
+    const Act mvp = creations()[8], uniformSetter = creations()[9];
+    const Act two = [](Command& c) { c.setNumberOfInstances(2); };
+    const std::string tooLong = "first <= UINT_MAX && count <= INT_MAX", badType = "type < UniformSize.size()";
+    std::vector<Misuse> all{
+        {nothing, [](Command& c) { c.createDrawArrayPatches(0, 10, 3); }, "nVertices % verticesPerPatch == 0"},
+        {nothing, [](Command& c) { c.createDrawElementPatches(0, 10, 3); }, "nIndices % verticesPerPatch == 0"},
+        {nothing, [](Command& c) { c.createDrawArrayPatches(0, 9, 0); }, "verticesPerPatch > 0"},
+        {nothing, [](Command& c) { c.createDrawElementPatches(0, 9, -3); }, "verticesPerPatch > 0"},
+        {nothing, [](Command& c) { c.createDrawArrays(Primitive::Points, std::size_t(INT_MAX) + 1, 1); },
+         "first <= INT_MAX && count <= INT_MAX"},
+        {nothing, [](Command& c) { c.createDrawElements(Primitive::Points, std::size_t(UINT_MAX) + 1, 1); }, tooLong},
+        {nothing, [](Command& c) { c.createDrawElementPoints(0, unsigned(INT_MAX) + 1, 1); }, tooLong},
+        {nothing, [](Command& c) { c.createMVPSetter(nullptr); }, "pMatrix != nullptr"},
+        {creations()[0], [](Command& c) { c.setColor(td::ColorID::White, 256); }, "alpha >= 0 && alpha <= 255"},
+        {[](Command& c) { c = triangles(), c.setColor(td::ColorID::Red, 5); }, two,
+         "_drawSubType != (td::BYTE) DrawSubType::DrawWithClr4"},
+        {nothing, two, "false", "setNumberOfInstances"},
+        {creations()[3], two, "false", "setNumberOfInstances"},
+        {creations()[4], two, "false", "setNumberOfInstances"},
+        {nothing, encode, "false", "encode"},
+        {uniformSetter, encode, "false", "encode"},
+        // A uniform setter has 13 bytes for values, a matrix setter 5.
+        {mvp, uniforms({6}), "uniformSize < 5"},
+        {mvp, uniforms({10}), "uniformSize < 5"},
+        {uniformSetter, uniforms({6}), "false"},
+        {mvp, uniforms({0}), "false"},
+        {uniformSetter, uniforms({0}), "false"},
+        {uniformSetter, uniforms({1, 6}), "false"},
+        {mvp, uniforms({21}), badType},
+        {uniformSetter, uniforms({255}), badType},
+        {uniformSetter, uniforms({1, 255}), badType},
+        {creations()[0], uniforms({1}), "false"},
+        {mvp, [](Command& c) { EXPECT_FALSE(c.setAdditionalUniforms(nullptr, 1)); }, "pUniforms"},
+    };
+    for (const Act& create : creations())
+        all.push_back({[](Command& c) { c = triangles(); }, create, "_type == (td::BYTE) Type::None"});
+    const char* const encoders[] = {"encodeDrawArrays", "encodeDrawElements", "encodeDrawArraysInstanced",
+                                    "encodeDrawElementsInstanced"};
+    for (const Primitive unknown : {Primitive(8), Primitive(255)})
+    {
+        const Act creates[] = {[=](Command& c) { c.createDrawArrays(unknown, 0, 1); },
+                               [=](Command& c) { c.createDrawElements(unknown, 0, 1); },
+                               [=](Command& c) { c.createDrawArraysInstanced(unknown, 0, 1, 1); },
+                               [=](Command& c) { c.createDrawElementsInstanced(unknown, 0, 1, 1); }};
+        for (std::size_t i = 0; i < 4; ++i)
+            all.push_back({creates[i], encode, "false", encoders[i]});
     }
+    // One kind of colour or texture for each command, chosen before it is encoded; an RGBA colour takes the word that holds
+    // instances, point and patch sizes.
+    const Act setters[] = {[](Command& c) { c.setColor(td::ColorID::Red); },
+                           [](Command& c) { c.setColor(td::ColorID::Red, 5); },
+                           [](Command& c) { c.setTexture(Textures::Unit::T0, 1); }};
+    const char* const names[] = {"DrawWithClr3", "DrawWithClr4", "DrawWithTexture"};
+    for (std::size_t i = 0; i < 3; ++i)
+    {
+        const std::string draws = "_drawSubType == (td::BYTE) DrawSubType::", own = draws + names[i];
+        all.push_back({nothing, setters[i], "_type != 0"});
+        all.push_back({mvp, setters[i], "false"});
+        all.push_back({[](Command& c) { c = triangles(), c.encode(); }, setters[i], own});
+        for (const std::size_t other : {(i + 1) % 3, (i + 2) % 3})
+        {
+            const Act set = setters[other];
+            all.push_back({[=](Command& c) { c = triangles(), set(c); }, setters[i], draws + "None || " + own});
+            all.push_back({[=](Command& c) { c = triangles(), set(c), c.encode(); }, setters[i], own});
+        }
+    }
+    for (std::size_t i = 2; i < 8; ++i)
+        all.push_back({creations()[i], setters[1],
+                       "_type == (td::BYTE) Type::DrawArrays || _type == (td::BYTE) Type::DrawElements"});
+    return all;
+}
+
+TEST_F(CommandTest, MisuseIsSaidAndTouchesNothing)
+{
+    for (const Misuse& misuse : misuses())
+    {
+        SCOPED_TRACE(misuse.condition);
+        Command command, before;
+        misuse.before(command);
+        asserts.caught(std::vector<std::string>{}); // not this one's
+        std::memcpy(static_cast<void*>(&before), &command, sizeof command);
+        misuse.act(command);
+        EXPECT_TRUE(asserts.caught(misuse.condition));
+        if (td::cAssertReports && misuse.function != nullptr)
+        {
+            EXPECT_EQ(asserts.lastFunction(), misuse.function);
+        }
+        EXPECT_EQ(std::memcmp(&before, &command, sizeof command), 0);
+        for (const std::string& line : log.take())
+            EXPECT_EQ(line, "Error! Command::setNumberOfIstances can be only called after createDrawElements or "
+                            "createDrawArrays!");
+    }
+}
+
+TEST_F(CommandTest, UniformsAreTakenAsLongAsTheyFit)
+{
     std::vector<Uniform> many(5, {1, 1, {}});
     Command command;
     EXPECT_TRUE(command.createUniformSetter(many.data(), 4)); // 1 + 3 * 3 of 13 bytes
     command.reset();
     EXPECT_FALSE(command.createUniformSetter(many.data(), 5));
-    EXPECT_FALSE(command.setAdditionalUniforms(nullptr, 1));
-    EXPECT_TRUE(asserts.caught("pUniforms"));
-    Command draw = triangles();
-    EXPECT_FALSE(draw.setAdditionalUniforms(many.data(), 1));
+    many[0].type = 5;
+    many[1].type = 4; // 4 + 5 + 3 of them: one stays free
+    EXPECT_TRUE(command.setAdditionalUniforms(many.data(), 3));
+    command.reset();
+    EXPECT_EQ(command.getType(), Type::None);
+    EXPECT_FALSE(command.execute());
+    EXPECT_TRUE(log.said("Error! Command not encoded!"));
     EXPECT_TRUE(asserts.caught("false"));
 }
 

@@ -2,7 +2,7 @@
 #include "support/CapturedLog.h"
 #include "support/FontFiles.h"
 #include "support/Images.h"
-#include "support/StrictGL.h"
+#include "support/GLTrace.h"
 
 #include <gui/Application.h>
 #include <gui/Window.h>
@@ -27,13 +27,13 @@ namespace
 using gui::gl::Context;
 using gui::gl::CurrentContext;
 using gui::gl::GLView;
-using test::StrictGL;
+using test::GLTrace;
 
-/// A surface whose context is one of a StrictGL.
+/// A surface whose context is one of a strict GL.
 class Surface : public gui::gl::NativeSurface
 {
 public:
-    Surface(StrictGL& gl, StrictGL::Context context)
+    Surface(GLTrace& gl, GLTrace::Context context)
         : _gl(gl)
         , _context(context)
     {
@@ -59,8 +59,8 @@ public:
     void setNeedsDisplay() override {}
 
 private:
-    StrictGL& _gl;
-    StrictGL::Context _context;
+    GLTrace& _gl;
+    GLTrace::Context _context;
 };
 
 /// GL objects of all kinds, buffers, textures and programs; they go with this one.
@@ -75,7 +75,7 @@ public:
     virtual void use() = 0;
     virtual void release() = 0;
 
-    StrictGL::Context context = 0;
+    GLTrace::Context context = 0;
     std::size_t nNames = 0;
 };
 
@@ -183,7 +183,7 @@ protected:
         std::vector<std::unique_ptr<Object>> _objects;
 
     public:
-        const StrictGL::Context context;
+        const GLTrace::Context context;
 
         std::size_t nNames() const
         {
@@ -302,12 +302,12 @@ protected:
             end();
     }
 
-    StrictGL gl;
+    GLTrace gl{GLTrace::Strict};
     test::CapturedLog log;
     gui::Application app{0, nullptr};
 
     std::mt19937 _random;
-    StrictGL::Context _lastContext = 0;
+    GLTrace::Context _lastContext = 0;
     test::ImageFolder _folder;
     const std::string _font = test::writeFile(_folder.path("a.font"), test::FontFile(U"text").bytes());
     std::array<std::unique_ptr<OwningView>, cViews> _views;

@@ -1,15 +1,11 @@
 #include "GLTrace.h"
 
-#include "GLHooks.h"
 #include "Lines.h"
 
 #include <epoxy/gl.h>
 
-#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <sstream>
 
 namespace test
 {
@@ -17,70 +13,27 @@ namespace test
 namespace
 {
 
-constexpr const char* cKindsOfNames[] = {"buffers", "vertex arrays", "textures", "shaders", "programs"};
+constexpr const char* cKindNames[] = {"buffer", "vertex array", "texture", "shader", "program"};
+constexpr std::string_view cKindLetters = "BATSP";
 
-std::string numberText(double value)
+constexpr std::string_view cNeedMemory[] = {"glBufferData", "glGenerateMipmap", "glReadPixels", "glTexImage2D",
+                                            "glTexSubImage2D"};
+
+std::string nameText(GLKind kind, unsigned int name)
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", value);
-    return text;
+    return std::string(cKindNames[static_cast<int>(kind)]) + " " + std::to_string(name);
 }
 
-std::string enumerationText(long long value)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, value < 0x100 ? "%lld" : "0x%llx", value);
-    return text;
-}
+bool isDraw(std::string_view function) { return function.starts_with("glDraw"); }
 
-std::string pointerText(const void* pointer)
-{
-    // No object lies in the lowest pages: a small value is an offset.
-    const auto value = reinterpret_cast<std::uintptr_t>(pointer);
-    return value < 0x10000 ? std::to_string(value) : "ptr";
-}
+bool compilesOrLinks(std::string_view function) { return function == "glCompileShader" || function == "glLinkProgram"; }
 
-template <typename T>
-std::string listText(const T* values, long long n)
+/// The names of a call that generates or deletes some, also of those that take just one.
+std::span<const GLuint> namesOf(GLArguments arguments, const GLuint& single)
 {
-    std::string text = "[";
-    for (long long i = 0; i < n; ++i)
-        text += (i == 0 ? "" : " ") + numberText(static_cast<double>(values[i]));
-    return text + "]";
-}
-
-std::string argumentText(const GLEntry& entry, GLArguments arguments, std::size_t i)
-{
-    const GLArgument& argument = arguments[i];
-    const char letter = entry.parameters[i];
-    switch (letter)
-    {
-    case 'e':
-        return enumerationText(argument.integer);
-    case 'i':
-        return std::to_string(argument.integer);
-    case 'f':
-        return numberText(argument.real);
-    case 'p':
-        return pointerText(argument.pointer);
-    case 's':
-        return std::string("\"") + argument.data<char>() + "\"";
-    case 'n':
-        return listText(argument.data<GLuint>(), arguments[i - 1].integer);
-    default:
-        break;
-    }
-    const long long n = (letter == 'm' ? 16 : letter - '0') * arguments[1].integer;
-    return std::string_view(entry.function).ends_with("fv") ? listText(argument.data<float>(), n)
-                                                            : listText(argument.data<GLint>(), n);
-}
-
-std::string callText(const GLEntry& entry, GLArguments arguments)
-{
-    std::string text = std::string(entry.function) + "(";
-    for (std::size_t i = 0; i < arguments.size(); ++i)
-        text += (i == 0 ? "" : ", ") + argumentText(entry, arguments, i);
-    return text + ")";
+    if (arguments.size() == 1)
+        return {&single, 1};
+    return {arguments[1].data<GLuint>(), static_cast<std::size_t>(arguments[0].integer)};
 }
 
 std::vector<unsigned char> bytesOf(const void* data, std::size_t n)
@@ -113,132 +66,16 @@ void answerLog(const std::string& log, GLArguments arguments)
     text[n] = '\0';
 }
 
-/// Answers a query for a status or for the length of an info log; a null log means success.
-void answerStatus(const std::string* pLog, GLArguments arguments)
-{
-    GLint& value = *arguments[2].result<GLint>();
-    if (arguments[1].name() == GL_INFO_LOG_LENGTH)
-        value = pLog == nullptr ? 0 : static_cast<GLint>(pLog->size() + 1);
-    else
-        value = pLog == nullptr ? GL_TRUE : GL_FALSE;
-}
-
 } // namespace
 
-bool GLTrace::State::mustFail(const GLEntry& entry)
-{
-    const auto found = failures.find(entry.function);
-    if (found == failures.end())
-        return false;
-    std::vector<unsigned int>& countdowns = found->second;
-    for (unsigned int& countdown : countdowns)
-        --countdown;
-    return std::erase(countdowns, 0u) != 0;
-}
-
-bool GLTrace::State::answer(const GLEntry& entry, GLArguments arguments, long long& result)
-{
-    if (mustFail(entry))
-    {
-        if (entry.role == GLEntry::Role::Generate)
-            std::fill_n(arguments[1].result<GLuint>(), arguments[0].integer, 0u);
-        result = 0;
-        return true;
-    }
-    if (mode == Forward)
-        return false;
-    const bool makesNames = entry.role == GLEntry::Role::Generate || entry.role == GLEntry::Role::Create;
-    result = makesNames ? handOutNames(entry, arguments) : nullResult(entry.function, arguments);
-    return true;
-}
-
-long long GLTrace::State::handOutNames(const GLEntry& entry, GLArguments arguments)
-{
-    unsigned int& last = lastNames[entry.kind];
-    if (entry.role == GLEntry::Role::Create)
-        return ++last;
-    for (long long i = 0; i < arguments[0].integer; ++i)
-        arguments[1].result<GLuint>()[i] = ++last;
-    return 0;
-}
-
-long long GLTrace::State::nullResult(std::string_view function, GLArguments arguments)
-{
-    if (function == "glGetError" && !errors.empty())
-    {
-        const unsigned int error = errors.front();
-        errors.erase(errors.begin());
-        return error;
-    }
-    if (function == "glGetIntegerv")
-    {
-        const auto found = limits.find(arguments[0].name());
-        *arguments[1].result<GLint>() = found == limits.end() ? 0 : found->second;
-    }
-    if (function == "glGetUniformLocation")
-    {
-        const auto found = uniformLocations.find(arguments[1].data<char>());
-        return found == uniformLocations.end() ? -1 : found->second;
-    }
-    if (function == "glGetShaderiv" || function == "glGetShaderInfoLog")
-    {
-        const auto found = compileLogs.find(stages[arguments[0].name()]);
-        if (function == "glGetShaderiv")
-            answerStatus(found == compileLogs.end() ? nullptr : &found->second, arguments);
-        else
-            answerLog(found == compileLogs.end() ? "" : found->second, arguments);
-    }
-    if (function == "glGetProgramiv")
-        answerStatus(linkLog ? &*linkLog : nullptr, arguments);
-    if (function == "glGetProgramInfoLog")
-        answerLog(linkLog.value_or(""), arguments);
-    return 0;
-}
-
-void GLTrace::State::note(const GLEntry& entry, GLArguments arguments, long long result)
-{
-    calls.push_back(callText(entry, arguments));
-    if (entry.role == GLEntry::Role::Create && entry.kind == Kind::Shader)
-        stages[static_cast<GLuint>(result)] = arguments[0].name();
-    if (const GLuint name = noteNames(entry, arguments, result); name != 0 && mode == Null)
-        ADD_FAILURE() << entry.function << " of " << name << ", which is not alive";
-    keepData(entry.function, arguments);
-}
-
-void GLTrace::State::keepData(std::string_view function, GLArguments arguments)
-{
-    if (function == "glShaderSource")
-    {
-        std::string text;
-        for (long long i = 0; i < arguments[1].integer; ++i)
-        {
-            const char* piece = arguments[2].data<const char*>()[i];
-            const auto* lengths = arguments[3].data<GLint>();
-            text += lengths == nullptr || lengths[i] < 0 ? std::string(piece)
-                                                         : std::string(piece, static_cast<std::size_t>(lengths[i]));
-        }
-        sources[arguments[0].name()] = text;
-    }
-    if (function == "glBufferData")
-        bufferData[arguments[0].name()] = bytesOf(arguments[2].pointer, static_cast<std::size_t>(arguments[1].integer));
-    if (function == "glTexImage2D")
-        lastImage = pixelsOf(arguments[8].pointer, static_cast<int>(arguments[3].integer),
-                             static_cast<int>(arguments[4].integer), arguments[6].name());
-}
-
 GLTrace::GLTrace(Mode mode)
-    : _state(std::make_unique<State>())
+    : _mode(mode)
+    , _isRecording(mode != Strict)
+    , _limits{{GL_MAX_TEXTURE_IMAGE_UNITS, 16}, {GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS, 80}}
 {
-    _state->mode = mode;
-    _state->limits = {{GL_MAX_TEXTURE_IMAGE_UNITS, 16}, {GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS, 80}};
-    _state->startListening();
+    makeCurrent(mode == Strict ? 0 : 1);
+    startListening();
 }
-
-GLTrace::~GLTrace() { _state->stopListening(); }
-
-const std::vector<std::string>& GLTrace::calls() const { return _state->calls; }
-
-void GLTrace::clear() { _state->calls.clear(); }
 
 std::size_t GLTrace::count(std::string_view function) const
 {
@@ -249,7 +86,7 @@ std::size_t GLTrace::count(std::string_view function) const
 
 testing::AssertionResult GLTrace::only(const std::vector<std::string>& expected)
 {
-    return areLines("GL calls", std::exchange(_state->calls, {}), expected);
+    return areLines("GL calls", std::exchange(_calls, {}), expected);
 }
 
 testing::AssertionResult GLTrace::inOrder(const std::vector<std::string>& expected) const
@@ -266,56 +103,329 @@ testing::AssertionResult GLTrace::inOrder(const std::vector<std::string>& expect
     return testing::AssertionSuccess();
 }
 
-void GLTrace::failNext(std::string_view function, unsigned int nth)
+void GLTrace::failNext(std::string_view function, unsigned int nth) { _failures[std::string(function)].push_back(nth); }
+
+void GLTrace::refuseNth(unsigned int n)
 {
-    _state->failures[std::string(function)].push_back(nth);
+    _refuseAt = n;
+    _nRefusable = 0;
+    _refused.clear();
+    _errors.clear();
 }
 
 std::vector<unsigned int> GLTrace::aliveNames(Kind kind) const
 {
-    const std::set<unsigned int>& names = _state->alive[kind];
-    return {names.begin(), names.end()};
+    const auto found = _pState->alive.find(kind);
+    return found == _pState->alive.end() ? std::vector<unsigned int>{}
+                                         : std::vector<unsigned int>(found->second.begin(), found->second.end());
 }
 
 testing::AssertionResult GLTrace::nothingAlive() const
 {
-    std::string text;
-    for (const auto& [kind, names] : _state->alive)
-    {
+    testing::AssertionResult result = testing::AssertionFailure() << "still alive:";
+    for (const auto& [kind, names] : _pState->alive)
         for (const unsigned int name : names)
-            text += std::string(" ") + std::to_string(name) + " of " + cKindsOfNames[static_cast<int>(kind)];
+            result << " " << nameText(kind, name);
+    return nAlive() == 0 ? testing::AssertionSuccess() : result;
+}
+
+std::size_t GLTrace::nAlive() const
+{
+    std::size_t n = 0;
+    for (const auto& [context, state] : _contexts)
+        n += nAlive(context);
+    return n;
+}
+
+std::size_t GLTrace::nAlive(Context context) const
+{
+    std::size_t n = 0;
+    for (const Kind kind : {Kind::Buffer, Kind::VertexArray, Kind::Texture, Kind::Shader, Kind::Program})
+        n += nAlive(context, kind);
+    return n;
+}
+
+std::size_t GLTrace::nAlive(Context context, Kind kind) const
+{
+    const auto found = _contexts.find(context);
+    return found == _contexts.end() || !found->second.alive.contains(kind) ? 0 : found->second.alive.at(kind).size();
+}
+
+void GLTrace::makeCurrent(Context context)
+{
+    _current = context;
+    _pState = context == 0 ? nullptr : &_contexts[context];
+}
+
+void GLTrace::destroy(Context context)
+{
+    if (context == _current)
+        makeCurrent(0);
+    _contexts.erase(context);
+}
+
+bool GLTrace::answer(const GLEntry& entry, GLArguments arguments, long long& result)
+{
+    result = 0;
+    if (_pState == nullptr)
+    {
+        found(entry, "no context is current");
+        return true;
     }
-    if (text.empty())
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "still alive:" << text;
+    if (isRefused(entry))
+    {
+        refuse(entry, arguments);
+        return true;
+    }
+    if (answerForRefused(entry.function, arguments, result))
+        return true;
+    if (_mode == Forward)
+        return false;
+    if (_mode == Strict && entry.role == GLEntry::Role::Plain)
+        check(entry, arguments);
+    result = entry.makesNames() ? handOutNames(entry, arguments) : answerNull(entry.function, arguments);
+    return true;
 }
 
-void GLTrace::failCompilation(unsigned int stage, std::string infoLog)
+void GLTrace::note(const GLEntry& entry, GLArguments arguments, long long result)
 {
-    _state->compileLogs[stage] = std::move(infoLog);
+    if (_isRecording)
+        _calls.push_back(textOf(entry, arguments));
+    if (_pState == nullptr)
+        return;
+    noteNames(entry, arguments, result);
+    if (_mode == Strict)
+        bind(entry.function, arguments);
+    else if (_isRecording)
+        keepData(entry.function, arguments);
 }
 
-void GLTrace::failLinking(std::string infoLog) { _state->linkLog = std::move(infoLog); }
-
-void GLTrace::compileAndLinkAll()
+bool GLTrace::isRefused(const GLEntry& entry)
 {
-    _state->compileLogs.clear();
-    _state->linkLog.reset();
+    const bool needsMemory = std::ranges::find(cNeedMemory, std::string_view(entry.function)) != std::end(cNeedMemory);
+    const bool isRefusable = entry.makesNames() || compilesOrLinks(entry.function) || needsMemory;
+    if (isRefusable && ++_nRefusable == _refuseAt)
+    {
+        _refused = entry.function;
+        return true;
+    }
+    const auto found = _failures.find(entry.function);
+    if (found == _failures.end())
+        return false;
+    for (unsigned int& countdown : found->second)
+        --countdown;
+    return std::erase(found->second, 0u) != 0;
 }
 
-void GLTrace::setUniformLocation(const std::string& name, int location) { _state->uniformLocations[name] = location; }
-
-void GLTrace::setLimit(unsigned int name, int value) { _state->limits[name] = value; }
-
-void GLTrace::setErrors(std::vector<unsigned int> errors) { _state->errors = std::move(errors); }
-
-const std::string& GLTrace::shaderSource(unsigned int shader) const { return _state->sources.at(shader); }
-
-const std::vector<unsigned char>& GLTrace::lastBufferData(unsigned int target) const
+void GLTrace::refuse(const GLEntry& entry, GLArguments arguments)
 {
-    return _state->bufferData.at(target);
+    if (entry.role == GLEntry::Role::Generate)
+        std::fill_n(arguments[1].result<GLuint>(), arguments[0].integer, 0U);
+    else if (compilesOrLinks(entry.function)) // which the driver will not call compiled or linked
+        _badNames[{std::string_view(entry.function) == "glLinkProgram" ? Kind::Program : Kind::Shader,
+                   arguments[0].name()}] = "refused";
+    else if (!entry.makesNames())
+        _errors.push_back(GL_OUT_OF_MEMORY);
 }
 
-const std::vector<unsigned char>& GLTrace::lastImage() const { return _state->lastImage; }
+/// Queries for what was refused; the answers of a driver that refused nothing are others.
+bool GLTrace::answerForRefused(std::string_view function, GLArguments arguments, long long& result)
+{
+    if (function == "glGetError" && !_errors.empty())
+    {
+        result = _errors.front();
+        _errors.erase(_errors.begin());
+        return true;
+    }
+    const bool isShader = function.starts_with("glGetShader");
+    if (!isShader && !function.starts_with("glGetProgram"))
+        return false;
+    const auto bad = _badNames.find({isShader ? Kind::Shader : Kind::Program, arguments[0].name()});
+    if (bad == _badNames.end())
+        return false;
+    const std::string& log = bad->second;
+    if (arguments.size() == 4)
+        answerLog(log, arguments);
+    else if (arguments[1].name() == GL_INFO_LOG_LENGTH)
+        *arguments[2].result<GLint>() = static_cast<GLint>(log.size() + 1);
+    else
+        *arguments[2].result<GLint>() = GL_FALSE;
+    return true;
+}
+
+long long GLTrace::handOutNames(const GLEntry& entry, GLArguments arguments)
+{
+    unsigned int& last = _lastNames[_mode == Strict ? Kind::Buffer : entry.kind];
+    if (entry.role == GLEntry::Role::Create)
+        return ++last;
+    for (long long i = 0; i < arguments[0].integer; ++i)
+        arguments[1].result<GLuint>()[i] = ++last;
+    return 0;
+}
+
+long long GLTrace::answerNull(std::string_view function, GLArguments arguments)
+{
+    if (function == "glGetIntegerv")
+    {
+        const auto limit = _limits.find(arguments[0].name());
+        *arguments[1].result<GLint>() = limit == _limits.end() ? 0 : limit->second;
+    }
+    if (function == "glGetUniformLocation")
+    {
+        const std::string name = arguments[1].data<char>();
+        const auto next = static_cast<int>(_uniformLocations.size());
+        const auto location =
+            _mode == Strict ? _uniformLocations.emplace(name, next).first : _uniformLocations.find(name);
+        return location == _uniformLocations.end() ? -1 : location->second;
+    }
+    if (function == "glGetShaderiv" || function == "glGetProgramiv")
+        *arguments[2].result<GLint>() = arguments[1].name() == GL_INFO_LOG_LENGTH ? 0 : GL_TRUE;
+    if (!compilesOrLinks(function))
+        return 0;
+    const bool isLinking = function == "glLinkProgram";
+    if (const auto bad = _badStages.find(isLinking ? cLinking : _stages[arguments[0].name()]); bad != _badStages.end())
+        _badNames[{isLinking ? Kind::Program : Kind::Shader, arguments[0].name()}] = bad->second;
+    return 0;
+}
+
+void GLTrace::noteNames(const GLEntry& entry, GLArguments arguments, long long result)
+{
+    std::set<unsigned int>& names = _pState->alive[entry.kind];
+    if (entry.role == GLEntry::Role::Create && result != 0)
+        names.insert(static_cast<GLuint>(result));
+    if (entry.role == GLEntry::Role::Create && entry.kind == Kind::Shader)
+        _stages[static_cast<GLuint>(result)] = arguments[0].name();
+    if (entry.role != GLEntry::Role::Generate && entry.role != GLEntry::Role::Delete)
+        return;
+    const GLuint single = arguments[0].name();
+    for (const GLuint name : namesOf(arguments, single))
+    {
+        if (name != 0 && entry.role == GLEntry::Role::Generate)
+            names.insert(name);
+        if (entry.role != GLEntry::Role::Delete)
+            continue;
+        if (_mode != Forward)
+            checkName(entry, entry.kind, name);
+        forget(entry.kind, name);
+    }
+}
+
+void GLTrace::keepData(std::string_view function, GLArguments arguments)
+{
+    if (function == "glBufferData")
+        _bufferData[arguments[0].name()] =
+            bytesOf(arguments[2].pointer, static_cast<std::size_t>(arguments[1].integer));
+    if (function == "glTexImage2D")
+        _lastImage = pixelsOf(arguments[8].pointer, static_cast<int>(arguments[3].integer),
+                              static_cast<int>(arguments[4].integer), arguments[6].name());
+}
+
+void GLTrace::found(const GLEntry& entry, const std::string& what)
+{
+    if (_mode == Strict)
+        _findings.push_back(std::string(entry.function) + ": " + what);
+    else
+        ADD_FAILURE() << entry.function << ": " << what;
+}
+
+void GLTrace::checkName(const GLEntry& entry, Kind kind, unsigned int name)
+{
+    if (name == 0 || _pState->alive[kind].contains(name))
+        return;
+    bool isElsewhere = false;
+    for (auto& [context, state] : _contexts)
+        isElsewhere |= state.alive[kind].contains(name);
+    found(entry, nameText(kind, name) + (isElsewhere ? " belongs to another context" : " is not alive"));
+}
+
+// What GL unbinds when a name is deleted.
+void GLTrace::forget(Kind kind, unsigned int name)
+{
+    State& state = *_pState;
+    state.alive[kind].erase(name);
+    _badNames.erase({kind, name});
+    if (kind == Kind::VertexArray)
+    {
+        state.vertexArrays.erase(name);
+        if (state.vertexArray == name)
+            state.vertexArray = 0;
+    }
+    if (kind == Kind::Buffer && state.arrayBuffer == name)
+        state.arrayBuffer = 0;
+    if (kind == Kind::Buffer && state.vertexArray != 0 && state.vertexArrays[state.vertexArray].elementBuffer == name)
+        state.vertexArrays[state.vertexArray].elementBuffer = 0;
+    if (kind == Kind::Texture)
+        std::erase_if(state.textures, [name](const auto& bound) { return bound.second == name; });
+}
+
+unsigned int GLTrace::boundTexture(unsigned int target)
+{
+    const bool isFace = target >= GL_TEXTURE_CUBE_MAP_POSITIVE_X && target <= GL_TEXTURE_CUBE_MAP_NEGATIVE_Z;
+    const auto found = _pState->textures.find({_pState->activeUnit, isFace ? GL_TEXTURE_CUBE_MAP : target});
+    return found == _pState->textures.end() ? 0 : found->second;
+}
+
+void GLTrace::check(const GLEntry& entry, GLArguments arguments)
+{
+    const std::string_view function = entry.function;
+    State& state = *_pState;
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        if (const std::size_t kind = cKindLetters.find(entry.parameters[i]); kind != std::string_view::npos)
+            checkName(entry, static_cast<Kind>(kind), arguments[i].name());
+    const bool isOfVertexArray = function.find("VertexAttrib") != std::string_view::npos;
+    const bool isOfElements =
+        (function == "glBufferData" || function == "glBindBuffer") && arguments[0].name() == GL_ELEMENT_ARRAY_BUFFER;
+    if ((isOfVertexArray || isOfElements || isDraw(function)) && state.vertexArray == 0)
+        return found(entry, "no vertex array is bound");
+    if ((function == "glBufferData" || function == "glVertexAttribPointer") &&
+        (isOfElements ? state.vertexArrays[state.vertexArray].elementBuffer : state.arrayBuffer) == 0)
+        found(entry, "no buffer is bound");
+    if ((function.starts_with("glTex") || function == "glGenerateMipmap") && boundTexture(arguments[0].name()) == 0)
+        found(entry, "no texture is bound");
+    if (function == "glUseProgram" && arguments[0].name() != 0 && !state.linked.contains(arguments[0].name()))
+        found(entry, "the program is not linked");
+    if ((function.starts_with("glUniform") || isDraw(function)) && state.program == 0)
+        found(entry, "no program is in use");
+    if (isDraw(function))
+        checkDraw(entry, arguments);
+}
+
+void GLTrace::checkDraw(const GLEntry& entry, GLArguments arguments)
+{
+    checkName(entry, Kind::Program, _pState->program);
+    VertexArray& vertexArray = _pState->vertexArrays[_pState->vertexArray];
+    for (const unsigned int location : vertexArray.enabled)
+        checkName(entry, Kind::Buffer, vertexArray.attributeBuffers[location]);
+    checkName(entry, Kind::Buffer, vertexArray.elementBuffer);
+    if (std::string_view(entry.function).starts_with("glDrawElements") && vertexArray.elementBuffer == 0)
+        found(entry, "no buffer of indices is bound");
+    for (const GLArgument& argument : arguments.subspan(0, 3))
+        if (argument.integer < 0)
+            found(entry, "a negative number");
+}
+
+void GLTrace::bind(std::string_view function, GLArguments arguments)
+{
+    State& state = *_pState;
+    const auto name = [&](std::size_t i) { return arguments[i].name(); };
+    if (function == "glBindVertexArray")
+        state.vertexArray = name(0);
+    if (function == "glBindBuffer" && name(0) == GL_ARRAY_BUFFER)
+        state.arrayBuffer = name(1);
+    if (function == "glBindBuffer" && name(0) == GL_ELEMENT_ARRAY_BUFFER && state.vertexArray != 0)
+        state.vertexArrays[state.vertexArray].elementBuffer = name(1);
+    if (function == "glEnableVertexAttribArray")
+        state.vertexArrays[state.vertexArray].enabled.insert(name(0));
+    if (function == "glVertexAttribPointer")
+        state.vertexArrays[state.vertexArray].attributeBuffers[name(0)] = state.arrayBuffer;
+    if (function == "glActiveTexture")
+        state.activeUnit = name(0);
+    if (function == "glBindTexture")
+        state.textures[{state.activeUnit, name(0)}] = name(1);
+    if (function == "glUseProgram")
+        state.program = name(0);
+    if (function == "glLinkProgram" && !_badNames.contains({Kind::Program, name(0)}))
+        state.linked.insert(name(0));
+}
 
 } // namespace test
