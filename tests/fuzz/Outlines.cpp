@@ -1,22 +1,9 @@
 #include "Outlines.h"
 
-#include <algorithm>
-#include <bit>
-#include <cmath>
+#include <gui/gl/CurrentContext.h>
 
 namespace fuzz
 {
-
-namespace
-{
-
-// NaN is NaN: which of its bits are set is nobody's promise.
-bool isSameNumber(float a, float b)
-{
-    return std::bit_cast<unsigned int>(a) == std::bit_cast<unsigned int>(b) || (std::isnan(a) && std::isnan(b));
-}
-
-} // namespace
 
 test::Outline takeOutline(Input& input, std::size_t max)
 {
@@ -41,21 +28,15 @@ test::Outline takeOutline(Input& input, std::size_t max)
     return points;
 }
 
-bool isSame(const gui::gl::Primitive& primitive, unsigned int count, const test::Tessellation& expected)
+test::Tessellating& shapes()
 {
-    return primitive == expected.primitive && count == expected.count;
+    static test::GLTrace s_trace(test::GLTrace::Null);
+    static test::Tessellating s_shapes(s_trace);
+    gui::gl::CurrentContext::set(&s_trace);
+    s_trace.clear();
+    return s_shapes;
 }
 
-bool areSame(const td::Point<float>* vertices, std::size_t nVertices, const test::Outline& expected)
-{
-    return nVertices == expected.size() && std::equal(expected.begin(), expected.end(), vertices,
-                                                      [](const td::Point<float>& a, const td::Point<float>& b)
-                                                      { return isSameNumber(a.x, b.x) && isSameNumber(a.y, b.y); });
-}
-
-bool areSame(const unsigned int* indices, std::size_t nIndices, const std::vector<unsigned int>& expected)
-{
-    return nIndices == expected.size() && std::equal(expected.begin(), expected.end(), indices);
-}
+void require(const testing::AssertionResult& holds) { require(static_cast<bool>(holds), holds.message()); }
 
 } // namespace fuzz

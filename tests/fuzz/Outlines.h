@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Fuzz.h"
-#include "shapes/TriangReference.h"
+#include "shapes/TessellationFixture.h"
 
 namespace fuzz
 {
@@ -10,9 +10,9 @@ namespace fuzz
 /// which points meet, stand still and lie on one line. At most max.
 test::Outline takeOutline(Input& input, std::size_t max);
 
-/// Whether what was appended is what the reference makes of the same points, bit for bit.
-bool isSame(const gui::gl::Primitive& primitive, unsigned int count, const test::Tessellation& expected);
-bool areSame(const td::Point<float>* vertices, std::size_t nVertices, const test::Outline& expected);
-bool areSame(const unsigned int* indices, std::size_t nIndices, const std::vector<unsigned int>& expected);
+/// Makes the shapes of all inputs, one after the other: its memory is that of those before.
+test::Tessellating& shapes();
+
+void require(const testing::AssertionResult& holds);
 
 } // namespace fuzz

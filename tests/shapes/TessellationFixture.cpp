@@ -1,7 +1,5 @@
 #include "TessellationFixture.h"
 
-#include "src/shapes/Band.h"
-
 #include <epoxy/gl.h>
 
 #include <bit>
@@ -19,9 +17,6 @@ using Point = td::Point<float>;
 using testing::AssertionFailure;
 using testing::AssertionSuccess;
 
-const Outline cOldVertices{{-7, -8}, {-9, -10}};
-const std::vector<unsigned int> cOldIndices{1, 0, 1};
-
 // NaN is NaN: which of its bits are set is nobody's promise.
 bool isSame(float a, float b)
 {
@@ -30,9 +25,18 @@ bool isSame(float a, float b)
 
 bool isSame(const Point& a, const Point& b) { return isSame(a.x, b.x) && isSame(a.y, b.y); }
 
-/// Whether the old vertices and indices come first and the expected ones behind them.
-testing::AssertionResult isAppended(std::span<const Point> vertices, std::span<const unsigned int> indices,
-                                    const Tessellation& expected)
+double areaOf(const Point& a, const Point& b, const Point& c)
+{
+    return ((double(b.x) - a.x) * (double(c.y) - a.y) - (double(b.y) - a.y) * (double(c.x) - a.x)) / 2;
+}
+
+} // namespace
+
+const Outline Tessellating::cOldVertices{{-7, -8}, {-9, -10}};
+const std::vector<unsigned int> Tessellating::cOldIndices{1, 0, 1};
+
+testing::AssertionResult Tessellating::isAppended(std::span<const Point> vertices,
+                                                  std::span<const unsigned int> indices, const Tessellation& expected)
 {
     Outline allVertices = cOldVertices;
     allVertices.insert(allVertices.end(), expected.vertices.begin(), expected.vertices.end());
@@ -54,32 +58,6 @@ testing::AssertionResult isAppended(std::span<const Point> vertices, std::span<c
     return AssertionSuccess();
 }
 
-class CollectingBand : public gui::gl::Band
-{
-public:
-    explicit CollectingBand(const gui::gl::BandLoops& loops)
-        : Band(loops, cOldVertices.size())
-    {
-    }
-
-    Outline vertices = cOldVertices;
-    std::vector<unsigned int> indices = cOldIndices;
-
-private:
-    void append(std::span<const Point> newVertices, std::span<const unsigned int> newIndices) override
-    {
-        vertices.insert(vertices.end(), newVertices.begin(), newVertices.end());
-        indices.insert(indices.end(), newIndices.begin(), newIndices.end());
-    }
-};
-
-double areaOf(const Point& a, const Point& b, const Point& c)
-{
-    return ((double(b.x) - a.x) * (double(c.y) - a.y) - (double(b.y) - a.y) * (double(c.x) - a.x)) / 2;
-}
-
-} // namespace
-
 void Tessellating::begin(gui::gl::Buffer& buffer)
 {
     buffer.init(0, 0, 0, {gui::gl::DataType::Vec2});
@@ -88,11 +66,12 @@ void Tessellating::begin(gui::gl::Buffer& buffer)
     buffer.appendIndices(cOldIndices.data(), cOldIndices.size());
 }
 
-std::vector<std::string> Tessellating::drawn(gui::gl::Buffer& buffer)
+// The calls of the buffer's commands.
+std::vector<std::string> Tessellating::drawn()
 {
-    trace.clear();
-    buffer.getCommandList().execute();
-    return trace.calls();
+    _trace.clear();
+    _buffer.getCommandList().execute();
+    return _trace.calls();
 }
 
 void Tessellating::beginLists()
@@ -132,38 +111,15 @@ testing::AssertionResult Tessellating::isLine(const Outline& points, const Line&
                  : lists;
 }
 
-testing::AssertionResult Tessellating::isBand(const gui::gl::BandLoops& loops, const Outline& points, const Line& line,
-                                              const Tessellation& expected) const
-{
-    CollectingBand band(loops);
-    band.add(points, line.width, line.closed);
-    return isAppended(band.vertices, band.indices, expected);
-}
-
 testing::AssertionResult Tessellating::isRecycled(const Outline& stored, const Outline& points,
                                                   const std::vector<unsigned int>& found)
 {
     begin(_buffer);
     const auto first = static_cast<unsigned int>(_buffer.getNoOfVertices());
     _buffer.appendVertices(stored.data(), stored.size());
-    gui::gl::Command* const pCommand = triang.createRecycledLine(&_buffer, Primitive::LineLoop, points.data(), first,
-                                                                 static_cast<unsigned int>(points.size()));
-    if (_buffer.getNoOfVertices() != first + stored.size())
-        return AssertionFailure() << "vertices appended";
-    std::vector<std::string> draws;
-    if (!found.empty())
-        draws = {"glDrawElements(2, " + std::to_string(found.size()) + ", 0x1405, 12)"};
-    if (_buffer.getCommandList().size() != draws.size() || (pCommand != nullptr && !_buffer.encode(pCommand)) ||
-        drawn(_buffer) != draws)
-        return AssertionFailure() << "not the commands";
-    if (!_buffer.commit())
-        return AssertionFailure() << "cannot commit";
-    std::vector<unsigned int> expected = cOldIndices;
-    for (const unsigned int index : found)
-        expected.push_back(first + index);
-    const bool areFound = trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER) == expected;
-    _buffer.release();
-    return areFound ? AssertionSuccess() : AssertionFailure() << "not the indices";
+    const gui::gl::Command* const pCommand = triang.createRecycledLine(&_buffer, Primitive::LineLoop, points.data(),
+                                                                       first, static_cast<unsigned int>(points.size()));
+    return isCommand(pCommand, {Primitive::LineLoop, static_cast<unsigned int>(found.size()), stored, found});
 }
 
 testing::AssertionResult Tessellating::areLists(const Tessellation& expected) const
@@ -177,18 +133,19 @@ testing::AssertionResult Tessellating::isCommand(const gui::gl::Command* pComman
     if (expected.primitive == Primitive::TriangleFan)
         draws = {"glDrawArrays(6, 2, " + std::to_string(expected.vertices.size()) + ")"};
     else if (expected.count > 0)
-        draws = {"glDrawElements(4, " + std::to_string(expected.count) + ", 0x1405, 12)"};
+        draws = {std::string("glDrawElements(") + (expected.primitive == Primitive::LineLoop ? "2, " : "4, ") +
+                 std::to_string(expected.count) + ", 0x1405, 12)"};
     if ((pCommand != nullptr) != !draws.empty() || _buffer.getCommandList().size() != draws.size())
         return AssertionFailure() << _buffer.getCommandList().size() << " commands, "
                                   << (pCommand != nullptr ? "one" : "none") << " returned";
     if (pCommand != nullptr)
         _buffer.encode(const_cast<gui::gl::Command*>(pCommand));
-    if (drawn(_buffer) != draws)
+    if (drawn() != draws)
         return AssertionFailure() << "not the draw call " << draws.front();
     if (!_buffer.commit())
         return AssertionFailure() << "cannot commit";
-    const std::vector<unsigned int> indices = trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER);
-    const std::vector<Point> vertices = trace.lastBuffer<Point>(GL_ARRAY_BUFFER);
+    const std::vector<unsigned int> indices = _trace.lastBuffer<unsigned int>(GL_ELEMENT_ARRAY_BUFFER);
+    const std::vector<Point> vertices = _trace.lastBuffer<Point>(GL_ARRAY_BUFFER);
     _buffer.release();
     return isAppended(vertices, indices, expected) << " in the buffer";
 }

@@ -1,3 +1,4 @@
+#include "Shapes.h"
 #include "TessellationFixture.h"
 #include "support/CountedAllocations.h"
 
@@ -38,7 +39,7 @@ Tessellation triangles(Outline vertices, std::vector<unsigned int> indices)
     return {count == 0 ? cNone : Primitive::Triangles, count, std::move(vertices), std::move(indices)};
 }
 
-class Triang2DTest : public test::Tessellating
+class Triang2DTest : public test::TessellationTest
 {
 };
 
