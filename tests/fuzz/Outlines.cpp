@@ -31,7 +31,8 @@ test::Outline takeOutline(Input& input, std::size_t max)
 test::Tessellating& shapes()
 {
     static test::GLTrace s_trace(test::GLTrace::Null);
-    static test::Tessellating s_shapes(s_trace);
+    static test::CapturedLog s_log;
+    static test::Tessellating s_shapes(s_trace, s_log);
     gui::gl::CurrentContext::set(&s_trace);
     s_trace.clear();
     return s_shapes;

@@ -1,4 +1,5 @@
-// The main function of a target without libFuzzer: gives it every file of the folders and files named.
+// The main function of a target without libFuzzer: gives it every file of the folders and files named, and inputs of
+// random bytes behind them.
 
 #include "Fuzz.h"
 
@@ -7,6 +8,21 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
+
+namespace
+{
+
+void replay(const std::string& name, const std::vector<char>& bytes)
+{
+    // A crash leaves its input's name as the last line.
+    std::printf("%s\n", name.c_str());
+    std::fflush(stdout);
+    // In memory of its size, so that the sanitizer sees a read beyond either end.
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -23,14 +39,16 @@ int main(int argc, char* argv[])
     std::sort(files.begin(), files.end());
     for (const fs::path& file : files)
     {
-        // A crash leaves its file's name as the last line.
-        std::printf("%s\n", file.c_str());
-        std::fflush(stdout);
         std::ifstream stream(file, std::ios::binary);
-        const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
-        // In memory of its size, so that the sanitizer sees a read beyond either end.
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+        replay(file, {std::istreambuf_iterator<char>(stream), {}});
     }
-    std::printf("%zu inputs\n", files.size());
+    for (unsigned int i = 0; i < 200; ++i)
+    {
+        std::mt19937 random(i);
+        std::vector<char> bytes(random() % 2048);
+        std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<char>(random()); });
+        replay("random " + std::to_string(i), bytes);
+    }
+    std::printf("%zu files\n", files.size());
     return files.empty() ? 1 : 0;
 }

@@ -93,7 +93,7 @@ testing::AssertionResult Tessellating::isPolygon(const Outline& points, const Te
                                   << ", " << expected.count;
     const testing::AssertionResult lists = areLists(expected);
     const gui::gl::Command* const pCommand = triang.triangulate(&_buffer, points.data(), n);
-    log.take(); // the line of an object that could not fill one
+    _log.take(); // the line of an object that could not fill one
     return lists ? isCommand(pCommand, expected) : lists;
 }
 

@@ -22,8 +22,9 @@ public:
     };
 
     /// @param trace  a null GL, with a context that is current
-    explicit Tessellating(GLTrace& trace)
+    Tessellating(GLTrace& trace, CapturedLog& log)
         : _trace(trace)
+        , _log(log)
     {
     }
 
@@ -54,6 +55,7 @@ private:
     std::vector<std::string> drawn();
 
     GLTrace& _trace;
+    CapturedLog& _log;
     gui::gl::Triang2D::Points _vertices;
     gui::gl::Triang2D::Indices _indices;
     gui::gl::Buffer _buffer;
@@ -63,7 +65,7 @@ class TessellationTest : public NullGL, protected Tessellating
 {
 protected:
     TessellationTest()
-        : Tessellating(trace)
+        : Tessellating(trace, log)
     {
     }
 };

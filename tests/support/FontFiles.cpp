@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bit>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -34,6 +35,38 @@ FontFile::FontFile(std::u32string_view characters)
         glyphs.push_back({characters[i], float(int(i % 5) - 2) * 0.37f, 7 + float(i % 7) / 3, 9 + float(i % 11) / 7,
                           n / static_cast<float>(characters.size())});
     }
+}
+
+std::optional<FontFile> FontFile::parsed(std::string_view bytes)
+{
+    FontFile file(U"");
+    bool isGood = true;
+    const auto take = [&](auto& value)
+    {
+        isGood = isGood && bytes.size() >= sizeof value;
+        std::memcpy(&value, bytes.data(), isGood ? sizeof value : 0);
+        bytes.remove_prefix(isGood ? sizeof value : 0);
+    };
+    for (float* const pMetric :
+         {&file.metricA, &file.metricB, &file.spaceWidth, &file.glyphPadding, &file.metricC, &file.lineHeight})
+        take(*pMetric);
+    unsigned short nGlyphs = 0;
+    take(file.width);
+    take(file.height);
+    take(file.bitsPerPixel);
+    take(nGlyphs);
+    file.glyphs.resize(nGlyphs);
+    for (Glyph& glyph : file.glyphs)
+    {
+        take(glyph);
+        isGood = isGood && glyph.tx >= 0 && glyph.tx <= 1;
+    }
+    const std::size_t bytesPP = file.bitsPerPixel / 8U;
+    if (!isGood || nGlyphs == 0 || bytesPP == 0 || bytesPP > 4 ||
+        bytes.size() / bytesPP < std::size_t(file.width) * file.height)
+        return {};
+    file.pixels = bytes;
+    return file;
 }
 
 std::string FontFile::bytes() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,9 @@ struct FontFile
 
     /// Glyphs for these characters, with irregular metrics and a pixel of the atlas each; the last one is the replacement.
     explicit FontFile(std::u32string_view characters);
+
+    /// What a file says; nothing when it is no font, or not complete.
+    static std::optional<FontFile> parsed(std::string_view bytes);
 
     std::string bytes() const;
 

@@ -25,12 +25,14 @@ struct PlainLayout
     td::Size<float> addGlyphs(td::Point<float> pos, const Text& text, float s);
     td::Size<float> measure(const Text& text) const;
 
+    /// The number of a character's glyph; the last one for a character that the font lacks.
+    std::size_t indexOf(unsigned int codePoint) const;
+
     static Text decoded(const std::string& utf8);
 
     mutable cnt::Dictionary<wchar_t, unsigned short> map = {}; ///< of the file's code points, once one was looked for
 
 private:
-    std::size_t indexOf(unsigned int codePoint) const;
     float edge(std::size_t index) const { return index < file.glyphs.size() ? file.glyphs[index].tx : 1.0f; }
     td::Size<float> addMeasured(td::Point<float> pos, const Text& text, const Format& format, td::Size<float> size);
 };

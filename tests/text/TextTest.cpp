@@ -71,19 +71,13 @@ TEST_F(TextTest, RenderDrawsEachStringWithItsColorAndDepthWhereTheyChange)
     renderer->commit();
     trace.clear();
     renderer->render(Text::Ctrl::BlendNoDepthTest);
-    EXPECT_TRUE(
-        trace.only({"glUseProgram(1)",         "glUniformMatrix4fv(3, 1, 0, [1 0 0 0 0 -0.5 0 0 0 0 -1 0 -1 1 -0 1])",
-                    "glUniform1i(5, 2)",       "glDisable(0xb71)",
-                    "glEnable(0xbe2)",         "glBlendFunc(0x302, 0x303)",
-                    "glActiveTexture(0x84c2)", "glBindVertexArray(1)",
-                    "glBindTexture(0xde1, 1)", "glUniform4fv(7, 1, [1 0 0 1])",
-                    "glUniform1f(9, 0)",       "glDrawArrays(4, 0, 12)",
-                    "glDrawArrays(4, 12, 6)",  "glUniform1f(9, 0.5)",
-                    "glDrawArrays(4, 18, 0)",  "glUniform4fv(7, 1, [0 1 0 1])",
-                    "glDrawArrays(4, 18, 6)",  "glBindVertexArray(2)",
-                    "glBindTexture(0xde1, 2)", "glDisable(0xbe2)",
-                    "glBindVertexArray(0)",    "glBindVertexArray(0)",
-                    "glUseProgram(0)"}));
+    EXPECT_TRUE(trace.inOrder(
+        {"glUseProgram(1)", "glUniformMatrix4fv(3, 1, 0, [1 0 0 0 0 -0.5 0 0 0 0 -1 0 -1 1 -0 1])", "glUniform1i(5, 2)",
+         "glActiveTexture(0x84c2)", "glBindVertexArray(1)", "glBindTexture(0xde1, 1)", "glUniform4fv(7, 1, [1 0 0 1])",
+         "glUniform1f(9, 0)", "glDrawArrays(4, 0, 12)", "glDrawArrays(4, 12, 6)", "glUniform1f(9, 0.5)",
+         "glDrawArrays(4, 18, 0)", "glUniform4fv(7, 1, [0 1 0 1])", "glDrawArrays(4, 18, 6)", "glBindVertexArray(2)",
+         "glDisable(0xbe2)", "glBindVertexArray(0)", "glUseProgram(0)"}));
+    EXPECT_EQ(trace.count("glUniform4fv") + trace.count("glUniform1f"), 4u);
 
     first.reset(); // the same strings, another colour
     add(td::ColorID::Blue);

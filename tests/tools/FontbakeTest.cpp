@@ -1,5 +1,3 @@
-#include "FontFileParser.h"
-
 #include <fontbake/BakedFont.h>
 #include <fontbake/Error.h>
 
@@ -8,6 +6,7 @@
 #include <gui/gl/Text.h>
 #include <sdl/Process.h>
 #include <support/Images.h>
+#include <text/PlainLayout.h>
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -28,16 +27,45 @@ namespace
 {
 
 using namespace fontbake;
-using test::ParsedFont;
 
 constexpr const char* cFonts[] = {GUIGL_SANS, GUIGL_SERIF, GUIGL_MONO};
 constexpr const char* cLetters = "32-126,160-255,U+391-U+3A1,U+3B1-U+3C9,U+410-U+44F,U+1EA0-U+1EF9,U+300-U+303";
 
-ParsedFont baked(const char* font, CharacterSet characters, const BakeSettings& settings,
-                 Hinting hinting = Hinting::Light)
+/// A font as it was written, and the pixels of its atlas.
+struct Baked : test::FontFile
+{
+    explicit Baked(std::string_view bytes)
+        : FontFile(parsed(bytes).value_or(FontFile(U"")))
+    {
+        EXPECT_FALSE(glyphs.empty()) << "no font";
+        EXPECT_EQ(bitsPerPixel, 8);
+        EXPECT_EQ(pixels.size(), std::size_t(width) * height);
+    }
+
+    int nRows() const { return static_cast<int>(height); }
+    int at(int x, int y) const { return static_cast<unsigned char>(pixels[std::size_t(y) * width + std::size_t(x)]); }
+
+    /// The first column of a glyph's cell; behind the last glyph, that behind the atlas.
+    int leftOf(std::size_t glyph) const
+    {
+        const float edge = glyph < glyphs.size() ? glyphs[glyph].tx : 1;
+        return static_cast<int>(std::lround(edge * static_cast<float>(width)));
+    }
+
+    bool isBlank(int left, int right, int top, int bottom) const
+    {
+        int sum = 0;
+        for (int y = top; y < bottom; ++y)
+            for (int x = left; x < right; ++x)
+                sum += at(x, y);
+        return sum == 0;
+    }
+};
+
+Baked baked(const char* font, CharacterSet characters, const BakeSettings& settings, Hinting hinting = Hinting::Light)
 {
     std::ranges::sort(characters);
-    return ParsedFont(fileOf(bake(Rasterizer(font, settings.size, hinting), characters, settings)));
+    return Baked(fileOf(bake(Rasterizer(font, settings.size, hinting), characters, settings)));
 }
 
 std::string contentOf(const std::filesystem::path& path)
@@ -111,8 +139,8 @@ TEST(Fontbake, CellsAreSideBySideWithBlankEdges)
         for (const BakeSettings& settings : {BakeSettings{4, 1}, {12, 1}, {17, 3}, {24, 1}, {35, 2}})
         {
             SCOPED_TRACE(font + (" at " + std::to_string(settings.size)));
-            const ParsedFont file = baked(font, characters, settings);
-            EXPECT_LE(file.width, 16384);
+            const Baked file = baked(font, characters, settings);
+            EXPECT_LE(file.width, 16384U);
             EXPECT_EQ(file.lineHeight, float(file.height)) << "rows of the atlas are pixels of the line";
             std::set<std::uint32_t> codePoints;
             for (std::size_t i = 0; i < file.glyphs.size(); ++i)
@@ -120,14 +148,16 @@ TEST(Fontbake, CellsAreSideBySideWithBlankEdges)
                 SCOPED_TRACE(nameOf(file.glyphs[i].codePoint));
                 codePoints.insert(file.glyphs[i].codePoint);
                 const int left = file.leftOf(i);
-                const int right = file.rightOf(i);
-                ASSERT_EQ(float(right - left), file.glyphs[i].width + file.padding) << "columns are pixels of the quad";
+                const int right = file.leftOf(i + 1);
+                ASSERT_EQ(float(right - left), file.glyphs[i].width + file.glyphPadding)
+                    << "columns are pixels of the quad";
                 ASSERT_GE(file.glyphs[i].width, 0);
-                for (int k = 0; k < settings.spread; ++k)
-                    EXPECT_TRUE(file.isColumnBlank(left + k) && file.isColumnBlank(right - 1 - k)) << k;
+                EXPECT_TRUE(file.isBlank(left, left + settings.spread, 0, file.nRows()));
+                EXPECT_TRUE(file.isBlank(right - settings.spread, right, 0, file.nRows()));
             }
-            for (int k = 0; k < settings.spread; ++k)
-                EXPECT_TRUE(file.isRowBlank(k) && file.isRowBlank(file.height - 1 - k)) << k;
+            const int nColumns = file.leftOf(file.glyphs.size());
+            EXPECT_TRUE(file.isBlank(0, nColumns, 0, settings.spread));
+            EXPECT_TRUE(file.isBlank(0, nColumns, file.nRows() - settings.spread, file.nRows()));
             EXPECT_EQ(file.glyphs.front().tx, 0);
             EXPECT_EQ(codePoints.size(), characters.size() + 1);
             EXPECT_TRUE(std::ranges::includes(codePoints, characters));
@@ -139,12 +169,12 @@ TEST(Fontbake, TheLastGlyphIsABox)
     for (const int size : {4, 12, 48})
     {
         // A character behind U+FFFD, and U+FFFD asked for.
-        const ParsedFont file = baked(GUIGL_SANS, charactersOfRanges("65,U+FFFD,U+1D538"), {size});
+        const Baked file = baked(GUIGL_SANS, charactersOfRanges("65,U+FFFD,U+1D538"), {size});
         ASSERT_EQ(file.glyphs.size(), 3U);
         EXPECT_EQ(file.glyphs[1].codePoint, 0x1D538U);
         EXPECT_EQ(file.glyphs[2].codePoint, 0xFFFDU);
         int edge = file.leftOf(2);
-        while (file.isColumnBlank(edge))
+        while (file.isBlank(edge, edge + 1, 0, file.nRows()))
             ++edge;
         const int base = int(file.metricB) - 1;
         EXPECT_EQ(file.at(edge, base), 255) << "a corner on the baseline";
@@ -156,24 +186,33 @@ TEST(Fontbake, TheLastGlyphIsABox)
 /// Lays out a line and compares with where an unhinted font has pen and ink.
 void compareLine(const char* font, int size, Hinting hinting, std::u32string_view line)
 {
-    const ParsedFont file = baked(font, {line.begin(), line.end()}, {size}, hinting);
+    const Baked file = baked(font, {line.begin(), line.end()}, {size}, hinting);
     Reference reference(font, size);
     EXPECT_NEAR(file.spaceWidth, reference.advanceOf(U' '), 0.5);
-    for (const test::PlacedGlyph& placed : layOut(file, line))
+    test::PlainLayout layout{.file = file, .vertices = {}};
+    layout.addGlyphs({0, 0}, {line.begin(), line.end()}, 1);
+    const auto penAt = [&](std::size_t i) {
+        return layout.measure({line.begin(), line.begin() + std::ptrdiff_t(i)}).width;
+    };
+    for (std::size_t i = 0, nQuads = 0; i < line.size(); ++i)
     {
-        const char32_t codePoint = file.glyphs[placed.glyph].codePoint;
+        const char32_t codePoint = line[i];
+        if (codePoint == U' ')
+            continue;
+        const std::size_t glyph = layout.indexOf(codePoint);
+        const float pen = penAt(i), left = layout.vertices[24 * nQuads++];
         SCOPED_TRACE(nameOf(codePoint));
-        EXPECT_NEAR(placed.nextPen - placed.pen, reference.advanceOf(codePoint), 0.5);
-        EXPECT_EQ(placed.left, std::floor(placed.left)) << "sharp only on whole pixels";
+        EXPECT_NEAR(penAt(i + 1) - pen, reference.advanceOf(codePoint), 0.5);
+        EXPECT_EQ(left, std::floor(left)) << "sharp only on whole pixels";
 
         const Middle expected = reference.middleOf(codePoint);
-        const int left = file.leftOf(placed.glyph);
-        const Middle middle = middleOfPixels(file.rightOf(placed.glyph) - left, file.height,
-                                             [&](int column, int row) { return file.at(left + column, row); });
+        const int cell = file.leftOf(glyph);
+        const Middle middle = middleOfPixels(file.leftOf(glyph + 1) - cell, file.nRows(),
+                                             [&](int column, int row) { return file.at(cell + column, row); });
         // Half of what rounding adds to the advance, up to a quarter pixel, goes to each side. Light hinting fits
         // heights to whole pixels, at the base and the top, which gives some ink another weight; overlapping outlines
         // do so too.
-        EXPECT_NEAR(placed.left - placed.pen + middle.x, expected.x, 0.25 + 0.15);
+        EXPECT_NEAR(left - pen + middle.x, expected.x, 0.25 + 0.15);
         EXPECT_NEAR(double(file.metricB) - middle.y, expected.y, hinting == Hinting::Light ? 1 : 0.1);
     }
 }
@@ -228,11 +267,15 @@ TEST(Fontbake, CharactersComeFromRangesAndTexts)
 
 TEST(Fontbake, LightTextOnDarkGroundGetsTheRootOfTheCoverage)
 {
-    const ParsedFont plain = baked(GUIGL_SANS, {U'g'}, {20});
-    const ParsedFont light = baked(GUIGL_SANS, {U'g'}, {20, 1, true});
+    const Baked plain = baked(GUIGL_SANS, {U'g'}, {20});
+    const Baked light = baked(GUIGL_SANS, {U'g'}, {20, 1, true});
     ASSERT_EQ(plain.pixels.size(), light.pixels.size());
     for (std::size_t i = 0; i < plain.pixels.size(); ++i)
-        ASSERT_NEAR(light.pixels[i] * light.pixels[i] / 255.0, plain.pixels[i], 1) << i; // the root's rounding
+    {
+        const auto root = static_cast<unsigned char>(light.pixels[i]),
+                   coverage = static_cast<unsigned char>(plain.pixels[i]);
+        ASSERT_NEAR(root * root / 255.0, coverage, 1) << i; // the root's rounding
+    }
 }
 
 // The font that the build baked of A to Z and one character behind U+FFFF.
@@ -240,7 +283,7 @@ TEST(Fontbake, FontsOfTheBuildAreReadAndLaidOut)
 {
     std::span<const td::BYTE> bytes;
     ASSERT_TRUE(gui::Res::getCompiled("test/sans-16.font", bytes));
-    const ParsedFont file({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    const Baked file({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     EXPECT_EQ(file.glyphs.size(), 28U);
     td::StringBase path;
     ASSERT_TRUE(gui::Res::getFileName("test/sans-16.font", path));
@@ -257,7 +300,8 @@ TEST(Fontbake, FontsOfTheBuildAreReadAndLaidOut)
     for (const auto& [utf8, line] : lines)
     {
         const td::Size<float> size = font.addString({0, 0}, utf8, 0, td::ColorID::Black, 1);
-        EXPECT_EQ(size.width, layOut(file, line).back().nextPen) << utf8;
+        test::PlainLayout layout{.file = file, .vertices = {}};
+        EXPECT_EQ(size.width, layout.addGlyphs({0, 0}, {line.begin(), line.end()}, 1).width) << utf8;
         EXPECT_EQ(size.width, font.measure(utf8, 0, {0, 0}).width) << utf8;
         EXPECT_EQ(size.height, file.lineHeight + 1) << utf8;
     }
@@ -296,7 +340,7 @@ TEST_F(FontbakeProgram, WritesFontAndPreview)
     ASSERT_EQ(run(GUIGL_SANS " -o czech.font --size=20 --text text.txt --preview czech.png"), 0) << _output;
     EXPECT_EQ(_output, "");
     EXPECT_EQ(files(), (std::set<std::string>{"czech.font", "czech.png", "text.txt"}));
-    EXPECT_EQ(ParsedFont(contentOf(_folder.path("czech.font"))).glyphs.size(), 11U);
+    EXPECT_EQ(Baked(contentOf(_folder.path("czech.font"))).glyphs.size(), 11U);
     gui::Texture preview;
     EXPECT_TRUE(preview.loadFromFile(_folder.path("czech.png").c_str()));
     std::set<int> greys(preview.getBytes(), preview.getBytes() + preview.getWidth() * preview.getHeight() * 3);
@@ -304,7 +348,7 @@ TEST_F(FontbakeProgram, WritesFontAndPreview)
     EXPECT_EQ(*greys.rbegin(), 255);
 
     ASSERT_EQ(run(GUIGL_SANS " -o czech.font --size 20 --chars 65,U+378-U+37A,U+E000 --skip-missing"), 0) << _output;
-    EXPECT_EQ(ParsedFont(contentOf(_folder.path("czech.font"))).glyphs.size(), 3U) << "A, U+37A and the box";
+    EXPECT_EQ(Baked(contentOf(_folder.path("czech.font"))).glyphs.size(), 3U) << "A, U+37A and the box";
 
     ASSERT_EQ(run("--help"), 0);
     for (const char* option : {"--size", "--chars", "--text", "--spread", "--preview", "--hinting", "--skip-missing"})
