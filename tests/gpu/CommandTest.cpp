@@ -416,8 +416,8 @@ std::vector<Misuse> misuses()
         for (std::size_t i = 0; i < 4; ++i)
             all.push_back({creates[i], encode, "false", encoders[i]});
     }
-    // One kind of colour or texture for each command, chosen before it is encoded; an RGBA colour takes the word that holds
-    // instances, point and patch sizes.
+    // One kind of colour or texture for each command, chosen before it is encoded; an RGBA colour takes the word that
+    // holds instances, point and patch sizes.
     const Act setters[] = {[](Command& c) { c.setColor(td::ColorID::Red); },
                            [](Command& c) { c.setColor(td::ColorID::Red, 5); },
                            [](Command& c) { c.setTexture(Textures::Unit::T0, 1); }};

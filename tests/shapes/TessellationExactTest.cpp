@@ -20,7 +20,8 @@ using test::Outline;
 using test::Random;
 using test::Tessellation;
 
-// The library against the plain forms, bit for bit. Which rounding a number goes through decides which corner is an ear.
+// The library against the plain forms, bit for bit. Which rounding a number goes through decides which corner is an
+// ear.
 class TessellationExactTest : public test::TessellationTest
 {
 protected:

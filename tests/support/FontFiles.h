@@ -20,7 +20,8 @@ struct FontFile
         float tx;
     };
 
-    /// Glyphs for these characters, with irregular metrics and a pixel of the atlas each; the last one is the replacement.
+    /// Glyphs for these characters, with irregular metrics and a pixel of the atlas each; the last one is the
+    /// replacement.
     explicit FontFile(std::u32string_view characters);
 
     /// What a file says; nothing when it is no font, or not complete.

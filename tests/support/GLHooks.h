@@ -66,10 +66,10 @@ struct GLEntry
     };
 
     const char* function;
-    /// One letter for each parameter. e: enumeration or bits; B, A, T, S, P: name of a buffer, vertex array, texture, shader
-    /// or program; i: integer; f: float; p: data, result or offset; s: text; n: names, as many as the parameter before says;
-    /// otherwise vectors or matrices, as many as the second parameter says, of 1, 2, 3, 4, 9 or (m) 16 numbers, floats for a
-    /// function that ends in "fv".
+    /// One letter for each parameter. e: enumeration or bits; B, A, T, S, P: name of a buffer, vertex array, texture,
+    /// shader or program; i: integer; f: float; p: data, result or offset; s: text; n: names, as many as the parameter
+    /// before says; otherwise vectors or matrices, as many as the second parameter says, of 1, 2, 3, 4, 9 or (m) 16
+    /// numbers, floats for a function that ends in "fv".
     const char* parameters;
     GLEntry::Role role;
     GLKind kind; ///< of what is made or deleted

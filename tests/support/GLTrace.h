@@ -16,16 +16,15 @@
 namespace test
 {
 
-/// Takes the place of GL while it lives, and records the calls as text and in order: "glBindBuffer(0x8892, 1)". One at a
-/// time.
-/// Forward passes the calls on to the driver and needs a current context. Null is a small GL of its own that draws nothing:
-/// it hands out the names 1, 2, 3, ... per kind of object, compiles and links whatever it gets, and answers what it was
-/// told to. It needs neither a driver nor a context. Strict is such a GL of several contexts that lets nothing pass: every
-/// name that a call uses has to be alive in the current context, and what a call needs has to be bound. There, names are
-/// never the same in two contexts or for two kinds, nor handed out twice, and it finds the locations of all uniforms.
-/// In the texts, enumerations, bits and names are hexadecimal from 0x100 on, other integers decimal, floats as short as
-/// %g makes them; arrays stand in brackets; offsets into a bound buffer are decimal, pointers to data or to a result
-/// read "ptr", null pointers 0.
+/// Takes the place of GL while it lives, and records the calls as text and in order: "glBindBuffer(0x8892, 1)". One at
+/// a time. Forward passes the calls on to the driver and needs a current context. Null is a small GL of its own that
+/// draws nothing: it hands out the names 1, 2, 3, ... per kind of object, compiles and links whatever it gets, and
+/// answers what it was told to. It needs neither a driver nor a context. Strict is such a GL of several contexts that
+/// lets nothing pass: every name that a call uses has to be alive in the current context, and what a call needs has to
+/// be bound. There, names are never the same in two contexts or for two kinds, nor handed out twice, and it finds the
+/// locations of all uniforms. In the texts, enumerations, bits and names are hexadecimal from 0x100 on, other integers
+/// decimal, floats as short as %g makes them; arrays stand in brackets; offsets into a bound buffer are decimal,
+/// pointers to data or to a result read "ptr", null pointers 0.
 class GLTrace : private GLListener
 {
 public:
@@ -61,8 +60,8 @@ public:
     /// Makes the n-th next call of a glGen* or glCreate* function yield 0 for its names, without reaching the driver.
     void failNext(std::string_view function, unsigned int nth = 1);
 
-    /// Counts from 1 again, and refuses the n-th call that a driver may refuse; 0 refuses none. Objects that it should make
-    /// are 0, what it should compile or link fails, and what needs memory gives GL_OUT_OF_MEMORY.
+    /// Counts from 1 again, and refuses the n-th call that a driver may refuse; 0 refuses none. Objects that it should
+    /// make are 0, what it should compile or link fails, and what needs memory gives GL_OUT_OF_MEMORY.
     void refuseNth(unsigned int n);
     unsigned int nRefusable() const { return _nRefusable; }
     const std::string& refused() const { return _refused; }
@@ -85,7 +84,8 @@ public:
     /// Strict only: what was wrong since the last call.
     std::vector<std::string> takeFindings() { return std::exchange(_findings, {}); }
 
-    /// But with Forward, until compileAndLinkAll: a stage that doesn't compile or programs that don't link, and the info log.
+    /// But with Forward, until compileAndLinkAll: a stage that doesn't compile or programs that don't link, and the
+    /// info log.
     void failCompilation(unsigned int stage, std::string infoLog) { _badStages[stage] = std::move(infoLog); }
     void failLinking(std::string infoLog) { _badStages[cLinking] = std::move(infoLog); }
     void compileAndLinkAll() { _badStages.clear(); }
@@ -110,8 +110,8 @@ public:
         return values;
     }
 
-    /// What the last glTexImage2D got: the bytes that GL reads from the pointer, rows padded to a multiple of 4 bytes, and
-    /// none behind the last row. Empty for a null pointer.
+    /// What the last glTexImage2D got: the bytes that GL reads from the pointer, rows padded to a multiple of 4 bytes,
+    /// and none behind the last row. Empty for a null pointer.
     const std::vector<unsigned char>& lastImage() const { return _lastImage; }
 
 private:
