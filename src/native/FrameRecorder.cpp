@@ -39,12 +39,12 @@ FrameRecorder::FrameRecorder()
     }
 }
 
-void FrameRecorder::onFrame(Recording& recording, unsigned int framebuffer, const td::Size<int>& size)
+bool FrameRecorder::onFrame(Recording& recording, unsigned int framebuffer, const td::Size<int>& size)
 {
     if (recording.nthView == 0)
         recording.nthView = ++_nViews;
     if (recording.nFrames == _nFrames)
-        return;
+        return false;
     ++recording.nFrames;
 
     char number[16];
@@ -53,6 +53,7 @@ void FrameRecorder::onFrame(Recording& recording, unsigned int framebuffer, cons
     const bool isWritten = write(_folder + "/" + prefix + "frame-" + number + ".png", framebuffer, size);
     if (!isWritten || recording.nFrames == _nFrames)
         gui::Application::quit(isWritten ? 0 : 1);
+    return recording.nFrames < _nFrames;
 }
 
 bool FrameRecorder::write(const std::string& path, unsigned int framebuffer, const td::Size<int>& size) const

@@ -28,7 +28,8 @@ public:
 
     /// A view has drawn a frame and not presented it yet; its context is current.
     /// @param framebuffer  what the view presents through  @param size  in device pixels
-    void onFrame(Recording& recording, unsigned int framebuffer, const td::Size<int>& size);
+    /// @return whether it wants more of this view's frames
+    bool onFrame(Recording& recording, unsigned int framebuffer, const td::Size<int>& size);
 
 private:
     FrameRecorder();

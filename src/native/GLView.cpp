@@ -299,8 +299,9 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         _pPicture = nullptr;
     if (isGLDebugWanted())
         logGLErrors("onDraw", _saidGLErrors);
-    if (FrameRecorder::instance().isOn())
-        FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, size);
+    // A view at rest would never have them.
+    if (FrameRecorder::instance().isOn() && FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, size))
+        reDraw();
     _pSurface->flush();
 }
 
