@@ -45,6 +45,7 @@ public:
     void getSize(td::Size<double>& size) const override;
     void reDraw() override;
     void* getNativeWindow() const override;
+    bool isAlive() const override { return _pCppView != nullptr; }
     void enteredWindow() override;
     void leftWindow() override;
     void windowClosed() override;

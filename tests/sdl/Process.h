@@ -30,7 +30,7 @@ public:
 
 private:
     pid_t _id = -1;
-    int _status = 0;
+    int _status = -1; // no program's: what never began did not succeed
 };
 
 /// Runs a program to its end. @return its exit status as Process::wait answers

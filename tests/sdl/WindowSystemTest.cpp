@@ -2,6 +2,7 @@
 
 #include "Process.h"
 #include "Waiting.h"
+#include "Weston.h"
 #include "XServer.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <memory>
 
 namespace test
 {
@@ -39,16 +42,20 @@ protected:
     }
 
     /// Runs the program, with the test's own display unless the variables say otherwise. All it writes goes to text.
-    int run(Variables variables)
+    int run(const Variables& variables)
+    {
+        int exitStatus = -1;
+        text = outputOf({"sh", "-c", "exec \"$0\" 2>&1", GUIGL_WINDOW_PROGRAM}, exitStatus, completed(variables));
+        return exitStatus;
+    }
+    Variables completed(Variables variables) const
     {
         variables.emplace("GUIGL_WINDOW_SYSTEM", "");
         variables["XDG_RUNTIME_DIR"] = folder;
         // Its own tests look for leaks; drivers that are unloaded at the end have some.
         const char* const sanitizer = std::getenv("ASAN_OPTIONS");
         variables["ASAN_OPTIONS"] = std::string(sanitizer != nullptr ? sanitizer : "") + ":detect_leaks=0";
-        int exitStatus = -1;
-        text = outputOf({"sh", "-c", "exec \"$0\" 2>&1", GUIGL_WINDOW_PROGRAM}, exitStatus, variables);
-        return exitStatus;
+        return variables;
     }
     bool said(const std::string& words) const { return text.find(words) != std::string::npos; }
 
@@ -73,7 +80,10 @@ TEST_F(WindowSystemTest, FirstOneThatWorks)
         {"no compositor", {{"WAYLAND_DISPLAY", "nobody"}}, "x11", "wayland does not start: no compositor answers"},
         {"offscreen wanted", {{"GUIGL_WINDOW_SYSTEM", "offscreen"}}, "offscreen", ""},
         {"x11 wanted", {{"GUIGL_WINDOW_SYSTEM", "x11"}, {"WAYLAND_DISPLAY", "nobody"}}, "x11", ""},
-        {"wayland wanted in vain", {{"GUIGL_WINDOW_SYSTEM", "wayland"}}, "offscreen", ""},
+        {"wayland wanted in vain",
+         {{"GUIGL_WINDOW_SYSTEM", "wayland"}, {"WAYLAND_DISPLAY", ""}},
+         "offscreen",
+         "Warning! WindowSystem wayland does not start: WAYLAND_DISPLAY is not set"},
         {"an unknown one wanted", {{"GUIGL_WINDOW_SYSTEM", "tty"}}, "x11", "GUIGL_WINDOW_SYSTEM=tty is unknown"},
     };
     for (const Case& c : cases)
@@ -93,6 +103,28 @@ TEST_F(WindowSystemTest, CompositorWithoutSeat)
     EXPECT_EQ(run({{"WAYLAND_DISPLAY", "wayland-test"}}), 0) << text;
     EXPECT_TRUE(said("wayland does not start: the compositor has no seat")) << text;
     EXPECT_TRUE(said("runs on window system: x11")) << text;
+}
+
+// The program must not live on without a window, and its view cleans up.
+TEST_F(WindowSystemTest, CompositorThatDies)
+{
+    auto weston = std::make_unique<Weston>("us");
+    ASSERT_TRUE(weston->isOk());
+    Variables variables = completed({});
+    variables.erase("XDG_RUNTIME_DIR");
+    const std::string file = folder + "/output";
+    Process program({"sh", "-c", "exec \"$0\" stays > \"$1\" 2>&1", GUIGL_WINDOW_PROGRAM, file}, variables);
+    const auto isSaid = [&](const char* words)
+    {
+        std::ifstream stream(file);
+        text.assign(std::istreambuf_iterator<char>(stream), {});
+        return said(words);
+    };
+    ASSERT_TRUE(waitFor([&] { return isSaid("window system: wayland") && text.ends_with("wayland"); }));
+    weston.reset();
+    EXPECT_EQ(program.wait(cPatience), 1);
+    EXPECT_TRUE(isSaid("ERROR! Application lost its display and ends")) << text;
+    EXPECT_TRUE(said("cleaned up")) << text;
 }
 
 // It takes connections and never says a word.

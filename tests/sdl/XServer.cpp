@@ -160,6 +160,22 @@ void XServer::map(Window window) const
     XSync(_pDisplay, False);
 }
 
+void XServer::toggle(Window window, const char* state, const char* secondState) const
+{
+    constexpr long cToggle = 2;
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(_pDisplay, "_NET_WM_STATE", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = cToggle;
+    event.xclient.data.l[1] = static_cast<long>(XInternAtom(_pDisplay, state, False));
+    if (secondState != nullptr)
+        event.xclient.data.l[2] = static_cast<long>(XInternAtom(_pDisplay, secondState, False));
+    XSendEvent(_pDisplay, _root, False, SubstructureNotifyMask | SubstructureRedirectMask, &event);
+    XSync(_pDisplay, False);
+}
+
 void XServer::askToClose(Window window) const
 {
     XEvent event{};

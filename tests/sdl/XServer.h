@@ -54,6 +54,8 @@ public:
     void resize(Window window, int width, int height) const;
     void iconify(Window window) const;
     void map(Window window) const;
+    /// Asks the window manager to turn states of a window, as a key of its own would: "_NET_WM_STATE_FULLSCREEN", say.
+    void toggle(Window window, const char* state, const char* secondState = nullptr) const;
     /// As the close button of its frame does.
     void askToClose(Window window) const;
     Window focus() const;

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
 #include <ctime>
 #include <memory>
 #include <optional>
@@ -173,6 +174,60 @@ TEST_F(Windows, TwoWindowsHaveTwoContexts)
     EXPECT_EQ(pixel(bluePicture), (std::array<int, 3>{0, 0, 255}));
 }
 
+// A login window before the main one: what ended the first run must not end the second.
+TEST_F(Windows, RunsOneAfterAnother)
+{
+    for (const int code : {3, 4})
+    {
+        TestView view(td::ColorID::Red);
+        view.inDraw = [code] { gui::Application::quit(code); };
+        EXPECT_EQ(app.run(view, "Window", {32, 32}), code);
+    }
+    // The same in one handler.
+    TestView first(td::ColorID::Red);
+    TestView second(td::ColorID::Blue);
+    gui::Window firstWindow("First", {32, 32});
+    gui::Window secondWindow("Second", {32, 32});
+    firstWindow.show(first);
+    gui::ZavObject::asyncCall(new std::function<void()>(
+                                  [&]
+                                  {
+                                      firstWindow.close();
+                                      secondWindow.show(second);
+                                  }),
+                              true);
+    second.inDraw = [&] { secondWindow.close(); };
+    EXPECT_EQ(app.run(), 0);
+    EXPECT_EQ(second.nDraws, 1);
+}
+
+// Somebody stops the program from outside: its views clean up, the last window's first, while their contexts live.
+TEST(TerminationSignals, CloseTheWindowsInOrder)
+{
+    test::CapturedLog log;
+    std::signal(SIGINT, SIG_IGN);
+    for (const int number : {SIGTERM, SIGINT, SIGTERM})
+    {
+        gui::Application app(0, nullptr);
+        log.take();
+        TestView first(td::ColorID::Red);
+        TestView second(td::ColorID::Blue);
+        gui::Window firstWindow("First", {32, 32});
+        gui::Window secondWindow("Second", {32, 32});
+        firstWindow.show(first);
+        secondWindow.show(second);
+        first.inCleanUp = [&second] { EXPECT_EQ(second.nCleanUps, 1); };
+        second.inCleanUp = [] { EXPECT_NE(CurrentContext::getID(), 0U); };
+        second.inDraw = [number] { std::raise(number); };
+        // What the program ignores it goes on ignoring.
+        if (number == SIGINT)
+            first.inDraw = [] { gui::Application::quit(1); };
+        EXPECT_EQ(app.run(), number == SIGINT ? 1 : 128 + number);
+        EXPECT_EQ(first.nCleanUps, number == SIGINT ? 0 : 1);
+    }
+    std::signal(SIGINT, SIG_DFL);
+}
+
 TEST_F(Windows, MisuseIsToldAndHarmless)
 {
     gui::gl::View view;
@@ -186,6 +241,16 @@ TEST_F(Windows, MisuseIsToldAndHarmless)
     window.setSize({10, 10});
     window.setTitle("closed");
     window.setFullScreen(true);
+    EXPECT_FALSE(window.isFullScreen());
+
+    // A view whose context went with its window: the loop would wait for ever for a window that nobody sees.
+    gui::Window second("Window", {32, 32});
+    second.show(good);
+    second.close();
+    gui::Window third("Window", {32, 32});
+    EXPECT_FALSE(third.show(good));
+    EXPECT_TRUE(log.said("Error! Window::show view whose native view went with its window! Make another view!"));
+    EXPECT_FALSE(third.isOpen());
 }
 
 } // namespace

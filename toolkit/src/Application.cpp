@@ -1,5 +1,7 @@
 #include <gui/Application.h>
 
+#include "TerminationSignals.h"
+
 #include <gui/Window.h>
 #include <gui/port/RunLoop.h>
 #include <gui/port/WindowSystem.h>
@@ -8,16 +10,27 @@
 namespace gui
 {
 
+namespace
+{
+
+// As a shell has it for a program that a signal ended.
+constexpr int cExitOfSignal = 128;
+
+RunLoop& runLoop() { return WindowSystem::instance().getRunLoop(); }
+
+} // namespace
+
 Application::Application(int, char**)
 {
-    RunLoop& runLoop = WindowSystem::instance().getRunLoop();
-    runLoop.restart();
+    runLoop().restart();
+    _pSignals =
+        std::make_unique<TerminationSignals>([](int number) { runLoop().closeWindows(cExitOfSignal + number); });
     vo::dbgLog("Application runs on window system: %s", getWindowSystem());
 }
 
 Application::~Application() = default;
 
-int Application::run() { return WindowSystem::instance().getRunLoop().run(); }
+int Application::run() { return runLoop().run(); }
 
 int Application::run(ZavObject& view, const char* title, const td::Size<double>& size)
 {
@@ -25,9 +38,9 @@ int Application::run(ZavObject& view, const char* title, const td::Size<double>&
     return window.show(view) ? run() : 1;
 }
 
-bool Application::step(double seconds) { return WindowSystem::instance().getRunLoop().step(seconds); }
+bool Application::step(double seconds) { return runLoop().step(seconds); }
 
-void Application::quit(int code) { WindowSystem::instance().getRunLoop().quit(code); }
+void Application::quit(int code) { runLoop().quit(code); }
 
 const char* Application::getWindowSystem() { return WindowSystem::instance().getName(); }
 

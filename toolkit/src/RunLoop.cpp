@@ -3,9 +3,11 @@
 #include "AsyncQueue.h"
 
 #include <gui/NativeView.h>
+#include <gui/Window.h>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace gui
 {
@@ -59,12 +61,12 @@ int RunLoop::run()
 {
     while (step(cLongestSleepInSeconds))
         ;
-    return _exitCode.value_or(0);
+    return std::exchange(_exitCode, std::nullopt).value_or(0);
 }
 
 bool RunLoop::step(double seconds)
 {
-    if (_exitCode)
+    if (hasQuit())
         return false;
     if (!isSomethingDue() && seconds > 0)
     {
@@ -73,13 +75,13 @@ bool RunLoop::step(double seconds)
         wait(tick ? std::min(*tick, end) : end);
     }
     dispatchEvents();
-    if (!_exitCode)
+    if (!hasQuit())
         AsyncQueue::instance().runPending();
-    if (!_exitCode)
+    if (!hasQuit())
         runTicks();
-    if (!_exitCode)
+    if (!hasQuit())
         runRedraws();
-    return !_exitCode;
+    return !hasQuit();
 }
 
 void RunLoop::quit(int code)
@@ -88,11 +90,35 @@ void RunLoop::quit(int code)
     wakeUp();
 }
 
-void RunLoop::windowClosed()
+void RunLoop::restart()
 {
-    --_nOpenWindows;
-    if (_nOpenWindows == 0 && !_exitCode)
-        quit(0);
+    _exitCode.reset();
+    _hasLastWindowClosed = false;
+}
+
+void RunLoop::closeWindows(int code)
+{
+    quit(code);
+    // A copy: what closes may take others along, and may open some.
+    std::vector<Window*> windows = _openWindows;
+    for (; !windows.empty(); windows.pop_back())
+        if (std::ranges::find(_openWindows, windows.back()) != _openWindows.end())
+            windows.back()->close();
+}
+
+void RunLoop::windowOpened(Window* pWindow)
+{
+    _openWindows.push_back(pWindow);
+    _hasLastWindowClosed = false;
+}
+
+void RunLoop::windowClosed(Window* pWindow)
+{
+    std::erase(_openWindows, pWindow);
+    if (!_openWindows.empty())
+        return;
+    _hasLastWindowClosed = true;
+    wakeUp();
 }
 
 void RunLoop::setNeedsDisplay(NativeView* pView) { entryOf(pView).needsDisplay = true; }

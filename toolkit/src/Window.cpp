@@ -18,10 +18,16 @@ namespace
 // Counts a window as closed at the end of its scope, even when a handler throws on the way.
 struct ClosedWindow
 {
-    ClosedWindow() = default;
+    explicit ClosedWindow(Window* pWindow)
+        : _pWindow(pWindow)
+    {
+    }
     ClosedWindow(const ClosedWindow&) = delete;
     ClosedWindow& operator=(const ClosedWindow&) = delete;
-    ~ClosedWindow() { WindowSystem::instance().getRunLoop().windowClosed(); }
+    ~ClosedWindow() { WindowSystem::instance().getRunLoop().windowClosed(_pWindow); }
+
+private:
+    Window* _pWindow;
 };
 
 } // namespace
@@ -47,13 +53,18 @@ bool Window::show(ZavObject& view)
         vo::dbgLog("Error! Window::show on a closed window!");
         return false;
     }
+    if (!pNativeView->isAlive())
+    {
+        vo::dbgLog("Error! Window::show view whose native view went with its window! Make another view!");
+        return false;
+    }
     if (_pNativeView == pNativeView)
         return true;
 
     // Counted before the other one closes, which would be the last and end the program.
     const bool wasOpen = isOpen();
     if (!wasOpen)
-        WindowSystem::instance().getRunLoop().windowOpened();
+        WindowSystem::instance().getRunLoop().windowOpened(this);
     if (Window* const pOther = pNativeView->_pWindow)
     {
         pNativeView->leftWindow();
@@ -83,7 +94,7 @@ void Window::close()
         _pPeer.reset();
         return;
     }
-    const ClosedWindow closed;
+    const ClosedWindow closed(this);
     const std::unique_ptr<WindowPeer> pPeer = std::move(_pPeer);
     NativeView* const pNativeView = std::exchange(_pNativeView, nullptr);
     pNativeView->_pWindow = nullptr;
@@ -94,7 +105,7 @@ void Window::close()
 
 void Window::closeWithoutView()
 {
-    const ClosedWindow closed;
+    const ClosedWindow closed(this);
     const std::unique_ptr<WindowPeer> pPeer = std::move(_pPeer);
     std::exchange(_pNativeView, nullptr)->_pWindow = nullptr;
     pPeer->hide();
@@ -123,10 +134,10 @@ td::Size<double> Window::getSize() const { return _pPeer != nullptr ? _pPeer->ge
 
 void Window::setFullScreen(bool isFullScreen)
 {
-    if (_pPeer == nullptr || isFullScreen == _isFullScreen)
-        return;
-    _isFullScreen = isFullScreen;
-    _pPeer->setFullScreen(isFullScreen);
+    if (_pPeer != nullptr)
+        _pPeer->setFullScreen(isFullScreen);
 }
+
+bool Window::isFullScreen() const { return _pPeer != nullptr && _pPeer->isFullScreen(); }
 
 } // namespace gui

@@ -21,18 +21,26 @@ namespace
 struct Choice
 {
     const char* name;
-    /// @return null when the window system cannot be had
+    /// The environment variable without which there is no such display; null when none is needed.
+    const char* variable;
+    /// @return null, after a log line, when the window system cannot be had
     std::unique_ptr<WindowSystem> (*create)();
 };
 
 // In the order of preference.
 constexpr std::array cWindowSystems{
 #ifdef GUIGL_SDL
-    Choice{"wayland", createWaylandWindowSystem},
-    Choice{"x11", createX11WindowSystem},
+    Choice{"wayland", "WAYLAND_DISPLAY", createWaylandWindowSystem},
+    Choice{"x11", "DISPLAY", createX11WindowSystem},
 #endif
-    Choice{"offscreen", createOffscreenWindowSystem},
+    Choice{"offscreen", nullptr, createOffscreenWindowSystem},
 };
+
+bool isSet(const char* variable)
+{
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
 
 std::unique_ptr<WindowSystem> choose()
 {
@@ -49,6 +57,12 @@ std::unique_ptr<WindowSystem> choose()
     {
         if (isWantedKnown && std::strcmp(wanted, choice.name) != 0)
             continue;
+        if (choice.variable != nullptr && !isSet(choice.variable))
+        {
+            if (isWantedKnown)
+                vo::dbgLog("Warning! WindowSystem %s does not start: %s is not set", choice.name, choice.variable);
+            continue;
+        }
         if (std::unique_ptr<WindowSystem> system = choice.create())
             return system;
     }

@@ -3,9 +3,12 @@
 #include <td/Export.h>
 #include <td/Size.h>
 
+#include <memory>
+
 namespace gui
 {
 
+class TerminationSignals;
 class ZavObject;
 
 /// The program as a whole: picks the window system and runs the loop that everything happens in.
@@ -13,6 +16,11 @@ class ZavObject;
 /// The window system is the display's: Wayland when WAYLAND_DISPLAY names a compositor that works, else X11 when
 /// DISPLAY names a server that works, else one without a display: programs run unchanged there. The choice is written
 /// to the log; the environment variable GUIGL_WINDOW_SYSTEM ("wayland", "x11", "offscreen") overrides it.
+///
+/// SIGINT (Ctrl-C in a terminal) and SIGTERM close the windows, the last one first, so that their views clean up, and
+/// end run; a second one ends the process at once. A program that handles these signals itself, or ignores them, goes on
+/// to: they are left alone where they are not the system's default when this is made.
+///
 /// One at a time. GUI thread only, which is the thread that makes it.
 class GUIGL_API Application
 {
@@ -24,7 +32,10 @@ public:
     Application& operator=(const Application&) = delete;
 
     /// Serves events, functions from asyncCall, frame ticks and redraws until quit is called or the last open window
-    /// closes. It sleeps while there is nothing to do. @return the code given to quit; 0 when the last window closed
+    /// closes. It sleeps while there is nothing to do. It can be called again, with other windows: one after the other,
+    /// or inside a handler. Without a window it serves until quit; once the last of its windows has closed it returns.
+    /// @return the code given to quit; 0 when the last window closed; 128 and the signal's number when one ended it;
+    ///         1, after a log line, when the display was lost
     int run();
     /// The same with a view in a window of its own, which lives while it runs.
     /// @param view, title, size  as for Window  @return the code given to quit; 0 when the window closed; 1 if it could
@@ -33,14 +44,17 @@ public:
 
     /// One turn of run, for programs that have a loop of their own.
     /// @param seconds  how long it may sleep before, at most, until something is to be done; 0 does not sleep
-    /// @return false when run would return
+    /// @return false when run would return: until run has, or another window opens after the last one closed
     bool step(double seconds);
 
-    /// Ends run after the handler that calls it. From the GUI thread: from others, post it with ZavObject::asyncCall.
+    /// Ends run after the handler that calls it; before run, the next one. From the GUI thread: from others, post it with ZavObject::asyncCall.
     static void quit(int code = 0);
 
     /// The window system in use: "wayland", "x11" or "offscreen".
     static const char* getWindowSystem();
+
+private:
+    std::unique_ptr<TerminationSignals> _pSignals;
 };
 
 } // namespace gui

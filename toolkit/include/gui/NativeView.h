@@ -17,6 +17,9 @@ public:
     /// The window system's own window that the view draws into, which a gui::Window adopts; null when there is none.
     virtual void* getNativeWindow() const = 0;
 
+    /// Whether it can be shown: no more once it was cleaned up, with the window that it was in, say.
+    virtual bool isAlive() const = 0;
+
     /// The view is in a window now, with this size and scale; tracking and the frame clock start.
     virtual void enteredWindow() = 0;
     /// The view is in no window any more; the frame clock stops.

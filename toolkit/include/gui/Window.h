@@ -26,8 +26,10 @@ public:
     Window& operator=(const Window&) = delete;
 
     /// Shows a view that has its native view already (see gui::gl::View::createContext), over the whole window, in
-    /// place of the one shown before. A view that is in another window leaves that one, which closes.
-    /// @return false, with a log line, when the view has no native view or the window was closed
+    /// place of the one shown before. A view that is in another window leaves that one, which closes. Where the window
+    /// appears is up to the system.
+    /// @return false, with a log line, when the view has no native view, when that went with a window that was closed, or
+    ///         when this window was closed
     bool show(ZavObject& view);
 
     /// Closes the window for good, as the user does.
@@ -40,8 +42,11 @@ public:
     /// In points, without the frame.
     void setSize(const td::Size<double>& size);
     td::Size<double> getSize() const;
+    /// Covers the whole screen, or becomes again what it was before: maximised, or of its size. A size that is set
+    /// meanwhile is taken then. The system does it when it gets to it, and need not; and the user may do it too.
     void setFullScreen(bool isFullScreen);
-    bool isFullScreen() const { return _isFullScreen; }
+    /// Whether it covers the screen now; of a window that is not shown yet, what was asked for.
+    bool isFullScreen() const;
 
 private:
     friend class NativeView;
@@ -51,7 +56,6 @@ private:
 
     std::unique_ptr<WindowPeer> _pPeer;
     NativeView* _pNativeView = nullptr;
-    bool _isFullScreen = false;
 };
 
 } // namespace gui

@@ -73,9 +73,12 @@ public:
 
     void setFullScreen(bool isFullScreen) override
     {
+        if (_isFullScreen == isFullScreen)
+            return;
         _isFullScreen = isFullScreen;
         resizeView();
     }
+    bool isFullScreen() const override { return _isFullScreen; }
 
     void followScale() const
     {

@@ -2,6 +2,7 @@
 
 #include <gui/NativeView.h>
 #include <gui/Window.h>
+#include <vo/Log.h>
 
 #include <algorithm>
 #include <thread>
@@ -105,6 +106,13 @@ double SDLRunLoop::getDisplayRate(const NativeView* pView) const
 
 void SDLRunLoop::dispatch(const SDLEvent& event)
 {
+    if (event.event.type == SDL_QUIT)
+    {
+        // Nothing else makes SDL say so.
+        vo::dbgLog("ERROR! Application lost its display and ends");
+        closeWindows(1);
+        return;
+    }
     SDL_Window* const pWindow = SDL_GetWindowFromID(windowOf(event.event));
     NativeView* const pView = pWindow != nullptr ? viewOf(pWindow) : nullptr;
     if (pView == nullptr)

@@ -1,11 +1,13 @@
 #include "SDLWindow.h"
 
 #include "SDLRunLoop.h"
+#include "X11Window.h"
 
 #include <gui/NativeView.h>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace gui
 {
@@ -29,10 +31,9 @@ void SDLWindow::show(NativeView* pView)
         SDLRunLoop::setView(_pWindow, pView);
         SDL_SetWindowTitle(_pWindow, _title.c_str());
         applySize();
-        // Where the surface made its window, that was the middle for another size.
-        SDL_SetWindowPosition(_pWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        X11Window::letSystemPlace(_pWindow);
         if (_isFullScreen)
-            applyFullScreen();
+            SDL_SetWindowFullscreen(_pWindow, SDL_WINDOW_FULLSCREEN_DESKTOP);
         SDL_ShowWindow(_pWindow);
     }
     pView->enteredWindow();
@@ -43,6 +44,8 @@ void SDLWindow::hide()
     if (_pWindow == nullptr)
         return;
     SDLRunLoop::setView(_pWindow, nullptr);
+    // What the next view finds.
+    _isFullScreen = isFullScreen();
     if (_isFullScreen)
         SDL_SetWindowFullscreen(_pWindow, 0);
     else
@@ -61,7 +64,10 @@ void SDLWindow::setTitle(const char* title)
 void SDLWindow::setSize(const td::Size<double>& size)
 {
     _size = size;
-    if (_pWindow != nullptr && !_isFullScreen)
+    if (_pWindow == nullptr)
+        return;
+    _isSizePending = isFullScreen();
+    if (!_isSizePending)
         applySize();
 }
 
@@ -75,24 +81,41 @@ td::Size<double> SDLWindow::getSize() const
     return {static_cast<double>(width), static_cast<double>(height)};
 }
 
+bool SDLWindow::isFullScreen() const
+{
+    if (_pWindow == nullptr)
+        return _isFullScreen;
+    const bool isForSDL = (SDL_GetWindowFlags(_pWindow) & SDL_WINDOW_FULLSCREEN) != 0;
+    return X11Window::isFullScreen(_pWindow).value_or(isForSDL);
+}
+
 void SDLWindow::setFullScreen(bool isFullScreen)
 {
-    if (_pWindow != nullptr && isFullScreen)
-        _size = getSize();
+    constexpr Uint32 cFullScreen = SDL_WINDOW_FULLSCREEN_DESKTOP;
     _isFullScreen = isFullScreen;
     if (_pWindow == nullptr)
         return;
-    applyFullScreen();
-    // A size that was asked for meanwhile.
-    if (!isFullScreen)
+    // SDL does nothing when it believes that the window is that already; the user may have asked somebody else.
+    const Uint32 flags = SDL_GetWindowFlags(_pWindow);
+    const bool isForSDL = (flags & SDL_WINDOW_FULLSCREEN) != 0;
+    if (isFullScreen && !isForSDL)
+    {
+        _wasMaximized = (flags & SDL_WINDOW_MAXIMIZED) != 0;
+        _size = getSize();
+    }
+    if (isForSDL == isFullScreen && SDLWindow::isFullScreen() != isFullScreen)
+        SDL_SetWindowFullscreen(_pWindow, isFullScreen ? 0 : cFullScreen);
+    SDL_SetWindowFullscreen(_pWindow, isFullScreen ? cFullScreen : 0);
+    if (isFullScreen)
+        return;
+    // SDL forgets it.
+    const bool wasMaximized = std::exchange(_wasMaximized, false);
+    if (std::exchange(_isSizePending, false))
         applySize();
+    else if (wasMaximized)
+        SDL_MaximizeWindow(_pWindow);
 }
 
 void SDLWindow::applySize() const { SDL_SetWindowSize(_pWindow, toLength(_size.width), toLength(_size.height)); }
-
-void SDLWindow::applyFullScreen() const
-{
-    SDL_SetWindowFullscreen(_pWindow, _isFullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
-}
 
 } // namespace gui

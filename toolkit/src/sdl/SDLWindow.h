@@ -25,15 +25,17 @@ public:
     void setSize(const td::Size<double>& size) override;
     td::Size<double> getSize() const override;
     void setFullScreen(bool isFullScreen) override;
+    bool isFullScreen() const override;
 
 private:
     void applySize() const;
-    void applyFullScreen() const;
 
     SDL_Window* _pWindow = nullptr;
     std::string _title;
     td::Size<double> _size;
-    bool _isFullScreen = false;
+    bool _isFullScreen = false;  // what was asked for
+    bool _wasMaximized = false;  // before it
+    bool _isSizePending = false; // one that was set in full screen
 };
 
 } // namespace gui

@@ -10,7 +10,6 @@
 #define SDL_MAIN_HANDLED
 #include <SDL.h>
 
-#include <cstdlib>
 #include <optional>
 
 namespace gui
@@ -18,12 +17,6 @@ namespace gui
 
 namespace
 {
-
-bool isSet(const char* variable)
-{
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
-}
 
 void giveHints(const char* driver)
 {
@@ -111,12 +104,10 @@ std::unique_ptr<WindowSystem> create(const char* name, float scale)
 
 } // namespace
 
-std::unique_ptr<WindowSystem> createX11WindowSystem() { return isSet("DISPLAY") ? create("x11", 1) : nullptr; }
+std::unique_ptr<WindowSystem> createX11WindowSystem() { return create("x11", 1); }
 
 std::unique_ptr<WindowSystem> createWaylandWindowSystem()
 {
-    if (!isSet("WAYLAND_DISPLAY"))
-        return nullptr;
     const std::optional<WaylandProbe> probe = WaylandProbe::ask();
     if (!probe || !probe->hasCompositor || !probe->hasSeat || !probe->hasShell)
     {

@@ -8,8 +8,7 @@ namespace gui
 {
 
 /// The window system of the X11 server that DISPLAY names, or of the Wayland compositor that WAYLAND_DISPLAY names,
-/// both through SDL. @return null when the variable is not set, or, with a log line, when there is no such display, or
-/// none that can be worked with
+/// both through SDL. @return null, after a log line, when there is no such display, or none that can be worked with
 std::unique_ptr<WindowSystem> createX11WindowSystem();
 std::unique_ptr<WindowSystem> createWaylandWindowSystem();
 

@@ -28,7 +28,8 @@ public:
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
 
-    /// Turns until quit, or until the last open window closed. @return the code that was given to quit, else 0
+    /// Turns until quit, or until the last open window closed. @return the code that was given to quit, which is forgotten
+    /// then; else 0
     int run();
 
     /// One turn, after sleeping until something is due, at most that long.
@@ -37,8 +38,10 @@ public:
 
     /// Ends run and step, now or when the turn under way is over. @param code  what run returns
     void quit(int code);
-    /// Forgets an earlier quit.
-    void restart() { _exitCode.reset(); }
+    /// Forgets an earlier quit, and that the last window closed.
+    void restart();
+    /// Quits, and closes the windows that are open, the last one first.
+    void closeWindows(int code);
 
     /// Asks for drawNow in this turn, or in the next when it is under way.
     void setNeedsDisplay(NativeView* pView);
@@ -58,9 +61,9 @@ public:
     void forget(NativeView* pView);
 
     /// Windows are counted: when the last one closes, the loop quits with 0.
-    void windowOpened() { ++_nOpenWindows; }
+    void windowOpened(Window* pWindow);
     /// See windowOpened.
-    void windowClosed();
+    void windowClosed(Window* pWindow);
 
 protected:
     /// Sleeps until the time (null: without end), an event of the window system, or wakeUp.
@@ -73,7 +76,7 @@ protected:
     virtual double getDisplayRate(const NativeView* pView) const = 0;
 
     /// Events behind a quit wait for the next run.
-    bool hasQuit() const { return _exitCode.has_value(); }
+    bool hasQuit() const { return _exitCode.has_value() || _hasLastWindowClosed; }
     /// The view's display, or its rate, may have changed: its clock goes on at the new rate.
     void updateFrameClock(NativeView* pView);
 
@@ -104,7 +107,8 @@ private:
 
     std::vector<Entry> _entries;
     std::optional<int> _exitCode;
-    int _nOpenWindows = 0;
+    std::vector<Window*> _openWindows; // in the order in which they opened
+    bool _hasLastWindowClosed = false;
 };
 
 } // namespace gui

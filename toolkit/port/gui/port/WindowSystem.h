@@ -29,7 +29,10 @@ public:
     /// In points, without the frame.
     virtual void setSize(const td::Size<double>& size) = 0;
     virtual td::Size<double> getSize() const = 0;
+    /// Leaving it, the window becomes what it was before.
     virtual void setFullScreen(bool isFullScreen) = 0;
+    /// What it is now, not what was asked for.
+    virtual bool isFullScreen() const = 0;
 };
 
 /// What a window system is to the toolkit: a run loop and windows. One per process. The library has a table of them in
@@ -40,7 +43,8 @@ public:
     virtual ~WindowSystem() = default;
 
     /// The one in use. It is chosen at the first call, and logged; the environment variable GUIGL_WINDOW_SYSTEM
-    /// overrides the choice with a name of the table. One that does not start gives way to the next.
+    /// overrides the choice with a name of the table. One that does not start gives way to the next, one that was asked
+    /// for to offscreen.
     static WindowSystem& instance();
 
     /// As in the table: the native view looks up its surface by it.
