@@ -3,9 +3,12 @@
 #include <gui/port/sdl/SDLEvent.h>
 
 #include <SDL_video.h>
+#include <td/Export.h>
 
 #include <cstdint>
 #include <memory>
+
+struct wl_display;
 
 namespace gui::gl
 {
@@ -27,6 +30,8 @@ public:
 /// @return null when the window is not one of X11, or of Wayland
 std::unique_ptr<Keyboard> createX11Keyboard(SDL_Window* pWindow);
 std::unique_ptr<Keyboard> createWaylandKeyboard(SDL_Window* pWindow);
+/// The keyboard of the first seat that has one, on a connection that outlives it.
+GUIGL_API std::unique_ptr<Keyboard> createWaylandKeyboard(wl_display* pDisplay);
 
 /// The code that the kernel, and with 8 added XKB, has for a key that has a character on some layout; 0 for others.
 unsigned int toKernelKeyCode(SDL_Scancode scancode);

@@ -9,6 +9,8 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 namespace gui::gl
 {
@@ -22,12 +24,17 @@ class WaylandKeyboard : public Keyboard
 {
 public:
     explicit WaylandKeyboard(wl_display* pDisplay);
+    ~WaylandKeyboard() override;
+    WaylandKeyboard(const WaylandKeyboard&) = delete;
+    WaylandKeyboard& operator=(const WaylandKeyboard&) = delete;
 
     std::uint32_t getSymbol(const gui::SDLEvent& keyEvent, bool isShifted) override;
 
 private:
     static void onGlobal(void* pThis, wl_registry* pRegistry, uint32_t name, const char* interface, uint32_t version);
     static void onGlobalRemove(void*, wl_registry*, uint32_t) {}
+    static void onCapabilities(void* pThis, wl_seat* pSeat, uint32_t capabilities);
+    static void onName(void*, wl_seat*, const char*) {}
     static void onKeymap(void* pThis, wl_keyboard*, uint32_t format, int32_t fd, uint32_t size);
     static void onEnter(void*, wl_keyboard*, uint32_t, wl_surface*, wl_array*) {}
     static void onLeave(void*, wl_keyboard*, uint32_t, wl_surface*) {}
@@ -36,12 +43,16 @@ private:
     static void onRepeatInfo(void*, wl_keyboard*, int32_t, int32_t) {}
 
     static constexpr wl_registry_listener cRegistryListener{onGlobal, onGlobalRemove};
+    static constexpr wl_seat_listener cSeatListener{onCapabilities, onName};
     static constexpr wl_keyboard_listener cKeyboardListener{onKeymap, onEnter,     onLeave,
                                                             onKey,    onModifiers, onRepeatInfo};
 
     wl_display* _pDisplay;
     wl_event_queue* _pQueue;
-    wl_seat* _pSeat = nullptr;
+    wl_registry* _pRegistry;
+    std::vector<wl_seat*> _seats;
+    wl_seat* _pSeat = nullptr; // the one whose keyboard this is
+    wl_keyboard* _pKeyboard = nullptr;
     xkb_context* _pContext;
     xkb_keymap* _pKeymap = nullptr;
     xkb_state* _pState = nullptr;
@@ -56,22 +67,54 @@ WaylandKeyboard::WaylandKeyboard(wl_display* pDisplay)
 {
     auto* const pWrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(pDisplay));
     wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(pWrapper), _pQueue);
-    wl_registry* const pRegistry = wl_display_get_registry(pWrapper);
+    _pRegistry = wl_display_get_registry(pWrapper);
     wl_proxy_wrapper_destroy(pWrapper);
-    wl_registry_add_listener(pRegistry, &cRegistryListener, this);
-    wl_display_roundtrip_queue(_pDisplay, _pQueue);
-    if (_pSeat == nullptr)
-        return;
-    // A seat without a keyboard gets one of us all the same, and it stays silent until there is one.
-    wl_keyboard_add_listener(wl_seat_get_keyboard(_pSeat), &cKeyboardListener, this);
-    wl_display_roundtrip_queue(_pDisplay, _pQueue);
+    wl_registry_add_listener(_pRegistry, &cRegistryListener, this);
+    // The first brings the seats, the second what they have, the third the layout.
+    constexpr int cRoundtrips = 3;
+    for (int i = 0; i < cRoundtrips; ++i)
+        wl_display_roundtrip_queue(_pDisplay, _pQueue);
+}
+
+WaylandKeyboard::~WaylandKeyboard()
+{
+    if (_pKeyboard != nullptr)
+        wl_keyboard_destroy(_pKeyboard);
+    for (wl_seat* const pSeat : _seats)
+        wl_seat_destroy(pSeat);
+    wl_registry_destroy(_pRegistry);
+    wl_event_queue_destroy(_pQueue);
+    xkb_state_unref(_pState);
+    xkb_keymap_unref(_pKeymap);
+    xkb_context_unref(_pContext);
 }
 
 void WaylandKeyboard::onGlobal(void* pThis, wl_registry* pRegistry, uint32_t name, const char* interface, uint32_t)
 {
     auto& keyboard = *static_cast<WaylandKeyboard*>(pThis);
-    if (keyboard._pSeat == nullptr && std::strcmp(interface, wl_seat_interface.name) == 0)
-        keyboard._pSeat = static_cast<wl_seat*>(wl_registry_bind(pRegistry, name, &wl_seat_interface, 1));
+    if (std::strcmp(interface, wl_seat_interface.name) != 0)
+        return;
+    auto* const pSeat = static_cast<wl_seat*>(wl_registry_bind(pRegistry, name, &wl_seat_interface, 1));
+    wl_seat_add_listener(pSeat, &cSeatListener, pThis);
+    keyboard._seats.push_back(pSeat);
+}
+
+// Keyboards come and go. To ask a seat for one that it has not announced ends the connection.
+void WaylandKeyboard::onCapabilities(void* pThis, wl_seat* pSeat, uint32_t capabilities)
+{
+    auto& keyboard = *static_cast<WaylandKeyboard*>(pThis);
+    const bool hasKeyboard = (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0;
+    if (hasKeyboard && keyboard._pKeyboard == nullptr)
+    {
+        keyboard._pSeat = pSeat;
+        keyboard._pKeyboard = wl_seat_get_keyboard(pSeat);
+        wl_keyboard_add_listener(keyboard._pKeyboard, &cKeyboardListener, pThis);
+    }
+    else if (!hasKeyboard && pSeat == keyboard._pSeat)
+    {
+        keyboard._pSeat = nullptr;
+        wl_keyboard_destroy(std::exchange(keyboard._pKeyboard, nullptr));
+    }
 }
 
 void WaylandKeyboard::onKeymap(void* pThis, wl_keyboard*, uint32_t format, int32_t fd, uint32_t size)
@@ -130,7 +173,12 @@ std::unique_ptr<Keyboard> createWaylandKeyboard(SDL_Window* pWindow)
     SDL_VERSION(&info.version);
     if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
         return nullptr;
-    return std::make_unique<WaylandKeyboard>(info.info.wl.display);
+    return createWaylandKeyboard(info.info.wl.display);
+}
+
+std::unique_ptr<Keyboard> createWaylandKeyboard(wl_display* pDisplay)
+{
+    return std::make_unique<WaylandKeyboard>(pDisplay);
 }
 
 } // namespace gui::gl
