@@ -72,6 +72,8 @@ TEST(EventTranslation, KeysDownAndUp)
         {"key 8", 8, 'c', 'c', 0, 8 << 8},
         {"DEL", 200, 127, 127, 0, 127},
         {"the first beyond ASCII", 200, 128, 128, 0, 200 << 8},
+        {"one whose low byte is a letter's", 14, 0x161, 0x161, 0, 14 << 8},
+        {"Home, whose code is that of a letter", 115, 0, 115, 7, 115 << 8},
         {"euro sign", 14, 0x20AC, 0x20AC, 0, 14 << 8},
         {"no character", 127, 0, 127 << 8, 0, 127 << 8},
         {"no character, printable", 255, 0, 255 << 8, 0, 255 << 8},
@@ -89,6 +91,10 @@ TEST(EventTranslation, KeysDownAndUp)
         {
             EXPECT_EQ(key.getModifiers(), cShift | cCommand) << c.name;
             EXPECT_EQ(key.getCount(), 1) << c.name;
+            EXPECT_EQ(key.isVirtual(), key.getVirtual() != gui::Key::Virtual::None) << c.name;
+            const bool isASCII = !key.isVirtual() && key.getCode() > 0 && key.getCode() < 128;
+            EXPECT_EQ(key.isASCII(), isASCII) << c.name;
+            EXPECT_EQ(key.getChar(), isASCII ? static_cast<char>(key.getCode()) : 0) << c.name;
         }
     }
 }

@@ -1,4 +1,3 @@
-#include "ImageFiles.h"
 #include "support/CapturedLog.h"
 #include "support/CaughtAsserts.h"
 #include "support/Images.h"
@@ -9,21 +8,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <utility>
-
-#include <jpeglib.h>
-#include <png.h>
+#include <vector>
 
 namespace
 {
 
 namespace fs = std::filesystem;
-using test::Bytes;
+using Bytes = std::vector<td::BYTE>;
 
 Bytes pixelsOf(const gui::Texture& texture)
 {
@@ -42,85 +39,64 @@ Bytes gradient(unsigned int width, unsigned int height, unsigned short bytesPerP
     return pixelsOf(textureOf(width, height, bytesPerPixel));
 }
 
-// Every kind that the format has ends as 3 or 4 bytes per pixel: a missing conversion leaves rows of another length, or
-// grey where colour was.
+// Every kind that the formats have ends as 3 or 4 bytes per pixel: a missing conversion leaves rows of another length,
+// or grey where colour was.
 TEST(Texture, DecodesEveryKindOfPNG)
 {
-    struct Case
+    const struct
     {
-        test::PNGFile file;
+        std::string name;
+        int width;
         unsigned int bytesPerPixel;
         Bytes pixels;
+    } cases[] = {
+        {"grey-1", 3, 3, {255, 255, 255, 0, 0, 0, 255, 255, 255}},
+        {"grey-4", 2, 3, {17, 17, 17, 255, 255, 255}},
+        {"grey-8", 1, 3, {9, 9, 9, 200, 200, 200}},
+        {"grey-16", 1, 3, {0x13, 0x13, 0x13}}, // 0x12FF, which is nearer to 0x13 of 8 bits than to 0x12
+        {"grey-transparent", 2, 4, {9, 9, 9, 0, 10, 10, 10, 255}},
+        {"grey-alpha-8", 1, 4, {64, 64, 64, 32}},
+        {"grey-alpha-16", 1, 4, {64, 64, 64, 32}},
+        {"rgb-8", 1, 3, {1, 2, 3, 4, 5, 6}},
+        {"rgb-16", 1, 3, {1, 2, 0x13}},
+        {"rgb-transparent", 2, 4, {1, 2, 3, 0, 1, 2, 4, 255}},
+        {"rgba-8", 1, 4, {1, 2, 3, 4}},
+        {"rgba-16", 1, 4, {1, 2, 3, 4}},
+        {"palette-2", 3, 3, {0, 255, 0, 0, 0, 255, 255, 255, 255}},
+        {"palette-8-alpha", 2, 4, {0, 0, 255, 7, 255, 0, 0, 0}},
+        {"interlaced", 9, 3, gradient(9, 11, 3)},
     };
-    const Case cases[] = {
-        {{"grey 1", PNG_COLOR_TYPE_GRAY, 1, 3, {0xA0}}, 3, {255, 255, 255, 0, 0, 0, 255, 255, 255}},
-        {{"grey 4", PNG_COLOR_TYPE_GRAY, 4, 2, {0x1F}}, 3, {17, 17, 17, 255, 255, 255}},
-        {{"grey 8", PNG_COLOR_TYPE_GRAY, 8, 1, {9, 200}}, 3, {9, 9, 9, 200, 200, 200}},
-        // 0x12FF is nearer to 0x13 of 8 bits than to 0x12.
-        {{"grey 16", PNG_COLOR_TYPE_GRAY, 16, 1, {0x12, 0xFF}}, 3, {0x13, 0x13, 0x13}},
-        {{"grey, one transparent", PNG_COLOR_TYPE_GRAY, 8, 2, {9, 10}, {9}}, 4, {9, 9, 9, 0, 10, 10, 10, 255}},
-        {{"grey-alpha 8", PNG_COLOR_TYPE_GRAY_ALPHA, 8, 1, {64, 32}}, 4, {64, 64, 64, 32}},
-        {{"grey-alpha 16", PNG_COLOR_TYPE_GRAY_ALPHA, 16, 1, {64, 64, 32, 32}}, 4, {64, 64, 64, 32}},
-        {{"RGB 8", PNG_COLOR_TYPE_RGB, 8, 1, {1, 2, 3, 4, 5, 6}}, 3, {1, 2, 3, 4, 5, 6}},
-        {{"RGB 16", PNG_COLOR_TYPE_RGB, 16, 1, {1, 1, 2, 2, 0x12, 0xFF}}, 3, {1, 2, 0x13}},
-        {{"RGB, one transparent", PNG_COLOR_TYPE_RGB, 8, 2, {1, 2, 3, 1, 2, 4}, {1, 2, 3}},
-         4,
-         {1, 2, 3, 0, 1, 2, 4, 255}},
-        {{"RGBA 8", PNG_COLOR_TYPE_RGB_ALPHA, 8, 1, {1, 2, 3, 4}}, 4, {1, 2, 3, 4}},
-        {{"RGBA 16", PNG_COLOR_TYPE_RGB_ALPHA, 16, 1, {1, 1, 2, 2, 3, 3, 4, 4}}, 4, {1, 2, 3, 4}},
-        {{"palette 2", PNG_COLOR_TYPE_PALETTE, 2, 3, {0x6C}}, 3, {0, 255, 0, 0, 0, 255, 255, 255, 255}},
-        {{"palette 8 with alpha", PNG_COLOR_TYPE_PALETTE, 8, 2, {2, 0}, {0, 255, 7}}, 4, {0, 0, 255, 7, 255, 0, 0, 0}},
-        {{"interlaced", PNG_COLOR_TYPE_RGB, 8, 9, gradient(9, 11, 3), {}, true}, 3, gradient(9, 11, 3)},
-    };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
-        const Bytes file = encoded(c.file);
         gui::Texture texture;
-        ASSERT_TRUE(texture.loadFromMemory(file.data(), file.size())) << c.file.name;
-        EXPECT_TRUE(texture.isOk()) << c.file.name;
-        EXPECT_EQ(texture.getWidth(), int(c.file.width)) << c.file.name;
-        EXPECT_EQ(texture.getBytesPerPixel(), c.bytesPerPixel) << c.file.name;
-        EXPECT_EQ(pixelsOf(texture), c.pixels) << c.file.name;
+        ASSERT_TRUE(texture.loadFromFile((":kinds/" + c.name + ".png").c_str())) << c.name;
+        EXPECT_TRUE(texture.isOk()) << c.name;
+        EXPECT_EQ(texture.getWidth(), c.width) << c.name;
+        EXPECT_EQ(texture.getBytesPerPixel(), c.bytesPerPixel) << c.name;
+        EXPECT_EQ(pixelsOf(texture), c.pixels) << c.name;
     }
 }
 
 TEST(Texture, DecodesEveryKindOfJPEG)
 {
-    struct Case
-    {
-        test::JPEGFile file;
-        Bytes expected; // the colour of all pixels
+    // With Adobe's marker the file has what is left of the paper's white: 200 of red * 128 / 255, and so on.
+    const std::pair<std::string, std::array<int, 3>> cases[] = {
+        {"grey", {100, 100, 100}},       {"ycbcr", {200, 100, 50}},     {"rgb", {200, 100, 50}},
+        {"progressive", {200, 100, 50}}, {"cmyk-adobe", {100, 50, 25}}, {"ycck-adobe", {100, 50, 25}},
+        {"cmyk-inks", {100, 50, 25}},
     };
-    const auto filled = [](std::initializer_list<td::BYTE> pixel)
+    for (const auto& [name, color] : cases)
     {
-        Bytes pixels;
-        for (int i = 0; i < 10 * 6; ++i)
-            pixels.insert(pixels.end(), pixel);
-        return pixels;
-    };
-    const Case cases[] = {
-        {{"grey", JCS_GRAYSCALE, JCS_GRAYSCALE, 10, filled({100})}, {100, 100, 100}},
-        {{"YCbCr", JCS_RGB, JCS_YCbCr, 10, filled({200, 100, 50})}, {200, 100, 50}},
-        {{"RGB", JCS_RGB, JCS_RGB, 10, filled({200, 100, 50})}, {200, 100, 50}},
-        {{"progressive", JCS_RGB, JCS_YCbCr, 10, filled({200, 100, 50}), true}, {200, 100, 50}},
-        // With Adobe's marker the values are what is left of the paper's white: 200 * 128 / 255, and so on.
-        {{"CMYK, Adobe", JCS_CMYK, JCS_CMYK, 10, filled({200, 100, 50, 128})}, {100, 50, 25}},
-        {{"YCCK, Adobe", JCS_CMYK, JCS_YCCK, 10, filled({200, 100, 50, 128})}, {100, 50, 25}},
-        {{"CMYK, inks", JCS_CMYK, JCS_CMYK, 10, filled({55, 155, 205, 127}), false, false}, {100, 50, 25}},
-    };
-    for (const Case& c : cases)
-    {
-        const Bytes file = encoded(c.file);
         gui::Texture texture;
-        ASSERT_TRUE(texture.loadFromMemory(file.data(), file.size())) << c.file.name;
-        EXPECT_EQ(texture.getWidth(), 10) << c.file.name;
-        EXPECT_EQ(texture.getHeight(), 6) << c.file.name;
-        ASSERT_EQ(texture.getBytesPerPixel(), 3u) << c.file.name;
+        ASSERT_TRUE(texture.loadFromFile((":kinds/" + name + ".jpg").c_str())) << name;
+        EXPECT_EQ(texture.getWidth(), 10) << name;
+        EXPECT_EQ(texture.getHeight(), 6) << name;
+        ASSERT_EQ(texture.getBytesPerPixel(), 3u) << name;
         const Bytes pixels = pixelsOf(texture);
         int worst = 0;
         for (std::size_t i = 0; i < pixels.size(); ++i)
-            worst = std::max(worst, std::abs(int(pixels[i]) - int(c.expected[i % 3])));
-        EXPECT_LE(worst, 2) << c.file.name; // luma and chroma are rounded before they are mixed again
+            worst = std::max(worst, std::abs(int(pixels[i]) - color[i % 3]));
+        EXPECT_LE(worst, 2) << name; // luma and chroma are rounded before they are mixed again
     }
 }
 
