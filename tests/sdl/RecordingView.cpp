@@ -152,7 +152,7 @@ void RecordingView::onResize(const td::Size<double>& size)
 void RecordingView::cleanResources()
 {
     checkContext();
-    isCleaned = true;
+    ++nCleanUps;
 }
 
 void RecordingView::add(const std::string& what, const gui::InputDevice& device)

@@ -36,7 +36,8 @@ public:
     std::vector<std::string> lines;
     std::vector<td::Size<double>> sizes; ///< that onResize was told
     int nFrames = 0;
-    bool isCleaned = false;
+    int nFramesLeft = 1'000'000; ///< until an animation ends
+    int nCleanUps = 0;
     bool isContextWrong = false;      ///< somebody else's context was current in a callback
     bool isPictureWrong = false;      ///< a frame's corner was not what had been drawn there
     std::uint32_t topLeft = 0xE02020; ///< the colour of the first field
@@ -56,7 +57,7 @@ protected:
     void onDraw(const td::RectNormalized<double>& rect) override;
     void onResize(const td::Size<double>& size) override;
     void cleanResources() override;
-    bool prepareNextFrame() override { return true; }
+    bool prepareNextFrame() override { return --nFramesLeft > 0; }
 
     void onPrimaryButtonPressed(const gui::InputDevice& device) override { add("press", device); }
     void onPrimaryButtonReleased(const gui::InputDevice& device) override;

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 namespace test
 {
@@ -40,13 +41,14 @@ const char* const cTitles[] = {"Weston Compositor - screen0", "Weston Compositor
 
 } // namespace
 
-Weston::Weston(const std::string& layouts)
-    : _pServer(std::make_unique<XServer>())
+Weston::Weston(std::string layouts)
+    : _layouts(std::move(layouts))
+    , _pServer(std::make_unique<XServer>())
 {
     if (!_pServer->isOk())
         return;
     // It takes the layouts over when it starts.
-    _pServer->setLayouts(layouts);
+    _pServer->setLayouts(_layouts);
     std::string folder = testing::TempDir() + "guigl-weston-XXXXXX";
     if (mkdtemp(folder.data()) == nullptr)
         return;
@@ -64,7 +66,7 @@ Weston::Weston(const std::string& layouts)
     if (!waitFor(isReady))
         return;
     constexpr int cLeftOfSecond = 660;
-    _pServer->move(_pServer->findWindow(cTitles[1]), cLeftOfSecond, 0);
+    xdo("windowmove " + std::to_string(_pServer->findWindow(cTitles[1])) + " " + std::to_string(cLeftOfSecond) + " 0");
     setenv("WAYLAND_DISPLAY", "wayland-test", 1);
     // The shell has painted the background when it is ready for windows.
     constexpr std::uint32_t cBackground = 0x303030;
@@ -73,10 +75,10 @@ Weston::Weston(const std::string& layouts)
         {
             const auto isPainted = [&](int number)
             {
-                const XServer::Place place = output(number);
+                const XServer::Place place = area(number);
                 return place.width > 0 && _pServer->shoot(place).at(place.width - 1, place.height - 1) == cBackground;
             };
-            return output(1).x == cLeftOfSecond && isPainted(0) && isPainted(1);
+            return area(1).x == cLeftOfSecond && isPainted(0) && isPainted(1);
         });
 }
 
@@ -88,23 +90,13 @@ Weston::~Weston()
         std::filesystem::remove_all(_folder, error);
 }
 
-XServer::Place Weston::output(int number) const { return _pServer->placeOf(_pServer->findWindow(cTitles[number])); }
+XServer::Place Weston::area(int number) const { return _pServer->placeOf(_pServer->findWindow(cTitles[number])); }
 
 void Weston::goTo(int number) const
 {
-    const XServer::Place place = output(number);
-    _pServer->setFocus(_pServer->findWindow(cTitles[number]));
-    xdo("mousemove " + std::to_string(place.x + place.width - 2) + " " + std::to_string(place.y + place.height - 2));
-}
-
-std::optional<XServer::Place> Weston::find(std::uint32_t color) const
-{
-    const Screenshot screen = _pServer->shoot({0, 0, 1280, 1024});
-    for (int y = 0; y < screen.height; ++y)
-        for (int x = 0; x < screen.width; ++x)
-            if (screen.at(x, y) == color)
-                return XServer::Place{x, y, 0, 0};
-    return std::nullopt;
+    const XServer::Place place = area(number);
+    xdo("windowfocus " + std::to_string(_pServer->findWindow(cTitles[number])) + " mousemove " +
+        std::to_string(place.x + place.width - 2) + " " + std::to_string(place.y + place.height - 2));
 }
 
 } // namespace test

@@ -1,8 +1,7 @@
 #include "X11Fixture.h"
 
-#include "support/Pinning.h"
-
 #include <cstdlib>
+#include <memory>
 
 namespace test
 {
@@ -10,64 +9,64 @@ namespace test
 namespace
 {
 
-std::unique_ptr<XServer> s_pServer;
+class X11Desktop : public Desktop
+{
+public:
+    X11Desktop() { _isOk = _server.isOk() && _server.startWindowManager(); }
 
-class Desktop : public testing::Environment
+    bool isOk() const override { return _isOk; }
+    const XServer& server() const override { return _server; }
+    XServer::Place area(int place) const override { return {640 * place, 0, 640, 1024}; }
+    int scale(int) const override { return 1; }
+    void goTo(int) const override { xdo("mousemove 1279 1023"); }
+    bool bring(const std::string& title, int place) const override
+    {
+        const XServer::Window window = _server.findWindow(title);
+        if (window == 0)
+            return false;
+        constexpr int cMargin = 100;
+        if (const int x = _server.placeOf(window).x - area(place).x; x < cMargin || x > 2 * cMargin)
+        {
+            xdo("windowmove " + std::to_string(window) + " " + std::to_string(area(place).x + cMargin) + " 100");
+            return false;
+        }
+        return _server.focus() == window;
+    }
+    bool setLayouts(const std::string& layouts) const override
+    {
+        _server.setLayouts(layouts);
+        return true;
+    }
+
+private:
+    XServer _server;
+    bool _isOk = false;
+};
+
+std::unique_ptr<X11Desktop> s_pDesktop;
+
+class Environment : public testing::Environment
 {
 public:
     void SetUp() override
     {
         setenv("GUIGL_WINDOW_SYSTEM", "x11", 1);
-        s_pServer = std::make_unique<XServer>();
-        ASSERT_TRUE(s_pServer->isOk() && s_pServer->startWindowManager());
+        s_pDesktop = std::make_unique<X11Desktop>();
+        ASSERT_TRUE(s_pDesktop->isOk());
     }
     // The server stays until the program has ended: it would take the program with it.
 };
 
-testing::Environment* const s_pDesktop = testing::AddGlobalTestEnvironment(new Desktop);
+testing::Environment* const s_pEnvironment = testing::AddGlobalTestEnvironment(new Environment);
 
 } // namespace
 
-XServer& xServer() { return *s_pServer; }
-
-X11Fixture::X11Fixture()
-{
-    theApplication() = &app;
-    EXPECT_TRUE(log.said("Application runs on window system: x11"));
-    xServer().setLayouts("us");
-    movePointerAway();
-}
-
-X11Fixture::~X11Fixture()
-{
-    theApplication() = nullptr;
-    pinLoadedLibraries();
-}
-
-void X11Fixture::show(gui::Window& window, RecordingView& view, const char* title)
-{
-    ASSERT_TRUE(window.show(view));
-    ASSERT_TRUE(waitInLoop([&] { return xServer().findWindow(title) != 0 && view.nFrames > 0; }));
-    ASSERT_TRUE(waitInLoop([&] { return xServer().focus() == xServer().findWindow(title); }));
-    ASSERT_TRUE(showsItsFrame(title, view));
-    view.forgetLines();
-}
+Desktop& desktop() { return *s_pDesktop; }
 
 std::string X11Fixture::at(const char* title, int x, int y)
 {
     const XServer::Place place = xServer().placeOf(xServer().findWindow(title));
     return "mousemove " + std::to_string(place.x + x) + " " + std::to_string(place.y + y);
-}
-
-testing::AssertionResult X11Fixture::showsItsFrame(const char* title, RecordingView& view)
-{
-    const XServer::Window window = xServer().findWindow(title);
-    const Screenshot grabbed = view.grab();
-    Screenshot seen;
-    if (waitInLoop([&] { return (seen = xServer().shoot(xServer().placeOf(window))) == grabbed; }, 10))
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "a frame of " << grabbed.width << " x " << grabbed.height
-                                       << " in a window of " << seen.width << " x " << seen.height << " differs";
 }
 
 } // namespace test

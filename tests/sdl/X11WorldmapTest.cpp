@@ -139,11 +139,9 @@ TEST_F(X11WorldmapTest, TheOverviewFollowsAndLeads)
     const XServer::Place place = xServer().placeOf(id);
     xdo("mousemove " + std::to_string(place.x + 300) + ' ' + std::to_string(place.y + 100) + " click 1");
     expectRectangle(overview.getModelPoint({300, 100}));
-    xServer().setFocus(id);
-    act("key o", [&] { return !isOpen(); });
+    act("windowfocus " + std::to_string(id) + " key o", [&] { return !isOpen(); });
     // The map takes an overview along that is still open.
-    xServer().setFocus(xServer().findWindow("World map"));
-    act("key o", isOpen);
+    act("windowfocus " + std::to_string(xServer().findWindow("World map")) + " key o", isOpen);
 }
 
 } // namespace

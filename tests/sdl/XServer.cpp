@@ -136,30 +136,6 @@ XServer::Place XServer::placeOf(Window window) const
     return {x, y, attributes.width, attributes.height};
 }
 
-void XServer::move(Window window, int x, int y) const
-{
-    XMoveWindow(_pDisplay, window, x, y);
-    XSync(_pDisplay, False);
-}
-
-void XServer::resize(Window window, int width, int height) const
-{
-    XResizeWindow(_pDisplay, window, static_cast<unsigned int>(width), static_cast<unsigned int>(height));
-    XSync(_pDisplay, False);
-}
-
-void XServer::iconify(Window window) const
-{
-    XIconifyWindow(_pDisplay, window, DefaultScreen(_pDisplay));
-    XSync(_pDisplay, False);
-}
-
-void XServer::map(Window window) const
-{
-    XMapWindow(_pDisplay, window);
-    XSync(_pDisplay, False);
-}
-
 void XServer::toggle(Window window, const char* state, const char* secondState) const
 {
     constexpr long cToggle = 2;
@@ -197,12 +173,6 @@ XServer::Window XServer::focus() const
     return window;
 }
 
-void XServer::setFocus(Window window) const
-{
-    XSetInputFocus(_pDisplay, window, RevertToPointerRoot, CurrentTime);
-    XSync(_pDisplay, False);
-}
-
 Screenshot XServer::shoot(const Place& place) const
 {
     XImage* const pImage = XGetImage(_pDisplay, _root, place.x, place.y, static_cast<unsigned int>(place.width),
@@ -215,6 +185,16 @@ Screenshot XServer::shoot(const Place& place) const
             screenshot.pixels.push_back(static_cast<std::uint32_t>(XGetPixel(pImage, x, y)) & 0xFFFFFF);
     XDestroyImage(pImage);
     return screenshot;
+}
+
+XServer::Place XServer::find(std::uint32_t color, const Place& part) const
+{
+    const Screenshot screen = shoot(part);
+    for (int y = 0; y < screen.height; ++y)
+        for (int x = 0; x < screen.width; ++x)
+            if (screen.at(x, y) == color)
+                return {part.x + x, part.y + y, 0, 0};
+    return {part.x + part.width, part.y + part.height, 0, 0};
 }
 
 std::uint64_t XServer::cursor() const

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,19 +49,16 @@ public:
         int height;
     };
     Place placeOf(Window window) const;
-    void move(Window window, int x, int y) const;
-    void resize(Window window, int width, int height) const;
-    void iconify(Window window) const;
-    void map(Window window) const;
     /// Asks the window manager to turn states of a window, as a key of its own would: "_NET_WM_STATE_FULLSCREEN", say.
     void toggle(Window window, const char* state, const char* secondState = nullptr) const;
     /// As the close button of its frame does.
     void askToClose(Window window) const;
     Window focus() const;
-    void setFocus(Window window) const;
 
     /// What the screen shows there.
     Screenshot shoot(const Place& place) const;
+    /// The first corner of what is seen of a colour in a part of the screen; where that ends when there is none.
+    Place find(std::uint32_t color, const Place& part) const;
     /// The pointer's shape: a number that is the same for the same picture.
     std::uint64_t cursor() const;
 
@@ -79,7 +75,7 @@ private:
     Window _root = 0;
 };
 
-/// xdotool with these arguments; they are split at spaces.
+/// xdotool with these arguments; they are split at spaces. It moves, resizes, minimises, maps and focuses windows too.
 void xdo(const std::string& arguments);
 
 } // namespace test

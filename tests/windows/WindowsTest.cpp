@@ -1,12 +1,13 @@
-#include "TestView.h"
-
+#include "sdl/RecordingView.h"
+#include "sdl/WaitInLoop.h"
+#include "src/native/GLView.h"
 #include "support/CapturedLog.h"
+#include "toolkit/src/offscreen/OffscreenWindowSystem.h"
 
 #include <gui/Application.h>
-#include <gui/Texture.h>
+#include <gui/Display.h>
 #include <gui/Window.h>
-#include <gui/gl/CurrentContext.h>
-#include <td/Types.h>
+#include <gui/gl/OrthoView.h>
 
 #include <gtest/gtest.h>
 
@@ -15,74 +16,88 @@
 #include <ctime>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <thread>
 
 namespace
 {
 
-using gui::gl::CurrentContext;
-using test::TestView;
+using gui::gl::Context;
 using Clock = std::chrono::steady_clock;
+
+class TestView : public test::RecordingView
+{
+public:
+    explicit TestView(Context::Animation animation = Context::Animation::Off) { create(animation); }
+};
 
 class Windows : public testing::Test
 {
 protected:
-    Windows() { log.take(); } // the window system in use
+    Windows() { start(); }
+    ~Windows() override { gui::setOffscreenScale(1); }
+
+    void start()
+    {
+        app.emplace(0, nullptr);
+        test::theApplication() = &*app;
+        log.take(); // the window system in use
+    }
 
     // Turns until nothing is due.
     void settle()
     {
         for (int i = 0; i < 5; ++i)
-            app.step(0);
+            app->step(0);
     }
 
     test::CapturedLog log;
-    gui::Application app{0, nullptr};
+    std::optional<gui::Application> app;
 };
 
 // A window of another size than the view's own: the view must hear of it once, not once per step of being shown.
 TEST_F(Windows, ShowingTellsTheSizeOnceAndDrawsOnce)
 {
-    TestView view(td::ColorID::Red);
+    TestView view;
     gui::Window window("Window", {320, 200});
     ASSERT_TRUE(window.show(view));
     view.reRender();
     view.reDraw();
     settle();
     EXPECT_EQ(view.sizes, (std::vector<td::Size<double>>{{320, 200}}));
-    EXPECT_EQ(view.nDraws, 1);
+    EXPECT_EQ(view.nFrames, 1);
     window.setSize({320, 200});
     settle();
-    EXPECT_EQ(view.nDraws, 1);
+    EXPECT_EQ(view.nFrames, 1);
     window.setSize({100, 50});
     settle();
     EXPECT_EQ(view.sizes.back(), (td::Size<double>{100, 50}));
     EXPECT_EQ(view.sizes.size(), 2U);
-    EXPECT_EQ(view.nDraws, 2);
+    EXPECT_EQ(view.nFrames, 2);
     // Asked for inside a draw, it is one more.
-    view.inDraw = [&view]
+    view.onFrame = [&view]
     {
-        if (view.nDraws == 3)
+        if (view.nFrames == 3)
             view.reDraw();
     };
     view.reDraw();
     settle();
-    EXPECT_EQ(view.nDraws, 4);
+    EXPECT_EQ(view.nFrames, 4);
 }
 
 // A loop that polls, or a clock that goes on, would burn the battery of whoever leaves the window open.
 TEST_F(Windows, NothingToDoCostsNothing)
 {
-    TestView view(td::ColorID::Red);
+    TestView view;
     gui::Window window("Window", {32, 32});
     window.show(view);
     settle();
     const std::clock_t before = std::clock();
     const auto begin = Clock::now();
-    EXPECT_TRUE(app.step(0.5));
+    EXPECT_TRUE(app->step(0.5));
     EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(490));
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 20);
-    EXPECT_EQ(view.nDraws, 1);
+    EXPECT_EQ(view.nFrames, 1);
 }
 
 TEST_F(Windows, AFunctionFromAnotherThreadWakesTheLoop)
@@ -96,7 +111,7 @@ TEST_F(Windows, AFunctionFromAnotherThreadWakesTheLoop)
             gui::ZavObject::asyncCall(new std::function<void()>([&hasRun] { hasRun = true; }), true);
         });
     while (!hasRun && Clock::now() - begin < std::chrono::seconds(20))
-        app.step(20);
+        app->step(20);
     thread.join();
     EXPECT_TRUE(hasRun);
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
@@ -105,26 +120,26 @@ TEST_F(Windows, AFunctionFromAnotherThreadWakesTheLoop)
 // The clock runs only in a window, never faster than the range allows, and ends with the answer of prepareNextFrame.
 TEST_F(Windows, AnAnimationEndsWhenTheViewSaysSo)
 {
-    TestView view(td::ColorID::Red, true);
+    TestView view(Context::Animation::On);
     EXPECT_TRUE(view.isAnimated());
-    app.step(0.05);
-    EXPECT_EQ(view.nDraws, 0);
+    app->step(0.05);
+    EXPECT_EQ(view.nFrames, 0);
 
     gui::Window window("Window", {32, 32});
     window.show(view);
     view.nFramesLeft = 6;
     const auto begin = Clock::now();
     while (view.isAnimated())
-        ASSERT_TRUE(app.step(5));
+        ASSERT_TRUE(app->step(5));
     // The first draw is the window's; five frames follow at 60 a second.
     EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(4 * 16));
-    const int nDraws = view.nDraws;
-    app.step(0.1);
-    EXPECT_EQ(view.nDraws, nDraws);
+    const int nFrames = view.nFrames;
+    app->step(0.1);
+    EXPECT_EQ(view.nFrames, nFrames);
 
     // Frames that a long one covers are not made up for: after the one that is due, each waits for its time.
     std::optional<Clock::time_point> endOfLongFrame;
-    view.inDraw = [&endOfLongFrame]
+    view.onFrame = [&endOfLongFrame]
     {
         if (endOfLongFrame)
             return;
@@ -135,8 +150,8 @@ TEST_F(Windows, AnAnimationEndsWhenTheViewSaysSo)
     view.startAnimation();
     view.startAnimation();
     while (view.isAnimated())
-        ASSERT_TRUE(app.step(5));
-    EXPECT_EQ(view.nDraws, nDraws + 6);
+        ASSERT_TRUE(app->step(5));
+    EXPECT_EQ(view.nFrames, nFrames + 6);
     ASSERT_TRUE(endOfLongFrame);
     EXPECT_GE(Clock::now() - *endOfLongFrame, std::chrono::milliseconds(3 * 16));
 }
@@ -144,34 +159,119 @@ TEST_F(Windows, AnAnimationEndsWhenTheViewSaysSo)
 // Each view's callbacks find its own context current, and each window shows its own view.
 TEST_F(Windows, TwoWindowsHaveTwoContexts)
 {
-    TestView red(td::ColorID::Red);
-    const CurrentContext::ID redContext = CurrentContext::getID();
-    TestView blue(td::ColorID::Blue);
-    const CurrentContext::ID blueContext = CurrentContext::getID();
-    ASSERT_NE(redContext, blueContext);
-    red.inDraw = [redContext] { EXPECT_EQ(CurrentContext::getID(), redContext); };
-    blue.inDraw = [blueContext] { EXPECT_EQ(CurrentContext::getID(), blueContext); };
-    gui::Window redWindow("Red", {16, 8});
-    gui::Window blueWindow("Blue", {8, 16});
-    redWindow.show(red);
-    blueWindow.show(blue);
+    TestView first;
+    TestView second;
+    second.topLeft = 0xC020C0;
+    gui::Window firstWindow("First", {16, 8});
+    gui::Window secondWindow("Second", {8, 16});
+    firstWindow.show(first);
+    secondWindow.show(second);
+    const test::Screenshot firstPicture = first.grab(), secondPicture = second.grab();
+    EXPECT_EQ(firstPicture.width, 16);
+    EXPECT_EQ(firstPicture.at(0, 0), first.topLeft);
+    EXPECT_EQ(secondPicture.height, 16);
+    EXPECT_EQ(secondPicture.at(0, 0), second.topLeft);
+    EXPECT_FALSE(first.isContextWrong || second.isContextWrong);
+}
 
-    gui::Texture redPicture;
-    gui::Texture bluePicture;
-    int nPictures = 0;
-    red.readFrameFrameBuffer(redPicture, [&nPictures] { ++nPictures; });
-    blue.readFrameFrameBuffer(bluePicture, [&nPictures] { ++nPictures; });
+// An event comes between the change and the frame that follows it.
+TEST_F(Windows, AnotherScaleChangesPixelsAndNothingElse)
+{
+    constexpr td::Size<double> cSize{160, 120};
+    TestView view;
+    TestView neighbour;
+    gui::gl::OrthoView plane;
+    plane.createContext(true);
+    gui::Window window("Window", cSize), other("Other", cSize), third("Plane", cSize);
+    window.show(view);
+    other.show(neighbour);
+    third.show(plane);
     settle();
-    EXPECT_EQ(nPictures, 2);
-    ASSERT_EQ(redPicture.getWidth(), 16);
-    ASSERT_EQ(bluePicture.getHeight(), 16);
-    const auto pixel = [](const gui::Texture& picture)
+    const glm::mat4 projection = plane.getProjection();
+    for (const float scale : {1.0F, 1.25F, 2.0F, 1.25F, 1.0F})
     {
-        const td::BYTE* p = picture.getBytes();
-        return std::array<int, 3>{p[0], p[1], p[2]};
+        SCOPED_TRACE(scale);
+        gui::setOffscreenScale(scale);
+        using gui::gl::ButtonEvent;
+        dynamic_cast<gui::gl::GLView&>(*view.getHandle())
+            .onButton({ButtonEvent::Button::Left, true, true, 1, 0, {140, 100}});
+        EXPECT_TRUE(view.hasHeard({"press 140,100 x1"}));
+        EXPECT_EQ(gui::Display::getDefaultBackingScaleFactor(), scale);
+        for (TestView* const pView : {&view, &neighbour})
+        {
+            EXPECT_EQ(pView->getPixelHiDPIScale(), scale);
+            const test::Screenshot frame = pView->readPixels();
+            EXPECT_EQ(frame.width, static_cast<int>(160 * scale));
+            EXPECT_EQ(frame.height, static_cast<int>(120 * scale));
+            EXPECT_EQ(frame.at(0, 0), pView->topLeft);
+            EXPECT_FALSE(pView->isPictureWrong || pView->isContextWrong);
+        }
+        EXPECT_EQ(plane.getProjection(), projection);
+    }
+    EXPECT_EQ(window.getSize(), cSize);
+}
+
+// Outside of a draw and inside, each in a program of its own.
+TEST_F(Windows, WindowViewAndProgramEndInAnyOrder)
+{
+    std::unique_ptr<TestView> view;
+    std::unique_ptr<gui::Window> window;
+    const auto show = [&](Context::Animation animation = Context::Animation::Off)
+    {
+        window.reset();
+        view.reset();
+        start();
+        view = std::make_unique<TestView>(animation);
+        window = std::make_unique<gui::Window>("Window", td::Size<double>{32, 32});
+        window->show(*view);
     };
-    EXPECT_EQ(pixel(redPicture), (std::array<int, 3>{255, 0, 0}));
-    EXPECT_EQ(pixel(bluePicture), (std::array<int, 3>{0, 0, 255}));
+    show();
+    app->step(0);
+    window.reset();
+    EXPECT_EQ(view->nCleanUps, 1);
+    EXPECT_FALSE(view->isContextWrong);
+    EXPECT_FALSE(app->step(0)) << "the last window is closed";
+
+    show();
+    app->step(0);
+    view.reset();
+    EXPECT_FALSE(window->isOpen());
+    EXPECT_EQ(app->run(), 0);
+
+    show();
+    view->onFrame = [] { gui::Application::quit(7); };
+    EXPECT_EQ(app->run(), 7);
+
+    show();
+    view->onFrame = [&] { window.reset(); };
+    EXPECT_EQ(app->run(), 0);
+    EXPECT_EQ(view->nCleanUps, 1);
+
+    show();
+    view->onFrame = [&]
+    {
+        const std::function<void()> keep = std::move(view->onFrame);
+        view.reset();
+    };
+    app->step(0);
+    EXPECT_EQ(view, nullptr);
+
+    show(Context::Animation::On);
+    app->step(0);
+    app.reset();
+}
+
+TEST_F(Windows, AnExceptionLeavesTheLoopUsable)
+{
+    TestView view;
+    gui::Window window("Window", {32, 32});
+    window.show(view);
+    view.onFrame = [] { throw std::runtime_error("draw"); };
+    EXPECT_THROW(app->step(0), std::runtime_error);
+    view.onFrame = nullptr;
+    view.reRender();
+    app->step(0);
+    EXPECT_EQ(view.nFrames, 2);
 }
 
 // A login window before the main one: what ended the first run must not end the second.
@@ -235,7 +335,7 @@ TEST_F(Windows, MisuseIsToldAndHarmless)
     EXPECT_FALSE(window.show(view));
     EXPECT_TRUE(log.said("Error! Window::show view without a native view! Create its context first!"));
     window.close();
-    TestView good(td::ColorID::Red);
+    TestView good;
     EXPECT_FALSE(window.show(good));
     EXPECT_TRUE(log.said("Error! Window::show on a closed window!"));
     window.setSize({10, 10});

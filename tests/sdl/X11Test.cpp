@@ -1,0 +1,216 @@
+// What a window manager does with windows, and what only X11 has for a user.
+
+#include "DesktopTest.h"
+
+#include <gui/ZavObject.h>
+
+#include <thread>
+
+namespace test
+{
+
+namespace
+{
+
+class X11Test : public DesktopTest
+{
+protected:
+    static const XServer& xServer() { return desktop().server(); }
+};
+
+INSTANTIATE_TEST_SUITE_P(X11, DesktopTest, testing::Values(0));
+INSTANTIATE_TEST_SUITE_P(X11, X11Test, testing::Values(0));
+
+TEST_P(X11Test, ControlReleaseIsTheSecondaryButtons)
+{
+    xdo("keydown super click 1 keyup super");
+    EXPECT_TRUE(view.hasHeard({"press 40,30 x1+Ctrl", "release2 40,30 x1+Ctrl"}));
+}
+
+// The release is not the last of its event: the pointer left on the way.
+TEST_P(X11Test, ADragOutsideMayEndTheView)
+{
+    view.onRelease = [this] { window.close(); };
+    xdo("mousedown 1");
+    xdo(at(350, -20));
+    EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "drag 350,-20"}));
+    xdo("mouseup 1");
+    EXPECT_TRUE(view.hasHeard({"release 350,-20 x1"}));
+    EXPECT_EQ(view.nCleanUps, 1);
+}
+
+TEST_P(X11Test, HeldKeyRepeatsAndIsReleasedOnce)
+{
+    xdo("keydown 38");
+    ASSERT_TRUE(waitInLoop([&] { return view.lines.size() >= 4; }));
+    xdo("keyup 38");
+    ASSERT_TRUE(waitInLoop([&] { return view.lines.back() == "up key 'a'"; }));
+    for (std::size_t i = 0; i + 1 < view.lines.size(); ++i)
+        EXPECT_EQ(view.lines[i], "key 'a'");
+}
+
+TEST_P(X11Test, FocusGoesToTheOtherWindow)
+{
+    desktop().goTo(0);
+    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty(); }));
+    view.forgetLines();
+    view.registerForFocusEvents();
+    RecordingView other;
+    other.create();
+    other.registerForFocusEvents();
+    gui::Window otherWindow("Other", {200, 100});
+    ASSERT_TRUE(otherWindow.show(other));
+    EXPECT_TRUE(view.hasHeard({"no focus"}));
+    EXPECT_TRUE(other.hasHeard({"focus"}));
+    otherWindow.close();
+    EXPECT_TRUE(view.hasHeard({"focus"}));
+}
+
+TEST_P(X11Test, CursorBelongsToItsWindow)
+{
+    desktop().goTo(0);
+    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty(); }));
+    view.forgetLines();
+    const std::uint64_t outside = xServer().cursor();
+    view.setCursor(gui::Cursor::Type::Pan, true);
+    xdo(at(40, 30));
+    ASSERT_TRUE(view.hasHeard({"enter 40,30"}));
+    std::uint64_t pan = 0;
+    EXPECT_TRUE(waitInLoop([&] { return (pan = xServer().cursor()) != outside; }));
+    view.setCursor(gui::Cursor::Type::Default, false);
+    view.setCursor(gui::Cursor::Type::Pan, true);
+    view.setCursor(gui::Cursor::Type::Default, true);
+    EXPECT_TRUE(waitInLoop([&] { return xServer().cursor() != pan; }));
+
+    // Another window keeps its arrow whatever this view wants.
+    desktop().goTo(0);
+    RecordingView other;
+    other.create();
+    other.topLeft = 0xC020C0;
+    gui::Window otherWindow("Other", {200, 100});
+    ASSERT_NO_FATAL_FAILURE(show(otherWindow, other, "Other", 1));
+    xdo(at(10, 10));
+    ASSERT_TRUE(waitInLoop([&] { return !other.lines.empty(); }));
+    const std::uint64_t arrow = xServer().cursor();
+    view.setCursor(gui::Cursor::Type::Pan, true);
+    ASSERT_TRUE(showsItsFrame(other));
+    EXPECT_EQ(xServer().cursor(), arrow);
+}
+
+TEST_P(X11Test, DrawsOnceAndSleeps)
+{
+    EXPECT_EQ(view.sizes, (std::vector<td::Size<double>>{{200, 150}}));
+    // Many requests between two turns are one draw.
+    view.nFrames = 0;
+    for (int i = 0; i < 10; ++i)
+        view.reRender();
+    app.step(1);
+    EXPECT_EQ(view.nFrames, 1);
+    // Nothing happens any more: a turn is as long as it may be.
+    const auto begin = std::chrono::steady_clock::now();
+    app.step(0.3);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(300));
+    EXPECT_EQ(view.nFrames, 1);
+}
+
+TEST_P(X11Test, OtherThreadWakesTheLoop)
+{
+    bool isCalled = false;
+    std::thread thread([&] { gui::ZavObject::asyncCall(new std::function<void()>([&] { isCalled = true; }), true); });
+    const auto begin = std::chrono::steady_clock::now();
+    while (!isCalled && std::chrono::steady_clock::now() - begin < std::chrono::seconds(20))
+        app.step(60);
+    thread.join();
+    EXPECT_TRUE(isCalled);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+TEST_P(X11Test, TheWindowManagerResizesAndCloses)
+{
+    const std::string id = std::to_string(xServer().findWindow("Window"));
+    const std::pair<td::Size<double>, std::function<void()>> changes[] = {
+        {{520, 410}, [&] { xdo("windowsize " + id + " 520 410"); }},
+        {{1280, 1024}, [&] { window.setFullScreen(true); }},
+        {{520, 410}, [&] { window.setFullScreen(false); }},
+    };
+    for (const auto& [size, change] : changes)
+    {
+        change();
+        EXPECT_TRUE(waitInLoop([&] { return view.sizes.back() == size; }));
+        EXPECT_TRUE(showsItsFrame(view));
+        EXPECT_EQ(window.getSize(), size);
+    }
+    EXPECT_EQ(view.sizes.size(), 1 + std::size(changes)) << "each is told once";
+    xServer().askToClose(xServer().findWindow("Window"));
+    EXPECT_EQ(app.run(), 0);
+    EXPECT_EQ(view.nCleanUps, 1);
+}
+
+TEST_P(X11Test, FullScreenAndBack)
+{
+    constexpr td::Size<double> cScreen{1280, 1024};
+    const auto becomes = [&](const td::Size<double>& size)
+    {
+        return waitInLoop([&] { return view.sizes.back() == size && window.isFullScreen() == (size == cScreen); }) &&
+               showsItsFrame(view);
+    };
+    // The window manager makes it full, the program takes it back; and the other way round, with a size set meanwhile.
+    const XServer::Window id = xServer().findWindow("Window");
+    xServer().toggle(id, "_NET_WM_STATE_FULLSCREEN");
+    EXPECT_TRUE(becomes(cScreen));
+    window.setFullScreen(false);
+    EXPECT_TRUE(becomes({200, 150}));
+    window.setFullScreen(true);
+    EXPECT_TRUE(becomes(cScreen));
+    xServer().toggle(id, "_NET_WM_STATE_FULLSCREEN");
+    EXPECT_TRUE(becomes({200, 150}));
+    window.setFullScreen(true);
+    EXPECT_TRUE(becomes(cScreen));
+    window.setSize({320, 210});
+    window.setFullScreen(false);
+    EXPECT_TRUE(becomes({320, 210}));
+
+    // A maximised window is that again, and has not forgotten its own size.
+    const auto maximize = [&] { xServer().toggle(id, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"); };
+    maximize();
+    ASSERT_TRUE(waitInLoop([&] { return view.sizes.back().width == cScreen.width; }));
+    const td::Size<double> maximized = view.sizes.back();
+    window.setFullScreen(true);
+    EXPECT_TRUE(becomes(cScreen));
+    window.setFullScreen(false);
+    EXPECT_TRUE(becomes(maximized));
+    maximize();
+    EXPECT_TRUE(becomes({320, 210}));
+}
+
+TEST_P(X11Test, MinimisedWindowHasNoFrames)
+{
+    view.startAnimation();
+    const std::string id = std::to_string(xServer().findWindow("Window"));
+    xdo("windowminimize " + id);
+    const auto framesInAWhile = [&]
+    {
+        const int nBefore = view.nFrames;
+        waitInLoop([] { return false; }, 0.3);
+        return view.nFrames - nBefore;
+    };
+    EXPECT_TRUE(waitFor([&] { return framesInAWhile() == 0; }));
+    EXPECT_EQ(framesInAWhile(), 0);
+    const int nFrames = view.nFrames;
+    EXPECT_TRUE(view.isAnimated());
+    xdo("windowmap " + id);
+    EXPECT_TRUE(waitInLoop([&] { return view.nFrames >= nFrames + 3; }));
+}
+
+TEST_P(X11Test, ViewMovesToAnotherWindow)
+{
+    gui::Window secondWindow("After", {220, 120});
+    ASSERT_NO_FATAL_FAILURE(show(secondWindow, view, "After"));
+    EXPECT_FALSE(window.isOpen());
+    EXPECT_EQ(xServer().findWindow("Window"), 0u);
+    EXPECT_EQ(view.sizes.back(), (td::Size<double>{220, 120}));
+}
+
+} // namespace
+
+} // namespace test
