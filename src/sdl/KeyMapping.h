@@ -33,8 +33,8 @@ struct KeyMapping
 /// @param isNumLock  without it the keypad's digits are Home, End, arrows and so on
 GUIGL_API KeyMapping mapKey(SDL_Scancode scancode, bool isNumLock);
 
-/// The UTF-16 unit of an XKB symbol: a dead key's is its accent standing alone. 0 for a symbol without one, and for control
-/// characters.
+/// The UTF-16 unit of an XKB symbol: a dead key's is its accent standing alone. 0 for a symbol without one, and for
+/// control characters.
 GUIGL_API unsigned short toCharacter(std::uint32_t symbol);
 
 } // namespace gui::gl

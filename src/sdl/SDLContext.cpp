@@ -131,7 +131,8 @@ bool SDLContext::renewBuffers()
     const char* const driver = SDL_GetCurrentVideoDriver();
     if (driver != nullptr && std::strcmp(driver, "wayland") == 0)
     {
-        // Drivers ask for the size when the context is bound. A swap would copy pixels between buffers of different sizes.
+        // Drivers ask for the size when the context is bound. A swap would copy pixels between buffers of different
+        // sizes.
         SDL_GL_MakeCurrent(nullptr, nullptr);
         return makeCurrent();
     }
@@ -144,7 +145,8 @@ bool SDLContext::renewBuffers()
 
 bool SDLContext::makeCurrent()
 {
-    // SDL does nothing for the context that it made current last; somebody else may have made another one current since.
+    // SDL does nothing for the context that it made current last; somebody else may have made another one current
+    // since.
     if (CurrentContext::getID() != _id && SDL_GL_GetCurrentContext() == _context)
         SDL_GL_MakeCurrent(nullptr, nullptr);
     if (SDL_GL_MakeCurrent(_pWindow, _context) != 0)

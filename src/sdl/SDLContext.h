@@ -16,8 +16,8 @@ namespace gui::gl
 class SDLContext
 {
 public:
-    /// The context is current afterwards. When the sizes are not to be had, they are given up step by step, and a log line
-    /// says so. @param size  in points
+    /// The context is current afterwards. When the sizes are not to be had, they are given up step by step, and a log
+    /// line says so. @param size  in points
     /// @return null, after a log line that says what was asked for and what the system has
     static std::unique_ptr<SDLContext> create(const PixelFormatSizes& asked, const td::Size<int>& size);
     ~SDLContext();

@@ -18,8 +18,8 @@ namespace gui::gl
 namespace
 {
 
-// Listens to the compositor beside SDL, which keeps the layout to itself: on a queue of its own, so that nothing that SDL
-// waits for goes astray.
+// Listens to the compositor beside SDL, which keeps the layout to itself: on a queue of its own, so that nothing that
+// SDL waits for goes astray.
 class WaylandKeyboard : public Keyboard
 {
 public:

@@ -13,8 +13,8 @@
 namespace test
 {
 
-/// A view that notes each of its callbacks in its window's journal, complains there when its context is not current, and
-/// then does what the test wants to be done in there, which may be its own end.
+/// A view that notes each of its callbacks in its window's journal, complains there when its context is not current,
+/// and then does what the test wants to be done in there, which may be its own end.
 class RecordingView : public gui::gl::View
 {
 public:

@@ -107,8 +107,8 @@ std::vector<Family> allFamilies()
     return families;
 }
 
-// As many rounds as the environment says; a round is one polygon of each family distorted in each way. Most are about as
-// long as the 64 corners that make all the difference.
+// As many rounds as the environment says; a round is one polygon of each family distorted in each way. Most are about
+// as long as the 64 corners that make all the difference.
 TEST_F(EarClipperTest, EarsAreThoseOfThePlainForm)
 {
     const char* const pRounds = std::getenv("GUIGL_EAR_ROUNDS");

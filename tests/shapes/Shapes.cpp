@@ -256,9 +256,9 @@ Outline makeCrossedNeedles(Random& random, std::size_t n)
     return outline;
 }
 
-// Half of the corners have the other half in their triangles. That is an arc that bends away, of which only the last corner
-// is an ear, then the one before it and so on: one each time around. So that it bends at every corner, its steps are whole:
-// q to the right and p down for fractions p / q, from 0 to 1 one after the other.
+// Half of the corners have the other half in their triangles. That is an arc that bends away, of which only the last
+// corner is an ear, then the one before it and so on: one each time around. So that it bends at every corner, its steps
+// are whole: q to the right and p down for fractions p / q, from 0 to 1 one after the other.
 Outline makeBlocked(Random& random, std::size_t n)
 {
     const int order = static_cast<int>(2 * std::sqrt(static_cast<double>(n) / 2)) + 2;

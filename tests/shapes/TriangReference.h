@@ -19,8 +19,8 @@ struct Tessellation
     std::vector<unsigned int> indices;
 };
 
-/// The plain forms of what Triang2D does, step by step, without a thought for speed: the ear search takes up to the cube
-/// of the number of corners, bevels are inserted into the vertices.
+/// The plain forms of what Triang2D does, step by step, without a thought for speed: the ear search takes up to the
+/// cube of the number of corners, bevels are inserted into the vertices.
 namespace reference
 {
 

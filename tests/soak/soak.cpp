@@ -1,5 +1,5 @@
-// Windows that come and go, with the gallery's scenes and the map of the world in them, and a user without a plan. Fails
-// when memory or the number of open files grows after the first round, or when anything is in the log.
+// Windows that come and go, with the gallery's scenes and the map of the world in them, and a user without a plan.
+// Fails when memory or the number of open files grows after the first round, or when anything is in the log.
 
 #include "User.h"
 
@@ -227,9 +227,9 @@ int run(double seconds, unsigned int seed)
         });
     const char* const windowSystem = std::getenv("GUIGL_WINDOW_SYSTEM");
     const bool isOffscreen = windowSystem == nullptr || std::string_view(windowSystem) != "x11";
-    // What the heap may have more after a round than after the first one: the loader keeps some sixty bytes of each context,
-    // on X11 a window leaves 150, as it does in a program of SDL alone, and libX11 keeps the memory of as many events as
-    // ever waited at once.
+    // What the heap may have more after a round than after the first one: the loader keeps some sixty bytes of each
+    // context, on X11 a window leaves 150, as it does in a program of SDL alone, and libX11 keeps the memory of as many
+    // events as ever waited at once.
     const std::size_t allowedGrowth = isOffscreen ? 200'000 : 2'000'000;
     const std::unique_ptr<User> pUser = isOffscreen ? createOffscreenUser() : createX11User();
     worldmap::Countries countries;

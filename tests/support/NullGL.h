@@ -11,8 +11,8 @@
 namespace test
 {
 
-/// For tests without a driver: a null GL whose context is current, with log lines and assertions caught. GL objects that
-/// a test leaves alive fail it.
+/// For tests without a driver: a null GL whose context is current, with log lines and assertions caught. GL objects
+/// that a test leaves alive fail it.
 class NullGL : public testing::Test
 {
 protected:

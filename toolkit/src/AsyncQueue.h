@@ -23,8 +23,8 @@ public:
     void push(std::unique_ptr<std::function<void()>> fn, bool wake);
 
     /// Sets what push() does to wake a sleeping run loop; an empty one takes it away. Functions that are queued already
-    /// make it called at once. The hook runs on the posting thread under the queue's lock: it must only signal. Once this
-    /// returns, the hook that was set before is not running any more and is never called again.
+    /// make it called at once. The hook runs on the posting thread under the queue's lock: it must only signal. Once
+    /// this returns, the hook that was set before is not running any more and is never called again.
     void setWakeUp(std::function<void()> wakeUp);
 
     /// Runs what is queued now, in order, each function once; what they post is left for the next call. GUI thread. A

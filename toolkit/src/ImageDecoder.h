@@ -20,7 +20,8 @@ struct DecodedImage
     int height = 0;
     td::BYTE bytesPerPixel = 0;
 
-    /// Takes memory for an image, once its size is known to be sound. @param maxPixels  what a file of that length can hold
+    /// Takes memory for an image, once its size is known to be sound. @param maxPixels  what a file of that length can
+    /// hold
     /// @return false, with the cause and no memory taken, for a size beyond the limits that gui::Texture states
     bool allocate(unsigned int imageWidth, unsigned int imageHeight, td::BYTE pixelBytes, std::size_t maxPixels,
                   std::string& cause);

@@ -14,8 +14,8 @@ struct ByteRange
     unsigned char last;
 };
 
-// The bytes that may follow a lead byte: a few leads allow less, to keep out overlong forms (E0, F0), surrogates (ED) and
-// values above U+10FFFF (F4).
+// The bytes that may follow a lead byte: a few leads allow less, to keep out overlong forms (E0, F0), surrogates (ED)
+// and values above U+10FFFF (F4).
 constexpr ByteRange secondBytes(unsigned char lead)
 {
     switch (lead)

@@ -47,6 +47,7 @@ public:
         VertexArray
     };
 
+    /// What onChange calls.
     using Listener = void (*)();
 
     /// Tells that this context is now current. When it was not before, the current program and the colour and texture

@@ -18,8 +18,8 @@ class ZavObject;
 /// to the log; the environment variable GUIGL_WINDOW_SYSTEM ("wayland", "x11", "offscreen") overrides it.
 ///
 /// SIGINT (Ctrl-C in a terminal) and SIGTERM close the windows, the last one first, so that their views clean up, and
-/// end run; a second one ends the process at once. A program that handles these signals itself, or ignores them, goes on
-/// to: they are left alone where they are not the system's default when this is made.
+/// end run; a second one ends the process at once. A program that handles these signals itself, or ignores them, goes
+/// on to: they are left alone where they are not the system's default when this is made.
 ///
 /// One at a time. GUI thread only, which is the thread that makes it.
 class GUIGL_API Application
@@ -47,7 +47,8 @@ public:
     /// @return false when run would return: until run has, or another window opens after the last one closed
     bool step(double seconds);
 
-    /// Ends run after the handler that calls it; before run, the next one. From the GUI thread: from others, post it with ZavObject::asyncCall.
+    /// Ends run after the handler that calls it; before run, the next one. From the GUI thread: from others, post it
+    /// with ZavObject::asyncCall.
     static void quit(int code = 0);
 
     /// The window system in use: "wayland", "x11" or "offscreen".

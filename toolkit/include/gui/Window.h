@@ -28,8 +28,8 @@ public:
     /// Shows a view that has its native view already (see gui::gl::View::createContext), over the whole window, in
     /// place of the one shown before. A view that is in another window leaves that one, which closes. Where the window
     /// appears is up to the system.
-    /// @return false, with a log line, when the view has no native view, when that went with a window that was closed, or
-    ///         when this window was closed
+    /// @return false, with a log line, when the view has no native view, when that went with a window that was closed,
+    ///         or when this window was closed
     bool show(ZavObject& view);
 
     /// Closes the window for good, as the user does.

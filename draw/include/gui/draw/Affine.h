@@ -12,11 +12,15 @@ namespace gui::draw
 /// matrix(a b c d e f) in their order. A value; angles are radians and turn from the x axis towards the y axis.
 struct GUIGL_API Affine
 {
+    /// See above; at first they change nothing.
     double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
 
     static Affine translation(double x, double y) { return {1, 0, 0, 1, x, y}; }
+    /// About the origin.
     static Affine scaling(double x, double y) { return {x, 0, 0, y, 0, 0}; }
+    /// The same along both axes.
     static Affine scaling(double s) { return scaling(s, s); }
+    /// About the origin, in radians.
     static Affine rotation(double angle);
 
     /// Where a point goes.
@@ -31,6 +35,7 @@ struct GUIGL_API Affine
     /// The way back; empty when the plane is mapped to a line or a point, or a number is not finite.
     std::optional<Affine> inverse() const;
 
+    /// Whether all six numbers are equal.
     bool operator==(const Affine&) const = default;
 };
 

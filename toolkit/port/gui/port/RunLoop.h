@@ -28,8 +28,8 @@ public:
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
 
-    /// Turns until quit, or until the last open window closed. @return the code that was given to quit, which is forgotten
-    /// then; else 0
+    /// Turns until quit, or until the last open window closed. @return the code that was given to quit, which is
+    /// forgotten then; else 0
     int run();
 
     /// One turn, after sleeping until something is due, at most that long.
