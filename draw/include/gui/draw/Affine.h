@@ -12,9 +12,14 @@ namespace gui::draw
 /// matrix(a b c d e f) in their order. A value; angles are radians and turn from the x axis towards the y axis.
 struct GUIGL_API Affine
 {
-    /// See above; at first they change nothing.
-    double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
+    double a = 1; ///< of x in x'
+    double b = 0; ///< of x in y'
+    double c = 0; ///< of y in x'
+    double d = 1; ///< of y in y'
+    double e = 0; ///< added to x'
+    double f = 0; ///< added to y'
 
+    /// Moves by a difference.
     static Affine translation(double x, double y) { return {1, 0, 0, 1, x, y}; }
     /// About the origin.
     static Affine scaling(double x, double y) { return {x, 0, 0, y, 0, 0}; }

@@ -72,8 +72,9 @@ concept PointRange =
 class GUIGL_API Path
 {
 public:
-    using Point = td::Point<double>;
-    using Rect = td::RectNormalized<double>;
+    using Point = td::Point<double>;         ///< in model units
+    using Rect = td::RectNormalized<double>; ///< in model units
+    /// What a segment is.
     using Verb = PathSegment::Verb;
 
     /// What is wrong with path data: where, and what should stand there.
@@ -87,9 +88,9 @@ public:
     class GUIGL_API Iterator
     {
     public:
-        using value_type = PathSegment;
-        using difference_type = std::ptrdiff_t;
-        using iterator_category = std::input_iterator_tag;
+        using value_type = PathSegment;                    ///< what it makes
+        using difference_type = std::ptrdiff_t;            ///< as iterators have one
+        using iterator_category = std::input_iterator_tag; ///< segments are made, not kept
 
         Iterator() = default;
         PathSegment operator*() const;
@@ -160,7 +161,9 @@ public:
     /// @return false when something is wrong; what stands before it was added, and pError (may be null) says where
     bool addSVG(std::string_view data, SVGError* pError = nullptr);
 
+    /// Moves all of the path as the map says.
     Path& transform(const Affine& affine);
+    /// The same, of a copy.
     Path transformed(const Affine& affine) const;
 
     /// Makes room for so many more lines.

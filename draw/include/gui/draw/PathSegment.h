@@ -13,6 +13,7 @@ struct GUIGL_API PathSegment
 {
     using Point = td::Point<double>;
 
+    /// What a segment is.
     enum class Verb : td::BYTE
     {
         MoveTo,  ///< begins a subpath at `to`; draws nothing
@@ -32,11 +33,12 @@ struct GUIGL_API PathSegment
         double sweep = 0;
     };
 
-    Verb verb = Verb::MoveTo;
-    Point from; ///< of MoveTo: the same as to
-    Point control1, control2;
-    Point to;
-    Arc arc;
+    Verb verb = Verb::MoveTo; ///< which of the members below mean something
+    Point from;               ///< of MoveTo: the same as to
+    Point control1;           ///< of QuadTo and CubicTo
+    Point control2;           ///< of CubicTo
+    Point to;                 ///< the last point
+    Arc arc;                  ///< of ArcTo
 
     /// The point at t. At 0 and 1 it is `from` and `to`, to the bit.
     Point at(double t) const;

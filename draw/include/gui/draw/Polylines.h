@@ -24,6 +24,7 @@ struct Polylines
     std::vector<td::Point<double>> points;
     std::vector<Line> lines;
 
+    /// A line's points, valid until the lists change.
     std::span<const td::Point<double>> pointsOf(const Line& line) const
     {
         return std::span(points).subspan(line.first, line.count);
