@@ -153,6 +153,8 @@ void RecordingView::cleanResources()
 {
     checkContext();
     ++nCleanUps;
+    if (onCleanUp)
+        onCleanUp();
 }
 
 void RecordingView::add(const std::string& what, const gui::InputDevice& device)

@@ -43,6 +43,7 @@ public:
     std::uint32_t topLeft = 0xE02020; ///< the colour of the first field
     std::function<void()> onFrame;
     std::function<void()> onRelease; ///< what a click ends in
+    std::function<void()> onCleanUp;
 
     /// Waits in the run loop. @return whether the lines came to be these; they are forgotten
     testing::AssertionResult hasHeard(const std::vector<std::string>& expected);

@@ -15,6 +15,7 @@ public:
     void getSize(td::Size<double>& size) const override { size = {}; }
     void reDraw() override {}
     void* getNativeWindow() const override { return nullptr; }
+    bool isAlive() const override { return true; }
     void enteredWindow() override {}
     void leftWindow() override {}
     void windowClosed() override {}

@@ -7,6 +7,7 @@
 #include <gui/Application.h>
 #include <gui/Display.h>
 #include <gui/Window.h>
+#include <gui/gl/CurrentContext.h>
 #include <gui/gl/OrthoView.h>
 
 #include <gtest/gtest.h>
@@ -279,13 +280,13 @@ TEST_F(Windows, RunsOneAfterAnother)
 {
     for (const int code : {3, 4})
     {
-        TestView view(td::ColorID::Red);
-        view.inDraw = [code] { gui::Application::quit(code); };
-        EXPECT_EQ(app.run(view, "Window", {32, 32}), code);
+        TestView view;
+        view.onFrame = [code] { gui::Application::quit(code); };
+        EXPECT_EQ(app->run(view, "Window", {32, 32}), code);
     }
     // The same in one handler.
-    TestView first(td::ColorID::Red);
-    TestView second(td::ColorID::Blue);
+    TestView first;
+    TestView second;
     gui::Window firstWindow("First", {32, 32});
     gui::Window secondWindow("Second", {32, 32});
     firstWindow.show(first);
@@ -296,9 +297,9 @@ TEST_F(Windows, RunsOneAfterAnother)
                                       secondWindow.show(second);
                                   }),
                               true);
-    second.inDraw = [&] { secondWindow.close(); };
-    EXPECT_EQ(app.run(), 0);
-    EXPECT_EQ(second.nDraws, 1);
+    second.onFrame = [&] { secondWindow.close(); };
+    EXPECT_EQ(app->run(), 0);
+    EXPECT_EQ(second.nFrames, 1);
 }
 
 // Somebody stops the program from outside: its views clean up, the last window's first, while their contexts live.
@@ -310,18 +311,18 @@ TEST(TerminationSignals, CloseTheWindowsInOrder)
     {
         gui::Application app(0, nullptr);
         log.take();
-        TestView first(td::ColorID::Red);
-        TestView second(td::ColorID::Blue);
+        TestView first;
+        TestView second;
         gui::Window firstWindow("First", {32, 32});
         gui::Window secondWindow("Second", {32, 32});
         firstWindow.show(first);
         secondWindow.show(second);
-        first.inCleanUp = [&second] { EXPECT_EQ(second.nCleanUps, 1); };
-        second.inCleanUp = [] { EXPECT_NE(CurrentContext::getID(), 0U); };
-        second.inDraw = [number] { std::raise(number); };
+        first.onCleanUp = [&second] { EXPECT_EQ(second.nCleanUps, 1); };
+        second.onCleanUp = [] { EXPECT_NE(gui::gl::CurrentContext::getID(), 0U); };
+        second.onFrame = [number] { std::raise(number); };
         // What the program ignores it goes on ignoring.
         if (number == SIGINT)
-            first.inDraw = [] { gui::Application::quit(1); };
+            first.onFrame = [] { gui::Application::quit(1); };
         EXPECT_EQ(app.run(), number == SIGINT ? 1 : 128 + number);
         EXPECT_EQ(first.nCleanUps, number == SIGINT ? 0 : 1);
     }
