@@ -107,6 +107,8 @@ protected:
     Refusal()
     {
         log.take(); // the window system in use
+        // Memory that a driver does not have is told by its errors alone, and those by this.
+        setenv("GUIGL_GL_DEBUG", "1", 1);
         td::setAssertHandler([this](const td::AssertReport& report) { asserts.emplace_back(report.condition); });
     }
     ~Refusal() override

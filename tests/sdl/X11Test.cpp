@@ -32,10 +32,12 @@ TEST_P(X11Test, ADragOutsideMayEndTheView)
 {
     view.onRelease = [this] { window.close(); };
     xdo("mousedown 1");
-    xdo(at(350, -20));
-    EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "drag 350,-20"}));
+    xdo(at(180, 70));
+    EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "drag 180,70"}));
+    xdo(at(220, 70));
+    EXPECT_TRUE(view.hasHeard({"drag 220,70"}));
     xdo("mouseup 1");
-    EXPECT_TRUE(view.hasHeard({"release 350,-20 x1"}));
+    EXPECT_TRUE(view.hasHeard({"release 220,70 x1"}));
     EXPECT_EQ(view.nCleanUps, 1);
 }
 
