@@ -140,7 +140,6 @@ Command* Buffer::addCube(float size, Texture::Type type, bool)
         TD_ASSERT(false, nullptr);
     if (isAddOnCommitted())
         return nullptr;
-    TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
     const std::size_t base = getNoOfVertices();
     if (_vertexRecLenInBytes == 0) // which asserted
         return nullptr;
@@ -168,7 +167,6 @@ Command* Buffer::addSphere(float radius, unsigned int sectors, unsigned int stac
     constexpr float cPi = 3.1415925F, cHalfPi = 1.5707963F;
     const bool hasTexture = type == Texture::Type::Tex2D;
     const std::size_t nFloats = 3U + (normals ? 3U : 0U) + (hasTexture ? 2U : 0U);
-    TD_ASSERT(_vertexRecLenInBytes > 0, nullptr);
     const std::size_t base = getNoOfVertices();
     if (_vertexRecLenInBytes == 0) // which asserted
         return nullptr;
