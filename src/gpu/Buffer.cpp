@@ -230,16 +230,15 @@ bool Buffer::commit()
 {
     if (isCommitted())
         return true;
-    if (!CurrentContext::isThere("Buffer::commit") || (_isRefused && CurrentContext::isAlive(_contextID)))
+    if (!CurrentContext::isThere("Buffer::commit"))
         return false;
-    if (_state != 0)
-    {
-        deleteObjects();
-        _state = 0;
-    }
+    // What a commit that failed left: there is nothing more to do until the reset.
+    if (_state == 0 && _vao != 0 && CurrentContext::isAlive(_contextID))
+        return true;
+    deleteObjects();
+    _state = 0;
     _contextID = CurrentContext::getID();
-    _isRefused = !upload();
-    return !_isRefused;
+    return upload();
 }
 
 // What was made before a failure is kept, and the vertex array stays bound.
@@ -334,7 +333,6 @@ void Buffer::reset()
     _indices.reset();
     _instanceData.reset();
     _state = 2;
-    _isRefused = false;
 }
 
 void Buffer::release()

@@ -387,7 +387,7 @@ bool Program::prepare(Buffer& buffer)
     }
     if (!buffer.isCommitted())
         buffer.getCommandList().encode(); // one that can't be says so when it is executed
-    if (!buffer.commit())
+    if (!buffer.commit() || !buffer.isCommitted())
         return false;
     setBuffer(&buffer);
     activate();

@@ -156,8 +156,8 @@ public:
 
     /// Uploads what was appended. Does nothing on a committed buffer; one whose context has died is uploaded anew.
     /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO,
-    ///         IBO). Objects made so far are kept, and further calls are refused without another line: reset the buffer
-    ///         and fill it again to start over
+    ///         IBO). Objects made so far are kept. Once there is a VAO, further calls do nothing and answer true, though
+    ///         isCommitted stays false, and Program::draw draws nothing: reset the buffer and fill it again to start over
     bool commit();
 
     /// Binds the vertex array. Commit first (an assertion).
@@ -199,7 +199,6 @@ private:
     unsigned char _nVertexFloats = 0;
     unsigned char _nInstanceFloats = 0;
     unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
-    bool _isRefused = false;  // GL had not all of the objects
     CurrentContext::ID _contextID = 0;
 };
 
