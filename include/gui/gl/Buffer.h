@@ -156,8 +156,9 @@ public:
 
     /// Uploads what was appended. Does nothing on a committed buffer; one whose context has died is uploaded anew.
     /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO,
-    ///         IBO). Objects made so far are kept. Once there is a VAO, further calls do nothing and answer true, though
-    ///         isCommitted stays false, and Program::draw draws nothing: reset the buffer and fill it again to start over
+    ///         IBO). Objects made so far are kept. Once there is a VAO, further calls do nothing and answer true,
+    ///         though isCommitted stays false and Program::draw draws nothing: reset the buffer and fill it again to
+    ///         start over
     bool commit();
 
     /// Binds the vertex array. Commit first (an assertion).
