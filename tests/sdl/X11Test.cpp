@@ -204,6 +204,22 @@ TEST_P(X11Test, MinimisedWindowHasNoFrames)
     EXPECT_TRUE(waitInLoop([&] { return view.nFrames >= nFrames + 3; }));
 }
 
+// Not on each desktop: weston 10 ends itself when one of two windows closes, now and then.
+TEST_P(X11Test, AClosedWindowLeavesTheOtherRunning)
+{
+    RecordingView other;
+    other.create(gui::gl::Context::Animation::On);
+    other.topLeft = 0xC020C0;
+    gui::Window otherWindow("Other", {160, 100});
+    ASSERT_NO_FATAL_FAILURE(show(otherWindow, other, "Other", 1));
+    window.close();
+    EXPECT_EQ(view.nCleanUps, 1);
+    const int nFrames = other.nFrames;
+    EXPECT_TRUE(waitInLoop([&] { return other.nFrames >= nFrames + 3; }));
+    EXPECT_TRUE(showsItsFrame(other));
+    EXPECT_FALSE(other.isContextWrong || other.isPictureWrong);
+}
+
 TEST_P(X11Test, ViewMovesToAnotherWindow)
 {
     gui::Window secondWindow("After", {220, 120});
