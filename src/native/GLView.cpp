@@ -294,13 +294,13 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     if (_pCppView == nullptr || !makeCurrentContext())
         return;
     readGrabbedFrame();
-    const td::Size<int> size = _pSurface->getDrawableSize();
-    if (_pPicture != nullptr && readFrame(_screenFrameBufferID, size, *_pPicture))
+    if (_pPicture != nullptr && readFrame(_screenFrameBufferID, _pSurface->getDrawableSize(), *_pPicture))
         _pPicture = nullptr;
     if (isGLDebugWanted())
         logGLErrors("onDraw", _saidGLErrors);
     // A view at rest would never have them.
-    if (FrameRecorder::instance().isOn() && FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, size))
+    if (FrameRecorder::instance().isOn() &&
+        FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, _pSurface->getDrawableSize()))
         reDraw();
     _pSurface->flush();
 }
