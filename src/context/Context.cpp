@@ -140,6 +140,12 @@ void Context::clear(Clear what, td::ColorID color)
     clear(what);
 }
 
+void Context::clear(Clear what, td::Color color)
+{
+    clear(color);
+    clear(what);
+}
+
 void Context::clear(const std::initializer_list<Clear>& what)
 {
     GLbitfield bits = 0;
@@ -158,6 +164,13 @@ void Context::clear(td::ColorID color)
     glm::vec3 rgb;
     Color::get(color, rgb);
     glClearColor(rgb.r, rgb.g, rgb.b, 1.0f);
+}
+
+void Context::clear(td::Color color)
+{
+    glm::vec4 rgba;
+    Color::get(color, rgba);
+    glClearColor(rgba.r, rgba.g, rgba.b, rgba.a);
 }
 
 void Context::setActiveTextureUnit(Texture::Unit unit) { activateUnit(unit); }

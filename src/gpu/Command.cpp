@@ -152,7 +152,7 @@ void Command::setNumberOfInstances(unsigned int n)
 }
 
 // clang-format off
-void Command::setColor(td::ColorID id)
+void Command::setColor(td::Color color)
 {
     TD_ASSERT(_type != 0);
     if (_fn == nullptr)
@@ -165,13 +165,12 @@ void Command::setColor(td::ColorID id)
         TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::DrawWithClr3);
 
     setTypeInfo(getType(), DrawSubType::DrawWithClr3);
-    const td::Color color = gui::Color::toTDColor(id);
     _drawData._values[0] = color.red();
     _drawData._values[1] = color.green();
     _drawData._values[2] = color.blue();
 }
 
-void Command::setColor(td::ColorID id, unsigned char alpha)
+void Command::setColor(td::Color color, unsigned char alpha)
 {
     TD_ASSERT(_type != 0);
     if (_fn == nullptr)
@@ -186,7 +185,6 @@ void Command::setColor(td::ColorID id, unsigned char alpha)
         TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::DrawWithClr4);
 
     setTypeInfo(getType(), DrawSubType::DrawWithClr4);
-    td::Color color = gui::Color::toTDColor(id);
     color.setAlpha(alpha);
     _drawData._rgba = color.rgba();
 }
@@ -211,13 +209,23 @@ void Command::setTexture(Textures::Unit unit, char index)
 }
 // clang-format on
 
-void Command::setColor(td::ColorID id, int alpha)
+void Command::setColor(td::ColorID id) { setColor(td::Color(id)); }
+
+void Command::setColor(td::ColorID id, unsigned char alpha) { setColor(td::Color(id), alpha); }
+
+void Command::setColor(td::ColorID id, int alpha) { setColor(td::Color(id), alpha); }
+
+void Command::setColor(td::ColorID id, float alpha) { setColor(td::Color(id), alpha); }
+
+void Command::setColor(td::ColorID id, double alpha) { setColor(td::Color(id), alpha); }
+
+void Command::setColor(td::Color color, int alpha)
 {
     TD_ASSERT(alpha >= 0 && alpha <= 255);
-    setColor(id, static_cast<unsigned char>(alpha));
+    setColor(color, static_cast<unsigned char>(alpha));
 }
 
-void Command::setColor(td::ColorID id, float alpha)
+void Command::setColor(td::Color color, float alpha)
 {
     // Out of the integer's range the conversion is undefined: below it gives 0, above it the largest.
     const float scaled = alpha * 255.0f;
@@ -226,10 +234,10 @@ void Command::setColor(td::ColorID id, float alpha)
         value = UINT_MAX;
     else if (scaled > 0)
         value = static_cast<unsigned int>(scaled);
-    setColor(id, static_cast<unsigned char>(value & 0xFF));
+    setColor(color, static_cast<unsigned char>(value & 0xFF));
 }
 
-void Command::setColor(td::ColorID id, double alpha) { setColor(id, static_cast<float>(alpha)); }
+void Command::setColor(td::Color color, double alpha) { setColor(color, static_cast<float>(alpha)); }
 
 bool Command::setAdditionalUniforms(_additinalUniform* pUniforms, unsigned char n)
 {

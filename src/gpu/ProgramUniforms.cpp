@@ -74,14 +74,21 @@ void Program::setUniformValue(unsigned int loc, const glm::uvec4& value)
     glUniform4iv(toGL(loc), 1, glm::value_ptr(signedValue));
 }
 
-void Program::setUniformValue(unsigned int loc, td::ColorID color)
+void Program::setUniformValue(unsigned int loc, td::ColorID color) { setUniformValue(loc, td::Color(color)); }
+
+void Program::setUniformValue(unsigned int loc, td::ColorID color, unsigned char alpha)
+{
+    setUniformValue(loc, td::Color(color), alpha);
+}
+
+void Program::setUniformValue(unsigned int loc, td::Color color)
 {
     glm::vec3 rgb;
     Color::get(color, rgb);
     setUniformValue(loc, rgb);
 }
 
-void Program::setUniformValue(unsigned int loc, td::ColorID color, unsigned char alpha)
+void Program::setUniformValue(unsigned int loc, td::Color color, unsigned char alpha)
 {
     glm::vec4 rgba;
     Color::get(color, rgba);

@@ -24,7 +24,7 @@ cnt::PushBackVector<unsigned int, 0>& indicesFrom(SimplePolygon& polygon, std::s
     return polygon.getIndices();
 }
 
-Command* finished(Command* pCommand, td::ColorID color)
+Command* finished(Command* pCommand, td::Color color)
 {
     if (pCommand == nullptr)
         return nullptr;
@@ -183,11 +183,22 @@ Command* Triang2D::triangulate(Buffer* pBuffer, const Points& points)
 
 Command* Triang2D::triangulate(Buffer* pBuffer, std::span<const td::Point<float>> points, td::ColorID color)
 {
+    return triangulate(pBuffer, points, td::Color(color));
+}
+
+Command* Triang2D::triangulate(Buffer* pBuffer, std::span<const td::Point<float>> points, td::Color color)
+{
     return finished(triangulate(pBuffer, points.data(), static_cast<unsigned int>(points.size())), color);
 }
 
 Command* Triang2D::triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
                                    td::ColorID color)
+{
+    return triangulateLine(pBuffer, points, width, closed, td::Color(color));
+}
+
+Command* Triang2D::triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
+                                   td::Color color)
 {
     return finished(triangulateLine(pBuffer, points.data(), static_cast<unsigned int>(points.size()), width, closed),
                     color);

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -57,6 +58,15 @@ std::vector<td::BYTE> widened(const td::BYTE* pFrom, std::size_t nPixels, unsign
         pTo[3] = bytesPP == 3 ? td::BYTE(255) : pFrom[bytesPP - 1];
     }
     return pixels;
+}
+
+// What tells a string's colour from another's: that of the table by its number, others by their word.
+using ColorKey = std::uint64_t;
+
+ColorKey keyOf(const Font::_cmd& cmd)
+{
+    constexpr ColorKey cNotOfTable = ColorKey(1) << 32;
+    return cmd.hasColor ? cNotOfTable | cmd.color.rgba() : ColorKey(cmd.colorID);
 }
 
 using Colors = std::array<glm::vec4, 256>;
@@ -303,14 +313,17 @@ void Font::draw(Program* prog)
     const Colors& colors = allColors();
     const GLint colorPos = pTextProg->_colorPos;
     const GLint zPos = pTextProg->_zPos;
-    td::ColorID lastColor = td::ColorID::NoColor;
+    ColorKey lastColor = ColorKey(td::ColorID::NoColor);
     float lastZ = 10000.0f;
     for (const _cmd *pCmd = _commands.begin(), *const pEnd = _commands.end(); pCmd != pEnd;)
     {
-        if (pCmd->colorID != lastColor)
+        if (const ColorKey key = keyOf(*pCmd); key != lastColor)
         {
-            lastColor = pCmd->colorID;
-            glUniform4fv(colorPos, 1, glm::value_ptr(colors[std::size_t(lastColor)]));
+            lastColor = key;
+            glm::vec4 color = colors[std::size_t(pCmd->colorID)];
+            if (pCmd->hasColor)
+                Color::get(pCmd->color, color);
+            glUniform4fv(colorPos, 1, glm::value_ptr(color));
         }
         if (pCmd->z != lastZ)
         {
@@ -321,7 +334,7 @@ void Font::draw(Program* prog)
         {
             glDrawArrays(GL_TRIANGLES, static_cast<GLint>(pCmd->firstVertex), static_cast<GLsizei>(pCmd->vertexCount));
             ++pCmd;
-        } while (pCmd != pEnd && pCmd->colorID == lastColor && pCmd->z == lastZ);
+        } while (pCmd != pEnd && keyOf(*pCmd) == lastColor && pCmd->z == lastZ);
     }
 }
 

@@ -128,6 +128,8 @@ void Font::recordString(std::size_t firstVertex, const _format& format)
     cmd.vertexCount = static_cast<unsigned int>(_vertices.size() - firstVertex);
     cmd.z = format.z;
     cmd.colorID = format.colorID;
+    cmd.hasColor = format.color.has_value();
+    cmd.color = format.color.value_or(td::Color());
 }
 
 td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBase& str, const _format& format)
@@ -145,6 +147,17 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBas
                                 float scale)
 {
     return addString(pos, str.c_str(), str.length(), colorID, scale);
+}
+
+td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, unsigned long len, td::Color color,
+                                float scale)
+{
+    return addString(pos, str, len, _format{.scale = scale, .color = color});
+}
+
+td::Size<float> Font::addString(const td::Point<float>& pos, const td::StringBase& str, td::Color color, float scale)
+{
+    return addString(pos, str.c_str(), str.length(), color, scale);
 }
 
 td::Size<float> Font::measure(const char* str, unsigned long len, const td::Range<unsigned int>& range) const

@@ -328,6 +328,10 @@ TEST_F(ContextGLTest, NamesOfEveryKindAreDeleted)
 TEST_F(ContextGLTest, ClearTouchesTheNamedBuffersOnly)
 {
     using enum Context::Clear;
+    Context::clear(Color, "#204060"); // a colour of one's own has an alpha of its own
+    EXPECT_EQ(pixel(8, 8), (Pixel{32, 64, 96, 255}));
+    Context::clear(Color, td::Color("#20406080"));
+    EXPECT_EQ(pixel(8, 8), (Pixel{32, 64, 96, 128}));
     const std::initializer_list<Context::Clear> cases[] = {{Color}, {Depth}, {Stencil}, {Color, Stencil}, {}};
     for (const std::initializer_list<Context::Clear>& what : cases)
     {

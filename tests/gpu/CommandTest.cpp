@@ -144,7 +144,15 @@ TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
     red.execute();
     red.setColor(td::ColorID::Blue); // the value may change after encoding
     red.execute();
-    EXPECT_TRUE(trace.only({sendRed, draw, "glUniform3fv(3, 1, [0 0 1])", draw}));
+    red.setColor("#00ff0088"); // a colour of no table, whose alpha is not asked for
+    red.execute();
+    orange.setColor("#ff000033", td::Color("#ff000033").alpha());
+    orange.execute();
+    red.setColor(td::ColorID::Blue);
+    red.execute();
+    const std::string sendBlue = "glUniform3fv(3, 1, [0 0 1])";
+    EXPECT_TRUE(trace.only({sendRed, draw, sendBlue, draw, "glUniform3fv(3, 1, [0 1 0])", draw,
+                            "glUniform4fv(4, 1, [1 0 0 0.2])", draw, sendBlue, draw}));
     // And so may whether there is one.
     program.activate();
     trace.clear();

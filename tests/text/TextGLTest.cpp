@@ -68,7 +68,7 @@ protected:
 
 TEST_F(TextGLTest, GlyphsStandWhereTheyWereLaidOut)
 {
-    add("F T\nT", 8, 4, {.colorID = td::ColorID::Red});
+    add("F T\nT", 8, 4, {.color = "#ff0000"}); // red, and the table's where the text does not say another
     add("F", 64, 48, {.colorID = td::ColorID::Lime, .hAlignment = Font::cRight});
     text.render(Text::Ctrl::BlendNoDepthTest);
     const struct

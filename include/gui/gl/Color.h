@@ -1,5 +1,6 @@
 #pragma once
 
+#include <td/Color.h>
 #include <td/ColorID.h>
 #include <td/Export.h>
 
@@ -9,7 +10,7 @@
 namespace gui::gl
 {
 
-/// Colours of the toolkit's table as glm vectors, channels from 0 to 1.
+/// Colours as glm vectors, channels from 0 to 1: each the colour's byte divided by 255.
 class GUIGL_API Color
 {
 public:
@@ -17,6 +18,9 @@ public:
     static void get(td::ColorID id, glm::vec3& color);
     /// @param color  red, green, blue and the table's alpha
     static void get(td::ColorID id, glm::vec4& color);
+    static void get(td::Color from, glm::vec3& color);
+    /// @param color  red, green, blue, alpha
+    static void get(td::Color from, glm::vec4& color);
 };
 
 } // namespace gui::gl

@@ -95,15 +95,22 @@ public:
     /// and asserts. A command with an RGBA colour has no room for it (an assertion).
     void setNumberOfInstances(unsigned int n);
 
-    /// The colour to send, red, green and blue, to the program's colour uniform of 3 components.
+    /// The colour to send, red, green and blue, to the program's colour uniform of 3 components. What is no colour of
+    /// the table says so in a td::Color ("#204060"), whose alpha is left out here.
     void setColor(td::ColorID id);
+    void setColor(td::Color color);
     /// The colour to send, to the program's colour uniform of 4 components. Instanced, point and patch commands have no
-    /// room for it (an assertion).  @param alpha  0 to 255
+    /// room for it (an assertion).  @param alpha  0 to 255; it takes the place of the colour's own, which is sent by
+    ///                                             setColor(color, color.alpha())
     void setColor(td::ColorID id, unsigned char alpha);
+    void setColor(td::Color color, unsigned char alpha);
     void setColor(td::ColorID id, int alpha);
+    void setColor(td::Color color, int alpha);
     /// @param alpha  0 to 1; times 255, truncated, of which the low byte counts; below 0 and NaN give 0
     void setColor(td::ColorID id, float alpha);
+    void setColor(td::Color color, float alpha);
     void setColor(td::ColorID id, double alpha);
+    void setColor(td::Color color, double alpha);
 
     /// The texture to bind: a position in the texture set of the program that is current when the command is executed.
     /// @param index  0 to 255; negative values of char stand for 128 to 255

@@ -2,6 +2,7 @@
 
 #include "Texture.h"
 
+#include <td/Color.h>
 #include <td/ColorID.h>
 #include <td/Export.h>
 #include <td/Types.h>
@@ -184,10 +185,13 @@ public:
     static void clear(Clear what);
     /// Clears one buffer after setting the colour that the colour buffer is cleared to.
     static void clear(Clear what, td::ColorID color);
+    static void clear(Clear what, td::Color color);
     /// Clears the named buffers with one GL call; with an empty list the call is glClear(0).
     static void clear(const std::initializer_list<Clear>& what);
     /// Sets the colour that the colour buffer is cleared to; alpha is always 1. It clears nothing by itself.
     static void clear(td::ColorID color);
+    /// The same with the colour's own alpha: clear("#204060"), clear(td::Color(32, 64, 96, 128)).
+    static void clear(td::Color color);
 
     /// What the next bind of a texture is for.
     static void setActiveTextureUnit(Texture::Unit unit);

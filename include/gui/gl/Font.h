@@ -6,6 +6,7 @@
 #include <cnt/PushBackVector.h>
 #include <cnt/SafeFullVector.h>
 #include <gui/Image.h>
+#include <td/Color.h>
 #include <td/ColorID.h>
 #include <td/Export.h>
 #include <td/Point.h>
@@ -16,6 +17,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace arch
@@ -81,6 +83,8 @@ public:
         unsigned int vertexCount;
         float z;
         td::ColorID colorID;
+        bool hasColor; ///< whether color counts, else colorID
+        td::Color color;
     };
 
     /// Values of _format::hAlignment; those above 2 centre too.
@@ -95,6 +99,7 @@ public:
         float z = 0.0f;                           ///< depth, -1 (far) to 1 (near)
         td::ColorID colorID = td::ColorID::Black; ///< NoColor leaves the colour of the string before
         td::BYTE hAlignment = cLeft;              ///< which end of each line the position is
+        std::optional<td::Color> color = {};      ///< one that is not in the table, in the place of colorID
     };
 
     Font();
@@ -164,6 +169,9 @@ public:
     td::Size<float> addString(const td::Point<float>& pos, const char* str, unsigned long len, td::ColorID colorID,
                               float scale);
     td::Size<float> addString(const td::Point<float>& pos, const td::StringBase& str, td::ColorID colorID, float scale);
+    td::Size<float> addString(const td::Point<float>& pos, const char* str, unsigned long len, td::Color color,
+                              float scale);
+    td::Size<float> addString(const td::Point<float>& pos, const td::StringBase& str, td::Color color, float scale);
 
     /// The size of a piece of a string in font units: multiply by the scale. It differs from what addString returns
     /// where lines break (each adds the additional space to the height) and where a line or the piece begins with a

@@ -7,6 +7,7 @@
 
 #include <cnt/SafeFullVector.h>
 #include <cnt/StringBuilder.h>
+#include <td/Color.h>
 #include <td/ColorID.h>
 #include <td/Export.h>
 #include <td/StringBase.h>
@@ -87,10 +88,12 @@ public:
     void setUniformValue(unsigned int loc, const glm::uvec2& value);
     void setUniformValue(unsigned int loc, const glm::uvec3& value);
     void setUniformValue(unsigned int loc, const glm::uvec4& value);
-    /// As vec3.
+    /// As vec3: a td::Color's alpha is left out.
     void setUniformValue(unsigned int loc, td::ColorID color);
-    /// As vec4. @param alpha  0 to 255
+    void setUniformValue(unsigned int loc, td::Color color);
+    /// As vec4. @param alpha  0 to 255; of a td::Color in the place of its own, which color.alpha() is
     void setUniformValue(unsigned int loc, td::ColorID color, unsigned char alpha);
+    void setUniformValue(unsigned int loc, td::Color color, unsigned char alpha);
     /// Binds the texture to the unit and sends the unit's number.
     void setUniformValue(unsigned int loc, Texture::Type type, unsigned int textureID, Textures::Unit unit);
 

@@ -3,6 +3,7 @@
 #include "Primitive.h"
 
 #include <cnt/PushBackVector.h>
+#include <td/Color.h>
 #include <td/ColorID.h>
 #include <td/Export.h>
 #include <td/Point.h>
@@ -85,8 +86,9 @@ public:
     ///         misuse (nothing is appended)
     Command* triangulate(Buffer* pBuffer, const td::Point<float>* points, unsigned int n);
     Command* triangulate(Buffer* pBuffer, const Points& points);
-    /// The same with its colour, and encoded.
+    /// The same with its colour, as Command::setColor takes it, and encoded.
     Command* triangulate(Buffer* pBuffer, std::span<const td::Point<float>> points, td::ColorID color);
+    Command* triangulate(Buffer* pBuffer, std::span<const td::Point<float>> points, td::Color color);
 
     /// A band along a polyline, as triangles that turn left. Each point becomes a pair of vertices, on the left and on
     /// the right of the direction of travel; where the corner of the outer edge would lie further than 2 * width from
@@ -114,6 +116,8 @@ public:
     /// The same with its colour, and encoded.
     Command* triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
                              td::ColorID color);
+    Command* triangulateLine(Buffer* pBuffer, std::span<const td::Point<float>> points, float width, bool closed,
+                             td::Color color);
 
     /// Draws a primitive through points that the buffer already holds: the outline of a filled polygon, say. Only
     /// indices are appended, one for each point, in their order.
