@@ -18,8 +18,9 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::array<GLenum, 4> cZavFlags{GL_DEPTH_TEST, GL_CULL_FACE, GL_STENCIL_TEST, GL_BLEND};
-static_assert(cZavFlags.size() == std::size_t(Context::Flag::Blend) + 1);
+constexpr std::array<GLenum, 6> cZavFlags{GL_DEPTH_TEST, GL_CULL_FACE,    GL_STENCIL_TEST,
+                                          GL_BLEND,      GL_SCISSOR_TEST, GL_POLYGON_OFFSET_FILL};
+static_assert(cZavFlags.size() == std::size_t(Context::Flag::PolygonOffset) + 1);
 
 constexpr std::array<GLenum, 8> cDepthFunctions{GL_ALWAYS, GL_NEVER,   GL_LESS,     GL_EQUAL,
                                                 GL_LEQUAL, GL_GREATER, GL_NOTEQUAL, GL_GEQUAL};
@@ -226,6 +227,20 @@ void Context::setBlendFunction(Blend::Factor src, Blend::Factor dst)
     TD_ASSERT(static_cast<std::size_t>(src) < cBlendFactors.size());
     TD_ASSERT(static_cast<std::size_t>(dst) < cBlendFactors.size());
     glBlendFunc(cBlendFactors[static_cast<std::size_t>(src)], cBlendFactors[static_cast<std::size_t>(dst)]);
+}
+
+void Context::setScissor(int x, int y, int width, int height)
+{
+    TD_ASSERT(width >= 0 && height >= 0);
+    glScissor(x, y, width, height);
+}
+
+void Context::setPolygonOffset(float factor, float units) { glPolygonOffset(factor, units); }
+
+void Context::maskColorBuffer(bool red, bool green, bool blue, bool alpha)
+{
+    const auto toGL = [](bool writes) { return static_cast<GLboolean>(writes ? GL_TRUE : GL_FALSE); };
+    glColorMask(toGL(red), toGL(green), toGL(blue), toGL(alpha));
 }
 
 void Context::setPointSize(float size) { glPointSize(size); }

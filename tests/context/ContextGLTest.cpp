@@ -235,6 +235,42 @@ void main()
     }
 }
 
+TEST_F(ContextGLTest, ScissorMaskAndOffsetLimitWhatIsDrawn)
+{
+    FullScreen white(cWhite);
+    Context::setScissor(4, 2, 8, 3);
+    Context::enable(Context::Flag::ScissorTest);
+    white.draw();
+    Context::disable(Context::Flag::ScissorTest);
+    const std::tuple<int, int, bool> cases[] = {{3, 2, false},  {4, 2, true},  {11, 4, true},
+                                                {12, 4, false}, {4, 1, false}, {4, 5, false}};
+    for (const auto& [x, y, isWhite] : cases)
+        EXPECT_EQ(pixel(x, y), isWhite ? (Pixel{255, 255, 255}) : (Pixel{0, 0, 0, 0})) << x << ' ' << y;
+
+    for (int channel = 0; channel < 4; ++channel)
+    {
+        clear({0, 0, 0, 0});
+        Context::maskColorBuffer(channel == 0, channel == 1, channel == 2, channel == 3);
+        white.draw();
+        Context::maskColorBuffer(true, true, true, true);
+        const Pixel actual = pixel(8, 8);
+        EXPECT_EQ((std::array{actual.red, actual.green, actual.blue, actual.alpha})[std::size_t(channel)], 255);
+        EXPECT_EQ(actual.red + actual.green + actual.blue + actual.alpha, 255) << channel;
+    }
+
+    // Nearer by its offset, and only while that is on.
+    Context::enable(Context::Flag::DepthTest);
+    Context::setDepthBufferFunction(DepthBuffer::Function::Less);
+    Context::setPolygonOffset(0, -1000);
+    white.draw();
+    const float before = depth();
+    white.draw();
+    EXPECT_EQ(depth(), before);
+    Context::enable(Context::Flag::PolygonOffset);
+    white.draw();
+    EXPECT_LT(depth(), before);
+}
+
 TEST_F(ContextGLTest, PolygonModesFillOutlineAndDot)
 {
     FullScreen white(cWhite);

@@ -70,6 +70,8 @@ TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
         {"false", [=] { Context::setStencilBufferOperation(bad, keep, keep); }},
         {"false", [=] { Context::setStencilBufferOperation(keep, bad, keep); }},
         {"false", [=] { Context::setStencilBufferOperation(keep, keep, bad); }},
+        {"width >= 0 && height >= 0", [] { Context::setScissor(0, 0, 5, -1); }},
+        {"static_cast<std::size_t>(flag) < cZavFlags.size()", [] { Context::enable(Context::Flag(6)); }},
         {"false", [] { Context::setPolygonMode(Context::PolygonMode(3)); }},
         {"textureID != 0", [] { Context::bindTextureToCurrentlyActiveTextureUnit(0, Texture::Type::Tex2D); }},
     };

@@ -113,7 +113,8 @@ struct Blend
 /// static operations, the place for GL render state.
 ///
 /// The static operations act on the context that is current on the calling thread. A value outside an enumeration is a
-/// programming error (an assertion); the operation then makes no GL call. GL errors are not queried.
+/// programming error (an assertion); the operation then makes no GL call. GL errors are not queried. Nothing of the
+/// state is kept or compared here: each operation is its GL call, and holds until the next, from frame to frame.
 class GUIGL_API Context
 {
 public:
@@ -145,7 +146,9 @@ public:
         DepthTest,
         CullFace,
         StencilTest,
-        Blend
+        Blend,
+        ScissorTest,  ///< see setScissor
+        PolygonOffset ///< of filled triangles; see setPolygonOffset
     };
 
     /// What triangles are drawn as: whole, their edges, or their corners.
@@ -217,6 +220,19 @@ public:
     /// Takes effect where Flag::Blend is on: src times what is drawn, plus dst times what is there. SrcAlpha and
     /// OneMinusSrcAlpha are the usual choice.
     static void setBlendFunction(Blend::Factor src, Blend::Factor dst);
+    /// Takes effect where Flag::ScissorTest is on: nothing is drawn or cleared outside of the rectangle. It stays when
+    /// the size changes and when another framebuffer is drawn into, and limits neither the reading of frames nor what
+    /// Framebuffer resolves. In a new context it is the whole window as it was at first.
+    /// @param x, y           the bottom left corner, in device pixels from that of what is drawn into
+    /// @param width, height  in device pixels, not below 0 (an assertion)
+    static void setScissor(int x, int y, int width, int height);
+    /// Takes effect where Flag::PolygonOffset is on: adds to the depth of filled triangles, before the test, what they
+    /// lie above each other. Negative values bring them nearer, as lines over a face want it; -1 and -1 are usual.
+    /// @param factor  times the triangle's steepest slope in depth  @param units  times the least difference in depth
+    /// that the depth buffer knows
+    static void setPolygonOffset(float factor, float units);
+    /// Which channels are written, by clearing too; all in a new context. It stays from frame to frame.
+    static void maskColorBuffer(bool red, bool green, bool blue, bool alpha);
     /// @param size  in device pixels
     static void setPointSize(float size);
     /// For front and back faces alike.
