@@ -314,7 +314,7 @@ void GLView::readGrabbedFrame()
     constexpr unsigned int cBytesPerPixel = 4;
     TD_ASSERT(pTexture->getBytesPerPixel() == cBytesPerPixel);
     // The application may have left another framebuffer to read from.
-    const BoundForReading bound(_screenFrameBufferID);
+    const BoundForReading bound(_screenFrameBufferID, _pSurface->getDrawableSize());
     glReadPixels(0, 0, pTexture->getWidth(), pTexture->getHeight(), GL_RGBA, GL_UNSIGNED_BYTE, pTexture->getBytes());
     ViewHelper(_pCppView).sendAsyncOnFrameRead(pTexture);
 }

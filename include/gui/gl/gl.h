@@ -38,6 +38,7 @@
 #include "Flat2DProgram.h"
 #include "Font.h"
 #include "FrameLedger.h"
+#include "Framebuffer.h"
 #include "GLSL.h"
 #include "ICameraLimiter.h"
 #include "InputTuning.h"

@@ -1,0 +1,307 @@
+#include <gui/gl/Framebuffer.h>
+
+#include "../context/FrameReader.h"
+#include "../context/Samples.h"
+#include "../context/TextureBinding.h"
+
+#include <gui/Texture.h>
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+struct ColorFormat
+{
+    GLenum internal;
+    GLenum components;
+    std::size_t nComponents;
+};
+
+// By Framebuffer::Color.
+constexpr std::array<ColorFormat, 4> cColorFormats{
+    {{GL_RGBA8, GL_RGBA, 4}, {GL_R8, GL_RED, 1}, {GL_R16F, GL_RED, 1}, {GL_RGBA16F, GL_RGBA, 4}}};
+static_assert(cColorFormats.size() == std::size_t(Framebuffer::Color::RGBA16F) + 1);
+
+const ColorFormat& colorFormat(Framebuffer::Color color) { return cColorFormats[std::size_t(color)]; }
+
+// @return 0 for none
+GLenum depthFormat(const Framebuffer::Format& format)
+{
+    constexpr int cFloatBits = 32;
+    constexpr int cMediumBits = 24;
+    // A request that coded both sizes: it knows what the values mean.
+    const Context sizes(format.depth, format.stencil, Context::Profile::Core41);
+    const int depthBits = sizes.getDepthBufferSize();
+    if (sizes.getStencilBufferSize() > 0)
+        return depthBits == cFloatBits ? GL_DEPTH32F_STENCIL8 : GL_DEPTH24_STENCIL8;
+    if (depthBits == cFloatBits)
+        return GL_DEPTH_COMPONENT32F;
+    if (depthBits == cMediumBits)
+        return GL_DEPTH_COMPONENT24;
+    return depthBits > 0 ? GL_DEPTH_COMPONENT16 : 0;
+}
+
+int integer(GLenum name)
+{
+    GLint value = 0;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
+int largestSize() { return std::min(integer(GL_MAX_TEXTURE_SIZE), integer(GL_MAX_RENDERBUFFER_SIZE)); }
+
+// For the framebuffer that is bound. Without samples GL takes it for a plain one.
+unsigned int attachRenderbuffer(GLenum attachment, GLenum format, const td::Size<int>& size, int nSamples)
+{
+    GLuint name = 0;
+    glGenRenderbuffers(1, &name);
+    glBindRenderbuffer(GL_RENDERBUFFER, name);
+    glRenderbufferStorageMultisample(GL_RENDERBUFFER, nSamples > 1 ? nSamples : 0, format, size.width, size.height);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, attachment, GL_RENDERBUFFER, name);
+    return name;
+}
+
+unsigned int attachTexture(Framebuffer::Color color, const td::Size<int>& size)
+{
+    GLuint name = 0;
+    glGenTextures(1, &name);
+    bindTexture(Texture::Type::Tex2D, name);
+    const ColorFormat& format = colorFormat(color);
+    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format.internal), size.width, size.height, 0, format.components,
+                 GL_UNSIGNED_BYTE, nullptr);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, name, 0);
+    bindTexture(Texture::Type::Tex2D, 0);
+    return name;
+}
+
+bool isComplete(unsigned int& status)
+{
+    status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
+    return status == GL_FRAMEBUFFER_COMPLETE;
+}
+
+} // namespace
+
+Framebuffer::~Framebuffer() { release(); }
+
+// @return the status of the framebuffer that GL does not like, or that of a complete one
+unsigned int Framebuffer::make(Names& names, const td::Size<int>& size, const Format& format, int nSamples)
+{
+    const BoundFramebuffers before;
+    const int renderbufferBefore = integer(GL_RENDERBUFFER_BINDING);
+    unsigned int status = 0;
+    glGenFramebuffers(1, &names.framebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, names.framebuffer);
+    if (nSamples > 1)
+        names.color = attachRenderbuffer(GL_COLOR_ATTACHMENT0, colorFormat(format.color).internal, size, nSamples);
+    else
+        names.texture = attachTexture(format.color, size);
+    if (const GLenum depth = depthFormat(format); depth != 0)
+    {
+        const bool hasStencil = depth == GL_DEPTH24_STENCIL8 || depth == GL_DEPTH32F_STENCIL8;
+        names.depth =
+            attachRenderbuffer(hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT, depth, size, nSamples);
+    }
+    if (isComplete(status) && nSamples > 1)
+    {
+        glGenFramebuffers(1, &names.resolved);
+        glBindFramebuffer(GL_FRAMEBUFFER, names.resolved);
+        names.texture = attachTexture(format.color, size);
+        isComplete(status);
+    }
+    glBindRenderbuffer(GL_RENDERBUFFER, static_cast<GLuint>(renderbufferBefore));
+    return status;
+}
+
+void Framebuffer::remove(const Names& names, CurrentContext::ID contextID)
+{
+    using Kind = CurrentContext::Kind;
+    CurrentContext::deleteName(contextID, Kind::Framebuffer, names.framebuffer);
+    CurrentContext::deleteName(contextID, Kind::Framebuffer, names.resolved);
+    CurrentContext::deleteName(contextID, Kind::Renderbuffer, names.color);
+    CurrentContext::deleteName(contextID, Kind::Renderbuffer, names.depth);
+    if (names.texture != 0)
+        forgetTexture();
+    CurrentContext::deleteName(contextID, Kind::Texture, names.texture);
+}
+
+bool Framebuffer::create(const td::Size<int>& size) { return create(size, {}); }
+
+bool Framebuffer::create(const td::Size<int>& size, const Format& format)
+{
+    TD_ASSERT(isSampleCount(format.samples), false);
+    TD_ASSERT(std::size_t(format.color) < cColorFormats.size(), false);
+    TD_ASSERT(!_isDrawing || !isOk(), false);
+    if (!CurrentContext::isThere("Framebuffer::create"))
+        return false;
+    const int largest = largestSize();
+    if (size.width < 1 || size.height < 1 || size.width > largest || size.height > largest)
+    {
+        vo::dbgLog("Error! Framebuffer::create with a size of %d x %d pixels; the driver takes 1 to %d", size.width,
+                   size.height, largest);
+        return false;
+    }
+
+    Names names;
+    const CurrentContext::ID contextID = CurrentContext::getID();
+    int nSamples = format.samples;
+    const int mostSamples = std::max(integer(GL_MAX_SAMPLES), 1);
+    while (nSamples > mostSamples)
+        nSamples /= 2;
+    unsigned int status = make(names, size, format, nSamples);
+    while (status != GL_FRAMEBUFFER_COMPLETE)
+    {
+        remove(std::exchange(names, {}), contextID);
+        if (nSamples == 1)
+        {
+            vo::dbgLog("ERROR! Framebuffer::create the driver has no framebuffer of %d x %d pixels with %d samples "
+                       "(status %x)",
+                       size.width, size.height, format.samples, status);
+            return false;
+        }
+        nSamples /= 2;
+        status = make(names, size, format, nSamples);
+    }
+    release();
+    _names = names;
+    _contextID = contextID;
+    _size = size;
+    _format = format;
+    _nSamples = samplesOf(names.framebuffer);
+    _isDrawing = _saidBegin = _saidTwice = _saidEnd = _saidResolve = false;
+    if (_nSamples != format.samples)
+        vo::dbgLog("Warning! Framebuffer asked for %d samples, got %d", format.samples, _nSamples);
+    return true;
+}
+
+bool Framebuffer::resize(const td::Size<int>& size)
+{
+    bool isSaid = false;
+    if (!isHere("resize", isSaid))
+        return false;
+    return size == _size || create(size, Format(_format));
+}
+
+void Framebuffer::release()
+{
+    if (std::exchange(_isDrawing, false) && isOk() && CurrentContext::getID() == _contextID)
+        restore();
+    remove(std::exchange(_names, {}), _contextID);
+}
+
+bool Framebuffer::isHere(const char* operation, bool& isSaid) const
+{
+    if (isOk() && CurrentContext::getID() == _contextID)
+        return true;
+    if (!std::exchange(isSaid, true))
+        vo::dbgLog("Error! Framebuffer::%s without a framebuffer in the current context", operation);
+    return false;
+}
+
+bool Framebuffer::begin()
+{
+    if (!isHere("begin", _saidBegin))
+        return false;
+    if (_isDrawing)
+    {
+        if (!std::exchange(_saidTwice, true))
+            vo::dbgLog("Error! Framebuffer::begin twice without an end");
+        return false;
+    }
+    _drawBefore = integer(GL_DRAW_FRAMEBUFFER_BINDING);
+    _readBefore = integer(GL_READ_FRAMEBUFFER_BINDING);
+    glGetIntegerv(GL_VIEWPORT, _viewportBefore);
+    glBindFramebuffer(GL_FRAMEBUFFER, _names.framebuffer);
+    glViewport(0, 0, _size.width, _size.height);
+    _isDrawing = true;
+    return true;
+}
+
+bool Framebuffer::end()
+{
+    if (!_isDrawing)
+    {
+        if (!std::exchange(_saidEnd, true))
+            vo::dbgLog("Error! Framebuffer::end without a begin");
+        return false;
+    }
+    if (!isHere("end", _saidEnd))
+        return false;
+    restore();
+    _isDrawing = false;
+    return resolve();
+}
+
+// What was bound may be gone by now, and a name that is none would be an error.
+void Framebuffer::restore()
+{
+    const auto bind = [](GLenum target, int name)
+    {
+        const auto framebuffer = static_cast<GLuint>(name);
+        glBindFramebuffer(target, glIsFramebuffer(framebuffer) == GL_TRUE ? framebuffer : 0);
+    };
+    bind(GL_DRAW_FRAMEBUFFER, _drawBefore);
+    bind(GL_READ_FRAMEBUFFER, _readBefore);
+    glViewport(_viewportBefore[0], _viewportBefore[1], _viewportBefore[2], _viewportBefore[3]);
+}
+
+bool Framebuffer::resolve()
+{
+    if (!isHere("resolve", _saidResolve))
+        return false;
+    if (_names.resolved != 0)
+        resolveColors(_names.framebuffer, _names.resolved, _size);
+    return true;
+}
+
+bool Framebuffer::readPixels(gui::Texture& picture, bool withAlpha)
+{
+    bool isSaid = false;
+    if (!isHere("readPixels", isSaid) || !resolve() || !readFrame(readable(), _size, picture, withAlpha ? 4 : 3))
+        return false;
+    picture.setOpaque(false);
+    return true;
+}
+
+bool Framebuffer::readValues(std::vector<float>& values)
+{
+    bool isSaid = false;
+    if (!isHere("readValues", isSaid) || !resolve())
+        return false;
+    const ColorFormat& format = colorFormat(_format.color);
+    const std::size_t rowLength = static_cast<std::size_t>(_size.width) * format.nComponents;
+    std::vector<float> read(rowLength * static_cast<std::size_t>(_size.height));
+    {
+        const BoundForReading bound(readable(), _size);
+        glReadPixels(0, 0, _size.width, _size.height, format.components, GL_FLOAT, read.data());
+    }
+    float* pLow = read.data();
+    for (float* pHigh = pLow + read.size() - rowLength; pLow < pHigh; pLow += rowLength, pHigh -= rowLength)
+        std::swap_ranges(pLow, pLow + rowLength, pHigh);
+    values = std::move(read);
+    return true;
+}
+
+bool Framebuffer::savePicture(const char* path, bool withAlpha)
+{
+    TD_ASSERT(path != nullptr, false);
+    gui::Texture picture;
+    return readPixels(picture, withAlpha) && picture.saveToFile(path);
+}
+
+} // namespace gui::gl
