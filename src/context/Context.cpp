@@ -1,5 +1,6 @@
 #include <gui/gl/Context.h>
 
+#include "Samples.h"
 #include "TextureBinding.h"
 
 #include <gui/gl/Color.h>
@@ -119,6 +120,12 @@ void Context::setRGBSize(unsigned char colorBits, unsigned char alphaBits)
 {
     _colorBits = colorBits;
     _alphaBits = alphaBits;
+}
+
+void Context::setSamples(int n)
+{
+    TD_ASSERT(isSampleCount(n));
+    _nSamples = static_cast<unsigned char>(n);
 }
 
 void Context::setPreferredFrameRateRange(float min, float max)

@@ -47,8 +47,8 @@ BoundForReading::BoundForReading(unsigned int framebuffer, const td::Size<int>& 
     : _framebuffer(framebuffer)
 {
     glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &_boundBefore);
-    // The window's own is resolved while it is read; of others GL refuses to read several samples.
-    if (framebuffer != 0 && samplesOf(framebuffer) > 1)
+    // GL refuses to read several samples, but for the window's own; of that, drivers give one of them, and not the mean.
+    if (samplesOf(framebuffer) > 1)
         resolve(size);
     if (static_cast<GLuint>(_boundBefore) != _framebuffer)
         glBindFramebuffer(GL_READ_FRAMEBUFFER, _framebuffer);

@@ -147,8 +147,15 @@ bool Framebuffer::create(const td::Size<int>& size, const Format& format)
     TD_ASSERT(isSampleCount(format.samples), false);
     TD_ASSERT(std::size_t(format.color) < cColorFormats.size(), false);
     TD_ASSERT(!_isDrawing || !isOk(), false);
-    if (!CurrentContext::isThere("Framebuffer::create"))
+    if (!CurrentContext::isThere("Framebuffer::create") || !replace(size, format))
         return false;
+    if (_nSamples != format.samples)
+        vo::dbgLog("Warning! Framebuffer asked for %d samples, got %d", format.samples, _nSamples);
+    return true;
+}
+
+bool Framebuffer::replace(const td::Size<int>& size, const Format& format)
+{
     const int largest = largestSize();
     if (size.width < 1 || size.height < 1 || size.width > largest || size.height > largest)
     {
@@ -184,8 +191,6 @@ bool Framebuffer::create(const td::Size<int>& size, const Format& format)
     _format = format;
     _nSamples = samplesOf(names.framebuffer);
     _isDrawing = _saidBegin = _saidTwice = _saidEnd = _saidResolve = false;
-    if (_nSamples != format.samples)
-        vo::dbgLog("Warning! Framebuffer asked for %d samples, got %d", format.samples, _nSamples);
     return true;
 }
 
@@ -194,7 +199,8 @@ bool Framebuffer::resize(const td::Size<int>& size)
     bool isSaid = false;
     if (!isHere("resize", isSaid))
         return false;
-    return size == _size || create(size, Format(_format));
+    TD_ASSERT(!_isDrawing, false);
+    return size == _size || replace(size, Format(_format));
 }
 
 void Framebuffer::release()

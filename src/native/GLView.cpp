@@ -4,6 +4,7 @@
 #include "GLDebug.h"
 
 #include "../context/FrameReader.h"
+#include "../context/Samples.h"
 #include "../view/ViewHelper.h"
 
 #include <gui/Display.h>
@@ -82,7 +83,7 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     } incomplete{pNative, pView};
 
     pNative->_pSurface =
-        makeSurface(*pNative, buildPixelFormat(context), pGeometry != nullptr ? pGeometry->size : cInitialSize);
+        makeSurface(*pNative, requestPixelFormat(context), pGeometry != nullptr ? pGeometry->size : cInitialSize);
     if (pNative->_pSurface == nullptr || !pNative->makeCurrentContext())
         return nullptr;
     // With the handle in place, onInit can use the whole view.
@@ -384,6 +385,8 @@ int GLView::getOpenGLVersion(int& minor) const
     minor = _pSurface != nullptr ? _minorVersion : 0;
     return _pSurface != nullptr ? _majorVersion : 0;
 }
+
+int GLView::getSamples() { return makeCurrentContext() ? samplesOf(_pSurface->getDefaultFramebuffer()) : 0; }
 
 // Pointer, keys, focus. The view fills its surface: but for its scale, a point of the window is a point of the view.
 

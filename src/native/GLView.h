@@ -72,6 +72,7 @@ public:
     void setCursor(gui::Cursor::Type type, bool globally);
     void cleanResources();
     int getOpenGLVersion(int& minor) const;
+    int getSamples();
     float getBackingScale() const;
     /// Draws a frame and reads it, upright and opaque, before it is presented. @return false when none was drawn
     bool drawInto(gui::Texture& picture);

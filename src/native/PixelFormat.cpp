@@ -1,6 +1,14 @@
 #include <gui/gl/port/PixelFormat.h>
 
+#include "../context/Samples.h"
+
+#include <vo/Log.h>
+
+#include <charconv>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
 
 namespace gui::gl
 {
@@ -16,6 +24,8 @@ enum Attribute : unsigned int
     AlphaSize = 11,
     DepthSize = 12,
     StencilSize = 13,
+    SampleBuffers = 55,
+    Samples = 56,
     NoRecovery = 72,
     Accelerated = 73,
     OpenGLProfile = 99
@@ -48,6 +58,9 @@ void take(PixelFormatSizes& sizes, unsigned int attribute, unsigned int value)
     case StencilSize:
         sizes.stencilBits = static_cast<int>(value);
         break;
+    case Samples:
+        sizes.nSamples = value > 1 ? static_cast<int>(value) : 1;
+        break;
     default:
         break;
     }
@@ -59,13 +72,38 @@ PixelFormat buildPixelFormat(const Context& context)
 {
     const auto [colorBits, alphaBits] = context.getRGBSize();
     const unsigned int profile = context.getProfile() == Context::Profile::Core32 ? cCore32 : cCore41;
-    return {OpenGLProfile, profile,
-            ColorSize,     colorBits,
-            AlphaSize,     alphaBits,
-            DepthSize,     context.getDepthBufferSize(),
-            StencilSize,   context.getStencilBufferSize(),
-            DoubleBuffer,  Accelerated,
-            NoRecovery,    End};
+    PixelFormat format{OpenGLProfile, profile,
+                       ColorSize,     colorBits,
+                       AlphaSize,     alphaBits,
+                       DepthSize,     context.getDepthBufferSize(),
+                       StencilSize,   context.getStencilBufferSize()};
+    std::size_t n = 10;
+    if (context.getSamples() > 1)
+        for (const unsigned int word : {+SampleBuffers, 1U, +Samples, static_cast<unsigned int>(context.getSamples())})
+            format[n++] = word;
+    for (const unsigned int word : {DoubleBuffer, Accelerated, NoRecovery, End})
+        format[n++] = word;
+    return format;
+}
+
+PixelFormat requestPixelFormat(const Context& context)
+{
+    const char* const text = std::getenv("GUIGL_SAMPLES");
+    if (text == nullptr || *text == '\0')
+        return buildPixelFormat(context);
+    const char* const pEnd = text + std::strlen(text);
+    int nSamples = 0;
+    const auto result = std::from_chars(text, pEnd, nSamples);
+    if (result.ec != std::errc() || result.ptr != pEnd || !isSampleCount(nSamples))
+    {
+        static bool s_isSaid = false;
+        if (!std::exchange(s_isSaid, true))
+            vo::dbgLog("Warning! GUIGL_SAMPLES=%s is none of 1, 2, 4, 8, 16 and will be ignored", text);
+        return buildPixelFormat(context);
+    }
+    Context settings = context;
+    settings.setSamples(nSamples);
+    return buildPixelFormat(settings);
 }
 
 PixelFormatSizes decodePixelFormat(const PixelFormat& format)
@@ -90,6 +128,14 @@ bool fallBack(PixelFormatSizes& sizes)
         sizes.depthBits = cMaxDepthBits;
     else
         return false;
+    return true;
+}
+
+bool fallBackSamples(PixelFormatSizes& sizes)
+{
+    if (sizes.nSamples <= 1)
+        return false;
+    sizes.nSamples /= 2;
     return true;
 }
 

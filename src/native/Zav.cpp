@@ -84,6 +84,12 @@ int getOpenGLVersion(const gui::gl::View* pView, int& minor)
     return pNative != nullptr ? pNative->getOpenGLVersion(minor) : 0;
 }
 
+int getSamples(const gui::gl::View* pView)
+{
+    GLView* const pNative = nativeView(pView);
+    return pNative != nullptr ? pNative->getSamples() : 0;
+}
+
 void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, bool globally)
 {
     if (GLView* const pNative = nativeView(pView))

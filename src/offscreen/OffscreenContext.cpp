@@ -1,9 +1,11 @@
 #include <gui/gl/OffscreenContext.h>
 
 #include "../context/FrameReader.h"
+#include "../context/Samples.h"
 
 #include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
+#include <gui/gl/Framebuffer.h>
 #include <vo/Log.h>
 
 #include <epoxy/egl.h>
@@ -66,10 +68,13 @@ EGLDisplay theDisplay()
 EGLConfig findConfig(EGLDisplay display, const PixelFormatSizes& sizes)
 {
     const EGLint channelBits = sizes.colorBits / 3;
+    const EGLint nSamples = sizes.nSamples > 1 ? sizes.nSamples : 0;
     const EGLint attributes[] = {
-        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,    EGL_RED_SIZE,   channelBits,
-        EGL_GREEN_SIZE,   channelBits,     EGL_BLUE_SIZE,       channelBits,       EGL_ALPHA_SIZE, sizes.alphaBits,
-        EGL_DEPTH_SIZE,   sizes.depthBits, EGL_STENCIL_SIZE,    sizes.stencilBits, EGL_NONE};
+        EGL_SURFACE_TYPE,  EGL_PBUFFER_BIT,    EGL_RENDERABLE_TYPE,  EGL_OPENGL_BIT,  EGL_RED_SIZE,
+        channelBits,       EGL_GREEN_SIZE,     channelBits,          EGL_BLUE_SIZE,   channelBits,
+        EGL_ALPHA_SIZE,    sizes.alphaBits,    EGL_DEPTH_SIZE,       sizes.depthBits, EGL_STENCIL_SIZE,
+        sizes.stencilBits, EGL_SAMPLE_BUFFERS, nSamples > 1 ? 1 : 0, EGL_SAMPLES,     nSamples,
+        EGL_NONE};
     EGLConfig config = nullptr;
     EGLint nConfigs = 0;
     if (!eglChooseConfig(display, attributes, &config, 1, &nConfigs) || nConfigs < 1)
@@ -77,19 +82,24 @@ EGLConfig findConfig(EGLDisplay display, const PixelFormatSizes& sizes)
     return config;
 }
 
-EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked)
+// @param got  as asked at first, as it is to be had afterwards
+EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked, PixelFormatSizes& got)
 {
-    PixelFormatSizes got = asked;
+    PixelFormatSizes samples = asked;
     do
     {
-        EGLConfig config = findConfig(display, got);
-        if (config == nullptr)
-            continue;
-        if (got.depthBits != asked.depthBits || got.stencilBits != asked.stencilBits)
-            vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d",
-                       asked.depthBits, asked.stencilBits, got.depthBits, got.stencilBits);
-        return config;
-    } while (fallBack(got));
+        got = samples;
+        do
+        {
+            EGLConfig config = findConfig(display, got);
+            if (config == nullptr)
+                continue;
+            if (got.depthBits != asked.depthBits || got.stencilBits != asked.stencilBits)
+                vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d",
+                           asked.depthBits, asked.stencilBits, got.depthBits, got.stencilBits);
+            return config;
+        } while (fallBack(got));
+    } while (fallBackSamples(samples));
     vo::dbgLog("ERROR! OffscreenContext cannot find a configuration with %d colour, %d alpha, %d depth and %d "
                "stencil bits; EGL %s offers none",
                asked.colorBits, asked.alphaBits, asked.depthBits, asked.stencilBits,
@@ -139,6 +149,8 @@ struct OffscreenContext::Impl
     EGLContext context = EGL_NO_CONTEXT;
     EGLSurface surface = EGL_NO_SURFACE;
     td::Size<int> size;
+    Framebuffer framebuffer; // of several samples, where EGL has none; drawn into in the place of the surface
+    int nSamples = 1;
     bool isLost = false; // it could not be made current, and the log says so
 
     Impl() = default;
@@ -148,6 +160,8 @@ struct OffscreenContext::Impl
 
     bool create(const td::Size<int>& newSize, const PixelFormatSizes& sizes, bool debug);
     bool makeCurrent(EGLSurface newSurface);
+    void addSamples(const PixelFormatSizes& asked, const PixelFormatSizes& got);
+    bool resizeFramebuffer(const td::Size<int>& newSize);
 };
 
 OffscreenContext::Impl::~Impl()
@@ -173,7 +187,8 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFor
     }
     // Of EGL's APIs, the thread's choice decides what eglCreateContext makes; somebody else may have chosen since.
     eglBindAPI(EGL_OPENGL_API);
-    config = findConfigInSteps(display, sizes);
+    PixelFormatSizes got = sizes;
+    config = findConfigInSteps(display, sizes, got);
     if (config == nullptr)
         return false;
     surface = createSurface(display, config, newSize);
@@ -183,7 +198,49 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFor
     if (context == EGL_NO_CONTEXT)
         return false;
     size = newSize;
-    return makeCurrent(surface);
+    if (!makeCurrent(surface))
+        return false;
+    addSamples(sizes, got);
+    return true;
+}
+
+void OffscreenContext::Impl::addSamples(const PixelFormatSizes& asked, const PixelFormatSizes& got)
+{
+    if (asked.nSamples <= 1)
+        return;
+    if (got.nSamples > 1)
+    {
+        nSamples = samplesOf(0);
+        if (nSamples != asked.nSamples)
+            vo::dbgLog("Warning! OffscreenContext asked for %d samples, got %d", asked.nSamples, nSamples);
+        return;
+    }
+    constexpr int cMediumBits = 24;
+    constexpr int cSmallBits = 16;
+    using Depth = DepthBuffer::Size;
+    const Depth depth = got.depthBits > cMediumBits  ? Depth::Bits32
+                        : got.depthBits > cSmallBits ? Depth::Bits24
+                        : got.depthBits > 0          ? Depth::Bits16
+                                                     : Depth::None;
+    const auto stencil = got.stencilBits > 0 ? StencilBuffer::Size::Bits8 : StencilBuffer::Size::None;
+    if (!framebuffer.create(size, {.depth = depth, .stencil = stencil, .samples = asked.nSamples}))
+        return;
+    nSamples = framebuffer.getSamples();
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer.getID());
+}
+
+bool OffscreenContext::Impl::resizeFramebuffer(const td::Size<int>& newSize)
+{
+    if (!framebuffer.isOk())
+        return true;
+    GLint bound = 0;
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &bound);
+    const bool isBound = static_cast<GLuint>(bound) == framebuffer.getID();
+    if (!framebuffer.resize(newSize))
+        return false;
+    if (isBound)
+        glBindFramebuffer(GL_FRAMEBUFFER, framebuffer.getID());
+    return true;
 }
 
 bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
@@ -204,7 +261,7 @@ bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
 }
 
 OffscreenContext::OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug)
-    : OffscreenContext(size, buildPixelFormat(settings), debug)
+    : OffscreenContext(size, requestPixelFormat(settings), debug)
 {
 }
 
@@ -221,6 +278,10 @@ bool OffscreenContext::isOk() const { return _pImpl != nullptr; }
 
 td::Size<int> OffscreenContext::getSize() const { return isOk() ? _pImpl->size : td::Size<int>(); }
 
+int OffscreenContext::getSamples() const { return isOk() ? _pImpl->nSamples : 0; }
+
+unsigned int OffscreenContext::getDefaultFramebuffer() const { return isOk() ? _pImpl->framebuffer.getID() : 0; }
+
 bool OffscreenContext::makeCurrent() { return isOk() && _pImpl->makeCurrent(_pImpl->surface); }
 
 bool OffscreenContext::resize(const td::Size<int>& size)
@@ -230,8 +291,9 @@ bool OffscreenContext::resize(const td::Size<int>& size)
     const EGLSurface surface = createSurface(_pImpl->display, _pImpl->config, size);
     if (surface == EGL_NO_SURFACE)
         return false;
-    if (!_pImpl->makeCurrent(surface))
+    if (!_pImpl->makeCurrent(surface) || !_pImpl->resizeFramebuffer(size))
     {
+        _pImpl->makeCurrent(_pImpl->surface);
         eglDestroySurface(_pImpl->display, surface);
         return false;
     }
@@ -249,7 +311,7 @@ bool OffscreenContext::readPixels(gui::Texture& picture)
         vo::dbgLog("Error! OffscreenContext::readPixels without a context");
         return false;
     }
-    return readFrame(0, _pImpl->size, picture);
+    return readFrame(getDefaultFramebuffer(), _pImpl->size, picture);
 }
 
 bool OffscreenContext::savePicture(const char* path)

@@ -42,7 +42,7 @@ public:
     td::Size<double> getSize() const override { return _drawable.size; }
     float getBackingScale() const override { return _drawable.scale; }
     td::Size<int> getDrawableSize() const override { return _context.getSize(); }
-    unsigned int getDefaultFramebuffer() const override { return 0; }
+    unsigned int getDefaultFramebuffer() const override { return _context.getDefaultFramebuffer(); }
 
     void* getNativeWindow() const override { return &_drawable; }
     bool followWindow() override

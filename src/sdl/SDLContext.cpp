@@ -1,5 +1,6 @@
 #include "SDLContext.h"
 
+#include "../context/Samples.h"
 #include "../native/GLDebug.h"
 
 #include <vo/Log.h>
@@ -32,6 +33,8 @@ void setAttributes(const PixelFormatSizes& sizes)
         {SDL_GL_ALPHA_SIZE, sizes.alphaBits},
         {SDL_GL_DEPTH_SIZE, sizes.depthBits},
         {SDL_GL_STENCIL_SIZE, sizes.stencilBits},
+        {SDL_GL_MULTISAMPLEBUFFERS, sizes.nSamples > 1 ? 1 : 0},
+        {SDL_GL_MULTISAMPLESAMPLES, sizes.nSamples > 1 ? sizes.nSamples : 0},
         {SDL_GL_DOUBLEBUFFER, 1},
         {SDL_GL_SHARE_WITH_CURRENT_CONTEXT, 0},
         {SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE},
@@ -86,8 +89,13 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
     PixelFormatSizes sizes = asked;
     std::unique_ptr<SDLContext> context = tryToCreate(sizes, size);
     const std::string error = SDL_GetError();
-    while (context == nullptr && fallBack(sizes))
+    PixelFormatSizes samples = asked;
+    while (context == nullptr && (fallBack(sizes) || fallBackSamples(samples)))
+    {
+        if (sizes.nSamples != samples.nSamples)
+            sizes = samples;
         context = tryToCreate(sizes, size);
+    }
     if (context == nullptr)
         vo::dbgLog("ERROR! SDLContext cannot have an OpenGL %s core context with %d colour, %d alpha, %d depth and %d "
                    "stencil bits (%s); the system has %s",
@@ -96,6 +104,9 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
     else if (sizes.depthBits != asked.depthBits || sizes.stencilBits != asked.stencilBits)
         vo::dbgLog("Warning! SDLContext asked for %d depth and %d stencil bits, got %d and %d", asked.depthBits,
                    asked.stencilBits, sizes.depthBits, sizes.stencilBits);
+    if (context != nullptr && asked.nSamples > 1)
+        if (const int nSamples = samplesOf(0); nSamples != asked.nSamples)
+            vo::dbgLog("Warning! SDLContext asked for %d samples, got %d", asked.nSamples, nSamples);
     return context;
 }
 

@@ -80,6 +80,8 @@ std::tuple<int, int> View::getOpenGLVersion() const
     return {major, minor};
 }
 
+int View::getSamples() const { return zav::getSamples(this); }
+
 void View::getVisiblePartInModelCoordinates(td::RectNormalized<double>&) const { TD_ASSERT(false); }
 
 void View::activateScreenFB() { glBindFramebuffer(GL_FRAMEBUFFER, _screenFB); }

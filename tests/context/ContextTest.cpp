@@ -70,6 +70,7 @@ TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
         {"false", [=] { Context::setStencilBufferOperation(bad, keep, keep); }},
         {"false", [=] { Context::setStencilBufferOperation(keep, bad, keep); }},
         {"false", [=] { Context::setStencilBufferOperation(keep, keep, bad); }},
+        {"isSampleCount(n)", [] { Context(DepthBuffer::Size::None, {}, {}).setSamples(3); }},
         {"width >= 0 && height >= 0", [] { Context::setScissor(0, 0, 5, -1); }},
         {"static_cast<std::size_t>(flag) < cZavFlags.size()", [] { Context::enable(Context::Flag(6)); }},
         {"false", [] { Context::setPolygonMode(Context::PolygonMode(3)); }},

@@ -16,7 +16,7 @@ using gui::gl::StencilBuffer;
 bool operator==(const PixelFormatSizes& a, const PixelFormatSizes& b)
 {
     return a.is41 == b.is41 && a.colorBits == b.colorBits && a.alphaBits == b.alphaBits && a.depthBits == b.depthBits &&
-           a.stencilBits == b.stencilBits;
+           a.stencilBits == b.stencilBits && a.nSamples == b.nSamples;
 }
 
 TEST(PixelFormat, SaysWhatTheContextAsksForAndIsReadBack)
@@ -33,6 +33,15 @@ TEST(PixelFormat, SaysWhatTheContextAsksForAndIsReadBack)
     const PixelFormat deepList = gui::gl::buildPixelFormat(deep);
     EXPECT_EQ(deepList, (PixelFormat{99, 0x4100, 8, 30, 11, 2, 12, 32, 13, 0, 5, 73, 72, 0}));
     EXPECT_TRUE(gui::gl::decodePixelFormat(deepList) == (PixelFormatSizes{true, 30, 2, 32, 0}));
+
+    deep.setSamples(8);
+    const PixelFormat smoothList = gui::gl::buildPixelFormat(deep);
+    EXPECT_EQ(smoothList, (PixelFormat{99, 0x4100, 8, 30, 11, 2, 12, 32, 13, 0, 55, 1, 56, 8, 5, 73, 72, 0}));
+    PixelFormatSizes sizes = gui::gl::decodePixelFormat(smoothList);
+    EXPECT_TRUE(sizes == (PixelFormatSizes{true, 30, 2, 32, 0, 8}));
+    EXPECT_TRUE(gui::gl::fallBackSamples(sizes) && gui::gl::fallBackSamples(sizes) && gui::gl::fallBackSamples(sizes));
+    EXPECT_FALSE(gui::gl::fallBackSamples(sizes));
+    EXPECT_TRUE(sizes == (PixelFormatSizes{true, 30, 2, 32, 0}));
 }
 
 // Values that look like attributes (8, 11, 12, 13, 72) must not be taken for them, nor 0 for the end.

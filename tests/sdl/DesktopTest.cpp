@@ -1,6 +1,7 @@
 // What a user does and sees, on each desktop and at each of its places.
 
 #include "DesktopTest.h"
+#include "SampledView.h"
 
 #include <gui/Display.h>
 
@@ -28,6 +29,25 @@ TEST_P(DesktopTest, ClicksCount)
     xdo(at(40, 100));
     xdo("keydown ctrl click 1 keyup ctrl");
     EXPECT_TRUE(view.hasHeard({"press 40,100 x1+Cmd", "release 40,100 x1+Cmd"}));
+}
+
+// The driver of these tests has four samples, and no more.
+TEST_P(DesktopTest, EdgesAreAsSmoothAsAskedFor)
+{
+    desktop().goTo(0);
+    for (const auto& [asked, got] : {std::pair(1, 1), {4, 4}, {16, 4}})
+    {
+        SampledView sampled(asked);
+        if (asked > got)
+        {
+            EXPECT_TRUE(log.said("Warning! SDLContext asked for 16 samples, got 4"));
+        }
+        gui::Window other("Sampled", {64, 48});
+        ASSERT_TRUE(other.show(sampled));
+        EXPECT_EQ(sampled.getSamples(), got);
+        EXPECT_EQ(sampled.countShades() > 2, got > 1);
+    }
+    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty(); }));
 }
 
 TEST_P(DesktopTest, DragGoesOnOutside)

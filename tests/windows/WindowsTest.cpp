@@ -1,4 +1,5 @@
 #include "sdl/RecordingView.h"
+#include "sdl/SampledView.h"
 #include "sdl/WaitInLoop.h"
 #include "src/native/GLView.h"
 #include "support/CapturedLog.h"
@@ -84,6 +85,31 @@ TEST_F(Windows, ShowingTellsTheSizeOnceAndDrawsOnce)
     view.reDraw();
     settle();
     EXPECT_EQ(view.nFrames, 4);
+}
+
+// The environment goes before the program; and what it says must be a number of samples.
+TEST_F(Windows, SamplesAreTheEnvironmentsOrTheProgramsOwn)
+{
+    struct Environment
+    {
+        explicit Environment(const char* value) { setenv("GUIGL_SAMPLES", value, 1); }
+        ~Environment() { unsetenv("GUIGL_SAMPLES"); }
+    };
+    const auto samplesOf = [](int asked)
+    {
+        test::SampledView view(asked);
+        EXPECT_EQ(view.countShades() > 2, view.getSamples() > 1);
+        return view.getSamples();
+    };
+    EXPECT_EQ(samplesOf(1), 1);
+    EXPECT_EQ(samplesOf(4), 4);
+    for (const auto& [value, asked, got] : {std::tuple("4", 1, 4), {"1", 4, 1}, {"", 4, 4}, {"3", 4, 4}, {"4x", 1, 1}})
+    {
+        const Environment environment(value);
+        EXPECT_EQ(samplesOf(asked), got) << value;
+    }
+    EXPECT_TRUE(log.said("Warning! GUIGL_SAMPLES=3 is none of 1, 2, 4, 8, 16 and will be ignored"));
+    EXPECT_EQ(gui::gl::View().getSamples(), 0);
 }
 
 // A loop that polls, or a clock that goes on, would burn the battery of whoever leaves the window open.

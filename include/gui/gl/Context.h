@@ -178,6 +178,13 @@ public:
     /// Colour bits (red, green and blue together), alpha bits.
     std::tuple<unsigned char, unsigned char> getRGBSize() const { return {_colorBits, _alphaBits}; }
 
+    /// How many samples each pixel has, 1 at first. With more than one, edges are smooth: what covers a part of a pixel
+    /// takes that share of it. The driver may have less; View::getSamples and OffscreenContext::getSamples say how many
+    /// it gave, and the environment's GUIGL_SAMPLES goes before what a program asks for.
+    /// @param n  1, 2, 4, 8 or 16; others are misuse ("isSampleCount(n)") and change nothing
+    void setSamples(int n);
+    int getSamples() const { return _nSamples; }
+
     /// The range that an animated view's frames per second should lie in. Nothing is checked here: a range that is not
     /// above 0, or whose maximum is below its minimum, means the display's own rate.
     void setPreferredFrameRateRange(float min, float max);
@@ -247,6 +254,7 @@ private:
     bool _isAnimation;
     unsigned char _colorBits = 24;
     unsigned char _alphaBits = 8;
+    unsigned char _nSamples = 1;
 };
 
 } // namespace gui::gl

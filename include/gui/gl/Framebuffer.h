@@ -166,6 +166,7 @@ private:
         unsigned int resolved = 0; // the framebuffer of the texture then
     };
 
+    bool replace(const td::Size<int>& size, const Format& format);
     static unsigned int make(Names& names, const td::Size<int>& size, const Format& format, int nSamples);
     static void remove(const Names& names, CurrentContext::ID contextID);
     bool isHere(const char* operation, bool& isSaid) const;

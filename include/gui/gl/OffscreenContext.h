@@ -26,8 +26,9 @@ class GUIGL_API OffscreenContext
 public:
     /// GL objects of the library may outlive the context; they forget their names when it dies.
     /// @param size      in device pixels, both at least 1
-    /// @param settings  profile and buffer sizes; its animation and frame rates mean nothing here. Depth or stencil
-    ///                  bits that the system lacks fall back to 24 and 8, with a log line of what was asked for and got
+    /// @param settings  profile, buffer sizes and samples; its animation and frame rates mean nothing here. Depth or
+    ///                  stencil bits that the system lacks fall back to 24 and 8, samples to the next number that it
+    ///                  has, each with a log line of what was asked for and got
     /// @param debug     asks the driver for a debug context, whose messages glDebugMessageCallback delivers
     /// When there is no such context a log line says why, and isOk is false.
     OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug = false);
@@ -42,6 +43,13 @@ public:
     /// In device pixels.
     td::Size<int> getSize() const;
 
+    /// How many samples each pixel has; 1 for a plain one, 0 when the context is not ok.
+    int getSamples() const;
+
+    /// The GL name of what is drawn into at first: bind it after drawing into a framebuffer of your own. It is not 0
+    /// where the system has several samples in such framebuffers alone, and may be another one after resize.
+    unsigned int getDefaultFramebuffer() const;
+
     /// @return false when the driver refuses, with a log line the first time
     bool makeCurrent();
 
@@ -49,7 +57,8 @@ public:
     /// it. The picture is undefined afterwards. @return false, with a log line and nothing changed, when there is none
     bool resize(const td::Size<int>& size);
 
-    /// Reads the picture drawn so far, upright (the first row is the top), 3 bytes per pixel.
+    /// Reads the picture drawn so far, upright (the first row is the top), 3 bytes per pixel. Of several samples it is
+    /// their mean.
     /// @return false, with a log line and the texture unchanged, when the context is not ok or memory is short
     bool readPixels(gui::Texture& picture);
 

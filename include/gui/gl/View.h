@@ -78,6 +78,10 @@ public:
     /// Major and minor version of the view's context; 0 and 0 without one.
     std::tuple<int, int> getOpenGLVersion() const;
 
+    /// How many samples each pixel of the frame has, as the driver gave them: 1 for a plain one, 0 without a context.
+    /// See Context::setSamples. What is read of a frame is the mean of a pixel's samples.
+    int getSamples() const;
+
     /// The part of the model that is seen, in model units. Only views that have a model know: here it is a programming
     /// error ("false").
     void getVisiblePartInModelCoordinates(td::RectNormalized<double>& rect) const;

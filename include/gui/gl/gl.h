@@ -19,9 +19,9 @@
 /// by CurrentContext::deleteName, and call setCurrentProgram(nullptr) after using programs and binding textures of your
 /// own.
 ///
-/// What it does not do: it keeps no scene, fills no polygon with holes and smooths no edge; it lays out text from left
-/// to right without kerning, ligatures or letters that join; it has no buttons, menus or layout of widgets; and all of
-/// it is for one thread, the GUI thread.
+/// What it does not do: it keeps no scene, fills no polygon with holes and smooths edges by samples alone
+/// (Context::setSamples); it lays out text from left to right without kerning, ligatures or letters that join; it has
+/// no buttons, menus or layout of widgets; and all of it is for one thread, the GUI thread.
 
 #include "Buffer.h"
 #include "Camera.h"

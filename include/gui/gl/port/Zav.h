@@ -63,6 +63,9 @@ GUIGL_API void cleanOpenGLResources(gui::gl::View* pView);
 /// @return the context's major version, 0 without a native view
 GUIGL_API int getOpenGLVersion(const gui::gl::View* pView, int& minor);
 
+/// Samples per pixel of what the view presents; 0 without a native view, or when its context is lost.
+GUIGL_API int getSamples(const gui::gl::View* pView);
+
 /// @param globally  whether it shows at once, while the pointer is over the view
 GUIGL_API void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, bool globally);
 
