@@ -47,7 +47,7 @@ BoundForReading::BoundForReading(unsigned int framebuffer, const td::Size<int>& 
     : _framebuffer(framebuffer)
 {
     glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &_boundBefore);
-    // GL refuses to read several samples, but for the window's own; of that, drivers give one of them, and not the mean.
+    // GL refuses to read several samples, but for the window's own: of that, drivers give one, and not the mean.
     if (samplesOf(framebuffer) > 1)
         resolve(size);
     if (static_cast<GLuint>(_boundBefore) != _framebuffer)
@@ -59,10 +59,14 @@ void BoundForReading::resolve(const td::Size<int>& size)
     GLint renderbufferBefore = 0;
     glGetIntegerv(GL_RENDERBUFFER_BINDING, &renderbufferBefore);
     glGenRenderbuffers(1, &_renderbuffer);
+    if (_renderbuffer == 0)
+        return;
     glBindRenderbuffer(GL_RENDERBUFFER, _renderbuffer);
     glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, size.width, size.height);
     glBindRenderbuffer(GL_RENDERBUFFER, static_cast<GLuint>(renderbufferBefore));
     glGenFramebuffers(1, &_resolved);
+    if (_resolved == 0 || _renderbuffer == 0)
+        return;
     {
         const BoundFramebuffers before;
         glBindFramebuffer(GL_FRAMEBUFFER, _resolved);
@@ -76,7 +80,7 @@ BoundForReading::~BoundForReading()
 {
     if (static_cast<GLuint>(_boundBefore) != _framebuffer)
         glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(_boundBefore));
-    if (_resolved == 0)
+    if (_resolved == 0 && _renderbuffer == 0)
         return;
     glDeleteFramebuffers(1, &_resolved);
     glDeleteRenderbuffers(1, &_renderbuffer);

@@ -66,6 +66,8 @@ unsigned int attachRenderbuffer(GLenum attachment, GLenum format, const td::Size
 {
     GLuint name = 0;
     glGenRenderbuffers(1, &name);
+    if (name == 0)
+        return 0;
     glBindRenderbuffer(GL_RENDERBUFFER, name);
     glRenderbufferStorageMultisample(GL_RENDERBUFFER, nSamples > 1 ? nSamples : 0, format, size.width, size.height);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, attachment, GL_RENDERBUFFER, name);
@@ -76,6 +78,8 @@ unsigned int attachTexture(Framebuffer::Color color, const td::Size<int>& size)
 {
     GLuint name = 0;
     glGenTextures(1, &name);
+    if (name == 0)
+        return 0;
     bindTexture(Texture::Type::Tex2D, name);
     const ColorFormat& format = colorFormat(color);
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format.internal), size.width, size.height, 0, format.components,
@@ -106,6 +110,8 @@ unsigned int Framebuffer::make(Names& names, const td::Size<int>& size, const Fo
     const int renderbufferBefore = integer(GL_RENDERBUFFER_BINDING);
     unsigned int status = 0;
     glGenFramebuffers(1, &names.framebuffer);
+    if (names.framebuffer == 0) // what is attached below would go to the window's
+        return 0;
     glBindFramebuffer(GL_FRAMEBUFFER, names.framebuffer);
     if (nSamples > 1)
         names.color = attachRenderbuffer(GL_COLOR_ATTACHMENT0, colorFormat(format.color).internal, size, nSamples);
@@ -120,9 +126,13 @@ unsigned int Framebuffer::make(Names& names, const td::Size<int>& size, const Fo
     if (isComplete(status) && nSamples > 1)
     {
         glGenFramebuffers(1, &names.resolved);
-        glBindFramebuffer(GL_FRAMEBUFFER, names.resolved);
-        names.texture = attachTexture(format.color, size);
-        isComplete(status);
+        status = 0;
+        if (names.resolved != 0)
+        {
+            glBindFramebuffer(GL_FRAMEBUFFER, names.resolved);
+            names.texture = attachTexture(format.color, size);
+            isComplete(status);
+        }
     }
     glBindRenderbuffer(GL_RENDERBUFFER, static_cast<GLuint>(renderbufferBefore));
     return status;
@@ -174,7 +184,7 @@ bool Framebuffer::replace(const td::Size<int>& size, const Format& format)
     while (status != GL_FRAMEBUFFER_COMPLETE)
     {
         remove(std::exchange(names, {}), contextID);
-        if (nSamples == 1)
+        if (nSamples == 1 || status != GL_FRAMEBUFFER_UNSUPPORTED)
         {
             vo::dbgLog("ERROR! Framebuffer::create the driver has no framebuffer of %d x %d pixels with %d samples "
                        "(status %x)",

@@ -31,8 +31,8 @@ namespace gui::gl
 /// Context::bindTextureToCurrentlyActiveTextureUnit(_aside.getTextureID(), Texture::Type::Tex2D);
 /// @endcode
 /// It has a colour, which is a texture to sample, and depth and stencil if they are asked for. Its rows count from the
-/// bottom, as GL's do, and so does t of the texture. Framebuffers cannot be shared between contexts: all but queries and
-/// release need the context current that was at create. When that dies, the pixels are gone and isOk is false. Not
+/// bottom, as GL's do, and so does t of the texture. Framebuffers cannot be shared between contexts: all but queries
+/// and release need the context current that was at create. When that dies, the pixels are gone and isOk is false. Not
 /// copyable. GUI thread only.
 ///
 /// Operations that return a bool say in one log line why they return false, and have changed nothing then. Those that a
@@ -69,8 +69,8 @@ public:
     Framebuffer& operator=(const Framebuffer&) = delete;
 
     /// Makes the framebuffer, in the place of one that was made before; the pixels are undefined. What is bound stays
-    /// bound, but for the active unit's 2D texture, which is none afterwards. Misuse, with nothing changed, are a number
-    /// of samples that is none of those, a color that is none, and a call between begin and end.
+    /// bound, but for the active unit's 2D texture, which is none afterwards. Misuse, with nothing changed, are a
+    /// number of samples that is none of those, a color that is none, and a call between begin and end.
     /// @param size  in device pixels
     /// @return false without a current context ("Error! Framebuffer::create without a current GL context!"), with a
     ///         size that is none ("Error! Framebuffer::create with a size of W x H pixels; the driver takes 1 to N"),
