@@ -95,6 +95,11 @@ constexpr SceneInfo cScenes[] = {
      "Words before, between and behind the balls that wind around them: with the depth test, where the nearer hides "
      "the farther, and without it.",
      makeDepth},
+    {"samples", "Samples",
+     "One picture, drawn aside with one sample per pixel and with four, and with eight where the driver has them; "
+     "below "
+     "it a part, eight times as large. Samples smooth every edge, at no cost to the program.",
+     makeSamples},
 };
 
 } // namespace

@@ -41,5 +41,6 @@ std::unique_ptr<Scene> makeWindows();
 std::unique_ptr<Scene> makeText();
 std::unique_ptr<Scene> makeUnicode();
 std::unique_ptr<Scene> makeDepth();
+std::unique_ptr<Scene> makeSamples();
 
 } // namespace gallery
