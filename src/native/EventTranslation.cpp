@@ -3,6 +3,8 @@
 #include <gui/gl/KeyCodes.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace zav
 {
@@ -53,6 +55,15 @@ std::uint64_t getTrackingOptions(unsigned short eventMask)
     if (has(eventMask, gui::InputDevice::Event::CursorEnterLeave))
         options |= cEnteredAndExited;
     return options;
+}
+
+gui::InputDevice::Button toRecordButton(ButtonEvent::Button button)
+{
+    using Button = gui::InputDevice::Button;
+    constexpr std::array cButtons{Button::Primary, Button::Secondary, Button::Middle, Button::Back, Button::Forward};
+    static_assert(cButtons.size() == std::size_t(ButtonEvent::Button::Forward) + 1);
+    const auto index = static_cast<std::size_t>(button);
+    return index < cButtons.size() ? cButtons[index] : Button::None;
 }
 
 bool isWheelZoom(const WheelEvent& event) { return event.dy != 0 && gui::isCmdPressed(event.modifiers); }

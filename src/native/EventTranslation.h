@@ -21,6 +21,9 @@ GUIGL_API unsigned short buildEventMask(const std::initializer_list<gui::InputDe
 /// these always; 0x02 motion when the mask has CursorMove; 0x01 entering and leaving when it has CursorEnterLeave.
 GUIGL_API std::uint64_t getTrackingOptions(unsigned short eventMask);
 
+/// The record's name of a button.
+GUIGL_API gui::InputDevice::Button toRecordButton(ButtonEvent::Button button);
+
 /// Whether a wheel event zooms (Command held and dy not 0).
 GUIGL_API bool isWheelZoom(const WheelEvent& event);
 /// 1 + s_zoomIncrement * dy / 100, never below 0.05, so that no single event turns a model inside out.

@@ -411,6 +411,11 @@ InputDevice GLView::clickRecord(const ButtonEvent& event, InputDevice::Button bu
 
 void GLView::onButton(const ButtonEvent& event)
 {
+    if (event.button > ButtonEvent::Button::Right)
+    {
+        onOtherButton(event);
+        return;
+    }
     const bool isSecondaryWanted = has(InputDevice::Event::SecondaryClicks);
     const bool isPrimaryWanted = has(InputDevice::Event::PrimaryClicks);
     const bool isCtrl = gui::isCtrlPressed(event.modifiers);
@@ -444,6 +449,18 @@ void GLView::onButton(const ButtonEvent& event)
         helper.onPrimaryButtonPressed(clickRecord(event, InputDevice::Button::Primary, event.nClicks));
 }
 
+void GLView::onOtherButton(const ButtonEvent& event)
+{
+    if (!has(InputDevice::Event::OtherClicks) || !makeCurrentContext())
+        return;
+    const Busy busy(*this);
+    const InputDevice device = clickRecord(event, toRecordButton(event.button), event.nClicks);
+    if (event.isDown)
+        ViewHelper(_pCppView).onOtherButtonPressed(device);
+    else
+        ViewHelper(_pCppView).onOtherButtonReleased(device);
+}
+
 void GLView::onMotion(const MotionEvent& event)
 {
     if (_pCppView == nullptr)
@@ -459,6 +476,10 @@ void GLView::onMotion(const MotionEvent& event)
     case MotionEvent::Kind::Dragged:
         if (has(InputDevice::Event::CursorDrag) && makeCurrentContext())
             helper.onCursorDragged(pointerRecord(event.point, event.modifiers, InputDevice::Button::Primary));
+        break;
+    case MotionEvent::Kind::OtherDragged:
+        if (has(InputDevice::Event::OtherDrag) && makeCurrentContext())
+            helper.onOtherDragged(pointerRecord(event.point, event.modifiers, toRecordButton(event.button)));
         break;
     case MotionEvent::Kind::Entered:
         _pSurface->setCursor(_currentCursorType);
@@ -487,8 +508,9 @@ bool GLView::onWheel(const WheelEvent& event)
         return false;
     // The distance, not a place.
     const td::Point<double> scroll = getWheelScroll(event);
-    ViewHelper(_pCppView).onScroll(
-        {scroll, scroll, scroll, event.modifiers, InputDevice::Type::Mouse, InputDevice::Button::Wheel});
+    InputDevice device(scroll, scroll, scroll, event.modifiers, InputDevice::Type::Mouse, InputDevice::Button::Wheel);
+    gui::InputDeviceHelper(&device).setPlace(toView(event.point));
+    ViewHelper(_pCppView).onScroll(device);
     return true;
 }
 

@@ -108,6 +108,7 @@ private:
                                    gui::InputDevice::Button button) const;
     gui::InputDevice clickRecord(const ButtonEvent& event, gui::InputDevice::Button button,
                                  unsigned short nClicks) const;
+    void onOtherButton(const ButtonEvent& event);
     void stopAnimation();
     void startAnimation();
     bool has(gui::InputDevice::Event event) const;

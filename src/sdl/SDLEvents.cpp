@@ -10,6 +10,8 @@
 #include <SDL_touch.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 namespace zav
@@ -33,6 +35,18 @@ unsigned int modifiersOf(const gui::SDLEvent& event) { return toModifiers(event.
 td::Point<double> toPoint(int x, int y) { return {static_cast<double>(x), static_cast<double>(y)}; }
 
 td::Point<double> mousePoint(const gui::SDLEvent& event) { return toPoint(event.mouseX, event.mouseY); }
+
+// SDL's numbers of the buttons and their bits; the left one and the right one first, which may be held with others.
+struct ButtonName
+{
+    int number;
+    ButtonEvent::Button button;
+};
+constexpr ButtonName cButtons[] = {{SDL_BUTTON_LEFT, ButtonEvent::Button::Left},
+                                   {SDL_BUTTON_RIGHT, ButtonEvent::Button::Right},
+                                   {SDL_BUTTON_MIDDLE, ButtonEvent::Button::Middle},
+                                   {SDL_BUTTON_X1, ButtonEvent::Button::Back},
+                                   {SDL_BUTTON_X2, ButtonEvent::Button::Forward}};
 
 bool isLeftDown(const gui::SDLEvent& event) { return (event.mouseButtons & SDL_BUTTON_LMASK) != 0; }
 
@@ -120,7 +134,8 @@ void SDLEvents::leave(const gui::SDLEvent& event, const td::Point<double>& point
 void SDLEvents::onButton(const gui::SDLEvent& event)
 {
     const SDL_MouseButtonEvent& button = event.event.button;
-    if (button.button != SDL_BUTTON_LEFT && button.button != SDL_BUTTON_RIGHT)
+    const auto* const pName = std::ranges::find(cButtons, int(button.button), &ButtonName::number);
+    if (pName == std::end(cButtons))
         return;
     const bool isLeft = button.button == SDL_BUTTON_LEFT;
     const bool isDown = button.type == SDL_MOUSEBUTTONDOWN;
@@ -128,8 +143,7 @@ void SDLEvents::onButton(const gui::SDLEvent& event)
     if (isLeft)
         _isDragging = isDown;
     const std::weak_ptr<SDLEvents*> self = _self;
-    _client.onButton({isLeft ? ButtonEvent::Button::Left : ButtonEvent::Button::Right, isDown, isLeftDown(event),
-                      button.clicks, modifiersOf(event), point});
+    _client.onButton({pName->button, isDown, isLeftDown(event), button.clicks, modifiersOf(event), point});
     // The click may have ended the view, and this with it.
     if (!self.expired() && _isLeavePending && !_isDragging)
         leave(event, point);
@@ -146,6 +160,13 @@ void SDLEvents::onMotion(const gui::SDLEvent& event)
         _client.onMotion({MotionEvent::Kind::Dragged, modifiersOf(event), point});
     else if (motion.state == 0)
         _client.onMotion({MotionEvent::Kind::Moved, modifiersOf(event), point});
+    else
+        for (const ButtonName& name : cButtons)
+            if ((motion.state & static_cast<Uint32>(SDL_BUTTON(name.number))) != 0)
+            {
+                _client.onMotion({MotionEvent::Kind::OtherDragged, modifiersOf(event), point, name.button});
+                break;
+            }
 }
 
 void SDLEvents::onWheel(const gui::SDLEvent& event)

@@ -1,12 +1,15 @@
 #include <gui/gl/OrthoView.h>
 
 #include <gui/Key.h>
+#include <gui/gl/InputTuning.h>
 #include <vo/Log.h>
 
 #include <glm/ext/matrix_clip_space.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <utility>
 
 namespace gui::gl
 {
@@ -19,6 +22,17 @@ td::Point<double> s_startDragPoint; // where it was in the view
 td::Point<double> s_startTL;        // the origin then
 
 bool isFinite(const td::Point<double>& point) { return std::isfinite(point.x) && std::isfinite(point.y); }
+
+bool isFinite(const td::RectNormalized<double>& rect)
+{
+    return isFinite({rect.left, rect.top}) && isFinite({rect.right, rect.bottom});
+}
+
+// The lower edge of a length that lies between two limits, in their middle when it is longer than they are apart.
+double within(double edge, double length, double low, double high)
+{
+    return length < high - low ? std::clamp(edge, low, high - length) : (low + high - length) / 2;
+}
 
 bool isFinite(const glm::mat4& matrix)
 {
@@ -39,7 +53,14 @@ void OrthoView::createContext(bool yDown)
     _isYDown = yDown;
     View::createContext(Context(DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41),
                         {Event::Keyboard, Event::CursorEnterLeave, Event::PrimaryClicks, Event::SecondaryClicks,
-                         Event::CursorMove, Event::CursorDrag, Event::ScrollAndZoom});
+                         Event::CursorMove, Event::CursorDrag, Event::ScrollAndZoom, Event::OtherClicks,
+                         Event::OtherDrag});
+}
+
+void OrthoView::setBindings(Bindings bindings)
+{
+    endPanning();
+    _bindings = bindings;
 }
 
 double OrthoView::getZoom() const { return _zoom; }
@@ -50,6 +71,7 @@ void OrthoView::setZoom(double zoom)
     if (newZoom == _zoom)
         return;
     _zoom = newZoom;
+    _origin = withinLimits(_origin);
     adjustOrthoProjectionMatrix();
     onZoomChanged();
     onOriginChanged();
@@ -83,37 +105,104 @@ td::Point<double> OrthoView::getModelPoint(const td::Point<double>& viewPoint) c
     return {viewPoint.x / _zoom + _origin.x, y / _zoom + _origin.y};
 }
 
+td::Point<double> OrthoView::getViewPoint(const td::Point<double>& modelPoint) const
+{
+    const double y = (modelPoint.y - _origin.y) * _zoom;
+    return {(modelPoint.x - _origin.x) * _zoom, _isYDown ? y : static_cast<double>(_height) - y};
+}
+
+glm::mat4 OrthoView::getProjection(const td::Point<double>& base) const
+{
+    if (!(_width > 0 && _height > 0))
+        return glm::ortho(-1.0F, 1.0F, -1.0F, 1.0F, -1.0F, 1.0F);
+    const double left = _origin.x - base.x;
+    const double right = left + static_cast<double>(_width) / _zoom;
+    const double near = _origin.y - base.y;
+    const double far = near + static_cast<double>(_height) / _zoom;
+    return _isYDown ? glm::mat4(glm::ortho(left, right, far, near, -1.0, 1.0))
+                    : glm::mat4(glm::ortho(left, right, near, far, -1.0, 1.0));
+}
+
+bool OrthoView::fit(const td::RectNormalized<double>& model, double margin)
+{
+    if (!isFinite(model) || !std::isfinite(margin))
+        return false;
+    if (!(_width > 0 && _height > 0))
+    {
+        _fit = {model, margin};
+        return true;
+    }
+    const double width = static_cast<double>(_width) - 2 * margin;
+    const double height = static_cast<double>(_height) - 2 * margin;
+    if (!(width > 0 && height > 0))
+        return false;
+    _fit.reset();
+    // A side of no length gives infinity, and leaves it to the other one.
+    const double zoom =
+        std::min(width / std::abs(model.right - model.left), height / std::abs(model.bottom - model.top));
+    const double newZoom = std::isfinite(zoom) ? clampedZoom(zoom) : _zoom;
+    const td::Point<double> origin(std::midpoint(model.left, model.right) - static_cast<double>(_width) / 2 / newZoom,
+                                   std::midpoint(model.top, model.bottom) - static_cast<double>(_height) / 2 / newZoom);
+    if (!isFinite(origin))
+        return false;
+    const bool isZoomNew = newZoom != _zoom;
+    _zoom = newZoom;
+    setOrigin(origin);
+    if (isZoomNew)
+        onZoomChanged();
+    onOriginChanged();
+    reDraw();
+    return true;
+}
+
+void OrthoView::setPlaneLimits(const td::RectNormalized<double>& limits)
+{
+    if (!isFinite(limits))
+        return;
+    _limits = limits;
+    if (keepWithinLimits())
+        reDraw();
+}
+
+void OrthoView::removePlaneLimits() { _limits.reset(); }
+
+td::Point<double> OrthoView::withinLimits(const td::Point<double>& origin) const
+{
+    if (!_limits || !(_width > 0 && _height > 0))
+        return origin;
+    return {within(origin.x, static_cast<double>(_width) / _zoom, _limits->left, _limits->right),
+            within(origin.y, static_cast<double>(_height) / _zoom, _limits->top, _limits->bottom)};
+}
+
+// @return whether the plane moved
+bool OrthoView::keepWithinLimits()
+{
+    const td::Point<double> origin = withinLimits(_origin);
+    if (origin == _origin)
+        return false;
+    setOrigin(origin);
+    onOriginChanged();
+    return true;
+}
+
 void OrthoView::onResize(const td::Size<double>& size)
 {
     _width = static_cast<float>(size.width);
     _height = static_cast<float>(size.height);
     adjustOrthoProjectionMatrix();
+    if (_fit && _width > 0 && _height > 0)
+        fit(_fit->model, _fit->margin);
+    keepWithinLimits();
 }
 
-void OrthoView::onPrimaryButtonPressed(const InputDevice& device)
+void OrthoView::beginPanning(const InputDevice& device)
 {
-    if (!device.getKey().isShiftPressed())
-        return;
     s_startTL = _origin;
     s_startDragPoint = device.getFramePoint();
-    if (_isPanning)
-        return;
-    _isPanning = true;
-    setCursor(Cursor::Type::Pan, true);
 }
 
-void OrthoView::onPrimaryButtonReleased(const InputDevice&) { endPanning(); }
-
-void OrthoView::onPrimaryButtonDblClick(const InputDevice&) { endPanning(); }
-
-void OrthoView::onCursorDragged(const InputDevice& device)
+void OrthoView::panTo(const InputDevice& device)
 {
-    if (!device.getKey().isShiftPressed())
-    {
-        endPanning();
-        return;
-    }
-    _isPanning = true;
     const double dx = device.getFramePoint().x - s_startDragPoint.x;
     const double dy = device.getFramePoint().y - s_startDragPoint.y;
     if (!setOrigin({s_startTL.x - dx / _zoom, _isYDown ? s_startTL.y - dy / _zoom : s_startTL.y + dy / _zoom}))
@@ -122,11 +211,105 @@ void OrthoView::onCursorDragged(const InputDevice& device)
     reDraw();
 }
 
-void OrthoView::onCursorExited(const InputDevice&) { endPanning(); }
+void OrthoView::onPrimaryButtonPressed(const InputDevice& device)
+{
+    if (_bindings == Bindings::Plain)
+    {
+        beginPanning(device);
+        _pressed = InputDevice::Button::Primary;
+        return;
+    }
+    if (!device.getKey().isShiftPressed())
+        return;
+    beginPanning(device);
+    if (_isPanning)
+        return;
+    _isPanning = true;
+    setCursor(Cursor::Type::Pan, true);
+}
+
+void OrthoView::onPrimaryButtonReleased(const InputDevice&)
+{
+    if (_pressed != InputDevice::Button::Middle)
+        endPanning();
+}
+
+void OrthoView::onPrimaryButtonDblClick(const InputDevice& device)
+{
+    endPanning();
+    if (_bindings == Bindings::Plain)
+        onPrimaryButtonPressed(device);
+}
+
+void OrthoView::onCursorDragged(const InputDevice& device)
+{
+    if (_bindings == Bindings::Plain)
+    {
+        dragPlane(device, InputDevice::Button::Primary);
+        return;
+    }
+    if (!device.getKey().isShiftPressed())
+    {
+        endPanning();
+        return;
+    }
+    _isPanning = true;
+    panTo(device);
+}
+
+// With plain bindings: a click that moves nothing leaves the cursor as it is.
+void OrthoView::dragPlane(const InputDevice& device, InputDevice::Button button)
+{
+    if (_pressed != button)
+        return;
+    if (!std::exchange(_isPanning, true))
+        setCursor(Cursor::Type::Pan, true);
+    panTo(device);
+}
+
+void OrthoView::onCursorExited(const InputDevice&)
+{
+    // A drag with the middle button goes on outside.
+    if (_pressed != InputDevice::Button::Middle)
+        endPanning();
+}
+
+void OrthoView::onOtherButtonPressed(const InputDevice& device)
+{
+    if (_bindings != Bindings::Plain || device.getButton() != InputDevice::Button::Middle)
+        return;
+    endPanning();
+    beginPanning(device);
+    _pressed = InputDevice::Button::Middle;
+}
+
+void OrthoView::onOtherButtonReleased(const InputDevice& device)
+{
+    if (device.getButton() == _pressed)
+        endPanning();
+}
+
+void OrthoView::onOtherDragged(const InputDevice& device)
+{
+    if (device.getButton() == InputDevice::Button::Middle)
+        dragPlane(device, InputDevice::Button::Middle);
+}
 
 bool OrthoView::onScroll(const InputDevice& device)
 {
     const td::Point<double>& distance = device.getFramePoint();
+    if (_bindings == Bindings::Plain && !device.getKey().isShiftPressed() && distance.y != 0)
+    {
+        if (!std::isfinite(distance.y))
+            return true;
+        // The wheel's own units, of which a zoom goes by, are in there times this.
+        const double units = distance.y / zav::s_scrollAccelleration;
+        constexpr double cMin = 0.05;
+        const td::Point<double>& place = device.getPlace();
+        InputDevice zoom(place, place, place, device.getKeyboardModifiers(), device.getType(), device.getButton());
+        InputDeviceHelper(&zoom).setScale(std::max(cMin, 1 + zav::s_zoomIncrement * units / 100));
+        return onZoom(zoom);
+    }
     const double dy = distance.y / _zoom;
     if (setOrigin({_origin.x - distance.x / _zoom, _isYDown ? _origin.y - dy : _origin.y + dy}))
     {
@@ -148,7 +331,7 @@ bool OrthoView::onZoom(const InputDevice& device)
     if (!isFinite(origin))
         return true;
     _origin = origin;
-    setZoom(newZoom);
+    setZoom(newZoom); // which keeps the limits of the plane
     reDraw();
     onZoomChanged();
     onOriginChanged();
@@ -194,13 +377,14 @@ bool OrthoView::setOrigin(const td::Point<double>& origin)
 {
     if (!isFinite(origin))
         return false;
-    _origin = origin;
+    _origin = withinLimits(origin);
     adjustOrthoProjectionMatrix();
     return true;
 }
 
 void OrthoView::endPanning()
 {
+    _pressed = InputDevice::Button::None;
     if (!_isPanning)
         return;
     _isPanning = false;

@@ -45,6 +45,9 @@ public:
     void onCursorMoved(const InputDevice& device) { _pView->onCursorMoved(device); }
     void onCursorDragged(const InputDevice& device) { _pView->onCursorDragged(device); }
     void onCursorExited(const InputDevice& device) { _pView->onCursorExited(device); }
+    void onOtherButtonPressed(const InputDevice& device) { _pView->onOtherButtonPressed(device); }
+    void onOtherButtonReleased(const InputDevice& device) { _pView->onOtherButtonReleased(device); }
+    void onOtherDragged(const InputDevice& device) { _pView->onOtherDragged(device); }
 
     /// Queues the delivery of a frame that was read: the view's callback runs from the run loop, not from inside the
     /// draw.

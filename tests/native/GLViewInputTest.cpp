@@ -88,6 +88,9 @@ const std::vector<Kind>& kinds()
         button(0x10, "onSecondaryButtonReleased", {cRight, false, false, 1, 0, {1, 2}}),
         button(0x10, "onSecondaryButtonPressed", {cLeft, true, false, 1, 4, {1, 2}}),
         button(0x10, "onSecondaryButtonReleased", {cLeft, false, false, 1, 4, {1, 2}}),
+        button(0x200, "onOtherButtonPressed", {ButtonEvent::Button::Middle, true, false, 1, 0, {1, 2}}),
+        button(0x200, "onOtherButtonReleased", {ButtonEvent::Button::Forward, false, true, 1, 4, {1, 2}}),
+        motion(0x400, "onOtherDragged", MotionEvent::Kind::OtherDragged),
         wheel("onZoom", 16),
         wheel("onScroll", 0),
         {0x80, "onZoom",
@@ -205,16 +208,28 @@ TEST_F(GLViewInputTest, Clicks)
 TEST_F(GLViewInputTest, Motion)
 {
     RecordingView view(window);
-    GLView* const pNative = show(view, 0x61);
+    GLView* const pNative = show(view, 0x661);
     EXPECT_EQ(pNative->getTrackingOptions(), 0x287u);
-    const auto move = [&](MotionEvent::Kind kind)
+    const auto move = [&](MotionEvent::Kind kind, ButtonEvent::Button button = cLeft)
     {
-        pNative->onMotion({kind, 2, {-3.5, 20}});
+        pNative->onMotion({kind, 2, {-3.5, 20}, button});
         return told();
     };
     EXPECT_EQ(move(MotionEvent::Kind::Moved), "onCursorMoved (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1");
     EXPECT_EQ(move(MotionEvent::Kind::Dragged),
               "onCursorDragged (-3.5, 20) modifiers 2 type 1 button 1 events 1 scale 1");
+    const std::pair<ButtonEvent::Button, const char*> others[] = {{cRight, "2"},
+                                                                  {ButtonEvent::Button::Middle, "3"},
+                                                                  {ButtonEvent::Button::Back, "4"},
+                                                                  {ButtonEvent::Button::Forward, "5"},
+                                                                  {ButtonEvent::Button(9), "0"}};
+    for (const auto& [button, number] : others)
+    {
+        const std::string rest = std::string(" (-3.5, 20) modifiers 2 type 1 button ") + number + " events ";
+        EXPECT_EQ(move(MotionEvent::Kind::OtherDragged, button), "onOtherDragged" + rest + "1 scale 1");
+        pNative->onButton({button, true, true, 3, 2, {-3.5, 20}});
+        EXPECT_EQ(told(), button == cRight ? "" : "onOtherButtonPressed" + rest + "3 scale 1");
+    }
     EXPECT_EQ(move(MotionEvent::Kind::Exited),
               "onCursorExited (-3.5, 20) modifiers 2 type 1 button 0 events 1 scale 1");
     pNative->onMotion({MotionEvent::Kind::Entered, 2, {-3.5, 20}});
@@ -254,8 +269,10 @@ TEST_F(GLViewInputTest, WheelAndGesture)
     view.handles = true;
     EXPECT_EQ(wheel(5, -1, 24), Result("onZoom (10, 20) modifiers 24 type 1 button 128 events 1 scale 0.988", true));
     view.handles = false; // a scroll is used up whatever the view says
-    EXPECT_EQ(wheel(3, 0, 16), Result("onScroll (4.5, 0) modifiers 16 type 1 button 128 events 1 scale 1", true));
-    EXPECT_EQ(wheel(0, -2, 8), Result("onScroll (0, -15) modifiers 8 type 1 button 128 events 1 scale 1", true));
+    EXPECT_EQ(wheel(3, 0, 16),
+              Result("onScroll at (10, 20) (4.5, 0) modifiers 16 type 1 button 128 events 1 scale 1", true));
+    EXPECT_EQ(wheel(0, -2, 8),
+              Result("onScroll at (10, 20) (0, -15) modifiers 8 type 1 button 128 events 1 scale 1", true));
     EXPECT_EQ(wheel(0, 0, 16), Result("", false));
     // However far it is turned, and whatever a device tells.
     for (const double dy : {-80.0, -1e300, std::nan("")})

@@ -45,9 +45,12 @@ bool RecordingView::note(const std::string& name, const gui::InputDevice& device
     EXPECT_EQ(device.getContentPoint(), point);
     const double scale = zav::getScale(this);
     EXPECT_EQ(device.getWindowPoint(), td::Point<double>(point.x * scale, point.y * scale));
-    note(name, formatted(" (%g, %g) modifiers %u type %d button %d events %d scale %g", point.x, point.y,
-                         device.getKeyboardModifiers(), static_cast<int>(device.getType()),
-                         static_cast<int>(device.getButton()), device.getNoOfEvents(), device.getScale()));
+    // Where the pointer is stands beside the wheel's distance alone.
+    const std::string place =
+        device.getPlace() == point ? "" : formatted(" at (%g, %g)", device.getPlace().x, device.getPlace().y);
+    note(name, place + formatted(" (%g, %g) modifiers %u type %d button %d events %d scale %g", point.x, point.y,
+                                 device.getKeyboardModifiers(), static_cast<int>(device.getType()),
+                                 static_cast<int>(device.getButton()), device.getNoOfEvents(), device.getScale()));
     return isUsedUp;
 }
 

@@ -49,6 +49,9 @@ protected:
     void onCursorMoved(const gui::InputDevice& d) override { note("onCursorMoved", d); }
     void onCursorDragged(const gui::InputDevice& d) override { note("onCursorDragged", d); }
     void onCursorExited(const gui::InputDevice& d) override { note("onCursorExited", d); }
+    void onOtherButtonPressed(const gui::InputDevice& d) override { note("onOtherButtonPressed", d); }
+    void onOtherButtonReleased(const gui::InputDevice& d) override { note("onOtherButtonReleased", d); }
+    void onOtherDragged(const gui::InputDevice& d) override { note("onOtherDragged", d); }
 
 private:
     void note(const std::string& name, const std::string& details = "");

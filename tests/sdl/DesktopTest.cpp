@@ -24,8 +24,9 @@ TEST_P(DesktopTest, ClicksCount)
     xdo(at(180, 30));
     xdo("click 3");
     EXPECT_TRUE(view.hasHeard({"press2 180,30 x1", "release2 180,30 x1"}));
-    // The middle button is nobody's.
+    // The middle button, and the first of those at the side.
     xdo("click 2 click 8");
+    EXPECT_TRUE(view.hasHeard({"press3 180,30", "release3 180,30", "press4 180,30", "release4 180,30"}));
     xdo(at(40, 100));
     xdo("keydown ctrl click 1 keyup ctrl");
     EXPECT_TRUE(view.hasHeard({"press 40,100 x1+Cmd", "release 40,100 x1+Cmd"}));
@@ -69,13 +70,22 @@ TEST_P(DesktopTest, DragGoesOnOutside)
     EXPECT_EQ(view.lines.back().substr(0, 4), "exit");
     view.forgetLines();
 
-    // Any other button drags nothing.
+    // Any other button drags in its own name, and the left one before it.
     xdo(at(40, 30));
     EXPECT_TRUE(view.hasHeard({"enter 40,30"}));
     xdo("mousedown 3");
     xdo(at(60, 40));
-    xdo("mouseup 3");
-    EXPECT_TRUE(view.hasHeard({"press2 40,30 x1", "release2 60,40 x1"}));
+    EXPECT_TRUE(view.hasHeard({"press2 40,30 x1", "drag2 60,40"}));
+    xdo("mouseup 3 mousedown 2");
+    EXPECT_TRUE(view.hasHeard({"release2 60,40 x1", "press3 60,40"}));
+    xdo(at(70, 50));
+    EXPECT_TRUE(view.hasHeard({"drag3 70,50"}));
+    xdo("mousedown 1");
+    EXPECT_TRUE(view.hasHeard({"press 70,50 x1"}));
+    xdo(at(50, 60));
+    EXPECT_TRUE(view.hasHeard({"drag 50,60"}));
+    xdo("mouseup 1 mouseup 2");
+    EXPECT_TRUE(view.hasHeard({"release 50,60 x1", "release3 50,60"}));
 }
 
 TEST_P(DesktopTest, WheelScrollsAndZooms)

@@ -71,9 +71,11 @@ void RecordingView::create(gui::gl::Context::Animation animation, const td::Size
 {
     using enum gui::InputDevice::Event;
     const td::PointAndSize<double> geometry({0, 0}, size);
-    createContext(gui::gl::Context(animation, gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
-                                   gui::gl::Context::Profile::Core41),
-                  {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard}, &geometry);
+    createContext(
+        gui::gl::Context(animation, gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
+                         gui::gl::Context::Profile::Core41),
+        {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard, OtherClicks, OtherDrag},
+        &geometry);
 }
 
 testing::AssertionResult RecordingView::hasHeard(const std::vector<std::string>& expected)
@@ -164,7 +166,7 @@ void RecordingView::add(const std::string& what, const gui::InputDevice& device)
     const td::Point<double>& point = device.getFramePoint();
     text << what << ' ' << point.x << ',' << point.y;
     const gui::InputDevice::Button button = device.getButton();
-    const bool isClick = what != "drag" &&
+    const bool isClick = !what.starts_with("drag") &&
                          (button == gui::InputDevice::Button::Primary || button == gui::InputDevice::Button::Secondary);
     if (isClick)
         text << " x" << device.getNoOfEvents();

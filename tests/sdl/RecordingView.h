@@ -68,6 +68,9 @@ protected:
     void onCursorDragged(const gui::InputDevice& device) override { add("drag", device); }
     void onCursorEntered(const gui::InputDevice& device) override { add("enter", device); }
     void onCursorExited(const gui::InputDevice& device) override { add("exit", device); }
+    void onOtherButtonPressed(const gui::InputDevice& device) override { addOther("press", device); }
+    void onOtherButtonReleased(const gui::InputDevice& device) override { addOther("release", device); }
+    void onOtherDragged(const gui::InputDevice& device) override { addOther("drag", device); }
     bool onScroll(const gui::InputDevice& device) override;
     bool onZoom(const gui::InputDevice& device) override;
     bool onKeyPressed(const gui::Key& key) override;
@@ -77,6 +80,10 @@ protected:
 
 private:
     void add(const std::string& what, const gui::InputDevice& device);
+    void addOther(const std::string& what, const gui::InputDevice& device)
+    {
+        add(what + std::to_string(static_cast<int>(device.getButton())), device);
+    }
     void checkContext();
 
     gui::gl::CurrentContext::ID _context = 0;

@@ -171,6 +171,212 @@ TEST_F(OrthoViewTest, ItsOwnContextTakesEveryKindOfEvent)
     EXPECT_TRUE(journal.said({"origin", "origin"}));
 }
 
+Act middle(bool isDown, const Point& point)
+{
+    return [=](GLView& v) { v.onButton({ButtonEvent::Button::Middle, isDown, false, 1, 0, point}); };
+}
+Act middleDrag(const Point& point)
+{
+    return [=](GLView& v) { v.onMotion({MotionEvent::Kind::OtherDragged, 0, point, ButtonEvent::Button::Middle}); };
+}
+
+TEST_F(OrthoViewTest, PlainBindingsNeedNoModifier)
+{
+    Plane view(journal);
+    GLView* const pNative = show(view, true);
+    const Lines panned{"origin", "needs display"};
+    const Lines zoomed{"zoom", "origin", "needs display", "zoom", "origin"};
+    // Without them the middle button does nothing, and with them nothing is left of a drag that began before.
+    const auto dragsByMiddle = [&]
+    {
+        middle(true, {10, 10})(*pNative);
+        middleDrag({30, 20})(*pNative);
+        middle(false, {30, 20})(*pNative);
+    };
+    dragsByMiddle();
+    EXPECT_TRUE(journal.said({}));
+    view.setBindings(Plane::Bindings::Plain);
+    move(MotionEvent::Kind::Dragged, {5, 5}, 0)(*pNative);
+    EXPECT_TRUE(journal.said({}));
+
+    const struct
+    {
+        const char* name;
+        Act act;
+        Point origin;
+        Lines lines;
+    } steps[] = {
+        {"press", press({100, 50}, 0), {}, {}},
+        {"drag", move(MotionEvent::Kind::Dragged, {140, 70}, 0), {-40, -20}, {"cursor 3", "origin", "needs display"}},
+        {"on", move(MotionEvent::Kind::Dragged, {90, 70}, 0), {10, -20}, panned},
+        {"release", letGo, {10, -20}, {"cursor 1"}},
+        {"no drag", move(MotionEvent::Kind::Dragged, {1, 1}, 0), {10, -20}, {}},
+        {"double click", press({0, 0}, 0, 2), {10, -20}, {}},
+        {"and drag", move(MotionEvent::Kind::Dragged, {10, 0}, 0), {0, -20}, {"cursor 3", "origin", "needs display"}},
+        {"out", move(MotionEvent::Kind::Exited, {}, 0), {0, -20}, {"cursor 1"}},
+        {"middle", middle(true, {0, 0}), {0, -20}, {}},
+        {"middle drag", middleDrag({0, -20}), {0, 0}, {"cursor 3", "origin", "needs display"}},
+        {"goes on outside", move(MotionEvent::Kind::Exited, {}, 0), {0, 0}, {}},
+        {"there", middleDrag({-5, -20}), {5, 0}, panned},
+        {"middle release", middle(false, {}), {5, 0}, {"cursor 1"}},
+        {"wheel with Shift", wheel(0, 2, 1, {7, 7}), {5, -3}, {"needs display", "origin"}},
+        {"wheel to the side", wheel(2, 0, 0, {7, 7}), {2, -3}, {"needs display", "origin"}},
+        {"no wheel", wheel(0, cNaN, 0, {7, 7}), {2, -3}, {}},
+    };
+    for (const auto& step : steps)
+    {
+        step.act(*pNative);
+        EXPECT_TRUE(journal.said(step.lines)) << step.name;
+        EXPECT_EQ(view.getOrigin(), step.origin) << step.name;
+    }
+    const Point staying = view.getModelPoint({400, 150});
+    for (const auto& [modifiers, factor] : {std::pair(0U, 1.024), {16U, 1.024}, {8U, 1.12}})
+    {
+        view.setZoom(1);
+        journal.take();
+        wheel(0, 2, modifiers, view.getViewPoint(staying))(*pNative);
+        EXPECT_TRUE(journal.said(zoomed));
+        EXPECT_NEAR(view.getZoom(), factor, 1e-12);
+        EXPECT_NEAR(view.getModelPoint(view.getViewPoint(staying)).x, staying.x, 1e-9);
+        expectThatProjectionAgrees(view, "wheel");
+    }
+}
+
+// Far from the model's origin and at both ends of the zoom, where float has long given up.
+TEST_F(OrthoViewTest, PointsAndDistancesHoldFarOut)
+{
+    for (const bool isYDown : {true, false})
+    {
+        Plane view(journal);
+        GLView* const pNative = show(view, isYDown);
+        view.setZoomLimits(1e-6, 1e6);
+        view.setBindings(Plane::Bindings::Plain);
+        for (const double zoom : {1e-6, 1.0, 1e6})
+        {
+            const Point base(1e7, -1e7);
+            view.setModelRefPoint(base);
+            view.setZoom(zoom);
+            for (const Point& point : {Point(0, 0), Point(800, 600), Point(123, 457)})
+            {
+                const Point model = view.getModelPoint(point);
+                const Point back = view.getViewPoint(model);
+                EXPECT_NEAR(back.x, point.x, 0.01);
+                EXPECT_NEAR(back.y, point.y, 0.01);
+                const glm::vec4 clip = view.getProjection(base) * glm::vec4(static_cast<float>(model.x - base.x),
+                                                                            static_cast<float>(model.y - base.y), 0, 1);
+                EXPECT_NEAR(clip.x, point.x / 400 - 1, 1e-4) << zoom;
+                EXPECT_NEAR(clip.y, 1 - point.y / 300, 1e-4) << zoom;
+            }
+            // What is dragged stays under the pointer.
+            const Point grabbed = view.getModelPoint({100, 100});
+            drag({100, 100}, {300, 200}, 0)(*pNative);
+            letGo(*pNative);
+            EXPECT_NEAR(view.getViewPoint(grabbed).x, 300, 0.01) << zoom;
+            EXPECT_NEAR(view.getViewPoint(grabbed).y, 200, 0.01) << zoom;
+        }
+    }
+}
+
+TEST_F(OrthoViewTest, FitShowsTheWholeInTheMiddle)
+{
+    const td::RectNormalized<double> model(100, 40, 300, 80);
+    const struct
+    {
+        const char* name;
+        td::RectNormalized<double> model;
+        double margin;
+        double zoom;   // 0 when it is refused
+        Point topLeft; // where the rectangle's low corner comes to be, from the view's upper or lower left corner
+    } cases[] = {
+        {"wide", model, 0, 4, {0, 220}},
+        {"margin", model, 100, 3, {100, 240}},
+        {"tall", {0, 0, 1, 60}, 0, 10, {395, 0}},
+        {"beyond the limits", {0, 0, 1, 1}, 0, 100, {350, 250}},
+        {"a line", {5, 5, 5, 65}, 0, 10, {400, 0}},
+        {"a point", {5, 6, 5, 6}, 0, 2, {400, 300}},
+        {"no room", model, 300, 0, {}},
+        {"no rectangle", {0, cNaN, 1, 1}, 0, 0, {}},
+        {"no margin", model, cInfinity, 0, {}},
+        {"endless", {-1e308, -1e308, 1e308, 1e308}, 0, 0.01, {}},
+    };
+    for (const bool isYDown : {true, false})
+    {
+        Plane view(journal);
+        show(view, isYDown);
+        for (const auto& c : cases)
+        {
+            view.setZoom(2);
+            view.setModelRefPoint({1, 2});
+            journal.take();
+            EXPECT_EQ(view.fit(c.model, c.margin), c.zoom != 0) << c.name;
+            EXPECT_EQ(view.getZoom(), c.zoom == 0 ? 2 : c.zoom) << c.name;
+            const Lines lines = journal.take();
+            EXPECT_EQ(lines.size(), c.zoom == 0 ? 0u : c.zoom == 2 ? 2u : 3u) << c.name;
+            if (c.zoom == 0 || c.zoom < 1)
+                continue;
+            const Point corner = view.getViewPoint({c.model.left, c.model.top});
+            EXPECT_NEAR(corner.x, c.topLeft.x, 1e-9) << c.name;
+            EXPECT_NEAR(isYDown ? corner.y : 600 - corner.y, c.topLeft.y, 1e-9) << c.name;
+            expectThatProjectionAgrees(view, c.name);
+        }
+        // Without a size it waits for one.
+        view.onResize({0, 0});
+        EXPECT_TRUE(view.fit({0, 0, 7, 7}) && view.fit(model));
+        view.onResize({400, 400});
+        EXPECT_EQ(view.getZoom(), 2);
+        view.setZoom(3);
+        view.onResize({800, 600});
+        EXPECT_EQ(view.getZoom(), 3);
+    }
+}
+
+TEST_F(OrthoViewTest, NothingGoesBeyondThePlanesLimits)
+{
+    Plane view(journal);
+    GLView* const pNative = show(view, true);
+    view.setModelRefPoint({-50, 10});
+    journal.take();
+    view.setPlaneLimits({0, 0, 1000, cInfinity});
+    EXPECT_FALSE(view.getPlaneLimits());
+    view.setPlaneLimits({0, 0, 1000, 500}); // less high than the view
+    EXPECT_TRUE(journal.said({"origin", "needs display"}));
+    const std::pair<Act, Point> steps[] = {
+        {[](GLView&) {}, {0, -50}},
+        {drag({100, 50}, {140, 70}, 1), {0, -50}},
+        {drag({100, 50}, {0, 10}, 1), {100, -50}},
+        {wheel(-1000, 1000, 0), {200, -50}},
+        {[&](GLView&) {
+             view.setModelRefPoint({1e9, 0});
+         },
+         {200, -50}},
+        {[&](GLView&) { view.setZoom(2); }, {200, 0}},
+        {[&](GLView&) {
+             view.setModelRefPoint({1e9, 1e9});
+         },
+         {600, 200}},
+        {wheel(0, -50, 16, {0, 0}), {1000 - 800 / 0.8, -125}}, // about a corner: 2 * 0.4
+        {[&](GLView&) {
+             view.fit({0, 0, 1, 1});
+         },
+         {0, 0}},
+        {[&](GLView&) {
+             view.setZoom(1), view.onResize({2000, 100});
+         },
+         {-500, 0}},
+        {[&](GLView&) {
+             view.removePlaneLimits(), view.setModelRefPoint({-7, -8});
+         },
+         {-7, -8}},
+    };
+    for (const auto& [act, origin] : steps)
+    {
+        act(*pNative);
+        letGo(*pNative);
+        EXPECT_NEAR(view.getOrigin().x, origin.x, 1e-9) << &act - &steps[0].first;
+        EXPECT_NEAR(view.getOrigin().y, origin.y, 1e-9) << &act - &steps[0].first;
+    }
+}
+
 TEST_F(OrthoViewTest, TheCursorTellsOfAPan)
 {
     const struct

@@ -33,4 +33,10 @@ void DrawableView::onFocusIn() {}
 
 void DrawableView::onFocusOut() {}
 
+void DrawableView::onOtherButtonPressed(const InputDevice&) {}
+
+void DrawableView::onOtherButtonReleased(const InputDevice&) {}
+
+void DrawableView::onOtherDragged(const InputDevice&) {}
+
 } // namespace gui

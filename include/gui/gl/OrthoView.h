@@ -4,9 +4,12 @@
 
 #include <td/Export.h>
 #include <td/Point.h>
+#include <td/RectNormalized.h>
 #include <td/Size.h>
 
 #include <glm/mat4x4.hpp>
+
+#include <optional>
 
 namespace gui::gl
 {
@@ -17,16 +20,33 @@ namespace gui::gl
 /// - the wheel: the plane moves along;
 /// - the wheel with Command, or the magnification gesture: zooms about the event's point;
 /// - Command-plus and Command-minus: zoom about the view's middle, by 1 + gui::InputDevice::getDefaultZoomIncrement().
+/// setBindings chooses what people expect of maps instead: a plain drag pans, the plain wheel zooms.
 ///
 /// An override of a handler calls this class's for what it leaves to it. onZoomChanged and onOriginChanged tell a
 /// derived class of every change; they must not end the view's life.
 ///
 /// The projection is always finite: while the size is empty, or the view's edges are so far out that float cannot tell
 /// them apart, it stays what it was. Events whose numbers are NaN or infinite change nothing.
+///
+/// Origin, zoom and the points that are computed of them are double: view points are exact to a hundredth at model
+/// coordinates of 1e7 and a zoom of 1e6. The matrix is float, as vertices are. Far from the model's origin, store
+/// vertices as distances from a point in their midst, and draw them with getProjection(that point).
 class GUIGL_API OrthoView : public View
 {
 public:
     OrthoView();
+
+    /// What drags and the wheel do.
+    enum class Bindings : td::BYTE
+    {
+        Modified, ///< with Shift a drag pans; the wheel pans, with Command it zooms
+        Plain     ///< a drag with the primary or the middle button pans; the wheel zooms about the pointer, five times
+                  ///< as fast with Option, and pans with Shift
+    };
+
+    /// Modified at first. It takes effect with the next press.
+    void setBindings(Bindings bindings);
+    Bindings getBindings() const { return _bindings; }
 
     /// Makes an OpenGL 4.1 core context without depth or stencil buffer and without animation, for all kinds of input.
     /// See View::createContext for what happens when there is none.
@@ -37,6 +57,10 @@ public:
 
     /// From model units to clip space. It is up to date in onDraw, after every notification and after onResize.
     const glm::mat4& getProjection() const { return _projection; }
+
+    /// The same for vertices that are stored as distances from a point: right to a fraction of a pixel however far from
+    /// the model's origin that is. As it is now; from -1 to 1 in both directions while the size is empty.
+    glm::mat4 getProjection(const td::Point<double>& base) const;
 
     /// The model point at the view's top left corner when y grows downwards, else at its bottom left corner.
     const td::Point<double>& getOrigin() const { return _origin; }
@@ -49,8 +73,9 @@ public:
     /// @param zoom  brought into the limits; NaN is ignored
     void setZoom(double zoom);
 
-    /// 0.01 and 100 at first. The zoom stays what it is until it is next set. Ignored when max is less than min, and,
-    /// after "Warning! OrthoView::setZoomLimits ignores limits from MIN to MAX", when one is not above 0 or not finite.
+    /// 0.01 and 100 at first; any two numbers above 0 will do. The zoom stays what it is until it is next set. Ignored
+    /// when max is less than min, and, after "Warning! OrthoView::setZoomLimits ignores limits from MIN to MAX", when
+    /// one is not above 0 or not finite.
     void setZoomLimits(double min, double max);
 
     /// Moves the plane so that this point becomes the origin, calls onOriginChanged and asks for a redraw.
@@ -61,17 +86,44 @@ public:
     /// @return the model point that is seen there
     td::Point<double> getModelPoint(const td::Point<double>& viewPoint) const;
 
+    /// @param modelPoint  in model units
+    /// @return where it is seen, as getModelPoint takes it; beyond the view's size when it is not seen
+    td::Point<double> getViewPoint(const td::Point<double>& modelPoint) const;
+
+    /// Shows a rectangle of the model whole, and its middle in the view's middle, as large as the zoom's limits let it
+    /// be. Without a width or a height it is the other one that decides; without both the zoom stays. Calls
+    /// onZoomChanged, if the zoom changes, and onOriginChanged, and asks for a redraw. As long as the view has no size,
+    /// it is done when it gets one, the last call's alone.
+    /// @param model   in model units
+    /// @param margin  in points, left free on each side
+    /// @return false, with nothing changed, when a number is not finite or the margin leaves no room
+    bool fit(const td::RectNormalized<double>& model, double margin = 0);
+
+    /// Keeps what is seen within a rectangle of the model: nobody pans, zooms or sets the origin to beyond. Where more
+    /// is seen than the rectangle has, its middle is in the view's middle. Holds at once: calls onOriginChanged and
+    /// asks for a redraw when that moves the plane. Sizes that change move it too, with that notification.
+    /// @param limits  in model units; ignored when a number is not finite
+    void setPlaneLimits(const td::RectNormalized<double>& limits);
+    /// Back to a plane without an end, as it is at first.
+    void removePlaneLimits();
+    const std::optional<td::RectNormalized<double>>& getPlaneLimits() const { return _limits; }
+
 protected:
-    /// Takes over the size and brings the projection up to date; there is no notification and no redraw.
+    /// Takes over the size and brings the projection up to date; there is no notification and no redraw, but for a fit
+    /// that waits for a size, and limits of the plane.
     void onResize(const td::Size<double>& size) override;
 
-    /// These pan while Shift is held.
+    /// These pan: while Shift is held, or as the bindings say.
     void onPrimaryButtonPressed(const InputDevice& device) override;
     void onPrimaryButtonReleased(const InputDevice& device) override;
     void onPrimaryButtonDblClick(const InputDevice& device) override;
     void onCursorDragged(const InputDevice& device) override;
     void onCursorExited(const InputDevice& device) override;
+    void onOtherButtonPressed(const InputDevice& device) override;
+    void onOtherButtonReleased(const InputDevice& device) override;
+    void onOtherDragged(const InputDevice& device) override;
 
+    /// Pans, or, with plain bindings, calls onZoom with a record of its own.
     /// @return true
     bool onScroll(const InputDevice& device) override;
 
@@ -87,7 +139,18 @@ private:
     void adjustOrthoProjectionMatrix();
     double clampedZoom(double zoom) const;
     bool setOrigin(const td::Point<double>& origin);
+    td::Point<double> withinLimits(const td::Point<double>& origin) const;
+    bool keepWithinLimits();
+    void beginPanning(const InputDevice& device);
+    void panTo(const InputDevice& device);
+    void dragPlane(const InputDevice& device, InputDevice::Button button);
     void endPanning();
+
+    struct Fit
+    {
+        td::RectNormalized<double> model;
+        double margin;
+    };
 
     glm::mat4 _projection;
     td::Point<double> _origin;
@@ -96,6 +159,10 @@ private:
     double _zoom = 1;
     double _minZoom = 0.01;
     double _maxZoom = 100;
+    std::optional<td::RectNormalized<double>> _limits;
+    std::optional<Fit> _fit; // that waits for a size
+    Bindings _bindings = Bindings::Modified;
+    InputDevice::Button _pressed = InputDevice::Button::None; // what a drag with plain bindings began with
     bool _isPanning = false;
     bool _isYDown = false;
 };

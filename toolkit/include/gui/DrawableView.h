@@ -40,7 +40,8 @@ protected:
     /// @return true when it is used up; false passes it on
     virtual bool onZoom(const InputDevice& device);
 
-    /// The wheel was turned; device.getFramePoint() carries the distance in points.
+    /// The wheel was turned; device.getFramePoint() carries the distance in points, device.getPlace() where the pointer
+    /// is.
     /// @return true when it is used up; false passes it on
     virtual bool onScroll(const InputDevice& device);
 
@@ -50,6 +51,13 @@ protected:
     /// Keys come to this view from now on, or do so no more.
     virtual void onFocusIn();
     virtual void onFocusOut();
+
+    /// A click of a button that is neither the primary nor the secondary one: device.getButton() says which.
+    virtual void onOtherButtonPressed(const InputDevice& device);
+    virtual void onOtherButtonReleased(const InputDevice& device);
+    /// The pointer moved with the button down that device.getButton() says, which is not the primary one; it may be
+    /// the secondary. Outside of the view too, where onCursorExited has come before.
+    virtual void onOtherDragged(const InputDevice& device);
 };
 
 /// The way in for the window system: forwards to the view's protected handlers.

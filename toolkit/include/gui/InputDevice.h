@@ -27,7 +27,10 @@ public:
         None = 0,
         Primary = 1,
         Secondary = 2,
-        Wheel = 128
+        Middle = 3,  ///< the wheel, pressed
+        Back = 4,    ///< one of those at the side
+        Forward = 5, ///< the other one
+        Wheel = 128  ///< the wheel, turned
     };
 
     /// The kinds of events a view can ask for, one bit each.
@@ -41,7 +44,9 @@ public:
         CursorMove = 0x0020,      ///< with no button down
         CursorDrag = 0x0040,      ///< with the primary button down
         ScrollAndZoom = 0x0080,   ///< the wheel, zooming with the wheel, the magnification gesture
-        Keyboard = 0x0100         ///< keys pressed and released, and keyboard focus
+        Keyboard = 0x0100,        ///< keys pressed and released, and keyboard focus
+        OtherClicks = 0x0200,     ///< pressed and released: the middle button and those at the side
+        OtherDrag = 0x0400        ///< with a button down that is not the primary one
     };
 
     /// @param framePoint    position in the view's own coordinates; for the wheel the scroll distance instead
@@ -52,6 +57,7 @@ public:
     InputDevice(const td::Point<double>& framePoint, const td::Point<double>& contentPoint,
                 const td::Point<double>& windowPoint, unsigned int modifiers, Type type, Button button)
         : _framePoint(framePoint)
+        , _place(framePoint)
         , _contentPoint(contentPoint)
         , _windowPoint(windowPoint)
         , _modifiers(modifiers)
@@ -61,6 +67,8 @@ public:
     }
 
     const td::Point<double>& getFramePoint() const { return _framePoint; }
+    /// Where the pointer is in the view's own coordinates: the frame point, but in a record of the wheel's distance.
+    const td::Point<double>& getPlace() const { return _place; }
     const td::Point<double>& getContentPoint() const { return _contentPoint; }
     const td::Point<double>& getWindowPoint() const { return _windowPoint; }
     Type getType() const { return _type; }
@@ -86,8 +94,10 @@ private:
 
     void setNoOfEvents(unsigned short nEvents) { _nEvents = nEvents; }
     void setScale(double scale) { _scale = scale; }
+    void setPlace(const td::Point<double>& place) { _place = place; }
 
     td::Point<double> _framePoint;
+    td::Point<double> _place;
     td::Point<double> _contentPoint;
     td::Point<double> _windowPoint;
     double _scale = 1;
@@ -108,6 +118,7 @@ public:
 
     void setNoOfEvents(unsigned short nEvents) { _pDevice->setNoOfEvents(nEvents); }
     void setScale(double scale) { _pDevice->setScale(scale); }
+    void setPlace(const td::Point<double>& place) { _pDevice->setPlace(place); }
 
 private:
     InputDevice* _pDevice;

@@ -10,17 +10,20 @@ namespace gui::gl
 // the top left, y downwards. Modifiers are masks of gui::KeyModifier bits, taken when the event arrived and not when it
 // is handled.
 
-/// A button of the pointer went down or up. Other buttons than these two are nobody's.
+/// A button of the pointer went down or up.
 struct ButtonEvent
 {
     /// Which one.
     enum class Button : td::BYTE
     {
         Left, ///< the primary one, on a mouse for the left hand as well
-        Right
+        Right,
+        Middle, ///< the wheel, pressed
+        Back,   ///< one of those at the side
+        Forward ///< the other one
     };
 
-    Button button;           ///< which of the two
+    Button button;           ///< which one
     bool isDown;             ///< whether it went down
     bool isLeftDown;         ///< whether the left button is down now, the event counted in
     unsigned short nClicks;  ///< 1 for the first of a row of quick clicks, 2 for the second and so on; also on release
@@ -37,12 +40,15 @@ struct MotionEvent
         Moved,   ///< no button is down
         Dragged, ///< the left button is down, whichever else is; also outside the window
         Entered,
-        Exited ///< after a drag that ended outside, when that is over
+        Exited,      ///< after a drag that ended outside, when that is over
+        OtherDragged ///< a button is down, and the left one is not; also outside the window, where it may have exited
     };
 
     Kind kind;               ///< what it did
     unsigned int modifiers;  ///< those that were held
     td::Point<double> point; ///< where it is
+    /// Of OtherDragged: the button that is down, of several the first in the order of their names.
+    ButtonEvent::Button button = ButtonEvent::Button::Left;
 };
 
 /// The wheel turned, or two fingers moved on a touchpad.
