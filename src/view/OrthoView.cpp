@@ -191,7 +191,10 @@ void OrthoView::onResize(const td::Size<double>& size)
     _height = static_cast<float>(size.height);
     adjustOrthoProjectionMatrix();
     if (_fit && _width > 0 && _height > 0)
-        fit(_fit->model, _fit->margin);
+    {
+        const Fit waiting = *_fit;
+        fit(waiting.model, waiting.margin);
+    }
     keepWithinLimits();
 }
 
@@ -260,11 +263,14 @@ void OrthoView::onCursorDragged(const InputDevice& device)
 // With plain bindings: a click that moves nothing leaves the cursor as it is.
 void OrthoView::dragPlane(const InputDevice& device, InputDevice::Button button)
 {
-    if (_pressed != button)
+    if (_pressed != button || !isFinite(device.getFramePoint()))
         return;
     if (!std::exchange(_isPanning, true))
         setCursor(Cursor::Type::Pan, true);
+    // From where it is: the wheel may have zoomed in the midst of the drag.
+    s_startTL = _origin;
     panTo(device);
+    s_startDragPoint = device.getFramePoint();
 }
 
 void OrthoView::onCursorExited(const InputDevice&)

@@ -238,6 +238,7 @@ void main()
 TEST_F(ContextGLTest, ScissorMaskAndOffsetLimitWhatIsDrawn)
 {
     FullScreen white(cWhite);
+    clear();
     Context::setScissor(4, 2, 8, 3);
     Context::enable(Context::Flag::ScissorTest);
     white.draw();

@@ -7,7 +7,7 @@
 
 #include <epoxy/gl.h>
 
-#include <functional>
+#include <memory>
 #include <set>
 
 namespace
@@ -147,23 +147,16 @@ TEST_F(FramebufferGLTest, OthersMayBeBegunInBetweenAndGone)
 {
     Framebuffer outer;
     auto pInner = std::make_unique<Framebuffer>();
-    ASSERT_TRUE(outer.create({8, 8}) && pInner->create({4, 4}));
-    const std::vector<int> before = bindings();
-    ASSERT_TRUE(pInner->begin() && outer.begin());
+    ASSERT_TRUE(outer.create({8, 8}) && pInner->create({4, 4}) && pInner->begin() && outer.begin());
     Context::clear(Context::Clear::Color, "#123456");
     pInner.reset(); // which was to be restored
     EXPECT_TRUE(outer.end());
     EXPECT_EQ(bindings()[0], 0);
     std::vector<float> values;
-    EXPECT_TRUE(outer.readValues(values));
-    EXPECT_EQ(values[2], 0x56 / 255.0f);
-
     ASSERT_TRUE(outer.resize({8, 8}) && outer.readValues(values));
     EXPECT_EQ(values[2], 0x56 / 255.0f) << "the same size loses nothing";
     ASSERT_TRUE(outer.resize({20, 3}) && outer.readValues(values));
     EXPECT_EQ(values.size(), 240u);
-    glViewport(0, 0, 64, 64);
-    EXPECT_EQ(bindings(), before);
 }
 
 // A name of another context, or of none, must never reach GL; and a frame must not fill the log.
@@ -201,15 +194,11 @@ TEST_F(FramebufferGLTest, RefusalsAreSaidOnceAndChangeNothing)
     EXPECT_FALSE(aside.end());
     EXPECT_TRUE(log.said("Error! Framebuffer::end without a begin"));
 
-    GLint largest = 0;
-    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
-    for (const td::Size<int>& size : {td::Size<int>(0, 4), td::Size<int>(4, -1), td::Size<int>(4, largest + 1)})
-    {
-        EXPECT_FALSE(aside.create(size));
-        EXPECT_TRUE(log.said("Error! Framebuffer::create with a size of " + std::to_string(size.width) + " x " +
-                             std::to_string(size.height) + " pixels; the driver takes 1 to " +
-                             std::to_string(largest)));
-    }
+    EXPECT_FALSE(aside.create({0, 4}) || aside.create({4, -1}) || aside.create({4, 1 << 30}));
+    const std::vector<std::string> lines = log.take();
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_TRUE(
+        lines[1].starts_with("Error! Framebuffer::create with a size of 4 x -1 pixels; the driver takes 1 to "));
     ASSERT_TRUE(aside.create({8, 8}, {.depth = DepthBuffer::Size::Bits24, .samples = 16}));
     EXPECT_TRUE(log.said("Warning! Framebuffer asked for 16 samples, got " + std::to_string(aside.getSamples())));
     const unsigned int name = aside.getID();

@@ -229,6 +229,14 @@ TEST_F(OrthoViewTest, PlainBindingsNeedNoModifier)
         EXPECT_TRUE(journal.said(step.lines)) << step.name;
         EXPECT_EQ(view.getOrigin(), step.origin) << step.name;
     }
+    // In the midst of a drag too, and the plane stays under the pointer.
+    press({100, 100}, 0)(*pNative);
+    const Point held = view.getModelPoint({100, 100});
+    move(MotionEvent::Kind::Dragged, {200, 100}, 0)(*pNative);
+    wheel(0, 20, 0, {200, 100})(*pNative);
+    move(MotionEvent::Kind::Dragged, {200, 150}, 0)(*pNative);
+    EXPECT_NEAR(view.getViewPoint(held).x, 200, 1e-9);
+    EXPECT_NEAR(view.getViewPoint(held).y, 150, 1e-9);
     const Point staying = view.getModelPoint({400, 150});
     for (const auto& [modifiers, factor] : {std::pair(0U, 1.024), {16U, 1.024}, {8U, 1.12}})
     {
