@@ -89,11 +89,10 @@ TEST(Color, TextsThatAreNoColourAreRefused)
     }
     test::CapturedLog log;
     test::CaughtAsserts asserts;
-    const std::string rest = "', which is neither #rgb, #rrggbb nor #rrggbbaa";
     EXPECT_EQ(td::Color(std::string("#20406")), td::Color());
-    EXPECT_TRUE(log.said("Error! td::Color cannot read a colour in '#20406" + rest));
+    EXPECT_TRUE(log.said("Error! td::Color cannot read a colour in '#20406'"));
     EXPECT_EQ(td::Color(pNull), td::Color());
-    EXPECT_TRUE(log.said("Error! td::Color cannot read a colour in '" + rest));
+    EXPECT_TRUE(log.said("Error! td::Color cannot read a colour in ''"));
     EXPECT_TRUE(asserts.caught(std::vector<std::string>{"false", "false"}));
     EXPECT_EQ(td::Color(0), td::Color()); // a word, and no text
 }

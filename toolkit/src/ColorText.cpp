@@ -11,8 +11,8 @@ namespace td
 void Color::refuse(std::string_view text)
 {
     constexpr std::size_t cMostShown = 40;
-    vo::dbgLog("Error! td::Color cannot read a colour in '%.*s', which is neither #rgb, #rrggbb nor #rrggbbaa",
-               static_cast<int>(std::min(text.size(), cMostShown)), text.data());
+    vo::dbgLog("Error! td::Color cannot read a colour in '%.*s'", static_cast<int>(std::min(text.size(), cMostShown)),
+               text.data());
     TD_ASSERT(false);
 }
 

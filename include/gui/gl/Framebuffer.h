@@ -116,6 +116,7 @@ public:
     class Drawing
     {
     public:
+        /// @param framebuffer  not owned
         explicit Drawing(Framebuffer& framebuffer)
             : _pFramebuffer(framebuffer.begin() ? &framebuffer : nullptr)
         {

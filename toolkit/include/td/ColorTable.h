@@ -203,6 +203,7 @@ inline constexpr std::array<NamedColor, 183> cColorTable{{
     {ColorID::Gray100, 0xFFFFFF},
 }};
 
+/// Whether each colour stands at the place of its number.
 constexpr bool isColorTableInOrder()
 {
     for (std::size_t i = 0; i < cColorTable.size(); ++i)
