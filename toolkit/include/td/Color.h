@@ -154,7 +154,12 @@ private:
     }
 
     static constexpr double inUnit(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
-    static constexpr unsigned int toByte(double value) { return static_cast<unsigned int>(value * 255 + 0.5); }
+    static constexpr unsigned int toByte(double value)
+    {
+        const double steps = value * 255;
+        const auto whole = static_cast<unsigned int>(steps);
+        return steps - whole < 0.5 ? whole : whole + 1;
+    }
 
     // 0 to 12, a twelfth of the circle each.
     static constexpr double toSector(double hue)
