@@ -275,53 +275,48 @@ TEST_F(ContextGLTest, FlagsAndPointSizeReachTheirState)
     EXPECT_EQ(size, 3);
 }
 
-// A kind that is mixed up with another deletes a neighbour's object, or nothing.
 TEST_F(ContextGLTest, NamesOfEveryKindAreDeleted)
 {
     using gui::gl::CurrentContext;
     using Kind = CurrentContext::Kind;
-    struct
+    // Names are objects once they were bound.
+    const struct
     {
         Kind kind;
-        unsigned int name;
-        GLboolean (*isThere)(GLuint);
-    } objects[] = {{Kind::Buffer, 0, glIsBuffer},
-                   {Kind::Framebuffer, 0, glIsFramebuffer},
-                   {Kind::Program, glCreateProgram(), glIsProgram},
-                   {Kind::ProgramPipeline, 0, glIsProgramPipeline},
-                   {Kind::Query, 0, glIsQuery},
-                   {Kind::Renderbuffer, 0, glIsRenderbuffer},
-                   {Kind::Sampler, 0, glIsSampler},
-                   {Kind::Shader, glCreateShader(GL_VERTEX_SHADER), glIsShader},
-                   {Kind::Texture, 0, glIsTexture},
-                   {Kind::TransformFeedback, 0, glIsTransformFeedback},
-                   {Kind::VertexArray, 0, glIsVertexArray}};
-    // Names are objects once they were bound.
-    glGenBuffers(1, &objects[0].name);
-    glBindBuffer(GL_ARRAY_BUFFER, objects[0].name);
-    glGenFramebuffers(1, &objects[1].name);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, objects[1].name);
-    glGenProgramPipelines(1, &objects[3].name);
-    glBindProgramPipeline(objects[3].name);
-    glGenQueries(1, &objects[4].name);
-    glBeginQuery(GL_SAMPLES_PASSED, objects[4].name);
-    glEndQuery(GL_SAMPLES_PASSED);
-    glGenRenderbuffers(1, &objects[5].name);
-    glBindRenderbuffer(GL_RENDERBUFFER, objects[5].name);
-    glGenSamplers(1, &objects[6].name);
-    glBindSampler(0, objects[6].name);
-    glGenTextures(1, &objects[8].name);
-    glBindTexture(GL_TEXTURE_2D, objects[8].name);
-    glGenTransformFeedbacks(1, &objects[9].name);
-    glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, objects[9].name);
-    glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, 0);
-    glGenVertexArrays(1, &objects[10].name);
-    glBindVertexArray(objects[10].name);
-    for (const auto& object : objects)
+        void (*generate)(GLsizei n, GLuint* names);
+        void (*bind)(GLuint name);
+        GLboolean (*isThere)(GLuint name);
+    } kinds[] = {
+        {Kind::Buffer, glGenBuffers, [](GLuint name) { glBindBuffer(GL_ARRAY_BUFFER, name); }, glIsBuffer},
+        {Kind::Framebuffer, glGenFramebuffers, [](GLuint name) { glBindFramebuffer(GL_READ_FRAMEBUFFER, name); },
+         glIsFramebuffer},
+        {Kind::Program, [](GLsizei, GLuint* p) { *p = glCreateProgram(); }, [](GLuint) {}, glIsProgram},
+        {Kind::ProgramPipeline, glGenProgramPipelines, glBindProgramPipeline, glIsProgramPipeline},
+        {Kind::Query, glGenQueries,
+         [](GLuint name)
+         {
+             glBeginQuery(GL_SAMPLES_PASSED, name);
+             glEndQuery(GL_SAMPLES_PASSED);
+         },
+         glIsQuery},
+        {Kind::Renderbuffer, glGenRenderbuffers, [](GLuint name) { glBindRenderbuffer(GL_RENDERBUFFER, name); },
+         glIsRenderbuffer},
+        {Kind::Sampler, glGenSamplers, [](GLuint name) { glBindSampler(0, name); }, glIsSampler},
+        {Kind::Shader, [](GLsizei, GLuint* p) { *p = glCreateShader(GL_VERTEX_SHADER); }, [](GLuint) {}, glIsShader},
+        {Kind::Texture, glGenTextures, [](GLuint name) { glBindTexture(GL_TEXTURE_2D, name); }, glIsTexture},
+        {Kind::TransformFeedback, glGenTransformFeedbacks,
+         [](GLuint name) { glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, name); }, glIsTransformFeedback},
+        {Kind::VertexArray, glGenVertexArrays, glBindVertexArray, glIsVertexArray},
+    };
+    for (const auto& [kind, generate, bind, isThere] : kinds)
     {
-        EXPECT_TRUE(object.isThere(object.name)) << int(object.kind);
-        CurrentContext::deleteName(CurrentContext::getID(), object.kind, object.name);
-        EXPECT_FALSE(object.isThere(object.name)) << int(object.kind);
+        GLuint name = 0;
+        generate(1, &name);
+        bind(name);
+        EXPECT_TRUE(isThere(name)) << int(kind);
+        glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, 0); // one that is bound is not deleted
+        CurrentContext::deleteName(CurrentContext::getID(), kind, name);
+        EXPECT_FALSE(isThere(name)) << int(kind);
     }
 }
 
@@ -346,6 +341,9 @@ TEST_F(ContextGLTest, ClearTouchesTheNamedBuffersOnly)
         EXPECT_EQ(depth(), has(Depth) ? 1 : 0);
         EXPECT_EQ(stencil(), has(Stencil) ? 7 : 3);
     }
+    Context::clear(td::ColorID::NoColor); // whose alpha is 0 in the table
+    Context::clear(Color);
+    EXPECT_EQ(pixel(8, 8), (Pixel{0, 0, 0, 255}));
 }
 
 } // namespace

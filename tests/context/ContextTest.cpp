@@ -35,19 +35,6 @@ class ContextState : public test::NullGL
 {
 };
 
-// The rest is judged by what the driver does.
-TEST_F(ContextState, TableValuesThatAreEasilyTakenForOthers)
-{
-    using enum Context::Clear;
-    Context::clear({Stencil, Stencil});
-    Context::clear(td::ColorID::NoColor); // whose alpha is 0 in the table
-    Context::setActiveTextureUnit(Textures::Unit::T31);
-    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type::CubeMap);
-    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type::CubeStrip);
-    EXPECT_TRUE(trace.only({"glClear(0x400)", "glClearColor(0, 0, 0, 1)", "glActiveTexture(0x84df)",
-                            "glBindTexture(0x8513, 7)", "glBindTexture(0xde1, 7)"}));
-}
-
 // A value outside a table must not read past it, and no call may be made of half of it.
 TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
 {

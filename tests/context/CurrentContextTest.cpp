@@ -12,8 +12,6 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include <memory>
-
 namespace
 {
 
@@ -35,41 +33,19 @@ protected:
         CurrentContext::died(&b);
     }
 
-    std::unique_ptr<gui::gl::Buffer> committedBuffer()
-    {
-        auto buffer = std::make_unique<gui::gl::Buffer>();
-        const float point[] = {0, 0};
-        buffer->init(0, 1, 0, {gui::gl::DataType::Vec2});
-        buffer->appendVertices(point, 1);
-        EXPECT_TRUE(buffer->commit());
-        return buffer;
-    }
-
     GLTrace trace{GLTrace::Null};
     test::CaughtAsserts asserts;
     char a = 0;
     char b = 0;
 };
 
-TEST_F(CurrentContextTest, NamesDieWithTheirContext)
-{
-    CurrentContext::set(&a);
-    auto waiting = committedBuffer();
-    auto owned = committedBuffer();
-    CurrentContext::set(nullptr);
-    waiting.reset();
-    CurrentContext::died(&a);
-    trace.clear();
-    CurrentContext::set(&a); // the window system may use an address again
-    owned.reset();
-    EXPECT_TRUE(trace.only({}));
-}
-
 // What was uploaded to a context that died must not be drawn from in the next, where its names are somebody else's.
 TEST_F(CurrentContextTest, ObjectsKnowThatTheyAreNotInTheNextContext)
 {
     CurrentContext::set(&a);
-    auto buffer = committedBuffer();
+    gui::gl::Buffer buffer{gui::gl::DataType::Vec2};
+    buffer.appendVertex({0, 0});
+    ASSERT_TRUE(buffer.commit());
     TintProgram program;
     ASSERT_TRUE(program.link("v", "f"));
     gui::gl::Textures textures;
@@ -79,9 +55,9 @@ TEST_F(CurrentContextTest, ObjectsKnowThatTheyAreNotInTheNextContext)
     CurrentContext::died(&a);
     CurrentContext::set(&b);
     trace.clear();
-    EXPECT_FALSE(buffer->isCommitted());
-    EXPECT_FALSE(buffer->isAddOnCommitted());
-    buffer->activate();
+    EXPECT_FALSE(buffer.isCommitted());
+    EXPECT_FALSE(buffer.isAddOnCommitted());
+    buffer.activate();
     EXPECT_TRUE(asserts.caught("CurrentContext::isAlive(_contextID)"));
     EXPECT_FALSE(program.isOK());
     program.activate();
@@ -90,7 +66,7 @@ TEST_F(CurrentContextTest, ObjectsKnowThatTheyAreNotInTheNextContext)
     EXPECT_TRUE(asserts.caught("textureID != 0"));
     EXPECT_EQ(trace.count("glBindTexture"), 0u);
 
-    EXPECT_TRUE(buffer->commit());
+    EXPECT_TRUE(buffer.commit());
     EXPECT_EQ(trace.count("glBufferData"), 1u);
     EXPECT_TRUE(textures.append({&image}, gui::gl::Texture::Type::Tex2D));
     EXPECT_EQ(textures.size(), 1u);

@@ -240,7 +240,10 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
 
 TEST_F(CommandTest, WithoutACurrentProgramNothingIsSentOrDrawn)
 {
-    gui::gl::Program::useNone();
+    {
+        TestProgram program; // that is no more
+        activate(program);
+    }
     trace.clear();
     const glm::mat4 matrix(1);
     Command color = triangles(), alpha = triangles(), texture = triangles(), mvp;

@@ -338,21 +338,4 @@ TEST_F(ProgramTest, ColoursThatDoNotFitAreSaidOncePerProgram)
     }
 }
 
-// Commands would send to a program that is no more.
-TEST_F(ProgramTest, AReleasedProgramIsNotCurrent)
-{
-    gui::gl::Command command;
-    command.createDrawArrays(gui::gl::Primitive::Points, 0, 1);
-    command.setColor(td::ColorID::Red);
-    ASSERT_TRUE(command.encode());
-    {
-        TestProgram program;
-        ASSERT_TRUE(program.link("vs", "fs"));
-        program.activate();
-    }
-    EXPECT_FALSE(command.execute());
-    EXPECT_TRUE(asserts.caught("s_pCurrentProgram != nullptr"));
-    EXPECT_EQ(trace.count("glDrawArrays"), 0u);
-}
-
 } // namespace
