@@ -4,8 +4,6 @@
 #include <gui/gl/Context.h>
 #include <gui/gl/Textures.h>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <vector>

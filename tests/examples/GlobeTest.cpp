@@ -13,7 +13,6 @@
 #include <glm/ext/matrix_transform.hpp>
 #include <glm/geometric.hpp>
 #include <glm/trigonometric.hpp>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>

@@ -3,8 +3,8 @@
 #include "SlowScenes.h"
 
 #include "support/CapturedLog.h"
-#include "support/Pinning.h"
 #include "support/GLTrace.h"
+#include "support/Pinning.h"
 
 #include <gallery/Scenes.h>
 #include <gallery/Stage.h>
@@ -16,7 +16,6 @@
 
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -94,6 +94,8 @@ void GLWorld::check()
     }
     for (const BufferSlot& slot : _buffers)
         require(slot.object->isCommitted() == slot.isCommitted, "a buffer's state");
+    for (const ProgramSlot& slot : _programs)
+        require(slot.object->isOK() == (slot.context != 0 && slot.context != cGone), "a program's state");
     for (std::size_t i = 0; i <= _buffers.size(); ++i)
         require(listOf(i).size() == plainListOf(i).n, "a list's commands");
 }
@@ -438,10 +440,14 @@ void GLWorld::draw(Input& input)
     BufferSlot& buffer = _buffers[i < 3 ? i : input.below(3)];
     ProgramSlot& program = _programs[input.below(2)];
     const std::size_t first = input.below(8), count = input.below(8);
-    if (!canDraw(plainListOf(i), buffer, program))
+    // What its context took with it is refused, and leaves the names alone that are others' now.
+    const auto mayBeActivated = [this](unsigned int context) { return context == _current || context > cContexts; };
+    if (_current == 0 || !mayBeActivated(program.context) || !mayBeActivated(buffer.context))
         return;
     program.object->activate();
     buffer.object->activate();
+    if (!canDraw(plainListOf(i), buffer, program))
+        return buffer.object->deActivate();
     count == 0 ? listOf(i).execute() : listOf(i).execute(first, count);
     buffer.object->deActivate();
 }

@@ -8,7 +8,6 @@
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
@@ -26,19 +25,10 @@ namespace
 using gui::gl::Command;
 using gui::gl::Primitive;
 using gui::gl::Textures;
+using test::ColorProgram;
 using Type = Command::Type;
 using SubType = Command::DrawSubType;
 using Uniform = Command::_additinalUniform;
-
-struct TestProgram : gui::gl::Program
-{
-    void onLinked() override
-    {
-        _color3Location = 3;
-        _color4Location = 4;
-        _matrixLocation = 16;
-    }
-};
 
 Command triangles(unsigned int count = 3)
 {
@@ -50,7 +40,7 @@ Command triangles(unsigned int count = 3)
 class CommandTest : public test::NullGL
 {
 protected:
-    void activate(TestProgram& program)
+    void activate(ColorProgram& program)
     {
         ASSERT_TRUE(program.link("vs", "fs"));
         program.activate();
@@ -58,7 +48,7 @@ protected:
     }
 
     /// The RGBA colour that a command sends to a program that has none yet.
-    static std::array<float, 4> sentBy(Command command, TestProgram& program)
+    static std::array<float, 4> sentBy(Command command, ColorProgram& program)
     {
         static std::array<float, 4> s_sent;
         s_sent = {};
@@ -119,7 +109,7 @@ TEST_F(CommandTest, PointsAndPatchesSetTheirSizeFirst)
 
 TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     Command red = triangles();
     red.setColor(td::ColorID::Red);
@@ -158,7 +148,7 @@ TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
 // A channel times 1/255 is often not the channel over 255.
 TEST_F(CommandTest, ColorsAreExactQuotients)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     for (int i = 0; i < 256; ++i)
     {
@@ -174,7 +164,7 @@ TEST_F(CommandTest, ColorsAreExactQuotients)
 
 TEST_F(CommandTest, AlphaIsCutToAByte)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     const std::pair<float, int> cases[] = {{0.5f, 127},   {1.0f, 255}, {-0.5f, 0},   {-1e30f, 0},       {0.0f, 0},
                                            {0.999f, 254}, {2.0f, 254}, {1e30f, 255}, {std::nanf(""), 0}};
@@ -188,7 +178,7 @@ TEST_F(CommandTest, AlphaIsCutToAByte)
 
 TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
 {
-    TestProgram program;
+    ColorProgram program;
     gui::Texture dot = test::image(1, 1, 3);
     Textures textures;
     for (int i = 0; i < 201; ++i)
@@ -241,7 +231,7 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
 TEST_F(CommandTest, WithoutACurrentProgramNothingIsSentOrDrawn)
 {
     {
-        TestProgram program; // that is no more
+        ColorProgram program; // that is no more
         activate(program);
     }
     trace.clear();
@@ -282,7 +272,7 @@ TEST_F(CommandTest, InstancesAreGivenToPlainDraws)
 
 TEST_F(CommandTest, MatricesAreReadAtEachExecution)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     glm::mat4 matrix(1);
     Command command;
@@ -295,7 +285,7 @@ TEST_F(CommandTest, MatricesAreReadAtEachExecution)
 
 TEST_F(CommandTest, FurtherUniformsFollowTheMatrix)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     const glm::mat4 matrix(1);
     struct Case

@@ -5,7 +5,6 @@
 #include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>

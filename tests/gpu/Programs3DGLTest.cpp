@@ -10,7 +10,6 @@
 #include <glm/geometric.hpp>
 #include <glm/matrix.hpp>
 #include <glm/trigonometric.hpp>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>

@@ -10,8 +10,6 @@
 #include <gui/gl/Text.h>
 #include <gui/gl/View.h>
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
 #include <memory>

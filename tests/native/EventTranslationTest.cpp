@@ -59,18 +59,13 @@ TEST(EventTranslation, KeysDownAndUp)
         unsigned int downCode, downVirtual, upCode;
     } cases[] = {
         {"a", 0, 'a', 97, 0, 97},
-        {"A", 0, 'A', 65, 0, 65},
         {"Return", 36, 13, 36, 2, 13},
-        {"Tab", 48, 9, 48, 1, 9},
         {"Backspace", 51, 8, 51, 12, 8},
         {"A with Control, of some systems", 0, 1, 1, 0, 1},
         {"Escape", 53, 27, 53, 13, 53 << 8},
-        {"Delete", 117, 0, 117, 30, 117 << 8},
         {"left arrow", 123, 0, 123, 3, 31488},
-        {"F1", 122, 0, 122, 14, 122 << 8},
         {"keypad 5", 87, '5', 87, 39, '5'},
         {"key 8", 8, 'c', 'c', 0, 8 << 8},
-        {"DEL", 200, 127, 127, 0, 127},
         {"the first beyond ASCII", 200, 128, 128, 0, 200 << 8},
         {"one whose low byte is a letter's", 14, 0x161, 0x161, 0, 14 << 8},
         {"Home, whose code is that of a letter", 115, 0, 115, 7, 115 << 8},

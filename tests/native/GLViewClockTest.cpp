@@ -1,7 +1,5 @@
 #include "GLViewFixture.h"
 
-#include <gtest/gtest.h>
-
 namespace
 {
 

@@ -5,8 +5,6 @@
 #include "support/EventView.h"
 #include "support/FakeSurface.h"
 
-#include <gtest/gtest.h>
-
 namespace test
 {
 

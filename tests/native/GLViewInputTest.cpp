@@ -2,8 +2,6 @@
 
 #include <gui/gl/port/Zav.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <memory>

@@ -6,8 +6,6 @@
 
 #include <epoxy/gl.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -40,8 +38,12 @@ TEST_F(GLViewTest, TheViewIsCompleteInOnInit)
         view.getSize(size);
         EXPECT_EQ(size, (td::Size<double>(400, 200)));
         EXPECT_TRUE(view.isAnimated());
+        EXPECT_EQ(view.getOpenGLVersion(), std::make_tuple(4, 5));
     };
     const td::PointAndSize<double> geometry(10, 20, 400, 200);
+    EXPECT_EQ(view.getOpenGLVersion(), std::make_tuple(0, 0));
+    trace.setLimit(GL_MAJOR_VERSION, 4);
+    trace.setLimit(GL_MINOR_VERSION, 5);
     GLView* const pNative = GLView::createView(&view, &geometry, 0, context(true), window.factory());
     ASSERT_NE(pNative, nullptr);
     EXPECT_TRUE(
@@ -124,16 +126,6 @@ TEST_F(GLViewTest, CreationThatFailsLeavesNothing)
         }
         EXPECT_FALSE(window.hasSurface);
     }
-}
-
-TEST_F(GLViewTest, TheVersionIsTheContexts)
-{
-    RecordingView view(window);
-    EXPECT_EQ(view.getOpenGLVersion(), std::make_tuple(0, 0));
-    trace.setLimit(GL_MAJOR_VERSION, 4);
-    trace.setLimit(GL_MINOR_VERSION, 5);
-    create(view);
-    EXPECT_EQ(view.getOpenGLVersion(), std::make_tuple(4, 5));
 }
 
 TEST_F(GLViewTest, EnteringAWindowTellsScaleAndSize)

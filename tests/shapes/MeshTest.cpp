@@ -7,7 +7,6 @@
 #include <epoxy/gl.h>
 #include <glm/geometric.hpp>
 #include <glm/vec3.hpp>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>

@@ -172,6 +172,7 @@ TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
         {arrow, arrow, {0, 1, 2, 3, 4}},
         {twins, twinsWanted, {0, 2, 1, 0}},
         {{{0, 0}, {-0.0f, 0}}, {{-0.0f, -0.0f}, {0, 0}}, {0, 1}},
+        {{{1, 1}, {2, 2}, {0, 3}, {4, 0}}, {{4, -0.0f}, {-0.0f, 3}, {1, 1}, {2, 2}}, {3, 2, 0, 1}},
         {arrow, off, {}},
         {nan, nan, {}},
     };

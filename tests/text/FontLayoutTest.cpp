@@ -2,8 +2,6 @@
 #include "PlainLayout.h"
 #include "support/CountedAllocations.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 

@@ -3,8 +3,6 @@
 #include <gui/Res.h>
 #include <gui/Texture.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <functional>

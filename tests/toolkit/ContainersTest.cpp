@@ -8,8 +8,6 @@
 #include <cnt/SafeFullVector.h>
 #include <mem/MemoryManager.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <numeric>
 #include <random>

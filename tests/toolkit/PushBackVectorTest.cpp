@@ -3,8 +3,6 @@
 
 #include <cnt/PushBackVector.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <functional>

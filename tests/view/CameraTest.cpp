@@ -7,7 +7,6 @@
 #include <glm/geometric.hpp>
 #include <glm/gtx/string_cast.hpp>
 #include <glm/trigonometric.hpp>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>

@@ -10,8 +10,6 @@
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/OrthoView.h>
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <csignal>
 #include <ctime>
