@@ -58,13 +58,19 @@ TEST_F(GLViewTest, TheViewIsCompleteInOnInit)
 
 TEST_F(GLViewTest, ErrorsOfGLAreTheApplicationsUnlessDebugged)
 {
-    RecordingView view(window);
+    RecordingView plain(window), view(window);
     trace.setErrors({GL_INVALID_OPERATION});
-    GLView* const pNative = create(view);
-    pNative->drawNow();
+    create(plain)->drawNow();
     EXPECT_EQ(glGetError(), unsigned(GL_INVALID_OPERATION)) << "an application that asks later";
+    plain.release();
 
     setenv("GUIGL_GL_DEBUG", "1", 1);
+    const auto makeSurface = [this](auto&... arguments)
+    {
+        unsetenv("GUIGL_GL_DEBUG"); // it is asked for once
+        return window.factory()(arguments...);
+    };
+    GLView* const pNative = GLView::createView(&view, nullptr, 0, context(), makeSurface);
     trace.setErrors({GL_INVALID_ENUM, GL_INVALID_ENUM, GL_OUT_OF_MEMORY});
     pNative->drawNow();
     EXPECT_EQ(log.take(), (Lines{"ERROR! GLView onDraw left OpenGL error 500",
@@ -72,7 +78,6 @@ TEST_F(GLViewTest, ErrorsOfGLAreTheApplicationsUnlessDebugged)
     trace.setErrors({GL_INVALID_VALUE, GL_INVALID_ENUM});
     pNative->drawNow();
     EXPECT_TRUE(log.said("ERROR! GLView onDraw left OpenGL error 501"));
-    unsetenv("GUIGL_GL_DEBUG");
     journal.take();
 }
 
