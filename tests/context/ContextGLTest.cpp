@@ -83,6 +83,14 @@ TEST_F(ContextGLTest, EveryValueReachesItsState)
         Context::setPolygonMode(Context::PolygonMode(i));
         EXPECT_EQ(stateOf(GL_POLYGON_MODE), modes[i]);
     }
+    const GLenum flags[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_STENCIL_TEST, GL_BLEND};
+    for (unsigned char i = 0; i < 4; ++i)
+    {
+        Context::enable(Context::Flag(i));
+        for (const GLenum flag : flags)
+            EXPECT_EQ(glIsEnabled(flag), flag == flags[i]) << int(i);
+        Context::disable(Context::Flag(i));
+    }
     Context::setStencilBufferMask(0x0F);
     EXPECT_EQ(stateOf(GL_STENCIL_WRITEMASK), 0x0FU);
     for (const bool writes : {false, true})
@@ -94,19 +102,7 @@ TEST_F(ContextGLTest, EveryValueReachesItsState)
     EXPECT_EQ(stateOf(GL_POINT_SIZE), 3U);
 }
 
-TEST_F(ContextGLTest, FlagsReachTheirState)
-{
-    const GLenum capabilities[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_STENCIL_TEST, GL_BLEND};
-    for (unsigned char value = 0; value < 4; ++value)
-    {
-        Context::enable(Context::Flag(value));
-        for (unsigned char other = 0; other < 4; ++other)
-            EXPECT_EQ(glIsEnabled(capabilities[other]), other == value) << value << ' ' << int(other);
-        Context::disable(Context::Flag(value));
-        EXPECT_FALSE(glIsEnabled(capabilities[value]));
-    }
-}
-
+// A kind that is mixed up with another deletes a neighbour's object, or nothing.
 TEST_F(ContextGLTest, NamesOfEveryKindAreDeleted)
 {
     using gui::gl::CurrentContext;

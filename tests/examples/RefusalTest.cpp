@@ -98,7 +98,6 @@ private:
 };
 
 EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
-EGLContext refuseContext(EGLDisplay, EGLConfig, EGLContext, const EGLint*) { return EGL_NO_CONTEXT; }
 
 class Refusal : public testing::Test
 {
@@ -217,21 +216,6 @@ TEST_F(Refusal, WhatIsRefusedIsSaidAndDrawnAgainInANewContext)
                 EXPECT_TRUE(condition == "false" || condition == "_program.isOK()") << condition;
         }
     }
-}
-
-TEST_F(Refusal, WithoutAContextThereIsNoViewAndNoCall)
-{
-    SceneView view(gallery::scenes().front());
-    const auto loaded = std::exchange(epoxy_eglCreateContext, &refuseContext);
-    view.create();
-    EXPECT_EQ(view.getHandle(), nullptr);
-    EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot create an OpenGL 4.1 core context (EGL error 3000)"));
-    view.reRender();
-    app.step(0);
-    EXPECT_TRUE(gl.only({}));
-    for (const std::string& condition : std::exchange(asserts, {}))
-        EXPECT_EQ(condition, "_handle != nullptr");
-    epoxy_eglCreateContext = loaded;
 }
 
 } // namespace

@@ -43,12 +43,7 @@ void GLWorld::ProgramObject::onLinked()
 
 GLWorld::GLWorld()
 {
-    for (BufferSlot& slot : _buffers)
-        slot.object.emplace();
-    for (ProgramSlot& slot : _programs)
-        slot.object.emplace();
-    for (TextureSlot& slot : _textures)
-        slot.object.emplace();
+    forEachSlot([](auto& slot) { slot.object.emplace(); });
     _list.emplace();
     makeCurrent(1);
 }
@@ -104,12 +99,7 @@ void GLWorld::check()
 void GLWorld::end()
 {
     _list.reset();
-    for (BufferSlot& slot : _buffers)
-        slot.object.reset();
-    for (ProgramSlot& slot : _programs)
-        slot.object.reset();
-    for (TextureSlot& slot : _textures)
-        slot.object.reset();
+    forEachSlot([](auto& slot) { slot.object.reset(); });
     for (unsigned int context = 1; context <= cContexts; ++context)
         if (_isAlive[context])
             makeCurrent(context);
@@ -136,17 +126,13 @@ void GLWorld::endContext(unsigned int context)
     _gl.destroy(context);
     // Its names are of no use any more.
     for (BufferSlot& slot : _buffers)
-        if (slot.context == context)
+        slot.isCommitted = slot.isCommitted && slot.context != context;
+    forEachSlot(
+        [context](auto& slot)
         {
-            slot.context = cGone;
-            slot.isCommitted = false;
-        }
-    for (ProgramSlot& slot : _programs)
-        if (slot.context == context)
-            slot.context = cGone;
-    for (TextureSlot& slot : _textures)
-        if (slot.context == context)
-            slot.context = cGone;
+            if (slot.context == context)
+                slot.context = cGone;
+        });
 }
 
 void GLWorld::changeContext(Input& input)

@@ -49,9 +49,7 @@ struct TestProgram : Program
     void onLinked() override {}
 };
 
-class ProgramGLTest : public test::OffscreenGL
-{
-};
+using ProgramGLTest = test::OffscreenGL;
 
 TEST_F(ProgramGLTest, AllFiveStagesDraw)
 {

@@ -17,9 +17,7 @@ using gui::gl::Textures;
 using test::GLTrace;
 using Unit = Textures::Unit;
 
-class TexturesTest : public test::NullGL
-{
-};
+using TexturesTest = test::NullGL;
 
 TEST_F(TexturesTest, ImagesAreUploadedInOrderAndBoundByPosition)
 {
@@ -103,13 +101,12 @@ TEST_F(TexturesTest, CubeMapsAreRefusedWholeAndFacesNamedInGLOrder)
     const std::string high = folder.save("high.png", test::image(2, 3, 3));
     const std::string rgba = folder.save("rgba.png", test::image(2, 2, 4));
     const std::string missing = folder.path("missing.png");
-    struct Case
+    const struct
     {
         std::size_t name; // which of the six is another file
         const std::string& path;
         std::string line;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, missing, "Error! Textures::appendCubeMap cannot load texture with pos=1!"},
         {3, missing, "Error! Textures::appendCubeMap cannot load texture with pos=5!"},
         {4, wide, "Error! Textures::appendCubeMap ->All faces in cube map must have same size!"},
@@ -117,7 +114,7 @@ TEST_F(TexturesTest, CubeMapsAreRefusedWholeAndFacesNamedInGLOrder)
         {1, rgba, "Error! Textures::appendCubeMap tries to use non RGB texture with pos=4!"},
     };
     Textures textures;
-    for (const Case& refused : cases)
+    for (const auto& refused : cases)
     {
         cnt::Array<const char*, 6> names;
         std::fill(names.begin(), names.end(), good.c_str());

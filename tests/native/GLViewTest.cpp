@@ -399,15 +399,15 @@ TEST_F(GLViewTest, CleansUpOnceWhoeverGoesFirst)
     // The application lets go of the native view alone.
     RecordingView released(window);
     show(released);
-    released.release();
-    EXPECT_TRUE(journal.said({"cleanResources", "surface gone"}));
-    EXPECT_EQ(released.getHandle(), nullptr);
-    released.release();
-    released.reDraw();
+    for (const Lines& lines : {Lines{"cleanResources", "surface gone"}, Lines{}})
+    {
+        released.release();
+        released.reDraw();
+        EXPECT_TRUE(journal.said(lines));
+    }
     td::Size<double> size(1, 1);
     released.getSize(size);
     EXPECT_EQ(size, td::Size<double>());
-    EXPECT_TRUE(journal.said({}));
 
     auto* const pOwned = new RecordingView(window);
     show(*pOwned);

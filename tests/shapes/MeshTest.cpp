@@ -119,7 +119,7 @@ TEST_F(MeshTest, CubeTexturesStandUpright)
 // By the formulas, vertex by vertex: what the generator computes once per row and column must give the same floats.
 TEST_F(MeshTest, SpheresAreTheFormulasFloats)
 {
-    struct Case
+    const struct
     {
         float radius;
         unsigned int sectors, stacks;
@@ -127,11 +127,10 @@ TEST_F(MeshTest, SpheresAreTheFormulasFloats)
         bool hasNormals;
         float xyScale;
         unsigned int nBefore;
-    };
-    const Case cases[] = {{1, 4, 2, Tex2D, true, 1, 0},       {2.5F, 7, 5, CubeMap, true, 1.5F, 3},
-                          {0.1F, 36, 18, Tex2D, false, 1, 0}, {9, 3, 3, CubeStrip, false, 1, 5},
-                          {1, 1, 1, Tex2D, true, 1, 2},       {-3, 64, 33, Tex2D, true, 0.25F, 1}};
-    for (const Case& c : cases)
+    } cases[] = {{1, 4, 2, Tex2D, true, 1, 0},       {2.5F, 7, 5, CubeMap, true, 1.5F, 3},
+                 {0.1F, 36, 18, Tex2D, false, 1, 0}, {9, 3, 3, CubeStrip, false, 1, 5},
+                 {1, 1, 1, Tex2D, true, 1, 2},       {-3, 64, 33, Tex2D, true, 0.25F, 1}};
+    for (const auto& c : cases)
     {
         std::vector<float> expected;
         std::vector<unsigned int> expectedIndices;

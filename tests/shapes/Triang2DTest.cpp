@@ -25,9 +25,7 @@ using test::Tessellation;
 constexpr float cNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr Primitive cNone = static_cast<Primitive>(8);
 
-class Triang2DTest : public test::TessellationTest
-{
-};
+using Triang2DTest = test::TessellationTest;
 
 // Missing or spilled over, and nobody knows why.
 TEST_F(Triang2DTest, WhatIsNotFilledIsSaidOncePerObject)

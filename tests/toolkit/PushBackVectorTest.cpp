@@ -31,13 +31,12 @@ void fill(cnt::PushBackVector<T>& v, std::size_t capacity, int n)
 
 TEST(PushBackVector, CapacityDoublesFromOneOrFromWhatWasReserved)
 {
-    struct Case
+    const struct
     {
         std::size_t reserved;
         std::vector<std::size_t> capacities; // after each push
-    };
-    const Case cases[] = {{0, {1, 2, 4, 4, 8, 8, 8, 8, 16}}, {3, {3, 3, 3, 6, 6, 6, 12}}, {1, {1, 2, 4}}};
-    for (const Case& c : cases)
+    } cases[] = {{0, {1, 2, 4, 4, 8, 8, 8, 8, 16}}, {3, {3, 3, 3, 6, 6, 6, 12}}, {1, {1, 2, 4}}};
+    for (const auto& c : cases)
     {
         cnt::PushBackVector<int> v;
         v.reserve(c.reserved);

@@ -170,18 +170,16 @@ TEST(CameraTest, TurningAndZoomingEndAtTheirLimits)
     }
     EXPECT_EQ(vec3(camera.getYaw(), camera.getPitch(), 0), vec3(0, 90, 0));
 
-    struct Scroll
+    const struct
     {
         td::Point<float> delta;
         bool isFast;
         float yaw, pitch;
-    };
-    const Scroll scrolls[] = {{{10, 0}, false, -89, 0},         {{10, 0}, true, -86, 0},
-                              {{0, -20}, false, -86, -2},       {{9999, 0}, false, 0, -2},
-                              {{-1e38F, 1}, true, -180, -1.7F}, {{0, 9999}, false, -180, 90},
-                              {{0, -9999}, true, -180, -90},    {{50, 50}, false, -175, -85}};
+    } scrolls[] = {{{10, 0}, false, -89, 0},      {{10, 0}, true, -86, 0},          {{0, -20}, false, -86, -2},
+                   {{9999, 0}, false, 0, -2},     {{-1e38F, 1}, true, -180, -1.7F}, {{0, 9999}, false, -180, 90},
+                   {{0, -9999}, true, -180, -90}, {{50, 50}, false, -175, -85}};
     Camera scrolled;
-    for (const Scroll& scroll : scrolls)
+    for (const auto& scroll : scrolls)
     {
         scrolled.processScroll(scroll.delta, scroll.isFast);
         EXPECT_NEAR(scrolled.getYaw(), scroll.yaw, 1e-4F);
@@ -206,13 +204,12 @@ TEST(CameraTest, TurningAndZoomingEndAtTheirLimits)
 
 TEST(CameraTest, ShiftDragsPan)
 {
-    struct Move
+    const struct
     {
         td::Point<float> point;
         unsigned int modifiers;
         vec3 position;
-    };
-    const Move moves[] = {
+    } moves[] = {
         {{100, 100}, 0, {0, 0, 0}},
         {{50, 50}, cShift, {0, 0, 0}},
         {{60, 70}, cShift, {-0.1F, 0.2F, 0}},
@@ -222,7 +219,7 @@ TEST(CameraTest, ShiftDragsPan)
         {{0, 10}, cShift | cCtrl, {0, 0.5F, 0}},
     };
     Camera camera;
-    for (const Move& move : moves)
+    for (const auto& move : moves)
     {
         const glm::mat4 last = camera.getViewMatrix();
         camera.processMouseMove(move.point, move.modifiers);
