@@ -48,7 +48,6 @@ TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
     {
         refused.call();
         EXPECT_TRUE(asserts.caught(refused.condition));
-        EXPECT_EQ(asserts.lastFile(), td::cAssertReports ? "src/context/Context.cpp" : "");
     }
     EXPECT_TRUE(trace.only({}));
     EXPECT_EQ(Context(DepthBuffer::Size(255), StencilBuffer::Size(255), {}).getDepthBufferSize(), 0);

@@ -93,18 +93,15 @@ TEST_F(CommandTest, EachKindDrawsEachPrimitive)
 
 TEST_F(CommandTest, PointsAndPatchesSetTheirSizeFirst)
 {
-    Command command;
-    command.createDrawArrayPoints(5, 6, 2.5f);
-    EXPECT_EQ(callsOf(command), (Calls{"glPointSize(2.5)", "glDrawArrays(0, 5, 6)"}));
-    command.reset();
-    command.createDrawElementPoints(5, 6, 0.5f);
-    EXPECT_EQ(callsOf(command), (Calls{"glPointSize(0.5)", "glDrawElements(0, 6, 0x1405, 20)"}));
-    command.reset();
-    command.createDrawArrayPatches(0, 9, 3);
-    EXPECT_EQ(callsOf(command), (Calls{"glPatchParameteri(0x8e72, 3)", "glDrawArrays(14, 0, 9)"}));
-    command.reset();
-    command.createDrawElementPatches(2, 8, 4);
-    EXPECT_EQ(callsOf(command), (Calls{"glPatchParameteri(0x8e72, 4)", "glDrawElements(14, 8, 0x1405, 8)"}));
+    Command points, indexedPoints, patches, indexedPatches;
+    points.createDrawArrayPoints(5, 6, 2.5f);
+    EXPECT_EQ(callsOf(points), (Calls{"glPointSize(2.5)", "glDrawArrays(0, 5, 6)"}));
+    indexedPoints.createDrawElementPoints(5, 6, 0.5f);
+    EXPECT_EQ(callsOf(indexedPoints), (Calls{"glPointSize(0.5)", "glDrawElements(0, 6, 0x1405, 20)"}));
+    patches.createDrawArrayPatches(0, 9, 3);
+    EXPECT_EQ(callsOf(patches), (Calls{"glPatchParameteri(0x8e72, 3)", "glDrawArrays(14, 0, 9)"}));
+    indexedPatches.createDrawElementPatches(2, 8, 4);
+    EXPECT_EQ(callsOf(indexedPatches), (Calls{"glPatchParameteri(0x8e72, 4)", "glDrawElements(14, 8, 0x1405, 8)"}));
 }
 
 TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)

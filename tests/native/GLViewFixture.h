@@ -8,7 +8,8 @@
 namespace test
 {
 
-/// A view that notes each of its callbacks in its window's journal, and complains there when its context is not current.
+/// A view that notes each of its callbacks in its window's journal, and complains there when its context is not
+/// current.
 class RecordingView : public EventView
 {
 public:

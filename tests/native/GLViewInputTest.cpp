@@ -137,6 +137,9 @@ TEST_F(GLViewInputTest, HandlersHaveTheirContextAndMayEndTheView)
             auto pView = std::make_unique<RecordingView>(window);
             GLView* const pNative = show(*pView, cAllEvents, true);
             pView->registerForFocusEvents();
+            // Whatever the callback before it did.
+            for (const char* const before : {"prepareNextFrame", "onGeometryChange"})
+                pView->in[before] = [this] { neighbour->makeCurrentContext(); };
             pView->in[callback] = [&pView, pNative, byWindow]
             {
                 if (byWindow)

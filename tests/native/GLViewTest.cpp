@@ -173,32 +173,6 @@ TEST_F(GLViewTest, EnteringAWindowTellsScaleAndSize)
         journal.said({"glViewport(0, 0, 210, 240)", "onGeometryChange 0 0 70 80", "onResize 70 80", "needs display"}));
 }
 
-// Each callback has its context, whatever the one before it did.
-TEST_F(GLViewTest, AResizeHasItsContextAfterAGeometryChangeTookIt)
-{
-    test::FakeWindow other(journal);
-    RecordingView neighbour(other);
-    GLView::createView(&neighbour, nullptr, 0, context(), other.factory());
-    RecordingView view(window);
-    GLView* const pNative = create(view);
-    view.in["onGeometryChange"] = [&] { neighbour.makeCurrentContext(); };
-    const std::function<void()> changes[] = {[&] { pNative->enteredWindow(); }, [&] { pNative->sizeChanged(); },
-                                             [&]
-                                             {
-                                                 window.scale = 2;
-                                                 pNative->scaleChanged();
-                                             }};
-    for (const auto& change : changes)
-    {
-        window.size.width += 10;
-        change();
-        const Lines lines = journal.take();
-        ASSERT_EQ(lines.size(), 4u);
-        EXPECT_TRUE(lines[2].starts_with("onResize")) << lines[2];
-        EXPECT_TRUE(lines[2].ends_with("300")) << lines[2];
-    }
-}
-
 TEST_F(GLViewTest, ADrawSetsNothingButTheFramebuffersName)
 {
     RecordingView view(window);

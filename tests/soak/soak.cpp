@@ -20,14 +20,12 @@
 #include <dlfcn.h>
 #include <epoxy/egl.h>
 #include <malloc.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <optional>
 #include <random>
@@ -56,13 +54,6 @@ std::size_t bytesInUse()
         return count();
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
-}
-
-std::size_t residentBytes()
-{
-    std::size_t nPages = 0;
-    std::ifstream("/proc/self/statm") >> nPages >> nPages;
-    return nPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
@@ -162,24 +153,6 @@ public:
         _app.emplace(0, nullptr);
     }
 
-    /// How long the map takes for a frame, in milliseconds: the middle one of a few.
-    double timeFrame()
-    {
-        gui::Window window("Time", {400, 250});
-        worldmap::MapView view(window, _countries);
-        window.show(view);
-        std::array<double, 5> times{};
-        for (double& time : times)
-        {
-            view.reRender();
-            const Clock::time_point begin = Clock::now();
-            _app->step(0);
-            time = 1000 * secondsSince(begin);
-        }
-        std::ranges::sort(times);
-        return times[times.size() / 2];
-    }
-
 private:
     struct Place
     {
@@ -274,13 +247,10 @@ int run(double seconds, unsigned int seed)
         for (; secondsSince(begin) < seconds / nRounds; ++nActs)
             desk.use();
         desk.closeAll();
-        const double milliseconds = desk.timeFrame();
-        desk.closeAll();
         // What is free and has not been given back would look like growth.
         malloc_trim(0);
         const std::size_t inUse = bytesInUse();
-        std::printf("round %d: %d acts, %.3f MB in use, %.0f MB resident, a frame in %.1f ms\n", round + 1, nActs,
-                    static_cast<double>(inUse) / 1e6, static_cast<double>(residentBytes()) / 1e6, milliseconds);
+        std::printf("round %d: %d acts, %.3f MB in use\n", round + 1, nActs, static_cast<double>(inUse) / 1e6);
         std::fflush(stdout);
         if (round == 0)
         {
