@@ -98,6 +98,7 @@ private:
 };
 
 EGLBoolean refuseCurrent(EGLDisplay, EGLSurface, EGLSurface, EGLContext) { return EGL_FALSE; }
+EGLContext refuseContext(EGLDisplay, EGLConfig, EGLContext, const EGLint*) { return EGL_NO_CONTEXT; }
 
 class Refusal : public testing::Test
 {
@@ -216,6 +217,16 @@ TEST_F(Refusal, WhatIsRefusedIsSaidAndDrawnAgainInANewContext)
                 EXPECT_TRUE(condition == "false" || condition == "_program.isOK()") << condition;
         }
     }
+}
+
+TEST_F(Refusal, WithoutAContextThereIsNoView)
+{
+    SceneView view(gallery::scenes().front());
+    const auto loaded = std::exchange(epoxy_eglCreateContext, &refuseContext);
+    view.create();
+    epoxy_eglCreateContext = loaded;
+    EXPECT_EQ(view.getHandle(), nullptr);
+    EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot create an OpenGL 4.1 core context (EGL error 3000)"));
 }
 
 } // namespace

@@ -18,8 +18,6 @@ public:
     {
     }
 
-    bool hasNextFrame = true; ///< what prepareNextFrame answers
-
 protected:
     void hear(const std::string& line) override;
     void onInit() override { note("onInit"); }

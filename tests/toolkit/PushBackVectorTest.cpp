@@ -4,7 +4,6 @@
 #include <cnt/PushBackVector.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <functional>
 #include <iterator>
 #include <limits>
@@ -207,19 +206,6 @@ TEST(PushBackVector, CountsThatNoMemoryHoldsAreRefused)
     for (const std::size_t n : {cMax, cMax - 1, cMax - 2, cMax / 2 + 1, cMax / 4})
         EXPECT_THROW(v.push_back(&value, n), std::bad_alloc) << n;
     EXPECT_EQ(elements(v), (std::vector<float>{0, 1}));
-}
-
-TEST(LargePages, AdviceChangesNothing)
-{
-    const std::vector<char> filled(std::size_t(5) << 20, 'x');
-    std::vector<char> advised = filled;
-    errno = ERANGE;
-    mem::adviseLargePages(nullptr, 0);
-    for (const std::size_t offset : {0U, 1U, 4095U, 2U << 20})
-        for (const std::size_t nBytes : {0U, 1U, 4096U, 2U << 20, 3U << 20})
-            mem::adviseLargePages(advised.data() + offset, nBytes);
-    EXPECT_EQ(errno, ERANGE);
-    EXPECT_EQ(advised, filled);
 }
 
 struct NeverThrows

@@ -56,11 +56,14 @@ TEST(CameraTest, VectorsAndMatrixFollowFromTheAngles)
             {
                 const vec3 position(3, -4, yaw);
                 const float y = glm::radians(yaw), p = glm::radians(pitch);
-                const vec3 front(std::cos(y) * std::cos(p), std::sin(p), std::sin(y) * std::cos(p));
+                const vec3 front =
+                    glm::normalize(vec3(std::cos(y) * std::cos(p), std::sin(p), std::sin(y) * std::cos(p)));
+                const vec3 right = glm::normalize(glm::cross(front, up));
                 const Camera camera(position, yaw, pitch, up);
-                EXPECT_TRUE(isNear(camera.getFront(), front));
-                EXPECT_EQ(camera.getViewMatrix(), glm::lookAt(position, position + camera.getFront(), camera.getUp()));
-                EXPECT_TRUE(isNear(camera.getRight(), glm::normalize(glm::cross(front, up))));
+                EXPECT_EQ(camera.getFront(), front);
+                EXPECT_EQ(camera.getRight(), right);
+                EXPECT_EQ(camera.getUp(), glm::normalize(glm::cross(right, front)));
+                EXPECT_EQ(camera.getViewMatrix(), glm::lookAt(position, position + front, camera.getUp()));
                 EXPECT_EQ(Camera(3, -4, yaw, up.x, up.y, up.z, yaw, pitch).getViewMatrix(), camera.getViewMatrix());
                 EXPECT_TRUE(isNear(Camera(position, position + 5.0F * front, up).getFront(), front));
             }

@@ -179,6 +179,8 @@ TEST_F(SkyBoxTest, BoxIsMadeOnceAndAgainAfterRelease)
         sky.release();
         EXPECT_TRUE(trace.aliveNames(GLTrace::Kind::VertexArray).empty());
     }
+    ASSERT_TRUE(sky.init(nullptr, cubeMap, Textures::Unit::T0));
+    EXPECT_EQ(trace.aliveNames(GLTrace::Kind::Program).size(), 1U) << "a second init leaves no program behind";
 }
 
 } // namespace
