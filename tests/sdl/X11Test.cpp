@@ -184,6 +184,7 @@ TEST_P(X11Test, FullScreenAndBack)
     const auto maximize = [&] { xServer().toggle(id, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"); };
     maximize();
     ASSERT_TRUE(waitInLoop([&] { return view.sizes.back().width == cScreen.width; }));
+    ASSERT_TRUE(showsItsFrame(view)); // it may come in two steps
     const td::Size<double> maximized = view.sizes.back();
     window.setFullScreen(true);
     EXPECT_TRUE(becomes(cScreen));
