@@ -157,6 +157,15 @@ TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
     const Outline arrow{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}}; // stored from its reflex corner on
     const Outline twins{{1, 1}, {2, 2}, {1, 1}, {0, 0}};
     const Outline twinsWanted{{1, 1}, {1, 1}, {2, 2}, {1, 1}};
+    // As many as are found by their numbers, where -0 has to be 0.
+    Outline upwards, downwards;
+    std::vector<unsigned int> backwards;
+    for (unsigned int i = 0, n = 20; i < n; ++i)
+    {
+        upwards.push_back({0, static_cast<float>(i)});
+        downwards.push_back({-0.0f, static_cast<float>(n - 1 - i)});
+        backwards.push_back(n - 1 - i);
+    }
     Outline off = arrow;
     off[4].y = std::nextafter(off[4].y, 5.0f);
     Outline nan = arrow;
@@ -170,7 +179,7 @@ TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
         {arrow, arrow, {0, 1, 2, 3, 4}},
         {twins, twinsWanted, {0, 2, 1, 0}},
         {{{0, 0}, {-0.0f, 0}}, {{-0.0f, -0.0f}, {0, 0}}, {0, 1}},
-        {{{1, 1}, {2, 2}, {0, 3}, {4, 0}}, {{4, -0.0f}, {-0.0f, 3}, {1, 1}, {2, 2}}, {3, 2, 0, 1}},
+        {upwards, downwards, backwards},
         {arrow, off, {}},
         {nan, nan, {}},
     };
