@@ -54,6 +54,7 @@ GLView::GLView(View* pView, const Context& context, unsigned short events)
     : _pCppView(pView)
     , _events(events)
     , _continuousRender(context.isAnimation() || pView->isContRenderMode()) // it may have been started already
+    , _isDebugged(isGLDebugWanted())
 {
     std::tie(_minFPS, _maxFPS) = context.getPreferredFrameRateRange();
 }
@@ -94,7 +95,7 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     helper.onInit();
     // onInit may have ended the view's life, and so may the log's sink.
     incomplete.pNative = nullptr;
-    if (!pNative->_isReleased && isGLDebugWanted() && pNative->makeCurrentContext())
+    if (!pNative->_isReleased && pNative->_isDebugged && pNative->makeCurrentContext())
         logGLErrors("onInit", pNative->_saidGLErrors);
     return pNative->_isReleased ? nullptr : pNative;
 }
@@ -297,7 +298,7 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     readGrabbedFrame();
     if (_pPicture != nullptr && readFrame(_screenFrameBufferID, _pSurface->getDrawableSize(), *_pPicture))
         _pPicture = nullptr;
-    if (isGLDebugWanted())
+    if (_isDebugged)
         logGLErrors("onDraw", _saidGLErrors);
     // A view at rest would never have them.
     if (FrameRecorder::instance().isOn() &&

@@ -130,6 +130,7 @@ private:
     bool _isDrawing = false;
     bool _isReleased = false;
     bool _isClosed = false;
+    const bool _isDebugged; // asked once: the environment is long
     int _nBusy = 0;
     unsigned int _saidGLErrors = 0;
     FrameRecorder::Recording _recording;

@@ -2,18 +2,11 @@
 
 #include <gui/gl/Context.h>
 #include <gui/gl/CurrentContext.h>
-#include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <string>
-#include <vector>
-
-// Every value of every enumeration is judged by what the driver then does.
+#include <iterator>
 
 namespace
 {
@@ -24,292 +17,109 @@ using gui::gl::DepthBuffer;
 using gui::gl::StencilBuffer;
 using test::Pixel;
 
-constexpr const char* cWhite = R"(#version 330 core
-out vec4 color;
-void main() { color = vec4(1.0); })";
-
-/// Covers the picture with one triangle whose pixels a fragment shader colours.
-class FullScreen : public gui::gl::Program
-{
-public:
-    explicit FullScreen(const char* fragmentShader)
-    {
-        EXPECT_TRUE(link(R"(#version 330 core
-uniform float depth;
-uniform float scale;
-void main()
-{
-    vec2 corner = vec2(gl_VertexID & 1, gl_VertexID >> 1) * 4.0 - 1.0;
-    gl_Position = vec4(corner * scale, depth, 1.0);
-})",
-                         fragmentShader));
-        glGenVertexArrays(1, &_vertexArray);
-    }
-    ~FullScreen() { glDeleteVertexArrays(1, &_vertexArray); }
-
-    void onLinked() override {}
-
-    /// @param depth  of all pixels, -1 to 1
-    /// @param scale  1 covers the picture; 0.3 puts the corners at (-0.3, -0.3), (0.9, -0.3) and (-0.3, 0.9)
-    void draw(float depth = 0, float scale = 1)
-    {
-        activate();
-        setUniformValue(static_cast<unsigned int>(getUniformLocation("depth")), depth);
-        setUniformValue(static_cast<unsigned int>(getUniformLocation("scale")), scale);
-        glBindVertexArray(_vertexArray);
-        glDrawArrays(GL_TRIANGLES, 0, 3);
-    }
-
-private:
-    GLuint _vertexArray = 0;
-};
-
 class ContextGLTest : public test::OffscreenGL
 {
 protected:
-    ContextGLTest()
-        : OffscreenGL({16, 16})
+    /// What the driver answers: one or two numbers.
+    static GLenum stateOf(GLenum name)
     {
-    }
-
-    static bool isLit() { return pixel(8, 8) == Pixel{255, 255, 255}; }
-
-    static int stencil()
-    {
-        unsigned char value = 0;
-        glReadPixels(8, 8, 1, 1, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, &value);
-        return value;
-    }
-
-    static float depth()
-    {
-        float value = 0;
-        glReadPixels(8, 8, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &value);
-        return value;
+        GLint values[2]{};
+        glGetIntegerv(name, values);
+        return static_cast<GLenum>(values[0]);
     }
 };
 
-TEST_F(ContextGLTest, DepthFunctionsPassWhatTheirNamesSay)
+// Every value of every enumeration is set and read back from the driver.
+TEST_F(ContextGLTest, EveryValueReachesItsState)
 {
-    FullScreen white(cWhite);
-    Context::enable(Context::Flag::DepthTest);
-    // nearer than, as far as, farther than what is there
-    const std::string cPasses[] = {"111", "000", "100", "010", "110", "001", "101", "011"};
-    for (unsigned char value = 0; value < 8; ++value)
+    const GLenum depthFunctions[] = {GL_ALWAYS, GL_NEVER,   GL_LESS,     GL_EQUAL,
+                                     GL_LEQUAL, GL_GREATER, GL_NOTEQUAL, GL_GEQUAL};
+    const GLenum stencilFunctions[] = {GL_NEVER,  GL_LESS,  GL_LEQUAL,   GL_GREATER,
+                                       GL_GEQUAL, GL_EQUAL, GL_NOTEQUAL, GL_ALWAYS};
+    const GLenum operations[] = {GL_KEEP, GL_ZERO, GL_REPLACE, GL_INCR, GL_INCR_WRAP, GL_DECR, GL_DECR_WRAP, GL_INVERT};
+    for (unsigned char i = 0; i < 8; ++i)
     {
-        std::string passes;
-        for (const float z : {-0.5f, 0.0f, 0.5f})
-        {
-            glDepthFunc(GL_ALWAYS);
-            white.draw();
-            glClear(GL_COLOR_BUFFER_BIT);
-            Context::setDepthBufferFunction(DepthBuffer::Function(value));
-            white.draw(z);
-            passes += isLit() ? '1' : '0';
-        }
-        EXPECT_EQ(passes, cPasses[value]) << int(value);
+        Context::setDepthBufferFunction(DepthBuffer::Function(i));
+        EXPECT_EQ(stateOf(GL_DEPTH_FUNC), depthFunctions[i]);
+        Context::setStencilBufferFunction(StencilBuffer::Function(i), i, 0x1F);
+        EXPECT_EQ(stateOf(GL_STENCIL_FUNC), stencilFunctions[i]);
+        EXPECT_EQ(stateOf(GL_STENCIL_REF), i);
+        EXPECT_EQ(stateOf(GL_STENCIL_VALUE_MASK), 0x1FU);
+        const auto operation = [i](unsigned int place) { return StencilBuffer::Operation((i + place) % 8); };
+        Context::setStencilBufferOperation(operation(0), operation(1), operation(2));
+        EXPECT_EQ(stateOf(GL_STENCIL_FAIL), operations[i]);
+        EXPECT_EQ(stateOf(GL_STENCIL_PASS_DEPTH_FAIL), operations[(i + 1) % 8]);
+        EXPECT_EQ(stateOf(GL_STENCIL_PASS_DEPTH_PASS), operations[(i + 2) % 8]);
     }
-    Context::maskDepthBuffer(false);
-    Context::setDepthBufferFunction(DepthBuffer::Function::Always);
-    white.draw(-1);
-    EXPECT_GT(depth(), 0.1f); // of the draw before
-    Context::maskDepthBuffer(true);
-    white.draw(-1);
-    EXPECT_EQ(depth(), 0);
-}
-
-TEST_F(ContextGLTest, StencilFunctionsPassWhatTheirNamesSay)
-{
-    FullScreen white(cWhite);
-    Context::enable(Context::Flag::StencilTest);
-    glClearStencil(5);
-    // reference 4, 5 and 6 compared with 5
-    const std::string cPasses[] = {"000", "100", "110", "001", "011", "010", "101", "111"};
-    for (unsigned char value = 0; value < 8; ++value)
+    const GLenum factors[] = {GL_ZERO,
+                              GL_ONE,
+                              GL_SRC_COLOR,
+                              GL_ONE_MINUS_SRC_COLOR,
+                              GL_DST_COLOR,
+                              GL_ONE_MINUS_DST_COLOR,
+                              GL_SRC_ALPHA,
+                              GL_ONE_MINUS_SRC_ALPHA,
+                              GL_DST_ALPHA,
+                              GL_ONE_MINUS_DST_ALPHA,
+                              GL_CONSTANT_COLOR,
+                              GL_ONE_MINUS_CONSTANT_COLOR,
+                              GL_CONSTANT_ALPHA,
+                              GL_ONE_MINUS_CONSTANT_ALPHA,
+                              GL_SRC_ALPHA_SATURATE,
+                              GL_SRC1_COLOR,
+                              GL_ONE_MINUS_SRC1_COLOR,
+                              GL_SRC1_ALPHA,
+                              GL_ONE_MINUS_SRC1_ALPHA};
+    for (std::size_t i = 0; i < std::size(factors); ++i)
     {
-        std::string passes;
-        for (const int ref : {0x24, 0x25, 0x26}) // the bits above the mask don't count
-        {
-            glClear(GL_COLOR_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
-            Context::setStencilBufferFunction(StencilBuffer::Function(value), ref, 0x1F);
-            white.draw();
-            passes += isLit() ? '1' : '0';
-        }
-        EXPECT_EQ(passes, cPasses[value]) << int(value);
+        const std::size_t other = (i + 1) % std::size(factors);
+        Context::setBlendFunction(Blend::Factor(i), Blend::Factor(other));
+        EXPECT_EQ(stateOf(GL_BLEND_SRC_RGB), factors[i]);
+        EXPECT_EQ(stateOf(GL_BLEND_DST_RGB), factors[other]);
     }
-}
-
-TEST_F(ContextGLTest, StencilOperationsDoWhatTheirNamesSayInEachPlace)
-{
-    FullScreen white(cWhite);
-    Context::enable(Context::Flag::StencilTest);
-    Context::enable(Context::Flag::DepthTest);
-    struct Case
+    const GLenum modes[] = {GL_FILL, GL_LINE, GL_POINT};
+    for (unsigned char i = 0; i < 3; ++i)
     {
-        int before;
-        int after[8];
-    };
-    const Case cases[] = {
-        {5, {5, 0, 9, 6, 6, 4, 4, 250}}, {255, {255, 0, 9, 255, 0, 254, 254, 0}}, {0, {0, 0, 9, 1, 1, 0, 255, 255}}};
-    const auto keep = StencilBuffer::Operation::Keep;
-    for (const Case& c : cases)
-    {
-        glClearStencil(c.before);
-        for (unsigned char value = 0; value < 8; ++value)
-        {
-            for (int place = 0; place < 3; ++place)
-            {
-                const auto operation = StencilBuffer::Operation(value);
-                Context::setStencilBufferOperation(place == 0 ? operation : keep, place == 1 ? operation : keep,
-                                                   place == 2 ? operation : keep);
-                for (int outcome = 0; outcome < 3; ++outcome)
-                {
-                    glClear(GL_STENCIL_BUFFER_BIT);
-                    Context::setStencilBufferFunction(
-                        outcome == 0 ? StencilBuffer::Function::Never : StencilBuffer::Function::Always, 9, 0xFF);
-                    Context::setDepthBufferFunction(outcome == 1 ? DepthBuffer::Function::Never
-                                                                 : DepthBuffer::Function::Always);
-                    white.draw();
-                    EXPECT_EQ(stencil(), outcome == place ? c.after[value] : c.before)
-                        << value << ' ' << place << ' ' << outcome;
-                }
-            }
-        }
+        Context::setPolygonMode(Context::PolygonMode(i));
+        EXPECT_EQ(stateOf(GL_POLYGON_MODE), modes[i]);
     }
-    glClearStencil(0);
-    glClear(GL_STENCIL_BUFFER_BIT);
+    const GLenum flags[] = {GL_DEPTH_TEST, GL_CULL_FACE,    GL_STENCIL_TEST,
+                            GL_BLEND,      GL_SCISSOR_TEST, GL_POLYGON_OFFSET_FILL};
+    for (unsigned char i = 0; i < std::size(flags); ++i)
+    {
+        Context::enable(Context::Flag(i));
+        for (const GLenum flag : flags)
+            EXPECT_EQ(glIsEnabled(flag), flag == flags[i]) << int(i);
+        Context::disable(Context::Flag(i));
+    }
     Context::setStencilBufferMask(0x0F);
-    Context::setStencilBufferOperation(StencilBuffer::Operation::Invert, StencilBuffer::Operation::Invert,
-                                       StencilBuffer::Operation::Invert);
-    white.draw();
-    EXPECT_EQ(stencil(), 0x0F);
-}
-
-using Color = std::array<double, 4>;
-
-Color oneMinus(const Color& c) { return {1 - c[0], 1 - c[1], 1 - c[2], 1 - c[3]}; }
-
-Color alphaOf(const Color& c) { return {c[3], c[3], c[3], c[3]}; }
-
-TEST_F(ContextGLTest, BlendFactorsMultiplyByWhatTheirNamesSay)
-{
-    FullScreen source(R"(#version 330 core
-layout(location = 0, index = 0) out vec4 color;
-layout(location = 0, index = 1) out vec4 color1;
-void main()
-{
-    color = vec4(51.0, 102.0, 153.0, 204.0) / 255.0;
-    color1 = vec4(229.0, 178.0, 127.0, 76.0) / 255.0;
-})");
-    const Color src{0.2, 0.4, 0.6, 0.8};
-    const Color src1{229 / 255., 178 / 255., 127 / 255., 76 / 255.};
-    const Color dst{204 / 255., 153 / 255., 51 / 255., 102 / 255.};
-    const Color constant{0.25, 0.5, 0.75, 0.4};
-    const double saturated = std::min(src[3], 1 - dst[3]);
-    const Color zero{}, one{1, 1, 1, 1}, saturate{saturated, saturated, saturated, 1};
-    std::vector<Color> factors{zero, one};
-    for (const Color& color : {src, dst, alphaOf(src), alphaOf(dst), constant, alphaOf(constant)})
-        factors.insert(factors.end(), {color, oneMinus(color)});
-    factors.push_back(saturate);
-    for (const Color& color : {src1, alphaOf(src1)})
-        factors.insert(factors.end(), {color, oneMinus(color)});
-    Context::enable(Context::Flag::Blend);
-    glBlendColor(0.25f, 0.5f, 0.75f, 0.4f);
-    for (std::size_t value = 0; value < factors.size(); ++value)
+    EXPECT_EQ(stateOf(GL_STENCIL_WRITEMASK), 0x0FU);
+    for (const bool writes : {false, true})
     {
-        for (const bool isSource : {true, false})
-        {
-            clear({204, 153, 51, 102});
-            const auto factor = Blend::Factor(value);
-            Context::setBlendFunction(isSource ? factor : Blend::Factor::Zero, isSource ? Blend::Factor::Zero : factor);
-            source.draw();
-            const Color& base = isSource ? src : dst;
-            const Pixel actual = pixel(8, 8);
-            const int channels[] = {actual.red, actual.green, actual.blue, actual.alpha};
-            for (std::size_t i = 0; i < 4; ++i)
-            {
-                // 1: the driver may round products of bytes its own way
-                EXPECT_NEAR(channels[i], base[i] * factors[value][i] * 255, 1) << value << ' ' << isSource;
-            }
-        }
-    }
-}
-
-TEST_F(ContextGLTest, ScissorMaskAndOffsetLimitWhatIsDrawn)
-{
-    FullScreen white(cWhite);
-    clear();
-    Context::setScissor(4, 2, 8, 3);
-    Context::enable(Context::Flag::ScissorTest);
-    white.draw();
-    Context::disable(Context::Flag::ScissorTest);
-    const std::tuple<int, int, bool> cases[] = {{3, 2, false},  {4, 2, true},  {11, 4, true},
-                                                {12, 4, false}, {4, 1, false}, {4, 5, false}};
-    for (const auto& [x, y, isWhite] : cases)
-        EXPECT_EQ(pixel(x, y), isWhite ? (Pixel{255, 255, 255}) : (Pixel{0, 0, 0, 0})) << x << ' ' << y;
-
-    for (int channel = 0; channel < 4; ++channel)
-    {
-        clear({0, 0, 0, 0});
-        Context::maskColorBuffer(channel == 0, channel == 1, channel == 2, channel == 3);
-        white.draw();
-        Context::maskColorBuffer(true, true, true, true);
-        const Pixel actual = pixel(8, 8);
-        EXPECT_EQ((std::array{actual.red, actual.green, actual.blue, actual.alpha})[std::size_t(channel)], 255);
-        EXPECT_EQ(actual.red + actual.green + actual.blue + actual.alpha, 255) << channel;
-    }
-
-    // Nearer by its offset, and only while that is on.
-    Context::enable(Context::Flag::DepthTest);
-    Context::setDepthBufferFunction(DepthBuffer::Function::Less);
-    Context::setPolygonOffset(0, -1000);
-    white.draw();
-    const float before = depth();
-    white.draw();
-    EXPECT_EQ(depth(), before);
-    Context::enable(Context::Flag::PolygonOffset);
-    white.draw();
-    EXPECT_LT(depth(), before);
-}
-
-TEST_F(ContextGLTest, PolygonModesFillOutlineAndDot)
-{
-    FullScreen white(cWhite);
-    int nLit[3] = {};
-    bool isInsideLit[3] = {};
-    for (unsigned char value = 0; value < 3; ++value)
-    {
-        clear();
-        Context::setPolygonMode(Context::PolygonMode(value));
-        white.draw(0, 0.3f);
-        isInsideLit[value] = isLit();
-        for (int y = 0; y < 16; ++y)
-        {
-            for (int x = 0; x < 16; ++x)
-                nLit[value] += pixel(x, y) == Pixel{255, 255, 255} ? 1 : 0;
-        }
-    }
-    EXPECT_EQ((std::vector<bool>(isInsideLit, isInsideLit + 3)), (std::vector<bool>{true, false, false}));
-    EXPECT_GT(nLit[0], nLit[1]);
-    EXPECT_GT(nLit[1], nLit[2]);
-    EXPECT_EQ(nLit[2], 3); // the corners
-}
-
-TEST_F(ContextGLTest, FlagsAndPointSizeReachTheirState)
-{
-    const GLenum capabilities[] = {GL_DEPTH_TEST, GL_CULL_FACE, GL_STENCIL_TEST, GL_BLEND};
-    for (unsigned char value = 0; value < 4; ++value)
-    {
-        Context::enable(Context::Flag(value));
-        for (unsigned char other = 0; other < 4; ++other)
-            EXPECT_EQ(glIsEnabled(capabilities[other]), other == value) << value << ' ' << int(other);
-        Context::disable(Context::Flag(value));
-        EXPECT_FALSE(glIsEnabled(capabilities[value]));
+        Context::maskDepthBuffer(writes);
+        EXPECT_EQ(stateOf(GL_DEPTH_WRITEMASK), writes);
     }
     Context::setPointSize(3);
-    float size = 0;
-    glGetFloatv(GL_POINT_SIZE, &size);
-    EXPECT_EQ(size, 3);
+    EXPECT_EQ(stateOf(GL_POINT_SIZE), 3U);
+    Context::setScissor(4, 2, 8, 3);
+    GLint box[4]{};
+    glGetIntegerv(GL_SCISSOR_BOX, box);
+    EXPECT_TRUE(std::ranges::equal(box, std::initializer_list<GLint>{4, 2, 8, 3}));
+    for (int channel = 0; channel < 4; ++channel)
+    {
+        Context::maskColorBuffer(channel == 0, channel == 1, channel == 2, channel == 3);
+        GLboolean mask[4]{};
+        glGetBooleanv(GL_COLOR_WRITEMASK, mask);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(mask[i], i == channel);
+    }
+    Context::maskColorBuffer(true, true, true, true);
+    Context::setPolygonOffset(2, -3);
+    GLfloat offset[2]{};
+    glGetFloatv(GL_POLYGON_OFFSET_FACTOR, &offset[0]);
+    glGetFloatv(GL_POLYGON_OFFSET_UNITS, &offset[1]);
+    EXPECT_EQ(offset[0], 2);
+    EXPECT_EQ(offset[1], -3);
 }
 
 // A kind that is mixed up with another deletes a neighbour's object, or nothing.
@@ -317,58 +127,50 @@ TEST_F(ContextGLTest, NamesOfEveryKindAreDeleted)
 {
     using gui::gl::CurrentContext;
     using Kind = CurrentContext::Kind;
-    struct
+    // Names are objects once they were bound.
+    const struct
     {
         Kind kind;
-        unsigned int name;
-        GLboolean (*isThere)(GLuint);
-    } objects[] = {{Kind::Buffer, 0, glIsBuffer},
-                   {Kind::Framebuffer, 0, glIsFramebuffer},
-                   {Kind::Program, glCreateProgram(), glIsProgram},
-                   {Kind::ProgramPipeline, 0, glIsProgramPipeline},
-                   {Kind::Query, 0, glIsQuery},
-                   {Kind::Renderbuffer, 0, glIsRenderbuffer},
-                   {Kind::Sampler, 0, glIsSampler},
-                   {Kind::Shader, glCreateShader(GL_VERTEX_SHADER), glIsShader},
-                   {Kind::Texture, 0, glIsTexture},
-                   {Kind::TransformFeedback, 0, glIsTransformFeedback},
-                   {Kind::VertexArray, 0, glIsVertexArray}};
-    // Names are objects once they were bound.
-    glGenBuffers(1, &objects[0].name);
-    glBindBuffer(GL_ARRAY_BUFFER, objects[0].name);
-    glGenFramebuffers(1, &objects[1].name);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, objects[1].name);
-    glGenProgramPipelines(1, &objects[3].name);
-    glBindProgramPipeline(objects[3].name);
-    glGenQueries(1, &objects[4].name);
-    glBeginQuery(GL_SAMPLES_PASSED, objects[4].name);
-    glEndQuery(GL_SAMPLES_PASSED);
-    glGenRenderbuffers(1, &objects[5].name);
-    glBindRenderbuffer(GL_RENDERBUFFER, objects[5].name);
-    glGenSamplers(1, &objects[6].name);
-    glBindSampler(0, objects[6].name);
-    glGenTextures(1, &objects[8].name);
-    glBindTexture(GL_TEXTURE_2D, objects[8].name);
-    glGenTransformFeedbacks(1, &objects[9].name);
-    glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, objects[9].name);
-    glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, 0);
-    glGenVertexArrays(1, &objects[10].name);
-    glBindVertexArray(objects[10].name);
-    for (const auto& object : objects)
+        void (*generate)(GLsizei n, GLuint* names);
+        void (*bind)(GLuint name);
+        GLboolean (*isThere)(GLuint name);
+    } kinds[] = {
+        {Kind::Buffer, glGenBuffers, [](GLuint name) { glBindBuffer(GL_ARRAY_BUFFER, name); }, glIsBuffer},
+        {Kind::Framebuffer, glGenFramebuffers, [](GLuint name) { glBindFramebuffer(GL_READ_FRAMEBUFFER, name); },
+         glIsFramebuffer},
+        {Kind::Program, [](GLsizei, GLuint* p) { *p = glCreateProgram(); }, [](GLuint) {}, glIsProgram},
+        {Kind::ProgramPipeline, glGenProgramPipelines, glBindProgramPipeline, glIsProgramPipeline},
+        {Kind::Query, glGenQueries,
+         [](GLuint name)
+         {
+             glBeginQuery(GL_SAMPLES_PASSED, name);
+             glEndQuery(GL_SAMPLES_PASSED);
+         },
+         glIsQuery},
+        {Kind::Renderbuffer, glGenRenderbuffers, [](GLuint name) { glBindRenderbuffer(GL_RENDERBUFFER, name); },
+         glIsRenderbuffer},
+        {Kind::Sampler, glGenSamplers, [](GLuint name) { glBindSampler(0, name); }, glIsSampler},
+        {Kind::Shader, [](GLsizei, GLuint* p) { *p = glCreateShader(GL_VERTEX_SHADER); }, [](GLuint) {}, glIsShader},
+        {Kind::Texture, glGenTextures, [](GLuint name) { glBindTexture(GL_TEXTURE_2D, name); }, glIsTexture},
+        {Kind::TransformFeedback, glGenTransformFeedbacks,
+         [](GLuint name) { glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, name); }, glIsTransformFeedback},
+        {Kind::VertexArray, glGenVertexArrays, glBindVertexArray, glIsVertexArray},
+    };
+    for (const auto& [kind, generate, bind, isThere] : kinds)
     {
-        EXPECT_TRUE(object.isThere(object.name)) << int(object.kind);
-        CurrentContext::deleteName(CurrentContext::getID(), object.kind, object.name);
-        EXPECT_FALSE(object.isThere(object.name)) << int(object.kind);
+        GLuint name = 0;
+        generate(1, &name);
+        bind(name);
+        EXPECT_TRUE(isThere(name)) << int(kind);
+        glBindTransformFeedback(GL_TRANSFORM_FEEDBACK, 0); // one that is bound is not deleted
+        CurrentContext::deleteName(CurrentContext::getID(), kind, name);
+        EXPECT_FALSE(isThere(name)) << int(kind);
     }
 }
 
 TEST_F(ContextGLTest, ClearTouchesTheNamedBuffersOnly)
 {
     using enum Context::Clear;
-    Context::clear(Color, "#204060"); // a colour of one's own has an alpha of its own
-    EXPECT_EQ(pixel(8, 8), (Pixel{32, 64, 96, 255}));
-    Context::clear(Color, td::Color("#20406080"));
-    EXPECT_EQ(pixel(8, 8), (Pixel{32, 64, 96, 128}));
     const std::initializer_list<Context::Clear> cases[] = {{Color}, {Depth}, {Stencil}, {Color, Stencil}, {}};
     for (const std::initializer_list<Context::Clear>& what : cases)
     {
@@ -384,9 +186,20 @@ TEST_F(ContextGLTest, ClearTouchesTheNamedBuffersOnly)
             Context::clear(what);
         const auto has = [&](Context::Clear one) { return std::find(what.begin(), what.end(), one) != what.end(); };
         EXPECT_EQ(pixel(8, 8), has(Color) ? (Pixel{255, 0, 0, 255}) : (Pixel{0, 0, 255, 10}));
-        EXPECT_EQ(depth(), has(Depth) ? 1 : 0);
-        EXPECT_EQ(stencil(), has(Stencil) ? 7 : 3);
+        float depth = 0;
+        unsigned char stencil = 0;
+        glReadPixels(8, 8, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
+        glReadPixels(8, 8, 1, 1, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, &stencil);
+        EXPECT_EQ(depth, has(Depth) ? 1 : 0);
+        EXPECT_EQ(stencil, has(Stencil) ? 7 : 3);
     }
+    Context::clear(td::ColorID::NoColor); // whose alpha is 0 in the table
+    Context::clear(Color);
+    EXPECT_EQ(pixel(8, 8), (Pixel{0, 0, 0, 255}));
+    Context::clear(Color, "#204060"); // a colour of one's own has an alpha of its own
+    EXPECT_EQ(pixel(8, 8), (Pixel{32, 64, 96, 255}));
+    Context::clear(Color, td::Color("#20406080"));
+    EXPECT_EQ(pixel(8, 8), (Pixel{32, 64, 96, 128}));
 }
 
 } // namespace

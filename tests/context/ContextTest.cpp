@@ -4,8 +4,6 @@
 #include <gui/gl/Context.h>
 #include <gui/gl/Textures.h>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,34 +17,7 @@ using gui::gl::StencilBuffer;
 using gui::gl::Texture;
 using gui::gl::Textures;
 
-TEST(ContextSettings, SizesAreCodedInPairs)
-{
-    const unsigned char cBits[] = {0, 0, 8, 8, 16, 16, 24, 24, 32, 32, 0, 0};
-    for (unsigned char value = 0; value < 12; ++value)
-    {
-        const Context context(DepthBuffer::Size(value), StencilBuffer::Size(value ^ 1), Context::Profile::Core41);
-        EXPECT_EQ(context.getDepthBufferSize(), cBits[value]) << int(value);
-        EXPECT_EQ(context.getStencilBufferSize(), cBits[value ^ 1]) << int(value);
-    }
-    EXPECT_EQ(Context(DepthBuffer::Size(255), StencilBuffer::Size(255), {}).getDepthBufferSize(), 0);
-}
-
-class ContextState : public test::NullGL
-{
-};
-
-// The rest is judged by what the driver does.
-TEST_F(ContextState, TableValuesThatAreEasilyTakenForOthers)
-{
-    using enum Context::Clear;
-    Context::clear({Stencil, Stencil});
-    Context::clear(td::ColorID::NoColor); // whose alpha is 0 in the table
-    Context::setActiveTextureUnit(Textures::Unit::T31);
-    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type::CubeMap);
-    Context::bindTextureToCurrentlyActiveTextureUnit(7, Texture::Type::CubeStrip);
-    EXPECT_TRUE(trace.only({"glClear(0x400)", "glClearColor(0, 0, 0, 1)", "glActiveTexture(0x84df)",
-                            "glBindTexture(0x8513, 7)", "glBindTexture(0xde1, 7)"}));
-}
+using ContextState = test::NullGL;
 
 // A value outside a table must not read past it, and no call may be made of half of it.
 TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
@@ -80,9 +51,9 @@ TEST_F(ContextState, ValuesOutsideTheTablesAreRefused)
     {
         refused.call();
         EXPECT_TRUE(asserts.caught(refused.condition));
-        EXPECT_EQ(asserts.lastFile(), td::cAssertReports ? "src/context/Context.cpp" : "");
     }
     EXPECT_TRUE(trace.only({}));
+    EXPECT_EQ(Context(DepthBuffer::Size(255), StencilBuffer::Size(255), {}).getDepthBufferSize(), 0);
 }
 
 } // namespace

@@ -1,29 +1,17 @@
-#include "support/CaughtAsserts.h"
-#include "support/GLTrace.h"
-#include "support/Images.h"
+#include "support/NullGL.h"
 
-#include <gui/gl/Buffer.h>
 #include <gui/gl/Command.h>
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Program.h>
-#include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
 #include <gtest/gtest-spi.h>
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace
 {
 
 using gui::gl::CurrentContext;
 using test::GLTrace;
-
-struct TintProgram : gui::gl::Program
-{
-    void onLinked() override { _color3Location = 0; }
-};
 
 /// Two contexts that share nothing, known by the addresses of these.
 class CurrentContextTest : public testing::Test
@@ -35,66 +23,11 @@ protected:
         CurrentContext::died(&b);
     }
 
-    std::unique_ptr<gui::gl::Buffer> committedBuffer()
-    {
-        auto buffer = std::make_unique<gui::gl::Buffer>();
-        const float point[] = {0, 0};
-        buffer->init(0, 1, 0, {gui::gl::DataType::Vec2});
-        buffer->appendVertices(point, 1);
-        EXPECT_TRUE(buffer->commit());
-        return buffer;
-    }
-
     GLTrace trace{GLTrace::Null};
     test::CaughtAsserts asserts;
     char a = 0;
     char b = 0;
 };
-
-TEST_F(CurrentContextTest, NamesDieWithTheirContext)
-{
-    CurrentContext::set(&a);
-    auto waiting = committedBuffer();
-    auto owned = committedBuffer();
-    CurrentContext::set(nullptr);
-    waiting.reset();
-    CurrentContext::died(&a);
-    trace.clear();
-    CurrentContext::set(&a); // the window system may use an address again
-    owned.reset();
-    EXPECT_TRUE(trace.only({}));
-}
-
-// What was uploaded to a context that died must not be drawn from in the next, where its names are somebody else's.
-TEST_F(CurrentContextTest, ObjectsKnowThatTheyAreNotInTheNextContext)
-{
-    CurrentContext::set(&a);
-    auto buffer = committedBuffer();
-    TintProgram program;
-    ASSERT_TRUE(program.link("v", "f"));
-    gui::gl::Textures textures;
-    gui::Texture image = test::image(1, 1, 3);
-    ASSERT_TRUE(textures.append({&image}, gui::gl::Texture::Type::Tex2D));
-    program.setTextures(&textures);
-    CurrentContext::died(&a);
-    CurrentContext::set(&b);
-    trace.clear();
-    EXPECT_FALSE(buffer->isCommitted());
-    EXPECT_FALSE(buffer->isAddOnCommitted());
-    buffer->activate();
-    EXPECT_TRUE(asserts.caught("CurrentContext::isAlive(_contextID)"));
-    EXPECT_FALSE(program.isOK());
-    program.activate();
-    EXPECT_TRUE(trace.only({"glUseProgram(0)"}));
-    textures.setActive(gui::gl::Textures::Unit::T0, 0);
-    EXPECT_TRUE(asserts.caught("textureID != 0"));
-    EXPECT_EQ(trace.count("glBindTexture"), 0u);
-
-    EXPECT_TRUE(buffer->commit());
-    EXPECT_EQ(trace.count("glBufferData"), 1u);
-    EXPECT_TRUE(textures.append({&image}, gui::gl::Texture::Type::Tex2D));
-    EXPECT_EQ(textures.size(), 1u);
-}
 
 TEST_F(CurrentContextTest, DyingWhileCurrentLeavesNoneCurrent)
 {
@@ -122,7 +55,7 @@ TEST_F(CurrentContextTest, TheNullGLKnowsWhichNamesLive)
 TEST_F(CurrentContextTest, AnotherContextHasNoCurrentProgramYet)
 {
     CurrentContext::set(&a);
-    TintProgram program;
+    test::ColorProgram program;
     ASSERT_TRUE(program.link("v", "f"));
     gui::gl::Command command;
     command.createDrawArrays(gui::gl::Primitive::Triangles, 0, 3);

@@ -13,9 +13,7 @@ namespace
 
 using test::Pixel;
 
-class OffscreenGLTest : public test::OffscreenGL
-{
-};
+using OffscreenGLTest = test::OffscreenGL;
 
 // Without this the checks of every other driver test could be asleep.
 TEST_F(OffscreenGLTest, NoticesWhatTheDriverComplainsOf)

@@ -13,7 +13,6 @@
 #include <glm/ext/matrix_transform.hpp>
 #include <glm/geometric.hpp>
 #include <glm/trigonometric.hpp>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
@@ -63,20 +62,19 @@ bool isDark(const Pixel& p) { return std::max({p.red, p.green, p.blue}) < 20; }
 // A texture that hangs the wrong way round, or begins at another meridian, shows another place.
 TEST_F(GlobeTest, PlacesLieWhereTheyAre)
 {
-    struct Case
+    const struct
     {
         const char* name;
         Place place;
         bool (*isRight)(const Pixel&);
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"Sahara", {10, 24}, isSand},     {"Australia", {128, -24}, isSand},    {"South Pacific", {-128, -24}, isWater},
         {"Congo", {22, -1}, isForest},    {"mid-Atlantic", {-22, -1}, isWater}, {"Greenland", {-42, 74}, isIce},
         {"Antarctica", {60, -82}, isIce},
     };
     Earth earth;
     ASSERT_TRUE(earth.init());
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
         clear();
         earth.drawSurface(lookAt(c.place, c.place));
@@ -132,17 +130,16 @@ TEST_F(GlobeTest, LargeCountriesInFrontHaveNames)
 TEST(OrbitTest, EyesStayOutsideOfTheAirAndInSight)
 {
     Orbit orbit;
-    struct Case
+    const struct
     {
         vec3 before, after;
         float radius;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{0, 0, 2}, {0, 0, 1.9F}, 1.9F},         {{0, 0, 1.2F}, {0, 0, 1.05F}, Orbit::cLowest},
         {{0, 0, 2}, {0, 0, -2}, Orbit::cLowest}, {{0, 8, 3}, {0, 12, 3}, Orbit::cHighest},
         {{0, 0, 1.5F}, {0, 0, 0}, 1.5F},         {{2, 0, 1}, {-2, 0, 1}, Orbit::cLowest},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
         const vec3 limited = orbit.limit(c.before, c.after);
         EXPECT_NEAR(glm::length(limited), c.radius, 1e-4F);

@@ -1,6 +1,5 @@
 #include "World.h"
 
-#include "support/GLTrace.h"
 #include "support/OffscreenGL.h"
 
 #include <worldmap/Coloring.h>
@@ -193,27 +192,6 @@ TEST_F(WorldmapLabelsTest, TheLegendTellsLengthsAndPlaces)
     }
     legend.draw(outlookAt(Projection::Mercator, 60, {0, 0}), std::nullopt, "");
     EXPECT_EQ(legend.getPlaceText(), "");
-}
-
-// Text that is laid out again is uploaded again.
-TEST_F(WorldmapLabelsTest, TextIsLaidOutOnlyWhenSomethingChanged)
-{
-    const Outlook outlook = outlookAt(Projection::Mercator, 14, {14, 51}),
-                  moved = outlookAt(Projection::Mercator, 14, {15, 51});
-    const td::Point<double> pointer(300, 100);
-    const auto drawAll = [&](const Outlook& now, const td::Point<double>& place)
-    {
-        test::GLTrace trace(test::GLTrace::Forward);
-        draw(now);
-        const std::size_t nLabels = trace.count("glBufferData");
-        legend.draw(now, place, "Germany");
-        return std::pair(nLabels > 0, trace.count("glBufferData") > nLabels);
-    };
-    EXPECT_EQ(drawAll(outlook, pointer), std::pair(true, true));
-    EXPECT_EQ(drawAll(outlook, pointer), std::pair(false, false));
-    EXPECT_EQ(drawAll(outlook, {301, 100}), std::pair(false, true));
-    EXPECT_EQ(drawAll(moved, {301, 100}), std::pair(true, true));
-    EXPECT_EQ(drawAll(moved, {301, 100}), std::pair(false, false));
 }
 
 } // namespace

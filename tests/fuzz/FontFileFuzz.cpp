@@ -11,8 +11,6 @@ using fuzz::require;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
 {
-    static fuzz::MemoryFile s_file;
-    s_file.write(bytes, n);
     fuzz::Quiet quiet;
     gui::gl::Text text;
     text.allocFonts(1);
@@ -22,7 +20,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     bool isRead = false;
     try
     {
-        isRead = font.loadBinaryData(s_file.path(), image, metricC);
+        isRead = font.loadBinaryData(fuzz::fileOf(bytes, n), image, metricC);
         require(isRead || quiet.nLines == 1, "a line says why a file was refused");
     }
     catch (const std::ios_base::failure&)

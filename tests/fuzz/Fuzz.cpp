@@ -20,19 +20,13 @@ void require(bool holds, const char* text)
     std::abort();
 }
 
-MemoryFile::MemoryFile()
-    : _descriptor(memfd_create("input", MFD_CLOEXEC))
-    , _path("/proc/self/fd/" + std::to_string(_descriptor))
+const char* fileOf(const void* bytes, std::size_t n)
 {
-    require(_descriptor >= 0, "a file in memory");
-}
-
-MemoryFile::~MemoryFile() { close(_descriptor); }
-
-void MemoryFile::write(const std::uint8_t* bytes, std::size_t n)
-{
-    require(ftruncate(_descriptor, 0) == 0 && pwrite(_descriptor, bytes, n, 0) == static_cast<ssize_t>(n),
+    static const int s_descriptor = memfd_create("input", MFD_CLOEXEC);
+    static const std::string s_path = "/proc/self/fd/" + std::to_string(s_descriptor);
+    require(ftruncate(s_descriptor, 0) == 0 && pwrite(s_descriptor, bytes, n, 0) == static_cast<ssize_t>(n),
             "a file in memory is written");
+    return s_path.c_str();
 }
 
 Quiet::Quiet()

@@ -57,22 +57,8 @@ private:
     const std::uint8_t* _end;
 };
 
-/// A file without a place on the disk that holds an input.
-class MemoryFile
-{
-public:
-    MemoryFile();
-    ~MemoryFile();
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    void write(const std::uint8_t* bytes, std::size_t n);
-    const char* path() const { return _path.c_str(); }
-
-private:
-    int _descriptor;
-    std::string _path;
-};
+/// A file without a place on the disk that holds these bytes until the next call. @return its path
+const char* fileOf(const void* bytes, std::size_t n);
 
 /// While it lives, assertions that fail and lines of the log are counted, and nothing is written or stopped.
 class Quiet

@@ -43,12 +43,7 @@ void GLWorld::ProgramObject::onLinked()
 
 GLWorld::GLWorld()
 {
-    for (BufferSlot& slot : _buffers)
-        slot.object.emplace();
-    for (ProgramSlot& slot : _programs)
-        slot.object.emplace();
-    for (TextureSlot& slot : _textures)
-        slot.object.emplace();
+    forEachSlot([](auto& slot) { slot.object.emplace(); });
     _list.emplace();
     makeCurrent(1);
 }
@@ -94,6 +89,8 @@ void GLWorld::check()
     }
     for (const BufferSlot& slot : _buffers)
         require(slot.object->isCommitted() == slot.isCommitted, "a buffer's state");
+    for (const ProgramSlot& slot : _programs)
+        require(slot.object->isOK() == (slot.context != 0 && slot.context != cGone), "a program's state");
     for (std::size_t i = 0; i <= _buffers.size(); ++i)
         require(listOf(i).size() == plainListOf(i).n, "a list's commands");
 }
@@ -102,12 +99,7 @@ void GLWorld::check()
 void GLWorld::end()
 {
     _list.reset();
-    for (BufferSlot& slot : _buffers)
-        slot.object.reset();
-    for (ProgramSlot& slot : _programs)
-        slot.object.reset();
-    for (TextureSlot& slot : _textures)
-        slot.object.reset();
+    forEachSlot([](auto& slot) { slot.object.reset(); });
     for (unsigned int context = 1; context <= cContexts; ++context)
         if (_isAlive[context])
             makeCurrent(context);
@@ -134,17 +126,13 @@ void GLWorld::endContext(unsigned int context)
     _gl.destroy(context);
     // Its names are of no use any more.
     for (BufferSlot& slot : _buffers)
-        if (slot.context == context)
+        slot.isCommitted = slot.isCommitted && slot.context != context;
+    forEachSlot(
+        [context](auto& slot)
         {
-            slot.context = cGone;
-            slot.isCommitted = false;
-        }
-    for (ProgramSlot& slot : _programs)
-        if (slot.context == context)
-            slot.context = cGone;
-    for (TextureSlot& slot : _textures)
-        if (slot.context == context)
-            slot.context = cGone;
+            if (slot.context == context)
+                slot.context = cGone;
+        });
 }
 
 void GLWorld::changeContext(Input& input)
@@ -438,10 +426,14 @@ void GLWorld::draw(Input& input)
     BufferSlot& buffer = _buffers[i < 3 ? i : input.below(3)];
     ProgramSlot& program = _programs[input.below(2)];
     const std::size_t first = input.below(8), count = input.below(8);
-    if (!canDraw(plainListOf(i), buffer, program))
+    // What its context took with it is refused, and leaves the names alone that are others' now.
+    const auto mayBeActivated = [this](unsigned int context) { return context == _current || context > cContexts; };
+    if (_current == 0 || !mayBeActivated(program.context) || !mayBeActivated(buffer.context))
         return;
     program.object->activate();
     buffer.object->activate();
+    if (!canDraw(plainListOf(i), buffer, program))
+        return buffer.object->deActivate();
     count == 0 ? listOf(i).execute() : listOf(i).execute(first, count);
     buffer.object->deActivate();
 }

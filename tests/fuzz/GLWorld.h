@@ -7,6 +7,7 @@
 #include <gui/gl/Program.h>
 #include <gui/gl/Textures.h>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -58,6 +59,14 @@ private:
         std::optional<gui::gl::Textures> object;
         unsigned int context = 0;
     };
+
+    template <typename Act>
+    void forEachSlot(const Act& act)
+    {
+        std::ranges::for_each(_buffers, act);
+        std::ranges::for_each(_programs, act);
+        std::ranges::for_each(_textures, act);
+    }
 
     void doNext(Input& input);
     void changeContext(Input& input);

@@ -104,12 +104,10 @@ private:
 
     void load()
     {
-        static fuzz::MemoryFile s_file;
         const std::string bytes = _plain.file.bytes();
-        s_file.write(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
         gui::Image::_data image;
         float metricC = 0;
-        require(font().loadBinaryData(s_file.path(), image, metricC), "a font is read");
+        require(font().loadBinaryData(fuzz::fileOf(bytes.data(), bytes.size()), image, metricC), "a font is read");
     }
 
     void loadAnother()

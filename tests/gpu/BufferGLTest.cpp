@@ -3,8 +3,6 @@
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Program.h>
 
-#include <gtest/gtest.h>
-
 namespace
 {
 

@@ -7,7 +7,6 @@
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <random>
 #include <string>
@@ -22,6 +21,7 @@ using gui::gl::Command;
 using gui::gl::CommandList;
 using gui::gl::Primitive;
 using gui::gl::Textures;
+using test::ColorProgram;
 
 static_assert(!std::is_copy_constructible_v<CommandList> && !std::is_copy_assignable_v<CommandList>);
 
@@ -73,22 +73,6 @@ TEST_F(CommandListTest, ExecutesAllOrARange)
     EXPECT_TRUE(trace.only(draws({0, 1, 2, 3, 4})));
 }
 
-TEST_F(CommandListTest, RemovesTheLastWhicheverIsPassed)
-{
-    CommandList list(3);
-    EXPECT_TRUE(list.remove(nullptr)); // an empty list stays empty
-    Command* pFirst = list.get();
-    list.get();
-    list.get();
-    EXPECT_TRUE(list.remove(pFirst));
-    EXPECT_EQ(list.size(), 2u);
-    EXPECT_FALSE(list.encode(pFirst)); // never created: what cannot be encoded costs the last one
-    EXPECT_TRUE(asserts.caught("false"));
-    EXPECT_EQ(list.size(), 1u);
-    list.reserve(3);
-    EXPECT_EQ(list.size(), 0u);
-}
-
 TEST_F(CommandListTest, MatricesComeAgainAfterReset)
 {
     CommandList list;
@@ -99,15 +83,6 @@ TEST_F(CommandListTest, MatricesComeAgainAfterReset)
     list.release();
     *list.allocMatrix() = glm::mat4(1);
 }
-
-struct ColorProgram : gui::gl::Program
-{
-    void onLinked() override
-    {
-        _color3Location = 3;
-        _color4Location = 4;
-    }
-};
 
 /// Fills a command at random, of few kinds and values so that runs of equal ones are frequent.
 void fill(Command& command, std::mt19937& random, unsigned int first)

@@ -8,7 +8,6 @@
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
@@ -26,19 +25,10 @@ namespace
 using gui::gl::Command;
 using gui::gl::Primitive;
 using gui::gl::Textures;
+using test::ColorProgram;
 using Type = Command::Type;
 using SubType = Command::DrawSubType;
 using Uniform = Command::_additinalUniform;
-
-struct TestProgram : gui::gl::Program
-{
-    void onLinked() override
-    {
-        _color3Location = 3;
-        _color4Location = 4;
-        _matrixLocation = 16;
-    }
-};
 
 Command triangles(unsigned int count = 3)
 {
@@ -50,7 +40,7 @@ Command triangles(unsigned int count = 3)
 class CommandTest : public test::NullGL
 {
 protected:
-    void activate(TestProgram& program)
+    void activate(ColorProgram& program)
     {
         ASSERT_TRUE(program.link("vs", "fs"));
         program.activate();
@@ -58,7 +48,7 @@ protected:
     }
 
     /// The RGBA colour that a command sends to a program that has none yet.
-    static std::array<float, 4> sentBy(Command command, TestProgram& program)
+    static std::array<float, 4> sentBy(Command command, ColorProgram& program)
     {
         static std::array<float, 4> s_sent;
         s_sent = {};
@@ -103,23 +93,20 @@ TEST_F(CommandTest, EachKindDrawsEachPrimitive)
 
 TEST_F(CommandTest, PointsAndPatchesSetTheirSizeFirst)
 {
-    Command command;
-    command.createDrawArrayPoints(5, 6, 2.5f);
-    EXPECT_EQ(callsOf(command), (Calls{"glPointSize(2.5)", "glDrawArrays(0, 5, 6)"}));
-    command.reset();
-    command.createDrawElementPoints(5, 6, 0.5f);
-    EXPECT_EQ(callsOf(command), (Calls{"glPointSize(0.5)", "glDrawElements(0, 6, 0x1405, 20)"}));
-    command.reset();
-    command.createDrawArrayPatches(0, 9, 3);
-    EXPECT_EQ(callsOf(command), (Calls{"glPatchParameteri(0x8e72, 3)", "glDrawArrays(14, 0, 9)"}));
-    command.reset();
-    command.createDrawElementPatches(2, 8, 4);
-    EXPECT_EQ(callsOf(command), (Calls{"glPatchParameteri(0x8e72, 4)", "glDrawElements(14, 8, 0x1405, 8)"}));
+    Command points, indexedPoints, patches, indexedPatches;
+    points.createDrawArrayPoints(5, 6, 2.5f);
+    EXPECT_EQ(callsOf(points), (Calls{"glPointSize(2.5)", "glDrawArrays(0, 5, 6)"}));
+    indexedPoints.createDrawElementPoints(5, 6, 0.5f);
+    EXPECT_EQ(callsOf(indexedPoints), (Calls{"glPointSize(0.5)", "glDrawElements(0, 6, 0x1405, 20)"}));
+    patches.createDrawArrayPatches(0, 9, 3);
+    EXPECT_EQ(callsOf(patches), (Calls{"glPatchParameteri(0x8e72, 3)", "glDrawArrays(14, 0, 9)"}));
+    indexedPatches.createDrawElementPatches(2, 8, 4);
+    EXPECT_EQ(callsOf(indexedPatches), (Calls{"glPatchParameteri(0x8e72, 4)", "glDrawElements(14, 8, 0x1405, 8)"}));
 }
 
 TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     Command red = triangles();
     red.setColor(td::ColorID::Red);
@@ -166,7 +153,7 @@ TEST_F(CommandTest, ColorsAreSentWhenTheyDiffer)
 // A channel times 1/255 is often not the channel over 255.
 TEST_F(CommandTest, ColorsAreExactQuotients)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     for (int i = 0; i < 256; ++i)
     {
@@ -182,7 +169,7 @@ TEST_F(CommandTest, ColorsAreExactQuotients)
 
 TEST_F(CommandTest, AlphaIsCutToAByte)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     const std::pair<float, int> cases[] = {{0.5f, 127},   {1.0f, 255}, {-0.5f, 0},   {-1e30f, 0},       {0.0f, 0},
                                            {0.999f, 254}, {2.0f, 254}, {1e30f, 255}, {std::nanf(""), 0}};
@@ -196,7 +183,7 @@ TEST_F(CommandTest, AlphaIsCutToAByte)
 
 TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
 {
-    TestProgram program;
+    ColorProgram program;
     gui::Texture dot = test::image(1, 1, 3);
     Textures textures;
     for (int i = 0; i < 201; ++i)
@@ -248,7 +235,10 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
 
 TEST_F(CommandTest, WithoutACurrentProgramNothingIsSentOrDrawn)
 {
-    gui::gl::Program::useNone();
+    {
+        ColorProgram program; // that is no more
+        activate(program);
+    }
     trace.clear();
     const glm::mat4 matrix(1);
     Command color = triangles(), alpha = triangles(), texture = triangles(), mvp;
@@ -287,7 +277,7 @@ TEST_F(CommandTest, InstancesAreGivenToPlainDraws)
 
 TEST_F(CommandTest, MatricesAreReadAtEachExecution)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     glm::mat4 matrix(1);
     Command command;
@@ -300,7 +290,7 @@ TEST_F(CommandTest, MatricesAreReadAtEachExecution)
 
 TEST_F(CommandTest, FurtherUniformsFollowTheMatrix)
 {
-    TestProgram program;
+    ColorProgram program;
     activate(program);
     const glm::mat4 matrix(1);
     struct Case

@@ -4,7 +4,6 @@
 #include <gui/gl/FrameLedger.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 namespace
 {

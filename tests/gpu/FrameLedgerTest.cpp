@@ -7,7 +7,6 @@
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -28,15 +27,10 @@ protected:
     }
 };
 
-struct ColorProgram : gui::gl::Program
-{
-    void onLinked() override { _color3Location = 3; }
-};
-
 TEST_F(FrameLedgerTest, AFrameAtRestUploadsNothing)
 {
     gui::gl::Buffer buffer{DataType::Vec2};
-    ColorProgram program;
+    test::ColorProgram program;
     const float corners[12] = {};
     buffer.appendVertices(corners, 6);
     for (const td::ColorID color : {td::ColorID::Red, td::ColorID::Red, td::ColorID::Blue})

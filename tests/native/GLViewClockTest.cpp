@@ -1,7 +1,5 @@
 #include "GLViewFixture.h"
 
-#include <gtest/gtest.h>
-
 namespace
 {
 
@@ -63,23 +61,6 @@ TEST_F(GLViewClockTest, AnAnimatedContextStartsItWithTheWindow)
         EXPECT_LE(nClocks, 1);
     }
     EXPECT_EQ(nClocks, 1);
-}
-
-TEST_F(GLViewClockTest, NoNextFrameEndsTheAnimationAfterThisOne)
-{
-    RecordingView view(window);
-    GLView* const pNative = show(view, 0, true);
-    pNative->onFrameTick();
-    EXPECT_TRUE(journal.said({"prepareNextFrame", "onDraw 0 0 200 100", "flush"}));
-    view.hasNextFrame = false;
-    pNative->onFrameTick();
-    EXPECT_TRUE(journal.said({"prepareNextFrame", "clock stops", "onDraw 0 0 200 100", "flush"}));
-    EXPECT_FALSE(view.isAnimated());
-    pNative->drawNow();
-    EXPECT_TRUE(journal.said({"onDraw 0 0 200 100", "flush"}));
-    pNative->leftWindow();
-    pNative->enteredWindow();
-    EXPECT_FALSE(pNative->hasFrameClock());
 }
 
 TEST_F(GLViewClockTest, NothingStartsItAgainAfterCleanUp)

@@ -1,7 +1,39 @@
 #include "GLViewFixture.h"
 
+#include <sstream>
+
 namespace test
 {
+
+void RecordingView::hear(const std::string& line)
+{
+    _window.journal.note(line + (_window.isCurrent() ? "" : " in another context"));
+}
+
+bool RecordingView::prepareNextFrame()
+{
+    note("prepareNextFrame");
+    return true;
+}
+
+void RecordingView::onDraw(const td::RectNormalized<double>& rect)
+{
+    note("onDraw", inWords({rect.left, rect.top, rect.right, rect.bottom}));
+}
+
+void RecordingView::onGeometryChange(const td::PointAndSize<double>& geometry)
+{
+    const auto& [point, size] = geometry;
+    note("onGeometryChange", inWords({point.x, point.y, size.width, size.height}));
+}
+
+std::string RecordingView::inWords(std::initializer_list<double> numbers)
+{
+    std::ostringstream words;
+    for (const double number : numbers)
+        words << ' ' << number;
+    return words.str();
+}
 
 gui::gl::Context GLViewFixture::context(bool isAnimated)
 {

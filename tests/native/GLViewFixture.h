@@ -1,13 +1,37 @@
 #pragma once
 
-#include "RecordingView.h"
 #include "support/CapturedLog.h"
 #include "support/CaughtAsserts.h"
-
-#include <gtest/gtest.h>
+#include "support/EventView.h"
+#include "support/FakeSurface.h"
 
 namespace test
 {
+
+/// A view that notes each of its callbacks in its window's journal, and complains there when its context is not
+/// current.
+class RecordingView : public EventView
+{
+public:
+    explicit RecordingView(FakeWindow& window)
+        : _window(window)
+    {
+    }
+
+protected:
+    void hear(const std::string& line) override;
+    void onInit() override { note("onInit"); }
+    void cleanResources() override { note("cleanResources"); }
+    bool prepareNextFrame() override;
+    void onDraw(const td::RectNormalized<double>& rect) override;
+    void onGeometryChange(const td::PointAndSize<double>& geometry) override;
+    void onResize(const td::Size<double>& size) override { note("onResize", inWords({size.width, size.height})); }
+
+private:
+    static std::string inWords(std::initializer_list<double> numbers);
+
+    FakeWindow& _window;
+};
 
 /// A view in a fake window, on a null GL.
 class GLViewFixture : public testing::Test

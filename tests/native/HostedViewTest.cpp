@@ -11,8 +11,6 @@
 
 #include <epoxy/gl.h>
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstdio>
 #include <memory>
@@ -46,6 +44,14 @@ struct Host
             glBindFramebuffer(GL_FRAMEBUFFER, framebuffers[i]);
             glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, textures[i], 0);
         }
+    }
+
+    ~Host()
+    {
+        EXPECT_TRUE(context.makeCurrent());
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        glDeleteFramebuffers(2, framebuffers.data());
+        glDeleteTextures(2, textures.data());
     }
 
     GLuint current() const { return framebuffers[nFrames % 2]; }
@@ -145,10 +151,6 @@ TEST_F(HostedViewTest, EachFrameGoesIntoTheFramebufferOfThatFrame)
 
     pNative->windowClosed();
     host.paint(*pNative);
-    EXPECT_TRUE(context().makeCurrent()) << "the host's context is the host's";
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glDeleteFramebuffers(2, host.framebuffers.data());
-    glDeleteTextures(2, host.textures.data());
 }
 
 // A picture is of the frame's own framebuffer, upright, and without holes where something was blended.
@@ -188,10 +190,6 @@ TEST_F(HostedViewTest, PicturesAreWholeAndUpright)
     EXPECT_FALSE(view.savePicture(path.c_str()));
     EXPECT_TRUE(log.said("Error! View::savePicture there is no frame to save: " + path));
     std::remove(path.c_str());
-    context().makeCurrent();
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glDeleteFramebuffers(2, host.framebuffers.data());
-    glDeleteTextures(2, host.textures.data());
 }
 
 } // namespace

@@ -37,7 +37,7 @@ void DesktopFixture::show(gui::Window& window, RecordingView& view, const char* 
     const XServer::Place area = desktop().area(place);
     ASSERT_TRUE(corner.x >= area.x && corner.x < area.x + area.width);
     scale = desktop().scale(place);
-    view.forgetLines();
+    view.lines.clear();
 }
 
 testing::AssertionResult DesktopFixture::showsItsFrame(RecordingView& view)

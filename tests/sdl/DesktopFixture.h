@@ -9,8 +9,6 @@
 #include <gui/Application.h>
 #include <gui/Window.h>
 
-#include <gtest/gtest.h>
-
 #include <string>
 
 namespace test

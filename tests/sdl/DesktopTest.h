@@ -16,7 +16,7 @@ protected:
         xdo(at(40, 30));
         ASSERT_TRUE(view.hasHeard({"enter 40,30"}));
     }
-    void TearDown() override { EXPECT_FALSE(view.isContextWrong || view.isPictureWrong); }
+    void TearDown() override { EXPECT_FALSE(view.isWrong); }
 
     RecordingView view;
     gui::Window window{"Window", {200, 150}};

@@ -3,11 +3,11 @@
 #include "WaitInLoop.h"
 #include "support/Lines.h"
 
+#include <gui/Texture.h>
+
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <sstream>
 #include <utility>
 
 namespace test
@@ -15,32 +15,6 @@ namespace test
 
 namespace
 {
-
-std::string modifierText(unsigned int modifiers)
-{
-    constexpr std::pair<gui::KeyModifier, const char*> cNames[] = {
-        {gui::KeyModifier::Shift, "+Shift"}, {gui::KeyModifier::CapsLock, "+Caps"}, {gui::KeyModifier::Ctrl, "+Ctrl"},
-        {gui::KeyModifier::Alt, "+Alt"},     {gui::KeyModifier::Cmd, "+Cmd"},       {gui::KeyModifier::Fn, "+Fn"}};
-    std::string text;
-    for (const auto& [modifier, name] : cNames)
-        if (gui::isKeyModifierPressed(modifiers, modifier))
-            text += name;
-    return text;
-}
-
-std::string keyText(const gui::Key& key)
-{
-    std::ostringstream text;
-    constexpr char cLastControl = 31;
-    if (key.isVirtual())
-        text << "key virtual " << static_cast<int>(key.getVirtual()) << " code " << key.getCode();
-    else if (key.isASCII() && key.getChar() > cLastControl)
-        text << "key '" << key.getChar() << "'";
-    else
-        text << "key " << key.getCode();
-    text << modifierText(key.getModifiers());
-    return text.str();
-}
 
 // From bytes of red, green, blue and alpha, the bottom row first.
 Screenshot toScreenshot(int width, int height, const unsigned char* bytes)
@@ -65,11 +39,10 @@ void fill(int x, int y, int width, int height, std::uint32_t color)
 
 } // namespace
 
-RecordingView::~RecordingView() = default;
-
 void RecordingView::create(gui::gl::Context::Animation animation, const td::Size<double>& size)
 {
     using enum gui::InputDevice::Event;
+    handles = true;
     const td::PointAndSize<double> geometry({0, 0}, size);
     createContext(
         gui::gl::Context(animation, gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
@@ -97,7 +70,7 @@ Screenshot grabFrame(gui::gl::View& view)
 Screenshot RecordingView::readPixels()
 {
     Screenshot picture;
-    onFrame = [&picture]
+    in["onDraw"] = [&picture]
     {
         int viewport[4]{};
         glGetIntegerv(GL_VIEWPORT, viewport);
@@ -107,17 +80,15 @@ Screenshot RecordingView::readPixels()
     };
     reRender();
     waitInLoop([&] { return picture.width != 0; });
-    onFrame = nullptr;
+    in.erase("onDraw");
     return picture;
 }
 
-void RecordingView::checkContext()
+void RecordingView::hear(const std::string& line)
 {
-    if (gui::gl::CurrentContext::getID() != _context)
-        isContextWrong = true;
+    checkContext();
+    lines.push_back(line);
 }
-
-void RecordingView::onInit() { _context = gui::gl::CurrentContext::getID(); }
 
 void RecordingView::onDraw(const td::RectNormalized<double>&)
 {
@@ -140,9 +111,8 @@ void RecordingView::onDraw(const td::RectNormalized<double>&)
     unsigned char corner[4]{};
     glReadPixels(width - 1, height - 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, corner);
     if ((static_cast<std::uint32_t>(corner[0] << 16 | corner[1] << 8 | corner[2])) != cTopRight)
-        isPictureWrong = true;
-    if (onFrame)
-        onFrame();
+        isWrong = true;
+    act("onDraw");
 }
 
 void RecordingView::onResize(const td::Size<double>& size)
@@ -155,57 +125,7 @@ void RecordingView::cleanResources()
 {
     checkContext();
     ++nCleanUps;
-    if (onCleanUp)
-        onCleanUp();
-}
-
-void RecordingView::add(const std::string& what, const gui::InputDevice& device)
-{
-    checkContext();
-    std::ostringstream text;
-    const td::Point<double>& point = device.getFramePoint();
-    text << what << ' ' << point.x << ',' << point.y;
-    const gui::InputDevice::Button button = device.getButton();
-    const bool isClick = !what.starts_with("drag") &&
-                         (button == gui::InputDevice::Button::Primary || button == gui::InputDevice::Button::Secondary);
-    if (isClick)
-        text << " x" << device.getNoOfEvents();
-    if (what == "zoom")
-        text << " by " << device.getScale();
-    lines.push_back(text.str() + modifierText(device.getKeyboardModifiers()));
-}
-
-void RecordingView::onPrimaryButtonReleased(const gui::InputDevice& device)
-{
-    add("release", device);
-    if (onRelease)
-        onRelease();
-}
-
-bool RecordingView::onScroll(const gui::InputDevice& device)
-{
-    add("scroll", device);
-    return true;
-}
-
-bool RecordingView::onZoom(const gui::InputDevice& device)
-{
-    add("zoom", device);
-    return true;
-}
-
-bool RecordingView::onKeyPressed(const gui::Key& key)
-{
-    checkContext();
-    lines.push_back(keyText(key));
-    return true;
-}
-
-bool RecordingView::onKeyReleased(const gui::Key& key)
-{
-    checkContext();
-    lines.push_back("up " + keyText(key));
-    return true;
+    act("cleanResources");
 }
 
 } // namespace test

@@ -85,7 +85,7 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     EXPECT_TRUE(showsItsFrame(view));
     EXPECT_EQ(corner.width, 200);
     EXPECT_TRUE(isClickHeard(corner.x + 60, corner.y + 50, "60,50"));
-    EXPECT_FALSE(view.isPictureWrong || view.isContextWrong);
+    EXPECT_FALSE(view.isWrong);
 }
 
 TEST_F(WaylandTest, TheFrameHasAButtonThatCloses)

@@ -66,14 +66,13 @@ protected:
 
 TEST_F(WindowSystemTest, FirstOneThatWorks)
 {
-    struct Case
+    const struct
     {
         const char* name;
         Variables variables;
         const char* windowSystem;
         const char* words;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"an X server", {}, "x11", "asked for 32 depth and 16 stencil bits, got 24 and 8"},
         {"nothing", {{"DISPLAY", ""}}, "offscreen", ""},
         {"a dead X server", {{"DISPLAY", ":32100"}}, "offscreen", "Warning! WindowSystem x11 does not start: "},
@@ -86,7 +85,7 @@ TEST_F(WindowSystemTest, FirstOneThatWorks)
          "Warning! WindowSystem wayland does not start: WAYLAND_DISPLAY is not set"},
         {"an unknown one wanted", {{"GUIGL_WINDOW_SYSTEM", "tty"}}, "x11", "GUIGL_WINDOW_SYSTEM=tty is unknown"},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
         EXPECT_EQ(run(c.variables), 0) << c.name << "\n" << text;
         EXPECT_TRUE(said(std::string("runs on window system: ") + c.windowSystem)) << c.name << "\n" << text;

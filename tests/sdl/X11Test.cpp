@@ -4,6 +4,8 @@
 
 #include <gui/ZavObject.h>
 
+#include <SDL.h>
+
 #include <thread>
 
 namespace test
@@ -27,10 +29,24 @@ TEST_P(X11Test, ControlReleaseIsTheSecondaryButtons)
     EXPECT_TRUE(view.hasHeard({"press 40,30 x1+Ctrl", "release2 40,30 x1+Ctrl"}));
 }
 
+TEST_P(X11Test, TwoFingersZoom)
+{
+    const auto finger = [](Uint32 type, SDL_FingerID id, float x)
+    {
+        SDL_Event event{};
+        event.tfinger = {type, 0, 1, id, x, 0.5F, 0, 0, 1, SDL_GetWindowID(SDL_GetKeyboardFocus())};
+        SDL_PushEvent(&event);
+    };
+    finger(SDL_FINGERDOWN, 1, 0.25F);
+    finger(SDL_FINGERDOWN, 2, 0.5F);
+    finger(SDL_FINGERMOTION, 2, 0.75F); // twice as far from the first
+    EXPECT_TRUE(view.hasHeard({"pinch 100,75 by 1.02"}));
+}
+
 // The release is not the last of its event: the pointer left on the way.
 TEST_P(X11Test, ADragOutsideMayEndTheView)
 {
-    view.onRelease = [this] { window.close(); };
+    view.in["release"] = [this] { window.close(); };
     xdo("mousedown 1");
     xdo(at(180, 70));
     EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "drag 180,70"}));
@@ -55,7 +71,7 @@ TEST_P(X11Test, FocusGoesToTheOtherWindow)
 {
     desktop().goTo(0);
     ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty(); }));
-    view.forgetLines();
+    view.lines.clear();
     view.registerForFocusEvents();
     RecordingView other;
     other.create();
@@ -72,7 +88,7 @@ TEST_P(X11Test, CursorBelongsToItsWindow)
 {
     desktop().goTo(0);
     ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty(); }));
-    view.forgetLines();
+    view.lines.clear();
     const std::uint64_t outside = xServer().cursor();
     view.setCursor(gui::Cursor::Type::Pan, true);
     xdo(at(40, 30));
@@ -129,20 +145,12 @@ TEST_P(X11Test, OtherThreadWakesTheLoop)
 
 TEST_P(X11Test, TheWindowManagerResizesAndCloses)
 {
-    const std::string id = std::to_string(xServer().findWindow("Window"));
-    const std::pair<td::Size<double>, std::function<void()>> changes[] = {
-        {{520, 410}, [&] { xdo("windowsize " + id + " 520 410"); }},
-        {{1280, 1024}, [&] { window.setFullScreen(true); }},
-        {{520, 410}, [&] { window.setFullScreen(false); }},
-    };
-    for (const auto& [size, change] : changes)
-    {
-        change();
-        EXPECT_TRUE(waitInLoop([&] { return view.sizes.back() == size; }));
-        EXPECT_TRUE(showsItsFrame(view));
-        EXPECT_EQ(window.getSize(), size);
-    }
-    EXPECT_EQ(view.sizes.size(), 1 + std::size(changes)) << "each is told once";
+    constexpr td::Size<double> cSize{520, 410};
+    xdo("windowsize " + std::to_string(xServer().findWindow("Window")) + " 520 410");
+    EXPECT_TRUE(waitInLoop([&] { return view.sizes.back() == cSize; }));
+    EXPECT_TRUE(showsItsFrame(view));
+    EXPECT_EQ(window.getSize(), cSize);
+    EXPECT_EQ(view.sizes.size(), 2U) << "it is told once";
     xServer().askToClose(xServer().findWindow("Window"));
     EXPECT_EQ(app.run(), 0);
     EXPECT_EQ(view.nCleanUps, 1);
@@ -176,6 +184,7 @@ TEST_P(X11Test, FullScreenAndBack)
     const auto maximize = [&] { xServer().toggle(id, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"); };
     maximize();
     ASSERT_TRUE(waitInLoop([&] { return view.sizes.back().width == cScreen.width; }));
+    ASSERT_TRUE(showsItsFrame(view)); // it may come in two steps
     const td::Size<double> maximized = view.sizes.back();
     window.setFullScreen(true);
     EXPECT_TRUE(becomes(cScreen));
@@ -217,7 +226,7 @@ TEST_P(X11Test, AClosedWindowLeavesTheOtherRunning)
     const int nFrames = other.nFrames;
     EXPECT_TRUE(waitInLoop([&] { return other.nFrames >= nFrames + 3; }));
     EXPECT_TRUE(showsItsFrame(other));
-    EXPECT_FALSE(other.isContextWrong || other.isPictureWrong);
+    EXPECT_FALSE(other.isWrong);
 }
 
 TEST_P(X11Test, ViewMovesToAnotherWindow)

@@ -1,6 +1,6 @@
 // The map of the world in a real window, and a user who goes about in it.
 
-#include "X11Fixture.h"
+#include "DesktopFixture.h"
 
 #include "examples/World.h"
 
@@ -20,9 +20,11 @@ using worldmap::MapView;
 using worldmap::Overview;
 using worldmap::Projection;
 
-class X11WorldmapTest : public X11Fixture
+class X11WorldmapTest : public DesktopFixture
 {
 protected:
+    static const XServer& xServer() { return desktop().server(); }
+
     void SetUp() override
     {
         ASSERT_TRUE(window.show(view));
@@ -64,7 +66,7 @@ TEST_F(X11WorldmapTest, NamesWhatIsUnderThePointer)
     // The map moves under the pointer.
     view.center({28.2 + 170 / 60.0, -29.5});
     expectTitle("World map - Lesotho");
-    movePointerAway();
+    desktop().goTo(0);
     expectTitle("World map");
     EXPECT_EQ(view.getCountry(), Countries::cNone);
 }

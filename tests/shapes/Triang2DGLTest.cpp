@@ -6,8 +6,6 @@
 #include <gui/gl/Flat2DProgram.h>
 #include <gui/gl/Triang2D.h>
 
-#include <gtest/gtest.h>
-
 namespace
 {
 

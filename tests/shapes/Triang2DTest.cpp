@@ -25,56 +25,7 @@ using test::Tessellation;
 constexpr float cNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr Primitive cNone = static_cast<Primitive>(8);
 
-Outline reversed(Outline outline)
-{
-    std::reverse(outline.begin(), outline.end());
-    return outline;
-}
-
-Tessellation fan(Outline vertices) { return {Primitive::TriangleFan, 0, std::move(vertices), {}}; }
-
-Tessellation triangles(Outline vertices, std::vector<unsigned int> indices)
-{
-    const auto count = static_cast<unsigned int>(indices.size());
-    return {count == 0 ? cNone : Primitive::Triangles, count, std::move(vertices), std::move(indices)};
-}
-
-class Triang2DTest : public test::TessellationTest
-{
-};
-
-TEST_F(Triang2DTest, PolygonsByHand)
-{
-    const Outline arrow{{0, 0}, {4, 0}, {1, 1}, {0, 4}};
-    const Outline pentagon{{2, 0}, {3, 1}, {2, 2}, {0, 2}, {0, 0}};
-    const Outline cup{{0, 0}, {3, 0}, {3, 3}, {2, 3}, {2, 1}, {1, 1}, {1, 3}, {0, 3}};
-    const Outline corner{{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}};
-    const Outline zigzag{{0, 0}, {2, 0}, {0, 2}, {2, 2}, {0, 4}, {2, 4}}; // closed across itself
-    const Outline spot(5, {1, 1});
-    // One turns right among those that turn left or are none; one that turns left last.
-    const Outline bay{{0, 0}, {2, 0}, {4, 0}, {4, 4}, {2, 1}, {0, 4}};
-    const struct
-    {
-        Outline points;
-        Tessellation expected;
-    } cCases[] = {
-        {{{0, 0}, {1, 0}, {0, 1}}, fan({{0, 0}, {1, 0}, {0, 1}})},
-        {arrow, fan(arrow)},
-        {pentagon, fan(pentagon)},
-        {reversed(pentagon), fan(reversed(pentagon))},
-        {{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}}, fan({{2, 2}, {0, 4}, {0, 0}, {4, 0}, {4, 4}})},
-        {corner, fan({{1, 1}, {1, 2}, {0, 2}, {0, 0}, {2, 0}, {2, 1}})},
-        {reversed(corner), fan({{1, 1}, {2, 1}, {2, 0}, {0, 0}, {0, 2}, {1, 2}})},
-        {bay, fan({{2, 1}, {0, 4}, {0, 0}, {2, 0}, {4, 0}, {4, 4}})},
-        {cup, triangles(cup, {1, 2, 3, 5, 6, 7, 1, 3, 4, 5, 7, 0, 0, 1, 4, 4, 5, 0})},
-        {reversed(cup), triangles(reversed(cup), {6, 5, 4, 2, 1, 0, 6, 4, 3, 2, 0, 7, 7, 6, 3, 3, 2, 7})},
-        {zigzag, triangles(zigzag, {})},
-        {spot, fan(spot)},
-    };
-    int number = 0;
-    for (const auto& [points, expected] : cCases)
-        EXPECT_TRUE(isPolygon(points, expected)) << "case " << number++;
-}
+using Triang2DTest = test::TessellationTest;
 
 // Missing or spilled over, and nobody knows why.
 TEST_F(Triang2DTest, WhatIsNotFilledIsSaidOncePerObject)
@@ -126,28 +77,19 @@ Outline rounded(Outline outline)
     return outline;
 }
 
+// What the plain form makes, beside what one works out by hand.
 TEST_F(Triang2DTest, LinesByHand)
 {
-    const Outline square{{0, 0}, {4, 0}, {4, 4}, {0, 4}};
-    const Outline band{{0, 1}, {0, -1}, {4, 1}, {4, -1}};
-    const Outline thereAndBack{{-1, -1}, {-1, 1}, {-1, 1}, {-1, -1}, {5, 1}, {5, -1}, {5, -1}, {5, 1}};
     const Outline squareBand{{0.5f, 0.5f}, {-0.5f, -0.5f}, {3.5f, 0.5f}, {4.5f, -0.5f},
                              {3.5f, 3.5f}, {4.5f, 4.5f},   {0.5f, 3.5f}, {-0.5f, 4.5f}};
-    const std::vector<unsigned int> ring{0, 1, 2, 3, 2, 1, 2, 3, 4, 5, 4, 3, 4, 5, 6, 7, 6, 5, 6, 7, 0, 1, 0, 7};
     const struct
     {
         Outline points;
         Line line;
         Outline vertices;
-        std::vector<unsigned int> firstIndices;
         std::size_t nIndices;
     } cCases[] = {
-        {{{0, 0}, {4, 0}}, {1, false}, band, {0, 1, 2, 3, 2, 1}, 6},
-        {{{0, 0}, {10, 0}, {10, 10}},
-         {1, false},
-         {{0, 1}, {0, -1}, {9, 1}, {11, -1}, {9, 10}, {11, 10}},
-         {0, 1, 2, 3, 2, 1, 2, 3, 4, 5, 4, 3},
-         12},
+        {{{0, 0}, {10, 0}, {10, 10}}, {1, false}, {{0, 1}, {0, -1}, {9, 1}, {11, -1}, {9, 10}, {11, 10}}, 12},
         {{{0, 0}, {10, 0}, {0, 2}},
          {1, false},
          {{0, 1},
@@ -158,47 +100,22 @@ TEST_F(Triang2DTest, LinesByHand)
           {11.084f, 0.803f},
           {-0.196f, 1.019f},
           {0.196f, 2.981f}},
-         {0, 2, 1, 3, 2, 1},
          18},
-        {{{0, 0}, {10, 0}, {0, -2}},
-         {1, false},
-         {{0, 1},
-          {0, -1},
-          {10.908f, 0.981f},
-          {-0.099f, -1},
-          {11.082f, -0.784f},
-          {-0.099f, -1},
-          {0.196f, -2.981f},
-          {-0.196f, -1.019f}},
-         {0, 1, 2, 3, 1, 2},
-         18},
-        {square, {0.5f, true}, squareBand, ring, 24},
-        {{{0, 0}, {0, 0}, {4, 0}, {4, 4}, {4, 4}, {4, 4}, {0, 4}, {0, 0}, {0, 0}}, {0.5f, true}, squareBand, ring, 24},
-        {{{0, 0}, {2, 0}, {4, 0}},
-         {1, false},
-         {{0, 1}, {0, -1}, {2, 1}, {2, -1}, {4, 1}, {4, -1}},
-         {0, 1, 2, 3, 2, 1},
-         12},
-        {{{0, 0}, {4, 0}, {2, 0}},
-         {1, false},
-         {{0, 1}, {0, -1}, {5, 1}, {5, -1}, {5, -1}, {5, 1}, {2, -1}, {2, 1}},
-         {0, 1, 2, 3, 2, 1, 2, 3, 4, 5, 3, 4, 4, 5, 6, 7, 6, 5},
-         18},
-        {{{0, 0}, {4, 0}}, {1, true}, thereAndBack, {0, 1, 2, 3, 1, 2}, 24},
-        {{{0, 0}, {4, 0}, {0, 0}}, {1, true}, thereAndBack, {0, 1, 2, 3, 1, 2}, 24},
-        {{{3, 3}, {3, 3}, {3, 3}}, {1, true}, {}, {}, 0},
-        {{{0, 0}, {0, 0}}, {1, false}, {}, {}, 0},
-        {square, {0, true}, {}, {}, 0},
-        {square, {cNaN, false}, {}, {}, 0},
+        {{{0, 0}, {0, 0}, {4, 0}, {4, 4}, {4, 4}, {4, 4}, {0, 4}, {0, 0}, {0, 0}}, {0.5f, true}, squareBand, 24},
+        {{{0, 0}, {4, 0}, {0, 0}},
+         {1, true},
+         {{-1, -1}, {-1, 1}, {-1, 1}, {-1, -1}, {5, 1}, {5, -1}, {5, -1}, {5, 1}},
+         24},
+        {{{3, 3}, {3, 3}, {3, 3}}, {1, true}, {}, 0},
+        {{{0, 0}, {4, 0}, {4, 4}}, {cNaN, false}, {}, 0},
     };
     int number = 0;
-    for (const auto& [points, line, vertices, firstIndices, nIndices] : cCases)
+    for (const auto& [points, line, vertices, nIndices] : cCases)
     {
         SCOPED_TRACE(number++);
         const Tessellation made = test::reference::triangulateLine(points, line.width, line.closed);
         EXPECT_EQ(rounded(made.vertices), vertices);
         EXPECT_EQ(made.count, nIndices);
-        EXPECT_TRUE(std::equal(firstIndices.begin(), firstIndices.end(), made.indices.begin()));
         EXPECT_TRUE(isLine(points, line, made));
     }
 }
@@ -240,6 +157,15 @@ TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
     const Outline arrow{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}}; // stored from its reflex corner on
     const Outline twins{{1, 1}, {2, 2}, {1, 1}, {0, 0}};
     const Outline twinsWanted{{1, 1}, {1, 1}, {2, 2}, {1, 1}};
+    // As many as are found by their numbers, where -0 has to be 0.
+    Outline upwards, downwards;
+    std::vector<unsigned int> backwards;
+    for (unsigned int i = 0, n = 20; i < n; ++i)
+    {
+        upwards.push_back({0, static_cast<float>(i)});
+        downwards.push_back({-0.0f, static_cast<float>(n - 1 - i)});
+        backwards.push_back(n - 1 - i);
+    }
     Outline off = arrow;
     off[4].y = std::nextafter(off[4].y, 5.0f);
     Outline nan = arrow;
@@ -253,6 +179,7 @@ TEST_F(Triang2DTest, RecycledLinesFindTheirVertices)
         {arrow, arrow, {0, 1, 2, 3, 4}},
         {twins, twinsWanted, {0, 2, 1, 0}},
         {{{0, 0}, {-0.0f, 0}}, {{-0.0f, -0.0f}, {0, 0}}, {0, 1}},
+        {upwards, downwards, backwards},
         {arrow, off, {}},
         {nan, nan, {}},
     };

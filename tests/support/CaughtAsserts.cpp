@@ -13,7 +13,6 @@ CaughtAsserts::CaughtAsserts()
           {
               _conditions.emplace_back(report.condition);
               _lastFunction = report.function;
-              _lastFile = report.file;
           }))
 {
 }

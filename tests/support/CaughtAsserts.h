@@ -26,15 +26,13 @@ public:
     testing::AssertionResult caught(const std::vector<std::string>& conditions);
     testing::AssertionResult caught(const std::string& condition);
 
-    /// Where the last assertion stood: its function and its file. Empty without assertion reports.
+    /// The function in which the last assertion stood. Empty without assertion reports.
     const std::string& lastFunction() const { return _lastFunction; }
-    const std::string& lastFile() const { return _lastFile; }
 
 private:
     td::AssertHandler _previous;
     std::vector<std::string> _conditions;
     std::string _lastFunction;
-    std::string _lastFile;
 };
 
 } // namespace test

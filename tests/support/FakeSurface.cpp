@@ -58,6 +58,8 @@ FakeSurface::~FakeSurface()
     gui::gl::CurrentContext::died(this);
     _window.contextID = 0;
     _window.hasSurface = false;
+    if (_window.context != 0)
+        _window.journal.trace().destroy(_window.context);
     _window.journal.note("surface gone");
 }
 
@@ -70,6 +72,8 @@ bool FakeSurface::makeCurrent()
 {
     if (!_window.hasContext)
         return false;
+    if (_window.context != 0)
+        _window.journal.trace().makeCurrent(_window.context);
     gui::gl::CurrentContext::set(this);
     _window.contextID = gui::gl::CurrentContext::getID();
     return true;

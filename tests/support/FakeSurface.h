@@ -24,6 +24,7 @@ public:
     }
 
     void note(const std::string& line);
+    GLTrace& trace() { return _trace; }
 
     /// The lines since the last check; forgets them.
     std::vector<std::string> take();
@@ -57,6 +58,7 @@ struct FakeWindow
     bool hasContext = true; ///< false: the context is lost, or cannot be made in the first place
     bool hasSurface = false;
     gui::gl::CurrentContext::ID contextID = 0;
+    GLTrace::Context context = 0; ///< of a strict GL; made with the surface, and gone with it
 };
 
 /// A surface on no window system, with a context that is current when it says so. It notes: "needs display", "flush",

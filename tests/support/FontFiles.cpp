@@ -1,7 +1,5 @@
 #include "FontFiles.h"
 
-#include <array>
-#include <bit>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -12,15 +10,10 @@ namespace test
 namespace
 {
 
-// Little-endian, whatever the machine is.
 template <typename T>
-void append(std::string& bytes, T value)
+void append(std::string& bytes, const T& value)
 {
-    const auto raw = std::bit_cast<std::array<char, sizeof(T)>>(value);
-    if constexpr (std::endian::native == std::endian::little)
-        bytes.append(raw.begin(), raw.end());
-    else
-        bytes.append(raw.rbegin(), raw.rend());
+    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
 } // namespace
@@ -79,11 +72,7 @@ std::string FontFile::bytes() const
     append(bytes, bitsPerPixel);
     append(bytes, static_cast<unsigned short>(glyphs.size()));
     for (const Glyph& glyph : glyphs)
-    {
-        append(bytes, glyph.codePoint);
-        for (const float metric : {glyph.bearing, glyph.width, glyph.advance, glyph.tx})
-            append(bytes, metric);
-    }
+        append(bytes, glyph);
     return bytes + pixels;
 }
 

@@ -8,7 +8,7 @@
 namespace test
 {
 
-/// What a font file says. Change what a test is about, and take the bytes.
+/// What a font file says; the machine has the file's byte order. Change what a test is about, and take the bytes.
 struct FontFile
 {
     struct Glyph

@@ -1,8 +1,6 @@
 #include "FontFixture.h"
 #include "support/CountedAllocations.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <ios>
 #include <limits>

@@ -3,8 +3,6 @@
 #include <gui/Res.h>
 #include <gui/Texture.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -64,30 +62,21 @@ TEST_F(FontTest, FailedLoadsSayWhyAndLeaveNoTexture)
     FontFile wide(U"abc");
     wide.width = 2049;
     wide.pixels.resize(2049);
-    FontFile noGlyphs(U"abc");
-    noGlyphs.glyphs.clear();
     const struct
     {
         const char* name;
         std::string bytes;
         std::vector<std::string> lines;
         bool hasTexture;
-        bool hasGlyphs;
     } cases[] = {
-        {nullptr, "", {}, true, true},
-        {":no/such.font", "", {}, true, true},
-        {"no/such.font", "", {cannotLoad + "no/such.font"}, true, true},
-        {"/", "", {cannotLoad + "/"}, true, true},
-        {path.c_str(),
-         noGlyphs.bytes(),
-         {"ERROR! Font::load detected zero glyphs in file: " + path, cannotLoad + path},
-         false,
-         false},
+        {nullptr, "", {}, true},
+        {":no/such.font", "", {}, true},
+        {"no/such.font", "", {cannotLoad + "no/such.font"}, true},
+        {"/", "", {cannotLoad + "/"}, true},
         {path.c_str(),
          wide.bytes(),
          {"ERROR! Font::load atlas of 2049 x 1 pixels exceeds GL's limit of 2048 in file: " + path},
-         false,
-         true},
+         false},
     };
     trace.setLimit(GL_MAX_TEXTURE_SIZE, 2048);
     for (const auto& c : cases)
@@ -98,7 +87,7 @@ TEST_F(FontTest, FailedLoadsSayWhyAndLeaveNoTexture)
         EXPECT_EQ(font().load(c.name), nullptr);
         EXPECT_EQ(log.take(), c.lines);
         EXPECT_EQ(nTextures(), c.hasTexture ? 1u : 0u);
-        EXPECT_EQ(font().measure("xy", 0, {}).width > 0, c.hasGlyphs);
+        EXPECT_GT(font().measure("xy", 0, {}).width, 0);
     }
     write(FontFile(U"xy").bytes().substr(0, 77));
     EXPECT_THROW(font().load(td::String(path.c_str())), std::ios_base::failure);

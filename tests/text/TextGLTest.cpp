@@ -7,7 +7,6 @@
 
 #include <epoxy/gl.h>
 #include <glm/ext/matrix_clip_space.hpp>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <tuple>

@@ -1,6 +1,5 @@
 #include "FontFixture.h"
 
-#include <gtest/gtest.h>
 #include <vo/Log.h>
 
 #include <string>

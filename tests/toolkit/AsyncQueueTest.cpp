@@ -1,11 +1,7 @@
 #include "toolkit/src/AsyncQueue.h"
 #include "support/CaughtAsserts.h"
 
-#include <gui/Display.h>
 #include <gui/ZavObject.h>
-#include <gui/port/DisplayScale.h>
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <stdexcept>
@@ -128,18 +124,6 @@ TEST(AsyncQueue, TakesFromAllThreadsWithoutLoss)
     queue().setWakeUp({});
     EXPECT_EQ(nRun, cThreads * cPosts);
     EXPECT_TRUE(isInOrder);
-}
-
-TEST(Display, ScaleIsOneUntilAWindowSystemSetsIt)
-{
-    EXPECT_EQ(gui::Display::getDefaultBackingScaleFactor(), 1.0f);
-    gui::setDefaultBackingScaleFactor(2);
-    EXPECT_EQ(gui::Display::getDefaultBackingScaleFactor(), 2.0f);
-    test::CaughtAsserts asserts;
-    gui::setDefaultBackingScaleFactor(0);
-    EXPECT_TRUE(asserts.caught("scale > 0"));
-    EXPECT_EQ(gui::Display::getDefaultBackingScaleFactor(), 2.0f);
-    gui::setDefaultBackingScaleFactor(1);
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 
 #include <gui/Texture.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>

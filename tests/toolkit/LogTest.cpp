@@ -2,8 +2,6 @@
 
 #include <vo/Log.h>
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <sstream>

@@ -3,20 +3,11 @@
 
 #include <cnt/PushBackVector.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdint>
-#include <fstream>
 #include <functional>
 #include <iterator>
 #include <limits>
-#include <sstream>
-#include <string>
 #include <vector>
-
-#include <sys/mman.h>
 
 namespace
 {
@@ -39,13 +30,12 @@ void fill(cnt::PushBackVector<T>& v, std::size_t capacity, int n)
 
 TEST(PushBackVector, CapacityDoublesFromOneOrFromWhatWasReserved)
 {
-    struct Case
+    const struct
     {
         std::size_t reserved;
         std::vector<std::size_t> capacities; // after each push
-    };
-    const Case cases[] = {{0, {1, 2, 4, 4, 8, 8, 8, 8, 16}}, {3, {3, 3, 3, 6, 6, 6, 12}}, {1, {1, 2, 4}}};
-    for (const Case& c : cases)
+    } cases[] = {{0, {1, 2, 4, 4, 8, 8, 8, 8, 16}}, {3, {3, 3, 3, 6, 6, 6, 12}}, {1, {1, 2, 4}}};
+    for (const auto& c : cases)
     {
         cnt::PushBackVector<int> v;
         v.reserve(c.reserved);
@@ -216,65 +206,6 @@ TEST(PushBackVector, CountsThatNoMemoryHoldsAreRefused)
     for (const std::size_t n : {cMax, cMax - 1, cMax - 2, cMax / 2 + 1, cMax / 4})
         EXPECT_THROW(v.push_back(&value, n), std::bad_alloc) << n;
     EXPECT_EQ(elements(v), (std::vector<float>{0, 1}));
-}
-
-// The flags of the mapping that holds an address.
-std::string flagsOf(const void* pAddress)
-{
-    std::ifstream maps("/proc/self/smaps");
-    bool isIn = false;
-    for (std::string line; std::getline(maps, line);)
-    {
-        std::uintptr_t begin = 0, end = 0;
-        char dash = 0;
-        if (std::istringstream(line) >> std::hex >> begin >> dash >> end && dash == '-')
-            isIn = begin <= std::uintptr_t(pAddress) && std::uintptr_t(pAddress) < end;
-        else if (isIn && line.starts_with("VmFlags:"))
-            return line + ' ';
-    }
-    return "";
-}
-
-// Whether the kernel takes advice on large pages, and its list of mappings shows it: asked with a mapping of our own.
-bool kernelNotesAdvice()
-{
-    constexpr std::size_t cBytes = std::size_t(4) << 20;
-    void* pMapping = mmap(nullptr, cBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (pMapping == MAP_FAILED)
-        return false;
-    madvise(pMapping, cBytes, MADV_HUGEPAGE);
-    const bool isNoted = flagsOf(pMapping).find(" hg ") != std::string::npos;
-    munmap(pMapping, cBytes);
-    return isNoted;
-}
-
-TEST(PushBackVector, LargeStorageIsOnLargePages)
-{
-    const bool hasKernelThem = kernelNotesAdvice();
-    cnt::PushBackVector<int> reserved, grown;
-    reserved.reserve(std::size_t(8) << 20);
-    while (grown.size() < std::size_t(3) << 20)
-        grown.push_back(static_cast<int>(grown.size()));
-    for (std::size_t i = 0; i < grown.size(); ++i)
-        ASSERT_EQ(grown[i], static_cast<int>(i));
-    for (const int* pMiddle : {reserved.begin() + (std::size_t(4) << 20), grown.begin() + grown.size() / 2})
-        EXPECT_EQ(flagsOf(pMiddle).find(" hg ") != std::string::npos, hasKernelThem) << flagsOf(pMiddle);
-    cnt::PushBackVector<int> small;
-    small.reserve(1000);
-    EXPECT_EQ(flagsOf(small.begin()).find(" hg "), std::string::npos);
-}
-
-TEST(LargePages, AdviceChangesNothing)
-{
-    const std::vector<char> filled(std::size_t(5) << 20, 'x');
-    std::vector<char> advised = filled;
-    errno = ERANGE;
-    mem::adviseLargePages(nullptr, 0);
-    for (const std::size_t offset : {0U, 1U, 4095U, 2U << 20})
-        for (const std::size_t nBytes : {0U, 1U, 4096U, 2U << 20, 3U << 20})
-            mem::adviseLargePages(advised.data() + offset, nBytes);
-    EXPECT_EQ(errno, ERANGE);
-    EXPECT_EQ(advised, filled);
 }
 
 struct NeverThrows

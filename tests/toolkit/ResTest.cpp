@@ -4,8 +4,6 @@
 #include <gui/Res.h>
 #include <gui/Texture.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -99,15 +97,8 @@ TEST(Res, NamesDoNotLeaveTheFolders)
     EXPECT_EQ(std::string(gui::getResText("public.txt").c_str()), "public");
 
     test::CapturedLog log;
-    const std::string names[] = {"../secret.txt",
-                                 ":../secret.txt",
-                                 "x/../../secret.txt",
-                                 "..",
-                                 secret,
-                                 ":" + secret.string(),
-                                 ":/" + secret.string(),
-                                 "",
-                                 ":"};
+    // What else there is to try, the fuzz target tries.
+    const std::string names[] = {":../secret.txt", secret, ":/" + secret.string(), ""};
     for (const std::string& name : names)
     {
         td::StringBase file("before");

@@ -3,8 +3,6 @@
 #include <cnt/StringBuilder.h>
 #include <td/StringBase.h>
 
-#include <gtest/gtest.h>
-
 #include <string>
 
 namespace

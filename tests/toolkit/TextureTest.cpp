@@ -5,8 +5,6 @@
 
 #include <gui/Texture.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdint>

@@ -45,36 +45,6 @@ TEST(UTFConverter, EveryCodePointComesBackAndEverySurrogateDoesNot)
     EXPECT_TRUE(decoded(bytes) == expected);
 }
 
-TEST(UTFConverter, EachMaximalSubpartBecomesOneReplacement)
-{
-    const struct
-    {
-        std::string bytes;
-        std::vector<unsigned int> expected;
-    } cases[] = {
-        {"", {}},
-        // The three tables of the Unicode standard's recommendation, and its example of truncated sequences.
-        {"\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41", {R, R, R, R, R, R, R, R, 'A'}},
-        {"\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41", {R, R, R, R, R, R, R, R, 'A'}},
-        {"\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42", {R, R, R, R, R, 'A', R, R, 'B'}},
-        {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", {R, R, R, R, 'A'}},
-        // Leads that lead nothing, continuation bytes that follow nothing, a continuation too many.
-        {"\xC1\x81\xF5\x80\xFE\xFF", {R, R, R, R, R, R}},
-        {"\x80\xBF", {R, R}},
-        {"\xC3\xA9\xA9z", {0xE9, R, 'z'}},
-        // A character that breaks off before a well-formed one.
-        {"\xC3\xC3\xA9", {R, 0xE9}},
-        {"\xE2\x82\xE2\x82\xAC", {R, 0x20AC}},
-        {"\xF0\x9F\x98\xF0\x9F\x98\x80", {R, 0x1F600}},
-        {"a\xF0\x90\x80", {'a', R}},
-        // A zero is a character like any other; a byte order mark too.
-        {std::string("\0b", 2), {0, 'b'}},
-        {"\xEF\xBB\xBFz", {0xFEFF, 'z'}},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(decoded(c.bytes), c.expected) << testing::PrintToString(c.bytes);
-}
-
 TEST(UTFConverter, NoBytesAreNoCharacters)
 {
     const unsigned char bytes[] = {'a'};

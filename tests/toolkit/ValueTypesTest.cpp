@@ -1,4 +1,3 @@
-#include <td/Color.h>
 #include <td/RectNormalized.h>
 
 #include <gtest/gtest.h>
@@ -16,21 +15,6 @@ TEST(ValueTypes, RectanglesAreNormalisedPerAxis)
     EXPECT_EQ(expected.top, 5);
     EXPECT_EQ(expected.right, 10);
     EXPECT_EQ(expected.bottom, 20);
-}
-
-TEST(ValueTypes, ColoursArePackedWithRedLowest)
-{
-    EXPECT_EQ(td::GLRGBA(1, 2, 3, 4), 0x04030201u);
-    EXPECT_EQ(td::GLRGBA(0x1FF, 0, 0, 0), 0x1FFu) << "arguments are not masked";
-    td::Color color(250, 251, 252, 253);
-    EXPECT_EQ(color.rgba(), 0xFDFCFBFAu);
-    color.setAlpha(255);
-    EXPECT_EQ(color, td::Color(0xFFFCFBFAu));
-    EXPECT_EQ(color.red(), 250);
-    EXPECT_EQ(color.green(), 251);
-    EXPECT_EQ(color.blue(), 252);
-    EXPECT_EQ(color.alpha(), 255);
-    EXPECT_FALSE(color == td::Color(250, 251, 252, 254));
 }
 
 } // namespace

@@ -1,9 +1,7 @@
 #include <fontbake/BakedFont.h>
 #include <fontbake/Error.h>
 
-#include <gui/Res.h>
 #include <gui/Texture.h>
-#include <gui/gl/Text.h>
 #include <sdl/Process.h>
 #include <support/Images.h>
 #include <text/PlainLayout.h>
@@ -20,7 +18,6 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
-#include <span>
 #include <utility>
 
 namespace
@@ -275,35 +272,6 @@ TEST(Fontbake, LightTextOnDarkGroundGetsTheRootOfTheCoverage)
         const auto root = static_cast<unsigned char>(light.pixels[i]),
                    coverage = static_cast<unsigned char>(plain.pixels[i]);
         ASSERT_NEAR(root * root / 255.0, coverage, 1) << i; // the root's rounding
-    }
-}
-
-// The font that the build baked of A to Z and one character behind U+FFFF.
-TEST(Fontbake, FontsOfTheBuildAreReadAndLaidOut)
-{
-    std::span<const td::BYTE> bytes;
-    ASSERT_TRUE(gui::Res::getCompiled("test/sans-16.font", bytes));
-    const Baked file({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    EXPECT_EQ(file.glyphs.size(), 28U);
-    td::StringBase path;
-    ASSERT_TRUE(gui::Res::getFileName("test/sans-16.font", path));
-
-    gui::gl::Text text;
-    text.allocFonts(1);
-    gui::gl::Font& font = *text.getFont(0);
-    gui::Image::_data atlas;
-    float linePitch = 0;
-    ASSERT_TRUE(font.loadBinaryData(path.c_str(), atlas, linePitch));
-    EXPECT_EQ(linePitch, file.metricC);
-
-    const std::pair<const char*, std::u32string_view> lines[] = {{"TYPE", U"TYPE"}, {"A\U0001D538?", U"A\U0001D538?"}};
-    for (const auto& [utf8, line] : lines)
-    {
-        const td::Size<float> size = font.addString({0, 0}, utf8, 0, td::ColorID::Black, 1);
-        test::PlainLayout layout{.file = file, .vertices = {}};
-        EXPECT_EQ(size.width, layout.addGlyphs({0, 0}, {line.begin(), line.end()}, 1).width) << utf8;
-        EXPECT_EQ(size.width, font.measure(utf8, 0, {0, 0}).width) << utf8;
-        EXPECT_EQ(size.height, file.lineHeight + 1) << utf8;
     }
 }
 

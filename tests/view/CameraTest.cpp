@@ -7,13 +7,11 @@
 #include <glm/geometric.hpp>
 #include <glm/gtx/string_cast.hpp>
 #include <glm/trigonometric.hpp>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace
 {
@@ -61,22 +59,17 @@ TEST(CameraTest, VectorsAndMatrixFollowFromTheAngles)
                 const vec3 front =
                     glm::normalize(vec3(std::cos(y) * std::cos(p), std::sin(p), std::sin(y) * std::cos(p)));
                 const vec3 right = glm::normalize(glm::cross(front, up));
-                const vec3 cameraUp = glm::normalize(glm::cross(right, front));
-
                 const Camera camera(position, yaw, pitch, up);
                 EXPECT_EQ(camera.getFront(), front);
                 EXPECT_EQ(camera.getRight(), right);
-                EXPECT_EQ(camera.getUp(), cameraUp);
-                EXPECT_EQ(camera.getViewMatrix(), glm::lookAt(position, position + front, cameraUp));
+                EXPECT_EQ(camera.getUp(), glm::normalize(glm::cross(right, front)));
+                EXPECT_EQ(camera.getViewMatrix(), glm::lookAt(position, position + front, camera.getUp()));
                 EXPECT_EQ(Camera(3, -4, yaw, up.x, up.y, up.z, yaw, pitch).getViewMatrix(), camera.getViewMatrix());
                 EXPECT_TRUE(isNear(Camera(position, position + 5.0F * front, up).getFront(), front));
             }
         }
     }
-    const Camera camera;
-    EXPECT_TRUE(isNear(camera.getFront(), {0, 0, -1}));
-    EXPECT_TRUE(isNear(camera.getRight(), {1, 0, 0}));
-    EXPECT_TRUE(isNear(camera.getUp(), cUp));
+    EXPECT_TRUE(isNear(Camera().getFront(), {0, 0, -1}));
     EXPECT_TRUE(isNear(Camera({1, 2, 3}, {1, 2, 3}).getFront(), {0, 0, -1}));
     EXPECT_TRUE(isNear(Camera({0, 0, 0}, {0, 3, 0}).getFront(), cUp));
 }
@@ -95,81 +88,61 @@ TEST(CameraTest, RightStaysOnItsSideAtTheZenith)
     }
 }
 
-struct Event
-{
-    Key key;
-    bool isDown;
-    bool isUsed;
-    vec3 position; // or (yaw, pitch, 0)
-};
-
 TEST(CameraTest, KeysMoveAndTurn)
 {
     using enum Key::Virtual;
-    struct Case
+    // One after the other: where the camera is then, and (yaw, pitch, 0).
+    const struct
     {
-        const char* name;
-        bool turns;
-        std::vector<Event> events;
+        Key key;
+        bool isDown, isUsed;
+        vec3 position, angles = {-90, 0, 0};
+    } events[] = {
+        // A step on press and one on release; arrows are released without their virtual value.
+        {typed('W'), true, true, {0, 0, -0.25F}},
+        {typed('W'), false, true, {0, 0, -0.5F}},
+        {typed('s', cFn), true, true, {0, 0, -0.25F}},
+        {typed('s', cFn), false, true, {0, 0, 0}},
+        {arrowDown(Left), true, true, {-0.25F, 0, 0}},
+        {arrowUp(123), false, true, {-0.5F, 0, 0}},
+        {arrowDown(Right), true, true, {-0.25F, 0, 0}},
+        {arrowUp(124), false, true, {0, 0, 0}},
+        {arrowDown(Up), true, true, {0, 0, -0.25F}},
+        {arrowUp(126), false, true, {0, 0, -0.5F}},
+        {arrowDown(Down), true, true, {0, 0, -0.25F}},
+        {arrowUp(125), false, true, {0, 0, 0}},
+        // Two that are held cancel each other.
+        {typed('d'), true, true, {0.25F, 0, 0}},
+        {typed('a'), true, true, {0.25F, 0, 0}},
+        {typed('d'), false, true, {0.25F, 0, 0}},
+        {typed('a'), false, true, {0, 0, 0}},
+        // What is not the camera's.
+        {typed('w', cShift), true, false, {0, 0, 0}},
+        {typed('w', cCaps | cAlt), true, false, {0, 0, 0}},
+        {typed('w', cCtrl), false, false, {0, 0, 0}},
+        {arrowDown(Up, cShift), true, false, {0, 0, 0}},
+        {arrowDown(Home), true, false, {0, 0, 0}},
+        {arrowUp(115), false, false, {0, 0, 0}},
+        {Key(0x7B00, 0, 1, 0), true, false, {0, 0, 0}}, // a character, not an arrow's code
+        {typed('q'), true, false, {0, 0, 0}},
+        // Alt turns.
+        {arrowDown(Right, cAlt), true, true, {0, 0, 0}, {-89, 0, 0}},
+        {arrowUp(124, cAlt), false, true, {0, 0, 0}, {-88, 0, 0}},
+        {typed('a', cAlt), true, true, {0, 0, 0}, {-89, 0, 0}},
+        {typed('w', cAlt), true, true, {0, 0, 0}, {-90, 1, 0}},
+        {typed('a', cAlt), false, true, {0, 0, 0}, {-91, 2, 0}},
+        {typed('w', cAlt), false, true, {0, 0, 0}, {-91, 3, 0}},
+        {arrowDown(Down, cAlt | cFn), true, true, {0, 0, 0}, {-91, 2, 0}},
     };
-    const Case cases[] = {
-        {"capital W, a step on press and one on release",
-         false,
-         {{typed('W'), true, true, {0, 0, -0.25F}}, {typed('W'), false, true, {0, 0, -0.5F}}}},
-        {"released keys are no longer held",
-         false,
-         {{typed('s'), true, true, {0, 0, 0.25F}},
-          {typed('s'), false, true, {0, 0, 0.5F}},
-          {typed('d'), true, true, {0.25F, 0, 0.5F}},
-          {typed('a'), true, true, {0.25F, 0, 0.5F}},
-          {typed('d'), false, true, {0.25F, 0, 0.5F}},
-          {typed('a'), false, true, {0, 0, 0.5F}}}},
-        {"arrows, whose releases have no virtual value",
-         false,
-         {{arrowDown(Left), true, true, {-0.25F, 0, 0}},
-          {arrowUp(123), false, true, {-0.5F, 0, 0}},
-          {arrowDown(Right), true, true, {-0.25F, 0, 0}},
-          {arrowUp(124), false, true, {0, 0, 0}},
-          {arrowDown(Up), true, true, {0, 0, -0.25F}},
-          {arrowUp(126), false, true, {0, 0, -0.5F}},
-          {arrowDown(Down), true, true, {0, 0, -0.25F}},
-          {arrowUp(125), false, true, {0, 0, 0}}}},
-        {"what is not the camera's",
-         false,
-         {{typed('w', cShift), true, false, {0, 0, 0}},
-          {typed('w', cCaps | cAlt), true, false, {0, 0, 0}},
-          {typed('w', cCtrl), false, false, {0, 0, 0}},
-          {arrowDown(Up, cShift), true, false, {0, 0, 0}},
-          {arrowDown(Home), true, false, {0, 0, 0}},
-          {arrowUp(115), false, false, {0, 0, 0}},
-          {Key(0x7B00, 0, 1, 0), true, false, {0, 0, 0}}, // a character, not an arrow's code
-          {typed('q'), true, false, {0, 0, 0}}}},
-        {"Fn is nothing",
-         false,
-         {{typed('w', cFn), true, true, {0, 0, -0.25F}}, {typed('w', cFn), false, true, {0, 0, -0.5F}}}},
-        {"Alt turns",
-         true,
-         {{arrowDown(Right, cAlt), true, true, {-89, 0, 0}},
-          {arrowUp(124, cAlt), false, true, {-88, 0, 0}},
-          {typed('a', cAlt), true, true, {-89, 0, 0}},
-          {typed('w', cAlt), true, true, {-90, 1, 0}},
-          {typed('a', cAlt), false, true, {-91, 2, 0}},
-          {typed('w', cAlt), false, true, {-91, 3, 0}},
-          {arrowDown(Down, cAlt | cFn), true, true, {-91, 2, 0}}}},
-    };
-    for (const Case& c : cases)
+    Camera camera;
+    for (const auto& event : events)
     {
-        Camera camera;
-        for (std::size_t i = 0; i < c.events.size(); ++i)
-        {
-            const Event& event = c.events[i];
-            const bool isUsed = event.isDown ? camera.onKeyPressed(event.key) : camera.onKeyReleased(event.key);
-            EXPECT_EQ(isUsed, event.isUsed) << c.name << ", " << i;
-            const vec3 now = c.turns ? vec3(camera.getYaw(), camera.getPitch(), 0) : camera.getPosition();
-            EXPECT_TRUE(isNear(now, event.position)) << c.name << ", " << i;
-            EXPECT_EQ(camera.getViewMatrix(),
-                      glm::lookAt(camera.getPosition(), camera.getPosition() + camera.getFront(), camera.getUp()));
-        }
+        SCOPED_TRACE(&event - events);
+        EXPECT_EQ(event.isDown ? camera.onKeyPressed(event.key) : camera.onKeyReleased(event.key), event.isUsed);
+        EXPECT_TRUE(isNear(camera.getPosition(), event.position));
+        EXPECT_TRUE(isNear({camera.getYaw(), camera.getPitch(), 0}, event.angles));
+        EXPECT_EQ(camera.getViewMatrix(),
+                  glm::lookAt(camera.getPosition(), camera.getPosition() + camera.getFront(), camera.getUp()));
     }
 }
 
@@ -200,18 +173,16 @@ TEST(CameraTest, TurningAndZoomingEndAtTheirLimits)
     }
     EXPECT_EQ(vec3(camera.getYaw(), camera.getPitch(), 0), vec3(0, 90, 0));
 
-    struct Scroll
+    const struct
     {
         td::Point<float> delta;
         bool isFast;
         float yaw, pitch;
-    };
-    const Scroll scrolls[] = {{{10, 0}, false, -89, 0},         {{10, 0}, true, -86, 0},
-                              {{0, -20}, false, -86, -2},       {{9999, 0}, false, 0, -2},
-                              {{-1e38F, 1}, true, -180, -1.7F}, {{0, 9999}, false, -180, 90},
-                              {{0, -9999}, true, -180, -90},    {{50, 50}, false, -175, -85}};
+    } scrolls[] = {{{10, 0}, false, -89, 0},      {{10, 0}, true, -86, 0},          {{0, -20}, false, -86, -2},
+                   {{9999, 0}, false, 0, -2},     {{-1e38F, 1}, true, -180, -1.7F}, {{0, 9999}, false, -180, 90},
+                   {{0, -9999}, true, -180, -90}, {{50, 50}, false, -175, -85}};
     Camera scrolled;
-    for (const Scroll& scroll : scrolls)
+    for (const auto& scroll : scrolls)
     {
         scrolled.processScroll(scroll.delta, scroll.isFast);
         EXPECT_NEAR(scrolled.getYaw(), scroll.yaw, 1e-4F);
@@ -236,13 +207,12 @@ TEST(CameraTest, TurningAndZoomingEndAtTheirLimits)
 
 TEST(CameraTest, ShiftDragsPan)
 {
-    struct Move
+    const struct
     {
         td::Point<float> point;
         unsigned int modifiers;
         vec3 position;
-    };
-    const Move moves[] = {
+    } moves[] = {
         {{100, 100}, 0, {0, 0, 0}},
         {{50, 50}, cShift, {0, 0, 0}},
         {{60, 70}, cShift, {-0.1F, 0.2F, 0}},
@@ -252,7 +222,7 @@ TEST(CameraTest, ShiftDragsPan)
         {{0, 10}, cShift | cCtrl, {0, 0.5F, 0}},
     };
     Camera camera;
-    for (const Move& move : moves)
+    for (const auto& move : moves)
     {
         const glm::mat4 last = camera.getViewMatrix();
         camera.processMouseMove(move.point, move.modifiers);

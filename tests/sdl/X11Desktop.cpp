@@ -1,4 +1,6 @@
-#include "X11Fixture.h"
+#include "Desktop.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <memory>
@@ -62,11 +64,5 @@ testing::Environment* const s_pEnvironment = testing::AddGlobalTestEnvironment(n
 } // namespace
 
 Desktop& desktop() { return *s_pDesktop; }
-
-std::string X11Fixture::at(const char* title, int x, int y)
-{
-    const XServer::Place place = xServer().placeOf(xServer().findWindow(title));
-    return "mousemove " + std::to_string(place.x + x) + " " + std::to_string(place.y + y);
-}
 
 } // namespace test
