@@ -34,6 +34,13 @@ void countElementsInstanced(GLenum, GLsizei count, GLenum, const void*, GLsizei 
 void countElementsBase(GLenum, GLsizei count, GLenum, const void*, GLint) { countVertices(count, 1); }
 void countRange(GLenum, GLuint, GLuint, GLsizei count, GLenum, const void*) { countVertices(count, 1); }
 
+void countMultiElementsBase(GLenum, const GLsizei* counts, GLenum, const void* const*, GLsizei n, const GLint*)
+{
+    ++s_counts.nDraws;
+    for (GLsizei i = 0; i < n; ++i)
+        s_counts.nVertices += static_cast<std::uint64_t>(counts[i]);
+}
+
 void countBytes(std::uint64_t n, const void* data)
 {
     ++s_counts.nUploads;
@@ -129,6 +136,7 @@ constexpr Entry cEntries[] = {
     counted<&glDrawElementsBaseVertex, &countElementsBase>,
     counted<&glDrawElementsInstanced, &countElementsInstanced>,
     counted<&glDrawRangeElements, &countRange>,
+    counted<&glMultiDrawElementsBaseVertex, &countMultiElementsBase>,
     counted<&glBufferData, &countBufferData>,
     counted<&glBufferSubData, &countBufferSubData>,
     counted<&glTexImage2D, &countImage>,

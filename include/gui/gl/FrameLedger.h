@@ -13,7 +13,8 @@ namespace gui::gl
 
 /// Counts what each frame costs: draw calls, changes of state, uploads, commands by kind, and times. It is off at first
 /// and costs nothing then; while it is on, GL's entry points go through functions that count, also those that the
-/// application calls by itself. Draw calls of several ranges (glMultiDraw...) and mapped buffers are not seen.
+/// application calls by itself. Of draw calls of several
+/// ranges only glMultiDrawElementsBaseVertex is seen, as one call; mapped buffers are not.
 ///
 /// A view's frames begin and end by themselves, with onDraw; a program that draws without a view marks its frames by
 /// begin() and end(). Calls between frames count for the frame that follows. A test can say that nothing is uploaded

@@ -24,6 +24,7 @@
 /// no buttons, menus or layout of widgets; and all of it is for one thread, the GUI thread.
 
 #include "Buffer.h"
+#include "BufferTexture.h"
 #include "Camera.h"
 #include "CameraView.h"
 #include "Color.h"
@@ -49,9 +50,11 @@
 #include "OrthoView.h"
 #include "Primitive.h"
 #include "Program.h"
+#include "Quads.h"
 #include "Scene.h"
 #include "SimplePolygon.h"
 #include "SkyBox.h"
+#include "StateGuard.h"
 #include "Text.h"
 #include "Texture.h"
 #include "Texture2DProgram.h"

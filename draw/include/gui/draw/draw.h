@@ -3,8 +3,11 @@
 // All public headers of guigl::draw: what is drawn in the plane, above gui::gl. Begin with Path.
 
 #include "Affine.h"
+#include "Drawing.h"
 #include "FillRule.h"
 #include "FillTessellator.h"
 #include "Path.h"
 #include "PathSegment.h"
 #include "Polylines.h"
+#include "Stroke.h"
+#include "Unit.h"

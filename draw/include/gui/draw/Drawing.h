@@ -1,0 +1,141 @@
+#pragma once
+
+#include "Affine.h"
+#include "FillRule.h"
+#include "Path.h"
+#include "Stroke.h"
+
+#include <td/Color.h>
+#include <td/Export.h>
+#include <td/Point.h>
+#include <td/RectNormalized.h>
+#include <td/Size.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace gui::gl
+{
+class OrthoView;
+}
+
+namespace gui::draw
+{
+
+/// A picture that is kept: filled and stroked paths, added once, drawn each frame, changed one by one, found under the
+/// pointer. All edges are smooth, in contexts with and without samples.
+///
+///     #include <gui/draw/Drawing.h>
+///     #include <gui/gl/OffscreenContext.h>
+///
+///     int main()
+///     {
+///         using gui::gl::DepthBuffer;
+///         gui::gl::Context settings(DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None,
+///                                   gui::gl::Context::Profile::Core41);
+///         gui::gl::OffscreenContext context({200, 200}, settings);
+///         gui::draw::Drawing drawing;
+///         gui::draw::Path disc;
+///         disc.addCircle({100, 100}, 80);
+///         drawing.fill(disc, td::Color(230, 190, 60, 255));
+///         drawing.stroke(disc, {.width = 4}, td::Color(90, 40, 20, 255));
+///         drawing.draw(gui::draw::Affine());
+///         return context.savePicture("disc.png") ? 0 : 1;
+///     }
+///
+/// In a view of a plane, `drawing.draw(*this)` in onDraw is all that zooming and panning take: nothing is uploaded for
+/// them, however many shapes there are. What changes is uploaded with the next draw, and nothing else.
+///
+/// Shapes are drawn in the order in which they were added, later ones over earlier ones; raise and lower change that.
+/// Each covers a pixel as far as its area does, and only once: where a translucent stroke crosses itself it is no darker.
+/// Fills are exact to some 1/255 of a pixel; strokes are taken at 64 samples a pixel. Where opaque shapes that were added
+/// later share edges with a fill, from corner to corner, nothing of what is below shows between them.
+///
+/// Coordinates are double, far from the origin as well: the points of a path are whole numbers of a step that is at
+/// most 2^-29 of its size (or 2^-52 of the largest coordinate), and are drawn within a tenth of a pixel of there at
+/// every zoom. (For a group that is turned or scaled, as long as the shape is less than a million pixels across.)
+///
+/// It draws into a texture of the viewport's size, with GL objects of its own, made anew in another context. Not
+/// copyable. Only draw needs a context; everything else is for any time, on the GUI thread.
+class GUIGL_API Drawing
+{
+public:
+    using Point = td::Point<double>;         ///< in model units
+    using Rect = td::RectNormalized<double>; ///< in model units
+    /// Names a shape or a group for as long as the drawing lives, and is not given twice; 0 is none.
+    using ID = std::uint64_t;
+
+    Drawing();
+    ~Drawing();
+    Drawing(const Drawing&) = delete;
+    Drawing& operator=(const Drawing&) = delete;
+
+    /// What is inside of a path, by the rule; open subpaths are closed.
+    /// @return the shape's id, also when nothing of it is to be seen
+    ID fill(const Path& path, td::Color color, FillRule rule = FillRule::NonZero);
+    /// A line along a path.
+    ID stroke(const Path& path, const Stroke& stroke, td::Color color);
+
+    /// What is added until endGroup belongs to the group, which may stand in another one.
+    /// @param transform  from the group's coordinates to those around it
+    ID beginGroup(const Affine& transform = {});
+    /// Without a beginGroup it is an assertion.
+    void endGroup();
+
+    /// Changes of shapes and, where it says so, groups. @return false for an id that names nothing (any more), or not
+    /// that; nothing changes then
+    bool setColor(ID shape, td::Color color);
+    /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
+    bool setVisible(ID id, bool isVisible);
+    bool setPath(ID shape, const Path& path);
+    /// Of a stroke only.
+    bool setStroke(ID shape, const Stroke& stroke);
+    /// Of a group, or of a shape, which has the identity at first.
+    bool setTransform(ID id, const Affine& transform);
+    /// Removes a shape, or a group with all that is in it.
+    bool remove(ID id);
+    /// Draws a shape right after (over) another, or right before (under) it. A group's shapes keep their order.
+    bool moveAbove(ID id, ID other);
+    bool moveBelow(ID id, ID other);
+    /// Draws it after all others, or before them.
+    bool raise(ID id);
+    bool lower(ID id);
+    /// Removes everything.
+    void clear();
+
+    /// How far the lines that stand for curves may be from them, in model units. 0, at first, means for each path 1/4096
+    /// of its own size. For paths that are added or set from now on.
+    void setTolerance(double tolerance);
+
+    /// Shapes, not groups.
+    std::size_t getNumberOfShapes() const;
+    /// Around all visible shapes with their strokes' widths, those in points left out; empty when there are none.
+    std::optional<Rect> getBounds() const;
+    std::optional<Rect> getBounds(ID id) const;
+
+    /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the state
+    /// is afterwards what it was, but for texture units 0 to 6.
+    /// @param modelToView     from model units to points from the viewport's top left corner, y downwards
+    /// @param pixelsPerPoint  of the view
+    /// @return false, with a log line for each kind of reason once, when it could not: no context, a map that has no
+    ///         inverse, a program that does not link, no memory
+    bool draw(const Affine& modelToView, double pixelsPerPoint = 1);
+    /// The same with a view's zoom and origin, from its onDraw.
+    bool draw(const gl::OrthoView& view);
+
+    /// The topmost visible shape within a tolerance of a point; 0 when there is none. Strokes whose width is in points
+    /// are as wide as the last draw has made them; before one, a point is a model unit.
+    /// @param tolerance  in model units; 0 for the shapes right at the point
+    ID pick(Point point, double tolerance = 0) const;
+    /// All visible shapes that have a part inside of the rectangle, the topmost one first.
+    std::vector<ID> pickAll(const Rect& rect) const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> _pImpl;
+};
+
+} // namespace gui::draw

@@ -1,0 +1,278 @@
+#include "ShapeGeometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+// Lines in a leaf, and parts that an inner node has: few enough that looking at all of them costs no more than another
+// box.
+constexpr std::int32_t cLeaf = 4;
+constexpr std::int32_t cParts = 4;
+
+GridPoint toGrid(td::Point<double> p, const ShapeGeometry& shape)
+{
+    return {static_cast<std::int32_t>(std::nearbyint((p.x - shape.origin.x) / shape.step)),
+            static_cast<std::int32_t>(std::nearbyint((p.y - shape.origin.y) / shape.step))};
+}
+
+void widen(std::array<std::int32_t, 4>& box, const std::array<std::int32_t, 4>& by)
+{
+    box = {std::min(box[0], by[0]), std::min(box[1], by[1]), std::max(box[2], by[2]), std::max(box[3], by[3])};
+}
+
+std::uint64_t spread(std::uint32_t n)
+{
+    std::uint64_t bits = n;
+    bits = (bits | bits << 16) & 0x0000ffff0000ffffU;
+    bits = (bits | bits << 8) & 0x00ff00ff00ff00ffU;
+    bits = (bits | bits << 4) & 0x0f0f0f0f0f0f0f0fU;
+    bits = (bits | bits << 2) & 0x3333333333333333U;
+    return (bits | bits << 1) & 0x5555555555555555U;
+}
+
+} // namespace
+
+void ShapeGeometry::clear()
+{
+    points.clear();
+    nodes.clear();
+    elements.clear();
+    lengths.clear();
+    reach = 1;
+}
+
+double toleranceFor(const Path& path, double tolerance)
+{
+    if (tolerance > 0)
+        return tolerance;
+    const std::optional<Path::Rect> bounds = path.getBounds();
+    const double size = bounds ? std::max(bounds->right - bounds->left, bounds->bottom - bounds->top) : 0;
+    return size > 0 && std::isfinite(size) ? size / 4096 : 1;
+}
+
+void ShapeBuilder::addElement(ShapeGeometry& shape, ElementKind kind, std::uint32_t point)
+{
+    shape.elements.push_back({static_cast<std::uint32_t>(kind) << 28, {point, 0, 0}});
+}
+
+void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last)
+{
+    const std::size_t number = shape.nodes.size();
+    shape.nodes.emplace_back();
+    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    const std::int32_t n = last - first;
+    if (n <= cLeaf)
+        for (std::int32_t i = first; i <= last; ++i)
+        {
+            const GridPoint p = shape.points[static_cast<std::size_t>(i)];
+            widen(box, {p.x, p.y, p.x, p.y});
+        }
+    else
+    {
+        const std::int32_t part = ((n + cParts - 1) / cParts + cLeaf - 1) / cLeaf * cLeaf;
+        for (std::int32_t begin = first; begin < last; begin += part)
+        {
+            const std::size_t child = shape.nodes.size();
+            addChain(shape, begin, std::min(begin + part, last));
+            widen(box, shape.nodes[child].box);
+        }
+    }
+    shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, n <= cLeaf};
+}
+
+void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t last)
+{
+    if (last - first == 1)
+    {
+        addChain(shape, _rings[first].first, _rings[first].last);
+        return;
+    }
+    const std::size_t number = shape.nodes.size();
+    shape.nodes.emplace_back();
+    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    const std::size_t part = (last - first + cParts - 1) / cParts;
+    for (std::size_t begin = first; begin < last; begin += part)
+    {
+        const std::size_t child = shape.nodes.size();
+        addRings(shape, begin, std::min(begin + part, last));
+        widen(box, shape.nodes[child].box);
+    }
+    const std::int32_t point = _rings[first].first;
+    shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), point, point, 0};
+}
+
+void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, ShapeGeometry& shape)
+{
+    shape.clear();
+    _fill.addPath(path, toleranceFor(path, tolerance));
+    _fill.tessellate(rule);
+    const std::vector<td::Point<double>>& vertices = _fill.getVertices();
+    if (_fill.getIndices().empty())
+        return;
+    td::Point<double> low = vertices.front(), high = low;
+    for (const td::Point<double>& p : vertices)
+    {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+    }
+    shape.step = _fill.getStep();
+    // A number of the grid, so that all differences are whole.
+    shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
+                    std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
+    linkRings(shape);
+    const std::vector<std::uint32_t>& indices = _fill.getIndices();
+    for (std::size_t i = 0; i < indices.size(); i += 3)
+        shape.elements.push_back({static_cast<std::uint32_t>(ElementKind::Triangle) << 28,
+                                  {_numbers[indices[i]], _numbers[indices[i + 1]], _numbers[indices[i + 2]]}});
+    for (const Ring& ring : _rings)
+        for (std::int32_t i = ring.first; i < ring.last; ++i)
+            addElement(shape, ElementKind::Edge, static_cast<std::uint32_t>(i));
+}
+
+// Joins the boundary's edges end to end: which ones, where several meet, makes no difference to what they enclose.
+void ShapeBuilder::linkRings(ShapeGeometry& shape)
+{
+    const std::vector<td::Point<double>>& vertices = _fill.getVertices();
+    const std::vector<FillTessellator::Edge>& edges = _fill.getBoundary();
+    _starts.assign(vertices.size() + 1, 0);
+    for (const FillTessellator::Edge& edge : edges)
+        ++_starts[edge.from + 1];
+    for (std::size_t i = 1; i < _starts.size(); ++i)
+        _starts[i] += _starts[i - 1];
+    _next.resize(edges.size());
+    _numbers.assign(_starts.begin(), _starts.end() - 1);
+    for (const FillTessellator::Edge& edge : edges)
+        _next[_numbers[edge.from]++] = edge.to;
+
+    // From here on: the edges of each vertex that are left end at _numbers, and the first point that each became.
+    std::vector<std::uint32_t>& ends = _numbers;
+    std::vector<std::uint32_t> firstPoints(vertices.size(), UINT32_MAX);
+    _rings.clear();
+    for (std::uint32_t vertex = 0; vertex < vertices.size(); ++vertex)
+        while (ends[vertex] > _starts[vertex])
+        {
+            const auto first = static_cast<std::int32_t>(shape.points.size());
+            std::uint32_t at = vertex;
+            std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+            do
+            {
+                const GridPoint p = toGrid(vertices[at], shape);
+                firstPoints[at] = std::min(firstPoints[at], static_cast<std::uint32_t>(shape.points.size()));
+                shape.points.push_back(p);
+                widen(box, {p.x, p.y, p.x, p.y});
+                at = _next[--ends[at]];
+            } while (at != vertex);
+            shape.points.push_back(shape.points[static_cast<std::size_t>(first)]);
+            const auto along = [](std::int32_t low, std::int32_t high)
+            { return spread(static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U); };
+            _rings.push_back({first, static_cast<std::int32_t>(shape.points.size()) - 1,
+                              along(box[0], box[2]) | along(box[1], box[3]) << 1});
+        }
+    _numbers = std::move(firstPoints);
+    if (_rings.size() > static_cast<std::size_t>(cParts))
+        std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
+    addRings(shape, 0, _rings.size());
+}
+
+void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape)
+{
+    shape.clear();
+    _lines.clear();
+    path.flatten(toleranceFor(path, tolerance), _lines);
+    constexpr double cLargest = 1e300;
+    td::Point<double> low(cLargest, cLargest), high(-cLargest, -cLargest);
+    const auto isUsable = [](td::Point<double> p) { return std::abs(p.x) <= cLargest && std::abs(p.y) <= cLargest; };
+    for (const td::Point<double>& p : _lines.points)
+        if (isUsable(p))
+        {
+            low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+            high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+        }
+    if (low.x > high.x)
+        return;
+    const double half = std::max(high.x / 2 - low.x / 2, high.y / 2 - low.y / 2);
+    const double farthest = std::max({std::abs(low.x), std::abs(low.y), std::abs(high.x), std::abs(high.y)});
+    const auto powerOfTwoFrom = [](double number)
+    {
+        int exponent = 0;
+        const double fraction = std::frexp(number, &exponent);
+        return std::ldexp(1, fraction == 0.5 ? exponent - 1 : exponent);
+    };
+    // As the tessellator's grid.
+    shape.step = std::max({powerOfTwoFrom(half) * 0x1p-29, powerOfTwoFrom(farthest) * 0x1p-52, 0x1p-100});
+    shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
+                    std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
+    _rings.clear();
+    for (const Polylines::Line& line : _lines.lines)
+    {
+        _line.clear();
+        for (const td::Point<double>& p : _lines.pointsOf(line))
+            if (isUsable(p))
+                if (const GridPoint g = toGrid(p, shape); _line.empty() || _line.back() != g)
+                    _line.push_back(g);
+        addLine(line, stroke, shape);
+    }
+    if (!_rings.empty())
+        addRings(shape, 0, _rings.size());
+    if (stroke.cap == Cap::Square)
+        shape.reach = std::max(shape.reach, 1.5F);
+}
+
+// Each line of a chain finds the points before and after it beside its own: where there is none, its own again.
+void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape)
+{
+    if (line.isClosed && _line.size() > 1 && _line.front() == _line.back())
+        _line.pop_back();
+    if (_line.empty())
+        return;
+    const bool isClosed = line.isClosed && _line.size() > 1;
+    const GridPoint before = isClosed ? _line.back() : _line.front();
+    if (isClosed || _line.size() == 1)
+        _line.push_back(_line.front());
+    const GridPoint after = isClosed ? _line[1] : _line.back();
+    shape.points.push_back(before);
+    const auto first = static_cast<std::uint32_t>(shape.points.size());
+    shape.points.insert(shape.points.end(), _line.begin(), _line.end());
+    const auto last = static_cast<std::uint32_t>(shape.points.size()) - 1;
+    shape.points.push_back(after);
+    _rings.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), 0});
+
+    const auto wayTo = [&shape](std::uint32_t i)
+    {
+        const GridPoint a = shape.points[i - 1], b = shape.points[i];
+        return td::Point<double>(double(b.x) - a.x, double(b.y) - a.y);
+    };
+    for (std::uint32_t i = first; i < last; ++i)
+    {
+        addElement(shape, ElementKind::Line, i);
+        const td::Point<double> in = wayTo(i), out = wayTo(i + 1);
+        const double lengths = std::hypot(in.x, in.y) * std::hypot(out.x, out.y);
+        if (stroke.join != Join::Miter || lengths == 0)
+            continue;
+        // A mitre ends 1 / cos(half the turn) halves of the width from its corner.
+        const double cosine = std::sqrt(std::max((1 + (in.x * out.x + in.y * out.y) / lengths) / 2, 0.0));
+        if (1 > std::max(stroke.miterLimit, 1.0) * cosine * 1.000001)
+            continue;
+        shape.reach = std::max(shape.reach, static_cast<float>(1 / cosine));
+        // Less far, the quads of its lines cover it.
+        if (cosine < 0.7)
+            addElement(shape, ElementKind::Tip, i);
+    }
+    if (stroke.dashes.empty())
+        return;
+    shape.lengths.resize(shape.points.size());
+    double length = 0;
+    for (std::uint32_t i = first; i <= last; ++i)
+    {
+        if (i > first)
+            length += std::hypot(wayTo(i).x, wayTo(i).y);
+        shape.lengths[i] = static_cast<float>(i == last ? -std::max(length, 1e-30) : length);
+    }
+}
+
+} // namespace gui::draw

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "../fill/GridPoint.h"
+
+#include <gui/draw/FillTessellator.h>
+#include <gui/draw/Path.h>
+#include <gui/draw/Stroke.h>
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// A box around some consecutive lines and, before the next node that is not within it, those around parts of them.
+struct EdgeNode
+{
+    std::array<std::int32_t, 4> box{}; // left, top, right, bottom
+    std::int32_t next = 0;             // the node to go on with when this one's inside does not matter
+    std::int32_t first = 0;            // its first point
+    std::int32_t last = 0;             // its last one; the same for nodes of several rings
+    std::int32_t isLeaf = 0;           // whether lines are all that is in it
+};
+static_assert(sizeof(EdgeNode) == 32);
+
+/// What a quad is made from.
+enum class ElementKind : std::uint32_t
+{
+    Triangle, ///< three points
+    Edge,     ///< of a fill's boundary: the point where it begins
+    Line,     ///< of a stroke, likewise
+    Tip       ///< of a mitre: the point of its corner
+};
+
+/// A quad to draw.
+struct Element
+{
+    std::uint32_t shapeAndKind = 0; // the kind in the topmost four bits
+    std::array<std::uint32_t, 3> points{};
+};
+static_assert(sizeof(Element) == 16);
+
+/// A shape as it is kept and drawn: its points on a grid about an origin of its own, and a tree of boxes over the lines
+/// between consecutive ones. Numbers of points and nodes begin with 0.
+struct ShapeGeometry
+{
+    td::Point<double> origin;
+    double step = 1;
+    std::vector<GridPoint> points;
+    std::vector<EdgeNode> nodes;
+    std::vector<Element> elements; // of shape 0
+    std::vector<float> lengths;    // of a dashed stroke: of the subpath up to each point, in steps, below 0 at its end
+    float reach = 1;               // how far from its points a stroke's parts are, in halves of its width
+
+    void clear();
+};
+
+/// Makes them, with memory that is kept from one to the next.
+class ShapeBuilder
+{
+public:
+    void makeFill(const Path& path, FillRule rule, double tolerance, ShapeGeometry& shape);
+    void makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape);
+
+private:
+    void linkRings(ShapeGeometry& shape);
+    void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
+    void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last);
+    void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last);
+    void addElement(ShapeGeometry& shape, ElementKind kind, std::uint32_t point);
+
+    struct Ring
+    {
+        std::int32_t first, last; // points, the last one where the first is
+        std::uint64_t place;      // along a curve that fills the plane
+    };
+
+    FillTessellator _fill;
+    Polylines _lines;
+    std::vector<std::uint32_t> _starts, _next, _numbers;
+    std::vector<Ring> _rings;
+    std::vector<GridPoint> _line;
+};
+
+/// The tolerance that stands for "as fine as the path wants".
+double toleranceFor(const Path& path, double tolerance);
+
+} // namespace gui::draw

@@ -1,0 +1,231 @@
+#include "ShapeTables.h"
+
+#include <cmath>
+#include <numeric>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+std::array<std::uint32_t, 2> wordsOf(std::int64_t number)
+{
+    const auto bits = static_cast<std::uint64_t>(number);
+    return {static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
+}
+
+bool isDashed(const Stroke& stroke)
+{
+    const double sum = std::accumulate(stroke.dashes.begin(), stroke.dashes.end(), 0.0);
+    return sum > 0 && std::isfinite(sum) &&
+           std::all_of(stroke.dashes.begin(), stroke.dashes.end(), [](double length) { return length >= 0; });
+}
+
+} // namespace
+
+ShapeTables::ShapeTables()
+    : _records(gl::BufferTexture::Format::UInt4)
+    , _elements(gl::BufferTexture::Format::UInt4)
+    , _points(gl::BufferTexture::Format::Int2)
+    , _nodes(gl::BufferTexture::Format::Int4)
+    , _numbers(gl::BufferTexture::Format::Float)
+    , _links(gl::BufferTexture::Format::UInt)
+{
+}
+
+void ShapeTables::addShape(ShapePlaces& places)
+{
+    places = {};
+    places.record = _records.take(1);
+    const ShapeRecord record;
+    _records.set(places.record, std::span(&record, 1));
+}
+
+void ShapeTables::giveBack(ShapePlaces& places)
+{
+    _points.giveBack(places.points.first, places.points.count);
+    _nodes.giveBack(places.nodes.first, places.nodes.count);
+    _elements.giveBack(places.elements.first, places.elements.count);
+    _numbers.giveBack(places.numbers.first, places.numbers.count);
+    places.points = places.nodes = places.elements = places.numbers = {};
+}
+
+void ShapeTables::removeShape(ShapePlaces& places)
+{
+    giveBack(places);
+    _links.giveBack(places.links.first, places.links.count);
+    _records.giveBack(places.record, 1);
+    places = {};
+}
+
+void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke)
+{
+    giveBack(places);
+    const auto add = [](auto& table, const auto& records) -> TableRange {
+        return {table.add(records), static_cast<std::uint32_t>(records.size())};
+    };
+    places.points = add(_points, geometry.points);
+    places.nodes = add(_nodes, geometry.nodes);
+    _patched = geometry.elements;
+    for (Element& element : _patched)
+        element.shapeAndKind |= places.record;
+    places.elements = add(_elements, _patched);
+
+    ShapeRecord record = _records[places.record];
+    record.points = places.points.first;
+    record.nodes = places.nodes.first;
+    record.nNodes = places.nodes.count;
+    record.reach = geometry.reach;
+    record.dashes = -1;
+    constexpr std::uint32_t cStyle = IsStroke | IsWidthInPoints | AreDashesInPoints | 3U << CapShift | 3U << JoinShift;
+    record.flags &= ~cStyle;
+    if (pStroke != nullptr)
+    {
+        const Stroke& stroke = *pStroke;
+        const bool isInPoints = stroke.unit == Unit::Points;
+        record.halfWidth = static_cast<float>(stroke.width / 2 / (isInPoints ? 1 : geometry.step));
+        record.miterLimit = static_cast<float>(std::max(stroke.miterLimit, 1.0));
+        record.flags |= IsStroke | (isInPoints ? IsWidthInPoints : 0U) |
+                        (stroke.dashUnit == Unit::Points ? AreDashesInPoints : 0U) |
+                        static_cast<std::uint32_t>(stroke.cap) << CapShift |
+                        static_cast<std::uint32_t>(stroke.join) << JoinShift;
+        if (isDashed(stroke))
+        {
+            const std::size_t n = stroke.dashes.size(), nTwice = n % 2 == 0 ? n : 2 * n;
+            double sum = 0;
+            _values.assign(3, 0.0F);
+            for (std::size_t i = 0; i < nTwice; ++i)
+            {
+                _values.push_back(static_cast<float>(stroke.dashes[i % n]));
+                sum += stroke.dashes[i % n];
+            }
+            const double offset = std::isfinite(stroke.dashOffset) ? std::fmod(stroke.dashOffset, sum) : 0;
+            _values[0] = static_cast<float>(nTwice);
+            _values[1] = static_cast<float>(sum);
+            _values[2] = static_cast<float>(offset < 0 ? offset + sum : offset);
+            _values.insert(_values.end(), geometry.lengths.begin(), geometry.lengths.end());
+            places.numbers = add(_numbers, _values);
+            record.dashes = static_cast<std::int32_t>(places.numbers.first);
+            record.lengths = static_cast<std::int32_t>(places.numbers.first + 3 + nTwice);
+        }
+    }
+    _records.set(places.record, std::span(&record, 1));
+}
+
+void ShapeTables::setColor(const ShapePlaces& places, td::Color color)
+{
+    _records.setMember(places.record, &ShapeRecord::rgba, color.rgba());
+    setFlag(places, IsOpaque, color.alpha() == 255);
+}
+
+void ShapeTables::setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn)
+{
+    const std::uint32_t flags = _records[places.record].flags;
+    _records.setMember(places.record, &ShapeRecord::flags, isOn ? flags | flag : flags & ~std::uint32_t(flag));
+}
+
+void ShapeTables::setOrder(const ShapePlaces& places, std::uint32_t order)
+{
+    _records.setMember(places.record, &ShapeRecord::order, order);
+}
+
+bool ShapeTables::makeRoomFor(double largest)
+{
+    int exponent = 0;
+    std::frexp(largest, &exponent);
+    if (_hasUnit && exponent + 1 - 62 <= _unit)
+        return false;
+    // Some room to grow before all places have to be set again.
+    _unit = exponent + 4 - 62;
+    _hasUnit = true;
+    return true;
+}
+
+std::int64_t ShapeTables::toUnits(double coordinate) const
+{
+    constexpr double cMost = 0x1p62;
+    const double units = std::ldexp(coordinate, -_unit);
+    return std::isnan(units) ? 0 : std::llrint(std::clamp(units, -cMost, cMost));
+}
+
+bool ShapeTables::setPlace(const ShapePlaces& places, td::Point<double> origin, double step, const Affine& transform)
+{
+    const td::Point<double> at = transform.map(origin);
+    const double largest = std::max(std::abs(at.x), std::abs(at.y));
+    if (makeRoomFor(largest > 0 && std::isfinite(largest) ? largest : std::ldexp(step, 30)))
+        return false;
+    ShapeRecord record = _records[places.record];
+    record.originX = wordsOf(toUnits(at.x));
+    record.originY = wordsOf(toUnits(at.y));
+    record.linear = {static_cast<float>(transform.a), static_cast<float>(transform.b), static_cast<float>(transform.c),
+                     static_cast<float>(transform.d)};
+    record.shift = std::ilogb(step) - _unit;
+    record.step = static_cast<float>(step);
+    record.stepsPerUnit = static_cast<float>(1 / step);
+    const bool isMoved = transform.a != 1 || transform.b != 0 || transform.c != 0 || transform.d != 1;
+    record.flags = isMoved ? record.flags | IsMoved : record.flags & ~std::uint32_t(IsMoved);
+    const ShapeRecord& old = _records[places.record];
+    _records.setMember(places.record, &ShapeRecord::originX, record.originX);
+    _records.setMember(places.record, &ShapeRecord::originY, record.originY);
+    if (old.linear != record.linear || old.shift != record.shift || old.step != record.step ||
+        old.flags != record.flags)
+        _records.set(places.record, std::span(&record, 1));
+    return true;
+}
+
+void ShapeTables::setLinks(ShapePlaces& places, std::span<const std::uint32_t> records)
+{
+    if (places.links.count != records.size())
+    {
+        _links.giveBack(places.links.first, places.links.count);
+        places.links = {_links.take(records.size()), static_cast<std::uint32_t>(records.size())};
+        _records.setMember(places.record, &ShapeRecord::links, places.links.first);
+        _records.setMember(places.record, &ShapeRecord::nLinks, places.links.count);
+    }
+    _links.set(places.links.first, records);
+}
+
+void ShapeTables::clear()
+{
+    _records.clear();
+    _elements.clear();
+    _points.clear();
+    _nodes.clear();
+    _numbers.clear();
+    _links.clear();
+    _hasUnit = false;
+}
+
+void ShapeTables::reorderElements(std::span<TableRange* const> ranges)
+{
+    _patched.clear();
+    for (TableRange* pRange : ranges)
+    {
+        const auto first = static_cast<std::uint32_t>(_patched.size());
+        for (std::uint32_t i = 0; i < pRange->count; ++i)
+            _patched.push_back(_elements[pRange->first + i]);
+        pRange->first = first;
+    }
+    _elements.clear();
+    _elements.add(_patched);
+}
+
+bool ShapeTables::upload()
+{
+    return _records.upload() && _elements.upload() && _points.upload() && _nodes.upload() && _numbers.upload() &&
+           _links.upload();
+}
+
+void ShapeTables::bind() const
+{
+    using Place = gl::Texture::Unit;
+    _records.bind(Place::T0);
+    _elements.bind(Place::T1);
+    _points.bind(Place::T2);
+    _nodes.bind(Place::T3);
+    _numbers.bind(Place::T4);
+    _links.bind(Place::T5);
+}
+
+} // namespace gui::draw

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "ShapeGeometry.h"
+#include "Table.h"
+
+#include <gui/draw/Affine.h>
+
+#include <td/Color.h>
+
+#include <array>
+#include <cstdint>
+
+namespace gui::draw
+{
+
+/// What the drawing program knows of a shape, as the shaders read it: six texels.
+struct ShapeRecord
+{
+    std::array<std::uint32_t, 2> originX{}; // low and high words, in the drawing's units
+    std::array<std::uint32_t, 2> originY{};
+    std::array<float, 4> linear{1, 0, 0, 1}; // of its transform, by columns
+    std::int32_t shift = 0;                  // the step's power of two over the unit's
+    float step = 1;
+    std::uint32_t flags = 0;
+    std::uint32_t order = 0;
+    std::uint32_t rgba = 0;
+    std::uint32_t nodes = 0;
+    std::uint32_t nNodes = 0;
+    std::uint32_t points = 0;
+    float halfWidth = 0;
+    float miterLimit = 1;
+    std::int32_t dashes = -1; // where the pattern stands among the numbers
+    std::int32_t lengths = 0;
+    std::uint32_t links = 0;
+    std::uint32_t nLinks = 0;
+    float stepsPerUnit = 1;
+    float reach = 1;
+};
+static_assert(sizeof(ShapeRecord) == 96);
+
+/// The bits of ShapeRecord::flags; from bit 8 on two for the cap, then two for the join.
+enum ShapeFlag : std::uint32_t
+{
+    IsVisible = 1,
+    IsStroke = 2,
+    IsWidthInPoints = 4,
+    AreDashesInPoints = 8,
+    IsOpaque = 16,
+    IsMoved = 32, // its transform is more than a translation
+    CapShift = 8,
+    JoinShift = 10
+};
+
+/// Some records in a row.
+struct TableRange
+{
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+};
+
+/// Where the parts of a shape stand in the tables.
+struct ShapePlaces
+{
+    std::uint32_t record = 0;
+    TableRange points, nodes, elements, numbers, links;
+};
+
+/// Everything that shapes consist of in GL memory, and the same on this side.
+class ShapeTables
+{
+public:
+    ShapeTables();
+
+    /// Takes a record for a new shape.
+    void addShape(ShapePlaces& places);
+    void removeShape(ShapePlaces& places);
+    /// Replaces what a shape consists of; pStroke is null for a fill.
+    void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
+    void setColor(const ShapePlaces& places, td::Color color);
+    void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);
+    void setOrder(const ShapePlaces& places, std::uint32_t order);
+    /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that
+    bool setPlace(const ShapePlaces& places, td::Point<double> origin, double step, const Affine& transform);
+    void setLinks(ShapePlaces& places, std::span<const std::uint32_t> records);
+
+    /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
+    bool makeRoomFor(double largest);
+    /// A model coordinate in units, held within the room there is.
+    std::int64_t toUnits(double coordinate) const;
+
+    void clear();
+    /// Sends what has changed.
+    bool upload();
+    /// To units from 0 on: records, elements, points, nodes, numbers, links.
+    void bind() const;
+
+    const Table<ShapeRecord>& getRecords() const { return _records; }
+    const Table<Element>& getElements() const { return _elements; }
+    const Table<GridPoint>& getPoints() const { return _points; }
+    const Table<EdgeNode>& getNodes() const { return _nodes; }
+    /// Brings elements into the order in which they are drawn.
+    void reorderElements(std::span<TableRange* const> ranges);
+
+private:
+    void giveBack(ShapePlaces& places);
+
+    Table<ShapeRecord> _records;
+    Table<Element> _elements;
+    Table<GridPoint> _points;
+    Table<EdgeNode> _nodes;
+    Table<float> _numbers;
+    Table<std::uint32_t> _links;
+    int _unit = 0; // a power of two
+    bool _hasUnit = false;
+    std::vector<Element> _patched;
+    std::vector<float> _values;
+};
+
+} // namespace gui::draw

@@ -1,0 +1,500 @@
+// How much of a pixel a shape covers, exactly for fills and by 64 samples for strokes, from the lines of the shape near
+// the pixel alone, which a tree of boxes finds.
+uniform isamplerBuffer nodes;
+uniform samplerBuffer numbers;
+uniform usamplerBuffer links; // for each shape: the later ones that share an edge with it
+
+flat in int shape;
+flat in int kind;
+flat in ivec2 middle;
+flat in vec2 toMiddle;
+flat in vec4 stepsToPixels;
+noperspective in vec3 corner;
+
+out vec4 color;
+
+// ---- fills: the area by a line integral over their boundary
+
+// The mean of x, brought into 0 to 1, from u to v.
+float meanOfClamped(float u, float v)
+{
+    if (abs(v - u) < 1e-3)
+        return clamp((u + v) / 2.0, 0.0, 1.0);
+    vec2 t = vec2(u, v), c = clamp(t, 0.0, 1.0);
+    vec2 area = c * c / 2.0 + max(t - 1.0, 0.0);
+    return (area.y - area.x) / (v - u);
+}
+
+float heightWithin(float from, float to) { return clamp(to, -0.5, 0.5) - clamp(from, -0.5, 0.5); }
+
+// What lies to the left of a line within the pixel from -0.5 to 0.5.
+float areaLeftOf(vec2 a, vec2 b)
+{
+    float y0 = clamp(a.y, -0.5, 0.5), y1 = clamp(b.y, -0.5, 0.5);
+    if (y0 == y1)
+        return 0.0;
+    float slope = (b.x - a.x) / (b.y - a.y);
+    return (y1 - y0) * meanOfClamped(a.x + (y0 - a.y) * slope + 0.5, a.x + (y1 - a.y) * slope + 0.5);
+}
+
+float areaOfLine(Place place, int first, vec2 pixel)
+{
+    ivec2 pa = texelFetch(points, first).xy, pb = texelFetch(points, first + 1).xy;
+    vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
+    vec2 nearA = a, nearB = b;
+    float area = 0.0;
+    if (shorten(place, pa, pb, nearA, nearB))
+    {
+        if (nearA.x > 0.0)
+            area += heightWithin(a.y - pixel.y, nearA.y - pixel.y);
+        if (nearB.x > 0.0)
+            area += heightWithin(nearB.y - pixel.y, b.y - pixel.y);
+    }
+    return area + areaLeftOf(nearA - pixel, nearB - pixel);
+}
+
+float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
+{
+    mat2 extent = mat2(abs(place.pixels[0]), abs(place.pixels[1]));
+    float area = 0.0;
+    int base = node, end = node + nNodes;
+    while (node < end)
+    {
+        ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+        vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
+        vec2 c = place.pixels * (low + high) / 2.0 - pixel, h = extent * vec2(box.zw - box.xy) / 2.0;
+        int first = pointBase + info.y, last = pointBase + info.z;
+        if (abs(c.x) < h.x + 0.5 && abs(c.y) < h.y + 0.5)
+        {
+            if (max(h.x, h.y) < 1.0 / 64.0)
+                area += areaLeftOf(pixelOf(place, texelFetch(points, first).xy) - pixel,
+                                   pixelOf(place, texelFetch(points, last).xy) - pixel);
+            else if (info.w == 0)
+            {
+                ++node;
+                continue;
+            }
+            else
+                for (int i = first; i < last; ++i)
+                    area += areaOfLine(place, i, pixel);
+        }
+        else if (c.x > 0.0 && abs(c.y) < h.y + 0.5 && first != last)
+            // All of it is to the right: only where it begins and ends counts.
+            area += heightWithin(pixelOf(place, texelFetch(points, first).xy).y - pixel.y,
+                                 pixelOf(place, texelFetch(points, last).xy).y - pixel.y);
+        node = base + info.x;
+    }
+    return determinant(place.pixels) < 0.0 ? -area : area;
+}
+
+// Of the pixel, what the shape and the opaque ones above it that share an edge with it cover together. So the shapes of a
+// map, each of which covers a part of the pixels between them, let nothing through of what is below.
+float coverageOfFill(Place place, vec2 pixel)
+{
+    uvec4 own = texelFetch(shapes, 6 * shape + 3);
+    uvec4 state = texelFetch(shapes, 6 * shape + 2);
+    uvec4 more = texelFetch(shapes, 6 * shape + 5);
+    float covered = 0.0;
+    for (int i = -1; i < int(more.y); ++i)
+    {
+        if (i >= 0)
+        {
+            if (covered > 0.999)
+                break;
+            int other = int(texelFetch(links, int(more.x) + i).x);
+            uvec4 otherState = texelFetch(shapes, 6 * other + 2);
+            if ((otherState.z & (cVisible | cOpaque)) != (cVisible | cOpaque) || otherState.w <= state.w)
+                continue;
+            place = placeOf(other);
+            own = texelFetch(shapes, 6 * other + 3);
+        }
+        covered += max(areaOfFill(place, int(own.y), int(own.z), int(own.w), pixel), 0.0);
+        if (i < 0 && covered < 1.0 / 2048.0)
+            return 0.0;
+    }
+    return min(covered, 1.0);
+}
+
+// ---- strokes: samples, eight in each of eight rows, no two at the same x or y; bit by bit those that are covered
+
+struct Rows
+{
+    vec4 x0, x1, y0, y1; // where rows begin, in the brush's space: there a round brush is round
+    vec2 way;            // from sample to sample
+};
+
+// Of each row, the samples from low to high.
+struct Spans
+{
+    vec4 low0, low1, high0, high1;
+};
+
+Spans wholeRows() { return Spans(vec4(-1.0), vec4(-1.0), vec4(8.0), vec4(8.0)); }
+
+void cutSpan(inout vec4 low, inout vec4 high, vec4 f, float g, float half_)
+{
+    if (abs(g) < 1e-7)
+        high = mix(vec4(-1.0), high, lessThanEqual(abs(f), vec4(half_)));
+    else
+    {
+        vec4 m = f / g;
+        float w = abs(half_ / g);
+        low = max(low, m - w);
+        high = min(high, m + w);
+    }
+}
+
+// Leaves the samples whose distance from the line n x = c is half_ at most.
+void cutSlab(inout Spans s, Rows rows, vec2 n, float c, float half_)
+{
+    float g = dot(n, rows.way);
+    cutSpan(s.low0, s.high0, c - n.x * rows.x0 - n.y * rows.y0, g, half_);
+    cutSpan(s.low1, s.high1, c - n.x * rows.x1 - n.y * rows.y1, g, half_);
+}
+
+void cutSpanByHalf(inout vec4 low, inout vec4 high, vec4 f, float g)
+{
+    if (abs(g) < 1e-7)
+        high = mix(vec4(-1.0), high, greaterThanEqual(f, vec4(0.0)));
+    else if (g > 0.0)
+        high = min(high, f / g);
+    else
+        low = max(low, f / g);
+}
+
+// Leaves those with n x <= c.
+void cutHalf(inout Spans s, Rows rows, vec2 n, float c)
+{
+    float g = dot(n, rows.way);
+    cutSpanByHalf(s.low0, s.high0, c - n.x * rows.x0 - n.y * rows.y0, g);
+    cutSpanByHalf(s.low1, s.high1, c - n.x * rows.x1 - n.y * rows.y1, g);
+}
+
+void cutSpanByDisc(inout vec4 low, inout vec4 high, vec4 ex, vec4 ey, vec2 way, float radius)
+{
+    float a = dot(way, way);
+    vec4 b = ex * way.x + ey * way.y;
+    vec4 root = b * b - a * (ex * ex + ey * ey - radius * radius);
+    high = mix(high, vec4(-1.0), lessThan(root, vec4(0.0)));
+    root = sqrt(max(root, vec4(0.0)));
+    low = max(low, (-b - root) / a);
+    high = min(high, (-b + root) / a);
+}
+
+void cutDisc(inout Spans s, Rows rows, vec2 c, float radius)
+{
+    cutSpanByDisc(s.low0, s.high0, rows.x0 - c.x, rows.y0 - c.y, rows.way, radius);
+    cutSpanByDisc(s.low1, s.high1, rows.x1 - c.x, rows.y1 - c.y, rows.way, radius);
+}
+
+uvec4 bitsOf(vec4 low, vec4 high)
+{
+    uvec4 from = uvec4(clamp(ceil(low), 0.0, 8.0)), to = uvec4(clamp(floor(high) + 1.0, 0.0, 8.0));
+    return ((uvec4(1u) << to) - 1u) & ~((uvec4(1u) << from) - 1u);
+}
+
+uvec2 maskOf(Spans s)
+{
+    uvec4 first = bitsOf(s.low0, s.high0) << uvec4(0u, 8u, 16u, 24u);
+    uvec4 second = bitsOf(s.low1, s.high1) << uvec4(0u, 8u, 16u, 24u);
+    return uvec2(first.x | first.y | first.z | first.w, second.x | second.y | second.z | second.w);
+}
+
+float shareOf(uvec2 mask)
+{
+    mask -= mask >> 1 & 0x55555555u;
+    mask = (mask & 0x33333333u) + (mask >> 2 & 0x33333333u);
+    mask = mask + (mask >> 4) & 0x0f0f0f0fu;
+    uint sum = mask.x + mask.y;
+    return float((sum & 0xffu) + (sum >> 8 & 0xffu) + (sum >> 16 & 0xffu) + (sum >> 24)) / 64.0;
+}
+
+struct Brush
+{
+    float radius;
+    float reach; // of what a line covers, about its own points
+    int cap;     // 0 butt, 1 round, 2 square
+    int join;    // 0 mitre, 1 round, 2 bevel
+    float miterLimit;
+    float pixel; // half of the pixel's diagonal at most
+    int dashes;  // where the pattern stands among the numbers; below 0 for none
+    float dashScale;
+    int lengths; // of the subpath up to each point, in steps; below 0 where it ends
+    float perStep;
+};
+
+// A piece of a line with the direction u, between two lengths from a.
+uvec2 bodyMask(Rows rows, Brush brush, vec2 a, vec2 u, float from, float to)
+{
+    vec2 n = vec2(-u.y, u.x);
+    Spans s = wholeRows();
+    cutSlab(s, rows, n, dot(n, a), brush.radius);
+    cutSlab(s, rows, u, dot(u, a) + (from + to) / 2.0, (to - from) / 2.0);
+    return maskOf(s);
+}
+
+uvec2 discMask(Rows rows, Brush brush, vec2 c)
+{
+    Spans s = wholeRows();
+    cutDisc(s, rows, c, brush.radius);
+    return maskOf(s);
+}
+
+// At an end that lies `at` along the line; outwards is 1 or -1.
+uvec2 capMask(Rows rows, Brush brush, vec2 a, vec2 u, float at, float outwards)
+{
+    if (brush.cap == 0)
+        return uvec2(0u);
+    if (brush.cap == 1)
+        return discMask(rows, brush, a + u * at);
+    float end = at + outwards * brush.radius;
+    return bodyMask(rows, brush, a, u, min(at, end), max(at, end));
+}
+
+uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after)
+{
+    float turn = before.x * after.y - before.y * after.x;
+    float cosine = dot(before, after);
+    if (brush.join == 1)
+        return discMask(rows, brush, c);
+    if (turn == 0.0)
+        return uvec2(0u);
+    vec2 n0 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-before.y, before.x);
+    vec2 n1 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-after.y, after.x);
+    Spans s = wholeRows();
+    cutHalf(s, rows, -before, dot(-before, c));
+    cutHalf(s, rows, after, dot(after, c));
+    // The cosine of half the turn: how far the chord is, and one through the length of the mitre.
+    float halfCosine = sqrt(max((1.0 + cosine) / 2.0, 0.0));
+    if (brush.join == 0 && 1.0 <= brush.miterLimit * halfCosine * 1.000001)
+    {
+        cutHalf(s, rows, n0, dot(n0, c) + brush.radius);
+        cutHalf(s, rows, n1, dot(n1, c) + brush.radius);
+    }
+    else
+    {
+        vec2 m = n0 + n1;
+        float len = length(m);
+        // Lines that turn back on themselves have no corner outside.
+        if (len < 1e-6)
+            return uvec2(0u);
+        m /= len;
+        cutHalf(s, rows, m, dot(m, c) + brush.radius * halfCosine);
+    }
+    return maskOf(s);
+}
+
+// The pattern: number of lengths, their sum, where it begins, the lengths.
+bool isDashAt(Brush brush, float s)
+{
+    int n = int(texelFetch(numbers, brush.dashes).x);
+    float sum = texelFetch(numbers, brush.dashes + 1).x;
+    float t = mod(s + texelFetch(numbers, brush.dashes + 2).x, sum);
+    for (int i = 0; i < n; ++i)
+    {
+        float len = texelFetch(numbers, brush.dashes + 3 + i).x;
+        if (t < len || i == n - 1)
+            return (i & 1) == 0 && t > 0.0;
+        t -= len;
+    }
+    return false;
+}
+
+// The dashes of a line that begins `start` after its subpath did. Everything in the brush's units, but the pattern.
+uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start, bool isFirst, bool isLast)
+{
+    int n = int(texelFetch(numbers, brush.dashes).x);
+    float sum = texelFetch(numbers, brush.dashes + 1).x * brush.dashScale;
+    float offset = texelFetch(numbers, brush.dashes + 2).x * brush.dashScale;
+    // Only what is near the pixel, which is at 0, 0.
+    float here = -dot(a, u), near = brush.pixel + (brush.cap == 0 ? 0.0 : brush.radius);
+    float from = max(here - near, 0.0), to = min(here + near, len);
+    uvec2 mask = uvec2(0u);
+    if (from > to)
+        return mask;
+    // A length that is 0 has no inside, and its caps all the same.
+    float at = floor((start + from + offset) / sum) * sum - offset - start;
+    for (int round_ = 0; round_ < 100; ++round_)
+    {
+        for (int i = 0; i < n; i += 2)
+        {
+            float on = texelFetch(numbers, brush.dashes + 3 + i).x * brush.dashScale;
+            float off = texelFetch(numbers, brush.dashes + 4 + i).x * brush.dashScale;
+            float end = at + on;
+            if (end >= from && at <= to)
+            {
+                bool beginsHere = at >= 0.0 && (at < len || isLast), endsHere = end <= len && (end > 0.0 || isFirst);
+                float low = max(at, 0.0), high = min(end, len);
+                if (low <= high)
+                {
+                    if (low < high)
+                        mask |= bodyMask(rows, brush, a, u, low, high);
+                    if (beginsHere || isFirst && at < 0.0)
+                        mask |= capMask(rows, brush, a, u, low, -1.0);
+                    if (endsHere || isLast && end > len)
+                        mask |= capMask(rows, brush, a, u, high, 1.0);
+                }
+            }
+            at = end + off;
+        }
+        if (at > to || mask == uvec2(0xffffffffu))
+            break;
+    }
+    return mask;
+}
+
+// A line of the stroke with its join at the beginning and the caps of open ends.
+uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, int pointBase, int i)
+{
+    ivec2 pb = texelFetch(points, i).xy, pc = texelFetch(points, i + 1).xy;
+    vec2 nearB = pixelOf(place, pb), nearC = pixelOf(place, pc);
+    shorten(place, pb, pc, nearB, nearC);
+    vec2 a = toBrush * (nearB - pixel), b = toBrush * (nearC - pixel);
+    vec2 u = b - a;
+    float len = length(u);
+    u = len > 0.0 ? u / len : vec2(1.0, 0.0);
+    uvec2 mask = uvec2(0u);
+    // Too far away for anything but a mitre's tip.
+    float along = -dot(a, u), across = dot(a, vec2(-u.y, u.x));
+    float reach = brush.radius + brush.pixel;
+    bool isNear = abs(across) <= reach && along >= -reach && along <= len + reach;
+    bool mayJoin = dot(a, a) <= brush.reach * brush.reach;
+    if (!isNear && !mayJoin)
+        return mask;
+    ivec2 pa = texelFetch(points, i - 1).xy, pd = texelFetch(points, i + 2).xy;
+    bool isFirst = pa == pb, isLast = pd == pc;
+    float start = 0.0;
+    bool isJoined = !isFirst;
+    if (brush.dashes >= 0)
+    {
+        start = texelFetch(numbers, brush.lengths + i - pointBase).x * brush.perStep;
+        // A subpath's first line joins nothing: its dashes begin and end with caps.
+        isFirst = isFirst || start == 0.0;
+        isLast = isLast || texelFetch(numbers, brush.lengths + 1 + i - pointBase).x < 0.0;
+        isJoined = !isFirst && isDashAt(brush, start / brush.dashScale);
+        if (isNear)
+            mask |= dashesMask(rows, brush, a, u, len, start, isFirst, isLast);
+    }
+    else if (isNear)
+    {
+        mask |= bodyMask(rows, brush, a, u, 0.0, len);
+        if (isFirst)
+            mask |= capMask(rows, brush, a, u, 0.0, -1.0);
+        if (isLast)
+            mask |= capMask(rows, brush, a, u, len, 1.0);
+    }
+    if (isJoined && mayJoin)
+    {
+        vec2 before = toBrush * (place.pixels * vec2(pb - pa));
+        mask |= joinMask(rows, brush, a, normalize(before), u);
+    }
+    return mask;
+}
+
+float coverageOfStroke(Place place, vec2 pixel)
+{
+    uvec4 state = texelFetch(shapes, 6 * shape + 2), own = texelFetch(shapes, 6 * shape + 3);
+    uvec4 style = texelFetch(shapes, 6 * shape + 4), more = texelFetch(shapes, 6 * shape + 5);
+    // In pixels, or where a round brush of model units is round and about as large as in pixels.
+    bool isInPoints = (state.z & cWidthInPoints) != 0u;
+    float scale = sqrt(abs(determinant(place.pixels)));
+    mat2 toBrush = isInPoints ? mat2(1.0) : inverse(place.pixels) * scale;
+    Brush brush;
+    brush.radius = uintBitsToFloat(style.x) * (isInPoints ? pixelsPerPoint : scale);
+    brush.miterLimit = uintBitsToFloat(style.y);
+    brush.cap = int(state.z >> 8 & 3u);
+    brush.join = int(state.z >> 10 & 3u);
+    brush.dashes = int(style.z);
+    brush.lengths = int(style.w);
+    brush.perStep = scale;
+    brush.dashScale = (state.z & cDashesInPoints) != 0u ? pixelsPerPoint : scale * uintBitsToFloat(more.z);
+    // A pattern too fine to be seen makes the line fainter.
+    float fade = 1.0;
+    if (brush.dashes >= 0)
+    {
+        float sum = texelFetch(numbers, brush.dashes + 1).x, on = 0.0;
+        if (sum * brush.dashScale < 0.5)
+        {
+            int n = int(texelFetch(numbers, brush.dashes).x);
+            for (int i = 0; i < n; i += 2)
+                on += texelFetch(numbers, brush.dashes + 3 + i).x +
+                      (brush.cap == 0 ? 0.0 : 2.0 * brush.radius / brush.dashScale);
+            fade = min(on / sum, 1.0);
+            brush.dashes = -1;
+        }
+    }
+    vec2 across = vec2(abs(toBrush[0].x) + abs(toBrush[1].x), abs(toBrush[0].y) + abs(toBrush[1].y)) / 2.0;
+    brush.pixel = length(across);
+    brush.reach = brush.radius * max(uintBitsToFloat(more.w), 1.0) + brush.pixel;
+
+    Rows rows;
+    vec4 j0 = vec4(0.0, 1.0, 2.0, 3.0), j1 = j0 + 4.0;
+    vec4 x0 = (j0 + 0.5) / 64.0 - 0.5, x1 = (j1 + 0.5) / 64.0 - 0.5;
+    vec4 y0 = (j0 + 7.5 / 8.0) / 8.0 - 0.5, y1 = (j1 + 7.5 / 8.0) / 8.0 - 0.5;
+    rows.x0 = toBrush[0].x * x0 + toBrush[1].x * y0;
+    rows.x1 = toBrush[0].x * x1 + toBrush[1].x * y1;
+    rows.y0 = toBrush[0].y * x0 + toBrush[1].y * y0;
+    rows.y1 = toBrush[0].y * x1 + toBrush[1].y * y1;
+    rows.way = toBrush * vec2(1.0 / 8.0, -1.0 / 64.0);
+
+    mat2 toBrushFromSteps = toBrush * place.pixels;
+    mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1]));
+    vec2 pixelInBrush = toBrush * pixel;
+    vec2 margin = across + brush.radius * max(uintBitsToFloat(more.w), 1.0);
+    int pointBase = int(own.w);
+    int node = int(own.y), base = node, end = node + int(own.z);
+    uvec2 mask = uvec2(0u);
+    while (node < end && mask != uvec2(0xffffffffu))
+    {
+        ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+        vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
+        vec2 c = toBrushFromSteps * (low + high) / 2.0 - pixelInBrush;
+        vec2 h = extent * vec2(box.zw - box.xy) / 2.0;
+        if (all(lessThan(abs(c), h + margin)))
+        {
+            int first = pointBase + info.y, last = pointBase + info.z;
+            if (max(h.x, h.y) < 1.0 / 64.0 && brush.dashes < 0 && last > first + 1)
+            {
+                vec2 a = toBrush * (pixelOf(place, texelFetch(points, first).xy) - pixel);
+                vec2 b = toBrush * (pixelOf(place, texelFetch(points, last).xy) - pixel);
+                float len = length(b - a);
+                vec2 u = len > 0.0 ? (b - a) / len : vec2(1.0, 0.0);
+                mask |= bodyMask(rows, brush, a, u, 0.0, len);
+                if (texelFetch(points, first - 1).xy != texelFetch(points, first).xy)
+                    mask |= discMask(rows, brush, a);
+                else
+                    mask |= capMask(rows, brush, a, u, 0.0, -1.0);
+                if (texelFetch(points, last + 1).xy == texelFetch(points, last).xy)
+                    mask |= capMask(rows, brush, a, u, len, 1.0);
+            }
+            else if (info.w == 0)
+            {
+                ++node;
+                continue;
+            }
+            else
+                for (int i = first; i < last; ++i)
+                    mask |= lineMask(rows, brush, place, toBrush, pixel, pointBase, i);
+        }
+        node = base + info.x;
+    }
+    return shareOf(mask) * fade;
+}
+
+vec4 paint(uvec4 own)
+{
+    vec4 c = vec4(own.x & 255u, own.x >> 8 & 255u, own.x >> 16 & 255u, own.x >> 24) / 255.0;
+    return vec4(c.rgb * c.a, c.a);
+}
+
+void main()
+{
+    uvec4 state = texelFetch(shapes, 6 * shape + 2), own = texelFetch(shapes, 6 * shape + 3);
+    Place place = Place(middle, toMiddle, mat2(stepsToPixels.xy, stepsToPixels.zw));
+    vec2 pixel = gl_FragCoord.xy - halfSize;
+    float coverage = 1.0;
+    // All of the pixel within a triangle needs no closer look.
+    if (kind != cTriangles || any(lessThan(corner - (abs(dFdx(corner)) + abs(dFdy(corner))) / 2.0, vec3(0.0))))
+        coverage = (state.z & cStroke) != 0u ? coverageOfStroke(place, pixel) : coverageOfFill(place, pixel);
+    color = paint(own) * coverage;
+}

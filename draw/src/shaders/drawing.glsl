@@ -1,0 +1,144 @@
+#version 330 core
+// What both stages of the drawing program know: where shapes and their points are, in pixels from the middle of the
+// viewport, however far from the origin that is.
+uniform usamplerBuffer shapes; // six texels each
+uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
+uniform ivec4 center;          // the model point in the middle, in units: low and high word of x, then of y
+uniform vec4 toPixels;         // pixels per model unit, by columns
+uniform vec2 halfSize;         // of the viewport, in pixels
+uniform float pixelsPerPoint;
+
+const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3;
+const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u, cMoved = 32u;
+// Pixels from the middle beyond which floats are too coarse.
+const float cFar = 32768.0;
+
+// How a shape's points become pixels: pixels * (point - middle + toMiddle).
+struct Place
+{
+    ivec2 middle;  // the viewport's middle in steps, as far as whole numbers go
+    vec2 toMiddle; // and the rest of it
+    mat2 pixels;   // per step
+};
+
+float powerOfTwo(int exponent) { return uintBitsToFloat(uint(clamp(exponent, -126, 127) + 127) << 23); }
+
+// Of a number of 64 bits. The magnitude comes first, so that small negative ones keep all their digits.
+float toFloat(uvec2 n)
+{
+    bool isNegative = int(n.y) < 0;
+    if (isNegative)
+    {
+        n = ~n;
+        n.x += 1u;
+        n.y += n.x == 0u ? 1u : 0u;
+    }
+    float f = float(n.y) * 4294967296.0 + float(n.x);
+    return isNegative ? -f : f;
+}
+
+uvec2 subtract(uvec2 a, uvec2 b) { return uvec2(a.x - b.x, a.y - b.y - (a.x < b.x ? 1u : 0u)); }
+
+// n / 2^shift as a whole number and a fraction of 0 to 1; (0, all of it) where 31 bits are too few.
+void divide(uvec2 n, int shift, out int whole, out float fraction)
+{
+    float all_ = toFloat(n) * powerOfTwo(-shift);
+    if (abs(all_) >= 1073741824.0)
+    {
+        whole = 0;
+        fraction = all_;
+    }
+    else if (shift <= 0)
+    {
+        whole = int(n.x << uint(-shift));
+        fraction = 0.0;
+    }
+    else if (shift < 32)
+    {
+        whole = int(n.x >> uint(shift) | n.y << uint(32 - shift));
+        fraction = float(n.x & (1u << uint(shift)) - 1u) * powerOfTwo(-shift);
+    }
+    else
+    {
+        whole = shift < 63 ? int(n.y) >> (shift - 32) : int(n.y) >> 31;
+        uint high = shift < 63 ? n.y & (1u << uint(shift - 32)) - 1u : n.y & 0x7fffffffu;
+        fraction = (float(high) * 4294967296.0 + float(n.x)) * powerOfTwo(-shift);
+    }
+}
+
+Place placeOf(int shape)
+{
+    uvec4 origin = texelFetch(shapes, 6 * shape);
+    vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
+    uvec4 state = texelFetch(shapes, 6 * shape + 2);
+    uvec2 x = subtract(uvec2(center.xy), origin.xy), y = subtract(uvec2(center.zw), origin.zw);
+    int shift = int(state.x);
+    Place place;
+    mat2 own = mat2(linear.xy, linear.zw);
+    if ((state.z & cMoved) == 0u)
+    {
+        vec2 rest;
+        divide(x, shift, place.middle.x, rest.x);
+        divide(y, shift, place.middle.y, rest.y);
+        place.toMiddle = -rest;
+    }
+    else
+    {
+        vec2 at = inverse(own) * (vec2(toFloat(x), toFloat(y)) * powerOfTwo(-shift));
+        place.middle = ivec2(all(lessThan(abs(at), vec2(1073741824.0))) ? floor(at) : vec2(0.0));
+        place.toMiddle = vec2(place.middle) - at;
+    }
+    place.pixels = mat2(toPixels.xy, toPixels.zw) * own * uintBitsToFloat(state.y);
+    return place;
+}
+
+vec2 stepsOf(Place place, ivec2 point) { return vec2(point - place.middle) + place.toMiddle; }
+vec2 pixelOf(Place place, ivec2 point) { return place.pixels * stepsOf(place, point); }
+
+// The most that a length in steps grows to in pixels.
+float stretchOf(Place place)
+{
+    mat2 m = place.pixels;
+    float sum = dot(m[0], m[0]) + dot(m[1], m[1]), det = determinant(m);
+    return sqrt((sum + sqrt(max(sum * sum - 4.0 * det * det, 0.0))) / 2.0);
+}
+
+uvec2 product(int a, int b)
+{
+    uint m = uint(abs(a)), n = uint(abs(b));
+    uint low = (m & 0xffffu) * (n & 0xffffu), one = (m >> 16) * (n & 0xffffu), other = (m & 0xffffu) * (n >> 16);
+    uint middle = (low >> 16) + (one & 0xffffu) + (other & 0xffffu);
+    uvec2 result = uvec2(low & 0xffffu | middle << 16,
+                         (m >> 16) * (n >> 16) + (one >> 16) + (other >> 16) + (middle >> 16));
+    if ((a < 0) != (b < 0))
+        result = subtract(uvec2(0u), result);
+    return result;
+}
+
+// Replaces the ends of a line, in pixels, by others on it within reach where they are farther away. Where the line passes
+// the middle is found in whole numbers: floats are off by pixels there when the ends are millions away.
+bool shorten(Place place, ivec2 pa, ivec2 pb, inout vec2 a, inout vec2 b)
+{
+    if (max(max(abs(a.x), abs(a.y)), max(abs(b.x), abs(b.y))) <= cFar || pa == pb)
+        return false;
+    ivec2 toA = pa - place.middle, way = pb - pa;
+    vec2 direction = vec2(way);
+    float len = length(direction);
+    direction /= len;
+    float cross_ = toFloat(subtract(product(toA.x, way.y), product(toA.y, way.x))) / len +
+                   place.toMiddle.x * direction.y - place.toMiddle.y * direction.x;
+    // In steps from here on.
+    vec2 foot = vec2(direction.y, -direction.x) * cross_;
+    float reach = cFar / max(length(place.pixels * direction), 1e-30);
+    vec2 alongs = vec2(dot(stepsOf(place, pa) , direction), dot(stepsOf(place, pb), direction));
+    // What is near stays as it is, to the last digit.
+    if (alongs.x < -reach)
+        a = place.pixels * (foot - direction * reach);
+    else if (alongs.x > reach)
+        a = place.pixels * (foot + direction * reach);
+    if (alongs.y < -reach)
+        b = place.pixels * (foot - direction * reach);
+    else if (alongs.y > reach)
+        b = place.pixels * (foot + direction * reach);
+    return true;
+}

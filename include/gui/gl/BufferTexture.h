@@ -1,0 +1,68 @@
+#pragma once
+
+#include "CurrentContext.h"
+#include "Texture.h"
+
+#include <td/Export.h>
+#include <td/Types.h>
+
+#include <cstddef>
+
+namespace gui::gl
+{
+
+/// Numbers in GL memory that a shader reads by their place, with texelFetch from a samplerBuffer (or isamplerBuffer,
+/// usamplerBuffer): tables of any size that change in parts.
+///
+/// The memory is not kept here: whoever fills it knows what stands in it. Not copyable. Needs the context current that
+/// it was made in, except for the destructor, release and queries. GUI thread only.
+class GUIGL_API BufferTexture
+{
+public:
+    /// What one texel is.
+    enum class Format : td::BYTE
+    {
+        Float,  ///< 1 float: samplerBuffer
+        Float4, ///< 4 floats: samplerBuffer
+        Int2,   ///< 2 ints of 32 bits: isamplerBuffer
+        Int4,   ///< 4 ints: isamplerBuffer
+        UInt,   ///< 1 unsigned int: usamplerBuffer
+        UInt4   ///< 4 unsigned ints: usamplerBuffer
+    };
+
+    explicit BufferTexture(Format format);
+    ~BufferTexture();
+    BufferTexture(const BufferTexture&) = delete;
+    BufferTexture& operator=(const BufferTexture&) = delete;
+
+    /// The bytes of a texel: 4, 8 or 16.
+    std::size_t getTexelSize() const;
+
+    /// Makes room, and forgets what was there unless the size in bytes stays the same.
+    /// @return false, with what was there kept and a log line, without a current context ("Error!
+    ///         BufferTexture::resize without a current GL context!") or when the driver has no room for so many texels
+    ///         ("Error! BufferTexture::resize: N texels, the driver has M at most!")
+    bool resize(std::size_t nTexels);
+    /// The texels there is room for; 0 after the death of the context.
+    std::size_t getSize() const { return CurrentContext::isAlive(_contextID) ? _nTexels : 0; }
+
+    /// Uploads texels; first + n must not exceed getSize() (an assertion; nothing is uploaded then).
+    void write(std::size_t first, const void* data, std::size_t n);
+    /// The same in bytes, which need not be whole texels.
+    void writeBytes(std::size_t offset, const void* data, std::size_t nBytes);
+
+    /// Binds it to a texture unit, where a sampler of that number finds it.
+    void bind(Texture::Unit unit) const;
+
+    /// Deletes the GL objects. Needs no context.
+    void release();
+
+private:
+    Format _format;
+    unsigned int _buffer = 0;
+    unsigned int _texture = 0;
+    std::size_t _nTexels = 0;
+    CurrentContext::ID _contextID = 0;
+};
+
+} // namespace gui::gl

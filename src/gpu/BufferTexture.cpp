@@ -1,0 +1,108 @@
+#include <gui/gl/BufferTexture.h>
+
+#include <gui/gl/Textures.h>
+
+#include <td/Assert.h>
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <array>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+struct FormatOfGL
+{
+    GLenum internal;
+    std::size_t nBytes;
+};
+
+constexpr std::array<FormatOfGL, 6> cFormats{
+    {{GL_R32F, 4}, {GL_RGBA32F, 16}, {GL_RG32I, 8}, {GL_RGBA32I, 16}, {GL_R32UI, 4}, {GL_RGBA32UI, 16}}};
+
+const FormatOfGL& formatOf(BufferTexture::Format format) { return cFormats[static_cast<std::size_t>(format)]; }
+
+} // namespace
+
+BufferTexture::BufferTexture(Format format)
+    : _format(format)
+{
+    TD_ASSERT(static_cast<std::size_t>(format) < cFormats.size());
+}
+
+BufferTexture::~BufferTexture() { release(); }
+
+std::size_t BufferTexture::getTexelSize() const { return formatOf(_format).nBytes; }
+
+bool BufferTexture::resize(std::size_t nTexels)
+{
+    if (!CurrentContext::isThere("BufferTexture::resize"))
+        return false;
+    GLint most = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most);
+    if (nTexels > static_cast<std::size_t>(most))
+    {
+        vo::dbgLog("Error! BufferTexture::resize: %zu texels, the driver has %d at most!", nTexels, most);
+        return false;
+    }
+    if (_contextID != CurrentContext::getID())
+        release();
+    if (_buffer != 0 && nTexels == _nTexels)
+        return true;
+    const bool isNew = _buffer == 0;
+    if (isNew)
+    {
+        glGenBuffers(1, &_buffer);
+        glGenTextures(1, &_texture);
+        _contextID = CurrentContext::getID();
+    }
+    glBindBuffer(GL_TEXTURE_BUFFER, _buffer);
+    glBufferData(GL_TEXTURE_BUFFER, static_cast<GLsizeiptr>(nTexels * getTexelSize()), nullptr, GL_DYNAMIC_DRAW);
+    if (isNew)
+    {
+        glBindTexture(GL_TEXTURE_BUFFER, _texture);
+        glTexBuffer(GL_TEXTURE_BUFFER, formatOf(_format).internal, _buffer);
+        glBindTexture(GL_TEXTURE_BUFFER, 0);
+    }
+    glBindBuffer(GL_TEXTURE_BUFFER, 0);
+    _nTexels = nTexels;
+    return true;
+}
+
+void BufferTexture::write(std::size_t first, const void* data, std::size_t n)
+{
+    TD_ASSERT(first <= getSize() && n <= getSize() - first);
+    writeBytes(first * getTexelSize(), data, n * getTexelSize());
+}
+
+void BufferTexture::writeBytes(std::size_t offset, const void* data, std::size_t nBytes)
+{
+    const std::size_t size = getSize() * getTexelSize();
+    TD_ASSERT(offset <= size && nBytes <= size - offset);
+    if (nBytes == 0)
+        return;
+    glBindBuffer(GL_TEXTURE_BUFFER, _buffer);
+    glBufferSubData(GL_TEXTURE_BUFFER, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(nBytes), data);
+    glBindBuffer(GL_TEXTURE_BUFFER, 0);
+}
+
+void BufferTexture::bind(Texture::Unit unit) const
+{
+    glActiveTexture(Textures::getZavPosID(unit));
+    glBindTexture(GL_TEXTURE_BUFFER, getSize() != 0 ? _texture : 0);
+}
+
+void BufferTexture::release()
+{
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, _texture);
+    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _buffer);
+    _texture = _buffer = 0;
+    _nTexels = 0;
+    _contextID = 0;
+}
+
+} // namespace gui::gl
