@@ -87,8 +87,8 @@ float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
     return determinant(place.pixels) < 0.0 ? -area : area;
 }
 
-// Of the pixel, what the shape and the opaque ones above it that share an edge with it cover together. So the shapes of a
-// map, each of which covers a part of the pixels between them, let nothing through of what is below.
+// Of the pixel, what the shape and the opaque ones above it that share an edge with it cover together. So the shapes of
+// a map, each of which covers a part of the pixels between them, let nothing through of what is below.
 float coverageOfFill(Place place, vec2 pixel)
 {
     uvec4 own = texelFetch(shapes, 6 * shape + 3);

@@ -115,8 +115,8 @@ uvec2 product(int a, int b)
     return result;
 }
 
-// Replaces the ends of a line, in pixels, by others on it within reach where they are farther away. Where the line passes
-// the middle is found in whole numbers: floats are off by pixels there when the ends are millions away.
+// Replaces the ends of a line, in pixels, by others on it within reach where they are farther away. Where the line
+// passes the middle is found in whole numbers: floats are off by pixels there when the ends are millions away.
 bool shorten(Place place, ivec2 pa, ivec2 pb, inout vec2 a, inout vec2 b)
 {
     if (max(max(abs(a.x), abs(a.y)), max(abs(b.x), abs(b.y))) <= cFar || pa == pb)

@@ -11,8 +11,8 @@
 namespace gui::gl
 {
 
-/// Draws quads that have no vertex attributes: the vertex shader makes each corner from gl_VertexID, whose quotient by 4
-/// is the quad's number and whose remainder its corner, with what it finds in a BufferTexture or works out.
+/// Draws quads that have no vertex attributes: the vertex shader makes each corner from gl_VertexID, whose quotient by
+/// 4 is the quad's number and whose remainder its corner, with what it finds in a BufferTexture or works out.
 ///
 /// Corners 0, 1, 2 and 2, 1, 3 are the two triangles. Ranges of any length take one GL call together, which draws them
 /// in their order. Not copyable. GUI thread only.

@@ -7,10 +7,10 @@
 namespace gui::gl
 {
 
-/// Remembers the GL state that drawing changes and puts it back when it goes: framebuffers (drawing and reading), viewport,
-/// clear colour, depth (test, function, writing), stencil test, blending (on or off, functions, equations), culling,
-/// scissor test, colour mask, polygon mode, vertex array, program, active texture unit. For code that draws between the
-/// calls of others, who are to notice nothing:
+/// Remembers the GL state that drawing changes and puts it back when it goes: framebuffers (drawing and reading),
+/// viewport, clear colour, depth (test, function, writing), stencil test, blending (on or off, functions, equations),
+/// culling, scissor test, colour mask, polygon mode, vertex array, program, active texture unit. For code that draws
+/// between the calls of others, who are to notice nothing:
 ///
 ///     {
 ///         gui::gl::StateGuard guard;

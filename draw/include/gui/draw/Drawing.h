@@ -50,9 +50,9 @@ namespace gui::draw
 /// them, however many shapes there are. What changes is uploaded with the next draw, and nothing else.
 ///
 /// Shapes are drawn in the order in which they were added, later ones over earlier ones; raise and lower change that.
-/// Each covers a pixel as far as its area does, and only once: where a translucent stroke crosses itself it is no darker.
-/// Fills are exact to some 1/255 of a pixel; strokes are taken at 64 samples a pixel. Where opaque shapes that were added
-/// later share edges with a fill, from corner to corner, nothing of what is below shows between them.
+/// Each covers a pixel as far as its area does, and only once: where a translucent stroke crosses itself it is no
+/// darker. Fills are exact to some 1/255 of a pixel; strokes are taken at 64 samples a pixel. Where opaque shapes that
+/// were added later share edges with a fill, from corner to corner, nothing of what is below shows between them.
 ///
 /// Coordinates are double, far from the origin as well: the points of a path are whole numbers of a step that is at
 /// most 2^-29 of its size (or 2^-52 of the largest coordinate), and are drawn within a tenth of a pixel of there at
@@ -106,8 +106,8 @@ public:
     /// Removes everything.
     void clear();
 
-    /// How far the lines that stand for curves may be from them, in model units. 0, at first, means for each path 1/4096
-    /// of its own size. For paths that are added or set from now on.
+    /// How far the lines that stand for curves may be from them, in model units. 0, at first, means for each path
+    /// 1/4096 of its own size. For paths that are added or set from now on.
     void setTolerance(double tolerance);
 
     /// Shapes, not groups.
@@ -116,8 +116,8 @@ public:
     std::optional<Rect> getBounds() const;
     std::optional<Rect> getBounds(ID id) const;
 
-    /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the state
-    /// is afterwards what it was, but for texture units 0 to 6.
+    /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the
+    /// state is afterwards what it was, but for texture units 0 to 6.
     /// @param modelToView     from model units to points from the viewport's top left corner, y downwards
     /// @param pixelsPerPoint  of the view
     /// @return false, with a log line for each kind of reason once, when it could not: no context, a map that has no
