@@ -57,8 +57,9 @@ struct Drawing::Impl
         Affine whole; // with those of all groups around it
         td::Point<double> origin;
         double step = 1;
-        std::optional<Rect> bounds; // of the path
-        Path path;                  // of a stroke, which makes its shape anew
+        bool hasBounds = false;
+        Rect bounds; // of its points, as they are kept
+        Path path;   // of a stroke, which makes its shape anew
         draw::Stroke stroke;
         ShapePlaces places;
         std::vector<std::uint32_t> members; // of a group
@@ -108,18 +109,16 @@ struct Drawing::Impl
         return slot;
     }
 
-    ID addShape(Kind kind, const Path& path, td::Color color)
+    ID addShape(Kind kind, td::Color color)
     {
         const std::uint32_t slot = add(kind);
         Item& item = items[slot];
         tables.addShape(item.places);
         tables.setFlag(item.places, IsVisible, item.isShown);
         tables.setColor(item.places, color);
-        item.place = static_cast<std::uint32_t>(order.size());
-        order.push_back(slot);
-        tables.setOrder(item.places, item.place);
+        append(item);
         ++nShapes;
-        return setPath(item, path);
+        return idOf(slot);
     }
 
     ID setPath(Item& item, const Path& path)
@@ -133,15 +132,16 @@ struct Drawing::Impl
             geometry.clear();
         item.origin = geometry.origin;
         item.step = geometry.step;
-        item.bounds = path.getBounds();
+        item.hasBounds = !geometry.nodes.empty();
+        if (item.hasBounds)
+        {
+            const std::array<std::int32_t, 4>& box = geometry.nodes.front().box;
+            item.bounds = {item.origin.x + item.step * box[0], item.origin.y + item.step * box[1],
+                           item.origin.x + item.step * box[2], item.origin.y + item.step * box[3]};
+        }
         if (isStroke)
             item.path = path;
-        const std::uint32_t nBefore = item.places.elements.count, firstBefore = item.places.elements.first;
         tables.setGeometry(item.places, geometry, isStroke ? &item.stroke : nullptr);
-        if (!areRangesStale && nBefore == 0 && item.place + 1 == order.size())
-            appendRange(item);
-        else if (nBefore != item.places.elements.count || firstBefore != item.places.elements.first)
-            areRangesStale = true;
         place(item);
         isChanged = true;
         return idOf(slotOf(item));
@@ -149,9 +149,12 @@ struct Drawing::Impl
 
     void place(const Item& item)
     {
+        enlist(item);
+        areElementsStale = true;
         if (!tables.setPlace(item.places, item.origin, item.step, item.whole))
             for (const std::uint32_t slot : order)
-                tables.setPlace(items[slot].places, items[slot].origin, items[slot].step, items[slot].whole);
+                if (slot != cNone)
+                    tables.setPlace(items[slot].places, items[slot].origin, items[slot].step, items[slot].whole);
     }
 
     // After a change of what is around it, or of its own.
@@ -164,8 +167,6 @@ struct Drawing::Impl
                 update(items[member]);
         else
         {
-            if (tables.getRecords()[item.places.record].flags % 2 != item.isShown)
-                areRangesStale = true;
             tables.setFlag(item.places, IsVisible, item.isShown);
             place(item);
         }
@@ -180,6 +181,7 @@ struct Drawing::Impl
         if (item.kind != Kind::Group)
         {
             tables.removeShape(item.places);
+            leaveGap(item);
             --nShapes;
         }
         if (group == slot)
@@ -189,43 +191,88 @@ struct Drawing::Impl
         freeSlots.push_back(slot);
     }
 
-    void appendRange(const Item& item)
+    // What is seen of a shape, with its stroke's width as far as that is known; false when there is nothing.
+    bool boundsOf(const Item& item, Rect& bounds) const
     {
-        const TableRange& elements = item.places.elements;
-        if (elements.count == 0 || !item.isShown)
-            return;
-        if (!ranges.empty() && ranges.back().first + ranges.back().count == elements.first)
-            ranges.back().count += elements.count;
-        else
-            ranges.push_back({elements.first, elements.count});
+        if (item.kind == Kind::Group || !item.isShown || !item.hasBounds)
+            return false;
+        const bool isWide = item.kind == Kind::Stroke && item.stroke.unit == Unit::Model;
+        const double margin = isWide ? item.stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
+        const Rect& rect = item.bounds;
+        bool isFirst = true;
+        for (const double x : {rect.left - margin, rect.right + margin})
+            for (const double y : {rect.top - margin, rect.bottom + margin})
+            {
+                const Point p = item.whole.map({x, y});
+                bounds = isFirst ? Rect(p.x, p.y, p.x, p.y)
+                                 : Rect(std::min(bounds.left, p.x), std::min(bounds.top, p.y),
+                                        std::max(bounds.right, p.x), std::max(bounds.bottom, p.y));
+                isFirst = false;
+            }
+        return true;
     }
 
-    void makeRanges()
+    // Tells the list of a shape.
+    void enlist(const Item& item)
     {
-        ranges.clear();
-        for (const std::uint32_t slot : order)
-            appendRange(items[slot]);
-        areRangesStale = false;
-        if (ranges.size() <= cMostRanges)
+        DrawList::Shape shape;
+        if (boundsOf(item, shape.bounds))
+        {
+            shape.first = item.places.elements.first;
+            shape.count = item.places.elements.count;
+            shape.record = item.places.record;
+            if (item.kind == Kind::Stroke && item.stroke.unit == Unit::Points)
+                shape.margin =
+                    static_cast<float>(item.stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+        }
+        list.set(item.place, shape);
+    }
+
+    // Where elements lie in too many pieces, they are brought into their order.
+    void tidy()
+    {
+        areElementsStale = false;
+        if (list.countRanges() <= cMostRanges)
             return;
         std::vector<TableRange*> inOrder;
         inOrder.reserve(order.size());
         for (const std::uint32_t slot : order)
-            inOrder.push_back(&items[slot].places.elements);
+            if (slot != cNone)
+                inOrder.push_back(&items[slot].places.elements);
         tables.reorderElements(inOrder);
-        ranges.clear();
         for (const std::uint32_t slot : order)
-            appendRange(items[slot]);
+            if (slot != cNone)
+                enlist(items[slot]);
     }
 
+    // Closes the gaps that removed and raised shapes have left.
     void renumber()
     {
+        std::erase(order, cNone);
+        list.clear();
         for (std::size_t i = 0; i < order.size(); ++i)
         {
-            items[order[i]].place = static_cast<std::uint32_t>(i);
-            tables.setOrder(items[order[i]].places, static_cast<std::uint32_t>(i));
+            Item& item = items[order[i]];
+            item.place = static_cast<std::uint32_t>(i);
+            tables.setOrder(item.places, item.place);
+            enlist(item);
         }
-        isOrderStale = false;
+        nGaps = 0;
+        areElementsStale = true;
+    }
+
+    void leaveGap(const Item& item)
+    {
+        order[item.place] = cNone;
+        list.removeAt(item.place);
+        ++nGaps;
+    }
+
+    void append(Item& item)
+    {
+        item.place = static_cast<std::uint32_t>(order.size());
+        order.push_back(slotOf(item));
+        tables.setOrder(item.places, item.place);
     }
 
     void collectShapes(std::uint32_t slot, std::vector<std::uint32_t>& shapes) const
@@ -236,75 +283,52 @@ struct Drawing::Impl
             collectShapes(member, shapes);
     }
 
-    // Moves shapes, in their order, to before a place in the order as it is now.
-    void move(const Item& item, std::size_t before)
+    // The shapes of an item, in the order of drawing.
+    std::vector<std::uint32_t> shapesOf(const Item& item) const
     {
-        if (isOrderStale)
-            renumber();
-        std::vector<std::uint32_t> moved;
-        collectShapes(slotOf(item), moved);
-        std::sort(moved.begin(), moved.end(),
-                  [this](std::uint32_t a, std::uint32_t b) { return items[a].place < items[b].place; });
-        std::vector<char> isMoved(order.size());
-        for (const std::uint32_t slot : moved)
-            isMoved[items[slot].place] = 1;
-        std::vector<std::uint32_t> result;
-        result.reserve(order.size());
-        for (std::size_t i = 0; i <= order.size(); ++i)
-        {
-            if (i == before)
-                result.insert(result.end(), moved.begin(), moved.end());
-            if (i < order.size() && isMoved[i] == 0)
-                result.push_back(order[i]);
-        }
-        order = std::move(result);
-        renumber();
-        areRangesStale = isChanged = true;
-    }
-
-    // The places of the first and the last shape of an item.
-    std::pair<std::size_t, std::size_t> placesOf(const Item& item)
-    {
-        if (isOrderStale)
-            renumber();
         std::vector<std::uint32_t> shapes;
         collectShapes(slotOf(item), shapes);
-        std::pair<std::size_t, std::size_t> places{order.size(), 0};
+        std::sort(shapes.begin(), shapes.end(),
+                  [this](std::uint32_t a, std::uint32_t b) { return items[a].place < items[b].place; });
+        return shapes;
+    }
+
+    // Moves shapes, in their order, to before a place.
+    void move(const std::vector<std::uint32_t>& shapes, std::size_t before)
+    {
         for (const std::uint32_t slot : shapes)
-            places = {std::min<std::size_t>(places.first, items[slot].place),
-                      std::max<std::size_t>(places.second, items[slot].place)};
-        return places;
+            leaveGap(items[slot]);
+        isChanged = true;
+        if (before < order.size())
+        {
+            order.insert(order.begin() + static_cast<std::ptrdiff_t>(before), shapes.begin(), shapes.end());
+            renumber();
+            return;
+        }
+        for (const std::uint32_t slot : shapes)
+        {
+            append(items[slot]);
+            place(items[slot]);
+        }
     }
 
     void widen(std::optional<Rect>& bounds, const Item& item) const
     {
         for (const std::uint32_t member : item.members)
             widen(bounds, items[member]);
-        if (item.kind == Kind::Group || !item.isShown || !item.bounds)
-            return;
-        const ShapeRecord& record = tables.getRecords()[item.places.record];
-        const bool isWide = item.kind == Kind::Stroke && item.stroke.unit == Unit::Model;
-        const double margin = isWide ? item.stroke.width / 2 * record.reach : 0;
-        const Rect& rect = *item.bounds;
-        for (const double x : {rect.left - margin, rect.right + margin})
-            for (const double y : {rect.top - margin, rect.bottom + margin})
-            {
-                const Point p = item.whole.map({x, y});
-                if (!bounds)
-                    bounds = Rect(p.x, p.y, p.x, p.y);
-                *bounds = Rect(std::min(bounds->left, p.x), std::min(bounds->top, p.y), std::max(bounds->right, p.x),
-                               std::max(bounds->bottom, p.y));
-            }
+        if (Rect rect; boundsOf(item, rect))
+            bounds = bounds ? Rect(std::min(bounds->left, rect.left), std::min(bounds->top, rect.top),
+                                   std::max(bounds->right, rect.right), std::max(bounds->bottom, rect.bottom))
+                            : rect;
     }
 
     bool draw(const Sight& sight)
     {
-        if (isOrderStale)
+        if (nGaps > 1000 && nGaps > order.size() / 2)
             renumber();
-        if (areRangesStale)
-            makeRanges();
-        pixelsPerPoint = sight.pixelsPerPoint;
-        if (!painter.draw(tables, ranges, sight, isChanged))
+        if (areElementsStale)
+            tidy();
+        if (!painter.draw(tables, list, sight, isChanged))
             return false;
         isChanged = false;
         // The geometric mean of what the axes are stretched by.
@@ -315,15 +339,14 @@ struct Drawing::Impl
 
     std::vector<Item> items;
     std::vector<std::uint32_t> freeSlots;
-    std::vector<std::uint32_t> order; // of drawing: shapes
-    std::vector<gl::Quads::Range> ranges;
+    std::vector<std::uint32_t> order; // of drawing: shapes, and gaps
+    std::size_t nGaps = 0;
+    DrawList list;
     std::size_t nShapes = 0;
     std::uint32_t group = cNone; // what is added belongs to
     double tolerance = 0;
-    double pixelsPerPoint = 1;
     double pointsPerUnit = 1;
-    bool isOrderStale = false;
-    bool areRangesStale = false;
+    bool areElementsStale = false;
     bool isChanged = true;
     bool hasSaidNoInverse = false;
     ShapeBuilder builder;
@@ -341,7 +364,7 @@ Drawing::~Drawing() = default;
 
 Drawing::ID Drawing::fill(const Path& path, td::Color color, FillRule rule)
 {
-    const ID id = _pImpl->addShape(Impl::Kind::Fill, Path(), color);
+    const ID id = _pImpl->addShape(Impl::Kind::Fill, color);
     Impl::Item& item = *_pImpl->find(id);
     item.rule = rule;
     return _pImpl->setPath(item, path);
@@ -349,7 +372,7 @@ Drawing::ID Drawing::fill(const Path& path, td::Color color, FillRule rule)
 
 Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, td::Color color)
 {
-    const ID id = _pImpl->addShape(Impl::Kind::Stroke, Path(), color);
+    const ID id = _pImpl->addShape(Impl::Kind::Stroke, color);
     Impl::Item& item = *_pImpl->find(id);
     item.stroke = stroke;
     return _pImpl->setPath(item, path);
@@ -425,29 +448,28 @@ bool Drawing::remove(ID id)
         return false;
     if (pItem->group != cNone)
         std::erase(impl.items[pItem->group].members, impl.slotOf(*pItem));
-    const std::size_t nBefore = impl.nShapes;
     impl.removeItem(impl.slotOf(*pItem));
-    if (impl.nShapes != nBefore)
-        std::erase_if(impl.order, [&impl](std::uint32_t slot) { return impl.items[slot].kind == Impl::Kind::None; });
-    impl.isOrderStale = impl.areRangesStale = impl.isChanged = true;
+    impl.isChanged = true;
     return true;
 }
 
 bool Drawing::moveAbove(ID id, ID other)
 {
-    Impl::Item *pItem = _pImpl->find(id), *pOther = _pImpl->find(other);
+    const Impl::Item *pItem = _pImpl->find(id), *pOther = _pImpl->find(other);
     if (pItem == nullptr || pOther == nullptr)
         return false;
-    _pImpl->move(*pItem, std::min(_pImpl->placesOf(*pOther).second + 1, _pImpl->order.size()));
+    if (const std::vector<std::uint32_t> others = _pImpl->shapesOf(*pOther); !others.empty())
+        _pImpl->move(_pImpl->shapesOf(*pItem), _pImpl->items[others.back()].place + std::size_t(1));
     return true;
 }
 
 bool Drawing::moveBelow(ID id, ID other)
 {
-    Impl::Item *pItem = _pImpl->find(id), *pOther = _pImpl->find(other);
+    const Impl::Item *pItem = _pImpl->find(id), *pOther = _pImpl->find(other);
     if (pItem == nullptr || pOther == nullptr)
         return false;
-    _pImpl->move(*pItem, _pImpl->placesOf(*pOther).first);
+    if (const std::vector<std::uint32_t> others = _pImpl->shapesOf(*pOther); !others.empty())
+        _pImpl->move(_pImpl->shapesOf(*pItem), _pImpl->items[others.front()].place);
     return true;
 }
 
@@ -455,7 +477,7 @@ bool Drawing::raise(ID id)
 {
     const Impl::Item* pItem = _pImpl->find(id);
     if (pItem != nullptr)
-        _pImpl->move(*pItem, _pImpl->order.size());
+        _pImpl->move(_pImpl->shapesOf(*pItem), _pImpl->order.size());
     return pItem != nullptr;
 }
 
@@ -463,7 +485,7 @@ bool Drawing::lower(ID id)
 {
     const Impl::Item* pItem = _pImpl->find(id);
     if (pItem != nullptr)
-        _pImpl->move(*pItem, 0);
+        _pImpl->move(_pImpl->shapesOf(*pItem), 0);
     return pItem != nullptr;
 }
 
@@ -478,11 +500,12 @@ void Drawing::clear()
             impl.freeSlots.push_back(slot);
         }
     impl.order.clear();
-    impl.ranges.clear();
+    impl.list.clear();
+    impl.nGaps = 0;
     impl.tables.clear();
     impl.nShapes = 0;
     impl.group = cNone;
-    impl.isOrderStale = impl.areRangesStale = false;
+    impl.areElementsStale = false;
     impl.isChanged = true;
 }
 
@@ -494,7 +517,8 @@ std::optional<Drawing::Rect> Drawing::getBounds() const
 {
     std::optional<Rect> bounds;
     for (const std::uint32_t slot : _pImpl->order)
-        _pImpl->widen(bounds, _pImpl->items[slot]);
+        if (slot != cNone)
+            _pImpl->widen(bounds, _pImpl->items[slot]);
     return bounds;
 }
 

@@ -9,7 +9,9 @@
 
 #include <epoxy/gl.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <string>
 
 namespace gui::draw
@@ -21,11 +23,33 @@ namespace
 /// The unit behind those of the tables.
 constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T6;
 
+/// The shaders' names for ShapeFeature's bits.
+constexpr std::array<const char*, 7> cFeatures{"FILLS", "STROKES", "ROUND", "CAPS", "DASHES", "LINKS", "FAR"};
+
+/// From so many pixels on a shape may have lines that floats are too coarse for.
+constexpr double cFar = 30000;
+
 glm::uvec4 wordsOf(std::int64_t x, std::int64_t y)
 {
     const auto a = static_cast<std::uint64_t>(x), b = static_cast<std::uint64_t>(y);
     return {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(a >> 32), static_cast<std::uint32_t>(b),
             static_cast<std::uint32_t>(b >> 32)};
+}
+
+// What is seen, in model units.
+DrawList::Rect visibleOf(const Sight& sight, td::Size<int> size)
+{
+    const Affine toModel = sight.toPixels.inverse().value_or(Affine());
+    const double x = (std::abs(toModel.a) * size.width + std::abs(toModel.c) * size.height) / 2;
+    const double y = (std::abs(toModel.b) * size.width + std::abs(toModel.d) * size.height) / 2;
+    return {sight.center.x - x, sight.center.y - y, sight.center.x + x, sight.center.y + y};
+}
+
+// The most that a length grows.
+double stretchOf(const Affine& m)
+{
+    const double sum = m.a * m.a + m.b * m.b + m.c * m.c + m.d * m.d, det = m.a * m.d - m.b * m.c;
+    return std::sqrt((sum + std::sqrt(std::max(sum * sum - 4 * det * det, 0.0))) / 2);
 }
 
 } // namespace
@@ -80,31 +104,42 @@ struct DrawingPainter::Layer
     td::Size<int> size{0, 0};
 };
 
+/// Draws shapes of some features, or, for none, the inside of opaque fills.
 class DrawingPainter::ShapeProgram : public gl::Program
 {
 public:
-    bool link()
+    bool link(unsigned int features)
     {
-        const std::string common = gui::getResText(":draw/drawing.glsl").c_str();
-        const std::string vertex = common + gui::getResText(":draw/drawing.vert").c_str();
-        const std::string fragment = common + gui::getResText(":draw/drawing.frag").c_str();
+        std::string head = "#version 330 core\n";
+        for (std::size_t i = 0; i < cFeatures.size(); ++i)
+            if ((features >> i & 1U) != 0)
+                head += std::string("#define ") + cFeatures[i] + '\n';
+        head += gui::getResText(":draw/drawing.glsl").c_str();
+        const bool isCore = features == 0;
+        const std::string vertex = head + gui::getResText(isCore ? ":draw/core.vert" : ":draw/drawing.vert").c_str();
+        const std::string fragment =
+            isCore ? std::string("#version 330 core\n") + gui::getResText(":draw/core.frag").c_str()
+                   : head + gui::getResText(":draw/drawing.frag").c_str();
         return Program::link(vertex.c_str(), fragment.c_str());
     }
 
-    int center = -1, toPixels = -1, halfSize = -1, pixelsPerPoint = -1;
-
-protected:
-    void onLinked() override
+    void activateFor(const ShapeTables& tables, const Sight& sight, td::Size<int> size)
     {
-        center = getUniformLocation("center");
-        toPixels = getUniformLocation("toPixels");
-        halfSize = getUniformLocation("halfSize");
-        pixelsPerPoint = getUniformLocation("pixelsPerPoint");
         activate();
+        const auto send = [this](const char* name, const auto& value)
+        { setUniformValue(static_cast<unsigned int>(getUniformLocation(name)), value); };
         int unit = 0;
         for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links"})
-            setUniformValue(static_cast<unsigned int>(getUniformLocation(name)), unit++);
+            send(name, unit++);
+        send("center", wordsOf(tables.toUnits(sight.center.x), tables.toUnits(sight.center.y)));
+        const Affine& map = sight.toPixels;
+        send("toPixels", glm::vec4(map.a, map.b, map.c, map.d));
+        send("halfSize", glm::vec2(size.width / 2.0, size.height / 2.0));
+        send("pixelsPerPoint", static_cast<float>(sight.pixelsPerPoint));
     }
+
+protected:
+    void onLinked() override {}
 };
 
 class DrawingPainter::LayerProgram : public gl::Program
@@ -136,31 +171,36 @@ bool DrawingPainter::fail(const char* reason)
 
 bool DrawingPainter::prepare()
 {
-    if (_pShapes && !_pShapes->isOK())
-        _pShapes.reset();
-    if (_pComposite && !_pComposite->isOK())
-        _pComposite.reset();
-    if (!_pShapes)
+    if (_programContext != gl::CurrentContext::getID())
     {
-        if (_failedContext == gl::CurrentContext::getID())
-            return false;
-        _failedContext = gl::CurrentContext::getID();
-        auto pShapes = std::make_unique<ShapeProgram>();
-        auto pComposite = std::make_unique<LayerProgram>();
-        if (!pShapes->link() || !pComposite->link())
-            return false;
-        _pShapes = std::move(pShapes);
-        _pComposite = std::move(pComposite);
+        _programs.clear();
+        _pComposite.reset();
+        _programContext = gl::CurrentContext::getID();
         _isLayerValid = false;
-        _failedContext = 0;
+    }
+    if (!_pComposite)
+    {
+        _pComposite = std::make_unique<LayerProgram>();
+        _pComposite->link();
     }
     if (!_pLayer)
         _pLayer = std::make_unique<Layer>();
-    return true;
+    return _pComposite->isOK();
 }
 
-bool DrawingPainter::draw(ShapeTables& tables, std::span<const gl::Quads::Range> ranges, const Sight& sight,
-                          bool isChanged)
+// One that did not link stays, so that it is not tried in every frame.
+DrawingPainter::ShapeProgram* DrawingPainter::programFor(unsigned int features)
+{
+    std::unique_ptr<ShapeProgram>& pProgram = _programs[features];
+    if (!pProgram)
+    {
+        pProgram = std::make_unique<ShapeProgram>();
+        pProgram->link(features);
+    }
+    return pProgram->isOK() ? pProgram.get() : nullptr;
+}
+
+bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged)
 {
     if (!gl::CurrentContext::isThere("Drawing::draw"))
         return false;
@@ -205,16 +245,24 @@ bool DrawingPainter::draw(ShapeTables& tables, std::span<const gl::Quads::Range>
         gl::Context::enable(gl::Context::Flag::DepthTest);
         gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
         tables.bind();
-        ShapeProgram& program = *_pShapes;
-        program.activate();
-        const auto send = [&program](int location, const auto& value)
-        { program.setUniformValue(static_cast<unsigned int>(location), value); };
-        send(program.center, wordsOf(tables.toUnits(sight.center.x), tables.toUnits(sight.center.y)));
-        const Affine& map = sight.toPixels;
-        send(program.toPixels, glm::vec4(map.a, map.b, map.c, map.d));
-        send(program.halfSize, glm::vec2(size.width / 2.0, size.height / 2.0));
-        send(program.pixelsPerPoint, static_cast<float>(sight.pixelsPerPoint));
-        _quads.draw(ranges);
+        const double stretch = stretchOf(sight.toPixels);
+        const std::span<const gl::Quads::Range> ranges =
+            list.select(visibleOf(sight, size), stretch, sight.pixelsPerPoint);
+        const unsigned int features = tables.getFeatures();
+        ShapeProgram* pCore = (features & HasFills) != 0 ? programFor(0) : nullptr;
+        ShapeProgram* pShapes = programFor(features | (list.getLargest() * stretch > cFar ? HasFar : 0U));
+        if (pShapes == nullptr)
+            return fail("its program does not link");
+        if (pCore != nullptr && !list.getParts().empty())
+        {
+            pCore->activateFor(tables, sight, size);
+            _quads.draw(list.getParts());
+        }
+        if (!ranges.empty())
+        {
+            pShapes->activateFor(tables, sight, size);
+            _quads.draw(ranges);
+        }
         _sight = sight;
         _isLayerValid = true;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DrawList.h"
 #include "ShapeTables.h"
 
 #include <gui/gl/Program.h>
@@ -7,6 +8,7 @@
 
 #include <td/Size.h>
 
+#include <map>
 #include <memory>
 
 namespace gui::draw
@@ -34,9 +36,8 @@ public:
     DrawingPainter();
     ~DrawingPainter();
 
-    /// @param ranges  of elements, in the order of drawing  @param isChanged  whether the tables are others than last
-    ///                time
-    bool draw(ShapeTables& tables, std::span<const gl::Quads::Range> ranges, const Sight& sight, bool isChanged);
+    /// @param isChanged  whether tables or list are others than last time
+    bool draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged);
 
 private:
     struct Layer;
@@ -44,15 +45,16 @@ private:
     class LayerProgram;
 
     bool prepare();
+    ShapeProgram* programFor(unsigned int features);
     bool fail(const char* reason);
 
     std::unique_ptr<Layer> _pLayer;
-    std::unique_ptr<ShapeProgram> _pShapes;
+    std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features; 0 is that of the first pass
     std::unique_ptr<LayerProgram> _pComposite;
     gl::Quads _quads;
     Sight _sight;
     bool _isLayerValid = false;
-    gl::CurrentContext::ID _failedContext = 0; // where programs were found not to link
+    gl::CurrentContext::ID _programContext = 0; // where the programs were linked
     const char* _lastFailure = nullptr;
 };
 

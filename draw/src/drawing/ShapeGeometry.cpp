@@ -125,6 +125,7 @@ void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, S
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     linkRings(shape);
+    addElement(shape, ElementKind::Box, 0);
     const std::vector<std::uint32_t>& indices = _fill.getIndices();
     for (std::size_t i = 0; i < indices.size(); i += 3)
         shape.elements.push_back({static_cast<std::uint32_t>(ElementKind::Triangle) << 28,
@@ -208,6 +209,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     _rings.clear();
+    addElement(shape, ElementKind::Box, 0);
     for (const Polylines::Line& line : _lines.lines)
     {
         _line.clear();

@@ -30,7 +30,8 @@ enum class ElementKind : std::uint32_t
     Triangle, ///< three points
     Edge,     ///< of a fill's boundary: the point where it begins
     Line,     ///< of a stroke, likewise
-    Tip       ///< of a mitre: the point of its corner
+    Tip,      ///< of a mitre: the point of its corner
+    Box       ///< around the whole shape, drawn in place of all others while that is small
 };
 
 /// A quad to draw.

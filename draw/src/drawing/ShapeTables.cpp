@@ -80,9 +80,12 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     record.dashes = -1;
     constexpr std::uint32_t cStyle = IsStroke | IsWidthInPoints | AreDashesInPoints | 3U << CapShift | 3U << JoinShift;
     record.flags &= ~cStyle;
+    _features |= pStroke == nullptr ? HasFills : HasStrokes;
     if (pStroke != nullptr)
     {
         const Stroke& stroke = *pStroke;
+        _features |= (stroke.cap != Cap::Butt ? HasCaps : 0U) |
+                     (stroke.cap == Cap::Round || stroke.join == Join::Round ? HasRound : 0U);
         const bool isInPoints = stroke.unit == Unit::Points;
         record.halfWidth = static_cast<float>(stroke.width / 2 / (isInPoints ? 1 : geometry.step));
         record.miterLimit = static_cast<float>(std::max(stroke.miterLimit, 1.0));
@@ -92,6 +95,7 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
                         static_cast<std::uint32_t>(stroke.join) << JoinShift;
         if (isDashed(stroke))
         {
+            _features |= HasDashes;
             const std::size_t n = stroke.dashes.size(), nTwice = n % 2 == 0 ? n : 2 * n;
             double sum = 0;
             _values.assign(3, 0.0F);
@@ -184,6 +188,8 @@ void ShapeTables::setLinks(ShapePlaces& places, std::span<const std::uint32_t> r
         _records.setMember(places.record, &ShapeRecord::nLinks, places.links.count);
     }
     _links.set(places.links.first, records);
+    setFlag(places, IsLinked, !records.empty());
+    _features |= records.empty() ? 0U : HasLinks;
 }
 
 void ShapeTables::clear()
@@ -195,6 +201,7 @@ void ShapeTables::clear()
     _numbers.clear();
     _links.clear();
     _hasUnit = false;
+    _features = 0;
 }
 
 void ShapeTables::reorderElements(std::span<TableRange* const> ranges)

@@ -46,9 +46,22 @@ enum ShapeFlag : std::uint32_t
     IsWidthInPoints = 4,
     AreDashesInPoints = 8,
     IsOpaque = 16,
-    IsMoved = 32, // its transform is more than a translation
+    IsMoved = 32,  // its transform is more than a translation
+    IsLinked = 64, // it has links
     CapShift = 8,
     JoinShift = 10
+};
+
+/// What the program is to know how to draw; bits, as in the shaders.
+enum ShapeFeature : unsigned int
+{
+    HasFills = 1,
+    HasStrokes = 2,
+    HasRound = 4,
+    HasCaps = 8,
+    HasDashes = 16,
+    HasLinks = 32,
+    HasFar = 64
 };
 
 /// Some records in a row.
@@ -81,12 +94,16 @@ public:
     void setOrder(const ShapePlaces& places, std::uint32_t order);
     /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that
     bool setPlace(const ShapePlaces& places, td::Point<double> origin, double step, const Affine& transform);
+    /// The records of shapes above that a fill shares edges with.
     void setLinks(ShapePlaces& places, std::span<const std::uint32_t> records);
 
     /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
     bool makeRoomFor(double largest);
     /// A model coordinate in units, held within the room there is.
     std::int64_t toUnits(double coordinate) const;
+
+    /// All that there has been since the last clear.
+    unsigned int getFeatures() const { return _features; }
 
     void clear();
     /// Sends what has changed.
@@ -112,6 +129,7 @@ private:
     Table<std::uint32_t> _links;
     int _unit = 0; // a power of two
     bool _hasUnit = false;
+    unsigned int _features = 0;
     std::vector<Element> _patched;
     std::vector<float> _values;
 };

@@ -1,11 +1,12 @@
 // How much of a pixel a shape covers, exactly for fills and by 64 samples for strokes, from the lines of the shape near
 // the pixel alone, which a tree of boxes finds.
-uniform isamplerBuffer nodes;
 uniform samplerBuffer numbers;
 uniform usamplerBuffer links; // for each shape: the later ones that share an edge with it
 
 flat in int shape;
 flat in int kind;
+flat in uint flags;
+flat in uvec4 parts;
 flat in ivec2 middle;
 flat in vec2 toMiddle;
 flat in vec4 stepsToPixels;
@@ -13,6 +14,7 @@ noperspective in vec3 corner;
 
 out vec4 color;
 
+#ifdef FILLS
 // ---- fills: the area by a line integral over their boundary
 
 // The mean of x, brought into 0 to 1, from u to v.
@@ -91,30 +93,25 @@ float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
 // a map, each of which covers a part of the pixels between them, let nothing through of what is below.
 float coverageOfFill(Place place, vec2 pixel)
 {
-    uvec4 own = texelFetch(shapes, 6 * shape + 3);
-    uvec4 state = texelFetch(shapes, 6 * shape + 2);
+    float covered = max(areaOfFill(place, int(parts.y), int(parts.z), int(parts.w), pixel), 0.0);
+#ifdef LINKS
+    if ((flags & cLinked) == 0u || covered < 1.0 / 2048.0)
+        return min(covered, 1.0);
+    uint order = texelFetch(shapes, 6 * shape + 2).w;
     uvec4 more = texelFetch(shapes, 6 * shape + 5);
-    float covered = 0.0;
-    for (int i = -1; i < int(more.y); ++i)
+    for (int i = 0; i < int(more.y) && covered < 0.999; ++i)
     {
-        if (i >= 0)
-        {
-            if (covered > 0.999)
-                break;
-            int other = int(texelFetch(links, int(more.x) + i).x);
-            uvec4 otherState = texelFetch(shapes, 6 * other + 2);
-            if ((otherState.z & (cVisible | cOpaque)) != (cVisible | cOpaque) || otherState.w <= state.w)
-                continue;
-            place = placeOf(other);
-            own = texelFetch(shapes, 6 * other + 3);
-        }
-        covered += max(areaOfFill(place, int(own.y), int(own.z), int(own.w), pixel), 0.0);
-        if (i < 0 && covered < 1.0 / 2048.0)
-            return 0.0;
+        int other = int(texelFetch(links, int(more.x) + i).x);
+        uvec4 state = texelFetch(shapes, 6 * other + 2), own = texelFetch(shapes, 6 * other + 3);
+        if ((state.z & (cVisible | cOpaque)) == (cVisible | cOpaque) && state.w > order)
+            covered += max(areaOfFill(placeOf(other), int(own.y), int(own.z), int(own.w), pixel), 0.0);
     }
+#endif
     return min(covered, 1.0);
 }
+#endif
 
+#ifdef STROKES
 // ---- strokes: samples, eight in each of eight rows, no two at the same x or y; bit by bit those that are covered
 
 struct Rows
@@ -170,6 +167,7 @@ void cutHalf(inout Spans s, Rows rows, vec2 n, float c)
     cutSpanByHalf(s.low1, s.high1, c - n.x * rows.x1 - n.y * rows.y1, g);
 }
 
+#ifdef ROUND
 void cutSpanByDisc(inout vec4 low, inout vec4 high, vec4 ex, vec4 ey, vec2 way, float radius)
 {
     float a = dot(way, way);
@@ -186,6 +184,8 @@ void cutDisc(inout Spans s, Rows rows, vec2 c, float radius)
     cutSpanByDisc(s.low0, s.high0, rows.x0 - c.x, rows.y0 - c.y, rows.way, radius);
     cutSpanByDisc(s.low1, s.high1, rows.x1 - c.x, rows.y1 - c.y, rows.way, radius);
 }
+
+#endif
 
 uvec4 bitsOf(vec4 low, vec4 high)
 {
@@ -233,30 +233,40 @@ uvec2 bodyMask(Rows rows, Brush brush, vec2 a, vec2 u, float from, float to)
     return maskOf(s);
 }
 
+#ifdef ROUND
 uvec2 discMask(Rows rows, Brush brush, vec2 c)
 {
     Spans s = wholeRows();
     cutDisc(s, rows, c, brush.radius);
     return maskOf(s);
 }
+#endif
 
 // At an end that lies `at` along the line; outwards is 1 or -1.
 uvec2 capMask(Rows rows, Brush brush, vec2 a, vec2 u, float at, float outwards)
 {
+#ifdef CAPS
     if (brush.cap == 0)
         return uvec2(0u);
+#ifdef ROUND
     if (brush.cap == 1)
         return discMask(rows, brush, a + u * at);
+#endif
     float end = at + outwards * brush.radius;
     return bodyMask(rows, brush, a, u, min(at, end), max(at, end));
+#else
+    return uvec2(0u);
+#endif
 }
 
 uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after)
 {
     float turn = before.x * after.y - before.y * after.x;
     float cosine = dot(before, after);
+#ifdef ROUND
     if (brush.join == 1)
         return discMask(rows, brush, c);
+#endif
     if (turn == 0.0)
         return uvec2(0u);
     vec2 n0 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-before.y, before.x);
@@ -284,6 +294,7 @@ uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after)
     return maskOf(s);
 }
 
+#ifdef DASHES
 // The pattern: number of lengths, their sum, where it begins, the lengths.
 bool isDashAt(Brush brush, float s)
 {
@@ -343,6 +354,8 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
     return mask;
 }
 
+#endif
+
 // A line of the stroke with its join at the beginning and the caps of open ends.
 uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, int pointBase, int i)
 {
@@ -363,10 +376,11 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, in
         return mask;
     ivec2 pa = texelFetch(points, i - 1).xy, pd = texelFetch(points, i + 2).xy;
     bool isFirst = pa == pb, isLast = pd == pc;
-    float start = 0.0;
     bool isJoined = !isFirst;
+#ifdef DASHES
     if (brush.dashes >= 0)
     {
+        float start = 0.0;
         start = texelFetch(numbers, brush.lengths + i - pointBase).x * brush.perStep;
         // A subpath's first line joins nothing: its dashes begin and end with caps.
         isFirst = isFirst || start == 0.0;
@@ -375,7 +389,9 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, in
         if (isNear)
             mask |= dashesMask(rows, brush, a, u, len, start, isFirst, isLast);
     }
-    else if (isNear)
+    else
+#endif
+    if (isNear)
     {
         mask |= bodyMask(rows, brush, a, u, 0.0, len);
         if (isFirst)
@@ -393,23 +409,23 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, in
 
 float coverageOfStroke(Place place, vec2 pixel)
 {
-    uvec4 state = texelFetch(shapes, 6 * shape + 2), own = texelFetch(shapes, 6 * shape + 3);
     uvec4 style = texelFetch(shapes, 6 * shape + 4), more = texelFetch(shapes, 6 * shape + 5);
     // In pixels, or where a round brush of model units is round and about as large as in pixels.
-    bool isInPoints = (state.z & cWidthInPoints) != 0u;
+    bool isInPoints = (flags & cWidthInPoints) != 0u;
     float scale = sqrt(abs(determinant(place.pixels)));
     mat2 toBrush = isInPoints ? mat2(1.0) : inverse(place.pixels) * scale;
     Brush brush;
     brush.radius = uintBitsToFloat(style.x) * (isInPoints ? pixelsPerPoint : scale);
     brush.miterLimit = uintBitsToFloat(style.y);
-    brush.cap = int(state.z >> 8 & 3u);
-    brush.join = int(state.z >> 10 & 3u);
+    brush.cap = int(flags >> 8 & 3u);
+    brush.join = int(flags >> 10 & 3u);
     brush.dashes = int(style.z);
     brush.lengths = int(style.w);
     brush.perStep = scale;
-    brush.dashScale = (state.z & cDashesInPoints) != 0u ? pixelsPerPoint : scale * uintBitsToFloat(more.z);
+    brush.dashScale = (flags & cDashesInPoints) != 0u ? pixelsPerPoint : scale * uintBitsToFloat(more.z);
     // A pattern too fine to be seen makes the line fainter.
     float fade = 1.0;
+#ifdef DASHES
     if (brush.dashes >= 0)
     {
         float sum = texelFetch(numbers, brush.dashes + 1).x, on = 0.0;
@@ -423,6 +439,9 @@ float coverageOfStroke(Place place, vec2 pixel)
             brush.dashes = -1;
         }
     }
+#else
+    brush.dashes = -1;
+#endif
     vec2 across = vec2(abs(toBrush[0].x) + abs(toBrush[1].x), abs(toBrush[0].y) + abs(toBrush[1].y)) / 2.0;
     brush.pixel = length(across);
     brush.reach = brush.radius * max(uintBitsToFloat(more.w), 1.0) + brush.pixel;
@@ -441,8 +460,8 @@ float coverageOfStroke(Place place, vec2 pixel)
     mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1]));
     vec2 pixelInBrush = toBrush * pixel;
     vec2 margin = across + brush.radius * max(uintBitsToFloat(more.w), 1.0);
-    int pointBase = int(own.w);
-    int node = int(own.y), base = node, end = node + int(own.z);
+    int pointBase = int(parts.w);
+    int node = int(parts.y), base = node, end = node + int(parts.z);
     uvec2 mask = uvec2(0u);
     while (node < end && mask != uvec2(0xffffffffu))
     {
@@ -461,7 +480,7 @@ float coverageOfStroke(Place place, vec2 pixel)
                 vec2 u = len > 0.0 ? (b - a) / len : vec2(1.0, 0.0);
                 mask |= bodyMask(rows, brush, a, u, 0.0, len);
                 if (texelFetch(points, first - 1).xy != texelFetch(points, first).xy)
-                    mask |= discMask(rows, brush, a);
+                    mask |= bodyMask(rows, brush, a, u, -brush.radius * 0.7, 0.0);
                 else
                     mask |= capMask(rows, brush, a, u, 0.0, -1.0);
                 if (texelFetch(points, last + 1).xy == texelFetch(points, last).xy)
@@ -480,21 +499,28 @@ float coverageOfStroke(Place place, vec2 pixel)
     }
     return shareOf(mask) * fade;
 }
+#endif
 
-vec4 paint(uvec4 own)
+vec4 paint()
 {
-    vec4 c = vec4(own.x & 255u, own.x >> 8 & 255u, own.x >> 16 & 255u, own.x >> 24) / 255.0;
+    uint rgba = parts.x;
+    vec4 c = vec4(rgba & 255u, rgba >> 8 & 255u, rgba >> 16 & 255u, rgba >> 24) / 255.0;
     return vec4(c.rgb * c.a, c.a);
 }
 
 void main()
 {
-    uvec4 state = texelFetch(shapes, 6 * shape + 2), own = texelFetch(shapes, 6 * shape + 3);
     Place place = Place(middle, toMiddle, mat2(stepsToPixels.xy, stepsToPixels.zw));
     vec2 pixel = gl_FragCoord.xy - halfSize;
     float coverage = 1.0;
     // All of the pixel within a triangle needs no closer look.
     if (kind != cTriangles || any(lessThan(corner - (abs(dFdx(corner)) + abs(dFdy(corner))) / 2.0, vec3(0.0))))
-        coverage = (state.z & cStroke) != 0u ? coverageOfStroke(place, pixel) : coverageOfFill(place, pixel);
-    color = paint(own) * coverage;
+#if defined FILLS && defined STROKES
+        coverage = (flags & cStroke) != 0u ? coverageOfStroke(place, pixel) : coverageOfFill(place, pixel);
+#elif defined STROKES
+        coverage = coverageOfStroke(place, pixel);
+#elif defined FILLS
+        coverage = coverageOfFill(place, pixel);
+#endif
+    color = paint() * coverage;
 }

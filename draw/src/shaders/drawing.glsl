@@ -1,15 +1,17 @@
-#version 330 core
-// What both stages of the drawing program know: where shapes and their points are, in pixels from the middle of the
-// viewport, however far from the origin that is.
+// What all stages of the drawing programs know: where shapes and their points are, in pixels from the middle of the
+// viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
+// ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, FAR (lines whose ends are far away). What is not
+// needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
+uniform isamplerBuffer nodes;  // boxes around a shape's lines, a tree: two texels each
 uniform ivec4 center;          // the model point in the middle, in units: low and high word of x, then of y
 uniform vec4 toPixels;         // pixels per model unit, by columns
 uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
-const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3;
-const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u, cMoved = 32u;
+const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4;
+const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u, cMoved = 32u, cLinked = 64u;
 // Pixels from the middle beyond which floats are too coarse.
 const float cFar = 32768.0;
 
@@ -95,6 +97,9 @@ Place placeOf(int shape)
 vec2 stepsOf(Place place, ivec2 point) { return vec2(point - place.middle) + place.toMiddle; }
 vec2 pixelOf(Place place, ivec2 point) { return place.pixels * stepsOf(place, point); }
 
+// Each shape is nearer than the one before, and covers a pixel once: what comes second is not less deep.
+float depthOf(uint order) { return 1.0 - float(order + 1u) * powerOfTwo(-22); }
+
 // The most that a length in steps grows to in pixels.
 float stretchOf(Place place)
 {
@@ -103,6 +108,7 @@ float stretchOf(Place place)
     return sqrt((sum + sqrt(max(sum * sum - 4.0 * det * det, 0.0))) / 2.0);
 }
 
+#ifdef FAR
 uvec2 product(int a, int b)
 {
     uint m = uint(abs(a)), n = uint(abs(b));
@@ -130,7 +136,7 @@ bool shorten(Place place, ivec2 pa, ivec2 pb, inout vec2 a, inout vec2 b)
     // In steps from here on.
     vec2 foot = vec2(direction.y, -direction.x) * cross_;
     float reach = cFar / max(length(place.pixels * direction), 1e-30);
-    vec2 alongs = vec2(dot(stepsOf(place, pa) , direction), dot(stepsOf(place, pb), direction));
+    vec2 alongs = vec2(dot(stepsOf(place, pa), direction), dot(stepsOf(place, pb), direction));
     // What is near stays as it is, to the last digit.
     if (alongs.x < -reach)
         a = place.pixels * (foot - direction * reach);
@@ -142,3 +148,6 @@ bool shorten(Place place, ivec2 pa, ivec2 pb, inout vec2 a, inout vec2 b)
         b = place.pixels * (foot + direction * reach);
     return true;
 }
+#else
+bool shorten(Place place, ivec2 pa, ivec2 pb, vec2 a, vec2 b) { return false; }
+#endif

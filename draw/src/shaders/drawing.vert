@@ -4,27 +4,48 @@ uniform usamplerBuffer elements;
 
 flat out int shape;
 flat out int kind;
+flat out uint flags;
+flat out uvec4 parts;     // colour, nodes, how many, points
 flat out ivec2 middle;    // the viewport's middle in the shape's steps,
 flat out vec2 toMiddle;   // and what is to be added to a point's distance from it
 flat out vec4 stepsToPixels;
 noperspective out vec3 corner;
 
+// Quads from this number on are boxes around whole shapes, by the numbers of their records.
+const int cBoxes = 1 << 28;
+// Pixels up to which a shape is one box: its parts would look at most pixels more than once.
+const float cSmall = 16.0;
+
 void main()
 {
-    uvec4 element = texelFetch(elements, gl_VertexID / 4);
-    int c = gl_VertexID % 4;
+    int quad = gl_VertexID / 4, c = gl_VertexID % 4;
+    bool isBoxAlone = quad >= cBoxes;
+    uvec4 element = isBoxAlone ? uvec4(quad - cBoxes, uvec3(0u)) : texelFetch(elements, quad);
     shape = int(element.x & 0x0fffffffu);
-    kind = int(element.x >> 28);
+    kind = isBoxAlone ? cBox : int(element.x >> 28);
     uvec4 state = texelFetch(shapes, 6 * shape + 2);
+    flags = state.z;
+    parts = texelFetch(shapes, 6 * shape + 3);
     corner = vec3(0.0);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
-    if ((state.z & cVisible) == 0u)
+    if ((flags & cVisible) == 0u || parts.z == 0u)
         return;
     Place place = placeOf(shape);
     middle = place.middle;
     toMiddle = place.toMiddle;
     stepsToPixels = vec4(place.pixels[0], place.pixels[1]);
-    int base = int(texelFetch(shapes, 6 * shape + 3).w);
+    ivec4 box = texelFetch(nodes, 2 * int(parts.y));
+    vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
+    if (!isBoxAlone && (max(size.x, size.y) <= cSmall) != (kind == cBox))
+        return;
+    int base = int(parts.w);
+    float half_ = 0.0, reach = 1.0;
+    if ((flags & cStroke) != 0u)
+    {
+        half_ = uintBitsToFloat(texelFetch(shapes, 6 * shape + 4).x) *
+                ((flags & cWidthInPoints) != 0u ? pixelsPerPoint : stretchOf(place));
+        reach = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).w);
+    }
     vec2 p = vec2(0.0);
     vec2 low = -halfSize - 1.0, high = halfSize + 1.0;
 
@@ -35,11 +56,11 @@ void main()
         for (int i = 0; i < 3; ++i)
             t[i] = pixelOf(place, texelFetch(points, base + numbers[i]).xy);
         vec2 least = min(min(t[0], t[1]), t[2]), most = max(max(t[0], t[1]), t[2]);
-        float reach = max(max(-least.x, -least.y), max(most.x, most.y));
-        float slack = 1.0 + reach * 4e-7;
+        float farthest = max(max(-least.x, -least.y), max(most.x, most.y));
+        float slack = 1.0 + farthest * 4e-7;
         if (any(greaterThan(least, high + slack)) || any(lessThan(most, low - slack)))
             return;
-        if (reach > cFar)
+        if (farthest > cFar)
         {
             // Its edges are not where they should be: all of the viewport is looked at instead.
             kind = cEdge;
@@ -51,19 +72,21 @@ void main()
             corner = vec3(c == 0, c == 1, c >= 2);
         }
     }
+    else if (kind == cBox)
+    {
+        vec2 c0 = place.pixels * ((stepsOf(place, box.xy) + stepsOf(place, box.zw)) / 2.0);
+        vec2 extent = size / 2.0 + half_ * reach + 1.0;
+        if (any(greaterThan(abs(c0), high + extent)))
+            return;
+        p = c0 + vec2((c & 1) == 0 ? -extent.x : extent.x, (c & 2) == 0 ? -extent.y : extent.y);
+    }
     else
     {
         int i = base + int(element.y);
         ivec2 pa = texelFetch(points, i).xy, pb = texelFetch(points, i + 1).xy;
         vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
         shorten(place, pa, pb, a, b);
-        float across = 1.0;
-        if (kind != cEdge)
-        {
-            uvec4 style = texelFetch(shapes, 6 * shape + 4);
-            float half_ = uintBitsToFloat(style.x);
-            across += half_ * ((state.z & cWidthInPoints) != 0u ? pixelsPerPoint : stretchOf(place));
-        }
+        float across = half_ + 1.0;
         vec2 along = b - a;
         float len = length(along);
         along = len > 0.0 ? along / len : vec2(1.0, 0.0);
@@ -90,7 +113,5 @@ void main()
         p = ((c & 1) == 0 ? a - along * extra : b + along * extra) +
             normal * ((c & 2) == 0 ? -across : across);
     }
-    // Each shape is nearer than the one before, and covers a pixel once: what comes second is not less deep.
-    float depth = 1.0 - float(state.w + 1u) * exp2(-22.0);
-    gl_Position = vec4(p / halfSize, depth, 1.0);
+    gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
 }

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <gui/gl/Quads.h>
+
+#include <td/Point.h>
+#include <td/RectNormalized.h>
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// The shapes in the order of drawing, as far as it takes to choose which quads are drawn: those of shapes that may be
+/// seen, or, of shapes too small for it to matter, one box each. Shapes are taken by the hundred where that is enough.
+class DrawList
+{
+public:
+    using Rect = td::RectNormalized<double>;
+
+    /// Quads from this number on are boxes around the shapes of records.
+    static constexpr std::uint32_t cBoxes = 1U << 28;
+
+    struct Shape
+    {
+        Rect bounds;             // in model units, with a stroke's width if that is in model units
+        float margin = 0;        // in points, around them
+        std::uint32_t first = 0; // its elements
+        std::uint32_t count = 0; // 0 when there is nothing to see
+        std::uint32_t record = 0;
+    };
+
+    void clear();
+    /// Sets the shape at a place, at the end or before.
+    void set(std::size_t place, const Shape& shape);
+    void removeAt(std::size_t place);
+    std::size_t getSize() const { return _shapes.size(); }
+
+    /// In how many pieces the elements lie in order.
+    std::size_t countRanges() const;
+
+    /// @param visible  in model units  @param pixelsPerUnit  at most, in any direction  @param pixelsPerPoint  of margins
+    std::span<const gl::Quads::Range> select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint);
+
+    /// Of those selected last, the ones that are not boxes alone.
+    std::span<const gl::Quads::Range> getParts() const { return _parts; }
+    /// The extent of the largest shape that was selected last, in model units, or more.
+    double getLargest() const { return _largest; }
+
+private:
+    struct Box
+    {
+        float left, top, right, bottom; // from _base
+    };
+    struct Entry
+    {
+        float margin;
+        std::uint32_t first, count, record;
+    };
+    struct Chunk
+    {
+        Box box{};
+        float size = 0;   // of the largest
+        float margin = 0; // the largest
+        bool isStale = true;
+        std::vector<gl::Quads::Range> parts, boxes;
+    };
+
+    void renew(std::size_t chunk);
+    static void append(std::vector<gl::Quads::Range>& ranges, gl::Quads::Range range);
+
+    td::Point<double> _base;
+    std::vector<Box> _boxes;
+    std::vector<Entry> _shapes;
+    std::vector<Chunk> _chunks;
+    std::vector<gl::Quads::Range> _selected, _parts;
+    double _largest = 0;
+};
+
+} // namespace gui::draw

@@ -1,0 +1,28 @@
+// The triangles of opaque fills, for pixels that are all within one: a first pass, in which what is above hides what is
+// below by its depth.
+uniform usamplerBuffer elements;
+
+flat out vec4 paint;
+noperspective out vec3 corner;
+
+void main()
+{
+    int c = gl_VertexID % 4;
+    uvec4 element = texelFetch(elements, gl_VertexID / 4);
+    int shape = int(element.x & 0x0fffffffu);
+    uvec4 state = texelFetch(shapes, 6 * shape + 2), parts = texelFetch(shapes, 6 * shape + 3);
+    gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
+    corner = vec3(c == 0, c == 1, c >= 2);
+    paint = vec4(parts.x & 255u, parts.x >> 8 & 255u, parts.x >> 16 & 255u, 255u) / 255.0;
+    if (int(element.x >> 28) != cTriangles || (state.z & (cVisible | cOpaque)) != (cVisible | cOpaque))
+        return;
+    Place place = placeOf(shape);
+    vec2 t[3];
+    for (int i = 0; i < 3; ++i)
+        t[i] = pixelOf(place, texelFetch(points, int(parts.w) + int(element[i + 1])).xy);
+    vec2 least = min(min(t[0], t[1]), t[2]), most = max(max(t[0], t[1]), t[2]);
+    if (any(greaterThan(least, halfSize)) || any(lessThan(most, -halfSize)) ||
+        max(max(-least.x, -least.y), max(most.x, most.y)) > cFar || any(lessThan(most - least, vec2(2.0))))
+        return;
+    gl_Position = vec4(t[min(c, 2)] / halfSize, depthOf(state.w), 1.0);
+}
