@@ -40,7 +40,8 @@ public:
     /// In how many pieces the elements lie in order.
     std::size_t countRanges() const;
 
-    /// @param visible  in model units  @param pixelsPerUnit  at most, in any direction  @param pixelsPerPoint  of margins
+    /// @param visible  in model units  @param pixelsPerUnit  at most, in any direction  @param pixelsPerPoint  of
+    /// margins
     std::span<const gl::Quads::Range> select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint);
 
     /// Of those selected last, the ones that are not boxes alone.

@@ -2,6 +2,7 @@
 
 #include "DrawingPainter.h"
 #include "ShapeTables.h"
+#include "SharedEdges.h"
 
 #include <gui/gl/OrthoView.h>
 
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace gui::draw
 {
@@ -62,7 +64,10 @@ struct Drawing::Impl
         Path path;   // of a stroke, which makes its shape anew
         draw::Stroke stroke;
         ShapePlaces places;
-        std::vector<std::uint32_t> members; // of a group
+        std::vector<std::uint32_t> members;    // of a group
+        std::vector<std::uint32_t> neighbours; // fills that share edges with this one
+        SharedEdges::Version version = cNone;  // of what it shares
+        bool areLinksStale = false;
     };
 
     ID idOf(std::uint32_t slot) const { return ID(items[slot].generation) << 32 | (slot + 1); }
@@ -142,6 +147,11 @@ struct Drawing::Impl
         if (isStroke)
             item.path = path;
         tables.setGeometry(item.places, geometry, isStroke ? &item.stroke : nullptr);
+        if (!isStroke)
+        {
+            unlink(item);
+            link(item);
+        }
         place(item);
         isChanged = true;
         return idOf(slotOf(item));
@@ -160,7 +170,8 @@ struct Drawing::Impl
     // After a change of what is around it, or of its own.
     void update(Item& item)
     {
-        item.whole = item.group == cNone ? item.transform : items[item.group].whole * item.transform;
+        const Affine whole = item.group == cNone ? item.transform : items[item.group].whole * item.transform;
+        item.whole = whole;
         item.isShown = item.isVisible && (item.group == cNone || items[item.group].isShown);
         if (item.kind == Kind::Group)
             for (const std::uint32_t member : item.members)
@@ -180,6 +191,7 @@ struct Drawing::Impl
             removeItem(member);
         if (item.kind != Kind::Group)
         {
+            unlink(item);
             tables.removeShape(item.places);
             leaveGap(item);
             --nShapes;
@@ -189,6 +201,82 @@ struct Drawing::Impl
         item.kind = Kind::None;
         item.members.clear();
         freeSlots.push_back(slot);
+    }
+
+    // Finds the fills around one whose geometry was just made.
+    void link(Item& item)
+    {
+        const std::uint32_t slot = slotOf(item);
+        item.version = edges.add(geometry, slot, item.neighbours);
+        std::erase_if(item.neighbours, [this, &item](std::uint32_t other) { return items[other].whole != item.whole; });
+        for (const std::uint32_t other : item.neighbours)
+        {
+            items[other].neighbours.push_back(slot);
+            markLinksStale(items[other]);
+        }
+        if (!item.neighbours.empty())
+            markLinksStale(item);
+    }
+
+    void unlink(Item& item)
+    {
+        if (item.version != cNone)
+            edges.remove(item.version);
+        item.version = cNone;
+        dropNeighbours(item);
+    }
+
+    void dropNeighbours(Item& item)
+    {
+        for (const std::uint32_t other : item.neighbours)
+        {
+            std::erase(items[other].neighbours, slotOf(item));
+            markLinksStale(items[other]);
+        }
+        if (!item.neighbours.empty())
+            markLinksStale(item);
+        item.neighbours.clear();
+    }
+
+    bool isWithin(const Item& item, const Item& other) const
+    {
+        return &item == &other || (item.group != cNone && isWithin(items[item.group], other));
+    }
+
+    // Parts a shape from those that don't move with an item.
+    void dropOutsiders(Item& shape, const Item& mover)
+    {
+        const auto isOutside = [this, &mover](std::uint32_t other) { return !isWithin(items[other], mover); };
+        for (const std::uint32_t other : shape.neighbours)
+            if (isOutside(other))
+            {
+                std::erase(items[other].neighbours, slotOf(shape));
+                markLinksStale(items[other]);
+            }
+        if (std::erase_if(shape.neighbours, isOutside) != 0)
+            markLinksStale(shape);
+    }
+
+    void markLinksStale(Item& item)
+    {
+        if (!std::exchange(item.areLinksStale, true))
+            staleLinks.push_back(slotOf(item));
+    }
+
+    void renewLinks()
+    {
+        std::vector<std::uint32_t> records;
+        for (const std::uint32_t slot : staleLinks)
+        {
+            Item& item = items[slot];
+            if (!std::exchange(item.areLinksStale, false) || item.kind != Kind::Fill)
+                continue;
+            records.clear();
+            for (const std::uint32_t other : item.neighbours)
+                records.push_back(items[other].places.record);
+            tables.setLinks(item.places, records);
+        }
+        staleLinks.clear();
     }
 
     // What is seen of a shape, with its stroke's width as far as that is known; false when there is nothing.
@@ -328,6 +416,7 @@ struct Drawing::Impl
             renumber();
         if (areElementsStale)
             tidy();
+        renewLinks();
         if (!painter.draw(tables, list, sight, isChanged))
             return false;
         isChanged = false;
@@ -349,6 +438,8 @@ struct Drawing::Impl
     bool areElementsStale = false;
     bool isChanged = true;
     bool hasSaidNoInverse = false;
+    std::vector<std::uint32_t> staleLinks;
+    SharedEdges edges;
     ShapeBuilder builder;
     ShapeGeometry geometry;
     ShapeTables tables;
@@ -436,6 +527,9 @@ bool Drawing::setTransform(ID id, const Affine& transform)
     if (pItem == nullptr || !isFinite(transform))
         return false;
     pItem->transform = transform;
+    // What it shared edges with is elsewhere now.
+    for (const std::uint32_t slot : _pImpl->shapesOf(*pItem))
+        _pImpl->dropOutsiders(_pImpl->items[slot], *pItem);
     _pImpl->update(*pItem);
     return true;
 }
@@ -506,6 +600,8 @@ void Drawing::clear()
     impl.nShapes = 0;
     impl.group = cNone;
     impl.areElementsStale = false;
+    impl.staleLinks.clear();
+    impl.edges.clear();
     impl.isChanged = true;
 }
 

@@ -45,6 +45,10 @@ void main()
         half_ = uintBitsToFloat(texelFetch(shapes, 6 * shape + 4).x) *
                 ((flags & cWidthInPoints) != 0u ? pixelsPerPoint : stretchOf(place));
         reach = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).w);
+        // Where right angles don't stay right, corners stick out farther.
+        if ((flags & cWidthInPoints) == 0u &&
+            pow(stretchOf(place), 2.0) > 1.001 * abs(determinant(place.pixels)))
+            half_ *= 1.4143;
     }
     vec2 p = vec2(0.0);
     vec2 low = -halfSize - 1.0, high = halfSize + 1.0;

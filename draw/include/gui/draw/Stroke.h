@@ -42,7 +42,7 @@ struct Stroke
     double miterLimit = 4;
     /// Lengths of dashes and gaps in turn; an odd number of them is taken twice. Solid when it is empty, when its sum
     /// is 0, or when a length is below 0 or not finite.
-    std::vector<double> dashes;
+    std::vector<double> dashes{};
     double dashOffset = 0;        ///< where in the pattern a subpath begins
     Unit dashUnit = Unit::Points; ///< of dashes and dashOffset
 };

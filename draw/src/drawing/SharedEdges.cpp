@@ -1,0 +1,109 @@
+#include "SharedEdges.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+std::uint64_t mixed(std::uint64_t n)
+{
+    n = (n ^ n >> 32) * 0xd6e8feb86659fd93U;
+    n = (n ^ n >> 32) * 0xd6e8feb86659fd93U;
+    return n ^ n >> 32;
+}
+
+// The same for both directions but for the lowest bit.
+std::uint64_t keyOf(td::Point<double> a, td::Point<double> b)
+{
+    const double size = std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
+    int exponent = 0, largest = 0;
+    std::frexp(size, &exponent);
+    std::frexp(std::max({std::abs(a.x), std::abs(a.y), std::abs(b.x), std::abs(b.y)}), &largest);
+    // As far as 64 bits go.
+    exponent = std::max(exponent, largest - 45);
+    const double inverse = std::ldexp(1, 16 - exponent);
+    // Round numbers are to lie within a cell, not where two of them meet.
+    const auto cell = [inverse](double n)
+    { return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * inverse + 0.382))); };
+    const bool isBackward = b.x < a.x || (b.x == a.x && b.y < a.y);
+    if (isBackward)
+        std::swap(a, b);
+    const std::uint64_t key =
+        mixed(cell(a.x) + mixed(cell(a.y) + mixed(cell(b.x) + mixed(cell(b.y) + static_cast<unsigned int>(exponent)))));
+    return ((key | 2U) & ~std::uint64_t(1)) | (isBackward ? 1U : 0U);
+}
+
+} // namespace
+
+SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32_t shape,
+                                      std::vector<std::uint32_t>& neighbours)
+{
+    neighbours.clear();
+    const auto version = static_cast<Version>(_shapes.size());
+    _shapes.push_back(shape);
+    _keys.clear();
+    const auto toModel = [&geometry](std::uint32_t i)
+    {
+        const GridPoint p = geometry.points[i];
+        return td::Point<double>(geometry.origin.x + geometry.step * p.x, geometry.origin.y + geometry.step * p.y);
+    };
+    for (const Element& element : geometry.elements)
+        if (element.shapeAndKind >> 28 == static_cast<std::uint32_t>(ElementKind::Edge))
+            _keys.push_back(keyOf(toModel(element.points[0]), toModel(element.points[0] + 1)));
+    _counts.push_back(static_cast<std::uint32_t>(_keys.size()));
+    while ((_nUsed + _keys.size()) * 2 > _entries.size())
+        grow();
+    const std::size_t mask = _entries.size() - 1;
+    // All places are fetched into the cache before the first is looked at.
+    for (const std::uint64_t key : _keys)
+        __builtin_prefetch(&_entries[(key >> 1) & mask]);
+    for (const std::uint64_t key : _keys)
+    {
+        std::size_t place = (key >> 1) & mask;
+        for (; _entries[place].key != 0; place = (place + 1) & mask)
+            if (_entries[place].key == (key ^ 1U))
+                if (const std::uint32_t other = _shapes[_entries[place].version];
+                    other != UINT32_MAX && other != shape &&
+                    std::find(neighbours.begin(), neighbours.end(), other) == neighbours.end())
+                    neighbours.push_back(other);
+        _entries[place] = {key, version};
+        ++_nUsed;
+    }
+    return version;
+}
+
+void SharedEdges::remove(Version version)
+{
+    _shapes[version] = UINT32_MAX;
+    _nRemoved += _counts[version];
+}
+
+// Leaves out the edges of shapes that were removed.
+void SharedEdges::grow()
+{
+    std::vector<Entry> old = std::move(_entries);
+    const bool isMostlyGone = _nRemoved * 2 > _nUsed;
+    _entries.assign(std::max<std::size_t>(isMostlyGone ? old.size() : old.size() * 2, 1024), Entry());
+    _nUsed = _nRemoved = 0;
+    for (const Entry& entry : old)
+        if (entry.key != 0 && _shapes[entry.version] != UINT32_MAX)
+            insert(entry);
+}
+
+void SharedEdges::insert(const Entry& entry)
+{
+    const std::size_t mask = _entries.size() - 1;
+    std::size_t place = (entry.key >> 1) & mask;
+    while (_entries[place].key != 0)
+        place = (place + 1) & mask;
+    _entries[place] = entry;
+    ++_nUsed;
+}
+
+void SharedEdges::clear() { *this = SharedEdges(); }
+
+} // namespace gui::draw

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ShapeGeometry.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// Finds fills that have an edge in common, one on each side of it: those between which nothing may show.
+///
+/// Edges are compared as the shapes have them, to some 2^-16 of their length, since each shape has a grid of its own.
+class SharedEdges
+{
+public:
+    /// Names what a shape was when it was added.
+    using Version = std::uint32_t;
+
+    /// Adds the edges of a fill. @param shape  any number for it  @param neighbours  becomes the shapes that it shares
+    /// edges with, each once
+    Version add(const ShapeGeometry& geometry, std::uint32_t shape, std::vector<std::uint32_t>& neighbours);
+    void remove(Version version);
+    void clear();
+
+private:
+    struct Entry
+    {
+        std::uint64_t key = 0; // 0 for none; the lowest bit is the direction
+        Version version = 0;
+    };
+
+    void grow();
+    void insert(const Entry& entry);
+
+    std::vector<Entry> _entries; // as many as a power of two; the place is the key's, or after it
+    std::size_t _nUsed = 0;
+    std::vector<std::uint32_t> _shapes; // by version; UINT32_MAX for those removed
+    std::size_t _nRemoved = 0;          // entries of these
+    std::vector<std::uint32_t> _counts; // of entries, by version
+    std::vector<std::uint64_t> _keys;
+};
+
+} // namespace gui::draw
