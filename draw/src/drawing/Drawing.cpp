@@ -1,6 +1,8 @@
 #include <gui/draw/Drawing.h>
 
 #include "DrawingPainter.h"
+#include "ShapeIndex.h"
+#include "ShapePicker.h"
 #include "ShapeTables.h"
 #include "SharedEdges.h"
 
@@ -192,6 +194,7 @@ struct Drawing::Impl
         if (item.kind != Kind::Group)
         {
             unlink(item);
+            index.remove(slot);
             tables.removeShape(item.places);
             leaveGap(item);
             --nShapes;
@@ -300,12 +303,15 @@ struct Drawing::Impl
         return true;
     }
 
-    // Tells the list of a shape.
+    // Tells list and index of a shape.
     void enlist(const Item& item)
     {
         DrawList::Shape shape;
-        if (boundsOf(item, shape.bounds))
+        if (!boundsOf(item, shape.bounds))
+            index.remove(slotOf(item));
+        else
         {
+            index.set(slotOf(item), shape.bounds);
             shape.first = item.places.elements.first;
             shape.count = item.places.elements.count;
             shape.record = item.places.record;
@@ -313,6 +319,7 @@ struct Drawing::Impl
                 shape.margin =
                     static_cast<float>(item.stroke.width / 2) * tables.getRecords()[item.places.record].reach;
         }
+        largestMargin = std::max(largestMargin, double(shape.margin));
         list.set(item.place, shape);
     }
 
@@ -438,7 +445,54 @@ struct Drawing::Impl
     bool areElementsStale = false;
     bool isChanged = true;
     bool hasSaidNoInverse = false;
+    // Widths in points are in none of the index's rectangles: what is looked for is widened by the largest.
+    double indexMargin() const { return largestMargin / pointsPerUnit; }
+
+    // In its own steps: what a shape is asked in.
+    struct Local
+    {
+        Affine toSteps;
+        double scale; // steps per model unit
+        double radius;
+        double dashScale;
+    };
+    std::optional<Local> localOf(const Item& item) const
+    {
+        const std::optional<Affine> inverse = item.whole.inverse();
+        if (!inverse)
+            return std::nullopt;
+        Local local;
+        local.toSteps = Affine::scaling(1 / item.step) * Affine::translation(-item.origin.x, -item.origin.y) * *inverse;
+        const Affine& map = local.toSteps;
+        local.scale = std::sqrt(std::abs(map.a * map.d - map.b * map.c));
+        const double point = local.scale / pointsPerUnit, unit = 1 / item.step;
+        local.radius = item.stroke.width / 2 * (item.stroke.unit == Unit::Points ? point : unit);
+        local.dashScale = item.stroke.dashUnit == Unit::Points ? point : unit;
+        return local;
+    }
+
+    // The topmost of those that a test accepts.
+    template <typename Test>
+    std::vector<std::uint32_t> findAll(const Rect& rect, Test test)
+    {
+        std::vector<std::uint32_t> found;
+        const double margin = indexMargin();
+        index.find({rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin},
+                   [&](std::uint32_t slot) { found.push_back(slot); });
+        std::sort(found.begin(), found.end(),
+                  [this](std::uint32_t a, std::uint32_t b) { return items[a].place > items[b].place; });
+        found.erase(std::unique(found.begin(), found.end()), found.end());
+        std::vector<std::uint32_t> accepted;
+        for (const std::uint32_t slot : found)
+            if (const std::optional<Local> local = localOf(items[slot]))
+                if (!test(items[slot], ShapePicker(tables, items[slot].places), *local, accepted))
+                    break;
+        return accepted;
+    }
+
     std::vector<std::uint32_t> staleLinks;
+    ShapeIndex index;
+    double largestMargin = 0; // of strokes whose width is in points
     SharedEdges edges;
     ShapeBuilder builder;
     ShapeGeometry geometry;
@@ -602,6 +656,8 @@ void Drawing::clear()
     impl.areElementsStale = false;
     impl.staleLinks.clear();
     impl.edges.clear();
+    impl.index.clear();
+    impl.largestMargin = 0;
     impl.isChanged = true;
 }
 
@@ -624,6 +680,48 @@ std::optional<Drawing::Rect> Drawing::getBounds(ID id) const
     if (const Impl::Item* pItem = _pImpl->find(id))
         _pImpl->widen(bounds, *pItem);
     return bounds;
+}
+
+Drawing::ID Drawing::pick(Point point, double tolerance) const
+{
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || !(tolerance >= 0))
+        return 0;
+    const std::vector<std::uint32_t> found =
+        _pImpl->findAll({point.x - tolerance, point.y - tolerance, point.x + tolerance, point.y + tolerance},
+                        [&](const Impl::Item& item, const ShapePicker& picker, const Impl::Local& local,
+                            std::vector<std::uint32_t>& accepted)
+                        {
+                            const Point at = local.toSteps.map(point);
+                            const double distance = tolerance * local.scale;
+                            const bool isThere =
+                                item.kind == Impl::Kind::Fill
+                                    ? picker.isFillAt(at, distance)
+                                    : picker.isStrokeAt(at, distance, item.stroke, local.radius, local.dashScale);
+                            if (isThere)
+                                accepted.push_back(_pImpl->slotOf(item));
+                            return !isThere;
+                        });
+    return found.empty() ? 0 : _pImpl->idOf(found.front());
+}
+
+std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
+{
+    const std::vector<std::uint32_t> found = _pImpl->findAll(
+        rect,
+        [&](const Impl::Item& item, const ShapePicker& picker, const Impl::Local& local,
+            std::vector<std::uint32_t>& accepted)
+        {
+            const Affine& map = local.toSteps;
+            const ShapePicker::Quad quad{map.map({rect.left, rect.top}), map.map({rect.right, rect.top}),
+                                         map.map({rect.right, rect.bottom}), map.map({rect.left, rect.bottom})};
+            if (item.kind == Impl::Kind::Fill ? picker.isFillIn(quad)
+                                              : picker.isStrokeIn(quad, item.stroke, local.radius, local.dashScale))
+                accepted.push_back(_pImpl->slotOf(item));
+            return true;
+        });
+    std::vector<ID> ids(found.size());
+    std::transform(found.begin(), found.end(), ids.begin(), [this](std::uint32_t slot) { return _pImpl->idOf(slot); });
+    return ids;
 }
 
 bool Drawing::draw(const Affine& modelToView, double pixelsPerPoint)

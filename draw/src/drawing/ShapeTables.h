@@ -115,6 +115,7 @@ public:
     const Table<Element>& getElements() const { return _elements; }
     const Table<GridPoint>& getPoints() const { return _points; }
     const Table<EdgeNode>& getNodes() const { return _nodes; }
+    const Table<float>& getNumbers() const { return _numbers; }
     /// Brings elements into the order in which they are drawn.
     void reorderElements(std::span<TableRange* const> ranges);
 

@@ -1,0 +1,133 @@
+#include "ShapeIndex.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+constexpr std::size_t cBranch = 8;
+
+enum State : std::uint8_t
+{
+    IsAbsent,
+    IsInTree,
+    IsChanged
+};
+
+using Rect = ShapeIndex::Rect;
+
+bool touches(const Rect& a, const Rect& b)
+{
+    return a.left <= b.right && a.right >= b.left && a.top <= b.bottom && a.bottom >= b.top;
+}
+
+void widen(Rect& rect, const Rect& by)
+{
+    rect = {std::min(rect.left, by.left), std::min(rect.top, by.top), std::max(rect.right, by.right),
+            std::max(rect.bottom, by.bottom)};
+}
+
+std::uint64_t spread(std::uint64_t n)
+{
+    n = (n | n << 16) & 0x0000ffff0000ffffU;
+    n = (n | n << 8) & 0x00ff00ff00ff00ffU;
+    n = (n | n << 4) & 0x0f0f0f0f0f0f0f0fU;
+    n = (n | n << 2) & 0x3333333333333333U;
+    return (n | n << 1) & 0x5555555555555555U;
+}
+
+} // namespace
+
+void ShapeIndex::set(std::uint32_t number, const Rect& rect)
+{
+    if (number >= _rects.size())
+    {
+        _rects.resize(number + std::size_t(1));
+        _states.resize(number + std::size_t(1), IsAbsent);
+    }
+    _rects[number] = rect;
+    if (_states[number] != IsChanged)
+        _changed.push_back(number);
+    _states[number] = IsChanged;
+}
+
+void ShapeIndex::remove(std::uint32_t number)
+{
+    if (number < _states.size())
+        _states[number] = IsAbsent;
+}
+
+void ShapeIndex::clear() { *this = ShapeIndex(); }
+
+void ShapeIndex::build()
+{
+    _changed.clear();
+    _levels.assign(1, {});
+    std::vector<Node>& leaves = _levels[0];
+    Rect all;
+    for (std::uint32_t number = 0; number < _rects.size(); ++number)
+        if (_states[number] != IsAbsent)
+        {
+            leaves.empty() ? void(all = _rects[number]) : widen(all, _rects[number]);
+            leaves.push_back({_rects[number], number});
+            _states[number] = IsInTree;
+        }
+    _nInTree = leaves.size();
+    const auto cell = [](double low, double high, double from, double to)
+    {
+        const double share = to > from ? ((low / 2 + high / 2) - from) / (to - from) : 0;
+        return spread(static_cast<std::uint64_t>(std::clamp(share, 0.0, 1.0) * 4294967295.0));
+    };
+    std::vector<std::pair<std::uint64_t, Node>> sorted;
+    sorted.reserve(leaves.size());
+    for (const Node& node : leaves)
+        sorted.emplace_back(cell(node.rect.left, node.rect.right, all.left, all.right) |
+                                cell(node.rect.top, node.rect.bottom, all.top, all.bottom) << 1,
+                            node);
+    std::sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::transform(sorted.begin(), sorted.end(), leaves.begin(), [](const auto& pair) { return pair.second; });
+    while (_levels.back().size() > cBranch)
+    {
+        const std::vector<Node>& below = _levels.back();
+        std::vector<Node> level;
+        for (std::size_t i = 0; i < below.size(); i += cBranch)
+        {
+            Node node{below[i].rect};
+            for (std::size_t k = i; k < std::min(i + cBranch, below.size()); ++k)
+                widen(node.rect, below[k].rect);
+            level.push_back(node);
+        }
+        _levels.push_back(std::move(level));
+    }
+}
+
+void ShapeIndex::search(std::size_t level, std::size_t first, std::size_t end, const Rect& rect,
+                        const std::function<void(std::uint32_t)>& found) const
+{
+    const std::vector<Node>& nodes = _levels[level];
+    for (std::size_t i = first; i < std::min(end, nodes.size()); ++i)
+    {
+        if (!touches(nodes[i].rect, rect))
+            continue;
+        if (level > 0)
+            search(level - 1, i * cBranch, (i + 1) * cBranch, rect, found);
+        else if (_states[nodes[i].number] == IsInTree)
+            found(nodes[i].number);
+    }
+}
+
+void ShapeIndex::find(const Rect& rect, const std::function<void(std::uint32_t)>& found)
+{
+    if (_levels.empty() || _changed.size() > 64 + _nInTree / 64)
+        build();
+    search(_levels.size() - 1, 0, cBranch, rect, found);
+    for (const std::uint32_t number : _changed)
+        if (_states[number] == IsChanged && touches(_rects[number], rect))
+            found(number);
+}
+
+} // namespace gui::draw

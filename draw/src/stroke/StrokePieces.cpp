@@ -1,0 +1,181 @@
+#include "StrokePieces.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+using Point = td::Point<double>;
+
+Point along(Point from, Point direction, double length)
+{
+    return {from.x + direction.x * length, from.y + direction.y * length};
+}
+
+Point left(Point direction) { return {-direction.y, direction.x}; }
+
+// Of length 1; the x axis where both are one.
+Point directionOf(Point from, Point to)
+{
+    const double length = std::hypot(to.x - from.x, to.y - from.y);
+    return length > 0 ? Point((to.x - from.x) / length, (to.y - from.y) / length) : Point(1, 0);
+}
+
+StrokePiece discOf(Point center, double radius)
+{
+    StrokePiece piece;
+    piece.center = center;
+    piece.radius = radius;
+    return piece;
+}
+
+} // namespace
+
+StrokePieces::StrokePieces(const Stroke& stroke, double radius, double dashScale)
+    : _stroke(stroke)
+    , _radius(radius)
+{
+    for (const double length : stroke.dashes)
+    {
+        if (!(length >= 0) || !std::isfinite(length))
+        {
+            _dashes.clear();
+            return;
+        }
+        _dashes.push_back(length * dashScale);
+        _sum += length * dashScale;
+    }
+    if (!(_sum > 0) || !std::isfinite(_sum))
+    {
+        _dashes.clear();
+        return;
+    }
+    if (_dashes.size() % 2 != 0)
+    {
+        const std::size_t n = _dashes.size();
+        for (std::size_t i = 0; i < n; ++i)
+            _dashes.push_back(_dashes[i]);
+        _sum *= 2;
+    }
+    _offset = std::isfinite(stroke.dashOffset) ? std::fmod(stroke.dashOffset * dashScale, _sum) : 0;
+    _offset += _offset < 0 ? _sum : 0;
+}
+
+void StrokePieces::appendBody(Point from, Point direction, double begin, double end,
+                              std::vector<StrokePiece>& pieces) const
+{
+    const Point side = left(direction), a = along(from, direction, begin), b = along(from, direction, end);
+    StrokePiece piece;
+    piece.corners = {along(a, side, _radius), along(b, side, _radius), along(b, side, -_radius),
+                     along(a, side, -_radius)};
+    piece.nCorners = 4;
+    pieces.push_back(piece);
+}
+
+void StrokePieces::appendCap(Point from, Point direction, double at, double outwards,
+                             std::vector<StrokePiece>& pieces) const
+{
+    if (_stroke.cap == Cap::Round)
+        pieces.push_back(discOf(along(from, direction, at), _radius));
+    else if (_stroke.cap == Cap::Square)
+        appendBody(from, direction, at, at + outwards * _radius, pieces);
+}
+
+void StrokePieces::appendJoin(Point corner, Point before, Point after, std::vector<StrokePiece>& pieces) const
+{
+    if (_stroke.join == Join::Round)
+    {
+        pieces.push_back(discOf(corner, _radius));
+        return;
+    }
+    const double turn = before.x * after.y - before.y * after.x;
+    const double cosine = std::sqrt(std::max((1 + before.x * after.x + before.y * after.y) / 2, 0.0));
+    if (turn == 0 || cosine == 0)
+        return;
+    const double outside = turn > 0 ? -_radius : _radius;
+    const Point a = along(corner, left(before), outside), b = along(corner, left(after), outside);
+    StrokePiece piece;
+    piece.corners = {corner, a, b, b};
+    piece.nCorners = 3;
+    if (_stroke.join == Join::Miter && 1 <= std::max(_stroke.miterLimit, 1.0) * cosine * 1.000001)
+    {
+        const Point axis = directionOf(corner, {(a.x + b.x) / 2, (a.y + b.y) / 2});
+        piece.corners = {corner, a, along(corner, axis, _radius / cosine), b};
+        piece.nCorners = 4;
+    }
+    pieces.push_back(piece);
+}
+
+bool StrokePieces::isDashAt(double length) const
+{
+    double t = std::fmod(length + _offset, _sum);
+    for (std::size_t i = 0; i < _dashes.size(); ++i)
+    {
+        if (t < _dashes[i])
+            return i % 2 == 0 && t > 0;
+        t -= _dashes[i];
+    }
+    return false;
+}
+
+void StrokePieces::appendDashes(const Line& line, Point direction, double length, double near, double far,
+                                std::vector<StrokePiece>& pieces) const
+{
+    const double from = std::max(near, 0.0), to = std::min(far, length);
+    // So many dashes in one place are a solid line to whoever points there.
+    if ((to - from) / _sum > 10000)
+    {
+        appendBody(line.from, direction, from, to, pieces);
+        return;
+    }
+    double at = std::floor((line.start + from + _offset) / _sum) * _sum - _offset - line.start;
+    while (at <= to)
+        for (std::size_t i = 0; i < _dashes.size(); i += 2)
+        {
+            const double end = at + _dashes[i];
+            if (end >= from && at <= to)
+            {
+                const double low = std::max(at, 0.0), high = std::min(end, length);
+                if (low < high)
+                    appendBody(line.from, direction, low, high, pieces);
+                if ((at >= 0 && (at < length || line.isLast)) || (line.isFirst && at < 0))
+                    appendCap(line.from, direction, low, -1, pieces);
+                if ((end <= length && (end > 0 || line.isFirst)) || (line.isLast && end > length))
+                    appendCap(line.from, direction, high, 1, pieces);
+            }
+            at = end + _dashes[i + 1];
+        }
+}
+
+void StrokePieces::append(const Line& line, double near, double far, std::vector<StrokePiece>& pieces) const
+{
+    const Point direction = directionOf(line.from, line.to);
+    const double length = std::hypot(line.to.x - line.from.x, line.to.y - line.from.y);
+    const auto areEqual = [](Point a, Point b) { return a.x == b.x && a.y == b.y; };
+    const bool isOpenBefore = areEqual(line.before, line.from), isOpenAfter = areEqual(line.after, line.to);
+    bool isJoined = !isOpenBefore;
+    if (_dashes.empty())
+    {
+        appendBody(line.from, direction, 0, length, pieces);
+        if (isOpenBefore)
+            appendCap(line.from, direction, 0, -1, pieces);
+        if (isOpenAfter)
+            appendCap(line.from, direction, length, 1, pieces);
+    }
+    else
+    {
+        Line dashed = line;
+        dashed.isFirst = line.isFirst || isOpenBefore;
+        dashed.isLast = line.isLast || isOpenAfter;
+        appendDashes(dashed, direction, length, near, far, pieces);
+        isJoined = !dashed.isFirst && isDashAt(line.start);
+    }
+    if (isJoined)
+        appendJoin(line.from, directionOf(line.before, line.from), direction, pieces);
+}
+
+} // namespace gui::draw
