@@ -47,21 +47,34 @@ double squaredDistance(Point p, std::span<const Point> polygon)
     return least;
 }
 
-// Whether all of one convex polygon is on the outer side of an edge of another.
+// Whether all of b is on the outer side of an edge of a, convex ones; where a is flat, on one side of it.
 bool isParted(std::span<const Point> a, std::span<const Point> b)
 {
     for (std::size_t i = 0; i < a.size(); ++i)
     {
         const Point from = a[i], to = a[(i + 1) % a.size()];
-        double inner = 0;
-        for (const Point& p : a)
-            if (const double side = cross(from, to, p); std::abs(side) > std::abs(inner))
-                inner = side;
-        if (inner != 0 &&
-            std::all_of(b.begin(), b.end(), [&](const Point& p) { return cross(from, to, p) * inner < 0; }))
+        const auto hasLeft = [&](std::span<const Point> points)
+        { return std::any_of(points.begin(), points.end(), [&](Point p) { return cross(from, to, p) > 0; }); };
+        const auto hasRight = [&](std::span<const Point> points)
+        { return std::any_of(points.begin(), points.end(), [&](Point p) { return cross(from, to, p) < 0; }); };
+        const auto isAllOff = [&](std::span<const Point> points)
+        { return std::all_of(points.begin(), points.end(), [&](Point p) { return cross(from, to, p) != 0; }); };
+        if (isAllOff(b) && !(hasLeft(a) && hasLeft(b)) && !(hasRight(a) && hasRight(b)) && !(hasLeft(b) && hasRight(b)))
             return true;
     }
     return false;
+}
+
+bool meet(std::span<const Point> a, std::span<const Point> b)
+{
+    const auto areApart = [&](double Point::*axis)
+    {
+        const auto less = [axis](const Point& p, const Point& q) { return p.*axis < q.*axis; };
+        const auto [lowA, highA] = std::minmax_element(a.begin(), a.end(), less);
+        const auto [lowB, highB] = std::minmax_element(b.begin(), b.end(), less);
+        return (*highA).*axis < (*lowB).*axis || (*highB).*axis < (*lowA).*axis;
+    };
+    return !areApart(&Point::x) && !areApart(&Point::y) && !isParted(a, b) && !isParted(b, a);
 }
 
 std::array<double, 4> boxOf(const ShapePicker::Quad& quad)
@@ -159,7 +172,7 @@ bool ShapePicker::isFillIn(const Quad& quad) const
                       [&](std::int32_t k)
                       {
                           const std::array<Point, 2> line{pointAt(k), pointAt(k + 1)};
-                          return !isParted(quad, line) && !isParted(line, quad);
+                          return meet(quad, line);
                       }) ||
            isInside(quad[0]);
 }
@@ -216,7 +229,7 @@ bool ShapePicker::isStrokeIn(const Quad& quad, const Stroke& stroke, double radi
                        {
                            if (piece.nCorners == 0)
                                return squaredDistance(piece.center, quad) <= piece.radius * piece.radius;
-                           return !isParted(quad, cornersOf(piece)) && !isParted(cornersOf(piece), quad);
+                           return meet(quad, cornersOf(piece));
                        });
 }
 
