@@ -10,7 +10,8 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::array<GLenum, 5> cFlags{GL_DEPTH_TEST, GL_STENCIL_TEST, GL_BLEND, GL_CULL_FACE, GL_SCISSOR_TEST};
+constexpr std::array<GLenum, 6> cFlags{GL_DEPTH_TEST, GL_STENCIL_TEST, GL_BLEND,
+                                       GL_CULL_FACE,  GL_SCISSOR_TEST, GL_POLYGON_OFFSET_FILL};
 
 int integerOf(GLenum name)
 {
@@ -26,6 +27,7 @@ StateGuard::StateGuard()
 {
     glGetIntegerv(GL_VIEWPORT, _viewport.data());
     glGetFloatv(GL_COLOR_CLEAR_VALUE, _clearColor.data());
+    glGetFloatv(GL_DEPTH_CLEAR_VALUE, &_clearDepth);
     glGetBooleanv(GL_COLOR_WRITEMASK, _colorMask.data());
     glGetBooleanv(GL_DEPTH_WRITEMASK, &_depthMask);
     _blendFunctions = {integerOf(GL_BLEND_SRC_RGB), integerOf(GL_BLEND_DST_RGB), integerOf(GL_BLEND_SRC_ALPHA),
@@ -48,6 +50,7 @@ StateGuard::~StateGuard()
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(_readFramebuffer));
     glViewport(_viewport[0], _viewport[1], _viewport[2], _viewport[3]);
     glClearColor(_clearColor[0], _clearColor[1], _clearColor[2], _clearColor[3]);
+    glClearDepth(static_cast<GLdouble>(_clearDepth));
     glColorMask(_colorMask[0], _colorMask[1], _colorMask[2], _colorMask[3]);
     glDepthMask(_depthMask);
     glDepthFunc(static_cast<GLenum>(_depthFunction));

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <deque>
 #include <utility>
 
 namespace gui::draw
@@ -47,6 +48,13 @@ struct Drawing::Impl
         Group
     };
 
+    /// What a stroke's shape is made from, again when its style changes.
+    struct Line
+    {
+        Path path;
+        draw::Stroke stroke;
+    };
+
     /// A shape or a group, in a slot that is used again.
     struct Item
     {
@@ -54,6 +62,8 @@ struct Drawing::Impl
         bool isVisible = true;
         bool isShown = true; // with all groups around it
         FillRule rule = FillRule::NonZero;
+        bool areLinksStale = false;
+        std::uint32_t slot = 0;
         std::uint32_t generation = 0;
         std::uint32_t group = cNone;
         std::uint32_t place = 0; // in the order of drawing, as far as that is up to date
@@ -62,14 +72,12 @@ struct Drawing::Impl
         td::Point<double> origin;
         double step = 1;
         bool hasBounds = false;
-        Rect bounds; // of its points, as they are kept
-        Path path;   // of a stroke, which makes its shape anew
-        draw::Stroke stroke;
+        Rect bounds;                 // of its points, as they are kept
+        std::unique_ptr<Line> pLine; // of a stroke
         ShapePlaces places;
         std::vector<std::uint32_t> members;    // of a group
         std::vector<std::uint32_t> neighbours; // fills that share edges with this one
         SharedEdges::Version version = cNone;  // of what it shares
-        bool areLinksStale = false;
     };
 
     ID idOf(std::uint32_t slot) const { return ID(items[slot].generation) << 32 | (slot + 1); }
@@ -86,7 +94,7 @@ struct Drawing::Impl
         Item* pItem = find(id);
         return pItem == nullptr || pItem->kind == Kind::Group ? nullptr : pItem;
     }
-    std::uint32_t slotOf(const Item& item) const { return static_cast<std::uint32_t>(&item - items.data()); }
+    static std::uint32_t slotOf(const Item& item) { return item.slot; }
 
     std::uint32_t add(Kind kind)
     {
@@ -105,6 +113,7 @@ struct Drawing::Impl
         items[slot] = Item();
         Item& item = items[slot];
         item.kind = kind;
+        item.slot = slot;
         item.generation = generation;
         item.group = group;
         if (group != cNone)
@@ -133,8 +142,8 @@ struct Drawing::Impl
         const bool isStroke = item.kind == Kind::Stroke;
         if (!isStroke)
             builder.makeFill(path, item.rule, tolerance, geometry);
-        else if (item.stroke.width > 0 && std::isfinite(item.stroke.width))
-            builder.makeStroke(path, item.stroke, tolerance, geometry);
+        else if (item.pLine->stroke.width > 0 && std::isfinite(item.pLine->stroke.width))
+            builder.makeStroke(path, item.pLine->stroke, tolerance, geometry);
         else
             geometry.clear();
         item.origin = geometry.origin;
@@ -147,8 +156,8 @@ struct Drawing::Impl
                            item.origin.x + item.step * box[2], item.origin.y + item.step * box[3]};
         }
         if (isStroke)
-            item.path = path;
-        tables.setGeometry(item.places, geometry, isStroke ? &item.stroke : nullptr);
+            item.pLine->path = path;
+        tables.setGeometry(item.places, geometry, isStroke ? &item.pLine->stroke : nullptr);
         if (!isStroke)
         {
             unlink(item);
@@ -203,6 +212,7 @@ struct Drawing::Impl
             group = cNone;
         item.kind = Kind::None;
         item.members.clear();
+        item.pLine.reset();
         freeSlots.push_back(slot);
     }
 
@@ -287,8 +297,8 @@ struct Drawing::Impl
     {
         if (item.kind == Kind::Group || !item.isShown || !item.hasBounds)
             return false;
-        const bool isWide = item.kind == Kind::Stroke && item.stroke.unit == Unit::Model;
-        const double margin = isWide ? item.stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
+        const bool isWide = item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Model;
+        const double margin = isWide ? item.pLine->stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
         const Rect& rect = item.bounds;
         bool isFirst = true;
         for (const double x : {rect.left - margin, rect.right + margin})
@@ -315,9 +325,9 @@ struct Drawing::Impl
             shape.first = item.places.elements.first;
             shape.count = item.places.elements.count;
             shape.record = item.places.record;
-            if (item.kind == Kind::Stroke && item.stroke.unit == Unit::Points)
+            if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
                 shape.margin =
-                    static_cast<float>(item.stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+                    static_cast<float>(item.pLine->stroke.width / 2) * tables.getRecords()[item.places.record].reach;
         }
         largestMargin = std::max(largestMargin, double(shape.margin));
         list.set(item.place, shape);
@@ -433,7 +443,7 @@ struct Drawing::Impl
         return true;
     }
 
-    std::vector<Item> items;
+    std::deque<Item> items;
     std::vector<std::uint32_t> freeSlots;
     std::vector<std::uint32_t> order; // of drawing: shapes, and gaps
     std::size_t nGaps = 0;
@@ -452,9 +462,9 @@ struct Drawing::Impl
     struct Local
     {
         Affine toSteps;
-        double scale; // steps per model unit
-        double radius;
-        double dashScale;
+        double scale = 1; // steps per model unit
+        double radius = 0;
+        double dashScale = 1;
     };
     std::optional<Local> localOf(const Item& item) const
     {
@@ -466,8 +476,11 @@ struct Drawing::Impl
         const Affine& map = local.toSteps;
         local.scale = std::sqrt(std::abs(map.a * map.d - map.b * map.c));
         const double point = local.scale / pointsPerUnit, unit = 1 / item.step;
-        local.radius = item.stroke.width / 2 * (item.stroke.unit == Unit::Points ? point : unit);
-        local.dashScale = item.stroke.dashUnit == Unit::Points ? point : unit;
+        if (item.kind != Kind::Stroke)
+            return local;
+        const draw::Stroke& stroke = item.pLine->stroke;
+        local.radius = stroke.width / 2 * (stroke.unit == Unit::Points ? point : unit);
+        local.dashScale = stroke.dashUnit == Unit::Points ? point : unit;
         return local;
     }
 
@@ -519,7 +532,8 @@ Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, td::Color co
 {
     const ID id = _pImpl->addShape(Impl::Kind::Stroke, color);
     Impl::Item& item = *_pImpl->find(id);
-    item.stroke = stroke;
+    item.pLine = std::make_unique<Impl::Line>();
+    item.pLine->stroke = stroke;
     return _pImpl->setPath(item, path);
 }
 
@@ -571,8 +585,8 @@ bool Drawing::setStroke(ID shape, const Stroke& stroke)
     Impl::Item* pItem = _pImpl->findShape(shape);
     if (pItem == nullptr || pItem->kind != Impl::Kind::Stroke)
         return false;
-    pItem->stroke = stroke;
-    return _pImpl->setPath(*pItem, Path(pItem->path)) != 0;
+    pItem->pLine->stroke = stroke;
+    return _pImpl->setPath(*pItem, Path(pItem->pLine->path)) != 0;
 }
 
 bool Drawing::setTransform(ID id, const Affine& transform)
@@ -693,10 +707,10 @@ Drawing::ID Drawing::pick(Point point, double tolerance) const
                         {
                             const Point at = local.toSteps.map(point);
                             const double distance = tolerance * local.scale;
-                            const bool isThere =
-                                item.kind == Impl::Kind::Fill
-                                    ? picker.isFillAt(at, distance)
-                                    : picker.isStrokeAt(at, distance, item.stroke, local.radius, local.dashScale);
+                            const bool isThere = item.kind == Impl::Kind::Fill
+                                                     ? picker.isFillAt(at, distance)
+                                                     : picker.isStrokeAt(at, distance, item.pLine->stroke, local.radius,
+                                                                         local.dashScale);
                             if (isThere)
                                 accepted.push_back(_pImpl->slotOf(item));
                             return !isThere;
@@ -714,8 +728,9 @@ std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
             const Affine& map = local.toSteps;
             const ShapePicker::Quad quad{map.map({rect.left, rect.top}), map.map({rect.right, rect.top}),
                                          map.map({rect.right, rect.bottom}), map.map({rect.left, rect.bottom})};
-            if (item.kind == Impl::Kind::Fill ? picker.isFillIn(quad)
-                                              : picker.isStrokeIn(quad, item.stroke, local.radius, local.dashScale))
+            if (item.kind == Impl::Kind::Fill
+                    ? picker.isFillIn(quad)
+                    : picker.isStrokeIn(quad, item.pLine->stroke, local.radius, local.dashScale))
                 accepted.push_back(_pImpl->slotOf(item));
             return true;
         });

@@ -54,56 +54,6 @@ double stretchOf(const Affine& m)
 
 } // namespace
 
-/// A texture of colours and a depth buffer.
-struct DrawingPainter::Layer
-{
-    ~Layer() { release(); }
-
-    void release()
-    {
-        using gl::CurrentContext;
-        CurrentContext::deleteName(contextID, CurrentContext::Kind::Framebuffer, framebuffer);
-        CurrentContext::deleteName(contextID, CurrentContext::Kind::Texture, texture);
-        CurrentContext::deleteName(contextID, CurrentContext::Kind::Renderbuffer, depth);
-        framebuffer = texture = depth = 0;
-        contextID = 0;
-        size = {0, 0};
-    }
-
-    bool resize(td::Size<int> newSize)
-    {
-        if (size.width == newSize.width && size.height == newSize.height && gl::CurrentContext::isAlive(contextID) &&
-            contextID == gl::CurrentContext::getID())
-            return true;
-        release();
-        contextID = gl::CurrentContext::getID();
-        glGenTextures(1, &texture);
-        gl::Textures::bindToSamplerUnit(texture, cLayerUnit, gl::Texture::Type::Tex2D);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, newSize.width, newSize.height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-        glGenRenderbuffers(1, &depth);
-        glBindRenderbuffer(GL_RENDERBUFFER, depth);
-        glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, newSize.width, newSize.height);
-        glBindRenderbuffer(GL_RENDERBUFFER, 0);
-        glGenFramebuffers(1, &framebuffer);
-        glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-        glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth);
-        if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
-        {
-            release();
-            return false;
-        }
-        size = newSize;
-        return true;
-    }
-
-    unsigned int framebuffer = 0, texture = 0, depth = 0;
-    gl::CurrentContext::ID contextID = 0;
-    td::Size<int> size{0, 0};
-};
-
 /// Draws shapes of some features, or, for none, the inside of opaque fills.
 class DrawingPainter::ShapeProgram : public gl::Program
 {
@@ -175,6 +125,7 @@ bool DrawingPainter::prepare()
     {
         _programs.clear();
         _pComposite.reset();
+        _layer.release();
         _programContext = gl::CurrentContext::getID();
         _isLayerValid = false;
     }
@@ -183,8 +134,6 @@ bool DrawingPainter::prepare()
         _pComposite = std::make_unique<LayerProgram>();
         _pComposite->link();
     }
-    if (!_pLayer)
-        _pLayer = std::make_unique<Layer>();
     return _pComposite->isOK();
 }
 
@@ -209,40 +158,41 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
     glGetIntegerv(GL_VIEWPORT, viewport.data());
     if (viewport[2] <= 0 || viewport[3] <= 0)
         return true;
-    GLint target = 0;
-    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &target);
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
     const td::Size<int> size{viewport[2], viewport[3]};
     if (!prepare())
         return fail("its program does not link");
-    const gl::CurrentContext::ID layerContext = _pLayer->contextID;
-    if (_pLayer->size.width != size.width || _pLayer->size.height != size.height)
+    if (!(_layer.getSize() == size))
+    {
         _isLayerValid = false;
-    if (!_pLayer->resize(size))
-        return fail("there is no framebuffer of the viewport's size");
-    if (_pLayer->contextID != layerContext)
-        _isLayerValid = false;
-
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+        // The unit of the layer's texture loses what is bound to it.
+        gl::Context::setActiveTextureUnit(cLayerUnit);
+        if (!_layer.create(size, {.depth = gl::DepthBuffer::Size::Bits24}))
+            return fail("there is no framebuffer of the viewport's size");
+    }
+    using Flag = gl::Context::Flag;
+    for (const Flag flag : {Flag::CullFace, Flag::StencilTest, Flag::PolygonOffset})
+        gl::Context::disable(flag);
+    gl::Context::maskColorBuffer(true, true, true, true);
+    gl::Context::setPolygonMode(gl::Context::PolygonMode::Fill);
     glBlendEquation(GL_FUNC_ADD);
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_STENCIL_TEST);
-    gl::Context::enable(gl::Context::Flag::Blend);
+    gl::Context::enable(Flag::Blend);
     gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
     if (!_isLayerValid || isChanged || !(sight == _sight))
     {
         _isLayerValid = false;
         if (!tables.upload())
             return fail("GL has no room for its shapes");
-        glDisable(GL_SCISSOR_TEST);
-        glBindFramebuffer(GL_FRAMEBUFFER, _pLayer->framebuffer);
-        glViewport(0, 0, size.width, size.height);
-        glClearColor(0, 0, 0, 0);
+        const gl::Framebuffer::Drawing drawing(_layer);
+        if (!drawing)
+            return fail("its layer cannot be drawn into");
+        gl::Context::disable(Flag::ScissorTest);
         gl::Context::maskDepthBuffer(true);
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glClearColor(0, 0, 0, 0);
+        glClearDepth(1);
+        gl::Context::clear({gl::Context::Clear::Color, gl::Context::Clear::Depth});
         // Each shape is nearer than those before, and so passes over them, but not over itself.
-        gl::Context::enable(gl::Context::Flag::DepthTest);
+        gl::Context::enable(Flag::DepthTest);
         gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
         tables.bind();
         const double stretch = stretchOf(sight.toPixels);
@@ -266,11 +216,10 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
         _sight = sight;
         _isLayerValid = true;
     }
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(target));
-    glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
-    isScissored ? glEnable(GL_SCISSOR_TEST) : glDisable(GL_SCISSOR_TEST);
-    gl::Context::disable(gl::Context::Flag::DepthTest);
-    gl::Textures::bindToSamplerUnit(_pLayer->texture, cLayerUnit, gl::Texture::Type::Tex2D);
+    if (isScissored)
+        gl::Context::enable(Flag::ScissorTest);
+    gl::Context::disable(Flag::DepthTest);
+    gl::Textures::bindToSamplerUnit(_layer.getTextureID(), cLayerUnit, gl::Texture::Type::Tex2D);
     _pComposite->activate();
     _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->corner), glm::vec2(viewport[0], viewport[1]));
     const gl::Quads::Range one{0, 1};

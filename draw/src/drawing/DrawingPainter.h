@@ -3,6 +3,7 @@
 #include "DrawList.h"
 #include "ShapeTables.h"
 
+#include <gui/gl/Framebuffer.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Quads.h>
 
@@ -40,7 +41,6 @@ public:
     bool draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged);
 
 private:
-    struct Layer;
     class ShapeProgram;
     class LayerProgram;
 
@@ -48,7 +48,7 @@ private:
     ShapeProgram* programFor(unsigned int features);
     bool fail(const char* reason);
 
-    std::unique_ptr<Layer> _pLayer;
+    gl::Framebuffer _layer;
     std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features; 0 is that of the first pass
     std::unique_ptr<LayerProgram> _pComposite;
     gl::Quads _quads;

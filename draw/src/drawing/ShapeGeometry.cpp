@@ -43,6 +43,7 @@ void ShapeGeometry::clear()
     nodes.clear();
     elements.clear();
     lengths.clear();
+    hasRound = false;
     reach = 1;
 }
 
@@ -50,6 +51,8 @@ double toleranceFor(const Path& path, double tolerance)
 {
     if (tolerance > 0)
         return tolerance;
+    if (!path.hasCurves())
+        return 1;
     const std::optional<Path::Rect> bounds = path.getBounds();
     const double size = bounds ? std::max(bounds->right - bounds->left, bounds->bottom - bounds->top) : 0;
     return size > 0 && std::isfinite(size) ? size / 4096 : 1;
@@ -69,7 +72,7 @@ void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32
     if (n <= cLeaf)
         for (std::int32_t i = first; i <= last; ++i)
         {
-            const GridPoint p = shape.points[static_cast<std::size_t>(i)];
+            const GridPoint p = withoutMark(shape.points[static_cast<std::size_t>(i)]);
             widen(box, {p.x, p.y, p.x, p.y});
         }
     else
@@ -213,10 +216,14 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     for (const Polylines::Line& line : _lines.lines)
     {
         _line.clear();
-        for (const td::Point<double>& p : _lines.pointsOf(line))
-            if (isUsable(p))
-                if (const GridPoint g = toGrid(p, shape); _line.empty() || _line.back() != g)
+        _areWithinCurves.clear();
+        for (std::size_t i = line.first; i < line.first + line.count; ++i)
+            if (isUsable(_lines.points[i]))
+                if (const GridPoint g = toGrid(_lines.points[i], shape); _line.empty() || _line.back() != g)
+                {
                     _line.push_back(g);
+                    _areWithinCurves.push_back(_lines.areWithinCurves[i]);
+                }
         addLine(line, stroke, shape);
     }
     if (!_rings.empty())
@@ -249,15 +256,25 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
         const GridPoint a = shape.points[i - 1], b = shape.points[i];
         return td::Point<double>(double(b.x) - a.x, double(b.y) - a.y);
     };
+    std::vector<std::uint32_t>& rounds = _numbers;
+    rounds.clear();
     for (std::uint32_t i = first; i < last; ++i)
     {
         addElement(shape, ElementKind::Line, i);
         const td::Point<double> in = wayTo(i), out = wayTo(i + 1);
         const double lengths = std::hypot(in.x, in.y) * std::hypot(out.x, out.y);
-        if (stroke.join != Join::Miter || lengths == 0)
+        if (lengths == 0)
             continue;
         // A mitre ends 1 / cos(half the turn) halves of the width from its corner.
         const double cosine = std::sqrt(std::max((1 + (in.x * out.x + in.y * out.y) / lengths) / 2, 0.0));
+        // A curve has no corners: where it turns as sharply as this, the brush turns.
+        if (_areWithinCurves[i - first] && cosine < 0.9975)
+        {
+            rounds.push_back(i);
+            continue;
+        }
+        if (stroke.join != Join::Miter)
+            continue;
         if (1 > std::max(stroke.miterLimit, 1.0) * cosine * 1.000001)
             continue;
         shape.reach = std::max(shape.reach, static_cast<float>(1 / cosine));
@@ -265,14 +282,24 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
         if (cosine < 0.7)
             addElement(shape, ElementKind::Tip, i);
     }
-    if (stroke.dashes.empty())
-        return;
+    if (!stroke.dashes.empty())
+        addLengths(first, last, shape);
+    for (const std::uint32_t i : rounds)
+        shape.points[i] = markRound(shape.points[i]);
+    shape.hasRound = shape.hasRound || !rounds.empty();
+}
+
+void ShapeBuilder::addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape)
+{
     shape.lengths.resize(shape.points.size());
     double length = 0;
     for (std::uint32_t i = first; i <= last; ++i)
     {
         if (i > first)
-            length += std::hypot(wayTo(i).x, wayTo(i).y);
+        {
+            const GridPoint a = shape.points[i - 1], b = shape.points[i];
+            length += std::hypot(double(b.x) - a.x, double(b.y) - a.y);
+        }
         shape.lengths[i] = static_cast<float>(i == last ? -std::max(length, 1e-30) : length);
     }
 }

@@ -42,6 +42,11 @@ struct Element
 };
 static_assert(sizeof(Element) == 16);
 
+/// Marks the corner of a stroke that is round whatever its joins are; coordinates leave a bit for it.
+inline GridPoint markRound(GridPoint p) { return {p.x ^ 0x40000000, p.y}; }
+inline GridPoint withoutMark(GridPoint p) { return {(p.x & ~0x40000000) | ((p.x >> 1) & 0x40000000), p.y}; }
+inline bool isMarkedRound(GridPoint p) { return withoutMark(p).x != p.x; }
+
 /// A shape as it is kept and drawn: its points on a grid about an origin of its own, and a tree of boxes over the lines
 /// between consecutive ones. Numbers of points and nodes begin with 0.
 struct ShapeGeometry
@@ -52,6 +57,7 @@ struct ShapeGeometry
     std::vector<EdgeNode> nodes;
     std::vector<Element> elements; // of shape 0
     std::vector<float> lengths;    // of a dashed stroke: of the subpath up to each point, in steps, below 0 at its end
+    bool hasRound = false;         // corners within curves
     float reach = 1;               // how far from its points a stroke's parts are, in halves of its width
 
     void clear();
@@ -67,6 +73,7 @@ public:
 private:
     void linkRings(ShapeGeometry& shape);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
+    void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
     void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last);
     void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last);
     void addElement(ShapeGeometry& shape, ElementKind kind, std::uint32_t point);
@@ -82,6 +89,7 @@ private:
     std::vector<std::uint32_t> _starts, _next, _numbers;
     std::vector<Ring> _rings;
     std::vector<GridPoint> _line;
+    std::vector<bool> _areWithinCurves; // of the points in _line
 };
 
 /// The tolerance that stands for "as fine as the path wants".

@@ -100,7 +100,7 @@ ShapePicker::ShapePicker(const ShapeTables& tables, const ShapePlaces& places)
 
 ShapePicker::Point ShapePicker::pointAt(std::int32_t i) const
 {
-    const GridPoint p = _tables.getPoints()[_places.points.first + static_cast<std::uint32_t>(i)];
+    const GridPoint p = withoutMark(_tables.getPoints()[_places.points.first + static_cast<std::uint32_t>(i)]);
     return {double(p.x), double(p.y)};
 }
 
@@ -191,6 +191,8 @@ bool ShapePicker::visitPieces(const std::array<double, 4>& box, const Stroke& st
                       [&](std::int32_t k)
                       {
                           StrokePieces::Line line{pointAt(k - 1), pointAt(k), pointAt(k + 1), pointAt(k + 2)};
+                          line.isRound =
+                              isMarkedRound(_tables.getPoints()[_places.points.first + static_cast<std::uint32_t>(k)]);
                           if (record.dashes >= 0)
                           {
                               const auto lengths = static_cast<std::uint32_t>(record.lengths + k);

@@ -84,6 +84,7 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     if (pStroke != nullptr)
     {
         const Stroke& stroke = *pStroke;
+        _features |= geometry.hasRound ? HasRound : 0U;
         _features |= (stroke.cap != Cap::Butt ? HasCaps : 0U) |
                      (stroke.cap == Cap::Round || stroke.join == Join::Round ? HasRound : 0U);
         const bool isInPoints = stroke.unit == Unit::Points;

@@ -17,7 +17,7 @@ std::uint64_t mixed(std::uint64_t n)
 }
 
 // The same for both directions but for the lowest bit.
-std::uint64_t keyOf(td::Point<double> a, td::Point<double> b)
+std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
 {
     const double size = std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
     int exponent = 0, largest = 0;
@@ -34,7 +34,7 @@ std::uint64_t keyOf(td::Point<double> a, td::Point<double> b)
         std::swap(a, b);
     const std::uint64_t key =
         mixed(cell(a.x) + mixed(cell(a.y) + mixed(cell(b.x) + mixed(cell(b.y) + static_cast<unsigned int>(exponent)))));
-    return ((key | 2U) & ~std::uint64_t(1)) | (isBackward ? 1U : 0U);
+    return ((static_cast<std::uint32_t>(key) | 2U) & ~1U) | (isBackward ? 1U : 0U);
 }
 
 } // namespace
@@ -59,11 +59,11 @@ SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32
         grow();
     const std::size_t mask = _entries.size() - 1;
     // All places are fetched into the cache before the first is looked at.
-    for (const std::uint64_t key : _keys)
-        __builtin_prefetch(&_entries[(key >> 1) & mask]);
-    for (const std::uint64_t key : _keys)
+    for (const std::uint32_t key : _keys)
+        __builtin_prefetch(&_entries[placeOf(key)]);
+    for (const std::uint32_t key : _keys)
     {
-        std::size_t place = (key >> 1) & mask;
+        std::size_t place = placeOf(key);
         for (; _entries[place].key != 0; place = (place + 1) & mask)
             if (_entries[place].key == (key ^ 1U))
                 if (const std::uint32_t other = _shapes[_entries[place].version];
@@ -74,6 +74,12 @@ SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32
         ++_nUsed;
     }
     return version;
+}
+
+// Both directions of an edge begin at the same place.
+std::size_t SharedEdges::placeOf(std::uint32_t key) const
+{
+    return ((key >> 1) * 0x9e3779b97f4a7c15U >> 32) & (_entries.size() - 1);
 }
 
 void SharedEdges::remove(Version version)
@@ -94,10 +100,10 @@ void SharedEdges::grow()
             insert(entry);
 }
 
-void SharedEdges::insert(const Entry& entry)
+void SharedEdges::insert(Entry entry)
 {
     const std::size_t mask = _entries.size() - 1;
-    std::size_t place = (entry.key >> 1) & mask;
+    std::size_t place = placeOf(entry.key);
     while (_entries[place].key != 0)
         place = (place + 1) & mask;
     _entries[place] = entry;

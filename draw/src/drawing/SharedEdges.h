@@ -11,7 +11,7 @@ namespace gui::draw
 
 /// Finds fills that have an edge in common, one on each side of it: those between which nothing may show.
 ///
-/// Edges are compared as the shapes have them, to some 2^-16 of their length, since each shape has a grid of its own.
+/// It may name a pair that has none, one in a million. Edges are compared as the shapes have them, to some 2^-16 of their length, since each shape has a grid of its own.
 class SharedEdges
 {
 public:
@@ -27,19 +27,20 @@ public:
 private:
     struct Entry
     {
-        std::uint64_t key = 0; // 0 for none; the lowest bit is the direction
+        std::uint32_t key = 0; // 0 for none; the lowest bit is the direction
         Version version = 0;
     };
 
     void grow();
-    void insert(const Entry& entry);
+    void insert(Entry entry);
+    std::size_t placeOf(std::uint32_t key) const;
 
     std::vector<Entry> _entries; // as many as a power of two; the place is the key's, or after it
     std::size_t _nUsed = 0;
     std::vector<std::uint32_t> _shapes; // by version; UINT32_MAX for those removed
     std::size_t _nRemoved = 0;          // entries of these
     std::vector<std::uint32_t> _counts; // of entries, by version
-    std::vector<std::uint64_t> _keys;
+    std::vector<std::uint32_t> _keys;
 };
 
 } // namespace gui::draw

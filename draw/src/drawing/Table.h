@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GrowingArray.h"
+
 #include <gui/gl/BufferTexture.h>
 
 #include <algorithm>
@@ -37,7 +39,7 @@ public:
             return first;
         }
         const auto first = static_cast<std::uint32_t>(_records.size());
-        _records.resize(_records.size() + n);
+        _records.grow(n);
         return first;
     }
 
@@ -57,7 +59,7 @@ public:
 
     void set(std::uint32_t first, std::span<const Record> records)
     {
-        std::copy(records.begin(), records.end(), _records.begin() + static_cast<std::ptrdiff_t>(first));
+        std::copy(records.begin(), records.end(), _records.data() + first);
         markChanged(first * sizeof(Record), records.size() * sizeof(Record));
     }
 
@@ -133,7 +135,7 @@ private:
     }
 
     gl::BufferTexture _texture;
-    std::vector<Record> _records;
+    GrowingArray<Record> _records;
     std::multimap<std::size_t, std::uint32_t> _free; // by size
     std::vector<std::pair<std::size_t, std::size_t>> _changes;
 };

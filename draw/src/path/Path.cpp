@@ -237,6 +237,12 @@ void Path::clear()
     _start = 0;
 }
 
+bool Path::hasCurves() const
+{
+    return std::any_of(_verbs.begin(), _verbs.end(),
+                       [](Verb verb) { return verb == Verb::QuadTo || verb == Verb::CubicTo || verb == Verb::ArcTo; });
+}
+
 Path::Point Path::getCurrentPoint() const
 {
     if (_verbs.empty())

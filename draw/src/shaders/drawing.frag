@@ -259,12 +259,12 @@ uvec2 capMask(Rows rows, Brush brush, vec2 a, vec2 u, float at, float outwards)
 #endif
 }
 
-uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after)
+uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isRound)
 {
     float turn = before.x * after.y - before.y * after.x;
     float cosine = dot(before, after);
 #ifdef ROUND
-    if (brush.join == 1)
+    if (brush.join == 1 || isRound)
         return discMask(rows, brush, c);
 #endif
     if (turn == 0.0)
@@ -334,7 +334,7 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
             float end = at + on;
             if (end >= from && at <= to)
             {
-                bool beginsHere = at >= 0.0 && (at < len || isLast), endsHere = end <= len && (end > 0.0 || isFirst);
+                bool beginsHere = at >= 0.0 && (at < len || len == 0.0), endsHere = end <= len && (end > 0.0 || isFirst);
                 float low = max(at, 0.0), high = min(end, len);
                 if (low <= high)
                 {
@@ -359,7 +359,7 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
 // A line of the stroke with its join at the beginning and the caps of open ends.
 uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, int pointBase, int i)
 {
-    ivec2 pb = texelFetch(points, i).xy, pc = texelFetch(points, i + 1).xy;
+    ivec2 pb = strokePoint(i), pc = strokePoint(i + 1);
     vec2 nearB = pixelOf(place, pb), nearC = pixelOf(place, pc);
     shorten(place, pb, pc, nearB, nearC);
     vec2 a = toBrush * (nearB - pixel), b = toBrush * (nearC - pixel);
@@ -374,7 +374,7 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, in
     bool mayJoin = dot(a, a) <= brush.reach * brush.reach;
     if (!isNear && !mayJoin)
         return mask;
-    ivec2 pa = texelFetch(points, i - 1).xy, pd = texelFetch(points, i + 2).xy;
+    ivec2 pa = strokePoint(i - 1), pd = strokePoint(i + 2);
     bool isFirst = pa == pb, isLast = pd == pc;
     bool isJoined = !isFirst;
 #ifdef DASHES
@@ -402,7 +402,7 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, in
     if (isJoined && mayJoin)
     {
         vec2 before = toBrush * (place.pixels * vec2(pb - pa));
-        mask |= joinMask(rows, brush, a, normalize(before), u);
+        mask |= joinMask(rows, brush, a, normalize(before), u, texelFetch(points, i).x != pb.x);
     }
     return mask;
 }
@@ -474,16 +474,16 @@ float coverageOfStroke(Place place, vec2 pixel)
             int first = pointBase + info.y, last = pointBase + info.z;
             if (max(h.x, h.y) < 1.0 / 64.0 && brush.dashes < 0 && last > first + 1)
             {
-                vec2 a = toBrush * (pixelOf(place, texelFetch(points, first).xy) - pixel);
-                vec2 b = toBrush * (pixelOf(place, texelFetch(points, last).xy) - pixel);
+                vec2 a = toBrush * (pixelOf(place, strokePoint(first)) - pixel);
+                vec2 b = toBrush * (pixelOf(place, strokePoint(last)) - pixel);
                 float len = length(b - a);
                 vec2 u = len > 0.0 ? (b - a) / len : vec2(1.0, 0.0);
                 mask |= bodyMask(rows, brush, a, u, 0.0, len);
-                if (texelFetch(points, first - 1).xy != texelFetch(points, first).xy)
+                if (strokePoint(first - 1) != strokePoint(first))
                     mask |= bodyMask(rows, brush, a, u, -brush.radius * 0.7, 0.0);
                 else
                     mask |= capMask(rows, brush, a, u, 0.0, -1.0);
-                if (texelFetch(points, last + 1).xy == texelFetch(points, last).xy)
+                if (strokePoint(last + 1) == strokePoint(last))
                     mask |= capMask(rows, brush, a, u, len, 1.0);
             }
             else if (info.w == 0)

@@ -94,6 +94,13 @@ Place placeOf(int shape)
     return place;
 }
 
+// A point of a stroke: a bit of it says that the brush turns there, whatever the joins are.
+ivec2 strokePoint(int i)
+{
+    ivec2 p = texelFetch(points, i).xy;
+    return ivec2(p.x & ~0x40000000 | p.x >> 1 & 0x40000000, p.y);
+}
+
 vec2 stepsOf(Place place, ivec2 point) { return vec2(point - place.middle) + place.toMiddle; }
 vec2 pixelOf(Place place, ivec2 point) { return place.pixels * stepsOf(place, point); }
 

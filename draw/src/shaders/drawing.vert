@@ -87,7 +87,7 @@ void main()
     else
     {
         int i = base + int(element.y);
-        ivec2 pa = texelFetch(points, i).xy, pb = texelFetch(points, i + 1).xy;
+        ivec2 pa = strokePoint(i), pb = strokePoint(i + 1);
         vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
         shorten(place, pa, pb, a, b);
         float across = half_ + 1.0;
@@ -99,7 +99,7 @@ void main()
         if (kind == cTip)
         {
             // From the corner to the tip of the mitre, along the middle between both lines.
-            vec2 before = a - pixelOf(place, texelFetch(points, i - 1).xy);
+            vec2 before = a - pixelOf(place, strokePoint(i - 1));
             vec2 axis = normalize(before) - along;
             axis = dot(axis, axis) > 0.0 ? normalize(axis) : vec2(1.0, 0.0);
             float sine = length(normalize(before) - along) / 2.0; // of half of the angle between, from the outside

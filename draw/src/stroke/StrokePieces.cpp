@@ -85,9 +85,10 @@ void StrokePieces::appendCap(Point from, Point direction, double at, double outw
         appendBody(from, direction, at, at + outwards * _radius, pieces);
 }
 
-void StrokePieces::appendJoin(Point corner, Point before, Point after, std::vector<StrokePiece>& pieces) const
+void StrokePieces::appendJoin(Point corner, Point before, Point after, bool isRound,
+                              std::vector<StrokePiece>& pieces) const
 {
-    if (_stroke.join == Join::Round)
+    if (isRound || _stroke.join == Join::Round)
     {
         pieces.push_back(discOf(corner, _radius));
         return;
@@ -142,7 +143,7 @@ void StrokePieces::appendDashes(const Line& line, Point direction, double length
                 const double low = std::max(at, 0.0), high = std::min(end, length);
                 if (low < high)
                     appendBody(line.from, direction, low, high, pieces);
-                if ((at >= 0 && (at < length || line.isLast)) || (line.isFirst && at < 0))
+                if ((at >= 0 && (at < length || length == 0)) || (line.isFirst && at < 0))
                     appendCap(line.from, direction, low, -1, pieces);
                 if ((end <= length && (end > 0 || line.isFirst)) || (line.isLast && end > length))
                     appendCap(line.from, direction, high, 1, pieces);
@@ -175,7 +176,7 @@ void StrokePieces::append(const Line& line, double near, double far, std::vector
         isJoined = !dashed.isFirst && isDashAt(line.start);
     }
     if (isJoined)
-        appendJoin(line.from, directionOf(line.before, line.from), direction, pieces);
+        appendJoin(line.from, directionOf(line.before, line.from), direction, line.isRound, pieces);
 }
 
 } // namespace gui::draw

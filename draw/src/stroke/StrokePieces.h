@@ -33,6 +33,7 @@ public:
     struct Line
     {
         Point before, from, to, after;
+        bool isRound = false; // at its beginning, whatever joins are
         double start = 0;     // of dashed strokes: the subpath's length up to `from`
         bool isFirst = false; // of the subpath, likewise
         bool isLast = false;
@@ -45,7 +46,7 @@ public:
 private:
     void appendBody(Point from, Point direction, double begin, double end, std::vector<StrokePiece>& pieces) const;
     void appendCap(Point from, Point direction, double at, double outwards, std::vector<StrokePiece>& pieces) const;
-    void appendJoin(Point corner, Point before, Point after, std::vector<StrokePiece>& pieces) const;
+    void appendJoin(Point corner, Point before, Point after, bool isRound, std::vector<StrokePiece>& pieces) const;
     void appendDashes(const Line& line, Point direction, double length, double near, double far,
                       std::vector<StrokePiece>& pieces) const;
     bool isDashAt(double length) const;

@@ -8,8 +8,8 @@ namespace gui::gl
 {
 
 /// Remembers the GL state that drawing changes and puts it back when it goes: framebuffers (drawing and reading),
-/// viewport, clear colour, depth (test, function, writing), stencil test, blending (on or off, functions, equations),
-/// culling, scissor test, colour mask, polygon mode, vertex array, program, active texture unit. For code that draws
+/// viewport, values to clear with, depth (test, function, writing), stencil test, blending (on or off, functions, equations),
+/// culling, scissor test, polygon offset (on or off), colour mask, polygon mode, vertex array, program, active texture unit. For code that draws
 /// between the calls of others, who are to notice nothing:
 ///
 ///     {
@@ -30,10 +30,11 @@ public:
 private:
     std::array<int, 4> _viewport{};
     std::array<float, 4> _clearColor{};
+    float _clearDepth = 1;
     std::array<int, 4> _blendFunctions{};
     std::array<int, 2> _blendEquations{};
     std::array<unsigned char, 4> _colorMask{};
-    std::array<bool, 5> _isEnabled{};
+    std::array<bool, 6> _isEnabled{};
     int _drawFramebuffer = 0;
     int _readFramebuffer = 0;
     int _depthFunction = 0;

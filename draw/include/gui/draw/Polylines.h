@@ -22,6 +22,8 @@ struct Polylines
     };
 
     std::vector<td::Point<double>> points;
+    /// For each point whether it is one within a curve, between two of the lines that stand for it.
+    std::vector<bool> areWithinCurves;
     std::vector<Line> lines;
 
     /// A line's points, valid until the lists change.
@@ -30,10 +32,11 @@ struct Polylines
         return std::span(points).subspan(line.first, line.count);
     }
 
-    /// Empties both lists and keeps their memory.
+    /// Empties all lists and keeps their memory.
     void clear()
     {
         points.clear();
+        areWithinCurves.clear();
         lines.clear();
     }
 };
