@@ -127,8 +127,8 @@ bool ShapePicker::visitLines(const std::array<double, 4>& box, double margin, Vi
     return false;
 }
 
-// How often the boundary passes to the right of it, upwards less downwards: of all that is to the right of it as a whole,
-// only the ends count.
+// How often the boundary passes to the right of it, upwards less downwards: of all that is to the right of it as a
+// whole, only the ends count.
 bool ShapePicker::isInside(Point p) const
 {
     int n = 0;

@@ -1,6 +1,7 @@
 #include "SharedEdges.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace gui::draw
@@ -16,16 +17,17 @@ std::uint64_t mixed(std::uint64_t n)
     return n ^ n >> 32;
 }
 
+// The power of two that a number lies below, of which it is half at least.
+int exponentOf(double number) { return static_cast<int>(std::bit_cast<std::uint64_t>(number) >> 52 & 0x7ffU) - 1022; }
+
 // The same for both directions but for the lowest bit.
 std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
 {
     const double size = std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
-    int exponent = 0, largest = 0;
-    std::frexp(size, &exponent);
-    std::frexp(std::max({std::abs(a.x), std::abs(a.y), std::abs(b.x), std::abs(b.y)}), &largest);
+    const double largest = std::max(std::max(std::abs(a.x), std::abs(a.y)), std::max(std::abs(b.x), std::abs(b.y)));
     // As far as 64 bits go.
-    exponent = std::max(exponent, largest - 45);
-    const double inverse = std::ldexp(1, 16 - exponent);
+    const int exponent = std::max({exponentOf(size), exponentOf(largest) - 45, -900});
+    const auto inverse = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + 16 - exponent) << 52);
     // Round numbers are to lie within a cell, not where two of them meet.
     const auto cell = [inverse](double n)
     { return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * inverse + 0.382))); };
@@ -33,7 +35,8 @@ std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
     if (isBackward)
         std::swap(a, b);
     const std::uint64_t key =
-        mixed(cell(a.x) + mixed(cell(a.y) + mixed(cell(b.x) + mixed(cell(b.y) + static_cast<unsigned int>(exponent)))));
+        mixed(cell(a.x) * 0x9e3779b97f4a7c15U + cell(a.y) * 0xc2b2ae3d27d4eb4fU + cell(b.x) * 0x165667b19e3779f9U +
+              cell(b.y) * 0x27d4eb2f165667c5U + static_cast<unsigned int>(exponent));
     return ((static_cast<std::uint32_t>(key) | 2U) & ~1U) | (isBackward ? 1U : 0U);
 }
 

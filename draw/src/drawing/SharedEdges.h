@@ -11,7 +11,8 @@ namespace gui::draw
 
 /// Finds fills that have an edge in common, one on each side of it: those between which nothing may show.
 ///
-/// It may name a pair that has none, one in a million. Edges are compared as the shapes have them, to some 2^-16 of their length, since each shape has a grid of its own.
+/// It may name a pair that has none, one in a million. Edges are compared as the shapes have them, to some 2^-16 of
+/// their length, since each shape has a grid of its own.
 class SharedEdges
 {
 public:

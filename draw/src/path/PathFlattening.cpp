@@ -40,10 +40,13 @@ void Path::flatten(double tolerance, Polylines& result) const
             continue;
         }
         const unsigned int n = segment.nPieces(tolerance);
-        result.areWithinCurves.resize(result.points.size());
-        for (unsigned int i = 1; i < n; ++i)
-            result.points.push_back(segment.at(double(i) / n));
-        result.areWithinCurves.resize(result.points.size(), true);
+        if (n > 1)
+        {
+            result.areWithinCurves.resize(result.points.size());
+            for (unsigned int i = 1; i < n; ++i)
+                result.points.push_back(segment.at(double(i) / n));
+            result.areWithinCurves.resize(result.points.size(), true);
+        }
         result.points.push_back(segment.to);
     }
     endLine(false);

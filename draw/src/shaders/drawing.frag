@@ -263,17 +263,21 @@ uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isR
 {
     float turn = before.x * after.y - before.y * after.x;
     float cosine = dot(before, after);
-#ifdef ROUND
-    if (brush.join == 1 || isRound)
-        return discMask(rows, brush, c);
-#endif
-    if (turn == 0.0)
+    bool isDisc = brush.join == 1 || isRound;
+    if (turn == 0.0 && !(isDisc && cosine < 0.0))
         return uvec2(0u);
     vec2 n0 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-before.y, before.x);
     vec2 n1 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-after.y, after.x);
     Spans s = wholeRows();
     cutHalf(s, rows, -before, dot(-before, c));
     cutHalf(s, rows, after, dot(after, c));
+#ifdef ROUND
+    if (isDisc)
+    {
+        cutDisc(s, rows, c, brush.radius);
+        return maskOf(s);
+    }
+#endif
     // The cosine of half the turn: how far the chord is, and one through the length of the mitre.
     float halfCosine = sqrt(max((1.0 + cosine) / 2.0, 0.0));
     if (brush.join == 0 && 1.0 <= brush.miterLimit * halfCosine * 1.000001)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace gui::draw
 {
@@ -24,6 +25,8 @@ Point directionOf(Point from, Point to)
     const double length = std::hypot(to.x - from.x, to.y - from.y);
     return length > 0 ? Point((to.x - from.x) / length, (to.y - from.y) / length) : Point(1, 0);
 }
+
+double cosineOf(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 
 StrokePiece discOf(Point center, double radius)
 {
@@ -88,19 +91,31 @@ void StrokePieces::appendCap(Point from, Point direction, double at, double outw
 void StrokePieces::appendJoin(Point corner, Point before, Point after, bool isRound,
                               std::vector<StrokePiece>& pieces) const
 {
-    if (isRound || _stroke.join == Join::Round)
-    {
-        pieces.push_back(discOf(corner, _radius));
-        return;
-    }
+    isRound = isRound || _stroke.join == Join::Round;
     const double turn = before.x * after.y - before.y * after.x;
-    const double cosine = std::sqrt(std::max((1 + before.x * after.x + before.y * after.y) / 2, 0.0));
-    if (turn == 0 || cosine == 0)
+    const double cosine = std::sqrt(std::max((1 + cosineOf(before, after)) / 2, 0.0));
+    if (turn == 0 && !(isRound && cosine < 0.5))
         return;
     const double outside = turn > 0 ? -_radius : _radius;
     const Point a = along(corner, left(before), outside), b = along(corner, left(after), outside);
+    if (isRound)
+    {
+        // A sector, as a polygon that is nowhere more than a hundredth of the radius inside of it.
+        StrokePiece sector;
+        sector.nCorners = static_cast<int>(sector.corners.size());
+        sector.corners[0] = corner;
+        const double begin = std::atan2(a.y - corner.y, a.x - corner.x),
+                     sweep = turn != 0 ? std::atan2(turn, cosineOf(before, after)) : -std::numbers::pi;
+        for (std::size_t i = 1; i < sector.corners.size(); ++i)
+        {
+            const double angle = begin + sweep * double(i - 1) / double(sector.corners.size() - 2);
+            sector.corners[i] = {corner.x + _radius * std::cos(angle), corner.y + _radius * std::sin(angle)};
+        }
+        pieces.push_back(sector);
+        return;
+    }
     StrokePiece piece;
-    piece.corners = {corner, a, b, b};
+    piece.corners = {corner, a, b};
     piece.nCorners = 3;
     if (_stroke.join == Join::Miter && 1 <= std::max(_stroke.miterLimit, 1.0) * cosine * 1.000001)
     {

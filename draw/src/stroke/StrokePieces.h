@@ -13,7 +13,7 @@ namespace gui::draw
 /// A disc, or a convex polygon: what strokes are the union of.
 struct StrokePiece
 {
-    std::array<td::Point<double>, 4> corners;
+    std::array<td::Point<double>, 16> corners;
     int nCorners = 0; // 0 for a disc
     td::Point<double> center;
     double radius = 0;

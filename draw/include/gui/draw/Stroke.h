@@ -21,7 +21,7 @@ enum class Cap : td::BYTE
 enum class Join : td::BYTE
 {
     Miter, ///< both outer sides go on until they meet; as Bevel where that is farther than the limit allows
-    Round, ///< a disc of the stroke's width
+    Round, ///< the outer sides are joined by an arc about the corner
     Bevel  ///< a straight line between the outer sides' ends
 };
 
