@@ -169,7 +169,7 @@ TEST_F(DrawingTest, StrokesCoverWhatTheirBrushGoesOver)
                                    : cell % 4 == 1 ? uniform(3, 40)
                                                    : uniform(.5, 20),
                           .unit = isSkewed || below(2) == 0 ? Unit::Model : Unit::Points,
-                          .cap = isSkewed ? Cap::Butt : Cap(cell % 3),
+                          .cap = Cap(cell % 3),
                           .join = Join(cell / 3 % 3),
                           .miterLimit = uniform(1, 10),
                           .dashes = {},
@@ -201,6 +201,127 @@ TEST_F(DrawingTest, StrokesCoverWhatTheirBrushGoesOver)
                       setting.alpha / 255.0);
         }
         EXPECT_TRUE(isClose(drawn(drawing, setting), exact, {0, 0, cSize, cSize}, {3.5, 24, 64}));
+    }
+}
+
+// Squares and lines of some pixels, and lines and edges whose ends are up to 10^11 pixels away.
+TEST_F(DrawingTest, PlacesFarFromTheOriginAreExact)
+{
+    ASSERT_TRUE(context().resize({64, 64}));
+    Drawing drawing;
+    drawing.fill(Path().addRect({1e7, 1e7, 1e7 + 1e-3, 1e7 + 1e-3}), cBlack);
+    const std::array shapes{drawing.fill({}, cBlack), drawing.stroke({}, {.width = 2}, cBlack)};
+    for (int i = 0; i < 1200 && !HasFailure(); ++i)
+    {
+        const bool isStroke = i % 2 == 1, isLong = i % 4 > 1;
+        const double zoom = std::pow(10, isLong ? uniform(-2, 4) : uniform(-6, 6));
+        const Affine linear = Affine::rotation(uniform(0, 7)) * Affine::scaling(below(2) == 0 ? zoom : -zoom, zoom);
+        const Affine back = *linear.inverse();
+        std::vector<Point> points;
+        Point at = around({0, 0}, 1e7);
+        const Point way = isLong ? Affine::rotation(uniform(0, 7)).map({1e7, 0}) : back.mapVector(around({6, 6}, 4));
+        if (isLong)
+        {
+            // Whole numbers, which the steps of a path are parts of.
+            points = {{std::round(at.x), std::round(at.y)}, {std::round(at.x + way.x), std::round(at.y + way.y)}};
+            const double t = uniform(.2, .8);
+            at = {points[0].x + t * (points[1].x - points[0].x), points[0].y + t * (points[1].y - points[0].y)};
+        }
+        else
+            points = {{at.x - way.x, at.y - way.y}, {at.x + way.x, at.y + way.y}};
+        if (!isStroke)
+            points.emplace_back(points[1].x - way.y, points[1].y + way.x);
+        for (std::size_t k = 0; isLong && k < points.size(); ++k)
+            points[k] = {std::round(points[k].x), std::round(points[k].y)};
+        const Point seen = around({32, 32}, 12), moved = linear.mapVector(at);
+        const Affine view = Affine::translation(seen.x - moved.x, seen.y - moved.y) * linear;
+
+        // In pixels, the lines about where the view is.
+        using Exact = td::Point<long double>;
+        std::vector<Exact> ends;
+        for (const Point& p : points)
+            ends.emplace_back(view.a * (long double) (p.x) + view.c * (long double) (p.y) + view.e,
+                              view.b * (long double) (p.x) + view.d * (long double) (p.y) + view.f);
+        const Exact along(ends[1].x - ends[0].x, ends[1].y - ends[0].y);
+        const long double length = std::hypot(along.x, along.y), u = along.x / length, v = along.y / length;
+        const long double middle = (32 - ends[0].x) * u + (32 - ends[0].y) * v;
+        const auto placeAt = [&](long double t) { return Point(double(ends[0].x + t * u), double(ends[0].y + t * v)); };
+        const Point a = placeAt(std::clamp(0.0L, middle - 200, middle + 200));
+        const Point b = placeAt(std::clamp(length, middle - 200, middle + 200));
+        Coverage exact(64, 64);
+        if (isStroke)
+            exact.add(test::strokeRings(Path().addPolyline(std::vector{a, b}), {.width = 2}), FillRule::NonZero);
+        else if (isLong)
+        {
+            const double side = (ends[2].x - ends[0].x) * v < (ends[2].y - ends[0].y) * u ? 200 : -200;
+            const Point across(-side * double(v), side * double(u));
+            exact.add({{a, b, {b.x + across.x, b.y + across.y}, {a.x + across.x, a.y + across.y}}}, FillRule::NonZero);
+        }
+        else
+            exact.add({{a, b, {double(ends[2].x), double(ends[2].y)}}}, FillRule::NonZero);
+
+        Path path;
+        isStroke ? path.addPolyline(points) : path.addPolygon(points);
+        drawing.setPath(shapes[i % 2], path);
+        drawing.setPath(shapes[1 - i % 2], {});
+        // A tenth of a pixel beside an edge is 25.
+        EXPECT_TRUE(isClose(drawn(drawing, {"far", view}), exact, {0, 0, 64, 64}, {8, 40, isStroke ? 40.0 : 25.0}))
+            << i << ", zoom " << zoom;
+    }
+}
+
+TEST_F(DrawingTest, OnlyWhatChangesIsUploaded)
+{
+    ASSERT_TRUE(context().resize({64, 64}));
+    Drawing drawing;
+    std::vector<Drawing::ID> ids;
+    const Drawing::ID group = drawing.beginGroup();
+    for (int i = 0; i < 500; ++i)
+    {
+        if (i == 10)
+            drawing.endGroup();
+        const Path path = makeShape(i % 4, around({32, 32}, 32));
+        ids.push_back(i % 5 == 0 ? drawing.stroke(path, {.width = 2, .dashes = {3, 1}}, cBlack)
+                                 : drawing.fill(path, cBlack));
+    }
+    drawn(drawing);
+    // The tables grow with this, by half, and are sent once more.
+    ids.push_back(drawing.fill(makeShape(0, {32, 32}), cBlack));
+    drawn(drawing);
+    const Path triangle = Path().addPolygon(std::vector<Point>{{10, 10}, {20, 10}, {10, 20}});
+    struct Step
+    {
+        const char* name;
+        std::function<void()> change;
+        Affine view;
+        std::size_t least, most; // bytes
+    };
+    for (const Step& step :
+         std::initializer_list<Step>{
+             {"nothing", [] {}, {}, 0, 0},
+             {"zoomed", [] {}, Affine::scaling(3), 0, 0},
+             {"panned", [] {}, Affine::translation(-100, 2000), 0, 0},
+             {"turned", [] {}, Affine::rotation(1), 0, 0},
+             {"coloured", [&] { drawing.setColor(ids[9], td::Color(9, 9, 9, 255)); }, {}, 4, 63},
+             {"hidden", [&] { drawing.setVisible(ids[20], false); }, {}, 4, 63},
+             {"shown", [&] { drawing.setVisible(ids[20], true); }, {}, 4, 63},
+             {"another path", [&] { drawing.setPath(ids[1], triangle); }, {}, 100, 500},
+             {"another stroke", [&] { drawing.setStroke(ids[100], {.width = 7}); }, {}, 4, 2000},
+             {"a group moved", [&] { drawing.setTransform(group, Affine::translation(5, 5)); }, {}, 80, 960},
+             {"one more", [&] { ids.push_back(drawing.fill(triangle, cBlack)); }, {}, 100, 500},
+             {"one less", [&] { drawing.remove(ids[2]); }, {}, 0, 100}})
+    {
+        gui::gl::FrameLedger::start();
+        step.change();
+        gui::gl::FrameLedger::begin();
+        EXPECT_TRUE(drawing.draw(step.view));
+        gui::gl::FrameLedger::end();
+        const gui::gl::FrameLedger::Frame& frame = gui::gl::FrameLedger::getLast();
+        EXPECT_GE(frame.nBytesUploaded, step.least) << step.name;
+        EXPECT_LE(frame.nBytesUploaded, step.most) << step.name;
+        EXPECT_LE(frame.nUploads, step.most == 0 ? 0 : 16) << step.name;
+        EXPECT_LE(frame.nDraws, 8U) << step.name;
+        gui::gl::FrameLedger::stop();
     }
 }
 
