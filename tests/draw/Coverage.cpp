@@ -71,6 +71,12 @@ std::vector<Subpath> subpathsOf(const Path& path)
     return subpaths;
 }
 
+bool isDashed(const Stroke& stroke)
+{
+    return std::any_of(stroke.dashes.begin(), stroke.dashes.end(), [](double dash) { return dash > 0; }) &&
+           std::all_of(stroke.dashes.begin(), stroke.dashes.end(), [](double dash) { return dash >= 0; });
+}
+
 /// Where dashes begin and end on a subpath of a length, in the words of SVG 2.
 std::vector<std::pair<double, double>> dashesOf(const Stroke& stroke, double length)
 {
@@ -128,11 +134,11 @@ public:
             at[i + 1] = at[i] + lengthOf(p[i + 1] - p[i]);
             ways.push_back(directionOf(p[i + 1] - p[i]));
         }
-        const bool isRound = subpath.isClosed && _stroke.dashes.empty();
+        const bool isRound = subpath.isClosed && !isDashed(_stroke);
         if (isRound)
             addJoin(p[0], ways[n - 1], ways[0], true);
         using Dashes = std::vector<std::pair<double, double>>;
-        for (const auto& [begin, end] : _stroke.dashes.empty() ? Dashes{{0, at[n]}} : dashesOf(_stroke, at[n]))
+        for (const auto& [begin, end] : isDashed(_stroke) ? dashesOf(_stroke, at[n]) : Dashes{{0, at[n]}})
         {
             std::size_t first = 0, last = n - 1;
             while (first < n - 1 && at[first + 1] <= begin)
@@ -221,7 +227,7 @@ private:
 
     void drawPoint(Point at)
     {
-        if (!_stroke.dashes.empty() && dashesOf(_stroke, 0).empty())
+        if (isDashed(_stroke) && dashesOf(_stroke, 0).empty())
             return;
         addCap(at, {1, 0});
         addCap(at, {-1, 0});

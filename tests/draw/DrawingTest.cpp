@@ -23,6 +23,7 @@ using gui::draw::Join;
 using gui::draw::Path;
 using gui::draw::Stroke;
 using gui::draw::Unit;
+using test::Closeness;
 using test::Coverage;
 using Point = Path::Point;
 
@@ -265,7 +266,8 @@ TEST_F(DrawingTest, PlacesFarFromTheOriginAreExact)
         drawing.setPath(shapes[i % 2], path);
         drawing.setPath(shapes[1 - i % 2], {});
         // A tenth of a pixel beside an edge is 25.
-        EXPECT_TRUE(isClose(drawn(drawing, {"far", view}), exact, {0, 0, 64, 64}, {8, 40, isStroke ? 40.0 : 25.0}))
+        EXPECT_TRUE(isClose(drawn(drawing, {"far", view}), exact, {0, 0, 64, 64},
+                            isStroke ? Closeness{8, 24, 24} : Closeness{3, 10, 10}))
             << i << ", zoom " << zoom;
     }
 }
