@@ -338,7 +338,8 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
             float end = at + on;
             if (end >= from && at <= to)
             {
-                bool beginsHere = at >= 0.0 && (at < len || len == 0.0), endsHere = end <= len && (end > 0.0 || isFirst);
+                bool beginsHere = at >= 0.0 && (at < len || len == 0.0);
+                bool endsHere = end <= len && (end > 0.0 || isFirst);
                 float low = max(at, 0.0), high = min(end, len);
                 if (low <= high)
                 {

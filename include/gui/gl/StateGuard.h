@@ -8,9 +8,9 @@ namespace gui::gl
 {
 
 /// Remembers the GL state that drawing changes and puts it back when it goes: framebuffers (drawing and reading),
-/// viewport, values to clear with, depth (test, function, writing), stencil test, blending (on or off, functions, equations),
-/// culling, scissor test, polygon offset (on or off), colour mask, polygon mode, vertex array, program, active texture unit. For code that draws
-/// between the calls of others, who are to notice nothing:
+/// viewport, values to clear with, depth (test, function, writing), stencil test, blending (on or off, functions,
+/// equations), culling, scissor test, polygon offset (on or off), colour mask, polygon mode, vertex array, program,
+/// active texture unit. For code that draws between the calls of others, who are to notice nothing:
 ///
 ///     {
 ///         gui::gl::StateGuard guard;
