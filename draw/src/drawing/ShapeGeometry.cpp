@@ -58,22 +58,36 @@ double toleranceFor(const Path& path, double tolerance)
     return size > 0 && std::isfinite(size) ? size / 4096 : 1;
 }
 
-void ShapeBuilder::addElement(ShapeGeometry& shape, ElementKind kind, std::uint32_t point)
+void ShapeBuilder::addElement(ShapeGeometry& shape, ElementKind kind, std::size_t first, std::size_t second)
 {
-    shape.elements.push_back({static_cast<std::uint32_t>(kind) << 28, {point, 0, 0}});
+    shape.elements.push_back({static_cast<std::uint32_t>(kind) << 28,
+                              {static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(second), 0}});
 }
 
-void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last)
+// With the elements of its lines, and of the node unless it is the root, whose parent is itself.
+void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind,
+                            std::size_t parent)
 {
     const std::size_t number = shape.nodes.size();
     shape.nodes.emplace_back();
+    if (number != parent)
+        addElement(shape, ElementKind::Node, number, parent);
     std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
     const std::int32_t n = last - first;
     if (n <= cLeaf)
         for (std::int32_t i = first; i <= last; ++i)
         {
-            const GridPoint p = withoutMark(shape.points[static_cast<std::size_t>(i)]);
+            const auto point = static_cast<std::uint32_t>(i);
+            const GridPoint p = withoutMark(shape.points[point]);
             widen(box, {p.x, p.y, p.x, p.y});
+            if (i == last)
+                break;
+            addElement(shape, kind, point, number);
+            if (kind == ElementKind::Line && _nextTip < _tips.size() && _tips[_nextTip] == point)
+            {
+                addElement(shape, ElementKind::Tip, point, number);
+                ++_nextTip;
+            }
         }
     else
     {
@@ -81,28 +95,31 @@ void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32
         for (std::int32_t begin = first; begin < last; begin += part)
         {
             const std::size_t child = shape.nodes.size();
-            addChain(shape, begin, std::min(begin + part, last));
+            addChain(shape, begin, std::min(begin + part, last), kind, number);
             widen(box, shape.nodes[child].box);
         }
     }
     shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, n <= cLeaf};
 }
 
-void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t last)
+void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind,
+                            std::size_t parent)
 {
     if (last - first == 1)
     {
-        addChain(shape, _rings[first].first, _rings[first].last);
+        addChain(shape, _rings[first].first, _rings[first].last, kind, parent);
         return;
     }
     const std::size_t number = shape.nodes.size();
     shape.nodes.emplace_back();
+    if (number != parent)
+        addElement(shape, ElementKind::Node, number, parent);
     std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
     const std::size_t part = (last - first + cParts - 1) / cParts;
     for (std::size_t begin = first; begin < last; begin += part)
     {
         const std::size_t child = shape.nodes.size();
-        addRings(shape, begin, std::min(begin + part, last));
+        addRings(shape, begin, std::min(begin + part, last), kind, number);
         widen(box, shape.nodes[child].box);
     }
     const std::int32_t point = _rings[first].first;
@@ -128,14 +145,12 @@ void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, S
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     linkRings(shape);
-    addElement(shape, ElementKind::Box, 0);
+    addElement(shape, ElementKind::Box);
     const std::vector<std::uint32_t>& indices = _fill.getIndices();
     for (std::size_t i = 0; i < indices.size(); i += 3)
         shape.elements.push_back({static_cast<std::uint32_t>(ElementKind::Triangle) << 28,
                                   {_numbers[indices[i]], _numbers[indices[i + 1]], _numbers[indices[i + 2]]}});
-    for (const Ring& ring : _rings)
-        for (std::int32_t i = ring.first; i < ring.last; ++i)
-            addElement(shape, ElementKind::Edge, static_cast<std::uint32_t>(i));
+    addRings(shape, 0, _rings.size(), ElementKind::Edge, 0);
 }
 
 // Joins the boundary's edges end to end: which ones, where several meet, makes no difference to what they enclose.
@@ -180,7 +195,6 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
     _numbers = std::move(firstPoints);
     if (_rings.size() > static_cast<std::size_t>(cParts))
         std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
-    addRings(shape, 0, _rings.size());
 }
 
 void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape)
@@ -212,7 +226,9 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     _rings.clear();
-    addElement(shape, ElementKind::Box, 0);
+    _tips.clear();
+    _nextTip = 0;
+    addElement(shape, ElementKind::Box);
     for (const Polylines::Line& line : _lines.lines)
     {
         _line.clear();
@@ -227,7 +243,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
         addLine(line, stroke, shape);
     }
     if (!_rings.empty())
-        addRings(shape, 0, _rings.size());
+        addRings(shape, 0, _rings.size(), ElementKind::Line, 0);
     if (stroke.cap == Cap::Square)
         shape.reach = std::max(shape.reach, 1.5F);
 }
@@ -260,7 +276,6 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
     rounds.clear();
     for (std::uint32_t i = first; i < last; ++i)
     {
-        addElement(shape, ElementKind::Line, i);
         const td::Point<double> in = wayTo(i), out = wayTo(i + 1);
         const double lengths = std::hypot(in.x, in.y) * std::hypot(out.x, out.y);
         if (lengths == 0)
@@ -280,7 +295,7 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
         shape.reach = std::max(shape.reach, static_cast<float>(1 / cosine));
         // Less far, the quads of its lines cover it.
         if (cosine < 0.7)
-            addElement(shape, ElementKind::Tip, i);
+            _tips.push_back(i);
     }
     if (!stroke.dashes.empty())
         addLengths(first, last, shape);

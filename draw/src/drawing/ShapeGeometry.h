@@ -28,10 +28,11 @@ static_assert(sizeof(EdgeNode) == 32);
 enum class ElementKind : std::uint32_t
 {
     Triangle, ///< three points
-    Edge,     ///< of a fill's boundary: the point where it begins
+    Edge,     ///< of a fill's boundary: the point where it begins, and its leaf
     Line,     ///< of a stroke, likewise
-    Tip,      ///< of a mitre: the point of its corner
-    Box       ///< around the whole shape, drawn in place of all others while that is small
+    Tip,      ///< of a mitre: the point of its corner, and the leaf of the line that begins there
+    Box,      ///< around the whole shape, drawn in place of all others while that is small
+    Node      ///< around a node, drawn in place of its lines while that is small: the node, and the one it is part of
 };
 
 /// A quad to draw.
@@ -74,9 +75,9 @@ private:
     void linkRings(ShapeGeometry& shape);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
-    void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last);
-    void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last);
-    void addElement(ShapeGeometry& shape, ElementKind kind, std::uint32_t point);
+    void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind, std::size_t parent);
+    void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind, std::size_t parent);
+    static void addElement(ShapeGeometry& shape, ElementKind kind, std::size_t first = 0, std::size_t second = 0);
 
     struct Ring
     {
@@ -90,6 +91,8 @@ private:
     std::vector<Ring> _rings;
     std::vector<GridPoint> _line;
     std::vector<bool> _areWithinCurves; // of the points in _line
+    std::vector<std::uint32_t> _tips;   // points of corners, in their order
+    std::size_t _nextTip = 0;
 };
 
 /// The tolerance that stands for "as fine as the path wants".

@@ -10,7 +10,7 @@ uniform vec4 toPixels;         // pixels per model unit, by columns
 uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
-const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4;
+const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cMoved = 32u, cLinked = 64u;
 // Pixels from the middle beyond which floats are too coarse.

@@ -15,6 +15,15 @@ noperspective out vec3 corner;
 const int cBoxes = 1 << 28;
 // Pixels up to which a shape is one box: its parts would look at most pixels more than once.
 const float cSmall = 16.0;
+// The same for parts of a shape: a box around some lines.
+const float cSmallPart = 6.0;
+
+// In pixels, along the axis where it is larger.
+float sizeOf(ivec4 box, Place place)
+{
+    vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
+    return max(size.x, size.y);
+}
 
 void main()
 {
@@ -35,9 +44,18 @@ void main()
     toMiddle = place.toMiddle;
     stepsToPixels = vec4(place.pixels[0], place.pixels[1]);
     ivec4 box = texelFetch(nodes, 2 * int(parts.y));
-    vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
-    if (!isBoxAlone && (max(size.x, size.y) <= cSmall) != (kind == cBox))
+    if (!isBoxAlone && (sizeOf(box, place) <= cSmall) != (kind == cBox))
         return;
+    if (kind != cTriangles && kind != cBox)
+    {
+        // Of a line and the nodes around it one is drawn: the largest that is small, or the line.
+        box = texelFetch(nodes, 2 * int(parts.y + (kind == cNode ? element.y : element.z)));
+        bool isSmall = sizeOf(box, place) <= cSmallPart;
+        if (isSmall != (kind == cNode))
+            return;
+        if (kind == cNode && sizeOf(texelFetch(nodes, 2 * int(parts.y + element.z)), place) <= cSmallPart)
+            return;
+    }
     int base = int(parts.w);
     float half_ = 0.0, reach = 1.0;
     if ((flags & cStroke) != 0u)
@@ -76,8 +94,9 @@ void main()
             corner = vec3(c == 0, c == 1, c >= 2);
         }
     }
-    else if (kind == cBox)
+    else if (kind == cBox || kind == cNode)
     {
+        vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
         vec2 c0 = place.pixels * ((stepsOf(place, box.xy) + stepsOf(place, box.zw)) / 2.0);
         vec2 extent = size / 2.0 + half_ * reach + 1.0;
         if (any(greaterThan(abs(c0), high + extent)))
