@@ -21,7 +21,7 @@ using gui::draw::Stroke;
 using Point = Path::Point;
 
 constexpr int cHeights = 64;
-constexpr int cChords = 400;
+constexpr int cChords = 640;
 
 Point operator+(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
 Point operator-(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
@@ -175,7 +175,8 @@ private:
     void addSector(Point at, Point from, Point to, bool isWhole = false)
     {
         const double start = std::atan2(from.y, from.x);
-        const double sweep = isWhole ? 2 * std::numbers::pi : std::atan2(cross(from, to), dot(from, to));
+        const double turn = std::atan2(cross(from, to) + 0.0, dot(from, to)); // of two that are opposite: positive
+        const double sweep = isWhole ? 2 * std::numbers::pi : turn;
         const int n = 1 + static_cast<int>(std::abs(sweep) / 0.03);
         std::vector<Point> ring{at};
         for (int i = isWhole ? 1 : 0; i <= n; ++i)
@@ -203,18 +204,12 @@ private:
 
     void addJoin(Point at, Point before, Point after, bool isCorner)
     {
-        const double turn = cross(before, after), side = turn > 0 ? -1 : 1;
+        const double turn = cross(before, after), side = turn >= 0 ? -1 : 1;
         const Point a = side * leftOf(before), b = side * leftOf(after);
-        if (!isCorner)
-        {
-            // A curve's own turn; at a cusp it turns in no length.
-            if (dot(before, after) > -0.99)
-                addSector(at, a, b);
-            return;
-        }
-        if (_stroke.join == Join::Round)
-            addSector(at, {1, 0}, {1, 0}, true);
-        else if (turn != 0)
+        // Also for a curve's own turn, but for a cusp, where it turns in no length.
+        if (isCorner ? _stroke.join == Join::Round : dot(before, after) > -0.99)
+            addSector(at, a, b);
+        else if (isCorner && turn != 0)
         {
             // Of half the angle between the sides, on which the length of a mitre depends.
             const double sine = std::sqrt((1 + dot(before, after)) / 2);
