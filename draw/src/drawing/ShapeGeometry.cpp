@@ -225,6 +225,12 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     shape.step = std::max({powerOfTwoFrom(half) * 0x1p-29, powerOfTwoFrom(farthest) * 0x1p-52, 0x1p-100});
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
+    if (half == 0)
+    {
+        // One point, for which any step will do.
+        shape.step = 1;
+        shape.origin = low;
+    }
     _rings.clear();
     _tips.clear();
     _nextTip = 0;

@@ -327,6 +327,8 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
     uvec2 mask = uvec2(0u);
     if (from > to)
         return mask;
+    // At a corner a dash belongs to the line after it where it begins, and to the one before it where it ends.
+    float slack = 1e-6 * (start + len + sum);
     // A length that is 0 has no inside, and its caps all the same.
     float at = floor((start + from + offset) / sum) * sum - offset - start;
     for (int round_ = 0; round_ < 100; ++round_)
@@ -336,20 +338,17 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
             float on = texelFetch(numbers, brush.dashes + 3 + i).x * brush.dashScale;
             float off = texelFetch(numbers, brush.dashes + 4 + i).x * brush.dashScale;
             float end = at + on;
-            if (end >= from && at <= to)
+            if (end >= from - slack && at <= to && (at < len - slack || len == 0.0))
             {
-                bool beginsHere = at >= 0.0 && (at < len || len == 0.0);
-                bool endsHere = end <= len && (end > 0.0 || isFirst);
-                float low = max(at, 0.0), high = min(end, len);
-                if (low <= high)
-                {
-                    if (low < high)
-                        mask |= bodyMask(rows, brush, a, u, low, high);
-                    if (beginsHere || isFirst && at < 0.0)
-                        mask |= capMask(rows, brush, a, u, low, -1.0);
-                    if (endsHere || isLast && end > len)
-                        mask |= capMask(rows, brush, a, u, high, 1.0);
-                }
+                bool beginsHere = at >= -slack;
+                bool endsHere = end <= len + slack && (end > slack || beginsHere || isFirst);
+                float low = max(at, 0.0), high = max(min(end, len), low);
+                if (low < high)
+                    mask |= bodyMask(rows, brush, a, u, low, high);
+                if (beginsHere || isFirst)
+                    mask |= capMask(rows, brush, a, u, low, -1.0);
+                if (endsHere || isLast && end > len)
+                    mask |= capMask(rows, brush, a, u, high, 1.0);
             }
             at = end + off;
         }
@@ -366,9 +365,10 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, in
 {
     ivec2 pb = strokePoint(i), pc = strokePoint(i + 1);
     vec2 nearB = pixelOf(place, pb), nearC = pixelOf(place, pc);
-    shorten(place, pb, pc, nearB, nearC);
-    vec2 a = toBrush * (nearB - pixel), b = toBrush * (nearC - pixel);
-    vec2 u = b - a;
+    bool isShort = shorten(place, pb, pc, nearB, nearC);
+    vec2 a = toBrush * (nearB - pixel);
+    // From whole numbers: a line of no length has no direction, not that of rounding.
+    vec2 u = toBrush * (isShort ? nearC - nearB : place.pixels * vec2(pc - pb));
     float len = length(u);
     u = len > 0.0 ? u / len : vec2(1.0, 0.0);
     uvec2 mask = uvec2(0u);

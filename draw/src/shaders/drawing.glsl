@@ -111,9 +111,11 @@ float depthOf(uint order) { return 1.0 - float(order + 1u) * powerOfTwo(-22); }
 // The most that a length in steps grows to in pixels.
 float stretchOf(Place place)
 {
-    mat2 m = place.pixels;
+    vec2 most = max(abs(place.pixels[0]), abs(place.pixels[1]));
+    float size = max(most.x, most.y);
+    mat2 m = place.pixels / size;
     float sum = dot(m[0], m[0]) + dot(m[1], m[1]), det = determinant(m);
-    return sqrt((sum + sqrt(max(sum * sum - 4.0 * det * det, 0.0))) / 2.0);
+    return size * sqrt((sum + sqrt(max(sum * sum - 4.0 * det * det, 0.0))) / 2.0);
 }
 
 #ifdef FAR

@@ -148,19 +148,22 @@ void StrokePieces::appendDashes(const Line& line, Point direction, double length
         appendBody(line.from, direction, from, to, pieces);
         return;
     }
+    // Lengths are floats.
+    const double slack = 1e-6 * (line.start + length + _sum);
     double at = std::floor((line.start + from + _offset) / _sum) * _sum - _offset - line.start;
     while (at <= to)
         for (std::size_t i = 0; i < _dashes.size(); i += 2)
         {
             const double end = at + _dashes[i];
-            if (end >= from && at <= to)
+            if (end >= from - slack && at <= to && (at < length - slack || length == 0))
             {
-                const double low = std::max(at, 0.0), high = std::min(end, length);
+                const double low = std::max(at, 0.0), high = std::max(std::min(end, length), low);
                 if (low < high)
                     appendBody(line.from, direction, low, high, pieces);
-                if ((at >= 0 && (at < length || length == 0)) || (line.isFirst && at < 0))
+                if (at >= -slack || line.isFirst)
                     appendCap(line.from, direction, low, -1, pieces);
-                if ((end <= length && (end > 0 || line.isFirst)) || (line.isLast && end > length))
+                if ((end <= length + slack && (end > slack || at >= -slack || line.isFirst)) ||
+                    (line.isLast && end > length))
                     appendCap(line.from, direction, high, 1, pieces);
             }
             at = end + _dashes[i + 1];
