@@ -24,7 +24,11 @@ namespace
 constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T6;
 
 /// The shaders' names for ShapeFeature's bits.
-constexpr std::array<const char*, 7> cFeatures{"FILLS", "STROKES", "ROUND", "CAPS", "DASHES", "LINKS", "FAR"};
+constexpr std::array<const char*, 8> cFeatures{"FILLS",  "STROKES", "ROUND",     "CAPS",
+                                               "DASHES", "LINKS",   "GRADIENTS", "FAR"};
+
+/// Beside features: the first pass, of what is inside of opaque fills.
+constexpr unsigned int cCore = 256;
 
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
@@ -54,7 +58,7 @@ double stretchOf(const Affine& m)
 
 } // namespace
 
-/// Draws shapes of some features, or, for none, the inside of opaque fills.
+/// Draws shapes of some features, or the inside of opaque fills.
 class DrawingPainter::ShapeProgram : public gl::Program
 {
 public:
@@ -65,11 +69,9 @@ public:
             if ((features >> i & 1U) != 0)
                 head += std::string("#define ") + cFeatures[i] + '\n';
         head += gui::getResText(":draw/drawing.glsl").c_str();
-        const bool isCore = features == 0;
+        const bool isCore = (features & cCore) != 0;
         const std::string vertex = head + gui::getResText(isCore ? ":draw/core.vert" : ":draw/drawing.vert").c_str();
-        const std::string fragment =
-            isCore ? std::string("#version 330 core\n") + gui::getResText(":draw/core.frag").c_str()
-                   : head + gui::getResText(":draw/drawing.frag").c_str();
+        const std::string fragment = head + gui::getResText(isCore ? ":draw/core.frag" : ":draw/drawing.frag").c_str();
         return Program::link(vertex.c_str(), fragment.c_str());
     }
 
@@ -199,7 +201,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
         const std::span<const gl::Quads::Range> ranges =
             list.select(visibleOf(sight, size), stretch, sight.pixelsPerPoint);
         const unsigned int features = tables.getFeatures();
-        ShapeProgram* pCore = (features & HasFills) != 0 ? programFor(0) : nullptr;
+        ShapeProgram* pCore = (features & HasFills) != 0 ? programFor(cCore | (features & HasGradients)) : nullptr;
         ShapeProgram* pShapes = programFor(features | (list.getLargest() * stretch > cFar ? HasFar : 0U));
         if (pShapes == nullptr)
             return fail("its program does not link");

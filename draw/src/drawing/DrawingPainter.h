@@ -49,7 +49,7 @@ private:
     bool fail(const char* reason);
 
     gl::Framebuffer _layer;
-    std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features; 0 is that of the first pass
+    std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features
     std::unique_ptr<LayerProgram> _pComposite;
     gl::Quads _quads;
     Sight _sight;

@@ -15,6 +15,45 @@ std::array<std::uint32_t, 2> wordsOf(std::int64_t number)
     return {static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
 }
 
+// A gradient as the shaders read it: linear or not, spread, number of stops, six numbers of its place in the shape's
+// steps, then offset, red, green, blue and alpha of each stop.
+void encode(const Paint& paint, td::Point<double> origin, double step, std::vector<float>& values)
+{
+    const RadialGradient& gradient = paint.getGradient();
+    const auto toSteps = [&](td::Point<double> p)
+    { return td::Point<double>((p.x - origin.x) / step, (p.y - origin.y) / step); };
+    const td::Point<double> center = toSteps(gradient.center),
+                            focus = toSteps(gradient.focus.value_or(gradient.center));
+    const double dx = center.x - focus.x, dy = center.y - focus.y, square = dx * dx + dy * dy;
+    const double radius = gradient.radius / step;
+    std::array<double, 6> place{};
+    // What has no extent is all beyond its end.
+    if (paint.isLinear())
+        place = square > 0 ? std::array{dx / square, dy / square, -(focus.x * dx + focus.y * dy) / square, 0., 0., 0.}
+                           : std::array{0., 0., 1., 0., 0., 0.};
+    else if (radius > 0)
+    {
+        // Within the circle, as SVG 1.1 wants it.
+        const double away = std::sqrt(square) / radius, share = away > 0.999 ? 0.999 / away : 1;
+        place = {center.x - dx * share, center.y - dy * share, 1 / radius, dx * share / radius, dy * share / radius, 0};
+    }
+    values = {paint.isLinear() || !(radius > 0) ? 1.0F : 0.0F, static_cast<float>(gradient.spread),
+              static_cast<float>(gradient.stops.size())};
+    if (!paint.isLinear() && !(radius > 0))
+        place = {0, 0, 1, 0, 0, 0};
+    for (const double number : place)
+        values.push_back(static_cast<float>(number));
+    double offset = 0;
+    for (const GradientStop& stop : gradient.stops)
+    {
+        offset = std::clamp(stop.offset, offset, 1.0);
+        const td::Color color = stop.color;
+        values.push_back(static_cast<float>(offset));
+        for (const td::BYTE component : {color.red(), color.green(), color.blue(), color.alpha()})
+            values.push_back(static_cast<float>(component) / 255);
+    }
+}
+
 bool isDashed(const Stroke& stroke)
 {
     const double sum = std::accumulate(stroke.dashes.begin(), stroke.dashes.end(), 0.0);
@@ -55,6 +94,7 @@ void ShapeTables::removeShape(ShapePlaces& places)
 {
     giveBack(places);
     _links.giveBack(places.links.first, places.links.count);
+    _numbers.giveBack(places.gradient.first, places.gradient.count);
     _records.giveBack(places.record, 1);
     places = {};
 }
@@ -118,10 +158,28 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     _records.set(places.record, std::span(&record, 1));
 }
 
-void ShapeTables::setColor(const ShapePlaces& places, td::Color color)
+void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step)
 {
-    _records.setMember(places.record, &ShapeRecord::rgba, color.rgba());
-    setFlag(places, IsOpaque, color.alpha() == 255);
+    std::uint32_t what = paint.getColor().rgba();
+    _values.clear();
+    if (paint.isGradient())
+    {
+        encode(paint, origin, step, _values);
+        _features |= HasGradients;
+    }
+    if (places.gradient.count != _values.size())
+    {
+        _numbers.giveBack(places.gradient.first, places.gradient.count);
+        places.gradient = {_numbers.take(_values.size()), static_cast<std::uint32_t>(_values.size())};
+    }
+    if (paint.isGradient())
+    {
+        _numbers.set(places.gradient.first, _values);
+        what = places.gradient.first;
+    }
+    _records.setMember(places.record, &ShapeRecord::rgba, what);
+    setFlag(places, HasGradient, paint.isGradient());
+    setFlag(places, IsOpaque, paint.isOpaque());
 }
 
 void ShapeTables::setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn)

@@ -4,8 +4,7 @@
 #include "Table.h"
 
 #include <gui/draw/Affine.h>
-
-#include <td/Color.h>
+#include <gui/draw/Paint.h>
 
 #include <array>
 #include <cstdint>
@@ -23,7 +22,7 @@ struct ShapeRecord
     float step = 1;
     std::uint32_t flags = 0;
     std::uint32_t order = 0;
-    std::uint32_t rgba = 0;
+    std::uint32_t rgba = 0; // or where the gradient stands among the numbers
     std::uint32_t nodes = 0;
     std::uint32_t nNodes = 0;
     std::uint32_t points = 0;
@@ -46,8 +45,9 @@ enum ShapeFlag : std::uint32_t
     IsWidthInPoints = 4,
     AreDashesInPoints = 8,
     IsOpaque = 16,
-    IsMoved = 32,  // its transform is more than a translation
-    IsLinked = 64, // it has links
+    IsMoved = 32,      // its transform is more than a translation
+    IsLinked = 64,     // it has links
+    HasGradient = 128, // instead of a colour
     CapShift = 8,
     JoinShift = 10
 };
@@ -61,7 +61,8 @@ enum ShapeFeature : unsigned int
     HasCaps = 8,
     HasDashes = 16,
     HasLinks = 32,
-    HasFar = 64
+    HasGradients = 64,
+    HasFar = 128
 };
 
 /// Some records in a row.
@@ -75,7 +76,7 @@ struct TableRange
 struct ShapePlaces
 {
     std::uint32_t record = 0;
-    TableRange points, nodes, elements, numbers, links;
+    TableRange points, nodes, elements, numbers, links, gradient;
 };
 
 /// Everything that shapes consist of in GL memory, and the same on this side.
@@ -89,7 +90,8 @@ public:
     void removeShape(ShapePlaces& places);
     /// Replaces what a shape consists of; pStroke is null for a fill.
     void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
-    void setColor(const ShapePlaces& places, td::Color color);
+    /// @param origin, step  of the shape, in which a gradient is kept
+    void setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step);
     void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);
     void setOrder(const ShapePlaces& places, std::uint32_t order);
     /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that

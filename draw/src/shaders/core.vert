@@ -3,6 +3,10 @@
 uniform usamplerBuffer elements;
 
 flat out vec4 paint;
+flat out int gradient;
+flat out ivec2 middle;
+flat out vec2 toMiddle;
+flat out vec4 stepsToPixels;
 noperspective out vec3 corner;
 
 void main()
@@ -13,10 +17,14 @@ void main()
     uvec4 state = texelFetch(shapes, 6 * shape + 2), parts = texelFetch(shapes, 6 * shape + 3);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
     corner = vec3(c == 0, c == 1, c >= 2);
-    paint = vec4(parts.x & 255u, parts.x >> 8 & 255u, parts.x >> 16 & 255u, 255u) / 255.0;
+    paint = unpacked(parts.x);
+    gradient = (state.z & cGradient) != 0u ? int(parts.x) : -1;
     if (int(element.x >> 28) != cTriangles || (state.z & (cVisible | cOpaque)) != (cVisible | cOpaque))
         return;
     Place place = placeOf(shape);
+    middle = place.middle;
+    toMiddle = place.toMiddle;
+    stepsToPixels = vec4(place.pixels[0], place.pixels[1]);
     vec2 t[3];
     for (int i = 0; i < 3; ++i)
         t[i] = pixelOf(place, texelFetch(points, int(parts.w) + int(element[i + 1])).xy);

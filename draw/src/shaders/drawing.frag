@@ -1,6 +1,8 @@
 // How much of a pixel a shape covers, exactly for fills and by 64 samples for strokes, from the lines of the shape near
 // the pixel alone, which a tree of boxes finds.
+#ifndef GRADIENTS
 uniform samplerBuffer numbers;
+#endif
 uniform usamplerBuffer links; // for each shape: the later ones that share an edge with it
 
 flat in int shape;
@@ -506,10 +508,13 @@ float coverageOfStroke(Place place, vec2 pixel)
 }
 #endif
 
-vec4 paint()
+vec4 paint(Place place, vec2 pixel)
 {
-    uint rgba = parts.x;
-    vec4 c = vec4(rgba & 255u, rgba >> 8 & 255u, rgba >> 16 & 255u, rgba >> 24) / 255.0;
+    vec4 c = unpacked(parts.x);
+#ifdef GRADIENTS
+    if ((flags & cGradient) != 0u)
+        c = gradientAt(int(parts.x), place, pixel);
+#endif
     return vec4(c.rgb * c.a, c.a);
 }
 
@@ -527,5 +532,5 @@ void main()
 #elif defined FILLS
         coverage = coverageOfFill(place, pixel);
 #endif
-    color = paint() * coverage;
+    color = paint(place, pixel) * coverage;
 }

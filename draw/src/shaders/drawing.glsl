@@ -1,6 +1,6 @@
 // What all stages of the drawing programs know: where shapes and their points are, in pixels from the middle of the
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
-// ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, FAR (lines whose ends are far away). What is not
+// ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away). What is not
 // needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
@@ -12,7 +12,7 @@ uniform float pixelsPerPoint;
 
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
-const uint cMoved = 32u, cLinked = 64u;
+const uint cMoved = 32u, cLinked = 64u, cGradient = 128u;
 // Pixels from the middle beyond which floats are too coarse.
 const float cFar = 32768.0;
 
@@ -160,4 +160,49 @@ bool shorten(Place place, ivec2 pa, ivec2 pb, inout vec2 a, inout vec2 b)
 }
 #else
 bool shorten(Place place, ivec2 pa, ivec2 pb, vec2 a, vec2 b) { return false; }
+#endif
+
+vec4 unpacked(uint rgba)
+{
+    return vec4(rgba & 255u, rgba >> 8 & 255u, rgba >> 16 & 255u, rgba >> 24) / 255.0;
+}
+
+#ifdef GRADIENTS
+uniform samplerBuffer numbers;
+
+float numberAt(int i) { return texelFetch(numbers, i).x; }
+
+vec4 stopColor(int at) { return vec4(numberAt(at + 1), numberAt(at + 2), numberAt(at + 3), numberAt(at + 4)); }
+
+// The colour of a gradient that stands among the numbers, at a pixel.
+vec4 gradientAt(int at, Place place, vec2 pixel)
+{
+    vec2 p = vec2(place.middle) - place.toMiddle + inverse(place.pixels) * pixel;
+    float t;
+    if (numberAt(at) != 0.0)
+        t = dot(p, vec2(numberAt(at + 3), numberAt(at + 4))) + numberAt(at + 5);
+    else
+    {
+        // The circle about a point between focus and centre, t of the way and t times as large, that goes through p.
+        float scale = numberAt(at + 5);
+        vec2 q = (p - vec2(numberAt(at + 3), numberAt(at + 4))) * scale, c = vec2(numberAt(at + 6), numberAt(at + 7));
+        float a = dot(c, c) - 1.0, b = dot(q, c);
+        t = (b - sqrt(max(b * b - a * dot(q, q), 0.0))) / a;
+    }
+    float spread = numberAt(at + 1);
+    t = spread == 0.0 ? clamp(t, 0.0, 1.0) : spread == 1.0 ? 1.0 - abs(fract(t / 2.0) * 2.0 - 1.0) : fract(t);
+    int n = int(numberAt(at + 2));
+    if (n == 0)
+        return vec4(0.0);
+    at += 9;
+    vec4 color = stopColor(at);
+    for (int i = 1; i < n; ++i)
+    {
+        float from = numberAt(at), to = numberAt(at + 5);
+        at += 5;
+        if (t >= from)
+            color = mix(stopColor(at - 5), stopColor(at), to > from ? min((t - from) / (to - from), 1.0) : 1.0);
+    }
+    return color;
+}
 #endif

@@ -2,10 +2,10 @@
 
 #include "Affine.h"
 #include "FillRule.h"
+#include "Paint.h"
 #include "Path.h"
 #include "Stroke.h"
 
-#include <td/Color.h>
 #include <td/Export.h>
 #include <td/Point.h>
 #include <td/RectNormalized.h>
@@ -40,8 +40,8 @@ namespace gui::draw
 ///         gui::draw::Drawing drawing;
 ///         gui::draw::Path disc;
 ///         disc.addCircle({100, 100}, 80);
-///         drawing.fill(disc, td::Color(230, 190, 60, 255));
-///         drawing.stroke(disc, {.width = 4}, td::Color(90, 40, 20, 255));
+///         drawing.fill(disc, "#e6be3c");
+///         drawing.stroke(disc, {.width = 4}, "#5a2814");
 ///         drawing.draw(gui::draw::Affine());
 ///         return context.savePicture("disc.png") ? 0 : 1;
 ///     }
@@ -75,9 +75,9 @@ public:
 
     /// What is inside of a path, by the rule; open subpaths are closed.
     /// @return the shape's id, also when nothing of it is to be seen
-    ID fill(const Path& path, td::Color color, FillRule rule = FillRule::NonZero);
+    ID fill(const Path& path, const Paint& paint, FillRule rule = FillRule::NonZero);
     /// A line along a path.
-    ID stroke(const Path& path, const Stroke& stroke, td::Color color);
+    ID stroke(const Path& path, const Stroke& stroke, const Paint& paint);
 
     /// What is added until endGroup belongs to the group, which may stand in another one.
     /// @param transform  from the group's coordinates to those around it
@@ -87,7 +87,7 @@ public:
 
     /// Changes of shapes and, where it says so, groups. @return false for an id that names nothing (any more), or not
     /// that; nothing changes then
-    bool setColor(ID shape, td::Color color);
+    bool setColor(ID shape, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
     bool setPath(ID shape, const Path& path);
@@ -97,7 +97,8 @@ public:
     bool setTransform(ID id, const Affine& transform);
     /// Removes a shape, or a group with all that is in it.
     bool remove(ID id);
-    /// Draws a shape right after (over) another, or right before (under) it. A group's shapes keep their order.
+    /// Draws a shape right after (over) another, or right before (under) it. A group's shapes keep their order; over or
+    /// under an empty group nothing moves.
     bool moveAbove(ID id, ID other);
     bool moveBelow(ID id, ID other);
     /// Draws it after all others, or before them.

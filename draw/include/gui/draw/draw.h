@@ -6,6 +6,7 @@
 #include "Drawing.h"
 #include "FillRule.h"
 #include "FillTessellator.h"
+#include "Paint.h"
 #include "Path.h"
 #include "PathSegment.h"
 #include "Polylines.h"

@@ -1,0 +1,424 @@
+#include "DrawingImpl.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+/// Past so many pieces, elements are brought into their order instead of being drawn piece by piece.
+constexpr std::size_t cMostRanges = 1000;
+
+} // namespace
+
+Drawing::Impl::Item* Drawing::Impl::find(ID id)
+{
+    const auto slot = static_cast<std::uint32_t>(id) - 1;
+    if (id == 0 || slot >= items.size() || items[slot].kind == Kind::None || items[slot].generation != id >> 32)
+        return nullptr;
+    return &items[slot];
+}
+
+Drawing::Impl::Item* Drawing::Impl::findShape(ID id)
+{
+    Item* pItem = find(id);
+    return pItem == nullptr || pItem->kind == Kind::Group ? nullptr : pItem;
+}
+
+std::uint32_t Drawing::Impl::add(Kind kind)
+{
+    std::uint32_t slot = 0;
+    if (freeSlots.empty())
+    {
+        slot = static_cast<std::uint32_t>(items.size());
+        items.emplace_back();
+    }
+    else
+    {
+        slot = freeSlots.back();
+        freeSlots.pop_back();
+    }
+    const std::uint32_t generation = items[slot].generation + 1;
+    items[slot] = Item();
+    Item& item = items[slot];
+    item.kind = kind;
+    item.slot = slot;
+    item.generation = generation;
+    item.group = group;
+    if (group != cNoItem)
+    {
+        items[group].members.push_back(slot);
+        item.whole = items[group].whole;
+        item.isShown = items[group].isShown;
+    }
+    return slot;
+}
+
+Drawing::ID Drawing::Impl::addShape(Kind kind, const Paint& paint)
+{
+    const std::uint32_t slot = add(kind);
+    Item& item = items[slot];
+    tables.addShape(item.places);
+    tables.setFlag(item.places, IsVisible, item.isShown);
+    setPaint(item, paint);
+    append(item);
+    ++nShapes;
+    return idOf(slot);
+}
+
+void Drawing::Impl::setPaint(Item& item, const Paint& paint)
+{
+    if (paint.isGradient())
+        item.pGradient = std::make_unique<Paint>(paint);
+    else
+        item.pGradient.reset();
+    tables.setPaint(item.places, paint, item.origin, item.step);
+    isChanged = true;
+}
+
+Drawing::ID Drawing::Impl::setPath(Item& item, const Path& path)
+{
+    const bool isStroke = item.kind == Kind::Stroke;
+    if (!isStroke)
+        builder.makeFill(path, item.rule, tolerance, geometry);
+    else if (item.pLine->stroke.width > 0 && std::isfinite(item.pLine->stroke.width))
+        builder.makeStroke(path, item.pLine->stroke, tolerance, geometry);
+    else
+        geometry.clear();
+    item.origin = geometry.origin;
+    item.step = geometry.step;
+    item.hasBounds = !geometry.nodes.empty();
+    if (item.hasBounds)
+    {
+        const std::array<std::int32_t, 4>& box = geometry.nodes.front().box;
+        item.bounds = {item.origin.x + item.step * box[0], item.origin.y + item.step * box[1],
+                       item.origin.x + item.step * box[2], item.origin.y + item.step * box[3]};
+    }
+    if (isStroke)
+        item.pLine->path = path;
+    tables.setGeometry(item.places, geometry, isStroke ? &item.pLine->stroke : nullptr);
+    if (item.pGradient)
+        tables.setPaint(item.places, *item.pGradient, item.origin, item.step);
+    if (!isStroke)
+    {
+        unlink(item);
+        link(item);
+    }
+    place(item);
+    isChanged = true;
+    return idOf(slotOf(item));
+}
+
+void Drawing::Impl::place(const Item& item)
+{
+    enlist(item);
+    areElementsStale = true;
+    if (!tables.setPlace(item.places, item.origin, item.step, item.whole))
+        for (const std::uint32_t slot : order)
+            if (slot != cNoItem)
+                tables.setPlace(items[slot].places, items[slot].origin, items[slot].step, items[slot].whole);
+}
+
+void Drawing::Impl::update(Item& item)
+{
+    const Affine whole = item.group == cNoItem ? item.transform : items[item.group].whole * item.transform;
+    item.whole = whole;
+    item.isShown = item.isVisible && (item.group == cNoItem || items[item.group].isShown);
+    if (item.kind == Kind::Group)
+        for (const std::uint32_t member : item.members)
+            update(items[member]);
+    else
+    {
+        tables.setFlag(item.places, IsVisible, item.isShown);
+        place(item);
+    }
+    isChanged = true;
+}
+
+void Drawing::Impl::removeItem(std::uint32_t slot)
+{
+    Item& item = items[slot];
+    for (const std::uint32_t member : item.members)
+        removeItem(member);
+    if (item.kind != Kind::Group)
+    {
+        unlink(item);
+        index.remove(slot);
+        tables.removeShape(item.places);
+        leaveGap(item);
+        --nShapes;
+    }
+    if (group == slot)
+        group = cNoItem;
+    item.kind = Kind::None;
+    item.members.clear();
+    item.pLine.reset();
+    item.pGradient.reset();
+    freeSlots.push_back(slot);
+}
+
+void Drawing::Impl::link(Item& item)
+{
+    const std::uint32_t slot = slotOf(item);
+    item.version = edges.add(geometry, slot, item.neighbours);
+    std::erase_if(item.neighbours, [this, &item](std::uint32_t other) { return items[other].whole != item.whole; });
+    for (const std::uint32_t other : item.neighbours)
+    {
+        items[other].neighbours.push_back(slot);
+        markLinksStale(items[other]);
+    }
+    if (!item.neighbours.empty())
+        markLinksStale(item);
+}
+
+void Drawing::Impl::unlink(Item& item)
+{
+    if (item.version != cNoItem)
+        edges.remove(item.version);
+    item.version = cNoItem;
+    dropNeighbours(item);
+}
+
+void Drawing::Impl::dropNeighbours(Item& item)
+{
+    for (const std::uint32_t other : item.neighbours)
+    {
+        std::erase(items[other].neighbours, slotOf(item));
+        markLinksStale(items[other]);
+    }
+    if (!item.neighbours.empty())
+        markLinksStale(item);
+    item.neighbours.clear();
+}
+
+bool Drawing::Impl::isWithin(const Item& item, const Item& other) const
+{
+    return &item == &other || (item.group != cNoItem && isWithin(items[item.group], other));
+}
+
+void Drawing::Impl::dropOutsiders(Item& shape, const Item& mover)
+{
+    const auto isOutside = [this, &mover](std::uint32_t other) { return !isWithin(items[other], mover); };
+    for (const std::uint32_t other : shape.neighbours)
+        if (isOutside(other))
+        {
+            std::erase(items[other].neighbours, slotOf(shape));
+            markLinksStale(items[other]);
+        }
+    if (std::erase_if(shape.neighbours, isOutside) != 0)
+        markLinksStale(shape);
+}
+
+void Drawing::Impl::markLinksStale(Item& item)
+{
+    if (!std::exchange(item.areLinksStale, true))
+        staleLinks.push_back(slotOf(item));
+}
+
+void Drawing::Impl::renewLinks()
+{
+    std::vector<std::uint32_t> records;
+    for (const std::uint32_t slot : staleLinks)
+    {
+        Item& item = items[slot];
+        if (!std::exchange(item.areLinksStale, false) || item.kind != Kind::Fill)
+            continue;
+        records.clear();
+        for (const std::uint32_t other : item.neighbours)
+            records.push_back(items[other].places.record);
+        tables.setLinks(item.places, records);
+    }
+    staleLinks.clear();
+}
+
+bool Drawing::Impl::boundsOf(const Item& item, Rect& bounds) const
+{
+    if (item.kind == Kind::Group || !item.isShown || !item.hasBounds)
+        return false;
+    const bool isWide = item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Model;
+    const double margin = isWide ? item.pLine->stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
+    const Rect& rect = item.bounds;
+    bool isFirst = true;
+    for (const double x : {rect.left - margin, rect.right + margin})
+        for (const double y : {rect.top - margin, rect.bottom + margin})
+        {
+            const Point p = item.whole.map({x, y});
+            bounds = isFirst ? Rect(p.x, p.y, p.x, p.y)
+                             : Rect(std::min(bounds.left, p.x), std::min(bounds.top, p.y), std::max(bounds.right, p.x),
+                                    std::max(bounds.bottom, p.y));
+            isFirst = false;
+        }
+    return true;
+}
+
+void Drawing::Impl::enlist(const Item& item)
+{
+    DrawList::Shape shape;
+    if (!boundsOf(item, shape.bounds))
+        index.remove(slotOf(item));
+    else
+    {
+        index.set(slotOf(item), shape.bounds);
+        shape.first = item.places.elements.first;
+        shape.count = item.places.elements.count;
+        shape.record = item.places.record;
+        if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
+            shape.margin =
+                static_cast<float>(item.pLine->stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+    }
+    largestMargin = std::max(largestMargin, double(shape.margin));
+    list.set(item.place, shape);
+}
+
+void Drawing::Impl::tidy()
+{
+    areElementsStale = false;
+    if (list.countRanges() <= cMostRanges)
+        return;
+    std::vector<TableRange*> inOrder;
+    inOrder.reserve(order.size());
+    for (const std::uint32_t slot : order)
+        if (slot != cNoItem)
+            inOrder.push_back(&items[slot].places.elements);
+    tables.reorderElements(inOrder);
+    for (const std::uint32_t slot : order)
+        if (slot != cNoItem)
+            enlist(items[slot]);
+}
+
+void Drawing::Impl::renumber()
+{
+    std::erase(order, cNoItem);
+    list.clear();
+    for (std::size_t i = 0; i < order.size(); ++i)
+    {
+        Item& item = items[order[i]];
+        item.place = static_cast<std::uint32_t>(i);
+        tables.setOrder(item.places, item.place);
+        enlist(item);
+    }
+    nGaps = 0;
+    areElementsStale = true;
+}
+
+void Drawing::Impl::leaveGap(const Item& item)
+{
+    order[item.place] = cNoItem;
+    list.removeAt(item.place);
+    ++nGaps;
+}
+
+void Drawing::Impl::append(Item& item)
+{
+    item.place = static_cast<std::uint32_t>(order.size());
+    order.push_back(slotOf(item));
+    tables.setOrder(item.places, item.place);
+}
+
+void Drawing::Impl::collectShapes(std::uint32_t slot, std::vector<std::uint32_t>& shapes) const
+{
+    if (items[slot].kind != Kind::Group)
+        shapes.push_back(slot);
+    for (const std::uint32_t member : items[slot].members)
+        collectShapes(member, shapes);
+}
+
+std::vector<std::uint32_t> Drawing::Impl::shapesOf(const Item& item) const
+{
+    std::vector<std::uint32_t> shapes;
+    collectShapes(slotOf(item), shapes);
+    std::sort(shapes.begin(), shapes.end(),
+              [this](std::uint32_t a, std::uint32_t b) { return items[a].place < items[b].place; });
+    return shapes;
+}
+
+void Drawing::Impl::move(const std::vector<std::uint32_t>& shapes, std::size_t before)
+{
+    for (const std::uint32_t slot : shapes)
+        leaveGap(items[slot]);
+    isChanged = true;
+    if (before < order.size())
+    {
+        order.insert(order.begin() + static_cast<std::ptrdiff_t>(before), shapes.begin(), shapes.end());
+        renumber();
+        return;
+    }
+    for (const std::uint32_t slot : shapes)
+    {
+        append(items[slot]);
+        place(items[slot]);
+    }
+}
+
+void Drawing::Impl::widen(std::optional<Rect>& bounds, const Item& item) const
+{
+    for (const std::uint32_t member : item.members)
+        widen(bounds, items[member]);
+    if (Rect rect; boundsOf(item, rect))
+        bounds = bounds ? Rect(std::min(bounds->left, rect.left), std::min(bounds->top, rect.top),
+                               std::max(bounds->right, rect.right), std::max(bounds->bottom, rect.bottom))
+                        : rect;
+}
+
+bool Drawing::Impl::draw(const Sight& sight)
+{
+    if (nGaps > 1000 && nGaps > order.size() / 2)
+        renumber();
+    if (areElementsStale)
+        tidy();
+    renewLinks();
+    if (!painter.draw(tables, list, sight, isChanged))
+        return false;
+    isChanged = false;
+    // The geometric mean of what the axes are stretched by.
+    const Affine& map = sight.toPixels;
+    pointsPerUnit = std::sqrt(std::abs(map.a * map.d - map.b * map.c)) / sight.pixelsPerPoint;
+    return true;
+}
+
+std::optional<Drawing::Impl::Local> Drawing::Impl::localOf(const Item& item) const
+{
+    const std::optional<Affine> inverse = item.whole.inverse();
+    if (!inverse)
+        return std::nullopt;
+    Local local;
+    local.toSteps = Affine::scaling(1 / item.step) * Affine::translation(-item.origin.x, -item.origin.y) * *inverse;
+    const Affine& map = local.toSteps;
+    local.scale = std::sqrt(std::abs(map.a * map.d - map.b * map.c));
+    const double point = local.scale / pointsPerUnit, unit = 1 / item.step;
+    if (item.kind != Kind::Stroke)
+        return local;
+    const draw::Stroke& stroke = item.pLine->stroke;
+    local.radius = stroke.width / 2 * (stroke.unit == Unit::Points ? point : unit);
+    local.dashScale = stroke.dashUnit == Unit::Points ? point : unit;
+    return local;
+}
+
+std::vector<std::uint32_t> Drawing::Impl::findAll(const Rect& rect, bool isOneEnough, const Test& test)
+{
+    // Widths in points are in none of the index's rectangles: what is looked for is widened by the largest.
+    const double margin = largestMargin / pointsPerUnit;
+    std::vector<std::uint32_t> found;
+    index.find({rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin},
+               [&found](std::uint32_t slot) { found.push_back(slot); });
+    std::sort(found.begin(), found.end(),
+              [this](std::uint32_t a, std::uint32_t b) { return items[a].place > items[b].place; });
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    std::vector<std::uint32_t> accepted;
+    for (const std::uint32_t slot : found)
+        if (const std::optional<Local> local = localOf(items[slot]);
+            local && test(items[slot], ShapePicker(tables, items[slot].places), *local))
+        {
+            accepted.push_back(slot);
+            if (isOneEnough)
+                break;
+        }
+    return accepted;
+}
+
+} // namespace gui::draw

@@ -1,0 +1,149 @@
+#pragma once
+
+#include "DrawList.h"
+#include "DrawingPainter.h"
+#include "ShapeIndex.h"
+#include "ShapePicker.h"
+#include "ShapeTables.h"
+#include "SharedEdges.h"
+
+#include <gui/draw/Drawing.h>
+
+#include <deque>
+#include <functional>
+
+namespace gui::draw
+{
+
+inline constexpr std::uint32_t cNoItem = UINT32_MAX;
+
+/// The shapes and groups of a drawing, and what is kept of them for drawing and for looking them up.
+struct Drawing::Impl
+{
+    enum class Kind : td::BYTE
+    {
+        None,
+        Fill,
+        Stroke,
+        Group
+    };
+
+    /// What a stroke's shape is made from, again when its style changes.
+    struct Line
+    {
+        Path path;
+        draw::Stroke stroke;
+    };
+
+    /// A shape or a group, in a slot that is used again.
+    struct Item
+    {
+        Kind kind = Kind::None;
+        bool isVisible = true;
+        bool isShown = true; // with all groups around it
+        FillRule rule = FillRule::NonZero;
+        bool areLinksStale = false;
+        std::uint32_t slot = 0;
+        std::uint32_t generation = 0;
+        std::uint32_t group = cNoItem;
+        std::uint32_t place = 0; // in the order of drawing, as far as that is up to date
+        Affine transform;
+        Affine whole; // with those of all groups around it
+        td::Point<double> origin;
+        double step = 1;
+        bool hasBounds = false;
+        Rect bounds;                 // of its points, as they are kept
+        std::unique_ptr<Line> pLine; // of a stroke
+        std::unique_ptr<Paint> pGradient;
+        ShapePlaces places;
+        std::vector<std::uint32_t> members;     // of a group
+        std::vector<std::uint32_t> neighbours;  // fills that share edges with this one
+        SharedEdges::Version version = cNoItem; // of what it shares
+    };
+
+    /// What a shape is asked in: its own steps.
+    struct Local
+    {
+        Affine toSteps;
+        double scale = 1; // steps per model unit
+        double radius = 0;
+        double dashScale = 1;
+    };
+
+    ID idOf(std::uint32_t slot) const { return ID(items[slot].generation) << 32 | (slot + 1); }
+
+    Item* find(ID id);
+    Item* findShape(ID id);
+    static std::uint32_t slotOf(const Item& item) { return item.slot; }
+
+    /// Takes a slot, in the group that was begun.
+    std::uint32_t add(Kind kind);
+    ID addShape(Kind kind, const Paint& paint);
+    void setPaint(Item& item, const Paint& paint);
+    ID setPath(Item& item, const Path& path);
+    void removeItem(std::uint32_t slot);
+    /// Says where a shape is, after a change of its geometry or transform.
+    void place(const Item& item);
+    /// After a change of what is around it, or of its own transform or visibility.
+    void update(Item& item);
+
+    /// Finds the fills around one whose geometry was just made.
+    void link(Item& item);
+    void unlink(Item& item);
+    void dropNeighbours(Item& item);
+    /// Parts a shape from those that don't move with an item.
+    void dropOutsiders(Item& shape, const Item& mover);
+    bool isWithin(const Item& item, const Item& other) const;
+    void markLinksStale(Item& item);
+    void renewLinks();
+
+    /// What is seen of a shape, with its stroke's width as far as that is known; false when there is nothing.
+    bool boundsOf(const Item& item, Rect& bounds) const;
+    void widen(std::optional<Rect>& bounds, const Item& item) const;
+    /// Tells list and index of a shape.
+    void enlist(const Item& item);
+
+    /// Puts a shape behind all others in the order.
+    void append(Item& item);
+    void leaveGap(const Item& item);
+    /// Closes the gaps that removed and raised shapes have left.
+    void renumber();
+    /// Where elements lie in too many pieces, they are brought into their order.
+    void tidy();
+    void collectShapes(std::uint32_t slot, std::vector<std::uint32_t>& shapes) const;
+    /// The shapes of an item, in the order of drawing.
+    std::vector<std::uint32_t> shapesOf(const Item& item) const;
+    /// Moves shapes, in their order, to before a place.
+    void move(const std::vector<std::uint32_t>& shapes, std::size_t before);
+
+    bool draw(const Sight& sight);
+
+    std::optional<Local> localOf(const Item& item) const;
+
+    using Test = std::function<bool(const Item&, const ShapePicker&, const Local&)>;
+    /// The visible shapes near a rectangle that a test accepts, or the topmost of them alone; the topmost first.
+    std::vector<std::uint32_t> findAll(const Rect& rect, bool isOneEnough, const Test& test);
+
+    std::deque<Item> items;
+    std::vector<std::uint32_t> freeSlots;
+    std::size_t nShapes = 0;
+    std::vector<std::uint32_t> order; // of drawing: shapes, and gaps
+    std::size_t nGaps = 0;
+    DrawList list;
+    std::uint32_t group = cNoItem; // what is added belongs to
+    double tolerance = 0;
+    double pointsPerUnit = 1;
+    bool areElementsStale = false;
+    bool isChanged = true;
+    bool hasSaidNoInverse = false;
+    ShapeIndex index;
+    double largestMargin = 0; // of strokes whose width is in points
+    SharedEdges edges;
+    std::vector<std::uint32_t> staleLinks;
+    ShapeBuilder builder;
+    ShapeGeometry geometry;
+    ShapeTables tables;
+    DrawingPainter painter;
+};
+
+} // namespace gui::draw
