@@ -114,9 +114,8 @@ TEST_F(CairoTest, Fills)
     compare({3, 20, 30}); // cairo has 15 heights in a pixel
 }
 
-// Without what SVG 2 decides otherwise: dashes on closed paths, of which cairo joins the last with the first, and of length 0,
-// which it leaves out; and where
-// curves end in a mitre, a bevel or a dash, cairo takes them as rounded.
+// Without what SVG 2 decides otherwise: dashes on closed paths, of which cairo joins the last with the first, and those
+// of length 0, which it leaves out; and where curves end in a mitre, a bevel or a dash, cairo takes them as rounded.
 TEST_F(CairoTest, Strokes)
 {
     for (int cell = 0; cell < 64; ++cell)

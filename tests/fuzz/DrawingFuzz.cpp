@@ -1,5 +1,5 @@
-// Any operations in any order on a drawing, beside a plain list of what it should hold: the same pixels, the same picks.
-// And shapes of any numbers, which must do no harm.
+// Any operations in any order on a drawing, beside a plain list of what it should hold: the same pixels, the same
+// picks. And shapes of any numbers, which must do no harm.
 
 #include "Fuzz.h"
 
@@ -57,7 +57,7 @@ public:
 
     void live()
     {
-        while (_input.left() > 0 && _items.size() < 200)
+        while (_input.left() > 0 && _items.size() < 60)
         {
             const unsigned int operation = _input.below(20);
             if (operation < 4)
