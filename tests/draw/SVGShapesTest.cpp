@@ -129,17 +129,20 @@ TEST_F(SVGShapesTest, Strokes)
              {"M32 32Z", {.width = 20}},
              {"M32 32C32 32 32 32 32 32H32Z", {.width = 20}},
              {"M32 32", {.width = 20}},
+             {"M32 32L32 32", {.width = 20}, cSkewed},
              {"M16 24H40V24Z", {.width = 10}},
              // Dashes.
              {"M8 32H56", {.width = 8, .dashes = {8, 6}}},
              {"M8 32H56", {.width = 4, .dashes = {7}}},
              {"M8 32H56", {.width = 2, .dashes = {8, 4, 2}}},
+             {"M8 32H56", {.width = 8, .dashes = {0, 12}}},
              {"M8 32H56", {.width = 8, .dashes = {12, 0}}},
              {"M8 32H56", {.width = 8, .dashes = {0, 0}}},
              {"M8 32H56", {.width = 8, .dashes = {-4, 8}}},
              {"M8 32H56", {.width = 4, .dashes = {10, 6, 0, 6}, .dashOffset = -5}},
              {"M8 32H56", {.width = 4, .dashes = {10, 6, 4}, .dashOffset = 107}},
              {"M8 32H56", {.width = 4, .dashes = {8, 8}, .dashOffset = 8}}, // one of length 0 at the beginning
+             {"M8 32H48", {.width = 4, .dashes = {10, 10}}},                // and none at the end
              {"M8 32H56", {.width = 8, .dashes = {100, 10}}},
              {"M8 16H56M8 32H56M8 48H32L56 52", {.width = 4, .dashes = {10, 8}, .dashOffset = 3}},
              {"M32 32Z", {.width = 20, .dashes = {10, 10}}},
