@@ -145,6 +145,8 @@ public:
                 ++first;
             while (last > 0 && at[last] >= end)
                 --last;
+            // Of no length, at a corner: it lies on the line after that.
+            last = std::max(first, last);
             const Point from = p[first] + (begin - at[first]) * ways[first];
             const Point to = p[last] + (end - at[last]) * ways[last];
             for (std::size_t i = first; i <= last; ++i)

@@ -383,11 +383,11 @@ void drawAnything(fuzz::Input& input, Drawing& drawing)
         switch (input.below(9))
         {
         case 0:
-            ids.push_back(drawing.fill(takePath(input), {9, 9, 9, 255}, gui::draw::FillRule(input.below(2))));
+            ids.push_back(drawing.fill(takePath(input), td::Color(9, 9, 9, 255), gui::draw::FillRule(input.below(2))));
             break;
         case 1:
         case 2:
-            ids.push_back(drawing.stroke(takePath(input), takeStroke(), {9, 9, 9, 255}));
+            ids.push_back(drawing.stroke(takePath(input), takeStroke(), td::Color(9, 9, 9, 255)));
             break;
         case 3:
             ids.push_back(drawing.beginGroup(takeMap()));

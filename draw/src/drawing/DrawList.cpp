@@ -117,8 +117,11 @@ std::span<const gl::Quads::Range> DrawList::select(const Rect& visible, double p
         const double margin = (chunk.margin * pixelsPerPoint + 2) * pixel;
         const Box seen{below(visible.left - margin - _base.x), below(visible.top - margin - _base.y),
                        above(visible.right + margin - _base.x), above(visible.bottom + margin - _base.y)};
-        const auto touches = [&seen](const Box& box) {
-            return box.left <= seen.right && box.right >= seen.left && box.top <= seen.bottom && box.bottom >= seen.top;
+        // All four at once: which of them is false is as good as random, and a branch for each would cost more.
+        const auto touches = [seen](const Box& box) -> bool
+        {
+            return int(box.left <= seen.right) & int(box.right >= seen.left) & int(box.top <= seen.bottom) &
+                   int(box.bottom >= seen.top);
         };
         if (!touches(chunk.box))
             continue;
@@ -133,9 +136,12 @@ std::span<const gl::Quads::Range> DrawList::select(const Rect& visible, double p
         }
         const std::size_t end = std::min((c + 1) * cChunk, _shapes.size());
         for (std::size_t i = c * cChunk; i < end; ++i)
-            if (const Entry& entry = _shapes[i]; entry.count != 0 && touches(_boxes[i]))
+            if (touches(_boxes[i]) && _shapes[i].count != 0)
+            {
+                const Entry& entry = _shapes[i];
                 append(_selected, isSmall ? gl::Quads::Range{cBoxes + entry.record, 1}
                                           : gl::Quads::Range{entry.first, entry.count});
+            }
     }
     std::copy_if(_selected.begin(), _selected.end(), std::back_inserter(_parts),
                  [](const gl::Quads::Range& range) { return range.first < cBoxes; });

@@ -201,7 +201,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
 {
     shape.clear();
     _lines.clear();
-    path.flatten(toleranceFor(path, tolerance), _lines);
+    path.flatten(toleranceFor(path, tolerance), _lines, true);
     constexpr double cLargest = 1e300;
     td::Point<double> low(cLargest, cLargest), high(-cLargest, -cLargest);
     const auto isUsable = [](td::Point<double> p) { return std::abs(p.x) <= cLargest && std::abs(p.y) <= cLargest; };

@@ -92,8 +92,8 @@ public:
         const std::size_t nTexels = std::max<std::size_t>(_records.size() * sizeof(Record) / texel, 1);
         if (_texture.getSize() < nTexels)
         {
-            // Room for half as much again, but for the first time: most drawings are made and stay.
-            const std::size_t spare = _texture.getSize() == 0 ? 0 : nTexels / 2;
+            // Room for half as much again; for less the first time: most drawings are made and stay.
+            const std::size_t spare = nTexels / (_texture.getSize() == 0 ? 16 : 2);
             if (!_texture.resize(nTexels + spare))
                 return false;
             _changes.assign(1, {0, _records.size() * sizeof(Record)});

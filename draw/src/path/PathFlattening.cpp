@@ -7,7 +7,7 @@
 namespace gui::draw
 {
 
-void Path::flatten(double tolerance, Polylines& result) const
+void Path::flatten(double tolerance, Polylines& result, bool hasTangents) const
 {
     TD_ASSERT(tolerance > 0);
     Polylines::Line line{.first = result.points.size()};
@@ -43,8 +43,13 @@ void Path::flatten(double tolerance, Polylines& result) const
         if (n > 1)
         {
             result.areWithinCurves.resize(result.points.size());
+            constexpr double cNear = 1.0 / 1024;
+            if (hasTangents)
+                result.points.push_back(segment.at(cNear / n));
             for (unsigned int i = 1; i < n; ++i)
                 result.points.push_back(segment.at(double(i) / n));
+            if (hasTangents)
+                result.points.push_back(segment.at(1 - cNear / n));
             result.areWithinCurves.resize(result.points.size(), true);
         }
         result.points.push_back(segment.to);

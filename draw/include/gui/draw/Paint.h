@@ -55,6 +55,7 @@ struct RadialGradient
 class GUIGL_API Paint
 {
 public:
+    Paint() = default; ///< nothing
     template <std::convertible_to<td::Color> Color>
     Paint(const Color& color)
         : _color(color)

@@ -201,7 +201,9 @@ public:
     /// anything after it gives no line; a subpath that stands still gives one of a single point or of equal points.
     /// @param tolerance  above 0 (else it is an assertion, and nothing is appended)
     /// @param result     what the lines are appended to
-    void flatten(double tolerance, Polylines& result) const;
+    /// @param hasTangents  adds a point close to each end of a curve, so that the lines that meet its ends have its
+    ///                     direction there: for strokes
+    void flatten(double tolerance, Polylines& result, bool hasTangents = false) const;
     Polylines flatten(double tolerance) const;
 
 private:
