@@ -30,6 +30,8 @@ constexpr std::array<const char*, 8> cFeatures{"FILLS",  "STROKES", "ROUND",    
 /// Beside features: the first pass, of what is inside of opaque fills.
 constexpr unsigned int cCore = 256;
 
+constexpr std::size_t cManyPrograms = 6;
+
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
 
@@ -139,16 +141,24 @@ bool DrawingPainter::prepare()
     return _pComposite->isOK();
 }
 
-// One that did not link stays, so that it is not tried in every frame.
+// One that did not link stays, so that it is not tried in every frame. Where there are many already, one that can do
+// more will do: linking takes as long as some frames.
 DrawingPainter::ShapeProgram* DrawingPainter::programFor(unsigned int features)
 {
-    std::unique_ptr<ShapeProgram>& pProgram = _programs[features];
-    if (!pProgram)
+    auto found = _programs.find(features);
+    if (found == _programs.end() && _programs.size() >= cManyPrograms)
+        found = std::find_if(_programs.begin(), _programs.end(),
+                             [features](const auto& program)
+                             {
+                                 return ((program.first ^ features) & cCore) == 0 &&
+                                        (program.first & features) == features && program.second->isOK();
+                             });
+    if (found == _programs.end())
     {
-        pProgram = std::make_unique<ShapeProgram>();
-        pProgram->link(features);
+        found = _programs.emplace(features, std::make_unique<ShapeProgram>()).first;
+        found->second->link(features);
     }
-    return pProgram->isOK() ? pProgram.get() : nullptr;
+    return found->second->isOK() ? found->second.get() : nullptr;
 }
 
 bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged)

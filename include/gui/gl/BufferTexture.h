@@ -30,6 +30,7 @@ public:
         UInt4   ///< 4 unsigned ints: usamplerBuffer
     };
 
+    /// Without room for anything yet.
     explicit BufferTexture(Format format);
     ~BufferTexture();
     BufferTexture(const BufferTexture&) = delete;

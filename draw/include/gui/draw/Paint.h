@@ -56,12 +56,15 @@ class GUIGL_API Paint
 {
 public:
     Paint() = default; ///< nothing
+    /// The same everywhere.
     template <std::convertible_to<td::Color> Color>
     Paint(const Color& color)
         : _color(color)
     {
     }
+    /// The gradient is copied.
     Paint(const LinearGradient& gradient);
+    /// The gradient is copied.
     Paint(const RadialGradient& gradient);
 
     bool isGradient() const { return _isGradient; }
