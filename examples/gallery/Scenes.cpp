@@ -95,6 +95,23 @@ constexpr SceneInfo cScenes[] = {
      "Words before, between and behind the balls that wind around them: with the depth test, where the nearer hides "
      "the farther, and without it.",
      makeDepth},
+    {"fills", "Fills by two rules",
+     "A star that crosses itself and rings that turn both ways, by the non-zero and the even-odd rule; islands in "
+     "lakes on islands; thirty-six rings in one path; petals to see through; tiles that share their edges without a seam.",
+     makeFills},
+    {"strokes", "Caps, joins, dashes, widths",
+     "Every cap with every join, solid, dashed and dotted; widths from a quarter of a point to forty; translucent "
+     "lines that cross themselves and are no darker there.",
+     makeStrokes},
+    {"icons", "Icons of path data",
+     "Twenty-four icons, each a few strings of SVG path data, in five sizes from 16 points to 512, drawn by one list "
+     "of shapes. A click shows another one large.",
+     makeIcons},
+    {"blueprint", "From a site to a screw",
+     "Fifty thousand shapes at survey coordinates of ten thousand kilometres, down to the thread of a screw of a "
+     "millimetre. Drag and turn the wheel to move it, zoom about the pointer, point at a shape to see it, click to "
+     "choose it; S goes to the screw, 0 shows all.",
+     makeBlueprint},
     {"samples", "Samples",
      "One picture, drawn aside with one sample per pixel and with four, and with eight where the driver has them; "
      "below "

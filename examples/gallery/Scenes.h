@@ -41,6 +41,10 @@ std::unique_ptr<Scene> makeWindows();
 std::unique_ptr<Scene> makeText();
 std::unique_ptr<Scene> makeUnicode();
 std::unique_ptr<Scene> makeDepth();
+std::unique_ptr<Scene> makeFills();
+std::unique_ptr<Scene> makeStrokes();
+std::unique_ptr<Scene> makeIcons();
+std::unique_ptr<Scene> makeBlueprint();
 std::unique_ptr<Scene> makeSamples();
 
 } // namespace gallery
