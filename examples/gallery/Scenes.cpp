@@ -97,7 +97,8 @@ constexpr SceneInfo cScenes[] = {
      makeDepth},
     {"fills", "Fills by two rules",
      "A star that crosses itself and rings that turn both ways, by the non-zero and the even-odd rule; islands in "
-     "lakes on islands; thirty-six rings in one path; petals to see through; tiles that share their edges without a seam.",
+     "lakes on islands; thirty-six rings in one path; petals to see through; tiles that share their edges without a "
+     "seam.",
      makeFills},
     {"strokes", "Caps, joins, dashes, widths",
      "Every cap with every join, solid, dashed and dotted; widths from a quarter of a point to forty; translucent "
