@@ -1,23 +1,22 @@
 // A plane with a crown and its name. Shift and a drag pan it, Ctrl and the wheel zoom it.
 #include <gui/Application.h>
+#include <gui/draw/draw.h>
 #include <gui/gl/gl.h>
 using namespace gui::gl;
 class CrownView : public OrthoView
 {
-    Flat2DProgram _program;
-    Buffer _buffer{DataType::Vec2}; // x, y
+    gui::draw::Drawing _drawing;
     Text _text;
     void onInit() override
     {
-        const td::Point<float> crown[] = {{70, 200}, {330, 200}, {360, 60}, {260, 95}, {200, 40}, {140, 95}, {40, 60}};
-        Triang2D(7).triangulate(&_buffer, crown, td::ColorID::Gold);
-        _program.link();
+        const auto crown = gui::draw::Path::fromSVG("M70 200H330L360 60L260 95L200 40L140 95L40 60Z");
+        _drawing.fill(crown, td::ColorID::Gold);
         _text.init(":sans.font").addString({200, 145}, "Crown", {.scale = 0.5F, .hAlignment = Font::cCentre});
     }
     void onDraw(const td::RectNormalized<double>&) override
     {
         Context::clear(Context::Clear::Color, td::ColorID::MidnightBlue);
-        _program.draw(_buffer, getProjection());
+        _drawing.draw(*this);
         _text.render(Text::Ctrl::BlendNoDepthTest, getProjection());
     }
 };
