@@ -59,6 +59,12 @@ bool BufferTexture::resize(std::size_t nTexels)
         glGenBuffers(1, &_buffer);
         glGenTextures(1, &_texture);
         _contextID = CurrentContext::getID();
+        if (_buffer == 0 || _texture == 0)
+        {
+            vo::dbgLog("Error! BufferTexture::resize cannot create its buffer and its texture!");
+            release();
+            return false;
+        }
     }
     glBindBuffer(GL_TEXTURE_BUFFER, _buffer);
     glBufferData(GL_TEXTURE_BUFFER, static_cast<GLsizeiptr>(nTexels * getTexelSize()), nullptr, GL_DYNAMIC_DRAW);

@@ -123,7 +123,10 @@ unsigned int Framebuffer::make(Names& names, const td::Size<int>& size, const Fo
         names.depth =
             attachRenderbuffer(hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT, depth, size, nSamples);
     }
-    if (isComplete(status) && nSamples > 1)
+    // Without one of them it may be complete all the same.
+    const bool isWhole =
+        (nSamples > 1 ? names.color : names.texture) != 0 && (depthFormat(format) == 0 || names.depth != 0);
+    if (isWhole && isComplete(status) && nSamples > 1)
     {
         glGenFramebuffers(1, &names.resolved);
         status = 0;

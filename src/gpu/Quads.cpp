@@ -1,5 +1,7 @@
 #include <gui/gl/Quads.h>
 
+#include <vo/Log.h>
+
 #include <epoxy/gl.h>
 
 #include <algorithm>
@@ -32,11 +34,17 @@ bool Quads::prepare()
             indices.push_back(static_cast<std::uint16_t>(corner + i));
     glGenVertexArrays(1, &_vao);
     glGenBuffers(1, &_ebo);
+    _contextID = CurrentContext::getID();
+    if (_vao == 0 || _ebo == 0)
+    {
+        vo::dbgLog("Error! Quads::draw cannot create its vertex array and its indices!");
+        release();
+        return false;
+    }
     glBindVertexArray(_vao);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, _ebo);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint16_t)),
                  indices.data(), GL_STATIC_DRAW);
-    _contextID = CurrentContext::getID();
     return true;
 }
 

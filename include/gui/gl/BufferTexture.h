@@ -41,8 +41,9 @@ public:
 
     /// Makes room, and forgets what was there unless the size in bytes stays the same.
     /// @return false, with what was there kept and a log line, without a current context ("Error!
-    ///         BufferTexture::resize without a current GL context!") or when the driver has no room for so many texels
-    ///         ("Error! BufferTexture::resize: N texels, the driver has M at most!")
+    ///         BufferTexture::resize without a current GL context!"), when the driver has no room for so many texels
+    ///         ("Error! BufferTexture::resize: N texels, the driver has M at most!"), or no names to give ("Error!
+    ///         BufferTexture::resize cannot create its buffer and its texture!")
     bool resize(std::size_t nTexels);
     /// The texels there is room for; 0 after the death of the context.
     std::size_t getSize() const { return CurrentContext::isAlive(_contextID) ? _nTexels : 0; }

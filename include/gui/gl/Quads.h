@@ -32,7 +32,7 @@ public:
     Quads& operator=(const Quads&) = delete;
 
     /// Draws with the program in use, and binds its own vertex array for it, which stays bound.
-    /// @return false, with a log line, without a current context
+    /// @return false, with a log line, without a current context or names that the driver has to give
     bool draw(std::span<const Range> ranges);
 
     /// Deletes the GL objects. Needs no context.
