@@ -218,12 +218,14 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
         if (pCore != nullptr && !list.getParts().empty())
         {
             pCore->activateFor(tables, sight, size);
-            _quads.draw(list.getParts());
+            if (!_quads.draw(list.getParts()))
+                return fail("there is no vertex array");
         }
         if (!ranges.empty())
         {
             pShapes->activateFor(tables, sight, size);
-            _quads.draw(ranges);
+            if (!_quads.draw(ranges))
+                return fail("there is no vertex array");
         }
         _sight = sight;
         _isLayerValid = true;
@@ -235,7 +237,8 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
     _pComposite->activate();
     _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->corner), glm::vec2(viewport[0], viewport[1]));
     const gl::Quads::Range one{0, 1};
-    _quads.draw(std::span(&one, 1));
+    if (!_quads.draw(std::span(&one, 1)))
+        return fail("there is no vertex array");
     _lastFailure = nullptr;
     return true;
 }

@@ -83,11 +83,8 @@ void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32
             if (i == last)
                 break;
             addElement(shape, kind, point, number);
-            if (kind == ElementKind::Line && _nextTip < _tips.size() && _tips[_nextTip] == point)
-            {
+            if (kind == ElementKind::Line && std::binary_search(_tips.begin(), _tips.end(), point))
                 addElement(shape, ElementKind::Tip, point, number);
-                ++_nextTip;
-            }
         }
     else
     {
@@ -150,7 +147,7 @@ void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, S
     for (std::size_t i = 0; i < indices.size(); i += 3)
         shape.elements.push_back({static_cast<std::uint32_t>(ElementKind::Triangle) << 28,
                                   {_numbers[indices[i]], _numbers[indices[i + 1]], _numbers[indices[i + 2]]}});
-    addRings(shape, 0, _rings.size(), ElementKind::Edge, 0);
+    addTree(shape, ElementKind::Edge);
 }
 
 // Joins the boundary's edges end to end: which ones, where several meet, makes no difference to what they enclose.
@@ -187,14 +184,25 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
                 at = _next[--ends[at]];
             } while (at != vertex);
             shape.points.push_back(shape.points[static_cast<std::size_t>(first)]);
-            const auto along = [](std::int32_t low, std::int32_t high)
-            { return spread(static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U); };
-            _rings.push_back({first, static_cast<std::int32_t>(shape.points.size()) - 1,
-                              along(box[0], box[2]) | along(box[1], box[3]) << 1});
+            addRing(first, static_cast<std::int32_t>(shape.points.size()) - 1, box);
         }
     _numbers = std::move(firstPoints);
+}
+
+void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)
+{
+    const auto along = [](std::int32_t low, std::int32_t high)
+    { return spread(static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U); };
+    _rings.push_back({first, last, along(box[0], box[2]) | along(box[1], box[3]) << 1});
+}
+
+// Those that are near each other are to be in one node.
+void ShapeBuilder::addTree(ShapeGeometry& shape, ElementKind kind)
+{
     if (_rings.size() > static_cast<std::size_t>(cParts))
         std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
+    if (!_rings.empty())
+        addRings(shape, 0, _rings.size(), kind, 0);
 }
 
 void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape)
@@ -233,7 +241,6 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     }
     _rings.clear();
     _tips.clear();
-    _nextTip = 0;
     addElement(shape, ElementKind::Box);
     for (const Polylines::Line& line : _lines.lines)
     {
@@ -248,8 +255,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
                 }
         addLine(line, stroke, shape);
     }
-    if (!_rings.empty())
-        addRings(shape, 0, _rings.size(), ElementKind::Line, 0);
+    addTree(shape, ElementKind::Line);
     if (stroke.cap == Cap::Square)
         shape.reach = std::max(shape.reach, 1.5F);
 }
@@ -271,7 +277,10 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
     shape.points.insert(shape.points.end(), _line.begin(), _line.end());
     const auto last = static_cast<std::uint32_t>(shape.points.size()) - 1;
     shape.points.push_back(after);
-    _rings.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), 0});
+    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    for (const GridPoint& p : _line)
+        widen(box, {p.x, p.y, p.x, p.y});
+    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), box);
 
     const auto wayTo = [&shape](std::uint32_t i)
     {

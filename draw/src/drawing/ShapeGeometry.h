@@ -73,6 +73,8 @@ public:
 
 private:
     void linkRings(ShapeGeometry& shape);
+    void addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box);
+    void addTree(ShapeGeometry& shape, ElementKind kind);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
     void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind, std::size_t parent);
@@ -92,7 +94,6 @@ private:
     std::vector<GridPoint> _line;
     std::vector<bool> _areWithinCurves; // of the points in _line
     std::vector<std::uint32_t> _tips;   // points of corners, in their order
-    std::size_t _nextTip = 0;
 };
 
 /// The tolerance that stands for "as fine as the path wants".

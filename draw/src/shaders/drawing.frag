@@ -479,7 +479,7 @@ float coverageOfStroke(Place place, vec2 pixel)
         if (all(lessThan(abs(c), h + margin)))
         {
             int first = pointBase + info.y, last = pointBase + info.z;
-            if (max(h.x, h.y) < 1.0 / 32.0 && brush.dashes < 0 && last > first + 1)
+            if (max(h.x, h.y) < 1.0 / 16.0 && brush.dashes < 0 && last > first + 1)
             {
                 vec2 a = toBrush * (pixelOf(place, strokePoint(first)) - pixel);
                 vec2 b = toBrush * (pixelOf(place, strokePoint(last)) - pixel);
