@@ -1,7 +1,7 @@
 // What all stages of the drawing programs know: where shapes and their points are, in pixels from the middle of the
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
-// ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away). What is not
-// needed is left out: software drivers work out both sides of every branch.
+// ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away).
+// What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
 uniform isamplerBuffer nodes;  // boxes around a shape's lines, a tree: two texels each

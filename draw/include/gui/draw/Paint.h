@@ -50,8 +50,8 @@ struct RadialGradient
 ///     drawing.fill(path, "#d04020");
 ///     drawing.fill(path, LinearGradient{{0, 0}, {0, 100}, {{0, "#f0e0c0"}, {1, "#806040"}}});
 ///
-/// Between stops the four components of their colours are mixed as they are, as SVG has it. A gradient of no stop paints
-/// nothing, one of one stop a colour.
+/// Between stops the four components of their colours are mixed as they are, as SVG has it. A gradient of no stop
+/// paints nothing, one of one stop a colour.
 class GUIGL_API Paint
 {
 public:
