@@ -118,7 +118,8 @@ void BuildStrokes(benchmark::State& state)
 }
 BENCHMARK(BuildStrokes)->Unit(benchmark::kMillisecond);
 
-/// 0 at rest, 1 zooming with everything in view, 2 panning with a hundredth of it, 3 at rest with a colour that changes.
+/// 0 at rest, 1 zooming with everything in view, 2 panning with a hundredth of it, 3 at rest with a colour that
+/// changes.
 void Frame(benchmark::State& state)
 {
     gui::gl::OffscreenContext context({1000, 1000}, settings());
