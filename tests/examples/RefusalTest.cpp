@@ -112,7 +112,7 @@ protected:
     }
     ~Refusal() override
     {
-        EXPECT_TRUE(asserts.empty());
+        EXPECT_TRUE(asserts.empty()) << asserts.front();
         td::setAssertHandler({});
     }
 
@@ -227,6 +227,8 @@ TEST_F(Refusal, WithoutAContextThereIsNoView)
     epoxy_eglCreateContext = loaded;
     EXPECT_EQ(view.getHandle(), nullptr);
     EXPECT_TRUE(log.said("ERROR! OffscreenContext cannot create an OpenGL 4.1 core context (EGL error 3000)"));
+    for (const std::string& condition : std::exchange(asserts, {}))
+        EXPECT_EQ(condition, "_handle != nullptr");
 }
 
 } // namespace
