@@ -35,7 +35,6 @@ public:
     /// Sets the shape at a place, at the end or before.
     void set(std::size_t place, const Shape& shape);
     void removeAt(std::size_t place);
-    std::size_t getSize() const { return _shapes.size(); }
 
     /// In how many pieces the elements lie in order.
     std::size_t countRanges() const;

@@ -126,8 +126,7 @@ void Drawing::Impl::place(const Item& item)
 
 void Drawing::Impl::update(Item& item)
 {
-    const Affine whole = item.group == cNoItem ? item.transform : items[item.group].whole * item.transform;
-    item.whole = whole;
+    item.whole = item.group == cNoItem ? item.transform : items[item.group].whole * item.transform;
     item.isShown = item.isVisible && (item.group == cNoItem || items[item.group].isShown);
     if (item.kind == Kind::Group)
         for (const std::uint32_t member : item.members)

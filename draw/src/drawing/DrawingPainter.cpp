@@ -35,13 +35,6 @@ constexpr std::size_t cManyPrograms = 6;
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
 
-glm::uvec4 wordsOf(std::int64_t x, std::int64_t y)
-{
-    const auto a = static_cast<std::uint64_t>(x), b = static_cast<std::uint64_t>(y);
-    return {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(a >> 32), static_cast<std::uint32_t>(b),
-            static_cast<std::uint32_t>(b >> 32)};
-}
-
 // What is seen, in model units.
 DrawList::Rect visibleOf(const Sight& sight, td::Size<int> size)
 {
@@ -80,20 +73,33 @@ public:
     void activateFor(const ShapeTables& tables, const Sight& sight, td::Size<int> size)
     {
         activate();
-        const auto send = [this](const char* name, const auto& value)
-        { setUniformValue(static_cast<unsigned int>(getUniformLocation(name)), value); };
-        int unit = 0;
-        for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links"})
-            send(name, unit++);
-        send("center", wordsOf(tables.toUnits(sight.center.x), tables.toUnits(sight.center.y)));
+        const std::array<std::uint32_t, 2> x = tables.toUnits(sight.center.x), y = tables.toUnits(sight.center.y);
+        setUniformValue(_center, glm::uvec4(x[0], x[1], y[0], y[1]));
         const Affine& map = sight.toPixels;
-        send("toPixels", glm::vec4(map.a, map.b, map.c, map.d));
-        send("halfSize", glm::vec2(size.width / 2.0, size.height / 2.0));
-        send("pixelsPerPoint", static_cast<float>(sight.pixelsPerPoint));
+        setUniformValue(_toPixels, glm::vec4(map.a, map.b, map.c, map.d));
+        setUniformValue(_halfSize, glm::vec2(size.width / 2.0, size.height / 2.0));
+        setUniformValue(_pixelsPerPoint, static_cast<float>(sight.pixelsPerPoint));
     }
 
 protected:
-    void onLinked() override {}
+    void onLinked() override
+    {
+        const auto find = [this](const char* name) { return static_cast<unsigned int>(getUniformLocation(name)); };
+        _center = find("center");
+        _toPixels = find("toPixels");
+        _halfSize = find("halfSize");
+        _pixelsPerPoint = find("pixelsPerPoint");
+        activate();
+        int unit = 0;
+        for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links"})
+            setUniformValue(find(name), unit++);
+    }
+
+private:
+    unsigned int _center = 0;
+    unsigned int _toPixels = 0;
+    unsigned int _halfSize = 0;
+    unsigned int _pixelsPerPoint = 0;
 };
 
 class DrawingPainter::LayerProgram : public gl::Program

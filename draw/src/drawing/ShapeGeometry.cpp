@@ -1,5 +1,7 @@
 #include "ShapeGeometry.h"
 
+#include "ZOrder.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -23,16 +25,6 @@ GridPoint toGrid(td::Point<double> p, const ShapeGeometry& shape)
 void widen(std::array<std::int32_t, 4>& box, const std::array<std::int32_t, 4>& by)
 {
     box = {std::min(box[0], by[0]), std::min(box[1], by[1]), std::max(box[2], by[2]), std::max(box[3], by[3])};
-}
-
-std::uint64_t spread(std::uint32_t n)
-{
-    std::uint64_t bits = n;
-    bits = (bits | bits << 16) & 0x0000ffff0000ffffU;
-    bits = (bits | bits << 8) & 0x00ff00ff00ff00ffU;
-    bits = (bits | bits << 4) & 0x0f0f0f0f0f0f0f0fU;
-    bits = (bits | bits << 2) & 0x3333333333333333U;
-    return (bits | bits << 1) & 0x5555555555555555U;
 }
 
 } // namespace
@@ -191,9 +183,9 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
 
 void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)
 {
-    const auto along = [](std::int32_t low, std::int32_t high)
-    { return spread(static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U); };
-    _rings.push_back({first, last, along(box[0], box[2]) | along(box[1], box[3]) << 1});
+    const auto middle = [](std::int32_t low, std::int32_t high)
+    { return static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U; };
+    _rings.push_back({first, last, zOrderOf(middle(box[0], box[2]), middle(box[1], box[3]))});
 }
 
 // Those that are near each other are to be in one node.
@@ -221,19 +213,11 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
         }
     if (low.x > high.x)
         return;
-    const double half = std::max(high.x / 2 - low.x / 2, high.y / 2 - low.y / 2);
-    const double farthest = std::max({std::abs(low.x), std::abs(low.y), std::abs(high.x), std::abs(high.y)});
-    const auto powerOfTwoFrom = [](double number)
-    {
-        int exponent = 0;
-        const double fraction = std::frexp(number, &exponent);
-        return std::ldexp(1, fraction == 0.5 ? exponent - 1 : exponent);
-    };
-    // As the tessellator's grid.
-    shape.step = std::max({powerOfTwoFrom(half) * 0x1p-29, powerOfTwoFrom(farthest) * 0x1p-52, 0x1p-100});
+    // As the tessellator's, as far as the shaders' floats go.
+    shape.step = std::max(gridStepFor(low, high), 0x1p-100);
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
-    if (half == 0)
+    if (low.x == high.x && low.y == high.y)
     {
         // One point, for which any step will do.
         shape.step = 1;

@@ -1,5 +1,7 @@
 #include "ShapeIndex.h"
 
+#include "ZOrder.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -29,15 +31,6 @@ void widen(Rect& rect, const Rect& by)
 {
     rect = {std::min(rect.left, by.left), std::min(rect.top, by.top), std::max(rect.right, by.right),
             std::max(rect.bottom, by.bottom)};
-}
-
-std::uint64_t spread(std::uint64_t n)
-{
-    n = (n | n << 16) & 0x0000ffff0000ffffU;
-    n = (n | n << 8) & 0x00ff00ff00ff00ffU;
-    n = (n | n << 4) & 0x0f0f0f0f0f0f0f0fU;
-    n = (n | n << 2) & 0x3333333333333333U;
-    return (n | n << 1) & 0x5555555555555555U;
 }
 
 } // namespace
@@ -80,13 +73,13 @@ void ShapeIndex::build()
     const auto cell = [](double low, double high, double from, double to)
     {
         const double share = to > from ? ((low / 2 + high / 2) - from) / (to - from) : 0;
-        return spread(static_cast<std::uint64_t>(std::clamp(share, 0.0, 1.0) * 4294967295.0));
+        return static_cast<std::uint32_t>(std::clamp(share, 0.0, 1.0) * 4294967295.0);
     };
     std::vector<std::pair<std::uint64_t, Node>> sorted;
     sorted.reserve(leaves.size());
     for (const Node& node : leaves)
-        sorted.emplace_back(cell(node.rect.left, node.rect.right, all.left, all.right) |
-                                cell(node.rect.top, node.rect.bottom, all.top, all.bottom) << 1,
+        sorted.emplace_back(zOrderOf(cell(node.rect.left, node.rect.right, all.left, all.right),
+                                     cell(node.rect.top, node.rect.bottom, all.top, all.bottom)),
                             node);
     std::sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::transform(sorted.begin(), sorted.end(), leaves.begin(), [](const auto& pair) { return pair.second; });

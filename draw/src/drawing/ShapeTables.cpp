@@ -1,19 +1,14 @@
 #include "ShapeTables.h"
 
+#include "../stroke/DashPattern.h"
+
 #include <cmath>
-#include <numeric>
 
 namespace gui::draw
 {
 
 namespace
 {
-
-std::array<std::uint32_t, 2> wordsOf(std::int64_t number)
-{
-    const auto bits = static_cast<std::uint64_t>(number);
-    return {static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
-}
 
 // A gradient as the shaders read it: linear or not, spread, number of stops, six numbers of its place in the shape's
 // steps, then offset, red, green, blue and alpha of each stop.
@@ -26,21 +21,19 @@ void encode(const Paint& paint, td::Point<double> origin, double step, std::vect
                             focus = toSteps(gradient.focus.value_or(gradient.center));
     const double dx = center.x - focus.x, dy = center.y - focus.y, square = dx * dx + dy * dy;
     const double radius = gradient.radius / step;
-    std::array<double, 6> place{};
     // What has no extent is all beyond its end.
-    if (paint.isLinear())
-        place = square > 0 ? std::array{dx / square, dy / square, -(focus.x * dx + focus.y * dy) / square, 0., 0., 0.}
-                           : std::array{0., 0., 1., 0., 0., 0.};
-    else if (radius > 0)
+    const bool isFlat = paint.isLinear() ? square == 0 : !(radius > 0);
+    std::array<double, 6> place{0, 0, 1, 0, 0, 0};
+    if (!isFlat && paint.isLinear())
+        place = {dx / square, dy / square, -(focus.x * dx + focus.y * dy) / square, 0, 0, 0};
+    else if (!isFlat)
     {
         // Within the circle, as SVG 1.1 wants it.
         const double away = std::sqrt(square) / radius, share = away > 0.999 ? 0.999 / away : 1;
         place = {center.x - dx * share, center.y - dy * share, 1 / radius, dx * share / radius, dy * share / radius, 0};
     }
-    values = {paint.isLinear() || !(radius > 0) ? 1.0F : 0.0F, static_cast<float>(gradient.spread),
+    values = {isFlat || paint.isLinear() ? 1.0F : 0.0F, static_cast<float>(gradient.spread),
               static_cast<float>(gradient.stops.size())};
-    if (!paint.isLinear() && !(radius > 0))
-        place = {0, 0, 1, 0, 0, 0};
     for (const double number : place)
         values.push_back(static_cast<float>(number));
     double offset = 0;
@@ -52,13 +45,6 @@ void encode(const Paint& paint, td::Point<double> origin, double step, std::vect
         for (const td::BYTE component : {color.red(), color.green(), color.blue(), color.alpha()})
             values.push_back(static_cast<float>(component) / 255);
     }
-}
-
-bool isDashed(const Stroke& stroke)
-{
-    const double sum = std::accumulate(stroke.dashes.begin(), stroke.dashes.end(), 0.0);
-    return sum > 0 && std::isfinite(sum) &&
-           std::all_of(stroke.dashes.begin(), stroke.dashes.end(), [](double length) { return length >= 0; });
 }
 
 } // namespace
@@ -134,25 +120,17 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
                         (stroke.dashUnit == Unit::Points ? AreDashesInPoints : 0U) |
                         static_cast<std::uint32_t>(stroke.cap) << CapShift |
                         static_cast<std::uint32_t>(stroke.join) << JoinShift;
-        if (isDashed(stroke))
+        if (const DashPattern pattern(stroke); !pattern.lengths.empty())
         {
             _features |= HasDashes;
-            const std::size_t n = stroke.dashes.size(), nTwice = n % 2 == 0 ? n : 2 * n;
-            double sum = 0;
-            _values.assign(3, 0.0F);
-            for (std::size_t i = 0; i < nTwice; ++i)
-            {
-                _values.push_back(static_cast<float>(stroke.dashes[i % n]));
-                sum += stroke.dashes[i % n];
-            }
-            const double offset = std::isfinite(stroke.dashOffset) ? std::fmod(stroke.dashOffset, sum) : 0;
-            _values[0] = static_cast<float>(nTwice);
-            _values[1] = static_cast<float>(sum);
-            _values[2] = static_cast<float>(offset < 0 ? offset + sum : offset);
+            _values = {static_cast<float>(pattern.lengths.size()), static_cast<float>(pattern.sum),
+                       static_cast<float>(pattern.offset)};
+            for (const double length : pattern.lengths)
+                _values.push_back(static_cast<float>(length));
             _values.insert(_values.end(), geometry.lengths.begin(), geometry.lengths.end());
             places.numbers = add(_numbers, _values);
             record.dashes = static_cast<std::int32_t>(places.numbers.first);
-            record.lengths = static_cast<std::int32_t>(places.numbers.first + 3 + nTwice);
+            record.lengths = static_cast<std::int32_t>(places.numbers.first + 3 + pattern.lengths.size());
         }
     }
     _records.set(places.record, std::span(&record, 1));
@@ -205,11 +183,12 @@ bool ShapeTables::makeRoomFor(double largest)
     return true;
 }
 
-std::int64_t ShapeTables::toUnits(double coordinate) const
+std::array<std::uint32_t, 2> ShapeTables::toUnits(double coordinate) const
 {
     constexpr double cMost = 0x1p62;
     const double units = std::ldexp(coordinate, -_unit);
-    return std::isnan(units) ? 0 : std::llrint(std::clamp(units, -cMost, cMost));
+    const auto bits = static_cast<std::uint64_t>(std::isnan(units) ? 0 : std::llrint(std::clamp(units, -cMost, cMost)));
+    return {static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
 }
 
 bool ShapeTables::setPlace(const ShapePlaces& places, td::Point<double> origin, double step, const Affine& transform)
@@ -219,8 +198,8 @@ bool ShapeTables::setPlace(const ShapePlaces& places, td::Point<double> origin, 
     if (makeRoomFor(largest > 0 && std::isfinite(largest) ? largest : std::ldexp(step, 30)))
         return false;
     ShapeRecord record = _records[places.record];
-    record.originX = wordsOf(toUnits(at.x));
-    record.originY = wordsOf(toUnits(at.y));
+    record.originX = toUnits(at.x);
+    record.originY = toUnits(at.y);
     record.linear = {static_cast<float>(transform.a), static_cast<float>(transform.b), static_cast<float>(transform.c),
                      static_cast<float>(transform.d)};
     record.shift = std::ilogb(step) - _unit;

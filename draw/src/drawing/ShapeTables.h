@@ -99,10 +99,8 @@ public:
     /// The records of shapes above that a fill shares edges with.
     void setLinks(ShapePlaces& places, std::span<const std::uint32_t> records);
 
-    /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
-    bool makeRoomFor(double largest);
-    /// A model coordinate in units, held within the room there is.
-    std::int64_t toUnits(double coordinate) const;
+    /// A model coordinate in units, held within the room there is: low and high word.
+    std::array<std::uint32_t, 2> toUnits(double coordinate) const;
 
     /// All that there has been since the last clear.
     unsigned int getFeatures() const { return _features; }
@@ -114,7 +112,6 @@ public:
     void bind() const;
 
     const Table<ShapeRecord>& getRecords() const { return _records; }
-    const Table<Element>& getElements() const { return _elements; }
     const Table<GridPoint>& getPoints() const { return _points; }
     const Table<EdgeNode>& getNodes() const { return _nodes; }
     const Table<float>& getNumbers() const { return _numbers; }
@@ -123,6 +120,8 @@ public:
 
 private:
     void giveBack(ShapePlaces& places);
+    /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
+    bool makeRoomFor(double largest);
 
     Table<ShapeRecord> _records;
     Table<Element> _elements;

@@ -46,8 +46,6 @@ SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32
                                       std::vector<std::uint32_t>& neighbours)
 {
     neighbours.clear();
-    const auto version = static_cast<Version>(_shapes.size());
-    _shapes.push_back(shape);
     _keys.clear();
     const auto toModel = [&geometry](std::uint32_t i)
     {
@@ -57,9 +55,21 @@ SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32
     for (const Element& element : geometry.elements)
         if (element.shapeAndKind >> 28 == static_cast<std::uint32_t>(ElementKind::Edge))
             _keys.push_back(keyOf(toModel(element.points[0]), toModel(element.points[0] + 1)));
-    _counts.push_back(static_cast<std::uint32_t>(_keys.size()));
     while ((_nUsed + _keys.size()) * 2 > _entries.size())
         grow();
+    auto version = static_cast<Version>(_shapes.size());
+    if (_free.empty())
+    {
+        _shapes.emplace_back();
+        _counts.emplace_back();
+    }
+    else
+    {
+        version = _free.back();
+        _free.pop_back();
+    }
+    _shapes[version] = shape;
+    _counts[version] = static_cast<std::uint32_t>(_keys.size());
     const std::size_t mask = _entries.size() - 1;
     // All places are fetched into the cache before the first is looked at.
     for (const std::uint32_t key : _keys)
@@ -89,6 +99,7 @@ void SharedEdges::remove(Version version)
 {
     _shapes[version] = UINT32_MAX;
     _nRemoved += _counts[version];
+    _removed.push_back(version);
 }
 
 // Leaves out the edges of shapes that were removed.
@@ -101,6 +112,8 @@ void SharedEdges::grow()
     for (const Entry& entry : old)
         if (entry.key != 0 && _shapes[entry.version] != UINT32_MAX)
             insert(entry);
+    _free.insert(_free.end(), _removed.begin(), _removed.end());
+    _removed.clear();
 }
 
 void SharedEdges::insert(Entry entry)

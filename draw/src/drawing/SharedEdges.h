@@ -38,9 +38,10 @@ private:
 
     std::vector<Entry> _entries; // as many as a power of two; the place is the key's, or after it
     std::size_t _nUsed = 0;
-    std::vector<std::uint32_t> _shapes; // by version; UINT32_MAX for those removed
-    std::size_t _nRemoved = 0;          // entries of these
-    std::vector<std::uint32_t> _counts; // of entries, by version
+    std::vector<std::uint32_t> _shapes;   // by version; UINT32_MAX for those removed
+    std::size_t _nRemoved = 0;            // entries of these
+    std::vector<std::uint32_t> _counts;   // of entries, by version
+    std::vector<Version> _removed, _free; // with entries still there, and to be given again
     std::vector<std::uint32_t> _keys;
 };
 

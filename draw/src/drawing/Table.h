@@ -76,7 +76,6 @@ public:
     }
 
     const Record& operator[](std::size_t i) const { return _records[i]; }
-    std::size_t getSize() const { return _records.size(); }
 
     void clear()
     {

@@ -24,13 +24,6 @@ constexpr double cSmallestStep = 0x1p-1022;
 
 bool isUsable(td::Point<double> p) { return std::abs(p.x) <= cLargest && std::abs(p.y) <= cLargest; }
 
-double powerOfTwoFrom(double number)
-{
-    int exponent = 0;
-    const double fraction = std::frexp(number, &exponent);
-    return std::ldexp(1, fraction == 0.5 ? exponent - 1 : exponent);
-}
-
 } // namespace
 
 struct FillTessellator::Work
@@ -144,10 +137,7 @@ void FillTessellator::snap()
             low = {std::min(low.x, p.x), std::min(low.y, p.y)};
             high = {std::max(high.x, p.x), std::max(high.y, p.y)};
         }
-    const double half = std::max({high.x / 2 - low.x / 2, high.y / 2 - low.y / 2, 0.0});
-    const double farthest = std::max({std::abs(low.x), std::abs(low.y), std::abs(high.x), std::abs(high.y)});
-    // No finer than doubles are there, so that each point of the grid is one.
-    _step = std::max({powerOfTwoFrom(half) * 0x1p-29, powerOfTwoFrom(farthest) * 0x1p-52, cSmallestStep});
+    _step = std::max(gridStepFor(low, high), cSmallestStep);
     if (_leastStep > _step && _leastStep <= cLargest)
         _step = powerOfTwoFrom(_leastStep);
     const double inverse = 1 / _step;

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <td/Point.h>
+
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace gui::draw
@@ -18,6 +22,23 @@ struct GridPoint
 
 inline constexpr int cGridBits = 29;
 inline constexpr std::int32_t cGridEnd = 1 << (cGridBits + 1); ///< above every coordinate
+
+/// The power of two that is a number above 0, or the next one above it.
+inline double powerOfTwoFrom(double number)
+{
+    int exponent = 0;
+    const double fraction = std::frexp(number, &exponent);
+    return std::ldexp(1, fraction == 0.5 ? exponent - 1 : exponent);
+}
+
+/// The step of a grid for what lies between two corners: as fine as the bits go, but no finer than doubles are there,
+/// so that each point of the grid is one.
+inline double gridStepFor(td::Point<double> low, td::Point<double> high)
+{
+    const double half = std::max({high.x / 2 - low.x / 2, high.y / 2 - low.y / 2, 0.0});
+    const double farthest = std::max({std::abs(low.x), std::abs(low.y), std::abs(high.x), std::abs(high.y)});
+    return std::max(powerOfTwoFrom(half) * 0x1p-29, powerOfTwoFrom(farthest) * 0x1p-52);
+}
 
 /// The order in which a sweep meets points: by y, then by x. What is called lower, left and right follows from it: left
 /// is the side of smaller x, and for a horizontal edge the side of larger y, as if the sweep's line were turned a very

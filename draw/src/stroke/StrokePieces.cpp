@@ -1,5 +1,7 @@
 #include "StrokePieces.h"
 
+#include "DashPattern.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -42,30 +44,11 @@ StrokePieces::StrokePieces(const Stroke& stroke, double radius, double dashScale
     : _stroke(stroke)
     , _radius(radius)
 {
-    for (const double length : stroke.dashes)
-    {
-        if (!(length >= 0) || !std::isfinite(length))
-        {
-            _dashes.clear();
-            return;
-        }
+    const DashPattern pattern(stroke);
+    for (const double length : pattern.lengths)
         _dashes.push_back(length * dashScale);
-        _sum += length * dashScale;
-    }
-    if (!(_sum > 0) || !std::isfinite(_sum))
-    {
-        _dashes.clear();
-        return;
-    }
-    if (_dashes.size() % 2 != 0)
-    {
-        const std::size_t n = _dashes.size();
-        for (std::size_t i = 0; i < n; ++i)
-            _dashes.push_back(_dashes[i]);
-        _sum *= 2;
-    }
-    _offset = std::isfinite(stroke.dashOffset) ? std::fmod(stroke.dashOffset * dashScale, _sum) : 0;
-    _offset += _offset < 0 ? _sum : 0;
+    _sum = pattern.sum * dashScale;
+    _offset = pattern.offset * dashScale;
 }
 
 void StrokePieces::appendBody(Point from, Point direction, double begin, double end,
