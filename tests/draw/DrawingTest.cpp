@@ -327,4 +327,52 @@ TEST_F(DrawingTest, OnlyWhatChangesIsUploaded)
     }
 }
 
+// Along a line through the middle: x, and the red that is there, from none to all of it.
+TEST_F(DrawingTest, GradientsHaveTheirColoursWhereTheyShould)
+{
+    using gui::draw::LinearGradient;
+    using gui::draw::Paint;
+    using gui::draw::RadialGradient;
+    using gui::draw::Spread;
+    const std::vector<gui::draw::GradientStop> stops{{0, "#000"}, {.5, "#800000"}, {1, "#f00"}};
+    const Point middle(512, 512);
+    const LinearGradient linear{{100, 0}, {356, 0}, stops};
+    struct Case
+    {
+        const char* name;
+        Paint paint;
+        std::vector<std::pair<int, int>> reds;
+        Affine map{};
+    };
+    for (const Case& c : std::initializer_list<Case>{
+             {"linear", linear, {{50, 0}, {164, 64}, {228, 128}, {292, 191}, {500, 255}}},
+             {"reflected",
+              LinearGradient{{100, 0}, {356, 0}, stops, Spread::Reflect},
+              {{36, 64}, {420, 191}, {548, 64}}},
+             {"repeated",
+              LinearGradient{{100, 0}, {356, 0}, stops, Spread::Repeat},
+              {{36, 191}, {420, 64}, {548, 191}}},
+             {"radial", RadialGradient{middle, 256, stops}, {{512, 0}, {640, 128}, {384, 128}, {800, 255}}},
+             {"with a focus",
+              RadialGradient{middle, 256, stops, Spread::Pad, Point(384, 512)},
+              {{576, 128}, {320, 128}}},
+             {"of no length", LinearGradient{{9, 0}, {9, 0}, stops}, {{5, 255}, {500, 255}}},
+             {"of no radius", RadialGradient{middle, 0, stops}, {{5, 255}, {512, 255}}},
+             {"scaled", linear, {{200, 0}, {456, 128}}, Affine::scaling(2)}})
+    {
+        SCOPED_TRACE(c.name);
+        Drawing drawing;
+        const Drawing::ID id = drawing.fill(Path().addRect({-9, -9, 90, 90}), c.paint);
+        drawing.setTransform(id, c.map);
+        drawing.setPath(id, Path().addRect({0, 0, 1024, 1024})); // under the same gradient
+        clear({255, 255, 255});
+        ASSERT_TRUE(drawing.draw(Affine()));
+        for (const auto& [x, red] : c.reds)
+        {
+            EXPECT_NEAR(pixel(x, 512).red, red, 2) << x;
+            EXPECT_EQ(pixel(x, 512).green, 0) << x;
+        }
+    }
+}
+
 } // namespace
