@@ -144,6 +144,8 @@ void* GLView::getNativeWindow() const { return _pSurface != nullptr ? _pSurface-
 
 bool GLView::makeCurrentContext() { return _pSurface != nullptr && _pSurface->makeCurrent(); }
 
+bool GLView::beginFrame() { return _pSurface != nullptr && _pSurface->beginFrame(); }
+
 bool GLView::has(gui::InputDevice::Event event) const
 {
     return _pCppView != nullptr && (_events & static_cast<unsigned short>(event)) != 0;
@@ -287,13 +289,13 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     updateScreenFramebuffer();
     if (_continuousRender && !ViewHelper(_pCppView).prepareNextFrame())
         setContinuousMode(false);
-    if (_pCppView == nullptr || !makeCurrentContext())
+    if (_pCppView == nullptr || !beginFrame())
         return;
     FrameLedger::begin();
     ViewHelper(_pCppView).onDraw(rect);
     FrameLedger::end();
     // A view that came or went in there took the current context with it.
-    if (_pCppView == nullptr || !makeCurrentContext())
+    if (_pCppView == nullptr || !beginFrame())
         return;
     readGrabbedFrame();
     if (_pPicture != nullptr && readFrame(_screenFrameBufferID, _pSurface->getDrawableSize(), *_pPicture))

@@ -66,6 +66,7 @@ public:
 
     // The library's view's side.
     bool makeCurrentContext();
+    bool beginFrame();
     void setContinuousMode(bool isContinuous);
     void setGrabFrameBuffer(gui::Texture* pTexture) { _pGrabFrameTexture = pTexture; }
     void registerFocusEvents() { _sendFocusEvents = true; }

@@ -1,5 +1,7 @@
 #include "SDLContext.h"
 
+#include "WaylandFrame.h"
+
 #include "../context/Samples.h"
 #include "../native/GLDebug.h"
 
@@ -50,6 +52,20 @@ SDL_Window* createWindow(const td::Size<int>& size)
 {
     return SDL_CreateWindow("", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, size.width, size.height,
                             cWindowFlags);
+}
+
+// One that may have been shown.
+void destroyWindow(SDL_Window* pWindow)
+{
+    SDL_HideWindow(pWindow);
+    destroyWaylandFrame(pWindow);
+    SDL_DestroyWindow(pWindow);
+}
+
+bool isOnWayland()
+{
+    const char* const driver = SDL_GetCurrentVideoDriver();
+    return driver != nullptr && std::strcmp(driver, "wayland") == 0;
 }
 
 // What somebody gets who asks for nothing in particular.
@@ -125,7 +141,7 @@ std::unique_ptr<SDLContext> SDLContext::tryToCreate(const PixelFormatSizes& size
     CurrentContext::set(context);
     // One window that waits for the display would hold up all the others.
     SDL_GL_SetSwapInterval(0);
-    return std::unique_ptr<SDLContext>(new SDLContext(pWindow, context));
+    return std::unique_ptr<SDLContext>(new SDLContext(pWindow, context, sizes));
 }
 
 SDLContext::~SDLContext()
@@ -134,33 +150,62 @@ SDLContext::~SDLContext()
         SDL_GL_MakeCurrent(nullptr, nullptr);
     CurrentContext::died(_context);
     SDL_GL_DeleteContext(_context);
-    SDL_DestroyWindow(_pWindow);
+    destroyWindow(_pWindow);
+    if (_pHiddenWindow != nullptr)
+        SDL_DestroyWindow(_pHiddenWindow);
 }
 
 bool SDLContext::renewBuffers()
 {
-    const char* const driver = SDL_GetCurrentVideoDriver();
-    if (driver != nullptr && std::strcmp(driver, "wayland") == 0)
+    if (isOnWayland())
     {
-        // Drivers ask for the size when the context is bound. A swap would copy pixels between buffers of different
-        // sizes.
-        SDL_GL_MakeCurrent(nullptr, nullptr);
+        // A swap would copy pixels between buffers of different sizes.
+        unbind();
         return makeCurrent();
     }
-    // On X11 they ask at a swap only: the first frame would be drawn into buffers of the old size.
+    // On X11 drivers ask for the size at a swap only: the first frame would be drawn into buffers of the old size.
     if (!makeCurrent())
         return false;
     SDL_GL_SwapWindow(_pWindow);
     return true;
 }
 
+void SDLContext::prepareToShow(const td::Size<int>& size)
+{
+    if (!isOnWayland())
+        return;
+    if (_pHiddenWindow == nullptr)
+        _pHiddenWindow = createAnotherWindow({1, 1});
+    SDL_Window* const pWindow = _pHiddenWindow != nullptr ? createAnotherWindow(size) : nullptr;
+    if (pWindow == nullptr)
+        return; // the first frame is of the old size
+    unbind();
+    destroyWindow(std::exchange(_pWindow, pWindow));
+}
+
+SDL_Window* SDLContext::createAnotherWindow(const td::Size<int>& size) const
+{
+    setAttributes(_sizes);
+    return createWindow(size);
+}
+
 bool SDLContext::makeCurrent()
+{
+    if (CurrentContext::getID() == _id && SDL_GL_GetCurrentContext() == _context)
+        return true;
+    const bool isShown = (SDL_GetWindowFlags(_pWindow) & SDL_WINDOW_HIDDEN) == 0;
+    return bind(isShown && _pHiddenWindow != nullptr ? _pHiddenWindow : _pWindow);
+}
+
+bool SDLContext::beginFrame() { return bind(_pWindow); }
+
+bool SDLContext::bind(SDL_Window* pWindow)
 {
     // SDL does nothing for the context that it made current last; somebody else may have made another one current
     // since.
     if (CurrentContext::getID() != _id && SDL_GL_GetCurrentContext() == _context)
         SDL_GL_MakeCurrent(nullptr, nullptr);
-    if (SDL_GL_MakeCurrent(_pWindow, _context) != 0)
+    if (SDL_GL_MakeCurrent(pWindow, _context) != 0)
     {
         // Once, and not for every frame and event of a view whose context is lost.
         if (!std::exchange(_isLost, true))
@@ -170,6 +215,14 @@ bool SDLContext::makeCurrent()
     _isLost = false;
     CurrentContext::set(_context);
     return true;
+}
+
+void SDLContext::unbind()
+{
+    if (SDL_GL_GetCurrentContext() != _context)
+        return;
+    SDL_GL_MakeCurrent(nullptr, nullptr);
+    CurrentContext::set(nullptr);
 }
 
 } // namespace gui::gl

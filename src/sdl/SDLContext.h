@@ -13,6 +13,10 @@ namespace gui::gl
 {
 
 /// A hidden window of SDL with a GL context of its own, shared with nobody.
+///
+/// On Wayland the buffer that a window has when the context is bound to it is the one that is presented next, whatever
+/// becomes of the window's size until then. There the context is bound to a shown window for frames alone, and
+/// otherwise to a second window that stays hidden.
 class SDLContext
 {
 public:
@@ -26,22 +30,34 @@ public:
 
     /// @return false when it cannot be made current, after a log line the first time
     bool makeCurrent();
+    /// The same, to draw what the window presents next.
+    bool beginFrame();
 
     /// The window has another size, or was shown: what is drawn next goes into buffers that fit. As makeCurrent.
     bool renewBuffers();
 
+    /// The window, which is hidden, will be shown at this size: another one takes its place where its buffers would be
+    /// of the old size. The context may not be current afterwards. @param size  in points
+    void prepareToShow(const td::Size<int>& size);
+
     SDL_Window* getWindow() const { return _pWindow; }
 
 private:
-    SDLContext(SDL_Window* pWindow, SDL_GLContext context)
-        : _pWindow(pWindow)
+    SDLContext(SDL_Window* pWindow, SDL_GLContext context, const PixelFormatSizes& sizes)
+        : _sizes(sizes)
+        , _pWindow(pWindow)
         , _context(context)
         , _id(CurrentContext::getID())
     {
     }
     static std::unique_ptr<SDLContext> tryToCreate(const PixelFormatSizes& sizes, const td::Size<int>& size);
+    bool bind(SDL_Window* pWindow);
+    void unbind();
+    SDL_Window* createAnotherWindow(const td::Size<int>& size) const;
 
+    PixelFormatSizes _sizes;
     SDL_Window* _pWindow;
+    SDL_Window* _pHiddenWindow = nullptr; // for between frames; null where none is needed
     SDL_GLContext _context;
     CurrentContext::ID _id;
     bool _isLost = false; // it could not be made current, and the log says so

@@ -2,6 +2,7 @@
 
 #include "KeyMapping.h"
 #include "Keyboard.h"
+#include "SDLContext.h"
 
 #include <gui/gl/InputTuning.h>
 #include <gui/gl/port/NativeSurface.h>
@@ -52,15 +53,22 @@ bool isLeftDown(const gui::SDLEvent& event) { return (event.mouseButtons & SDL_B
 
 } // namespace
 
-SDLEvents::SDLEvents(NativeSurfaceClient& client, SDL_Window* pWindow)
+SDLEvents::SDLEvents(NativeSurfaceClient& client, SDLContext& context)
     : _client(client)
-    , _pWindow(pWindow)
+    , _context(context)
     , _self(std::make_shared<SDLEvents*>(this))
 {
-    gui::setEventSink(pWindow, this);
+    gui::setEventSink(context.getWindow(), this);
 }
 
-SDLEvents::~SDLEvents() { gui::setEventSink(_pWindow, nullptr); }
+SDLEvents::~SDLEvents() { gui::setEventSink(_context.getWindow(), nullptr); }
+
+void SDLEvents::onShow(const td::Size<int>& size)
+{
+    gui::setEventSink(_context.getWindow(), nullptr);
+    _context.prepareToShow(size);
+    gui::setEventSink(_context.getWindow(), this);
+}
 
 void SDLEvents::onEvent(const gui::SDLEvent& event)
 {
@@ -182,7 +190,7 @@ void SDLEvents::onFinger(const gui::SDLEvent& event)
 {
     int width = 0;
     int height = 0;
-    SDL_GetWindowSize(_pWindow, &width, &height);
+    SDL_GetWindowSize(_context.getWindow(), &width, &height);
     const td::Size<double> size{static_cast<double>(width), static_cast<double>(height)};
     if (const std::optional<double> magnification = _pinch.onFinger(event.event.tfinger, size))
         _client.onMagnification({*magnification, modifiersOf(event)});
@@ -192,7 +200,7 @@ void SDLEvents::onKey(const gui::SDLEvent& event)
 {
     const SDL_KeyboardEvent& key = event.event.key;
     const bool isDown = key.type == SDL_KEYDOWN;
-    Keyboard& keyboard = Keyboard::of(_pWindow);
+    Keyboard& keyboard = Keyboard::of(_context.getWindow());
     if (isDown && key.keysym.scancode == SDL_SCANCODE_RALT)
         s_isRightAltAltGr = keyboard.getSymbol(event, false) == XKB_KEY_ISO_Level3_Shift;
 

@@ -4,7 +4,6 @@
 
 #include <gui/port/sdl/SDLEvent.h>
 
-#include <SDL_video.h>
 #include <td/Point.h>
 
 #include <memory>
@@ -13,17 +12,20 @@ namespace gui::gl
 {
 
 class NativeSurfaceClient;
+class SDLContext;
 
-/// Turns SDL's events for one window into what a surface reports. It takes them from the run loop while it lives.
+/// Turns SDL's events for a context's window into what a surface reports. It takes them from the run loop while it
+/// lives.
 class SDLEvents : public gui::SDLEventSink
 {
 public:
-    SDLEvents(NativeSurfaceClient& client, SDL_Window* pWindow);
+    SDLEvents(NativeSurfaceClient& client, SDLContext& context);
     ~SDLEvents();
     SDLEvents(const SDLEvents&) = delete;
     SDLEvents& operator=(const SDLEvents&) = delete;
 
     void onEvent(const gui::SDLEvent& event) override;
+    void onShow(const td::Size<int>& size) override;
 
     bool isPointerInside() const { return _isPointerInside; }
 
@@ -37,7 +39,7 @@ private:
     void leave(const gui::SDLEvent& event, const td::Point<double>& point);
 
     NativeSurfaceClient& _client;
-    SDL_Window* _pWindow;
+    SDLContext& _context;
     Pinch _pinch;
     bool _isPointerInside = false;
     bool _isDragging = false;

@@ -22,12 +22,13 @@ public:
     SDLSurface(NativeSurfaceClient& client, std::unique_ptr<SDLContext> pContext)
         : LoopSurface(client)
         , _pContext(std::move(pContext))
-        , _events(client, _pContext->getWindow())
+        , _events(client, *_pContext)
         , _presentedSize(SDLSurface::getDrawableSize())
     {
     }
 
     bool makeCurrent() override { return _pContext->makeCurrent(); }
+    bool beginFrame() override { return _pContext->beginFrame(); }
     void flush() override { SDL_GL_SwapWindow(window()); }
 
     td::Size<double> getSize() const override

@@ -42,14 +42,19 @@ void DesktopFixture::show(gui::Window& window, RecordingView& view, const char* 
 
 testing::AssertionResult DesktopFixture::showsItsFrame(RecordingView& view)
 {
+    return shows(view, [&view] { return view.readPixels(); });
+}
+
+testing::AssertionResult DesktopFixture::shows(const RecordingView& view, const std::function<Screenshot()>& readFrame)
+{
     const auto isSeen = [&]
     {
-        const Screenshot drawn = view.readPixels();
+        const Screenshot drawn = readFrame();
         corner = desktop().server().find(view.topLeft, cScreen);
         corner.width = drawn.width;
         corner.height = drawn.height;
-        return corner.x + drawn.width <= cScreen.width && corner.y + drawn.height <= cScreen.height &&
-               desktop().server().shoot(corner) == drawn;
+        return drawn.width > 0 && corner.x + drawn.width <= cScreen.width &&
+               corner.y + drawn.height <= cScreen.height && desktop().server().shoot(corner) == drawn;
     };
     if (waitInLoop(isSeen))
         return testing::AssertionSuccess();

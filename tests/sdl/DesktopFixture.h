@@ -9,6 +9,7 @@
 #include <gui/Application.h>
 #include <gui/Window.h>
 
+#include <functional>
 #include <string>
 
 namespace test
@@ -25,6 +26,8 @@ protected:
     void show(gui::Window& window, RecordingView& view, const char* title, int place = 0);
     /// Waits until the screen shows the frame that the view draws, wherever that is.
     testing::AssertionResult showsItsFrame(RecordingView& view);
+    /// The same with the frame that somebody else reads.
+    testing::AssertionResult shows(const RecordingView& view, const std::function<Screenshot()>& readFrame);
     /// A point of the window that was seen last, as xdotool's mousemove takes it.
     std::string at(int x, int y) const;
 

@@ -32,6 +32,31 @@ TEST_P(DesktopTest, ClicksCount)
     EXPECT_TRUE(view.hasHeard({"press 40,100 x1+Cmd", "release 40,100 x1+Cmd"}));
 }
 
+// Larger than the context was made for, and nobody asks for a second frame. Then smaller, when it is bound already.
+TEST_P(DesktopTest, EachFrameFillsTheWindow)
+{
+    gui::gl::View other;
+    other.createContext(
+        Context(gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41));
+    window.close();
+    RecordingView large;
+    large.create(Context::Animation::Off, {100, 80});
+    Screenshot drawn;
+    large.in["onDraw"] = [&drawn] { drawn = RecordingView::readDrawn(); };
+    const td::Size<double> size = GetParam() == 0 ? td::Size<double>{500, 420} : td::Size<double>{280, 200};
+    gui::Window largeWindow("Large", size);
+    desktop().goTo(GetParam());
+    ASSERT_TRUE(largeWindow.show(large));
+    const auto isFull = [&](double width)
+    { return waitInLoop([&] { return drawn.width == width * scale; }) && shows(large, [&drawn] { return drawn; }); };
+    EXPECT_TRUE(isFull(size.width));
+    other.makeCurrentContext();
+    large.makeCurrentContext();
+    largeWindow.setSize({120, 90});
+    EXPECT_TRUE(isFull(120));
+    EXPECT_FALSE(large.isWrong);
+}
+
 // The driver of these tests has four samples, and no more.
 TEST_P(DesktopTest, EdgesAreAsSmoothAsAskedFor)
 {

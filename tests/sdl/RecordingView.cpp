@@ -67,17 +67,19 @@ Screenshot grabFrame(gui::gl::View& view)
     return toScreenshot(texture.getWidth(), texture.getHeight(), texture.getBytes());
 }
 
+Screenshot RecordingView::readDrawn()
+{
+    int viewport[4]{};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    std::vector<unsigned char> bytes(static_cast<std::size_t>(viewport[2] * viewport[3] * 4));
+    glReadPixels(0, 0, viewport[2], viewport[3], GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    return toScreenshot(viewport[2], viewport[3], bytes.data());
+}
+
 Screenshot RecordingView::readPixels()
 {
     Screenshot picture;
-    in["onDraw"] = [&picture]
-    {
-        int viewport[4]{};
-        glGetIntegerv(GL_VIEWPORT, viewport);
-        std::vector<unsigned char> bytes(static_cast<std::size_t>(viewport[2] * viewport[3] * 4));
-        glReadPixels(0, 0, viewport[2], viewport[3], GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
-        picture = toScreenshot(viewport[2], viewport[3], bytes.data());
-    };
+    in["onDraw"] = [&picture] { picture = readDrawn(); };
     reRender();
     waitInLoop([&] { return picture.width != 0; });
     in.erase("onDraw");

@@ -37,6 +37,8 @@ public:
     Screenshot grab() { return grabFrame(*this); }
     /// The same without the toolkit's help, in the device pixels of wherever the view is.
     Screenshot readPixels();
+    /// In onDraw: what is drawn by now.
+    static Screenshot readDrawn();
 
 protected:
     void hear(const std::string& line) override;

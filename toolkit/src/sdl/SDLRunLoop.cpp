@@ -44,6 +44,8 @@ Uint32 windowOf(const SDL_Event& event)
 
 NativeView* viewOf(SDL_Window* pWindow) { return static_cast<NativeView*>(SDL_GetWindowData(pWindow, cViewKey)); }
 
+SDLEventSink* sinkOf(SDL_Window* pWindow) { return static_cast<SDLEventSink*>(SDL_GetWindowData(pWindow, cSinkKey)); }
+
 } // namespace
 
 SDLRunLoop::SDLRunLoop()
@@ -55,6 +57,12 @@ SDLRunLoop::SDLRunLoop()
 SDLRunLoop::~SDLRunLoop() { disconnect(); }
 
 void SDLRunLoop::setView(SDL_Window* pWindow, NativeView* pView) { SDL_SetWindowData(pWindow, cViewKey, pView); }
+
+void SDLRunLoop::tellShow(SDL_Window* pWindow, const td::Size<int>& size)
+{
+    if (SDLEventSink* const pSink = sinkOf(pWindow))
+        pSink->onShow(size);
+}
 
 void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink) { SDL_SetWindowData(pWindow, cSinkKey, pSink); }
 
@@ -119,7 +127,7 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
         return;
     if (event.event.type == SDL_WINDOWEVENT && onWindowEvent(pWindow, pView, event.event.window))
         return;
-    if (auto* const pSink = static_cast<SDLEventSink*>(SDL_GetWindowData(pWindow, cSinkKey)))
+    if (SDLEventSink* const pSink = sinkOf(pWindow))
         pSink->onEvent(event);
 }
 

@@ -21,6 +21,8 @@ public:
 
     /// This window shows this view from now on; null for none.
     static void setView(SDL_Window* pWindow, NativeView* pView);
+    /// Tells the window's sink, see SDLEventSink::onShow.
+    static void tellShow(SDL_Window* pWindow, const td::Size<int>& size);
 
 protected:
     void wait(const std::optional<Time>& until) override;

@@ -25,7 +25,10 @@ int toLength(double points)
 
 void SDLWindow::show(NativeView* pView)
 {
-    _pWindow = static_cast<SDL_Window*>(pView->getNativeWindow());
+    const auto windowOf = [pView] { return static_cast<SDL_Window*>(pView->getNativeWindow()); };
+    if (SDL_Window* const pHidden = windowOf())
+        SDLRunLoop::tellShow(pHidden, {toLength(_size.width), toLength(_size.height)});
+    _pWindow = windowOf();
     if (_pWindow != nullptr)
     {
         SDLRunLoop::setView(_pWindow, pView);

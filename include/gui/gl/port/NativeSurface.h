@@ -26,6 +26,8 @@ public:
 
     /// Makes the context current and tells CurrentContext. @return false when the context is lost
     virtual bool makeCurrent() = 0;
+    /// The same before a frame is drawn into the default framebuffer, which flush then presents.
+    virtual bool beginFrame() { return makeCurrent(); }
     /// Presents what was drawn; nothing when the surface does it by itself. The context is current.
     virtual void flush() = 0;
     virtual td::Size<double> getSize() const = 0;      ///< points

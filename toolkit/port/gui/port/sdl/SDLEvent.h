@@ -3,6 +3,7 @@
 #include <SDL_events.h>
 #include <SDL_video.h>
 #include <td/Export.h>
+#include <td/Size.h>
 
 namespace gui
 {
@@ -25,6 +26,9 @@ class SDLEventSink
 {
 public:
     virtual void onEvent(const SDLEvent& event) = 0;
+    /// The window, which is hidden, is about to be shown at this size, in points. Another one may take its place: the
+    /// native view has it then.
+    virtual void onShow(const td::Size<int>& size) = 0;
 
 protected:
     ~SDLEventSink() = default;

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <SDL_video.h>
+
+namespace gui::gl
+{
+
+/// Destroys the frame that a hidden window on Wayland still has, where SDL forgets to. The window can't be shown any
+/// more. Nothing on other window systems.
+void destroyWaylandFrame(SDL_Window* pWindow);
+
+} // namespace gui::gl
