@@ -43,6 +43,41 @@ TEST_P(X11Test, TwoFingersZoom)
     EXPECT_TRUE(view.hasHeard({"pinch 100,75 by 1.02"}));
 }
 
+// A user who moves faster than frames are shown: the last place counts, and what happens between is not overtaken.
+TEST_P(X11Test, MotionsOfOneFrameAreOne)
+{
+    const Uint32 id = SDL_GetWindowID(SDL_GetKeyboardFocus());
+    const auto move = [](Uint32 windowID, int x, Uint32 buttons = SDL_BUTTON_LMASK)
+    {
+        SDL_Event event{};
+        event.motion = {SDL_MOUSEMOTION, 0, windowID, 0, buttons, x, 40, 1, 0};
+        SDL_PushEvent(&event);
+    };
+    for (int x = 50; x <= 60; ++x)
+        move(id, x);
+    for (int x = 61; x <= 70; ++x)
+        move(id, x, SDL_BUTTON_RMASK);
+    move(id, 80);
+    move(id + 1000, 90);
+    move(id, 100);
+    SDL_Event release{};
+    release.button = {SDL_MOUSEBUTTONUP, 0, id, 0, SDL_BUTTON_LEFT, SDL_RELEASED, 1, 0, 110, 40};
+    SDL_PushEvent(&release);
+    move(id, 120);
+    EXPECT_TRUE(
+        view.hasHeard({"drag 60,40", "drag2 70,40", "drag 80,40", "drag 100,40", "release 110,40 x1", "drag 120,40"}));
+
+    const auto begin = std::chrono::steady_clock::now();
+    for (int x = 0; x < 200; ++x)
+    {
+        move(id, x);
+        app.step(0.001);
+    }
+    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "drag 199,40"; }));
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    EXPECT_LE(double(view.lines.size()), 2 + 60 * time.count());
+}
+
 // The release is not the last of its event: the pointer left on the way.
 TEST_P(X11Test, ADragOutsideMayEndTheView)
 {

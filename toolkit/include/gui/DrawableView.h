@@ -30,7 +30,8 @@ protected:
     /// The second press of a double click; it takes the place of onPrimaryButtonPressed.
     virtual void onPrimaryButtonDblClick(const InputDevice& device);
 
-    /// The pointer over the view.
+    /// The pointer over the view. In windows it moves at most once between two frames of the display: what it does
+    /// meanwhile, with the same buttons and modifiers held, is one motion, to where it ends.
     virtual void onCursorEntered(const InputDevice& device);
     virtual void onCursorMoved(const InputDevice& device);   ///< with no button down
     virtual void onCursorDragged(const InputDevice& device); ///< with the primary button down

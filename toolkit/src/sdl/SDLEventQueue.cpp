@@ -92,7 +92,25 @@ void SDLEventQueue::append(const SDL_Event& event)
             previous.mouseX = event.motion.x;
             previous.mouseY = event.motion.y;
         }
+        mergeLastMotions();
     }
+}
+
+void SDLEventQueue::mergeLastMotions()
+{
+    const SDLEvent& last = _events.back();
+    SDLEvent& previous = _events[_events.size() - 2];
+    const SDL_MouseMotionEvent& from = previous.event.motion;
+    SDL_MouseMotionEvent motion = last.event.motion;
+    if (from.type != motion.type || from.windowID != motion.windowID || from.which != motion.which ||
+        from.state != motion.state || previous.modifiers != last.modifiers ||
+        previous.mouseButtons != last.mouseButtons)
+        return;
+    motion.xrel += from.xrel;
+    motion.yrel += from.yrel;
+    previous = last;
+    previous.event.motion = motion;
+    _events.pop_back();
 }
 
 } // namespace gui

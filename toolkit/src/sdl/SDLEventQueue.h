@@ -7,8 +7,9 @@
 namespace gui
 {
 
-/// SDL's events, each with the keyboard's and the mouse's state of its own moment. It listens to SDL while it lives.
-/// GUI thread only; events that other threads push, such as a wake-up, don't get here.
+/// SDL's events, each with the keyboard's and the mouse's state of its own moment. Motions of the pointer that follow
+/// each other, in one window and with the same buttons and modifiers held, are one: the last. It listens to SDL while
+/// it lives. GUI thread only; events that other threads push, such as a wake-up, don't get here.
 class SDLEventQueue
 {
 public:
@@ -22,10 +23,13 @@ public:
     /// @return false when there is none
     bool take(SDLEvent& event);
     bool isEmpty() const { return _events.empty(); }
+    /// Whether there is a motion and nothing behind it: it may wait for more of its kind.
+    bool hasOnlyMotion() const { return _events.size() == 1 && _events.front().event.type == SDL_MOUSEMOTION; }
 
 private:
     static int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent);
     void append(const SDL_Event& event);
+    void mergeLastMotions();
 
     std::deque<SDLEvent> _events;
     unsigned int _xKeyCode = 0;

@@ -44,6 +44,14 @@ Uint32 windowOf(const SDL_Event& event)
 
 NativeView* viewOf(SDL_Window* pWindow) { return static_cast<NativeView*>(SDL_GetWindowData(pWindow, cViewKey)); }
 
+// @return 0 when SDL does not know
+int displayRateOf(SDL_Window* pWindow)
+{
+    const int display = pWindow != nullptr ? SDL_GetWindowDisplayIndex(pWindow) : 0;
+    SDL_DisplayMode mode{};
+    return display >= 0 && SDL_GetCurrentDisplayMode(display, &mode) == 0 ? mode.refresh_rate : 0;
+}
+
 SDLEventSink* sinkOf(SDL_Window* pWindow) { return static_cast<SDLEventSink*>(SDL_GetWindowData(pWindow, cSinkKey)); }
 
 } // namespace
@@ -71,15 +79,18 @@ void SDLRunLoop::wait(const std::optional<Time>& until)
     using std::chrono::milliseconds;
     constexpr milliseconds cLongest = std::chrono::hours(1);
     // SDL ends its wait for more than what is an event here, so the events themselves say whether it is over.
-    for (_events.pump(); _events.isEmpty() && !_isWakeUpPosted; _events.pump())
+    for (_events.pump(); !isEventDue() && !_isWakeUpPosted; _events.pump())
     {
-        const Clock::duration rest = until ? *until - Clock::now() : cLongest;
+        std::optional<Time> end = until;
+        if (!_events.isEmpty())
+            end = until ? std::min(*until, _nextMotion) : _nextMotion;
+        const Clock::duration rest = end ? *end - Clock::now() : cLongest;
         if (rest <= Clock::duration::zero())
             return;
         const auto wholeMilliseconds = std::min(std::chrono::floor<milliseconds>(rest), cLongest);
         if (wholeMilliseconds.count() == 0)
         {
-            std::this_thread::sleep_until(*until);
+            std::this_thread::sleep_until(*end);
             return;
         }
         SDL_WaitEventTimeout(nullptr, static_cast<int>(wholeMilliseconds.count()));
@@ -100,16 +111,30 @@ void SDLRunLoop::dispatchEvents()
     _isWakeUpPosted = false;
     _events.pump();
     SDLEvent event;
-    while (!hasQuit() && _events.take(event))
+    while (!hasQuit() && isEventDue() && _events.take(event))
         dispatch(event);
+}
+
+bool SDLRunLoop::isEventDue() const
+{
+    return !_events.isEmpty() && !(_events.hasOnlyMotion() && Clock::now() < _nextMotion);
+}
+
+// On multiples of the frames' period, so that the rate does not drift.
+void SDLRunLoop::putOffMotions(SDL_Window* pWindow)
+{
+    const Time now = Clock::now();
+    if (now < _nextMotion)
+        return;
+    constexpr int cDefaultRate = 60;
+    const int rate = displayRateOf(pWindow);
+    const Clock::duration period = Clock::duration(std::chrono::seconds(1)) / (rate > 0 ? rate : cDefaultRate);
+    _nextMotion = now - _nextMotion < period ? _nextMotion + period : now + period;
 }
 
 double SDLRunLoop::getDisplayRate(const NativeView* pView) const
 {
-    auto* const pWindow = static_cast<SDL_Window*>(pView->getNativeWindow());
-    const int display = pWindow != nullptr ? SDL_GetWindowDisplayIndex(pWindow) : 0;
-    SDL_DisplayMode mode{};
-    return display >= 0 && SDL_GetCurrentDisplayMode(display, &mode) == 0 ? mode.refresh_rate : 0;
+    return displayRateOf(static_cast<SDL_Window*>(pView->getNativeWindow()));
 }
 
 void SDLRunLoop::dispatch(const SDLEvent& event)
@@ -125,6 +150,8 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
     NativeView* const pView = pWindow != nullptr ? viewOf(pWindow) : nullptr;
     if (pView == nullptr)
         return;
+    if (event.event.type == SDL_MOUSEMOTION)
+        putOffMotions(pWindow);
     if (event.event.type == SDL_WINDOWEVENT && onWindowEvent(pWindow, pView, event.event.window))
         return;
     if (SDLEventSink* const pSink = sinkOf(pWindow))

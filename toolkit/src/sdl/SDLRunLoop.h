@@ -12,7 +12,8 @@ namespace gui
 {
 
 /// A run loop on SDL's events. It hands the input to the sink of the event's window, and tells the native view in there
-/// itself what becomes of the window.
+/// itself what becomes of the window. What the pointer does between two frames of the display is one motion, at the
+/// next: a view that draws what it hears of would draw what nobody sees, and be late for the frame that is seen.
 class SDLRunLoop : public RunLoop
 {
 public:
@@ -31,11 +32,16 @@ protected:
     double getDisplayRate(const NativeView* pView) const override;
 
 private:
+    /// Whether there is an event that does not wait for the next frame.
+    bool isEventDue() const;
+    /// One is handed out: the next waits for another frame.
+    void putOffMotions(SDL_Window* pWindow);
     void dispatch(const SDLEvent& event);
     /// @return whether the event is one of those that the window itself sees to
     bool onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDL_WindowEvent& event);
 
     SDLEventQueue _events;
+    Time _nextMotion{};
     Uint32 _wakeUpType;
     std::atomic<bool> _isWakeUpPosted = false;
 };
