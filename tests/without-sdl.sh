@@ -1,0 +1,17 @@
+#!/bin/sh
+# Whether the library does without a display server's libraries: without-sdl.sh <root of the sources> <folder to build
+# in>. What differs then is compiled; nothing else may include what belongs to SDL or a display server.
+others=$(cd "$1" && grep -rnE '#include (<(SDL|X11/|wayland|xkbcommon)|"(\.\./)*sdl/)' \
+    --include='*.h' --include='*.cpp' --exclude-dir=sdl src toolkit draw tools examples include |
+    grep -vE '^(src/native/Surfaces|toolkit/src/WindowSystem)\.cpp:')
+if [ -n "$others" ]; then
+    echo "$others"
+    exit 1
+fi
+cmake -S "$1" -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$3" -DGUIGL_SDL=OFF -DGUIGL_TOOLS=OFF \
+    -DGUIGL_EXAMPLES=OFF -DGUIGL_TESTS=OFF || exit 1
+if grep -iE '^(SDL2|X11|WAYLAND|XKBCOMMON)_' "$2/CMakeCache.txt"; then
+    echo "Something of a display server is looked for all the same."
+    exit 1
+fi
+ninja -C "$2" toolkit/CMakeFiles/guigl_gui.dir/src/WindowSystem.cpp.o src/CMakeFiles/guigl_gl.dir/native/Surfaces.cpp.o
