@@ -218,8 +218,14 @@ TEST_P(X11Test, FullScreenAndBack)
     // A maximised window is that again, and has not forgotten its own size.
     const auto maximize = [&] { xServer().toggle(id, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"); };
     maximize();
-    ASSERT_TRUE(waitInLoop([&] { return view.sizes.back().width == cScreen.width; }));
-    ASSERT_TRUE(showsItsFrame(view)); // it may come in two steps
+    // It may come in two steps, of which the first is seen on a busy machine. A title bar is left.
+    constexpr double cLongestTitleBar = 60;
+    ASSERT_TRUE(waitInLoop(
+        [&] {
+            return view.sizes.back().width == cScreen.width &&
+                   view.sizes.back().height >= cScreen.height - cLongestTitleBar;
+        }));
+    ASSERT_TRUE(showsItsFrame(view));
     const td::Size<double> maximized = view.sizes.back();
     window.setFullScreen(true);
     EXPECT_TRUE(becomes(cScreen));
