@@ -6,7 +6,9 @@ function(guigl_settings target)
     set_target_properties(${target} PROPERTIES
         CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
-        VISIBILITY_INLINES_HIDDEN ON)
+        VISIBILITY_INLINES_HIDDEN ON
+        UNITY_BUILD ${GUIGL_UNITY}
+        UNITY_BUILD_BATCH_SIZE 16)
     # -ffp-contract=off: results of float arithmetic are the same on every machine, so no multiply-add is fused.
     # The prefix map keeps the build machine's folders out of assertion reports.
     target_compile_options(${target} PRIVATE

@@ -150,17 +150,19 @@ connect|Connection (failed|refused|timed out)|Network is unreachable" "$log_fold
 # undoes another's work.
 configure()
 {
-    local preset=$1 cache=build/$1/CMakeCache.txt launcher="" strict=()
+    local preset=$1 cache=build/$1/CMakeCache.txt launcher="" strict=() unity=ON
     command -v ccache > /dev/null && launcher=ccache
     # Whoever builds it gets a library whatever a new compiler warns about; the check of a change takes no warning.
     [[ -z ${CI:-} ]] || strict=(-DGUIGL_WERROR=ON)
+    # What is measured is what others build.
+    [[ $preset != bench ]] || unity=OFF
     # CMake refuses a build folder that was copied or moved here with the tree.
     if [[ -f $cache ]] &&
         ! grep --quiet --line-regexp --fixed-strings "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
         rm -rf "build/$preset"
     fi
     step "Configuring $preset" "$preset-configure" \
-        cmake --preset "$preset" -DGUIGL_UNITY=ON "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" "${strict[@]}"
+        cmake --preset "$preset" "-DGUIGL_UNITY=$unity" "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher" "${strict[@]}"
 }
 
 # build <preset> <target>

@@ -17,7 +17,7 @@ using gui::gl::Command;
 using gui::gl::FrameLedger;
 
 constexpr Cell cPlace{12, 12, 368, 132};
-constexpr float cMargin = 14;
+constexpr float cPanelMargin = 14;
 constexpr float cPitch = 22;
 constexpr float cFirstBaseline = 26;
 
@@ -86,8 +86,8 @@ void CostPanel::draw(const Frame& frame, const FrameLedger::Frame& cost)
     float baseline = cPlace.top + cFirstBaseline;
     for (const auto& [name, value] : lines)
     {
-        _lettering.add({cPlace.left + cMargin, baseline}, name, {0, td::ColorID::LightSteelBlue});
-        _lettering.add({cPlace.left + cMargin + 78, baseline}, value, {0, td::ColorID::White});
+        _lettering.add({cPlace.left + cPanelMargin, baseline}, name, {0, td::ColorID::LightSteelBlue});
+        _lettering.add({cPlace.left + cPanelMargin + 78, baseline}, value, {0, td::ColorID::White});
         baseline += cPitch;
     }
     _lettering.draw();

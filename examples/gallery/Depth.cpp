@@ -19,22 +19,22 @@ namespace
 using namespace gui::gl;
 using td::ColorID;
 
-enum Face : std::size_t
+enum DepthFace : std::size_t
 {
     Word,
     Caption
 };
 
-constexpr ColorID cColors[] = {ColorID::Tomato, ColorID::Gold, ColorID::PaleGreen, ColorID::DeepSkyBlue,
-                               ColorID::Orchid};
+constexpr ColorID cBallColors[] = {ColorID::Tomato, ColorID::Gold, ColorID::PaleGreen, ColorID::DeepSkyBlue,
+                                   ColorID::Orchid};
 // The balls wind around the words like a thread around a screw. Lengths in units of the cell, depth as text has it.
-constexpr int cBalls = 48;
+constexpr int cNoOfBalls = 48;
 constexpr float cTurns = 3;
-constexpr float cWidth = 0.80F;
-constexpr float cHeight = 0.95F;
-constexpr float cRadius = 0.085F;
-constexpr float cDepth = 0.8F; // of the nearest and the farthest ball
-constexpr float cTurnsPerSecond = 0.03F;
+constexpr float cScrewWidth = 0.80F;
+constexpr float cScrewHeight = 0.95F;
+constexpr float cBallRadius = 0.085F;
+constexpr float cScrewDepth = 0.8F; // of the nearest and the farthest ball
+constexpr float cScrewSpeed = 0.03F;
 
 /// Words before, between and behind balls, as far as the depth test is on.
 class DepthScene : public Scene
@@ -43,8 +43,8 @@ public:
     bool init() override
     {
         _lettering.init();
-        _ball.init(std::size(cColors), 2000, 10000, {DataType::Vec3, DataType::Vec3});
-        for (const ColorID color : cColors)
+        _ball.init(std::size(cBallColors), 2000, 10000, {DataType::Vec3, DataType::Vec3});
+        for (const ColorID color : cBallColors)
         {
             Command* pCommand = _ball.addSphere(1, 40, 20, Texture::Type::CubeMap, true, 1);
             pCommand->setColor(color);
@@ -101,16 +101,16 @@ private:
         Context::setDepthBufferFunction(DepthBuffer::Function::LessOrEqual);
         _program.activate();
         _program.setSun({-0.4F, 0.7F, 0.8F});
-        for (int i = 0; i < cBalls; ++i)
+        for (int i = 0; i < cNoOfBalls; ++i)
         {
-            const float way = static_cast<float>(i) / (cBalls - 1);
-            const float turned = cTurnsPerSecond * static_cast<float>(frame.seconds);
+            const float way = static_cast<float>(i) / (cNoOfBalls - 1);
+            const float turned = cScrewSpeed * static_cast<float>(frame.seconds);
             const glm::vec2 place = onCircle(cTurns * way + turned, 1);
-            glm::mat4 model =
-                glm::translate(glm::mat4(1), {cWidth * place.x, cHeight * (1.1F - 2 * way), cDepth * place.y});
-            model = glm::scale(model, glm::vec3(cRadius * (1 + 0.25F * place.y)));
+            glm::mat4 model = glm::translate(
+                glm::mat4(1), {cScrewWidth * place.x, cScrewHeight * (1.1F - 2 * way), cScrewDepth * place.y});
+            model = glm::scale(model, glm::vec3(cBallRadius * (1 + 0.25F * place.y)));
             _program.setMatrices(model, toClip);
-            _program.execute(static_cast<std::size_t>(i) / 2 % std::size(cColors), 1);
+            _program.execute(static_cast<std::size_t>(i) / 2 % std::size(cBallColors), 1);
         }
         _program.deActivate();
         Context::disable(Context::Flag::DepthTest);

@@ -27,7 +27,7 @@ Point polar(double turns, double radius)
 }
 
 // Seven points, each joined with the third one after it.
-Path makeStar()
+Path makeStarPath()
 {
     std::vector<Point> points;
     for (int i = 0; i < 7; ++i)
@@ -122,7 +122,7 @@ private:
 
     void addStar(FillRule rule)
     {
-        const Path star = makeStar();
+        const Path star = makeStarPath();
         drawing().fill(star, "#f2b632", rule);
         drawing().stroke(star, {.width = 1.5, .join = Join::Round}, "#fff3d0");
     }

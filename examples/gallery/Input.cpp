@@ -1,4 +1,4 @@
-// Look for: the pointer's trail and a ring for each click; wheel and zoom as bars, modifiers as lamps, keys on a
+// EventLook for: the pointer's trail and a ring for each click; wheel and zoom as bars, modifiers as lamps, keys on a
 // keyboard; another pointer over the striped field, the border's colour with the focus, and the last event's record in
 // the title.
 
@@ -25,12 +25,12 @@ using td::ColorID;
 
 constexpr std::size_t cTrail = 150;
 constexpr std::size_t cClicks = 12;
-constexpr float cMargin = 24;
-constexpr float cGap = 16;
+constexpr float cBoardMargin = 24;
+constexpr float cBoardGap = 16;
 constexpr float cSide = 176; // width of the panels at the right
 
 // How each kind is named in the record, and drawn: a ring and how much of it is filled. Those with radius 0 are not.
-struct Look
+struct EventLook
 {
     const char* name;
     float radius;
@@ -38,17 +38,17 @@ struct Look
     ColorID color;
 };
 
-constexpr Look cLooks[] = {{"entered", 7, 7, ColorID::LimeGreen},
-                           {"moved", 0, 0, ColorID::White},
-                           {"dragged", 0, 0, ColorID::White},
-                           {"exited", 7, 7, ColorID::Crimson},
-                           {"pressed", 9, 9, ColorID::DeepSkyBlue},
-                           {"released", 18, 3, ColorID::DeepSkyBlue},
-                           {"double-clicked", 28, 6, ColorID::Gold},
-                           {"secondary pressed", 9, 9, ColorID::Tomato},
-                           {"secondary released", 18, 3, ColorID::Tomato},
-                           {"scrolled", 0, 0, ColorID::White},
-                           {"zoomed", 0, 0, ColorID::White}};
+constexpr EventLook cLooks[] = {{"entered", 7, 7, ColorID::LimeGreen},
+                                {"moved", 0, 0, ColorID::White},
+                                {"dragged", 0, 0, ColorID::White},
+                                {"exited", 7, 7, ColorID::Crimson},
+                                {"pressed", 9, 9, ColorID::DeepSkyBlue},
+                                {"released", 18, 3, ColorID::DeepSkyBlue},
+                                {"double-clicked", 28, 6, ColorID::Gold},
+                                {"secondary pressed", 9, 9, ColorID::Tomato},
+                                {"secondary released", 18, 3, ColorID::Tomato},
+                                {"scrolled", 0, 0, ColorID::White},
+                                {"zoomed", 0, 0, ColorID::White}};
 static_assert(std::size(cLooks) == std::size_t(PointerEvent::Zoomed) + 1);
 
 constexpr ColorID cModifiers[] = {ColorID::Gold,      ColorID::Coral,        ColorID::HotPink,
@@ -88,14 +88,14 @@ public:
         drawField();
         drawWheel();
         drawModifiers();
-        _keyboard.draw(_sketch, {_keys.left + cGap, _keys.top + cGap}, _unit);
+        _keyboard.draw(_sketch, {_keys.left + cBoardGap, _keys.top + cBoardGap}, _unit);
         drawTrail();
         _sketch.draw(frame);
     }
 
     void onPointer(PointerEvent event, const InputDevice& device) override
     {
-        const Look& look = cLooks[static_cast<std::size_t>(event)];
+        const EventLook& look = cLooks[static_cast<std::size_t>(event)];
         const glm::vec2 place(device.getFramePoint().x, device.getFramePoint().y);
         if (event == PointerEvent::Scrolled)
             _scrolled += place;
@@ -153,13 +153,13 @@ private:
     void layOut(const Frame& frame)
     {
         const auto width = static_cast<float>(frame.size.width), height = static_cast<float>(frame.size.height);
-        _unit = std::max(4.0F, (width - 2 * cMargin - 3 * cGap - cSide) / Keyboard::cWidth);
-        const float wide = Keyboard::cWidth * _unit + 2 * cGap, low = Keyboard::cHeight * _unit + 2 * cGap;
-        const float side = cMargin + wide + cGap, top = height - cMargin - low;
-        _keys = {cMargin, top, wide, low};
+        _unit = std::max(4.0F, (width - 2 * cBoardMargin - 3 * cBoardGap - cSide) / Keyboard::cWidth);
+        const float wide = Keyboard::cWidth * _unit + 2 * cBoardGap, low = Keyboard::cHeight * _unit + 2 * cBoardGap;
+        const float side = cBoardMargin + wide + cBoardGap, top = height - cBoardMargin - low;
+        _keys = {cBoardMargin, top, wide, low};
         _lamps = {side, top, cSide, low};
-        _field = {cMargin, cMargin, wide, std::max(0.0F, top - cGap - cMargin)};
-        _wheel = {side, cMargin, cSide, _field.height};
+        _field = {cBoardMargin, cBoardMargin, wide, std::max(0.0F, top - cBoardGap - cBoardMargin)};
+        _wheel = {side, cBoardMargin, cSide, _field.height};
     }
 
     void drawFrame(const Frame& frame)
@@ -185,10 +185,10 @@ private:
     {
         const float values[] = {_scrolled.x / 200, _scrolled.y / 200, static_cast<float>(std::log2(_zoom)) / 2};
         constexpr ColorID cColors[] = {ColorID::Coral, ColorID::Turquoise, ColorID::MediumOrchid};
-        const float half = _wheel.height / 2 - cGap, width = (_wheel.width - 4 * cGap) / 3;
+        const float half = _wheel.height / 2 - cBoardGap, width = (_wheel.width - 4 * cBoardGap) / 3;
         for (int i = 0; i < 3; ++i)
         {
-            const float left = _wheel.left + cGap + static_cast<float>(i) * (width + cGap);
+            const float left = _wheel.left + cBoardGap + static_cast<float>(i) * (width + cBoardGap);
             const float length = half * std::clamp(values[i], -1.0F, 1.0F);
             const float middle = _wheel.top + _wheel.height / 2;
             _sketch.addCell({left, middle - half, width, 2 * half}, colorOf(ColorID::SlateGray, 0.2F));
@@ -223,7 +223,7 @@ private:
         }
         for (std::size_t i = _clicks.size(); i-- > 0;)
         {
-            const Look& look = cLooks[static_cast<std::size_t>(_clicks[i].event)];
+            const EventLook& look = cLooks[static_cast<std::size_t>(_clicks[i].event)];
             const float age = static_cast<float>(i) / cClicks;
             _sketch.addRing(_clicks[i].place, look.radius, look.width, colorOf(look.color, 1 - 0.7F * age));
         }

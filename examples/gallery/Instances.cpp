@@ -23,10 +23,10 @@ using namespace gui::gl;
 using td::ColorID;
 
 constexpr int cInstances = 10'000;
-constexpr float cRadius = 0.0088F; // of a column; the field's radius is 1
+constexpr float cColumnRadius = 0.0088F; // of a column; the field's radius is 1
 
-constexpr ColorID cColors[] = {ColorID::DarkSlateBlue, ColorID::RoyalBlue, ColorID::DeepSkyBlue,
-                               ColorID::Aquamarine,    ColorID::Gold,      ColorID::Tomato};
+constexpr ColorID cColumnColors[] = {ColorID::DarkSlateBlue, ColorID::RoyalBlue, ColorID::DeepSkyBlue,
+                                     ColorID::Aquamarine,    ColorID::Gold,      ColorID::Tomato};
 
 /// What the buffer holds of each instance.
 struct Instance
@@ -121,8 +121,8 @@ private:
 
         Instance instance;
         instance.model = glm::translate(glm::mat4(1), {place.x, 0, place.y});
-        instance.model = glm::scale(instance.model, {cRadius, height, cRadius});
-        instance.color = gradient(cColors, 1.15F * wave * std::exp(-0.9F * distance));
+        instance.model = glm::scale(instance.model, {cColumnRadius, height, cColumnRadius});
+        instance.color = gradient(cColumnColors, 1.15F * wave * std::exp(-0.9F * distance));
         static_assert(sizeof(Instance) == 20 * sizeof(float));
         _buffer.appendInstances(&instance.model[0][0], 1);
     }

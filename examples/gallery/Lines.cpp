@@ -14,12 +14,12 @@ namespace
 using td::ColorID;
 using Outline = Diagrams::Outline;
 
-constexpr ColorID cColors[] = {ColorID::DodgerBlue, ColorID::MediumSlateBlue, ColorID::MediumOrchid,
-                               ColorID::DeepPink,   ColorID::Tomato,          ColorID::SandyBrown,
-                               ColorID::Gold,       ColorID::YellowGreen,     ColorID::LightSeaGreen,
-                               ColorID::DeepSkyBlue};
+constexpr ColorID cLineColors[] = {ColorID::DodgerBlue, ColorID::MediumSlateBlue, ColorID::MediumOrchid,
+                                   ColorID::DeepPink,   ColorID::Tomato,          ColorID::SandyBrown,
+                                   ColorID::Gold,       ColorID::YellowGreen,     ColorID::LightSeaGreen,
+                                   ColorID::DeepSkyBlue};
 
-Outline makeStar(float inner)
+Outline makeStarLine(float inner)
 {
     Outline star;
     for (int i = 0; i < 10; ++i)
@@ -27,7 +27,7 @@ Outline makeStar(float inner)
     return star;
 }
 
-Outline makeSpiral()
+Outline makeSpiralLine()
 {
     Outline spiral;
     for (int i = 0; i <= 120; ++i)
@@ -74,11 +74,11 @@ public:
         add({{-0.85F, -0.5F}, {0.75F, -0.5F}, {-0.1F, -0.5F}, {-0.1F, 0.7F}}, 0.16F, false);
         add({{-0.75F, 0}, {0.75F, 0}}, 0.16F, true);
         add({{-0.78F, -0.58F}, {0.78F, -0.58F}, {0, 0.56F}}, 0.12F, true);
-        add(makeStar(0.36F), 0.07F, true);
+        add(makeStarLine(0.36F), 0.07F, true);
         add({{-0.55F, -0.35F}, {0.1F, -0.35F}, {0.4F, 0.45F}}, 0.4F, false);
         add(makeZigzag(), 0.05F, false);
         add(makeWave(), 0.1F, false);
-        add(makeSpiral(), 0.07F, false);
+        add(makeSpiralLine(), 0.07F, false);
         return _backdrop.init() && _diagrams.finish();
     }
 
@@ -94,7 +94,7 @@ private:
     void add(const Outline& points, float width, bool closed)
     {
         _diagrams.beginCell();
-        _diagrams.addLine(points, width, closed, {cColors[_nAdded++ % std::size(cColors)]});
+        _diagrams.addLine(points, width, closed, {cLineColors[_nAdded++ % std::size(cLineColors)]});
         _diagrams.addEdges(_diagrams.trianglesOf(points, width, closed), 0.006F, {ColorID::MidnightBlue, 150});
         _diagrams.addLine(points, 0.01F, closed, {ColorID::White});
         for (const td::Point<float>& point : points)

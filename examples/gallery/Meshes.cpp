@@ -31,7 +31,7 @@ using glm::vec3;
 using td::ColorID;
 using Type = gui::gl::Texture::Type;
 
-const vec3 cSun = glm::normalize(vec3(-0.5F, 0.75F, 0.8F));
+const vec3 cMeshSun = glm::normalize(vec3(-0.5F, 0.75F, 0.8F));
 
 struct Sphere
 {
@@ -121,12 +121,12 @@ public:
         _mapProgram.setMVP(toClip(frame, cells[1]) * turned(degrees - 72, 24));
         _mapProgram.execute();
         _earthProgram.activate();
-        _earthProgram.setSun(cSun);
+        _earthProgram.setSun(cMeshSun);
         _earthProgram.setMatrices(stand(degrees + 100), toClip(frame, cells[7]));
         _earthProgram.execute();
 
         _program.activate();
-        _program.setSun(cSun);
+        _program.setSun(cMeshSun);
         std::size_t command = 0;
         for (std::size_t i = 0; i < std::size(cSpheres); ++i)
             drawSphere(cSpheres[i], command, stand(degrees), toClip(frame, cells[i + 2]));

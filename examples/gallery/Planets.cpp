@@ -34,7 +34,7 @@ constexpr Planet cPlanets[] = {{0.34F, 0.035F, 5, 0.55F, ColorID::LightSalmon},
                                {1.48F, 0.115F, 34, 0.74F, ColorID::SandyBrown}};
 constexpr std::size_t cWithMoon = 2;
 
-constexpr std::size_t cStars = 0, cSun = 1, cMoon = 2, cFirstOrbit = 3;
+constexpr std::size_t cStarsPart = 0, cSunPart = 1, cMoon = 2, cFirstOrbit = 3;
 constexpr float cTilt = 0.56F; // of the orbits' height to their width
 constexpr float cSunSize = 0.34F;
 
@@ -130,9 +130,9 @@ void Planets::draw(const Frame& frame)
     Context::enable(Context::Flag::Blend);
     Context::setPointSize(static_cast<float>(1.5 * frame.scale));
     _program.setMVP(toClip);
-    _program.execute(cStars, 1);
+    _program.execute(cStarsPart, 1);
     _program.setMVP(glm::scale(toClip, glm::vec3(cSunSize)));
-    _program.execute(cSun, 1);
+    _program.execute(cSunPart, 1);
     for (std::size_t i = 0; i < std::size(cPlanets); ++i)
     {
         const Planet& planet = cPlanets[i];

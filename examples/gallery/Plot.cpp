@@ -26,12 +26,12 @@ using namespace gui::gl;
 using td::ColorID;
 
 constexpr std::size_t cNoOfSamples = 100'000;
-constexpr double cMaxZoom = 2500;
+constexpr double cMaxPlotZoom = 2500;
 constexpr float cCurveWidth = 1.8F; // points
 constexpr double cDotDistance = 14; // points from sample to sample from which each has a dot
 
 // Waves of many lengths, each half as long as the one before and a little less than half as high, above 0.
-std::vector<float> makeSamples()
+std::vector<float> makeCurve()
 {
     std::vector<float> samples(cNoOfSamples);
     for (std::size_t i = 0; i < cNoOfSamples; ++i)
@@ -86,7 +86,7 @@ class Plot : public Scene
 public:
     bool init() override
     {
-        _samples = makeSamples();
+        _samples = makeCurve();
         _program.setBuffer(&_curve);
         _fillProgram.setBuffer(&_fill);
         _lettering.init();
@@ -153,7 +153,7 @@ private:
     // What is under the point stays there.
     void zoom(double factor, double point)
     {
-        const double newZoom = std::clamp(_zoom * factor, 1.0, cMaxZoom);
+        const double newZoom = std::clamp(_zoom * factor, 1.0, cMaxPlotZoom);
         const double share = (point - static_cast<double>(_area.left)) / static_cast<double>(_area.width);
         look(_begin + share / _zoom - share / newZoom, newZoom);
     }

@@ -25,8 +25,8 @@ using td::ColorID;
 
 using Points = cnt::PushBackVector<td::Point<float>>;
 
-constexpr unsigned int cCorners[] = {3, 4, 5, 6, 7, 8, 12, 60};
-constexpr float cRadius = 0.80F;
+constexpr unsigned int cNumbersOfCorners[] = {3, 4, 5, 6, 7, 8, 12, 60};
+constexpr float cPetalRadius = 0.80F;
 constexpr float cRim = 0.055F;
 
 constexpr ColorID cPetals[] = {ColorID::Gold,         ColorID::Coral,      ColorID::DeepPink, ColorID::DarkOrchid,
@@ -64,7 +64,7 @@ public:
         const auto turn = static_cast<float>(0.35 * (frame.seconds - 2));
         _polygons.reset();
         _rims.reset();
-        for (const unsigned int nCorners : cCorners)
+        for (const unsigned int nCorners : cNumbersOfCorners)
             record(nCorners, std::numbers::pi_v<float> / 2 + turn);
         if (!_polygons.commit() || !_rims.commit())
             return;
@@ -91,7 +91,7 @@ private:
     void record(unsigned int nCorners, float startAngle)
     {
         Points points, coordinates;
-        generateSymPolygon({{0, 0}, cRadius}, nCorners, points, startAngle, &coordinates);
+        generateSymPolygon({{0, 0}, cPetalRadius}, nCorners, points, startAngle, &coordinates);
         const std::size_t first = _polygons.getNoOfVertices();
         for (std::size_t i = 0; i < nCorners; ++i)
         {
@@ -104,7 +104,7 @@ private:
 
         // As wide along every edge: corners lie further out the sharper they are.
         const float out = cRim / std::cos(std::numbers::pi_v<float> / static_cast<float>(nCorners));
-        generateSymPolygon({{0, 0}, cRadius + out}, nCorners, points, startAngle);
+        generateSymPolygon({{0, 0}, cPetalRadius + out}, nCorners, points, startAngle);
         const std::size_t firstOfRim = _rims.getNoOfVertices();
         _rims.appendVertices(points);
         pCommand = _rims.createCommand();

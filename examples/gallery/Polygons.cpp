@@ -21,7 +21,7 @@ using Outline = Diagrams::Outline;
 const Outline cCup{{0, 0}, {3, 0}, {3, 3}, {2, 3}, {2, 1}, {1, 1}, {1, 3}, {0, 3}};
 const Outline cCross{{1, 0}, {2, 0}, {2, 1}, {3, 1}, {3, 2}, {2, 2}, {2, 3}, {1, 3}, {1, 2}, {0, 2}, {0, 1}, {1, 1}};
 
-Outline makeStar(int nPoints)
+Outline makeStarPolygon(int nPoints)
 {
     Outline star;
     for (int i = 0; i < 2 * nPoints; ++i)
@@ -32,7 +32,7 @@ Outline makeStar(int nPoints)
     return star;
 }
 
-Outline makeSpiral()
+Outline makeSpiralPolygon()
 {
     constexpr int cCorners = 9;
     Outline spiral;
@@ -73,8 +73,8 @@ public:
         addFan({{0, 0}, {3, 0}, {3, 1.2F}, {1.2F, 1.2F}, {1.2F, 3}, {0, 3}}, 3);
         addEars(cCup);
         addEars(cCross);
-        addEars(makeStar(7));
-        addEars(makeSpiral());
+        addEars(makeStarPolygon(7));
+        addEars(makeSpiralPolygon());
         return _backdrop.init() && _diagrams.finish();
     }
 

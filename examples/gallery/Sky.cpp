@@ -32,7 +32,7 @@ using glm::vec3;
 constexpr int cFaceSize = 512;
 constexpr float cHorizon = 0.004F; // half the height of the haze between water and air
 
-vec3 cSun() { return glm::normalize(vec3(0.34F, 0.085F, -1)); }
+vec3 sunDirection() { return glm::normalize(vec3(0.34F, 0.085F, -1)); }
 
 float between(float low, float high, float value) { return glm::smoothstep(low, high, value); }
 
@@ -52,8 +52,8 @@ vec3 starlight(const vec3& direction)
 vec3 air(const vec3& direction)
 {
     const float height = std::max(direction.y, 0.0F);
-    const float toSun = std::max(glm::dot(direction, cSun()), 0.0F);
-    const float side = 0.5F + 0.5F * glm::dot(glm::normalize(vec3(direction.x, 0.001F, direction.z)), cSun());
+    const float toSun = std::max(glm::dot(direction, sunDirection()), 0.0F);
+    const float side = 0.5F + 0.5F * glm::dot(glm::normalize(vec3(direction.x, 0.001F, direction.z)), sunDirection());
     const vec3 low = glm::mix(vec3(0.66F, 0.50F, 0.66F), vec3(1.0F, 0.58F, 0.30F), side * side);
     const vec3 middle = glm::mix(vec3(0.30F, 0.38F, 0.66F), vec3(0.70F, 0.40F, 0.52F), side);
     const vec3 high(0.06F, 0.10F, 0.26F);
@@ -76,7 +76,8 @@ vec3 air(const vec3& direction)
 
 vec3 withSun(const vec3& direction)
 {
-    return glm::mix(air(direction), vec3(1, 0.96F, 0.86F), between(0.99935F, 0.99965F, glm::dot(direction, cSun())));
+    return glm::mix(air(direction), vec3(1, 0.96F, 0.86F),
+                    between(0.99935F, 0.99965F, glm::dot(direction, sunDirection())));
 }
 
 // Air above, and water that mirrors it below.
@@ -93,7 +94,7 @@ vec3 skyColor(const vec3& direction)
     vec3 water = glm::mix(vec3(0.03F, 0.07F, 0.14F), air(mirrored), share);
     // The sun glitters on those waves that lean the right way.
     const float aside =
-        glm::dot(glm::normalize(vec3(direction.x, 0, direction.z)), glm::normalize(cSun() * vec3(1, 0, 1)));
+        glm::dot(glm::normalize(vec3(direction.x, 0, direction.z)), glm::normalize(sunDirection() * vec3(1, 0, 1)));
     const float ripples = examples::clouds(vec3(3, 1, 9) * place + 40.0F, 2);
     water += vec3(1, 0.72F, 0.42F) * between(0.9965F, 0.99995F, aside) * between(0.48F, 0.62F, ripples) *
              between(0.30F, 0.02F, depth);

@@ -21,7 +21,7 @@ using gui::draw::Join;
 using gui::draw::Path;
 using gui::gl::Font;
 
-constexpr double cTurn = 2 * std::numbers::pi;
+constexpr double cFullTurn = 2 * std::numbers::pi;
 
 struct CapName
 {
@@ -130,7 +130,7 @@ private:
             std::vector<Path::Point> points;
             for (int k = 0; k < 360; ++k)
             {
-                const double angle = cTurn * nTurns * k / 360.0;
+                const double angle = cFullTurn * nTurns * k / 360.0;
                 const double radius = 47 + 23 * std::cos(angle * nLoops / nTurns);
                 points.push_back({static_cast<double>(panel.left) + 90.0 + 156.0 * i + radius * std::sin(angle),
                                   static_cast<double>(panel.top + panel.height / 2) - radius * std::cos(angle)});

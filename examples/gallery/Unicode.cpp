@@ -15,10 +15,10 @@ namespace
 using gui::gl::Font;
 using td::ColorID;
 
-enum Face : std::size_t
+enum BlockFace : std::size_t
 {
-    Sans,
-    Mono
+    SansBlocks,
+    MonoBlocks
 };
 
 struct Block
@@ -84,18 +84,18 @@ private:
     {
         const float left = column.left + cPadding;
         const float step = (column.width - 2 * cPadding - cLabelWidth) / cPerRow;
-        _lettering.add({left, top + rowHeight * 0.75F}, block.name, {Sans, block.color});
+        _lettering.add({left, top + rowHeight * 0.75F}, block.name, {SansBlocks, block.color});
         for (unsigned int row = 0; row < block.nRows; ++row)
         {
             const float baseline = top + rowHeight * (static_cast<float>(row) + 2.1F);
             char label[8] = "";
             std::snprintf(label, sizeof label, "%04X", block.first + row * cPerRow);
-            _lettering.add({left, baseline}, label, {Mono, ColorID::SlateGray});
+            _lettering.add({left, baseline}, label, {MonoBlocks, ColorID::SlateGray});
             for (unsigned int i = 0; i < cPerRow; ++i)
             {
                 const float middle = left + cLabelWidth + step * (static_cast<float>(i) + 0.5F);
                 _lettering.add({middle, baseline}, encoded(block.first + row * cPerRow + i),
-                               {Sans, ColorID::Gainsboro, Font::cCentre});
+                               {SansBlocks, ColorID::Gainsboro, Font::cCentre});
             }
         }
     }

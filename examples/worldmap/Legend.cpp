@@ -31,7 +31,7 @@ constexpr double cBarTextGap = 6;
 constexpr double cBarTextWidth = 60;
 
 constexpr double cKilometresPerDegree = 111.2; // on a sphere as large as the earth
-constexpr double cMaxLatitude = 85;
+constexpr double cLastLatitude = 85;
 
 constexpr const char* cWidestPlace = "189.99\u00b0 W  89.99\u00b0 N";
 
@@ -116,7 +116,7 @@ void Legend::layOut()
     const double latitude = _outlook.toDegrees({_outlook.size.width / 2, _outlook.size.height / 2}).y;
     const double kilometresPerPoint =
         cKilometresPerDegree / _outlook.zoom() *
-        std::cos(std::clamp(latitude, -cMaxLatitude, cMaxLatitude) * std::numbers::pi / 180);
+        std::cos(std::clamp(latitude, -cLastLatitude, cLastLatitude) * std::numbers::pi / 180);
     const double length = roundLength(cBarLength * kilometresPerPoint);
     char text[40];
     std::snprintf(text, sizeof text, "%g km", length);

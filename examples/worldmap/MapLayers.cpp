@@ -20,24 +20,24 @@ using gui::gl::DataType;
 using gui::gl::Primitive;
 using td::ColorID;
 
-struct Color
+struct LayerColor
 {
     ColorID id;
     int alpha; // 0 to 255
 };
 
 // The sea shines through the land and takes the edge off its colours.
-constexpr Color cLandColors[] = {{ColorID::Khaki, 220},   {ColorID::PeachPuff, 235},  {ColorID::Pink, 200},
-                                 {ColorID::Thistle, 215}, {ColorID::GreenYellow, 80}, {ColorID::Cornsilk, 220}};
+constexpr LayerColor cLandColors[] = {{ColorID::Khaki, 220},   {ColorID::PeachPuff, 235},  {ColorID::Pink, 200},
+                                      {ColorID::Thistle, 215}, {ColorID::GreenYellow, 80}, {ColorID::Cornsilk, 220}};
 static_assert(std::size(cLandColors) == cNoOfColors);
 
-constexpr Color cHighlightColor{ColorID::Coral, 220};
-constexpr Color cPaperColor{ColorID::White, 255};
-constexpr Color cSeaColor{ColorID::LightSteelBlue, 255};
-constexpr Color cNetColor{ColorID::White, 90};
-constexpr Color cCoastColor{ColorID::SlateGray, 255};
-constexpr Color cBorderColor{ColorID::DimGray, 255};
-constexpr Color cEdgeColor{ColorID::SlateGray, 255};
+constexpr LayerColor cHighlightColor{ColorID::Coral, 220};
+constexpr LayerColor cPaperColor{ColorID::White, 255};
+constexpr LayerColor cSeaColor{ColorID::LightSteelBlue, 255};
+constexpr LayerColor cNetColor{ColorID::White, 90};
+constexpr LayerColor cCoastColor{ColorID::SlateGray, 255};
+constexpr LayerColor cBorderColor{ColorID::DimGray, 255};
+constexpr LayerColor cEdgeColor{ColorID::SlateGray, 255};
 
 constexpr double cBorderWidth = 1.0; // points
 constexpr double cFinest = 0.8;      // points; what borders have that is smaller than that is left out
@@ -45,13 +45,13 @@ constexpr double cFinest = 0.8;      // points; what borders have that is smalle
 constexpr double cNetStep = 15;     // degrees
 constexpr double cFarAway = 10'000; // of the map, farther than any view shows
 
-void record(Buffer& buffer, Command* pCommand, const Color& color)
+void record(Buffer& buffer, Command* pCommand, const LayerColor& color)
 {
     pCommand->setColor(color.id, color.alpha);
     buffer.encode(pCommand);
 }
 
-void append(Buffer& buffer, Primitive primitive, const std::vector<td::Point<float>>& points, const Color& color)
+void append(Buffer& buffer, Primitive primitive, const std::vector<td::Point<float>>& points, const LayerColor& color)
 {
     Command* pCommand = buffer.createCommand();
     pCommand->createDrawArrays(primitive, buffer.getNoOfVertices(), static_cast<unsigned int>(points.size()));
@@ -114,7 +114,7 @@ void MapLayers::setLandColor(std::size_t country, bool isHighlighted)
 {
     if (country == Countries::cNone)
         return;
-    const Color& color = isHighlighted ? cHighlightColor : cLandColors[_countries.getCountries()[country].color];
+    const LayerColor& color = isHighlighted ? cHighlightColor : cLandColors[_countries.getCountries()[country].color];
     for (std::size_t i = 0; i < _fills.size(); ++i)
     {
         const Ring& ring = _countries.getRings()[i];

@@ -45,7 +45,7 @@ constexpr std::array<float, 256> makeChannels()
     return channels;
 }
 
-constexpr std::array<float, 256> cChannels = makeChannels();
+constexpr std::array<float, 256> cChannelValues = makeChannels();
 
 const void* indexOffset(unsigned int first)
 {
@@ -56,7 +56,7 @@ bool sendColor3(td::Color color)
 {
     TD_ASSERT(s_pCurrentProgram != nullptr, false);
     s_prevColor = color;
-    ProgHelper::setColor3({cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()]});
+    ProgHelper::setColor3({cChannelValues[color.red()], cChannelValues[color.green()], cChannelValues[color.blue()]});
     return true;
 }
 
@@ -64,8 +64,8 @@ bool sendColor4(td::Color color)
 {
     TD_ASSERT(s_pCurrentProgram != nullptr, false);
     s_prevColor = color;
-    ProgHelper::setColor4(
-        {cChannels[color.red()], cChannels[color.green()], cChannels[color.blue()], cChannels[color.alpha()]});
+    ProgHelper::setColor4({cChannelValues[color.red()], cChannelValues[color.green()], cChannelValues[color.blue()],
+                           cChannelValues[color.alpha()]});
     return true;
 }
 

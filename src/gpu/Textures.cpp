@@ -20,11 +20,11 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::size_t cFaces = 6;
+constexpr std::size_t cNoOfFaces = 6;
 constexpr int cMaxFaceSize = 16384;
 
 // Which name belongs to each face in GL's order: +x, -x, +y, -y, +z, -z.
-constexpr std::array<std::size_t, cFaces> cNameOfFace{2, 0, 4, 5, 1, 3};
+constexpr std::array<std::size_t, cNoOfFaces> cNameOfFace{2, 0, 4, 5, 1, 3};
 
 unsigned int generateTexture()
 {
@@ -50,9 +50,9 @@ bool refuse(GLenum target, GLuint id)
     return false;
 }
 
-bool areFacesUsable(const std::array<const gui::Texture*, cFaces>& faces)
+bool areFacesUsable(const std::array<const gui::Texture*, cNoOfFaces>& faces)
 {
-    for (std::size_t slot = 0; slot < cFaces; ++slot)
+    for (std::size_t slot = 0; slot < cNoOfFaces; ++slot)
     {
         const gui::Texture& face = *faces[slot];
         if (!face.isOk())
@@ -188,7 +188,7 @@ bool Textures::append(const std::initializer_list<const char*>& fileNames, Textu
 
 bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
 {
-    for (std::size_t i = 0; i < cFaces; ++i)
+    for (std::size_t i = 0; i < cNoOfFaces; ++i)
     {
         const char* img = fileNames[i];
         TD_ASSERT(img, false);
@@ -196,9 +196,9 @@ bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
     if (!canAppend("Textures::appendCubeMap", 1))
         return false;
 
-    std::array<gui::Texture, cFaces> images;
-    std::array<const gui::Texture*, cFaces> faces{};
-    for (std::size_t slot = 0; slot < cFaces; ++slot)
+    std::array<gui::Texture, cNoOfFaces> images;
+    std::array<const gui::Texture*, cNoOfFaces> faces{};
+    for (std::size_t slot = 0; slot < cNoOfFaces; ++slot)
     {
         std::ignore = images[slot].loadFromFile(fileNames[cNameOfFace[slot]]); // uploadFaces tells
         faces[slot] = &images[slot];
@@ -208,7 +208,7 @@ bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
 
 bool Textures::appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures)
 {
-    for (std::size_t i = 0; i < cFaces; ++i)
+    for (std::size_t i = 0; i < cNoOfFaces; ++i)
     {
         const gui::Texture* img = textures[i];
         TD_ASSERT(img, false);
@@ -216,8 +216,8 @@ bool Textures::appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures)
     if (!canAppend("Textures::appendCubeMap", 1))
         return false;
 
-    std::array<const gui::Texture*, cFaces> faces{};
-    for (std::size_t slot = 0; slot < cFaces; ++slot)
+    std::array<const gui::Texture*, cNoOfFaces> faces{};
+    for (std::size_t slot = 0; slot < cNoOfFaces; ++slot)
         faces[slot] = textures[cNameOfFace[slot]];
     return uploadFaces(faces);
 }
@@ -226,7 +226,7 @@ bool Textures::appendCubeMap(int size, const std::function<glm::vec3(const glm::
 {
     TD_ASSERT(size > 0 && size <= cMaxFaceSize, false);
     TD_ASSERT(color, false);
-    const std::array<gui::Texture, cFaces> images = paintCubeMap(size, color);
+    const std::array<gui::Texture, cNoOfFaces> images = paintCubeMap(size, color);
     return appendCubeMap({&images[0], &images[1], &images[2], &images[3], &images[4], &images[5]});
 }
 
@@ -243,7 +243,7 @@ bool Textures::uploadFaces(const std::array<const gui::Texture*, 6>& faces)
         return false;
     }
     glBindTexture(GL_TEXTURE_CUBE_MAP, id);
-    for (std::size_t i = 0; i < cFaces; ++i)
+    for (std::size_t i = 0; i < cNoOfFaces; ++i)
     {
         if (faces[i]->getBytes() == nullptr)
         {

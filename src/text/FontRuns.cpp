@@ -26,7 +26,7 @@ namespace
 {
 
 static_assert(sizeof(Font::_vd) == sizeof(Record));
-constexpr std::size_t cVerticesPerGlyph = 6;
+constexpr std::size_t cQuadVertices = 6;
 constexpr std::size_t cVerticesAtFirst = 1024;
 
 /// What a space or a quad adds beside its own metrics.
@@ -218,17 +218,17 @@ template <bool tellsSpacesApart>
     {
         // A character has a byte at least.
         const std::size_t room = _vertices.capacity() - _vertices.size();
-        const bool isRoom = room >= cVerticesPerGlyph;
+        const bool isRoom = room >= cQuadVertices;
         const unsigned char* pStop = pEnd;
-        if (room < static_cast<std::size_t>(pEnd - p) * cVerticesPerGlyph) [[unlikely]]
-            pStop = p + (isRoom ? room / cVerticesPerGlyph : 1);
-        _vd quad[cVerticesPerGlyph];
+        if (room < static_cast<std::size_t>(pEnd - p) * cQuadVertices) [[unlikely]]
+            pStop = p + (isRoom ? room / cQuadVertices : 1);
+        _vd quad[cQuadVertices];
         p = run.add(p, pStop, pEnd, isRoom ? _vertices.end() : quad);
         if (isRoom) [[likely]]
         {
             _vertices.pushSlots(run.nVertices());
             if (run.hasSpilled())
-                _pMemo->overwrote(_vertices.size() + cVerticesPerGlyph);
+                _pMemo->overwrote(_vertices.size() + cQuadVertices);
         }
         else
             _vertices.push_back(quad, run.nVertices()); // which grows if it is a glyph

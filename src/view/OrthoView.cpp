@@ -34,7 +34,7 @@ double within(double edge, double length, double low, double high)
     return length < high - low ? std::clamp(edge, low, high - length) : (low + high - length) / 2;
 }
 
-bool isFinite(const glm::mat4& matrix)
+bool isFiniteMatrix(const glm::mat4& matrix)
 {
     const float* const pFirst = &matrix[0][0];
     return std::all_of(pFirst, pFirst + 16, [](float value) { return std::isfinite(value); });
@@ -370,7 +370,7 @@ void OrthoView::adjustOrthoProjectionMatrix()
     const glm::mat4 projection =
         _isYDown ? glm::ortho(left, right, far, near, -1.0F, 1.0F) : glm::ortho(left, right, near, far, -1.0F, 1.0F);
     // Far from the model's origin the edges may be the same float.
-    if (isFinite(projection))
+    if (isFiniteMatrix(projection))
         _projection = projection;
 }
 

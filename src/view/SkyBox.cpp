@@ -18,21 +18,21 @@ namespace gui::gl
 namespace
 {
 
-constexpr const char* cVertexShader = "#version 330 core\n"
-                                      "layout (location = 0) in vec3 aPos;\n"
-                                      "out vec3 texCoords;\n"
-                                      "uniform mat4 camProjection;\n"
-                                      "void main(){\n"
-                                      "texCoords = aPos;\n"
-                                      "vec4 pos = camProjection * vec4(aPos, 1.0);\n"
-                                      "gl_Position = pos.xyww;}";
+constexpr const char* cSkyVertexShader = "#version 330 core\n"
+                                         "layout (location = 0) in vec3 aPos;\n"
+                                         "out vec3 texCoords;\n"
+                                         "uniform mat4 camProjection;\n"
+                                         "void main(){\n"
+                                         "texCoords = aPos;\n"
+                                         "vec4 pos = camProjection * vec4(aPos, 1.0);\n"
+                                         "gl_Position = pos.xyww;}";
 
-constexpr const char* cFragmentShader = "#version 330 core\n"
-                                        "in vec3 texCoords;\n"
-                                        "uniform samplerCube skybox;\n"
-                                        "out vec4 fragColor;\n"
-                                        "void main(){\n"
-                                        "fragColor = texture(skybox, texCoords);}";
+constexpr const char* cSkyFragmentShader = "#version 330 core\n"
+                                           "in vec3 texCoords;\n"
+                                           "uniform samplerCube skybox;\n"
+                                           "out vec4 fragColor;\n"
+                                           "void main(){\n"
+                                           "fragColor = texture(skybox, texCoords);}";
 
 // The signs of the corners of two triangles for each face.
 // clang-format off
@@ -71,7 +71,7 @@ bool SkyBox::init(const glm::mat4* pProjection, unsigned int cubeMapID, Textures
     _cubeMapID = cubeMapID;
     _unit = unit;
     _prog.release();
-    return _prog.link(cVertexShader, cFragmentShader, nullptr);
+    return _prog.link(cSkyVertexShader, cSkyFragmentShader, nullptr);
 }
 
 bool SkyBox::init(const glm::mat4* pProjection, const Camera* pCamera, int faceSize,

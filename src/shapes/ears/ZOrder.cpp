@@ -15,7 +15,7 @@ namespace
 constexpr std::size_t cCrowd = 32;
 
 /// Where numbers lie between the smallest and the largest of them, in 2^16 steps.
-struct Range
+struct KeyRange
 {
     float low = std::numeric_limits<float>::infinity();
     float high = -std::numeric_limits<float>::infinity();
@@ -62,7 +62,7 @@ std::span<ZOrder::Item> ZOrder::take(std::size_t n)
 
 void ZOrder::sort(std::size_t first, std::size_t last)
 {
-    Range x, y;
+    KeyRange x, y;
     for (std::size_t i = first; i < last; ++i)
     {
         x.add(_items[i].x);
