@@ -1,0 +1,56 @@
+#pragma once
+
+#include <gui/draw/GlyphImage.h>
+#include <gui/draw/Path.h>
+
+#include <td/Types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+
+struct FT_FaceRec_;
+struct FT_LibraryRec_;
+struct FT_MemoryRec_;
+
+namespace gui::draw
+{
+
+/// A font as FreeType sees it: outlines and pictures of glyphs. It has a FreeType library of its own, so that what a
+/// font makes FreeType take of memory can be limited, and so that fonts don't wait for each other.
+class FreeTypeFace
+{
+public:
+    /// @param bytes  not owned: they must be there as long as the face
+    /// @param cause  set when there is no such face
+    /// @return null then
+    static std::unique_ptr<FreeTypeFace> open(std::span<const td::BYTE> bytes, unsigned int index, std::string& cause);
+    ~FreeTypeFace();
+    FreeTypeFace(const FreeTypeFace&) = delete;
+    FreeTypeFace& operator=(const FreeTypeFace&) = delete;
+
+    /// One coordinate for each axis, in the axes' units. Before the face is used.
+    void setCoordinates(std::span<const float> coordinates);
+
+    /// In font units, y downwards; empty when there is none.
+    Path getOutline(std::uint32_t glyph) const;
+    /// @param isColor  whether the glyph is known to have a picture or layers
+    /// @return null, or else what is wrong
+    const char* getImage(std::uint32_t glyph, bool isColor, const GlyphRequest& request, GlyphImage& image) const;
+
+private:
+    FreeTypeFace();
+
+    const char* loadSized(std::uint32_t glyph, bool isColor, const GlyphRequest& request, double& pixelsPerEm) const;
+
+    std::unique_ptr<FT_MemoryRec_> _pMemory;
+    std::size_t _nBytes = 0; // that FreeType holds
+    FT_LibraryRec_* _pLibrary = nullptr;
+    FT_FaceRec_* _pFace = nullptr;
+    mutable std::mutex _mutex; // of the face, whose glyph slot and size each drawing changes
+};
+
+} // namespace gui::draw

@@ -1,0 +1,179 @@
+#include "OpenFont.h"
+
+#include <hb-ot.h>
+
+#include <algorithm>
+#include <atomic>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+std::uint64_t newID()
+{
+    static std::atomic<std::uint64_t> s_last{0};
+    return ++s_last;
+}
+
+std::span<const td::BYTE> bytesOf(hb_blob_t* pBlob)
+{
+    unsigned int n = 0;
+    const char* const bytes = hb_blob_get_data(pBlob, &n);
+    return {reinterpret_cast<const td::BYTE*>(bytes), n};
+}
+
+} // namespace
+
+std::shared_ptr<const OpenFont> OpenFont::open(Blob pBlob, unsigned int index, std::string& cause)
+{
+    const unsigned int nFaces = hb_face_count(pBlob.get());
+    const Face pFace(hb_face_create(pBlob.get(), index));
+    if (nFaces == 0 || (index < nFaces && hb_face_get_glyph_count(pFace.get()) == 0))
+        cause = "not a TrueType or OpenType font";
+    else if (index >= nFaces)
+        cause = "no face of index " + std::to_string(index);
+    else if (auto pFreeType = FreeTypeFace::open(bytesOf(pBlob.get()), index, cause))
+    {
+        hb_face_make_immutable(pFace.get());
+        return std::shared_ptr<const OpenFont>(
+            new OpenFont(std::move(pBlob), hb_font_create(pFace.get()), std::move(pFreeType), index));
+    }
+    return nullptr;
+}
+
+OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index)
+    : _pBlob(std::move(pBlob))
+    , _pFont(pFont)
+    , _pFreeType(std::move(pFreeType))
+    , _index(index)
+    , _id(newID())
+    , _hasPictures(hb_ot_color_has_png(getFace()) != 0)
+    , _hasLayers(hb_ot_color_has_layers(getFace()) != 0)
+{
+    hb_font_make_immutable(_pFont);
+    readMetrics();
+}
+
+std::shared_ptr<const OpenFont> OpenFont::moved(hb_font_t* pFont) const
+{
+    std::string cause;
+    auto pFreeType = FreeTypeFace::open(bytesOf(_pBlob.get()), _index, cause);
+    if (pFreeType == nullptr)
+    {
+        hb_font_destroy(pFont);
+        return nullptr;
+    }
+    unsigned int n = 0;
+    if (const float* const coordinates = hb_font_get_var_coords_design(pFont, &n))
+        pFreeType->setCoordinates({coordinates, n});
+    return std::shared_ptr<const OpenFont>(
+        new OpenFont(Blob(hb_blob_reference(_pBlob.get())), pFont, std::move(pFreeType), _index));
+}
+
+std::shared_ptr<const OpenFont> OpenFont::withVariations(std::span<const hb_variation_t> variations) const
+{
+    // HarfBuzz sets the axes that aren't named back to their standard.
+    std::vector<hb_variation_t> all;
+    const std::span<const float> coordinates = getCoordinates();
+    for (unsigned int i = 0; i < coordinates.size(); ++i)
+    {
+        hb_ot_var_axis_info_t info;
+        unsigned int n = 1;
+        hb_ot_var_get_axis_infos(getFace(), i, &n, &info);
+        hb_variation_t variation{info.tag, coordinates[i]};
+        for (const hb_variation_t& wanted : variations)
+            if (wanted.tag == info.tag)
+                variation.value = std::clamp(wanted.value, info.min_value, std::max(info.min_value, info.max_value));
+        all.push_back(variation);
+    }
+    hb_font_t* const pFont = hb_font_create(getFace());
+    hb_font_set_variations(pFont, all.data(), static_cast<unsigned int>(all.size()));
+    return moved(pFont);
+}
+
+std::shared_ptr<const OpenFont> OpenFont::withNamedInstance(unsigned int instance) const
+{
+    hb_font_t* const pFont = hb_font_create(getFace());
+    hb_font_set_var_named_instance(pFont, instance);
+    return moved(pFont);
+}
+
+std::span<const float> OpenFont::getCoordinates() const
+{
+    unsigned int n = 0;
+    const float* const coordinates = hb_font_get_var_coords_design(_pFont, &n);
+    if (n > 0)
+        return {coordinates, n};
+    return {};
+}
+
+void OpenFont::readMetrics()
+{
+    const auto value = [this](hb_ot_metrics_tag_t tag, double instead)
+    {
+        hb_position_t position = 0;
+        return hb_ot_metrics_get_position(_pFont, tag, &position) != 0 ? double(position) : instead;
+    };
+    // How high a letter is where the font doesn't tell.
+    const auto height = [this](hb_codepoint_t letter, double instead)
+    {
+        hb_codepoint_t glyph = 0;
+        hb_glyph_extents_t extents;
+        return hb_font_get_nominal_glyph(_pFont, letter, &glyph) != 0 &&
+                       hb_font_get_glyph_extents(_pFont, glyph, &extents) != 0
+                   ? double(extents.y_bearing)
+                   : instead;
+    };
+    const double em = hb_face_get_upem(getFace());
+    hb_font_extents_t line;
+    hb_font_get_extents_for_direction(_pFont, HB_DIRECTION_LTR, &line);
+    _metrics.unitsPerEm = em;
+    _metrics.ascent = line.ascender;
+    _metrics.descent = -double(line.descender);
+    _metrics.lineGap = std::max(line.line_gap, 0);
+    _metrics.underlineThickness = value(HB_OT_METRICS_TAG_UNDERLINE_SIZE, 0);
+    if (_metrics.underlineThickness <= 0)
+        _metrics.underlineThickness = em / 20;
+    // The font's places are the lines' upper edges.
+    _metrics.underlinePosition = _metrics.underlineThickness / 2 - value(HB_OT_METRICS_TAG_UNDERLINE_OFFSET, -em / 10);
+    _metrics.xHeight = value(HB_OT_METRICS_TAG_X_HEIGHT, 0);
+    if (_metrics.xHeight <= 0)
+        _metrics.xHeight = height('x', em / 2);
+    _metrics.capHeight = value(HB_OT_METRICS_TAG_CAP_HEIGHT, 0);
+    if (_metrics.capHeight <= 0)
+        _metrics.capHeight = height('H', em * 0.7);
+    _metrics.strikeoutPosition =
+        value(HB_OT_METRICS_TAG_STRIKEOUT_OFFSET, 0) - value(HB_OT_METRICS_TAG_STRIKEOUT_SIZE, 0) / 2;
+    if (_metrics.strikeoutPosition <= 0)
+        _metrics.strikeoutPosition = _metrics.xHeight / 2;
+}
+
+std::string OpenFont::getName(unsigned int preferredID, unsigned int nameID) const
+{
+    for (const unsigned int id : {preferredID, nameID})
+    {
+        const unsigned int n = hb_ot_name_get_utf8(getFace(), id, hb_language_from_string("en", -1), nullptr, nullptr);
+        if (n == 0)
+            continue;
+        std::string name(n + 1, '\0');
+        unsigned int size = n + 1;
+        hb_ot_name_get_utf8(getFace(), id, hb_language_from_string("en", -1), &size, name.data());
+        name.resize(size);
+        return name;
+    }
+    return {};
+}
+
+bool OpenFont::isColorGlyph(std::uint32_t glyph) const
+{
+    if (_hasLayers && hb_ot_color_glyph_get_layers(getFace(), glyph, 0, nullptr, nullptr) > 0)
+        return true;
+    if (!_hasPictures)
+        return false;
+    const Blob pPicture(hb_ot_color_glyph_reference_png(_pFont, glyph));
+    return hb_blob_get_length(pPicture.get()) > 0;
+}
+
+} // namespace gui::draw

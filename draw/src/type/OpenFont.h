@@ -1,0 +1,75 @@
+#pragma once
+
+#include "FreeTypeFace.h"
+
+#include <gui/draw/Typeface.h>
+
+#include <hb.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// Ends what HarfBuzz and others count by reference.
+template <auto release>
+struct Release
+{
+    template <typename T>
+    void operator()(T* p) const
+    {
+        release(p);
+    }
+};
+using Blob = std::unique_ptr<hb_blob_t, Release<hb_blob_destroy>>;
+using Face = std::unique_ptr<hb_face_t, Release<hb_face_destroy>>;
+
+/// A font at a place on its axes, for all handles that share it: opened by HarfBuzz, which measures and shapes, and by
+/// FreeType, which draws. Unchanged from then on; HarfBuzz's part is for any number of threads at once.
+class OpenFont
+{
+public:
+    /// @param cause  set when it can't be used  @return null then
+    static std::shared_ptr<const OpenFont> open(Blob pBlob, unsigned int index, std::string& cause);
+    ~OpenFont() { hb_font_destroy(_pFont); }
+    OpenFont(const OpenFont&) = delete;
+    OpenFont& operator=(const OpenFont&) = delete;
+
+    /// The same font elsewhere on its axes; null when that fails.
+    std::shared_ptr<const OpenFont> withVariations(std::span<const hb_variation_t> variations) const;
+    /// The same at one of the places that the font's maker has named.
+    std::shared_ptr<const OpenFont> withNamedInstance(unsigned int instance) const;
+
+    std::uint64_t getID() const { return _id; }
+    hb_font_t* getFont() const { return _pFont; }
+    hb_face_t* getFace() const { return hb_font_get_face(_pFont); }
+    const FreeTypeFace& getFreeType() const { return *_pFreeType; }
+    const Typeface::Metrics& getMetrics() const { return _metrics; }
+    /// The coordinate on each axis, in the axes' units.
+    std::span<const float> getCoordinates() const;
+    std::string getName(unsigned int preferredID, unsigned int nameID) const;
+    bool isColorGlyph(std::uint32_t glyph) const;
+    /// Whether it has pictures or layers in colour at all.
+    bool isColored() const { return _hasPictures || _hasLayers; }
+
+private:
+    OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index);
+
+    std::shared_ptr<const OpenFont> moved(hb_font_t* pFont) const;
+    void readMetrics();
+
+    Blob _pBlob;
+    hb_font_t* _pFont;
+    std::unique_ptr<FreeTypeFace> _pFreeType;
+    unsigned int _index;
+    std::uint64_t _id;
+    bool _hasPictures;
+    bool _hasLayers;
+    Typeface::Metrics _metrics;
+};
+
+} // namespace gui::draw

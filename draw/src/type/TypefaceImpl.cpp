@@ -1,0 +1,87 @@
+#include "TypefaceImpl.h"
+
+#include "SystemFonts.h"
+
+#include <hb-ot.h>
+
+#include <atomic>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+Typeface::Look lookOf(hb_font_t* pFont)
+{
+    Typeface::Look look;
+    look.weight = double(hb_style_get_value(pFont, HB_STYLE_TAG_WEIGHT));
+    look.width = double(hb_style_get_value(pFont, HB_STYLE_TAG_WIDTH));
+    if (hb_style_get_value(pFont, HB_STYLE_TAG_ITALIC) != 0)
+        look.slant = Typeface::Slant::Italic;
+    else if (hb_style_get_value(pFont, HB_STYLE_TAG_SLANT_ANGLE) != 0)
+        look.slant = Typeface::Slant::Oblique;
+    return look;
+}
+
+} // namespace
+
+TypefaceImpl::TypefaceImpl(std::shared_ptr<const OpenFont> pFont, std::vector<Typeface> fallbacks, bool asksSystem)
+    : _pFont(std::move(pFont))
+    , _fallbacks(std::move(fallbacks))
+    , _asksSystem(asksSystem)
+{
+    static std::atomic<std::uint64_t> s_last{0};
+    _id = ++s_last;
+}
+
+Typeface TypefaceImpl::make(std::shared_ptr<const OpenFont> pFont)
+{
+    return pFont == nullptr ? Typeface() : Typeface(std::make_shared<const TypefaceImpl>(std::move(pFont)));
+}
+
+bool TypefaceImpl::has(char32_t character) const
+{
+    hb_codepoint_t glyph = 0;
+    return hb_font_get_nominal_glyph(_pFont->getFont(), character, &glyph) != 0;
+}
+
+const Typeface* TypefaceImpl::fallbackFor(char32_t character, Presentation presentation,
+                                          std::string_view language) const
+{
+    const std::lock_guard lock(_mutex);
+    auto known = _known.find(language);
+    if (known == _known.end())
+        known = _known.emplace(language, Known()).first;
+    const std::uint32_t key = std::uint32_t(character) << 1 | std::uint32_t(presentation);
+    const auto [found, isNew] = known->second.try_emplace(key);
+    if (isNew)
+        found->second = searchFor(character, presentation, language);
+    return found->second ? &found->second : nullptr;
+}
+
+Typeface TypefaceImpl::searchFor(char32_t character, Presentation presentation, std::string_view language) const
+{
+    if (presentation == Presentation::Emoji)
+    {
+        for (const Typeface& face : _fallbacks)
+            if (const TypefaceImpl* const pImpl = of(face); pImpl && pImpl->font().isColored() && pImpl->has(character))
+                return face;
+        if (_asksSystem)
+            if (Typeface face = SystemFonts::instance().find({.isColored = true}, character))
+                return face;
+        if (has(character))
+            return {};
+    }
+    for (const Typeface& face : _fallbacks)
+        if (const TypefaceImpl* const pImpl = of(face); pImpl && pImpl->has(character))
+            return face;
+    if (!_asksSystem)
+        return {};
+    const SystemFonts::Wish wish{.family = _pFont->getName(HB_OT_NAME_ID_TYPOGRAPHIC_FAMILY, HB_OT_NAME_ID_FONT_FAMILY),
+                                 .look = lookOf(_pFont->getFont()),
+                                 .language = std::string(language)};
+    return SystemFonts::instance().find(wish, character);
+}
+
+} // namespace gui::draw
