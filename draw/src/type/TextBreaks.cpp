@@ -1,0 +1,125 @@
+#include "TextBreaks.h"
+
+#include <vo/Log.h>
+
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
+#include <unicode/uloc.h>
+#include <unicode/utext.h>
+#include <unicode/utf8.h>
+
+#include <array>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+struct CloseIterator
+{
+    void operator()(UBreakIterator* p) const { ubrk_close(p); }
+};
+using Iterator = std::unique_ptr<UBreakIterator, CloseIterator>;
+
+std::string toLocale(const std::string& language)
+{
+    std::array<char, ULOC_FULLNAME_CAPACITY> locale{};
+    UErrorCode error = U_ZERO_ERROR;
+    uloc_forLanguageTag(language.c_str(), locale.data(), ULOC_FULLNAME_CAPACITY - 1, nullptr, &error);
+    return U_SUCCESS(error) != 0 ? locale.data() : "";
+}
+
+// Opening one takes milliseconds, so each thread keeps those that it had; null when ICU's data aren't there.
+UBreakIterator* iteratorFor(UBreakIteratorType type, const std::string& language)
+{
+    thread_local std::map<std::pair<UBreakIteratorType, std::string>, Iterator> s_iterators;
+    // Languages come with texts, from anywhere; those of one program are few.
+    constexpr std::size_t cMost = 64;
+    if (s_iterators.size() > cMost)
+        s_iterators.clear();
+    const auto [found, isNew] = s_iterators.try_emplace({type, language});
+    if (isNew)
+    {
+        UErrorCode error = U_ZERO_ERROR;
+        found->second.reset(ubrk_open(type, toLocale(language).c_str(), nullptr, 0, &error));
+        if (U_FAILURE(error) != 0)
+        {
+            found->second.reset();
+            vo::dbgLog("ERROR! TextLayout cannot find where text breaks (%s)", u_errorName(error));
+        }
+    }
+    return found->second.get();
+}
+
+template <typename Take>
+void forBreaks(std::string_view text, UBreakIteratorType type, const std::string& language, Take take)
+{
+    UBreakIterator* const pIterator = text.empty() ? nullptr : iteratorFor(type, language);
+    if (pIterator == nullptr)
+        return;
+    UErrorCode error = U_ZERO_ERROR;
+    UText uText = UTEXT_INITIALIZER;
+    utext_openUTF8(&uText, text.data(), static_cast<std::int64_t>(text.size()), &error);
+    ubrk_setUText(pIterator, &uText, &error);
+    if (U_SUCCESS(error) != 0)
+    {
+        ubrk_first(pIterator);
+        for (int at = ubrk_next(pIterator); at != UBRK_DONE; at = ubrk_next(pIterator))
+            take(static_cast<std::uint32_t>(at), pIterator);
+    }
+    // The iterator has a copy that looks at the text too; without one it looks nowhere.
+    UText none = UTEXT_INITIALIZER;
+    utext_openUTF8(&none, "", 0, &error);
+    ubrk_setUText(pIterator, &none, &error);
+    utext_close(&none);
+    utext_close(&uText);
+}
+
+} // namespace
+
+std::vector<LineBreak> findLineBreaks(std::string_view text, const std::string& language)
+{
+    std::vector<LineBreak> breaks;
+    breaks.reserve(text.size() / 6);
+    forBreaks(text, UBRK_LINE, language,
+              [&](std::uint32_t at, UBreakIterator* pIterator) {
+                  breaks.push_back({at, ubrk_getRuleStatus(pIterator) >= UBRK_LINE_HARD});
+              });
+    return breaks;
+}
+
+std::vector<std::uint32_t> findGraphemes(std::string_view text)
+{
+    std::vector<std::uint32_t> breaks;
+    breaks.reserve(text.size());
+    forBreaks(text, UBRK_CHARACTER, {}, [&](std::uint32_t at, UBreakIterator*) { breaks.push_back(at); });
+    return breaks;
+}
+
+std::vector<std::uint32_t> findWords(std::string_view text, const std::string& language)
+{
+    std::vector<std::uint32_t> breaks;
+    forBreaks(text, UBRK_WORD, language, [&](std::uint32_t at, UBreakIterator*) { breaks.push_back(at); });
+    return breaks;
+}
+
+bool mayBeOneLetter(std::string_view text, std::size_t offset)
+{
+    const auto breakOf = [](UChar32 c) { return u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK); };
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    const auto n = static_cast<std::int32_t>(text.size());
+    auto at = static_cast<std::int32_t>(offset);
+    if (at <= 0 || at >= n)
+        return false;
+    UChar32 before = 0, after = 0;
+    std::int32_t behind = at;
+    U8_NEXT(bytes, behind, n, after);
+    U8_PREV(bytes, 0, at, before);
+    return breakOf(after) != U_GCB_OTHER || breakOf(before) == U_GCB_PREPEND || breakOf(before) == U_GCB_ZWJ;
+}
+
+} // namespace gui::draw

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// Where a line may end, or has to.
+struct LineBreak
+{
+    std::uint32_t offset; // in bytes
+    bool isHard;
+
+    bool operator==(const LineBreak&) const = default;
+};
+
+/// Unicode's rules for where text may be taken apart, by ICU. All take well-formed UTF-8 of less than 2 GiB, and leave
+/// out its beginning, but not its end; nothing for an empty text.
+std::vector<LineBreak> findLineBreaks(std::string_view text, const std::string& language);
+std::vector<std::uint32_t> findGraphemes(std::string_view text);
+std::vector<std::uint32_t> findWords(std::string_view text, const std::string& language);
+/// Whether what stands around an offset may be one letter; quick, and true more often than it has to be.
+bool mayBeOneLetter(std::string_view text, std::size_t offset);
+
+} // namespace gui::draw
