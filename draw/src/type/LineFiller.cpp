@@ -1,7 +1,5 @@
 #include "LineFiller.h"
 
-#include <vo/UTFConverter.h>
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -24,13 +22,6 @@ double scaleOf(const ShapedRun& run, const ShapeStyle& style)
     return unitsPerEm > 0 ? style.size / unitsPerEm : 0;
 }
 
-char32_t characterAt(std::string_view text, std::size_t offset)
-{
-    const auto* p = reinterpret_cast<const unsigned char*>(text.data()) + offset;
-    const unsigned char* const end = reinterpret_cast<const unsigned char*>(text.data()) + text.size();
-    return p < end ? vo::UTFConverter::next(p, end) : 0;
-}
-
 // Spaces at which lines break, and which may stand out then (UAX 14's classes SP and, of BA, the spaces).
 bool isHangingSpace(char32_t c)
 {
@@ -51,12 +42,16 @@ std::size_t LaidParagraph::getBytes() const
            glyphs.capacity() * sizeof(TextLayout::Glyph);
 }
 
+thread_local std::vector<LineFiller::Cluster> LineFiller::s_spareClusters;
+
 LineFiller::LineFiller(std::shared_ptr<const ShapedParagraph> pShaped, const LineSettings& settings)
     : _pShaped(std::move(pShaped))
     , _settings(settings)
     , _hasLimit(settings.width > 0 && std::isfinite(settings.width))
 {
     const std::vector<ShapedRun>& runs = _pShaped->getRuns();
+    _clusters.swap(s_spareClusters);
+    _clusters.clear();
     _clusters.reserve(_pShaped->getGlyphs().size() + runs.size());
     for (const ShapedRun& run : runs)
         addClusters(run, run.begin, run.end, _pShaped->glyphsOf(run), _clusters);
@@ -72,6 +67,8 @@ LineFiller::LineFiller(std::shared_ptr<const ShapedParagraph> pShaped, const Lin
     if (!(_tabDistance > 0))
         _tabDistance = std::max(style.size, 1e-3);
 }
+
+LineFiller::~LineFiller() { s_spareClusters.swap(_clusters); }
 
 void LineFiller::addClusters(const ShapedRun& run, std::uint32_t begin, std::uint32_t end,
                              std::span<const ShapedGlyph> glyphs, std::vector<Cluster>& clusters) const
@@ -246,7 +243,7 @@ void LineFiller::addOther(const ShapedRun& run, std::uint32_t at, FriBidiLevel l
     double advance = 0;
     for (ShapedGlyph& glyph : glyphs)
     {
-        glyph.cluster = at;
+        glyph.cluster = at & 0x7FFFFFFFU;
         advance += glyph.advance;
     }
     const ShapeStyle& style = _pShaped->getStyles()[run.style];

@@ -20,6 +20,9 @@ class LineFiller
 {
 public:
     LineFiller(std::shared_ptr<const ShapedParagraph> pShaped, const LineSettings& settings);
+    ~LineFiller();
+    LineFiller(const LineFiller&) = delete;
+    LineFiller& operator=(const LineFiller&) = delete;
 
     LaidParagraph fill();
 
@@ -82,6 +85,8 @@ private:
     void measureHeight(std::uint32_t begin, LaidLine& laid) const;
     std::size_t spanAt(std::uint32_t offset) const;
 
+    // Memory that the thread's next one has again.
+    static thread_local std::vector<Cluster> s_spareClusters;
     // Sums of the same numbers in another order differ.
     static constexpr double cSlack = 1e-9;
 

@@ -1,5 +1,7 @@
 #include "OpenFont.h"
 
+#include "WordShapes.h"
+
 #include <hb-ot.h>
 
 #include <algorithm>
@@ -51,10 +53,17 @@ OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> p
     , _id(newID())
     , _hasPictures(hb_ot_color_has_png(getFace()) != 0)
     , _hasLayers(hb_ot_color_has_layers(getFace()) != 0)
+    , _pCharacters(hb_set_create())
+    , _pWordShapes(std::make_unique<WordShapes>())
 {
+    hb_face_collect_unicodes(getFace(), _pCharacters.get());
+    for (unsigned int i = 0; i < _hasFirst.size(); ++i)
+        _hasFirst[i] = hb_set_has(_pCharacters.get(), i) != 0;
     hb_font_make_immutable(_pFont);
     readMetrics();
 }
+
+OpenFont::~OpenFont() { hb_font_destroy(_pFont); }
 
 std::shared_ptr<const OpenFont> OpenFont::moved(hb_font_t* pFont) const
 {

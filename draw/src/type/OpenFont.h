@@ -6,6 +6,7 @@
 
 #include <hb.h>
 
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -14,6 +15,8 @@
 
 namespace gui::draw
 {
+
+class WordShapes;
 
 /// Ends what HarfBuzz and others count by reference.
 template <auto release>
@@ -35,7 +38,7 @@ class OpenFont
 public:
     /// @param cause  set when it can't be used  @return null then
     static std::shared_ptr<const OpenFont> open(Blob pBlob, unsigned int index, std::string& cause);
-    ~OpenFont() { hb_font_destroy(_pFont); }
+    ~OpenFont();
     OpenFont(const OpenFont&) = delete;
     OpenFont& operator=(const OpenFont&) = delete;
 
@@ -48,11 +51,17 @@ public:
     hb_font_t* getFont() const { return _pFont; }
     hb_face_t* getFace() const { return hb_font_get_face(_pFont); }
     const FreeTypeFace& getFreeType() const { return *_pFreeType; }
+    WordShapes& getWordShapes() const { return *_pWordShapes; }
     const Typeface::Metrics& getMetrics() const { return _metrics; }
     /// The coordinate on each axis, in the axes' units.
     std::span<const float> getCoordinates() const;
     std::string getName(unsigned int preferredID, unsigned int nameID) const;
     bool isColorGlyph(std::uint32_t glyph) const;
+    /// Whether there is a glyph for a character.
+    bool has(char32_t character) const
+    {
+        return character < _hasFirst.size() ? _hasFirst[character] : hb_set_has(_pCharacters.get(), character) != 0;
+    }
     /// Whether it has pictures or layers in colour at all.
     bool isColored() const { return _hasPictures || _hasLayers; }
 
@@ -70,6 +79,9 @@ private:
     bool _hasPictures;
     bool _hasLayers;
     Typeface::Metrics _metrics;
+    std::unique_ptr<hb_set_t, Release<hb_set_destroy>> _pCharacters;
+    std::bitset<0x500> _hasFirst; // of these characters, which most texts consist of
+    std::unique_ptr<WordShapes> _pWordShapes;
 };
 
 } // namespace gui::draw

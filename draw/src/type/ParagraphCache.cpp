@@ -70,10 +70,11 @@ std::shared_ptr<const LaidParagraph> ParagraphCache::lay(const ParagraphText& pa
 {
     thread_local std::string s_key;
     makeKey(paragraph, s_key);
+    const Key key{s_key, std::hash<std::string_view>()(s_key)};
     std::shared_ptr<const ShapedParagraph> pShaped;
     {
         const std::lock_guard lock(_mutex);
-        if (const auto found = _byKey.find(s_key); found != _byKey.end())
+        if (const auto found = _byKey.find(key); found != _byKey.end())
         {
             Entry& entry = *found->second;
             _entries.splice(_entries.begin(), _entries, found->second);
@@ -90,23 +91,23 @@ std::shared_ptr<const LaidParagraph> ParagraphCache::lay(const ParagraphText& pa
     if (pShaped == nullptr)
         pShaped = std::make_shared<const ShapedParagraph>(paragraph);
     auto pLaid = std::make_shared<const LaidParagraph>(LineFiller(std::move(pShaped), settings).fill());
-    remember(s_key, settings, pLaid);
+    remember(key, settings, pLaid);
     return pLaid;
 }
 
-void ParagraphCache::remember(const std::string& key, const LineSettings& settings,
-                              const std::shared_ptr<const LaidParagraph>& pLaid)
+void ParagraphCache::remember(Key key, const LineSettings& settings, const std::shared_ptr<const LaidParagraph>& pLaid)
 {
     const std::lock_guard lock(_mutex);
     auto found = _byKey.find(key);
     if (found == _byKey.end())
     {
         Entry& entry = _entries.emplace_front();
-        entry.key = key;
+        entry.key = key.bytes;
+        entry.hash = key.hash;
         entry.pShaped = pLaid->pShaped;
-        entry.nBytes = sizeof(Entry) + key.size() + entry.pShaped->getBytes();
+        entry.nBytes = sizeof(Entry) + entry.key.size() + entry.pShaped->getBytes();
         _nBytes += entry.nBytes;
-        found = _byKey.emplace(entry.key, _entries.begin()).first;
+        found = _byKey.emplace(Key{entry.key, entry.hash}, _entries.begin()).first;
     }
     Entry& entry = *found->second;
     if (entry.laid.size() == cMaxLaid)
@@ -122,7 +123,7 @@ void ParagraphCache::remember(const std::string& key, const LineSettings& settin
     while (_nBytes > cMaxBytes && !_entries.empty())
     {
         _nBytes -= _entries.back().nBytes;
-        _byKey.erase(_entries.back().key);
+        _byKey.erase({_entries.back().key, _entries.back().hash});
         _entries.pop_back();
     }
 }

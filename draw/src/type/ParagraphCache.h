@@ -30,19 +30,31 @@ private:
     struct Entry
     {
         std::string key;
+        std::size_t hash = 0;
         std::shared_ptr<const ShapedParagraph> pShaped;
         std::vector<std::pair<LineSettings, std::shared_ptr<const LaidParagraph>>> laid; // the last one used last
         std::size_t nBytes = 0;
     };
     using Entries = std::list<Entry>; // the last one used first
+    // Keys are as long as paragraphs: each is gone through once.
+    struct Key
+    {
+        std::string_view bytes;
+        std::size_t hash;
+
+        bool operator==(const Key& other) const { return bytes == other.bytes; }
+    };
+    struct Hash
+    {
+        std::size_t operator()(const Key& key) const { return key.hash; }
+    };
 
     static void makeKey(const ParagraphText& paragraph, std::string& key);
-    void remember(const std::string& key, const LineSettings& settings,
-                  const std::shared_ptr<const LaidParagraph>& pLaid);
+    void remember(Key key, const LineSettings& settings, const std::shared_ptr<const LaidParagraph>& pLaid);
 
     std::mutex _mutex;
     Entries _entries;
-    std::unordered_map<std::string_view, Entries::iterator> _byKey; // keys are the entries' own
+    std::unordered_map<Key, Entries::iterator, Hash> _byKey; // the bytes are the entries' own
     std::size_t _nBytes = 0;
 };
 

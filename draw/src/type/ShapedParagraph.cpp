@@ -2,12 +2,10 @@
 
 #include "TextItemizer.h"
 #include "TypefaceImpl.h"
-
-#include <vo/UTFConverter.h>
+#include "WordShapes.h"
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <utility>
 
 namespace gui::draw
@@ -16,27 +14,21 @@ namespace gui::draw
 namespace
 {
 
-using Buffer = std::unique_ptr<hb_buffer_t, Release<hb_buffer_destroy>>;
-
 hb_language_t languageOf(const ShapeStyle& style)
 {
     return style.language.empty() ? hb_language_get_default()
                                   : hb_language_from_string(style.language.data(), int(style.language.size()));
 }
 
-// The thread's buffer, which keeps its memory from run to run.
-hb_buffer_t* emptyBuffer()
+WordShapes::Plan planOf(const ShapedRun& run, const ShapeStyle& style)
 {
-    thread_local const Buffer s_pBuffer(hb_buffer_create());
-    hb_buffer_reset(s_pBuffer.get());
-    return s_pBuffer.get();
-}
-
-void shape(hb_buffer_t* pBuffer, const ShapedRun& run, const ShapeStyle& style, std::vector<ShapedGlyph>& glyphs)
-{
-    std::vector<hb_feature_t> features;
-    const auto add = [&features](std::uint32_t tag, std::uint32_t value) {
-        features.push_back({tag, value, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END});
+    WordShapes::Plan plan{.pFont = TypefaceImpl::of(run.face)->font().getFont(),
+                          .script = run.script,
+                          .direction = run.isRightToLeft() ? HB_DIRECTION_RTL : HB_DIRECTION_LTR,
+                          .language = languageOf(style),
+                          .features = {}};
+    const auto add = [&plan](std::uint32_t tag, std::uint32_t value) {
+        plan.features.push_back({tag, value, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END});
     };
     if (style.letterSpacing != 0)
     {
@@ -45,20 +37,7 @@ void shape(hb_buffer_t* pBuffer, const ShapedRun& run, const ShapeStyle& style, 
     }
     for (const FontFeature& feature : style.features)
         add(feature.tag.value, feature.value);
-    hb_buffer_set_direction(pBuffer, run.isRightToLeft() ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
-    hb_buffer_set_script(pBuffer, run.script);
-    hb_buffer_set_language(pBuffer, languageOf(style));
-    hb_shape(TypefaceImpl::of(run.face)->font().getFont(), pBuffer, features.data(),
-             static_cast<unsigned int>(features.size()));
-
-    unsigned int n = 0;
-    const hb_glyph_info_t* const infos = hb_buffer_get_glyph_infos(pBuffer, &n);
-    const hb_glyph_position_t* const positions = hb_buffer_get_glyph_positions(pBuffer, &n);
-    glyphs.reserve(glyphs.size() + n);
-    for (unsigned int i = 0; i < n; ++i)
-        glyphs.push_back({infos[i].codepoint, infos[i].cluster, positions[i].x_advance, positions[i].x_offset,
-                          positions[i].y_offset,
-                          (hb_glyph_info_get_glyph_flags(&infos[i]) & HB_GLYPH_FLAG_UNSAFE_TO_BREAK) != 0});
+    return plan;
 }
 
 } // namespace
@@ -86,31 +65,27 @@ ShapedParagraph::ShapedParagraph(const ParagraphText& paragraph)
         _types = std::move(levels.types);
         _levels = std::move(levels.levels);
     }
-    _glyphs.reserve(_text.size() + _text.size() / 8);
+    _glyphs.reserve(itemizer.getOffsets().size());
     for (ShapedRun& run : _runs)
     {
         run.firstGlyph = static_cast<std::uint32_t>(_glyphs.size());
         if (run.kind == ShapedRun::Kind::Text)
-            shapeInto(run, run.begin, run.end, _glyphs);
+            shapeRun(run);
         run.nGlyphs = static_cast<std::uint32_t>(_glyphs.size()) - run.firstGlyph;
     }
 }
 
-void ShapedParagraph::shapeInto(const ShapedRun& run, std::uint32_t begin, std::uint32_t end,
-                                std::vector<ShapedGlyph>& glyphs) const
+void ShapedParagraph::shapeRun(ShapedRun& run)
 {
-    hb_buffer_t* const pBuffer = emptyBuffer();
-    // Letters may look at those beside the run, as Arabic ones do.
-    hb_buffer_add_utf8(pBuffer, _text.data(), int(_text.size()), begin, int(end - begin));
-    hb_buffer_set_flags(pBuffer, hb_buffer_flags_t((begin == 0 ? HB_BUFFER_FLAG_BOT : 0) |
-                                                   (end == _text.size() ? HB_BUFFER_FLAG_EOT : 0)));
-    shape(pBuffer, run, _styles[run.style], glyphs);
+    const WordShapes::Plan plan = planOf(run, _styles[run.style]);
+    if (!TypefaceImpl::of(run.face)->font().getWordShapes().shape(plan, _text, run.begin, run.end, _glyphs))
+        shapeByHarfBuzz(plan, _text, run.begin, run.end, _glyphs);
 }
 
 std::vector<ShapedGlyph> ShapedParagraph::shapePart(const ShapedRun& run, std::uint32_t begin, std::uint32_t end) const
 {
     std::vector<ShapedGlyph> glyphs;
-    shapeInto(run, begin, end, glyphs);
+    shapeByHarfBuzz(planOf(run, _styles[run.style]), _text, begin, end, glyphs);
     return glyphs;
 }
 
@@ -119,13 +94,10 @@ std::vector<ShapedGlyph> ShapedParagraph::shapeOther(ShapedRun& run, std::string
     std::vector<ShapedGlyph> glyphs;
     if (!run.face || text.empty())
         return glyphs;
-    const auto* p = reinterpret_cast<const unsigned char*>(text.data());
-    run.face = run.face.forCharacter(vo::UTFConverter::next(p, p + text.size()), _styles[run.style].language);
+    run.face = run.face.forCharacter(characterAt(text, 0), _styles[run.style].language);
     if (!run.face)
         run.face = _styles[run.style].face;
-    hb_buffer_t* const pBuffer = emptyBuffer();
-    hb_buffer_add_utf8(pBuffer, text.data(), int(text.size()), 0, int(text.size()));
-    shape(pBuffer, run, _styles[run.style], glyphs);
+    shapeByHarfBuzz(planOf(run, _styles[run.style]), text, 0, static_cast<std::uint32_t>(text.size()), glyphs);
     return glyphs;
 }
 

@@ -61,11 +61,11 @@ struct ParagraphText
 struct ShapedGlyph
 {
     std::uint32_t glyph;
-    std::uint32_t cluster; // in bytes from the paragraph's beginning
+    std::uint32_t cluster : 31;        // in bytes from the paragraph's beginning
+    std::uint32_t isUnsafeToBreak : 1; // text that is taken apart before it has to be shaped anew
     std::int32_t advance;
-    std::int32_t xOffset;
-    std::int32_t yOffset; // upwards
-    bool isUnsafeToBreak; // text that is taken apart before it has to be shaped anew
+    std::int16_t xOffset;
+    std::int16_t yOffset; // upwards
 };
 
 /// Text of one face, style, script and direction.
@@ -80,7 +80,7 @@ struct ShapedRun
 
     std::uint32_t begin, end; // in bytes
     std::uint32_t style;
-    std::uint32_t firstGlyph, nGlyphs; // from left to right
+    std::uint32_t firstGlyph, nGlyphs; // of the paragraph's, from left to right
     hb_script_t script;
     Typeface face;
     Kind kind;
@@ -129,8 +129,7 @@ public:
     std::size_t getBytes() const;
 
 private:
-    void shapeInto(const ShapedRun& run, std::uint32_t begin, std::uint32_t end,
-                   std::vector<ShapedGlyph>& glyphs) const;
+    void shapeRun(ShapedRun& run);
 
     std::string _text;
     std::vector<ParagraphText::Span> _spans;

@@ -1,12 +1,12 @@
 #include "TextBreaks.h"
 
 #include <vo/Log.h>
+#include <vo/UTFConverter.h>
 
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 #include <unicode/uloc.h>
 #include <unicode/utext.h>
-#include <unicode/utf8.h>
 
 #include <array>
 #include <map>
@@ -107,19 +107,27 @@ std::vector<std::uint32_t> findWords(std::string_view text, const std::string& l
     return breaks;
 }
 
+char32_t characterAt(std::string_view text, std::size_t offset)
+{
+    const auto* p = reinterpret_cast<const unsigned char*>(text.data()) + offset;
+    return vo::UTFConverter::next(p, reinterpret_cast<const unsigned char*>(text.data()) + text.size());
+}
+
+char32_t characterBefore(std::string_view text, std::size_t offset)
+{
+    std::size_t at = offset - 1;
+    while (at > 0 && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80)
+        --at;
+    return characterAt(text, at);
+}
+
 bool mayBeOneLetter(std::string_view text, std::size_t offset)
 {
-    const auto breakOf = [](UChar32 c) { return u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK); };
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    const auto n = static_cast<std::int32_t>(text.size());
-    auto at = static_cast<std::int32_t>(offset);
-    if (at <= 0 || at >= n)
+    const auto breakOf = [](char32_t c) { return u_getIntPropertyValue(UChar32(c), UCHAR_GRAPHEME_CLUSTER_BREAK); };
+    if (offset == 0 || offset >= text.size())
         return false;
-    UChar32 before = 0, after = 0;
-    std::int32_t behind = at;
-    U8_NEXT(bytes, behind, n, after);
-    U8_PREV(bytes, 0, at, before);
-    return breakOf(after) != U_GCB_OTHER || breakOf(before) == U_GCB_PREPEND || breakOf(before) == U_GCB_ZWJ;
+    const int before = breakOf(characterBefore(text, offset));
+    return breakOf(characterAt(text, offset)) != U_GCB_OTHER || before == U_GCB_PREPEND || before == U_GCB_ZWJ;
 }
 
 } // namespace gui::draw

@@ -18,6 +18,8 @@ namespace
 // As many open brackets as the bidirectional algorithm follows.
 constexpr std::size_t cMaxBrackets = 63;
 
+constexpr std::size_t cLongestCluster = 32; // of characters, for those that never end
+constexpr char32_t cFirstMark = 0x300; // there is none before
 constexpr char32_t cTextSelector = 0xFE0E, cEmojiSelector = 0xFE0F;
 
 // Whether a character can have or give a level other than 0: all right-to-left scripts and the controls that set
@@ -83,12 +85,19 @@ bool wantsEmoji(std::span<const char32_t> cluster)
 
 } // namespace
 
+thread_local std::vector<char32_t> TextItemizer::s_spareCharacters;
+thread_local std::vector<std::uint32_t> TextItemizer::s_spareOffsets;
+
 TextItemizer::TextItemizer(std::string_view text, std::span<const ParagraphText::Span> spans,
                            std::span<const ShapeStyle> styles)
     : _text(text)
     , _spans(spans)
     , _styles(styles)
 {
+    _characters.swap(s_spareCharacters);
+    _offsets.swap(s_spareOffsets);
+    _characters.clear();
+    _offsets.clear();
     _characters.reserve(text.size());
     _offsets.reserve(text.size());
     const auto* const begin = reinterpret_cast<const unsigned char*>(text.data());
@@ -98,6 +107,12 @@ TextItemizer::TextItemizer(std::string_view text, std::span<const ParagraphText:
         _offsets.push_back(static_cast<std::uint32_t>(p - begin));
         _characters.push_back(vo::UTFConverter::next(p, end));
     }
+}
+
+TextItemizer::~TextItemizer()
+{
+    s_spareCharacters.swap(_characters);
+    s_spareOffsets.swap(_offsets);
 }
 
 TextItemizer::Levels TextItemizer::findLevels(TextDirection direction) const
@@ -201,11 +216,13 @@ void TextItemizer::findFaces()
     if (!needsAny())
         return;
     _faces.resize(_characters.size());
-    std::size_t begin = 0, span = 0;
-    for (const std::uint32_t endOffset : findGraphemes(_text))
+    std::size_t span = 0;
+    for (std::size_t begin = 0, end = 0; begin < _characters.size(); begin = end)
     {
-        std::size_t end = begin;
-        while (end < _offsets.size() && _offsets[end] < endOffset)
+        // What may be one letter has one face; whether it is one doesn't matter.
+        end = begin + 1;
+        while (end < _characters.size() && end - begin < cLongestCluster && _characters[end] >= cFirstMark &&
+               mayBeOneLetter(_text, _offsets[end]))
             ++end;
         while (_offsets[begin] >= _spans[span].end)
             ++span;
@@ -213,15 +230,19 @@ void TextItemizer::findFaces()
         const Typeface* const pFace =
             style.face ? faceFor(std::span(_characters).subspan(begin, end - begin), style) : &style.face;
         std::fill(_faces.begin() + std::ptrdiff_t(begin), _faces.begin() + std::ptrdiff_t(end), pFace);
-        begin = end;
     }
-    // Where ICU finds no clusters, each style's own face.
-    for (; begin < _faces.size(); ++begin)
-    {
-        while (_offsets[begin] >= _spans[span].end)
-            ++span;
-        _faces[begin] = &_styles[_spans[span].style].face;
-    }
+    // Spaces between words of another face are that face's too, so that the words are one run.
+    for (std::size_t i = 1; i < _faces.size(); ++i)
+        if (_characters[i] == ' ' && _faces[i - 1] != _faces[i] && _faces[i - 1] != nullptr)
+        {
+            std::size_t next = i;
+            while (next < _faces.size() && _characters[next] == ' ')
+                ++next;
+            if (next < _faces.size() && _faces[next] != nullptr && *_faces[next] == *_faces[i - 1] &&
+                TypefaceImpl::of(*_faces[next])->has(' '))
+                std::fill(_faces.begin() + std::ptrdiff_t(i), _faces.begin() + std::ptrdiff_t(next), _faces[next]);
+            i = next;
+        }
 }
 
 std::vector<ShapedRun> TextItemizer::findRuns(const Levels& levels)

@@ -21,6 +21,9 @@ class TextItemizer
 public:
     /// @param text, spans, styles  as the paragraph's; not owned
     TextItemizer(std::string_view text, std::span<const ParagraphText::Span> spans, std::span<const ShapeStyle> styles);
+    ~TextItemizer();
+    TextItemizer(const TextItemizer&) = delete;
+    TextItemizer& operator=(const TextItemizer&) = delete;
 
     /// The paragraph's direction, and the levels where directions differ.
     struct Levels
@@ -46,6 +49,10 @@ private:
     void findFaces();
     const Typeface* faceFor(std::span<const char32_t> cluster, const ShapeStyle& style) const;
     hb_script_t scriptOf(char32_t character);
+
+    // Memory that the thread's next one has again.
+    static thread_local std::vector<char32_t> s_spareCharacters;
+    static thread_local std::vector<std::uint32_t> s_spareOffsets;
 
     std::string_view _text;
     std::span<const ParagraphText::Span> _spans;

@@ -28,13 +28,17 @@ void appendWellFormed(std::string& text, std::string_view more)
     const auto* p = begin;
     const auto* kept = begin;
     const auto keep = [&](const unsigned char* to)
-    { text.append(reinterpret_cast<const char*>(kept), std::size_t(to - kept)); };
+    { text.append(reinterpret_cast<const char*>(kept), static_cast<std::size_t>(to - kept)); };
     while (p < end)
     {
+        if (*p < 0x80)
+        {
+            ++p;
+            continue;
+        }
         const auto* const at = p;
         // The replacement itself is three bytes of its own.
-        if (vo::UTFConverter::next(p, end) == 0xFFFD &&
-            !(p - at == 3 && at[0] == 0xEF && at[1] == 0xBF && at[2] == 0xBD))
+        if (vo::UTFConverter::next(p, end) == 0xFFFD && !(p - at == 3 && at[1] == 0xBF && at[2] == 0xBD))
         {
             keep(at);
             text += "\uFFFD";
@@ -179,12 +183,19 @@ void TextLayout::layParagraphs()
 
 void TextLayout::place()
 {
+    std::size_t nRuns = 0, nLines = 0;
     for (const Paragraph& paragraph : _paragraphs)
+    {
+        nRuns += paragraph.pLaid->runs.size();
+        nLines += paragraph.pLaid->lines.size();
         for (const LaidLine& line : paragraph.pLaid->lines)
         {
             _textWidth = std::max(_textWidth, line.right - line.left);
             _isCut = _isCut || line.isCut;
         }
+    }
+    _runs.reserve(nRuns);
+    _lines.reserve(nLines);
     _size.width = lengthOrZero(_paragraphStyle.width);
     if (_size.width == 0)
         _size.width = _textWidth;

@@ -40,12 +40,6 @@ Typeface TypefaceImpl::make(std::shared_ptr<const OpenFont> pFont)
     return pFont == nullptr ? Typeface() : Typeface(std::make_shared<const TypefaceImpl>(std::move(pFont)));
 }
 
-bool TypefaceImpl::has(char32_t character) const
-{
-    hb_codepoint_t glyph = 0;
-    return hb_font_get_nominal_glyph(_pFont->getFont(), character, &glyph) != 0;
-}
-
 const Typeface* TypefaceImpl::fallbackFor(char32_t character, Presentation presentation,
                                           std::string_view language) const
 {

@@ -43,7 +43,7 @@ public:
     /// Of this font with these faces to fall back on, never given twice.
     std::uint64_t getID() const { return _id; }
 
-    bool has(char32_t character) const;
+    bool has(char32_t character) const { return _pFont->has(character); }
 
     /// The face for a character after the face itself was found to lack it, or to have it in black for an emoji; null
     /// when there is none. It lives as long as this.

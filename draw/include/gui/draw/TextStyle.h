@@ -22,7 +22,7 @@ struct Halo
 
 /// What text looks like. A value:
 ///
-///     drawing.text({10, 20}, "Lake Constance", {.face = Typeface::named("DejaVu Serif"), .size = 14, .paint = "#204060"});
+///     TextLayout label("Lake Constance", {.face = Typeface::named("serif"), .size = 14, .paint = "#204060"});
 ///
 /// Lengths are all in the style's unit. What makes the letters' places (face, size, letterSpacing, features, language)
 /// is for TextLayout; the rest is for who draws it.

@@ -1,0 +1,203 @@
+// Text laid out: 100 kB in ten languages and seven scripts, wrapped; beside it HarfBuzz alone, which shapes the same
+// runs.
+
+#include <gui/draw/TextLayout.h>
+
+#include <benchmark/benchmark.h>
+#include <hb.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace
+{
+
+using namespace gui::draw;
+
+constexpr std::array<std::string_view, 10> cSentences{
+    "All human beings are born free and equal in dignity and rights. They are endowed with reason and conscience and "
+    "should act towards one another in a spirit of brotherhood. ",
+    "Alle Menschen sind frei und gleich an Würde und Rechten geboren. Sie sind mit Vernunft und Gewissen begabt und "
+    "sollen einander im Geiste der Brüderlichkeit begegnen. ",
+    "Tous les êtres humains naissent libres et égaux en dignité et en droits. Ils sont doués de raison et de "
+    "conscience "
+    "et doivent agir les uns envers les autres dans un esprit de fraternité. ",
+    "Все люди рождаются свободными и равными в своем достоинстве и правах. Они наделены разумом и совестью и должны "
+    "поступать в отношении друг друга в духе братства. ",
+    "Όλοι οι άνθρωποι γεννιούνται ελεύθεροι και ίσοι στην αξιοπρέπεια και τα δικαιώματα. Είναι προικισμένοι με λογική "
+    "και συνείδηση. ",
+    "يولد جميع الناس أحرارًا متساوين في الكرامة والحقوق. وقد وهبوا عقلاً وضميرًا وعليهم أن يعامل بعضهم بعضًا بروح الإخاء. ",
+    "כל בני האדם נולדו בני חורין ושווים בערכם ובזכויותיהם. כולם חוננו בתבונה ובמצפון. ",
+    "सभी मनुष्यों को गौरव और अधिकारों के मामले में जन्मजात स्वतन्त्रता और समानता प्राप्त है। ",
+    "人人生而自由，在尊严和权利上一律平等。他们赋有理性和良心，并应以兄弟关系的精神相对待。",
+    "Wszyscy ludzie rodzą się wolni i równi pod względem swej godności i swych praw. Są oni obdarzeni rozumem. "};
+
+constexpr std::size_t cBytes = 100000;
+constexpr std::array cFiles{"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+                            "/usr/share/fonts/truetype/lohit-devanagari/Lohit-Devanagari.ttf",
+                            "/usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf"};
+
+// Paragraphs of some sentences each, none like another one.
+std::string makeText()
+{
+    std::string text;
+    unsigned int random = 7;
+    for (unsigned int i = 0; text.size() < cBytes; ++i)
+    {
+        text += std::to_string(i) + ") ";
+        for (unsigned int k = 0; k < 4; ++k)
+        {
+            random = random * 1664525 + 1013904223;
+            text += cSentences[(random >> 16) % cSentences.size()];
+        }
+        text.back() = '\n';
+    }
+    return text;
+}
+
+struct Fonts
+{
+    Typeface face;
+    std::map<std::uint64_t, hb_font_t*> byID;
+
+    Fonts()
+    {
+        std::vector<Typeface> faces;
+        for (const char* const file : cFiles)
+            if (const Typeface opened = Typeface::fromFile(file))
+            {
+                hb_blob_t* const pBlob = hb_blob_create_from_file(file);
+                hb_face_t* const pFace = hb_face_create(pBlob, 0);
+                byID[opened.getID()] = hb_font_create(pFace);
+                hb_face_destroy(pFace);
+                hb_blob_destroy(pBlob);
+                faces.push_back(opened);
+            }
+        face = faces.front().withFallbacks({faces.begin() + 1, faces.end()}, false);
+    }
+};
+
+const Fonts& fonts()
+{
+    static const Fonts s_fonts;
+    return s_fonts;
+}
+
+struct ShapeRun
+{
+    std::size_t begin, end;
+    hb_font_t* pFont;
+    hb_segment_properties_t properties;
+};
+
+// What there is to shape, taken from the layout.
+std::vector<ShapeRun> runsOf(const TextLayout& layout)
+{
+    std::vector<ShapeRun> runs;
+    for (const TextLayout::Run& run : layout.getRuns())
+    {
+        const auto first = std::ranges::min_element(run.glyphs, {}, &TextLayout::Glyph::offset);
+        runs.push_back({run.text + first->offset,
+                        0,
+                        fonts().byID.at(run.face.getID()),
+                        {run.isRightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR, HB_SCRIPT_COMMON,
+                         hb_language_get_default(), nullptr, nullptr}});
+    }
+    std::ranges::sort(runs, {}, &ShapeRun::begin);
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        runs[i].end = std::min(i + 1 < runs.size() ? runs[i + 1].begin : layout.getText().size(),
+                               layout.getText().find('\n', runs[i].begin));
+    hb_buffer_t* const pBuffer = hb_buffer_create();
+    for (ShapeRun& run : runs)
+    {
+        hb_buffer_clear_contents(pBuffer);
+        hb_buffer_add_utf8(pBuffer, layout.getText().data() + run.begin, int(run.end - run.begin), 0, -1);
+        hb_buffer_guess_segment_properties(pBuffer);
+        run.properties.script = hb_buffer_get_script(pBuffer);
+    }
+    hb_buffer_destroy(pBuffer);
+    return runs;
+}
+
+void HarfBuzzAlone(benchmark::State& state)
+{
+    const std::string text = makeText();
+    const std::vector<ShapeRun> runs = runsOf(TextLayout(text, {.face = fonts().face}));
+    hb_buffer_t* const pBuffer = hb_buffer_create();
+    std::size_t nGlyphs = 0;
+    for (auto _ : state)
+    {
+        nGlyphs = 0;
+        for (const ShapeRun& run : runs)
+        {
+            hb_buffer_clear_contents(pBuffer);
+            hb_buffer_add_utf8(pBuffer, text.data(), int(text.size()), static_cast<unsigned int>(run.begin),
+                               int(run.end - run.begin));
+            hb_buffer_set_segment_properties(pBuffer, &run.properties);
+            hb_shape(run.pFont, pBuffer, nullptr, 0);
+            nGlyphs += hb_buffer_get_length(pBuffer);
+        }
+    }
+    hb_buffer_destroy(pBuffer);
+    state.counters["glyphs"] = double(nGlyphs);
+    state.counters["runs"] = double(runs.size());
+}
+BENCHMARK(HarfBuzzAlone)->Unit(benchmark::kMillisecond);
+
+// Each time in a size that there wasn't.
+void LayoutFirst(benchmark::State& state)
+{
+    const std::string text = makeText();
+    static double s_size = 12;
+    std::size_t nLines = 0;
+    for (auto _ : state)
+    {
+        s_size += 1e-9;
+        const TextLayout layout(text, {.face = fonts().face, .size = s_size}, {.width = 400});
+        nLines = layout.getLines().size();
+    }
+    state.counters["lines"] = double(nLines);
+}
+BENCHMARK(LayoutFirst)->Unit(benchmark::kMillisecond);
+
+void LayoutAgain(benchmark::State& state)
+{
+    const std::string text = makeText();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(TextLayout(text, {.face = fonts().face}, {.width = 400}));
+}
+BENCHMARK(LayoutAgain)->Unit(benchmark::kMillisecond);
+
+// Shaped before, but never so wide.
+void LayoutInAnotherWidth(benchmark::State& state)
+{
+    const std::string text = makeText();
+    static double s_width = 400;
+    for (auto _ : state)
+    {
+        s_width += 0.01;
+        benchmark::DoNotOptimize(TextLayout(text, {.face = fonts().face}, {.width = s_width}));
+    }
+}
+BENCHMARK(LayoutInAnotherWidth)->Unit(benchmark::kMillisecond);
+
+// What a key pressed in an editor costs: one paragraph is another one.
+void LayoutAfterAKey(benchmark::State& state)
+{
+    std::string text = makeText();
+    const std::size_t middle = text.find('\n', text.size() / 2);
+    char letter = 'a';
+    for (auto _ : state)
+    {
+        text.insert(middle, 1, letter);
+        letter = letter == 'z' ? 'a' : char(letter + 1);
+        benchmark::DoNotOptimize(TextLayout(text, {.face = fonts().face}, {.width = 400}));
+    }
+}
+BENCHMARK(LayoutAfterAKey)->Unit(benchmark::kMillisecond)->Iterations(100);
+
+} // namespace
