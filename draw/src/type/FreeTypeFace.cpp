@@ -271,6 +271,8 @@ const char* FreeTypeFace::loadSized(std::uint32_t glyph, bool isColor, const Gly
 const char* FreeTypeFace::getImage(std::uint32_t glyph, bool isColor, const GlyphRequest& request,
                                    GlyphImage& image) const
 {
+    if (glyph >= static_cast<std::uint32_t>(_pFace->num_glyphs))
+        return textOf(FT_Err_Invalid_Glyph_Index);
     if (!(request.pixelsPerEm > 0 && request.pixelsPerEm <= cMaxPixels))
         return textOf(FT_Err_Invalid_Pixel_Size);
     const std::lock_guard lock(_mutex);

@@ -61,6 +61,7 @@ OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> p
         _hasFirst[i] = hb_set_has(_pCharacters.get(), i) != 0;
     hb_font_make_immutable(_pFont);
     readMetrics();
+    readCoordinates();
 }
 
 OpenFont::~OpenFont() { hb_font_destroy(_pFont); }
@@ -88,7 +89,7 @@ std::shared_ptr<const OpenFont> OpenFont::withVariations(std::span<const hb_vari
     const std::span<const float> coordinates = getCoordinates();
     for (unsigned int i = 0; i < coordinates.size(); ++i)
     {
-        hb_ot_var_axis_info_t info;
+        hb_ot_var_axis_info_t info{};
         unsigned int n = 1;
         hb_ot_var_get_axis_infos(getFace(), i, &n, &info);
         hb_variation_t variation{info.tag, coordinates[i]};
@@ -109,13 +110,19 @@ std::shared_ptr<const OpenFont> OpenFont::withNamedInstance(unsigned int instanc
     return moved(pFont);
 }
 
-std::span<const float> OpenFont::getCoordinates() const
+void OpenFont::readCoordinates()
 {
     unsigned int n = 0;
-    const float* const coordinates = hb_font_get_var_coords_design(_pFont, &n);
-    if (n > 0)
-        return {coordinates, n};
-    return {};
+    const float* const moved = hb_font_get_var_coords_design(_pFont, &n);
+    _coordinates.assign(moved, moved + n);
+    // Before it is moved it has none.
+    for (unsigned int i = n; i < hb_ot_var_get_axis_count(getFace()); ++i)
+    {
+        hb_ot_var_axis_info_t info{};
+        unsigned int nInfos = 1;
+        hb_ot_var_get_axis_infos(getFace(), i, &nInfos, &info);
+        _coordinates.push_back(info.default_value);
+    }
 }
 
 void OpenFont::readMetrics()

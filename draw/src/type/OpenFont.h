@@ -54,7 +54,7 @@ public:
     WordShapes& getWordShapes() const { return *_pWordShapes; }
     const Typeface::Metrics& getMetrics() const { return _metrics; }
     /// The coordinate on each axis, in the axes' units.
-    std::span<const float> getCoordinates() const;
+    std::span<const float> getCoordinates() const { return _coordinates; }
     std::string getName(unsigned int preferredID, unsigned int nameID) const;
     bool isColorGlyph(std::uint32_t glyph) const;
     /// Whether there is a glyph for a character.
@@ -70,6 +70,7 @@ private:
 
     std::shared_ptr<const OpenFont> moved(hb_font_t* pFont) const;
     void readMetrics();
+    void readCoordinates();
 
     Blob _pBlob;
     hb_font_t* _pFont;
@@ -79,6 +80,7 @@ private:
     bool _hasPictures;
     bool _hasLayers;
     Typeface::Metrics _metrics;
+    std::vector<float> _coordinates;
     std::unique_ptr<hb_set_t, Release<hb_set_destroy>> _pCharacters;
     std::bitset<0x500> _hasFirst; // of these characters, which most texts consist of
     std::unique_ptr<WordShapes> _pWordShapes;

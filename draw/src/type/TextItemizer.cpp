@@ -19,7 +19,7 @@ namespace
 constexpr std::size_t cMaxBrackets = 63;
 
 constexpr std::size_t cLongestCluster = 32; // of characters, for those that never end
-constexpr char32_t cFirstMark = 0x300; // there is none before
+constexpr char32_t cFirstMark = 0x300;      // there is none before
 constexpr char32_t cTextSelector = 0xFE0E, cEmojiSelector = 0xFE0F;
 
 // Whether a character can have or give a level other than 0: all right-to-left scripts and the controls that set

@@ -123,27 +123,22 @@ std::vector<TextLayout::Box> TextLayout::boxesOf(std::size_t line) const
             auto next = std::ranges::lower_bound(letters, begin);
             const auto last = std::ranges::lower_bound(letters, end);
             const bool goesOn = next == last || *next > begin;
-            const auto nParts = static_cast<double>((last - next) + (goesOn && ofRun.empty() ? 1 : 0));
-            const double part = (run.isRightToLeft ? -1 : 1) * clusters[i].width / std::max(nParts, 1.0);
-            const auto add = [&](std::size_t from)
+            const auto nParts = static_cast<double>((last - next) + (goesOn ? 1 : 0));
+            const double part = (run.isRightToLeft ? -1 : 1) * clusters[i].width / nParts;
+            // More of the letter before, which is in another run where a line's end parts them.
+            if (goesOn)
             {
-                ofRun.push_back(
-                    {paragraph.begin + from, 0, std::min(x, x + part), std::max(x, x + part), run.isRightToLeft});
                 x += part;
-            };
-            if (goesOn && ofRun.empty())
-                add(begin);
-            else if (goesOn && next == last)
-            {
-                // More of the letter before.
-                x += part;
-                (run.isRightToLeft ? ofRun.back().left : ofRun.back().right) = x;
+                if (!ofRun.empty())
+                    (run.isRightToLeft ? ofRun.back().left : ofRun.back().right) = x;
             }
             for (; next != last; ++next)
-                add(*next);
+            {
+                ofRun.push_back({paragraph.begin + *next, paragraph.begin + *std::next(next), std::min(x, x + part),
+                                 std::max(x, x + part), run.isRightToLeft});
+                x += part;
+            }
         }
-        for (std::size_t i = 0; i < ofRun.size(); ++i)
-            ofRun[i].end = i + 1 < ofRun.size() ? ofRun[i + 1].begin : paragraph.begin + run.end;
         if (run.isRightToLeft)
             std::ranges::reverse(ofRun);
         boxes.insert(boxes.end(), ofRun.begin(), ofRun.end());
@@ -263,7 +258,8 @@ TextLayout::Position TextLayout::step(Position position, bool isToRight) const
     {
         const Position result = isToRight ? pBox->atRight() : pBox->atLeft();
         // At the end of a wrapped line the caret is where one goes on to read.
-        const bool isAtWrap = result.affinity == Affinity::Upstream && result.offset == _lines[index].end &&
+        const bool isAtWrap = pBox == (isToRight ? &boxes.back() : &boxes.front()) &&
+                              isToRight != _lines[index].isRightToLeft && result.affinity == Affinity::Upstream &&
                               index + 1 < _lines.size() && result.offset == _lines[index + 1].begin;
         return isAtWrap ? Position{result.offset, Affinity::Downstream} : result;
     }
@@ -274,7 +270,8 @@ TextLayout::Position TextLayout::step(Position position, bool isToRight) const
     const std::vector<Box> others = boxesOf(index);
     if (others.empty())
         return {_lines[index].begin, Affinity::Downstream};
-    return isToRight ? others.front().atLeft() : others.back().atRight();
+    // Where that line is read first, or last.
+    return goesOn != _lines[index].isRightToLeft ? others.front().atLeft() : others.back().atRight();
 }
 
 TextLayout::Position TextLayout::getRight(Position position) const { return step(position, true); }
