@@ -28,12 +28,6 @@ bool isHangingSpace(char32_t c)
     return c == ' ' || c == 0x1680 || (c >= 0x2000 && c <= 0x200A && c != 0x2007) || c == 0x205F || c == 0x3000;
 }
 
-// The ends of lines that don't end paragraphs: line separator, line tabulation, form feed.
-bool endsInLineEnd(std::string_view text)
-{
-    return text.ends_with('\v') || text.ends_with('\f') || text.ends_with("\u2028");
-}
-
 } // namespace
 
 std::size_t LaidParagraph::getBytes() const

@@ -69,7 +69,7 @@ void forBreaks(std::string_view text, UBreakIteratorType type, const std::string
     {
         ubrk_first(pIterator);
         for (int at = ubrk_next(pIterator); at != UBRK_DONE; at = ubrk_next(pIterator))
-            take(static_cast<std::uint32_t>(at), pIterator);
+            take(static_cast<std::uint32_t>(at));
     }
     // The iterator has a copy that looks at the text too; without one it looks nowhere.
     UText none = UTEXT_INITIALIZER;
@@ -85,25 +85,33 @@ std::vector<LineBreak> findLineBreaks(std::string_view text, const std::string& 
 {
     std::vector<LineBreak> breaks;
     breaks.reserve(text.size() / 6);
+    // ICU's own word on whether a line has to end also goes for the places that its dictionaries find before there.
     forBreaks(text, UBRK_LINE, language,
-              [&](std::uint32_t at, UBreakIterator* pIterator) {
-                  breaks.push_back({at, ubrk_getRuleStatus(pIterator) >= UBRK_LINE_HARD});
+              [&](std::uint32_t at) {
+                  breaks.push_back({at, endsInLineEnd(text.substr(0, at))});
               });
     return breaks;
+}
+
+bool endsInLineEnd(std::string_view text)
+{
+    const char last = text.empty() ? ' ' : text.back();
+    return (last >= '\n' && last <= '\r') || text.ends_with("\u0085") || text.ends_with("\u2028") ||
+           text.ends_with("\u2029");
 }
 
 std::vector<std::uint32_t> findGraphemes(std::string_view text)
 {
     std::vector<std::uint32_t> breaks;
     breaks.reserve(text.size());
-    forBreaks(text, UBRK_CHARACTER, {}, [&](std::uint32_t at, UBreakIterator*) { breaks.push_back(at); });
+    forBreaks(text, UBRK_CHARACTER, {}, [&](std::uint32_t at) { breaks.push_back(at); });
     return breaks;
 }
 
 std::vector<std::uint32_t> findWords(std::string_view text, const std::string& language)
 {
     std::vector<std::uint32_t> breaks;
-    forBreaks(text, UBRK_WORD, language, [&](std::uint32_t at, UBreakIterator*) { breaks.push_back(at); });
+    forBreaks(text, UBRK_WORD, language, [&](std::uint32_t at) { breaks.push_back(at); });
     return breaks;
 }
 

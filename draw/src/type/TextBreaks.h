@@ -23,6 +23,9 @@ struct LineBreak
 std::vector<LineBreak> findLineBreaks(std::string_view text, const std::string& language);
 std::vector<std::uint32_t> findGraphemes(std::string_view text);
 std::vector<std::uint32_t> findWords(std::string_view text, const std::string& language);
+/// Whether a text's last character ends a line, or more.
+bool endsInLineEnd(std::string_view text);
+
 /// The character at an offset below the text's size, and the one before an offset above 0.
 char32_t characterAt(std::string_view text, std::size_t offset);
 char32_t characterBefore(std::string_view text, std::size_t offset);
