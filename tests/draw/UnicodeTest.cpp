@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -69,8 +68,8 @@ TEST(UnicodeTest, GraphemeBreaks)
         EXPECT_EQ(findGraphemes(which.text), which.breaks) << which.line;
 }
 
-/// The breaks that were found, where those that are missing are all behind one of these characters (and marks on it), and
-/// none is there that should not be.
+/// Whether all breaks that are missing are behind one of these characters (and marks on it), and none is there that
+/// should not be.
 bool differsBehind(const BreakCase& which, const std::vector<std::uint32_t>& breaks, std::string_view characters)
 {
     if (!std::ranges::includes(which.breaks, breaks))
@@ -103,19 +102,14 @@ TEST(UnicodeTest, LineBreaks)
 {
     const auto cases = readBreaks("auxiliary/LineBreakTest.txt");
     EXPECT_GT(cases.size(), 7000U);
-    std::size_t nOther = 0;
     for (const BreakCase& which : cases)
     {
         std::vector<std::uint32_t> breaks;
         for (const LineBreak& found : findLineBreaks(which.text, ""))
             breaks.push_back(found.offset);
-        if (breaks == which.breaks)
-            continue;
-        ++nOther;
         std::erase_if(breaks, [&](std::uint32_t at) { return which.text.compare(at, 3, ".35") == 0; });
         EXPECT_TRUE(differsBehind(which, breaks, "-,.")) << which.line;
     }
-    std::printf("%zu of %zu line breaks are CLDR's\n", nOther, cases.size());
 }
 
 TEST(UnicodeTest, BidiCharacters)

@@ -141,7 +141,7 @@ WordShapes::Table& WordShapes::tableFor(const Plan& plan)
 }
 
 // The word between spaces. It stands alone where HarfBuzz has looked no farther than the nearest of these, in vain or
-// not, and where the first one and the word leave each other as they are. What comes of a space behind it is the word's.
+// not, and where the first one and the word leave each other as they are. What comes of a space behind it is its own.
 void WordShapes::Table::add(const Plan& plan, std::string_view word)
 {
     // Two more spaces than there may be in the text: HarfBuzz marks what it looks at together, from the first to the
