@@ -3,6 +3,7 @@
 #include "ZOrder.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace gui::draw
@@ -62,6 +63,7 @@ void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32
 {
     const std::size_t number = shape.nodes.size();
     shape.nodes.emplace_back();
+    _parents.push_back(static_cast<std::uint32_t>(parent));
     if (number != parent)
         addElement(shape, ElementKind::Node, number, parent);
     std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
@@ -72,6 +74,7 @@ void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32
             const auto point = static_cast<std::uint32_t>(i);
             const GridPoint p = withoutMark(shape.points[point]);
             widen(box, {p.x, p.y, p.x, p.y});
+            _leaves[point] = static_cast<std::uint32_t>(number);
             if (i == last)
                 break;
             addElement(shape, kind, point, number);
@@ -101,6 +104,7 @@ void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t
     }
     const std::size_t number = shape.nodes.size();
     shape.nodes.emplace_back();
+    _parents.push_back(static_cast<std::uint32_t>(parent));
     if (number != parent)
         addElement(shape, ElementKind::Node, number, parent);
     std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
@@ -135,11 +139,26 @@ void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, S
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     linkRings(shape);
     addElement(shape, ElementKind::Box);
+    addTree(shape, ElementKind::Edge);
+    addTriangles(shape);
+}
+
+// Behind the boundary, which leaves them only pixels that are inside with all they are.
+void ShapeBuilder::addTriangles(ShapeGeometry& shape)
+{
     const std::vector<std::uint32_t>& indices = _fill.getIndices();
     for (std::size_t i = 0; i < indices.size(); i += 3)
+    {
+        const std::uint32_t a = _numbers[indices[i]], b = _numbers[indices[i + 1]], c = _numbers[indices[i + 2]];
+        const auto [low, high] = std::minmax({_leaves[a], _leaves[b], _leaves[c]});
+        std::uint32_t number = low;
+        while (high >= static_cast<std::uint32_t>(shape.nodes[number].next))
+            number = _parents[number];
+        const std::array<std::int32_t, 4>& box = shape.nodes[number].box;
+        const auto size = static_cast<std::uint32_t>(std::max(box[2] - box[0], box[3] - box[1]));
         shape.elements.push_back({static_cast<std::uint32_t>(ElementKind::Triangle) << 28,
-                                  {_numbers[indices[i]], _numbers[indices[i + 1]], _numbers[indices[i + 2]]}});
-    addTree(shape, ElementKind::Edge);
+                                  {a | static_cast<std::uint32_t>(std::bit_width(size)) << cTriangleSizeShift, b, c}});
+    }
 }
 
 // Joins the boundary's edges end to end: which ones, where several meet, makes no difference to what they enclose.
@@ -193,6 +212,8 @@ void ShapeBuilder::addTree(ShapeGeometry& shape, ElementKind kind)
 {
     if (_rings.size() > static_cast<std::size_t>(cParts))
         std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
+    _leaves.resize(shape.points.size());
+    _parents.clear();
     if (!_rings.empty())
         addRings(shape, 0, _rings.size(), kind, 0);
 }

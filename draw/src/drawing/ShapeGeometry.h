@@ -27,7 +27,7 @@ static_assert(sizeof(EdgeNode) == 32);
 /// What a quad is made from.
 enum class ElementKind : std::uint32_t
 {
-    Triangle, ///< three points
+    Triangle, ///< three points, and how large the smallest node around them is: see cTriangleSizeShift
     Edge,     ///< of a fill's boundary: the point where it begins, and its leaf
     Line,     ///< of a stroke, likewise
     Tip,      ///< of a mitre: the point of its corner, and the leaf of the line that begins there
@@ -42,6 +42,11 @@ struct Element
     std::array<std::uint32_t, 3> points{};
 };
 static_assert(sizeof(Element) == 16);
+
+/// The topmost five bits of a triangle's first point: the power of two, in steps, that the smallest node with all of its
+/// points is not larger than. Where that node is small enough to be one quad, the triangle has no pixels of its own.
+/// Drivers' texture buffers have no room for more points than the other bits can number.
+inline constexpr unsigned int cTriangleSizeShift = 27;
 
 /// Marks the corner of a stroke that is round whatever its joins are; coordinates leave a bit for it.
 inline GridPoint markRound(GridPoint p) { return {p.x ^ 0x40000000, p.y}; }
@@ -79,6 +84,7 @@ private:
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
     void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind, std::size_t parent);
     void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind, std::size_t parent);
+    void addTriangles(ShapeGeometry& shape);
     static void addElement(ShapeGeometry& shape, ElementKind kind, std::size_t first = 0, std::size_t second = 0);
 
     struct Ring
@@ -92,8 +98,10 @@ private:
     std::vector<std::uint32_t> _starts, _next, _numbers;
     std::vector<Ring> _rings;
     std::vector<GridPoint> _line;
-    std::vector<bool> _areWithinCurves; // of the points in _line
-    std::vector<std::uint32_t> _tips;   // points of corners, in their order
+    std::vector<bool> _areWithinCurves;  // of the points in _line
+    std::vector<std::uint32_t> _tips;    // points of corners, in their order
+    std::vector<std::uint32_t> _leaves;  // of points
+    std::vector<std::uint32_t> _parents; // of nodes
 };
 
 /// The tolerance that stands for "as fine as the path wants".

@@ -26,8 +26,9 @@ void main()
     toMiddle = place.toMiddle;
     stepsToPixels = vec4(place.pixels[0], place.pixels[1]);
     vec2 t[3];
+    ivec3 numbers = ivec3(element.yzw & cPointBits) + int(parts.w);
     for (int i = 0; i < 3; ++i)
-        t[i] = pixelOf(place, texelFetch(points, int(parts.w) + int(element[i + 1])).xy);
+        t[i] = pixelOf(place, texelFetch(points, numbers[i]).xy);
     vec2 least = min(min(t[0], t[1]), t[2]), most = max(max(t[0], t[1]), t[2]);
     if (any(greaterThan(least, halfSize)) || any(lessThan(most, -halfSize)) ||
         max(max(-least.x, -least.y), max(most.x, most.y)) > cFar || any(lessThan(most - least, vec2(2.0))))

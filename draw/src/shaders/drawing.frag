@@ -12,7 +12,6 @@ flat in uvec4 parts;
 flat in ivec2 middle;
 flat in vec2 toMiddle;
 flat in vec4 stepsToPixels;
-noperspective in vec3 corner;
 
 out vec4 color;
 
@@ -22,7 +21,7 @@ out vec4 color;
 // The mean of x, brought into 0 to 1, from u to v.
 float meanOfClamped(float u, float v)
 {
-    if (abs(v - u) < 1e-3)
+    if (abs(v - u) < 1e-3 || min(u, v) >= 1.0)
         return clamp((u + v) / 2.0, 0.0, 1.0);
     vec2 t = vec2(u, v), c = clamp(t, 0.0, 1.0);
     vec2 area = c * c / 2.0 + max(t - 1.0, 0.0);
@@ -41,9 +40,9 @@ float areaLeftOf(vec2 a, vec2 b)
     return (y1 - y0) * meanOfClamped(a.x + (y0 - a.y) * slope + 0.5, a.x + (y1 - a.y) * slope + 0.5);
 }
 
-float areaOfLine(Place place, int first, vec2 pixel)
+float areaOfLine(Place place, int from, int to, vec2 pixel)
 {
-    ivec2 pa = texelFetch(points, first).xy, pb = texelFetch(points, first + 1).xy;
+    ivec2 pa = texelFetch(points, from).xy, pb = texelFetch(points, to).xy;
     vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
     vec2 nearA = a, nearB = b;
     float area = 0.0;
@@ -57,36 +56,35 @@ float areaOfLine(Place place, int first, vec2 pixel)
     return area + areaLeftOf(nearA - pixel, nearB - pixel);
 }
 
+// Each round looks at a node or at a line of a leaf, and takes one line into account: one of a leaf, or the one from
+// first to last point of a node that is as good as that, being too small or to the right with all of it. Software
+// drivers run through the whole body for each of the pixels that they work at together, so there is only one.
 float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
 {
-    mat2 extent = mat2(abs(place.pixels[0]), abs(place.pixels[1]));
+    mat2 extent = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * 0.5;
     float area = 0.0;
     int base = node, end = node + nNodes;
-    while (node < end)
+    int line = 0, last = 0; // of a leaf, what is left of it
+    while (line < last || node < end)
     {
-        ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
-        vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
-        vec2 c = place.pixels * (low + high) / 2.0 - pixel, h = extent * vec2(box.zw - box.xy) / 2.0;
-        int first = pointBase + info.y, last = pointBase + info.z;
-        if (abs(c.x) < h.x + 0.5 && abs(c.y) < h.y + 0.5)
+        int from = line, to = line + 1;
+        ++line;
+        if (line > last)
         {
-            if (max(h.x, h.y) < 1.0 / 64.0)
-                area += areaLeftOf(pixelOf(place, texelFetch(points, first).xy) - pixel,
-                                   pixelOf(place, texelFetch(points, last).xy) - pixel);
-            else if (info.w == 0)
-            {
-                ++node;
-                continue;
-            }
-            else
-                for (int i = first; i < last; ++i)
-                    area += areaOfLine(place, i, pixel);
+            ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+            vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
+            vec2 c = place.pixels * (low + high) * 0.5 - pixel, h = extent * vec2(box.zw - box.xy);
+            bool isBeside = abs(c.y) < h.y + 0.5;
+            bool isIn = isBeside && abs(c.x) < h.x + 0.5, isSmall = max(h.x, h.y) < 1.0 / 64.0;
+            bool isEntered = isIn && !isSmall;
+            from = pointBase + info.y;
+            to = pointBase + info.z;
+            line = from;
+            last = isEntered && info.w != 0 ? to : from;
+            node = isEntered && info.w == 0 ? node + 1 : base + info.x;
+            to = (isIn ? isSmall : isBeside && c.x > 0.0) ? to : from;
         }
-        else if (c.x > 0.0 && abs(c.y) < h.y + 0.5 && first != last)
-            // All of it is to the right: only where it begins and ends counts.
-            area += heightWithin(pixelOf(place, texelFetch(points, first).xy).y - pixel.y,
-                                 pixelOf(place, texelFetch(points, last).xy).y - pixel.y);
-        node = base + info.x;
+        area += areaOfLine(place, from, to, pixel);
     }
     return determinant(place.pixels) < 0.0 ? -area : area;
 }
@@ -362,55 +360,71 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
 
 #endif
 
-// A line of the stroke with its join at the beginning and the caps of open ends.
-uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, vec2 pixel, int pointBase, int i)
+// A line of the stroke, in the brush's space about the pixel.
+struct Line
 {
-    ivec2 pb = strokePoint(i), pc = strokePoint(i + 1);
+    int from, to; // its points, or those of a node that is small enough to be one line
+    vec2 a, u;    // where it begins, and its direction
+    float len;
+    bool isNear;  // its body or its caps may reach the pixel,
+    bool mayJoin; // or what joins it to the line before
+};
+
+// A line of no length has no direction, not that of rounding.
+Line lineFrom(Brush brush, Place place, mat2 toBrush, vec2 pixel, int from, int to)
+{
+    Line line;
+    line.from = from;
+    line.to = to;
+    ivec2 pb = strokePoint(from), pc = strokePoint(to);
     vec2 nearB = pixelOf(place, pb), nearC = pixelOf(place, pc);
     bool isShort = shorten(place, pb, pc, nearB, nearC);
-    vec2 a = toBrush * (nearB - pixel);
-    // From whole numbers: a line of no length has no direction, not that of rounding.
-    vec2 u = toBrush * (isShort ? nearC - nearB : place.pixels * vec2(pc - pb));
-    float len = length(u);
-    u = len > 0.0 ? u / len : vec2(1.0, 0.0);
-    uvec2 mask = uvec2(0u);
-    // Too far away for anything but a mitre's tip.
-    float along = -dot(a, u), across = dot(a, vec2(-u.y, u.x));
+    line.a = toBrush * (nearB - pixel);
+    // From whole numbers where it can be.
+    vec2 way = toBrush * (isShort ? nearC - nearB : place.pixels * vec2(pc - pb));
+    line.len = length(way);
+    line.u = line.len > 0.0 ? way / line.len : vec2(1.0, 0.0);
+    float along = -dot(line.a, line.u), across = dot(line.a, vec2(-line.u.y, line.u.x));
     float reach = brush.radius + brush.pixel;
-    bool isNear = abs(across) <= reach && along >= -reach && along <= len + reach;
-    bool mayJoin = dot(a, a) <= brush.reach * brush.reach;
-    if (!isNear && !mayJoin)
-        return mask;
-    ivec2 pa = strokePoint(i - 1), pd = strokePoint(i + 2);
-    bool isFirst = pa == pb, isLast = pd == pc;
-    bool isJoined = !isFirst;
+    line.isNear = abs(across) <= reach && along >= -reach && along <= line.len + reach;
+    line.mayJoin = dot(line.a, line.a) <= brush.reach * brush.reach;
+    return line;
+}
+
+// With its join at the beginning and the caps of open ends.
+uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase, Line line, bool isChord)
+{
+    vec2 a = line.a, u = line.u;
+    float len = line.len;
+    ivec2 wayBefore = strokePoint(line.from) - strokePoint(line.from - 1);
+    bool isFirst = wayBefore == ivec2(0), isLast = strokePoint(line.to) == strokePoint(line.to + 1);
+    bool isJoined = !isFirst && !isChord;
+    uvec2 mask = uvec2(0u);
 #ifdef DASHES
     if (brush.dashes >= 0)
     {
-        float start = 0.0;
-        start = texelFetch(numbers, brush.lengths + i - pointBase).x * brush.perStep;
+        float start = texelFetch(numbers, brush.lengths + line.from - pointBase).x * brush.perStep;
         // A subpath's first line joins nothing: its dashes begin and end with caps.
         isFirst = isFirst || start == 0.0;
-        isLast = isLast || texelFetch(numbers, brush.lengths + 1 + i - pointBase).x < 0.0;
+        isLast = isLast || texelFetch(numbers, brush.lengths + line.to - pointBase).x < 0.0;
         isJoined = !isFirst && isDashAt(brush, start / brush.dashScale);
-        if (isNear)
+        if (line.isNear)
             mask |= dashesMask(rows, brush, a, u, len, start, isFirst, isLast);
     }
     else
 #endif
-    if (isNear)
+    if (line.isNear)
     {
-        mask |= bodyMask(rows, brush, a, u, 0.0, len);
+        // What is too small to be seen has no joins but what covers most of them.
+        mask |= bodyMask(rows, brush, a, u, isChord && !isFirst ? -0.7 * brush.radius : 0.0, len);
         if (isFirst)
             mask |= capMask(rows, brush, a, u, 0.0, -1.0);
         if (isLast)
             mask |= capMask(rows, brush, a, u, len, 1.0);
     }
-    if (isJoined && mayJoin)
-    {
-        vec2 before = toBrush * (place.pixels * vec2(pb - pa));
-        mask |= joinMask(rows, brush, a, normalize(before), u, texelFetch(points, i).x != pb.x);
-    }
+    if (isJoined && line.mayJoin)
+        mask |= joinMask(rows, brush, a, normalize(toBrush * (place.pixels * vec2(wayBefore))), u,
+                         texelFetch(points, line.from).x != strokePoint(line.from).x);
     return mask;
 }
 
@@ -464,45 +478,47 @@ float coverageOfStroke(Place place, vec2 pixel)
     rows.way = toBrush * vec2(1.0 / 8.0, -1.0 / 64.0);
 
     mat2 toBrushFromSteps = toBrush * place.pixels;
-    mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1]));
+    mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1])) * 0.5;
     vec2 pixelInBrush = toBrush * pixel;
     vec2 margin = across + brush.radius * max(uintBitsToFloat(more.w), 1.0);
     int pointBase = int(parts.w);
     int node = int(parts.y), base = node, end = node + int(parts.z);
     uvec2 mask = uvec2(0u);
-    while (node < end && mask != uvec2(0xffffffffu))
+    int next = 0, last = 0; // lines of a leaf
+    // The inner loop finds a line that may cover something, the outer one finds what it does: software drivers, which
+    // run through both for each of the pixels that they work at together, do the dear part as seldom as can be.
+    bool isFound = true;
+    while (isFound && mask != uvec2(0xffffffffu))
     {
-        ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
-        vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
-        vec2 c = toBrushFromSteps * (low + high) / 2.0 - pixelInBrush;
-        vec2 h = extent * vec2(box.zw - box.xy) / 2.0;
-        if (all(lessThan(abs(c), h + margin)))
+        isFound = false;
+        bool isChord = false;
+        Line line;
+        while (!isFound && (next < last || node < end))
         {
-            int first = pointBase + info.y, last = pointBase + info.z;
-            if (max(h.x, h.y) < 1.0 / 16.0 && brush.dashes < 0 && last > first + 1)
+            int from = next, to = next + 1;
+            ++next;
+            isChord = false;
+            bool isLine = next <= last;
+            if (!isLine)
             {
-                vec2 a = toBrush * (pixelOf(place, strokePoint(first)) - pixel);
-                vec2 b = toBrush * (pixelOf(place, strokePoint(last)) - pixel);
-                float len = length(b - a);
-                vec2 u = len > 0.0 ? (b - a) / len : vec2(1.0, 0.0);
-                mask |= bodyMask(rows, brush, a, u, 0.0, len);
-                if (strokePoint(first - 1) != strokePoint(first))
-                    mask |= bodyMask(rows, brush, a, u, -brush.radius * 0.7, 0.0);
-                else
-                    mask |= capMask(rows, brush, a, u, 0.0, -1.0);
-                if (strokePoint(last + 1) == strokePoint(last))
-                    mask |= capMask(rows, brush, a, u, len, 1.0);
+                ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+                vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
+                vec2 c = toBrushFromSteps * (low + high) * 0.5 - pixelInBrush;
+                vec2 h = extent * vec2(box.zw - box.xy);
+                bool isIn = all(lessThan(abs(c), h + margin));
+                from = pointBase + info.y;
+                to = pointBase + info.z;
+                isChord = isIn && max(h.x, h.y) < 1.0 / 16.0 && brush.dashes < 0 && info.z > info.y + 1;
+                isLine = isChord;
+                next = from;
+                last = isIn && !isChord && info.w != 0 ? to : from;
+                node = isIn && !isChord && info.w == 0 ? node + 1 : base + info.x;
             }
-            else if (info.w == 0)
-            {
-                ++node;
-                continue;
-            }
-            else
-                for (int i = first; i < last; ++i)
-                    mask |= lineMask(rows, brush, place, toBrush, pixel, pointBase, i);
+            line = lineFrom(brush, place, toBrush, pixel, from, to);
+            isFound = isLine && (line.isNear || line.mayJoin && !isChord);
         }
-        node = base + info.x;
+        if (isFound)
+            mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord);
     }
     return shareOf(mask) * fade;
 }
@@ -523,8 +539,8 @@ void main()
     Place place = Place(middle, toMiddle, mat2(stepsToPixels.xy, stepsToPixels.zw));
     vec2 pixel = gl_FragCoord.xy - halfSize;
     float coverage = 1.0;
-    // All of the pixel within a triangle needs no closer look.
-    if (kind != cTriangles || any(lessThan(corner - (abs(dFdx(corner)) + abs(dFdy(corner))) / 2.0, vec3(0.0))))
+    // A triangle finds no pixels but those that no line touches.
+    if (kind != cTriangles)
 #if defined FILLS && defined STROKES
         coverage = (flags & cStroke) != 0u ? coverageOfStroke(place, pixel) : coverageOfFill(place, pixel);
 #elif defined STROKES

@@ -13,6 +13,8 @@ uniform float pixelsPerPoint;
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u;
+// Of a triangle's points; the first one has something else above.
+const uint cPointBits = 0x07ffffffu;
 // Pixels from the middle beyond which floats are too coarse.
 const float cFar = 32768.0;
 

@@ -9,20 +9,32 @@ flat out uvec4 parts;     // colour, nodes, how many, points
 flat out ivec2 middle;    // the viewport's middle in the shape's steps,
 flat out vec2 toMiddle;   // and what is to be added to a point's distance from it
 flat out vec4 stepsToPixels;
-noperspective out vec3 corner;
 
 // Quads from this number on are boxes around whole shapes, by the numbers of their records.
 const int cBoxes = 1 << 28;
 // Pixels up to which a shape is one box: its parts would look at most pixels more than once.
 const float cSmall = 16.0;
 // The same for parts of a shape: a box around some lines.
-const float cSmallPart = 6.0;
+const float cSmallPart = 8.0;
+const float cBlock = 4.0;
+// Half of a pixel's side, and of its diagonal, and a little more.
+const float cSide = 0.51, cDiagonal = 0.72;
 
 // In pixels, along the axis where it is larger.
 float sizeOf(ivec4 box, Place place)
 {
     vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
     return max(size.x, size.y);
+}
+
+// Of a rectangle, as far as it takes for whole blocks of pixels, which rasterizers work at together. What is looked at
+// once costs nothing when another quad comes there.
+vec2 cornerOf(vec2 low, vec2 high, int c)
+{
+    vec2 p = vec2((c & 1) == 0 ? low.x : high.x, (c & 2) == 0 ? low.y : high.y) + halfSize;
+    vec2 block = p / cBlock;
+    return vec2((c & 1) == 0 ? floor(block.x) : ceil(block.x), (c & 2) == 0 ? floor(block.y) : ceil(block.y)) * cBlock -
+           halfSize;
 }
 
 void main()
@@ -35,7 +47,6 @@ void main()
     uvec4 state = texelFetch(shapes, 6 * shape + 2);
     flags = state.z;
     parts = texelFetch(shapes, 6 * shape + 3);
-    corner = vec3(0.0);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
     if ((flags & cVisible) == 0u || parts.z == 0u)
         return;
@@ -73,8 +84,13 @@ void main()
 
     if (kind == cTriangles)
     {
+        // Within a node that is small, which is drawn instead.
+        float size = powerOfTwo(int(element.y >> 27));
+        if (max(abs(place.pixels[0].x) + abs(place.pixels[1].x), abs(place.pixels[0].y) + abs(place.pixels[1].y)) *
+                size <= cSmallPart)
+            return;
         vec2 t[4];
-        ivec4 numbers = ivec4(element.yzw, 0);
+        ivec4 numbers = ivec4(element.yzw & cPointBits, 0);
         for (int i = 0; i < 3; ++i)
             t[i] = pixelOf(place, texelFetch(points, base + numbers[i]).xy);
         vec2 least = min(min(t[0], t[1]), t[2]), most = max(max(t[0], t[1]), t[2]);
@@ -89,19 +105,16 @@ void main()
             p = vec2((c & 1) == 0 ? low.x : high.x, (c & 2) == 0 ? low.y : high.y);
         }
         else
-        {
             p = t[min(c, 2)];
-            corner = vec3(c == 0, c == 1, c >= 2);
-        }
     }
     else if (kind == cBox || kind == cNode)
     {
         vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
         vec2 c0 = place.pixels * ((stepsOf(place, box.xy) + stepsOf(place, box.zw)) / 2.0);
-        vec2 extent = size / 2.0 + half_ * reach + 1.0;
+        vec2 extent = size / 2.0 + half_ * reach + cSide;
         if (any(greaterThan(abs(c0), high + extent)))
             return;
-        p = c0 + vec2((c & 1) == 0 ? -extent.x : extent.x, (c & 2) == 0 ? -extent.y : extent.y);
+        p = cornerOf(c0 - extent, c0 + extent, c);
     }
     else
     {
@@ -109,7 +122,7 @@ void main()
         ivec2 pa = strokePoint(i), pb = strokePoint(i + 1);
         vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
         shorten(place, pa, pb, a, b);
-        float across = half_ + 1.0;
+        float across = half_ + cDiagonal;
         vec2 along = b - a;
         float len = length(along);
         along = len > 0.0 ? along / len : vec2(1.0, 0.0);
@@ -135,6 +148,9 @@ void main()
             return;
         p = ((c & 1) == 0 ? a - along * extra : b + along * extra) +
             normal * ((c & 2) == 0 ? -across : across);
+        // As far as the quad's own corners, for mitres that have no tip of their own.
+        if (kind != cTip && len <= cSmallPart)
+            p = cornerOf(min(a, b) - half_ * 1.4143 - cDiagonal, max(a, b) + half_ * 1.4143 + cDiagonal, c);
     }
     gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
 }
