@@ -484,41 +484,38 @@ float coverageOfStroke(Place place, vec2 pixel)
     int pointBase = int(parts.w);
     int node = int(parts.y), base = node, end = node + int(parts.z);
     uvec2 mask = uvec2(0u);
-    int next = 0, last = 0; // lines of a leaf
-    // The inner loop finds a line that may cover something, the outer one finds what it does: software drivers, which
-    // run through both for each of the pixels that they work at together, do the dear part as seldom as can be.
-    bool isFound = true;
-    while (isFound && mask != uvec2(0xffffffffu))
+    // One loop finds leaves, the next one which of their lines may cover something, the last one what they do: software
+    // drivers, which run through each for all of the pixels that they work at together, do dear things seldom.
+    while (node < end && mask != uvec2(0xffffffffu))
     {
-        isFound = false;
+        int from = 0, to = 0;
         bool isChord = false;
-        Line line;
-        while (!isFound && (next < last || node < end))
+        while (node < end && from == to)
         {
-            int from = next, to = next + 1;
-            ++next;
-            isChord = false;
-            bool isLine = next <= last;
-            if (!isLine)
-            {
-                ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
-                vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
-                vec2 c = toBrushFromSteps * (low + high) * 0.5 - pixelInBrush;
-                vec2 h = extent * vec2(box.zw - box.xy);
-                bool isIn = all(lessThan(abs(c), h + margin));
-                from = pointBase + info.y;
-                to = pointBase + info.z;
-                isChord = isIn && max(h.x, h.y) < 1.0 / 16.0 && brush.dashes < 0 && info.z > info.y + 1;
-                isLine = isChord;
-                next = from;
-                last = isIn && !isChord && info.w != 0 ? to : from;
-                node = isIn && !isChord && info.w == 0 ? node + 1 : base + info.x;
-            }
-            line = lineFrom(brush, place, toBrush, pixel, from, to);
-            isFound = isLine && (line.isNear || line.mayJoin && !isChord);
+            ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+            vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
+            vec2 c = toBrushFromSteps * (low + high) * 0.5 - pixelInBrush;
+            vec2 h = extent * vec2(box.zw - box.xy);
+            bool isIn = all(lessThan(abs(c), h + margin));
+            isChord = max(h.x, h.y) < 1.0 / 16.0 && brush.dashes < 0 && info.z > info.y + 1;
+            bool isOpened = isIn && !isChord && info.w == 0;
+            node = isOpened ? node + 1 : base + info.x;
+            from = pointBase + info.y;
+            to = isIn && !isOpened ? pointBase + info.z : from;
         }
-        if (isFound)
+        uint near = 0u;
+        for (int i = from; i < to; i = isChord ? to : i + 1)
+        {
+            Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
+            if (line.isNear || line.mayJoin && !isChord)
+                near |= 1u << uint(i - from);
+        }
+        for (; near != 0u; near &= near - 1u)
+        {
+            int i = from + ((near & 1u) != 0u ? 0 : (near & 2u) != 0u ? 1 : (near & 4u) != 0u ? 2 : 3);
+            Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
             mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord);
+        }
     }
     return shareOf(mask) * fade;
 }
