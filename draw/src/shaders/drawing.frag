@@ -114,10 +114,12 @@ float coverageOfFill(Place place, vec2 pixel)
 #ifdef STROKES
 // ---- strokes: samples, eight in each of eight rows, no two at the same x or y; bit by bit those that are covered
 
+// Where they are in the brush's space: there a round brush is round.
 struct Rows
 {
-    vec4 x0, x1, y0, y1; // where rows begin, in the brush's space: there a round brush is round
-    vec2 way;            // from sample to sample
+    vec2 start; // the first sample of the first row
+    vec2 step;  // from row to row
+    vec2 way;   // from sample to sample
 };
 
 // Of each row, the samples from low to high.
@@ -126,45 +128,39 @@ struct Spans
     vec4 low0, low1, high0, high1;
 };
 
-Spans wholeRows() { return Spans(vec4(-1.0), vec4(-1.0), vec4(8.0), vec4(8.0)); }
+const vec4 cRows0 = vec4(0.0, 1.0, 2.0, 3.0), cRows1 = vec4(4.0, 5.0, 6.0, 7.0);
+const float cEndless = 1e4;
 
-void cutSpan(inout vec4 low, inout vec4 high, vec4 f, float g, float half_)
+Spans wholeRows() { return Spans(vec4(0.0), vec4(0.0), vec4(7.0), vec4(7.0)); }
+
+// One through the growth of n x from sample to sample; along a row where it does not grow all samples are alike.
+float slowness(Rows rows, vec2 n)
 {
-    if (abs(g) < 1e-7)
-        high = mix(vec4(-1.0), high, lessThanEqual(abs(f), vec4(half_)));
-    else
-    {
-        vec4 m = f / g;
-        float w = abs(half_ / g);
-        low = max(low, m - w);
-        high = min(high, m + w);
-    }
+    float g = dot(n, rows.way);
+    return 1.0 / (abs(g) < 1e-7 ? 1e-7 : g);
 }
 
 // Leaves the samples whose distance from the line n x = c is half_ at most.
 void cutSlab(inout Spans s, Rows rows, vec2 n, float c, float half_)
 {
-    float g = dot(n, rows.way);
-    cutSpan(s.low0, s.high0, c - n.x * rows.x0 - n.y * rows.y0, g, half_);
-    cutSpan(s.low1, s.high1, c - n.x * rows.x1 - n.y * rows.y1, g, half_);
-}
-
-void cutSpanByHalf(inout vec4 low, inout vec4 high, vec4 f, float g)
-{
-    if (abs(g) < 1e-7)
-        high = mix(vec4(-1.0), high, greaterThanEqual(f, vec4(0.0)));
-    else if (g > 0.0)
-        high = min(high, f / g);
-    else
-        low = max(low, f / g);
+    float by = slowness(rows, n);
+    float m = (c - dot(n, rows.start)) * by, d = -dot(n, rows.step) * by, w = abs(half_ * by);
+    s.low0 = max(s.low0, m - w + cRows0 * d);
+    s.low1 = max(s.low1, m - w + cRows1 * d);
+    s.high0 = min(s.high0, m + w + cRows0 * d);
+    s.high1 = min(s.high1, m + w + cRows1 * d);
 }
 
 // Leaves those with n x <= c.
 void cutHalf(inout Spans s, Rows rows, vec2 n, float c)
 {
-    float g = dot(n, rows.way);
-    cutSpanByHalf(s.low0, s.high0, c - n.x * rows.x0 - n.y * rows.y0, g);
-    cutSpanByHalf(s.low1, s.high1, c - n.x * rows.x1 - n.y * rows.y1, g);
+    float by = slowness(rows, n);
+    vec2 m = vec2(c - dot(n, rows.start), -dot(n, rows.step)) * by;
+    vec2 low = by > 0.0 ? vec2(-cEndless, 0.0) : m, high = by > 0.0 ? m : vec2(cEndless, 0.0);
+    s.low0 = max(s.low0, low.x + cRows0 * low.y);
+    s.low1 = max(s.low1, low.x + cRows1 * low.y);
+    s.high0 = min(s.high0, high.x + cRows0 * high.y);
+    s.high1 = min(s.high1, high.x + cRows1 * high.y);
 }
 
 #ifdef ROUND
@@ -175,28 +171,28 @@ void cutSpanByDisc(inout vec4 low, inout vec4 high, vec4 ex, vec4 ey, vec2 way, 
     vec4 root = b * b - a * (ex * ex + ey * ey - radius * radius);
     high = mix(high, vec4(-1.0), lessThan(root, vec4(0.0)));
     root = sqrt(max(root, vec4(0.0)));
-    low = max(low, (-b - root) / a);
-    high = min(high, (-b + root) / a);
+    float by = 1.0 / a;
+    low = max(low, (-b - root) * by);
+    high = min(high, (-b + root) * by);
 }
 
 void cutDisc(inout Spans s, Rows rows, vec2 c, float radius)
 {
-    cutSpanByDisc(s.low0, s.high0, rows.x0 - c.x, rows.y0 - c.y, rows.way, radius);
-    cutSpanByDisc(s.low1, s.high1, rows.x1 - c.x, rows.y1 - c.y, rows.way, radius);
+    vec2 e = rows.start - c;
+    cutSpanByDisc(s.low0, s.high0, e.x + cRows0 * rows.step.x, e.y + cRows0 * rows.step.y, rows.way, radius);
+    cutSpanByDisc(s.low1, s.high1, e.x + cRows1 * rows.step.x, e.y + cRows1 * rows.step.y, rows.way, radius);
 }
-
 #endif
 
-uvec4 bitsOf(vec4 low, vec4 high)
+ivec4 bitsOf(vec4 low, vec4 high)
 {
-    uvec4 from = uvec4(clamp(ceil(low), 0.0, 8.0)), to = uvec4(clamp(floor(high) + 1.0, 0.0, 8.0));
-    return ((uvec4(1u) << to) - 1u) & ~((uvec4(1u) << from) - 1u);
+    ivec4 from = ivec4(min(ceil(low), 8.0)), to = ivec4(max(high + 1.0, 0.0));
+    return max((ivec4(1) << to) - (ivec4(1) << from), 0);
 }
 
 uvec2 maskOf(Spans s)
 {
-    uvec4 first = bitsOf(s.low0, s.high0) << uvec4(0u, 8u, 16u, 24u);
-    uvec4 second = bitsOf(s.low1, s.high1) << uvec4(0u, 8u, 16u, 24u);
+    ivec4 first = bitsOf(s.low0, s.high0) << ivec4(0, 8, 16, 24), second = bitsOf(s.low1, s.high1) << ivec4(0, 8, 16, 24);
     return uvec2(first.x | first.y | first.z | first.w, second.x | second.y | second.z | second.w);
 }
 
@@ -467,15 +463,8 @@ float coverageOfStroke(Place place, vec2 pixel)
     brush.pixel = length(across);
     brush.reach = brush.radius * max(uintBitsToFloat(more.w), 1.0) + brush.pixel;
 
-    Rows rows;
-    vec4 j0 = vec4(0.0, 1.0, 2.0, 3.0), j1 = j0 + 4.0;
-    vec4 x0 = (j0 + 0.5) / 64.0 - 0.5, x1 = (j1 + 0.5) / 64.0 - 0.5;
-    vec4 y0 = (j0 + 7.5 / 8.0) / 8.0 - 0.5, y1 = (j1 + 7.5 / 8.0) / 8.0 - 0.5;
-    rows.x0 = toBrush[0].x * x0 + toBrush[1].x * y0;
-    rows.x1 = toBrush[0].x * x1 + toBrush[1].x * y1;
-    rows.y0 = toBrush[0].y * x0 + toBrush[1].y * y0;
-    rows.y1 = toBrush[0].y * x1 + toBrush[1].y * y1;
-    rows.way = toBrush * vec2(1.0 / 8.0, -1.0 / 64.0);
+    Rows rows = Rows(toBrush * vec2(0.5 / 64.0 - 0.5, 7.5 / 64.0 - 0.5), toBrush * vec2(1.0 / 64.0, 1.0 / 8.0),
+                     toBrush * vec2(1.0 / 8.0, -1.0 / 64.0));
 
     mat2 toBrushFromSteps = toBrush * place.pixels;
     mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1])) * 0.5;
