@@ -91,7 +91,56 @@ void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32
             widen(box, shape.nodes[child].box);
         }
     }
-    shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, n <= cLeaf};
+    shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, 0};
+    setForm(shape, number, n <= cLeaf);
+}
+
+void EdgeNode::setForm(bool isLeaf, double deviation, double turn)
+{
+    // One more, at the lowest bit that is left, is not less than the number was.
+    constexpr double cLargest = 1e30;
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(std::min(deviation, cLargest)));
+    const auto steps = static_cast<std::uint32_t>(std::ceil(std::min(turn, double(cSharpest)) * 64));
+    form = (bits == 0 ? 0U : (bits & ~255U) + 256U) | steps << 1 | (isLeaf ? 1U : 0U);
+}
+
+// From its lines, or from its parts: they deviate from their own chord, and that from the whole one.
+void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf)
+{
+    using Vector = td::Point<double>;
+    const auto at = [&shape](std::int32_t i)
+    {
+        const GridPoint p = withoutMark(shape.points[static_cast<std::size_t>(i)]);
+        return Vector(p.x, p.y);
+    };
+    EdgeNode& node = shape.nodes[number];
+    const Vector from = at(node.first), to = at(node.last), way(to.x - from.x, to.y - from.y);
+    const double length = std::hypot(way.x, way.y);
+    const Vector u = length > 0 ? Vector(way.x / length, way.y / length) : Vector(0, 0);
+    double deviation = 0, turn = length > 0 ? 0 : 2, farBefore = 0;
+    const auto look = [&](Vector a, Vector b, double ownDeviation, double ownTurn)
+    {
+        const double along = (b.x - from.x) * u.x + (b.y - from.y) * u.y;
+        const double across = (b.x - from.x) * u.y - (b.y - from.y) * u.x;
+        const double beyond = std::max({-along, along - length, 0.0});
+        // With no length, across is 0 and so is along.
+        const double far = length > 0 ? std::hypot(across, beyond) : std::hypot(b.x - from.x, b.y - from.y);
+        deviation = std::max(deviation, std::max(far, farBefore) + ownDeviation);
+        farBefore = far;
+        const double own = std::hypot(b.x - a.x, b.y - a.y);
+        if (own > 0)
+            turn = std::max(turn, std::hypot((b.x - a.x) / own - u.x, (b.y - a.y) / own - u.y) + ownTurn);
+    };
+    if (!isLeaf)
+        for (std::size_t i = number + 1; i < shape.nodes.size(); i = static_cast<std::size_t>(shape.nodes[i].next))
+        {
+            const EdgeNode& part = shape.nodes[i];
+            look(at(part.first), at(part.last), part.getDeviation(), part.getTurn());
+        }
+    else if (node.last - node.first > 1)
+        for (std::int32_t i = node.first; i < node.last; ++i)
+            look(at(i), at(i + 1), 0, 0);
+    node.setForm(isLeaf, deviation, turn);
 }
 
 void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind,
@@ -117,6 +166,7 @@ void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t
     }
     const std::int32_t point = _rings[first].first;
     shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), point, point, 0};
+    shape.nodes[number].setForm(false, 1e30, EdgeNode::cSharpest);
 }
 
 void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, ShapeGeometry& shape)

@@ -7,6 +7,7 @@
 #include <gui/draw/Stroke.h>
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -20,7 +21,18 @@ struct EdgeNode
     std::int32_t next = 0;             // the node to go on with when this one's inside does not matter
     std::int32_t first = 0;            // its first point
     std::int32_t last = 0;             // its last one; the same for nodes of several rings
-    std::int32_t isLeaf = 0;           // whether lines are all that is in it
+    // Bit 0: whether lines are all that is in it. Bits 1 to 7: the turn, up from 64ths, the most being cSharpest or
+    // more. The others are those of the deviation, a float that has no more.
+    std::uint32_t form = 0;
+
+    static constexpr float cSharpest = 127.0F / 64;
+
+    bool isLeaf() const { return (form & 1U) != 0; }
+    /// How far its points are, in steps, from the line between its first and its last one, at most.
+    float getDeviation() const { return std::bit_cast<float>(form & ~255U); }
+    /// How far the directions of its lines are from that line's, as unit vectors, at most.
+    float getTurn() const { return static_cast<float>(form >> 1 & 127U) / 64; }
+    void setForm(bool isLeaf, double deviation, double turn);
 };
 static_assert(sizeof(EdgeNode) == 32);
 
@@ -82,6 +94,7 @@ private:
     void addTree(ShapeGeometry& shape, ElementKind kind);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
+    void setForm(ShapeGeometry& shape, std::size_t node, bool isLeaf);
     void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind, std::size_t parent);
     void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind, std::size_t parent);
     void addTriangles(ShapeGeometry& shape);

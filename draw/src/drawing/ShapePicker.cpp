@@ -113,7 +113,7 @@ bool ShapePicker::visitLines(const std::array<double, 4>& box, double margin, Vi
         const EdgeNode& node = _tables.getNodes()[_places.nodes.first + i];
         const bool isNear = node.box[0] - margin <= box[2] && node.box[2] + margin >= box[0] &&
                             node.box[1] - margin <= box[3] && node.box[3] + margin >= box[1];
-        if (isNear && node.isLeaf == 0)
+        if (isNear && !node.isLeaf())
         {
             ++i;
             continue;
@@ -138,7 +138,7 @@ bool ShapePicker::isInside(Point p) const
         const bool isBeside = node.box[1] <= p.y && node.box[3] >= p.y && node.box[2] >= p.x;
         if (isBeside && node.box[0] <= p.x)
         {
-            if (node.isLeaf == 0)
+            if (!node.isLeaf())
             {
                 ++i;
                 continue;

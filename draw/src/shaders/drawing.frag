@@ -15,6 +15,11 @@ flat in vec4 stepsToPixels;
 
 out vec4 color;
 
+// What the last of a node's numbers tells: see EdgeNode.
+bool isLeaf(int form) { return (form & 1) != 0; }
+float deviationOf(int form) { return intBitsToFloat(form & ~255); }
+float turnOf(int form) { return float(form >> 1 & 127) / 64.0; }
+
 #ifdef FILLS
 // ---- fills: the area by a line integral over their boundary
 
@@ -62,6 +67,7 @@ float areaOfLine(Place place, int from, int to, vec2 pixel)
 float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
 {
     mat2 extent = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * 0.5;
+    float straight = 1.0 / 64.0 / stretchOf(place);
     float area = 0.0;
     int base = node, end = node + nNodes;
     int line = 0, last = 0; // of a leaf, what is left of it
@@ -75,13 +81,13 @@ float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
             vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
             vec2 c = place.pixels * (low + high) * 0.5 - pixel, h = extent * vec2(box.zw - box.xy);
             bool isBeside = abs(c.y) < h.y + 0.5;
-            bool isIn = isBeside && abs(c.x) < h.x + 0.5, isSmall = max(h.x, h.y) < 1.0 / 64.0;
+            bool isIn = isBeside && abs(c.x) < h.x + 0.5, isSmall = max(h.x, h.y) < 1.0 / 64.0 || deviationOf(info.w) < straight;
             bool isEntered = isIn && !isSmall;
             from = pointBase + info.y;
             to = pointBase + info.z;
             line = from;
-            last = isEntered && info.w != 0 ? to : from;
-            node = isEntered && info.w == 0 ? node + 1 : base + info.x;
+            last = isEntered && isLeaf(info.w) ? to : from;
+            node = isEntered && !isLeaf(info.w) ? node + 1 : base + info.x;
             to = (isIn ? isSmall : isBeside && c.x > 0.0) ? to : from;
         }
         area += areaOfLine(place, from, to, pixel);
@@ -388,13 +394,13 @@ Line lineFrom(Brush brush, Place place, mat2 toBrush, vec2 pixel, int from, int 
 }
 
 // With its join at the beginning and the caps of open ends.
-uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase, Line line, bool isChord)
+uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase, Line line, bool isTiny)
 {
     vec2 a = line.a, u = line.u;
     float len = line.len;
     ivec2 wayBefore = strokePoint(line.from) - strokePoint(line.from - 1);
     bool isFirst = wayBefore == ivec2(0), isLast = strokePoint(line.to) == strokePoint(line.to + 1);
-    bool isJoined = !isFirst && !isChord;
+    bool isJoined = !isFirst && !isTiny;
     uvec2 mask = uvec2(0u);
 #ifdef DASHES
     if (brush.dashes >= 0)
@@ -412,7 +418,7 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase,
     if (line.isNear)
     {
         // What is too small to be seen has no joins but what covers most of them.
-        mask |= bodyMask(rows, brush, a, u, isChord && !isFirst ? -0.7 * brush.radius : 0.0, len);
+        mask |= bodyMask(rows, brush, a, u, isTiny && !isFirst ? -0.7 * brush.radius : 0.0, len);
         if (isFirst)
             mask |= capMask(rows, brush, a, u, 0.0, -1.0);
         if (isLast)
@@ -473,12 +479,17 @@ float coverageOfStroke(Place place, vec2 pixel)
     int pointBase = int(parts.w);
     int node = int(parts.y), base = node, end = node + int(parts.z);
     uvec2 mask = uvec2(0u);
+    // A chord that is as good as what it stands for. Its ends are turned, the more the wider the stroke is; where right
+    // angles don't stay right, turns may be seen the larger for it.
+    float stretch = stretchOf(place);
+    float straight = 1.0 / 16.0 / stretch;
+    float mostTurn = abs(determinant(place.pixels)) / (stretch * stretch) / (12.0 * max(brush.radius, 0.1));
     // One loop finds leaves, the next one which of their lines may cover something, the last one what they do: software
     // drivers, which run through each for all of the pixels that they work at together, do dear things seldom.
     while (node < end && mask != uvec2(0xffffffffu))
     {
         int from = 0, to = 0;
-        bool isChord = false;
+        bool isChord = false, isTiny = false;
         while (node < end && from == to)
         {
             ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
@@ -486,8 +497,10 @@ float coverageOfStroke(Place place, vec2 pixel)
             vec2 c = toBrushFromSteps * (low + high) * 0.5 - pixelInBrush;
             vec2 h = extent * vec2(box.zw - box.xy);
             bool isIn = all(lessThan(abs(c), h + margin));
-            isChord = max(h.x, h.y) < 1.0 / 16.0 && brush.dashes < 0 && info.z > info.y + 1;
-            bool isOpened = isIn && !isChord && info.w == 0;
+            isTiny = max(h.x, h.y) < 1.0 / 16.0;
+            isChord = info.z > info.y + 1 && brush.dashes < 0 &&
+                      (isTiny || deviationOf(info.w) < straight && turnOf(info.w) < mostTurn);
+            bool isOpened = isIn && !isChord && !isLeaf(info.w);
             node = isOpened ? node + 1 : base + info.x;
             from = pointBase + info.y;
             to = isIn && !isOpened ? pointBase + info.z : from;
@@ -496,14 +509,14 @@ float coverageOfStroke(Place place, vec2 pixel)
         for (int i = from; i < to; i = isChord ? to : i + 1)
         {
             Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
-            if (line.isNear || line.mayJoin && !isChord)
+            if (line.isNear || line.mayJoin && !(isChord && isTiny))
                 near |= 1u << uint(i - from);
         }
         for (; near != 0u; near &= near - 1u)
         {
             int i = from + ((near & 1u) != 0u ? 0 : (near & 2u) != 0u ? 1 : (near & 4u) != 0u ? 2 : 3);
             Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
-            mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord);
+            mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord && isTiny);
         }
     }
     return shareOf(mask) * fade;

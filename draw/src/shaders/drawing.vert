@@ -149,7 +149,7 @@ void main()
         p = ((c & 1) == 0 ? a - along * extra : b + along * extra) +
             normal * ((c & 2) == 0 ? -across : across);
         // As far as the quad's own corners, for mitres that have no tip of their own.
-        if (kind != cTip && len <= cSmallPart)
+        if (kind != cTip && len <= cBlock)
             p = cornerOf(min(a, b) - half_ * 1.4143 - cDiagonal, max(a, b) + half_ * 1.4143 + cDiagonal, c);
     }
     gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
