@@ -44,7 +44,7 @@ void DrawList::set(std::size_t place, const Shape& shape)
     const Rect& bounds = shape.bounds;
     _boxes[place] = {below(bounds.left - _base.x), below(bounds.top - _base.y), above(bounds.right - _base.x),
                      above(bounds.bottom - _base.y)};
-    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record};
+    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record, shape.areGlyphs};
     _chunks[place / cChunk].isStale = true;
 }
 
@@ -69,12 +69,26 @@ std::size_t DrawList::countRanges() const
     return n;
 }
 
-void DrawList::append(std::vector<gl::Quads::Range>& ranges, gl::Quads::Range range)
+void DrawList::append(std::vector<Piece>& pieces, const Piece& piece)
 {
-    if (!ranges.empty() && ranges.back().first + ranges.back().count == range.first)
-        ranges.back().count += range.count;
+    if (!pieces.empty() && pieces.back().range.first + pieces.back().range.count == piece.range.first &&
+        pieces.back().areGlyphs == piece.areGlyphs)
+        pieces.back().range.count += piece.range.count;
     else
-        ranges.push_back(range);
+        pieces.push_back(piece);
+}
+
+void DrawList::select(const Piece& piece)
+{
+    if (_passes.empty() || _passes.back().areGlyphs != piece.areGlyphs)
+        _passes.push_back({_selected.size(), 0, piece.areGlyphs});
+    else if (_selected.back().first + _selected.back().count == piece.range.first)
+    {
+        _selected.back().count += piece.range.count;
+        return;
+    }
+    _selected.push_back(piece.range);
+    ++_passes.back().count;
 }
 
 void DrawList::renew(std::size_t number)
@@ -96,14 +110,19 @@ void DrawList::renew(std::size_t number)
                      std::max(chunk.box.right, box.right), std::max(chunk.box.bottom, box.bottom)};
         chunk.size = std::max({chunk.size, box.right - box.left, box.bottom - box.top});
         chunk.margin = std::max(chunk.margin, entry.margin);
-        append(chunk.parts, {entry.first, entry.count});
-        append(chunk.boxes, {cBoxes + entry.record, 1});
+        append(chunk.parts, {{entry.first, entry.count}, entry.areGlyphs});
+        // Glyphs' sizes are not those of their shapes' boxes.
+        if (entry.areGlyphs)
+            append(chunk.boxes, {{entry.first, entry.count}, true});
+        else
+            append(chunk.boxes, {{cBoxes + entry.record, 1}, false});
     }
 }
 
-std::span<const gl::Quads::Range> DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint)
+void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint)
 {
     _selected.clear();
+    _passes.clear();
     _parts.clear();
     _largest = 0;
     const double pixel = 1 / pixelsPerUnit;
@@ -130,8 +149,8 @@ std::span<const gl::Quads::Range> DrawList::select(const Rect& visible, double p
         if (chunk.box.left >= seen.left && chunk.box.right <= seen.right && chunk.box.top >= seen.top &&
             chunk.box.bottom <= seen.bottom)
         {
-            for (const gl::Quads::Range& range : isSmall ? chunk.boxes : chunk.parts)
-                append(_selected, range);
+            for (const Piece& piece : isSmall ? chunk.boxes : chunk.parts)
+                select(piece);
             continue;
         }
         const std::size_t end = std::min((c + 1) * cChunk, _shapes.size());
@@ -139,13 +158,18 @@ std::span<const gl::Quads::Range> DrawList::select(const Rect& visible, double p
             if (touches(_boxes[i]) && _shapes[i].count != 0)
             {
                 const Entry& entry = _shapes[i];
-                append(_selected, isSmall ? gl::Quads::Range{cBoxes + entry.record, 1}
-                                          : gl::Quads::Range{entry.first, entry.count});
+                if (isSmall && !entry.areGlyphs)
+                    select({{cBoxes + entry.record, 1}, false});
+                else
+                    select({{entry.first, entry.count}, entry.areGlyphs});
             }
     }
-    std::copy_if(_selected.begin(), _selected.end(), std::back_inserter(_parts),
-                 [](const gl::Quads::Range& range) { return range.first < cBoxes; });
-    return _selected;
+    for (const Pass& pass : _passes)
+        if (!pass.areGlyphs)
+            std::copy_if(_selected.begin() + static_cast<std::ptrdiff_t>(pass.first),
+                         _selected.begin() + static_cast<std::ptrdiff_t>(pass.first + pass.count),
+                         std::back_inserter(_parts),
+                         [](const gl::Quads::Range& range) { return range.first < cBoxes; });
 }
 
 } // namespace gui::draw

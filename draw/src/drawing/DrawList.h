@@ -14,6 +14,7 @@ namespace gui::draw
 
 /// The shapes in the order of drawing, as far as it takes to choose which quads are drawn: those of shapes that may be
 /// seen, or, of shapes too small for it to matter, one box each. Shapes are taken by the hundred where that is enough.
+/// Glyphs, which have a program of their own, part what is drawn into passes.
 class DrawList
 {
 public:
@@ -29,6 +30,15 @@ public:
         std::uint32_t first = 0; // its elements
         std::uint32_t count = 0; // 0 when there is nothing to see
         std::uint32_t record = 0;
+        bool areGlyphs = false;
+    };
+
+    /// Some of the ranges, in a row, that one program draws.
+    struct Pass
+    {
+        std::size_t first = 0;
+        std::size_t count = 0;
+        bool areGlyphs = false;
     };
 
     void clear();
@@ -41,9 +51,12 @@ public:
 
     /// @param visible  in model units  @param pixelsPerUnit  at most, in any direction  @param pixelsPerPoint  of
     /// margins
-    std::span<const gl::Quads::Range> select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint);
+    void select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint);
 
-    /// Of those selected last, the ones that are not boxes alone.
+    /// Those selected last, and how they are parted.
+    std::span<const gl::Quads::Range> getRanges() const { return _selected; }
+    std::span<const Pass> getPasses() const { return _passes; }
+    /// Of the ranges, the ones that are neither boxes alone nor glyphs.
     std::span<const gl::Quads::Range> getParts() const { return _parts; }
     /// The extent of the largest shape that was selected last, in model units, or more.
     double getLargest() const { return _largest; }
@@ -57,6 +70,12 @@ private:
     {
         float margin;
         std::uint32_t first, count, record;
+        bool areGlyphs;
+    };
+    struct Piece
+    {
+        gl::Quads::Range range;
+        bool areGlyphs;
     };
     struct Chunk
     {
@@ -64,17 +83,19 @@ private:
         float size = 0;   // of the largest
         float margin = 0; // the largest
         bool isStale = true;
-        std::vector<gl::Quads::Range> parts, boxes;
+        std::vector<Piece> parts, boxes;
     };
 
     void renew(std::size_t chunk);
-    static void append(std::vector<gl::Quads::Range>& ranges, gl::Quads::Range range);
+    static void append(std::vector<Piece>& pieces, const Piece& piece);
+    void select(const Piece& piece);
 
     td::Point<double> _base;
     std::vector<Box> _boxes;
     std::vector<Entry> _shapes;
     std::vector<Chunk> _chunks;
     std::vector<gl::Quads::Range> _selected, _parts;
+    std::vector<Pass> _passes;
     double _largest = 0;
 };
 

@@ -21,16 +21,20 @@ namespace
 {
 
 /// The unit behind those of the tables.
-constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T6;
+constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T7;
 
 /// The shaders' names for ShapeFeature's bits.
-constexpr std::array<const char*, 8> cFeatures{"FILLS",  "STROKES", "ROUND",     "CAPS",
-                                               "DASHES", "LINKS",   "GRADIENTS", "FAR"};
+constexpr std::array<const char*, 9> cFeatures{"FILLS", "STROKES",   "ROUND", "CAPS",  "DASHES",
+                                               "LINKS", "GRADIENTS", "FAR",   "GLYPHS"};
 
 /// Beside features: the first pass, of what is inside of opaque fills.
-constexpr unsigned int cCore = 256;
+constexpr unsigned int cCore = 512;
 
 constexpr std::size_t cManyPrograms = 6;
+
+/// Where glyphs and other shapes alternate more often than this, one program draws both: it takes longer for each
+/// pixel, and there the edges of a text's glyphs that overlap may lack a little.
+constexpr std::size_t cManyPasses = 8;
 
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
@@ -91,7 +95,7 @@ protected:
         _pixelsPerPoint = find("pixelsPerPoint");
         activate();
         int unit = 0;
-        for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links"})
+        for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links", "glyphs"})
             setUniformValue(find(name), unit++);
     }
 
@@ -167,6 +171,37 @@ DrawingPainter::ShapeProgram* DrawingPainter::programFor(unsigned int features)
     return found->second->isOK() ? found->second.get() : nullptr;
 }
 
+bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, td::Size<int> size,
+                                unsigned int features, std::span<const gl::Quads::Range> ranges)
+{
+    ShapeProgram* pProgram = programFor(features);
+    if (pProgram == nullptr)
+        return fail("its program does not link");
+    pProgram->activateFor(tables, sight, size);
+    return _quads.draw(ranges) || fail("there is no vertex array");
+}
+
+bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, const Sight& sight,
+                                td::Size<int> size, double stretch)
+{
+    const unsigned int features = tables.getFeatures();
+    if ((features & HasFills) != 0 && !list.getParts().empty() &&
+        !drawRanges(tables, sight, size, cCore | (features & HasGradients), list.getParts()))
+        return false;
+    const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
+    if (list.getPasses().size() > cManyPasses)
+        return drawRanges(tables, sight, size, features | tables.getGlyphFeatures() | far, list.getRanges());
+    for (const DrawList::Pass& pass : list.getPasses())
+    {
+        // A text's glyphs overlap each other's boxes.
+        gl::Context::maskDepthBuffer(!pass.areGlyphs);
+        if (!drawRanges(tables, sight, size, pass.areGlyphs ? tables.getGlyphFeatures() : features | far,
+                        list.getRanges().subspan(pass.first, pass.count)))
+            return false;
+    }
+    return true;
+}
+
 bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged)
 {
     if (!gl::CurrentContext::isThere("Drawing::draw"))
@@ -214,25 +249,9 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
         gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
         tables.bind();
         const double stretch = stretchOf(sight.toPixels);
-        const std::span<const gl::Quads::Range> ranges =
-            list.select(visibleOf(sight, size), stretch, sight.pixelsPerPoint);
-        const unsigned int features = tables.getFeatures();
-        ShapeProgram* pCore = (features & HasFills) != 0 ? programFor(cCore | (features & HasGradients)) : nullptr;
-        ShapeProgram* pShapes = programFor(features | (list.getLargest() * stretch > cFar ? HasFar : 0U));
-        if (pShapes == nullptr)
-            return fail("its program does not link");
-        if (pCore != nullptr && !list.getParts().empty())
-        {
-            pCore->activateFor(tables, sight, size);
-            if (!_quads.draw(list.getParts()))
-                return fail("there is no vertex array");
-        }
-        if (!ranges.empty())
-        {
-            pShapes->activateFor(tables, sight, size);
-            if (!_quads.draw(ranges))
-                return fail("there is no vertex array");
-        }
+        list.select(visibleOf(sight, size), stretch, sight.pixelsPerPoint);
+        if (!drawShapes(tables, list, sight, size, stretch))
+            return false;
         _sight = sight;
         _isLayerValid = true;
     }

@@ -11,6 +11,7 @@
 
 #include <map>
 #include <memory>
+#include <span>
 
 namespace gui::draw
 {
@@ -47,6 +48,10 @@ private:
     bool prepare();
     ShapeProgram* programFor(unsigned int features);
     bool fail(const char* reason);
+    bool drawRanges(const ShapeTables& tables, const Sight& sight, td::Size<int> size, unsigned int features,
+                    std::span<const gl::Quads::Range> ranges);
+    bool drawShapes(const ShapeTables& tables, const DrawList& list, const Sight& sight, td::Size<int> size,
+                    double stretch);
 
     gl::Framebuffer _layer;
     std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features

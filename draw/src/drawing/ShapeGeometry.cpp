@@ -268,7 +268,8 @@ void ShapeBuilder::addTree(ShapeGeometry& shape, ElementKind kind)
         addRings(shape, 0, _rings.size(), kind, 0);
 }
 
-void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape)
+void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape,
+                              double step)
 {
     shape.clear();
     _lines.clear();
@@ -285,7 +286,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     if (low.x > high.x)
         return;
     // As the tessellator's, as far as the shaders' floats go.
-    shape.step = std::max(gridStepFor(low, high), 0x1p-100);
+    shape.step = step > 0 ? step : std::max(gridStepFor(low, high), 0x1p-100);
     shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
                     std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     if (low.x == high.x && low.y == high.y)

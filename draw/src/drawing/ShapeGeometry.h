@@ -44,7 +44,8 @@ enum class ElementKind : std::uint32_t
     Line,     ///< of a stroke, likewise
     Tip,      ///< of a mitre: the point of its corner, and the leaf of the line that begins there
     Box,      ///< around the whole shape, drawn in place of all others while that is small
-    Node      ///< around a node, drawn in place of its lines while that is small: the node, and the one it is part of
+    Node,     ///< around a node, drawn in place of its lines while that is small: the node, and the one it is part of
+    Glyph     ///< of a text: its number, and the bits of the floats that say where it stands
 };
 
 /// A quad to draw.
@@ -86,7 +87,8 @@ class ShapeBuilder
 {
 public:
     void makeFill(const Path& path, FillRule rule, double tolerance, ShapeGeometry& shape);
-    void makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape);
+    /// @param step  of the shape's grid; 0 for one that suits the path
+    void makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape, double step = 0);
 
 private:
     void linkRings(ShapeGeometry& shape);

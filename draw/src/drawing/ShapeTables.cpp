@@ -2,6 +2,7 @@
 
 #include "../stroke/DashPattern.h"
 
+#include <bit>
 #include <cmath>
 
 namespace gui::draw
@@ -56,6 +57,7 @@ ShapeTables::ShapeTables()
     , _nodes(gl::BufferTexture::Format::Int4)
     , _numbers(gl::BufferTexture::Format::Float)
     , _links(gl::BufferTexture::Format::UInt)
+    , _glyphs(gl::BufferTexture::Format::UInt4)
 {
 }
 
@@ -136,14 +138,53 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     _records.set(places.record, std::span(&record, 1));
 }
 
+std::uint32_t ShapeTables::addGlyph(const ShapeGeometry& geometry, double step)
+{
+    const GlyphRecord glyph{_nodes.add(geometry.nodes), static_cast<std::uint32_t>(geometry.nodes.size()),
+                            _points.add(geometry.points), static_cast<float>(step)};
+    return _glyphs.add(std::span(&glyph, 1));
+}
+
+// What glyphs have elsewhere than other shapes: the size instead of nodes, the offset instead of their number and of
+// points, cosine and sine instead of links.
+void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
+                            double step)
+{
+    giveBack(places);
+    _patched.assign(elements.begin(), elements.end());
+    for (Element& element : _patched)
+        element.shapeAndKind |= places.record;
+    places.elements = {_elements.add(_patched), static_cast<std::uint32_t>(_patched.size())};
+
+    const auto bits = [](double number) { return std::bit_cast<std::uint32_t>(static_cast<float>(number)); };
+    ShapeRecord record = _records[places.record];
+    record.nodes = bits(style.size);
+    record.nNodes = bits(style.offset.x);
+    record.points = bits(style.offset.y);
+    record.links = bits(style.cosine);
+    record.nLinks = bits(style.sine);
+    record.reach = 1;
+    record.dashes = -1;
+    record.flags &= ~std::uint32_t(IsStroke | IsWidthInPoints | 3U << CapShift | 3U << JoinShift);
+    record.flags |= AreGlyphs | (style.isInPoints ? IsWidthInPoints : 0U);
+    _glyphFeatures |= HasGlyphs | (style.lineWidth > 0 ? HasStrokes | HasRound : HasFills);
+    if (style.lineWidth > 0)
+    {
+        record.flags |= IsStroke | static_cast<std::uint32_t>(Join::Round) << JoinShift;
+        record.halfWidth = static_cast<float>(style.lineWidth / 2 / (style.isInPoints ? 1 : style.size * step));
+    }
+    _records.set(places.record, std::span(&record, 1));
+}
+
 void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step)
 {
+    const bool areGlyphs = (_records[places.record].flags & AreGlyphs) != 0;
     std::uint32_t what = paint.getColor().rgba();
     _values.clear();
     if (paint.isGradient())
     {
         encode(paint, origin, step, _values);
-        _features |= HasGradients;
+        (areGlyphs ? _glyphFeatures : _features) |= HasGradients;
     }
     if (places.gradient.count != _values.size())
     {
@@ -238,8 +279,9 @@ void ShapeTables::clear()
     _nodes.clear();
     _numbers.clear();
     _links.clear();
+    _glyphs.clear();
     _hasUnit = false;
-    _features = 0;
+    _features = _glyphFeatures = 0;
 }
 
 void ShapeTables::reorderElements(std::span<TableRange* const> ranges)
@@ -259,7 +301,7 @@ void ShapeTables::reorderElements(std::span<TableRange* const> ranges)
 bool ShapeTables::upload()
 {
     return _records.upload() && _elements.upload() && _points.upload() && _nodes.upload() && _numbers.upload() &&
-           _links.upload();
+           _links.upload() && _glyphs.upload();
 }
 
 void ShapeTables::bind() const
@@ -271,6 +313,7 @@ void ShapeTables::bind() const
     _nodes.bind(Place::T3);
     _numbers.bind(Place::T4);
     _links.bind(Place::T5);
+    _glyphs.bind(Place::T6);
 }
 
 } // namespace gui::draw

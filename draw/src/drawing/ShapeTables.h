@@ -37,6 +37,26 @@ struct ShapeRecord
 };
 static_assert(sizeof(ShapeRecord) == 96);
 
+/// An outline that texts draw, as the shaders read it: a texel.
+struct GlyphRecord
+{
+    std::uint32_t nodes = 0;
+    std::uint32_t nNodes = 0;
+    std::uint32_t points = 0;
+    float step = 1; // in em
+};
+static_assert(sizeof(GlyphRecord) == 16);
+
+/// Where the glyphs of a text are, in its own unit.
+struct GlyphStyle
+{
+    double size = 0;            // of an em
+    td::Point<double> offset;   // in points, downwards
+    double cosine = 1, sine = 0; // of the angle that it is turned by, counterclockwise as it is seen
+    bool isInPoints = true;
+    double lineWidth = 0; // of strokes; 0 for fills
+};
+
 /// The bits of ShapeRecord::flags; from bit 8 on two for the cap, then two for the join.
 enum ShapeFlag : std::uint32_t
 {
@@ -49,7 +69,8 @@ enum ShapeFlag : std::uint32_t
     IsLinked = 64,     // it has links
     HasGradient = 128, // instead of a colour
     CapShift = 8,
-    JoinShift = 10
+    JoinShift = 10,
+    AreGlyphs = 4096 // a text, in points if its width would be
 };
 
 /// What the program is to know how to draw; bits, as in the shaders.
@@ -62,7 +83,8 @@ enum ShapeFeature : unsigned int
     HasDashes = 16,
     HasLinks = 32,
     HasGradients = 64,
-    HasFar = 128
+    HasFar = 128,
+    HasGlyphs = 256
 };
 
 /// Some records in a row.
@@ -92,6 +114,10 @@ public:
     void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
     /// @param origin, step  of the shape, in which a gradient is kept
     void setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step);
+    /// Adds an outline for good. @param step  of the geometry, in em
+    std::uint32_t addGlyph(const ShapeGeometry& geometry, double step);
+    /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
+    void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
     void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);
     void setOrder(const ShapePlaces& places, std::uint32_t order);
     /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that
@@ -102,13 +128,14 @@ public:
     /// A model coordinate in units, held within the room there is: low and high word.
     std::array<std::uint32_t, 2> toUnits(double coordinate) const;
 
-    /// All that there has been since the last clear.
+    /// All that there has been since the last clear, in shapes and in glyphs.
     unsigned int getFeatures() const { return _features; }
+    unsigned int getGlyphFeatures() const { return _glyphFeatures; }
 
     void clear();
     /// Sends what has changed.
     bool upload();
-    /// To units from 0 on: records, elements, points, nodes, numbers, links.
+    /// To units from 0 on: records, elements, points, nodes, numbers, links, glyphs.
     void bind() const;
 
     const Table<ShapeRecord>& getRecords() const { return _records; }
@@ -129,9 +156,11 @@ private:
     Table<EdgeNode> _nodes;
     Table<float> _numbers;
     Table<std::uint32_t> _links;
+    Table<GlyphRecord> _glyphs;
     int _unit = 0; // a power of two
     bool _hasUnit = false;
     unsigned int _features = 0;
+    unsigned int _glyphFeatures = 0;
     std::vector<Element> _patched;
     std::vector<float> _values;
 };

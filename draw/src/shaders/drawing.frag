@@ -12,6 +12,10 @@ flat in uvec4 parts;
 flat in ivec2 middle;
 flat in vec2 toMiddle;
 flat in vec4 stepsToPixels;
+#if defined GLYPHS && defined GRADIENTS
+flat in vec2 textToMiddle;
+flat in vec4 textToPixels;
+#endif
 
 out vec4 color;
 
@@ -528,7 +532,13 @@ vec4 paint(Place place, vec2 pixel)
     vec4 c = unpacked(parts.x);
 #ifdef GRADIENTS
     if ((flags & cGradient) != 0u)
+    {
+#ifdef GLYPHS
+        if (kind == cGlyph)
+            place = Place(ivec2(0), textToMiddle, mat2(textToPixels.xy, textToPixels.zw));
+#endif
         c = gradientAt(int(parts.x), place, pixel);
+    }
 #endif
     return vec4(c.rgb * c.a, c.a);
 }
@@ -546,6 +556,11 @@ void main()
         coverage = coverageOfStroke(place, pixel);
 #elif defined FILLS
         coverage = coverageOfFill(place, pixel);
+#endif
+#ifdef GLYPHS
+    // Boxes of glyphs overlap: what one leaves alone is for the next one.
+    if (kind == cGlyph && coverage == 0.0)
+        discard;
 #endif
     color = paint(place, pixel) * coverage;
 }

@@ -1,5 +1,5 @@
 // One quad of a shape: two triangles of a fill, or what encloses one of its edges, one line of a stroke or the tip of
-// one of its mitres. It only says which pixels are looked at; the fragment shader finds how much of each is covered.
+// one of its mitres, or one of its glyphs. It only says which pixels are looked at; the fragment shader finds how much of each is covered.
 uniform usamplerBuffer elements;
 
 flat out int shape;
@@ -37,6 +37,45 @@ vec2 cornerOf(vec2 low, vec2 high, int c)
            halfSize;
 }
 
+#ifdef GLYPHS
+uniform usamplerBuffer glyphs;
+
+#ifdef GRADIENTS
+// Of all of a text, in its own unit.
+flat out vec2 textToMiddle;
+flat out vec4 textToPixels;
+#endif
+
+// Of the outline of a glyph, which is also what parts tells from here on. Text is never seen from behind; what is not
+// turned and has its size on the screen stands on whole pixels.
+Place placeOfGlyph(int shape, uvec4 element, Place text)
+{
+    vec4 state = uintBitsToFloat(texelFetch(shapes, 6 * shape + 3));
+    vec2 turn = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).xy);
+    vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
+    bool isInPoints = (flags & cWidthInPoints) != 0u;
+    mat2 local = mat2(toPixels.xy, toPixels.zw) * mat2(linear.xy, linear.zw);
+    if (determinant(local) > 0.0)
+        local[1] = -local[1];
+    if (isInPoints)
+        local = mat2(pixelsPerPoint, 0.0, 0.0, -pixelsPerPoint);
+    local = local * mat2(turn.x, -turn.y, turn.y, turn.x);
+    vec2 anchor = pixelOf(text, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
+    vec2 at = anchor + local * uintBitsToFloat(element.zw);
+    if (isInPoints && turn.x == 1.0)
+        at.y = floor(at.y + halfSize.y + 0.5) - halfSize.y;
+    uvec4 glyph = texelFetch(glyphs, int(element.y));
+    parts.yzw = glyph.xyz;
+    Place place = Place(ivec2(0), vec2(0.0), local * (state.y * uintBitsToFloat(glyph.w)));
+    place.toMiddle = inverse(place.pixels) * at;
+#ifdef GRADIENTS
+    textToMiddle = inverse(local) * anchor;
+    textToPixels = vec4(local[0], local[1]);
+#endif
+    return place;
+}
+#endif
+
 void main()
 {
     int quad = gl_VertexID / 4, c = gl_VertexID % 4;
@@ -51,13 +90,20 @@ void main()
     if ((flags & cVisible) == 0u || parts.z == 0u)
         return;
     Place place = placeOf(shape);
+#ifdef GLYPHS
+    if (kind == cGlyph)
+        place = placeOfGlyph(shape, element, place);
+#else
+    if (kind == cGlyph)
+        return;
+#endif
     middle = place.middle;
     toMiddle = place.toMiddle;
     stepsToPixels = vec4(place.pixels[0], place.pixels[1]);
     ivec4 box = texelFetch(nodes, 2 * int(parts.y));
-    if (!isBoxAlone && (sizeOf(box, place) <= cSmall) != (kind == cBox))
+    if (!isBoxAlone && kind != cGlyph && (sizeOf(box, place) <= cSmall) != (kind == cBox))
         return;
-    if (kind != cTriangles && kind != cBox)
+    if (kind != cTriangles && kind != cBox && kind != cGlyph)
     {
         // Of a line and the nodes around it one is drawn: the largest that is small, or the line.
         box = texelFetch(nodes, 2 * int(parts.y + (kind == cNode ? element.y : element.z)));
@@ -107,7 +153,7 @@ void main()
         else
             p = t[min(c, 2)];
     }
-    else if (kind == cBox || kind == cNode)
+    else if (kind == cBox || kind == cNode || kind == cGlyph)
     {
         vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
         vec2 c0 = place.pixels * ((stepsOf(place, box.xy) + stepsOf(place, box.zw)) / 2.0);
