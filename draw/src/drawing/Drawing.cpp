@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <unordered_set>
 
 namespace gui::draw
 {
@@ -23,6 +24,44 @@ bool isFinite(const Affine& m)
 {
     return std::isfinite(m.a) && std::isfinite(m.b) && std::isfinite(m.c) && std::isfinite(m.d) && std::isfinite(m.e) &&
            std::isfinite(m.f);
+}
+
+bool isTextAt(const std::vector<Drawing::Rect>& lines, Drawing::Point p, double distance)
+{
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const Drawing::Rect& line)
+                       {
+                           const double x = p.x - std::clamp(p.x, line.left, line.right);
+                           const double y = p.y - std::clamp(p.y, line.top, line.bottom);
+                           return std::hypot(x, y) <= distance;
+                       });
+}
+
+// Two convex shapes have nothing in common when there is an axis, across a side of one of them, along which they don't.
+bool isTextIn(const std::vector<Drawing::Rect>& lines, const ShapePicker::Quad& quad)
+{
+    const auto isApart = [&quad](const Drawing::Rect& line, double x, double y)
+    {
+        double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
+        const auto add = [&](int i, double px, double py)
+        {
+            low[i] = std::min(low[i], px * x + py * y);
+            high[i] = std::max(high[i], px * x + py * y);
+        };
+        for (const double px : {line.left, line.right})
+            for (const double py : {line.top, line.bottom})
+                add(0, px, py);
+        for (const Drawing::Point& p : quad)
+            add(1, p.x, p.y);
+        return high[0] < low[1] || high[1] < low[0];
+    };
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const Drawing::Rect& line)
+                       {
+                           return !isApart(line, 1, 0) && !isApart(line, 0, 1) &&
+                                  !isApart(line, quad[1].y - quad[0].y, quad[0].x - quad[1].x) &&
+                                  !isApart(line, quad[2].y - quad[1].y, quad[1].x - quad[2].x);
+                       });
 }
 
 } // namespace
@@ -51,6 +90,32 @@ Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, const Paint&
     return _pImpl->setPath(item, path);
 }
 
+Drawing::ID Drawing::text(Point at, const TextLayout& layout, const TextPlacement& placement)
+{
+    return _pImpl->addText(at, layout, placement);
+}
+
+Drawing::ID Drawing::text(Point at, std::string_view text, const TextStyle& style, const TextPlacement& placement)
+{
+    return _pImpl->addText(at, TextLayout(text, style), placement);
+}
+
+bool Drawing::setText(ID text, std::string_view string)
+{
+    const Impl::Item* pItem = _pImpl->find(text);
+    return pItem != nullptr && pItem->kind == Impl::Kind::Text &&
+           setText(text, TextLayout(string, pItem->pLetters->text));
+}
+
+bool Drawing::setText(ID text, const TextLayout& layout)
+{
+    Impl::Item* pItem = _pImpl->find(text);
+    if (pItem == nullptr || pItem->kind != Impl::Kind::Text)
+        return false;
+    _pImpl->setText(*pItem, layout);
+    return true;
+}
+
 Drawing::ID Drawing::beginGroup(const Affine& transform)
 {
     const std::uint32_t slot = _pImpl->add(Impl::Kind::Group);
@@ -73,7 +138,13 @@ bool Drawing::setColor(ID shape, const Paint& paint)
     Impl::Item* pItem = _pImpl->findShape(shape);
     if (pItem == nullptr)
         return false;
-    _pImpl->setPaint(*pItem, paint);
+    if (pItem->kind != Impl::Kind::Text)
+        _pImpl->setPaint(*pItem, paint);
+    else
+        pItem->pLetters->text.paint = paint;
+    for (const std::uint32_t member : pItem->members)
+        if (!_pImpl->items[member].pLetters->isHalo)
+            _pImpl->setPaint(_pImpl->items[member], paint);
     return true;
 }
 
@@ -90,7 +161,7 @@ bool Drawing::setVisible(ID id, bool isVisible)
 bool Drawing::setPath(ID shape, const Path& path)
 {
     Impl::Item* pItem = _pImpl->findShape(shape);
-    return pItem != nullptr && _pImpl->setPath(*pItem, path) != 0;
+    return pItem != nullptr && pItem->kind != Impl::Kind::Text && _pImpl->setPath(*pItem, path) != 0;
 }
 
 bool Drawing::setStroke(ID shape, const Stroke& stroke)
@@ -185,6 +256,7 @@ void Drawing::clear()
     impl.edges.clear();
     impl.index.clear();
     impl.largestMargin = 0;
+    impl.glyphs.clear();
     impl.isChanged = true;
 }
 
@@ -222,9 +294,11 @@ Drawing::ID Drawing::pick(Point point, double tolerance) const
                             const double distance = tolerance * local.scale;
                             if (item.kind == Impl::Kind::Fill)
                                 return picker.isFillAt(at, distance);
+                            if (item.kind == Impl::Kind::Glyphs)
+                                return isTextAt(item.pLetters->lines, at, distance);
                             return picker.isStrokeAt(at, distance, item.pLine->stroke, local.radius, local.dashScale);
                         });
-    return found.empty() ? 0 : _pImpl->idOf(found.front());
+    return found.empty() ? 0 : _pImpl->idOfShape(found.front());
 }
 
 std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
@@ -238,10 +312,16 @@ std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
                                          map.map({rect.right, rect.bottom}), map.map({rect.left, rect.bottom})};
             if (item.kind == Impl::Kind::Fill)
                 return picker.isFillIn(quad);
+            if (item.kind == Impl::Kind::Glyphs)
+                return isTextIn(item.pLetters->lines, quad);
             return picker.isStrokeIn(quad, item.pLine->stroke, local.radius, local.dashScale);
         });
     std::vector<ID> ids(found.size());
-    std::transform(found.begin(), found.end(), ids.begin(), [this](std::uint32_t slot) { return _pImpl->idOf(slot); });
+    std::transform(found.begin(), found.end(), ids.begin(),
+                   [this](std::uint32_t slot) { return _pImpl->idOfShape(slot); });
+    // A text of several styles, by its topmost part; its parts may lie apart.
+    std::unordered_set<ID> seen;
+    std::erase_if(ids, [&seen](ID id) { return !seen.insert(id).second; });
     return ids;
 }
 

@@ -65,9 +65,10 @@ Drawing::ID Drawing::Impl::addShape(Kind kind, const Paint& paint)
     Item& item = items[slot];
     tables.addShape(item.places);
     tables.setFlag(item.places, IsVisible, item.isShown);
+    tables.setFlag(item.places, AreGlyphs, kind == Kind::Glyphs);
     setPaint(item, paint);
     append(item);
-    ++nShapes;
+    nShapes += kind == Kind::Glyphs ? 0 : 1;
     return idOf(slot);
 }
 
@@ -77,7 +78,10 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
         item.pGradient = std::make_unique<Paint>(paint);
     else
         item.pGradient.reset();
-    tables.setPaint(item.places, paint, item.origin, item.step);
+    if (item.kind == Kind::Glyphs)
+        tables.setPaint(item.places, paint, item.pLetters ? item.pLetters->anchor : Point(), 1);
+    else
+        tables.setPaint(item.places, paint, item.origin, item.step);
     isChanged = true;
 }
 
@@ -128,7 +132,7 @@ void Drawing::Impl::update(Item& item)
 {
     item.whole = item.group == cNoItem ? item.transform : items[item.group].whole * item.transform;
     item.isShown = item.isVisible && (item.group == cNoItem || items[item.group].isShown);
-    if (item.kind == Kind::Group)
+    if (hasMembers(item))
         for (const std::uint32_t member : item.members)
             update(items[member]);
     else
@@ -144,19 +148,20 @@ void Drawing::Impl::removeItem(std::uint32_t slot)
     Item& item = items[slot];
     for (const std::uint32_t member : item.members)
         removeItem(member);
-    if (item.kind != Kind::Group)
+    if (!hasMembers(item))
     {
         unlink(item);
         index.remove(slot);
         tables.removeShape(item.places);
         leaveGap(item);
-        --nShapes;
     }
+    nShapes -= item.kind == Kind::Group || item.kind == Kind::Glyphs ? 0 : 1;
     if (group == slot)
         group = cNoItem;
     item.kind = Kind::None;
     item.members.clear();
     item.pLine.reset();
+    item.pLetters.reset();
     item.pGradient.reset();
     freeSlots.push_back(slot);
 }
@@ -237,8 +242,13 @@ void Drawing::Impl::renewLinks()
 
 bool Drawing::Impl::boundsOf(const Item& item, Rect& bounds) const
 {
-    if (item.kind == Kind::Group || !item.isShown || !item.hasBounds)
+    if (hasMembers(item) || !item.isShown || !item.hasBounds)
         return false;
+    if (item.kind == Kind::Glyphs)
+    {
+        bounds = boundsOfText(item);
+        return true;
+    }
     const bool isWide = item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Model;
     const double margin = isWide ? item.pLine->stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
     const Rect& rect = item.bounds;
@@ -269,6 +279,17 @@ void Drawing::Impl::enlist(const Item& item)
         if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
             shape.margin =
                 static_cast<float>(item.pLine->stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+        if (item.kind == Kind::Glyphs)
+        {
+            const Letters& letters = *item.pLetters;
+            const Rect& ink = letters.ink;
+            const double reach = std::hypot(std::max(std::abs(ink.left), std::abs(ink.right)),
+                                            std::max(std::abs(ink.top), std::abs(ink.bottom)));
+            // A pixel more, for those that stand on whole ones.
+            shape.margin = static_cast<float>((letters.style.isInPoints ? reach : 0) +
+                                              std::hypot(letters.style.offset.x, letters.style.offset.y) + 1);
+            shape.areGlyphs = true;
+        }
     }
     largestMargin = std::max(largestMargin, double(shape.margin));
     list.set(item.place, shape);
@@ -321,7 +342,7 @@ void Drawing::Impl::append(Item& item)
 
 void Drawing::Impl::collectShapes(std::uint32_t slot, std::vector<std::uint32_t>& shapes) const
 {
-    if (items[slot].kind != Kind::Group)
+    if (!hasMembers(items[slot]))
         shapes.push_back(slot);
     for (const std::uint32_t member : items[slot].members)
         collectShapes(member, shapes);
@@ -377,15 +398,23 @@ bool Drawing::Impl::draw(const Sight& sight)
     // The geometric mean of what the axes are stretched by.
     const Affine& map = sight.toPixels;
     pointsPerUnit = std::sqrt(std::abs(map.a * map.d - map.b * map.c)) / sight.pixelsPerPoint;
+    const double s = sight.pixelsPerPoint;
+    toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
     return true;
 }
 
 std::optional<Drawing::Impl::Local> Drawing::Impl::localOf(const Item& item) const
 {
-    const std::optional<Affine> inverse = item.whole.inverse();
+    const std::optional<Affine> inverse = item.kind == Kind::Glyphs ? toTextOf(item) : item.whole.inverse();
     if (!inverse)
         return std::nullopt;
     Local local;
+    if (item.kind == Kind::Glyphs)
+    {
+        local.toSteps = *inverse;
+        local.scale = std::sqrt(std::abs(inverse->a * inverse->d - inverse->b * inverse->c));
+        return local;
+    }
     local.toSteps = Affine::scaling(1 / item.step) * Affine::translation(-item.origin.x, -item.origin.y) * *inverse;
     const Affine& map = local.toSteps;
     local.scale = std::sqrt(std::abs(map.a * map.d - map.b * map.c));

@@ -2,6 +2,7 @@
 
 #include "DrawList.h"
 #include "DrawingPainter.h"
+#include "GlyphStore.h"
 #include "ShapeIndex.h"
 #include "ShapePicker.h"
 #include "ShapeTables.h"
@@ -25,6 +26,8 @@ struct Drawing::Impl
         None,
         Fill,
         Stroke,
+        Glyphs, ///< of a text, of one style
+        Text,   ///< a group of glyphs
         Group
     };
 
@@ -33,6 +36,18 @@ struct Drawing::Impl
     {
         Path path;
         draw::Stroke stroke;
+    };
+
+    /// What text and glyphs are made from. Rectangles are in the text's own unit, about its anchor, y downwards.
+    struct Letters
+    {
+        GlyphStyle style;
+        std::vector<Rect> lines; // of the text
+        Rect ink;                // around them, with halos
+        Point anchor;            // in the layout
+        bool isHalo = false;
+        TextStyle text; // of its beginning
+        TextPlacement placement;
     };
 
     /// A shape or a group, in a slot that is used again.
@@ -52,8 +67,9 @@ struct Drawing::Impl
         td::Point<double> origin;
         double step = 1;
         bool hasBounds = false;
-        Rect bounds;                 // of its points, as they are kept
-        std::unique_ptr<Line> pLine; // of a stroke
+        Rect bounds;                       // of its points, as they are kept
+        std::unique_ptr<Line> pLine;       // of a stroke
+        std::unique_ptr<Letters> pLetters; // of a text or of glyphs
         std::unique_ptr<Paint> pGradient;
         ShapePlaces places;
         std::vector<std::uint32_t> members;     // of a group
@@ -72,15 +88,30 @@ struct Drawing::Impl
 
     ID idOf(std::uint32_t slot) const { return ID(items[slot].generation) << 32 | (slot + 1); }
 
+    /// Of the text that glyphs are of.
+    ID idOfShape(std::uint32_t slot) const { return idOf(items[slot].kind == Kind::Glyphs ? items[slot].group : slot); }
+
     Item* find(ID id);
     Item* findShape(ID id);
     static std::uint32_t slotOf(const Item& item) { return item.slot; }
+
+    static bool hasMembers(const Item& item) { return item.kind == Kind::Group || item.kind == Kind::Text; }
 
     /// Takes a slot, in the group that was begun.
     std::uint32_t add(Kind kind);
     ID addShape(Kind kind, const Paint& paint);
     void setPaint(Item& item, const Paint& paint);
     ID setPath(Item& item, const Path& path);
+    ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
+    /// Replaces a text's glyphs.
+    void setText(Item& text, const TextLayout& layout);
+    void setGlyphs(Item& glyphs, const TextLayout& layout, std::size_t style, double size, double lineWidth);
+    void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
+    void setElements(Item& glyphs, double strokeStep);
+    /// From the model to a text's own unit about its anchor, as the last draw showed it.
+    std::optional<Affine> toTextOf(const Item& glyphs) const;
+    /// Around glyphs in model units, whichever way y grows.
+    Rect boundsOfText(const Item& glyphs) const;
     void removeItem(std::uint32_t slot);
     /// Says where a shape is, after a change of its geometry or transform.
     void place(const Item& item);
@@ -133,6 +164,7 @@ struct Drawing::Impl
     std::uint32_t group = cNoItem; // what is added belongs to
     double tolerance = 0;
     double pointsPerUnit = 1;
+    Affine toPoints = Affine::scaling(1); // of the last draw, y downwards
     bool areElementsStale = false;
     bool isChanged = true;
     bool hasSaidNoInverse = false;
@@ -143,6 +175,8 @@ struct Drawing::Impl
     ShapeBuilder builder;
     ShapeGeometry geometry;
     ShapeTables tables;
+    GlyphStore glyphs;
+    std::vector<Element> elements;
     DrawingPainter painter;
 };
 

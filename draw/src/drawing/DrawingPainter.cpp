@@ -181,8 +181,8 @@ bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, t
     return _quads.draw(ranges) || fail("there is no vertex array");
 }
 
-bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, const Sight& sight,
-                                td::Size<int> size, double stretch)
+bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, const Sight& sight, td::Size<int> size,
+                                double stretch)
 {
     const unsigned int features = tables.getFeatures();
     if ((features & HasFills) != 0 && !list.getParts().empty() &&

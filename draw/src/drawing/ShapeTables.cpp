@@ -73,9 +73,16 @@ void ShapeTables::giveBack(ShapePlaces& places)
 {
     _points.giveBack(places.points.first, places.points.count);
     _nodes.giveBack(places.nodes.first, places.nodes.count);
-    _elements.giveBack(places.elements.first, places.elements.count);
     _numbers.giveBack(places.numbers.first, places.numbers.count);
-    places.points = places.nodes = places.elements = places.numbers = {};
+    _glyphs.giveBack(places.glyphs.first, places.glyphs.count);
+    places.points = places.nodes = places.numbers = places.glyphs = {};
+    giveBackElements(places);
+}
+
+void ShapeTables::giveBackElements(ShapePlaces& places)
+{
+    _elements.giveBack(places.elements.first, places.elements.count);
+    places.elements = {};
 }
 
 void ShapeTables::removeShape(ShapePlaces& places)
@@ -145,12 +152,23 @@ std::uint32_t ShapeTables::addGlyph(const ShapeGeometry& geometry, double step)
     return _glyphs.add(std::span(&glyph, 1));
 }
 
+std::uint32_t ShapeTables::setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry, double step)
+{
+    giveBack(places);
+    const std::uint32_t number = addGlyph(geometry, step);
+    const GlyphRecord& glyph = _glyphs[number];
+    places.glyphs = {number, 1};
+    places.nodes = {glyph.nodes, glyph.nNodes};
+    places.points = {glyph.points, static_cast<std::uint32_t>(geometry.points.size())};
+    return number;
+}
+
 // What glyphs have elsewhere than other shapes: the size instead of nodes, the offset instead of their number and of
 // points, cosine and sine instead of links.
 void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
                             double step)
 {
-    giveBack(places);
+    giveBackElements(places);
     _patched.assign(elements.begin(), elements.end());
     for (Element& element : _patched)
         element.shapeAndKind |= places.record;

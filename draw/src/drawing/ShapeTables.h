@@ -50,8 +50,8 @@ static_assert(sizeof(GlyphRecord) == 16);
 /// Where the glyphs of a text are, in its own unit.
 struct GlyphStyle
 {
-    double size = 0;            // of an em
-    td::Point<double> offset;   // in points, downwards
+    double size = 0;             // of an em
+    td::Point<double> offset;    // in points, downwards
     double cosine = 1, sine = 0; // of the angle that it is turned by, counterclockwise as it is seen
     bool isInPoints = true;
     double lineWidth = 0; // of strokes; 0 for fills
@@ -99,6 +99,7 @@ struct ShapePlaces
 {
     std::uint32_t record = 0;
     TableRange points, nodes, elements, numbers, links, gradient;
+    TableRange glyphs; // that are its own
 };
 
 /// Everything that shapes consist of in GL memory, and the same on this side.
@@ -116,6 +117,8 @@ public:
     void setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step);
     /// Adds an outline for good. @param step  of the geometry, in em
     std::uint32_t addGlyph(const ShapeGeometry& geometry, double step);
+    /// Replaces the outline that a text has for itself alone. @return its number
+    std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry, double step);
     /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
     void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
     void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);
@@ -147,6 +150,7 @@ public:
 
 private:
     void giveBack(ShapePlaces& places);
+    void giveBackElements(ShapePlaces& places);
     /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
     bool makeRoomFor(double largest);
 

@@ -5,6 +5,8 @@
 #include "Paint.h"
 #include "Path.h"
 #include "Stroke.h"
+#include "TextLayout.h"
+#include "TextPlacement.h"
 
 #include <td/Export.h>
 #include <td/Point.h>
@@ -15,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace gui::gl
@@ -25,8 +28,8 @@ class OrthoView;
 namespace gui::draw
 {
 
-/// A picture that is kept: filled and stroked paths, added once, drawn each frame, changed one by one, found under the
-/// pointer. All edges are smooth, in contexts with and without samples.
+/// A picture that is kept: filled and stroked paths and texts, added once, drawn each frame, changed one by one, found
+/// under the pointer. All edges are smooth, in contexts with and without samples.
 ///
 ///     #include <gui/draw/Drawing.h>
 ///     #include <gui/gl/OffscreenContext.h>
@@ -79,6 +82,20 @@ public:
     /// A line along a path.
     ID stroke(const Path& path, const Stroke& stroke, const Paint& paint);
 
+    /// A text. Its letters are the outlines of its face, sharp at every size and angle, and no zoom uploads anything.
+    ///
+    ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}}, {.anchor = Anchor::Left, .offset = {6, 0}});
+    ///
+    /// In points (TextStyle::unit, of the first style) a text has the same size at every zoom, is turned by its own
+    /// angle alone, whatever groups do, and stands on whole pixels when that is 0. In model units it is as large as the
+    /// plane makes it, lies along the plane's x axis turned by its angle, and is never mirrored. A gradient as its
+    /// paint is in the layout's own coordinates. Where glyphs of a translucent text overlap, both are seen.
+    /// @param at      where the placement's anchor stands
+    /// @param layout  read during the call only
+    /// @return the text's id, also when there is nothing to see; whatever moves, hides and orders shapes takes it
+    ID text(Point at, const TextLayout& layout, const TextPlacement& placement = {});
+    ID text(Point at, std::string_view text, const TextStyle& style = {}, const TextPlacement& placement = {});
+
     /// What is added until endGroup belongs to the group, which may stand in another one.
     /// @param transform  from the group's coordinates to those around it
     ID beginGroup(const Affine& transform = {});
@@ -87,10 +104,15 @@ public:
 
     /// Changes of shapes and, where it says so, groups. @return false for an id that names nothing (any more), or not
     /// that; nothing changes then
+    /// Of a text, all letters and lines get it, and halos stay.
     bool setColor(ID shape, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
+    /// Not of a text.
     bool setPath(ID shape, const Path& path);
+    /// Of a text only, which stays where it is, in the style of its beginning or as laid out.
+    bool setText(ID text, std::string_view string);
+    bool setText(ID text, const TextLayout& layout);
     /// Of a stroke only.
     bool setStroke(ID shape, const Stroke& stroke);
     /// Of a group, or of a shape, which has the identity at first.
@@ -113,12 +135,13 @@ public:
 
     /// Shapes, not groups.
     std::size_t getNumberOfShapes() const;
-    /// Around all visible shapes with their strokes' widths, those in points left out; empty when there are none.
+    /// Around all visible shapes with their strokes' widths, those in points left out, as is the size of texts in
+    /// points, which are where their anchor is; empty when there are none.
     std::optional<Rect> getBounds() const;
     std::optional<Rect> getBounds(ID id) const;
 
     /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the
-    /// state is afterwards what it was, but for texture units 0 to 6.
+    /// state is afterwards what it was, but for texture units 0 to 7.
     /// @param modelToView     from model units to points from the viewport's top left corner, y downwards
     /// @param pixelsPerPoint  of the view
     /// @return false, with a log line for each kind of reason once, when it could not: no context, a map that has no
@@ -128,7 +151,8 @@ public:
     bool draw(const gl::OrthoView& view);
 
     /// The topmost visible shape within a tolerance of a point; 0 when there is none. Strokes whose width is in points
-    /// are as wide as the last draw has made them; before one, a point is a model unit.
+    /// are as wide as the last draw has made them, and texts as large; before one, a point is a model unit and y grows
+    /// downwards. A text is where its lines are, from top to bottom and from the first letter to the last.
     /// @param tolerance  in model units; 0 for the shapes right at the point
     ID pick(Point point, double tolerance = 0) const;
     /// All visible shapes that have a part inside of the rectangle, the topmost one first.

@@ -1,0 +1,228 @@
+#include "DrawingImpl.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+/// Of a text's place: fine enough for a million pixels per model unit.
+constexpr double cTextStep = 0x1p-20;
+
+double finite(double number) { return std::isfinite(number) ? number : 0; }
+
+Element elementOf(std::uint32_t glyph, double x, double y)
+{
+    return {static_cast<std::uint32_t>(ElementKind::Glyph) << 28,
+            {glyph, std::bit_cast<std::uint32_t>(static_cast<float>(x)),
+             std::bit_cast<std::uint32_t>(static_cast<float>(y))}};
+}
+
+/// Glyphs that one shape draws.
+struct Part
+{
+    std::size_t style;
+    double size;
+    double lineWidth; // of halos and heavier letters
+    bool isHalo;
+    bool isDecoration;
+};
+
+// What a layout is drawn with, from below to above.
+std::vector<Part> partsOf(const TextLayout& layout)
+{
+    std::vector<Part> letters, parts;
+    for (const TextLayout::Run& run : layout.getRuns())
+        if (std::none_of(letters.begin(), letters.end(),
+                         [&run](const Part& part) { return part.style == run.style && part.size == run.size; }))
+            letters.push_back({run.style, run.size, 0, false, false});
+    const auto widthOf = [&layout](const Part& part)
+    { return finite(layout.getStyle(part.style).embolden) * part.size; };
+    for (Part part : letters)
+        if (const double halo = finite(layout.getStyle(part.style).halo.width); halo > 0)
+        {
+            part.lineWidth = 2 * halo + std::max(widthOf(part), 0.0);
+            part.isHalo = true;
+            parts.push_back(part);
+        }
+    for (const TextLayout::Decoration& decoration : layout.getDecorations())
+        if (std::none_of(parts.begin(), parts.end(),
+                         [&decoration](const Part& part)
+                         { return part.isDecoration && part.style == decoration.style; }))
+            parts.push_back({decoration.style, 1, 0, false, true});
+    for (Part part : letters)
+    {
+        parts.push_back(part);
+        part.lineWidth = widthOf(part);
+        if (part.lineWidth > 0)
+            parts.push_back(part);
+    }
+    return parts;
+}
+
+} // namespace
+
+Drawing::ID Drawing::Impl::addText(Point at, const TextLayout& layout, const TextPlacement& placement)
+{
+    const std::uint32_t slot = add(Kind::Text);
+    ++nShapes;
+    Item& text = items[slot];
+    text.origin = {finite(at.x), finite(at.y)};
+    text.pLetters = std::make_unique<Letters>();
+    text.pLetters->placement = placement;
+    setText(text, layout);
+    return idOf(slot);
+}
+
+void Drawing::Impl::setText(Item& text, const TextLayout& layout)
+{
+    Letters& letters = *text.pLetters;
+    const TextPlacement& placement = letters.placement;
+    if (layout.getNumberOfStyles() > 0)
+        letters.text = layout.getStyle(0);
+    const td::Size<double> size = layout.getSize();
+    const std::span<const TextLayout::Line> lines = layout.getLines();
+    const double baseline = lines.empty() ? 0 : lines.front().baseline;
+    letters.anchor = {finite(placement.anchor.x) * size.width,
+                      placement.anchor.y ? finite(*placement.anchor.y) * size.height : baseline};
+    const double angle = std::remainder(finite(placement.angle), 360) * std::numbers::pi / 180;
+    letters.style = {.size = 1,
+                     .offset = {finite(placement.offset.x), finite(placement.offset.y)},
+                     .cosine = angle == 0 ? 1 : std::cos(angle),
+                     .sine = std::sin(angle),
+                     .isInPoints = letters.text.unit == Unit::Points};
+    letters.lines.clear();
+    for (const TextLayout::Line& line : lines)
+        letters.lines.emplace_back(line.left - letters.anchor.x, line.top - letters.anchor.y,
+                                   line.left + line.width - letters.anchor.x, line.bottom - letters.anchor.y);
+    double widest = 0;
+    const std::vector<Part> parts = partsOf(layout);
+    for (const Part& part : parts)
+        widest = std::max(widest, part.lineWidth / 2);
+    const Rect ink = layout.getInkBounds().value_or(Rect(0, 0, 0, 0));
+    letters.ink = {std::min(ink.left, 0.0) - widest - letters.anchor.x,
+                   std::min(ink.top, 0.0) - widest - letters.anchor.y,
+                   std::max(ink.right, size.width) + widest - letters.anchor.x,
+                   std::max(ink.bottom, size.height) + widest - letters.anchor.y};
+
+    // Shapes that are there already stay where they are among the others.
+    std::vector<std::uint32_t> old = std::exchange(text.members, {});
+    const std::size_t before = old.empty() ? order.size() : items[old.front()].place;
+    const bool isReplaced = old.size() != parts.size();
+    if (isReplaced)
+        for (const std::uint32_t member : old)
+            removeItem(member);
+    else
+        text.members = std::move(old);
+    const std::uint32_t slot = slotOf(text), around = std::exchange(group, slot);
+    for (std::size_t i = 0; i < parts.size(); ++i)
+    {
+        const Part& part = parts[i];
+        const TextStyle& style = layout.getStyle(part.style);
+        const Paint& paint = part.isHalo ? style.halo.paint : style.paint;
+        if (isReplaced)
+            addShape(Kind::Glyphs, paint);
+        Item& glyphs_ = items[text.members[i]];
+        if (!glyphs_.pLetters)
+            glyphs_.pLetters = std::make_unique<Letters>();
+        glyphs_.pLetters->style = letters.style;
+        glyphs_.pLetters->lines = letters.lines;
+        glyphs_.pLetters->ink = letters.ink;
+        glyphs_.pLetters->anchor = letters.anchor;
+        glyphs_.pLetters->isHalo = part.isHalo;
+        glyphs_.origin = text.origin;
+        glyphs_.step = cTextStep;
+        glyphs_.hasBounds = true;
+        setPaint(glyphs_, paint);
+        if (part.isDecoration)
+            setDecorations(glyphs_, layout, part.style);
+        else
+            setGlyphs(glyphs_, layout, part.style, part.size, part.lineWidth);
+    }
+    group = around;
+    if (isReplaced && before < order.size() && !text.members.empty())
+        move(text.members, before);
+    update(text);
+}
+
+void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t style, double size, double lineWidth)
+{
+    Letters& letters = *item.pLetters;
+    letters.style.size = size;
+    letters.style.lineWidth = lineWidth;
+    elements.clear();
+    for (const TextLayout::Run& run : layout.getRuns())
+        if (run.style == style && run.size == size)
+            for (const TextLayout::Glyph& placed : run.glyphs)
+                if (const GlyphStore::Glyph& glyph = glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
+                    !glyph.isEmpty)
+                    elements.push_back(elementOf(
+                        glyph.number, run.origin.x + double(placed.x) + glyph.origin.x * size - letters.anchor.x,
+                        run.origin.y + double(placed.y) + glyph.origin.y * size - letters.anchor.y));
+    tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
+}
+
+// Lines under a text and through it are glyphs of its own.
+void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::size_t style)
+{
+    Letters& letters = *item.pLetters;
+    letters.style.size = 1;
+    letters.style.lineWidth = 0;
+    Path path;
+    for (const TextLayout::Decoration& decoration : layout.getDecorations())
+        if (decoration.style == style)
+            path.addRect(decoration.rect);
+    builder.makeFill(path, FillRule::NonZero, 0, geometry);
+    elements.clear();
+    const std::uint32_t number = tables.setOwnGlyph(item.places, geometry, geometry.step);
+    if (!geometry.nodes.empty())
+        elements.push_back(
+            elementOf(number, geometry.origin.x - letters.anchor.x, geometry.origin.y - letters.anchor.y));
+    tables.setGlyphs(item.places, elements, letters.style, 1);
+}
+
+std::optional<Affine> Drawing::Impl::toTextOf(const Item& item) const
+{
+    const GlyphStyle& style = item.pLetters->style;
+    const Point at = item.whole.map(item.origin);
+    Affine local = toPoints * Affine{item.whole.a, item.whole.b, item.whole.c, item.whole.d, 0, 0};
+    if (local.a * local.d - local.b * local.c < 0)
+        local = local * Affine{1, 0, 0, -1, 0, 0};
+    if (style.isInPoints)
+        local = Affine();
+    local = Affine::translation(style.offset.x, style.offset.y) * local *
+            Affine{style.cosine, -style.sine, style.sine, style.cosine, 0, 0};
+    const std::optional<Affine> inverse = local.inverse();
+    if (!inverse)
+        return std::nullopt;
+    return *inverse * toPoints * Affine::translation(-at.x, -at.y);
+}
+
+Drawing::Rect Drawing::Impl::boundsOfText(const Item& item) const
+{
+    const Letters& letters = *item.pLetters;
+    const Point at = item.whole.map(item.origin);
+    Rect bounds(at.x, at.y, at.x, at.y);
+    if (letters.style.isInPoints)
+        return bounds;
+    const auto [size, offset, cosine, sine, isInPoints, lineWidth] = letters.style;
+    for (const double up : {1.0, -1.0})
+        for (const double x : {letters.ink.left, letters.ink.right})
+            for (const double y : {letters.ink.top, letters.ink.bottom})
+            {
+                const Point turned(x * cosine + y * sine, (y * cosine - x * sine) * up);
+                const Point p = item.whole.map({item.origin.x + turned.x, item.origin.y + turned.y});
+                bounds = {std::min(bounds.left, p.x), std::min(bounds.top, p.y), std::max(bounds.right, p.x),
+                          std::max(bounds.bottom, p.y)};
+            }
+    return bounds;
+}
+
+} // namespace gui::draw
