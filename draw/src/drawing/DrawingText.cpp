@@ -114,7 +114,7 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
 
     // Shapes that are there already stay where they are among the others.
     std::vector<std::uint32_t> old = std::exchange(text.members, {});
-    const std::size_t before = old.empty() ? order.size() : items[old.front()].place;
+    const std::size_t before = old.empty() ? SIZE_MAX : items[old.front()].place;
     const bool isReplaced = old.size() != parts.size();
     if (isReplaced)
         for (const std::uint32_t member : old)

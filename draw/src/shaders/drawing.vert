@@ -87,7 +87,7 @@ void main()
     flags = state.z;
     parts = texelFetch(shapes, 6 * shape + 3);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
-    if ((flags & cVisible) == 0u || parts.z == 0u)
+    if ((flags & cVisible) == 0u || parts.z == 0u && kind != cGlyph)
         return;
     Place place = placeOf(shape);
 #ifdef GLYPHS

@@ -15,6 +15,7 @@
 #include "Polylines.h"
 #include "Stroke.h"
 #include "TextLayout.h"
+#include "TextPlacement.h"
 #include "TextStyle.h"
 #include "Typeface.h"
 #include "Unit.h"
