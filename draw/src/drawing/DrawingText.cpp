@@ -163,9 +163,8 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
             for (const TextLayout::Glyph& placed : run.glyphs)
                 if (const GlyphStore::Glyph& glyph = glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
                     !glyph.isEmpty)
-                    elements.push_back(elementOf(
-                        glyph.number, run.origin.x + double(placed.x) + glyph.origin.x * size - letters.anchor.x,
-                        run.origin.y + double(placed.y) + glyph.origin.y * size - letters.anchor.y));
+                    elements.push_back(elementOf(glyph.number, run.origin.x + double(placed.x) - letters.anchor.x,
+                                                 run.origin.y + double(placed.y) - letters.anchor.y));
     tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
 }
 
@@ -181,10 +180,9 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
             path.addRect(decoration.rect);
     builder.makeFill(path, FillRule::NonZero, 0, geometry);
     elements.clear();
-    const std::uint32_t number = tables.setOwnGlyph(item.places, geometry, geometry.step);
+    const std::uint32_t number = tables.setOwnGlyph(item.places, geometry);
     if (!geometry.nodes.empty())
-        elements.push_back(
-            elementOf(number, geometry.origin.x - letters.anchor.x, geometry.origin.y - letters.anchor.y));
+        elements.push_back(elementOf(number, -letters.anchor.x, -letters.anchor.y));
     tables.setGlyphs(item.places, elements, letters.style, 1);
 }
 

@@ -6,8 +6,8 @@ namespace gui::draw
 namespace
 {
 
-/// How far lines may be from an outline's curves, in em: a sixth of a pixel where letters are 1000 pixels high.
-constexpr double cTolerance = 1.0 / 6000;
+/// How far lines may be from an outline's curves, in em: a fiftieth of a pixel where letters are 400 pixels high.
+constexpr double cTolerance = 1.0 / 20000;
 
 } // namespace
 
@@ -27,7 +27,7 @@ const GlyphStore::Glyph& GlyphStore::get(const Typeface& face, std::uint32_t num
         builder.makeFill(path, FillRule::NonZero, cTolerance, _geometry);
     if (_geometry.nodes.empty())
         return glyph;
-    glyph = {tables.addGlyph(_geometry, _geometry.step), _geometry.origin, false};
+    glyph = {tables.addGlyph(_geometry), false};
     return glyph;
 }
 

@@ -21,8 +21,7 @@ public:
     struct Glyph
     {
         std::uint32_t number = 0;
-        td::Point<double> origin; // of the geometry, from the glyph's own, in em
-        bool isEmpty = true;      // there is nothing to see
+        bool isEmpty = true; // there is nothing to see
     };
 
     /// Adds an outline when it is not there yet. @param isStroked  for a line along it instead of its inside

@@ -145,17 +145,20 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     _records.set(places.record, std::span(&record, 1));
 }
 
-std::uint32_t ShapeTables::addGlyph(const ShapeGeometry& geometry, double step)
+std::uint32_t ShapeTables::addGlyph(const ShapeGeometry& geometry)
 {
-    const GlyphRecord glyph{_nodes.add(geometry.nodes), static_cast<std::uint32_t>(geometry.nodes.size()),
-                            _points.add(geometry.points), static_cast<float>(step)};
+    const GlyphRecord glyph{_nodes.add(geometry.nodes),
+                            static_cast<std::uint32_t>(geometry.nodes.size()),
+                            _points.add(geometry.points),
+                            static_cast<float>(geometry.step),
+                            {static_cast<float>(geometry.origin.x), static_cast<float>(geometry.origin.y)}};
     return _glyphs.add(std::span(&glyph, 1));
 }
 
-std::uint32_t ShapeTables::setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry, double step)
+std::uint32_t ShapeTables::setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry)
 {
     giveBack(places);
-    const std::uint32_t number = addGlyph(geometry, step);
+    const std::uint32_t number = addGlyph(geometry);
     const GlyphRecord& glyph = _glyphs[number];
     places.glyphs = {number, 1};
     places.nodes = {glyph.nodes, glyph.nNodes};

@@ -37,15 +37,16 @@ struct ShapeRecord
 };
 static_assert(sizeof(ShapeRecord) == 96);
 
-/// An outline that texts draw, as the shaders read it: a texel.
+/// An outline that texts draw, as the shaders read it: two texels.
 struct GlyphRecord
 {
     std::uint32_t nodes = 0;
     std::uint32_t nNodes = 0;
     std::uint32_t points = 0;
-    float step = 1; // in em
+    float step = 1;                // in em
+    std::array<float, 4> origin{}; // of its points, from the pen, in em: x and y
 };
-static_assert(sizeof(GlyphRecord) == 16);
+static_assert(sizeof(GlyphRecord) == 32);
 
 /// Where the glyphs of a text are, in its own unit.
 struct GlyphStyle
@@ -115,10 +116,10 @@ public:
     void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
     /// @param origin, step  of the shape, in which a gradient is kept
     void setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step);
-    /// Adds an outline for good. @param step  of the geometry, in em
-    std::uint32_t addGlyph(const ShapeGeometry& geometry, double step);
+    /// Adds an outline, in em about the pen, for good.
+    std::uint32_t addGlyph(const ShapeGeometry& geometry);
     /// Replaces the outline that a text has for itself alone. @return its number
-    std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry, double step);
+    std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry);
     /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
     void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
     void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);

@@ -398,7 +398,7 @@ Line lineFrom(Brush brush, Place place, mat2 toBrush, vec2 pixel, int from, int 
 }
 
 // With its join at the beginning and the caps of open ends.
-uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase, Line line, bool isTiny)
+uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase, Line line, bool isChord, bool isTiny)
 {
     vec2 a = line.a, u = line.u;
     float len = line.len;
@@ -429,8 +429,13 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase,
             mask |= capMask(rows, brush, a, u, len, 1.0);
     }
     if (isJoined && line.mayJoin)
-        mask |= joinMask(rows, brush, a, normalize(toBrush * (place.pixels * vec2(wayBefore))), u,
-                         texelFetch(points, line.from).x != strokePoint(line.from).x);
+    {
+        vec2 before = normalize(toBrush * (place.pixels * vec2(wayBefore)));
+        // The last line of a curve is turned against the chord before by about as much as against this one.
+        if (isChord && dot(before, u) > 0.9)
+            before = normalize(2.0 * before - u);
+        mask |= joinMask(rows, brush, a, before, u, texelFetch(points, line.from).x != strokePoint(line.from).x);
+    }
     return mask;
 }
 
@@ -486,7 +491,7 @@ float coverageOfStroke(Place place, vec2 pixel)
     // A chord that is as good as what it stands for. Its ends are turned, the more the wider the stroke is; where right
     // angles don't stay right, turns may be seen the larger for it.
     float stretch = stretchOf(place);
-    float straight = 1.0 / 16.0 / stretch;
+    float straight = 1.0 / 32.0 / stretch;
     float mostTurn = abs(determinant(place.pixels)) / (stretch * stretch) / (12.0 * max(brush.radius, 0.1));
     // One loop finds leaves, the next one which of their lines may cover something, the last one what they do: software
     // drivers, which run through each for all of the pixels that they work at together, do dear things seldom.
@@ -501,9 +506,10 @@ float coverageOfStroke(Place place, vec2 pixel)
             vec2 c = toBrushFromSteps * (low + high) * 0.5 - pixelInBrush;
             vec2 h = extent * vec2(box.zw - box.xy);
             bool isIn = all(lessThan(abs(c), h + margin));
-            isTiny = max(h.x, h.y) < 1.0 / 16.0;
+            bool isStraight = turnOf(info.w) < mostTurn;
+            isTiny = max(h.x, h.y) < 1.0 / 16.0 && !isStraight;
             isChord = info.z > info.y + 1 && brush.dashes < 0 &&
-                      (isTiny || deviationOf(info.w) < straight && turnOf(info.w) < mostTurn);
+                      (isTiny || isStraight && deviationOf(info.w) < straight);
             bool isOpened = isIn && !isChord && !isLeaf(info.w);
             node = isOpened ? node + 1 : base + info.x;
             from = pointBase + info.y;
@@ -520,7 +526,7 @@ float coverageOfStroke(Place place, vec2 pixel)
         {
             int i = from + ((near & 1u) != 0u ? 0 : (near & 2u) != 0u ? 1 : (near & 4u) != 0u ? 2 : 3);
             Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
-            mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord && isTiny);
+            mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord, isChord && isTiny);
         }
     }
     return shareOf(mask) * fade;

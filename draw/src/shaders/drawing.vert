@@ -48,12 +48,11 @@ flat out vec4 textToPixels;
 
 // Of the outline of a glyph, which is also what parts tells from here on. Text is never seen from behind; what is not
 // turned and has its size on the screen stands on whole pixels.
-Place placeOfGlyph(int shape, uvec4 element, Place text)
+Place placeOfGlyph(int shape, uvec4 element, bool isInPoints, Place text)
 {
     vec4 state = uintBitsToFloat(texelFetch(shapes, 6 * shape + 3));
     vec2 turn = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).xy);
     vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
-    bool isInPoints = (flags & cWidthInPoints) != 0u;
     mat2 local = mat2(toPixels.xy, toPixels.zw) * mat2(linear.xy, linear.zw);
     if (determinant(local) > 0.0)
         local[1] = -local[1];
@@ -64,7 +63,8 @@ Place placeOfGlyph(int shape, uvec4 element, Place text)
     vec2 at = anchor + local * uintBitsToFloat(element.zw);
     if (isInPoints && turn.x == 1.0)
         at.y = floor(at.y + halfSize.y + 0.5) - halfSize.y;
-    uvec4 glyph = texelFetch(glyphs, int(element.y));
+    uvec4 glyph = texelFetch(glyphs, 2 * int(element.y));
+    at += local * (state.y * uintBitsToFloat(texelFetch(glyphs, 2 * int(element.y) + 1).xy));
     parts.yzw = glyph.xyz;
     Place place = Place(ivec2(0), vec2(0.0), local * (state.y * uintBitsToFloat(glyph.w)));
     place.toMiddle = inverse(place.pixels) * at;
@@ -92,7 +92,7 @@ void main()
     Place place = placeOf(shape);
 #ifdef GLYPHS
     if (kind == cGlyph)
-        place = placeOfGlyph(shape, element, place);
+        place = placeOfGlyph(shape, element, (flags & cWidthInPoints) != 0u, place);
 #else
     if (kind == cGlyph)
         return;

@@ -1,0 +1,223 @@
+#include "Coverage.h"
+#include "support/OffscreenGL.h"
+
+#include <gui/draw/Drawing.h>
+#include <gui/gl/FrameLedger.h>
+
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <string>
+
+namespace
+{
+
+using namespace gui::draw;
+using test::Coverage;
+using Point = Path::Point;
+
+constexpr int cTextPicture = 1024;
+
+class DrawingTextTest : public test::OffscreenGL
+{
+protected:
+    DrawingTextTest()
+        : OffscreenGL({cTextPicture, cTextPicture})
+    {
+    }
+
+    Coverage drawn(Drawing& drawing, const Affine& view = {}, double pixelsPerPoint = 1)
+    {
+        clear({255, 255, 255});
+        EXPECT_TRUE(drawing.draw(view, pixelsPerPoint));
+        return test::readCoverage();
+    }
+
+    /// What a draw with a view uploads.
+    static std::size_t bytesFor(Drawing& drawing, const Affine& view)
+    {
+        gui::gl::FrameLedger::start();
+        gui::gl::FrameLedger::begin();
+        EXPECT_TRUE(drawing.draw(view));
+        gui::gl::FrameLedger::end();
+        const std::size_t n = gui::gl::FrameLedger::getLast().nBytesUploaded;
+        EXPECT_LE(gui::gl::FrameLedger::getLast().nDraws, 8U);
+        gui::gl::FrameLedger::stop();
+        return n;
+    }
+};
+
+/// A text at a size and angle, and what stands between its place and the pixels.
+struct TextCase
+{
+    const char* text;
+    double size, angle;
+    Unit unit = Unit::Points;
+    Affine view{};
+    double pixelsPerPoint = 1;
+    Affine group{};
+    double halo = 0;
+};
+
+// Of glyph after glyph, what its outline covers.
+TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
+{
+    const Affine mirrored{1.5, 0, 0, -1.5, 100, 900};
+    const std::array<TextCase, 12> cases{{{"Sphinx of black", 8, 0},
+                                          {"quartz, judge", 11.3, 17},
+                                          {"my vow @&%", 40, 45},
+                                          {"Rag", 400, 17},
+                                          {"Rag", 100, 0, Unit::Points, mirrored, 2},
+                                          {"Rag", 100, 30, Unit::Model, mirrored},
+                                          {"far away", 1e-3, 5, Unit::Model, {5e4, 0, 0, 5e4, -5e11, -5e11}},
+                                          {"in groups", 30, 10, Unit::Model, {}, 2, Affine{1, .5, 0, 1.5, 3, 5}},
+                                          {"in points", 30, 10, Unit::Points, {}, 2, Affine{1, .5, 0, 1.5, 3, 5}},
+                                          {"lo", 80, 17, Unit::Points, {}, 1, {}, 6},
+                                          {"Ha", 40, 0, Unit::Model, {2, 0, 0, 2, 0, 0}, 1, {}, 3},
+                                          {"H", 9, 0, Unit::Points, {}, 1, {}, 1}}};
+    for (const TextCase& each : cases)
+    {
+        SCOPED_TRACE(std::string(each.text) + ' ' + std::to_string(each.size) + ' ' + std::to_string(each.angle));
+        TextStyle style{.face = Typeface::named("DejaVu Serif"), .size = each.size, .unit = each.unit};
+        if (each.halo > 0)
+            style.halo = {each.halo, "#000"};
+        const TextLayout layout(each.text, style);
+        const Affine whole = each.view * each.group;
+        const Point at = whole.inverse()->map({150, 300});
+        Drawing drawing;
+        drawing.beginGroup(each.group);
+        drawing.text(at, layout, {.anchor = Anchor::TopLeft, .offset = {20, 10}, .angle = each.angle});
+
+        // From the layout to the pixels.
+        const double s = each.pixelsPerPoint, turn = -each.angle * std::numbers::pi / 180;
+        Affine map{whole.a * s, whole.b * s, whole.c * s, whole.d * s, 0, 0};
+        if (map.a * map.d < map.b * map.c)
+            map = map * Affine::scaling(1, -1);
+        if (each.unit == Unit::Points)
+            map = Affine::scaling(s);
+        map = map * Affine::rotation(turn);
+        Point origin = whole.map(at);
+        origin = {(origin.x + 20) * s, (origin.y + 10) * s};
+        test::Rings rings;
+        const auto add = [&rings](const test::Rings& more) { rings.insert(rings.end(), more.begin(), more.end()); };
+        for (const TextLayout::Run& run : layout.getRuns())
+            for (const TextLayout::Glyph& glyph : run.glyphs)
+            {
+                const double scale = run.size / run.face.getMetrics().unitsPerEm;
+                Point pen = map.map({run.origin.x + double(glyph.x), run.origin.y + double(glyph.y)});
+                pen = {pen.x + origin.x, pen.y + origin.y};
+                if (each.angle == 0 && each.unit == Unit::Points)
+                    pen.y = std::floor(pen.y + .5);
+                const Affine place = Affine::translation(pen.x, pen.y) * map;
+                const Path outline = run.face.getOutline(glyph.glyph).transformed(Affine::scaling(scale));
+                add(test::mapped(test::fillRings(outline), place));
+                if (each.halo > 0)
+                    add(test::mapped(
+                        test::strokeRings(outline, {.width = 2 * each.halo, .unit = Unit::Model, .join = Join::Round}),
+                        place));
+            }
+        Coverage exact(cTextPicture, cTextPicture);
+        exact.add(rings, FillRule::NonZero);
+        const bool isStroked = each.halo > 0;
+        EXPECT_TRUE(isClose(drawn(drawing, each.view, s), exact, {0, 0, cTextPicture, cTextPicture},
+                            isStroked ? test::Closeness{5, 32, 64} : test::Closeness{2, 12, 24}));
+    }
+}
+
+// Texts and shapes that alternate often are drawn by one program, and each over the one before all the same.
+TEST_F(DrawingTextTest, TextsStandInTheirOrder)
+{
+    for (const int n : {2, 12})
+    {
+        Drawing drawing;
+        std::vector<Drawing::ID> texts;
+        Path page;
+        for (int i = 0; i < n; ++i)
+        {
+            page = Path();
+            page.addRect({10, 10 + 80.0 * i, 400, 80 + 80.0 * i});
+            drawing.fill(page, "#fff");
+            texts.push_back(drawing.text({20, 70 + 80.0 * i}, "HHHHHHHH", {.size = 60}));
+            page = Path();
+            page.addRect({200, 10 + 80.0 * i, 400, 80 + 80.0 * i});
+            drawing.fill(page, "#fff");
+        }
+        Drawing alone;
+        for (int i = 0; i < n; ++i)
+            alone.text({20, 70 + 80.0 * i}, "HHHHHHHH", {.size = 60});
+        const Coverage picture = drawn(drawing), expected = drawn(alone);
+        double difference = 0, covered = 0;
+        for (int y = 0; y < cTextPicture; ++y)
+            for (int x = 0; x < cTextPicture; ++x)
+            {
+                covered += picture.at(x, y);
+                difference = std::max(difference, std::abs(picture.at(x, y) - (x < 200 ? expected.at(x, y) : 0)));
+            }
+        EXPECT_GT(covered, 500 * n);
+        EXPECT_LE(difference, .3) << n;
+
+        // A text that becomes another one keeps its place among them, however many shapes it is made of.
+        EXPECT_TRUE(drawing.setText(texts[0], TextLayout({{"HHH", {.size = 60}}, {"HHHHH", {.size = 50}}})));
+        EXPECT_TRUE(drawing.setText(texts[0], "HHHHHHHH"));
+        EXPECT_TRUE(isClose(drawn(drawing), picture, {0, 0, cTextPicture, cTextPicture}, {0, 0, 0}));
+    }
+}
+
+TEST_F(DrawingTextTest, OnlyWhatChangesIsUploaded)
+{
+    Drawing drawing;
+    std::vector<Drawing::ID> ids;
+    for (int i = 0; i < 1000; ++i)
+        ids.push_back(drawing.text({i % 10 * 100.0, i / 10 * 10.0}, "Label " + std::to_string(i)));
+    EXPECT_GT(bytesFor(drawing, {}), 10000U);
+    EXPECT_EQ(bytesFor(drawing, {}), 0U);
+    EXPECT_EQ(bytesFor(drawing, Affine::scaling(3)), 0U);
+    EXPECT_EQ(bytesFor(drawing, Affine::translation(-500, 7)), 0U);
+    drawing.setColor(ids[500], "#f00");
+    EXPECT_LE(bytesFor(drawing, {}), 64U);
+    drawing.setText(ids[500], "Label 5 0");
+    EXPECT_LE(bytesFor(drawing, {}), 400U);
+}
+
+TEST_F(DrawingTextTest, TextsAreFoundWhereTheyAreSeen)
+{
+    Drawing drawing;
+    const Drawing::ID label =
+        drawing.text({100, 100}, "mmmmmmmm", {.size = 20}, {.anchor = Anchor::Left, .offset = {10, 0}});
+    const Drawing::ID plan =
+        drawing.text({100, 300}, "mmmmmmmm", {.size = 20, .unit = Unit::Model}, {.anchor = Anchor::Left, .angle = 90});
+    const double width = TextLayout("mmmmmmmm", {.size = 20}).getSize().width;
+    ASSERT_GT(width, 100);
+    struct
+    {
+        Affine view;
+        Point point; // on the screen
+        Drawing::ID id;
+    } const cases[] = {{{}, {112, 100}, label},
+                       {{}, {107, 100}, 0},
+                       {{}, {100 + width, 100}, label},
+                       {{}, {100, 300 - width + 5}, plan},
+                       {{}, {100, 310}, 0},
+                       {Affine::scaling(3), {300 + width, 300}, label},
+                       {Affine::scaling(3), {330 + width, 300}, 0},
+                       {Affine::scaling(3), {325, 900 - 3 * width + 5}, plan},
+                       // With y upwards on the plane, up is up all the same.
+                       {{1, 0, 0, -1, 0, 600}, {100, 300 - width + 5}, plan},
+                       {{1, 0, 0, -1, 0, 600}, {100, 310}, 0}};
+    for (const auto& each : cases)
+    {
+        ASSERT_TRUE(drawing.draw(each.view));
+        const Point p = each.view.inverse()->map(each.point);
+        EXPECT_EQ(drawing.pick(p), each.id) << each.point.x << ' ' << each.point.y;
+        const std::vector<Drawing::ID> all = drawing.pickAll({p.x - .1, p.y - .1, p.x + .1, p.y + .1});
+        EXPECT_EQ(all, each.id == 0 ? std::vector<Drawing::ID>() : std::vector{each.id});
+    }
+    EXPECT_EQ(drawing.getNumberOfShapes(), 2U);
+    EXPECT_FALSE(drawing.setPath(label, Path()));
+    EXPECT_TRUE(drawing.setVisible(label, false));
+    EXPECT_TRUE(drawing.remove(plan));
+    EXPECT_EQ(drawing.pickAll({-1e6, -1e6, 1e6, 1e6}).size(), 0U);
+    EXPECT_EQ(drawing.getNumberOfShapes(), 1U);
+}
+
+} // namespace
