@@ -327,6 +327,52 @@ TEST_F(DrawingTest, OnlyWhatChangesIsUploaded)
     }
 }
 
+// Two rows of two colours, and what is seen of them.
+TEST_F(DrawingTest, ImagesAreUprightAndMixedByAlpha)
+{
+    using gui::draw::Image;
+    const std::array<td::Color, 4> pixels{td::Color(255, 0, 0, 255), td::Color(0, 255, 0, 255),
+                                          td::Color(0, 0, 255, 255), td::Color(255, 255, 255, 0)};
+    const Image image(2, 2, pixels);
+    Drawing drawing;
+    const Drawing::ID id = drawing.image({0, 0, 400, 400}, image);
+    drawing.fill(Path().addRect({600, 0, 700, 100}), cBlack);
+    drawing.image({600, 600, 601, 601}, image);
+    // Upwards or downwards, the first row is at the top; near the edge a pixel has its own colour alone.
+    for (const Affine& view : {Affine(), Affine{1, 0, 0, -1, 0, 400}})
+    {
+        clear({0, 0, 0});
+        gui::gl::FrameLedger::start();
+        gui::gl::FrameLedger::begin();
+        ASSERT_TRUE(drawing.draw(view));
+        gui::gl::FrameLedger::end();
+        EXPECT_LE(gui::gl::FrameLedger::getLast().nDraws, 5U);
+        gui::gl::FrameLedger::stop();
+        const auto at = [](int x, int y) { return pixel(x, cSize - 1 - y); };
+        EXPECT_EQ(at(50, 50), (test::Pixel{255, 0, 0, 255}));
+        EXPECT_EQ(at(350, 50), (test::Pixel{0, 255, 0, 255}));
+        EXPECT_EQ(at(0, 399), (test::Pixel{0, 0, 255, 255}));
+        EXPECT_EQ(at(398, 398).red, 0);
+        EXPECT_NEAR(at(200, 50).red, 127, 2);
+        EXPECT_NEAR(at(200, 50).green, 127, 2);
+        // What is not there gives no white to its neighbours.
+        EXPECT_LE(at(250, 300).red, 2);
+    }
+    // All of it in one pixel: the mean.
+    clear({0, 0, 0});
+    ASSERT_TRUE(drawing.draw(Affine::translation(-100, -100)));
+    EXPECT_NEAR(pixel(500, cSize - 1 - 500).red, 64, 2);
+    EXPECT_NEAR(pixel(500, cSize - 1 - 500).blue, 64, 2);
+    EXPECT_EQ(drawing.pick({399, 399}), id);
+    EXPECT_TRUE(drawing.setColor(id, "#102030"));
+    ASSERT_TRUE(drawing.draw(Affine()));
+    EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{16, 32, 48, 255}));
+    EXPECT_TRUE(drawing.setImage(id, image));
+    ASSERT_TRUE(drawing.draw(Affine()));
+    EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{255, 0, 0, 255}));
+    EXPECT_FALSE(drawing.setImage(drawing.fill(Path(), cBlack), image));
+}
+
 // Along a line through the middle: x, and the red that is there, from none to all of it.
 TEST_F(DrawingTest, GradientsHaveTheirColoursWhereTheyShould)
 {

@@ -44,7 +44,7 @@ void DrawList::set(std::size_t place, const Shape& shape)
     const Rect& bounds = shape.bounds;
     _boxes[place] = {below(bounds.left - _base.x), below(bounds.top - _base.y), above(bounds.right - _base.x),
                      above(bounds.bottom - _base.y)};
-    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record, shape.areGlyphs};
+    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record, shape.ink};
     _chunks[place / cChunk].isStale = true;
 }
 
@@ -72,7 +72,7 @@ std::size_t DrawList::countRanges() const
 void DrawList::append(std::vector<Piece>& pieces, const Piece& piece)
 {
     if (!pieces.empty() && pieces.back().range.first + pieces.back().range.count == piece.range.first &&
-        pieces.back().areGlyphs == piece.areGlyphs)
+        pieces.back().ink == piece.ink)
         pieces.back().range.count += piece.range.count;
     else
         pieces.push_back(piece);
@@ -80,8 +80,8 @@ void DrawList::append(std::vector<Piece>& pieces, const Piece& piece)
 
 void DrawList::select(const Piece& piece)
 {
-    if (_passes.empty() || _passes.back().areGlyphs != piece.areGlyphs)
-        _passes.push_back({_selected.size(), 0, piece.areGlyphs});
+    if (_passes.empty() || _passes.back().ink != piece.ink)
+        _passes.push_back({_selected.size(), 0, piece.ink});
     else if (_selected.back().first + _selected.back().count == piece.range.first)
     {
         _selected.back().count += piece.range.count;
@@ -110,12 +110,12 @@ void DrawList::renew(std::size_t number)
                      std::max(chunk.box.right, box.right), std::max(chunk.box.bottom, box.bottom)};
         chunk.size = std::max({chunk.size, box.right - box.left, box.bottom - box.top});
         chunk.margin = std::max(chunk.margin, entry.margin);
-        append(chunk.parts, {{entry.first, entry.count}, entry.areGlyphs});
+        append(chunk.parts, {{entry.first, entry.count}, entry.ink});
         // Glyphs' sizes are not those of their shapes' boxes.
-        if (entry.areGlyphs)
-            append(chunk.boxes, {{entry.first, entry.count}, true});
+        if (entry.ink == cGlyphs)
+            append(chunk.boxes, {{entry.first, entry.count}, entry.ink});
         else
-            append(chunk.boxes, {{cBoxes + entry.record, 1}, false});
+            append(chunk.boxes, {{cBoxes + entry.record, 1}, entry.ink});
     }
 }
 
@@ -158,14 +158,14 @@ void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPe
             if (touches(_boxes[i]) && _shapes[i].count != 0)
             {
                 const Entry& entry = _shapes[i];
-                if (isSmall && !entry.areGlyphs)
-                    select({{cBoxes + entry.record, 1}, false});
+                if (isSmall && entry.ink != cGlyphs)
+                    select({{cBoxes + entry.record, 1}, entry.ink});
                 else
-                    select({{entry.first, entry.count}, entry.areGlyphs});
+                    select({{entry.first, entry.count}, entry.ink});
             }
     }
     for (const Pass& pass : _passes)
-        if (!pass.areGlyphs)
+        if (pass.ink == cShapes)
             std::copy_if(_selected.begin() + static_cast<std::ptrdiff_t>(pass.first),
                          _selected.begin() + static_cast<std::ptrdiff_t>(pass.first + pass.count),
                          std::back_inserter(_parts),

@@ -14,7 +14,7 @@ namespace gui::draw
 
 /// The shapes in the order of drawing, as far as it takes to choose which quads are drawn: those of shapes that may be
 /// seen, or, of shapes too small for it to matter, one box each. Shapes are taken by the hundred where that is enough.
-/// Glyphs, which have a program of their own, part what is drawn into passes.
+/// Glyphs, which have a program of their own, and images, which have textures, part what is drawn into passes.
 class DrawList
 {
 public:
@@ -23,6 +23,9 @@ public:
     /// Quads from this number on are boxes around the shapes of records.
     static constexpr std::uint32_t cBoxes = 1U << 28;
 
+    /// What is drawn together: shapes, glyphs, and what has an image, by the numbers from cImages on.
+    static constexpr std::uint32_t cShapes = 0, cGlyphs = 1, cImages = 2;
+
     struct Shape
     {
         Rect bounds;             // in model units, with a stroke's width if that is in model units
@@ -30,7 +33,7 @@ public:
         std::uint32_t first = 0; // its elements
         std::uint32_t count = 0; // 0 when there is nothing to see
         std::uint32_t record = 0;
-        bool areGlyphs = false;
+        std::uint32_t ink = cShapes;
     };
 
     /// Some of the ranges, in a row, that one program draws.
@@ -38,7 +41,7 @@ public:
     {
         std::size_t first = 0;
         std::size_t count = 0;
-        bool areGlyphs = false;
+        std::uint32_t ink = cShapes;
     };
 
     void clear();
@@ -56,7 +59,7 @@ public:
     /// Those selected last, and how they are parted.
     std::span<const gl::Quads::Range> getRanges() const { return _selected; }
     std::span<const Pass> getPasses() const { return _passes; }
-    /// Of the ranges, the ones that are neither boxes alone nor glyphs.
+    /// Of the ranges, the ones that are neither boxes alone nor glyphs or images.
     std::span<const gl::Quads::Range> getParts() const { return _parts; }
     /// The extent of the largest shape that was selected last, in model units, or more.
     double getLargest() const { return _largest; }
@@ -70,12 +73,12 @@ private:
     {
         float margin;
         std::uint32_t first, count, record;
-        bool areGlyphs;
+        std::uint32_t ink;
     };
     struct Piece
     {
         gl::Quads::Range range;
-        bool areGlyphs;
+        std::uint32_t ink;
     };
     struct Chunk
     {

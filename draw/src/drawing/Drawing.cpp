@@ -116,6 +116,25 @@ bool Drawing::setText(ID text, const TextLayout& layout)
     return true;
 }
 
+Drawing::ID Drawing::image(const Rect& rect, const Image& image)
+{
+    const ID id = _pImpl->addShape(Impl::Kind::Fill, Paint());
+    Impl::Item& item = *_pImpl->find(id);
+    item.imageRect = rect;
+    _pImpl->setPath(item, Path().addRect(rect));
+    _pImpl->setImage(item, image);
+    return id;
+}
+
+bool Drawing::setImage(ID shape, const Image& image)
+{
+    Impl::Item* pItem = _pImpl->findShape(shape);
+    if (pItem == nullptr || pItem->kind != Impl::Kind::Fill || pItem->imageRect.right <= pItem->imageRect.left)
+        return false;
+    _pImpl->setImage(*pItem, image);
+    return true;
+}
+
 Drawing::ID Drawing::beginGroup(const Affine& transform)
 {
     const std::uint32_t slot = _pImpl->add(Impl::Kind::Group);
@@ -243,6 +262,7 @@ void Drawing::clear()
         {
             impl.items[slot].kind = Impl::Kind::None;
             impl.items[slot].members.clear();
+            impl.items[slot].image = 0;
             impl.freeSlots.push_back(slot);
         }
     impl.order.clear();
@@ -257,6 +277,7 @@ void Drawing::clear()
     impl.index.clear();
     impl.largestMargin = 0;
     impl.glyphs.clear();
+    impl.images.clear();
     impl.isChanged = true;
 }
 

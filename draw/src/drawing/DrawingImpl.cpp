@@ -74,6 +74,11 @@ Drawing::ID Drawing::Impl::addShape(Kind kind, const Paint& paint)
 
 void Drawing::Impl::setPaint(Item& item, const Paint& paint)
 {
+    if (item.image != 0)
+    {
+        images.giveBack(std::exchange(item.image, 0));
+        enlist(item);
+    }
     if (paint.isGradient())
         item.pGradient = std::make_unique<Paint>(paint);
     else
@@ -83,6 +88,16 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
     else
         tables.setPaint(item.places, paint, item.origin, item.step);
     isChanged = true;
+}
+
+void Drawing::Impl::setImage(Item& item, const Image& image)
+{
+    const std::uint32_t number = images.take(image);
+    setPaint(item, Paint());
+    item.image = number;
+    if (number != 0)
+        tables.setImage(item.places, item.imageRect, item.origin, item.step);
+    enlist(item);
 }
 
 Drawing::ID Drawing::Impl::setPath(Item& item, const Path& path)
@@ -108,6 +123,8 @@ Drawing::ID Drawing::Impl::setPath(Item& item, const Path& path)
     tables.setGeometry(item.places, geometry, isStroke ? &item.pLine->stroke : nullptr);
     if (item.pGradient)
         tables.setPaint(item.places, *item.pGradient, item.origin, item.step);
+    if (item.image != 0)
+        tables.setImage(item.places, item.imageRect, item.origin, item.step);
     if (!isStroke)
     {
         unlink(item);
@@ -162,6 +179,7 @@ void Drawing::Impl::removeItem(std::uint32_t slot)
     item.members.clear();
     item.pLine.reset();
     item.pLetters.reset();
+    images.giveBack(std::exchange(item.image, 0));
     item.pGradient.reset();
     freeSlots.push_back(slot);
 }
@@ -279,6 +297,8 @@ void Drawing::Impl::enlist(const Item& item)
         if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
             shape.margin =
                 static_cast<float>(item.pLine->stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+        if (item.image != 0)
+            shape.ink = DrawList::cImages + item.image - 1;
         if (item.kind == Kind::Glyphs)
         {
             const Letters& letters = *item.pLetters;
@@ -288,7 +308,7 @@ void Drawing::Impl::enlist(const Item& item)
             // A pixel more, for those that stand on whole ones.
             shape.margin = static_cast<float>((letters.style.isInPoints ? reach : 0) +
                                               std::hypot(letters.style.offset.x, letters.style.offset.y) + 1);
-            shape.areGlyphs = true;
+            shape.ink = DrawList::cGlyphs;
         }
     }
     largestMargin = std::max(largestMargin, double(shape.margin));
@@ -392,7 +412,7 @@ bool Drawing::Impl::draw(const Sight& sight)
     if (areElementsStale)
         tidy();
     renewLinks();
-    if (!painter.draw(tables, list, sight, isChanged))
+    if (!painter.draw(tables, list, images, sight, isChanged))
         return false;
     isChanged = false;
     // The geometric mean of what the axes are stretched by.

@@ -70,6 +70,8 @@ struct Drawing::Impl
         Rect bounds;                       // of its points, as they are kept
         std::unique_ptr<Line> pLine;       // of a stroke
         std::unique_ptr<Letters> pLetters; // of a text or of glyphs
+        std::uint32_t image = 0;           // that a fill is painted with
+        Rect imageRect;                    // where all of it is
         std::unique_ptr<Paint> pGradient;
         ShapePlaces places;
         std::vector<std::uint32_t> members;     // of a group
@@ -101,6 +103,8 @@ struct Drawing::Impl
     std::uint32_t add(Kind kind);
     ID addShape(Kind kind, const Paint& paint);
     void setPaint(Item& item, const Paint& paint);
+    /// Paints a fill with an image; its geometry is made already.
+    void setImage(Item& item, const Image& image);
     ID setPath(Item& item, const Path& path);
     ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
     /// Replaces a text's glyphs.
@@ -176,6 +180,7 @@ struct Drawing::Impl
     ShapeGeometry geometry;
     ShapeTables tables;
     GlyphStore glyphs;
+    ImageStore images;
     std::vector<Element> elements;
     DrawingPainter painter;
 };

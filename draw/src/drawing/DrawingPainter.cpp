@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <string>
 
 namespace gui::draw
@@ -22,13 +23,14 @@ namespace
 
 /// The unit behind those of the tables.
 constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T7;
+constexpr gl::Texture::Unit cImageUnit = gl::Texture::Unit::T8;
 
 /// The shaders' names for ShapeFeature's bits.
-constexpr std::array<const char*, 9> cFeatures{"FILLS", "STROKES",   "ROUND", "CAPS",  "DASHES",
-                                               "LINKS", "GRADIENTS", "FAR",   "GLYPHS"};
+constexpr std::array<const char*, 10> cFeatures{"FILLS", "STROKES",   "ROUND", "CAPS",   "DASHES",
+                                                "LINKS", "GRADIENTS", "FAR",   "GLYPHS", "IMAGES"};
 
 /// Beside features: the first pass, of what is inside of opaque fills.
-constexpr unsigned int cCore = 512;
+constexpr unsigned int cCore = 1024;
 
 constexpr std::size_t cManyPrograms = 6;
 
@@ -95,6 +97,7 @@ protected:
         _pixelsPerPoint = find("pixelsPerPoint");
         activate();
         int unit = 0;
+        setUniformValue(find("image"), static_cast<int>(cImageUnit));
         for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links", "glyphs"})
             setUniformValue(find(name), unit++);
     }
@@ -181,28 +184,53 @@ bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, t
     return _quads.draw(ranges) || fail("there is no vertex array");
 }
 
-bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, const Sight& sight, td::Size<int> size,
-                                double stretch)
+bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, ImageStore& images, const Sight& sight,
+                                td::Size<int> size, double stretch)
 {
     const unsigned int features = tables.getFeatures();
     if ((features & HasFills) != 0 && !list.getParts().empty() &&
         !drawRanges(tables, sight, size, cCore | (features & HasGradients), list.getParts()))
         return false;
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
-    if (list.getPasses().size() > cManyPasses)
-        return drawRanges(tables, sight, size, features | tables.getGlyphFeatures() | far, list.getRanges());
-    for (const DrawList::Pass& pass : list.getPasses())
+    const auto isImage = [](const DrawList::Pass& pass) { return pass.ink >= DrawList::cImages; };
+    const std::span<const DrawList::Pass> passes = list.getPasses();
+    const bool isMixed = std::size_t(std::count_if(passes.begin(), passes.end(), std::not_fn(isImage))) > cManyPasses;
+    for (auto pass = passes.begin(); pass != passes.end();)
     {
-        // A text's glyphs overlap each other's boxes.
-        gl::Context::maskDepthBuffer(!pass.areGlyphs);
-        if (!drawRanges(tables, sight, size, pass.areGlyphs ? tables.getGlyphFeatures() : features | far,
-                        list.getRanges().subspan(pass.first, pass.count)))
+        const std::size_t first = pass->first;
+        unsigned int needed = features | far;
+        bool hasDepth = true;
+        if (isImage(*pass))
+        {
+            const unsigned int texture = images.getTexture(pass->ink - DrawList::cImages + 1);
+            if (texture == 0)
+                return fail("GL has no room for an image");
+            gl::Textures::bindToSamplerUnit(texture, cImageUnit, gl::Texture::Type::Tex2D);
+            needed = HasFills | HasImages | far;
+            ++pass;
+        }
+        else if (isMixed)
+        {
+            needed |= tables.getGlyphFeatures();
+            pass = std::find_if(pass, passes.end(), isImage);
+        }
+        else
+        {
+            // A text's glyphs overlap each other's boxes.
+            hasDepth = pass->ink != DrawList::cGlyphs;
+            if (!hasDepth)
+                needed = tables.getGlyphFeatures();
+            ++pass;
+        }
+        const std::size_t end = pass == passes.end() ? list.getRanges().size() : pass->first;
+        gl::Context::maskDepthBuffer(hasDepth);
+        if (!drawRanges(tables, sight, size, needed, list.getRanges().subspan(first, end - first)))
             return false;
     }
     return true;
 }
 
-bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged)
+bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, ImageStore& images, const Sight& sight, bool isChanged)
 {
     if (!gl::CurrentContext::isThere("Drawing::draw"))
         return false;
@@ -250,7 +278,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, const Sight& sigh
         tables.bind();
         const double stretch = stretchOf(sight.toPixels);
         list.select(visibleOf(sight, size), stretch, sight.pixelsPerPoint);
-        if (!drawShapes(tables, list, sight, size, stretch))
+        if (!drawShapes(tables, list, images, sight, size, stretch))
             return false;
         _sight = sight;
         _isLayerValid = true;

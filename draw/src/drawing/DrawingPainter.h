@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DrawList.h"
+#include "ImageStore.h"
 #include "ShapeTables.h"
 
 #include <gui/gl/Framebuffer.h>
@@ -39,7 +40,7 @@ public:
     ~DrawingPainter();
 
     /// @param isChanged  whether tables or list are others than last time
-    bool draw(ShapeTables& tables, DrawList& list, const Sight& sight, bool isChanged);
+    bool draw(ShapeTables& tables, DrawList& list, ImageStore& images, const Sight& sight, bool isChanged);
 
 private:
     class ShapeProgram;
@@ -50,8 +51,8 @@ private:
     bool fail(const char* reason);
     bool drawRanges(const ShapeTables& tables, const Sight& sight, td::Size<int> size, unsigned int features,
                     std::span<const gl::Quads::Range> ranges);
-    bool drawShapes(const ShapeTables& tables, const DrawList& list, const Sight& sight, td::Size<int> size,
-                    double stretch);
+    bool drawShapes(const ShapeTables& tables, const DrawList& list, ImageStore& images, const Sight& sight,
+                    td::Size<int> size, double stretch);
 
     gl::Framebuffer _layer;
     std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features

@@ -145,6 +145,30 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     _records.set(places.record, std::span(&record, 1));
 }
 
+void ShapeTables::setImage(ShapePlaces& places, const td::RectNormalized<double>& rect, td::Point<double> origin,
+                           double step)
+{
+    const double width = rect.right - rect.left, height = rect.bottom - rect.top;
+    _values = {static_cast<float>(step / width), static_cast<float>((origin.x - rect.left) / width),
+               static_cast<float>(step / height), static_cast<float>((origin.y - rect.top) / height)};
+    setPaintValues(places);
+    _records.setMember(places.record, &ShapeRecord::rgba, places.gradient.first);
+    setFlag(places, HasGradient, false);
+    setFlag(places, IsOpaque, false);
+    setFlag(places, HasImage, true);
+}
+
+void ShapeTables::setPaintValues(ShapePlaces& places)
+{
+    if (places.gradient.count != _values.size())
+    {
+        _numbers.giveBack(places.gradient.first, places.gradient.count);
+        places.gradient = {_numbers.take(_values.size()), static_cast<std::uint32_t>(_values.size())};
+    }
+    if (!_values.empty())
+        _numbers.set(places.gradient.first, _values);
+}
+
 std::uint32_t ShapeTables::addGlyph(const ShapeGeometry& geometry)
 {
     const GlyphRecord glyph{_nodes.add(geometry.nodes),
@@ -207,18 +231,12 @@ void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<do
         encode(paint, origin, step, _values);
         (areGlyphs ? _glyphFeatures : _features) |= HasGradients;
     }
-    if (places.gradient.count != _values.size())
-    {
-        _numbers.giveBack(places.gradient.first, places.gradient.count);
-        places.gradient = {_numbers.take(_values.size()), static_cast<std::uint32_t>(_values.size())};
-    }
+    setPaintValues(places);
     if (paint.isGradient())
-    {
-        _numbers.set(places.gradient.first, _values);
         what = places.gradient.first;
-    }
     _records.setMember(places.record, &ShapeRecord::rgba, what);
     setFlag(places, HasGradient, paint.isGradient());
+    setFlag(places, HasImage, false);
     setFlag(places, IsOpaque, paint.isOpaque());
 }
 

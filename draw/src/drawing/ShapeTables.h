@@ -6,6 +6,8 @@
 #include <gui/draw/Affine.h>
 #include <gui/draw/Paint.h>
 
+#include <td/RectNormalized.h>
+
 #include <array>
 #include <cstdint>
 
@@ -71,7 +73,8 @@ enum ShapeFlag : std::uint32_t
     HasGradient = 128, // instead of a colour
     CapShift = 8,
     JoinShift = 10,
-    AreGlyphs = 4096 // a text, in points if its width would be
+    AreGlyphs = 4096, // a text, in points if its width would be
+    HasImage = 8192   // instead of a colour
 };
 
 /// What the program is to know how to draw; bits, as in the shaders.
@@ -85,7 +88,8 @@ enum ShapeFeature : unsigned int
     HasLinks = 32,
     HasGradients = 64,
     HasFar = 128,
-    HasGlyphs = 256
+    HasGlyphs = 256,
+    HasImages = 512
 };
 
 /// Some records in a row.
@@ -116,6 +120,8 @@ public:
     void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
     /// @param origin, step  of the shape, in which a gradient is kept
     void setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step);
+    /// Paints a shape with an image. @param rect  where all of it is, in the coordinates of the shape
+    void setImage(ShapePlaces& places, const td::RectNormalized<double>& rect, td::Point<double> origin, double step);
     /// Adds an outline, in em about the pen, for good.
     std::uint32_t addGlyph(const ShapeGeometry& geometry);
     /// Replaces the outline that a text has for itself alone. @return its number
@@ -151,6 +157,7 @@ public:
 
 private:
     void giveBack(ShapePlaces& places);
+    void setPaintValues(ShapePlaces& places);
     void giveBackElements(ShapePlaces& places);
     /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
     bool makeRoomFor(double largest);

@@ -533,8 +533,31 @@ float coverageOfStroke(Place place, vec2 pixel)
 }
 #endif
 
+#ifdef IMAGES
+uniform sampler2D image; // colours times alpha
+
+// Averaged where pixels are larger than its own, and never with what is beyond its edges.
+vec4 imageAt(int at, Place place, vec2 pixel)
+{
+    vec2 p = vec2(place.middle) - place.toMiddle + inverse(place.pixels) * pixel;
+    vec4 map = vec4(texelFetch(numbers, at).x, texelFetch(numbers, at + 1).x, texelFetch(numbers, at + 2).x,
+                    texelFetch(numbers, at + 3).x);
+    vec2 size = vec2(textureSize(image, 0));
+    mat2 step_ = inverse(place.pixels);
+    step_ = mat2(step_[0] * map.xz * size, step_[1] * map.xz * size);
+    float level = max(log2(max(length(step_[0]), length(step_[1]))), 0.0);
+    vec2 edge = min(exp2(ceil(level)) * 0.5 / size, 0.5);
+    vec2 at_ = clamp(p * map.xz + map.yw, edge, 1.0 - edge);
+    return textureLod(image, determinant(place.pixels) > 0.0 ? vec2(at_.x, 1.0 - at_.y) : at_, level);
+}
+#endif
+
 vec4 paint(Place place, vec2 pixel)
 {
+#ifdef IMAGES
+    if ((flags & cImage) != 0u)
+        return imageAt(int(parts.x), place, pixel);
+#endif
     vec4 c = unpacked(parts.x);
 #ifdef GRADIENTS
     if ((flags & cGradient) != 0u)

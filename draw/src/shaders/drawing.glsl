@@ -1,7 +1,7 @@
 // What all stages of the drawing programs know: where shapes and their points are, in pixels from the middle of the
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
 // ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away),
-// GLYPHS.
+// GLYPHS, IMAGES.
 // What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
@@ -13,7 +13,7 @@ uniform float pixelsPerPoint;
 
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
-const uint cMoved = 32u, cLinked = 64u, cGradient = 128u;
+const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cImage = 8192u;
 // Of a triangle's points; the first one has something else above.
 const uint cPointBits = 0x07ffffffu;
 // Pixels from the middle beyond which floats are too coarse.

@@ -2,6 +2,7 @@
 
 #include "Affine.h"
 #include "FillRule.h"
+#include "Image.h"
 #include "Paint.h"
 #include "Path.h"
 #include "Stroke.h"
@@ -96,6 +97,12 @@ public:
     ID text(Point at, const TextLayout& layout, const TextPlacement& placement = {});
     ID text(Point at, std::string_view text, const TextStyle& style = {}, const TextPlacement& placement = {});
 
+    /// A picture over a rectangle, upright whichever way y grows. Its edges are
+    /// as smooth as a fill's, also where it is turned; smaller than its pixels it is averaged, larger interpolated.
+    /// Each image takes a draw call where others stand between.
+    /// @param image  none shows nothing, until setImage
+    ID image(const Rect& rect, const Image& image);
+
     /// What is added until endGroup belongs to the group, which may stand in another one.
     /// @param transform  from the group's coordinates to those around it
     ID beginGroup(const Affine& transform = {});
@@ -113,6 +120,8 @@ public:
     /// Of a text only, which stays where it is, in the style of its beginning or as laid out.
     bool setText(ID text, std::string_view string);
     bool setText(ID text, const TextLayout& layout);
+    /// Of what was added by image only, which keeps its rectangle (and loses the colour that it may have got).
+    bool setImage(ID shape, const Image& image);
     /// Of a stroke only.
     bool setStroke(ID shape, const Stroke& stroke);
     /// Of a group, or of a shape, which has the identity at first.
@@ -141,7 +150,7 @@ public:
     std::optional<Rect> getBounds(ID id) const;
 
     /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the
-    /// state is afterwards what it was, but for texture units 0 to 7.
+    /// state is afterwards what it was, but for texture units 0 to 8.
     /// @param modelToView     from model units to points from the viewport's top left corner, y downwards
     /// @param pixelsPerPoint  of the view
     /// @return false, with a log line for each kind of reason once, when it could not: no context, a map that has no

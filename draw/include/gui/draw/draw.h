@@ -8,6 +8,7 @@
 #include "FillTessellator.h"
 #include "FontTag.h"
 #include "GlyphImage.h"
+#include "Image.h"
 #include "Paint.h"
 #include "ParagraphStyle.h"
 #include "Path.h"
