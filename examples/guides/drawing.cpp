@@ -1,5 +1,5 @@
-// An island to pan and zoom: fills and strokes, a mill in a group, and the shape under the pointer in another colour.
-// With the argument "offscreen" it writes island.png instead, without a view.
+// An island to pan and zoom: fills, strokes and names, a mill in a group, and the shape under the pointer in another
+// colour. With the argument "offscreen" it writes island.png instead, without a view.
 #include <gui/Application.h>
 #include <gui/InputDevice.h>
 #include <gui/draw/draw.h>
@@ -46,6 +46,9 @@ Island addIsland(Drawing& drawing)
         drawing.setTransform(blade, Affine::rotation(angle));
     }
     drawing.endGroup();
+
+    drawing.text({455, 238}, "Lagoon", {.size = 16, .paint = "#ffffff"}, {.anchor = Anchor::Center});
+    drawing.text({240, 160}, "Old mill", {.size = 14, .halo = {2, "#d9c58b"}}, {.anchor = Anchor::Top, .offset = {0, 18}});
     return island;
 }
 

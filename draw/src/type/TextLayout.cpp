@@ -18,7 +18,7 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::size_t cMaxBytes = std::size_t(1) << 30;
+constexpr std::size_t cLongest = std::size_t(1) << 30;
 
 // Appends text with each malformed sequence replaced.
 void appendWellFormed(std::string& text, std::string_view more)
@@ -106,7 +106,7 @@ TextLayout::TextLayout(std::span<const TextSpan> spans, const ParagraphStyle& pa
     std::size_t n = 0;
     for (const TextSpan& span : spans)
     {
-        TD_ASSERT(span.text.size() <= cMaxBytes - n);
+        TD_ASSERT(span.text.size() <= cLongest - n);
         n += span.text.size();
     }
     lay(spans);

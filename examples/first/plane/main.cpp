@@ -6,18 +6,16 @@ using namespace gui::gl;
 class CrownView : public OrthoView
 {
     gui::draw::Drawing _drawing;
-    Text _text;
     void onInit() override
     {
         const auto crown = gui::draw::Path::fromSVG("M70 200H330L360 60L260 95L200 40L140 95L40 60Z");
         _drawing.fill(crown, td::ColorID::Gold);
-        _text.init(":sans.font").addString({200, 145}, "Crown", {.scale = 0.5F, .hAlignment = Font::cCentre});
+        _drawing.text({200, 145}, "Crown", {.size = 32}, {.anchor = gui::draw::Anchor::Center});
     }
     void onDraw(const td::RectNormalized<double>&) override
     {
         Context::clear(Context::Clear::Color, td::ColorID::MidnightBlue);
         _drawing.draw(*this);
-        _text.render(Text::Ctrl::BlendNoDepthTest, getProjection());
     }
 };
 int main(int argc, char** argv)
