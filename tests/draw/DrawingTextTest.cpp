@@ -1,12 +1,14 @@
 #include "Coverage.h"
 #include "support/OffscreenGL.h"
 
-#include <gui/draw/Drawing.h>
+#include <gui/draw/Labels.h>
 #include <gui/gl/FrameLedger.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <random>
 #include <string>
 
 namespace
@@ -218,6 +220,58 @@ TEST_F(DrawingTextTest, TextsAreFoundWhereTheyAreSeen)
     EXPECT_TRUE(drawing.remove(plan));
     EXPECT_EQ(drawing.pickAll({-1e6, -1e6, 1e6, 1e6}).size(), 0U);
     EXPECT_EQ(drawing.getNumberOfShapes(), 1U);
+}
+
+// At each zoom: no two that are shown overlap, each that is hidden would cover one that matters as much, and a small
+// step of the zoom changes nothing.
+TEST_F(DrawingTextTest, LabelsKeepClearOfEachOther)
+{
+    struct Label
+    {
+        Drawing::ID id;
+        Point at;
+        double priority;
+    };
+    Drawing drawing;
+    Labels labels(drawing);
+    std::vector<Label> all;
+    std::mt19937 random(3);
+    const auto below = [&random](int n) { return double(std::uniform_int_distribution<>(0, n - 1)(random)); };
+    const TextLayout layout("Label", {.size = 10});
+    const double width = layout.getSize().width, height = layout.getSize().height;
+    for (int i = 0; i < 300; ++i)
+    {
+        const Point at(below(1000), below(1000));
+        const double priority = below(9);
+        all.push_back({labels.add(at, layout, {.anchor = Anchor::Center}, priority), at, priority});
+    }
+    EXPECT_EQ(labels.getNumberOfHidden(), 300U);
+    for (const double zoom : {0.3, 1.0, 2.0})
+    {
+        labels.place(zoom);
+        ASSERT_TRUE(drawing.draw(Affine::scaling(zoom)));
+        std::vector<const Label*> shown;
+        std::vector<const Label*> hidden;
+        for (const Label& label : all)
+            (drawing.pick(label.at) == label.id ? shown : hidden).push_back(&label);
+        EXPECT_EQ(labels.getNumberOfHidden(), hidden.size());
+        EXPECT_GT(shown.size(), 20U);
+        const auto overlap = [&](const Label& a, const Label& b, double margin) {
+            return std::abs(a.at.x - b.at.x) * zoom < width + margin &&
+                   std::abs(a.at.y - b.at.y) * zoom < height + margin;
+        };
+        for (const Label* a : shown)
+            for (const Label* b : shown)
+                EXPECT_TRUE(a == b || !overlap(*a, *b, 1.9));
+        for (const Label* a : hidden)
+            // Up to a quarter of an octave nearer to each other.
+            EXPECT_TRUE(std::any_of(shown.begin(), shown.end(),
+                                    [&](const Label* b) { return b->priority >= a->priority && overlap(*a, *b, 12); }));
+        labels.place(zoom * 1.1);
+        EXPECT_EQ(bytesFor(drawing, Affine::scaling(zoom * 1.1)), 0U);
+    }
+    labels.clear();
+    EXPECT_EQ(drawing.getNumberOfShapes(), 0U);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <span>
 
 namespace
 {
@@ -19,6 +20,7 @@ namespace
 using fuzz::require;
 using gui::draw::Affine;
 using gui::draw::Drawing;
+using gui::draw::Image;
 using gui::draw::Path;
 using gui::draw::Stroke;
 using Point = Path::Point;
@@ -32,6 +34,7 @@ struct Item
     bool isAlive = true;
     bool isGroup = false;
     bool isStroke = false;
+    bool isImage = false;
     bool isVisible = true;
     int group = -1;
     td::Color color{};
@@ -61,7 +64,7 @@ public:
         {
             const unsigned int operation = _input.below(20);
             if (operation < 4)
-                add(operation % 2 == 1);
+                add(operation == 1, operation == 3);
             else if (operation < 12)
                 change(operation);
             else if (operation < 15)
@@ -119,11 +122,14 @@ private:
         return {.width = item.rect.bottom - item.rect.top, .unit = gui::draw::Unit::Model};
     }
 
-    void add(bool isStroke)
+    static Image imageOf(const Item& item) { return {1, 1, std::span(&item.color, 1)}; }
+
+    void add(bool isStroke, bool isImage)
     {
-        Item item{.isStroke = isStroke, .group = _open, .color = takeColor(), .rect = takeRect()};
-        item.id = isStroke ? _drawing.stroke(pathOf(item), strokeOf(item), item.color)
-                           : _drawing.fill(pathOf(item), item.color);
+        Item item{.isStroke = isStroke, .isImage = isImage, .group = _open, .color = takeColor(), .rect = takeRect()};
+        item.id = isStroke  ? _drawing.stroke(pathOf(item), strokeOf(item), item.color)
+                  : isImage ? _drawing.image(item.rect, imageOf(item))
+                            : _drawing.fill(pathOf(item), item.color);
         _order.push_back(static_cast<int>(_items.size()));
         addItem(item);
     }
@@ -151,7 +157,12 @@ private:
         Item item = pItem == nullptr ? Item() : *pItem;
         bool isDone = false, isRight = isShape;
         if (operation == 4)
-            isDone = _drawing.setColor(id, item.color = takeColor());
+        {
+            item.color = takeColor();
+            const bool isImage = _input.below(2) == 0;
+            isDone = isImage ? _drawing.setImage(id, imageOf(item)) : _drawing.setColor(id, item.color);
+            isRight = isShape && (item.isImage || !isImage);
+        }
         else if (operation == 5 || operation == 6)
         {
             isDone = _drawing.setVisible(id, item.isVisible = _input.below(2) == 0);
@@ -357,6 +368,22 @@ Path takePath(fuzz::Input& input)
     return path;
 }
 
+constexpr std::array<const char*, 5> cTexts{"", "A", "two words", "two\nlines", "\xff\xd7\xa9"};
+constexpr td::Color cGrey(9, 9, 9, 255);
+
+Drawing::ID takeText(fuzz::Input& input, Drawing& drawing)
+{
+    gui::draw::TextStyle style{.size = takeNumber(input), .unit = gui::draw::Unit(input.below(2))};
+    style.embolden = input.below(3) == 0 ? takeNumber(input) : 0;
+    style.halo.width = input.below(3) == 0 ? takeNumber(input) : 0;
+    style.isUnderlined = input.below(2) == 0;
+    gui::draw::TextStyle other = style;
+    other.size = takeNumber(input);
+    const Point offset = takePoint(input), anchor = takePoint(input), at = takePoint(input);
+    return drawing.text(at, {{cTexts[input.below(cTexts.size())], style}, {cTexts[input.below(cTexts.size())], other}},
+                        {.anchor = {anchor.x, anchor.y}, .offset = offset, .angle = takeNumber(input)});
+}
+
 void drawAnything(fuzz::Input& input, Drawing& drawing)
 {
     std::vector<Drawing::ID> ids{1};
@@ -380,7 +407,7 @@ void drawAnything(fuzz::Input& input, Drawing& drawing)
             return stroke;
         };
         const Drawing::ID id = ids[input.below(static_cast<unsigned int>(ids.size()))];
-        switch (input.below(9))
+        switch (input.below(11))
         {
         case 0:
             ids.push_back(drawing.fill(takePath(input), td::Color(9, 9, 9, 255), gui::draw::FillRule(input.below(2))));
@@ -403,6 +430,15 @@ void drawAnything(fuzz::Input& input, Drawing& drawing)
             break;
         case 7:
             drawing.setTolerance(input.below(8) == 0 ? takeNumber(input) : 0);
+            break;
+        case 8:
+            ids.push_back(takeText(input, drawing));
+            break;
+        case 9:
+            if (!drawing.setText(id, cTexts[input.below(cTexts.size())]))
+                ids.push_back(
+                    drawing.image({takeNumber(input), takeNumber(input), takeNumber(input), takeNumber(input)},
+                                  Image(1, 1, std::span(&cGrey, 1))));
             break;
         default:
             drawing.draw(takeMap(), takeNumber(input));

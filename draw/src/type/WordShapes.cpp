@@ -81,7 +81,7 @@ bool isMark(char32_t character) { return (U_GET_GC_MASK(UChar32(character)) & U_
 // Words, each with the spaces behind it; a mark on a space goes with the space. @return false when one is too long
 bool findPieces(std::string_view text, std::uint32_t begin, std::uint32_t end, std::vector<WordShapes::Piece>& pieces)
 {
-    constexpr unsigned char cFirstMark = 0xCC; // the first byte of U+0300
+    constexpr unsigned char cFirstByteOfMarks = 0xCC; // the first byte of U+0300
     pieces.clear();
     if (isMark(characterAt(text, begin)) || (begin > 0 && joins(characterBefore(text, begin))) ||
         (end < text.size() && joins(characterAt(text, end))))
@@ -94,7 +94,7 @@ bool findPieces(std::string_view text, std::uint32_t begin, std::uint32_t end, s
             ++at;
         if (at - first > cLongestWord)
             return false;
-        if (at < end && static_cast<unsigned char>(text[at]) >= cFirstMark && mayBeOneLetter(text, at))
+        if (at < end && static_cast<unsigned char>(text[at]) >= cFirstByteOfMarks && mayBeOneLetter(text, at))
             continue;
         pieces.push_back({first, at});
         first = at;

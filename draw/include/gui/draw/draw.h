@@ -9,6 +9,7 @@
 #include "FontTag.h"
 #include "GlyphImage.h"
 #include "Image.h"
+#include "Labels.h"
 #include "Paint.h"
 #include "ParagraphStyle.h"
 #include "Path.h"
