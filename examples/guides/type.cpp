@@ -47,11 +47,11 @@ void addParagraph(Drawing& drawing)
 
 void addMap(Drawing& drawing)
 {
-    drawing.fill(Path::fromSVG("M360 215H620V380H360Z"), "#dcd6b4");
-    const Path river = Path::fromSVG("M360 330C430 300 470 372 620 270");
+    drawing.fill(Path::fromSVG("M340 215H630V385H340Z"), "#dcd6b4");
+    const Path river = Path::fromSVG("M352 330C430 300 470 372 612 275");
     drawing.stroke(river, {.width = 16, .cap = Cap::Butt}, "#8fb8d8");
-    drawing.text({490, 322}, "Long River", {.size = 13, .paint = "#ffffff", .letterSpacing = 2},
-                 {.anchor = Anchor::Center, .angle = 12});
+    drawing.text({545, 316}, "Long River", {.size = 13, .paint = "#ffffff", .letterSpacing = 2},
+                 {.anchor = Anchor::Center, .angle = 30});
     const auto addTown = [&drawing](td::Point<double> place, const char* name)
     {
         drawing.fill(Path().addCircle(place, 3.5), "#303030");
@@ -59,7 +59,7 @@ void addMap(Drawing& drawing)
     };
     addTown({410, 260}, "Hill Town");
     addTown({530, 240}, "Mill");
-    addTown({430, 325}, "Old Bridge");
+    addTown({380, 350}, "Old Bridge");
 }
 
 } // namespace
