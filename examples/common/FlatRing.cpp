@@ -48,4 +48,26 @@ FlatRing::FlatRing(const TopoJSON::Ring& ring, double middle)
     points.emplace_back(points.front().x, pole);
 }
 
+void layOnMap(const TopoJSON::Line& line, bool isRing, double middle, std::vector<TopoJSON::Line>& lines)
+{
+    TopoJSON::Line laid;
+    td::Point<double> last{middle, 0};
+    for (const td::Point<double>& point : line)
+        if (std::abs(point.y) < cPole)
+            laid.push_back(last = {last.x + std::remainder(point.x - last.x, 360), point.y});
+    if (laid.empty())
+        return;
+    if (const double around = last.x - laid.front().x; isRing && std::abs(around) > 180)
+    {
+        const double end = laid.front().x + std::copysign(360, around), pole = std::copysign(90, last.y);
+        laid.insert(laid.end(), {{end, laid.front().y}, {end, pole}, {laid.front().x, pole}});
+    }
+    const auto [west, east] = std::minmax_element(laid.begin(), laid.end(), [](auto& a, auto& b) { return a.x < b.x; });
+    const double begin = west->x - middle, end = east->x - middle, home = -360 * std::round((begin + end) / 720);
+    for (const double shift : {home, home + 360, home - 360})
+        if (begin + shift < 180 && end + shift > -180)
+            for (TopoJSON::Line& copy = lines.emplace_back(laid); td::Point<double> & point : copy)
+                point.x += shift;
+}
+
 } // namespace examples

@@ -22,4 +22,10 @@ struct FlatRing
     FlatRing(const TopoJSON::Ring& ring, double middle);
 };
 
+/// Lays a line, or a ring, out on such a map and adds it to others: in longitudes that go on past the edges where it
+/// crosses one, and then once more on the other side, so that all of the map has it and the rest sticks out. A ring
+/// around a pole goes on along the map's upper or lower edge. Nothing is added for what only follows a pole.
+/// @param middle  the longitude in the map's middle
+void layOnMap(const TopoJSON::Line& line, bool isRing, double middle, std::vector<TopoJSON::Line>& lines);
+
 } // namespace examples

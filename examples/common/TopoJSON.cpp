@@ -4,8 +4,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -51,7 +54,7 @@ td::Point<double> pair(const json& value, const std::string& where)
 class Arcs
 {
 public:
-    explicit Arcs(const json& topology)
+    Arcs(const json& topology, double grain)
     {
         const auto transform = topology.find("transform");
         _isQuantised = transform != topology.end();
@@ -63,7 +66,7 @@ public:
         const json& arcs = member(topology, "arcs", json::value_t::array, "file");
         _arcs.reserve(arcs.size());
         for (const json& arc : arcs)
-            _arcs.push_back(decode(arc, numbered("arc", _arcs.size())));
+            _arcs.push_back(thinned(decode(arc, numbered("arc", _arcs.size())), grain));
         _areas.resize(_arcs.size());
     }
 
@@ -113,7 +116,26 @@ public:
         return borders;
     }
 
+    std::vector<TopoJSON::Line> findCoasts() const
+    {
+        std::vector<TopoJSON::Line> coasts;
+        for (std::size_t arc = 0; arc < _arcs.size(); ++arc)
+            if (_areas[arc].size() == 1)
+                coasts.push_back(_arcs[arc]);
+        return coasts;
+    }
+
 private:
+    static TopoJSON::Line thinned(TopoJSON::Line arc, double grain)
+    {
+        TopoJSON::Line kept{arc.front()};
+        for (std::size_t i = 1; i + 1 < arc.size(); ++i)
+            if (std::hypot(arc[i].x - kept.back().x, arc[i].y - kept.back().y) >= grain)
+                kept.push_back(arc[i]);
+        kept.push_back(arc.back());
+        return kept.size() < 4 ? arc : kept;
+    }
+
     TopoJSON::Ring decode(const json& arc, const std::string& where) const
     {
         if (!arc.is_array() || arc.size() < 2)
@@ -196,9 +218,10 @@ struct Map
 {
     std::vector<TopoJSON::Area> areas;
     std::vector<TopoJSON::Border> borders;
+    std::vector<TopoJSON::Line> coasts;
 };
 
-Map readMap(std::string_view text, const std::string& object)
+Map readMap(std::string_view text, const std::string& object, double grain)
 {
     const json topology = json::parse(text, nullptr, false);
     if (topology.is_discarded())
@@ -208,23 +231,25 @@ Map readMap(std::string_view text, const std::string& object)
         fail("no TopoJSON");
     const json& objects = member(topology, "objects", json::value_t::object, "file");
     const json& collection = member(objects, object, json::value_t::object, "file");
-    Arcs arcs(topology);
+    Arcs arcs(topology, grain);
     Map map;
     for (const json& geometry : member(collection, "geometries", json::value_t::array, "object"))
         map.areas.push_back(readArea(geometry, arcs, map.areas.size()));
     map.borders = arcs.findBorders();
+    map.coasts = arcs.findCoasts();
     return map;
 }
 
 } // namespace
 
-bool TopoJSON::load(std::string_view json, const std::string& object)
+bool TopoJSON::load(std::string_view json, const std::string& object, double grain)
 {
     try
     {
-        Map map = readMap(json, object);
+        Map map = readMap(json, object, grain);
         _areas = std::move(map.areas);
         _borders = std::move(map.borders);
+        _coasts = std::move(map.coasts);
         return true;
     }
     catch (const Broken& broken)
@@ -241,6 +266,31 @@ std::size_t TopoJSON::getNoOfRings() const
         for (const Polygon& polygon : area.polygons)
             n += polygon.size();
     return n;
+}
+
+// Those with the most neighbours choose first: of the colours that no neighbour has, the one that is used least.
+std::vector<std::size_t> TopoJSON::color(std::size_t n) const
+{
+    std::vector<std::set<std::size_t>> neighbours(_areas.size());
+    for (const Border& border : _borders)
+        for (const std::size_t area : border.areas)
+            neighbours[area].insert(border.areas.begin(), border.areas.end());
+    std::vector<std::size_t> order(_areas.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return neighbours[a].size() > neighbours[b].size(); });
+    std::vector<std::size_t> colors(_areas.size(), n), nUses(n, 0);
+    for (const std::size_t area : order)
+    {
+        std::vector<std::size_t> costs = nUses;
+        costs.push_back(0); // of those that have none yet
+        for (const std::size_t neighbour : neighbours[area])
+            costs[colors[neighbour]] += _areas.size();
+        costs.pop_back();
+        colors[area] = static_cast<std::size_t>(std::min_element(costs.begin(), costs.end()) - costs.begin());
+        ++nUses[colors[area]];
+    }
+    return colors;
 }
 
 } // namespace examples

@@ -30,6 +30,9 @@ public:
         std::vector<td::Point<double>> line;
     };
 
+    /// Points of a line.
+    using Line = std::vector<td::Point<double>>;
+
     struct Area
     {
         std::string name; ///< UTF-8; empty when the file has none
@@ -39,21 +42,31 @@ public:
     /// Reads the areas of one object and their borders, replacing those read before.
     /// @param json    the whole file, UTF-8; read during the call only
     /// @param object  the object's name, "countries" for instance
+    /// @param grain   in degrees: points of an arc that are nearer than that to the one before are left out, but for the
+    ///                arc's ends, and for arcs that would have fewer than four points then. Areas that share arcs go on
+    ///                to fit together
     /// @return true when it was read. Otherwise one line in the log says why ("ERROR! TopoJSON::load cannot read
     ///         object: OBJECT (CAUSE)"), and areas and borders are what they were. Refused is everything the format
     ///         forbids: arcs that don't exist or don't meet, rings that don't close, positions off the globe; and,
     ///         since arcs may be named many times over, what would make more than 10 million points.
-    [[nodiscard]] bool load(std::string_view json, const std::string& object);
+    [[nodiscard]] bool load(std::string_view json, const std::string& object, double grain = 0);
 
     const std::vector<Area>& getAreas() const { return _areas; }
     /// In the order of the file's arcs.
     const std::vector<Border>& getBorders() const { return _borders; }
+    /// The lines that only one area has, each once, in the same order.
+    const std::vector<Line>& getCoasts() const { return _coasts; }
 
     std::size_t getNoOfRings() const;
+
+    /// Gives each area a number below n that none of its neighbours has, and all numbers about as often. Six are enough
+    /// for the countries of the world; neighbours share one where a map cannot do with so few.
+    std::vector<std::size_t> color(std::size_t n) const;
 
 private:
     std::vector<Area> _areas;
     std::vector<Border> _borders;
+    std::vector<Line> _coasts;
 };
 
 } // namespace examples

@@ -1,13 +1,8 @@
 #include "Legend.h"
 
-#include <gui/gl/Context.h>
+#include "Names.h"
 
-#include <glm/ext/matrix_clip_space.hpp>
-
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <numbers>
 
 namespace worldmap
 {
@@ -15,58 +10,36 @@ namespace worldmap
 namespace
 {
 
-using examples::Captions;
-using gui::gl::Blend;
-using gui::gl::Context;
-using td::ColorID;
+using gui::draw::Affine;
+using gui::draw::Path;
 
 // In points.
 constexpr double cLineHeight = 22;
-constexpr double cLeft = 10;
-constexpr double cColumnGap = 14;
-constexpr double cBarLength = 120; // at most
-constexpr double cBarBottom = 8;   // above the line
-constexpr double cTickHeight = 6;
-constexpr double cBarTextGap = 6;
-constexpr double cBarTextWidth = 60;
+constexpr double cLeft = 10.5;       // the middle of a pixel
+constexpr double cCountryLeft = 158; // beside the widest place
+constexpr double cBarLength = 120;   // at most
+constexpr double cBarBottom = 30.5;
+constexpr double cWideEnough = 420; // for the zoom beside the longest name
 
 constexpr double cKilometresPerDegree = 111.2; // on a sphere as large as the earth
-constexpr double cLastLatitude = 85;
 
-constexpr const char* cWidestPlace = "189.99\u00b0 W  89.99\u00b0 N";
-
-struct Color
+std::string format(const char* pattern, auto... values)
 {
-    ColorID id;
-    int alpha; // 0 to 255
-};
-constexpr Color cInkColor{ColorID::DarkSlateGray, 255};
-constexpr Color cRimColor{ColorID::White, 255};
-constexpr Color cGroundColor{ColorID::White, 215};
-
-void appendBox(gui::gl::Buffer& shapes, const Captions::Box& box, const Color& color)
-{
-    const td::Point<float> corners[] = {
-        {box.left, box.top}, {box.left, box.bottom}, {box.right, box.top}, {box.right, box.bottom}};
-    gui::gl::Command* pCommand = shapes.createCommand();
-    pCommand->createDrawArrays(gui::gl::Primitive::TriangleStrip, shapes.getNoOfVertices(), 4);
-    shapes.appendVertices(corners, 4);
-    pCommand->setColor(color.id, color.alpha);
-    shapes.encode(pCommand);
+    char text[80];
+    std::snprintf(text, sizeof text, pattern, values...);
+    return text;
 }
 
-std::string placeText(const Outlook& outlook, const td::Point<double>& pointer)
+std::string placeText(Projection projection, const Point& point)
 {
-    const td::Point<double> degrees = outlook.toDegrees(pointer);
-    if (!sheetOf(outlook.projection).contains(project(outlook.projection, degrees)))
+    if (!isIn(sheetOf(projection), point))
         return {};
     // What is rounded to 0 is neither west nor south.
     const auto rounded = [](double value) { return std::round(value * 100) / 100; };
+    const Point degrees = unproject(projection, point);
     const double longitude = rounded(std::remainder(degrees.x, 360)), latitude = rounded(degrees.y);
-    char text[60];
-    std::snprintf(text, sizeof text, "%.2f\u00b0 %c  %.2f\u00b0 %c", std::abs(longitude), longitude < 0 ? 'W' : 'E',
-                  std::abs(latitude), latitude < 0 ? 'S' : 'N');
-    return text;
+    return format("%.2f\u00b0 %c  %.2f\u00b0 %c", std::abs(longitude), longitude < 0 ? 'W' : 'E', std::abs(latitude),
+                  latitude < 0 ? 'S' : 'N');
 }
 
 } // namespace
@@ -78,89 +51,41 @@ double roundLength(double length)
 }
 
 Legend::Legend()
-    : _shapes{gui::gl::DataType::Vec2}
+    : _ground(_drawing.fill(Path().addRect({0, -cLineHeight, 1, 0}), "#ffffffe0"))
+    , _bar(_drawing.beginGroup())
 {
+    const Path bar = Path::fromSVG("M0-6V0H1V-6");
+    _drawing.stroke(bar, {.width = 3, .cap = gui::draw::Cap::Square}, "#ffffff");
+    _drawing.stroke(bar, {.width = 1}, "#26384a");
+    _drawing.endGroup();
+    for (auto& id : _ids)
+        id = _drawing.text({}, "", writing(&id == _ids ? 1.75 : 0), {.anchor = {&id == _ids + 3 ? 1.0 : 0.0, 0.5}});
 }
 
-bool Legend::init()
+void Legend::layOut(const SheetView& map, const std::optional<Point>& pointer, const std::string& country)
 {
-    _program.link(gui::gl::Flat2DProgram::Colors::WithAlpha);
-    return initWriting(_captions);
-}
-
-void Legend::draw(const Outlook& outlook, const std::optional<td::Point<double>>& pointer, const std::string& country)
-{
-    const std::string place = pointer.has_value() ? placeText(outlook, *pointer) : std::string();
-    if (outlook != _outlook || place != _place || country != _country)
-    {
-        _outlook = outlook;
-        _place = place;
-        _country = country;
-        layOut();
-    }
-    const auto width = static_cast<float>(outlook.size.width), height = static_cast<float>(outlook.size.height);
-    Context::setBlendFunction(Blend::Factor::SrcAlpha, Blend::Factor::OneMinusSrcAlpha);
-    Context::enable(Context::Flag::Blend);
-    _program.draw(_shapes, glm::ortho(0.0F, width * outlook.scale, height * outlook.scale, 0.0F));
-    drawWriting(_captions);
-}
-
-void Legend::layOut()
-{
-    const float scale = _outlook.scale;
-    const auto pixels = [scale](double points) { return std::round(static_cast<float>(points) * scale); };
-    const float lineTop = pixels(_outlook.size.height - cLineHeight);
-    _captions.begin(_outlook.size, scale);
-
+    const double zoom = map.getZoom();
+    const Rect seen = map.getVisible();
+    const double width = (seen.right - seen.left) * zoom, height = (seen.bottom - seen.top) * zoom;
     // Along the parallel in the middle of the view.
-    const double latitude = _outlook.toDegrees({_outlook.size.width / 2, _outlook.size.height / 2}).y;
-    const double kilometresPerPoint =
-        cKilometresPerDegree / _outlook.zoom() *
-        std::cos(std::clamp(latitude, -cLastLatitude, cLastLatitude) * std::numbers::pi / 180);
-    const double length = roundLength(cBarLength * kilometresPerPoint);
-    char text[40];
-    std::snprintf(text, sizeof text, "%g km", length);
-    _length = text;
-    fillShapes(length / kilometresPerPoint);
-    const float textHeight = _captions.measure(_length).height;
-    _captions.add({pixels(cLeft + length / kilometresPerPoint + cBarTextGap),
-                   lineTop - pixels(cBarBottom) - (pixels(cTickHeight) + textHeight) / 2},
-                  _length, cRimmed);
+    const double latitude = std::clamp(unproject(map.getMapProjection(), map.getCenter()).y, -85.0, 85.0);
+    const double kilometresPerPoint = cKilometresPerDegree / zoom * std::cos(latitude * cDegree);
+    const double length = roundLength(cBarLength * kilometresPerPoint), barWidth = length / kilometresPerPoint;
+    _drawing.setTransform(_ground, Affine::translation(0, height) * Affine::scaling(width, 1));
+    _drawing.setTransform(_bar, Affine::translation(cLeft, height - cBarBottom) * Affine::scaling(barWidth, 1));
 
-    std::snprintf(text, sizeof text, "zoom %.*f", _outlook.zoom() < 10 ? 2 : 1, _outlook.zoom());
-    const float y = lineTop + (pixels(cLineHeight) - textHeight) / 2;
-    const float countryLeft = pixels(cLeft + cColumnGap) + _captions.measure(cWidestPlace).width;
-    const float zoomLeft = pixels(_outlook.size.width - cLeft) - _captions.measure(text).width;
-    _captions.add({pixels(cLeft), y}, _place, cPlain);
-    _captions.add({countryLeft, y}, _country, cPlain);
-    if (countryLeft + _captions.measure(_country).width + pixels(cColumnGap) < zoomLeft)
-        _captions.add({zoomLeft, y}, text, cPlain);
-}
-
-void Legend::fillShapes(double barLength)
-{
-    const float scale = _outlook.scale;
-    const auto pixels = [scale](double points) { return std::round(static_cast<float>(points) * scale); };
-    const float lineTop = pixels(_outlook.size.height - cLineHeight), pen = std::max(1.0F, pixels(1));
-    const float left = pixels(cLeft), right = pixels(cLeft + barLength);
-    const float bottom = lineTop - pixels(cBarBottom), top = bottom - pixels(cTickHeight);
-    const Captions::Box bars[] = {
-        {left, bottom - pen, right, bottom}, {left, top, left + pen, bottom}, {right - pen, top, right, bottom}};
-    _shapes.reset();
-    appendBox(_shapes, {0, lineTop, pixels(_outlook.size.width), pixels(_outlook.size.height)}, cGroundColor);
-    for (const Captions::Box& bar : bars)
-        appendBox(_shapes, {bar.left - pen, bar.top - pen, bar.right + pen, bar.bottom + pen}, cRimColor);
-    for (const Captions::Box& bar : bars)
-        appendBox(_shapes, bar, cInkColor);
-}
-
-std::vector<Captions::Box> Legend::boxesIn(const Outlook& outlook)
-{
-    const auto pixels = [&](double points) { return static_cast<float>(points) * outlook.scale; };
-    const float lineTop = pixels(outlook.size.height - cLineHeight), bottom = pixels(outlook.size.height);
-    return {{0, lineTop, pixels(outlook.size.width), bottom},
-            {0, lineTop - pixels(cBarBottom + 2 * cTickHeight),
-             pixels(cLeft + cBarLength + cBarTextGap + cBarTextWidth), lineTop}};
+    const std::string texts[] = {format("%g km", length),
+                                 pointer ? placeText(map.getMapProjection(), map.getModelPoint(*pointer)) : "", country,
+                                 format("zoom %.*f", zoom < 10 ? 2 : 1, zoom)};
+    const double lefts[] = {cLeft + barWidth + 6, cLeft, cCountryLeft, width - cLeft};
+    for (std::size_t i = 0; i < std::size(_ids); ++i)
+    {
+        if (texts[i] != _texts[i])
+            _drawing.setText(_ids[i], _texts[i] = texts[i]);
+        _drawing.setTransform(_ids[i],
+                              Affine::translation(lefts[i], height - (i == 0 ? cBarBottom + 3 : cLineHeight / 2)));
+    }
+    _drawing.setVisible(_ids[3], width > cWideEnough);
 }
 
 } // namespace worldmap

@@ -1,14 +1,6 @@
 #pragma once
 
-#include "Outlook.h"
-#include "Writing.h"
-
-#include <gui/gl/Buffer.h>
-#include <gui/gl/Flat2DProgram.h>
-
-#include <optional>
-#include <string>
-#include <vector>
+#include "SheetView.h"
 
 namespace worldmap
 {
@@ -16,35 +8,27 @@ namespace worldmap
 /// The longest of 1, 2, 5, 10, 20, 50 ... that is not above this length, which is 1 at least.
 double roundLength(double length);
 
-/// A scale bar, and below it a line that says where the pointer is. Laid out anew only when one of them changed.
+/// A scale bar, and below it a line that says where the pointer is, in points of the view.
 class Legend
 {
 public:
+    static constexpr double cHeight = 42; ///< that it takes from the view's lower edge on
+
     Legend();
 
-    /// @return false, after a line in the log, when a font is missing
-    [[nodiscard]] bool init();
-
     /// @param pointer  in the view, if it is there  @param country  the name of the country there, or nothing
-    void draw(const Outlook& outlook, const std::optional<td::Point<double>>& pointer, const std::string& country);
+    void layOut(const SheetView& map, const std::optional<Point>& pointer, const std::string& country);
+    void draw(double pixelsPerPoint) { _drawing.draw(gui::draw::Affine(), pixelsPerPoint); }
 
-    /// What it covers of a frame, in pixels.
-    static std::vector<examples::Captions::Box> boxesIn(const Outlook& outlook);
-
-    const std::string& getPlaceText() const { return _place; }
-    const std::string& getScaleText() const { return _length; }
+    const std::string& getPlaceText() const { return _texts[1]; }
+    const std::string& getScaleText() const { return _texts[0]; }
 
 private:
-    void layOut();
-    void fillShapes(double barLength);
-
-    gui::gl::Flat2DProgram _program;
-    gui::gl::Buffer _shapes;
-    examples::Captions _captions;
-    Outlook _outlook;
-    std::string _place;
-    std::string _country;
-    std::string _length;
+    gui::draw::Drawing _drawing;
+    gui::draw::Drawing::ID _ground;
+    gui::draw::Drawing::ID _bar;
+    gui::draw::Drawing::ID _ids[4]; // of the texts: scale, place, country, zoom
+    std::string _texts[4];
 };
 
 } // namespace worldmap

@@ -3,8 +3,6 @@
 #include <gui/Application.h>
 #include <gui/Key.h>
 
-#include <string>
-
 namespace worldmap
 {
 
@@ -13,113 +11,121 @@ namespace
 
 constexpr double cStep = 60; // points that an arrow key moves the map
 
+/// A window with the whole map, on which a rectangle shows what another view sees of it. A click, or a drag, moves that
+/// view there.
+class Overview : public SheetView
+{
+public:
+    Overview(const Countries& countries, SheetView& map, gui::Window& window)
+        : SheetView(countries, map.getMapProjection())
+        , _map(map)
+        , _window(window)
+        , _frame(_drawing.stroke({}, {.width = 2}, td::ColorID::Crimson))
+    {
+        createContext(false);
+    }
+
+protected:
+    void onDraw(const td::RectNormalized<double>& rect) override
+    {
+        if (getMapProjection() != _map.getMapProjection())
+            setProjection(_map.getMapProjection());
+        SheetView::onDraw(rect);
+        _drawing.setPath(_frame, gui::draw::Path().addRect(_map.getVisible()));
+        _drawing.draw(*this);
+    }
+    void onPrimaryButtonPressed(const gui::InputDevice& device) override
+    {
+        _map.setCenter(getModelPoint(device.getFramePoint()));
+    }
+    void onCursorDragged(const gui::InputDevice& device) override { onPrimaryButtonPressed(device); }
+    bool onScroll(const gui::InputDevice&) override { return true; }
+    bool onZoom(const gui::InputDevice&) override { return true; }
+    bool onKeyPressed(const gui::Key& key) override
+    {
+        if (key.getChar() != 'o' && key.getChar() != 'O' && key.getVirtual() != gui::Key::Virtual::Escape)
+            return false;
+        _window.close();
+        return true;
+    }
+
+private:
+    SheetView& _map;
+    gui::Window& _window;
+    gui::draw::Drawing _drawing;
+    gui::draw::Drawing::ID _frame;
+};
+
 } // namespace
 
 MapView::MapView(gui::Window& window, const Countries& countries)
     : SheetView(countries, Projection::Equirectangular)
     , _window(window)
     , _countries(countries)
+    , _names(countries)
 {
     createContext(false);
 }
 
-void MapView::onInit()
-{
-    SheetView::onInit();
-    _pLabels = std::make_unique<Labels>(_countries);
-    _pLegend = std::make_unique<Legend>();
-    if (_pLabels->init() && _pLegend->init())
-        return;
-    _pLegend.reset();
-    _pLabels.reset();
-}
-
 void MapView::cleanResources()
 {
+    _pOverviewWindow.reset();
     _pOverview.reset();
-    _pLegend.reset();
-    _pLabels.reset();
-    SheetView::cleanResources();
 }
 
 void MapView::onDraw(const td::RectNormalized<double>& rect)
 {
     SheetView::onDraw(rect);
-    const Box visible = getVisible();
-    if (!_isWritten || _pLabels == nullptr || visible.width() <= 0 || visible.height() <= 0)
+    if (!_isWritten)
         return;
-    const td::Size<double> size(visible.width() * getZoom(), visible.height() * getZoom());
-    const Outlook outlook{getMapProjection(), visible, size, getPixelHiDPIScale()};
-    const bool isNone = _country == Countries::cNone;
-    _pLabels->draw(outlook, Legend::boxesIn(outlook));
-    _pLegend->draw(outlook, _pointer, isNone ? std::string() : _countries.getCountries()[_country].name);
-}
-
-void MapView::setWritten(bool isWritten)
-{
-    _isWritten = isWritten;
-    reRender();
+    _names.layOut(*this, Legend::cHeight);
+    _names.draw(*this);
+    _legend.layOut(*this, _pointer, _country == Countries::cNone ? "" : _countries.all[_country].name);
+    _legend.draw(getPixelHiDPIScale());
 }
 
 void MapView::onOriginChanged()
 {
     SheetView::onOriginChanged();
-    findCountry(); // the map moves under the pointer
+    pointAt(_pointer); // the map moves under the pointer
     if (_pOverview != nullptr)
         _pOverview->reRender();
-}
-
-void MapView::onCursorMoved(const gui::InputDevice& device)
-{
-    _pointer = device.getFramePoint();
-    findCountry();
-    reRender(); // for the place that is written
 }
 
 void MapView::onCursorDragged(const gui::InputDevice& device)
 {
     SheetView::onCursorDragged(device);
-    onCursorMoved(device);
+    pointAt(device.getFramePoint());
 }
 
 void MapView::onCursorExited(const gui::InputDevice& device)
 {
     SheetView::onCursorExited(device);
-    _pointer.reset();
-    findCountry();
-    reRender();
+    pointAt({});
 }
 
-void MapView::findCountry()
+void MapView::pointAt(const std::optional<Point>& pointer)
 {
-    std::size_t country = Countries::cNone;
-    if (_pointer.has_value())
-    {
-        const td::Point<double> point = getModelPoint(*_pointer);
-        if (sheetOf(getMapProjection()).contains(point))
-            country = _countries.find(unproject(getMapProjection(), point));
-    }
+    _pointer = pointer;
+    reRender(); // for the place that is written
+    const std::size_t country = _pointer ? find(getModelPoint(*_pointer)) : Countries::cNone;
     if (country == _country)
         return;
-    _country = country;
-    highlight(country);
+    highlight(_country = country);
     const bool isNone = country == Countries::cNone;
-    _window.setTitle(isNone ? "World map" : ("World map - " + _countries.getCountries()[country].name).c_str());
+    _window.setTitle(isNone ? "World map" : ("World map - " + _countries.all[country].name).c_str());
 }
 
 bool MapView::onKeyPressed(const gui::Key& key)
 {
     using Virtual = gui::Key::Virtual;
-    const auto zoom = [&](char sign)
-    {
-        const auto command = static_cast<unsigned int>(gui::KeyModifier::Cmd);
-        return SheetView::onKeyPressed(gui::Key(static_cast<unsigned char>(sign), key.getModifiers() | command, 1, 0));
-    };
     const char character = key.getChar();
-    if (character == '+' || character == '=' || key.getVirtual() == Virtual::KeypadPlus)
-        return zoom('+');
-    if (character == '-' || key.getVirtual() == Virtual::KeypadMinus)
-        return zoom('-');
+    const Virtual code = key.getVirtual();
+    const double zoom = 1 + gui::InputDevice::getDefaultZoomIncrement(), step = cStep / getZoom();
+    if (character == '+' || character == '=' || code == Virtual::KeypadPlus)
+        return zoomBy(zoom);
+    if (character == '-' || code == Virtual::KeypadMinus)
+        return zoomBy(1 / zoom);
     if (character == '0')
         fit();
     else if (character == 'm' || character == 'M')
@@ -128,35 +134,27 @@ bool MapView::onKeyPressed(const gui::Key& key)
         setWritten(!_isWritten);
     else if (character == 'o' || character == 'O')
         toggleOverview();
-    else if (key.getVirtual() == Virtual::Left)
-        move(-cStep, 0);
-    else if (key.getVirtual() == Virtual::Right)
-        move(cStep, 0);
-    else if (key.getVirtual() == Virtual::Up)
-        move(0, cStep);
-    else if (key.getVirtual() == Virtual::Down)
-        move(0, -cStep);
-    else if (key.getVirtual() == Virtual::Escape)
+    else if (code == Virtual::Left || code == Virtual::Right)
+        setModelRefPoint({getOrigin().x + (code == Virtual::Left ? -step : step), getOrigin().y});
+    else if (code == Virtual::Up || code == Virtual::Down)
+        setModelRefPoint({getOrigin().x, getOrigin().y + (code == Virtual::Down ? -step : step)});
+    else if (code == Virtual::Escape)
         gui::Application::quit();
     else
         return false;
     return true;
 }
 
-void MapView::move(double x, double y)
-{
-    setModelRefPoint({getOrigin().x + x / getZoom(), getOrigin().y + y / getZoom()});
-}
-
 void MapView::toggleOverview()
 {
-    const bool isOpen = _pOverview != nullptr && _pOverview->isOpen();
-    _pOverview.reset();
+    const bool isOpen = getOverview() != nullptr;
+    cleanResources();
     if (isOpen)
         return;
-    _pOverview = std::make_unique<Overview>(_countries, *this);
-    if (!_pOverview->open())
-        _pOverview.reset();
+    _pOverviewWindow = std::make_unique<gui::Window>("World map - overview", td::Size<double>(440, 232));
+    _pOverview = std::make_unique<Overview>(_countries, *this, *_pOverviewWindow);
+    if (!_pOverviewWindow->show(*_pOverview))
+        cleanResources();
 }
 
 } // namespace worldmap

@@ -1,14 +1,11 @@
 #pragma once
 
-#include "Labels.h"
 #include "Legend.h"
-#include "Overview.h"
-#include "SheetView.h"
+#include "Names.h"
 
 #include <gui/Window.h>
 
 #include <memory>
-#include <optional>
 
 namespace worldmap
 {
@@ -26,34 +23,39 @@ public:
 
     /// The country that is highlighted, or Countries::cNone.
     std::size_t getCountry() const { return _country; }
-    const Overview* getOverview() const { return _pOverview.get(); }
+    /// The whole map in a window of its own, on which a rectangle shows what this view sees of it; null when it is
+    /// closed. A click, or a drag, moves this view there.
+    SheetView* getOverview() { return _pOverviewWindow && _pOverviewWindow->isOpen() ? _pOverview.get() : nullptr; }
 
     /// Names of countries, the scale bar and the line below it; shown at first.
-    void setWritten(bool isWritten);
+    void setWritten(bool isWritten)
+    {
+        _isWritten = isWritten;
+        reRender();
+    }
 
 protected:
-    void onInit() override;
     void cleanResources() override;
     void onDraw(const td::RectNormalized<double>& rect) override;
     void onOriginChanged() override;
-    void onCursorMoved(const gui::InputDevice& device) override;
+    void onCursorMoved(const gui::InputDevice& device) override { pointAt(device.getFramePoint()); }
     void onCursorDragged(const gui::InputDevice& device) override;
     void onCursorExited(const gui::InputDevice& device) override;
     bool onKeyPressed(const gui::Key& key) override;
 
 private:
-    void findCountry();
-    void move(double x, double y);
+    void pointAt(const std::optional<Point>& pointer);
     void toggleOverview();
 
     gui::Window& _window;
     const Countries& _countries;
-    std::optional<td::Point<double>> _pointer; // in the view
+    std::optional<Point> _pointer; // in the view
     std::size_t _country = Countries::cNone;
     bool _isWritten = true;
-    std::unique_ptr<Labels> _pLabels; // null, as the legend, when a font is missing
-    std::unique_ptr<Legend> _pLegend;
-    std::unique_ptr<Overview> _pOverview;
+    Names _names;
+    Legend _legend;
+    std::unique_ptr<SheetView> _pOverview;
+    std::unique_ptr<gui::Window> _pOverviewWindow;
 };
 
 } // namespace worldmap

@@ -1,10 +1,18 @@
 #pragma once
 
 #include <td/Point.h>
+#include <td/RectNormalized.h>
 #include <td/Types.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
 
 namespace worldmap
 {
+
+using Point = td::Point<double>;
+using Rect = td::RectNormalized<double>; ///< of the plane: its top is the south
 
 /// Which way the globe is made flat. On both maps x is the longitude in degrees, and a degree at the equator is as high
 /// as it is wide.
@@ -14,34 +22,37 @@ enum class Projection : td::BYTE
     Mercator         ///< shapes are right, sizes are not
 };
 
-/// A part of the plane, y upwards.
-struct Box
-{
-    td::Point<double> min;
-    td::Point<double> max;
-
-    bool operator==(const Box&) const = default;
-
-    double width() const { return max.x - min.x; }
-    double height() const { return max.y - min.y; }
-    td::Point<double> middle() const { return {(min.x + max.x) / 2, (min.y + max.y) / 2}; }
-    bool contains(const td::Point<double>& point) const
-    {
-        return point.x >= min.x && point.x <= max.x && point.y >= min.y && point.y <= max.y;
-    }
-};
+constexpr double cDegree = std::numbers::pi / 180;
 
 /// The longitude in the middle of the maps, which end in the Bering Strait, where next to nothing reaches across their
 /// edge.
 constexpr double cMiddleLongitude = 11;
 
 /// @param degrees  longitude and latitude; latitudes near the poles, which Mercator cannot show, are pulled in
-td::Point<double> project(Projection projection, const td::Point<double>& degrees);
+inline Point project(Projection projection, const Point& degrees)
+{
+    const double latitude = std::clamp(degrees.y, -86.0, 86.0) * cDegree;
+    return {degrees.x, projection == Projection::Mercator ? std::asinh(std::tan(latitude)) / cDegree : degrees.y};
+}
 
 /// The way back: longitude and latitude of a point on the map.
-td::Point<double> unproject(Projection projection, const td::Point<double>& point);
+inline Point unproject(Projection projection, const Point& point)
+{
+    return {point.x, projection == Projection::Mercator ? std::atan(std::sinh(point.y * cDegree)) / cDegree : point.y};
+}
 
-/// The part of the plane that the map covers.
-Box sheetOf(Projection projection);
+/// The part of the plane that the map covers. Mercator's ends at the ice shelf and the northernmost island.
+inline Rect sheetOf(Projection projection)
+{
+    const bool isMercator = projection == Projection::Mercator;
+    const double south = project(projection, {0, isMercator ? -78.0 : -90.0}).y;
+    const double north = project(projection, {0, isMercator ? 84.0 : 90.0}).y;
+    return {cMiddleLongitude - 180, south, cMiddleLongitude + 180, north};
+}
+
+inline bool isIn(const Rect& rect, const Point& point)
+{
+    return point.x >= rect.left && point.x <= rect.right && point.y >= rect.top && point.y <= rect.bottom;
+}
 
 } // namespace worldmap

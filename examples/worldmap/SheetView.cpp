@@ -2,118 +2,139 @@
 
 #include <gui/gl/Context.h>
 
-#include <algorithm>
-
 namespace worldmap
 {
 
 namespace
 {
 
+using gui::draw::FillRule;
+using gui::draw::Path;
+
 // In points.
 constexpr double cMargin = 12;
-constexpr double cInSight = 60; // that no move takes away
+constexpr double cInSight = 60; // of the map, that no move takes away
 
-constexpr double cMaxZoom = 400; // points per degree
+constexpr double cFineZoom = 4; // points per degree; from there on coarse lines are seen to be
+constexpr double cMaxZoom = 400;
+constexpr double cNetStep = 15;   // degrees
+constexpr double cFarAway = 2000; // of the map, farther than any view shows
+
+constexpr td::Color cSeaColor = "#a9c4dc", cNetColor = "#c3d6e7", cPaperColor = "#ffffff";
+constexpr td::Color cCoastColor = "#4f6f8f", cBorderColor = "#6b5f58", cHighlightColor = "#f08a5d";
+constexpr td::Color cLandColors[cNoOfColors] = {"#e9dc9a", "#f6cfae", "#cdbedb", "#f4edd6", "#b3d6a4", "#e9b9bf"};
 
 } // namespace
+
+Path pathOf(const Line& degrees, Projection projection)
+{
+    Path path;
+    for (const Point& point : degrees)
+        path.lineTo(project(projection, point));
+    return path;
+}
 
 SheetView::SheetView(const Countries& countries, Projection projection)
     : _countries(countries)
     , _projection(projection)
 {
+    setPlaneLimits(sheetOf(projection), cInSight);
 }
 
-void SheetView::onInit()
+SheetView::Sheet& SheetView::shownSheet()
 {
-    _pLayers = std::make_unique<MapLayers>(_countries);
-    _pLayers->init(_projection);
-}
+    const bool isFine = getZoom() >= cFineZoom;
+    Sheet& sheet = isFine ? _fine : _coarse;
+    if (!sheet.countries.empty())
+        return sheet;
+    const Outlines& outlines = isFine ? _countries.fine : _countries.coarse;
+    const Rect area = sheetOf(_projection);
+    const gui::draw::Stroke pen{.width = 0.8, .join = gui::draw::Join::Round};
+    sheet.lands.clear();
+    for (double degrees = -180; degrees < 200; degrees += cNetStep)
+    {
+        sheet.lands.stroke(pathOf({{degrees, -90}, {degrees, 90}}, _projection), {}, cNetColor);
+        if (std::abs(degrees) < 90)
+            sheet.lands.stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, _projection), {}, cNetColor);
+    }
+    for (const std::vector<Line>& rings : outlines.countries)
+    {
+        Path path;
+        for (const Line& ring : rings)
+            path.addPath(pathOf(ring, _projection).close());
+        const td::Color color = cLandColors[_countries.all[sheet.countries.size()].color];
+        sheet.countries.push_back(sheet.lands.fill(path, color, FillRule::EvenOdd));
+    }
+    color(_highlighted, cHighlightColor);
 
-void SheetView::cleanResources() { _pLayers.reset(); }
+    sheet.lines.clear();
+    for (const Line& line : outlines.borders)
+        sheet.lines.stroke(pathOf(line, _projection), pen, cBorderColor);
+    for (const Line& line : outlines.coasts)
+        sheet.lines.stroke(pathOf(line, _projection), pen, cCoastColor);
+    const Path edge = Path().addRect(area), all = Path(edge).addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
+    sheet.lines.fill(all, cPaperColor, FillRule::EvenOdd);
+    sheet.lines.stroke(edge, pen, cCoastColor);
+    return sheet;
+}
 
 void SheetView::onDraw(const td::RectNormalized<double>&)
 {
-    gui::gl::Context::clear(gui::gl::Context::Clear::Color);
-    if (_pLayers != nullptr)
-        _pLayers->draw(getProjection(), getZoom());
+    gui::gl::Context::clear(gui::gl::Context::Clear::Color, cSeaColor);
+    Sheet& sheet = shownSheet();
+    sheet.lands.draw(*this);
+    sheet.lines.draw(*this);
 }
 
-void SheetView::onResize(const td::Size<double>& size)
+std::size_t SheetView::find(const Point& point)
 {
-    const td::Point<double> middle = getVisible().middle();
-    _size = size;
-    OrthoView::onResize(size);
-    if (_isFitted)
-        fit();
-    else
-        center(middle);
-}
-
-void SheetView::fit()
-{
-    const Box sheet = sheetOf(_projection);
-    const double zoom =
-        std::min((_size.width - 2 * cMargin) / sheet.width(), (_size.height - 2 * cMargin) / sheet.height());
-    setZoomLimits(zoom / 2, std::max(zoom, cMaxZoom));
-    setZoom(zoom);
-    center(sheet.middle());
-    _isFitted = true;
-}
-
-void SheetView::center(const td::Point<double>& point)
-{
-    const double zoom = getZoom();
-    setModelRefPoint({point.x - _size.width / 2 / zoom, point.y - _size.height / 2 / zoom});
-}
-
-Box SheetView::getVisible() const
-{
-    const td::Point<double>& origin = getOrigin();
-    return {origin, {origin.x + _size.width / getZoom(), origin.y + _size.height / getZoom()}};
-}
-
-void SheetView::setProjection(Projection projection)
-{
-    const td::Point<double> middle = unproject(_projection, getVisible().middle());
-    _projection = projection;
-    if (_pLayers != nullptr)
-    {
-        makeCurrentContext();
-        _pLayers->setProjection(projection);
-    }
-    if (_isFitted)
-        fit();
-    else
-        center(project(projection, middle));
+    const Sheet& sheet = shownSheet();
+    const auto found = std::find(sheet.countries.begin(), sheet.countries.end(), sheet.lands.pick(point));
+    const bool isCountry = found != sheet.countries.end() && isIn(sheetOf(_projection), point);
+    return isCountry ? static_cast<std::size_t>(found - sheet.countries.begin()) : Countries::cNone;
 }
 
 void SheetView::highlight(std::size_t country)
 {
-    if (_pLayers != nullptr)
-        _pLayers->highlight(country);
+    if (_highlighted != Countries::cNone)
+        color(_highlighted, cLandColors[_countries.all[_highlighted].color]);
+    color(country, cHighlightColor);
+    _highlighted = country;
     reRender();
 }
 
-void SheetView::onOriginChanged()
+void SheetView::color(std::size_t country, td::Color color)
 {
-    _isFitted = false;
-    const td::Point<double> origin = keptInSight(getOrigin());
-    if (origin != getOrigin())
-        setModelRefPoint(origin);
+    for (Sheet* pSheet : {&_coarse, &_fine})
+        if (country < pSheet->countries.size())
+            pSheet->lands.setColor(pSheet->countries[country], color);
 }
 
-// The map can be pushed out of the view, but for a strip of it.
-td::Point<double> SheetView::keptInSight(const td::Point<double>& origin) const
+void SheetView::setProjection(Projection projection)
 {
-    const Box sheet = sheetOf(_projection);
-    const auto kept = [zoom = getZoom()](double position, double length, double min, double max)
-    {
-        const double strip = std::min({cInSight / zoom, length, max - min});
-        return std::clamp(position, min + strip - length, max - strip);
-    };
-    return {kept(origin.x, _size.width / getZoom(), sheet.min.x, sheet.max.x),
-            kept(origin.y, _size.height / getZoom(), sheet.min.y, sheet.max.y)};
+    const Point middle = unproject(_projection, getCenter());
+    const bool isFitted = _isFitted;
+    _projection = projection;
+    _coarse.countries.clear();
+    _fine.countries.clear();
+    setPlaneLimits(sheetOf(projection), cInSight);
+    isFitted ? fit() : setCenter(project(projection, middle));
+}
+
+void SheetView::onResize(const td::Size<double>& size)
+{
+    const Point middle = getCenter();
+    const bool isFitted = _isFitted;
+    OrthoView::onResize(size);
+    isFitted ? fit() : setCenter(middle);
+}
+
+void SheetView::fit()
+{
+    setZoomLimits(0.01, cMaxZoom);
+    OrthoView::fit(sheetOf(_projection), cMargin);
+    setZoomLimits(getZoom() / 2, cMaxZoom);
+    _isFitted = true;
 }
 
 } // namespace worldmap

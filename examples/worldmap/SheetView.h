@@ -1,13 +1,15 @@
 #pragma once
 
-#include "MapLayers.h"
+#include "Countries.h"
 
+#include <gui/draw/Drawing.h>
 #include <gui/gl/OrthoView.h>
-
-#include <memory>
 
 namespace worldmap
 {
+
+/// A line on the map.
+gui::draw::Path pathOf(const Line& degrees, Projection projection);
 
 /// A view with a map in it, whole and in the middle at first. While nobody moves it, it fits the view at every size.
 class SheetView : public gui::gl::OrthoView
@@ -21,29 +23,34 @@ public:
     void setProjection(Projection projection);
     Projection getMapProjection() const { return _projection; }
 
-    /// Moves the map so that a point of its plane is in the view's middle.
-    void center(const td::Point<double>& point);
-
-    /// The part of the map's plane that is seen, and what is around the map.
-    Box getVisible() const;
-
+    /// @param point  of the plane  @return the country that is drawn there, or Countries::cNone
+    std::size_t find(const Point& point);
+    /// Draws a country in another colour from now on. @param country  Countries::cNone for none of them
     void highlight(std::size_t country);
 
 protected:
-    void onInit() override;
-    void cleanResources() override;
     void onResize(const td::Size<double>& size) override;
     void onDraw(const td::RectNormalized<double>& rect) override;
-    void onOriginChanged() override;
+    void onOriginChanged() override { _isFitted = false; }
 
 private:
-    td::Point<double> keptInSight(const td::Point<double>& origin) const;
+    /// The map in two layers, so that another colour of a country leaves the lines as they are.
+    struct Sheet
+    {
+        gui::draw::Drawing lands;
+        gui::draw::Drawing lines;
+        std::vector<gui::draw::Drawing::ID> countries{}; ///< in the lands; empty as long as nothing is drawn
+    };
+
+    Sheet& shownSheet();
+    void color(std::size_t country, td::Color color);
 
     const Countries& _countries;
     Projection _projection;
-    std::unique_ptr<MapLayers> _pLayers;
-    td::Size<double> _size;
+    Sheet _coarse; // for all of the world
+    Sheet _fine;
     bool _isFitted = true;
+    std::size_t _highlighted = Countries::cNone;
 };
 
 } // namespace worldmap

@@ -8,15 +8,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 
 namespace
 {
 
-using namespace worldmap;
-
-constexpr int cExitFailed = 1;
-constexpr int cExitUsage = 2;
+using worldmap::Projection;
 
 constexpr const char* cHelp = R"(Usage: worldmap [--size WIDTHxHEIGHT] [--out FOLDER] | --help
 
@@ -34,94 +30,58 @@ Shows the countries of the world. The line below says where the pointer is.
                        GUIGL_SCALE=2 draws two pixels per point
 )";
 
-struct Options
+bool drawPicture(worldmap::MapView& view, const std::filesystem::path& file, Projection projection, double zoom = 0,
+                 const td::Point<double>& middle = {})
 {
-    std::filesystem::path folder; // empty: not asked for
-    td::Size<double> size{1080, 580};
-    bool isHelp = false;
-};
-
-// Says what is wrong with the command line and returns false if anything is.
-bool parse(int argc, char** argv, Options& options)
-{
-    for (int i = 1; i < argc; ++i)
+    view.setProjection(projection);
+    view.fit();
+    if (zoom > 0)
     {
-        const std::string option = argv[i];
-        const char* value = i + 1 < argc ? argv[i + 1] : "";
-        char rest = 0;
-        if (option == "--help")
-            options.isHelp = true;
-        else if (option == "--out" && *value != '\0')
-            options.folder = argv[++i];
-        else if (option == "--size" &&
-                 std::sscanf(value, "%lfx%lf%c", &options.size.width, &options.size.height, &rest) == 2 &&
-                 options.size.width >= 100 && options.size.width <= 8000 && options.size.height >= 100 &&
-                 options.size.height <= 8000)
-            ++i;
-        else
-        {
-            std::fprintf(stderr, "worldmap: cannot make sense of: %s %s (see worldmap --help)\n", argv[i], value);
-            return false;
-        }
+        view.setZoom(zoom);
+        view.setCenter(project(projection, middle));
     }
-    return true;
-}
-
-/// A view of the map that is worth a picture.
-struct Shot
-{
-    const char* name;
-    Projection projection;
-    double zoom;              // 0: all of it
-    td::Point<double> middle; // longitude and latitude
-};
-
-constexpr Shot cShots[] = {
-    {"world", Projection::Equirectangular, 0, {}},
-    {"europe", Projection::Mercator, 14, {14, 51}},
-    {"italy", Projection::Mercator, 60, {12.2, 42.9}},
-};
-
-int drawPictures(MapView& view, const std::filesystem::path& folder)
-{
-    for (const Shot& shot : cShots)
-    {
-        view.setProjection(shot.projection);
-        view.fit();
-        if (shot.zoom > 0)
-        {
-            view.setZoom(shot.zoom);
-            view.center(project(shot.projection, shot.middle));
-        }
-        if (!examples::savePicture(view, folder / (std::string(shot.name) + ".png")))
-            return cExitFailed;
-    }
-    return 0;
+    return examples::savePicture(view, file);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    Options options;
-    if (!parse(argc, argv, options))
-        return cExitUsage;
-    if (options.isHelp)
+    constexpr int cExitFailed = 1, cExitUsage = 2;
+    std::filesystem::path folder;
+    td::Size<double> size{1080, 580};
+    for (int i = 1; i < argc; i += 2)
     {
-        std::fputs(cHelp, stdout);
-        return 0;
+        const std::string option = argv[i], value = i + 1 < argc ? argv[i + 1] : "";
+        char rest = 0;
+        if (option == "--help")
+            return std::fputs(cHelp, stdout) < 0 ? cExitFailed : 0;
+        if (option == "--out" && !value.empty())
+            folder = value;
+        else if (option != "--size" || std::sscanf(value.c_str(), "%lfx%lf%c", &size.width, &size.height, &rest) != 2 ||
+                 std::min(size.width, size.height) < 100 || std::max(size.width, size.height) > 8000)
+        {
+            std::fprintf(stderr, "worldmap: cannot make sense of: %s %s (see worldmap --help)\n", argv[i],
+                         value.c_str());
+            return cExitUsage;
+        }
     }
     // Pictures need no display, even where there is one.
-    if (!options.folder.empty())
+    if (!folder.empty())
         setenv("GUIGL_WINDOW_SYSTEM", "offscreen", 1);
 
     gui::Application app(argc, argv);
-    Countries countries;
+    worldmap::Countries countries;
     if (!countries.load())
         return cExitFailed;
-    gui::Window window("World map", options.size);
-    MapView view(window, countries);
+    gui::Window window("World map", size);
+    worldmap::MapView view(window, countries);
     if (!window.show(view))
         return cExitFailed;
-    return options.folder.empty() ? app.run() : drawPictures(view, options.folder);
+    if (folder.empty())
+        return app.run();
+    const bool isDrawn = drawPicture(view, folder / "world.png", Projection::Equirectangular) &&
+                         drawPicture(view, folder / "europe.png", Projection::Mercator, 14, {14, 51}) &&
+                         drawPicture(view, folder / "italy.png", Projection::Mercator, 60, {12.2, 42.9});
+    return isDrawn ? 0 : cExitFailed;
 }

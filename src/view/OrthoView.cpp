@@ -28,9 +28,15 @@ bool isFinite(const td::RectNormalized<double>& rect)
     return isFinite({rect.left, rect.top}) && isFinite({rect.right, rect.bottom});
 }
 
-// The lower edge of a length that lies between two limits, in their middle when it is longer than they are apart.
-double within(double edge, double length, double low, double high)
+// The lower edge of a length that lies between two limits, in their middle when it is longer than they are apart; or
+// that has at least a part of what is between them in it.
+double within(double edge, double length, double low, double high, double part)
 {
+    if (part >= 0)
+    {
+        part = std::min({part, length, high - low});
+        return std::clamp(edge, low + part - length, high - part);
+    }
     return length < high - low ? std::clamp(edge, low, high - length) : (low + high - length) / 2;
 }
 
@@ -111,6 +117,33 @@ td::Point<double> OrthoView::getViewPoint(const td::Point<double>& modelPoint) c
     return {(modelPoint.x - _origin.x) * _zoom, _isYDown ? y : static_cast<double>(_height) - y};
 }
 
+td::RectNormalized<double> OrthoView::getVisible() const
+{
+    return {_origin.x, _origin.y, _origin.x + static_cast<double>(_width) / _zoom,
+            _origin.y + static_cast<double>(_height) / _zoom};
+}
+
+td::Point<double> OrthoView::getCenter() const
+{
+    return {_origin.x + static_cast<double>(_width) / 2 / _zoom, _origin.y + static_cast<double>(_height) / 2 / _zoom};
+}
+
+void OrthoView::setCenter(const td::Point<double>& modelPoint)
+{
+    setModelRefPoint({modelPoint.x - static_cast<double>(_width) / 2 / _zoom,
+                      modelPoint.y - static_cast<double>(_height) / 2 / _zoom});
+}
+
+bool OrthoView::zoomBy(double factor) { return zoomBy(factor, 0); }
+
+bool OrthoView::zoomBy(double factor, unsigned int modifiers)
+{
+    const td::Point<double> middle(static_cast<double>(_width) / 2, static_cast<double>(_height) / 2);
+    InputDevice device(middle, middle, middle, modifiers, InputDevice::Type::Keyboard, InputDevice::Button::None);
+    InputDeviceHelper(&device).setScale(factor);
+    return onZoom(device);
+}
+
 glm::mat4 OrthoView::getProjection(const td::Point<double>& base) const
 {
     if (!(_width > 0 && _height > 0))
@@ -155,11 +188,12 @@ bool OrthoView::fit(const td::RectNormalized<double>& model, double margin)
     return true;
 }
 
-void OrthoView::setPlaneLimits(const td::RectNormalized<double>& limits)
+void OrthoView::setPlaneLimits(const td::RectNormalized<double>& limits, double inSight)
 {
-    if (!isFinite(limits))
+    if (!isFinite(limits) || !std::isfinite(inSight))
         return;
     _limits = limits;
+    _inSight = inSight;
     if (keepWithinLimits())
         reDraw();
 }
@@ -170,8 +204,9 @@ td::Point<double> OrthoView::withinLimits(const td::Point<double>& origin) const
 {
     if (!_limits || !(_width > 0 && _height > 0))
         return origin;
-    return {within(origin.x, static_cast<double>(_width) / _zoom, _limits->left, _limits->right),
-            within(origin.y, static_cast<double>(_height) / _zoom, _limits->top, _limits->bottom)};
+    const double part = _inSight / _zoom;
+    return {within(origin.x, static_cast<double>(_width) / _zoom, _limits->left, _limits->right, part),
+            within(origin.y, static_cast<double>(_height) / _zoom, _limits->top, _limits->bottom, part)};
 }
 
 // @return whether the plane moved
@@ -352,11 +387,7 @@ bool OrthoView::onKeyPressed(const Key& key)
     if (character != '+' && character != '-')
         return false;
     const double step = 1 + InputDevice::getDefaultZoomIncrement();
-    const td::Point<double> middle(static_cast<double>(_width) / 2, static_cast<double>(_height) / 2);
-    InputDevice device(middle, middle, middle, key.getModifiers(), InputDevice::Type::Keyboard,
-                       InputDevice::Button::None);
-    InputDeviceHelper(&device).setScale(character == '+' ? step : 1 / step);
-    return onZoom(device);
+    return zoomBy(character == '+' ? step : 1 / step, key.getModifiers());
 }
 
 void OrthoView::adjustOrthoProjectionMatrix()

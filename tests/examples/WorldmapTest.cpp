@@ -2,9 +2,9 @@
 
 #include "support/OffscreenGL.h"
 
-#include <worldmap/Coloring.h>
-#include <worldmap/Labels.h>
+#include <gui/gl/FrameLedger.h>
 #include <worldmap/Legend.h>
+#include <worldmap/Names.h>
 
 #include <algorithm>
 #include <array>
@@ -15,40 +15,63 @@ namespace
 
 using test::world;
 using worldmap::Countries;
-using worldmap::Labels;
-using worldmap::Legend;
-using worldmap::Outlook;
+using worldmap::Line;
+using worldmap::Names;
+using worldmap::Point;
 using worldmap::Projection;
+using worldmap::Rect;
 
-std::string nameAt(const td::Point<double>& degrees)
+constexpr double cCoarseZoom = 3, cFineZoom = 30;
+
+/// A view of 640 by 360 points without a window.
+class Map : public worldmap::SheetView
 {
-    const std::size_t country = world().find(degrees);
-    return country == Countries::cNone ? "" : world().getCountries()[country].name;
-}
+public:
+    explicit Map(Projection projection)
+        : SheetView(world(), projection)
+    {
+        onResize({640, 360});
+    }
 
-// On the real map, which is found by looking at both sides of every border.
+    void lookAt(double zoom, const Point& degrees)
+    {
+        setZoom(zoom);
+        setCenter(project(getMapProjection(), degrees));
+    }
+
+    std::string nameAt(const Point& degrees)
+    {
+        const std::size_t country = find(project(getMapProjection(), degrees));
+        return country == Countries::cNone ? "" : world().all[country].name;
+    }
+
+    using SheetView::onDraw;
+};
+
+// On the real map, which is found by looking at both sides of its borders.
 TEST(Worldmap, CountriesDifferFromThoseAcrossTheirBorders)
 {
     constexpr double cStep = 1e-4; // degrees
+    Map map(Projection::Equirectangular);
+    map.setZoom(cFineZoom);
     std::size_t nSeen = 0;
-    for (const Countries::Line& line : world().getBorders())
-        for (std::size_t i = 1; i < line.size(); ++i)
+    for (const Line& line : world().fine.borders)
+        for (std::size_t i = 1; i < line.size(); i += 4)
         {
-            const td::Point<double> middle((line[i - 1].x + line[i].x) / 2, (line[i - 1].y + line[i].y) / 2);
+            const Point middle((line[i - 1].x + line[i].x) / 2, (line[i - 1].y + line[i].y) / 2);
             const double dx = line[i].x - line[i - 1].x, dy = line[i].y - line[i - 1].y;
             const double length = std::hypot(dx, dy);
-            const std::size_t left = world().find({middle.x - dy / length * cStep, middle.y + dx / length * cStep});
-            const std::size_t right = world().find({middle.x + dy / length * cStep, middle.y - dx / length * cStep});
+            const std::size_t left = map.find({middle.x - dy / length * cStep, middle.y + dx / length * cStep});
+            const std::size_t right = map.find({middle.x + dy / length * cStep, middle.y - dx / length * cStep});
             if (left == Countries::cNone || right == Countries::cNone || left == right)
                 continue; // where a third country or the same one is nearer than the step
             ++nSeen;
-            EXPECT_NE(world().getCountries()[left].color, world().getCountries()[right].color)
-                << nameAt(middle) << " at " << middle.x << ' ' << middle.y;
+            EXPECT_NE(world().all[left].color, world().all[right].color) << world().all[left].name;
         }
-    EXPECT_GT(nSeen, 19'000U); // of 19,252 pieces of borders
+    EXPECT_GT(nSeen, 4'700U) << "a quarter of 19,252 pieces of borders";
 
     std::array<std::size_t, worldmap::cNoOfColors> nUses{};
-    for (const worldmap::Country& country : world().getCountries())
+    for (const worldmap::Country& country : world().all)
         ++nUses[country.color];
     EXPECT_GT(*std::min_element(nUses.begin(), nUses.end()), 30U) << "of 241 countries";
 }
@@ -58,7 +81,7 @@ TEST(Worldmap, PointsAreFoundInTheirCountries)
     const struct
     {
         const char* country;
-        td::Point<double> degrees;
+        Point degrees;
     } points[] = {
         {"South Africa", {24, -30}},
         {"Lesotho", {28.2, -29.5}},
@@ -78,48 +101,23 @@ TEST(Worldmap, PointsAreFoundInTheirCountries)
         {"", {185, 0}},
         {"", {400, 10}},
     };
-    for (const auto& point : points)
-        EXPECT_EQ(nameAt(point.degrees), point.country) << point.degrees.x << ' ' << point.degrees.y;
+    Map map(Projection::Equirectangular);
+    for (const double zoom : {cCoarseZoom, cFineZoom})
+    {
+        map.setZoom(zoom);
+        for (const auto& point : points)
+            EXPECT_EQ(map.nameAt(point.degrees), point.country)
+                << point.degrees.x << ' ' << point.degrees.y << " zoom " << zoom;
+    }
 }
 
-class WorldmapLabelsTest : public test::OffscreenGL
-{
-protected:
-    void SetUp() override
-    {
-        OffscreenGL::SetUp();
-        ASSERT_TRUE(labels.init());
-        ASSERT_TRUE(legend.init());
-    }
-
-    static Outlook outlookAt(Projection projection, double zoom, const td::Point<double>& degrees, float scale = 1)
-    {
-        constexpr td::Size<double> cSize(640, 360);
-        const td::Point<double> middle = worldmap::project(projection, degrees);
-        const double x = cSize.width / 2 / zoom, y = cSize.height / 2 / zoom;
-        return {projection, {{middle.x - x, middle.y - y}, {middle.x + x, middle.y + y}}, cSize, scale};
-    }
-
-    void draw(const Outlook& outlook) { labels.draw(outlook, Legend::boxesIn(outlook)); }
-
-    bool isShown(const std::string& name) const
-    {
-        return std::any_of(labels.getShown().begin(), labels.getShown().end(),
-                           [&](const Labels::Shown& shown)
-                           { return world().getCountries()[shown.country].name == name; });
-    }
-
-    Labels labels{world()};
-    Legend legend;
-};
-
-TEST_F(WorldmapLabelsTest, NamesHaveRoomWhereTheyBelong)
+TEST(Worldmap, NamesHaveRoomWhereTheyBelong)
 {
     const struct
     {
         Projection projection;
         double zoom;
-        td::Point<double> middle;
+        Point middle;
         std::vector<std::string> shown, hidden;
     } cases[] = {
         {Projection::Equirectangular, 1.7, {11, 0}, {"Russia", "China", "Brazil"}, {"Lesotho", "France", "Malta"}},
@@ -130,38 +128,47 @@ TEST_F(WorldmapLabelsTest, NamesHaveRoomWhereTheyBelong)
         {Projection::Mercator, 20, {178, -18}, {"Fiji"}, {}},               // beside it
         {Projection::Mercator, 300, {12.45, 43.2}, {"Italy"}, {"Vatican"}}, // far from the country's middle
         {Projection::Equirectangular, 4, {60, 60}, {"Russia", "Kazakhstan"}, {}},
+        {Projection::Equirectangular, 3, {11, -60}, {"Antarctica"}, {}}, // around the pole
+        {Projection::Equirectangular, 3, {100, 10}, {"Sri Lanka", "Taiwan"}, {}},
     };
+    Names names(world());
     for (const auto& c : cases)
-        for (const float scale : {1.0F, 1.5F, 2.0F})
+    {
+        SCOPED_TRACE(testing::Message() << c.middle.x << ' ' << c.middle.y << " zoom " << c.zoom);
+        Map map(c.projection);
+        map.lookAt(c.zoom, c.middle);
+        names.layOut(map, 42);
+        const auto isShown = [&](const std::string& name)
         {
-            SCOPED_TRACE(testing::Message()
-                         << c.middle.x << ' ' << c.middle.y << " zoom " << c.zoom << " scale " << scale);
-            const Outlook outlook = outlookAt(c.projection, c.zoom, c.middle, scale);
-            draw(outlook);
-            for (const std::string& name : c.shown)
-                EXPECT_TRUE(isShown(name)) << name;
-            for (const std::string& name : c.hidden)
-                EXPECT_FALSE(isShown(name)) << name;
+            return std::any_of(names.getShown().begin(), names.getShown().end(),
+                               [&](const Names::Shown& shown) { return world().all[shown.country].name == name; });
+        };
+        for (const std::string& name : c.shown)
+            EXPECT_TRUE(isShown(name)) << name;
+        for (const std::string& name : c.hidden)
+            EXPECT_FALSE(isShown(name)) << name;
 
-            std::vector<Labels::Box> boxes = Legend::boxesIn(outlook);
-            for (const Labels::Shown& shown : labels.getShown())
-            {
-                const std::string& name = world().getCountries()[shown.country].name;
-                const Labels::Box& box = shown.box;
-                EXPECT_TRUE(box.left >= 0 && box.top >= 0 && box.right <= 640 * scale && box.bottom <= 360 * scale)
+        const Rect seen = map.getVisible();
+        std::vector<Rect> boxes;
+        for (const Names::Shown& shown : names.getShown())
+        {
+            const std::string& name = world().all[shown.country].name;
+            const Rect& box = shown.box;
+            EXPECT_TRUE(box.left >= seen.left && box.top >= seen.top + 42 / c.zoom && box.right <= seen.right &&
+                        box.bottom <= seen.bottom)
+                << name;
+            for (const Rect& other : boxes)
+                EXPECT_TRUE(box.left >= other.right || box.right <= other.left || box.top >= other.bottom ||
+                            box.bottom <= other.top)
                     << name;
-                for (const Labels::Box& other : boxes)
-                    EXPECT_FALSE(box.overlaps(other)) << name;
-                boxes.push_back(box);
-                const auto x = static_cast<double>((box.left + box.right) / 2 / scale);
-                const auto y = static_cast<double>((box.top + box.bottom) / 2 / scale);
-                const std::size_t found = world().find(outlook.toDegrees({x, y}));
-                EXPECT_TRUE(found == shown.country || found == Countries::cNone) << name;
-            }
+            boxes.push_back(box);
+            const std::size_t found = map.find({(box.left + box.right) / 2, (box.top + box.bottom) / 2});
+            EXPECT_TRUE(found == shown.country || found == Countries::cNone) << name;
         }
+    }
 }
 
-TEST_F(WorldmapLabelsTest, TheLegendTellsLengthsAndPlaces)
+TEST(Worldmap, TheLegendTellsLengthsAndPlaces)
 {
     const struct
     {
@@ -174,24 +181,56 @@ TEST_F(WorldmapLabelsTest, TheLegendTellsLengthsAndPlaces)
     {
         Projection projection;
         double zoom;
-        td::Point<double> middle;
+        Point middle;
         const char* length; // of at most 120 points, a degree of the equator being 111.2 km
         const char* place;
     } cases[] = {
         {Projection::Equirectangular, 1.7, {11, 0}, "5000 km", "11.00\u00b0 E  0.00\u00b0 N"},
         {Projection::Equirectangular, 60, {28.2, -29.5}, "100 km", "28.20\u00b0 E  29.50\u00b0 S"},
         {Projection::Mercator, 60, {-20, 64}, "50 km", "20.00\u00b0 W  64.00\u00b0 N"},
-        {Projection::Mercator, 400, {190, 0}, "20 km", "170.00\u00b0 W  0.00\u00b0 N"},
+        {Projection::Mercator, 390, {190, 0}, "20 km", "170.00\u00b0 W  0.00\u00b0 N"},
         {Projection::Equirectangular, 10, {0, 95}, "100 km", ""},
     };
+    worldmap::Legend legend;
     for (const auto& c : cases)
     {
-        legend.draw(outlookAt(c.projection, c.zoom, c.middle), td::Point<double>(320, 180), "");
+        Map map(c.projection);
+        map.lookAt(c.zoom, c.middle);
+        legend.layOut(map, Point(320, 180), "");
         EXPECT_EQ(legend.getScaleText(), c.length);
         EXPECT_EQ(legend.getPlaceText(), c.place);
+        legend.layOut(map, std::nullopt, "");
+        EXPECT_EQ(legend.getPlaceText(), "");
     }
-    legend.draw(outlookAt(Projection::Mercator, 60, {0, 0}), std::nullopt, "");
-    EXPECT_EQ(legend.getPlaceText(), "");
+}
+
+using WorldmapGLTest = test::OffscreenGL;
+
+TEST_F(WorldmapGLTest, StepsUploadNothingAndAHighlightACountrysColors)
+{
+    using gui::gl::FrameLedger;
+    Map map(Projection::Equirectangular);
+    FrameLedger::start();
+    const auto uploadsOf = [&map]
+    {
+        FrameLedger::begin();
+        map.onDraw({});
+        FrameLedger::end();
+        return FrameLedger::getLast().nBytesUploaded;
+    };
+    map.lookAt(20, {10, 50});
+    EXPECT_GT(uploadsOf(), 1'000'000U);
+    uploadsOf();
+    for (int i = 0; i < 3; ++i)
+    {
+        map.setCenter({10.0 + i, 50});
+        EXPECT_EQ(uploadsOf(), 0U) << "pan";
+        map.zoomBy(1.3);
+        EXPECT_EQ(uploadsOf(), 0U) << "zoom";
+    }
+    map.highlight(3);
+    EXPECT_LT(uploadsOf(), 64U);
+    FrameLedger::stop();
 }
 
 } // namespace

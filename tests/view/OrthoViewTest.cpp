@@ -375,6 +375,15 @@ TEST_F(OrthoViewTest, NothingGoesBeyondThePlanesLimits)
              view.removePlaneLimits(), view.setModelRefPoint({-7, -8});
          },
          {-7, -8}},
+        {[&](GLView&) {
+             view.onResize({800, 600}), view.setPlaneLimits({0, 0, 1000, 500}, 60), view.setModelRefPoint({-1e9, 1e9});
+         },
+         {60 - 800, 500 - 60}}, // so much stays in sight
+        {[&](GLView&) {
+             view.setCenter({10, 20});
+         },
+         {10 - 400, 20 - 300}},
+        {[&](GLView&) { view.zoomBy(2); }, {10 - 200, 20 - 150}},
     };
     for (const auto& [act, origin] : steps)
     {
@@ -383,6 +392,8 @@ TEST_F(OrthoViewTest, NothingGoesBeyondThePlanesLimits)
         EXPECT_NEAR(view.getOrigin().x, origin.x, 1e-9) << &act - &steps[0].first;
         EXPECT_NEAR(view.getOrigin().y, origin.y, 1e-9) << &act - &steps[0].first;
     }
+    EXPECT_EQ(view.getCenter(), Point(10, 20));
+    EXPECT_EQ(view.getVisible(), (td::RectNormalized<double>{-190, -130, 210, 170}));
 }
 
 TEST_F(OrthoViewTest, TheCursorTellsOfAPan)

@@ -90,6 +90,18 @@ public:
     /// @return where it is seen, as getModelPoint takes it; beyond the view's size when it is not seen
     td::Point<double> getViewPoint(const td::Point<double>& modelPoint) const;
 
+    /// The part of the model that is seen; of no size while the view has none.
+    td::RectNormalized<double> getVisible() const;
+
+    /// The model point in the view's middle.
+    td::Point<double> getCenter() const;
+    /// Moves the plane so that a point of the model is there, as setModelRefPoint does.
+    void setCenter(const td::Point<double>& modelPoint);
+
+    /// Zooms about the view's middle: what Command-plus does with any factor above 0.
+    /// @return what onZoom returns
+    bool zoomBy(double factor);
+
     /// Shows a rectangle of the model whole, and its middle in the view's middle, as large as the zoom's limits let it
     /// be. Without a width or a height it is the other one that decides; without both the zoom stays. Calls
     /// onZoomChanged, if the zoom changes, and onOriginChanged, and asks for a redraw. As long as the view has no size,
@@ -102,8 +114,10 @@ public:
     /// Keeps what is seen within a rectangle of the model: nobody pans, zooms or sets the origin to beyond. Where more
     /// is seen than the rectangle has, its middle is in the view's middle. Holds at once: calls onOriginChanged and
     /// asks for a redraw when that moves the plane. Sizes that change move it too, with that notification.
-    /// @param limits  in model units; ignored when a number is not finite
-    void setPlaneLimits(const td::RectNormalized<double>& limits);
+    /// @param limits   in model units; ignored when a number is not finite
+    /// @param inSight  in points: from 0 on, the view may go beyond the rectangle, as far as so much of it, or all of
+    ///                 it, stays in sight both ways
+    void setPlaneLimits(const td::RectNormalized<double>& limits, double inSight = -1);
     /// Back to a plane without an end, as it is at first.
     void removePlaneLimits();
     const std::optional<td::RectNormalized<double>>& getPlaneLimits() const { return _limits; }
@@ -136,6 +150,7 @@ protected:
     bool onKeyPressed(const Key& key) override;
 
 private:
+    bool zoomBy(double factor, unsigned int modifiers);
     void adjustOrthoProjectionMatrix();
     double clampedZoom(double zoom) const;
     bool setOrigin(const td::Point<double>& origin);
@@ -160,6 +175,7 @@ private:
     double _minZoom = 0.01;
     double _maxZoom = 100;
     std::optional<td::RectNormalized<double>> _limits;
+    double _inSight = -1;
     std::optional<Fit> _fit; // that waits for a size
     Bindings _bindings = Bindings::Modified;
     InputDevice::Button _pressed = InputDevice::Button::None; // what a drag with plain bindings began with
