@@ -42,9 +42,8 @@ public:
     /// Reads the areas of one object and their borders, replacing those read before.
     /// @param json    the whole file, UTF-8; read during the call only
     /// @param object  the object's name, "countries" for instance
-    /// @param grain   in degrees: points of an arc that are nearer than that to the one before are left out, but for the
-    ///                arc's ends, and for arcs that would have fewer than four points then. Areas that share arcs go on
-    ///                to fit together
+    /// @param grain   in degrees: points of an arc that are nearer than that to the one before are left out, but for
+    ///                its ends, and not where fewer than four points would be left. Areas still fit together
     /// @return true when it was read. Otherwise one line in the log says why ("ERROR! TopoJSON::load cannot read
     ///         object: OBJECT (CAUSE)"), and areas and borders are what they were. Refused is everything the format
     ///         forbids: arcs that don't exist or don't meet, rings that don't close, positions off the globe; and,
