@@ -1,6 +1,7 @@
 #include <gui/draw/Labels.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -30,16 +31,17 @@ Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
     for (std::size_t i = 0; i < layout.getNumberOfStyles(); ++i)
         halo = std::max(halo, layout.getStyle(i).halo.width);
     const double angle = placement.angle * std::numbers::pi / 180, c = std::cos(angle), s = std::sin(angle);
-    constexpr double cBeyond = std::numeric_limits<double>::infinity();
-    Drawing::Rect box(cBeyond, cBeyond, -cBeyond, -cBeyond);
-    for (const double cornerX : {-x - halo, size.width - x + halo})
-        for (const double cornerY : {-y - halo, size.height - y + halo})
-        {
-            const double px = cornerX * c + cornerY * s + placement.offset.x;
-            const double py = cornerY * c - cornerX * s + placement.offset.y;
-            box = {std::min(box.left, px), std::min(box.top, py), std::max(box.right, px), std::max(box.bottom, py)};
-        }
-    return box;
+    std::array<double, 4> xs, ys;
+    for (std::size_t i = 0; i < 4; ++i)
+    {
+        const double cornerX = i % 2 == 0 ? -x - halo : size.width - x + halo;
+        const double cornerY = i / 2 == 0 ? -y - halo : size.height - y + halo;
+        xs[i] = cornerX * c + cornerY * s + placement.offset.x;
+        ys[i] = cornerY * c - cornerX * s + placement.offset.y;
+    }
+    const auto [left, right] = std::minmax_element(xs.begin(), xs.end());
+    const auto [top, bottom] = std::minmax_element(ys.begin(), ys.end());
+    return {*left, *top, *right, *bottom};
 }
 
 } // namespace
