@@ -47,8 +47,8 @@ Island addIsland(Drawing& drawing)
     }
     drawing.endGroup();
 
-    drawing.text({455, 238}, "Lagoon", {.size = 16, .paint = "#ffffff"}, {.anchor = Anchor::Center});
-    drawing.text({240, 160}, "Old mill", {.size = 14, .halo = {2, "#d9c58b"}}, {.anchor = Anchor::Top, .offset = {0, 18}});
+    drawing.text({437, 243}, "Lagoon", {.size = 16, .paint = "#ffffff"}, {.anchor = Anchor::Center});
+    drawing.text({240, 208}, "Old mill", {.size = 14, .halo = {2, "#d9c58b"}}, {.anchor = Anchor::Top});
     return island;
 }
 

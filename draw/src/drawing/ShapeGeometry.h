@@ -56,9 +56,9 @@ struct Element
 };
 static_assert(sizeof(Element) == 16);
 
-/// The topmost five bits of a triangle's first point: the power of two, in steps, that the smallest node with all of its
-/// points is not larger than. Where that node is small enough to be one quad, the triangle has no pixels of its own.
-/// Drivers' texture buffers have no room for more points than the other bits can number.
+/// The topmost five bits of a triangle's first point: the power of two, in steps, that the smallest node with all of
+/// its points is not larger than. Where that node is small enough to be one quad, the triangle has no pixels of its
+/// own. Drivers' texture buffers have no room for more points than the other bits can number.
 inline constexpr unsigned int cTriangleSizeShift = 27;
 
 /// Marks the corner of a stroke that is round whatever its joins are; coordinates leave a bit for it.

@@ -85,7 +85,8 @@ float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
             vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
             vec2 c = place.pixels * (low + high) * 0.5 - pixel, h = extent * vec2(box.zw - box.xy);
             bool isBeside = abs(c.y) < h.y + 0.5;
-            bool isIn = isBeside && abs(c.x) < h.x + 0.5, isSmall = max(h.x, h.y) < 1.0 / 64.0 || deviationOf(info.w) < straight;
+            bool isIn = isBeside && abs(c.x) < h.x + 0.5;
+            bool isSmall = max(h.x, h.y) < 1.0 / 64.0 || deviationOf(info.w) < straight;
             bool isEntered = isIn && !isSmall;
             from = pointBase + info.y;
             to = pointBase + info.z;
@@ -202,7 +203,8 @@ ivec4 bitsOf(vec4 low, vec4 high)
 
 uvec2 maskOf(Spans s)
 {
-    ivec4 first = bitsOf(s.low0, s.high0) << ivec4(0, 8, 16, 24), second = bitsOf(s.low1, s.high1) << ivec4(0, 8, 16, 24);
+    ivec4 first = bitsOf(s.low0, s.high0) << ivec4(0, 8, 16, 24);
+    ivec4 second = bitsOf(s.low1, s.high1) << ivec4(0, 8, 16, 24);
     return uvec2(first.x | first.y | first.z | first.w, second.x | second.y | second.z | second.w);
 }
 

@@ -1,5 +1,6 @@
 // One quad of a shape: two triangles of a fill, or what encloses one of its edges, one line of a stroke or the tip of
-// one of its mitres, or one of its glyphs. It only says which pixels are looked at; the fragment shader finds how much of each is covered.
+// one of its mitres, or one of its glyphs. It only says which pixels are looked at; the fragment shader finds how much
+// of each is covered.
 uniform usamplerBuffer elements;
 
 flat out int shape;

@@ -85,7 +85,8 @@ public:
 
     /// A text. Its letters are the outlines of its face, sharp at every size and angle, and no zoom uploads anything.
     ///
-    ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}}, {.anchor = Anchor::Left, .offset = {6, 0}});
+    ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}},
+    ///                  {.anchor = Anchor::Left, .offset = {6, 0}});
     ///
     /// In points (TextStyle::unit, of the first style) a text has the same size at every zoom, is turned by its own
     /// angle alone, whatever groups do, and stands on whole pixels when that is 0. In model units it is as large as the

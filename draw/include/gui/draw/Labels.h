@@ -34,6 +34,7 @@ namespace gui::draw
 class GUIGL_API Labels
 {
 public:
+    /// @param drawing  must outlive the labels
     explicit Labels(Drawing& drawing);
     Labels(const Labels&) = delete;
     Labels& operator=(const Labels&) = delete;

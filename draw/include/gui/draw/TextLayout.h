@@ -65,8 +65,8 @@ struct TextSpan
 class GUIGL_API TextLayout
 {
 public:
-    using Point = td::Point<double>;
-    using Rect = td::RectNormalized<double>;
+    using Point = td::Point<double>;         ///< from the top left corner, y downwards
+    using Rect = td::RectNormalized<double>; ///< likewise
 
     /// A glyph at its place.
     struct Glyph

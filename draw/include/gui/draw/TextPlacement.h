@@ -14,8 +14,16 @@ struct Anchor
     /// 0 the top of the first line, 1 the bottom of the last one; without a number the first line's base line.
     std::optional<double> y{};
 
-    static const Anchor TopLeft, Top, TopRight, Left, Center, Right, BottomLeft, Bottom, BottomRight;
-    static const Anchor Baseline; ///< where the first line's base line begins
+    static const Anchor TopLeft;     ///< {0, 0}
+    static const Anchor Top;         ///< {.5, 0}
+    static const Anchor TopRight;    ///< {1, 0}
+    static const Anchor Left;        ///< {0, .5}
+    static const Anchor Center;      ///< {.5, .5}
+    static const Anchor Right;       ///< {1, .5}
+    static const Anchor BottomLeft;  ///< {0, 1}
+    static const Anchor Bottom;      ///< {.5, 1}
+    static const Anchor BottomRight; ///< {1, 1}
+    static const Anchor Baseline;    ///< where the first line's base line begins
 };
 
 inline constexpr Anchor Anchor::TopLeft{0, 0}, Anchor::Top{.5, 0}, Anchor::TopRight{1, 0}, Anchor::Left{0, .5},

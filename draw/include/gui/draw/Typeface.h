@@ -53,7 +53,7 @@ class TypefaceImpl;
 class GUIGL_API Typeface
 {
 public:
-    using Rect = td::RectNormalized<double>;
+    using Rect = td::RectNormalized<double>; ///< in font units, y downwards
 
     /// Whether letters lean.
     enum class Slant : td::BYTE
