@@ -316,7 +316,7 @@ Drawing::ID Drawing::pick(Point point, double tolerance) const
                             if (item.kind == Impl::Kind::Fill)
                                 return picker.isFillAt(at, distance);
                             if (item.kind == Impl::Kind::Glyphs)
-                                return isTextAt(item.pLetters->lines, at, distance);
+                                return isTextAt(_pImpl->textOf(item).lines, at, distance);
                             return picker.isStrokeAt(at, distance, item.pLine->stroke, local.radius, local.dashScale);
                         });
     return found.empty() ? 0 : _pImpl->idOfShape(found.front());
@@ -334,7 +334,7 @@ std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
             if (item.kind == Impl::Kind::Fill)
                 return picker.isFillIn(quad);
             if (item.kind == Impl::Kind::Glyphs)
-                return isTextIn(item.pLetters->lines, quad);
+                return isTextIn(_pImpl->textOf(item).lines, quad);
             return picker.isStrokeIn(quad, item.pLine->stroke, local.radius, local.dashScale);
         });
     std::vector<ID> ids(found.size());

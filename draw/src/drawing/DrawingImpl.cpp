@@ -84,7 +84,7 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
     else
         item.pGradient.reset();
     if (item.kind == Kind::Glyphs)
-        tables.setPaint(item.places, paint, item.pLetters ? item.pLetters->anchor : Point(), 1);
+        tables.setPaint(item.places, paint, textOf(item).anchor, 1);
     else
         tables.setPaint(item.places, paint, item.origin, item.step);
     isChanged = true;
@@ -302,7 +302,7 @@ void Drawing::Impl::enlist(const Item& item)
         if (item.kind == Kind::Glyphs)
         {
             const Letters& letters = *item.pLetters;
-            const Rect& ink = letters.ink;
+            const Rect& ink = textOf(item).ink;
             const double reach = std::hypot(std::max(std::abs(ink.left), std::abs(ink.right)),
                                             std::max(std::abs(ink.top), std::abs(ink.bottom)));
             // A pixel more, for those that stand on whole ones.

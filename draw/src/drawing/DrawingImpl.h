@@ -38,7 +38,8 @@ struct Drawing::Impl
         draw::Stroke stroke;
     };
 
-    /// What text and glyphs are made from. Rectangles are in the text's own unit, about its anchor, y downwards.
+    /// What texts are made from, and of that their glyphs the style and whether they are a halo. Rectangles are in the
+    /// text's own unit, about its anchor, y downwards.
     struct Letters
     {
         GlyphStyle style;
@@ -92,6 +93,9 @@ struct Drawing::Impl
 
     /// Of the text that glyphs are of.
     ID idOfShape(std::uint32_t slot) const { return idOf(items[slot].kind == Kind::Glyphs ? items[slot].group : slot); }
+
+    /// Of the text that glyphs are of.
+    const Letters& textOf(const Item& part) const { return *items[part.group].pLetters; }
 
     Item* find(ID id);
     Item* findShape(ID id);

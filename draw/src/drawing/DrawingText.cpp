@@ -1,4 +1,5 @@
 #include "DrawingImpl.h"
+#include "TextAnchor.h"
 
 #include <algorithm>
 #include <array>
@@ -88,10 +89,7 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
     if (layout.getNumberOfStyles() > 0)
         letters.text = layout.getStyle(0);
     const td::Size<double> size = layout.getSize();
-    const std::span<const TextLayout::Line> lines = layout.getLines();
-    const double baseline = lines.empty() ? 0 : lines.front().baseline;
-    letters.anchor = {finite(placement.anchor.x) * size.width,
-                      placement.anchor.y ? finite(*placement.anchor.y) * size.height : baseline};
+    letters.anchor = anchorIn(layout, placement.anchor);
     const double angle = std::remainder(finite(placement.angle), 360) * std::numbers::pi / 180;
     letters.style = {.size = 1,
                      .offset = {finite(placement.offset.x), finite(placement.offset.y)},
@@ -99,7 +97,7 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
                      .sine = std::sin(angle),
                      .isInPoints = letters.text.unit == Unit::Points};
     letters.lines.clear();
-    for (const TextLayout::Line& line : lines)
+    for (const TextLayout::Line& line : layout.getLines())
         letters.lines.emplace_back(line.left - letters.anchor.x, line.top - letters.anchor.y,
                                    line.left + line.width - letters.anchor.x, line.bottom - letters.anchor.y);
     double widest = 0;
@@ -133,14 +131,12 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         if (!glyphs_.pLetters)
             glyphs_.pLetters = std::make_unique<Letters>();
         glyphs_.pLetters->style = letters.style;
-        glyphs_.pLetters->lines = letters.lines;
-        glyphs_.pLetters->ink = letters.ink;
-        glyphs_.pLetters->anchor = letters.anchor;
         glyphs_.pLetters->isHalo = part.isHalo;
         glyphs_.origin = text.origin;
         glyphs_.step = cTextStep;
         glyphs_.hasBounds = true;
-        setPaint(glyphs_, paint);
+        if (!isReplaced || paint.isGradient())
+            setPaint(glyphs_, paint); // a gradient begins at the anchor
         if (part.isDecoration)
             setDecorations(glyphs_, layout, part.style);
         else
@@ -157,14 +153,15 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
     Letters& letters = *item.pLetters;
     letters.style.size = size;
     letters.style.lineWidth = lineWidth;
+    const Point anchor = textOf(item).anchor;
     elements.clear();
     for (const TextLayout::Run& run : layout.getRuns())
         if (run.style == style && run.size == size)
             for (const TextLayout::Glyph& placed : run.glyphs)
                 if (const GlyphStore::Glyph& glyph = glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
                     !glyph.isEmpty)
-                    elements.push_back(elementOf(glyph.number, run.origin.x + double(placed.x) - letters.anchor.x,
-                                                 run.origin.y + double(placed.y) - letters.anchor.y));
+                    elements.push_back(elementOf(glyph.number, run.origin.x + double(placed.x) - anchor.x,
+                                                 run.origin.y + double(placed.y) - anchor.y));
     tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
 }
 
@@ -181,8 +178,9 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
     builder.makeFill(path, FillRule::NonZero, 0, geometry);
     elements.clear();
     const std::uint32_t number = tables.setOwnGlyph(item.places, geometry);
+    const Point anchor = textOf(item).anchor;
     if (!geometry.nodes.empty())
-        elements.push_back(elementOf(number, -letters.anchor.x, -letters.anchor.y));
+        elements.push_back(elementOf(number, -anchor.x, -anchor.y));
     tables.setGlyphs(item.places, elements, letters.style, 1);
 }
 
@@ -211,9 +209,10 @@ Drawing::Rect Drawing::Impl::boundsOfText(const Item& item) const
     if (letters.style.isInPoints)
         return bounds;
     const auto [size, offset, cosine, sine, isInPoints, lineWidth] = letters.style;
+    const Rect& ink = textOf(item).ink;
     for (const double up : {1.0, -1.0})
-        for (const double x : {letters.ink.left, letters.ink.right})
-            for (const double y : {letters.ink.top, letters.ink.bottom})
+        for (const double x : {ink.left, ink.right})
+            for (const double y : {ink.top, ink.bottom})
             {
                 const Point turned(x * cosine + y * sine, (y * cosine - x * sine) * up);
                 const Point p = item.whole.map({item.origin.x + turned.x, item.origin.y + turned.y});

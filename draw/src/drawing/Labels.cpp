@@ -1,5 +1,7 @@
 #include <gui/draw/Labels.h>
 
+#include "TextAnchor.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -24,9 +26,7 @@ constexpr double cSquare = 64;
 Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
 {
     const td::Size<double> size = layout.getSize();
-    const double baseline = layout.getLines().empty() ? 0 : layout.getLines().front().baseline;
-    const double x = placement.anchor.x * size.width,
-                 y = placement.anchor.y ? *placement.anchor.y * size.height : baseline;
+    const auto [x, y] = anchorIn(layout, placement.anchor);
     double halo = 0;
     for (std::size_t i = 0; i < layout.getNumberOfStyles(); ++i)
         halo = std::max(halo, layout.getStyle(i).halo.width);

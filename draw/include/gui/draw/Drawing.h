@@ -29,8 +29,8 @@ class OrthoView;
 namespace gui::draw
 {
 
-/// A picture that is kept: filled and stroked paths and texts, added once, drawn each frame, changed one by one, found
-/// under the pointer. All edges are smooth, in contexts with and without samples.
+/// A picture that is kept: filled and stroked paths, texts and images, added once, drawn each frame, changed one by
+/// one, found under the pointer. All edges are smooth, in contexts with and without samples.
 ///
 ///     #include <gui/draw/Drawing.h>
 ///     #include <gui/gl/OffscreenContext.h>
@@ -98,9 +98,9 @@ public:
     ID text(Point at, const TextLayout& layout, const TextPlacement& placement = {});
     ID text(Point at, std::string_view text, const TextStyle& style = {}, const TextPlacement& placement = {});
 
-    /// A picture over a rectangle, upright whichever way y grows. Its edges are
-    /// as smooth as a fill's, also where it is turned; smaller than its pixels it is averaged, larger interpolated.
-    /// Each image takes a draw call where others stand between.
+    /// A picture over a rectangle, upright whichever way y grows. Its edges are as smooth as a fill's, also where it is
+    /// turned; smaller than its pixels it is averaged, larger interpolated. Each image takes a draw call where others
+    /// stand between.
     /// @param image  none shows nothing, until setImage
     ID image(const Rect& rect, const Image& image);
 
