@@ -1,10 +1,12 @@
 #include "EventTranslation.h"
 
 #include <gui/gl/KeyCodes.h>
+#include <vo/UTFConverter.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace zav
 {
@@ -112,6 +114,35 @@ gui::Key createReleasedKey(const KeyEvent& event)
     const bool isCharacter = event.character >= 1 && event.character <= cLastASCII && event.keyCode != cEscapeKeyCode &&
                              event.keyCode != cLikeEscape;
     return gui::Key(isCharacter ? event.character : toCodeWithoutCharacter(event.keyCode), event.modifiers, 1, 0);
+}
+
+std::string toTypedText(const TextEvent& event)
+{
+    const bool isCommand =
+        gui::isCmdPressed(event.modifiers) || gui::isCtrlPressed(event.modifiers) || gui::isAltPressed(event.modifiers);
+    if (isCommand && !gui::isFnPressed(event.modifiers))
+        return {};
+    std::string text = vo::UTFConverter::toWellFormed(event.text);
+    std::erase_if(text, [](char c) { return (static_cast<unsigned char>(c) < ' ') || c == '\x7F'; });
+    return text;
+}
+
+gui::TextComposition toComposition(const CompositionEvent& event)
+{
+    gui::TextComposition composition{vo::UTFConverter::toWellFormed(event.text)};
+    const auto placeOf = [&text = composition.text](std::size_t nCharacters)
+    {
+        std::size_t at = 0;
+        for (; nCharacters > 0 && at < text.size(); --nCharacters)
+            do
+                ++at;
+            while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80);
+        return at;
+    };
+    composition.begin = placeOf(event.start);
+    composition.end =
+        event.nSelected < SIZE_MAX - event.start ? placeOf(event.start + event.nSelected) : composition.text.size();
+    return composition;
 }
 
 } // namespace gui::gl

@@ -2,6 +2,7 @@
 
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
+#include <gui/TextComposition.h>
 #include <gui/gl/InputTuning.h>
 #include <gui/gl/port/SurfaceEvents.h>
 #include <td/Export.h>
@@ -9,6 +10,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 
 /// The arithmetic between a surface's events and the toolkit's records: pure functions.
 namespace gui::gl
@@ -39,5 +41,11 @@ GUIGL_API gui::Key createKey(const KeyEvent& event);
 /// The record of a key that went up, never virtual: its character when that is one from 1 to 127 and the key is neither
 /// Escape (53) nor key 8, else its key code shifted left by 8.
 GUIGL_API gui::Key createReleasedKey(const KeyEvent& event);
+
+/// The text to insert, well-formed and without control characters; none for what a key makes with Ctrl, Alt or Super, but
+/// not AltGr.
+GUIGL_API std::string toTypedText(const TextEvent& event);
+/// The record of a composition; characters that aren't there are counted as its end.
+GUIGL_API gui::TextComposition toComposition(const CompositionEvent& event);
 
 } // namespace gui::gl

@@ -9,6 +9,7 @@
 
 #include <gui/Display.h>
 #include <gui/Key.h>
+#include <gui/TextComposition.h>
 #include <gui/Texture.h>
 #include <gui/gl/FrameLedger.h>
 #include <gui/gl/View.h>
@@ -539,15 +540,57 @@ bool GLView::onKey(const KeyEvent& event)
     return event.isDown ? helper.onKeyPressed(createKey(event)) : helper.onKeyReleased(createReleasedKey(event));
 }
 
+// Text.
+
+void GLView::setTextInput(bool isOn)
+{
+    if (isOn == _takesText)
+        return;
+    _takesText = isOn;
+    _isComposing = false;
+    if (_pSurface != nullptr)
+        _pSurface->setTextInput(isOn);
+}
+
+void GLView::setTextInputRect(const td::RectNormalized<double>& rect)
+{
+    const double sum = rect.left + rect.top + rect.right + rect.bottom;
+    if (_pSurface != nullptr && std::isfinite(sum))
+        _pSurface->setTextInputRect({rect.left * _scale, rect.top * _scale, rect.right * _scale, rect.bottom * _scale});
+}
+
+void GLView::onText(const TextEvent& event)
+{
+    if (_pCppView == nullptr || !_takesText)
+        return;
+    const std::string text = toTypedText(event);
+    if (text.empty() || !makeCurrentContext())
+        return;
+    const Busy busy(*this);
+    _isComposing = false;
+    ViewHelper(_pCppView).onTextInput(text);
+}
+
+void GLView::onComposition(const CompositionEvent& event)
+{
+    if (_pCppView == nullptr || !_takesText || (event.text.empty() && !_isComposing) || !makeCurrentContext())
+        return;
+    const Busy busy(*this);
+    _isComposing = !event.text.empty();
+    ViewHelper(_pCppView).onTextComposition(toComposition(event));
+}
+
 bool GLView::acceptsFirstResponder() const { return has(InputDevice::Event::Keyboard); }
 
 std::uint64_t GLView::getTrackingOptions() const { return gui::gl::getTrackingOptions(_events); }
 
 void GLView::onFocus(bool hasFocus)
 {
+    const Busy busy(*this);
+    if (!hasFocus)
+        onComposition({});
     if (!_sendFocusEvents || !acceptsFirstResponder() || !makeCurrentContext())
         return;
-    const Busy busy(*this);
     gui::DrawableViewHelper helper(_pCppView);
     if (hasFocus)
         helper.onFocusIn();

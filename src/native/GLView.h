@@ -60,6 +60,8 @@ public:
     bool onWheel(const WheelEvent& event) override;
     void onMagnification(const MagnificationEvent& event) override;
     bool onKey(const KeyEvent& event) override;
+    void onText(const TextEvent& event) override;
+    void onComposition(const CompositionEvent& event) override;
     void onFocus(bool hasFocus) override;
     bool acceptsFirstResponder() const override;
     std::uint64_t getTrackingOptions() const override;
@@ -71,6 +73,9 @@ public:
     void setGrabFrameBuffer(gui::Texture* pTexture) { _pGrabFrameTexture = pTexture; }
     void registerFocusEvents() { _sendFocusEvents = true; }
     void setCursor(gui::Cursor::Type type, bool globally);
+    void setTextInput(bool isOn);
+    bool takesTextInput() const { return _takesText; }
+    void setTextInputRect(const td::RectNormalized<double>& rect);
     void cleanResources();
     int getOpenGLVersion(int& minor) const;
     int getSamples();
@@ -126,6 +131,8 @@ private:
     gui::Cursor::Type _currentCursorType = gui::Cursor::Type::Default;
     bool _continuousRender;
     bool _sendFocusEvents = false;
+    bool _takesText = false;
+    bool _isComposing = false;
     bool _hasFrameClock = false;
     bool _isInWindow = false;
     bool _isDrawing = false;

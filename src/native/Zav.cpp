@@ -98,6 +98,24 @@ void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, bool globally
 
 void* getCursor(gui::Cursor::Type type) { return gui::gl::getNativeCursor(type); }
 
+void setTextInput(const gui::gl::View* pView, bool isOn)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->setTextInput(isOn);
+}
+
+bool takesTextInput(const gui::gl::View* pView)
+{
+    const GLView* const pNative = nativeView(pView);
+    return pNative != nullptr && pNative->takesTextInput();
+}
+
+void setTextInputRect(const gui::gl::View* pView, const td::RectNormalized<double>& rect)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->setTextInputRect(rect);
+}
+
 void registerForFocusEvents(const gui::gl::View* pView)
 {
     if (GLView* const pNative = nativeView(pView))

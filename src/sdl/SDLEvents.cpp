@@ -7,6 +7,7 @@
 #include <gui/gl/InputTuning.h>
 #include <gui/gl/port/NativeSurface.h>
 
+#include <SDL_keyboard.h>
 #include <SDL_mouse.h>
 #include <SDL_touch.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
@@ -61,7 +62,12 @@ SDLEvents::SDLEvents(NativeSurfaceClient& client, SDLContext& context)
     gui::setEventSink(context.getWindow(), this);
 }
 
-SDLEvents::~SDLEvents() { gui::setEventSink(_context.getWindow(), nullptr); }
+SDLEvents::~SDLEvents()
+{
+    gui::setEventSink(_context.getWindow(), nullptr);
+    if (_takesText && hasKeyboard())
+        SDL_StopTextInput();
+}
 
 void SDLEvents::onShow(const td::Size<int>& size)
 {
@@ -96,6 +102,15 @@ void SDLEvents::onEvent(const gui::SDLEvent& event)
     case SDL_KEYUP:
         onKey(event);
         break;
+    case SDL_TEXTINPUT:
+        onText(event);
+        break;
+    case SDL_TEXTEDITING:
+        onComposition(event.text, event.event.edit.start, event.event.edit.length);
+        break;
+    case SDL_TEXTEDITING_EXT:
+        onComposition(event.text, event.event.editExt.start, event.event.editExt.length);
+        break;
     default:
         break;
     }
@@ -120,9 +135,13 @@ void SDLEvents::onWindow(const gui::SDLEvent& event)
             leave(event, mousePoint(event));
         break;
     case SDL_WINDOWEVENT_FOCUS_GAINED:
+        switchTextInput();
         _client.onFocus(true);
         break;
     case SDL_WINDOWEVENT_FOCUS_LOST:
+        // Another window of the program, if it has the keyboard now, wants to decide itself.
+        if (SDL_GetKeyboardFocus() == nullptr)
+            SDL_StopTextInput();
         _client.onFocus(false);
         break;
     default:
@@ -194,6 +213,48 @@ void SDLEvents::onFinger(const gui::SDLEvent& event)
     const td::Size<double> size{static_cast<double>(width), static_cast<double>(height)};
     if (const std::optional<double> magnification = _pinch.onFinger(event.event.tfinger, size))
         _client.onMagnification({*magnification, modifiersOf(event)});
+}
+
+// SDL takes text for all windows or none.
+
+bool SDLEvents::hasKeyboard() const { return SDL_GetKeyboardFocus() == _context.getWindow(); }
+
+void SDLEvents::switchTextInput() const
+{
+    if (!hasKeyboard())
+        return;
+    if (!_takesText)
+    {
+        SDL_StopTextInput();
+        return;
+    }
+    SDL_StartTextInput();
+    SDL_SetTextInputRect(&_textInputRect);
+}
+
+void SDLEvents::setTextInput(bool isOn)
+{
+    _takesText = isOn;
+    switchTextInput();
+}
+
+void SDLEvents::setTextInputRect(const SDL_Rect& rect)
+{
+    _textInputRect = rect;
+    if (_takesText && hasKeyboard())
+        SDL_SetTextInputRect(&_textInputRect);
+}
+
+void SDLEvents::onText(const gui::SDLEvent& event)
+{
+    _client.onText({event.text, event.isOfKey ? modifiersOf(event) : 0});
+}
+
+void SDLEvents::onComposition(std::string_view text, int start, int nSelected)
+{
+    // Input methods have -1 for a caret that isn't shown.
+    const auto toNumber = [](int number) { return static_cast<std::size_t>(std::max(number, 0)); };
+    _client.onComposition({text, start < 0 ? text.size() : toNumber(start), toNumber(nSelected)});
 }
 
 void SDLEvents::onKey(const gui::SDLEvent& event)

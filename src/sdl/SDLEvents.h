@@ -4,9 +4,11 @@
 
 #include <gui/port/sdl/SDLEvent.h>
 
+#include <SDL_rect.h>
 #include <td/Point.h>
 
 #include <memory>
+#include <string_view>
 
 namespace gui::gl
 {
@@ -29,6 +31,10 @@ public:
 
     bool isPointerInside() const { return _isPointerInside; }
 
+    void setTextInput(bool isOn);
+    /// @param rect  in points of the window
+    void setTextInputRect(const SDL_Rect& rect);
+
 private:
     void onWindow(const gui::SDLEvent& event);
     void onButton(const gui::SDLEvent& event);
@@ -36,11 +42,17 @@ private:
     void onWheel(const gui::SDLEvent& event);
     void onFinger(const gui::SDLEvent& event);
     void onKey(const gui::SDLEvent& event);
+    void onText(const gui::SDLEvent& event);
+    void onComposition(std::string_view text, int start, int nSelected);
+    void switchTextInput() const;
+    bool hasKeyboard() const;
     void leave(const gui::SDLEvent& event, const td::Point<double>& point);
 
     NativeSurfaceClient& _client;
     SDLContext& _context;
     Pinch _pinch;
+    SDL_Rect _textInputRect{0, 0, 1, 1};
+    bool _takesText = false;
     bool _isPointerInside = false;
     bool _isDragging = false;
     bool _isLeavePending = false;      // until the drag is over

@@ -16,6 +16,10 @@ namespace gui::gl
 namespace
 {
 
+constexpr double cLongest = 16384; // SDL's own limit, in points
+
+int toPlace(double points) { return static_cast<int>(std::lround(std::clamp(points, -cLongest, cLongest))); }
+
 class SDLSurface : public LoopSurface
 {
 public:
@@ -68,6 +72,13 @@ public:
             SDL_SetCursor(static_cast<SDL_Cursor*>(getSDLCursor(type)));
     }
 
+    void setTextInput(bool isOn) override { _events.setTextInput(isOn); }
+    void setTextInputRect(const td::RectNormalized<double>& rect) override
+    {
+        const int left = toPlace(rect.left), top = toPlace(rect.top);
+        _events.setTextInputRect({left, top, toPlace(rect.right) - left, toPlace(rect.bottom) - top});
+    }
+
 private:
     SDL_Window* window() const { return _pContext->getWindow(); }
 
@@ -77,11 +88,7 @@ private:
     bool _isShown = false;
 };
 
-int toLength(double points)
-{
-    constexpr double cLongest = 16384; // SDL's own limit
-    return static_cast<int>(std::lround(std::clamp(points, 1.0, cLongest)));
-}
+int toLength(double points) { return static_cast<int>(std::lround(std::clamp(points, 1.0, cLongest))); }
 
 } // namespace
 
@@ -99,7 +106,16 @@ void* getSDLCursor(gui::Cursor::Type type)
 {
     static SDL_Cursor* const pArrow = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_ARROW);
     static SDL_Cursor* const pPan = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_SIZEALL);
-    return type == gui::Cursor::Type::Pan ? pPan : pArrow;
+    static SDL_Cursor* const pBar = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_IBEAM);
+    switch (type)
+    {
+    case gui::Cursor::Type::Pan:
+        return pPan;
+    case gui::Cursor::Type::Text:
+        return pBar;
+    default:
+        return pArrow;
+    }
 }
 
 } // namespace gui::gl

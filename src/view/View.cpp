@@ -71,6 +71,14 @@ void View::stopAnimation()
 
 void View::setCursor(gui::Cursor::Type type, bool globally) const { zav::setCursor(this, type, globally); }
 
+void View::startTextInput() const { zav::setTextInput(this, true); }
+
+void View::stopTextInput() const { zav::setTextInput(this, false); }
+
+bool View::takesTextInput() const { return zav::takesTextInput(this); }
+
+void View::setTextInputRect(const td::RectNormalized<double>& rect) const { zav::setTextInputRect(this, rect); }
+
 void View::registerForFocusEvents() const { zav::registerForFocusEvents(this); }
 
 std::tuple<int, int> View::getOpenGLVersion() const

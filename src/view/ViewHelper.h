@@ -2,6 +2,8 @@
 
 #include <gui/gl/View.h>
 
+#include <string_view>
+
 namespace gui
 {
 class Key;
@@ -36,6 +38,8 @@ public:
     bool onScroll(const InputDevice& device) { return _pView->onScroll(device); }
     bool onKeyPressed(const Key& key) { return _pView->onKeyPressed(key); }
     bool onKeyReleased(const Key& key) { return _pView->onKeyReleased(key); }
+    void onTextInput(std::string_view text) { _pView->onTextInput(text); }
+    void onTextComposition(const TextComposition& composition) { _pView->onTextComposition(composition); }
     void onPrimaryButtonPressed(const InputDevice& device) { _pView->onPrimaryButtonPressed(device); }
     void onPrimaryButtonReleased(const InputDevice& device) { _pView->onPrimaryButtonReleased(device); }
     void onPrimaryButtonDblClick(const InputDevice& device) { _pView->onPrimaryButtonDblClick(device); }

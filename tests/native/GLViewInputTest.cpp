@@ -128,7 +128,9 @@ TEST_F(GLViewInputTest, HandlersHaveTheirContextAndMayEndTheView)
         {"onGeometryChange", [](GLView& v) { v.sizeChanged(); }},   {"onResize", [](GLView& v) { v.sizeChanged(); }},
         {"onGeometryChange", [](GLView& v) { v.enteredWindow(); }}, {"onResize", [](GLView& v) { v.enteredWindow(); }},
         {"onResize", [](GLView& v) { v.scaleChanged(); }},          {"focus", [](GLView& v) { v.onFocus(true); }},
-        {"no focus", [](GLView& v) { v.onFocus(false); }},
+        {"no focus", [](GLView& v) { v.onFocus(false); }},          {"text", [](GLView& v) { v.onText({"a"}); }},
+        {"composes", [](GLView& v) {
+             v.onComposition({"a"}); }},
     };
     for (const Kind& kind : kinds())
         cases.emplace_back(kind.callback, kind.send);
@@ -140,6 +142,7 @@ TEST_F(GLViewInputTest, HandlersHaveTheirContextAndMayEndTheView)
             auto pView = std::make_unique<RecordingView>(window);
             GLView* const pNative = show(*pView, cAllEvents, true);
             pView->registerForFocusEvents();
+            pView->startTextInput();
             // Whatever the callback before it did.
             for (const char* const before : {"prepareNextFrame", "onGeometryChange"})
                 pView->in[before] = [this] { neighbour->makeCurrentContext(); };
@@ -299,6 +302,53 @@ TEST_F(GLViewInputTest, FocusArrivesOnceItIsAskedFor)
     deaf.registerForFocusEvents();
     pNative->onFocus(true);
     EXPECT_TRUE(journal.said({}));
+}
+
+TEST_F(GLViewInputTest, TextComesToViewsThatAskForIt)
+{
+    RecordingView view(window);
+    GLView* const pNative = show(view);
+    const auto text = [&](std::string_view typed, unsigned int modifiers = 0)
+    {
+        pNative->onText({typed, modifiers});
+        return told();
+    };
+    const auto composed = [&](std::string_view typed, std::size_t start, std::size_t nSelected)
+    {
+        pNative->onComposition({typed, start, nSelected});
+        return told();
+    };
+    EXPECT_EQ(text("a") + composed("a", 0, 0), "");
+    view.startTextInput();
+    view.startTextInput();
+    zav::setScale(&view, 2);
+    view.setTextInputRect({1, 2, 3, 4});
+    view.setTextInputRect({std::nan(""), 2, 3, 4});
+    zav::resetScaling(&view);
+    EXPECT_TRUE(journal.said({"text input on", "needs display", "caret 2,4 6,8"}));
+    EXPECT_EQ(text("é日"), "text é日");
+    EXPECT_EQ(text("a\xFF\x1B\n"), "text a\uFFFD");
+    EXPECT_EQ(text("\b"), "");
+    // Commands are none, but for what AltGr makes.
+    for (const unsigned int modifiers : {4U, 8U, 16U, 17U})
+        EXPECT_EQ(text("+", modifiers), "");
+    EXPECT_EQ(text("@", 32 | 8), "text @");
+    EXPECT_EQ(text("A", 3), "text A");
+    // Counted in characters, told in bytes.
+    EXPECT_EQ(composed("aé日b", 1, 2), "composes a[é日]b");
+    EXPECT_EQ(composed("aé", 9, SIZE_MAX), "composes aé[]");
+    EXPECT_EQ(composed("", 0, 0), "composes []");
+    EXPECT_EQ(composed("", 0, 0), "") << "it is over already";
+    // Text ends it, and so does the loss of the keyboard.
+    composed("a", 0, 0);
+    EXPECT_EQ(text("b"), "text b");
+    EXPECT_EQ(composed("", 0, 0), "");
+    composed("a", 0, 0);
+    pNative->onFocus(false);
+    EXPECT_EQ(told(), "composes []");
+    view.stopTextInput();
+    EXPECT_TRUE(journal.said({"text input off"}));
+    EXPECT_EQ(text("a"), "");
 }
 
 TEST_F(GLViewInputTest, ACursorShowsWhenItChangesOrOnEntry)

@@ -126,6 +126,21 @@ TEST_F(WindowSystemTest, CompositorThatDies)
     EXPECT_TRUE(said("cleaned up")) << text;
 }
 
+TEST_F(WindowSystemTest, TextsGoFromProgramToProgram)
+{
+    const std::string copied = std::string(100'000, 'x') + "é日";
+    const Process program({GUIGL_WINDOW_PROGRAM, "stays", copied}, completed({{"WAYLAND_DISPLAY", ""}}));
+    const auto told = [&](const Variables& variables)
+    {
+        int exitStatus = -1;
+        return outputOf({GUIGL_WINDOW_PROGRAM, "asks"}, exitStatus, completed(variables));
+    };
+    const std::string own = "\n1 1 own\n";
+    ASSERT_TRUE(waitFor([&] { return server.findWindow("Program") != 0; }));
+    EXPECT_EQ(told({{"WAYLAND_DISPLAY", ""}}), "1 " + copied + ", 1 " + copied + "!" + own + "x11");
+    EXPECT_EQ(told({{"GUIGL_WINDOW_SYSTEM", "offscreen"}}), "0 , 0 " + own + "offscreen");
+}
+
 // It takes connections and never says a word.
 TEST_F(WindowSystemTest, CompositorThatHangs)
 {

@@ -102,6 +102,64 @@ TEST_P(X11Test, HeldKeyRepeatsAndIsReleasedOnce)
         EXPECT_EQ(view.lines[i], "key 'a'");
 }
 
+// As each layout has it, beside the keys; and nothing to the window that did not ask.
+TEST_P(X11Test, TextIsTypedWhereItIsAskedFor)
+{
+    ASSERT_TRUE(desktop().setLayouts("de"));
+    view.startTextInput();
+    xdo("keydown 34"); // ü
+    xdo("keyup 34");
+    EXPECT_TRUE(view.hasHeard({"key 252", "text ü", "up key 42752"}));
+    // The key is told, and no text.
+    xdo("keydown ctrl");
+    xdo("keydown 35");
+    xdo("keyup 35");
+    xdo("keyup ctrl");
+    EXPECT_TRUE(view.hasHeard({"key '+'+Cmd", "up key '+'+Cmd"}));
+    xdo("keydown 108");
+    xdo("keydown 24");
+    xdo("keyup 24");
+    xdo("keyup 108");
+    EXPECT_TRUE(view.hasHeard({"key 'q'+Fn", "text @", "up key 'q'+Fn"}));
+    xdo("keydown 36");
+    xdo("keyup 36");
+    ASSERT_TRUE(waitInLoop([&] { return view.lines.size() >= 2; }));
+    EXPECT_EQ(view.lines.size(), 2U) << "Return is a key alone";
+    view.lines.clear();
+
+    // What an input method sends, of any length.
+    const auto compose = [](const std::string& text, int start, int length)
+    {
+        SDL_Event event{};
+        event.editExt = {SDL_TEXTEDITING_EXT,      0,     SDL_GetWindowID(SDL_GetKeyboardFocus()),
+                         SDL_strdup(text.c_str()), start, length};
+        SDL_PushEvent(&event);
+    };
+    std::string longText(200, 'x');
+    compose(longText + "日本", 200, 1);
+    EXPECT_TRUE(view.hasHeard({"composes " + longText + "[日]本"}));
+    compose("", 0, 0);
+    EXPECT_TRUE(view.hasHeard({"composes []"}));
+
+    RecordingView other;
+    other.create();
+    other.topLeft = 0xC020C0;
+    gui::Window otherWindow("Other", {200, 100});
+    ASSERT_NO_FATAL_FAILURE(show(otherWindow, other, "Other", 1));
+    xdo("keydown 38");
+    xdo("keyup 38");
+    EXPECT_TRUE(other.hasHeard({"key 'a'", "up key 'a'"}));
+    otherWindow.close();
+    ASSERT_TRUE(waitInLoop([&] { return SDL_GetKeyboardFocus() != nullptr; }));
+    view.lines.clear();
+    xdo("keydown 38");
+    xdo("keyup 38");
+    EXPECT_TRUE(view.hasHeard({"key 'a'", "text a", "up key 'a'"}));
+    EXPECT_TRUE(SDL_IsTextInputActive());
+    window.close();
+    EXPECT_FALSE(SDL_IsTextInputActive());
+}
+
 TEST_P(X11Test, FocusGoesToTheOtherWindow)
 {
     desktop().goTo(0);

@@ -1,13 +1,16 @@
-// Shows a window, draws two frames of it and ends; given an argument it stays, and says when its view is cleaned up.
-// Writes the window system to standard output.
+// Shows a window, draws two frames of it and ends; with the argument "stays" it stays, and says when its view is cleaned
+// up. A second argument is what it copies, and selects; a first one that is "asks" makes it say what there is and what
+// becomes of texts of its own. Writes the window system to standard output.
 
 #include <gui/Application.h>
+#include <gui/Clipboard.h>
 #include <gui/Window.h>
 #include <gui/gl/View.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
 
 #include <cstdio>
+#include <string>
 
 namespace
 {
@@ -37,19 +40,36 @@ private:
     int _nFrames = 0;
 };
 
+void tellClipboard()
+{
+    using gui::Clipboard;
+    constexpr auto cSelected = Clipboard::Kind::Selected;
+    std::printf("%d %s, %d %s\n", Clipboard::hasText(), Clipboard::getText().c_str(), Clipboard::hasText(cSelected),
+                Clipboard::getText(cSelected).c_str());
+    const bool isRefused = !Clipboard::setText("a\xFF") && !Clipboard::setText({"a\0b", 3});
+    const bool isSet = Clipboard::setText("own");
+    std::printf("%d %d %s\n", isRefused, isSet, Clipboard::getText().c_str());
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     td::setAssertHandler([](const td::AssertReport&) {});
     gui::Application application(argc, argv);
-    View view(argc > 1);
+    const std::string what = argc > 1 ? argv[1] : "";
+    View view(what == "stays");
     view.createContext(gui::gl::Context(gui::gl::DepthBuffer::Size::Bits32, gui::gl::StencilBuffer::Size::Bits16,
                                         gui::gl::Context::Profile::Core41));
     if (view.getHandle() == nullptr)
         return 2;
     gui::Window window("Program", {200, 150});
     window.show(view);
+    if (argc > 2 && !(gui::Clipboard::setText(argv[2]) &&
+                      gui::Clipboard::setText(std::string(argv[2]) + "!", gui::Clipboard::Kind::Selected)))
+        return 3;
+    if (what == "asks")
+        tellClipboard();
     std::printf("%s", gui::Application::getWindowSystem());
     std::fflush(stdout);
     return application.run();

@@ -56,6 +56,14 @@ bool EventView::note(const std::string& name, const gui::Key& key)
     return isUsedUp;
 }
 
+void EventView::onTextComposition(const gui::TextComposition& composition)
+{
+    std::string text = composition.text;
+    text.insert(composition.end, "]");
+    text.insert(composition.begin, "[");
+    note("composes", ' ' + text);
+}
+
 bool EventView::onZoom(const gui::InputDevice& device)
 {
     if (device.getType() == gui::InputDevice::Type::Gesture)

@@ -2,6 +2,7 @@
 
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
+#include <gui/TextComposition.h>
 #include <gui/gl/View.h>
 
 #include <functional>
@@ -13,7 +14,8 @@ namespace test
 
 /// A view that hears of what a user does, a line each: "press 10,20 x1" with "+Shift" and the like behind it for the
 /// modifiers, "press2" for the secondary button, "drag3" and the like for others, "pinch" for the zoom of a gesture,
-/// and keys like "key 'a'", "key virtual 3 code 123" or "key 6528"; releases begin with "up". Then it does what the
+/// and keys like "key 'a'", "key virtual 3 code 123" or "key 6528"; releases begin with "up". Text is "text a", and what
+/// is composed "composes a[b]c". Then it does what the
 /// test wants to be done in there.
 class EventView : public gui::gl::View
 {
@@ -33,6 +35,8 @@ protected:
     void onFocusOut() override { note("no focus"); }
     bool onKeyPressed(const gui::Key& key) override { return note("key", key); }
     bool onKeyReleased(const gui::Key& key) override { return note("up key", key); }
+    void onTextInput(std::string_view text) override { note("text", ' ' + std::string(text)); }
+    void onTextComposition(const gui::TextComposition& composition) override;
     bool onZoom(const gui::InputDevice& device) override;
     bool onScroll(const gui::InputDevice& d) override { return note("scroll", d, gui::InputDevice::Button::Wheel); }
     void onPrimaryButtonPressed(const gui::InputDevice& d) override { note("press", d, cPrimary); }

@@ -101,6 +101,15 @@ void FakeSurface::setCursor(gui::Cursor::Type type)
     _window.journal.note("cursor " + std::to_string(static_cast<int>(type)));
 }
 
+void FakeSurface::setTextInput(bool isOn) { _window.journal.note(isOn ? "text input on" : "text input off"); }
+
+void FakeSurface::setTextInputRect(const td::RectNormalized<double>& rect)
+{
+    char line[64];
+    std::snprintf(line, sizeof line, "caret %g,%g %g,%g", rect.left, rect.top, rect.right, rect.bottom);
+    _window.journal.note(line);
+}
+
 void FakeSurface::startFrameClock(float minFPS, float maxFPS)
 {
     char line[64];

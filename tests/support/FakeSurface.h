@@ -62,7 +62,7 @@ struct FakeWindow
 };
 
 /// A surface on no window system, with a context that is current when it says so. It notes: "needs display", "flush",
-/// "cursor 3", "clock 30 60", "clock stops", "surface gone"; and it complains there when its context is not current
+/// "cursor 3", "text input on", "caret 1,2 3,4", "clock 30 60", "clock stops", "surface gone"; and it complains there when its context is not current
 /// where it has to be.
 class FakeSurface : public gui::gl::NativeSurface
 {
@@ -78,6 +78,8 @@ public:
     unsigned int getDefaultFramebuffer() const override;
     void setNeedsDisplay() override;
     void setCursor(gui::Cursor::Type type) override;
+    void setTextInput(bool isOn) override;
+    void setTextInputRect(const td::RectNormalized<double>& rect) override;
     void startFrameClock(float minFPS, float maxFPS) override;
     void stopFrameClock() override;
 

@@ -39,4 +39,8 @@ void DrawableView::onOtherButtonReleased(const InputDevice&) {}
 
 void DrawableView::onOtherDragged(const InputDevice&) {}
 
+void DrawableView::onTextInput(std::string_view) {}
+
+void DrawableView::onTextComposition(const TextComposition&) {}
+
 } // namespace gui

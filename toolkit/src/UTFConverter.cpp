@@ -45,6 +45,12 @@ constexpr std::ptrdiff_t sequenceLength(unsigned char lead)
     return 1;
 }
 
+// Whether what was decoded to U+FFFD is that, and not malformed.
+bool isReplacement(const unsigned char* begin, const unsigned char* end)
+{
+    return end - begin == 3 && begin[1] == 0xBF && begin[2] == 0xBD;
+}
+
 } // namespace
 
 // The end of the maximal subpart at p, where a sequence that is not well-formed begins.
@@ -79,6 +85,52 @@ bool UTFConverter::convertUTF8toUTF32(const unsigned char* begin, const unsigned
         *outBegin++ = next(begin, end);
     }
     return true;
+}
+
+bool UTFConverter::isWellFormed(std::string_view text)
+{
+    const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+    const unsigned char* const end = p + text.size();
+    while (p < end)
+    {
+        const unsigned char* const at = p;
+        if (next(p, end) == cReplacement && !isReplacement(at, p))
+            return false;
+    }
+    return true;
+}
+
+std::string UTFConverter::toWellFormed(std::string_view text)
+{
+    std::string result;
+    appendWellFormed(result, text);
+    return result;
+}
+
+void UTFConverter::appendWellFormed(std::string& text, std::string_view more)
+{
+    const auto* const begin = reinterpret_cast<const unsigned char*>(more.data());
+    const unsigned char* const end = begin + more.size();
+    const auto* p = begin;
+    const auto* kept = begin;
+    const auto keep = [&](const unsigned char* to)
+    { text.append(reinterpret_cast<const char*>(kept), static_cast<std::size_t>(to - kept)); };
+    while (p < end)
+    {
+        if (*p < 0x80)
+        {
+            ++p;
+            continue;
+        }
+        const auto* const at = p;
+        if (next(p, end) == cReplacement && !isReplacement(at, p))
+        {
+            keep(at);
+            text += "\uFFFD";
+            kept = p;
+        }
+    }
+    keep(end);
 }
 
 } // namespace vo

@@ -135,10 +135,13 @@ const std::vector<std::uint32_t>& ShapedParagraph::getGraphemes() const
 
 const std::vector<std::uint32_t>& ShapedParagraph::getWords() const
 {
+    const std::vector<std::uint32_t>& letters = getGraphemes();
     const std::lock_guard lock(_mutex);
     if (!_words)
     {
         _words = findWords(_text, _styles.empty() ? std::string() : _styles.front().language);
+        // Flags behind invisible characters are parted at other places than letters are.
+        std::erase_if(*_words, [&letters](std::uint32_t at) { return !std::ranges::binary_search(letters, at); });
         _words->insert(_words->begin(), 0);
     }
     return *_words;

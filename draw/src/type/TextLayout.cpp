@@ -20,34 +20,6 @@ namespace
 
 constexpr std::size_t cLongest = std::size_t(1) << 30;
 
-// Appends text with each malformed sequence replaced.
-void appendWellFormed(std::string& text, std::string_view more)
-{
-    const auto* const begin = reinterpret_cast<const unsigned char*>(more.data());
-    const unsigned char* const end = begin + more.size();
-    const auto* p = begin;
-    const auto* kept = begin;
-    const auto keep = [&](const unsigned char* to)
-    { text.append(reinterpret_cast<const char*>(kept), static_cast<std::size_t>(to - kept)); };
-    while (p < end)
-    {
-        if (*p < 0x80)
-        {
-            ++p;
-            continue;
-        }
-        const auto* const at = p;
-        // The replacement itself is three bytes of its own.
-        if (vo::UTFConverter::next(p, end) == 0xFFFD && !(p - at == 3 && at[1] == 0xBF && at[2] == 0xBD))
-        {
-            keep(at);
-            text += "\uFFFD";
-            kept = p;
-        }
-    }
-    keep(end);
-}
-
 // How many bytes at a place end a paragraph.
 std::size_t paragraphEndAt(std::string_view text, std::size_t at)
 {
@@ -116,7 +88,7 @@ void TextLayout::lay(std::span<const TextSpan> spans)
 {
     for (const TextSpan& span : spans)
     {
-        appendWellFormed(_text, span.text);
+        vo::UTFConverter::appendWellFormed(_text, span.text);
         _styles.push_back({span.style, _text.size()});
     }
     if (_styles.empty())
@@ -134,7 +106,7 @@ void TextLayout::layParagraphs()
                           .tabs = _paragraphStyle.tabs,
                           .tabDistance = _paragraphStyle.tabDistance,
                           .ellipsis = {}};
-    appendWellFormed(settings.ellipsis, _paragraphStyle.ellipsis);
+    vo::UTFConverter::appendWellFormed(settings.ellipsis, _paragraphStyle.ellipsis);
     std::vector<ShapeStyle> styles;
     std::vector<ParagraphText::Span> spans;
     std::size_t style = 0, nLines = 0;

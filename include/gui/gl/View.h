@@ -72,6 +72,16 @@ public:
     ///                  it
     void setCursor(gui::Cursor::Type type, bool globally) const;
 
+    /// Text that the user types comes to onTextInput from now on, while the view has the keyboard, and what an input
+    /// method composes to onTextComposition. Keys go on to make key events. Not before createContext.
+    void startTextInput() const;
+    /// No more of it; a composition under way is given up without another word.
+    void stopTextInput() const;
+    bool takesTextInput() const;
+    /// Where the caret is: an input method shows its candidates beside it. To be told again when it moves, or the view's
+    /// content. @param rect  in points of the view, y downwards
+    void setTextInputRect(const td::RectNormalized<double>& rect) const;
+
     /// onFocusIn and onFocusOut are called from now on.
     void registerForFocusEvents() const;
 

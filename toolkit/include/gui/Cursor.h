@@ -13,7 +13,8 @@ public:
     enum class Type : td::BYTE
     {
         Default = 1, ///< the arrow; what a view shows at first
-        Pan = 3      ///< shown while the content of a view is being moved
+        Pan = 3,     ///< shown while the content of a view is being moved
+        Text = 4     ///< the bar that stands over text that can be edited or selected
     };
 };
 

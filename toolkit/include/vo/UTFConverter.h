@@ -3,6 +3,8 @@
 #include <td/Export.h>
 
 #include <cstddef>
+#include <string>
+#include <string_view>
 
 namespace vo
 {
@@ -74,6 +76,13 @@ public:
     /// @return true when all were written; false, with the room filled, when it was too small (nothing is logged)
     static bool convertUTF8toUTF32(const unsigned char* begin, const unsigned char* end, unsigned int* outBegin,
                                    unsigned int* outEnd, Flags flags);
+
+    /// Whether a text decodes without a U+FFFD that isn't in it.
+    static bool isWellFormed(std::string_view text);
+    /// Appends a text, with each malformed sequence in it as U+FFFD.
+    static void appendWellFormed(std::string& text, std::string_view more);
+    /// The text like that.
+    static std::string toWellFormed(std::string_view text);
 
 private:
     static constexpr char32_t cReplacement = 0xFFFD;

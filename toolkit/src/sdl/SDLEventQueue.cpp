@@ -4,11 +4,21 @@
 #include <SDL_mouse.h>
 #include <SDL_syswm.h>
 
+#include <cstring>
+#include <iterator>
+#include <utility>
+
 namespace gui
 {
 
 namespace
 {
+
+template <std::size_t n>
+std::string textOf(const char (&text)[n])
+{
+    return {text, strnlen(text, n)};
+}
 
 bool isWindowEvent(const SDL_Event& event, SDL_WindowEventID id)
 {
@@ -39,7 +49,7 @@ bool SDLEventQueue::take(SDLEvent& event)
 {
     if (_events.empty())
         return false;
-    event = _events.front();
+    event = std::move(_events.front());
     _events.pop_front();
     return true;
 }
@@ -72,9 +82,10 @@ int SDLCALL SDLEventQueue::onEvent(void* pQueue, SDL_Event* pEvent)
     return 0;
 }
 
-void SDLEventQueue::append(const SDL_Event& event)
+void SDLEventQueue::append(SDL_Event& event)
 {
     SDLEvent& entry = _events.emplace_back();
+    takeText(entry, event);
     entry.event = event;
     entry.modifiers = static_cast<unsigned int>(SDL_GetModState());
     entry.mouseButtons = SDL_GetMouseState(&entry.mouseX, &entry.mouseY);
@@ -93,6 +104,28 @@ void SDLEventQueue::append(const SDL_Event& event)
             previous.mouseY = event.motion.y;
         }
         mergeLastMotions();
+    }
+}
+
+void SDLEventQueue::takeText(SDLEvent& entry, SDL_Event& event) const
+{
+    if (event.type == SDL_TEXTINPUT)
+    {
+        entry.text = textOf(event.text.text);
+        // SDL tells the text of a key right behind the key, in several pieces where it is long.
+        const SDLEvent* const pBefore = _events.size() > 1 ? &*std::prev(_events.end(), 2) : nullptr;
+        entry.isOfKey = pBefore != nullptr && (pBefore->event.type == SDL_KEYDOWN ||
+                                               (pBefore->event.type == SDL_TEXTINPUT && pBefore->isOfKey));
+    }
+    else if (event.type == SDL_TEXTEDITING)
+        entry.text = textOf(event.edit.text);
+    else if (event.type == SDL_TEXTEDITING_EXT)
+    {
+        // Whoever gets it frees it: nobody else will.
+        char* const text = std::exchange(event.editExt.text, nullptr);
+        if (text != nullptr)
+            entry.text = text;
+        SDL_free(text);
     }
 }
 

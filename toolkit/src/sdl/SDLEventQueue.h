@@ -28,7 +28,8 @@ public:
 
 private:
     static int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent);
-    void append(const SDL_Event& event);
+    void append(SDL_Event& event);
+    void takeText(SDLEvent& entry, SDL_Event& event) const;
     void mergeLastMotions();
 
     std::deque<SDLEvent> _events;

@@ -4,6 +4,8 @@
 #include <gui/Window.h>
 #include <vo/Log.h>
 
+#include <SDL_keyboard.h>
+
 #include <algorithm>
 #include <thread>
 
@@ -26,6 +28,12 @@ Uint32 windowOf(const SDL_Event& event)
     case SDL_KEYDOWN:
     case SDL_KEYUP:
         return event.key.windowID;
+    case SDL_TEXTINPUT:
+        return event.text.windowID;
+    case SDL_TEXTEDITING:
+        return event.edit.windowID;
+    case SDL_TEXTEDITING_EXT:
+        return event.editExt.windowID;
     case SDL_MOUSEMOTION:
         return event.motion.windowID;
     case SDL_MOUSEBUTTONDOWN:
@@ -77,17 +85,18 @@ void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink) { SDL_SetWindowData(
 void SDLRunLoop::wait(const std::optional<Time>& until)
 {
     using std::chrono::milliseconds;
-    constexpr milliseconds cLongest = std::chrono::hours(1);
+    // What an input method sends by way of D-Bus doesn't end SDL's wait.
+    const milliseconds longest = SDL_IsTextInputActive() == SDL_TRUE ? milliseconds(50) : std::chrono::hours(1);
     // SDL ends its wait for more than what is an event here, so the events themselves say whether it is over.
     for (_events.pump(); !isEventDue() && !_isWakeUpPosted; _events.pump())
     {
         std::optional<Time> end = until;
         if (!_events.isEmpty())
             end = until ? std::min(*until, _nextMotion) : _nextMotion;
-        const Clock::duration rest = end ? *end - Clock::now() : cLongest;
+        const Clock::duration rest = end ? *end - Clock::now() : longest;
         if (rest <= Clock::duration::zero())
             return;
-        const auto wholeMilliseconds = std::min(std::chrono::floor<milliseconds>(rest), cLongest);
+        const auto wholeMilliseconds = std::min(std::chrono::floor<milliseconds>(rest), longest);
         if (wholeMilliseconds.count() == 0)
         {
             std::this_thread::sleep_until(*end);

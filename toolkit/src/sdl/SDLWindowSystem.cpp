@@ -28,6 +28,9 @@ void giveHints(const char* driver)
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+    // Compositions come whole, and candidates are the input method's to show.
+    SDL_SetHint(SDL_HINT_IME_SUPPORT_EXTENDED_TEXT, "1");
+    SDL_SetHint(SDL_HINT_IME_SHOW_UI, "1");
 }
 
 /// SDL's video, on while this lives.
@@ -82,6 +85,40 @@ public:
         return std::make_unique<SDLWindow>(title, size);
     }
     float getMainDisplayScale() const override { return _scale; }
+
+    bool setClipboardText(Clipboard::Kind kind, const std::string& text) override
+    {
+        if (kind == Clipboard::Kind::Copied)
+            return SDL_SetClipboardText(text.c_str()) == 0;
+#if SDL_VERSION_ATLEAST(2, 26, 0)
+        return SDL_SetPrimarySelectionText(text.c_str()) == 0;
+#else
+        return false;
+#endif
+    }
+    std::string getClipboardText(Clipboard::Kind kind) override
+    {
+        char* pText = nullptr;
+        if (kind == Clipboard::Kind::Copied)
+            pText = SDL_GetClipboardText();
+#if SDL_VERSION_ATLEAST(2, 26, 0)
+        else
+            pText = SDL_GetPrimarySelectionText();
+#endif
+        const std::string text = pText != nullptr ? pText : "";
+        SDL_free(pText);
+        return text;
+    }
+    bool hasClipboardText(Clipboard::Kind kind) override
+    {
+        if (kind == Clipboard::Kind::Copied)
+            return SDL_HasClipboardText() == SDL_TRUE;
+#if SDL_VERSION_ATLEAST(2, 26, 0)
+        return SDL_HasPrimarySelectionText() == SDL_TRUE;
+#else
+        return false;
+#endif
+    }
 
 private:
     std::unique_ptr<Video> _pVideo;

@@ -16,6 +16,7 @@
 #include "PathSegment.h"
 #include "Polylines.h"
 #include "Stroke.h"
+#include "TextEditor.h"
 #include "TextLayout.h"
 #include "TextPlacement.h"
 #include "TextStyle.h"

@@ -5,6 +5,7 @@
 
 #include <gui/Cursor.h>
 #include <td/Export.h>
+#include <td/RectNormalized.h>
 #include <td/Size.h>
 
 #include <functional>
@@ -45,6 +46,10 @@ public:
     virtual bool followWindow() { return makeCurrent(); }
     /// Shows a pointer shape, while the pointer is over this surface, from now on.
     virtual void setCursor(gui::Cursor::Type) {}
+    /// The client takes text from now on, through whatever input method the user has, or no more. At first it doesn't.
+    virtual void setTextInput(bool /*isOn*/) {}
+    /// Where its caret is, in points of the window's content: candidates are shown beside it.
+    virtual void setTextInputRect(const td::RectNormalized<double>& /*rect*/) {}
     /// Calls the client's onFrameTick at the display's rate, or, when the range is one (both above 0, the maximum not
     /// below the minimum), at a rate within it, in frames per second; see gui::RunLoop::startFrameClock for which.
     virtual void startFrameClock(float /*minFPS*/, float /*maxFPS*/) {}

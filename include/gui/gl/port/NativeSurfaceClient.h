@@ -29,6 +29,10 @@ public:
     virtual void onMagnification(const MagnificationEvent& event) = 0;
     /// @return as onWheel
     virtual bool onKey(const KeyEvent& event) = 0;
+    /// Text came, by keys or through an input method; also when it was not asked for.
+    virtual void onText(const TextEvent& event) = 0;
+    /// An input method composes; no text when that is over.
+    virtual void onComposition(const CompositionEvent& event) = 0;
     /// The window, or the widget, got or lost the keyboard.
     virtual void onFocus(bool hasFocus) = 0;
 

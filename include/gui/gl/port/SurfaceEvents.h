@@ -3,6 +3,9 @@
 #include <td/Point.h>
 #include <td/Types.h>
 
+#include <cstddef>
+#include <string_view>
+
 namespace gui::gl
 {
 
@@ -75,6 +78,22 @@ struct KeyEvent
     unsigned short keyCode; ///< of the table in gui/gl/KeyCodes.h; 128 to 255 for what is not in it and has a character
     unsigned short character; ///< the UTF-16 unit that the key stands for with Shift applied; 0 for none
     unsigned int modifiers;   ///< those that were held
+};
+
+/// Text came: of a key, whose own event came before, or of an input method.
+struct TextEvent
+{
+    std::string_view text; ///< UTF-8; any bytes will do
+    /// Of a key: those that were held. What a key with Ctrl, Alt or Super types is a command, and no text.
+    unsigned int modifiers = 0;
+};
+
+/// What an input method has composed so far.
+struct CompositionEvent
+{
+    std::string_view text;     ///< UTF-8; any bytes will do
+    std::size_t start = 0;     ///< in characters (code points): where the caret, or what is selected, begins
+    std::size_t nSelected = 0; ///< how many are selected
 };
 
 } // namespace gui::gl

@@ -6,6 +6,7 @@
 #include <gui/InputDevice.h>
 #include <td/Export.h>
 #include <td/PointAndSize.h>
+#include <td/RectNormalized.h>
 
 #include <initializer_list>
 
@@ -72,6 +73,13 @@ GUIGL_API void setCursor(const gui::gl::View* pView, gui::Cursor::Type type, boo
 /// The window system's own cursor of a shape: an SDL_Cursor on X11 and Wayland, kept to the end of the process; null
 /// where there is no pointer.
 GUIGL_API void* getCursor(gui::Cursor::Type type);
+
+/// Text is delivered from now on, or no more. See gui::gl::View::startTextInput.
+GUIGL_API void setTextInput(const gui::gl::View* pView, bool isOn);
+/// Whether it is; false without a native view.
+GUIGL_API bool takesTextInput(const gui::gl::View* pView);
+/// Where the caret is. @param rect  in points of the view; ignored when it is not finite
+GUIGL_API void setTextInputRect(const gui::gl::View* pView, const td::RectNormalized<double>& rect);
 
 /// Focus changes are delivered from now on.
 GUIGL_API void registerForFocusEvents(const gui::gl::View* pView);

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <gui/Clipboard.h>
 #include <td/Export.h>
 #include <td/Size.h>
 
 #include <memory>
+#include <string>
 
 namespace gui
 {
@@ -53,6 +55,17 @@ public:
     virtual std::unique_ptr<WindowPeer> createWindow(const char* title, const td::Size<double>& size) = 0;
     /// Device pixels per point of the main display.
     virtual float getMainDisplayScale() const = 0;
+
+    /// What gui::Clipboard asks for. As long as nobody says otherwise, texts of the program's own.
+    /// @param text  UTF-8, well-formed, without zeros  @return whether it was taken
+    virtual bool setClipboardText(Clipboard::Kind kind, const std::string& text);
+    /// @return anything
+    virtual std::string getClipboardText(Clipboard::Kind kind);
+    virtual bool hasClipboardText(Clipboard::Kind kind);
+
+private:
+    std::string _copied;
+    std::string _selected;
 };
 
 } // namespace gui

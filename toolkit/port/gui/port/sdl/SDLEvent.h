@@ -5,6 +5,8 @@
 #include <td/Export.h>
 #include <td/Size.h>
 
+#include <string>
+
 namespace gui
 {
 
@@ -18,6 +20,8 @@ struct SDLEvent
     int mouseY;
     unsigned int xKeyCode; ///< of the X11 event that a key event came from; 0 when it came from none
     unsigned int xState;   ///< its state, which holds the layout's group
+    std::string text; ///< of SDL_TEXTINPUT, SDL_TEXTEDITING and SDL_TEXTEDITING_EXT, whose own pointer is null here
+    bool isOfKey;     ///< of SDL_TEXTINPUT: whether a key that went down made it, and no input method
 };
 
 /// Who takes the input for a window: whatever SDL tells of it but what the window itself sees to, such as its size. The
