@@ -140,38 +140,48 @@ TEST_P(DesktopTest, KeysFollowTheLayout)
         const char* layout;
         std::string keys;
         std::vector<std::string> lines;
+        const char* text = ""; // that they type, where somebody asks
     } cases[] = {
-        {"us,de", "keydown 38 keyup 38", {"key 'a'", "up key 'a'"}},
-        {"us,de", "keydown shift keydown 38 keyup 38 keyup shift", {"key 'A'+Shift", "up key 'A'+Shift"}},
+        {"us,de", "keydown 38 keyup 38", {"key 'a'", "up key 'a'"}, "a"},
+        {"us,de", "keydown shift keydown 38 keyup 38 keyup shift", {"key 'A'+Shift", "up key 'A'+Shift"}, "A"},
         {"us,de", "keydown alt keydown 38 keyup 38 keyup alt", {"key 'a'+Alt", "up key 'a'+Alt"}},
         {"us,de",
          "keydown ctrl keydown shift keydown 21 keyup 21 keyup shift keyup ctrl",
          {"key '+'+Shift+Cmd", "up key '+'+Shift+Cmd"}},
         // xdotool goes to the layout that has the character and back.
-        {"us,de", "keydown odiaeresis keyup odiaeresis", {"key 246", "up key 43776"}},
-        {"us,de", "keydown semicolon keyup semicolon", {"key ';'", "up key ';'"}},
+        {"us,de", "keydown odiaeresis keyup odiaeresis", {"key 246", "up key 43776"}, "ö"},
+        {"us,de", "keydown semicolon keyup semicolon", {"key ';'", "up key ';'"}, ";"},
         {"us,de", "keydown Left keyup Left", {"key virtual 3 code 123", "up key 31488"}},
         {"us,de", "keydown Tab keyup Tab", {"key virtual 1 code 48", "up key 9"}},
         {"us", "keydown 108 keydown 38 keyup 38 keyup 108", {"key 'a'+Alt", "up key 'a'+Alt"}},
-        {"us", "key Caps_Lock keydown 38 keyup 38 key Caps_Lock", {"key 'a'+Caps", "up key 'a'+Caps"}},
+        {"us", "key Caps_Lock keydown 38 keyup 38 key Caps_Lock", {"key 'a'+Caps", "up key 'a'+Caps"}, "A"},
         {"us", "keydown 83 keyup 83", {"key virtual 3 code 123", "up key 31488"}},
-        {"us", "key Num_Lock keydown 83 keyup 83 key Num_Lock", {"key virtual 38 code 86", "up key '4'"}},
+        {"us", "key Num_Lock keydown 83 keyup 83 key Num_Lock", {"key virtual 38 code 86", "up key '4'"}, "4"},
         {"us", "keydown Insert keyup Insert", {"key 32512", "up key 32512"}},
-        {"de", "keydown 29 keyup 29", {"key 'z'", "up key 'z'"}},
+        {"de", "keydown 29 keyup 29", {"key 'z'", "up key 'z'"}, "z"},
         {"de", "keydown ctrl keydown 35 keyup 35 keyup ctrl", {"key '+'+Cmd", "up key '+'+Cmd"}},
         {"de", "keydown ctrl keydown 20 keyup 20 keyup ctrl", {"key 223+Cmd", "up key 42240+Cmd"}},
-        {"de", "keydown 108 keydown 24 keyup 24 keyup 108", {"key 'q'+Fn", "up key 'q'+Fn"}},
-        {"de", "keydown shift keydown 47 keyup 47 keyup shift", {"key 214+Shift", "up key 43776+Shift"}},
+        {"de", "keydown 108 keydown 24 keyup 24 keyup 108", {"key 'q'+Fn", "up key 'q'+Fn"}, "@"},
+        {"de", "keydown shift keydown 47 keyup 47 keyup shift", {"key 214+Shift", "up key 43776+Shift"}, "Ö"},
     };
     xdo("click 3");
     ASSERT_TRUE(view.hasHeard({"press2 40,30 x1", "release2 40,30 x1"}));
     for (const auto& c : cases)
-    {
-        if (!desktop().setLayouts(c.layout))
-            continue;
-        xdo(c.keys);
-        EXPECT_TRUE(view.hasHeard(c.lines)) << c.layout << ": " << c.keys;
-    }
+        if (desktop().setLayouts(c.layout))
+        {
+            xdo(c.keys);
+            EXPECT_TRUE(view.hasHeard(c.lines)) << c.layout << ": " << c.keys;
+        }
+    view.startTextInput();
+    for (const auto& c : cases)
+        if (desktop().setLayouts(c.layout))
+        {
+            std::vector<std::string> lines = c.lines;
+            if (*c.text != 0)
+                lines.insert(lines.begin() + 1, std::string("text ") + c.text);
+            xdo(c.keys);
+            EXPECT_TRUE(view.hasHeard(lines)) << c.layout << ": " << c.keys;
+        }
 }
 
 TEST_P(DesktopTest, FirstFrameOfANewSizeIsWhole)
