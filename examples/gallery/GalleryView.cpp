@@ -50,6 +50,7 @@ void GalleryView::showScene(std::size_t nthScene)
     _lastFrame = Clock::now();
     _note.clear();
     setCursor(gui::Cursor::Type::Default);
+    stopTextInput();
     _pScene.reset();
     makeCurrentContext(); // the scene may have had others
     std::unique_ptr<Scene> pScene = scenes()[_nthScene].make();
@@ -201,5 +202,28 @@ bool GalleryView::onKeyPressed(const gui::Key& key)
 }
 
 bool GalleryView::onKeyReleased(const gui::Key& key) { return _pScene != nullptr && _pScene->onKey(key, false); }
+
+void GalleryView::onTextInput(std::string_view text)
+{
+    if (_pScene != nullptr)
+        _pScene->onText(text);
+}
+
+void GalleryView::onTextComposition(const gui::TextComposition& composition)
+{
+    if (_pScene != nullptr)
+        _pScene->onComposition(composition);
+}
+
+void GalleryView::setTextInput(const td::RectNormalized<double>* pCaret)
+{
+    if (pCaret == nullptr)
+    {
+        stopTextInput();
+        return;
+    }
+    startTextInput();
+    setTextInputRect(*pCaret);
+}
 
 } // namespace gallery

@@ -50,6 +50,8 @@ protected:
     void onFocusOut() override { setFocus(false); }
     bool onKeyPressed(const gui::Key& key) override;
     bool onKeyReleased(const gui::Key& key) override;
+    void onTextInput(std::string_view text) override;
+    void onTextComposition(const gui::TextComposition& composition) override;
     void cleanResources() override
     {
         _pScene.reset();
@@ -64,6 +66,7 @@ private:
     double getSeconds() const override { return _seconds + secondsSinceFrame(Clock::now()); }
     void toggleTime() override { runTime(!isAnimated()); }
     void setCursor(gui::Cursor::Type type) override { View::setCursor(type, true); }
+    void setTextInput(const td::RectNormalized<double>* pCaret) override;
     void setNote(const std::string& note) override;
 
     void showScene(std::size_t nthScene);

@@ -3,10 +3,13 @@
 #include <td/Size.h>
 #include <td/Types.h>
 
+#include <string_view>
+
 namespace gui
 {
 class InputDevice;
 class Key;
+struct TextComposition;
 } // namespace gui
 
 namespace gallery
@@ -74,6 +77,10 @@ public:
 
     /// A key went down or up. @return true to keep it from the gallery, which then does nothing with it
     virtual bool onKey(const gui::Key& /*key*/, bool /*isDown*/) { return false; }
+
+    /// Where the stage was told to take text. See gui::DrawableView's handlers.
+    virtual void onText(std::string_view /*text*/) {}
+    virtual void onComposition(const gui::TextComposition& /*composition*/) {}
 };
 
 } // namespace gallery

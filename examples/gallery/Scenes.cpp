@@ -113,6 +113,18 @@ constexpr SceneInfo cScenes[] = {
      "millimetre. Drag and turn the wheel to move it, zoom about the pointer, point at a shape to see it, click to "
      "choose it; S goes to the screw, 0 shows all.",
      makeBlueprint},
+    {"type", "One word at every size",
+     "From 6 to 400 pixels, turned, with halo, underline and gradient, light and bold, all of them the same outlines; "
+     "and beside pictures of letters out of a font file, which have a size of their own.",
+     makeType},
+    {"scripts", "Nine scripts",
+     "The same paragraph in nine languages, from the left and from the right, wrapped by words or, where there are no "
+     "spaces, by a dictionary. The mouse selects whole letters, Ctrl-C copies them.",
+     makeScripts},
+    {"editor", "Fields to type in",
+     "A field of one line and one of many: carets, selections by mouse and keys, the clipboard, undo, and what input "
+     "methods compose. Click into one; Escape leaves it.",
+     makeEditor},
     {"samples", "Samples",
      "One picture, drawn aside with one sample per pixel and with four, and with eight where the driver has them; "
      "below "

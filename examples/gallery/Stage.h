@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gui/Cursor.h>
+#include <td/RectNormalized.h>
 
 #include <functional>
 #include <string>
@@ -33,6 +34,9 @@ public:
 
     /// The pointer's shape over the scene, at once; an arrow at first.
     virtual void setCursor(gui::Cursor::Type type) = 0;
+
+    /// Text comes to the scene. @param pCaret  where the caret is, in points; null for no more text
+    virtual void setTextInput(const td::RectNormalized<double>* /*pCaret*/) {}
 
     /// What the window's title says behind the scene's own. @param note  empty for nothing
     virtual void setNote(const std::string& note) = 0;
