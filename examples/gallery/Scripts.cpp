@@ -1,4 +1,5 @@
-// Look for: each script in its own order and shapes, wrapped where its readers expect it, and selected by whole letters.
+// Look for: each script in its own order and shapes, wrapped where its readers expect it, and selected by whole
+// letters.
 
 #include "Drawing.h"
 #include "Scenes.h"
@@ -47,12 +48,10 @@ constexpr Paragraph cParagraphs[] = {
      "الإخاء."},
     {"עברית", "Hebrew", "he", "#dda0dd", 17,
      "כל בני האדם נולדו בני חורין ושווים בערכם ובזכויותיהם. כולם חוננו בתבונה ובמצפון, לפיכך חובה עליהם לנהוג איש "
-     "ברעהו "
-     "ברוח של אחווה."},
+     "ברעהו ברוח של אחווה."},
     {"हिन्दी", "Hindi", "hi", "#f4a460", 17,
-     "सभी मनुष्यों को गौरव और अधिकारों के मामले में जन्मजात स्वतन्त्रता और समानता प्राप्त है। उन्हें बुद्धि और अन्तरात्मा की देन प्राप्त है और "
-     "परस्पर "
-     "उन्हें भाईचारे के भाव से बर्ताव करना चाहिए।"},
+     "सभी मनुष्यों को गौरव और अधिकारों के मामले में जन्मजात स्वतन्त्रता और समानता प्राप्त है। उन्हें बुद्धि "
+     "और अन्तरात्मा की देन प्राप्त है और परस्पर उन्हें भाईचारे के भाव से बर्ताव करना चाहिए।"},
     {"ไทย", "Thai", "th", "#7fffd4", 17,
      "มนุษย์ทั้งหลายเกิดมามีอิสระและเสมอภาคกันในเกียรติศักดิ์และสิทธิ ต่างมีเหตุผลและมโนธรรม "
      "และควรปฏิบัติต่อกันด้วยเจตนารมณ์แห่งภราดรภาพ"},
@@ -88,6 +87,7 @@ public:
             if (!isWhole(box.editor.getLayout()))
             {
                 style.paint = "#8090a8";
+                style.size = 14;
                 box.editor.setStyle(style);
                 box.editor.setText(std::string("This system has no face for ") + paragraph.english + ".");
             }

@@ -42,8 +42,8 @@ GUIGL_API gui::Key createKey(const KeyEvent& event);
 /// Escape (53) nor key 8, else its key code shifted left by 8.
 GUIGL_API gui::Key createReleasedKey(const KeyEvent& event);
 
-/// The text to insert, well-formed and without control characters; none for what a key makes with Ctrl, Alt or Super, but
-/// not AltGr.
+/// The text to insert, well-formed and without control characters; none for what a key makes with Ctrl, Alt or Super,
+/// but not AltGr.
 GUIGL_API std::string toTypedText(const TextEvent& event);
 /// The record of a composition; characters that aren't there are counted as its end.
 GUIGL_API gui::TextComposition toComposition(const CompositionEvent& event);

@@ -62,8 +62,8 @@ struct FakeWindow
 };
 
 /// A surface on no window system, with a context that is current when it says so. It notes: "needs display", "flush",
-/// "cursor 3", "text input on", "caret 1,2 3,4", "clock 30 60", "clock stops", "surface gone"; and it complains there when its context is not current
-/// where it has to be.
+/// "cursor 3", "text input on", "caret 1,2 3,4", "clock 30 60", "clock stops", "surface gone"; and it complains there
+/// when its context is not current where it has to be.
 class FakeSurface : public gui::gl::NativeSurface
 {
 public:

@@ -78,8 +78,8 @@ public:
     /// No more of it; a composition under way is given up without another word.
     void stopTextInput() const;
     bool takesTextInput() const;
-    /// Where the caret is: an input method shows its candidates beside it. To be told again when it moves, or the view's
-    /// content. @param rect  in points of the view, y downwards
+    /// Where the caret is: an input method shows its candidates beside it. To be told again when it moves, or the
+    /// view's content. @param rect  in points of the view, y downwards
     void setTextInputRect(const td::RectNormalized<double>& rect) const;
 
     /// onFocusIn and onFocusOut are called from now on.

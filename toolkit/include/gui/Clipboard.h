@@ -14,10 +14,10 @@ namespace gui
 ///     if (gui::Clipboard::hasText())
 ///         editor.paste(gui::Clipboard::getText());
 ///
-/// It is the window system's: X11's and Wayland's. On both a text is the program's that gave it, and goes with it unless
-/// the desktop keeps it; on Wayland only a program whose window has, or had, the keyboard may give one or hear of it.
-/// Without a display it is the program's own, so that programs run unchanged: what was set is what there is, and nobody
-/// else sees it.
+/// It is the window system's: X11's and Wayland's. On both a text is the program's that gave it, and goes with it
+/// unless the desktop keeps it; on Wayland only a program whose window has, or had, the keyboard may give one or hear
+/// of it. Without a display it is the program's own, so that programs run unchanged: what was set is what there is, and
+/// nobody else sees it.
 ///
 /// Texts are UTF-8. GUI thread only.
 class GUIGL_API Clipboard

@@ -65,13 +65,13 @@ protected:
 
     /// Text was typed, by keys or through an input method, in a view that takes text (see gui::gl::View's
     /// startTextInput): insert it at the caret, where it takes the place of the selection. It ends a composition, of
-    /// which it is what came out. Keys make key events as ever; those that have a character make text behind that, unless
-    /// Ctrl, Alt or Super is held, and those that an input method uses up make none. Return, Tab, Backspace and their like
-    /// are keys alone.
+    /// which it is what came out. Keys make key events as ever; those that have a character make text behind that,
+    /// unless Ctrl, Alt or Super is held, and those that an input method uses up make none. Return, Tab, Backspace and
+    /// their like are keys alone.
     /// @param text  UTF-8, well-formed, not empty, without control characters; long ones come in several pieces
     virtual void onTextInput(std::string_view text);
-    /// What an input method composes, each time that it changes; an empty one at the end, also when the keyboard goes to
-    /// another window.
+    /// What an input method composes, each time that it changes; an empty one at the end, also when the keyboard goes
+    /// to another window.
     virtual void onTextComposition(const TextComposition& composition);
 };
 

@@ -50,14 +50,14 @@ namespace gui::draw
 ///     onPrimaryButton...    press(point, device.getNoOfEvents(), device.getKey().isShiftPressed()), drag(point)
 ///     onDraw                getSelectionRects, getLayout, getCompositionRects, getCaretRect
 ///
-/// Texts are UTF-8; what comes in is made well-formed, with one U+000A for each of CR, LF and CR LF, and without control
-/// characters other than tabs. Places are bytes of the text. The caret, and the selection's other end, never stand within
-/// a letter as readers see it (a grapheme cluster), and what is deleted are whole ones. Points are in the layout's
-/// coordinates, as are the rectangles.
+/// Texts are UTF-8; what comes in is made well-formed, with one U+000A for each of CR, LF and CR LF, and without
+/// control characters other than tabs. Places are bytes of the text. The caret, and the selection's other end, never
+/// stand within a letter as readers see it (a grapheme cluster), and what is deleted are whole ones. Points are in the
+/// layout's coordinates, as are the rectangles.
 ///
-/// What changes the text or the caret gives up a composition under way, which is no part of the text; compose and insert
-/// alone replace it. A text is laid out when it is looked at, and of its paragraphs only those that are new. A value; no
-/// GL; for any thread, one at a time.
+/// What changes the text or the caret gives up a composition under way, which is no part of the text; compose and
+/// insert alone replace it. A text is laid out when it is looked at, and of its paragraphs only those that are new. A
+/// value; no GL; for any thread, one at a time.
 class GUIGL_API TextEditor
 {
 public:
@@ -88,7 +88,7 @@ public:
         LineStart,    ///< of the line as wrapped
         LineEnd,
         Up, ///< by a line, to the x that the first of several such motions began at; from the first line to the text's
-            ///< beginning
+        ///< beginning
         Down,           ///< likewise, from the last line to its end
         ParagraphStart, ///< or, there, that of the one before
         ParagraphEnd,   ///< or, there, that of the next one
@@ -135,29 +135,31 @@ public:
     /// Backspace. @return whether the text is another now
     bool erase(Motion motion);
 
-    /// Shows what an input method composes in the place of the selection, which is there again when it is given up: by an
-    /// empty one.
+    /// Shows what an input method composes in the place of the selection, which is there again when it is given up: by
+    /// an empty one.
     void compose(const gui::TextComposition& composition);
     bool isComposing() const { return !_composition.empty(); }
 
-    /// Steps back and forth. Letters that were typed one after the other, up to a word with the spaces behind it, are one
-    /// step, as are those that were deleted one after the other. What is more than 16 MiB of
-    /// steps is forgotten, the oldest first, but for the last. @return false when there is none
+    /// Steps back and forth. Letters that were typed one after the other, up to a word with the spaces behind it, are
+    /// one step, as are those that were deleted one after the other. What is more than 16 MiB of steps is forgotten,
+    /// the oldest first, but for the last. @return false when there is none
     bool undo();
     bool redo();
     bool canUndo() const { return _nDone > 0; }
     bool canRedo() const { return _nDone < _steps.size(); }
 
-    /// @param selects  whether the selection's other end stays where it is; else nothing is selected afterwards, and Left
-    ///                 and Right go to a selection's side  @return whether caret or selection changed
+    /// @param selects  whether the selection's other end stays where it is; else nothing is selected afterwards, and
+    ///                 Left and Right go to a selection's side
+    /// @return whether caret or selection changed
     bool move(Motion motion, bool selects = false);
-    /// What desktops on Linux do on a key: arrows, Home and End with Shift and Ctrl, Backspace and Delete, Return, Ctrl-A
-    /// and Ctrl-Z, Ctrl-Shift-Z and Ctrl-Y. @return whether it is used up, as is a key that makes text: insert comes next.
-    ///          Tab, Escape and keys with Alt are not
+    /// What desktops on Linux do on a key: arrows, Home and End with Shift and Ctrl, Backspace and Delete, Return,
+    /// Ctrl-A and Ctrl-Z, Ctrl-Shift-Z and Ctrl-Y.
+    /// @return whether it is used up, as is a key that makes text, for which insert comes next. Tab, Escape and keys
+    ///         with Alt are not
     bool onKey(const gui::Key& key);
 
-    /// The pointer's button went down: the caret goes there. Two clicks select the word there, three its paragraph, and a
-    /// drag goes on by the same.
+    /// The pointer's button went down: the caret goes there. Two clicks select the word there, three its paragraph, and
+    /// a drag goes on by the same.
     /// @param extends  with Shift: the selection's other end stays
     void press(Point point, unsigned int nClicks = 1, bool extends = false);
     /// It moved while it was down.
