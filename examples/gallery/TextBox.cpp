@@ -26,7 +26,9 @@ void TextBox::setRect(const Rect& rect)
 
 bool TextBox::contains(Point point) const
 {
-    return point.x >= _rect.left && point.x < _rect.right && point.y >= _rect.top && point.y < _rect.bottom;
+    constexpr double cAround = 14;
+    return point.x >= _rect.left - cAround && point.x < _rect.right + cAround && point.y >= _rect.top - cAround &&
+           point.y < _rect.bottom + cAround;
 }
 
 TextBox::Point TextBox::toText(const gui::InputDevice& device) const

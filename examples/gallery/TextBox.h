@@ -24,6 +24,7 @@ public:
     void setRect(const Rect& rect);
     const Rect& getRect() const { return _rect; }
 
+    /// With some room around it.
     bool contains(Point point) const;
     /// The primary button went down, a second time in a row or not, or the pointer moved with it.
     void press(const gui::InputDevice& device, unsigned int nClicks);

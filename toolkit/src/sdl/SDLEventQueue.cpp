@@ -90,7 +90,8 @@ void SDLEventQueue::append(SDL_Event& event)
     entry.modifiers = static_cast<unsigned int>(SDL_GetModState());
     entry.mouseButtons = SDL_GetMouseState(&entry.mouseX, &entry.mouseY);
     const bool isKey = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP;
-    entry.xKeyCode = isKey ? _xKeyCode : 0;
+    // Keys that the input method takes, a letter behind a dead key say, come without the X11 event.
+    entry.xKeyCode = isKey ? std::exchange(_xKeyCode, 0) : 0;
     entry.xState = isKey ? _xState : 0;
 
     // Where the pointer entered is only told by the motion that follows.

@@ -18,7 +18,7 @@ struct SDLEvent
     unsigned int mouseButtons; ///< as SDL_GetMouseState answers
     int mouseX;                ///< in points of the window's content
     int mouseY;
-    unsigned int xKeyCode; ///< of the X11 event that a key event came from; 0 when it came from none
+    unsigned int xKeyCode; ///< of the X11 event that a key event came from; 0 when it came from none that is known
     unsigned int xState;   ///< its state, which holds the layout's group
     std::string text; ///< of SDL_TEXTINPUT, SDL_TEXTEDITING and SDL_TEXTEDITING_EXT, whose own pointer is null here
     bool isOfKey;     ///< of SDL_TEXTINPUT: whether a key that went down made it, and no input method
