@@ -22,6 +22,7 @@ void TextBox::setRect(const Rect& rect)
 {
     _rect = rect;
     editor.setWidth(rect.right - rect.left);
+    editor.setPage(rect.bottom - rect.top);
 }
 
 bool TextBox::contains(Point point) const

@@ -107,6 +107,14 @@ TEST(TextEditorTest, Motions)
         editor.move(Motion::Down);
     EXPECT_NEAR(editor.getCaretRect().left, x, 4);
     EXPECT_EQ(editor.getLayout().getLineAt(editor.getCaret()), 3U);
+    // By pages of some two lines.
+    editor.setPage(2.2 * (editor.getCaretRect().bottom - editor.getCaretRect().top));
+    editor.move(Motion::TextStart);
+    for (const std::size_t line : {2U, 3U})
+    {
+        editor.move(Motion::PageDown);
+        EXPECT_EQ(editor.getLayout().getLineAt(editor.getCaret()), line);
+    }
     // A wrapped line's end is in that line, and its beginning too.
     TextEditor wrapped = parse("several |words in lines", {.width = 50});
     wrapped.move(Motion::LineEnd);

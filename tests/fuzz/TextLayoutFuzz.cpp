@@ -31,6 +31,7 @@ bool isBoundary(const TextLayout& layout, std::size_t offset)
 void edit(fuzz::Input& input, const std::string& text, const TextStyle& style, const ParagraphStyle& paragraph)
 {
     TextEditor editor(style, paragraph);
+    editor.setPage(40);
     editor.setText(text.substr(0, 300));
     std::string model = taken(text.substr(0, 300));
     const std::string first = model;
@@ -39,7 +40,7 @@ void edit(fuzz::Input& input, const std::string& text, const TextStyle& style, c
     {
         const TextEditor::Range selected = editor.getSelection();
         const std::size_t nSelected = selected.end - selected.begin;
-        const auto motion = TextEditor::Motion(input.below(16));
+        const auto motion = TextEditor::Motion(input.below(18));
         const TextEditor::Point point{input.take<td::BYTE>() * 1.5, input.take<td::BYTE>() * 1.0};
         std::string typed;
         switch (const unsigned int act = input.below(10))

@@ -321,6 +321,11 @@ bool TextEditor::onKey(const gui::Key& key)
         moves(isUp ? Motion::Up : Motion::Down, isUp ? Motion::ParagraphStart : Motion::ParagraphEnd);
         return true;
     }
+    case Virtual::PageUp:
+    case Virtual::PageDown:
+        if (_page > 0 && !isCmd)
+            move(key.getVirtual() == Virtual::PageUp ? Motion::PageUp : Motion::PageDown, isShift);
+        return _page > 0 && !isCmd;
     case Virtual::Home:
         moves(Motion::LineStart, Motion::TextStart);
         return true;

@@ -93,6 +93,12 @@ std::size_t TextEditor::toBoundary(std::size_t offset) const
     return layout.getPrevious(next) == offset ? offset : next;
 }
 
+Position TextEditor::hit(Point point) const
+{
+    const Position at = getLayout().hitTest(point);
+    return {toBoundary(at.offset), at.affinity};
+}
+
 bool TextEditor::goTo(const Place& place, bool keepsX)
 {
     const bool isNew = place.caret != _caret || place.anchor != _anchor;
@@ -121,7 +127,7 @@ void TextEditor::select(Range range)
 bool TextEditor::move(Motion motion, bool selects)
 {
     giveUpComposition();
-    const bool isVertical = motion == Motion::Up || motion == Motion::Down;
+    const bool isVertical = motion >= Motion::Up && motion <= Motion::PageDown;
     if (isVertical && !_x)
         _x = getLayout().getCaret(_caret).top.x;
     const bool isSideward = motion == Motion::Left || motion == Motion::Right;
@@ -166,12 +172,15 @@ Position TextEditor::find(Motion motion, double x) const
     case Motion::NextWord:
         return {nextWordEnd(layout, _caret.offset), Affinity::Upstream};
     case Motion::LineStart:
-        return {layout.getLines()[line].begin, Affinity::Downstream};
+        return {toBoundary(layout.getLines()[line].begin), Affinity::Downstream};
     case Motion::LineEnd:
         return endOfLine(line);
     case Motion::Up:
     case Motion::Down:
         return inLine(line, motion == Motion::Down, x);
+    case Motion::PageUp:
+    case Motion::PageDown:
+        return pageFrom(line, motion == Motion::PageDown, x);
     case Motion::ParagraphStart:
     {
         const std::size_t begin = paragraphAt(_caret.offset).begin;
@@ -197,7 +206,20 @@ Position TextEditor::inLine(std::size_t line, bool isDown, double x) const
     if (isDown ? line + 1 >= lines.size() : line == 0)
         return {isDown ? _text.size() : 0, Affinity::Downstream};
     const TextLayout::Line& to = lines[isDown ? line + 1 : line - 1];
-    return layout.hitTest({x, (to.top + to.bottom) / 2});
+    return hit({x, (to.top + to.bottom) / 2});
+}
+
+Position TextEditor::pageFrom(std::size_t line, bool isDown, double x) const
+{
+    const auto lines = getLayout().getLines();
+    if (!(_page > 0))
+        return _caret;
+    if (isDown ? line + 1 >= lines.size() : line == 0)
+        return inLine(line, isDown, x);
+    const double y = (lines[line].top + lines[line].bottom) / 2 + (isDown ? _page : -_page);
+    const std::size_t to = getLayout().getLineAt(hit({x, y}));
+    // A page that is lower than a line goes on all the same.
+    return to == line ? inLine(line, isDown, x) : hit({x, y});
 }
 
 bool TextEditor::endsHard(std::size_t line) const
@@ -212,7 +234,9 @@ Position TextEditor::endOfLine(std::size_t line) const
 {
     const TextLayout& layout = getLayout();
     const std::size_t end = layout.getLines()[line].end;
-    return {endsHard(line) ? layout.getPrevious(end) : end, Affinity::Upstream};
+    // Where a mark on a space begins the next line, that letter is in both.
+    const bool isWithin = end < layout.getText().size() && layout.getPrevious(layout.getNext(end)) != end;
+    return {endsHard(line) || isWithin ? layout.getPrevious(end) : end, Affinity::Upstream};
 }
 
 // Without what ends it.
@@ -247,18 +271,18 @@ TextEditor::Range TextEditor::unitAt(Position hit) const
 void TextEditor::press(Point point, unsigned int nClicks, bool extends)
 {
     giveUpComposition();
-    const Position hit = getLayout().hitTest(point);
+    const Position at = hit(point);
     if (extends)
     {
         _unit = Unit::Letter;
         _pressed = {_anchor, _anchor};
-        goTo({hit, _anchor});
+        goTo({at, _anchor});
         return;
     }
     _unit = nClicks <= 1 ? Unit::Letter : nClicks == 2 ? Unit::Word : Unit::Paragraph;
-    _pressed = unitAt(hit);
+    _pressed = unitAt(at);
     if (_unit == Unit::Letter)
-        goTo({hit, hit.offset});
+        goTo({at, at.offset});
     else
         goTo({{_pressed.end, Affinity::Upstream}, _pressed.begin});
 }
@@ -268,10 +292,10 @@ void TextEditor::drag(Point point)
     giveUpComposition();
     // The text may have become shorter since.
     _pressed = {std::min(_pressed.begin, _text.size()), std::min(_pressed.end, _text.size())};
-    const Position hit = getLayout().hitTest(point);
-    const Range unit = unitAt(hit);
+    const Position at = hit(point);
+    const Range unit = unitAt(at);
     if (_unit == Unit::Letter)
-        goTo({hit, toBoundary(_pressed.begin)});
+        goTo({at, toBoundary(_pressed.begin)});
     else if (unit.begin < _pressed.begin)
         goTo({{unit.begin, Affinity::Downstream}, toBoundary(_pressed.end)});
     else

@@ -90,6 +90,8 @@ public:
         Up, ///< by a line, to the x that the first of several such motions began at; from the first line to the text's
         ///< beginning
         Down,           ///< likewise, from the last line to its end
+        PageUp,         ///< as Up, by as much as setPage says; nowhere while that is 0
+        PageDown,       ///< likewise
         ParagraphStart, ///< or, there, that of the one before
         ParagraphEnd,   ///< or, there, that of the next one
         TextStart,
@@ -114,6 +116,8 @@ public:
     void setParagraphStyle(const ParagraphStyle& paragraph);
     /// That of the paragraph style.
     void setWidth(double width);
+    /// How far PageUp and PageDown go: the height of what is seen of the text, say. 0, at first, leaves them to others.
+    void setPage(double height) { _page = height; }
 
     Position getCaret() const { return _caret; }
     /// What is selected; begin equals end, at the caret, when nothing is.
@@ -152,8 +156,8 @@ public:
     ///                 Left and Right go to a selection's side
     /// @return whether caret or selection changed
     bool move(Motion motion, bool selects = false);
-    /// What desktops on Linux do on a key: arrows, Home and End with Shift and Ctrl, Backspace and Delete, Return,
-    /// Ctrl-A and Ctrl-Z, Ctrl-Shift-Z and Ctrl-Y.
+    /// What desktops on Linux do on a key: arrows, Home, End and pages with Shift and Ctrl, Backspace and Delete,
+    /// Return, Ctrl-A and Ctrl-Z, Ctrl-Shift-Z and Ctrl-Y.
     /// @return whether it is used up, as is a key that makes text, for which insert comes next. Tab, Escape and keys
     ///         with Alt are not
     bool onKey(const gui::Key& key);
@@ -219,9 +223,11 @@ private:
 
     // With the layout of the text alone.
     std::size_t toBoundary(std::size_t offset) const;
+    Position hit(Point point) const;
     Position find(Motion motion, double x) const;
     Position besideSelection(bool isRight) const;
     Position inLine(std::size_t line, bool isDown, double x) const;
+    Position pageFrom(std::size_t line, bool isDown, double x) const;
     bool endsHard(std::size_t line) const;
     Position endOfLine(std::size_t line) const;
     Range paragraphAt(std::size_t offset) const;
@@ -235,6 +241,7 @@ private:
     Position _caret;
     std::size_t _anchor = 0;
     std::optional<double> _x; // of motions up and down
+    double _page = 0;
     std::string _composition;
     Range _inComposition;
     std::deque<Step> _steps; // those undone stand behind the others
