@@ -61,10 +61,10 @@ namespace gui::draw
 class GUIGL_API TextEditor
 {
 public:
-    using Point = TextLayout::Point;
-    using Rect = TextLayout::Rect;
-    using Range = TextLayout::Range;
-    using Position = TextLayout::Position;
+    using Point = TextLayout::Point;       ///< in the layout
+    using Rect = TextLayout::Rect;         ///< likewise
+    using Range = TextLayout::Range;       ///< of the text, in bytes
+    using Position = TextLayout::Position; ///< in the text
 
     /// What it holds at most. What is beyond is left out.
     struct Limits
@@ -111,8 +111,10 @@ public:
     const Limits& getLimits() const { return _limits; }
 
     const TextStyle& getStyle() const { return _style; }
+    /// Of all of the text.
     void setStyle(const TextStyle& style);
     const ParagraphStyle& getParagraphStyle() const { return _paragraph; }
+    /// Of all paragraphs; see the constructor for what it goes without.
     void setParagraphStyle(const ParagraphStyle& paragraph);
     /// That of the paragraph style.
     void setWidth(double width);
