@@ -4,6 +4,8 @@
 #include <gui/draw/Labels.h>
 #include <gui/gl/FrameLedger.h>
 
+#include <epoxy/gl.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -65,7 +67,7 @@ struct TextCase
 TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
 {
     const Affine mirrored{1.5, 0, 0, -1.5, 100, 900};
-    const std::array<TextCase, 12> cases{{{"Sphinx of black", 8, 0},
+    const std::array<TextCase, 13> cases{{{"Sphinx of black", 8, 0},
                                           {"quartz, judge", 11.3, 17},
                                           {"my vow @&%", 40, 45},
                                           {"Rag", 400, 17},
@@ -76,6 +78,7 @@ TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
                                           {"in points", 30, 10, Unit::Points, {}, 2, Affine{1, .5, 0, 1.5, 3, 5}},
                                           {"lo", 80, 17, Unit::Points, {}, 1, {}, 6},
                                           {"Ha", 40, 0, Unit::Model, {2, 0, 0, 2, 0, 0}, 1, {}, 3},
+                                          {"Rag", 11, 0, Unit::Points, {}, 2},
                                           {"H", 9, 0, Unit::Points, {}, 1, {}, 1}}};
     for (const TextCase& each : cases)
     {
@@ -85,7 +88,7 @@ TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
             style.halo = {each.halo, "#000"};
         const TextLayout layout(each.text, style);
         const Affine whole = each.view * each.group;
-        const Point at = whole.inverse()->map({150, 300});
+        const Point at = whole.inverse()->map({150.3, 300.4});
         Drawing drawing;
         drawing.beginGroup(each.group);
         drawing.text(at, layout, {.anchor = Anchor::TopLeft, .offset = {20, 10}, .angle = each.angle});
@@ -107,9 +110,14 @@ TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
             {
                 const double scale = run.size / run.face.getMetrics().unitsPerEm;
                 Point pen = map.map({run.origin.x + double(glyph.x), run.origin.y + double(glyph.y)});
-                pen = {pen.x + origin.x, pen.y + origin.y};
-                if (each.angle == 0 && each.unit == Unit::Points)
-                    pen.y = std::floor(pen.y + .5);
+                const auto snap = [](double x, double n) { return std::floor(n * x + .5) / n; };
+                const bool isOnRows = each.angle == 0 && each.unit == Unit::Points;
+                // Of small letters, pictures for the quarters of a pixel.
+                if (isOnRows && each.size * s <= 24)
+                    pen = {snap(origin.x, 4) + snap(pen.x, 4), pen.y};
+                else
+                    pen.x += origin.x;
+                pen.y = isOnRows ? snap(origin.y, 1) + snap(pen.y, 1) : origin.y + pen.y;
                 const Affine place = Affine::translation(pen.x, pen.y) * map;
                 const Path outline = run.face.getOutline(glyph.glyph).transformed(Affine::scaling(scale));
                 add(test::mapped(test::fillRings(outline), place));
@@ -123,6 +131,44 @@ TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
         const bool isStroked = each.halo > 0;
         EXPECT_TRUE(isClose(drawn(drawing, each.view, s), exact, {0, 0, cTextPicture, cTextPicture},
                             isStroked ? test::Closeness{5, 32, 64} : test::Closeness{2, 12, 24}));
+    }
+}
+
+// More letters than there is room for, one line of them after the other; then the first again, whose pictures are gone.
+TEST_F(DrawingTextTest, PicturesMakeRoomForOthers)
+{
+    glViewport(0, 0, 1000, 40);
+    std::string letters;
+    for (char c = '!'; c <= '~'; ++c)
+        letters += c;
+    const auto drawnOften = [this](Drawing& drawing, double pixelsPerPoint)
+    {
+        for (int i = 0; i < 5; ++i)
+            EXPECT_TRUE(drawing.draw(Affine(), pixelsPerPoint));
+        return drawn(drawing, {}, pixelsPerPoint);
+    };
+    Drawing drawing;
+    Drawing::ID shown = 0;
+    for (int i = 0; i <= 120; ++i)
+    {
+        SCOPED_TRACE(i);
+        const TextStyle style{.size = 12 + i % 120 / 10.0};
+        drawing.setVisible(shown, false);
+        shown = drawing.text({5, 20}, letters, style);
+        // What is shown meanwhile is not on the same quarters of a pixel.
+        if (i % 40 == 0)
+        {
+            Drawing alone;
+            alone.text({5, 20}, letters, style);
+            const Coverage meanwhile = drawn(drawing), picture = drawnOften(drawing, 1);
+            EXPECT_TRUE(isClose(meanwhile, picture, {0, 0, 1000, 40}, {16, 64, 80}));
+            const double scale = i == 120 ? .9 : 1;
+            EXPECT_TRUE(isClose(drawnOften(drawing, scale), drawnOften(alone, scale), {0, 0, 1000, 40}, {0, 0, 0}));
+        }
+        else
+            drawnOften(drawing, 1);
+        if (i < 120)
+            EXPECT_EQ(bytesFor(drawing, Affine::translation(.3, 0)), 0U);
     }
 }
 

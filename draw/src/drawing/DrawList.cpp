@@ -112,7 +112,7 @@ void DrawList::renew(std::size_t number)
         chunk.margin = std::max(chunk.margin, entry.margin);
         append(chunk.parts, {{entry.first, entry.count}, entry.ink});
         // Glyphs' sizes are not those of their shapes' boxes.
-        if (entry.ink == cGlyphs)
+        if (areGlyphs(entry.ink))
             append(chunk.boxes, {{entry.first, entry.count}, entry.ink});
         else
             append(chunk.boxes, {{cBoxes + entry.record, 1}, entry.ink});
@@ -158,7 +158,7 @@ void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPe
             if (touches(_boxes[i]) && _shapes[i].count != 0)
             {
                 const Entry& entry = _shapes[i];
-                if (isSmall && entry.ink != cGlyphs)
+                if (isSmall && !areGlyphs(entry.ink))
                     select({{cBoxes + entry.record, 1}, entry.ink});
                 else
                     select({{entry.first, entry.count}, entry.ink});

@@ -14,7 +14,7 @@ namespace gui::draw
 
 /// The shapes in the order of drawing, as far as it takes to choose which quads are drawn: those of shapes that may be
 /// seen, or, of shapes too small for it to matter, one box each. Shapes are taken by the hundred where that is enough.
-/// Glyphs, which have a program of their own, and images, which have textures, part what is drawn into passes.
+/// Glyphs, which have programs of their own, and images, which have textures, part what is drawn into passes.
 class DrawList
 {
 public:
@@ -23,8 +23,10 @@ public:
     /// Quads from this number on are boxes around the shapes of records.
     static constexpr std::uint32_t cBoxes = 1U << 28;
 
-    /// What is drawn together: shapes, glyphs, and what has an image, by the numbers from cImages on.
-    static constexpr std::uint32_t cShapes = 0, cGlyphs = 1, cImages = 2;
+    /// What is drawn together: shapes, glyphs by their outlines, by their pictures or some by either, and what has an
+    /// image, by the numbers from cImages on.
+    static constexpr std::uint32_t cShapes = 0, cGlyphs = 1, cPictures = 2, cBoth = 3, cImages = 4;
+    static bool areGlyphs(std::uint32_t ink) { return ink != cShapes && ink < cImages; }
 
     struct Shape
     {

@@ -277,6 +277,7 @@ void Drawing::clear()
     impl.index.clear();
     impl.largestMargin = 0;
     impl.glyphs.clear();
+    impl.waitingTexts.clear();
     impl.images.clear();
     impl.isChanged = true;
 }
@@ -365,6 +366,7 @@ bool Drawing::draw(const Affine& modelToView, double pixelsPerPoint)
     sight.center = inverse->map({viewport[2] / 2.0 / s, viewport[3] / 2.0 / s});
     sight.toPixels = {s * modelToView.a, -s * modelToView.b, s * modelToView.c, -s * modelToView.d, 0, 0};
     sight.pixelsPerPoint = s;
+    sight.size = {viewport[2], viewport[3]};
     return _pImpl->draw(sight);
 }
 
@@ -382,6 +384,7 @@ bool Drawing::draw(const gl::OrthoView& view)
     sight.center = {origin.x + viewport[2] / 2.0 / s / zoom, origin.y + viewport[3] / 2.0 / s / zoom};
     sight.toPixels = {s * zoom, 0, 0, up * s * zoom, 0, 0};
     sight.pixelsPerPoint = s;
+    sight.size = {viewport[2], viewport[3]};
     return _pImpl->draw(sight);
 }
 

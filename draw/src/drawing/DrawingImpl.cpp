@@ -79,6 +79,7 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
         images.giveBack(std::exchange(item.image, 0));
         enlist(item);
     }
+    const bool wasGradient = item.pGradient != nullptr;
     if (paint.isGradient())
         item.pGradient = std::make_unique<Paint>(paint);
     else
@@ -87,6 +88,8 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
         tables.setPaint(item.places, paint, textOf(item).anchor, 1);
     else
         tables.setPaint(item.places, paint, item.origin, item.step);
+    if (item.kind == Kind::Glyphs && item.hasBounds && wasGradient != paint.isGradient())
+        enlist(item); // gradients are drawn by outlines
     isChanged = true;
 }
 
@@ -308,7 +311,7 @@ void Drawing::Impl::enlist(const Item& item)
             // A pixel more, for those that stand on whole ones.
             shape.margin = static_cast<float>((letters.style.isInPoints ? reach : 0) +
                                               std::hypot(letters.style.offset.x, letters.style.offset.y) + 1);
-            shape.ink = DrawList::cGlyphs;
+            shape.ink = item.pGradient ? std::uint32_t(DrawList::cGlyphs) : letters.passInk;
         }
     }
     largestMargin = std::max(largestMargin, double(shape.margin));
@@ -412,7 +415,8 @@ bool Drawing::Impl::draw(const Sight& sight)
     if (areElementsStale)
         tidy();
     renewLinks();
-    if (!painter.draw(tables, list, images, sight, isChanged))
+    renewPictures(sight);
+    if (!painter.draw(tables, list, glyphs, images, sight, isChanged))
         return false;
     isChanged = false;
     // The geometric mean of what the axes are stretched by.

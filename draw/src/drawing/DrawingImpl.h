@@ -47,7 +47,10 @@ struct Drawing::Impl
         Rect ink;                // around them, with halos
         Point anchor;            // in the layout
         bool isHalo = false;
-        TextStyle text; // of its beginning
+        bool mayHavePictures = false;
+        bool isListed = false;                     // among waitingTexts
+        std::uint32_t passInk = DrawList::cGlyphs; // how it is drawn, if its paint is a colour
+        TextStyle text;                            // of its beginning
         TextPlacement placement;
     };
 
@@ -116,6 +119,14 @@ struct Drawing::Impl
     void setGlyphs(Item& glyphs, const TextLayout& layout, std::size_t style, double size, double lineWidth);
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
     void setElements(Item& glyphs, double strokeStep);
+    /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time.
+    void renewPictures(const Sight& sight);
+    /// Looks which glyphs have pictures, and draws more while there is time. @return whether some still wait
+    bool lookAtPictures(Item& item, double& time, std::vector<std::uint32_t>* pEvicted);
+    void usePicturesOf(const Item& item);
+    void await(Item& item);
+    bool isInSight(const Item& item, const Sight& sight) const;
+    void sweepGlyphs();
     /// From the model to a text's own unit about its anchor, as the last draw showed it.
     std::optional<Affine> toTextOf(const Item& glyphs) const;
     /// Around glyphs in model units, whichever way y grows.
@@ -184,6 +195,12 @@ struct Drawing::Impl
     ShapeGeometry geometry;
     ShapeTables tables;
     GlyphStore glyphs;
+    std::vector<std::uint32_t> waitingTexts; // shapes, some of whose glyphs wait for pictures
+    std::vector<std::uint32_t> visited;
+    bool isWaitingSeen = false; // whether there were some to draw at the last look
+    std::size_t nPicturesDrawn = 0;
+    std::size_t sweepAt = 10000; // glyphs
+    Sight lastSight;
     ImageStore images;
     std::vector<Element> elements;
     DrawingPainter painter;

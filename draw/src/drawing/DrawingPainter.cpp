@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 #include <string>
 
 namespace gui::draw
@@ -24,13 +23,14 @@ namespace
 /// The unit behind those of the tables.
 constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T7;
 constexpr gl::Texture::Unit cImageUnit = gl::Texture::Unit::T8;
+constexpr gl::Texture::Unit cPictureUnit = gl::Texture::Unit::T9;
 
 /// The shaders' names for ShapeFeature's bits.
-constexpr std::array<const char*, 10> cFeatures{"FILLS", "STROKES",   "ROUND", "CAPS",   "DASHES",
-                                                "LINKS", "GRADIENTS", "FAR",   "GLYPHS", "IMAGES"};
+constexpr std::array<const char*, 12> cFeatures{"FILLS",     "STROKES", "ROUND",  "CAPS",   "DASHES",   "LINKS",
+                                                "GRADIENTS", "FAR",     "GLYPHS", "IMAGES", "PICTURES", "HALOS"};
 
-/// Beside features: the first pass, of what is inside of opaque fills.
-constexpr unsigned int cCore = 1024;
+/// Beside features: the first pass, of what is inside of opaque fills; and nothing but pictures of glyphs.
+constexpr unsigned int cCore = 1U << 16, cPicturesAlone = 1U << 17;
 
 constexpr std::size_t cManyPrograms = 6;
 
@@ -41,15 +41,6 @@ constexpr std::size_t cManyPasses = 8;
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
 
-// What is seen, in model units.
-DrawList::Rect visibleOf(const Sight& sight, td::Size<int> size)
-{
-    const Affine toModel = sight.toPixels.inverse().value_or(Affine());
-    const double x = (std::abs(toModel.a) * size.width + std::abs(toModel.c) * size.height) / 2;
-    const double y = (std::abs(toModel.b) * size.width + std::abs(toModel.d) * size.height) / 2;
-    return {sight.center.x - x, sight.center.y - y, sight.center.x + x, sight.center.y + y};
-}
-
 // The most that a length grows.
 double stretchOf(const Affine& m)
 {
@@ -58,6 +49,14 @@ double stretchOf(const Affine& m)
 }
 
 } // namespace
+
+DrawList::Rect Sight::getVisible() const
+{
+    const Affine toModel = toPixels.inverse().value_or(Affine());
+    const double x = (std::abs(toModel.a) * size.width + std::abs(toModel.c) * size.height) / 2;
+    const double y = (std::abs(toModel.b) * size.width + std::abs(toModel.d) * size.height) / 2;
+    return {center.x - x, center.y - y, center.x + x, center.y + y};
+}
 
 /// Draws shapes of some features, or the inside of opaque fills.
 class DrawingPainter::ShapeProgram : public gl::Program
@@ -70,20 +69,22 @@ public:
             if ((features >> i & 1U) != 0)
                 head += std::string("#define ") + cFeatures[i] + '\n';
         head += gui::getResText(":draw/drawing.glsl").c_str();
-        const bool isCore = (features & cCore) != 0;
-        const std::string vertex = head + gui::getResText(isCore ? ":draw/core.vert" : ":draw/drawing.vert").c_str();
-        const std::string fragment = head + gui::getResText(isCore ? ":draw/core.frag" : ":draw/drawing.frag").c_str();
+        const std::string name = (features & cCore) != 0            ? ":draw/core"
+                                 : (features & cPicturesAlone) != 0 ? ":draw/picture"
+                                                                    : ":draw/drawing";
+        const std::string vertex = head + gui::getResText((name + ".vert").c_str()).c_str();
+        const std::string fragment = head + gui::getResText((name + ".frag").c_str()).c_str();
         return Program::link(vertex.c_str(), fragment.c_str());
     }
 
-    void activateFor(const ShapeTables& tables, const Sight& sight, td::Size<int> size)
+    void activateFor(const ShapeTables& tables, const Sight& sight)
     {
         activate();
         const std::array<std::uint32_t, 2> x = tables.toUnits(sight.center.x), y = tables.toUnits(sight.center.y);
         setUniformValue(_center, glm::uvec4(x[0], x[1], y[0], y[1]));
         const Affine& map = sight.toPixels;
         setUniformValue(_toPixels, glm::vec4(map.a, map.b, map.c, map.d));
-        setUniformValue(_halfSize, glm::vec2(size.width / 2.0, size.height / 2.0));
+        setUniformValue(_halfSize, glm::vec2(sight.size.width / 2.0, sight.size.height / 2.0));
         setUniformValue(_pixelsPerPoint, static_cast<float>(sight.pixelsPerPoint));
     }
 
@@ -98,6 +99,7 @@ protected:
         activate();
         int unit = 0;
         setUniformValue(find("image"), static_cast<int>(cImageUnit));
+        setUniformValue(find("pictures"), static_cast<int>(cPictureUnit));
         for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links", "glyphs"})
             setUniformValue(find(name), unit++);
     }
@@ -163,7 +165,7 @@ DrawingPainter::ShapeProgram* DrawingPainter::programFor(unsigned int features)
         found = std::find_if(_programs.begin(), _programs.end(),
                              [features](const auto& program)
                              {
-                                 return ((program.first ^ features) & cCore) == 0 &&
+                                 return ((program.first ^ features) & (cCore | cPicturesAlone)) == 0 &&
                                         (program.first & features) == features && program.second->isOK();
                              });
     if (found == _programs.end())
@@ -174,63 +176,106 @@ DrawingPainter::ShapeProgram* DrawingPainter::programFor(unsigned int features)
     return found->second->isOK() ? found->second.get() : nullptr;
 }
 
-bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, td::Size<int> size,
-                                unsigned int features, std::span<const gl::Quads::Range> ranges)
+bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, unsigned int features,
+                                std::span<const gl::Quads::Range> ranges)
 {
     ShapeProgram* pProgram = programFor(features);
     if (pProgram == nullptr)
         return fail("its program does not link");
-    pProgram->activateFor(tables, sight, size);
+    pProgram->activateFor(tables, sight);
     return _quads.draw(ranges) || fail("there is no vertex array");
 }
 
-bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, ImageStore& images, const Sight& sight,
-                                td::Size<int> size, double stretch)
+namespace
 {
-    const unsigned int features = tables.getFeatures();
+
+bool isImage(const DrawList::Pass& pass) { return pass.ink >= DrawList::cImages; }
+
+/// How passes are drawn together: the fewer programs, the more each of them does for every pixel.
+enum class Merging
+{
+    None,  ///< each by its own program
+    Texts, ///< those of glyphs in a row by one
+    All    ///< all but images
+};
+
+// In so many steps.
+std::size_t countSteps(std::span<const DrawList::Pass> passes, Merging merging)
+{
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < passes.size(); ++i)
+        n += !isImage(passes[i]) && !(merging == Merging::Texts && i > 0 && DrawList::areGlyphs(passes[i].ink) &&
+                                      DrawList::areGlyphs(passes[i - 1].ink))
+                 ? 1
+                 : 0;
+    return n;
+}
+
+} // namespace
+
+bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list, ImageStore& images, const Sight& sight,
+                                double stretch)
+{
+    const unsigned int features = tables.getFeatures(), glyphFeatures = tables.getGlyphFeatures();
     if ((features & HasFills) != 0 && !list.getParts().empty() &&
-        !drawRanges(tables, sight, size, cCore | (features & HasGradients), list.getParts()))
+        !drawRanges(tables, sight, cCore | (features & HasGradients), list.getParts()))
         return false;
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
-    const auto isImage = [](const DrawList::Pass& pass) { return pass.ink >= DrawList::cImages; };
     const std::span<const DrawList::Pass> passes = list.getPasses();
-    const bool isMixed = std::size_t(std::count_if(passes.begin(), passes.end(), std::not_fn(isImage))) > cManyPasses;
+    const Merging merging = countSteps(passes, Merging::None) <= cManyPasses    ? Merging::None
+                            : countSteps(passes, Merging::Texts) <= cManyPasses ? Merging::Texts
+                                                                                : Merging::All;
+    // Texts alone are behind nothing.
+    if (std::all_of(passes.begin(), passes.end(),
+                    [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }))
+        gl::Context::disable(gl::Context::Flag::DepthTest);
     for (auto pass = passes.begin(); pass != passes.end();)
     {
         const std::size_t first = pass->first;
+        const std::uint32_t ink = pass->ink;
+        const bool areGlyphs = DrawList::areGlyphs(ink);
         unsigned int needed = features | far;
         bool hasDepth = true;
         if (isImage(*pass))
         {
-            const unsigned int texture = images.getTexture(pass->ink - DrawList::cImages + 1);
+            const unsigned int texture = images.getTexture(ink - DrawList::cImages + 1);
             if (texture == 0)
                 return fail("GL has no room for an image");
             gl::Textures::bindToSamplerUnit(texture, cImageUnit, gl::Texture::Type::Tex2D);
             needed = HasFills | HasImages | far;
             ++pass;
         }
-        else if (isMixed)
+        else if (merging == Merging::All)
         {
-            needed |= tables.getGlyphFeatures();
+            needed |= glyphFeatures;
             pass = std::find_if(pass, passes.end(), isImage);
         }
         else
         {
             // A text's glyphs overlap each other's boxes.
-            hasDepth = pass->ink != DrawList::cGlyphs;
-            if (!hasDepth)
-                needed = tables.getGlyphFeatures();
-            ++pass;
+            hasDepth = !areGlyphs;
+            const auto last =
+                areGlyphs && merging == Merging::Texts
+                    ? std::find_if(pass, passes.end(),
+                                   [](const DrawList::Pass& other) { return !DrawList::areGlyphs(other.ink); })
+                    : pass + 1;
+            const bool isMerged = last - pass > 1;
+            pass = last;
+            if (areGlyphs && ink == DrawList::cPictures && !isMerged)
+                needed = cPicturesAlone | HasPictures | (glyphFeatures & HasHalos);
+            else if (areGlyphs)
+                needed = glyphFeatures & ~(ink == DrawList::cGlyphs && !isMerged ? HasPictures : 0U);
         }
         const std::size_t end = pass == passes.end() ? list.getRanges().size() : pass->first;
         gl::Context::maskDepthBuffer(hasDepth);
-        if (!drawRanges(tables, sight, size, needed, list.getRanges().subspan(first, end - first)))
+        if (!drawRanges(tables, sight, needed, list.getRanges().subspan(first, end - first)))
             return false;
     }
     return true;
 }
 
-bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, ImageStore& images, const Sight& sight, bool isChanged)
+bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyphs, ImageStore& images,
+                          const Sight& sight, bool isChanged)
 {
     if (!gl::CurrentContext::isThere("Drawing::draw"))
         return false;
@@ -240,7 +285,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, ImageStore& image
     if (viewport[2] <= 0 || viewport[3] <= 0)
         return true;
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
-    const td::Size<int> size{viewport[2], viewport[3]};
+    const td::Size<int> size = sight.size;
     if (!prepare())
         return fail("its program does not link");
     if (!(_layer.getSize() == size))
@@ -262,7 +307,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, ImageStore& image
     if (!_isLayerValid || isChanged || !(sight == _sight))
     {
         _isLayerValid = false;
-        if (!tables.upload())
+        if (!tables.upload() || !glyphs.getPictures().upload())
             return fail("GL has no room for its shapes");
         const gl::Framebuffer::Drawing drawing(_layer);
         if (!drawing)
@@ -276,9 +321,10 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, ImageStore& image
         gl::Context::enable(Flag::DepthTest);
         gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
         tables.bind();
+        glyphs.getPictures().bind(cPictureUnit);
         const double stretch = stretchOf(sight.toPixels);
-        list.select(visibleOf(sight, size), stretch, sight.pixelsPerPoint);
-        if (!drawShapes(tables, list, images, sight, size, stretch))
+        list.select(sight.getVisible(), stretch, sight.pixelsPerPoint);
+        if (!drawShapes(tables, list, images, sight, stretch))
             return false;
         _sight = sight;
         _isLayerValid = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DrawList.h"
+#include "GlyphStore.h"
 #include "ImageStore.h"
 #include "ShapeTables.h"
 
@@ -23,11 +24,14 @@ struct Sight
     td::Point<double> center;
     Affine toPixels; // its linear part alone
     double pixelsPerPoint = 1;
+    td::Size<int> size; // of the viewport
 
+    /// What may be seen, in model units.
+    DrawList::Rect getVisible() const;
     bool operator==(const Sight& other) const
     {
         return center.x == other.center.x && center.y == other.center.y && toPixels == other.toPixels &&
-               pixelsPerPoint == other.pixelsPerPoint;
+               pixelsPerPoint == other.pixelsPerPoint && size == other.size;
     }
 };
 
@@ -40,7 +44,8 @@ public:
     ~DrawingPainter();
 
     /// @param isChanged  whether tables or list are others than last time
-    bool draw(ShapeTables& tables, DrawList& list, ImageStore& images, const Sight& sight, bool isChanged);
+    bool draw(ShapeTables& tables, DrawList& list, GlyphStore& glyphs, ImageStore& images, const Sight& sight,
+              bool isChanged);
 
 private:
     class ShapeProgram;
@@ -49,10 +54,10 @@ private:
     bool prepare();
     ShapeProgram* programFor(unsigned int features);
     bool fail(const char* reason);
-    bool drawRanges(const ShapeTables& tables, const Sight& sight, td::Size<int> size, unsigned int features,
+    bool drawRanges(const ShapeTables& tables, const Sight& sight, unsigned int features,
                     std::span<const gl::Quads::Range> ranges);
     bool drawShapes(const ShapeTables& tables, const DrawList& list, ImageStore& images, const Sight& sight,
-                    td::Size<int> size, double stretch);
+                    double stretch);
 
     gl::Framebuffer _layer;
     std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features

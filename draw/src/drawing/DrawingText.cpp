@@ -146,6 +146,8 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
     if (isReplaced && before < order.size() && !text.members.empty())
         move(text.members, before);
     update(text);
+    if (glyphs.getNumberOfSized() > sweepAt)
+        sweepGlyphs();
 }
 
 void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t style, double size, double lineWidth)
@@ -154,15 +156,24 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
     letters.style.size = size;
     letters.style.lineWidth = lineWidth;
     const Point anchor = textOf(item).anchor;
+    letters.mayHavePictures = letters.style.isInPoints && letters.style.cosine == 1;
     elements.clear();
     for (const TextLayout::Run& run : layout.getRuns())
         if (run.style == style && run.size == size)
             for (const TextLayout::Glyph& placed : run.glyphs)
-                if (const GlyphStore::Glyph& glyph = glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
-                    !glyph.isEmpty)
+            {
+                const GlyphStore::Glyph glyph =
+                    letters.mayHavePictures ? glyphs.getSized(run.face, placed.glyph, size, lineWidth, builder, tables)
+                                            : glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
+                if (!glyph.isEmpty)
                     elements.push_back(elementOf(glyph.number, run.origin.x + double(placed.x) - anchor.x,
                                                  run.origin.y + double(placed.y) - anchor.y));
+            }
     tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
+    letters.passInk = DrawList::cGlyphs;
+    double noTime = 0;
+    if (letters.mayHavePictures && lookAtPictures(item, noTime, nullptr))
+        await(item);
 }
 
 // Lines under a text and through it are glyphs of its own.
@@ -171,6 +182,8 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
     Letters& letters = *item.pLetters;
     letters.style.size = 1;
     letters.style.lineWidth = 0;
+    letters.mayHavePictures = false;
+    letters.passInk = DrawList::cGlyphs;
     Path path;
     for (const TextLayout::Decoration& decoration : layout.getDecorations())
         if (decoration.style == style)

@@ -1,5 +1,7 @@
 #include "GlyphStore.h"
 
+#include "../type/TypefaceImpl.h"
+
 namespace gui::draw
 {
 
@@ -8,6 +10,9 @@ namespace
 
 /// How far lines may be from an outline's curves, in em: a fiftieth of a pixel where letters are 400 pixels high.
 constexpr double cTolerance = 1.0 / 20000;
+
+/// The widest lines that are drawn into pictures, in pixels.
+constexpr double cWidest = 16;
 
 } // namespace
 
@@ -29,6 +34,93 @@ const GlyphStore::Glyph& GlyphStore::get(const Typeface& face, std::uint32_t num
         return glyph;
     glyph = {tables.addGlyph(_geometry), false};
     return glyph;
+}
+
+GlyphPicture GlyphStore::beginningOf(const Sized& sized) const
+{
+    const auto [face, glyph, size, lineWidth] = sized.key;
+    const bool isSmall = size * _scale <= cLargest && lineWidth * _scale <= cWidest;
+    return {isSmall && _scale > 0 ? GlyphPicture::cIsWaited : 0, 0};
+}
+
+GlyphStore::Glyph GlyphStore::getSized(const Typeface& face, std::uint32_t number, double size, double lineWidth,
+                                       ShapeBuilder& builder, ShapeTables& tables)
+{
+    const Key key{face.getID(), number, static_cast<float>(size), static_cast<float>(lineWidth)};
+    if (const auto found = _numbers.find(key); found != _numbers.end())
+        return {found->second, false};
+    Glyph glyph = get(face, number, lineWidth > 0, builder, tables);
+    if (glyph.isEmpty)
+        return glyph;
+    glyph.number = tables.copyGlyph(glyph.number);
+    _numbers.emplace(key, glyph.number);
+    const Sized& sized = _sized.insert_or_assign(glyph.number, Sized{face, key}).first->second;
+    tables.setPicture(glyph.number, beginningOf(sized));
+    return glyph;
+}
+
+bool GlyphStore::setScale(double pixelsPerPoint, ShapeTables& tables)
+{
+    if (pixelsPerPoint == _scale)
+        return false;
+    _scale = pixelsPerPoint;
+    _pictures.clear();
+    for (const auto& [number, sized] : _sized)
+        tables.setPicture(number, beginningOf(sized));
+    return true;
+}
+
+GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& tables, double& cost,
+                                           std::vector<std::uint32_t>* pEvicted)
+{
+    const Sized& sized = _sized.at(number);
+    const auto [face, glyph, size, lineWidth] = sized.key;
+    const std::optional<GlyphCoverage> coverage =
+        TypefaceImpl::of(sized.face)->font().getFreeType().getCoverage(glyph, size * _scale, lineWidth * _scale);
+    cost = (10 + (coverage ? double(coverage->width * coverage->height) / 20 : 0)) * (lineWidth > 0 ? 2.5 : 1);
+    const auto fits = [](int n) { return n >= -128 && n < 128; };
+    if (!coverage || !fits(coverage->left) || !fits(coverage->top) || coverage->height > 60)
+    {
+        tables.setPicture(number, {});
+        return Result::Impossible;
+    }
+    const std::size_t nEvicted = pEvicted != nullptr ? pEvicted->size() : 0;
+    const std::optional<PictureAtlas::Place> place = _pictures.add(
+        static_cast<int>(4 * coverage->width), static_cast<int>(coverage->height), coverage->pixels, number, pEvicted);
+    if (pEvicted != nullptr)
+        for (std::size_t i = nEvicted; i < pEvicted->size(); ++i)
+            tables.setPicture((*pEvicted)[i], {GlyphPicture::cIsWaited, 0});
+    if (!place)
+        return Result::NoRoom;
+    tables.setPicture(
+        number,
+        {GlyphPicture::cIsThere | static_cast<std::uint32_t>(place->y) << 12 | static_cast<std::uint32_t>(place->x),
+         coverage->width | coverage->height << 8 | static_cast<std::uint32_t>(coverage->left + 128) << 16 |
+             static_cast<std::uint32_t>(coverage->top + 128) << 24});
+    return Result::Drawn;
+}
+
+void GlyphStore::sweep(const std::vector<bool>& areUsed, ShapeTables& tables)
+{
+    std::erase_if(_sized,
+                  [&](const auto& entry)
+                  {
+                      const auto& [number, sized] = entry;
+                      if (number < areUsed.size() && areUsed[number])
+                          return false;
+                      _numbers.erase(sized.key);
+                      tables.removeCopy(number);
+                      return true;
+                  });
+    _pictures.keepOwners(areUsed);
+}
+
+void GlyphStore::clear()
+{
+    _glyphs.clear();
+    _numbers.clear();
+    _sized.clear();
+    _pictures.clear();
 }
 
 } // namespace gui::draw

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PictureAtlas.h"
 #include "ShapeTables.h"
 
 #include <gui/draw/Typeface.h>
@@ -7,16 +8,21 @@
 #include <cstdint>
 #include <map>
 #include <tuple>
+#include <unordered_map>
+#include <vector>
 
 namespace gui::draw
 {
 
-/// The outlines that a drawing's texts have in its tables, each there once however often it is drawn.
+/// The glyphs that a drawing's texts have in its tables, each there once however often it is drawn: outlines, and
+/// pictures of those that are small on the screen.
 class GlyphStore
 {
 public:
     /// Of stroked outlines, in em.
     static constexpr double cStrokeStep = 0x1p-24;
+    /// The largest letters that have pictures, in pixels per em.
+    static constexpr double cLargest = 24;
 
     struct Glyph
     {
@@ -27,10 +33,47 @@ public:
     /// Adds an outline when it is not there yet. @param isStroked  for a line along it instead of its inside
     const Glyph& get(const Typeface& face, std::uint32_t glyph, bool isStroked, ShapeBuilder& builder,
                      ShapeTables& tables);
-    void clear() { _glyphs.clear(); }
+    /// The same of one size, which may have a picture. @param size, lineWidth  in points
+    Glyph getSized(const Typeface& face, std::uint32_t glyph, double size, double lineWidth, ShapeBuilder& builder,
+                   ShapeTables& tables);
+
+    /// Whether the scale is another one than before: then there is no picture any more.
+    bool setScale(double pixelsPerPoint, ShapeTables& tables);
+
+    /// How a picture came out.
+    enum class Result : td::BYTE
+    {
+        Drawn,
+        Impossible, ///< its outline is drawn for ever
+        NoRoom      ///< for now
+    };
+    /// Draws the picture of a glyph that waits for one. @param cost  is what it took, in microseconds or so
+    /// @param pEvicted  null when none may go; else those that went, which wait again, are added to it
+    Result drawPicture(std::uint32_t number, ShapeTables& tables, double& cost, std::vector<std::uint32_t>* pEvicted);
+
+    std::size_t getNumberOfSized() const { return _sized.size(); }
+    /// Gives back those of one size that aren't used. @param areUsed  by number
+    void sweep(const std::vector<bool>& areUsed, ShapeTables& tables);
+
+    PictureAtlas& getPictures() { return _pictures; }
+    void clear();
 
 private:
+    using Key = std::tuple<std::uint64_t, std::uint32_t, float, float>; // face, glyph, size and line width
+
+    struct Sized
+    {
+        Typeface face;
+        Key key;
+    };
+
+    GlyphPicture beginningOf(const Sized& sized) const;
+
     std::map<std::tuple<std::uint64_t, std::uint32_t, bool>, Glyph> _glyphs; // by face, glyph and whether stroked
+    std::map<Key, std::uint32_t> _numbers;                                   // of those of one size
+    std::unordered_map<std::uint32_t, Sized> _sized;                         // by number
+    double _scale = 0;                                                       // pixels per point
+    PictureAtlas _pictures{{}};
     ShapeGeometry _geometry;
 };
 

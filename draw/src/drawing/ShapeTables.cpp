@@ -175,8 +175,21 @@ std::uint32_t ShapeTables::addGlyph(const ShapeGeometry& geometry)
                             static_cast<std::uint32_t>(geometry.nodes.size()),
                             _points.add(geometry.points),
                             static_cast<float>(geometry.step),
-                            {static_cast<float>(geometry.origin.x), static_cast<float>(geometry.origin.y)}};
+                            {static_cast<float>(geometry.origin.x), static_cast<float>(geometry.origin.y)},
+                            {}};
     return _glyphs.add(std::span(&glyph, 1));
+}
+
+std::uint32_t ShapeTables::copyGlyph(std::uint32_t number)
+{
+    GlyphRecord glyph = _glyphs[number];
+    glyph.picture = {};
+    return _glyphs.add(std::span(&glyph, 1));
+}
+
+void ShapeTables::setPicture(std::uint32_t glyph, const GlyphPicture& picture)
+{
+    _glyphs.setMember(glyph, &GlyphRecord::picture, picture);
 }
 
 std::uint32_t ShapeTables::setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry)
@@ -212,7 +225,8 @@ void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elemen
     record.dashes = -1;
     record.flags &= ~std::uint32_t(IsStroke | IsWidthInPoints | 3U << CapShift | 3U << JoinShift);
     record.flags |= AreGlyphs | (style.isInPoints ? IsWidthInPoints : 0U);
-    _glyphFeatures |= HasGlyphs | (style.lineWidth > 0 ? HasStrokes | HasRound : HasFills);
+    _glyphFeatures |= HasGlyphs | (style.isInPoints && style.cosine == 1 ? HasPictures : 0U) |
+                      (style.lineWidth > 0 ? HasStrokes | HasRound : HasFills);
     if (style.lineWidth > 0)
     {
         record.flags |= IsStroke | static_cast<std::uint32_t>(Join::Round) << JoinShift;

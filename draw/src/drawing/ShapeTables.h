@@ -39,6 +39,21 @@ struct ShapeRecord
 };
 static_assert(sizeof(ShapeRecord) == 96);
 
+/// The picture that a glyph of one size is drawn with instead of its outline.
+struct GlyphPicture
+{
+    /// Bits of place: what there is, and where a picture begins in the atlas: x in 12 bits, y in the next 12.
+    static constexpr std::uint32_t cIsThere = 1U << 31, cIsWaited = 1U << 29;
+
+    std::uint32_t place = 0;
+    std::uint32_t box = 0; // width, height, left and top, both more by 128; a byte each
+
+    bool isThere() const { return (place & cIsThere) != 0; }
+    bool isWaited() const { return (place & cIsWaited) != 0; } ///< it may be made
+    int getY() const { return static_cast<int>(place >> 12 & 4095U); }
+    bool operator==(const GlyphPicture&) const = default;
+};
+
 /// An outline that texts draw, as the shaders read it: two texels.
 struct GlyphRecord
 {
@@ -46,7 +61,8 @@ struct GlyphRecord
     std::uint32_t nNodes = 0;
     std::uint32_t points = 0;
     float step = 1;                // in em
-    std::array<float, 4> origin{}; // of its points, from the pen, in em: x and y
+    std::array<float, 2> origin{}; // of its points, from the pen, in em
+    GlyphPicture picture;
 };
 static_assert(sizeof(GlyphRecord) == 32);
 
@@ -89,7 +105,9 @@ enum ShapeFeature : unsigned int
     HasGradients = 64,
     HasFar = 128,
     HasGlyphs = 256,
-    HasImages = 512
+    HasImages = 512,
+    HasPictures = 1024, // of glyphs
+    HasHalos = 2048     // of glyphs, which are one shape
 };
 
 /// Some records in a row.
@@ -124,6 +142,11 @@ public:
     void setImage(ShapePlaces& places, const td::RectNormalized<double>& rect, td::Point<double> origin, double step);
     /// Adds an outline, in em about the pen, for good.
     std::uint32_t addGlyph(const ShapeGeometry& geometry);
+    /// The same outline again, for a glyph of one size. @return its number
+    std::uint32_t copyGlyph(std::uint32_t glyph);
+    void removeCopy(std::uint32_t glyph) { _glyphs.giveBack(glyph, 1); }
+    void setPicture(std::uint32_t glyph, const GlyphPicture& picture);
+    const GlyphPicture& getPicture(std::uint32_t glyph) const { return _glyphs[glyph].picture; }
     /// Replaces the outline that a text has for itself alone. @return its number
     std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry);
     /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
@@ -148,6 +171,7 @@ public:
     /// To units from 0 on: records, elements, points, nodes, numbers, links, glyphs.
     void bind() const;
 
+    const Table<Element>& getElements() const { return _elements; }
     const Table<ShapeRecord>& getRecords() const { return _records; }
     const Table<GridPoint>& getPoints() const { return _points; }
     const Table<EdgeNode>& getNodes() const { return _nodes; }

@@ -17,6 +17,11 @@ flat in vec2 textToMiddle;
 flat in vec4 textToPixels;
 #endif
 
+#ifdef PICTURES
+uniform sampler2D pictures; // how far a pixel is covered
+flat in ivec2 toTexel;
+#endif
+
 out vec4 color;
 
 // What the last of a node's numbers tells: see EdgeNode.
@@ -579,8 +584,12 @@ void main()
     Place place = Place(middle, toMiddle, mat2(stepsToPixels.xy, stepsToPixels.zw));
     vec2 pixel = gl_FragCoord.xy - halfSize;
     float coverage = 1.0;
+#ifdef PICTURES
+    if (kind == cPicture)
+        coverage = texelFetch(pictures, ivec2(gl_FragCoord.xy) + toTexel, 0).x;
+#endif
     // A triangle finds no pixels but those that no line touches.
-    if (kind != cTriangles)
+    if (kind != cTriangles && kind != cPicture)
 #if defined FILLS && defined STROKES
         coverage = (flags & cStroke) != 0u ? coverageOfStroke(place, pixel) : coverageOfFill(place, pixel);
 #elif defined STROKES
@@ -590,7 +599,7 @@ void main()
 #endif
 #ifdef GLYPHS
     // Boxes of glyphs overlap: what one leaves alone is for the next one.
-    if (kind == cGlyph && coverage == 0.0)
+    if ((kind == cGlyph || kind == cPicture) && coverage == 0.0)
         discard;
 #endif
     color = paint(place, pixel) * coverage;

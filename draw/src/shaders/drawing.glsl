@@ -1,7 +1,7 @@
 // What all stages of the drawing programs know: where shapes and their points are, in pixels from the middle of the
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
 // ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away),
-// GLYPHS, IMAGES.
+// GLYPHS, IMAGES, PICTURES (of glyphs), HALOS (of texts, which are one shape).
 // What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
@@ -11,7 +11,7 @@ uniform vec4 toPixels;         // pixels per model unit, by columns
 uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
-const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6;
+const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPicture = 7;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cImage = 8192u;
 // Of a triangle's points; the first one has something else above.
@@ -207,5 +207,26 @@ vec4 gradientAt(int at, Place place, vec2 pixel)
             color = mix(stopColor(at - 5), stopColor(at), to > from ? min((t - from) / (to - from), 1.0) : 1.0);
     }
     return color;
+}
+#endif
+
+#ifdef PICTURES
+// The pen of a text's anchor, which stands on a quarter of a pixel and on a row of them, from the lower left corner.
+ivec2 penOf(vec2 anchor) { return ivec2(floor((anchor + halfSize) * vec2(4.0, 1.0) + 0.5)); }
+
+// How far a glyph is from there. A text's glyphs keep their distances, wherever it stands.
+ivec2 wayTo(uvec4 element)
+{
+    return ivec2(floor(uintBitsToFloat(element.zw) * vec2(4.0, -1.0) * pixelsPerPoint + 0.5));
+}
+
+// Where the picture of a glyph is, low and high corner, and what leads from a pixel to its texel.
+void findPicture(ivec2 pen, uvec2 picture, out ivec4 box, out ivec2 toTexel)
+{
+    int column = pen.x >> 2, quarter = pen.x & 3;
+    ivec4 b = ivec4(uvec4(picture.y) >> uvec4(0u, 8u, 16u, 24u) & 255u) - ivec4(0, 0, 128, 128);
+    box.xy = ivec2(column + b.z, pen.y + b.w - b.y);
+    box.zw = box.xy + b.xy;
+    toTexel = ivec2(picture.x & 4095u, picture.x >> 12 & 4095u) + ivec2(quarter * b.x, 0) - box.xy;
 }
 #endif

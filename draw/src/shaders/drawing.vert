@@ -47,6 +47,10 @@ flat out vec2 textToMiddle;
 flat out vec4 textToPixels;
 #endif
 
+#ifdef PICTURES
+flat out ivec2 toTexel;
+#endif
+
 // Of the outline of a glyph, which is also what parts tells from here on. Text is never seen from behind; what is not
 // turned and has its size on the screen stands on whole pixels.
 Place placeOfGlyph(int shape, uvec4 element, bool isInPoints, Place text)
@@ -63,7 +67,7 @@ Place placeOfGlyph(int shape, uvec4 element, bool isInPoints, Place text)
     vec2 anchor = pixelOf(text, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
     vec2 at = anchor + local * uintBitsToFloat(element.zw);
     if (isInPoints && turn.x == 1.0)
-        at.y = floor(at.y + halfSize.y + 0.5) - halfSize.y;
+        at.y = floor(anchor.y + halfSize.y + 0.5) + floor(at.y - anchor.y + 0.5) - halfSize.y;
     uvec4 glyph = texelFetch(glyphs, 2 * int(element.y));
     at += local * (state.y * uintBitsToFloat(texelFetch(glyphs, 2 * int(element.y) + 1).xy));
     parts.yzw = glyph.xyz;
@@ -92,6 +96,22 @@ void main()
         return;
     Place place = placeOf(shape);
 #ifdef GLYPHS
+#ifdef PICTURES
+    uvec2 picture = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y) + 1).zw : uvec2(0u);
+    if (int(picture.x) < 0 && (flags & cGradient) == 0u)
+    {
+        kind = cPicture;
+        vec2 anchor =
+            pixelOf(place, ivec2(0)) + pixelsPerPoint * uintBitsToFloat(parts.zw) * vec2(1.0, -1.0);
+        if (any(greaterThan(abs(anchor), vec2(1e6))))
+            return;
+        ivec4 box;
+        findPicture(penOf(anchor) + wayTo(element), picture, box, toTexel);
+        vec2 corner = vec2((c & 1) == 0 ? box.x : box.z, (c & 2) == 0 ? box.y : box.w) - halfSize;
+        gl_Position = vec4(corner / halfSize, depthOf(state.w), 1.0);
+        return;
+    }
+#endif
     if (kind == cGlyph)
         place = placeOfGlyph(shape, element, (flags & cWidthInPoints) != 0u, place);
 #else

@@ -8,9 +8,11 @@
 #include FT_MODULE_H
 #include FT_MULTIPLE_MASTERS_H
 #include FT_OUTLINE_H
+#include FT_STROKER_H
 #include FT_SYSTEM_H
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -23,7 +25,7 @@ namespace
 {
 
 // A font may ask for any amount. The largest glyph that getImage promises takes 64 MiB in colour.
-constexpr std::size_t cMaxBytes = std::size_t(256) << 20;
+constexpr std::size_t cMostFontBytes = std::size_t(256) << 20;
 constexpr double cMaxPixels = 4096;
 
 // Blocks begin with their size, as FreeType doesn't say it when it frees one.
@@ -57,7 +59,7 @@ const char* textOf(FT_Error error)
 
 void* allocate(std::size_t* pUsed, std::size_t n)
 {
-    if (n > cMaxBytes || *pUsed > cMaxBytes - n)
+    if (n > cMostFontBytes || *pUsed > cMostFontBytes - n)
         return nullptr;
     auto* const pBlock = static_cast<char*>(std::malloc(n + cHeader));
     if (pBlock == nullptr)
@@ -148,6 +150,58 @@ int strikeFor(FT_Face face, double pixelsPerEm)
     return best;
 }
 
+// Up to so many pixels wide and high, the pictures of getCoverage.
+constexpr FT_Pos cMostCoverage = 255;
+
+// A line along an outline, both of its sides.
+bool strokeOutline(FT_Library library, const FT_Outline& outline, double width, FT_Outline& result)
+{
+    FT_Stroker stroker = nullptr;
+    if (FT_Stroker_New(library, &stroker) != 0)
+        return false;
+    FT_Stroker_Set(stroker, std::lround(width * 32), FT_STROKER_LINECAP_ROUND, FT_STROKER_LINEJOIN_ROUND, 0);
+    FT_UInt nPoints = 0, nContours = 0;
+    bool isDone = FT_Stroker_ParseOutline(stroker, const_cast<FT_Outline*>(&outline), 0) == 0 &&
+                  FT_Stroker_GetCounts(stroker, &nPoints, &nContours) == 0 && nPoints <= SHRT_MAX &&
+                  nContours <= SHRT_MAX &&
+                  FT_Outline_New(library, nPoints, static_cast<FT_Int>(nContours), &result) == 0;
+    if (isDone)
+    {
+        result.n_points = result.n_contours = 0;
+        FT_Stroker_Export(stroker, &result);
+    }
+    FT_Stroker_Done(stroker);
+    return isDone;
+}
+
+// From quarters of pixels to pixels, for each place of the pen. @param nRows  of quarters in a row of pixels
+void addQuarters(const std::vector<unsigned char>& quarters, int left, int nQuarters, int nRows, GlyphCoverage& result)
+{
+    const auto below = [](int n) { return n >= 0 ? n / 4 : -((3 - n) / 4); };
+    result.left = below(left);
+    result.width = static_cast<unsigned int>(below(left + nQuarters + 2) - result.left + 1);
+    result.pixels.resize(std::size_t(4) * result.width * result.height);
+    std::vector<int> sums(static_cast<std::size_t>(nQuarters) + 1); // of a row up to each quarter
+    for (unsigned int y = 0; y < result.height; ++y)
+    {
+        const auto firstRow = static_cast<std::size_t>(result.height - 1 - y) * static_cast<std::size_t>(nRows);
+        for (std::size_t x = 0; x + 1 < sums.size(); ++x)
+        {
+            sums[x + 1] = sums[x];
+            for (std::size_t row = firstRow; row < firstRow + static_cast<std::size_t>(nRows); ++row)
+                sums[x + 1] += quarters[row * static_cast<std::size_t>(nQuarters) + x];
+        }
+        td::BYTE* to = &result.pixels[std::size_t(4) * result.width * y];
+        for (int quarter = 0; quarter < 4; ++quarter)
+            for (int x = 0; x < static_cast<int>(result.width); ++x)
+            {
+                const int from = 4 * (result.left + x) - quarter - left;
+                const auto sumAt = [&](int i) { return sums[static_cast<std::size_t>(std::clamp(i, 0, nQuarters))]; };
+                *to++ = static_cast<td::BYTE>((sumAt(from + 4) - sumAt(from) + 2 * nRows) / (4 * nRows));
+            }
+    }
+}
+
 // What FreeType has drawn, without the padding of its rows.
 bool copyBitmap(const FT_Bitmap& bitmap, GlyphImage& image)
 {
@@ -236,6 +290,58 @@ Path FreeTypeFace::getOutline(std::uint32_t glyph) const
     if (writer.isOpen)
         path.close();
     return path;
+}
+
+std::optional<GlyphCoverage> FreeTypeFace::getCoverage(std::uint32_t glyph, double pixelsPerEm, double lineWidth) const
+{
+    const std::lock_guard lock(_mutex);
+    // Four times as wide and as high: so points are where they are to a 256th of a pixel.
+    const auto size = static_cast<FT_F26Dot6>(std::lround(pixelsPerEm * 256));
+    if (!FT_IS_SCALABLE(_pFace) || size < 1 || FT_Set_Char_Size(_pFace, size, size, 72, 72) != 0 ||
+        FT_Load_Glyph(_pFace, glyph, FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING) != 0 ||
+        _pFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
+        return std::nullopt;
+    FT_Outline stroked{};
+    const bool isStroked = lineWidth > 0;
+    if (isStroked && !strokeOutline(_pLibrary, _pFace->glyph->outline, 4 * lineWidth, stroked))
+        return std::nullopt;
+    FT_Outline& outline = isStroked ? stroked : _pFace->glyph->outline;
+    // Where edges of an outline cross, FreeType counts what is between them twice: for strokes, which have many such
+    // places, pixels are parted in y as well.
+    const int nRows = isStroked ? 4 : 1;
+    if (!isStroked)
+    {
+        const FT_Matrix flat{0x10000, 0, 0, 0x4000};
+        FT_Outline_Transform(&outline, &flat);
+    }
+    FT_BBox box;
+    FT_Outline_Get_CBox(&outline, &box);
+    const FT_Pos row = 64 * FT_Pos(nRows);
+    const auto down = [](FT_Pos n, FT_Pos unit) { return n >= 0 ? n / unit : -((unit - 1 - n) / unit); };
+    box = {down(box.xMin, 64), down(box.yMin, row), down(box.xMax + 63, 64), down(box.yMax + row - 1, row)};
+    const FT_Pos width = box.xMax - box.xMin, height = box.yMax - box.yMin;
+    std::optional<GlyphCoverage> result;
+    if (width > 0 && height > 0 && width <= 4 * cMostCoverage - 8 && height <= cMostCoverage)
+    {
+        std::vector<unsigned char> quarters(static_cast<std::size_t>(width * height * nRows));
+        FT_Bitmap bitmap{};
+        bitmap.width = static_cast<unsigned int>(width);
+        bitmap.rows = static_cast<unsigned int>(height * nRows);
+        bitmap.pitch = static_cast<int>(width);
+        bitmap.buffer = quarters.data();
+        bitmap.num_grays = 256;
+        bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+        FT_Outline_Translate(&outline, -box.xMin * 64, -box.yMin * row);
+        if (FT_Outline_Get_Bitmap(_pLibrary, &outline, &bitmap) == 0)
+        {
+            result.emplace().top = static_cast<int>(box.yMax);
+            result->height = static_cast<unsigned int>(height);
+            addQuarters(quarters, static_cast<int>(box.xMin), static_cast<int>(width), nRows, *result);
+        }
+    }
+    if (isStroked)
+        FT_Outline_Done(_pLibrary, &stroked);
+    return result;
 }
 
 // The glyph in the face's slot, as an outline or a picture.

@@ -83,7 +83,8 @@ public:
     /// A line along a path.
     ID stroke(const Path& path, const Stroke& stroke, const Paint& paint);
 
-    /// A text. Its letters are the outlines of its face, sharp at every size and angle, and no zoom uploads anything.
+    /// A text. Its letters are the outlines of its face, sharp at every size and angle. No zoom uploads anything but the
+    /// pictures of small letters that were not seen before (see docs/type.md), which stand on quarters of a pixel.
     ///
     ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}},
     ///                  {.anchor = Anchor::Left, .offset = {6, 0}});

@@ -1,0 +1,30 @@
+// A glyph that has a picture: exactly its pixels. What has none is not drawn here.
+uniform usamplerBuffer elements;
+uniform usamplerBuffer glyphs;
+
+out vec4 ink;
+out vec2 toTexel;
+
+void main()
+{
+    int quad = gl_VertexID / 4, c = gl_VertexID % 4;
+    gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
+    uvec4 element = texelFetch(elements, quad);
+    int shape = int(element.x & 0x0fffffffu);
+    uvec4 origin = texelFetch(shapes, 6 * shape), state = texelFetch(shapes, 6 * shape + 2);
+    uvec4 text = texelFetch(shapes, 6 * shape + 3);
+    uvec2 picture = texelFetch(glyphs, 2 * int(element.y) + 1).zw;
+    vec2 way = vec2(toFloat(subtract(origin.xy, uvec2(center.xy))), toFloat(subtract(origin.zw, uvec2(center.zw))));
+    vec2 anchor = mat2(toPixels.xy, toPixels.zw) * (way * (uintBitsToFloat(state.y) * powerOfTwo(-int(state.x)))) +
+                  pixelsPerPoint * uintBitsToFloat(text.zw) * vec2(1.0, -1.0);
+    if ((state.z & cVisible) == 0u || int(picture.x) >= 0 || any(greaterThan(abs(anchor), vec2(1e6))))
+        return;
+    vec4 color = unpacked(text.x);
+    ink = vec4(color.rgb * color.a, color.a);
+    ivec4 box;
+    ivec2 toTexel_;
+    findPicture(penOf(anchor) + wayTo(element), picture, box, toTexel_);
+    toTexel = vec2(toTexel_);
+    vec2 p = vec2((c & 1) == 0 ? box.x : box.z, (c & 2) == 0 ? box.y : box.w) - halfSize;
+    gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
+}
