@@ -167,8 +167,48 @@ TEST_F(DrawingTextTest, PicturesMakeRoomForOthers)
         }
         else
             drawnOften(drawing, 1);
-        if (i < 120)
-            EXPECT_EQ(bytesFor(drawing, Affine::translation(.3, 0)), 0U);
+        EXPECT_TRUE(i == 120 || bytesFor(drawing, Affine::translation(.3, 0)) == 0);
+    }
+}
+
+// Glyphs in colour, from pictures and from layers, look as FreeType makes them.
+TEST_F(DrawingTextTest, GlyphsHaveTheirColors)
+{
+    struct
+    {
+        const char* file;
+        char32_t character;
+        const char* text;
+        double size, mean;
+    } const cases[] = {{"truetype/noto/NotoColorEmoji.ttf", 0x1f600, "😀", 109, .6},
+                       // From a picture of 64 pixels, of which the half is between two smaller copies.
+                       {"truetype/noto/NotoColorEmoji.ttf", 0x1f389, "🎉", 40, 8},
+                       {"opentype/fonts-hosny-amiri/AmiriQuranColored.ttf", 0x6dd, "\u06dd", 60, 1.5}};
+    for (const auto& each : cases)
+    {
+        SCOPED_TRACE(each.file);
+        const Typeface face = Typeface::fromFile(("/usr/share/fonts/" + std::string(each.file)).c_str());
+        ASSERT_TRUE(face);
+        const std::uint32_t glyph = face.getGlyph(each.character);
+        ASSERT_TRUE(face.isColorGlyph(glyph));
+        const auto image = face.getImage(glyph, {.pixelsPerEm = each.size, .isHinted = false});
+        ASSERT_TRUE(image);
+        Drawing drawing;
+        drawing.text({300, 300}, each.text, {.face = face, .size = each.size});
+        clear({255, 255, 255});
+        ASSERT_TRUE(drawing.draw(Affine()));
+        double difference = 0;
+        for (unsigned int y = 0; y < image->height; ++y)
+            for (unsigned int x = 0; x < image->width; ++x)
+            {
+                const td::BYTE* wanted = &image->pixels[4 * (std::size_t(y) * image->width + x)];
+                const test::Pixel p = pixel(300 + image->left + static_cast<int>(x),
+                                            cTextPicture - 1 - (300 - image->top + static_cast<int>(y)));
+                difference += std::abs(p.red - (255 - wanted[3] + wanted[0])) +
+                              std::abs(p.green - (255 - wanted[3] + wanted[1])) +
+                              std::abs(p.blue - (255 - wanted[3] + wanted[2]));
+            }
+        EXPECT_LE(difference / (3.0 * image->width * image->height), each.mean);
     }
 }
 

@@ -311,7 +311,9 @@ void Drawing::Impl::enlist(const Item& item)
             // A pixel more, for those that stand on whole ones.
             shape.margin = static_cast<float>((letters.style.isInPoints ? reach : 0) +
                                               std::hypot(letters.style.offset.x, letters.style.offset.y) + 1);
-            shape.ink = item.pGradient ? std::uint32_t(DrawList::cGlyphs) : letters.passInk;
+            shape.ink = !item.pGradient     ? letters.passInk
+                        : letters.hasColors ? std::uint32_t(DrawList::cBoth)
+                                            : DrawList::cGlyphs;
         }
     }
     largestMargin = std::max(largestMargin, double(shape.margin));

@@ -48,6 +48,7 @@ struct Drawing::Impl
         Point anchor;            // in the layout
         bool isHalo = false;
         bool mayHavePictures = false;
+        bool hasColors = false;                    // pictures in colour, in place of which there is nothing to draw
         bool isListed = false;                     // among waitingTexts
         std::uint32_t passInk = DrawList::cGlyphs; // how it is drawn, if its paint is a colour
         TextStyle text;                            // of its beginning
@@ -121,8 +122,9 @@ struct Drawing::Impl
     void setElements(Item& glyphs, double strokeStep);
     /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time.
     void renewPictures(const Sight& sight);
-    /// Looks which glyphs have pictures, and draws more while there is time. @return whether some still wait
-    bool lookAtPictures(Item& item, double& time, std::vector<std::uint32_t>* pEvicted);
+    /// Looks which glyphs have pictures, and draws more while there is time. @param mayDraw  whatever time it takes,
+    /// pictures in colour @return whether some still wait
+    bool lookAtPictures(Item& item, double& time, bool mayDraw, std::vector<std::uint32_t>* pEvicted);
     void usePicturesOf(const Item& item);
     void await(Item& item);
     bool isInSight(const Item& item, const Sight& sight) const;
@@ -203,6 +205,7 @@ struct Drawing::Impl
     Sight lastSight;
     ImageStore images;
     std::vector<Element> elements;
+    std::vector<std::uint32_t> numbers; // of glyphs
     DrawingPainter painter;
 };
 

@@ -24,10 +24,12 @@ namespace
 constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T7;
 constexpr gl::Texture::Unit cImageUnit = gl::Texture::Unit::T8;
 constexpr gl::Texture::Unit cPictureUnit = gl::Texture::Unit::T9;
+constexpr gl::Texture::Unit cColoredUnit = gl::Texture::Unit::T10;
 
 /// The shaders' names for ShapeFeature's bits.
-constexpr std::array<const char*, 12> cFeatures{"FILLS",     "STROKES", "ROUND",  "CAPS",   "DASHES",   "LINKS",
-                                                "GRADIENTS", "FAR",     "GLYPHS", "IMAGES", "PICTURES", "HALOS"};
+constexpr std::array<const char*, 13> cFeatures{"FILLS",    "STROKES",   "ROUND", "CAPS",   "DASHES",
+                                                "LINKS",    "GRADIENTS", "FAR",   "GLYPHS", "IMAGES",
+                                                "PICTURES", "HALOS",     "COLORS"};
 
 /// Beside features: the first pass, of what is inside of opaque fills; and nothing but pictures of glyphs.
 constexpr unsigned int cCore = 1U << 16, cPicturesAlone = 1U << 17;
@@ -100,6 +102,7 @@ protected:
         int unit = 0;
         setUniformValue(find("image"), static_cast<int>(cImageUnit));
         setUniformValue(find("pictures"), static_cast<int>(cPictureUnit));
+        setUniformValue(find("coloredPictures"), static_cast<int>(cColoredUnit));
         for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links", "glyphs"})
             setUniformValue(find(name), unit++);
     }
@@ -262,9 +265,9 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
             const bool isMerged = last - pass > 1;
             pass = last;
             if (areGlyphs && ink == DrawList::cPictures && !isMerged)
-                needed = cPicturesAlone | HasPictures | (glyphFeatures & HasHalos);
+                needed = cPicturesAlone | HasPictures | (glyphFeatures & (HasHalos | HasColors));
             else if (areGlyphs)
-                needed = glyphFeatures & ~(ink == DrawList::cGlyphs && !isMerged ? HasPictures : 0U);
+                needed = glyphFeatures & ~(ink == DrawList::cGlyphs && !isMerged ? HasPictures | HasColors : 0U);
         }
         const std::size_t end = pass == passes.end() ? list.getRanges().size() : pass->first;
         gl::Context::maskDepthBuffer(hasDepth);
@@ -307,7 +310,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     if (!_isLayerValid || isChanged || !(sight == _sight))
     {
         _isLayerValid = false;
-        if (!tables.upload() || !glyphs.getPictures().upload())
+        if (!tables.upload() || !glyphs.getPictures().upload() || !glyphs.getColoredPictures().upload())
             return fail("GL has no room for its shapes");
         const gl::Framebuffer::Drawing drawing(_layer);
         if (!drawing)
@@ -322,6 +325,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
         gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
         tables.bind();
         glyphs.getPictures().bind(cPictureUnit);
+        glyphs.getColoredPictures().bind(cColoredUnit);
         const double stretch = stretchOf(sight.toPixels);
         list.select(sight.getVisible(), stretch, sight.pixelsPerPoint);
         if (!drawShapes(tables, list, images, sight, stretch))

@@ -39,16 +39,17 @@ void Drawing::Impl::usePicturesOf(const Item& item)
         if (const GlyphPicture& picture =
                 tables.getPicture(tables.getElements()[item.places.elements.first + i].points[0]);
             picture.isThere())
-            glyphs.getPictures().use(picture.getY());
+            glyphs.atlasOf(picture).use(picture.getY());
 }
 
-bool Drawing::Impl::lookAtPictures(Item& item, double& time, std::vector<std::uint32_t>* pEvicted)
+bool Drawing::Impl::lookAtPictures(Item& item, double& time, bool mayDraw, std::vector<std::uint32_t>* pEvicted)
 {
     bool hasPictures = false, hasOutlines = false, isWaiting = false;
     for (std::uint32_t i = 0; i < item.places.elements.count; ++i)
     {
         const std::uint32_t glyph = tables.getElements()[item.places.elements.first + i].points[0];
-        if (tables.getPicture(glyph).isWaited() && time > 0)
+        if (const GlyphPicture& old = tables.getPicture(glyph);
+            old.isWaited() && (time > 0 || (old.isColored() && mayDraw)))
         {
             double cost = 0;
             const GlyphStore::Result result = glyphs.drawPicture(glyph, tables, cost, pEvicted);
@@ -77,7 +78,7 @@ void Drawing::Impl::renewPictures(const Sight& sight)
     {
         double noTime = 0;
         for (const std::uint32_t slot : order)
-            if (slot != cNoItem && isPictured(slot) && lookAtPictures(items[slot], noTime, nullptr))
+            if (slot != cNoItem && isPictured(slot) && lookAtPictures(items[slot], noTime, false, nullptr))
                 await(items[slot]);
         isChanged = true;
     };
@@ -88,6 +89,7 @@ void Drawing::Impl::renewPictures(const Sight& sight)
     lastSight = sight;
     isWaitingSeen = false;
     glyphs.getPictures().beginUse();
+    glyphs.getColoredPictures().beginUse();
     const std::size_t nBefore = nPicturesDrawn;
     double time = cTimePerFrame;
     std::vector<std::uint32_t> evicted;
@@ -102,12 +104,12 @@ void Drawing::Impl::renewPictures(const Sight& sight)
     {
         Item& item = items[slot];
         bool isWaiting = true;
-        if (time < 0)
+        if (time < 0 && !item.pLetters->hasColors)
             isWaitingSeen = true; // or it may be
         else if (isInSight(item, sight))
         {
             const double before = time;
-            isWaiting = lookAtPictures(item, time, pEvicted);
+            isWaiting = lookAtPictures(item, time, true, pEvicted);
             if (isWaiting && time == 0 && before > 0 && pEvicted == nullptr)
             {
                 // There is no room: what is seen stays, something else goes.
@@ -116,7 +118,7 @@ void Drawing::Impl::renewPictures(const Sight& sight)
                     if (other != cNoItem && isPictured(other) && isInSight(items[other], sight))
                         usePicturesOf(items[other]);
                 time = before;
-                isWaiting = lookAtPictures(item, time, pEvicted);
+                isWaiting = lookAtPictures(item, time, true, pEvicted);
             }
             usePicturesOf(item);
             // Where even so there is no room, outlines do until something else is seen.

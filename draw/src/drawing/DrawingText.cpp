@@ -1,6 +1,8 @@
 #include "DrawingImpl.h"
 #include "TextAnchor.h"
 
+#include "../type/TypefaceImpl.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -157,22 +159,40 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
     letters.style.lineWidth = lineWidth;
     const Point anchor = textOf(item).anchor;
     letters.mayHavePictures = letters.style.isInPoints && letters.style.cosine == 1;
+    letters.hasColors = false;
     elements.clear();
     for (const TextLayout::Run& run : layout.getRuns())
-        if (run.style == style && run.size == size)
-            for (const TextLayout::Glyph& placed : run.glyphs)
+    {
+        if (run.style != style || run.size != size)
+            continue;
+        const bool isColored = TypefaceImpl::of(run.face)->font().isColored();
+        for (const TextLayout::Glyph& placed : run.glyphs)
+        {
+            numbers.clear();
+            if (isColored && run.face.isColorGlyph(placed.glyph))
             {
-                const GlyphStore::Glyph glyph =
-                    letters.mayHavePictures ? glyphs.getSized(run.face, placed.glyph, size, lineWidth, builder, tables)
-                                            : glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
-                if (!glyph.isEmpty)
-                    elements.push_back(elementOf(glyph.number, run.origin.x + double(placed.x) - anchor.x,
-                                                 run.origin.y + double(placed.y) - anchor.y));
+                // They are as heavy as they are.
+                if (lineWidth == 0 || letters.isHalo)
+                    glyphs.getColored(run.face, placed.glyph, letters.style.isInPoints ? size : 0, lineWidth > 0,
+                                      builder, tables, numbers);
+                letters.hasColors = true;
             }
+            else if (const GlyphStore::Glyph glyph =
+                         letters.mayHavePictures
+                             ? glyphs.getSized(run.face, placed.glyph, size, lineWidth, builder, tables)
+                             : glyphs.get(run.face, placed.glyph, lineWidth > 0, builder, tables);
+                     !glyph.isEmpty)
+                numbers.push_back(glyph.number);
+            for (const std::uint32_t number : numbers)
+                elements.push_back(elementOf(number, run.origin.x + double(placed.x) - anchor.x,
+                                             run.origin.y + double(placed.y) - anchor.y));
+        }
+    }
+    letters.mayHavePictures = letters.mayHavePictures || letters.hasColors;
     tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
     letters.passInk = DrawList::cGlyphs;
     double noTime = 0;
-    if (letters.mayHavePictures && lookAtPictures(item, noTime, nullptr))
+    if (letters.mayHavePictures && lookAtPictures(item, noTime, false, nullptr))
         await(item);
 }
 
@@ -182,7 +202,7 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
     Letters& letters = *item.pLetters;
     letters.style.size = 1;
     letters.style.lineWidth = 0;
-    letters.mayHavePictures = false;
+    letters.mayHavePictures = letters.hasColors = false;
     letters.passInk = DrawList::cGlyphs;
     Path path;
     for (const TextLayout::Decoration& decoration : layout.getDecorations())

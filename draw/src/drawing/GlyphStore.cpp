@@ -14,6 +14,9 @@ constexpr double cTolerance = 1.0 / 20000;
 /// The widest lines that are drawn into pictures, in pixels.
 constexpr double cWidest = 16;
 
+/// Of pictures in colour, in pixels per em.
+constexpr double cLargestColored = 128;
+
 } // namespace
 
 const GlyphStore::Glyph& GlyphStore::get(const Typeface& face, std::uint32_t number, bool isStroked,
@@ -38,6 +41,8 @@ const GlyphStore::Glyph& GlyphStore::get(const Typeface& face, std::uint32_t num
 
 GlyphPicture GlyphStore::beginningOf(const Sized& sized) const
 {
+    if (sized.isColored)
+        return {GlyphPicture::cIsColored | GlyphPicture::cIsWaited, 0};
     const auto [face, glyph, size, lineWidth] = sized.key;
     const bool isSmall = size * _scale <= cLargest && lineWidth * _scale <= cWidest;
     return {isSmall && _scale > 0 ? GlyphPicture::cIsWaited : 0, 0};
@@ -54,9 +59,85 @@ GlyphStore::Glyph GlyphStore::getSized(const Typeface& face, std::uint32_t numbe
         return glyph;
     glyph.number = tables.copyGlyph(glyph.number);
     _numbers.emplace(key, glyph.number);
-    const Sized& sized = _sized.insert_or_assign(glyph.number, Sized{face, key}).first->second;
+    const Sized& sized = _sized.insert_or_assign(glyph.number, Sized{face, key, false}).first->second;
     tables.setPicture(glyph.number, beginningOf(sized));
     return glyph;
+}
+
+void GlyphStore::getColored(const Typeface& face, std::uint32_t glyph, double size, bool isStroked,
+                            ShapeBuilder& builder, ShapeTables& tables, std::vector<std::uint32_t>& numbers)
+{
+    const std::vector<OpenFont::Layer> layers = TypefaceImpl::of(face)->font().getLayers(glyph);
+    for (const OpenFont::Layer& layer : layers)
+    {
+        const Glyph outline = get(face, layer.glyph, isStroked, builder, tables);
+        if (outline.isEmpty)
+            continue;
+        if (isStroked || layer.isText)
+        {
+            numbers.push_back(outline.number);
+            continue;
+        }
+        const std::uint32_t color = layer.color.rgba();
+        const auto [found, isNew] = _painted.try_emplace({face.getID(), layer.glyph, color});
+        if (isNew)
+        {
+            found->second = tables.copyGlyph(outline.number);
+            tables.setPicture(found->second, {GlyphPicture::cIsPaint, color});
+        }
+        numbers.push_back(found->second);
+    }
+    if (!layers.empty() || isStroked)
+        return;
+    // A width that no line has.
+    const Key key{face.getID(), glyph, static_cast<float>(size), -1.0F};
+    const auto [found, isNew] = _numbers.try_emplace(key);
+    if (isNew)
+    {
+        found->second = tables.addColoredGlyph();
+        _sized.insert_or_assign(found->second, Sized{face, key, true});
+    }
+    numbers.push_back(found->second);
+}
+
+void GlyphStore::makeWait(std::span<const std::uint32_t> numbers, ShapeTables& tables)
+{
+    for (const std::uint32_t number : numbers)
+        tables.setPicture(number,
+                          {GlyphPicture::cIsWaited | (tables.getPicture(number).place & GlyphPicture::cIsColored), 0});
+}
+
+// In one of a few sizes that is not smaller than on the screen, or where that is not known, as large as there is.
+GlyphStore::Result GlyphStore::drawColored(std::uint32_t number, const Sized& sized, ShapeTables& tables,
+                                           std::vector<std::uint32_t>* pEvicted)
+{
+    const auto [face, glyph, size, lineWidth] = sized.key;
+    double pixelsPerEm = cLargestColored;
+    while (size > 0 && pixelsPerEm > 16 && pixelsPerEm / 2 >= size * _scale)
+        pixelsPerEm /= 2;
+    GlyphImage image;
+    const char* const cause =
+        TypefaceImpl::of(sized.face)->font().getFreeType().getImage(glyph, true, {.pixelsPerEm = pixelsPerEm}, image);
+    if (cause != nullptr || !image.isColor || image.width == 0 || image.height == 0 || image.width > 240 ||
+        image.height > 240)
+    {
+        tables.setPicture(number, {GlyphPicture::cIsColored, 0});
+        return Result::Impossible;
+    }
+    const std::size_t nEvicted = pEvicted != nullptr ? pEvicted->size() : 0;
+    const std::optional<PictureAtlas::Place> place = _coloredPictures.add(
+        static_cast<int>(image.width), static_cast<int>(image.height), image.pixels, number, pEvicted);
+    if (pEvicted != nullptr)
+        makeWait(std::span(*pEvicted).subspan(nEvicted), tables);
+    if (!place)
+        return Result::NoRoom;
+    const double step = 1 / image.pixelsPerEm;
+    tables.setColoredPicture(number,
+                             {GlyphPicture::cIsThere | GlyphPicture::cIsColored |
+                                  static_cast<std::uint32_t>(place->y) << 12 | static_cast<std::uint32_t>(place->x),
+                              image.width | image.height << 8},
+                             step, image.left * step, -image.top * step);
+    return Result::Drawn;
 }
 
 bool GlyphStore::setScale(double pixelsPerPoint, ShapeTables& tables)
@@ -65,6 +146,7 @@ bool GlyphStore::setScale(double pixelsPerPoint, ShapeTables& tables)
         return false;
     _scale = pixelsPerPoint;
     _pictures.clear();
+    _coloredPictures.clear();
     for (const auto& [number, sized] : _sized)
         tables.setPicture(number, beginningOf(sized));
     return true;
@@ -74,6 +156,11 @@ GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& ta
                                            std::vector<std::uint32_t>* pEvicted)
 {
     const Sized& sized = _sized.at(number);
+    if (sized.isColored)
+    {
+        cost = 0; // there is nothing to draw instead
+        return drawColored(number, sized, tables, pEvicted);
+    }
     const auto [face, glyph, size, lineWidth] = sized.key;
     const std::optional<GlyphCoverage> coverage =
         TypefaceImpl::of(sized.face)->font().getFreeType().getCoverage(glyph, size * _scale, lineWidth * _scale);
@@ -88,8 +175,7 @@ GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& ta
     const std::optional<PictureAtlas::Place> place = _pictures.add(
         static_cast<int>(4 * coverage->width), static_cast<int>(coverage->height), coverage->pixels, number, pEvicted);
     if (pEvicted != nullptr)
-        for (std::size_t i = nEvicted; i < pEvicted->size(); ++i)
-            tables.setPicture((*pEvicted)[i], {GlyphPicture::cIsWaited, 0});
+        makeWait(std::span(*pEvicted).subspan(nEvicted), tables);
     if (!place)
         return Result::NoRoom;
     tables.setPicture(
@@ -113,6 +199,7 @@ void GlyphStore::sweep(const std::vector<bool>& areUsed, ShapeTables& tables)
                       return true;
                   });
     _pictures.keepOwners(areUsed);
+    _coloredPictures.keepOwners(areUsed);
 }
 
 void GlyphStore::clear()
@@ -120,7 +207,9 @@ void GlyphStore::clear()
     _glyphs.clear();
     _numbers.clear();
     _sized.clear();
+    _painted.clear();
     _pictures.clear();
+    _coloredPictures.clear();
 }
 
 } // namespace gui::draw

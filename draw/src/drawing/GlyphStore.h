@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <tuple>
 #include <unordered_map>
 #include <vector>
@@ -37,6 +38,10 @@ public:
     Glyph getSized(const Typeface& face, std::uint32_t glyph, double size, double lineWidth, ShapeBuilder& builder,
                    ShapeTables& tables);
 
+    /// The parts of a glyph in colour: its layers, or a picture. @param size  in points; 0 when it is none of these
+    void getColored(const Typeface& face, std::uint32_t glyph, double size, bool isStroked, ShapeBuilder& builder,
+                    ShapeTables& tables, std::vector<std::uint32_t>& numbers);
+
     /// Whether the scale is another one than before: then there is no picture any more.
     bool setScale(double pixelsPerPoint, ShapeTables& tables);
 
@@ -56,6 +61,8 @@ public:
     void sweep(const std::vector<bool>& areUsed, ShapeTables& tables);
 
     PictureAtlas& getPictures() { return _pictures; }
+    PictureAtlas& getColoredPictures() { return _coloredPictures; }
+    PictureAtlas& atlasOf(const GlyphPicture& picture) { return picture.isColored() ? _coloredPictures : _pictures; }
     void clear();
 
 private:
@@ -65,7 +72,12 @@ private:
     {
         Typeface face;
         Key key;
+        bool isColored;
     };
+
+    Result drawColored(std::uint32_t number, const Sized& sized, ShapeTables& tables,
+                       std::vector<std::uint32_t>* pEvicted);
+    static void makeWait(std::span<const std::uint32_t> numbers, ShapeTables& tables);
 
     GlyphPicture beginningOf(const Sized& sized) const;
 
@@ -73,7 +85,9 @@ private:
     std::map<Key, std::uint32_t> _numbers;                                   // of those of one size
     std::unordered_map<std::uint32_t, Sized> _sized;                         // by number
     double _scale = 0;                                                       // pixels per point
+    std::map<std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>, std::uint32_t> _painted; // by colour
     PictureAtlas _pictures{{}};
+    PictureAtlas _coloredPictures{{.nBytes = 4, .pageHeight = 256, .nMostPages = 16, .border = 8}};
     ShapeGeometry _geometry;
 };
 

@@ -192,6 +192,24 @@ void ShapeTables::setPicture(std::uint32_t glyph, const GlyphPicture& picture)
     _glyphs.setMember(glyph, &GlyphRecord::picture, picture);
 }
 
+std::uint32_t ShapeTables::addColoredGlyph()
+{
+    GlyphRecord glyph;
+    glyph.picture.place = GlyphPicture::cIsColored | GlyphPicture::cIsWaited;
+    _glyphFeatures |= HasColors | HasPictures;
+    return _glyphs.add(std::span(&glyph, 1));
+}
+
+void ShapeTables::setColoredPicture(std::uint32_t number, const GlyphPicture& picture, double step, double left,
+                                    double top)
+{
+    GlyphRecord glyph = _glyphs[number];
+    glyph.picture = picture;
+    glyph.step = static_cast<float>(step);
+    glyph.origin = {static_cast<float>(left), static_cast<float>(top)};
+    _glyphs.set(number, std::span(&glyph, 1));
+}
+
 std::uint32_t ShapeTables::setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry)
 {
     giveBack(places);

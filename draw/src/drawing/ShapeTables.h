@@ -44,12 +44,17 @@ struct GlyphPicture
 {
     /// Bits of place: what there is, and where a picture begins in the atlas: x in 12 bits, y in the next 12.
     static constexpr std::uint32_t cIsThere = 1U << 31, cIsWaited = 1U << 29;
+    /// It is one in colour, or would be, and the record's step and origin are those of its pixels.
+    static constexpr std::uint32_t cIsColored = 1U << 28;
+    /// There is none, but the outline has a colour of its own: box.
+    static constexpr std::uint32_t cIsPaint = 1U << 30;
 
     std::uint32_t place = 0;
-    std::uint32_t box = 0; // width, height, left and top, both more by 128; a byte each
+    std::uint32_t box = 0; // width, height, and unless it is in colour left and top, both more by 128; a byte each
 
     bool isThere() const { return (place & cIsThere) != 0; }
     bool isWaited() const { return (place & cIsWaited) != 0; } ///< it may be made
+    bool isColored() const { return (place & cIsColored) != 0; }
     int getY() const { return static_cast<int>(place >> 12 & 4095U); }
     bool operator==(const GlyphPicture&) const = default;
 };
@@ -107,7 +112,8 @@ enum ShapeFeature : unsigned int
     HasGlyphs = 256,
     HasImages = 512,
     HasPictures = 1024, // of glyphs
-    HasHalos = 2048     // of glyphs, which are one shape
+    HasHalos = 2048,    // of glyphs, which are one shape
+    HasColors = 4096    // pictures of glyphs in colour
 };
 
 /// Some records in a row.
@@ -146,6 +152,9 @@ public:
     std::uint32_t copyGlyph(std::uint32_t glyph);
     void removeCopy(std::uint32_t glyph) { _glyphs.giveBack(glyph, 1); }
     void setPicture(std::uint32_t glyph, const GlyphPicture& picture);
+    /// Adds a glyph that is a picture in colour, and says where it is. @param step, left, top  in em, from the pen
+    std::uint32_t addColoredGlyph();
+    void setColoredPicture(std::uint32_t glyph, const GlyphPicture& picture, double step, double left, double top);
     const GlyphPicture& getPicture(std::uint32_t glyph) const { return _glyphs[glyph].picture; }
     /// Replaces the outline that a text has for itself alone. @return its number
     std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry);

@@ -21,6 +21,9 @@ flat in vec4 textToPixels;
 uniform sampler2D pictures; // how far a pixel is covered
 flat in ivec2 toTexel;
 #endif
+#ifdef COLORS
+in vec3 coloredAt;
+#endif
 
 out vec4 color;
 
@@ -589,7 +592,7 @@ void main()
         coverage = texelFetch(pictures, ivec2(gl_FragCoord.xy) + toTexel, 0).x;
 #endif
     // A triangle finds no pixels but those that no line touches.
-    if (kind != cTriangles && kind != cPicture)
+    if (kind != cTriangles && kind != cPicture && kind != cColoredPicture)
 #if defined FILLS && defined STROKES
         coverage = (flags & cStroke) != 0u ? coverageOfStroke(place, pixel) : coverageOfFill(place, pixel);
 #elif defined STROKES
@@ -601,6 +604,15 @@ void main()
     // Boxes of glyphs overlap: what one leaves alone is for the next one.
     if ((kind == cGlyph || kind == cPicture) && coverage == 0.0)
         discard;
+#endif
+#ifdef COLORS
+    if (kind == cColoredPicture)
+    {
+        color = textureLod(coloredPictures, coloredAt.xy, coloredAt.z) * unpacked(parts.x).a;
+        if (color.a == 0.0)
+            discard;
+        return;
+    }
 #endif
     color = paint(place, pixel) * coverage;
 }

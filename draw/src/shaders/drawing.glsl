@@ -1,7 +1,8 @@
 // What all stages of the drawing programs know: where shapes and their points are, in pixels from the middle of the
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
 // ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away),
-// GLYPHS, IMAGES, PICTURES (of glyphs), HALOS (of texts, which are one shape).
+// GLYPHS, IMAGES, PICTURES (of glyphs), HALOS (of texts, which are one shape), COLORS
+// (pictures of glyphs in colour).
 // What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
@@ -12,8 +13,11 @@ uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPicture = 7;
+const int cColoredPicture = 8;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cImage = 8192u;
+// Of a glyph's picture.
+const uint cPaint = 1u << 30, cColored = 1u << 28;
 // Of a triangle's points; the first one has something else above.
 const uint cPointBits = 0x07ffffffu;
 // Pixels from the middle beyond which floats are too coarse.
@@ -228,5 +232,49 @@ void findPicture(ivec2 pen, uvec2 picture, out ivec4 box, out ivec2 toTexel)
     box.xy = ivec2(column + b.z, pen.y + b.w - b.y);
     box.zw = box.xy + b.xy;
     toTexel = ivec2(picture.x & 4095u, picture.x >> 12 & 4095u) + ivec2(quarter * b.x, 0) - box.xy;
+}
+#endif
+
+#if defined GLYPHS || defined COLORS || defined HALOS
+uniform usamplerBuffer glyphs;
+
+// Of the outline of a glyph, or of the pixels of its picture in colour. Text is never seen from behind; what is not
+// turned and has its size on the screen stands on whole pixels. @param text  of its shape, and then of all of it
+Place placeOfGlyph(int shape, uvec4 element, uvec4 glyph, uvec4 more, bool isInPoints, Place anchorPlace,
+                   out Place text)
+{
+    vec4 state = uintBitsToFloat(texelFetch(shapes, 6 * shape + 3));
+    vec2 turn = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).xy);
+    vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
+    mat2 local = mat2(toPixels.xy, toPixels.zw) * mat2(linear.xy, linear.zw);
+    if (determinant(local) > 0.0)
+        local[1] = -local[1];
+    if (isInPoints)
+        local = mat2(pixelsPerPoint, 0.0, 0.0, -pixelsPerPoint);
+    local = local * mat2(turn.x, -turn.y, turn.y, turn.x);
+    vec2 anchor = pixelOf(anchorPlace, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
+    vec2 at = anchor + local * uintBitsToFloat(element.zw);
+    if (isInPoints && turn.x == 1.0)
+        at.y = floor(anchor.y + halfSize.y + 0.5) + floor(at.y - anchor.y + 0.5) - halfSize.y;
+    at += local * (state.y * uintBitsToFloat(more.xy));
+    Place place = Place(ivec2(0), vec2(0.0), local * (state.y * uintBitsToFloat(glyph.w)));
+    place.toMiddle = inverse(place.pixels) * at;
+    text = Place(ivec2(0), inverse(local) * anchor, local);
+    return place;
+}
+#endif
+
+#ifdef COLORS
+uniform sampler2D coloredPictures; // times alpha
+
+// A corner of a picture in colour with one more row of its pixels, which are clear, and where it is in the texture: the
+// third number is for textureLod.
+vec2 coloredCorner(Place place, uvec2 picture, int c, out vec3 at)
+{
+    vec2 size = vec2(picture.y & 255u, picture.y >> 8 & 255u);
+    vec2 p = vec2((c & 1) == 0 ? -1.0 : size.x + 1.0, (c & 2) == 0 ? -1.0 : size.y + 1.0);
+    at.xy = (vec2(picture.x & 4095u, picture.x >> 12 & 4095u) + p) / vec2(textureSize(coloredPictures, 0));
+    at.z = max(-log2(sqrt(abs(determinant(place.pixels)))), 0.0);
+    return place.pixels * (p + place.toMiddle);
 }
 #endif

@@ -38,47 +38,16 @@ vec2 cornerOf(vec2 low, vec2 high, int c)
            halfSize;
 }
 
-#ifdef GLYPHS
-uniform usamplerBuffer glyphs;
-
-#ifdef GRADIENTS
-// Of all of a text, in its own unit.
-flat out vec2 textToMiddle;
-flat out vec4 textToPixels;
-#endif
-
 #ifdef PICTURES
 flat out ivec2 toTexel;
 #endif
-
-// Of the outline of a glyph, which is also what parts tells from here on. Text is never seen from behind; what is not
-// turned and has its size on the screen stands on whole pixels.
-Place placeOfGlyph(int shape, uvec4 element, bool isInPoints, Place text)
-{
-    vec4 state = uintBitsToFloat(texelFetch(shapes, 6 * shape + 3));
-    vec2 turn = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).xy);
-    vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
-    mat2 local = mat2(toPixels.xy, toPixels.zw) * mat2(linear.xy, linear.zw);
-    if (determinant(local) > 0.0)
-        local[1] = -local[1];
-    if (isInPoints)
-        local = mat2(pixelsPerPoint, 0.0, 0.0, -pixelsPerPoint);
-    local = local * mat2(turn.x, -turn.y, turn.y, turn.x);
-    vec2 anchor = pixelOf(text, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
-    vec2 at = anchor + local * uintBitsToFloat(element.zw);
-    if (isInPoints && turn.x == 1.0)
-        at.y = floor(anchor.y + halfSize.y + 0.5) + floor(at.y - anchor.y + 0.5) - halfSize.y;
-    uvec4 glyph = texelFetch(glyphs, 2 * int(element.y));
-    at += local * (state.y * uintBitsToFloat(texelFetch(glyphs, 2 * int(element.y) + 1).xy));
-    parts.yzw = glyph.xyz;
-    Place place = Place(ivec2(0), vec2(0.0), local * (state.y * uintBitsToFloat(glyph.w)));
-    place.toMiddle = inverse(place.pixels) * at;
-#ifdef GRADIENTS
-    textToMiddle = inverse(local) * anchor;
-    textToPixels = vec4(local[0], local[1]);
+#ifdef COLORS
+out vec3 coloredAt;
 #endif
-    return place;
-}
+#if defined GLYPHS && defined GRADIENTS
+// Of all of a text, in its own unit.
+flat out vec2 textToMiddle;
+flat out vec4 textToPixels;
 #endif
 
 void main()
@@ -96,9 +65,11 @@ void main()
         return;
     Place place = placeOf(shape);
 #ifdef GLYPHS
+    uvec4 glyph = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y)) : uvec4(0u);
+    uvec4 more = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y) + 1) : uvec4(0u);
+    uvec2 picture = more.zw;
 #ifdef PICTURES
-    uvec2 picture = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y) + 1).zw : uvec2(0u);
-    if (int(picture.x) < 0 && (flags & cGradient) == 0u)
+    if (int(picture.x) < 0 && (flags & cGradient) == 0u && (picture.x & cColored) == 0u)
     {
         kind = cPicture;
         vec2 anchor =
@@ -113,7 +84,32 @@ void main()
     }
 #endif
     if (kind == cGlyph)
-        place = placeOfGlyph(shape, element, (flags & cWidthInPoints) != 0u, place);
+    {
+        Place text;
+        place = placeOfGlyph(shape, element, glyph, more, (flags & cWidthInPoints) != 0u, place, text);
+#ifdef GRADIENTS
+        textToMiddle = text.toMiddle;
+        textToPixels = vec4(text.pixels[0], text.pixels[1]);
+#endif
+#ifdef COLORS
+        if ((picture.x & cColored) != 0u)
+        {
+            kind = cColoredPicture;
+            parts.x = (flags & cGradient) != 0u ? 0xffffffffu : parts.x;
+            if (int(picture.x) < 0)
+                gl_Position = vec4(coloredCorner(place, picture, c, coloredAt) / halfSize, depthOf(state.w), 1.0);
+            return;
+        }
+#endif
+        if ((picture.x & cPaint) != 0u)
+        {
+            // As faint as the text.
+            uint alpha = (flags & cGradient) != 0u ? 255u : parts.x >> 24;
+            parts.x = picture.y & 0xffffffu | ((picture.y >> 24) * alpha + 127u) / 255u << 24;
+            flags &= ~cGradient;
+        }
+        parts.yzw = glyph.xyz;
+    }
 #else
     if (kind == cGlyph)
         return;

@@ -1,9 +1,15 @@
-// A glyph that has a picture: exactly its pixels. What has none is not drawn here.
+// A glyph that has a picture: exactly its pixels. What has none is not drawn here. Nothing is passed on flat: software
+// drivers draw such quads faster.
 uniform usamplerBuffer elements;
+#if !defined COLORS && !defined HALOS
 uniform usamplerBuffer glyphs;
+#endif
 
 out vec4 ink;
 out vec2 toTexel;
+#ifdef COLORS
+out vec3 coloredAt; // the third number is below 0 for those that are not in colour
+#endif
 
 void main()
 {
@@ -13,7 +19,8 @@ void main()
     int shape = int(element.x & 0x0fffffffu);
     uvec4 origin = texelFetch(shapes, 6 * shape), state = texelFetch(shapes, 6 * shape + 2);
     uvec4 text = texelFetch(shapes, 6 * shape + 3);
-    uvec2 picture = texelFetch(glyphs, 2 * int(element.y) + 1).zw;
+    uvec4 more = texelFetch(glyphs, 2 * int(element.y) + 1);
+    uvec2 picture = more.zw;
     vec2 way = vec2(toFloat(subtract(origin.xy, uvec2(center.xy))), toFloat(subtract(origin.zw, uvec2(center.zw))));
     vec2 anchor = mat2(toPixels.xy, toPixels.zw) * (way * (uintBitsToFloat(state.y) * powerOfTwo(-int(state.x)))) +
                   pixelsPerPoint * uintBitsToFloat(text.zw) * vec2(1.0, -1.0);
@@ -21,10 +28,22 @@ void main()
         return;
     vec4 color = unpacked(text.x);
     ink = vec4(color.rgb * color.a, color.a);
+    float depth = depthOf(state.w);
+#ifdef COLORS
+    coloredAt = vec3(0.0, 0.0, -1.0);
+    if ((picture.x & cColored) != 0u)
+    {
+        Place all_;
+        Place place = placeOfGlyph(shape, element, texelFetch(glyphs, 2 * int(element.y)), more,
+                                   (state.z & cWidthInPoints) != 0u, placeOf(shape), all_);
+        gl_Position = vec4(coloredCorner(place, picture, c, coloredAt) / halfSize, depth, 1.0);
+        return;
+    }
+#endif
     ivec4 box;
     ivec2 toTexel_;
     findPicture(penOf(anchor) + wayTo(element), picture, box, toTexel_);
     toTexel = vec2(toTexel_);
     vec2 p = vec2((c & 1) == 0 ? box.x : box.z, (c & 2) == 0 ? box.y : box.w) - halfSize;
-    gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
+    gl_Position = vec4(p / halfSize, depth, 1.0);
 }

@@ -182,6 +182,29 @@ std::string OpenFont::getName(unsigned int preferredID, unsigned int nameID) con
     return {};
 }
 
+std::vector<OpenFont::Layer> OpenFont::getLayers(std::uint32_t glyph) const
+{
+    std::vector<Layer> layers;
+    if (!_hasLayers)
+        return layers;
+    const unsigned int nColors = hb_ot_color_palette_get_colors(getFace(), 0, 0, nullptr, nullptr);
+    std::vector<hb_color_t> colors(nColors);
+    unsigned int n = nColors;
+    hb_ot_color_palette_get_colors(getFace(), 0, 0, &n, colors.data());
+    std::vector<hb_ot_color_layer_t> found(hb_ot_color_glyph_get_layers(getFace(), glyph, 0, nullptr, nullptr));
+    n = static_cast<unsigned int>(found.size());
+    hb_ot_color_glyph_get_layers(getFace(), glyph, 0, &n, found.data());
+    for (const hb_ot_color_layer_t& layer : found)
+    {
+        const hb_color_t color = layer.color_index < colors.size() ? colors[layer.color_index] : hb_color_t(0);
+        layers.push_back({layer.glyph,
+                          td::Color(hb_color_get_red(color), hb_color_get_green(color), hb_color_get_blue(color),
+                                    hb_color_get_alpha(color)),
+                          layer.color_index >= colors.size()});
+    }
+    return layers;
+}
+
 bool OpenFont::isColorGlyph(std::uint32_t glyph) const
 {
     if (_hasLayers && hb_ot_color_glyph_get_layers(getFace(), glyph, 0, nullptr, nullptr) > 0)

@@ -4,6 +4,8 @@
 
 #include <gui/draw/Typeface.h>
 
+#include <td/Color.h>
+
 #include <hb.h>
 
 #include <bitset>
@@ -57,6 +59,16 @@ public:
     std::span<const float> getCoordinates() const { return _coordinates; }
     std::string getName(unsigned int preferredID, unsigned int nameID) const;
     bool isColorGlyph(std::uint32_t glyph) const;
+
+    /// A part of a glyph in colour.
+    struct Layer
+    {
+        std::uint32_t glyph; // whose outline it has
+        td::Color color;     // of the font's first palette
+        bool isText;         // it has the text's colour instead
+    };
+    /// From below to above; none for a glyph without.
+    std::vector<Layer> getLayers(std::uint32_t glyph) const;
     /// Whether there is a glyph for a character.
     bool has(char32_t character) const
     {
