@@ -50,8 +50,8 @@ void addMap(Drawing& drawing)
     drawing.fill(Path::fromSVG("M340 215H630V385H340Z"), "#dcd6b4");
     const Path river = Path::fromSVG("M352 330C430 300 470 372 612 275");
     drawing.stroke(river, {.width = 16, .cap = Cap::Butt}, "#8fb8d8");
-    drawing.text({548, 310}, "Long River", {.size = 13, .paint = "#ffffff", .letterSpacing = 2},
-                 {.anchor = Anchor::Center, .angle = 27});
+    drawing.textOn(river, "Long River", {.size = 13, .paint = "#ffffff", .letterSpacing = 2},
+                   {.along = 0.75, .anchor = Anchor::Center});
     const auto addTown = [&drawing](td::Point<double> place, const char* name)
     {
         drawing.fill(Path().addCircle(place, 3.5), "#303030");

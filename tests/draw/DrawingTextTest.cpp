@@ -251,6 +251,76 @@ TEST_F(DrawingTextTest, TextsStandInTheirOrder)
     }
 }
 
+// Letters stand with their middles on a circle and are turned as it is; in points also where it is seen larger.
+TEST_F(DrawingTextTest, LettersFollowAPath)
+{
+    const TextStyle style{.face = Typeface::named("DejaVu Serif"), .size = 40};
+    const TextLayout layout("Rag Äpfel", style);
+    for (const double zoom : {1.0, 1.5})
+    {
+        Drawing drawing;
+        drawing.textOn(Path().addCircle({300, 320}, 200), layout, {.along = .75});
+        const double radius = 200 * zoom, middle = layout.getTextWidth() / 2;
+        test::Rings rings;
+        for (const TextLayout::Run& run : layout.getRuns())
+            for (const TextLayout::Glyph& glyph : run.glyphs)
+            {
+                const double half = double(glyph.advance) / 2, turn = (double(glyph.x) + half - middle) / radius;
+                const Affine place = Affine::translation(300 * zoom, 320 * zoom) * Affine::rotation(turn) *
+                                     Affine::translation(-half, -radius) *
+                                     Affine::scaling(run.size / run.face.getMetrics().unitsPerEm);
+                const test::Rings letter = test::mapped(test::fillRings(run.face.getOutline(glyph.glyph)), place);
+                rings.insert(rings.end(), letter.begin(), letter.end());
+            }
+        Coverage exact(cTextPicture, cTextPicture);
+        exact.add(rings, FillRule::NonZero);
+        EXPECT_TRUE(isClose(drawn(drawing, Affine::scaling(zoom)), exact, {0, 0, cTextPicture, cTextPicture},
+                            {4, 20, 40})); // the circle is lines, which are a sixtieth of a pixel off
+    }
+}
+
+TEST_F(DrawingTextTest, TextsOnPathsStayLegible)
+{
+    const Path there = Path::fromSVG("M100 400Q400 200 800 400"), back = Path::fromSVG("M800 400Q400 200 100 400");
+    const Affine mirrored{1, 0, 0, -1, 0, 600};
+    for (const Unit unit : {Unit::Points, Unit::Model})
+    {
+        const TextStyle style{.size = 30, .unit = unit};
+        Drawing drawing;
+        const Drawing::ID id = drawing.textOn(there, "along the path", style, {.along = .4});
+        const Coverage picture = drawn(drawing);
+        const auto isSame = [&](const Affine& view) {
+            return isClose(drawn(drawing, view), picture, {0, 0, cTextPicture, cTextPicture}, {1, 4, 8});
+        };
+        EXPECT_NE(drawing.pick({380, 295}), 0U);
+        EXPECT_EQ(drawing.pick({380, 330}), 0U);
+        EXPECT_TRUE(drawing.setPath(id, Path(back)));
+        EXPECT_FALSE(isSame({})); // that is another part of the path
+        EXPECT_TRUE(drawing.remove(id));
+        const Drawing::ID other = drawing.textOn(back, "along the path", style, {.along = .6});
+        EXPECT_TRUE(isSame({}));
+        EXPECT_EQ(drawing.pick({380, 295}), other);
+        // Upside down it is read the other way round.
+        EXPECT_TRUE(drawing.setPath(other, Path(there).transform(mirrored)));
+        EXPECT_FALSE(isSame(mirrored));
+        EXPECT_TRUE(drawing.setPath(other, Path(back).transform(mirrored)));
+        EXPECT_TRUE(isSame(mirrored));
+        const std::optional<Drawing::Rect> bounds = drawing.getBounds();
+        ASSERT_TRUE(bounds);
+        EXPECT_LE(bounds->left, 374.7);
+        EXPECT_GE(bounds->right, 374.5);
+
+        // Where the path is seen shorter than the text, that is gone.
+        ASSERT_TRUE(drawing.draw(mirrored * Affine::scaling(.1)));
+        EXPECT_EQ(drawing.pick({380, 305}) != 0, unit == Unit::Model);
+    }
+    Drawing cut;
+    cut.textOn(there, "mmmmmmmm", {.size = 30}, {.along = 1, .anchor = {0.5}, .overflow = TextOnPath::Overflow::Cut});
+    ASSERT_TRUE(cut.draw(Affine()));
+    EXPECT_NE(cut.pick({760, 370}), 0U);
+    EXPECT_EQ(cut.pick({820, 420}), 0U);
+}
+
 TEST_F(DrawingTextTest, OnlyWhatChangesIsUploaded)
 {
     Drawing drawing;

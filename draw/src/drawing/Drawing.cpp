@@ -26,21 +26,16 @@ bool isFinite(const Affine& m)
            std::isfinite(m.f);
 }
 
-bool isTextAt(const std::vector<Drawing::Rect>& lines, Drawing::Point p, double distance)
+bool isNear(const Drawing::Rect& line, Drawing::Point p, double distance)
 {
-    return std::any_of(lines.begin(), lines.end(),
-                       [&](const Drawing::Rect& line)
-                       {
-                           const double x = p.x - std::clamp(p.x, line.left, line.right);
-                           const double y = p.y - std::clamp(p.y, line.top, line.bottom);
-                           return std::hypot(x, y) <= distance;
-                       });
+    const double x = p.x - std::clamp(p.x, line.left, line.right), y = p.y - std::clamp(p.y, line.top, line.bottom);
+    return std::hypot(x, y) <= distance;
 }
 
 // Two convex shapes have nothing in common when there is an axis, across a side of one of them, along which they don't.
-bool isTextIn(const std::vector<Drawing::Rect>& lines, const ShapePicker::Quad& quad)
+bool isTouched(const Drawing::Rect& line, const ShapePicker::Quad& quad)
 {
-    const auto isApart = [&quad](const Drawing::Rect& line, double x, double y)
+    const auto isApart = [&](double x, double y)
     {
         double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
         const auto add = [&](int i, double px, double py)
@@ -55,13 +50,8 @@ bool isTextIn(const std::vector<Drawing::Rect>& lines, const ShapePicker::Quad& 
             add(1, p.x, p.y);
         return high[0] < low[1] || high[1] < low[0];
     };
-    return std::any_of(lines.begin(), lines.end(),
-                       [&](const Drawing::Rect& line)
-                       {
-                           return !isApart(line, 1, 0) && !isApart(line, 0, 1) &&
-                                  !isApart(line, quad[1].y - quad[0].y, quad[0].x - quad[1].x) &&
-                                  !isApart(line, quad[2].y - quad[1].y, quad[1].x - quad[2].x);
-                       });
+    return !isApart(1, 0) && !isApart(0, 1) && !isApart(quad[1].y - quad[0].y, quad[0].x - quad[1].x) &&
+           !isApart(quad[2].y - quad[1].y, quad[1].x - quad[2].x);
 }
 
 } // namespace
@@ -98,6 +88,17 @@ Drawing::ID Drawing::text(Point at, const TextLayout& layout, const TextPlacemen
 Drawing::ID Drawing::text(Point at, std::string_view text, const TextStyle& style, const TextPlacement& placement)
 {
     return _pImpl->addText(at, TextLayout(text, style), placement);
+}
+
+Drawing::ID Drawing::textOn(const Path& path, const TextLayout& layout, const TextOnPath& placement)
+{
+    return _pImpl->addTextOn(path, layout, placement);
+}
+
+Drawing::ID Drawing::textOn(const Path& path, std::string_view text, const TextStyle& style,
+                            const TextOnPath& placement)
+{
+    return _pImpl->addTextOn(path, TextLayout(text, style), placement);
 }
 
 bool Drawing::setText(ID text, std::string_view string)
@@ -180,7 +181,13 @@ bool Drawing::setVisible(ID id, bool isVisible)
 bool Drawing::setPath(ID shape, const Path& path)
 {
     Impl::Item* pItem = _pImpl->findShape(shape);
-    return pItem != nullptr && pItem->kind != Impl::Kind::Text && _pImpl->setPath(*pItem, path) != 0;
+    if (pItem == nullptr || (pItem->kind == Impl::Kind::Text && !pItem->pLetters->pRoute))
+        return false;
+    if (pItem->kind == Impl::Kind::Text)
+        _pImpl->setRoute(*pItem, path);
+    else
+        _pImpl->setPath(*pItem, path);
+    return true;
 }
 
 bool Drawing::setStroke(ID shape, const Stroke& stroke)
@@ -278,6 +285,7 @@ void Drawing::clear()
     impl.largestMargin = 0;
     impl.glyphs.clear();
     impl.waitingTexts.clear();
+    impl.routedTexts.clear();
     impl.images.clear();
     impl.isChanged = true;
 }
@@ -317,7 +325,8 @@ Drawing::ID Drawing::pick(Point point, double tolerance) const
                             if (item.kind == Impl::Kind::Fill)
                                 return picker.isFillAt(at, distance);
                             if (item.kind == Impl::Kind::Glyphs)
-                                return isTextAt(_pImpl->textOf(item).lines, at, distance);
+                                return _pImpl->findLine(item, [&](const Rect& line, const Affine& toLine)
+                                                        { return isNear(line, toLine.map(at), distance); });
                             return picker.isStrokeAt(at, distance, item.pLine->stroke, local.radius, local.dashScale);
                         });
     return found.empty() ? 0 : _pImpl->idOfShape(found.front());
@@ -335,7 +344,14 @@ std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
             if (item.kind == Impl::Kind::Fill)
                 return picker.isFillIn(quad);
             if (item.kind == Impl::Kind::Glyphs)
-                return isTextIn(_pImpl->textOf(item).lines, quad);
+                return _pImpl->findLine(item,
+                                        [&quad](const Rect& line, const Affine& toLine)
+                                        {
+                                            ShapePicker::Quad moved = quad;
+                                            for (Point& p : moved)
+                                                p = toLine.map(p);
+                                            return isTouched(line, moved);
+                                        });
             return picker.isStrokeIn(quad, item.pLine->stroke, local.radius, local.dashScale);
         });
     std::vector<ID> ids(found.size());

@@ -305,9 +305,7 @@ void Drawing::Impl::enlist(const Item& item)
         if (item.kind == Kind::Glyphs)
         {
             const Letters& letters = *item.pLetters;
-            const Rect& ink = textOf(item).ink;
-            const double reach = std::hypot(std::max(std::abs(ink.left), std::abs(ink.right)),
-                                            std::max(std::abs(ink.top), std::abs(ink.bottom)));
+            const double reach = reachOf(textOf(item).ink);
             // A pixel more, for those that stand on whole ones.
             shape.margin = static_cast<float>((letters.style.isInPoints ? reach : 0) +
                                               std::hypot(letters.style.offset.x, letters.style.offset.y) + 1);
@@ -416,16 +414,17 @@ bool Drawing::Impl::draw(const Sight& sight)
         renumber();
     if (areElementsStale)
         tidy();
+    const Affine& map = sight.toPixels;
+    const double s = sight.pixelsPerPoint;
+    // The geometric mean of what the axes are stretched by.
+    pointsPerUnit = std::sqrt(std::abs(map.a * map.d - map.b * map.c)) / s;
+    toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
+    placeRoutes(sight);
     renewLinks();
     renewPictures(sight);
     if (!painter.draw(tables, list, glyphs, images, sight, isChanged))
         return false;
     isChanged = false;
-    // The geometric mean of what the axes are stretched by.
-    const Affine& map = sight.toPixels;
-    pointsPerUnit = std::sqrt(std::abs(map.a * map.d - map.b * map.c)) / sight.pixelsPerPoint;
-    const double s = sight.pixelsPerPoint;
-    toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
     return true;
 }
 

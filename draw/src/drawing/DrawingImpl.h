@@ -7,6 +7,7 @@
 #include "ShapePicker.h"
 #include "ShapeTables.h"
 #include "SharedEdges.h"
+#include "TextRoute.h"
 
 #include <gui/draw/Drawing.h>
 
@@ -42,6 +43,13 @@ struct Drawing::Impl
     /// text's own unit, about its anchor, y downwards.
     struct Letters
     {
+        /// Of glyphs along a path: the letter, and where it is in that.
+        struct Turn
+        {
+            std::uint32_t letter;
+            double x, y;
+        };
+
         GlyphStyle style;
         std::vector<Rect> lines; // of the text
         Rect ink;                // around them, with halos
@@ -53,6 +61,8 @@ struct Drawing::Impl
         std::uint32_t passInk = DrawList::cGlyphs; // how it is drawn, if its paint is a colour
         TextStyle text;                            // of its beginning
         TextPlacement placement;
+        std::unique_ptr<TextRoute> pRoute; // of a text along a path
+        std::vector<Turn> turns;
     };
 
     /// A shape or a group, in a slot that is used again.
@@ -115,6 +125,12 @@ struct Drawing::Impl
     void setImage(Item& item, const Image& image);
     ID setPath(Item& item, const Path& path);
     ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
+    ID addTextOn(const Path& path, const TextLayout& layout, const TextOnPath& placement);
+    /// Places the letters of texts along paths for what is seen.
+    void placeRoutes(const Sight& sight);
+    /// @return whether letters are elsewhere than before
+    bool placeRoute(Item& text);
+    void setRoute(Item& text, const Path& path);
     /// Replaces a text's glyphs.
     void setText(Item& text, const TextLayout& layout);
     void setGlyphs(Item& glyphs, const TextLayout& layout, std::size_t style, double size, double lineWidth);
@@ -131,6 +147,13 @@ struct Drawing::Impl
     void sweepGlyphs();
     /// From the model to a text's own unit about its anchor, as the last draw showed it.
     std::optional<Affine> toTextOf(const Item& glyphs) const;
+    /// How far from its anchor something of a text may be.
+    static double reachOf(const Rect& ink);
+    /// From the text's own unit to points, without a shift; from model units whichever way y grows.
+    Affine toScreenOf(const Item& item) const;
+    /// Calls with each rectangle that a text's letters are in, and the map to what it is in from the text's own unit,
+    /// until one answers true. @return whether one did
+    bool findLine(const Item& glyphs, const std::function<bool(const Rect&, const Affine&)>& test) const;
     /// Around glyphs in model units, whichever way y grows.
     Rect boundsOfText(const Item& glyphs) const;
     void removeItem(std::uint32_t slot);
@@ -197,6 +220,8 @@ struct Drawing::Impl
     ShapeGeometry geometry;
     ShapeTables tables;
     GlyphStore glyphs;
+    std::vector<std::uint32_t> routedTexts; // some of which may be gone
+    std::vector<float> turns;
     std::vector<std::uint32_t> waitingTexts; // shapes, some of whose glyphs wait for pictures
     std::vector<std::uint32_t> visited;
     bool isWaitingSeen = false; // whether there were some to draw at the last look

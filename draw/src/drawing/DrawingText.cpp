@@ -39,7 +39,7 @@ struct Part
 };
 
 // What a layout is drawn with, from below to above.
-std::vector<Part> partsOf(const TextLayout& layout)
+std::vector<Part> partsOf(const TextLayout& layout, bool isAlongPath)
 {
     std::vector<Part> letters, parts;
     for (const TextLayout::Run& run : layout.getRuns())
@@ -55,7 +55,8 @@ std::vector<Part> partsOf(const TextLayout& layout)
             part.isHalo = true;
             parts.push_back(part);
         }
-    for (const TextLayout::Decoration& decoration : layout.getDecorations())
+    for (const TextLayout::Decoration& decoration :
+         isAlongPath ? std::span<const TextLayout::Decoration>() : layout.getDecorations())
         if (std::none_of(parts.begin(), parts.end(),
                          [&decoration](const Part& part)
                          { return part.isDecoration && part.style == decoration.style; }))
@@ -72,6 +73,12 @@ std::vector<Part> partsOf(const TextLayout& layout)
 
 } // namespace
 
+double Drawing::Impl::reachOf(const Rect& ink)
+{
+    return std::hypot(std::max(std::abs(ink.left), std::abs(ink.right)),
+                      std::max(std::abs(ink.top), std::abs(ink.bottom)));
+}
+
 Drawing::ID Drawing::Impl::addText(Point at, const TextLayout& layout, const TextPlacement& placement)
 {
     const std::uint32_t slot = add(Kind::Text);
@@ -87,7 +94,8 @@ Drawing::ID Drawing::Impl::addText(Point at, const TextLayout& layout, const Tex
 void Drawing::Impl::setText(Item& text, const TextLayout& layout)
 {
     Letters& letters = *text.pLetters;
-    const TextPlacement& placement = letters.placement;
+    const TextPlacement placement =
+        letters.pRoute ? TextPlacement{letters.pRoute->getPlacement().anchor} : letters.placement;
     if (layout.getNumberOfStyles() > 0)
         letters.text = layout.getStyle(0);
     const td::Size<double> size = layout.getSize();
@@ -103,7 +111,7 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         letters.lines.emplace_back(line.left - letters.anchor.x, line.top - letters.anchor.y,
                                    line.left + line.width - letters.anchor.x, line.bottom - letters.anchor.y);
     double widest = 0;
-    const std::vector<Part> parts = partsOf(layout);
+    const std::vector<Part> parts = partsOf(layout, letters.pRoute != nullptr);
     for (const Part& part : parts)
         widest = std::max(widest, part.lineWidth / 2);
     const Rect ink = layout.getInkBounds().value_or(Rect(0, 0, 0, 0));
@@ -111,6 +119,9 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
                    std::min(ink.top, 0.0) - widest - letters.anchor.y,
                    std::max(ink.right, size.width) + widest - letters.anchor.x,
                    std::max(ink.bottom, size.height) + widest - letters.anchor.y};
+
+    if (letters.pRoute)
+        letters.pRoute->setLayout(layout, letters.anchor);
 
     // Shapes that are there already stay where they are among the others.
     std::vector<std::uint32_t> old = std::exchange(text.members, {});
@@ -148,6 +159,8 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
     if (isReplaced && before < order.size() && !text.members.empty())
         move(text.members, before);
     update(text);
+    if (letters.pRoute)
+        placeRoute(text);
     if (glyphs.getNumberOfSized() > sweepAt)
         sweepGlyphs();
 }
@@ -158,16 +171,21 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
     letters.style.size = size;
     letters.style.lineWidth = lineWidth;
     const Point anchor = textOf(item).anchor;
-    letters.mayHavePictures = letters.style.isInPoints && letters.style.cosine == 1;
+    const TextRoute* pRoute = textOf(item).pRoute.get();
+    letters.turns.clear();
+    letters.mayHavePictures = pRoute == nullptr && letters.style.isInPoints && letters.style.cosine == 1;
     letters.hasColors = false;
     elements.clear();
-    for (const TextLayout::Run& run : layout.getRuns())
+    for (std::size_t iRun = 0; iRun < layout.getRuns().size(); ++iRun)
     {
+        const TextLayout::Run& run = layout.getRuns()[iRun];
         if (run.style != style || run.size != size)
             continue;
         const bool isColored = TypefaceImpl::of(run.face)->font().isColored();
-        for (const TextLayout::Glyph& placed : run.glyphs)
+        for (std::size_t iGlyph = 0; iGlyph < run.glyphs.size(); ++iGlyph)
         {
+            const TextLayout::Glyph& placed = run.glyphs[iGlyph];
+            const double x = run.origin.x + double(placed.x) - anchor.x, y = run.origin.y + double(placed.y) - anchor.y;
             numbers.clear();
             if (isColored && run.face.isColorGlyph(placed.glyph))
             {
@@ -184,12 +202,21 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
                      !glyph.isEmpty)
                 numbers.push_back(glyph.number);
             for (const std::uint32_t number : numbers)
-                elements.push_back(elementOf(number, run.origin.x + double(placed.x) - anchor.x,
-                                             run.origin.y + double(placed.y) - anchor.y));
+            {
+                elements.push_back(elementOf(number, x, y));
+                if (pRoute == nullptr)
+                    continue;
+                const std::size_t letter = pRoute->letterOf(iRun, iGlyph);
+                letters.turns.push_back(
+                    {static_cast<std::uint32_t>(letter), x - pRoute->getLetters()[letter].middle, y});
+            }
         }
     }
     letters.mayHavePictures = letters.mayHavePictures || letters.hasColors;
-    tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
+    if (pRoute != nullptr)
+        tables.setTurnedGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
+    else
+        tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
     letters.passInk = DrawList::cGlyphs;
     double noTime = 0;
     if (letters.mayHavePictures && lookAtPictures(item, noTime, false, nullptr))
@@ -217,21 +244,37 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
     tables.setGlyphs(item.places, elements, letters.style, 1);
 }
 
+Affine Drawing::Impl::toScreenOf(const Item& item) const
+{
+    const Affine local = toPoints * Affine{item.whole.a, item.whole.b, item.whole.c, item.whole.d, 0, 0};
+    return local.a * local.d - local.b * local.c < 0 ? local * Affine::scaling(1, -1) : local;
+}
+
 std::optional<Affine> Drawing::Impl::toTextOf(const Item& item) const
 {
     const GlyphStyle& style = item.pLetters->style;
     const Point at = item.whole.map(item.origin);
-    Affine local = toPoints * Affine{item.whole.a, item.whole.b, item.whole.c, item.whole.d, 0, 0};
-    if (local.a * local.d - local.b * local.c < 0)
-        local = local * Affine{1, 0, 0, -1, 0, 0};
-    if (style.isInPoints)
-        local = Affine();
-    local = Affine::translation(style.offset.x, style.offset.y) * local *
-            Affine{style.cosine, -style.sine, style.sine, style.cosine, 0, 0};
+    const Affine local = Affine::translation(style.offset.x, style.offset.y) *
+                         (style.isInPoints ? Affine() : toScreenOf(item)) *
+                         Affine{style.cosine, -style.sine, style.sine, style.cosine, 0, 0};
     const std::optional<Affine> inverse = local.inverse();
     if (!inverse)
         return std::nullopt;
     return *inverse * toPoints * Affine::translation(-at.x, -at.y);
+}
+
+bool Drawing::Impl::findLine(const Item& item, const std::function<bool(const Rect&, const Affine&)>& test) const
+{
+    const Letters& text = textOf(item);
+    if (!text.pRoute)
+        return std::any_of(text.lines.begin(), text.lines.end(),
+                           [&test](const Rect& line) { return test(line, Affine()); });
+    const std::vector<TextRoute::Letter>& letters = text.pRoute->getLetters();
+    return std::any_of(letters.begin(), letters.end(),
+                       [&test](const TextRoute::Letter& letter) {
+                           return (letter.way.x != 0 || letter.way.y != 0) &&
+                                  test(TextRoute::boxOf(letter), TextRoute::toLetter(letter));
+                       });
 }
 
 Drawing::Rect Drawing::Impl::boundsOfText(const Item& item) const
@@ -242,7 +285,13 @@ Drawing::Rect Drawing::Impl::boundsOfText(const Item& item) const
     if (letters.style.isInPoints)
         return bounds;
     const auto [size, offset, cosine, sine, isInPoints, lineWidth] = letters.style;
-    const Rect& ink = textOf(item).ink;
+    Rect ink = textOf(item).ink;
+    if (textOf(item).pRoute)
+    {
+        // However the path turns, no letter is farther from the anchor than along the base line.
+        const double reach = reachOf(ink);
+        ink = {-reach, -reach, reach, reach};
+    }
     for (const double up : {1.0, -1.0})
         for (const double x : {ink.left, ink.right})
             for (const double y : {ink.top, ink.bottom})

@@ -45,7 +45,8 @@ enum class ElementKind : std::uint32_t
     Tip,      ///< of a mitre: the point of its corner, and the leaf of the line that begins there
     Box,      ///< around the whole shape, drawn in place of all others while that is small
     Node,     ///< around a node, drawn in place of its lines while that is small: the node, and the one it is part of
-    Glyph     ///< of a text: its number, and the bits of the floats that say where it stands
+    Glyph,    ///< of a text: its number, and the bits of the floats that say where it stands
+    Turned    ///< of a text along a path: its number, and where place, cosine and sine stand among the numbers
 };
 
 /// A quad to draw.

@@ -253,6 +253,23 @@ void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elemen
     _records.set(places.record, std::span(&record, 1));
 }
 
+void ShapeTables::setTurnedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
+                                  double step)
+{
+    _numbers.giveBack(places.numbers.first, places.numbers.count);
+    _values.assign(4 * elements.size(), 0);
+    places.numbers = {_numbers.add(_values), static_cast<std::uint32_t>(_values.size())};
+    std::vector<Element> turned(elements.begin(), elements.end());
+    for (std::size_t i = 0; i < turned.size(); ++i)
+    {
+        turned[i].shapeAndKind = static_cast<std::uint32_t>(ElementKind::Turned) << 28;
+        turned[i].points[1] = places.numbers.first + static_cast<std::uint32_t>(4 * i);
+        turned[i].points[2] = 0;
+    }
+    setGlyphs(places, turned, style, step);
+    _glyphFeatures |= HasTurned;
+}
+
 void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step)
 {
     const bool areGlyphs = (_records[places.record].flags & AreGlyphs) != 0;

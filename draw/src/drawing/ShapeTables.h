@@ -113,7 +113,8 @@ enum ShapeFeature : unsigned int
     HasImages = 512,
     HasPictures = 1024, // of glyphs
     HasHalos = 2048,    // of glyphs, which are one shape
-    HasColors = 4096    // pictures of glyphs in colour
+    HasColors = 4096,   // pictures of glyphs in colour
+    HasTurned = 8192    // glyphs along paths
 };
 
 /// Some records in a row.
@@ -160,6 +161,13 @@ public:
     std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry);
     /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
     void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
+    /// The same along a path: makes room for the numbers of the glyphs, which are not shown yet.
+    void setTurnedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
+    /// @param turns  for each glyph its place, cosine and sine; not shown where both are 0
+    void setTurns(const ShapePlaces& places, std::span<const float> turns)
+    {
+        _numbers.set(places.numbers.first, turns);
+    }
     void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);
     void setOrder(const ShapePlaces& places, std::uint32_t order);
     /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that

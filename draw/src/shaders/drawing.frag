@@ -1,6 +1,6 @@
 // How much of a pixel a shape covers, exactly for fills and by 64 samples for strokes, from the lines of the shape near
 // the pixel alone, which a tree of boxes finds.
-#ifndef GRADIENTS
+#if !defined GRADIENTS && !defined TURNED
 uniform samplerBuffer numbers;
 #endif
 uniform usamplerBuffer links; // for each shape: the later ones that share an edge with it

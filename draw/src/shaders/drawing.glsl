@@ -2,7 +2,7 @@
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
 // ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away),
 // GLYPHS, IMAGES, PICTURES (of glyphs), HALOS (of texts, which are one shape), COLORS
-// (pictures of glyphs in colour).
+// (pictures of glyphs in colour), TURNED (glyphs along paths).
 // What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
@@ -12,8 +12,8 @@ uniform vec4 toPixels;         // pixels per model unit, by columns
 uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
-const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPicture = 7;
-const int cColoredPicture = 8;
+const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cTurned = 7;
+const int cPicture = 8, cColoredPicture = 9;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cImage = 8192u;
 // Of a glyph's picture.
@@ -174,10 +174,13 @@ vec4 unpacked(uint rgba)
     return vec4(rgba & 255u, rgba >> 8 & 255u, rgba >> 16 & 255u, rgba >> 24) / 255.0;
 }
 
-#ifdef GRADIENTS
+#if defined GRADIENTS || defined TURNED
 uniform samplerBuffer numbers;
 
 float numberAt(int i) { return texelFetch(numbers, i).x; }
+#endif
+
+#ifdef GRADIENTS
 
 vec4 stopColor(int at) { return vec4(numberAt(at + 1), numberAt(at + 2), numberAt(at + 3), numberAt(at + 4)); }
 
@@ -253,13 +256,25 @@ Place placeOfGlyph(int shape, uvec4 element, uvec4 glyph, uvec4 more, bool isInP
         local = mat2(pixelsPerPoint, 0.0, 0.0, -pixelsPerPoint);
     local = local * mat2(turn.x, -turn.y, turn.y, turn.x);
     vec2 anchor = pixelOf(anchorPlace, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
-    vec2 at = anchor + local * uintBitsToFloat(element.zw);
+    vec2 way = uintBitsToFloat(element.zw);
+    mat2 all_ = local;
+#ifdef TURNED
+    if (int(element.x >> 28) == cTurned)
+    {
+        int i = int(element.z);
+        way = vec2(numberAt(i), numberAt(i + 1));
+        vec2 t = vec2(numberAt(i + 2), numberAt(i + 3));
+        local = local * mat2(t.x, t.y, -t.y, t.x);
+        turn.x = 0.0; // it stands where it is
+    }
+#endif
+    vec2 at = anchor + all_ * way;
     if (isInPoints && turn.x == 1.0)
         at.y = floor(anchor.y + halfSize.y + 0.5) + floor(at.y - anchor.y + 0.5) - halfSize.y;
     at += local * (state.y * uintBitsToFloat(more.xy));
     Place place = Place(ivec2(0), vec2(0.0), local * (state.y * uintBitsToFloat(glyph.w)));
     place.toMiddle = inverse(place.pixels) * at;
-    text = Place(ivec2(0), inverse(local) * anchor, local);
+    text = Place(ivec2(0), inverse(all_) * anchor, all_);
     return place;
 }
 #endif

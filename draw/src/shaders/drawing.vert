@@ -61,6 +61,14 @@ void main()
     flags = state.z;
     parts = texelFetch(shapes, 6 * shape + 3);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
+#ifdef TURNED
+    if (kind == cTurned)
+    {
+        if (numberAt(int(element.z) + 2) == 0.0 && numberAt(int(element.z) + 3) == 0.0)
+            return;
+        kind = cGlyph;
+    }
+#endif
     if ((flags & cVisible) == 0u || parts.z == 0u && kind != cGlyph)
         return;
     Place place = placeOf(shape);

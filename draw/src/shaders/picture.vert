@@ -33,6 +33,11 @@ void main()
     coloredAt = vec3(0.0, 0.0, -1.0);
     if ((picture.x & cColored) != 0u)
     {
+#ifdef TURNED
+        if (int(element.x >> 28) == cTurned && numberAt(int(element.z) + 2) == 0.0 &&
+            numberAt(int(element.z) + 3) == 0.0)
+            return;
+#endif
         Place all_;
         Place place = placeOfGlyph(shape, element, texelFetch(glyphs, 2 * int(element.y)), more,
                                    (state.z & cWidthInPoints) != 0u, placeOf(shape), all_);

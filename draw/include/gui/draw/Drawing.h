@@ -7,6 +7,7 @@
 #include "Path.h"
 #include "Stroke.h"
 #include "TextLayout.h"
+#include "TextOnPath.h"
 #include "TextPlacement.h"
 
 #include <td/Export.h>
@@ -99,6 +100,20 @@ public:
     ID text(Point at, const TextLayout& layout, const TextPlacement& placement = {});
     ID text(Point at, std::string_view text, const TextStyle& style = {}, const TextPlacement& placement = {});
 
+    /// A text along a path, such as the name of a river.
+    ///
+    ///     drawing.textOn(river, "Danube", {.size = 13, .paint = "#2060a0", .halo = {1.5}});
+    ///
+    /// Each letter, with its marks, stands with the middle of its advance at its place on the path, counted along its
+    /// length, and is turned as the path goes from its beginning to its end. Of several subpaths it is the longest; past
+    /// the beginning of a closed one it goes on. In points letters keep their size, and take a shorter part of the path
+    /// the larger that is seen: each step of a zoom places those in sight anew and uploads 16 bytes for each. In model
+    /// units only their turning the other way round does. Lines under and through such a text are not drawn.
+    /// @param path    copied  @param layout  read during the call only
+    /// @return the text's id: setText, setPath and all others take it; picking goes by the letters' boxes
+    ID textOn(const Path& path, const TextLayout& layout, const TextOnPath& placement = {});
+    ID textOn(const Path& path, std::string_view text, const TextStyle& style = {}, const TextOnPath& placement = {});
+
     /// A picture over a rectangle, upright whichever way y grows. Its edges are as smooth as a fill's, also where it is
     /// turned; smaller than its pixels it is averaged, larger interpolated. Each image takes a draw call where others
     /// stand between.
@@ -117,7 +132,7 @@ public:
     bool setColor(ID shape, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
-    /// Not of a text.
+    /// Of a text, only where it lies along a path.
     bool setPath(ID shape, const Path& path);
     /// Of a text only, which stays where it is, in the style of its beginning or as laid out.
     bool setText(ID text, std::string_view string);
@@ -152,7 +167,7 @@ public:
     std::optional<Rect> getBounds(ID id) const;
 
     /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the
-    /// state is afterwards what it was, but for texture units 0 to 8.
+    /// state is afterwards what it was, but for texture units 0 to 10.
     /// @param modelToView     from model units to points from the viewport's top left corner, y downwards
     /// @param pixelsPerPoint  of the view
     /// @return false, with a log line for each kind of reason once, when it could not: no context, a map that has no

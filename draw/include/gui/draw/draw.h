@@ -18,6 +18,7 @@
 #include "Stroke.h"
 #include "TextEditor.h"
 #include "TextLayout.h"
+#include "TextOnPath.h"
 #include "TextPlacement.h"
 #include "TextStyle.h"
 #include "Typeface.h"
