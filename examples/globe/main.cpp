@@ -2,10 +2,10 @@
 
 #include "GlobeView.h"
 
+#include <common/CommandLine.h>
 #include <common/SavePicture.h>
 #include <gui/Application.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -15,8 +15,6 @@ namespace
 
 using namespace globe;
 
-constexpr int cExitFailed = 1;
-constexpr int cExitUsage = 2;
 constexpr td::Size<double> cSize{1080, 720};
 
 constexpr const char* cHelp = R"(Usage: globe [--out FOLDER] | --help
@@ -43,7 +41,7 @@ int drawPictures(GlobeView& view, const std::filesystem::path& folder)
     {
         view.show(outlook);
         if (!examples::savePicture(view, folder / (std::string(outlook.name) + ".png")))
-            return cExitFailed;
+            return EXIT_FAILURE;
     }
     return 0;
 }
@@ -52,26 +50,13 @@ int drawPictures(GlobeView& view, const std::filesystem::path& folder)
 
 int main(int argc, char** argv)
 {
-    const std::string option = argc > 1 ? argv[1] : "";
-    const bool isOut = option == "--out" && argc == 3 && *argv[2] != '\0';
-    if (option == "--help")
-    {
-        std::fputs(cHelp, stdout);
-        return 0;
-    }
-    if (argc > 1 && !isOut)
-    {
-        std::fprintf(stderr, "globe: cannot make sense of: %s (see globe --help)\n", argv[1]);
-        return cExitUsage;
-    }
-    // Pictures need no display, even where there is one.
-    if (isOut)
-        setenv("GUIGL_WINDOW_SYSTEM", "offscreen", 1);
-
+    const examples::CommandLine asked = examples::readCommandLine(argc, argv, cHelp);
+    if (asked.exitStatus)
+        return *asked.exitStatus;
     gui::Application app(argc, argv);
     gui::Window window("Globe", cSize);
     GlobeView view(window);
     if (!view.isOk() || !window.show(view))
-        return cExitFailed;
-    return isOut ? drawPictures(view, argv[2]) : app.run();
+        return EXIT_FAILURE;
+    return asked.folder.empty() ? app.run() : drawPictures(view, asked.folder);
 }

@@ -12,23 +12,16 @@ double roundLength(double length);
 class Legend
 {
 public:
-    static constexpr double cHeight = 42; ///< that it takes from the view's lower edge on
-
-    Legend();
-
     /// @param pointer  in the view, if it is there  @param country  the name of the country there, or nothing
-    void layOut(const SheetView& map, const std::optional<Point>& pointer, const std::string& country);
-    void draw(double pixelsPerPoint) { _drawing.draw(gui::draw::Affine(), pixelsPerPoint); }
+    void draw(const SheetView& map, const std::optional<Point>& pointer, const std::string& country);
 
-    const std::string& getPlaceText() const { return _texts[1]; }
-    const std::string& getScaleText() const { return _texts[0]; }
+    const std::string& getPlaceText() const { return _place; }
+    const std::string& getScaleText() const { return _scale; }
 
 private:
     gui::draw::Drawing _drawing;
-    gui::draw::Drawing::ID _ground;
-    gui::draw::Drawing::ID _bar;
-    gui::draw::Drawing::ID _ids[4]; // of the texts: scale, place, country, zoom
-    std::string _texts[4];
+    std::string _scale;
+    std::string _place;
 };
 
 } // namespace worldmap

@@ -9,8 +9,6 @@ namespace worldmap
 namespace
 {
 
-constexpr double cStep = 60; // points that an arrow key moves the map
-
 /// A window with the whole map, on which a rectangle shows what another view sees of it. A click, or a drag, moves that
 /// view there.
 class Overview : public SheetView
@@ -78,15 +76,12 @@ void MapView::onDraw(const td::RectNormalized<double>& rect)
     SheetView::onDraw(rect);
     if (!_isWritten)
         return;
-    _names.layOut(*this, Legend::cHeight);
     _names.draw(*this);
-    _legend.layOut(*this, _pointer, _country == Countries::cNone ? "" : _countries.all[_country].name);
-    _legend.draw(getPixelHiDPIScale());
+    _legend.draw(*this, _pointer, _country == Countries::cNone ? "" : _countries.all[_country].name);
 }
 
 void MapView::onOriginChanged()
 {
-    SheetView::onOriginChanged();
     pointAt(_pointer); // the map moves under the pointer
     if (_pOverview != nullptr)
         _pOverview->reRender();
@@ -118,30 +113,17 @@ void MapView::pointAt(const std::optional<Point>& pointer)
 
 bool MapView::onKeyPressed(const gui::Key& key)
 {
-    using Virtual = gui::Key::Virtual;
     const char character = key.getChar();
-    const Virtual code = key.getVirtual();
-    const double zoom = 1 + gui::InputDevice::getDefaultZoomIncrement(), step = cStep / getZoom();
-    if (character == '+' || character == '=' || code == Virtual::KeypadPlus)
-        return zoomBy(zoom);
-    if (character == '-' || code == Virtual::KeypadMinus)
-        return zoomBy(1 / zoom);
-    if (character == '0')
-        fit();
-    else if (character == 'm' || character == 'M')
+    if (character == 'm' || character == 'M')
         setProjection(getMapProjection() == Projection::Mercator ? Projection::Equirectangular : Projection::Mercator);
     else if (character == 'l' || character == 'L')
         setWritten(!_isWritten);
     else if (character == 'o' || character == 'O')
         toggleOverview();
-    else if (code == Virtual::Left || code == Virtual::Right)
-        setModelRefPoint({getOrigin().x + (code == Virtual::Left ? -step : step), getOrigin().y});
-    else if (code == Virtual::Up || code == Virtual::Down)
-        setModelRefPoint({getOrigin().x, getOrigin().y + (code == Virtual::Down ? -step : step)});
-    else if (code == Virtual::Escape)
+    else if (key.getVirtual() == gui::Key::Virtual::Escape)
         gui::Application::quit();
     else
-        return false;
+        return moveByKey(key);
     return true;
 }
 

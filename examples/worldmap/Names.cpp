@@ -1,24 +1,32 @@
 #include "Names.h"
 
+#include <limits>
+
 namespace worldmap
 {
 
 namespace
 {
 
-using gui::draw::Affine;
+using gui::draw::Anchor;
+using gui::draw::LabelRule;
+using gui::draw::Labels;
+using gui::draw::Path;
+using gui::draw::TextLayout;
 
 // A name may be as long as its strip of land and this part of what the country has beyond, and this part of its height.
 constexpr double cBeyond = 0.35;
 constexpr double cHighest = 0.8;
 
+constexpr double cSmallestPart = 12; // degrees of a country that has names of its own
+
 // In points.
-constexpr double cSmallest = 5; // that an island is wide or high to have its name beside it
-constexpr double cGap = 3;      // between them, and to the left and right of a name
+constexpr double cLargestPart = 1100; // that has one name
+constexpr double cSmallest = 5;       // that an island is wide or high to have its name beside it
+constexpr double cGap = 3;
 constexpr double cHalo = 1.75;
 
-constexpr int cNoOfRows = 19;
-constexpr double cOffMiddle = 0.6; // how much less a strip at the part's upper or lower edge is worth
+constexpr double cInfinity = std::numeric_limits<double>::infinity();
 
 // Broken at the space that is nearest to the middle.
 std::string inTwoLines(std::string name)
@@ -29,16 +37,6 @@ std::string inTwoLines(std::string name)
         if (offMiddle(i) < offMiddle(best))
             best = i;
     return best == std::string::npos ? name : name.replace(best, 1, "\n");
-}
-
-bool overlap(const Rect& a, const Rect& b)
-{
-    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
-}
-
-Rect common(const Rect& a, const Rect& b)
-{
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
 }
 
 // By strips from the equator, each of which is narrower where it is nearer to a pole.
@@ -64,147 +62,113 @@ gui::draw::TextStyle writing(double halo)
 Names::Names(const Countries& countries)
     : _countries(countries)
 {
+    _labels.setMargin(cGap);
 }
 
-void Names::layOut(SheetView& map, double bottom)
+void Names::draw(SheetView& map)
 {
     if (map.getMapProjection() != _projection)
-        setProjection(map.getMapProjection());
-    else if (map.getVisible() == _visible && map.getZoom() == _zoom)
-        return;
-    _visible = map.getVisible();
-    _zoom = map.getZoom();
-    _free = common(sheetOf(*_projection), _visible);
-    _free.top = std::max(_free.top, _visible.top + bottom / _zoom);
-    _shown.clear();
-    std::vector<Land*> left;
-    for (Land& land : _lands)
-        if (overlap(land.box, _free) &&
-            std::none_of(land.texts.begin(), land.texts.end(), [&](Text& text) { return addInside(land, text); }) &&
-            _countries.all[land.country].isAlone &&
-            std::max(widthOf(land.box), heightOf(land.box)) * _zoom >= cSmallest)
-            left.push_back(&land);
-    for (Land* pLand : left)
-        addBeside(*pLand, pLand->texts.front(), map);
-    for (Land& land : _lands)
-        for (Text& text : land.texts)
-        {
-            if (text.next != text.place)
-                _drawing.setVisible(text.id, text.next.has_value());
-            if (text.next && text.next != text.place)
-                _drawing.setTransform(text.id, Affine::translation(text.next->x, text.next->y));
-            text.place = std::exchange(text.next, {});
-        }
+        make(map);
+    _labels.place(map.getZoom());
+    _drawing.draw(map);
 }
 
-void Names::setProjection(Projection projection)
+bool Names::isShown(std::size_t country) const
 {
-    _projection = projection;
-    _drawing.clear();
-    _lands.clear();
+    return std::any_of(_ids[country].begin(), _ids[country].end(), [this](auto id) { return _labels.isShown(id); });
+}
+
+void Names::make(SheetView& map)
+{
+    _projection = map.getMapProjection();
+    _labels.clear();
+    _ids.assign(_countries.all.size(), {});
+    const Rect sheet = sheetOf(*_projection);
+    const gui::draw::ParagraphStyle centered{.align = gui::draw::Align::Center};
     for (std::size_t i = 0; i < _countries.all.size(); ++i)
     {
-        Land& land = _lands.emplace_back(Land{i});
+        const std::string& name = _countries.all[i].name;
+        Land land{i, {name, writing(cHalo)}, {inTwoLines(name), writing(cHalo), centered}};
         for (const Line& ring : _countries.coarse.countries[i])
         {
-            const gui::draw::Path path = pathOf(ring, projection).close();
-            land.path.addPath(path);
+            const Path piece = pathOf(ring, *_projection).close();
+            land.path.addPath(piece);
             if (const double area = areaOf(ring); area > land.area)
             {
                 land.area = area;
-                land.box = common(path.getBounds().value_or(Rect()), sheetOf(projection));
+                land.box = piece.getBounds().value_or(sheet);
+                land.box.top = std::max(land.box.top, sheet.top);
             }
         }
-        land.room = roomIn(land, land.box);
-        for (const std::string& text : {_countries.all[i].name, inTwoLines(_countries.all[i].name)})
-        {
-            const gui::draw::TextLayout layout(text, writing(cHalo), {.align = gui::draw::Align::Center});
-            land.texts.push_back({_drawing.text({}, layout, {.anchor = gui::draw::Anchor::Center}), layout.getSize()});
-            _drawing.setVisible(land.texts.back().id, false);
-        }
+        addInside(land, land.box, 0);
+        if (_countries.all[i].isAlone)
+            addBeside(map, land);
     }
-    std::stable_sort(_lands.begin(), _lands.end(), [](const Land& a, const Land& b) { return a.area > b.area; });
 }
 
-// The longest strip of land in a part of the plane, or a shorter one that is nearer to the part's middle. It goes on in
-// the rows of nineteen above and below; its own height is 0.
-Rect Names::roomIn(const Land& land, const Rect& part)
+void Names::addInside(const Land& land, const Rect& part, double minZoom)
 {
-    Rect best;
-    double bestValue = 0;
-    const double step = heightOf(part) / (cNoOfRows + 1);
-    for (int row = 2; row < cNoOfRows; ++row)
+    const Point middle = middleOf(part);
+    const std::optional<Rect> room = Labels::findRoom(land.path, part);
+    const bool isWhole = minZoom == 0;
+    if (!room && !isWhole)
+        return;
+    const bool isWide = widthOf(part) > heightOf(part);
+    const double size = isWide ? widthOf(part) : heightOf(part);
+    const double maxZoom = size > cSmallestPart ? cLargestPart / size : cInfinity;
+    if (size > cSmallestPart)
     {
-        const double y = part.top + row * step;
-        std::vector<std::pair<double, unsigned int>> crossings; // and a bit for the row
-        for (const gui::draw::PathSegment& line : land.path)
-            for (unsigned int bit = 1; const double at : {y - step, y, y + step})
-            {
-                const double x =
-                    line.from.x + (at - line.from.y) / (line.to.y - line.from.y) * (line.to.x - line.from.x);
-                if ((line.from.y > at) != (line.to.y > at))
-                    crossings.emplace_back(std::clamp(x, part.left, part.right), bit);
-                bit *= 2;
-            }
-        std::sort(crossings.begin(), crossings.end());
-        const double worth = 1 - cOffMiddle * std::abs(2 * (row - 1.0) / (cNoOfRows - 1) - 1);
-        double west = part.left;
-        for (unsigned int inside = 0; const auto& [x, bit] : crossings)
-        {
-            if (inside == 7 && (x - west) * worth > bestValue)
-            {
-                bestValue = (x - west) * worth;
-                best = {west, y, x, y};
-            }
-            inside ^= bit;
-            west = x;
-        }
+        addInside(land, {part.left, part.top, isWide ? middle.x : part.right, isWide ? part.bottom : middle.y},
+                  maxZoom);
+        addInside(land, {isWide ? middle.x : part.left, isWide ? part.top : middle.y, part.right, part.bottom},
+                  maxZoom);
     }
-    return best;
-}
-
-bool Names::addInside(const Land& land, Text& text)
-{
-    const double width = text.size.width / _zoom;
-    if (width > (1 - cBeyond) * widthOf(land.room) + cBeyond * widthOf(land.box) ||
-        text.size.height / _zoom > cHighest * heightOf(land.box))
-        return false;
-    if (widthOf(land.room) > 0 && add(land, text, middleOf(land.room)))
-        return true;
-    // What is seen of a country may be as good a place.
-    const Rect room = roomIn(land, common(land.box, _free));
-    return widthOf(room) > width && add(land, text, middleOf(room));
-}
-
-// In the sea, where no other country is.
-void Names::addBeside(const Land& land, Text& text, SheetView& map)
-{
-    const double width = text.size.width / _zoom, height = text.size.height / _zoom;
-    const double x = (widthOf(land.box) + width) / 2 + cGap / _zoom, y = (heightOf(land.box) + height) / 2;
-    for (const Point& step : {Point(0, -y), Point(x, 0), Point(0, y), Point(-x, 0)})
+    const double strip = room ? widthOf(*room) : 0, beyond = isWhole ? cBeyond * (widthOf(part) - strip) : 0;
+    const auto ruleFor = [&](const td::Size<double>& name)
     {
-        const Point place(middleOf(land.box).x + step.x, middleOf(land.box).y + step.y);
-        bool isOnlySea = true;
-        for (int i = 0; i < 15; ++i)
-        {
-            const std::size_t found = map.find({place.x + (i % 5 - 2) * width / 4, place.y + (i / 5 - 1) * height / 2});
-            isOnlySea = isOnlySea && (found == Countries::cNone || found == land.country);
-        }
-        if (isOnlySea && add(land, text, place))
-            return;
-    }
+        const double zoom = std::max(name.width / (strip + beyond), name.height / (cHighest * heightOf(part)));
+        return LabelRule{land.area, std::max(zoom, minZoom), maxZoom};
+    };
+    const Point place = room ? middleOf(*room) : middle;
+    const gui::draw::TextPlacement centered{Anchor::Center};
+    _ids[land.country].push_back(_labels.add(place, land.name, centered, ruleFor(land.name.getSize())));
+    _ids[land.country].push_back(
+        _labels.addAlternative(place, land.inTwoLines, centered, ruleFor(land.inTwoLines.getSize())));
 }
 
-bool Names::add(const Land& land, Text& text, const Point& middle)
+// In the sea, from the zoom on at which no other country is there.
+void Names::addBeside(SheetView& map, const Land& land)
 {
-    const double x = (text.size.width / 2 + cGap) / _zoom, y = text.size.height / 2 / _zoom;
-    const Rect box{middle.x - x, middle.y - y, middle.x + x, middle.y + y};
-    if (common(box, _free) != box ||
-        std::any_of(_shown.begin(), _shown.end(), [&box](const Shown& shown) { return overlap(box, shown.box); }))
-        return false;
-    _shown.push_back({land.country, box});
-    text.next = middle;
-    return true;
+    const double x = widthOf(land.box) / 2, y = heightOf(land.box) / 2;
+    const td::Size<double> size = land.name.getSize();
+    const Rect sheet = sheetOf(*_projection);
+    const double maxZoom = cLargestPart / std::max(x, y) / 2;
+    const struct
+    {
+        Point step;
+        Anchor anchor;
+    } sides[] = {{{0, -1}, Anchor::Top}, {{1, 0}, Anchor::Left}, {{0, 1}, Anchor::Bottom}, {{-1, 0}, Anchor::Right}};
+    for (const auto& [step, anchor] : sides)
+    {
+        const Point place(middleOf(land.box).x + step.x * x, middleOf(land.box).y + step.y * y);
+        const auto isOnlySea = [&](double zoom)
+        {
+            for (int i = 0; i < 15; ++i)
+            {
+                const Point point(place.x + (step.x + (i % 5 - 2) / 2.0) * size.width / 2 / zoom,
+                                  place.y + (step.y + (i / 5 - 1)) * size.height / 2 / zoom);
+                const std::size_t found = map.find(point);
+                if (!isIn(sheet, point) || (found != Countries::cNone && found != land.country))
+                    return false;
+            }
+            return true;
+        };
+        double zoom = cSmallest / std::max(x, y) / 2;
+        while (zoom < maxZoom && !isOnlySea(zoom))
+            zoom *= 1.5;
+        _ids[land.country].push_back(_labels.addAlternative(place, land.name, {anchor, {step.x * cGap, -step.y * cGap}},
+                                                            {.minZoom = zoom, .maxZoom = maxZoom}));
+    }
 }
 
 } // namespace worldmap

@@ -2,70 +2,48 @@
 
 #include "SheetView.h"
 
+#include <gui/draw/Labels.h>
+
 namespace worldmap
 {
 
 /// How everything is written on the map. @param halo  the width of a light rim, in points
 gui::draw::TextStyle writing(double halo);
 
-/// The names of the countries, the largest first, as far as there is room: in the country that is wide enough for its
-/// name, in two lines if need be, or beside an island. All are made once; each move of the map only hides some and
-/// shows others, or the same ones elsewhere.
+/// The names of the countries, the largest first, as far as there is room: in the country once it is seen so large that
+/// its name fits, in two lines if need be, or beside an island. Where a country is too large for one name, each half of it
+/// has one, and so on.
 class Names
 {
 public:
-    /// A name on the map, and what it covers of the plane.
-    struct Shown
-    {
-        std::size_t country;
-        Rect box;
-    };
-
     /// @param countries  must outlive the names
     explicit Names(const Countries& countries);
 
-    /// Places the names anew if the map has moved since.
-    /// @param bottom  how much of the view is kept free of them there, in points
-    void layOut(SheetView& map, double bottom);
-    void draw(const SheetView& map) { _drawing.draw(map); }
+    void draw(SheetView& map);
 
-    /// The names that were placed last.
-    const std::vector<Shown>& getShown() const { return _shown; }
+    /// Whether its name was on the map when that was drawn last, in sight or not.
+    bool isShown(std::size_t country) const;
 
 private:
-    /// A name in one line or two.
-    struct Text
-    {
-        gui::draw::Drawing::ID id;
-        td::Size<double> size; ///< in points
-        std::optional<Point> place{};
-        std::optional<Point> next{};
-    };
-
     struct Land
     {
         std::size_t country;
+        gui::draw::TextLayout name;
+        gui::draw::TextLayout inTwoLines;
         gui::draw::Path path{}; ///< of all its pieces
         double area = 0;        ///< of the largest one, which the rest is about
         Rect box{};
-        Rect room{}; ///< see roomIn
-        std::vector<Text> texts{};
     };
 
-    void setProjection(Projection projection);
-    static Rect roomIn(const Land& land, const Rect& part);
-    bool addInside(const Land& land, Text& text);
-    void addBeside(const Land& land, Text& text, SheetView& map);
-    bool add(const Land& land, Text& text, const Point& middle);
+    void make(SheetView& map);
+    void addInside(const Land& land, const Rect& part, double minZoom);
+    void addBeside(SheetView& map, const Land& land);
 
     const Countries& _countries;
     gui::draw::Drawing _drawing;
-    std::vector<Land> _lands;              // the largest first
-    std::optional<Projection> _projection; // of the lands
-    Rect _visible;
-    Rect _free; // of the map, for names
-    double _zoom = 1;
-    std::vector<Shown> _shown;
+    gui::draw::Labels _labels{_drawing};
+    std::vector<std::vector<gui::draw::Drawing::ID>> _ids; // of each country's names
+    std::optional<Projection> _projection;                 // of the names
 };
 
 } // namespace worldmap

@@ -16,7 +16,7 @@ constexpr double cMargin = 12;
 constexpr double cInSight = 60; // of the map, that no move takes away
 
 constexpr double cFineZoom = 4; // points per degree; from there on coarse lines are seen to be
-constexpr double cMaxZoom = 400;
+constexpr double cMinZoom = 0.5, cMaxZoom = 400;
 constexpr double cNetStep = 15;   // degrees
 constexpr double cFarAway = 2000; // of the map, farther than any view shows
 
@@ -36,9 +36,9 @@ Path pathOf(const Line& degrees, Projection projection)
 
 SheetView::SheetView(const Countries& countries, Projection projection)
     : _countries(countries)
-    , _projection(projection)
 {
-    setPlaneLimits(sheetOf(projection), cInSight);
+    setZoomLimits(cMinZoom, cMaxZoom);
+    setProjection(projection);
 }
 
 SheetView::Sheet& SheetView::shownSheet()
@@ -113,28 +113,18 @@ void SheetView::color(std::size_t country, td::Color color)
 void SheetView::setProjection(Projection projection)
 {
     const Point middle = unproject(_projection, getCenter());
-    const bool isFitted = _isFitted;
+    const double zoom = getZoom();
+    const bool isMoved = getPlaneLimits() && !isAtHome();
     _projection = projection;
     _coarse.countries.clear();
     _fine.countries.clear();
     setPlaneLimits(sheetOf(projection), cInSight);
-    isFitted ? fit() : setCenter(project(projection, middle));
-}
-
-void SheetView::onResize(const td::Size<double>& size)
-{
-    const Point middle = getCenter();
-    const bool isFitted = _isFitted;
-    OrthoView::onResize(size);
-    isFitted ? fit() : setCenter(middle);
-}
-
-void SheetView::fit()
-{
-    setZoomLimits(0.01, cMaxZoom);
-    OrthoView::fit(sheetOf(_projection), cMargin);
-    setZoomLimits(getZoom() / 2, cMaxZoom);
-    _isFitted = true;
+    setHome(sheetOf(projection), cMargin);
+    if (isMoved)
+    {
+        setZoom(zoom);
+        setCenter(project(projection, middle));
+    }
 }
 
 } // namespace worldmap

@@ -11,15 +11,13 @@ namespace worldmap
 /// A line on the map.
 gui::draw::Path pathOf(const Line& degrees, Projection projection);
 
-/// A view with a map in it, whole and in the middle at first. While nobody moves it, it fits the view at every size.
+/// A view with a map in it, whole and in the middle until somebody moves it.
 class SheetView : public gui::gl::OrthoView
 {
 public:
     /// @param countries  must outlive the view
     SheetView(const Countries& countries, Projection projection);
 
-    /// Shows the whole map.
-    void fit();
     void setProjection(Projection projection);
     Projection getMapProjection() const { return _projection; }
 
@@ -29,9 +27,7 @@ public:
     void highlight(std::size_t country);
 
 protected:
-    void onResize(const td::Size<double>& size) override;
     void onDraw(const td::RectNormalized<double>& rect) override;
-    void onOriginChanged() override { _isFitted = false; }
 
 private:
     /// The map in two layers, so that another colour of a country leaves the lines as they are.
@@ -46,10 +42,9 @@ private:
     void color(std::size_t country, td::Color color);
 
     const Countries& _countries;
-    Projection _projection;
+    Projection _projection{};
     Sheet _coarse; // for all of the world
     Sheet _fine;
-    bool _isFitted = true;
     std::size_t _highlighted = Countries::cNone;
 };
 

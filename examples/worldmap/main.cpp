@@ -2,19 +2,18 @@
 
 #include "MapView.h"
 
+#include <common/CommandLine.h>
 #include <common/SavePicture.h>
 #include <gui/Application.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 namespace
 {
 
 using worldmap::Projection;
 
-constexpr const char* cHelp = R"(Usage: worldmap [--size WIDTHxHEIGHT] [--out FOLDER] | --help
+constexpr const char* cHelp = R"(Usage: worldmap [--out FOLDER] | --help
 
 Shows the countries of the world. The line below says where the pointer is.
 
@@ -25,16 +24,15 @@ Shows the countries of the world. The line below says where the pointer is.
   O                                    an overview in a second window
   Escape                               end
 
-  --size WIDTHxHEIGHT  the window's size, or the pictures', in points
-  --out FOLDER         draw pictures at three zooms into a folder instead, without a window;
-                       GUIGL_SCALE=2 draws two pixels per point
+  --out FOLDER   draw pictures at three zooms into a folder instead, without a window;
+                 GUIGL_SCALE=2 draws two pixels per point
 )";
 
 bool drawPicture(worldmap::MapView& view, const std::filesystem::path& file, Projection projection, double zoom = 0,
                  const td::Point<double>& middle = {})
 {
     view.setProjection(projection);
-    view.fit();
+    view.goHome();
     if (zoom > 0)
     {
         view.setZoom(zoom);
@@ -47,41 +45,21 @@ bool drawPicture(worldmap::MapView& view, const std::filesystem::path& file, Pro
 
 int main(int argc, char** argv)
 {
-    constexpr int cExitFailed = 1, cExitUsage = 2;
-    std::filesystem::path folder;
-    td::Size<double> size{1080, 580};
-    for (int i = 1; i < argc; i += 2)
-    {
-        const std::string option = argv[i], value = i + 1 < argc ? argv[i + 1] : "";
-        char rest = 0;
-        if (option == "--help")
-            return std::fputs(cHelp, stdout) < 0 ? cExitFailed : 0;
-        if (option == "--out" && !value.empty())
-            folder = value;
-        else if (option != "--size" || std::sscanf(value.c_str(), "%lfx%lf%c", &size.width, &size.height, &rest) != 2 ||
-                 std::min(size.width, size.height) < 100 || std::max(size.width, size.height) > 8000)
-        {
-            std::fprintf(stderr, "worldmap: cannot make sense of: %s %s (see worldmap --help)\n", argv[i],
-                         value.c_str());
-            return cExitUsage;
-        }
-    }
-    // Pictures need no display, even where there is one.
-    if (!folder.empty())
-        setenv("GUIGL_WINDOW_SYSTEM", "offscreen", 1);
-
+    const examples::CommandLine asked = examples::readCommandLine(argc, argv, cHelp);
+    if (asked.exitStatus)
+        return *asked.exitStatus;
     gui::Application app(argc, argv);
     worldmap::Countries countries;
     if (!countries.load())
-        return cExitFailed;
-    gui::Window window("World map", size);
+        return EXIT_FAILURE;
+    gui::Window window("World map", {1080, 580});
     worldmap::MapView view(window, countries);
     if (!window.show(view))
-        return cExitFailed;
-    if (folder.empty())
+        return EXIT_FAILURE;
+    if (asked.folder.empty())
         return app.run();
-    const bool isDrawn = drawPicture(view, folder / "world.png", Projection::Equirectangular) &&
-                         drawPicture(view, folder / "europe.png", Projection::Mercator, 14, {14, 51}) &&
-                         drawPicture(view, folder / "italy.png", Projection::Mercator, 60, {12.2, 42.9});
-    return isDrawn ? 0 : cExitFailed;
+    const bool isDrawn = drawPicture(view, asked.folder / "world.png", Projection::Equirectangular) &&
+                         drawPicture(view, asked.folder / "europe.png", Projection::Mercator, 14, {14, 51}) &&
+                         drawPicture(view, asked.folder / "italy.png", Projection::Mercator, 60, {12.2, 42.9});
+    return isDrawn ? EXIT_SUCCESS : EXIT_FAILURE;
 }

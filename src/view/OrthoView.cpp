@@ -17,6 +17,8 @@ namespace gui::gl
 namespace
 {
 
+constexpr double cKeyStep = 60; // points that an arrow key moves the plane
+
 // Of the last press with Shift, whichever view it was in: there is one pointer.
 td::Point<double> s_startDragPoint; // where it was in the view
 td::Point<double> s_startTL;        // the origin then
@@ -181,10 +183,55 @@ bool OrthoView::fit(const td::RectNormalized<double>& model, double margin)
     const bool isZoomNew = newZoom != _zoom;
     _zoom = newZoom;
     setOrigin(origin);
+    if (_home && _home->fit == Fit{model, margin})
+        *_home = {_home->fit, _origin, _zoom};
     if (isZoomNew)
         onZoomChanged();
     onOriginChanged();
     reDraw();
+    return true;
+}
+
+bool OrthoView::setHome(const td::RectNormalized<double>& model, double margin)
+{
+    const std::optional<Home> old = std::exchange(_home, Home{{model, margin}, _origin, _zoom});
+    if (fit(model, margin))
+        return true;
+    _home = old;
+    return false;
+}
+
+bool OrthoView::goHome()
+{
+    if (!_home)
+        return false;
+    const Fit home = _home->fit;
+    if (!(_width > 0 && _height > 0))
+        _home = {home, _origin, _zoom};
+    return fit(home.model, home.margin);
+}
+
+bool OrthoView::isAtHome() const { return _home && _home->origin == _origin && _home->zoom == _zoom; }
+
+bool OrthoView::moveByKey(const Key& key)
+{
+    using Virtual = Key::Virtual;
+    const Virtual code = key.getVirtual();
+    const char character = key.isASCII() ? key.getChar() : '\0';
+    const double factor = 1 + InputDevice::getDefaultZoomIncrement();
+    const double step = cKeyStep / _zoom, up = _isYDown ? -step : step;
+    if (character == '+' || character == '=' || code == Virtual::KeypadPlus)
+        zoomBy(factor);
+    else if (character == '-' || code == Virtual::KeypadMinus)
+        zoomBy(1 / factor);
+    else if (code == Virtual::Left || code == Virtual::Right)
+        setModelRefPoint({_origin.x + (code == Virtual::Left ? -step : step), _origin.y});
+    else if (code == Virtual::Up || code == Virtual::Down)
+        setModelRefPoint({_origin.x, _origin.y + (code == Virtual::Up ? up : -up)});
+    else if ((character == '0' || code == Virtual::Home) && _home)
+        goHome();
+    else
+        return false;
     return true;
 }
 
@@ -222,6 +269,7 @@ bool OrthoView::keepWithinLimits()
 
 void OrthoView::onResize(const td::Size<double>& size)
 {
+    const bool isAtHome = OrthoView::isAtHome();
     _width = static_cast<float>(size.width);
     _height = static_cast<float>(size.height);
     adjustOrthoProjectionMatrix();
@@ -230,6 +278,8 @@ void OrthoView::onResize(const td::Size<double>& size)
         const Fit waiting = *_fit;
         fit(waiting.model, waiting.margin);
     }
+    else if (isAtHome && _width > 0 && _height > 0)
+        goHome();
     keepWithinLimits();
 }
 

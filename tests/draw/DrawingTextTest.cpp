@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <random>
 #include <string>
@@ -399,7 +400,7 @@ TEST_F(DrawingTextTest, LabelsKeepClearOfEachOther)
     {
         const Point at(below(1000), below(1000));
         const double priority = below(9);
-        all.push_back({labels.add(at, layout, {.anchor = Anchor::Center}, priority), at, priority});
+        all.push_back({labels.add(at, layout, {.anchor = Anchor::Center}, {priority}), at, priority});
     }
     EXPECT_EQ(labels.getNumberOfHidden(), 300U);
     for (const double zoom : {0.3, 1.0, 2.0})
@@ -428,6 +429,56 @@ TEST_F(DrawingTextTest, LabelsKeepClearOfEachOther)
     }
     labels.clear();
     EXPECT_EQ(drawing.getNumberOfShapes(), 0U);
+}
+
+TEST_F(DrawingTextTest, LabelsHaveZoomsAndOtherPlaces)
+{
+    Drawing drawing;
+    Labels labels(drawing);
+    const TextLayout layout("Label", {.size = 10}), small("L", {.size = 10});
+    EXPECT_EQ(labels.addAlternative({0, 0}, layout), 0U);
+    const Drawing::ID first = labels.add({0, 0}, layout, {}, {.priority = 1, .maxZoom = 8});
+    const Drawing::ID second = labels.add({1, 0}, layout, {}, {.minZoom = 0.9});
+    const Drawing::ID below = labels.addAlternative({0, 40}, layout, {}, {.minZoom = 0.5});
+    const Drawing::ID other = labels.addAlternative({0, 90}, small);
+    const struct
+    {
+        double zoom;
+        std::vector<Drawing::ID> shown;
+    } cases[] = {
+        {0.1, {first}}, {0.25, {first, other}}, {0.6, {first, below}}, {1, {first, below}}, {8.1, {second}},
+    };
+    for (const auto& c : cases)
+    {
+        labels.place(c.zoom);
+        std::vector<Drawing::ID> shown;
+        for (const Drawing::ID id : {first, second, below, other})
+            if (labels.isShown(id))
+                shown.push_back(id);
+        EXPECT_EQ(shown, c.shown) << c.zoom;
+        EXPECT_EQ(labels.getNumberOfHidden(), 2 - shown.size());
+    }
+    EXPECT_EQ(labels.getNumberOfLabels(), 2U);
+}
+
+TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)
+{
+    // A ring with a bay: below its hole and beside the bay there is most room.
+    Path shape = Path().addRect({0, 0, 100, 60}).addRect({10, 8, 90, 40}).addRect({60, 40, 100, 60});
+    std::optional<Drawing::Rect> room = Labels::findRoom(shape, {0, 0, 100, 60});
+    ASSERT_TRUE(room);
+    EXPECT_EQ(room->left, 0);
+    EXPECT_EQ(room->right, 60);
+    EXPECT_TRUE(room->top >= 40 && room->bottom <= 60 && room->bottom - room->top == 6);
+    room = Labels::findRoom(shape, {85, 0, 100, 30});
+    ASSERT_TRUE(room);
+    EXPECT_TRUE(room->left == 90 && room->right == 100 && room->top >= 10);
+    room = Labels::findRoom(Path().addCircle({50, 50}, 10), {0, 0, 100, 100});
+    ASSERT_TRUE(room);
+    EXPECT_NEAR(room->right - room->left, 17.3, 0.2) << "five units off the middle";
+    EXPECT_FALSE(Labels::findRoom(shape, {20, 15, 80, 35}));
+    EXPECT_FALSE(Labels::findRoom({}, {0, 0, 1, 1}) || Labels::findRoom(shape, {0, 0, 0, 60}) ||
+                 Labels::findRoom(shape, {0, 0, std::numeric_limits<double>::infinity(), 60}));
 }
 
 } // namespace

@@ -87,7 +87,7 @@ TEST_F(X11WorldmapTest, WheelAndKeysMoveWithinLimits)
     act("key minus", isZoom(fit));
     view.setZoom(390);
     act("keydown ctrl click --repeat 3 --delay 20 4 keyup ctrl", isZoom(400));
-    act("key 0 keydown ctrl click --repeat 9 --delay 20 5 keyup ctrl", isZoom(fit / 2));
+    act("key 0 keydown ctrl click --repeat 16 --delay 20 5 keyup ctrl", isZoom(0.5));
     // However far the wheel goes, 60 points of the map stay in sight: its lower right corner.
     const worldmap::Rect sheet = worldmap::sheetOf(Projection::Equirectangular);
     act("keydown alt click --repeat 30 --delay 20 4 click --repeat 30 --delay 20 7 keyup alt",

@@ -338,6 +338,52 @@ TEST_F(OrthoViewTest, FitShowsTheWholeInTheMiddle)
     }
 }
 
+TEST_F(OrthoViewTest, HomeIsFittedUntilSomebodyMoves)
+{
+    using Virtual = gui::Key::Virtual;
+    const auto virtualKey = [](Virtual code) { return gui::Key(0, 0, 1, static_cast<unsigned char>(code)); };
+    Plane view(journal);
+    show(view, false);
+    EXPECT_FALSE(view.goHome() || view.isAtHome());
+    EXPECT_FALSE(view.moveByKey(gui::Key('0', 0, 1, 0)));
+    EXPECT_TRUE(view.setHome({0, 0, 80, 60}, 50));
+    EXPECT_FALSE(view.setHome({0, cNaN, 80, 60}) || view.setHome({0, 0, 80, 60}, 400));
+    view.onResize({500, 500});
+    EXPECT_EQ(view.getZoom(), 5);
+    EXPECT_EQ(view.getCenter(), Point(40, 30));
+    view.onResize({0, 0});
+    view.onResize({900, 900});
+    EXPECT_EQ(view.getZoom(), 10);
+
+    const struct
+    {
+        gui::Key key;
+        double zoom;
+        Point center;
+    } keys[] = {
+        {gui::Key('=', 0, 1, 0), 11, {40, 30}},    {virtualKey(Virtual::KeypadMinus), 10, {40, 30}},
+        {virtualKey(Virtual::Left), 10, {34, 30}}, {virtualKey(Virtual::Up), 10, {34, 36}},
+        {virtualKey(Virtual::Home), 10, {40, 30}}, {virtualKey(Virtual::Right), 10, {46, 30}},
+        {virtualKey(Virtual::Down), 10, {46, 24}},
+    };
+    for (const auto& c : keys)
+    {
+        EXPECT_TRUE(view.moveByKey(c.key));
+        EXPECT_NEAR(view.getZoom(), c.zoom, 1e-9);
+        EXPECT_NEAR(view.getCenter().x, c.center.x, 1e-9);
+        EXPECT_NEAR(view.getCenter().y, c.center.y, 1e-9);
+    }
+    EXPECT_FALSE(view.isAtHome() || view.moveByKey(gui::Key('x', 0, 1, 0)));
+    view.onResize({500, 500});
+    EXPECT_EQ(view.getZoom(), 10) << "moved, so no longer at home";
+
+    Plane yDown(journal);
+    show(yDown, true);
+    yDown.setCenter({0, 0});
+    yDown.moveByKey(virtualKey(Virtual::Up));
+    EXPECT_EQ(yDown.getCenter().y, -60);
+}
+
 TEST_F(OrthoViewTest, NothingGoesBeyondThePlanesLimits)
 {
     Plane view(journal);

@@ -7,8 +7,9 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <numeric>
+#include <span>
 #include <unordered_map>
+#include <utility>
 
 namespace gui::draw
 {
@@ -97,21 +98,37 @@ Labels::Labels(Drawing& drawing)
 {
 }
 
-Drawing::ID Labels::add(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement, double priority)
+Drawing::ID Labels::add(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
+                        const LabelRule& rule)
 {
-    const Drawing::ID id = _drawing.text(at, layout, placement);
-    _drawing.setVisible(id, false);
-    _labels.push_back({id, at, boxOf(layout, placement),
-                       std::isnan(priority) ? -std::numeric_limits<double>::infinity() : priority, false});
-    _isPlaced = false;
+    ++_nLabels;
     ++_nHidden;
-    return id;
+    return append(at, layout, placement, rule, false);
 }
 
 Drawing::ID Labels::add(Drawing::Point at, std::string_view text, const TextStyle& style,
-                        const TextPlacement& placement, double priority)
+                        const TextPlacement& placement, const LabelRule& rule)
 {
-    return add(at, TextLayout(text, style), placement, priority);
+    return add(at, TextLayout(text, style), placement, rule);
+}
+
+Drawing::ID Labels::addAlternative(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
+                                   const LabelRule& rule)
+{
+    return _labels.empty() ? 0 : append(at, layout, placement, rule, true);
+}
+
+Drawing::ID Labels::append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
+                           const LabelRule& rule, bool isAlternative)
+{
+    const Drawing::ID id = _drawing.text(at, layout, placement);
+    _drawing.setVisible(id, false);
+    Label& label = _labels.emplace_back(Label{id, at, boxOf(layout, placement), rule, isAlternative, false});
+    if (std::isnan(rule.priority))
+        label.rule.priority = -std::numeric_limits<double>::infinity();
+    _indices.emplace(id, _labels.size() - 1);
+    _isPlaced = false;
+    return id;
 }
 
 void Labels::clear()
@@ -119,6 +136,9 @@ void Labels::clear()
     for (const Label& label : _labels)
         _drawing.remove(label.id);
     _labels.clear();
+    _indices.clear();
+    _order.clear();
+    _nLabels = 0;
     _nHidden = 0;
     _isPlaced = false;
 }
@@ -129,6 +149,12 @@ void Labels::setMargin(double points)
     _isPlaced = false;
 }
 
+bool Labels::isShown(Drawing::ID id) const
+{
+    const auto found = _indices.find(id);
+    return found != _indices.end() && _labels[found->second].isShown;
+}
+
 void Labels::place(double pointsPerUnit)
 {
     if (!(pointsPerUnit > 0) || !std::isfinite(pointsPerUnit))
@@ -136,37 +162,107 @@ void Labels::place(double pointsPerUnit)
     const int step = static_cast<int>(std::floor(std::log2(pointsPerUnit) * cStepsPerOctave));
     if (_isPlaced && step == _step)
         return;
-    if (_order.size() != _labels.size())
+    if (_order.size() != _nLabels)
     {
-        _order.resize(_labels.size());
-        std::iota(_order.begin(), _order.end(), 0U);
+        _order.clear();
+        for (std::uint32_t i = 0; i < _labels.size(); ++i)
+            if (!_labels[i].isAlternative)
+                _order.push_back(i);
         std::stable_sort(_order.begin(), _order.end(),
                          [this](std::uint32_t a, std::uint32_t b)
-                         { return _labels[a].priority > _labels[b].priority; });
+                         { return _labels[a].rule.priority > _labels[b].rule.priority; });
     }
     // The smallest zoom of the step: at the others, labels are farther apart.
     const double zoom = std::exp2(step / cStepsPerOctave);
     Room room;
-    _nHidden = 0;
-    for (const std::uint32_t i : _order)
+    const auto hasRoom = [&](const Label& label)
     {
-        Label& label = _labels[i];
         const double x = label.at.x * zoom, y = label.at.y * zoom;
+        const Drawing::Rect& box = label.box;
         // Farther away than this, and wider, nobody looks.
         constexpr double cMost = 1e15;
-        const bool isUsable = std::abs(x) < cMost && std::abs(y) < cMost && label.box.right - label.box.left < 1e4 &&
-                              label.box.bottom - label.box.top < 1e4;
-        const bool isShown =
-            isUsable &&
-            (_margin < 0 || room.take({x + label.box.left - _margin / 2, y + label.box.top - _margin / 2,
-                                       x + label.box.right + _margin / 2, y + label.box.bottom + _margin / 2}));
-        if (isShown != label.isShown)
-            _drawing.setVisible(label.id, isShown);
-        label.isShown = isShown;
-        _nHidden += isShown ? 0 : 1;
+        return std::abs(x) < cMost && std::abs(y) < cMost && box.right - box.left < 1e4 && box.bottom - box.top < 1e4 &&
+               zoom >= label.rule.minZoom && zoom < label.rule.maxZoom &&
+               (_margin < 0 || room.take({x + box.left - _margin / 2, y + box.top - _margin / 2,
+                                          x + box.right + _margin / 2, y + box.bottom + _margin / 2}));
+    };
+    _nHidden = 0;
+    for (const std::uint32_t first : _order)
+    {
+        bool isAnyShown = false;
+        for (std::size_t i = first; i < _labels.size() && (i == first || _labels[i].isAlternative); ++i)
+        {
+            Label& label = _labels[i];
+            const bool isShown = !isAnyShown && hasRoom(label);
+            if (isShown != label.isShown)
+                _drawing.setVisible(label.id, isShown);
+            label.isShown = isShown;
+            isAnyShown = isAnyShown || isShown;
+        }
+        _nHidden += isAnyShown ? 0 : 1;
     }
     _step = step;
     _isPlaced = true;
+}
+
+std::optional<Drawing::Rect> Labels::findRoom(const Path& shape, const Drawing::Rect& within)
+{
+    constexpr int cNoOfRows = 19;
+    constexpr double cOffMiddle = 0.6; // how much less a strip at the upper or lower end is worth
+    constexpr double cFlat = 1.0 / 256;
+    const double width = within.right - within.left, height = within.bottom - within.top;
+    const double step = height / (cNoOfRows + 1), tolerance = std::max(width, height) * cFlat;
+    if (!(step > 0) || !(width > 0) || !std::isfinite(tolerance))
+        return std::nullopt;
+
+    // Where each row's line enters and leaves the shape.
+    std::array<std::vector<double>, cNoOfRows + 2> crossings;
+    const Polylines outline = shape.flatten(tolerance);
+    for (const Polylines::Line& line : outline.lines)
+    {
+        const std::span<const Path::Point> points = outline.pointsOf(line);
+        for (std::size_t i = 0; i < points.size(); ++i)
+        {
+            const Path::Point from = points[i], to = points[i + 1 < points.size() ? i + 1 : 0];
+            const auto [low, high] = std::minmax(from.y, to.y);
+            // A row has what lies at it or below, and not what is above.
+            const auto rowFrom = [&](double y)
+            { return static_cast<int>(std::clamp(std::ceil((y - within.top) / step), 0.0, cNoOfRows + 1.0)); };
+            for (int row = rowFrom(low); row < rowFrom(high); ++row)
+            {
+                const double part = (within.top + row * step - from.y) / (to.y - from.y);
+                crossings[static_cast<std::size_t>(row)].push_back(
+                    std::clamp(std::lerp(from.x, to.x, part), within.left, within.right));
+            }
+        }
+    }
+
+    // A strip is inside of the shape in its middle row and in those above and below.
+    std::optional<Drawing::Rect> best;
+    double bestValue = 0;
+    std::vector<std::pair<double, unsigned int>> sides; // and a bit for the row
+    for (int row = 2; row < cNoOfRows; ++row)
+    {
+        sides.clear();
+        for (int i = 0; i < 3; ++i)
+            for (const double x : crossings[static_cast<std::size_t>(row - 1 + i)])
+                sides.emplace_back(x, 1U << i);
+        std::sort(sides.begin(), sides.end());
+        const double worth = 1 - cOffMiddle * std::abs(2 * (row - 1.0) / (cNoOfRows - 1) - 1);
+        double left = within.left;
+        for (unsigned int inside = 0; const auto& [x, bit] : sides)
+        {
+            if (inside == 7 && (x - left) * worth > bestValue)
+            {
+                bestValue = (x - left) * worth;
+                const double y = within.top + row * step;
+                best = Drawing::Rect{left, y - step, x, y + step};
+            }
+            inside ^= bit;
+            left = x;
+        }
+    }
+    return best;
 }
 
 } // namespace gui::draw

@@ -111,6 +111,21 @@ public:
     /// @return false, with nothing changed, when a number is not finite or the margin leaves no room
     bool fit(const td::RectNormalized<double>& model, double margin = 0);
 
+    /// Fits a rectangle as fit does, and goes on to at each size of the view until the plane is moved or zoomed.
+    /// @param model, margin  see fit
+    /// @return what fit returns; the home stays what it was with false
+    bool setHome(const td::RectNormalized<double>& model, double margin = 0);
+    /// Fits what setHome was last called with, again at each size. @return false without one, or when it has no room
+    bool goHome();
+    /// Whether nobody has moved the plane since it was fitted to its home.
+    bool isAtHome() const;
+
+    /// What people expect of a map's keys, for an onKeyPressed to call: plus (with or without Shift) and minus, the
+    /// keypad's too, zoom as zoomBy does, by 1 + gui::InputDevice::getDefaultZoomIncrement(); an arrow moves what is
+    /// seen 60 points its way; 0 and Home go home, if there is one.
+    /// @return whether it was one of these
+    bool moveByKey(const Key& key);
+
     /// Keeps what is seen within a rectangle of the model: nobody pans, zooms or sets the origin to beyond. Where more
     /// is seen than the rectangle has, its middle is in the view's middle. Holds at once: calls onOriginChanged and
     /// asks for a redraw when that moves the plane. Sizes that change move it too, with that notification.
@@ -165,6 +180,15 @@ private:
     {
         td::RectNormalized<double> model;
         double margin;
+
+        bool operator==(const Fit&) const = default;
+    };
+
+    struct Home
+    {
+        Fit fit;
+        td::Point<double> origin; // where it was fitted last
+        double zoom;
     };
 
     glm::mat4 _projection;
@@ -177,6 +201,7 @@ private:
     std::optional<td::RectNormalized<double>> _limits;
     double _inSight = -1;
     std::optional<Fit> _fit; // that waits for a size
+    std::optional<Home> _home;
     Bindings _bindings = Bindings::Modified;
     InputDevice::Button _pressed = InputDevice::Button::None; // what a drag with plain bindings began with
     bool _isPanning = false;

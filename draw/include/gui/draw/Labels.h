@@ -6,11 +6,25 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace gui::draw
 {
+
+/// Which labels come first, and when.
+struct LabelRule
+{
+    /// The higher one is shown; of equal ones the one that was added first. Not a number counts as the lowest.
+    double priority = 0;
+    /// In points per unit of the model: shown from minZoom on, and below maxZoom. Labels takes both in its steps of
+    /// zoom: what has its limit within a step keeps to it from the next one on.
+    double minZoom = 0;
+    double maxZoom = std::numeric_limits<double>::infinity();
+};
 
 /// Texts of a drawing that don't cover each other: where there is no room for all, the more important ones are shown.
 ///
@@ -40,14 +54,18 @@ public:
     Labels& operator=(const Labels&) = delete;
 
     /// Adds a text to the drawing, hidden until it is placed.
-    /// @param layout    in points; see TextStyle::unit
-    /// @param priority  the higher one is shown; of equal ones the one that was added first. Not a number counts as the
-    ///                  lowest
+    /// @param layout  in points; see TextStyle::unit
     /// @return its id in the drawing
     Drawing::ID add(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement = {},
-                    double priority = 0);
+                    const LabelRule& rule = {});
     Drawing::ID add(Drawing::Point at, std::string_view text, const TextStyle& style = {},
-                    const TextPlacement& placement = {}, double priority = 0);
+                    const TextPlacement& placement = {}, const LabelRule& rule = {});
+    /// Another place for the label that was added last, or another form of it: on the other side, in two lines. Of all
+    /// that a label has got, the first one that may be shown at a zoom and has room is.
+    /// @param rule  its zooms; the priority is the label's
+    /// @return its own id in the drawing; 0, with nothing added, when there is no label yet
+    Drawing::ID addAlternative(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement = {},
+                               const LabelRule& rule = {});
     /// Removes all of them, from the drawing too.
     void clear();
 
@@ -59,9 +77,20 @@ public:
     /// or not finite, changes nothing
     void place(double pointsPerUnit);
 
-    std::size_t getNumberOfLabels() const { return _labels.size(); }
-    /// Of those, as placed last.
+    /// Alternatives are not counted.
+    std::size_t getNumberOfLabels() const { return _nLabels; }
+    /// Of those, as placed last, for want of room or because of their zooms.
     std::size_t getNumberOfHidden() const { return _nHidden; }
+    /// Whether what add or addAlternative gave this id was shown when they were last placed.
+    bool isShown(Drawing::ID id) const;
+
+    /// Where in a shape, such as a country, a line of text has most room: a strip that is nearly as long as any other
+    /// and rather in the middle of the height than near an end. The text fits if it is no wider than the strip; how
+    /// high it is, is the tenth of what was looked at.
+    /// @param shape   filled by the even-odd rule
+    /// @param within  where to look, in the shape's units; getBounds() of the shape, or what is seen of it
+    /// @return empty when nothing of the shape is there
+    static std::optional<Drawing::Rect> findRoom(const Path& shape, const Drawing::Rect& within);
 
 private:
     struct Label
@@ -69,16 +98,22 @@ private:
         Drawing::ID id;
         Drawing::Point at;
         Drawing::Rect box; // around it, in points from there
-        double priority;
+        LabelRule rule;
+        bool isAlternative; // of the one before
         bool isShown;
     };
+
+    Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
+                       const LabelRule& rule, bool isAlternative);
 
     /// The boxes that are taken, in squares of the plane.
     class Room;
 
     Drawing& _drawing;
     std::vector<Label> _labels;
-    std::vector<std::uint32_t> _order; // by priority
+    std::unordered_map<Drawing::ID, std::size_t> _indices; // of labels
+    std::vector<std::uint32_t> _order; // of those that are no alternatives, by priority
+    std::size_t _nLabels = 0;
     double _margin = 2;
     int _step = 0; // of the zoom that they are placed for
     bool _isPlaced = false;
