@@ -328,6 +328,43 @@ TEST_F(DrawingTest, OnlyWhatChangesIsUploaded)
 }
 
 // Two rows of two colours, and what is seen of them.
+TEST_F(DrawingTest, PanningLeadsToWhatIsDrawnAtOnce)
+{
+    std::vector<Path> paths;
+    for (int i = 0; i < 600; ++i)
+        paths.push_back(makeShape(i % 4, {uniform(-500, 1500), uniform(-500, 1500)}));
+    const auto add = [&](Drawing& drawing)
+    {
+        for (std::size_t i = 0; i < paths.size(); ++i)
+            if (i % 3 == 0)
+                drawing.stroke(paths[i], {.width = 3}, cBlack);
+            else
+                drawing.fill(paths[i], td::Color(0, 0, 0, i % 3 == 1 ? 255 : 100));
+        for (int i = 0; i < 100; ++i)
+            drawing.text({(i % 10) * 140.3, (i / 10) * 120.7}, "Label", {.size = 12, .halo = {2, "#ffffff"}});
+    };
+    Drawing panned;
+    add(panned);
+    const auto drawnBy = [this](Drawing& drawing, const Affine& view)
+    {
+        clear({255, 255, 255});
+        EXPECT_TRUE(drawing.draw(view, 2));
+        return test::readCoverage();
+    };
+    Point at(0, 0);
+    for (const Point step : {Point(0, 0), Point(40, 0), Point(-25.5, 30), Point(0, -7), Point(-60, -80), Point(.5, .5),
+                             Point(.3, 0), Point(.0004, .4996), Point(300, 1), Point(500, 500)})
+    {
+        at = {at.x + step.x, at.y + step.y};
+        const Affine view{.75, 0, 0, -.75, at.x, at.y + 400};
+        Drawing fresh;
+        add(fresh);
+        const Coverage all = drawnBy(fresh, view);
+        EXPECT_TRUE(test::isClose(drawnBy(panned, view), all, {0, 0, cSize, cSize}, {0.1, 5, 12}))
+            << at.x << ' ' << at.y;
+    }
+}
+
 TEST_F(DrawingTest, ImagesAreUprightAndMixedByAlpha)
 {
     using gui::draw::Image;

@@ -43,6 +43,12 @@ constexpr std::size_t cManyPasses = 8;
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
 
+/// How far from whole pixels a move may be that is taken as one, in pixels.
+constexpr double cWhole = 1.0 / 1024;
+
+/// What comes into sight is drawn by itself up to this part of all.
+constexpr double cMostNew = 0.6;
+
 // The most that a length grows.
 double stretchOf(const Affine& m)
 {
@@ -147,7 +153,8 @@ bool DrawingPainter::prepare()
     {
         _programs.clear();
         _pComposite.reset();
-        _layer.release();
+        for (gl::Framebuffer& layer : _layers)
+            layer.release();
         _programContext = gl::CurrentContext::getID();
         _isLayerValid = false;
     }
@@ -277,6 +284,77 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
     return true;
 }
 
+bool DrawingPainter::makeLayer(gl::Framebuffer& layer, td::Size<int> size)
+{
+    // The unit of the layer's texture loses what is bound to it.
+    gl::Context::setActiveTextureUnit(cLayerUnit);
+    return layer.create(size, {.depth = gl::DepthBuffer::Size::Bits24}) ||
+           fail("there is no framebuffer of the viewport's size");
+}
+
+// @return whether the layer is now what it was, moved by whole pixels, but for the regions, which are to be drawn
+bool DrawingPainter::moveLayer(const Sight& sight, std::vector<Region>& regions)
+{
+    if (!(sight.toPixels == _sight.toPixels) || sight.pixelsPerPoint != _sight.pixelsPerPoint)
+        return false;
+    const td::Size<int> size = _layers[_shown].getSize();
+    const td::Point<double> move =
+        sight.toPixels.map({sight.center.x - _sight.center.x, sight.center.y - _sight.center.y});
+    const td::Point<double> whole(std::round(move.x), std::round(move.y));
+    if (!(std::abs(move.x - whole.x) <= cWhole && std::abs(move.y - whole.y) <= cWhole))
+        return false;
+    const double kept = (size.width - std::abs(whole.x)) * (size.height - std::abs(whole.y));
+    if (std::abs(whole.x) >= size.width || std::abs(whole.y) >= size.height ||
+        kept < (1 - cMostNew) * size.width * size.height)
+        return false;
+    const int x = static_cast<int>(whole.x), y = static_cast<int>(whole.y);
+    if (x == 0 && y == 0)
+        return true;
+    gl::Framebuffer& spare = _layers[1 - _shown];
+    if (!(spare.getSize() == size) && !makeLayer(spare, size))
+        return false;
+    const gl::Framebuffer::Drawing drawing(spare);
+    if (!drawing)
+        return false;
+    gl::Context::disable(gl::Context::Flag::ScissorTest);
+    const Region from{std::max(x, 0), std::max(y, 0), size.width - std::abs(x), size.height - std::abs(y)};
+    const Region to{std::max(-x, 0), std::max(-y, 0), from.width, from.height};
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, _layers[_shown].getID());
+    glBlitFramebuffer(from.x, from.y, from.x + from.width, from.y + from.height, to.x, to.y, to.x + to.width,
+                      to.y + to.height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    _shown = 1 - _shown;
+    // Exactly where the pixels are now: what is left of the move is not lost.
+    const td::Point<double> moved = sight.toPixels.inverse().value_or(Affine()).map(whole);
+    _sight.center = {_sight.center.x + moved.x, _sight.center.y + moved.y};
+    if (x != 0)
+        regions.push_back({x > 0 ? to.width : 0, to.y, std::abs(x), to.height});
+    if (y != 0)
+        regions.push_back({0, y > 0 ? to.height : 0, size.width, std::abs(y)});
+    return true;
+}
+
+bool DrawingPainter::drawRegion(const ShapeTables& tables, DrawList& list, ImageStore& images, const Region& region)
+{
+    using Flag = gl::Context::Flag;
+    glScissor(region.x, region.y, region.width, region.height);
+    gl::Context::enable(Flag::ScissorTest);
+    gl::Context::maskDepthBuffer(true);
+    glClearColor(0, 0, 0, 0);
+    glClearDepth(1);
+    gl::Context::clear({gl::Context::Clear::Color, gl::Context::Clear::Depth});
+    // Each shape is nearer than those before, and so passes over them, but not over itself.
+    gl::Context::enable(Flag::DepthTest);
+    gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
+    Sight part = _sight;
+    const td::Point<double> middle = _sight.toPixels.inverse().value_or(Affine()).map(
+        {region.x + (region.width - _sight.size.width) / 2.0, region.y + (region.height - _sight.size.height) / 2.0});
+    part.center = {_sight.center.x + middle.x, _sight.center.y + middle.y};
+    part.size = {region.width, region.height};
+    const double stretch = stretchOf(_sight.toPixels);
+    list.select(part.getVisible(), stretch, _sight.pixelsPerPoint);
+    return drawShapes(tables, list, images, _sight, stretch);
+}
+
 bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyphs, ImageStore& images,
                           const Sight& sight, bool isChanged)
 {
@@ -288,16 +366,17 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     if (viewport[2] <= 0 || viewport[3] <= 0)
         return true;
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
+    std::array<GLint, 4> scissor{};
+    glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
     const td::Size<int> size = sight.size;
     if (!prepare())
         return fail("its program does not link");
-    if (!(_layer.getSize() == size))
+    if (!(_layers[_shown].getSize() == size))
     {
         _isLayerValid = false;
-        // The unit of the layer's texture loses what is bound to it.
-        gl::Context::setActiveTextureUnit(cLayerUnit);
-        if (!_layer.create(size, {.depth = gl::DepthBuffer::Size::Bits24}))
-            return fail("there is no framebuffer of the viewport's size");
+        _layers[1 - _shown].release();
+        if (!makeLayer(_layers[_shown], size))
+            return false;
     }
     using Flag = gl::Context::Flag;
     for (const Flag flag : {Flag::CullFace, Flag::StencilTest, Flag::PolygonOffset})
@@ -307,36 +386,35 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     glBlendEquation(GL_FUNC_ADD);
     gl::Context::enable(Flag::Blend);
     gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
-    if (!_isLayerValid || isChanged || !(sight == _sight))
+    if (!_isLayerValid || isChanged || !(sight == _asked))
     {
+        std::vector<Region> regions;
+        if (!_isLayerValid || isChanged || !moveLayer(sight, regions))
+        {
+            regions = {{0, 0, size.width, size.height}};
+            _sight = sight;
+        }
         _isLayerValid = false;
         if (!tables.upload() || !glyphs.getPictures().upload() || !glyphs.getColoredPictures().upload())
             return fail("GL has no room for its shapes");
-        const gl::Framebuffer::Drawing drawing(_layer);
+        const gl::Framebuffer::Drawing drawing(_layers[_shown]);
         if (!drawing)
             return fail("its layer cannot be drawn into");
-        gl::Context::disable(Flag::ScissorTest);
-        gl::Context::maskDepthBuffer(true);
-        glClearColor(0, 0, 0, 0);
-        glClearDepth(1);
-        gl::Context::clear({gl::Context::Clear::Color, gl::Context::Clear::Depth});
-        // Each shape is nearer than those before, and so passes over them, but not over itself.
-        gl::Context::enable(Flag::DepthTest);
-        gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
         tables.bind();
         glyphs.getPictures().bind(cPictureUnit);
         glyphs.getColoredPictures().bind(cColoredUnit);
-        const double stretch = stretchOf(sight.toPixels);
-        list.select(sight.getVisible(), stretch, sight.pixelsPerPoint);
-        if (!drawShapes(tables, list, images, sight, stretch))
+        const bool isDrawn =
+            std::all_of(regions.begin(), regions.end(),
+                        [&](const Region& region) { return drawRegion(tables, list, images, region); });
+        glScissor(scissor[0], scissor[1], scissor[2], scissor[3]);
+        if (!isDrawn)
             return false;
-        _sight = sight;
+        _asked = sight;
         _isLayerValid = true;
     }
-    if (isScissored)
-        gl::Context::enable(Flag::ScissorTest);
+    isScissored ? gl::Context::enable(Flag::ScissorTest) : gl::Context::disable(Flag::ScissorTest);
     gl::Context::disable(Flag::DepthTest);
-    gl::Textures::bindToSamplerUnit(_layer.getTextureID(), cLayerUnit, gl::Texture::Type::Tex2D);
+    gl::Textures::bindToSamplerUnit(_layers[_shown].getTextureID(), cLayerUnit, gl::Texture::Type::Tex2D);
     _pComposite->activate();
     _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->corner), glm::vec2(viewport[0], viewport[1]));
     const gl::Quads::Range one{0, 1};

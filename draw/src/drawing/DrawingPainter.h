@@ -11,9 +11,11 @@
 
 #include <td/Size.h>
 
+#include <array>
 #include <map>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace gui::draw
 {
@@ -36,7 +38,8 @@ struct Sight
 };
 
 /// Draws a drawing's tables into a layer of its own, and the layer over what is there. The layer has what it takes to
-/// draw each shape once per pixel, whatever the framebuffer below has, and stays as it is until something changes.
+/// draw each shape once per pixel, whatever the framebuffer below has, and stays as it is until something changes. When
+/// it moves by whole pixels alone, what stays in sight is copied, and only what comes into sight is drawn.
 class DrawingPainter
 {
 public:
@@ -51,7 +54,16 @@ private:
     class ShapeProgram;
     class LayerProgram;
 
+    /// A part of the layer, in pixels from its lower left corner.
+    struct Region
+    {
+        int x, y, width, height;
+    };
+
     bool prepare();
+    bool makeLayer(gl::Framebuffer& layer, td::Size<int> size);
+    bool moveLayer(const Sight& sight, std::vector<Region>& regions);
+    bool drawRegion(const ShapeTables& tables, DrawList& list, ImageStore& images, const Region& region);
     ShapeProgram* programFor(unsigned int features);
     bool fail(const char* reason);
     bool drawRanges(const ShapeTables& tables, const Sight& sight, unsigned int features,
@@ -59,11 +71,13 @@ private:
     bool drawShapes(const ShapeTables& tables, const DrawList& list, ImageStore& images, const Sight& sight,
                     double stretch);
 
-    gl::Framebuffer _layer;
+    std::array<gl::Framebuffer, 2> _layers;
+    std::size_t _shown = 0;                                          // of the layers; the other one is for moving it
     std::map<unsigned int, std::unique_ptr<ShapeProgram>> _programs; // by features
     std::unique_ptr<LayerProgram> _pComposite;
     gl::Quads _quads;
-    Sight _sight;
+    Sight _sight; // of the layer, to a fraction of a pixel what was asked for
+    Sight _asked;
     bool _isLayerValid = false;
     gl::CurrentContext::ID _programContext = 0; // where the programs were linked
     const char* _lastFailure = nullptr;
