@@ -1,13 +1,13 @@
 // Look for: a curve as thick everywhere, however far in; dots on single samples; lines of the grid at round numbers.
 
-#include "Lettering.h"
+#include "Drawing.h"
 #include "Scenes.h"
-#include "Sketch.h"
 #include "Stage.h"
 
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
-#include <gui/gl/gl.h>
+#include <gui/draw/draw.h>
+#include <gui/gl/Context.h>
 
 #include <algorithm>
 #include <cmath>
@@ -22,12 +22,13 @@ namespace gallery
 namespace
 {
 
-using namespace gui::gl;
-using td::ColorID;
+using gui::draw::Anchor;
+using gui::draw::Path;
+using Point = Path::Point;
 
 constexpr std::size_t cNoOfSamples = 100'000;
 constexpr double cMaxPlotZoom = 2500;
-constexpr float cCurveWidth = 1.8F; // points
+constexpr td::Color cCurve = "#40e0d0", cAxis = "#b0c4dee6", cGrid = "#b0c4de21";
 constexpr double cDotDistance = 14; // points from sample to sample from which each has a dot
 
 // Waves of many lengths, each half as long as the one before and a little less than half as high, above 0.
@@ -87,18 +88,14 @@ public:
     bool init() override
     {
         _samples = makeCurve();
-        _program.setBuffer(&_curve);
-        _fillProgram.setBuffer(&_fill);
-        _lettering.init();
-        return _backdrop.init() && _grid.init() && _axes.init() && _program.link() && _fillProgram.link();
+        return _backdrop.init();
     }
 
     void enter(Stage& stage) override { _pStage = &stage; }
 
     void draw(const Frame& frame) override
     {
-        if (!_lettering.begin(frame))
-            return;
+        using namespace gui::gl;
         const Cell area{64, 28, static_cast<float>(frame.size.width) - 104, static_cast<float>(frame.size.height) - 72};
         if (area.width < 1 || area.height < 1)
             return;
@@ -108,12 +105,15 @@ public:
             plot();
         }
         _backdrop.draw(frame, {&area, 1});
-        addGrid();
-        _grid.draw(frame);
-        if (_isPlotted)
-            drawCurve(frame);
-        _axes.draw(frame);
-        _lettering.draw();
+        _axes.draw({}, frame.scale);
+        // Only inside the area.
+        const auto pixels = [&frame](double points) { return static_cast<int>(std::lround(points * frame.scale)); };
+        const auto bottom = static_cast<double>(area.top + area.height);
+        Context::enable(Context::Flag::ScissorTest);
+        Context::setScissor(pixels(static_cast<double>(area.left)), pixels(frame.size.height - bottom),
+                            pixels(static_cast<double>(area.width)), pixels(static_cast<double>(area.height)));
+        _curve.draw({}, frame.scale);
+        Context::disable(Context::Flag::ScissorTest);
     }
 
     void onPointer(PointerEvent event, const gui::InputDevice& device) override
@@ -174,13 +174,15 @@ private:
     double firstSample() const { return _begin * (cNoOfSamples - 1); }
     double lastSample() const { return (_begin + 1 / _zoom) * (cNoOfSamples - 1); }
 
-    float toX(double sample) const
+    double toX(double sample) const
     {
-        return _area.left + static_cast<float>((sample / (cNoOfSamples - 1) - _begin) * _zoom) * _area.width;
+        const double share = (sample / (cNoOfSamples - 1) - _begin) * _zoom;
+        return static_cast<double>(_area.left) + share * static_cast<double>(_area.width);
     }
-    float toY(double value) const
+    double toY(double value) const
     {
-        return _area.top + static_cast<float>((_high - value) / (_high - _low)) * _area.height;
+        const double share = (_high - value) / (_high - _low);
+        return static_cast<double>(_area.top) + share * static_cast<double>(_area.height);
     }
 
     std::span<const float> samplesFrom(double from, double to) const
@@ -201,11 +203,11 @@ private:
 
     // The curve's points in the frame: the samples that are seen or, where many share a point's width, the lowest and
     // the highest of each such column, in the order in which they come.
-    std::vector<td::Point<float>> findPoints() const
+    std::vector<Point> findPoints() const
     {
         const double perPoint = (lastSample() - firstSample()) / static_cast<double>(_area.width);
         const double step = perPoint > 2 ? perPoint : 1;
-        std::vector<td::Point<float>> points;
+        std::vector<Point> points;
         for (double from = std::floor(firstSample() / step) * step; from < lastSample() + step; from += step)
         {
             const std::span<const float> column = samplesFrom(from, step > 1 ? from + step : from);
@@ -222,56 +224,16 @@ private:
     void plot()
     {
         findRange();
-        const std::vector<td::Point<float>> points = findPoints();
-        _curve.reset();
-        if (Command* pCommand = _triang.triangulateLine(
-                &_curve, points.data(), static_cast<unsigned int>(points.size()), cCurveWidth / 2, false))
-        {
-            pCommand->setColor(ColorID::Turquoise);
-            _curve.encode(pCommand);
-        }
-        const bool hasCurve = _curve.commit();
-
-        _fill.reset();
-        const float bottom = _area.top + _area.height;
-        const glm::vec4 low = colorOf(ColorID::Teal, 0.15F), high = colorOf(ColorID::Turquoise, 0.6F);
-        for (const td::Point<float>& point : points)
-        {
-            const glm::vec4 color = glm::mix(low, high, (bottom - point.y) / _area.height);
-            append(_fill, std::vector<ColorVertex>{{{point.x, point.y}, color}, {{point.x, bottom}, low}});
-        }
-        Command* pFill = _fill.createCommand();
-        pFill->createDrawArrays(Primitive::TriangleStrip, 0, static_cast<unsigned int>(_fill.getNoOfVertices()));
-        _fill.encode(pFill);
-        _isPlotted = _fill.commit() && hasCurve;
-        _isChanged = false;
-    }
-
-    void drawCurve(const Frame& frame)
-    {
-        // Only inside the area.
-        Context::enable(Context::Flag::StencilTest);
-        Context::setStencilBufferFunction(StencilBuffer::Function::Always, 1, 1);
-        Context::setStencilBufferOperation(StencilBuffer::Operation::Replace, StencilBuffer::Operation::Replace,
-                                           StencilBuffer::Operation::Replace);
-        _grid.addCell(_area, {0, 0, 0, 0});
-        _grid.draw(frame);
-        Context::setStencilBufferFunction(StencilBuffer::Function::Equal, 1, 1);
-        Context::setStencilBufferOperation(StencilBuffer::Operation::Keep, StencilBuffer::Operation::Keep,
-                                           StencilBuffer::Operation::Keep);
-        Context::setBlendFunction(Blend::Factor::SrcAlpha, Blend::Factor::OneMinusSrcAlpha);
-        Context::enable(Context::Flag::Blend);
-        _fillProgram.activate();
-        _fillProgram.setMVP(pointsToClip(frame));
-        _fillProgram.execute();
-        Context::disable(Context::Flag::Blend);
-        _program.activate();
-        _program.setMVP(pointsToClip(frame));
-        _program.execute();
-        _program.deActivate();
+        addAxes();
+        _curve.clear();
+        const std::vector<Point> points = findPoints();
+        const double top = static_cast<double>(_area.top), bottom = top + static_cast<double>(_area.height);
+        const Path curve = Path().addPolyline(points);
+        _curve.fill(Path(curve).lineTo({points.back().x, bottom}).lineTo({points.front().x, bottom}).close(),
+                    gui::draw::LinearGradient{{0, top}, {0, bottom}, {{0, "#40e0d099"}, {1, "#00808026"}}});
+        _curve.stroke(curve, {.width = 1.8, .join = gui::draw::Join::Round}, cCurve);
         addDots();
-        _grid.draw(frame);
-        Context::disable(Context::Flag::StencilTest);
+        _isChanged = false;
     }
 
     void addDots()
@@ -281,48 +243,50 @@ private:
             return;
         for (const float& value : samplesFrom(firstSample(), lastSample() + 1))
         {
-            const glm::vec2 place(toX(static_cast<double>(&value - _samples.data())), toY(static_cast<double>(value)));
-            _grid.addDisc(place, 3.5F, colorOf(ColorID::Turquoise));
-            _grid.addDisc(place, 2, colorOf(ColorID::White));
+            const Point place(toX(static_cast<double>(&value - _samples.data())), toY(static_cast<double>(value)));
+            const Path dot = Path().addCircle(place, 3);
+            _curve.fill(dot, "#ffffff");
+            _curve.stroke(dot, {.width = 1.5}, cCurve);
         }
     }
 
     // Lines at round numbers, and their ends on the axes.
-    void addGrid()
+    void addAxes()
     {
-        const glm::vec4 line = colorOf(ColorID::LightSteelBlue, 0.13F), axis = colorOf(ColorID::LightSteelBlue, 0.9F);
-        const float left = _area.left, right = left + _area.width, top = _area.top, bottom = top + _area.height;
-        const double samples = lastSample() - firstSample();
-        const double xStep = std::max(roundUp(samples * 90 / static_cast<double>(_area.width)), 1.0);
-        const double yStep = roundUp((_high - _low) * 50 / static_cast<double>(_area.height));
-        constexpr float cTick = 6;
-        for (double x = std::ceil(firstSample() / xStep) * xStep; x <= lastSample() + 1; x += xStep)
+        const auto left = static_cast<double>(_area.left), right = left + static_cast<double>(_area.width);
+        const auto top = static_cast<double>(_area.top), bottom = top + static_cast<double>(_area.height);
+        const double xStep = std::max(roundUp((lastSample() - firstSample()) * 90 / (right - left)), 1.0);
+        const double yStep = roundUp((_high - _low) * 50 / (bottom - top));
+        constexpr double cTick = 6;
+        const gui::draw::TextStyle style{.size = 12, .paint = "#b0c4de"};
+        _axes.clear();
+        // In the middle of a pixel.
+        const auto sharp = [](double x) { return std::floor(x) + 0.5; };
+        Path grid, axes;
+        axes.moveTo({sharp(left), top}).lineTo({sharp(left), sharp(bottom)}).lineTo({right, sharp(bottom)});
+        for (double sample = std::ceil(firstSample() / xStep) * xStep; sample <= lastSample() + 1e-6; sample += xStep)
         {
-            _grid.addLine({toX(x), top}, {toX(x), bottom}, 1, line);
-            _axes.addLine({toX(x), bottom}, {toX(x), bottom + cTick}, 1, axis);
-            _lettering.add({toX(x), bottom + 20}, grouped(std::lround(x)), {0, ColorID::LightSteelBlue, Font::cCentre});
+            const double x = sharp(toX(sample));
+            grid.moveTo({x, top}).lineTo({x, bottom});
+            axes.moveTo({x, bottom}).lineTo({x, bottom + cTick});
+            _axes.text({x, bottom + cTick + 4}, grouped(std::lround(sample)), style, {Anchor::Top});
         }
-        for (double y = std::ceil(_low / yStep) * yStep; y <= _high; y += yStep)
+        for (double value = std::ceil(_low / yStep) * yStep; value <= _high; value += yStep)
         {
-            _grid.addLine({left, toY(y)}, {right, toY(y)}, 1, line);
-            _axes.addLine({left - cTick, toY(y)}, {left, toY(y)}, 1, axis);
-            _lettering.add({left - 10, toY(y) + 4}, decimal(y, yStep), {0, ColorID::LightSteelBlue, Font::cRight});
+            const double y = sharp(toY(value));
+            grid.moveTo({left, y}).lineTo({right, y});
+            axes.moveTo({left - cTick, y}).lineTo({left, y});
+            _axes.text({left - cTick - 4, y}, decimal(value, yStep), style, {Anchor::Right});
         }
-        _axes.addLine({left, top}, {left, bottom}, 1, axis);
-        _axes.addLine({left, bottom}, {right, bottom}, 1, axis);
+        _axes.stroke(grid, {.width = 1}, cGrid);
+        _axes.stroke(axes, {.width = 1, .cap = gui::draw::Cap::Square}, cAxis);
     }
 
     Stage* _pStage = nullptr;
-    Lettering _lettering{{{"sans", 12}}};
     std::vector<float> _samples;
     Backdrop _backdrop;
-    Sketch _grid;
-    Sketch _axes;
-    Triang2D _triang{4};
-    Flat2DProgram _program;
-    Color2DProgram _fillProgram;
-    Buffer _curve{DataType::Vec2};
-    Buffer _fill{DataType::Vec2, DataType::Vec4};
+    gui::draw::Drawing _axes;
+    gui::draw::Drawing _curve;
     Cell _area{};
     double _begin = 0; // of what is seen, as a share of all samples
     double _zoom = 1;
@@ -330,7 +294,6 @@ private:
     double _high = 1;
     double _pointer = 0;
     bool _isChanged = true;
-    bool _isPlotted = false; // the driver had room for it
 };
 
 } // namespace
