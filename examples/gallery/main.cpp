@@ -12,10 +12,13 @@
 #include <gui/Window.h>
 #include <gui/gl/OffscreenContext.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <span>
 #include <string>
 
 namespace
@@ -24,7 +27,6 @@ namespace
 using namespace gallery;
 
 constexpr td::Size<double> cSize{960, 600}; // in points
-constexpr int cScales[] = {1, 2};
 
 // The moment at which scenes that move are pictured.
 constexpr double cSeconds = 2;
@@ -39,7 +41,8 @@ constexpr const char* cHelp = R"(Usage: gallery [--scene NAME] [--frames N]
 Shows the gallery in a window. Digits and arrow keys choose a scene, Space starts and
 stops time, F shows what a frame costs, F11 fills the screen, Escape ends.
 Without a display, or with --out, it draws every scene into a folder instead: NAME.png,
-NAME@2x.png for screens with two pixels per point, and index.html, which shows them all.
+NAME@2x.png for screens with two pixels per point (GUIGL_SCALE=1 or 2 leaves out the other),
+and index.html, which shows them all.
 
   --out FOLDER   where to draw; made if need be (without a display: out)
   --scene NAME   begin with this scene; with --out, draw only this one and no index.html
@@ -106,6 +109,15 @@ bool parse(int argc, char** argv, Options& options)
     return true;
 }
 
+// Device pixels per point of the pictures: 1 and 2, unless the environment wants one of them alone.
+std::span<const int> scalesOfPictures()
+{
+    static constexpr std::array<int, 2> cScales = {1, 2};
+    const char* wanted = std::getenv("GUIGL_SCALE");
+    const auto found = std::find(cScales.begin(), cScales.end(), wanted != nullptr ? std::atoi(wanted) : 0);
+    return found != cScales.end() ? std::span(&*found, 1) : std::span(cScales);
+}
+
 td::Size<int> pixels(int scale)
 {
     return {static_cast<int>(cSize.width) * scale, static_cast<int>(cSize.height) * scale};
@@ -126,7 +138,7 @@ bool drawPictures(const SceneInfo& info, const std::filesystem::path& folder, in
     PictureStage stage(context, cSeconds);
     pScene->enter(stage);
     PictureStage::play(*pScene, cSize);
-    for (const int scale : cScales)
+    for (const int scale : scalesOfPictures())
     {
         gui::Texture picture;
         const std::string name = pictureName(info, scale);
@@ -163,7 +175,7 @@ int draw(const Options& options)
         return cExitFailed;
     }
     const std::span<const SceneInfo> chosen = options.pOnly != nullptr ? std::span(options.pOnly, 1) : scenes();
-    const int nPictures = static_cast<int>(chosen.size() * std::size(cScales));
+    const int nPictures = static_cast<int>(chosen.size() * scalesOfPictures().size());
     int nDrawn = 0;
     int code = 0;
     for (const SceneInfo& scene : chosen)

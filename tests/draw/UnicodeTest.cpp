@@ -112,13 +112,20 @@ TEST(UnicodeTest, LineBreaks)
     }
 }
 
+// With sanitizers a part of the cases, which are a minute's otherwise.
+#ifdef NDEBUG
+constexpr std::size_t cBidiStep = 1;
+#else
+constexpr std::size_t cBidiStep = 10;
+#endif
+
 TEST(UnicodeTest, BidiCharacters)
 {
     std::ifstream file = openFile("BidiCharacterTest.txt");
     std::size_t nCases = 0;
     for (std::string line; std::getline(file, line);)
     {
-        if (line.empty() || line[0] == '#')
+        if (line.empty() || line[0] == '#' || nCases++ % cBidiStep != 0)
             continue;
         std::array<std::string, 5> fields;
         std::istringstream parts(line);
@@ -134,7 +141,6 @@ TEST(UnicodeTest, BidiCharacters)
             characters.push_back(static_cast<char32_t>(std::stoul(code, nullptr, 16)));
             text += test::encoded(characters.back());
         }
-        ++nCases;
         const TextLayout layout(text, {.face = Typeface::named("DejaVu Sans").withFallbacks({}, false)},
                                 {.direction = fields[1] == "0"   ? TextDirection::LeftToRight
                                               : fields[1] == "1" ? TextDirection::RightToLeft
