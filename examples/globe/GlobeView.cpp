@@ -49,7 +49,8 @@ void GlobeView::onInit()
     examples::TopoJSON countries;
     const td::String json = gui::getResText("globe/countries-50m.json");
     _isOk = countries.load({json.c_str(), json.length()}, "countries") && _earth.init() && _borders.init(countries) &&
-            _sky.init(_perspective, _eye) && _labels.init(countries);
+            _sky.init(_perspective, _eye);
+    _pLabels = std::make_unique<Labels>(countries);
     show(cOutlooks[0]);
 }
 
@@ -81,7 +82,7 @@ void GlobeView::onDraw(const td::RectNormalized<double>&)
     {
         td::Size<double> size;
         getSize(size);
-        _labels.draw(sight, size, getPixelHiDPIScale());
+        _pLabels->draw(sight, size, getPixelHiDPIScale());
     }
     Context::disable(Context::Flag::DepthTest);
 }

@@ -12,6 +12,7 @@
 #include <gui/gl/CameraView.h>
 
 #include <chrono>
+#include <memory>
 #include <set>
 
 namespace globe
@@ -46,7 +47,6 @@ public:
     void show(const Outlook& outlook);
 
     const gui::gl::Camera& getEye() const { return _eye; }
-    const Labels& getLabels() const { return _labels; }
 
 protected:
     void onInit() override;
@@ -69,7 +69,7 @@ private:
     Earth _earth;
     Borders _borders;
     StarrySky _sky;
-    Labels _labels;
+    std::unique_ptr<Labels> _pLabels;
     Place _sun;
     std::set<unsigned int> _heldKeys;
     Clock::time_point _lastFrame;

@@ -17,14 +17,6 @@ namespace globe
 namespace
 {
 
-// For one and for two device pixels per point.
-constexpr examples::Captions::BakedFont cFonts[] = {{":globe/sans-13.font", 13}, {":globe/sans-26.font", 26}};
-constexpr float cSize = 13;
-
-// A shadow keeps letters readable over ice and sand.
-constexpr td::Point<float> cShadow[] = {{1, 1}};
-constexpr examples::Captions::Style cStyle{td::ColorID::White, td::ColorID::Black, cShadow};
-
 struct Piece
 {
     glm::vec3 direction{0};
@@ -55,46 +47,41 @@ Piece measure(const examples::TopoJSON::Ring& ring)
 
 } // namespace
 
-bool Labels::init(const examples::TopoJSON& countries)
+Labels::Labels(const examples::TopoJSON& countries)
 {
+    using namespace gui::draw;
     for (const examples::TopoJSON::Area& area : countries.getAreas())
     {
         Piece largest;
         for (const examples::TopoJSON::Polygon& polygon : area.polygons)
             if (const Piece piece = measure(polygon.front()); piece.area > largest.area)
                 largest = piece;
-        if (largest.area > 0 && !area.name.empty())
-            _countries.push_back({area.name, largest.direction, static_cast<float>(std::sqrt(largest.area))});
+        const TextLayout name(area.name, {.size = 13, .paint = "#ffffff", .halo = {1.5, "#00000090"}});
+        const bool isThere = largest.area > 0 && !area.name.empty();
+        _countries.push_back({isThere ? _labels.add({}, name, {Anchor::Center}, {.priority = largest.area}) : 0,
+                              name.getSize().width, largest.direction, std::sqrt(largest.area)});
     }
-    std::sort(_countries.begin(), _countries.end(),
-              [](const Country& a, const Country& b) { return a.extent > b.extent; });
-    return _captions.init(cFonts, cSize);
 }
 
-void Labels::draw(const Sight& sight, const td::Size<double>& size, float scale)
+void Labels::draw(const Sight& sight, const td::Size<double>& size, double scale)
 {
-    const auto width = static_cast<float>(size.width) * scale, height = static_cast<float>(size.height) * scale;
-    _captions.begin(size, scale);
-    _shown.clear();
     for (const Country& country : _countries)
     {
         // The middle of the label is on this side, and not near the rim, where countries are thin.
         const glm::vec3 toEye = glm::normalize(sight.eye - country.direction);
-        if (glm::dot(toEye, country.direction) < 0.3F)
-            continue;
         const glm::vec4 clip = sight.toClip * glm::vec4(country.direction, 1);
-        if (clip.w <= 0)
-            continue;
-        const glm::vec2 middle((0.5F + 0.5F * clip.x / clip.w) * width, (0.5F - 0.5F * clip.y / clip.w) * height);
-
         // What a radian is long there, across the line of sight: clip space is 2 high.
-        const float radian =
-            glm::length(glm::vec3(sight.toClip[0][1], sight.toClip[1][1], sight.toClip[2][1])) * height / 2 / clip.w;
-        if (country.extent * radian >= 0.55F * _captions.measure(country.name).width &&
-            _captions.addIfFree({middle.x, middle.y}, country.name, cStyle))
-            _shown.push_back(country.name);
+        const auto radian = static_cast<double>(
+            glm::length(glm::vec3(sight.toClip[0][1], sight.toClip[1][1], sight.toClip[2][1])) / clip.w / 2);
+        const bool isSeen = glm::dot(toEye, country.direction) >= 0.3F && clip.w > 0 &&
+                            country.extent * radian * size.height >= 0.55 * country.width;
+        _labels.setWanted(country.id, isSeen);
+        if (isSeen)
+            _labels.move(country.id, {(0.5 + 0.5 * static_cast<double>(clip.x / clip.w)) * size.width,
+                                      (0.5 - 0.5 * static_cast<double>(clip.y / clip.w)) * size.height});
     }
-    _captions.draw(gui::gl::Text::Ctrl::BlendNoDepthTestNoCulling);
+    _labels.place(1);
+    _drawing.draw({}, scale);
 }
 
 } // namespace globe

@@ -2,12 +2,11 @@
 
 #include "Sight.h"
 
-#include <common/Captions.h>
 #include <common/TopoJSON.h>
 
+#include <gui/draw/Labels.h>
 #include <td/Size.h>
 
-#include <string>
 #include <vector>
 
 namespace globe
@@ -18,26 +17,26 @@ class Labels
 {
 public:
     /// @param countries  read during the call only
-    /// @return false, after a line in the log, when a font is missing
-    [[nodiscard]] bool init(const examples::TopoJSON& countries);
+    explicit Labels(const examples::TopoJSON& countries);
 
-    /// @param size   of the frame, in points  @param scale  device pixels per point
-    void draw(const Sight& sight, const td::Size<double>& size, float scale);
+    /// @param size  of the frame, in points  @param scale  device pixels per point
+    void draw(const Sight& sight, const td::Size<double>& size, double scale);
 
-    /// The names that were drawn last.
-    const std::vector<std::string>& getShown() const { return _shown; }
+    /// Whether a country's name was drawn last. @param country  its index in what the constructor took
+    bool isShown(std::size_t country) const { return _labels.isShown(_countries[country].id); }
 
 private:
     struct Country
     {
-        std::string name;
-        glm::vec3 direction; // of the middle of its largest piece
-        float extent;        // of that piece, in radians
+        gui::draw::Drawing::ID id; // 0 without a name or a place
+        double width;              // of its name, in points
+        glm::vec3 direction;       // of the middle of its largest piece
+        double extent;             // of that piece, in radians
     };
 
-    examples::Captions _captions;
-    std::vector<Country> _countries; // from the largest to the smallest
-    std::vector<std::string> _shown;
+    gui::draw::Drawing _drawing; // in points of the frame
+    gui::draw::Labels _labels{_drawing};
+    std::vector<Country> _countries;
 };
 
 } // namespace globe

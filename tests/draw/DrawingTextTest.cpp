@@ -459,6 +459,21 @@ TEST_F(DrawingTextTest, LabelsHaveZoomsAndOtherPlaces)
         EXPECT_EQ(labels.getNumberOfHidden(), 2 - shown.size());
     }
     EXPECT_EQ(labels.getNumberOfLabels(), 2U);
+
+    // Two change places, and the one that has gone leaves room.
+    labels.place(1);
+    EXPECT_TRUE(labels.move(below, {300, 300}) && labels.setWanted(first, false));
+    EXPECT_FALSE(labels.move(0, {}) || labels.setWanted(0, true) ||
+                 labels.move(below, {std::numeric_limits<double>::quiet_NaN(), 0}));
+    labels.place(1);
+    EXPECT_TRUE(labels.isShown(second) && !labels.isShown(first) && !labels.isShown(below));
+    labels.setWanted(second, true);
+    labels.move(second, {500, 500});
+    labels.setWanted(first, true);
+    labels.place(1);
+    EXPECT_TRUE(labels.isShown(second) && labels.isShown(first));
+    ASSERT_TRUE(drawing.draw(Affine()));
+    EXPECT_EQ(drawing.pick({505, 497}), second);
 }
 
 TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)

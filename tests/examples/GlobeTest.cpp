@@ -113,10 +113,14 @@ TEST_F(GlobeTest, BordersShowOnTheNearSideOnly)
 
 TEST_F(GlobeTest, LargeCountriesInFrontHaveNames)
 {
-    Labels labels;
-    ASSERT_TRUE(labels.init(countries));
-    const auto isShown = [&](const char* name)
-    { return std::find(labels.getShown().begin(), labels.getShown().end(), name) != labels.getShown().end(); };
+    Labels labels(countries);
+    const auto isShown = [&](const std::string& name)
+    {
+        const auto found =
+            std::find_if(countries.getAreas().begin(), countries.getAreas().end(),
+                         [&name](const examples::TopoJSON::Area& country) { return country.name == name; });
+        return labels.isShown(static_cast<std::size_t>(found - countries.getAreas().begin()));
+    };
     labels.draw(lookAt({18, 8}, {18, 8}, 2.6F), {900, 900}, 1);
     for (const char* name : {"Algeria", "Niger", "Chad", "Sudan", "Angola"})
         EXPECT_TRUE(isShown(name)) << name;

@@ -123,12 +123,37 @@ Drawing::ID Labels::append(Drawing::Point at, const TextLayout& layout, const Te
 {
     const Drawing::ID id = _drawing.text(at, layout, placement);
     _drawing.setVisible(id, false);
-    Label& label = _labels.emplace_back(Label{id, at, boxOf(layout, placement), rule, isAlternative, false});
+    Label& label = _labels.emplace_back(Label{id, at, boxOf(layout, placement), rule, isAlternative, at});
     if (std::isnan(rule.priority))
         label.rule.priority = -std::numeric_limits<double>::infinity();
     _indices.emplace(id, _labels.size() - 1);
     _isPlaced = false;
     return id;
+}
+
+bool Labels::move(Drawing::ID id, Drawing::Point at)
+{
+    const auto found = _indices.find(id);
+    if (found == _indices.end() || !std::isfinite(at.x) || !std::isfinite(at.y))
+        return false;
+    Label& label = _labels[found->second];
+    if (at.x == label.at.x && at.y == label.at.y)
+        return true;
+    label.at = at;
+    _drawing.setTransform(id, Affine::translation(at.x - label.from.x, at.y - label.from.y));
+    _isPlaced = false;
+    return true;
+}
+
+bool Labels::setWanted(Drawing::ID id, bool isWanted)
+{
+    const auto found = _indices.find(id);
+    if (found == _indices.end())
+        return false;
+    Label& label = _labels[found->second];
+    _isPlaced = _isPlaced && label.isWanted == isWanted;
+    label.isWanted = isWanted;
+    return true;
 }
 
 void Labels::clear()
@@ -181,8 +206,8 @@ void Labels::place(double pointsPerUnit)
         const Drawing::Rect& box = label.box;
         // Farther away than this, and wider, nobody looks.
         constexpr double cMost = 1e15;
-        return std::abs(x) < cMost && std::abs(y) < cMost && box.right - box.left < 1e4 && box.bottom - box.top < 1e4 &&
-               zoom >= label.rule.minZoom && zoom < label.rule.maxZoom &&
+        return label.isWanted && std::abs(x) < cMost && std::abs(y) < cMost && box.right - box.left < 1e4 &&
+               box.bottom - box.top < 1e4 && zoom >= label.rule.minZoom && zoom < label.rule.maxZoom &&
                (_margin < 0 || room.take({x + box.left - _margin / 2, y + box.top - _margin / 2,
                                           x + box.right + _margin / 2, y + box.bottom + _margin / 2}));
     };

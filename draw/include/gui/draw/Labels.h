@@ -38,7 +38,7 @@ struct LabelRule
 ///         _drawing.draw(*this);
 ///     }
 ///
-/// What is shown depends on the zoom alone, so panning changes nothing, and it changes only at zooms that are a quarter
+/// What is shown depends on the zoom alone as long as none is moved, so panning changes nothing, and it changes only at zooms that are a quarter
 /// of an octave apart: in between, labels keep clear of each other as they are. Ten thousand labels take some
 /// milliseconds then, and nothing otherwise; what is uploaded is some bytes for each that comes or goes.
 ///
@@ -66,6 +66,11 @@ public:
     /// @return its own id in the drawing; 0, with nothing added, when there is no label yet
     Drawing::ID addAlternative(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement = {},
                                const LabelRule& rule = {});
+    /// Moves what add or addAlternative gave this id: names of things that move, or that are seen in space, whose places
+    /// on the screen are the plane. @return false for another id, or a place that is not finite
+    bool move(Drawing::ID id, Drawing::Point at);
+    /// Whether it may be shown at all, as it may at first. @return false for another id
+    bool setWanted(Drawing::ID id, bool isWanted);
     /// Removes all of them, from the drawing too.
     void clear();
 
@@ -99,8 +104,10 @@ private:
         Drawing::Point at;
         Drawing::Rect box; // around it, in points from there
         LabelRule rule;
-        bool isAlternative; // of the one before
-        bool isShown;
+        bool isAlternative;  // of the one before
+        Drawing::Point from; // where it was added
+        bool isWanted = true;
+        bool isShown = false;
     };
 
     Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
@@ -112,7 +119,7 @@ private:
     Drawing& _drawing;
     std::vector<Label> _labels;
     std::unordered_map<Drawing::ID, std::size_t> _indices; // of labels
-    std::vector<std::uint32_t> _order; // of those that are no alternatives, by priority
+    std::vector<std::uint32_t> _order;                     // of those that are no alternatives, by priority
     std::size_t _nLabels = 0;
     double _margin = 2;
     int _step = 0; // of the zoom that they are placed for
