@@ -62,13 +62,14 @@ struct TextCase
     double pixelsPerPoint = 1;
     Affine group{};
     double halo = 0;
+    bool isHaloAlone = false; // and half transparent
 };
 
 // Of glyph after glyph, what its outline covers.
 TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
 {
     const Affine mirrored{1.5, 0, 0, -1.5, 100, 900};
-    const std::array<TextCase, 13> cases{{{"Sphinx of black", 8, 0},
+    const std::array<TextCase, 15> cases{{{"Sphinx of black", 8, 0},
                                           {"quartz, judge", 11.3, 17},
                                           {"my vow @&%", 40, 45},
                                           {"Rag", 400, 17},
@@ -80,13 +81,16 @@ TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
                                           {"lo", 80, 17, Unit::Points, {}, 1, {}, 6},
                                           {"Ha", 40, 0, Unit::Model, {2, 0, 0, 2, 0, 0}, 1, {}, 3},
                                           {"Rag", 11, 0, Unit::Points, {}, 2},
-                                          {"H", 9, 0, Unit::Points, {}, 1, {}, 1}}};
+                                          {"H", 9, 0, Unit::Points, {}, 1, {}, 1},
+                                          {"VAille", 40, 20, Unit::Points, {}, 1, {}, 5, true},
+                                          {"VAille", 14, 0, Unit::Points, {}, 1, {}, 2, true}}};
     for (const TextCase& each : cases)
     {
         SCOPED_TRACE(std::string(each.text) + ' ' + std::to_string(each.size) + ' ' + std::to_string(each.angle));
         TextStyle style{.face = Typeface::named("DejaVu Serif"), .size = each.size, .unit = each.unit};
         if (each.halo > 0)
-            style.halo = {each.halo, "#000"};
+            style.halo = {each.halo, each.isHaloAlone ? "#00000080" : "#000"};
+        style.paint = each.isHaloAlone ? Paint() : Paint("#000");
         const TextLayout layout(each.text, style);
         const Affine whole = each.view * each.group;
         const Point at = whole.inverse()->map({150.3, 300.4});
@@ -121,14 +125,15 @@ TEST_F(DrawingTextTest, GlyphsCoverTheirOutlines)
                 pen.y = isOnRows ? snap(origin.y, 1) + snap(pen.y, 1) : origin.y + pen.y;
                 const Affine place = Affine::translation(pen.x, pen.y) * map;
                 const Path outline = run.face.getOutline(glyph.glyph).transformed(Affine::scaling(scale));
-                add(test::mapped(test::fillRings(outline), place));
+                if (!each.isHaloAlone)
+                    add(test::mapped(test::fillRings(outline), place));
                 if (each.halo > 0)
                     add(test::mapped(
                         test::strokeRings(outline, {.width = 2 * each.halo, .unit = Unit::Model, .join = Join::Round}),
                         place));
             }
         Coverage exact(cTextPicture, cTextPicture);
-        exact.add(rings, FillRule::NonZero);
+        exact.add(rings, FillRule::NonZero, each.isHaloAlone ? 128 / 255.0 : 1);
         const bool isStroked = each.halo > 0;
         EXPECT_TRUE(isClose(drawn(drawing, each.view, s), exact, {0, 0, cTextPicture, cTextPicture},
                             isStroked ? test::Closeness{5, 32, 64} : test::Closeness{2, 12, 24}));

@@ -134,6 +134,8 @@ struct Drawing::Impl
     /// Replaces a text's glyphs.
     void setText(Item& text, const TextLayout& layout);
     void setGlyphs(Item& glyphs, const TextLayout& layout, std::size_t style, double size, double lineWidth);
+    /// Of the elements of a halo, those that are one with each.
+    std::vector<std::vector<std::int32_t>> neighboursOf(const GlyphStyle& style) const;
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
     void setElements(Item& glyphs, double strokeStep);
     /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time.

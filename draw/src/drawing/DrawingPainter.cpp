@@ -29,7 +29,7 @@ constexpr gl::Texture::Unit cColoredUnit = gl::Texture::Unit::T10;
 /// The shaders' names for ShapeFeature's bits.
 constexpr std::array<const char*, 14> cFeatures{"FILLS",    "STROKES",   "ROUND",  "CAPS",   "DASHES",
                                                 "LINKS",    "GRADIENTS", "FAR",    "GLYPHS", "IMAGES",
-                                                "PICTURES", "HALOS",     "COLORS", "TURNED"};
+                                                "PICTURES", "HALOS",     "COLORS", "PLACED"};
 
 /// Beside features: the first pass, of what is inside of opaque fills; and nothing but pictures of glyphs.
 constexpr unsigned int cCore = 1U << 16, cPicturesAlone = 1U << 17;
@@ -272,7 +272,7 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
             const bool isMerged = last - pass > 1;
             pass = last;
             if (areGlyphs && ink == DrawList::cPictures && !isMerged)
-                needed = cPicturesAlone | HasPictures | (glyphFeatures & (HasHalos | HasColors | HasTurned));
+                needed = cPicturesAlone | HasPictures | (glyphFeatures & (HasHalos | HasColors | HasPlaced));
             else if (areGlyphs)
                 needed = glyphFeatures & ~(ink == DrawList::cGlyphs && !isMerged ? HasPictures | HasColors : 0U);
         }

@@ -8,6 +8,7 @@
 #include <bit>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 #include <utility>
 
 namespace gui::draw
@@ -213,14 +214,63 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
         }
     }
     letters.mayHavePictures = letters.mayHavePictures || letters.hasColors;
-    if (pRoute != nullptr)
-        tables.setTurnedGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
+    if (pRoute != nullptr || letters.isHalo)
+    {
+        // Along a path they are placed later.
+        turns.assign(4 * elements.size(), 0);
+        if (pRoute == nullptr)
+            for (std::size_t i = 0; i < elements.size(); ++i)
+            {
+                const std::array<std::uint32_t, 3>& points = elements[i].points;
+                turns[4 * i] = std::bit_cast<float>(points[1]);
+                turns[4 * i + 1] = std::bit_cast<float>(points[2]);
+                turns[4 * i + 2] = 1;
+            }
+        tables.setPlacedGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep, turns,
+                               letters.isHalo ? neighboursOf(letters.style) : std::vector<std::vector<std::int32_t>>());
+    }
     else
         tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
     letters.passInk = DrawList::cGlyphs;
     double noTime = 0;
     if (letters.mayHavePictures && lookAtPictures(item, noTime, false, nullptr))
         await(item);
+}
+
+// Those whose strokes may touch, as far as their boxes tell: for text along a path as if that were straight.
+std::vector<std::vector<std::int32_t>> Drawing::Impl::neighboursOf(const GlyphStyle& style) const
+{
+    // Pictures' boxes end with a pixel.
+    const double margin = style.lineWidth / 2 + (style.isInPoints ? 1.5 : 0.1 * style.size);
+    std::vector<Rect> boxes;
+    for (const Element& element : elements)
+    {
+        const Rect box = tables.getBoxOf(element.points[0]);
+        const double x = double(std::bit_cast<float>(element.points[1])),
+                     y = double(std::bit_cast<float>(element.points[2]));
+        boxes.emplace_back(x + box.left * style.size - margin, y + box.top * style.size - margin,
+                           x + box.right * style.size + margin, y + box.bottom * style.size + margin);
+    }
+    std::vector<std::size_t> fromLeft(boxes.size());
+    std::iota(fromLeft.begin(), fromLeft.end(), std::size_t(0));
+    std::sort(fromLeft.begin(), fromLeft.end(),
+              [&boxes](std::size_t a, std::size_t b) { return boxes[a].left < boxes[b].left; });
+    std::vector<std::vector<std::int32_t>> result(boxes.size());
+    for (std::size_t i = 0; i < fromLeft.size(); ++i)
+    {
+        const std::size_t a = fromLeft[i];
+        result[a].push_back(0);
+        for (std::size_t k = i + 1; k < fromLeft.size() && boxes[fromLeft[k]].left < boxes[a].right; ++k)
+            if (const std::size_t b = fromLeft[k]; boxes[a].top < boxes[b].bottom && boxes[b].top < boxes[a].bottom)
+            {
+                const auto difference = static_cast<std::int32_t>(b) - static_cast<std::int32_t>(a);
+                result[a].push_back(difference);
+                result[b].push_back(-difference);
+            }
+    }
+    for (std::vector<std::int32_t>& neighbours : result)
+        std::sort(neighbours.begin(), neighbours.end());
+    return result;
 }
 
 // Lines under a text and through it are glyphs of its own.

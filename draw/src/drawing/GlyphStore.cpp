@@ -162,9 +162,11 @@ GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& ta
         return drawColored(number, sized, tables, pEvicted);
     }
     const auto [face, glyph, size, lineWidth] = sized.key;
+    const FreeTypeFace& freeType = TypefaceImpl::of(sized.face)->font().getFreeType();
     const std::optional<GlyphCoverage> coverage =
-        TypefaceImpl::of(sized.face)->font().getFreeType().getCoverage(glyph, size * _scale, lineWidth * _scale);
-    cost = (10 + (coverage ? double(coverage->width * coverage->height) / 20 : 0)) * (lineWidth > 0 ? 2.5 : 1);
+        lineWidth > 0 ? freeType.getStrokeCoverage(glyph, size * _scale, lineWidth * _scale)
+                      : freeType.getCoverage(glyph, size * _scale);
+    cost = (10 + (coverage ? double(coverage->width * coverage->height) / 20 : 0)) * (lineWidth > 0 ? 4 : 1);
     const auto fits = [](int n) { return n >= -128 && n < 128; };
     if (!coverage || !fits(coverage->left) || !fits(coverage->top) || coverage->height > 60)
     {

@@ -46,7 +46,8 @@ enum class ElementKind : std::uint32_t
     Box,      ///< around the whole shape, drawn in place of all others while that is small
     Node,     ///< around a node, drawn in place of its lines while that is small: the node, and the one it is part of
     Glyph,    ///< of a text: its number, and the bits of the floats that say where it stands
-    Turned    ///< of a text along a path: its number, and where place, cosine and sine stand among the numbers
+    Placed    ///< of a halo or a text along a path: its number, where place, cosine and sine stand among the numbers,
+              ///< and for halos one more than where those that it touches stand among the links
 };
 
 /// A quad to draw.

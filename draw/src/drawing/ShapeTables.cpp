@@ -192,6 +192,16 @@ void ShapeTables::setPicture(std::uint32_t glyph, const GlyphPicture& picture)
     _glyphs.setMember(glyph, &GlyphRecord::picture, picture);
 }
 
+td::RectNormalized<double> ShapeTables::getBoxOf(std::uint32_t number) const
+{
+    const GlyphRecord& glyph = _glyphs[number];
+    if (glyph.nNodes == 0)
+        return {0, 0, 0, 0};
+    const std::array<std::int32_t, 4>& box = _nodes[glyph.nodes].box;
+    const double x = glyph.origin[0], y = glyph.origin[1], step = glyph.step;
+    return {x + step * box[0], y + step * box[1], x + step * box[2], y + step * box[3]};
+}
+
 std::uint32_t ShapeTables::addColoredGlyph()
 {
     GlyphRecord glyph;
@@ -253,21 +263,32 @@ void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elemen
     _records.set(places.record, std::span(&record, 1));
 }
 
-void ShapeTables::setTurnedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
-                                  double step)
+void ShapeTables::setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
+                                  double step, std::span<const float> turns,
+                                  std::span<const std::vector<std::int32_t>> neighbours)
 {
     _numbers.giveBack(places.numbers.first, places.numbers.count);
-    _values.assign(4 * elements.size(), 0);
-    places.numbers = {_numbers.add(_values), static_cast<std::uint32_t>(_values.size())};
-    std::vector<Element> turned(elements.begin(), elements.end());
-    for (std::size_t i = 0; i < turned.size(); ++i)
+    _links.giveBack(places.links.first, places.links.count);
+    places.numbers = {_numbers.add(turns), static_cast<std::uint32_t>(turns.size())};
+    std::vector<std::uint32_t> links;
+    for (const std::vector<std::int32_t>& list : neighbours)
     {
-        turned[i].shapeAndKind = static_cast<std::uint32_t>(ElementKind::Turned) << 28;
-        turned[i].points[1] = places.numbers.first + static_cast<std::uint32_t>(4 * i);
-        turned[i].points[2] = 0;
+        links.push_back(static_cast<std::uint32_t>(list.size()));
+        for (const std::int32_t other : list)
+            links.push_back(static_cast<std::uint32_t>(other));
     }
-    setGlyphs(places, turned, style, step);
-    _glyphFeatures |= HasTurned;
+    places.links = {_links.add(links), static_cast<std::uint32_t>(links.size())};
+    std::vector<Element> placed(elements.begin(), elements.end());
+    std::uint32_t link = places.links.first + 1;
+    for (std::size_t i = 0; i < placed.size(); ++i)
+    {
+        placed[i].shapeAndKind = static_cast<std::uint32_t>(ElementKind::Placed) << 28;
+        placed[i].points[1] = places.numbers.first + static_cast<std::uint32_t>(4 * i);
+        placed[i].points[2] = neighbours.empty() ? 0 : link;
+        link += neighbours.empty() ? 0 : static_cast<std::uint32_t>(neighbours[i].size()) + 1;
+    }
+    setGlyphs(places, placed, style, step);
+    _glyphFeatures |= HasPlaced | (neighbours.empty() ? 0U : HasHalos);
 }
 
 void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step)

@@ -114,7 +114,7 @@ enum ShapeFeature : unsigned int
     HasPictures = 1024, // of glyphs
     HasHalos = 2048,    // of glyphs, which are one shape
     HasColors = 4096,   // pictures of glyphs in colour
-    HasTurned = 8192    // glyphs along paths
+    HasPlaced = 8192    // glyphs whose places stand among the numbers
 };
 
 /// Some records in a row.
@@ -156,13 +156,19 @@ public:
     /// Adds a glyph that is a picture in colour, and says where it is. @param step, left, top  in em, from the pen
     std::uint32_t addColoredGlyph();
     void setColoredPicture(std::uint32_t glyph, const GlyphPicture& picture, double step, double left, double top);
+    /// Around an outline, in em from the pen.
+    td::RectNormalized<double> getBoxOf(std::uint32_t glyph) const;
     const GlyphPicture& getPicture(std::uint32_t glyph) const { return _glyphs[glyph].picture; }
     /// Replaces the outline that a text has for itself alone. @return its number
     std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry);
     /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
     void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
-    /// The same along a path: makes room for the numbers of the glyphs, which are not shown yet.
-    void setTurnedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
+    /// The same of glyphs that are turned, or know their neighbours.
+    /// @param turns  for each glyph its place, cosine and sine
+    /// @param neighbours  for each: its first word is how many follow, each the number of an element less its own, in
+    /// their order; empty for no halo
+    void setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step,
+                         std::span<const float> turns, std::span<const std::vector<std::int32_t>> neighbours);
     /// @param turns  for each glyph its place, cosine and sine; not shown where both are 0
     void setTurns(const ShapePlaces& places, std::span<const float> turns)
     {

@@ -1,6 +1,5 @@
 // The triangles of opaque fills, for pixels that are all within one: a first pass, in which what is above hides what is
 // below by its depth.
-uniform usamplerBuffer elements;
 
 flat out vec4 paint;
 flat out int gradient;

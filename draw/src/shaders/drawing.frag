@@ -1,6 +1,6 @@
 // How much of a pixel a shape covers, exactly for fills and by 64 samples for strokes, from the lines of the shape near
 // the pixel alone, which a tree of boxes finds.
-#if !defined GRADIENTS && !defined TURNED
+#if !defined GRADIENTS && !defined PLACED
 uniform samplerBuffer numbers;
 #endif
 uniform usamplerBuffer links; // for each shape: the later ones that share an edge with it
@@ -12,9 +12,12 @@ flat in uvec4 parts;
 flat in ivec2 middle;
 flat in vec2 toMiddle;
 flat in vec4 stepsToPixels;
-#if defined GLYPHS && defined GRADIENTS
-flat in vec2 textToMiddle;
-flat in vec4 textToPixels;
+#if defined GLYPHS && (defined GRADIENTS || defined HALOS)
+flat in vec4 textPixels;
+flat in vec4 textAnchor;
+#endif
+#ifdef HALOS
+flat in ivec2 haloAt;
 #endif
 
 #ifdef PICTURES
@@ -449,7 +452,9 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase,
     return mask;
 }
 
-float coverageOfStroke(Place place, vec2 pixel)
+// Bit by bit the samples that are covered, and how much a pattern that is too fine to be seen leaves of that.
+// @param outline  in y to w: nodes, how many, points
+uvec2 strokeMask(Place place, uvec4 outline, vec2 pixel, out float fade)
 {
     uvec4 style = texelFetch(shapes, 6 * shape + 4), more = texelFetch(shapes, 6 * shape + 5);
     // In pixels, or where a round brush of model units is round and about as large as in pixels.
@@ -466,7 +471,7 @@ float coverageOfStroke(Place place, vec2 pixel)
     brush.perStep = scale;
     brush.dashScale = (flags & cDashesInPoints) != 0u ? pixelsPerPoint : scale * uintBitsToFloat(more.z);
     // A pattern too fine to be seen makes the line fainter.
-    float fade = 1.0;
+    fade = 1.0;
 #ifdef DASHES
     if (brush.dashes >= 0)
     {
@@ -495,8 +500,8 @@ float coverageOfStroke(Place place, vec2 pixel)
     mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1])) * 0.5;
     vec2 pixelInBrush = toBrush * pixel;
     vec2 margin = across + brush.radius * max(uintBitsToFloat(more.w), 1.0);
-    int pointBase = int(parts.w);
-    int node = int(parts.y), base = node, end = node + int(parts.z);
+    int pointBase = int(outline.w);
+    int node = int(outline.y), base = node, end = node + int(outline.z);
     uvec2 mask = uvec2(0u);
     // A chord that is as good as what it stands for. Its ends are turned, the more the wider the stroke is; where right
     // angles don't stay right, turns may be seen the larger for it.
@@ -539,8 +544,67 @@ float coverageOfStroke(Place place, vec2 pixel)
             mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord, isChord && isTiny);
         }
     }
+    return mask;
+}
+
+float coverageOfStroke(Place place, vec2 pixel)
+{
+    float fade;
+    uvec2 mask = strokeMask(place, parts, pixel, fade);
     return shareOf(mask) * fade;
 }
+
+#ifdef HALOS
+// What all glyphs of a text's halo cover together. Of those whose boxes have the pixel the first one draws it, the
+// others leave it alone: so it is below 0 for them. What pictures cover is added up, as neighbours lie side by side.
+float coverageOfHalo(vec2 pixel)
+{
+    Text text = Text(mat2(textPixels.xy, textPixels.zw), textAnchor.xy, textAnchor.z, textAnchor.w != 0.0);
+    float line = uintBitsToFloat(texelFetch(shapes, 6 * shape + 4).x);
+    bool isMine = false;
+    float covered = 0.0;
+    uvec2 mask = uvec2(0u);
+    int n = int(texelFetch(links, haloAt.y - 1).x);
+    for (int i = 0; i < n; ++i)
+    {
+        int other = int(texelFetch(links, haloAt.y + i).x);
+        uvec4 element = texelFetch(elements, haloAt.x + other);
+        uvec4 more = texelFetch(glyphs, 2 * int(element.y) + 1);
+        bool isHere = false;
+#ifdef PICTURES
+        if (int(more.z) < 0 && (flags & cGradient) == 0u)
+        {
+            ivec4 box;
+            ivec2 texel;
+            findPicture(penOf(text.anchor) + wayTo(element), more.zw, box, texel);
+            ivec2 p = ivec2(gl_FragCoord.xy);
+            isHere = all(greaterThanEqual(p, box.xy)) && all(lessThan(p, box.zw));
+            if (isHere && other >= 0)
+                covered += texelFetch(pictures, p + texel, 0).x;
+        }
+        else
+#endif
+        if (!isHidden(element))
+        {
+            uvec4 glyph = texelFetch(glyphs, 2 * int(element.y));
+            Place place = placeOfGlyph(text, element, glyph, more);
+            ivec4 box = texelFetch(nodes, 2 * int(glyph.x));
+            vec2 at = inverse(place.pixels) * pixel - place.toMiddle;
+            float margin = haloMargin(place, line, (flags & cWidthInPoints) != 0u);
+            isHere = all(greaterThan(at, vec2(box.xy) - margin)) && all(lessThan(at, vec2(box.zw) + margin));
+            if (isHere && other >= 0)
+            {
+                float fade;
+                mask |= strokeMask(place, uvec4(0u, glyph.xyz), pixel, fade);
+            }
+        }
+        if (isHere && other < 0)
+            return -1.0;
+        isMine = isMine || isHere && other == 0;
+    }
+    return isMine ? min(covered + shareOf(mask), 1.0) : -1.0;
+}
+#endif
 #endif
 
 #ifdef IMAGES
@@ -574,7 +638,10 @@ vec4 paint(Place place, vec2 pixel)
     {
 #ifdef GLYPHS
         if (kind == cGlyph)
-            place = Place(ivec2(0), textToMiddle, mat2(textToPixels.xy, textToPixels.zw));
+        {
+            mat2 pixels = mat2(textPixels.xy, textPixels.zw);
+            place = Place(ivec2(0), inverse(pixels) * textAnchor.xy, pixels);
+        }
 #endif
         c = gradientAt(int(parts.x), place, pixel);
     }
@@ -587,6 +654,16 @@ void main()
     Place place = Place(middle, toMiddle, mat2(stepsToPixels.xy, stepsToPixels.zw));
     vec2 pixel = gl_FragCoord.xy - halfSize;
     float coverage = 1.0;
+#ifdef HALOS
+    if (haloAt.y != 0)
+    {
+        coverage = coverageOfHalo(pixel);
+        if (coverage <= 0.0)
+            discard;
+        color = paint(place, pixel) * coverage;
+        return;
+    }
+#endif
 #ifdef PICTURES
     if (kind == cPicture)
         coverage = texelFetch(pictures, ivec2(gl_FragCoord.xy) + toTexel, 0).x;

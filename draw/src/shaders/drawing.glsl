@@ -2,9 +2,10 @@
 // viewport, however far from the origin that is. Before it stand the version and what is to be drawn: FILLS, STROKES,
 // ROUND (caps or joins), CAPS (round or square ones), DASHES, LINKS, GRADIENTS, FAR (lines whose ends are far away),
 // GLYPHS, IMAGES, PICTURES (of glyphs), HALOS (of texts, which are one shape), COLORS
-// (pictures of glyphs in colour), TURNED (glyphs along paths).
+// (pictures of glyphs in colour), PLACED (those of halos and along paths).
 // What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
+uniform usamplerBuffer elements; // what quads are made from
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
 uniform isamplerBuffer nodes;  // boxes around a shape's lines, a tree: two texels each
 uniform ivec4 center;          // the model point in the middle, in units: low and high word of x, then of y
@@ -12,7 +13,7 @@ uniform vec4 toPixels;         // pixels per model unit, by columns
 uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
-const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cTurned = 7;
+const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPlaced = 7;
 const int cPicture = 8, cColoredPicture = 9;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cImage = 8192u;
@@ -174,7 +175,7 @@ vec4 unpacked(uint rgba)
     return vec4(rgba & 255u, rgba >> 8 & 255u, rgba >> 16 & 255u, rgba >> 24) / 255.0;
 }
 
-#if defined GRADIENTS || defined TURNED
+#if defined GRADIENTS || defined PLACED
 uniform samplerBuffer numbers;
 
 float numberAt(int i) { return texelFetch(numbers, i).x; }
@@ -217,6 +218,15 @@ vec4 gradientAt(int at, Place place, vec2 pixel)
 }
 #endif
 
+#ifdef PLACED
+// Place, cosine and sine of a glyph for which they stand among the numbers.
+vec4 turnAt(int at) { return vec4(numberAt(at), numberAt(at + 1), numberAt(at + 2), numberAt(at + 3)); }
+bool isHidden(uvec4 element)
+{
+    return int(element.x >> 28) == cPlaced && numberAt(int(element.z) + 2) == 0.0 && numberAt(int(element.z) + 3) == 0.0;
+}
+#endif
+
 #ifdef PICTURES
 // The pen of a text's anchor, which stands on a quarter of a pixel and on a row of them, from the lower left corner.
 ivec2 penOf(vec2 anchor) { return ivec2(floor((anchor + halfSize) * vec2(4.0, 1.0) + 0.5)); }
@@ -224,7 +234,12 @@ ivec2 penOf(vec2 anchor) { return ivec2(floor((anchor + halfSize) * vec2(4.0, 1.
 // How far a glyph is from there. A text's glyphs keep their distances, wherever it stands.
 ivec2 wayTo(uvec4 element)
 {
-    return ivec2(floor(uintBitsToFloat(element.zw) * vec2(4.0, -1.0) * pixelsPerPoint + 0.5));
+    vec2 way = uintBitsToFloat(element.zw);
+#ifdef PLACED
+    if (int(element.x >> 28) == cPlaced)
+        way = vec2(numberAt(int(element.z)), numberAt(int(element.z) + 1));
+#endif
+    return ivec2(floor(way * vec2(4.0, -1.0) * pixelsPerPoint + 0.5));
 }
 
 // Where the picture of a glyph is, low and high corner, and what leads from a pixel to its texel.
@@ -238,44 +253,64 @@ void findPicture(ivec2 pen, uvec2 picture, out ivec4 box, out ivec2 toTexel)
 }
 #endif
 
-#if defined GLYPHS || defined COLORS || defined HALOS
+#if defined GLYPHS || defined PICTURES
 uniform usamplerBuffer glyphs;
 
-// Of the outline of a glyph, or of the pixels of its picture in colour. Text is never seen from behind; what is not
-// turned and has its size on the screen stands on whole pixels. @param text  of its shape, and then of all of it
-Place placeOfGlyph(int shape, uvec4 element, uvec4 glyph, uvec4 more, bool isInPoints, Place anchorPlace,
-                   out Place text)
+// A text, as all of its glyphs have it.
+struct Text
+{
+    mat2 pixels; // per unit of its own, y downwards
+    vec2 anchor; // a pixel
+    float size;  // of an em
+    bool isOnRows;
+};
+
+// Text is never seen from behind. What is not turned and has its size on the screen stands on rows of pixels.
+Text textOf(int shape, bool isInPoints, Place anchor)
 {
     vec4 state = uintBitsToFloat(texelFetch(shapes, 6 * shape + 3));
     vec2 turn = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).xy);
     vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
-    mat2 local = mat2(toPixels.xy, toPixels.zw) * mat2(linear.xy, linear.zw);
-    if (determinant(local) > 0.0)
-        local[1] = -local[1];
+    Text text;
+    text.pixels = mat2(toPixels.xy, toPixels.zw) * mat2(linear.xy, linear.zw);
+    if (determinant(text.pixels) > 0.0)
+        text.pixels[1] = -text.pixels[1];
     if (isInPoints)
-        local = mat2(pixelsPerPoint, 0.0, 0.0, -pixelsPerPoint);
-    local = local * mat2(turn.x, -turn.y, turn.y, turn.x);
-    vec2 anchor = pixelOf(anchorPlace, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
-    vec2 way = uintBitsToFloat(element.zw);
-    mat2 all_ = local;
-#ifdef TURNED
-    if (int(element.x >> 28) == cTurned)
-    {
-        int i = int(element.z);
-        way = vec2(numberAt(i), numberAt(i + 1));
-        vec2 t = vec2(numberAt(i + 2), numberAt(i + 3));
-        local = local * mat2(t.x, t.y, -t.y, t.x);
-        turn.x = 0.0; // it stands where it is
-    }
+        text.pixels = mat2(pixelsPerPoint, 0.0, 0.0, -pixelsPerPoint);
+    text.pixels = text.pixels * mat2(turn.x, -turn.y, turn.y, turn.x);
+    text.anchor = pixelOf(anchor, ivec2(0)) + pixelsPerPoint * vec2(state.z, -state.w);
+    text.size = state.y;
+    text.isOnRows = isInPoints && turn.x == 1.0;
+    return text;
+}
+
+// Of the outline of a glyph, or of the pixels of its picture in colour.
+Place placeOfGlyph(Text text, uvec4 element, uvec4 glyph, uvec4 more)
+{
+    vec4 turn = vec4(uintBitsToFloat(element.zw), 1.0, 0.0);
+#ifdef PLACED
+    if (int(element.x >> 28) == cPlaced)
+        turn = turnAt(int(element.z));
 #endif
-    vec2 at = anchor + all_ * way;
-    if (isInPoints && turn.x == 1.0)
-        at.y = floor(anchor.y + halfSize.y + 0.5) + floor(at.y - anchor.y + 0.5) - halfSize.y;
-    at += local * (state.y * uintBitsToFloat(more.xy));
-    Place place = Place(ivec2(0), vec2(0.0), local * (state.y * uintBitsToFloat(glyph.w)));
+    mat2 local = text.pixels * mat2(turn.z, turn.w, -turn.w, turn.z);
+    vec2 at = text.anchor + text.pixels * turn.xy;
+    if (text.isOnRows && turn.z == 1.0)
+        at.y = floor(text.anchor.y + halfSize.y + 0.5) + floor(at.y - text.anchor.y + 0.5) - halfSize.y;
+    at += local * (text.size * uintBitsToFloat(more.xy));
+    Place place = Place(ivec2(0), vec2(0.0), local * (text.size * uintBitsToFloat(glyph.w)));
     place.toMiddle = inverse(place.pixels) * at;
-    text = Place(ivec2(0), inverse(all_) * anchor, all_);
     return place;
+}
+#endif
+
+#ifdef HALOS
+// What a glyph's box of a halo has around it, in steps: as far as the line reaches, and half of a pixel's diagonal.
+// @param line  half of its width, in points or steps
+float haloMargin(Place place, float line, bool isInPoints)
+{
+    mat2 toSteps = inverse(place.pixels);
+    float pixel = max(length(toSteps[0]), length(toSteps[1]));
+    return (isInPoints ? line * pixelsPerPoint * pixel : line) + 0.75 * pixel;
 }
 #endif
 

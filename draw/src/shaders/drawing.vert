@@ -1,7 +1,6 @@
 // One quad of a shape: two triangles of a fill, or what encloses one of its edges, one line of a stroke or the tip of
 // one of its mitres, or one of its glyphs. It only says which pixels are looked at; the fragment shader finds how much
 // of each is covered.
-uniform usamplerBuffer elements;
 
 flat out int shape;
 flat out int kind;
@@ -44,10 +43,12 @@ flat out ivec2 toTexel;
 #ifdef COLORS
 out vec3 coloredAt;
 #endif
-#if defined GLYPHS && defined GRADIENTS
-// Of all of a text, in its own unit.
-flat out vec2 textToMiddle;
-flat out vec4 textToPixels;
+#if defined GLYPHS && (defined GRADIENTS || defined HALOS)
+flat out vec4 textPixels; // what its Text is
+flat out vec4 textAnchor;
+#endif
+#ifdef HALOS
+flat out ivec2 haloAt; // the element, and one more than where its neighbours stand among the links
 #endif
 
 void main()
@@ -61,10 +62,13 @@ void main()
     flags = state.z;
     parts = texelFetch(shapes, 6 * shape + 3);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
-#ifdef TURNED
-    if (kind == cTurned)
+#ifdef HALOS
+    haloAt = ivec2(quad, kind == cPlaced ? int(element.w) : 0);
+#endif
+#ifdef PLACED
+    if (kind == cPlaced)
     {
-        if (numberAt(int(element.z) + 2) == 0.0 && numberAt(int(element.z) + 3) == 0.0)
+        if (isHidden(element))
             return;
         kind = cGlyph;
     }
@@ -76,16 +80,19 @@ void main()
     uvec4 glyph = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y)) : uvec4(0u);
     uvec4 more = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y) + 1) : uvec4(0u);
     uvec2 picture = more.zw;
+    Text text = textOf(shape, (flags & cWidthInPoints) != 0u, place);
+#if defined GRADIENTS || defined HALOS
+    textPixels = vec4(text.pixels[0], text.pixels[1]);
+    textAnchor = vec4(text.anchor, text.size, text.isOnRows ? 1.0 : 0.0);
+#endif
 #ifdef PICTURES
     if (int(picture.x) < 0 && (flags & cGradient) == 0u && (picture.x & cColored) == 0u)
     {
         kind = cPicture;
-        vec2 anchor =
-            pixelOf(place, ivec2(0)) + pixelsPerPoint * uintBitsToFloat(parts.zw) * vec2(1.0, -1.0);
-        if (any(greaterThan(abs(anchor), vec2(1e6))))
+        if (any(greaterThan(abs(text.anchor), vec2(1e6))))
             return;
         ivec4 box;
-        findPicture(penOf(anchor) + wayTo(element), picture, box, toTexel);
+        findPicture(penOf(text.anchor) + wayTo(element), picture, box, toTexel);
         vec2 corner = vec2((c & 1) == 0 ? box.x : box.z, (c & 2) == 0 ? box.y : box.w) - halfSize;
         gl_Position = vec4(corner / halfSize, depthOf(state.w), 1.0);
         return;
@@ -93,12 +100,7 @@ void main()
 #endif
     if (kind == cGlyph)
     {
-        Place text;
-        place = placeOfGlyph(shape, element, glyph, more, (flags & cWidthInPoints) != 0u, place, text);
-#ifdef GRADIENTS
-        textToMiddle = text.toMiddle;
-        textToPixels = vec4(text.pixels[0], text.pixels[1]);
-#endif
+        place = placeOfGlyph(text, element, glyph, more);
 #ifdef COLORS
         if ((picture.x & cColored) != 0u)
         {
@@ -183,6 +185,12 @@ void main()
         vec2 size = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * vec2(box.zw - box.xy);
         vec2 c0 = place.pixels * ((stepsOf(place, box.xy) + stepsOf(place, box.zw)) / 2.0);
         vec2 extent = size / 2.0 + half_ * reach + cSide;
+#ifdef HALOS
+        if (haloAt.y != 0)
+            extent += mat2(abs(place.pixels[0]), abs(place.pixels[1])) *
+                      vec2(haloMargin(place, uintBitsToFloat(texelFetch(shapes, 6 * shape + 4).x),
+                                      (flags & cWidthInPoints) != 0u));
+#endif
         if (any(greaterThan(abs(c0), high + extent)))
             return;
         p = cornerOf(c0 - extent, c0 + extent, c);

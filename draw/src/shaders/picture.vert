@@ -1,14 +1,13 @@
 // A glyph that has a picture: exactly its pixels. What has none is not drawn here. Nothing is passed on flat: software
 // drivers draw such quads faster.
-uniform usamplerBuffer elements;
-#if !defined COLORS && !defined HALOS
-uniform usamplerBuffer glyphs;
-#endif
-
 out vec4 ink;
 out vec2 toTexel;
 #ifdef COLORS
 out vec3 coloredAt; // the third number is below 0 for those that are not in colour
+#endif
+#ifdef HALOS
+out vec4 haloAt; // the element, and one more than where its neighbours stand among the links, each by 12 bits
+out vec2 pen;    // of the anchor
 #endif
 
 void main()
@@ -31,23 +30,29 @@ void main()
     float depth = depthOf(state.w);
 #ifdef COLORS
     coloredAt = vec3(0.0, 0.0, -1.0);
+#ifdef HALOS
+    haloAt = vec4(0.0);
+#endif
     if ((picture.x & cColored) != 0u)
     {
-#ifdef TURNED
-        if (int(element.x >> 28) == cTurned && numberAt(int(element.z) + 2) == 0.0 &&
-            numberAt(int(element.z) + 3) == 0.0)
+#ifdef PLACED
+        if (isHidden(element))
             return;
 #endif
-        Place all_;
-        Place place = placeOfGlyph(shape, element, texelFetch(glyphs, 2 * int(element.y)), more,
-                                   (state.z & cWidthInPoints) != 0u, placeOf(shape), all_);
+        Text all_ = textOf(shape, (state.z & cWidthInPoints) != 0u, placeOf(shape));
+        Place place = placeOfGlyph(all_, element, texelFetch(glyphs, 2 * int(element.y)), more);
         gl_Position = vec4(coloredCorner(place, picture, c, coloredAt) / halfSize, depth, 1.0);
         return;
     }
 #endif
     ivec4 box;
-    ivec2 toTexel_;
-    findPicture(penOf(anchor) + wayTo(element), picture, box, toTexel_);
+    ivec2 toTexel_, pen_ = penOf(anchor);
+    findPicture(pen_ + wayTo(element), picture, box, toTexel_);
+#ifdef HALOS
+    int link = int(element.x >> 28) == cPlaced ? int(element.w) : 0;
+    haloAt = vec4(quad & 4095, quad >> 12, link & 4095, link >> 12);
+    pen = vec2(pen_);
+#endif
     toTexel = vec2(toTexel_);
     vec2 p = vec2((c & 1) == 0 ? box.x : box.z, (c & 2) == 0 ? box.y : box.w) - halfSize;
     gl_Position = vec4(p / halfSize, depth, 1.0);

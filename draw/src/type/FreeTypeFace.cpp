@@ -1,6 +1,7 @@
 #include "FreeTypeFace.h"
 
 #include "ScaledPicture.h"
+#include "StrokeRows.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -8,11 +9,9 @@
 #include FT_MODULE_H
 #include FT_MULTIPLE_MASTERS_H
 #include FT_OUTLINE_H
-#include FT_STROKER_H
 #include FT_SYSTEM_H
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -151,31 +150,10 @@ int strikeFor(FT_Face face, double pixelsPerEm)
 }
 
 // Up to so many pixels wide and high, the pictures of getCoverage.
-constexpr FT_Pos cMostCoverage = 255;
+constexpr int cMostCoverage = 255;
 
-// A line along an outline, both of its sides.
-bool strokeOutline(FT_Library library, const FT_Outline& outline, double width, FT_Outline& result)
-{
-    FT_Stroker stroker = nullptr;
-    if (FT_Stroker_New(library, &stroker) != 0)
-        return false;
-    FT_Stroker_Set(stroker, std::lround(width * 32), FT_STROKER_LINECAP_ROUND, FT_STROKER_LINEJOIN_ROUND, 0);
-    FT_UInt nPoints = 0, nContours = 0;
-    bool isDone = FT_Stroker_ParseOutline(stroker, const_cast<FT_Outline*>(&outline), 0) == 0 &&
-                  FT_Stroker_GetCounts(stroker, &nPoints, &nContours) == 0 && nPoints <= SHRT_MAX &&
-                  nContours <= SHRT_MAX &&
-                  FT_Outline_New(library, nPoints, static_cast<FT_Int>(nContours), &result) == 0;
-    if (isDone)
-    {
-        result.n_points = result.n_contours = 0;
-        FT_Stroker_Export(stroker, &result);
-    }
-    FT_Stroker_Done(stroker);
-    return isDone;
-}
-
-// From quarters of pixels to pixels, for each place of the pen. @param nRows  of quarters in a row of pixels
-void addQuarters(const std::vector<unsigned char>& quarters, int left, int nQuarters, int nRows, GlyphCoverage& result)
+// From quarters of pixels to pixels, for each place of the pen. @param quarters  row by row from the top
+void addQuarters(std::span<const td::BYTE> quarters, int left, int nQuarters, GlyphCoverage& result)
 {
     const auto below = [](int n) { return n >= 0 ? n / 4 : -((3 - n) / 4); };
     result.left = below(left);
@@ -184,20 +162,16 @@ void addQuarters(const std::vector<unsigned char>& quarters, int left, int nQuar
     std::vector<int> sums(static_cast<std::size_t>(nQuarters) + 1); // of a row up to each quarter
     for (unsigned int y = 0; y < result.height; ++y)
     {
-        const auto firstRow = static_cast<std::size_t>(result.height - 1 - y) * static_cast<std::size_t>(nRows);
+        const std::size_t row = std::size_t(result.height - 1 - y) * static_cast<std::size_t>(nQuarters);
         for (std::size_t x = 0; x + 1 < sums.size(); ++x)
-        {
-            sums[x + 1] = sums[x];
-            for (std::size_t row = firstRow; row < firstRow + static_cast<std::size_t>(nRows); ++row)
-                sums[x + 1] += quarters[row * static_cast<std::size_t>(nQuarters) + x];
-        }
+            sums[x + 1] = sums[x] + quarters[row + x];
         td::BYTE* to = &result.pixels[std::size_t(4) * result.width * y];
         for (int quarter = 0; quarter < 4; ++quarter)
             for (int x = 0; x < static_cast<int>(result.width); ++x)
             {
                 const int from = 4 * (result.left + x) - quarter - left;
                 const auto sumAt = [&](int i) { return sums[static_cast<std::size_t>(std::clamp(i, 0, nQuarters))]; };
-                *to++ = static_cast<td::BYTE>((sumAt(from + 4) - sumAt(from) + 2 * nRows) / (4 * nRows));
+                *to++ = static_cast<td::BYTE>((sumAt(from + 4) - sumAt(from) + 2) / 4);
             }
     }
 }
@@ -292,7 +266,22 @@ Path FreeTypeFace::getOutline(std::uint32_t glyph) const
     return path;
 }
 
-std::optional<GlyphCoverage> FreeTypeFace::getCoverage(std::uint32_t glyph, double pixelsPerEm, double lineWidth) const
+std::optional<GlyphCoverage> FreeTypeFace::getStrokeCoverage(std::uint32_t glyph, double pixelsPerEm,
+                                                             double lineWidth) const
+{
+    const Path path =
+        getOutline(glyph).transform(Affine::scaling(pixelsPerEm / std::max<double>(_pFace->units_per_EM, 1)));
+    const StrokeRows rows(path, lineWidth, cMostCoverage);
+    if (rows.quarters.empty())
+        return std::nullopt;
+    GlyphCoverage result;
+    result.top = -rows.top;
+    result.height = static_cast<unsigned int>(rows.height);
+    addQuarters(rows.quarters, rows.left, rows.width, result);
+    return result;
+}
+
+std::optional<GlyphCoverage> FreeTypeFace::getCoverage(std::uint32_t glyph, double pixelsPerEm) const
 {
     const std::lock_guard lock(_mutex);
     // Four times as wide and as high: so points are where they are to a 256th of a pixel.
@@ -301,46 +290,30 @@ std::optional<GlyphCoverage> FreeTypeFace::getCoverage(std::uint32_t glyph, doub
         FT_Load_Glyph(_pFace, glyph, FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING) != 0 ||
         _pFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
         return std::nullopt;
-    FT_Outline stroked{};
-    const bool isStroked = lineWidth > 0;
-    if (isStroked && !strokeOutline(_pLibrary, _pFace->glyph->outline, 4 * lineWidth, stroked))
-        return std::nullopt;
-    FT_Outline& outline = isStroked ? stroked : _pFace->glyph->outline;
-    // Where edges of an outline cross, FreeType counts what is between them twice: for strokes, which have many such
-    // places, pixels are parted in y as well.
-    const int nRows = isStroked ? 4 : 1;
-    if (!isStroked)
-    {
-        const FT_Matrix flat{0x10000, 0, 0, 0x4000};
-        FT_Outline_Transform(&outline, &flat);
-    }
+    FT_Outline& outline = _pFace->glyph->outline;
+    const FT_Matrix flat{0x10000, 0, 0, 0x4000};
+    FT_Outline_Transform(&outline, &flat);
     FT_BBox box;
     FT_Outline_Get_CBox(&outline, &box);
-    const FT_Pos row = 64 * FT_Pos(nRows);
-    const auto down = [](FT_Pos n, FT_Pos unit) { return n >= 0 ? n / unit : -((unit - 1 - n) / unit); };
-    box = {down(box.xMin, 64), down(box.yMin, row), down(box.xMax + 63, 64), down(box.yMax + row - 1, row)};
+    box = {box.xMin >> 6, box.yMin >> 6, (box.xMax + 63) >> 6, (box.yMax + 63) >> 6};
     const FT_Pos width = box.xMax - box.xMin, height = box.yMax - box.yMin;
-    std::optional<GlyphCoverage> result;
-    if (width > 0 && height > 0 && width <= 4 * cMostCoverage - 8 && height <= cMostCoverage)
-    {
-        std::vector<unsigned char> quarters(static_cast<std::size_t>(width * height * nRows));
-        FT_Bitmap bitmap{};
-        bitmap.width = static_cast<unsigned int>(width);
-        bitmap.rows = static_cast<unsigned int>(height * nRows);
-        bitmap.pitch = static_cast<int>(width);
-        bitmap.buffer = quarters.data();
-        bitmap.num_grays = 256;
-        bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
-        FT_Outline_Translate(&outline, -box.xMin * 64, -box.yMin * row);
-        if (FT_Outline_Get_Bitmap(_pLibrary, &outline, &bitmap) == 0)
-        {
-            result.emplace().top = static_cast<int>(box.yMax);
-            result->height = static_cast<unsigned int>(height);
-            addQuarters(quarters, static_cast<int>(box.xMin), static_cast<int>(width), nRows, *result);
-        }
-    }
-    if (isStroked)
-        FT_Outline_Done(_pLibrary, &stroked);
+    if (width <= 0 || height <= 0 || width > 4 * cMostCoverage - 8 || height > cMostCoverage)
+        return std::nullopt;
+    std::vector<td::BYTE> quarters(static_cast<std::size_t>(width * height));
+    FT_Bitmap bitmap{};
+    bitmap.width = static_cast<unsigned int>(width);
+    bitmap.rows = static_cast<unsigned int>(height);
+    bitmap.pitch = static_cast<int>(width);
+    bitmap.buffer = quarters.data();
+    bitmap.num_grays = 256;
+    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+    FT_Outline_Translate(&outline, -box.xMin * 64, -box.yMin * 64);
+    if (FT_Outline_Get_Bitmap(_pLibrary, &outline, &bitmap) != 0)
+        return std::nullopt;
+    GlyphCoverage result;
+    result.top = static_cast<int>(box.yMax);
+    result.height = static_cast<unsigned int>(height);
+    addQuarters(quarters, static_cast<int>(box.xMin), static_cast<int>(width), result);
     return result;
 }
 

@@ -51,10 +51,11 @@ public:
 
     /// In font units, y downwards; empty when there is none.
     Path getOutline(std::uint32_t glyph) const;
-    /// How an outline, or a line along it, covers pixels, for the four places that the pen may have in one.
-    /// @param pixelsPerEm  above 0  @param lineWidth  in pixels; 0 for the outline's inside
-    /// @return none when there is nothing to see, it is no outline, or it is larger than getCoverage is for
-    std::optional<GlyphCoverage> getCoverage(std::uint32_t glyph, double pixelsPerEm, double lineWidth) const;
+    /// How an outline covers pixels, for the four places that the pen may have in one. @param pixelsPerEm  above 0
+    /// @return none when there is nothing to see, it is no outline, or it is larger than this is for
+    std::optional<GlyphCoverage> getCoverage(std::uint32_t glyph, double pixelsPerEm) const;
+    /// The same of a round line along it. @param lineWidth  in pixels, above 0
+    std::optional<GlyphCoverage> getStrokeCoverage(std::uint32_t glyph, double pixelsPerEm, double lineWidth) const;
     /// @param isColor  whether the glyph is known to have a picture or layers
     /// @return null, or else what is wrong
     const char* getImage(std::uint32_t glyph, bool isColor, const GlyphRequest& request, GlyphImage& image) const;

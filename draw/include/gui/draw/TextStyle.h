@@ -13,7 +13,8 @@
 namespace gui::draw
 {
 
-/// A border around letters that keeps them legible on any ground.
+/// A border around letters that keeps them legible on any ground: one shape for all letters of a text that have one
+/// style, below the text.
 struct Halo
 {
     double width = 0; ///< beyond the letters' edges, in the style's unit; none when it is not above 0
