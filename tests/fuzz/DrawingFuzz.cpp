@@ -380,6 +380,13 @@ Drawing::ID takeText(fuzz::Input& input, Drawing& drawing)
     gui::draw::TextStyle other = style;
     other.size = takeNumber(input);
     const Point offset = takePoint(input), anchor = takePoint(input), at = takePoint(input);
+    if (input.below(4) == 0)
+        return drawing.textOn(takePath(input), cTexts[input.below(cTexts.size())], style,
+                              {.along = takeNumber(input),
+                               .anchor = {anchor.x, anchor.y},
+                               .offset = offset,
+                               .isKeptUpright = input.below(2) == 0,
+                               .overflow = gui::draw::TextOnPath::Overflow(input.below(2))});
     return drawing.text(at, {{cTexts[input.below(cTexts.size())], style}, {cTexts[input.below(cTexts.size())], other}},
                         {.anchor = {anchor.x, anchor.y}, .offset = offset, .angle = takeNumber(input)});
 }

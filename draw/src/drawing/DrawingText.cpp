@@ -248,8 +248,8 @@ std::vector<std::vector<std::int32_t>> Drawing::Impl::neighboursOf(const GlyphSt
         const Rect box = tables.getBoxOf(element.points[0]);
         const double x = double(std::bit_cast<float>(element.points[1])),
                      y = double(std::bit_cast<float>(element.points[2]));
-        boxes.emplace_back(x + box.left * style.size - margin, y + box.top * style.size - margin,
-                           x + box.right * style.size + margin, y + box.bottom * style.size + margin);
+        boxes.emplace_back(finite(x + box.left * style.size - margin), finite(y + box.top * style.size - margin),
+                           finite(x + box.right * style.size + margin), finite(y + box.bottom * style.size + margin));
     }
     std::vector<std::size_t> fromLeft(boxes.size());
     std::iota(fromLeft.begin(), fromLeft.end(), std::size_t(0));

@@ -13,8 +13,8 @@
 namespace gui::draw
 {
 
-/// A texture of small pictures, in pages of some rows, each of which has shelves of pictures beside each other. It grows
-/// page by page; when there are as many as may be, the one whose pictures were not used for longest is emptied.
+/// A texture of small pictures, in pages of some rows, each of which has shelves of pictures beside each other. It
+/// grows page by page; when there are as many as may be, the one whose pictures were not used for longest is emptied.
 class PictureAtlas
 {
 public:

@@ -62,6 +62,7 @@ void TextRoute::setPath(const Path& path)
         return;
     measure({});
     _origin = pointAt(_placement.along * _lengths.back());
+    _origin = {finiteOr0(_origin.x), finiteOr0(_origin.y)};
     for (Point& p : _points)
         p = {p.x - _origin.x, p.y - _origin.y};
 }

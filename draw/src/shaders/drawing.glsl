@@ -223,7 +223,8 @@ vec4 gradientAt(int at, Place place, vec2 pixel)
 vec4 turnAt(int at) { return vec4(numberAt(at), numberAt(at + 1), numberAt(at + 2), numberAt(at + 3)); }
 bool isHidden(uvec4 element)
 {
-    return int(element.x >> 28) == cPlaced && numberAt(int(element.z) + 2) == 0.0 && numberAt(int(element.z) + 3) == 0.0;
+    int at = int(element.z);
+    return int(element.x >> 28) == cPlaced && numberAt(at + 2) == 0.0 && numberAt(at + 3) == 0.0;
 }
 #endif
 

@@ -1,6 +1,7 @@
 uniform sampler2D pictures; // how far a pixel is covered
 #ifdef HALOS
-uniform usamplerBuffer links; // for each glyph of a halo: how many follow, and how far those that it touches are from it
+// For each glyph of a halo: how many follow, and how far those that it touches are from it.
+uniform usamplerBuffer links;
 #endif
 
 in vec4 ink;
@@ -32,7 +33,8 @@ void main()
         uvec4 element = texelFetch(elements, quad + other);
         ivec4 box;
         ivec2 texel;
-        findPicture(ivec2(floor(pen + 0.5)) + wayTo(element), texelFetch(glyphs, 2 * int(element.y) + 1).zw, box, texel);
+        uvec2 picture = texelFetch(glyphs, 2 * int(element.y) + 1).zw;
+        findPicture(ivec2(floor(pen + 0.5)) + wayTo(element), picture, box, texel);
         if (all(greaterThanEqual(p, box.xy)) && all(lessThan(p, box.zw)))
             coverage = other < 0 ? -1000.0 : coverage + texelFetch(pictures, p + texel, 0).x;
     }

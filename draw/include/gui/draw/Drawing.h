@@ -84,8 +84,10 @@ public:
     /// A line along a path.
     ID stroke(const Path& path, const Stroke& stroke, const Paint& paint);
 
-    /// A text. Its letters are the outlines of its face, sharp at every size and angle. No zoom uploads anything but the
-    /// pictures of small letters that were not seen before (see docs/type.md), which stand on quarters of a pixel.
+    /// A text. Its letters are the outlines of its face, sharp at every size and angle. No zoom uploads anything but
+    /// the pictures of small letters that were not seen before (see docs/type.md): texts in points that are not turned,
+    /// of 24 pixels per em or less, have their anchor on a quarter of a pixel in x and on a row in y, and their letters
+    /// at fixed distances from there.
     ///
     ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}},
     ///                  {.anchor = Anchor::Left, .offset = {6, 0}});
@@ -105,10 +107,10 @@ public:
     ///     drawing.textOn(river, "Danube", {.size = 13, .paint = "#2060a0", .halo = {1.5}});
     ///
     /// Each letter, with its marks, stands with the middle of its advance at its place on the path, counted along its
-    /// length, and is turned as the path goes from its beginning to its end. Of several subpaths it is the longest; past
-    /// the beginning of a closed one it goes on. In points letters keep their size, and take a shorter part of the path
-    /// the larger that is seen: each step of a zoom places those in sight anew and uploads 16 bytes for each. In model
-    /// units only their turning the other way round does. Lines under and through such a text are not drawn.
+    /// length, and is turned as the path goes from the letter's beginning to its end. Of several subpaths it is the
+    /// longest; past the beginning of a closed one it goes on. In points letters keep their size, and take a shorter
+    /// part of the path the larger that is seen: each step of a zoom places those in sight anew and uploads 16 bytes
+    /// for each. In model units only their turning the other way round does. Lines under and through are not drawn.
     /// @param path    copied  @param layout  read during the call only
     /// @return the text's id: setText, setPath and all others take it; picking goes by the letters' boxes
     ID textOn(const Path& path, const TextLayout& layout, const TextOnPath& placement = {});
