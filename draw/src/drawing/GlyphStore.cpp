@@ -166,7 +166,7 @@ GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& ta
     const std::optional<GlyphCoverage> coverage =
         lineWidth > 0 ? freeType.getStrokeCoverage(glyph, size * _scale, lineWidth * _scale)
                       : freeType.getCoverage(glyph, size * _scale);
-    cost = (10 + (coverage ? double(coverage->width * coverage->height) / 20 : 0)) * (lineWidth > 0 ? 4 : 1);
+    cost = (10 + (coverage ? double(coverage->width * coverage->height) / 20 : 0)) * (lineWidth > 0 ? 8 : 1);
     const auto fits = [](int n) { return n >= -128 && n < 128; };
     if (!coverage || !fits(coverage->left) || !fits(coverage->top) || coverage->height > 60)
     {
