@@ -11,8 +11,8 @@ namespace worldmap
 gui::draw::TextStyle writing(double halo);
 
 /// The names of the countries, the largest first, as far as there is room: in the country once it is seen so large that
-/// its name fits, in two lines if need be, or beside an island. Where a country is too large for one name, each half of it
-/// has one, and so on.
+/// its name fits, in two lines if need be, or beside an island. Where a country is too large for one name, each half
+/// of it has one, and so on.
 class Names
 {
 public:

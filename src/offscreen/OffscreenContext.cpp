@@ -1,7 +1,6 @@
 #include <gui/gl/OffscreenContext.h>
 
 #include "../context/FrameReader.h"
-#include "../context/Samples.h"
 
 #include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
@@ -68,13 +67,10 @@ EGLDisplay theDisplay()
 EGLConfig findConfig(EGLDisplay display, const PixelFormatSizes& sizes)
 {
     const EGLint channelBits = sizes.colorBits / 3;
-    const EGLint nSamples = sizes.nSamples > 1 ? sizes.nSamples : 0;
     const EGLint attributes[] = {
-        EGL_SURFACE_TYPE,  EGL_PBUFFER_BIT,    EGL_RENDERABLE_TYPE,  EGL_OPENGL_BIT,  EGL_RED_SIZE,
-        channelBits,       EGL_GREEN_SIZE,     channelBits,          EGL_BLUE_SIZE,   channelBits,
-        EGL_ALPHA_SIZE,    sizes.alphaBits,    EGL_DEPTH_SIZE,       sizes.depthBits, EGL_STENCIL_SIZE,
-        sizes.stencilBits, EGL_SAMPLE_BUFFERS, nSamples > 1 ? 1 : 0, EGL_SAMPLES,     nSamples,
-        EGL_NONE};
+        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,    EGL_RED_SIZE,   channelBits,
+        EGL_GREEN_SIZE,   channelBits,     EGL_BLUE_SIZE,       channelBits,       EGL_ALPHA_SIZE, sizes.alphaBits,
+        EGL_DEPTH_SIZE,   sizes.depthBits, EGL_STENCIL_SIZE,    sizes.stencilBits, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint nConfigs = 0;
     if (!eglChooseConfig(display, attributes, &config, 1, &nConfigs) || nConfigs < 1)
@@ -85,21 +81,17 @@ EGLConfig findConfig(EGLDisplay display, const PixelFormatSizes& sizes)
 // @param got  as asked at first, as it is to be had afterwards
 EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked, PixelFormatSizes& got)
 {
-    PixelFormatSizes samples = asked;
+    got = asked;
     do
     {
-        got = samples;
-        do
-        {
-            EGLConfig config = findConfig(display, got);
-            if (config == nullptr)
-                continue;
-            if (got.depthBits != asked.depthBits || got.stencilBits != asked.stencilBits)
-                vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d",
-                           asked.depthBits, asked.stencilBits, got.depthBits, got.stencilBits);
-            return config;
-        } while (fallBack(got));
-    } while (fallBackSamples(samples));
+        EGLConfig config = findConfig(display, got);
+        if (config == nullptr)
+            continue;
+        if (got.depthBits != asked.depthBits || got.stencilBits != asked.stencilBits)
+            vo::dbgLog("Warning! OffscreenContext asked for %d depth and %d stencil bits, got %d and %d",
+                       asked.depthBits, asked.stencilBits, got.depthBits, got.stencilBits);
+        return config;
+    } while (fallBack(got));
     vo::dbgLog("ERROR! OffscreenContext cannot find a configuration with %d colour, %d alpha, %d depth and %d "
                "stencil bits; EGL %s offers none",
                asked.colorBits, asked.alphaBits, asked.depthBits, asked.stencilBits,
@@ -149,7 +141,9 @@ struct OffscreenContext::Impl
     EGLContext context = EGL_NO_CONTEXT;
     EGLSurface surface = EGL_NO_SURFACE;
     td::Size<int> size;
-    Framebuffer framebuffer; // of several samples, where EGL has none; drawn into in the place of the surface
+    // Of several samples, drawn into in the place of the surface: Mesa 25 offers surfaces with several samples that
+    // stay empty.
+    Framebuffer framebuffer;
     int nSamples = 1;
     bool isLost = false; // it could not be made current, and the log says so
 
@@ -208,13 +202,6 @@ void OffscreenContext::Impl::addSamples(const PixelFormatSizes& asked, const Pix
 {
     if (asked.nSamples <= 1)
         return;
-    if (got.nSamples > 1)
-    {
-        nSamples = samplesOf(0);
-        if (nSamples != asked.nSamples)
-            vo::dbgLog("Warning! OffscreenContext asked for %d samples, got %d", asked.nSamples, nSamples);
-        return;
-    }
     constexpr int cMediumBits = 24;
     constexpr int cSmallBits = 16;
     using Depth = DepthBuffer::Size;

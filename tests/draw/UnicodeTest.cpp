@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -102,14 +104,24 @@ TEST(UnicodeTest, LineBreaks)
 {
     const auto cases = readBreaks("auxiliary/LineBreakTest.txt");
     EXPECT_GT(cases.size(), 7000U);
+    std::string title; // "# LineBreakTest-15.0.0.txt"
+    std::ifstream file = openFile("auxiliary/LineBreakTest.txt");
+    std::getline(file, title);
+    const bool isSameUnicode = title.find(std::string("-") + U_UNICODE_VERSION) != std::string::npos;
+    std::size_t nOthers = 0;
     for (const BreakCase& which : cases)
     {
         std::vector<std::uint32_t> breaks;
         for (const LineBreak& found : findLineBreaks(which.text, ""))
             breaks.push_back(found.offset);
         std::erase_if(breaks, [&](std::uint32_t at) { return which.text.compare(at, 3, ".35") == 0; });
-        EXPECT_TRUE(differsBehind(which, breaks, "-,.")) << which.line;
+        if (differsBehind(which, breaks, "-,."))
+            continue;
+        // Where ICU knows another Unicode than the cases are of, a few characters have got other properties.
+        ++nOthers;
+        EXPECT_FALSE(isSameUnicode) << which.line;
     }
+    EXPECT_LT(nOthers, 20U);
 }
 
 // With sanitizers a part of the cases, which are a minute's otherwise.

@@ -57,16 +57,20 @@ TEST_P(DesktopTest, EachFrameFillsTheWindow)
     EXPECT_FALSE(large.isWrong);
 }
 
-// The driver of these tests has four samples, and no more.
+// The driver of these tests has four samples in a window; or, from Mesa 25 on with X11, none but one.
 TEST_P(DesktopTest, EdgesAreAsSmoothAsAskedFor)
 {
     desktop().goTo(0);
-    for (const auto& [asked, got] : {std::pair(1, 1), {4, 4}, {16, 4}})
+    int most = 4;
+    for (const int asked : {1, 4, 16})
     {
         SampledView sampled(asked);
-        if (asked > got)
+        if (asked == 4 && log.said("Warning! SDLContext asked for 4 samples, got 1"))
+            most = 1;
+        const int got = std::min(asked, most);
+        if (asked > 4)
         {
-            EXPECT_TRUE(log.said("Warning! SDLContext asked for 16 samples, got 4"));
+            EXPECT_TRUE(log.said("Warning! SDLContext asked for 16 samples, got " + std::to_string(most)));
         }
         gui::Window other("Sampled", {64, 48});
         ASSERT_TRUE(other.show(sampled));

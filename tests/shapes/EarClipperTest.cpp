@@ -145,7 +145,8 @@ TEST_F(EarClipperTest, LargePolygonsHaveTheSameEarsInAnyOrderOfTheTree)
     Random random(1);
     for (const Family& family : allFamilies())
         for (const unsigned int way : {0U, test::cDistortions - 1})
-            EXPECT_TRUE(clipsAsTheFirst(distort(family.make(random, cLarge), way, random))) << family.name << ", " << way;
+            EXPECT_TRUE(clipsAsTheFirst(distort(family.make(random, cLarge), way, random)))
+                << family.name << ", " << way;
 }
 
 } // namespace

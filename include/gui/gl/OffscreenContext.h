@@ -47,7 +47,7 @@ public:
     int getSamples() const;
 
     /// The GL name of what is drawn into at first: bind it after drawing into a framebuffer of your own. It is not 0
-    /// where the system has several samples in such framebuffers alone, and may be another one after resize.
+    /// with several samples, and may be another one after resize.
     unsigned int getDefaultFramebuffer() const;
 
     /// @return false when the driver refuses, with a log line the first time

@@ -38,9 +38,10 @@ struct LabelRule
 ///         _drawing.draw(*this);
 ///     }
 ///
-/// What is shown depends on the zoom alone as long as none is moved, so panning changes nothing, and it changes only at zooms that are a quarter
-/// of an octave apart: in between, labels keep clear of each other as they are. Ten thousand labels take some
-/// milliseconds then, and nothing otherwise; what is uploaded is some bytes for each that comes or goes.
+/// What is shown depends on the zoom alone as long as none is moved, so panning changes nothing, and it changes only at
+/// zooms that are a quarter of an octave apart: in between, labels keep clear of each other as they are. Ten thousand
+/// labels take some milliseconds then, and nothing otherwise; what is uploaded is some bytes for each that comes or
+/// goes.
 ///
 /// Labels are texts in points; each stands where its anchor is. They belong to the drawing, which must outlive this and
 /// in which they may be coloured, reordered and removed (and are no longer placed then); what is shown is decided here.
@@ -66,8 +67,8 @@ public:
     /// @return its own id in the drawing; 0, with nothing added, when there is no label yet
     Drawing::ID addAlternative(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement = {},
                                const LabelRule& rule = {});
-    /// Moves what add or addAlternative gave this id: names of things that move, or that are seen in space, whose places
-    /// on the screen are the plane. @return false for another id, or a place that is not finite
+    /// Moves what add or addAlternative gave this id: names of things that move, or that are seen in space, whose
+    /// places on the screen are the plane. @return false for another id, or a place that is not finite
     bool move(Drawing::ID id, Drawing::Point at);
     /// Whether it may be shown at all, as it may at first. @return false for another id
     bool setWanted(Drawing::ID id, bool isWanted);
