@@ -117,8 +117,9 @@ constexpr SceneInfo cScenes[] = {
      "From 6 to 400 pixels, turned, with halo, underline and gradient, light and bold, all of them the same outlines; "
      "and beside pictures of letters out of a font file, which have a size of their own.",
      makeType},
-    {"scripts", "Nine scripts",
-     "The same paragraph in nine languages, from the left and from the right, wrapped by words or, where there are no "
+    {"scripts", "Any script",
+     "The same paragraph in eight languages, and emoji, from the left and from the right, wrapped by words or, where "
+     "there are no "
      "spaces, by a dictionary. The mouse selects whole letters, Ctrl-C copies them.",
      makeScripts},
     {"editor", "Fields to type in",

@@ -57,10 +57,10 @@ constexpr Paragraph cParagraphs[] = {
      "และควรปฏิบัติต่อกันด้วยเจตนารมณ์แห่งภราดรภาพ"},
     {"中文", "Chinese", "zh-Hans", "#f08080", 18,
      "人人生而自由，在尊严和权利上一律平等。他们赋有理性和良心，并应以兄弟关系的精神相对待。"},
-    {"日本語", "Japanese", "ja", "#add8e6", 16,
-     "すべての人間は、生まれながらにして自由であり、かつ、尊厳と権利とについて平等である。人間は、理性と良心とを授けら"
-     "れており、"
-     "互いに同胞の精神をもって行動しなければならない。"},
+    {"☺ Emoji", "emoji", "en", "#add8e6", 18,
+     "A family 👨‍👩‍👧‍👦, a flag 🇯🇵, a hand 👍🏾 and a keycap 5️⃣ are one letter each, to select and "
+     "to "
+     "delete. 🦊🐙🌵🍉🚀🎻🙂😍🤔"},
 };
 
 // Whether the system's faces have all letters of a text.
@@ -71,7 +71,7 @@ bool isWhole(const TextLayout& layout)
         { return std::ranges::all_of(run.glyphs, [](const TextLayout::Glyph& glyph) { return glyph.glyph != 0; }); });
 }
 
-/// A paragraph in each of nine languages, to be selected and copied. Those that the system has no face for are named.
+/// A paragraph in each of eight languages and one with emoji, to be selected and copied. Those that the system has no face for are named.
 class Scripts : public Scene
 {
 public:
