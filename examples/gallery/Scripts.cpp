@@ -58,7 +58,8 @@ constexpr Paragraph cParagraphs[] = {
     {"中文", "Chinese", "zh-Hans", "#f08080", 18,
      "人人生而自由，在尊严和权利上一律平等。他们赋有理性和良心，并应以兄弟关系的精神相对待。"},
     {"☺ Emoji", "emoji", "en", "#add8e6", 18,
-     "A family 👨‍👩‍👧‍👦, a flag 🇯🇵, a hand 👍🏾 and a keycap 5️⃣ are one letter each, to select and "
+     "A family 👨‍👩‍👧‍👦, a flag 🇯🇵, a hand 👍🏾 and a keycap 5️⃣ are one letter each, to select "
+     "and "
      "to "
      "delete. 🦊🐙🌵🍉🚀🎻🙂😍🤔"},
 };
@@ -71,7 +72,8 @@ bool isWhole(const TextLayout& layout)
         { return std::ranges::all_of(run.glyphs, [](const TextLayout::Glyph& glyph) { return glyph.glyph != 0; }); });
 }
 
-/// A paragraph in each of eight languages and one with emoji, to be selected and copied. Those that the system has no face for are named.
+/// A paragraph in each of eight languages and one with emoji, to be selected and copied. Those that the system has no
+/// face for are named.
 class Scripts : public Scene
 {
 public:
