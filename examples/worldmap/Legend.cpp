@@ -3,6 +3,7 @@
 #include "Names.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace worldmap
 {
@@ -58,19 +59,26 @@ void Legend::draw(const SheetView& map, const std::optional<Point>& pointer, con
     const double latitude = std::clamp(unproject(map.getMapProjection(), map.getCenter()).y, -85.0, 85.0);
     const double kilometresPerPoint = cKilometresPerDegree / zoom * std::cos(latitude * cDegree);
     const double length = roundLength(cBarLength * kilometresPerPoint), end = cLeft + length / kilometresPerPoint;
-    _scale = format("%g km", length);
-    _place = pointer ? placeText(map.getMapProjection(), map.getModelPoint(*pointer)) : "";
+    const Content old = std::exchange(
+        _content, {width, height, end, format("%g km", length),
+                   pointer ? placeText(map.getMapProjection(), map.getModelPoint(*pointer)) : "", country});
+    if (!(_content == old))
+        make();
+    _drawing.draw(gui::draw::Affine(), map.getPixelHiDPIScale());
+}
 
+void Legend::make()
+{
+    const auto& [width, height, end, scale, place, country] = _content;
     const double line = height - cLineHeight / 2, bar = height - cBarBottom;
     const Path shape = Path().moveTo({cLeft, bar - 6}).lineTo({cLeft, bar}).lineTo({end, bar}).lineTo({end, bar - 6});
     _drawing.clear();
     _drawing.fill(Path().addRect({0, height - cLineHeight, width, height}), "#ffffffe0");
     _drawing.stroke(shape, {.width = 3, .cap = gui::draw::Cap::Square}, "#ffffff");
     _drawing.stroke(shape, {.width = 1}, "#26384a");
-    _drawing.text({end + 6, bar - 3}, _scale, writing(1.75), {.anchor = Anchor::Left});
-    _drawing.text({cLeft, line}, _place, writing(0), {.anchor = Anchor::Left});
+    _drawing.text({end + 6, bar - 3}, scale, writing(1.75), {.anchor = Anchor::Left});
+    _drawing.text({cLeft, line}, place, writing(0), {.anchor = Anchor::Left});
     _drawing.text({cCountryLeft, line}, country, writing(0), {.anchor = Anchor::Left});
-    _drawing.draw(gui::draw::Affine(), map.getPixelHiDPIScale());
 }
 
 } // namespace worldmap

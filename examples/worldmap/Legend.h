@@ -15,13 +15,23 @@ public:
     /// @param pointer  in the view, if it is there  @param country  the name of the country there, or nothing
     void draw(const SheetView& map, const std::optional<Point>& pointer, const std::string& country);
 
-    const std::string& getPlaceText() const { return _place; }
-    const std::string& getScaleText() const { return _scale; }
+    const std::string& getPlaceText() const { return _content.place; }
+    const std::string& getScaleText() const { return _content.scale; }
 
 private:
+    /// What it is made from, lengths in points.
+    struct Content
+    {
+        double width, height, end; // of the view, and of the bar
+        std::string scale, place, country;
+
+        bool operator==(const Content&) const = default;
+    };
+
+    void make();
+
     gui::draw::Drawing _drawing;
-    std::string _scale;
-    std::string _place;
+    Content _content{};
 };
 
 } // namespace worldmap

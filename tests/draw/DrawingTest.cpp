@@ -1,5 +1,6 @@
 #include "Coverage.h"
 #include "support/OffscreenGL.h"
+#include "support/Thorough.h"
 
 #include <gui/draw/Drawing.h>
 #include <gui/gl/FrameLedger.h>
@@ -206,20 +207,13 @@ TEST_F(DrawingTest, StrokesCoverWhatTheirBrushGoesOver)
 }
 
 // Squares and lines of some pixels, and lines and edges whose ends are up to 10^11 pixels away.
-// How many pictures are compared: sanitizers see in few what they see in many.
-#ifdef NDEBUG
-constexpr int cPlaces = 1200;
-#else
-constexpr int cPlaces = 200;
-#endif
-
 TEST_F(DrawingTest, PlacesFarFromTheOriginAreExact)
 {
     ASSERT_TRUE(context().resize({64, 64}));
     Drawing drawing;
     drawing.fill(Path().addRect({1e7, 1e7, 1e7 + 1e-3, 1e7 + 1e-3}), cBlack);
     const std::array shapes{drawing.fill({}, cBlack), drawing.stroke({}, {.width = 2}, cBlack)};
-    for (int i = 0; i < cPlaces && !HasFailure(); ++i)
+    for (int i = 0; i < (test::cIsThorough ? 1200 : 200) && !HasFailure(); ++i)
     {
         const bool isStroke = i % 2 == 1, isLong = i % 4 > 1;
         const double zoom = std::pow(10, isLong ? uniform(-2, 4) : uniform(-6, 6));

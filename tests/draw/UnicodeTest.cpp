@@ -5,6 +5,7 @@
 #include <gui/draw/TextLayout.h>
 
 #include "support/FontFiles.h"
+#include "support/Thorough.h"
 
 #include <gtest/gtest.h>
 
@@ -124,20 +125,13 @@ TEST(UnicodeTest, LineBreaks)
     EXPECT_LT(nOthers, 20U);
 }
 
-// With sanitizers a part of the cases, which are a minute's otherwise.
-#ifdef NDEBUG
-constexpr std::size_t cBidiStep = 1;
-#else
-constexpr std::size_t cBidiStep = 10;
-#endif
-
 TEST(UnicodeTest, BidiCharacters)
 {
     std::ifstream file = openFile("BidiCharacterTest.txt");
     std::size_t nCases = 0;
     for (std::string line; std::getline(file, line);)
     {
-        if (line.empty() || line[0] == '#' || nCases++ % cBidiStep != 0)
+        if (line.empty() || line[0] == '#' || nCases++ % (test::cIsThorough ? 1 : 10) != 0)
             continue;
         std::array<std::string, 5> fields;
         std::istringstream parts(line);

@@ -5,6 +5,7 @@
 #include "support/CapturedLog.h"
 #include "support/GLTrace.h"
 #include "support/Pinning.h"
+#include "support/Thorough.h"
 
 #include <gallery/Scenes.h>
 #include <gallery/Stage.h>
@@ -32,11 +33,7 @@ using gallery::SceneInfo;
 constexpr int cWidth = 120, cHeight = 75;
 
 // How many refusals each scene meets.
-#ifdef NDEBUG
-constexpr int cTries = 2;
-#else
-constexpr int cTries = 1;
-#endif
+constexpr int cTries = test::cIsThorough ? 2 : 1;
 
 /// A scene in a view, as the gallery shows it, at a moment that stays.
 class SceneView : public gui::gl::View, private gallery::Stage

@@ -1,5 +1,6 @@
 #include "Shapes.h"
 #include "TriangReference.h"
+#include "support/Thorough.h"
 
 #include "src/shapes/ears/EarClipper.h"
 
@@ -134,18 +135,12 @@ TEST_F(EarClipperTest, EarsAreThoseOfThePlainForm)
 }
 
 // Trees and sets of more levels than the plain form has the time for.
-#ifdef NDEBUG
-constexpr std::size_t cLarge = 5000;
-#else
-constexpr std::size_t cLarge = 2000;
-#endif
-
 TEST_F(EarClipperTest, LargePolygonsHaveTheSameEarsInAnyOrderOfTheTree)
 {
     Random random(1);
     for (const Family& family : allFamilies())
         for (const unsigned int way : {0U, test::cDistortions - 1})
-            EXPECT_TRUE(clipsAsTheFirst(distort(family.make(random, cLarge), way, random)))
+            EXPECT_TRUE(clipsAsTheFirst(distort(family.make(random, test::cIsThorough ? 5000 : 2000), way, random)))
                 << family.name << ", " << way;
 }
 

@@ -366,8 +366,6 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     if (viewport[2] <= 0 || viewport[3] <= 0)
         return true;
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
-    std::array<GLint, 4> scissor{};
-    glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
     const td::Size<int> size = sight.size;
     if (!prepare())
         return fail("its program does not link");
@@ -403,6 +401,8 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
         tables.bind();
         glyphs.getPictures().bind(cPictureUnit);
         glyphs.getColoredPictures().bind(cColoredUnit);
+        std::array<GLint, 4> scissor{};
+        glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
         const bool isDrawn =
             std::all_of(regions.begin(), regions.end(),
                         [&](const Region& region) { return drawRegion(tables, list, images, region); });
