@@ -41,11 +41,12 @@ int windingOf(Exact a, Exact b, Exact p)
     return a.y < b.y ? (sideOf(a, b, p) > 0 ? 1 : 0) : (sideOf(a, b, p) < 0 ? -1 : 0);
 }
 
-double distance(Point a, Point b, Point p)
+bool isNear(Point a, Point b, Point p, double away)
 {
     const double dx = b.x - a.x, dy = b.y - a.y, square = dx * dx + dy * dy;
     const double t = square > 0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / square, 0.0, 1.0) : 0;
-    return std::hypot(p.x - a.x - t * dx, p.y - a.y - t * dy);
+    const double x = p.x - a.x - t * dx, y = p.y - a.y - t * dy;
+    return x * x + y * y < away * away;
 }
 
 std::string inWords(const char* what, Point p)
@@ -94,24 +95,33 @@ std::string checkArea(const FillTessellator& fill, const Rings& rings, gui::draw
 {
     constexpr int cSteps = 24;
     const double step = fill.getStep();
+    struct Edge
+    {
+        Point from, to;
+        Exact a, b;
+    };
+    std::vector<Edge> edges;
+    for (const auto& ring : rings)
+        for (std::size_t i = 0; i < ring.size(); ++i)
+        {
+            const Point from = ring[i], to = ring[(i + 1) % ring.size()];
+            edges.push_back({from, to, exact(from, step), exact(to, step)});
+        }
+    std::vector<Exact> vertices;
+    for (const Point& vertex : fill.getVertices())
+        vertices.push_back(exact(vertex, step));
     for (int i = 0; i < cSteps * cSteps; ++i)
     {
         const Point p(size * (i % cSteps - 1.2345678) / (cSteps - 3), size * (i / cSteps - 1.3456789) / (cSteps - 3));
         const Exact q = exact(p, step);
         int winding = 0, covered = 0;
-        bool isNear = false;
-        for (const auto& ring : rings)
-            for (std::size_t e = 0; e < ring.size(); ++e)
-            {
-                const Point a = ring[e], b = ring[(e + 1) % ring.size()];
-                winding += windingOf(exact(a, step), exact(b, step), q);
-                isNear = isNear || distance(a, b, p) < away;
-            }
-        if (isNear)
+        if (std::any_of(edges.begin(), edges.end(),
+                        [&](const Edge& edge) { return isNear(edge.from, edge.to, p, away); }))
             continue;
+        for (const Edge& edge : edges)
+            winding += windingOf(edge.a, edge.b, q);
         for (const FillTessellator::Edge& edge : fill.getBoundary())
-            covered +=
-                windingOf(exact(fill.getVertices()[edge.from], step), exact(fill.getVertices()[edge.to], step), q);
+            covered += windingOf(vertices[edge.from], vertices[edge.to], q);
         const bool isInside = rule == gui::draw::FillRule::NonZero ? winding != 0 : winding % 2 != 0;
         if (covered != (isInside ? 1 : 0))
             return inWords(
