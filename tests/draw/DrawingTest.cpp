@@ -310,6 +310,8 @@ TEST_F(DrawingTest, OnlyWhatChangesIsUploaded)
              {"shown", [&] { drawing.setVisible(ids[20], true); }, {}, 4, 63},
              {"another path", [&] { drawing.setPath(ids[1], triangle); }, {}, 100, 500},
              {"another stroke", [&] { drawing.setStroke(ids[100], {.width = 7}); }, {}, 4, 2000},
+             {"shown from nearby alone", [&] { drawing.setZoomRange(group, 2, 9); }, {}, 0, 0},
+             {"nearer", [] {}, Affine::scaling(3), 0, 0},
              {"a group moved", [&] { drawing.setTransform(group, Affine::translation(5, 5)); }, {}, 80, 960},
              {"one more", [&] { ids.push_back(drawing.fill(triangle, cBlack)); }, {}, 100, 500},
              {"one less", [&] { drawing.remove(ids[2]); }, {}, 0, 100}})

@@ -36,6 +36,9 @@ struct Item
     bool isStroke = false;
     bool isImage = false;
     bool isVisible = true;
+    bool isInZoom = true;
+    bool isPickable = true;
+    std::uint64_t tag = 0;
     int group = -1;
     td::Color color{};
     Rect rect{};
@@ -147,6 +150,8 @@ private:
         for (const Item& other : _items)
             require(other.id != item.id, "no id is given twice");
         _items.push_back(item);
+        _items.back().tag = _input.below(3);
+        require(_drawing.setTag(item.id, _items.back().tag), "what is there has a tag");
     }
 
     void change(unsigned int operation)
@@ -165,7 +170,12 @@ private:
         }
         else if (operation == 5 || operation == 6)
         {
-            isDone = _drawing.setVisible(id, item.isVisible = _input.below(2) == 0);
+            const unsigned int what = _input.below(4);
+            const bool isOn = _input.below(2) == 0;
+            (what < 2 ? item.isVisible : what == 2 ? item.isInZoom : item.isPickable) = isOn;
+            isDone = what < 2    ? _drawing.setVisible(id, isOn)
+                     : what == 2 ? _drawing.setZoomRange(id, isOn ? 1 : 0, isOn ? 2 : 1)
+                                 : _drawing.setPickable(id, isOn);
             isRight = isThere;
         }
         else if (operation == 7 || operation == 8)
@@ -257,19 +267,29 @@ private:
     void checkPicture()
     {
         require(_drawing.getNumberOfShapes() == _order.size(), "the number of shapes");
-        std::vector<std::pair<Rect, const Item*>> shown;
+        struct Shown
+        {
+            Rect rect;
+            const Item* pItem;
+            bool isPickable = true;
+        };
+        std::vector<Shown> shown;
         for (const int i : _order)
         {
             const Item* pItem = find(i);
             bool isShown = true;
-            Rect rect = pItem->rect;
+            Shown item{pItem->rect, pItem};
+            std::uint64_t tag = 0;
             for (const Item* p = pItem; p != nullptr; p = find(p->group))
             {
-                isShown = isShown && p->isVisible;
-                rect = mapped(rect, p->transform);
+                isShown = isShown && p->isVisible && p->isInZoom;
+                item.isPickable = item.isPickable && p->isPickable;
+                item.rect = mapped(item.rect, p->transform);
+                tag = tag != 0 ? tag : p->tag;
             }
+            require(_drawing.getTag(pItem->id) == tag, "the tag of a shape, or of a group around it");
             if (isShown)
-                shown.emplace_back(rect, pItem);
+                shown.push_back(item);
         }
         // Another view in between, which keeps nothing of its own.
         if (_input.below(4) == 0)
@@ -285,11 +305,11 @@ private:
             std::array<double, 3> color{255, 255, 255};
             double tolerance = 1;
             Drawing::ID topmost = 0;
-            for (const auto& [rect, pItem] : shown)
+            for (const auto& [rect, pItem, isPickable] : shown)
             {
                 if (x < rect.left || x > rect.right || y < rect.top || y > rect.bottom)
                     continue;
-                topmost = pItem->id;
+                topmost = isPickable ? pItem->id : topmost;
                 const td::Color c = pItem->color;
                 const double alpha = c.alpha() / 255.0;
                 const std::array<double, 3> own{double(c.red()), double(c.green()), double(c.blue())};
@@ -305,8 +325,9 @@ private:
         // Half a pixel inside of each pixel's sides.
         const Rect rect = takeRect();
         std::vector<Drawing::ID> ids;
-        for (const auto& [own, pItem] : shown)
-            if (own.left < rect.right && own.right > rect.left && own.top < rect.bottom && own.bottom > rect.top)
+        for (const auto& [own, pItem, isPickable] : shown)
+            if (isPickable && own.left < rect.right && own.right > rect.left && own.top < rect.bottom &&
+                own.bottom > rect.top)
                 ids.insert(ids.begin(), pItem->id);
         const Rect within(rect.left + 0.25, rect.top + 0.25, rect.right - 0.25, rect.bottom - 0.25);
         require(_drawing.pickAll(within) == ids, "the shapes in a rectangle");

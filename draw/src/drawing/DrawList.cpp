@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <iterator>
 #include <limits>
 
@@ -10,8 +11,6 @@ namespace gui::draw
 
 namespace
 {
-
-constexpr std::size_t cChunk = 128;
 
 /// As in the vertex shader: up to so many pixels a shape is drawn as a box.
 constexpr double cSmall = 16;
@@ -38,13 +37,16 @@ void DrawList::set(std::size_t place, const Shape& shape)
     if (place >= _shapes.size())
     {
         _shapes.resize(place + 1, Entry{});
-        _boxes.resize(place + 1, Box{});
+        _boxes.resize(place / cChunk + 1);
         _chunks.resize(place / cChunk + 1);
     }
     const Rect& bounds = shape.bounds;
-    _boxes[place] = {below(bounds.left - _base.x), below(bounds.top - _base.y), above(bounds.right - _base.x),
-                     above(bounds.bottom - _base.y)};
-    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record, shape.ink};
+    Boxes& boxes = _boxes[place / cChunk];
+    boxes.left[place % cChunk] = below(bounds.left - _base.x);
+    boxes.top[place % cChunk] = below(bounds.top - _base.y);
+    boxes.right[place % cChunk] = above(bounds.right - _base.x);
+    boxes.bottom[place % cChunk] = above(bounds.bottom - _base.y);
+    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record, shape.ink, shape.zooms};
     _chunks[place / cChunk].isStale = true;
 }
 
@@ -99,17 +101,23 @@ void DrawList::renew(std::size_t number)
     chunk.boxes.clear();
     chunk.box = {cInfinity, cInfinity, -cInfinity, -cInfinity};
     chunk.size = chunk.margin = 0;
+    chunk.zooms = {cInfinity, 0};
+    chunk.shared = {};
+    const Boxes& boxes = _boxes[number];
     const std::size_t end = std::min((number + 1) * cChunk, _shapes.size());
     for (std::size_t i = number * cChunk; i < end; ++i)
     {
         const Entry& entry = _shapes[i];
         if (entry.count == 0)
             continue;
-        const Box& box = _boxes[i];
+        const std::size_t k = i % cChunk;
+        const Box box{boxes.left[k], boxes.top[k], boxes.right[k], boxes.bottom[k]};
         chunk.box = {std::min(chunk.box.left, box.left), std::min(chunk.box.top, box.top),
                      std::max(chunk.box.right, box.right), std::max(chunk.box.bottom, box.bottom)};
         chunk.size = std::max({chunk.size, box.right - box.left, box.bottom - box.top});
         chunk.margin = std::max(chunk.margin, entry.margin);
+        chunk.zooms = {std::min(chunk.zooms.min, entry.zooms.min), std::max(chunk.zooms.max, entry.zooms.max)};
+        chunk.shared = chunk.shared & entry.zooms;
         append(chunk.parts, {{entry.first, entry.count}, entry.ink});
         // Glyphs' sizes are not those of their shapes' boxes.
         if (areGlyphs(entry.ink))
@@ -119,50 +127,64 @@ void DrawList::renew(std::size_t number)
     }
 }
 
-void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint)
+// Most shapes are not seen, and a branch for each would cost more than all that is compared.
+void DrawList::selectWithin(std::size_t number, const Box& seen, bool isSmall, double zoom)
+{
+    const Boxes& boxes = _boxes[number];
+    alignas(64) std::array<std::uint8_t, cChunk> areSeen;
+    for (std::size_t i = 0; i < cChunk; ++i)
+        areSeen[i] = static_cast<std::uint8_t>((boxes.left[i] <= seen.right) & (boxes.right[i] >= seen.left) &
+                                               (boxes.top[i] <= seen.bottom) & (boxes.bottom[i] >= seen.top));
+    const std::size_t first = number * cChunk, n = std::min(cChunk, _shapes.size() - first);
+    for (std::size_t begin = 0; begin < n; begin += 8)
+    {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, areSeen.data() + begin, sizeof eight);
+        for (std::size_t i = begin; eight != 0 && i < std::min(begin + 8, n); ++i)
+            if (const Entry& entry = _shapes[first + i]; areSeen[i] != 0 && entry.count != 0 && entry.zooms.has(zoom))
+            {
+                if (isSmall && !areGlyphs(entry.ink))
+                    select({{cBoxes + entry.record, 1}, entry.ink});
+                else
+                    select({{entry.first, entry.count}, entry.ink});
+            }
+    }
+}
+
+void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint, double zoom)
 {
     _selected.clear();
     _passes.clear();
     _parts.clear();
     _largest = 0;
     const double pixel = 1 / pixelsPerUnit;
+    Box seen{};
+    float margin = -1; // that it has
     for (std::size_t c = 0; c < _chunks.size(); ++c)
     {
         if (_chunks[c].isStale)
             renew(c);
         const Chunk& chunk = _chunks[c];
-        if (chunk.parts.empty())
+        if (chunk.parts.empty() || !chunk.zooms.has(zoom))
             continue;
-        const double margin = (chunk.margin * pixelsPerPoint + 2) * pixel;
-        const Box seen{below(visible.left - margin - _base.x), below(visible.top - margin - _base.y),
-                       above(visible.right + margin - _base.x), above(visible.bottom + margin - _base.y)};
-        // All four at once: which of them is false is as good as random, and a branch for each would cost more.
-        const auto touches = [seen](const Box& box) -> bool
+        if (chunk.margin != margin)
         {
-            return int(box.left <= seen.right) & int(box.right >= seen.left) & int(box.top <= seen.bottom) &
-                   int(box.bottom >= seen.top);
-        };
-        if (!touches(chunk.box))
+            margin = chunk.margin;
+            const double more = (margin * pixelsPerPoint + 2) * pixel;
+            seen = {below(visible.left - more - _base.x), below(visible.top - more - _base.y),
+                    above(visible.right + more - _base.x), above(visible.bottom + more - _base.y)};
+        }
+        const Box& box = chunk.box;
+        if (box.left > seen.right || box.right < seen.left || box.top > seen.bottom || box.bottom < seen.top)
             continue;
         _largest = std::max(_largest, double(chunk.size));
         const bool isSmall = chunk.size * pixelsPerUnit <= cSmall;
-        if (chunk.box.left >= seen.left && chunk.box.right <= seen.right && chunk.box.top >= seen.top &&
-            chunk.box.bottom <= seen.bottom)
-        {
+        if (box.left >= seen.left && box.right <= seen.right && box.top >= seen.top && box.bottom <= seen.bottom &&
+            chunk.shared.has(zoom))
             for (const Piece& piece : isSmall ? chunk.boxes : chunk.parts)
                 select(piece);
-            continue;
-        }
-        const std::size_t end = std::min((c + 1) * cChunk, _shapes.size());
-        for (std::size_t i = c * cChunk; i < end; ++i)
-            if (touches(_boxes[i]) && _shapes[i].count != 0)
-            {
-                const Entry& entry = _shapes[i];
-                if (isSmall && !areGlyphs(entry.ink))
-                    select({{cBoxes + entry.record, 1}, entry.ink});
-                else
-                    select({{entry.first, entry.count}, entry.ink});
-            }
+        else
+            selectWithin(c, seen, isSmall, zoom);
     }
     for (const Pass& pass : _passes)
         if (pass.ink == cShapes)

@@ -5,12 +5,32 @@
 #include <td/Point.h>
 #include <td/RectNormalized.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
 namespace gui::draw
 {
+
+/// The zooms, in points per unit of the model, that something is shown at: from `min` on, below `max`.
+struct ZoomRange
+{
+    float min = 0;
+    float max = std::numeric_limits<float>::infinity();
+
+    /// As floats have it, so that what begins where something else ends is neither missing nor there twice.
+    bool has(double zoom) const
+    {
+        const auto rounded = static_cast<float>(std::min(zoom, 1e38));
+        return rounded >= min && rounded < max;
+    }
+    /// Of something within something else.
+    ZoomRange operator&(const ZoomRange& other) const { return {std::max(min, other.min), std::min(max, other.max)}; }
+    bool operator==(const ZoomRange&) const = default;
+};
 
 /// The shapes in the order of drawing, as far as it takes to choose which quads are drawn: those of shapes that may be
 /// seen, or, of shapes too small for it to matter, one box each. Shapes are taken by the hundred where that is enough.
@@ -36,6 +56,7 @@ public:
         std::uint32_t count = 0; // 0 when there is nothing to see
         std::uint32_t record = 0;
         std::uint32_t ink = cShapes;
+        ZoomRange zooms;
     };
 
     /// Some of the ranges, in a row, that one program draws.
@@ -55,8 +76,8 @@ public:
     std::size_t countRanges() const;
 
     /// @param visible  in model units  @param pixelsPerUnit  at most, in any direction  @param pixelsPerPoint  of
-    /// margins
-    void select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint);
+    /// margins  @param zoom  in points per unit
+    void select(const Rect& visible, double pixelsPerUnit, double pixelsPerPoint, double zoom);
 
     /// Those selected last, and how they are parted.
     std::span<const gl::Quads::Range> getRanges() const { return _selected; }
@@ -67,15 +88,23 @@ public:
     double getLargest() const { return _largest; }
 
 private:
+    static constexpr std::size_t cChunk = 128;
+
     struct Box
     {
         float left, top, right, bottom; // from _base
+    };
+    /// Those of a chunk's shapes, side by side for the processor to compare several at once.
+    struct Boxes
+    {
+        std::array<float, cChunk> left, top, right, bottom;
     };
     struct Entry
     {
         float margin;
         std::uint32_t first, count, record;
         std::uint32_t ink;
+        ZoomRange zooms;
     };
     struct Piece
     {
@@ -85,8 +114,9 @@ private:
     struct Chunk
     {
         Box box{};
-        float size = 0;   // of the largest
-        float margin = 0; // the largest
+        float size = 0;          // of the largest
+        float margin = 0;        // the largest
+        ZoomRange zooms, shared; // of any, and of all
         bool isStale = true;
         std::vector<Piece> parts, boxes;
     };
@@ -94,9 +124,10 @@ private:
     void renew(std::size_t chunk);
     static void append(std::vector<Piece>& pieces, const Piece& piece);
     void select(const Piece& piece);
+    void selectWithin(std::size_t chunk, const Box& seen, bool isSmall, double zoom);
 
     td::Point<double> _base;
-    std::vector<Box> _boxes;
+    std::vector<Boxes> _boxes; // by chunk
     std::vector<Entry> _shapes;
     std::vector<Chunk> _chunks;
     std::vector<gl::Quads::Range> _selected, _parts;

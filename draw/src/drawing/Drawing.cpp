@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <unordered_set>
 
 namespace gui::draw
@@ -176,6 +177,44 @@ bool Drawing::setVisible(ID id, bool isVisible)
     pItem->isVisible = isVisible;
     _pImpl->update(*pItem);
     return true;
+}
+
+bool Drawing::setZoomRange(ID id, double minZoom, double maxZoom)
+{
+    Impl::Item* pItem = _pImpl->find(id);
+    if (pItem == nullptr || std::isnan(minZoom) || std::isnan(maxZoom))
+        return false;
+    const auto limit = [](double zoom)
+    { return zoom > 1e38 ? std::numeric_limits<float>::infinity() : static_cast<float>(std::max(zoom, 0.0)); };
+    const ZoomRange range{limit(minZoom), limit(maxZoom)};
+    if (range == pItem->ownZooms)
+        return true;
+    pItem->ownZooms = range;
+    _pImpl->updateZooms(*pItem);
+    _pImpl->isChanged = true;
+    return true;
+}
+
+bool Drawing::setPickable(ID id, bool isPickable)
+{
+    Impl::Item* pItem = _pImpl->find(id);
+    if (pItem != nullptr)
+        pItem->isPickable = isPickable;
+    return pItem != nullptr;
+}
+
+bool Drawing::setTag(ID id, std::uint64_t tag)
+{
+    Impl::Item* pItem = _pImpl->find(id);
+    if (pItem != nullptr)
+        pItem->tag = tag;
+    return pItem != nullptr;
+}
+
+std::uint64_t Drawing::getTag(ID id) const
+{
+    const Impl::Item* pItem = _pImpl->find(id);
+    return pItem == nullptr ? 0 : _pImpl->tagOf(*pItem);
 }
 
 bool Drawing::setPath(ID shape, const Path& path)

@@ -55,6 +55,7 @@ std::uint32_t Drawing::Impl::add(Kind kind)
         items[group].members.push_back(slot);
         item.whole = items[group].whole;
         item.isShown = items[group].isShown;
+        item.zooms = items[group].zooms;
     }
     return slot;
 }
@@ -163,6 +164,20 @@ void Drawing::Impl::update(Item& item)
     isChanged = true;
 }
 
+void Drawing::Impl::updateZooms(Item& item)
+{
+    item.zooms = item.group == cNoItem ? item.ownZooms : items[item.group].zooms & item.ownZooms;
+    for (const std::uint32_t member : item.members)
+        updateZooms(items[member]);
+    if (!hasMembers(item))
+        enlist(item);
+    if (item.neighbours.empty())
+        return;
+    markLinksStale(item);
+    for (const std::uint32_t other : item.neighbours)
+        markLinksStale(items[other]);
+}
+
 void Drawing::Impl::removeItem(std::uint32_t slot)
 {
     Item& item = items[slot];
@@ -254,8 +269,10 @@ void Drawing::Impl::renewLinks()
         if (!std::exchange(item.areLinksStale, false) || item.kind != Kind::Fill)
             continue;
         records.clear();
+        // One that is not seen whenever this is would leave a gap.
         for (const std::uint32_t other : item.neighbours)
-            records.push_back(items[other].places.record);
+            if ((items[other].zooms & item.zooms) == item.zooms)
+                records.push_back(items[other].places.record);
         tables.setLinks(item.places, records);
     }
     staleLinks.clear();
@@ -315,6 +332,7 @@ void Drawing::Impl::enlist(const Item& item)
         }
     }
     largestMargin = std::max(largestMargin, double(shape.margin));
+    shape.zooms = item.zooms;
     list.set(item.place, shape);
 }
 
@@ -416,8 +434,7 @@ bool Drawing::Impl::draw(const Sight& sight)
         tidy();
     const Affine& map = sight.toPixels;
     const double s = sight.pixelsPerPoint;
-    // The geometric mean of what the axes are stretched by.
-    pointsPerUnit = std::sqrt(std::abs(map.a * map.d - map.b * map.c)) / s;
+    pointsPerUnit = sight.getZoom();
     toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
     placeRoutes(sight);
     renewLinks();
@@ -458,7 +475,11 @@ std::vector<std::uint32_t> Drawing::Impl::findAll(const Rect& rect, bool isOneEn
     const double margin = largestMargin / pointsPerUnit;
     std::vector<std::uint32_t> found;
     index.find({rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin},
-               [&found](std::uint32_t slot) { found.push_back(slot); });
+               [this, &found](std::uint32_t slot)
+               {
+                   if (items[slot].zooms.has(pointsPerUnit) && isPickable(items[slot]))
+                       found.push_back(slot);
+               });
     std::sort(found.begin(), found.end(),
               [this](std::uint32_t a, std::uint32_t b) { return items[a].place > items[b].place; });
     found.erase(std::unique(found.begin(), found.end()), found.end());

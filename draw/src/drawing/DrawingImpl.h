@@ -71,6 +71,7 @@ struct Drawing::Impl
         Kind kind = Kind::None;
         bool isVisible = true;
         bool isShown = true; // with all groups around it
+        bool isPickable = true;
         FillRule rule = FillRule::NonZero;
         bool areLinksStale = false;
         std::uint32_t slot = 0;
@@ -79,6 +80,9 @@ struct Drawing::Impl
         std::uint32_t place = 0; // in the order of drawing, as far as that is up to date
         Affine transform;
         Affine whole; // with those of all groups around it
+        ZoomRange ownZooms;
+        ZoomRange zooms; // with those of all groups around it
+        std::uint64_t tag = 0;
         td::Point<double> origin;
         double step = 1;
         bool hasBounds = false;
@@ -114,6 +118,19 @@ struct Drawing::Impl
     Item* find(ID id);
     Item* findShape(ID id);
     static std::uint32_t slotOf(const Item& item) { return item.slot; }
+
+    /// With all groups around it.
+    bool isPickable(const Item& item) const
+    {
+        return item.isPickable && (item.group == cNoItem || isPickable(items[item.group]));
+    }
+    /// Its own, or that of the innermost group that has one.
+    std::uint64_t tagOf(const Item& item) const
+    {
+        return item.tag != 0 || item.group == cNoItem ? item.tag : tagOf(items[item.group]);
+    }
+    /// After a change of what is around it, or of its own.
+    void updateZooms(Item& item);
 
     static bool hasMembers(const Item& item) { return item.kind == Kind::Group || item.kind == Kind::Text; }
 

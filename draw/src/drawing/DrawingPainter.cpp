@@ -351,7 +351,7 @@ bool DrawingPainter::drawRegion(const ShapeTables& tables, DrawList& list, Image
     part.center = {_sight.center.x + middle.x, _sight.center.y + middle.y};
     part.size = {region.width, region.height};
     const double stretch = stretchOf(_sight.toPixels);
-    list.select(part.getVisible(), stretch, _sight.pixelsPerPoint);
+    list.select(part.getVisible(), stretch, _sight.pixelsPerPoint, _sight.getZoom());
     return drawShapes(tables, list, images, _sight, stretch);
 }
 

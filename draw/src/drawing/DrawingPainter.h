@@ -12,6 +12,7 @@
 #include <td/Size.h>
 
 #include <array>
+#include <cmath>
 #include <map>
 #include <memory>
 #include <span>
@@ -30,6 +31,11 @@ struct Sight
 
     /// What may be seen, in model units.
     DrawList::Rect getVisible() const;
+    /// In points per model unit: the geometric mean of what the axes are stretched by.
+    double getZoom() const
+    {
+        return std::sqrt(std::abs(toPixels.a * toPixels.d - toPixels.b * toPixels.c)) / pixelsPerPoint;
+    }
     bool operator==(const Sight& other) const
     {
         return center.x == other.center.x && center.y == other.center.y && toPixels == other.toPixels &&

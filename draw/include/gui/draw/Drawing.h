@@ -134,6 +134,20 @@ public:
     bool setColor(ID shape, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
+    /// Shows a shape, or a group, at some zooms alone: a coarse outline from afar and a fine one from nearby, a street's
+    /// name. It is drawn and picked where its groups' zooms have it too; bounds take no notice of zooms. A zoom that
+    /// passes a limit uploads nothing.
+    /// @param minZoom, maxZoom  in points per model unit, to the seven digits of a float: from minZoom on, below
+    ///                          maxZoom; 0 and infinity at first. What transforms of groups and shapes do to that does
+    ///                          not count; of a map that stretches one way more, it is the geometric mean
+    bool setZoomRange(ID id, double minZoom, double maxZoom);
+    /// Whether pick and pickAll find a shape, or what is in a group; they do at first, and look through what is not.
+    bool setPickable(ID id, bool isPickable);
+    /// Keeps a number of yours with a shape or a group: what it stands for. Nothing of it is seen.
+    bool setTag(ID id, std::uint64_t tag);
+    /// The number that setTag gave a shape or, where that is 0, the innermost group around it that has one; else 0, as
+    /// for an id that names nothing.
+    std::uint64_t getTag(ID id) const;
     /// Of a text, only where it lies along a path.
     bool setPath(ID shape, const Path& path);
     /// Of a text only, which stays where it is, in the style of its beginning or as laid out.
@@ -178,12 +192,13 @@ public:
     /// The same with a view's zoom and origin, from its onDraw.
     bool draw(const gl::OrthoView& view);
 
-    /// The topmost visible shape within a tolerance of a point; 0 when there is none. Strokes whose width is in points
-    /// are as wide as the last draw has made them, and texts as large; before one, a point is a model unit and y grows
-    /// downwards. A text is where its lines are, from top to bottom and from the first letter to the last.
+    /// The topmost visible and pickable shape within a tolerance of a point; 0 when there is none. Strokes whose width
+    /// is in points are as wide as the last draw has made them, and texts as large, and zooms are that one's; before
+    /// one, a point is a model unit and y grows downwards. A text is where its lines are, from top to bottom and from
+    /// the first letter to the last.
     /// @param tolerance  in model units; 0 for the shapes right at the point
     ID pick(Point point, double tolerance = 0) const;
-    /// All visible shapes that have a part inside of the rectangle, the topmost one first.
+    /// All of these that have a part inside of the rectangle, the topmost one first.
     std::vector<ID> pickAll(const Rect& rect) const;
 
 private:
