@@ -3,7 +3,6 @@
 #include "Names.h"
 
 #include <cstdio>
-#include <utility>
 
 namespace worldmap
 {
@@ -11,6 +10,7 @@ namespace worldmap
 namespace
 {
 
+using gui::draw::Affine;
 using gui::draw::Anchor;
 using gui::draw::Path;
 
@@ -50,35 +50,39 @@ double roundLength(double length)
     return (length >= 5 * power ? 5 : length >= 2 * power ? 2 : 1) * power;
 }
 
+// From the lower left corner of the view.
+Legend::Legend()
+    : _all(_drawing.beginGroup())
+    , _band(_drawing.fill(Path().addRect({0, -cLineHeight, 1, 0}), "#ffffffe0"))
+    , _rim(_drawing.stroke({}, {.width = 3, .cap = gui::draw::Cap::Square}, "#ffffff"))
+    , _bar(_drawing.stroke({}, {.width = 1}, "#26384a"))
+    , _scale(_drawing.text({cLeft + 6, -cBarBottom - 3}, "", writing(1.75), {.anchor = Anchor::Left}))
+    , _place(_drawing.text({cLeft, -cLineHeight / 2}, "", writing(0), {.anchor = Anchor::Left}))
+    , _country(_drawing.text({cCountryLeft, -cLineHeight / 2}, "", writing(0), {.anchor = Anchor::Left}))
+{
+}
+
 void Legend::draw(const SheetView& map, const std::optional<Point>& pointer, const std::string& country)
 {
     const double zoom = map.getZoom();
     const Rect seen = map.getVisible();
-    const double width = (seen.right - seen.left) * zoom, height = (seen.bottom - seen.top) * zoom;
     // Along the parallel in the middle of the view.
     const double latitude = std::clamp(unproject(map.getMapProjection(), map.getCenter()).y, -85.0, 85.0);
     const double kilometresPerPoint = cKilometresPerDegree / zoom * std::cos(latitude * cDegree);
-    const double length = roundLength(cBarLength * kilometresPerPoint), end = cLeft + length / kilometresPerPoint;
-    const Content old = std::exchange(
-        _content, {width, height, end, format("%g km", length),
-                   pointer ? placeText(map.getMapProjection(), map.getModelPoint(*pointer)) : "", country});
-    if (!(_content == old))
-        make();
-    _drawing.draw(gui::draw::Affine(), map.getPixelHiDPIScale());
-}
-
-void Legend::make()
-{
-    const auto& [width, height, end, scale, place, country] = _content;
-    const double line = height - cLineHeight / 2, bar = height - cBarBottom;
-    const Path shape = Path().moveTo({cLeft, bar - 6}).lineTo({cLeft, bar}).lineTo({end, bar}).lineTo({end, bar - 6});
-    _drawing.clear();
-    _drawing.fill(Path().addRect({0, height - cLineHeight, width, height}), "#ffffffe0");
-    _drawing.stroke(shape, {.width = 3, .cap = gui::draw::Cap::Square}, "#ffffff");
-    _drawing.stroke(shape, {.width = 1}, "#26384a");
-    _drawing.text({end + 6, bar - 3}, scale, writing(1.75), {.anchor = Anchor::Left});
-    _drawing.text({cLeft, line}, place, writing(0), {.anchor = Anchor::Left});
-    _drawing.text({cCountryLeft, line}, country, writing(0), {.anchor = Anchor::Left});
+    const double kilometres = roundLength(cBarLength * kilometresPerPoint), length = kilometres / kilometresPerPoint;
+    const Point start(cLeft, -cBarBottom), end(cLeft + length, -cBarBottom);
+    const Path bar = Path().moveTo({start.x, start.y - 6}).lineTo(start).lineTo(end).lineTo({end.x, end.y - 6});
+    _scaleText = format("%g km", kilometres);
+    _placeText = pointer ? placeText(map.getMapProjection(), map.getModelPoint(*pointer)) : "";
+    _drawing.setTransform(_all, Affine::translation(0, (seen.bottom - seen.top) * zoom));
+    _drawing.setTransform(_band, Affine::scaling((seen.right - seen.left) * zoom, 1));
+    _drawing.setPath(_rim, bar);
+    _drawing.setPath(_bar, bar);
+    _drawing.setTransform(_scale, Affine::translation(length, 0));
+    _drawing.setText(_scale, _scaleText);
+    _drawing.setText(_place, _placeText);
+    _drawing.setText(_country, country);
+    _drawing.draw(Affine(), map.getPixelHiDPIScale());
 }
 
 } // namespace worldmap

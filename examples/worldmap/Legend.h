@@ -12,26 +12,20 @@ double roundLength(double length);
 class Legend
 {
 public:
+    Legend();
+
     /// @param pointer  in the view, if it is there  @param country  the name of the country there, or nothing
     void draw(const SheetView& map, const std::optional<Point>& pointer, const std::string& country);
 
-    const std::string& getPlaceText() const { return _content.place; }
-    const std::string& getScaleText() const { return _content.scale; }
+    const std::string& getPlaceText() const { return _placeText; }
+    const std::string& getScaleText() const { return _scaleText; }
 
 private:
-    /// What it is made from, lengths in points.
-    struct Content
-    {
-        double width, height, end; // of the view, and of the bar
-        std::string scale, place, country;
-
-        bool operator==(const Content&) const = default;
-    };
-
-    void make();
+    using ID = gui::draw::Drawing::ID;
 
     gui::draw::Drawing _drawing;
-    Content _content{};
+    ID _all, _band, _rim, _bar, _scale, _place, _country;
+    std::string _placeText, _scaleText;
 };
 
 } // namespace worldmap

@@ -3,6 +3,8 @@
 #include <gui/Application.h>
 #include <gui/Key.h>
 
+#include <cctype>
+
 namespace worldmap
 {
 
@@ -41,10 +43,10 @@ protected:
     bool onZoom(const gui::InputDevice&) override { return true; }
     bool onKeyPressed(const gui::Key& key) override
     {
-        if (key.getChar() != 'o' && key.getChar() != 'O' && key.getVirtual() != gui::Key::Virtual::Escape)
-            return false;
-        _window.close();
-        return true;
+        const bool isEnd = std::toupper(key.getChar()) == 'O' || key.getVirtual() == gui::Key::Virtual::Escape;
+        if (isEnd)
+            _window.close();
+        return isEnd;
     }
 
 private:
@@ -113,17 +115,18 @@ void MapView::pointAt(const std::optional<Point>& pointer)
 
 bool MapView::onKeyPressed(const gui::Key& key)
 {
-    const char character = key.getChar();
-    if (character == 'm' || character == 'M')
+    const int letter = std::toupper(key.getChar());
+    if (letter == 'M')
         setProjection(getMapProjection() == Projection::Mercator ? Projection::Equirectangular : Projection::Mercator);
-    else if (character == 'l' || character == 'L')
-        setWritten(!_isWritten);
-    else if (character == 'o' || character == 'O')
+    else if (letter == 'L')
+        _isWritten = !_isWritten;
+    else if (letter == 'O')
         toggleOverview();
     else if (key.getVirtual() == gui::Key::Virtual::Escape)
         gui::Application::quit();
     else
         return moveByKey(key);
+    reRender();
     return true;
 }
 

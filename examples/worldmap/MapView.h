@@ -26,13 +26,6 @@ public:
     /// closed. A click, or a drag, moves this view there.
     SheetView* getOverview() { return _pOverviewWindow && _pOverviewWindow->isOpen() ? _pOverview.get() : nullptr; }
 
-    /// Names of countries, the scale bar and the line below it; shown at first.
-    void setWritten(bool isWritten)
-    {
-        _isWritten = isWritten;
-        reRender();
-    }
-
 protected:
     void cleanResources() override;
     void onDraw(const td::RectNormalized<double>& rect) override;
@@ -50,7 +43,7 @@ private:
     const Countries& _countries;
     std::optional<Point> _pointer; // in the view
     std::size_t _country = Countries::cNone;
-    bool _isWritten = true;
+    bool _isWritten = true; // names, scale bar and the line below
     Names _names;
     Legend _legend;
     std::unique_ptr<SheetView> _pOverview;

@@ -1,6 +1,6 @@
 #include "Names.h"
 
-#include <limits>
+#include <array>
 
 namespace worldmap
 {
@@ -9,24 +9,16 @@ namespace
 {
 
 using gui::draw::Anchor;
-using gui::draw::LabelRule;
-using gui::draw::Labels;
 using gui::draw::Path;
 using gui::draw::TextLayout;
 
-// A name may be as long as its strip of land and this part of what the country has beyond, and this part of its height.
-constexpr double cBeyond = 0.35;
-constexpr double cHighest = 0.8;
-
-constexpr double cSmallestPart = 12; // degrees of a country that has names of its own
+constexpr double cLargest = 12; // degrees that a name is for; larger countries have several
 
 // In points.
-constexpr double cLargestPart = 1100; // that has one name
-constexpr double cSmallest = 5;       // that an island is wide or high to have its name beside it
+constexpr double cSmallestIsland = 5;   // that has its name beside it
+constexpr double cLargestIsland = 1100; // likewise
 constexpr double cGap = 3;
 constexpr double cHalo = 1.75;
-
-constexpr double cInfinity = std::numeric_limits<double>::infinity();
 
 // Broken at the space that is nearest to the middle.
 std::string inTwoLines(std::string name)
@@ -38,19 +30,6 @@ std::string inTwoLines(std::string name)
             best = i;
     return best == std::string::npos ? name : name.replace(best, 1, "\n");
 }
-
-// By strips from the equator, each of which is narrower where it is nearer to a pole.
-double areaOf(const Line& ring)
-{
-    double area = 0;
-    for (std::size_t i = 0; i < ring.size(); ++i)
-        area += (ring[i].x - ring[i == 0 ? ring.size() - 1 : i - 1].x) * std::sin(ring[i].y * cDegree);
-    return std::abs(area);
-}
-
-double widthOf(const Rect& rect) { return rect.right - rect.left; }
-double heightOf(const Rect& rect) { return rect.bottom - rect.top; }
-Point middleOf(const Rect& rect) { return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2}; }
 
 } // namespace
 
@@ -82,92 +61,62 @@ void Names::make(SheetView& map)
 {
     _projection = map.getMapProjection();
     _labels.clear();
-    _ids.assign(_countries.all.size(), {});
+    _ids.clear();
     const Rect sheet = sheetOf(*_projection);
-    const gui::draw::ParagraphStyle centered{.align = gui::draw::Align::Center};
-    for (std::size_t i = 0; i < _countries.all.size(); ++i)
+    for (const Country& country : _countries.all)
     {
-        const std::string& name = _countries.all[i].name;
-        Land land{i, {name, writing(cHalo)}, {inTwoLines(name), writing(cHalo), centered}};
-        for (const Line& ring : _countries.coarse.countries[i])
+        Path land;
+        double largest = 0; // of its pieces, which the name is for
+        Rect box;
+        for (const Line& ring : _countries.coarse.countries[_ids.size()])
         {
             const Path piece = pathOf(ring, *_projection).close();
-            land.path.addPath(piece);
-            if (const double area = areaOf(ring); area > land.area)
+            land.addPath(piece);
+            Rect around = piece.getBounds().value_or(sheet);
+            around.top = std::max(around.top, sheet.top);
+            if (const double size = (around.right - around.left) * (around.bottom - around.top); size > largest)
             {
-                land.area = area;
-                land.box = piece.getBounds().value_or(sheet);
-                land.box.top = std::max(land.box.top, sheet.top);
+                largest = size;
+                box = around;
             }
         }
-        addInside(land, land.box, 0);
-        if (_countries.all[i].isAlone)
-            addBeside(map, land);
+        const TextLayout name(country.name, writing(cHalo));
+        const TextLayout two(inTwoLines(country.name), writing(cHalo), {.align = gui::draw::Align::Center});
+        _ids.push_back(_labels.addInside(land, box, std::array{name, two}, {.priority = largest, .largest = cLargest}));
+        if (country.isAlone)
+            addBeside(map, _ids.size() - 1, name, box);
     }
-}
-
-void Names::addInside(const Land& land, const Rect& part, double minZoom)
-{
-    const Point middle = middleOf(part);
-    const std::optional<Rect> room = Labels::findRoom(land.path, part);
-    const bool isWhole = minZoom == 0;
-    if (!room && !isWhole)
-        return;
-    const bool isWide = widthOf(part) > heightOf(part);
-    const double size = isWide ? widthOf(part) : heightOf(part);
-    const double maxZoom = size > cSmallestPart ? cLargestPart / size : cInfinity;
-    if (size > cSmallestPart)
-    {
-        addInside(land, {part.left, part.top, isWide ? middle.x : part.right, isWide ? part.bottom : middle.y},
-                  maxZoom);
-        addInside(land, {isWide ? middle.x : part.left, isWide ? part.top : middle.y, part.right, part.bottom},
-                  maxZoom);
-    }
-    const double strip = room ? widthOf(*room) : 0, beyond = isWhole ? cBeyond * (widthOf(part) - strip) : 0;
-    const auto ruleFor = [&](const td::Size<double>& name)
-    {
-        const double zoom = std::max(name.width / (strip + beyond), name.height / (cHighest * heightOf(part)));
-        return LabelRule{land.area, std::max(zoom, minZoom), maxZoom};
-    };
-    const Point place = room ? middleOf(*room) : middle;
-    const gui::draw::TextPlacement centered{Anchor::Center};
-    _ids[land.country].push_back(_labels.add(place, land.name, centered, ruleFor(land.name.getSize())));
-    _ids[land.country].push_back(
-        _labels.addAlternative(place, land.inTwoLines, centered, ruleFor(land.inTwoLines.getSize())));
 }
 
 // In the sea, from the zoom on at which no other country is there.
-void Names::addBeside(SheetView& map, const Land& land)
+void Names::addBeside(SheetView& map, std::size_t country, const TextLayout& name, const Rect& box)
 {
-    const double x = widthOf(land.box) / 2, y = heightOf(land.box) / 2;
-    const td::Size<double> size = land.name.getSize();
-    const Rect sheet = sheetOf(*_projection);
-    const double maxZoom = cLargestPart / std::max(x, y) / 2;
+    const double width = box.right - box.left, height = box.bottom - box.top, size = std::max(width, height);
     const struct
     {
-        Point step;
+        double x, y;
         Anchor anchor;
-    } sides[] = {{{0, -1}, Anchor::Top}, {{1, 0}, Anchor::Left}, {{0, 1}, Anchor::Bottom}, {{-1, 0}, Anchor::Right}};
-    for (const auto& [step, anchor] : sides)
+    } sides[] = {{0, -1, Anchor::Top}, {1, 0, Anchor::Left}, {0, 1, Anchor::Bottom}, {-1, 0, Anchor::Right}};
+    for (const auto& [x, y, anchor] : sides)
     {
-        const Point place(middleOf(land.box).x + step.x * x, middleOf(land.box).y + step.y * y);
+        const Point place((box.left + box.right + x * width) / 2, (box.top + box.bottom + y * height) / 2);
         const auto isOnlySea = [&](double zoom)
         {
+            const double w = name.getSize().width / 2 / zoom, h = name.getSize().height / 2 / zoom;
             for (int i = 0; i < 15; ++i)
             {
-                const Point point(place.x + (step.x + (i % 5 - 2) / 2.0) * size.width / 2 / zoom,
-                                  place.y + (step.y + (i / 5 - 1)) * size.height / 2 / zoom);
+                const Point point(place.x + (x + (i % 5 - 2) / 2.0) * w, place.y + (y + (i / 5 - 1)) * h);
                 const std::size_t found = map.find(point);
-                if (!isIn(sheet, point) || (found != Countries::cNone && found != land.country))
+                if (!isIn(sheetOf(*_projection), point) || (found != Countries::cNone && found != country))
                     return false;
             }
             return true;
         };
-        double zoom = cSmallest / std::max(x, y) / 2;
-        while (zoom < maxZoom && !isOnlySea(zoom))
+        double zoom = cSmallestIsland / size;
+        while (zoom < cLargestIsland / size && !isOnlySea(zoom))
             zoom *= 1.5;
-        _ids[land.country].push_back(_labels.addAlternative(place, land.name, {anchor, {step.x * cGap, -step.y * cGap}},
-                                                            {.minZoom = zoom, .maxZoom = maxZoom}));
+        _ids[country].push_back(_labels.addAlternative(place, name, {anchor, {x * cGap, -y * cGap}},
+                                                       {.minZoom = zoom, .maxZoom = cLargestIsland / size}));
     }
 }
 

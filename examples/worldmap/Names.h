@@ -25,19 +25,8 @@ public:
     bool isShown(std::size_t country) const;
 
 private:
-    struct Land
-    {
-        std::size_t country;
-        gui::draw::TextLayout name;
-        gui::draw::TextLayout inTwoLines;
-        gui::draw::Path path{}; ///< of all its pieces
-        double area = 0;        ///< of the largest one, which the rest is about
-        Rect box{};
-    };
-
     void make(SheetView& map);
-    void addInside(const Land& land, const Rect& part, double minZoom);
-    void addBeside(SheetView& map, const Land& land);
+    void addBeside(SheetView& map, std::size_t country, const gui::draw::TextLayout& name, const Rect& box);
 
     const Countries& _countries;
     gui::draw::Drawing _drawing;

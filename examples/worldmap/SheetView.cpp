@@ -2,6 +2,9 @@
 
 #include <gui/gl/Context.h>
 
+#include <limits>
+#include <utility>
+
 namespace worldmap
 {
 
@@ -24,6 +27,8 @@ constexpr td::Color cSeaColor = "#a9c4dc", cNetColor = "#c3d6e7", cPaperColor = 
 constexpr td::Color cCoastColor = "#4f6f8f", cBorderColor = "#6b5f58", cHighlightColor = "#f08a5d";
 constexpr td::Color cLandColors[cNoOfColors] = {"#e9dc9a", "#f6cfae", "#cdbedb", "#f4edd6", "#b3d6a4", "#e9b9bf"};
 
+const gui::draw::Stroke cPen{.width = 0.8, .join = gui::draw::Join::Round};
+
 } // namespace
 
 Path pathOf(const Line& degrees, Projection projection)
@@ -41,73 +46,76 @@ SheetView::SheetView(const Countries& countries, Projection projection)
     setProjection(projection);
 }
 
-SheetView::Sheet& SheetView::shownSheet()
+void SheetView::make()
 {
-    const bool isFine = getZoom() >= cFineZoom;
-    Sheet& sheet = isFine ? _fine : _coarse;
-    if (!sheet.countries.empty())
-        return sheet;
-    const Outlines& outlines = isFine ? _countries.fine : _countries.coarse;
+    if (std::exchange(_isMade, true))
+        return;
     const Rect area = sheetOf(_projection);
-    const gui::draw::Stroke pen{.width = 0.8, .join = gui::draw::Join::Round};
-    sheet.lands.clear();
+    _shapes.assign(_countries.all.size(), {});
+    _lands.clear();
     for (double degrees = -180; degrees < 200; degrees += cNetStep)
     {
-        sheet.lands.stroke(pathOf({{degrees, -90}, {degrees, 90}}, _projection), {}, cNetColor);
+        _lands.stroke(pathOf({{degrees, -90}, {degrees, 90}}, _projection), {}, cNetColor);
         if (std::abs(degrees) < 90)
-            sheet.lands.stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, _projection), {}, cNetColor);
+            _lands.stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, _projection), {}, cNetColor);
     }
-    for (const std::vector<Line>& rings : outlines.countries)
+    _lines.clear();
+    add(_countries.coarse, 0, cFineZoom);
+    add(_countries.fine, cFineZoom, std::numeric_limits<double>::infinity());
+    color(_highlighted, cHighlightColor);
+    const Path edge = Path().addRect(area), all = Path(edge).addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
+    _lines.fill(all, cPaperColor, FillRule::EvenOdd);
+    _lines.stroke(edge, cPen, cCoastColor);
+}
+
+void SheetView::add(const Outlines& outlines, double minZoom, double maxZoom)
+{
+    _lands.setZoomRange(_lands.beginGroup(), minZoom, maxZoom);
+    for (std::size_t i = 0; i < _shapes.size(); ++i)
     {
         Path path;
-        for (const Line& ring : rings)
+        for (const Line& ring : outlines.countries[i])
             path.addPath(pathOf(ring, _projection).close());
-        const td::Color color = cLandColors[_countries.all[sheet.countries.size()].color];
-        sheet.countries.push_back(sheet.lands.fill(path, color, FillRule::EvenOdd));
+        _shapes[i].push_back(_lands.fill(path, cLandColors[_countries.all[i].color], FillRule::EvenOdd));
+        _lands.setTag(_shapes[i].back(), i + 1);
     }
-    color(_highlighted, cHighlightColor);
-
-    sheet.lines.clear();
+    _lands.endGroup();
+    _lines.setZoomRange(_lines.beginGroup(), minZoom, maxZoom);
     for (const Line& line : outlines.borders)
-        sheet.lines.stroke(pathOf(line, _projection), pen, cBorderColor);
+        _lines.stroke(pathOf(line, _projection), cPen, cBorderColor);
     for (const Line& line : outlines.coasts)
-        sheet.lines.stroke(pathOf(line, _projection), pen, cCoastColor);
-    const Path edge = Path().addRect(area), all = Path(edge).addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
-    sheet.lines.fill(all, cPaperColor, FillRule::EvenOdd);
-    sheet.lines.stroke(edge, pen, cCoastColor);
-    return sheet;
+        _lines.stroke(pathOf(line, _projection), cPen, cCoastColor);
+    _lines.endGroup();
 }
 
 void SheetView::onDraw(const td::RectNormalized<double>&)
 {
+    make();
     gui::gl::Context::clear(gui::gl::Context::Clear::Color, cSeaColor);
-    Sheet& sheet = shownSheet();
-    sheet.lands.draw(*this);
-    sheet.lines.draw(*this);
+    _lands.draw(*this);
+    _lines.draw(*this);
 }
 
 std::size_t SheetView::find(const Point& point)
 {
-    const Sheet& sheet = shownSheet();
-    const auto found = std::find(sheet.countries.begin(), sheet.countries.end(), sheet.lands.pick(point));
-    const bool isCountry = found != sheet.countries.end() && isIn(sheetOf(_projection), point);
-    return isCountry ? static_cast<std::size_t>(found - sheet.countries.begin()) : Countries::cNone;
+    make();
+    // What has no tag is no country.
+    return isIn(sheetOf(_projection), point) ? _lands.getTag(_lands.pick(point)) - 1 : Countries::cNone;
 }
 
 void SheetView::highlight(std::size_t country)
 {
     if (_highlighted != Countries::cNone)
         color(_highlighted, cLandColors[_countries.all[_highlighted].color]);
-    color(country, cHighlightColor);
-    _highlighted = country;
+    color(_highlighted = country, cHighlightColor);
     reRender();
 }
 
 void SheetView::color(std::size_t country, td::Color color)
 {
-    for (Sheet* pSheet : {&_coarse, &_fine})
-        if (country < pSheet->countries.size())
-            pSheet->lands.setColor(pSheet->countries[country], color);
+    if (country < _shapes.size())
+        for (const gui::draw::Drawing::ID shape : _shapes[country])
+            _lands.setColor(shape, color);
 }
 
 void SheetView::setProjection(Projection projection)
@@ -116,8 +124,7 @@ void SheetView::setProjection(Projection projection)
     const double zoom = getZoom();
     const bool isMoved = getPlaneLimits() && !isAtHome();
     _projection = projection;
-    _coarse.countries.clear();
-    _fine.countries.clear();
+    _isMade = false;
     setPlaneLimits(sheetOf(projection), cInSight);
     setHome(sheetOf(projection), cMargin);
     if (isMoved)

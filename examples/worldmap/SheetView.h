@@ -30,21 +30,16 @@ protected:
     void onDraw(const td::RectNormalized<double>& rect) override;
 
 private:
-    /// The map in two layers, so that another colour of a country leaves the lines as they are.
-    struct Sheet
-    {
-        gui::draw::Drawing lands;
-        gui::draw::Drawing lines;
-        std::vector<gui::draw::Drawing::ID> countries{}; ///< in the lands; empty as long as nothing is drawn
-    };
-
-    Sheet& shownSheet();
+    void make();
+    void add(const Outlines& outlines, double minZoom, double maxZoom);
     void color(std::size_t country, td::Color color);
 
     const Countries& _countries;
     Projection _projection{};
-    Sheet _coarse; // for all of the world
-    Sheet _fine;
+    bool _isMade = false;
+    gui::draw::Drawing _lands; // which get other colours, and leave the lines as they are
+    gui::draw::Drawing _lines;
+    std::vector<std::vector<gui::draw::Drawing::ID>> _shapes; // of each country, for all zooms
     std::size_t _highlighted = Countries::cNone;
 };
 

@@ -47,12 +47,15 @@ public:
     using SheetView::onDraw;
 };
 
+using WorldmapGLTest = test::OffscreenGL;
+
 // On the real map, which is found by looking at both sides of its borders.
-TEST(Worldmap, CountriesDifferFromThoseAcrossTheirBorders)
+TEST_F(WorldmapGLTest, CountriesDifferFromThoseAcrossTheirBorders)
 {
     constexpr double cStep = 1e-4; // degrees
     Map map(Projection::Equirectangular);
     map.setZoom(cFineZoom);
+    map.onDraw({});
     std::size_t nSeen = 0;
     for (const Line& line : world().fine.borders)
         for (std::size_t i = 1; i < line.size(); i += 4)
@@ -75,7 +78,7 @@ TEST(Worldmap, CountriesDifferFromThoseAcrossTheirBorders)
     EXPECT_GT(*std::min_element(nUses.begin(), nUses.end()), 30U) << "of 241 countries";
 }
 
-TEST(Worldmap, PointsAreFoundInTheirCountries)
+TEST_F(WorldmapGLTest, PointsAreFoundInTheirCountries)
 {
     const struct
     {
@@ -104,13 +107,12 @@ TEST(Worldmap, PointsAreFoundInTheirCountries)
     for (const double zoom : {cCoarseZoom, cFineZoom})
     {
         map.setZoom(zoom);
+        map.onDraw({});
         for (const auto& point : points)
             EXPECT_EQ(map.nameAt(point.degrees), point.country)
                 << point.degrees.x << ' ' << point.degrees.y << " zoom " << zoom;
     }
 }
-
-using WorldmapGLTest = test::OffscreenGL;
 
 TEST_F(WorldmapGLTest, NamesHaveRoomWhereTheyBelong)
 {
@@ -133,6 +135,7 @@ TEST_F(WorldmapGLTest, NamesHaveRoomWhereTheyBelong)
     {
         Map map(c.projection);
         map.lookAt(c.zoom, {28.2, -29.5});
+        map.onDraw({});
         names.draw(map);
         const auto isShown = [&](const std::string& name)
         {

@@ -104,9 +104,15 @@ Drawing::ID Drawing::textOn(const Path& path, std::string_view text, const TextS
 
 bool Drawing::setText(ID text, std::string_view string)
 {
-    const Impl::Item* pItem = _pImpl->find(text);
-    return pItem != nullptr && pItem->kind == Impl::Kind::Text &&
-           setText(text, TextLayout(string, pItem->pLetters->text));
+    Impl::Item* pItem = _pImpl->find(text);
+    if (pItem == nullptr || pItem->kind != Impl::Kind::Text)
+        return false;
+    if (Impl::Letters& letters = *pItem->pLetters; letters.string != string)
+    {
+        _pImpl->setText(*pItem, TextLayout(string, letters.text));
+        letters.string = string;
+    }
+    return true;
 }
 
 bool Drawing::setText(ID text, const TextLayout& layout)
@@ -115,6 +121,7 @@ bool Drawing::setText(ID text, const TextLayout& layout)
     if (pItem == nullptr || pItem->kind != Impl::Kind::Text)
         return false;
     _pImpl->setText(*pItem, layout);
+    pItem->pLetters->string.reset();
     return true;
 }
 
@@ -174,6 +181,8 @@ bool Drawing::setVisible(ID id, bool isVisible)
     Impl::Item* pItem = _pImpl->find(id);
     if (pItem == nullptr)
         return false;
+    if (isVisible == pItem->isVisible)
+        return true;
     pItem->isVisible = isVisible;
     _pImpl->update(*pItem);
     return true;
@@ -224,7 +233,7 @@ bool Drawing::setPath(ID shape, const Path& path)
         return false;
     if (pItem->kind == Impl::Kind::Text)
         _pImpl->setRoute(*pItem, path);
-    else
+    else if (pItem->kind != Impl::Kind::Stroke || path.hasCurves() || path != pItem->pLine->path)
         _pImpl->setPath(*pItem, path);
     return true;
 }
@@ -234,6 +243,8 @@ bool Drawing::setStroke(ID shape, const Stroke& stroke)
     Impl::Item* pItem = _pImpl->findShape(shape);
     if (pItem == nullptr || pItem->kind != Impl::Kind::Stroke)
         return false;
+    if (stroke == pItem->pLine->stroke)
+        return true;
     pItem->pLine->stroke = stroke;
     return _pImpl->setPath(*pItem, Path(pItem->pLine->path)) != 0;
 }
@@ -243,6 +254,8 @@ bool Drawing::setTransform(ID id, const Affine& transform)
     Impl::Item* pItem = _pImpl->find(id);
     if (pItem == nullptr || !isFinite(transform))
         return false;
+    if (transform == pItem->transform)
+        return true;
     pItem->transform = transform;
     // What it shared edges with is elsewhere now.
     for (const std::uint32_t slot : _pImpl->shapesOf(*pItem))

@@ -75,6 +75,8 @@ Drawing::ID Drawing::Impl::addShape(Kind kind, const Paint& paint)
 
 void Drawing::Impl::setPaint(Item& item, const Paint& paint)
 {
+    if (tables.hasColor(item.places, paint))
+        return;
     if (item.image != 0)
     {
         images.giveBack(std::exchange(item.image, 0));

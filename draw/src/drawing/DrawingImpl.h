@@ -60,6 +60,7 @@ struct Drawing::Impl
         bool isListed = false;                     // among waitingTexts
         std::uint32_t passInk = DrawList::cGlyphs; // how it is drawn, if its paint is a colour
         TextStyle text;                            // of its beginning
+        std::optional<std::string> string;         // that setText gave it, in that style
         TextPlacement placement;
         std::unique_ptr<TextRoute> pRoute; // of a text along a path
         std::vector<Turn> turns;

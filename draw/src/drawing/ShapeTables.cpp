@@ -310,6 +310,13 @@ void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<do
     setFlag(places, IsOpaque, paint.isOpaque());
 }
 
+bool ShapeTables::hasColor(const ShapePlaces& places, const Paint& paint) const
+{
+    const ShapeRecord& record = _records[places.record];
+    return !paint.isGradient() && (record.flags & (HasGradient | HasImage)) == 0 &&
+           record.rgba == paint.getColor().rgba() && ((record.flags & IsOpaque) != 0) == paint.isOpaque();
+}
+
 void ShapeTables::setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn)
 {
     const std::uint32_t flags = _records[places.record].flags;

@@ -145,6 +145,8 @@ public:
     void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
     /// @param origin, step  of the shape, in which a gradient is kept
     void setPaint(ShapePlaces& places, const Paint& paint, td::Point<double> origin, double step);
+    /// Whether a shape is painted with this already, as far as colours go.
+    bool hasColor(const ShapePlaces& places, const Paint& paint) const;
     /// Paints a shape with an image. @param rect  where all of it is, in the coordinates of the shape
     void setImage(ShapePlaces& places, const td::RectNormalized<double>& rect, td::Point<double> origin, double step);
     /// Adds an outline, in em about the pen, for good.

@@ -128,8 +128,10 @@ public:
     /// Without a beginGroup it is an assertion.
     void endGroup();
 
-    /// Changes of shapes and, where it says so, groups. @return false for an id that names nothing (any more), or not
-    /// that; nothing changes then
+    /// Changes of shapes and, where it says so, groups. What is set to what it is already changes nothing, and takes no
+    /// new picture (but for the paths of fills and of curves, gradients, images and layouts, which are not compared).
+    /// @return false for an id that names nothing (any more), or not that; nothing changes then
+    ///
     /// Of a text, all letters and lines get it, and halos stay.
     bool setColor(ID shape, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.

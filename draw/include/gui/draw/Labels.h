@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -24,6 +25,16 @@ struct LabelRule
     /// zoom: what has its limit within a step keeps to it from the next one on.
     double minZoom = 0;
     double maxZoom = std::numeric_limits<double>::infinity();
+};
+
+/// How Labels::addInside names an area.
+struct AreaRule
+{
+    double priority = 0; ///< as LabelRule's
+    /// In model units. An area, or a part of one, that is wider or higher than this has no name of its own where it is
+    /// seen larger than `largestInView` points, but one for each half of it, and so on.
+    double largest = std::numeric_limits<double>::infinity();
+    double largestInView = 1100;
 };
 
 /// Texts of a drawing that don't cover each other: where there is no room for all, the more important ones are shown.
@@ -90,6 +101,18 @@ public:
     /// Whether what add or addAlternative gave this id was shown when they were last placed.
     bool isShown(Drawing::ID id) const;
 
+    /// Adds the name of an area, such as a country, a lake or a room: where it has most room (see findRoom), from the
+    /// zoom on at which it fits. It fits when it is hardly longer than that and lower than the area.
+    ///
+    ///     labels.addInside(lake, *lake.getBounds(), std::array{name, nameInTwoLines}, {.priority = size});
+    ///
+    /// @param area    filled by the even-odd rule
+    /// @param within  the part of the area that the name is for; getBounds() of the area, or of its main island
+    /// @param forms   of the name, in points; the first one that fits is shown
+    /// @return their ids in the drawing. Those of the whole area come last: addAlternative goes on with its label
+    std::vector<Drawing::ID> addInside(const Path& area, const Drawing::Rect& within, std::span<const TextLayout> forms,
+                                       const AreaRule& rule = {});
+
     /// Where in a shape, such as a country, a line of text has most room: a strip that is nearly as long as any other
     /// and rather in the middle of the height than near an end. The text fits if it is no wider than the strip; how
     /// high it is, is the tenth of what was looked at.
@@ -111,6 +134,8 @@ private:
         bool isShown = false;
     };
 
+    void addInside(const Path& area, const Drawing::Rect& part, std::span<const TextLayout> forms, const AreaRule& rule,
+                   double minZoom, std::vector<Drawing::ID>& ids);
     Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
                        const LabelRule& rule, bool isAlternative);
 

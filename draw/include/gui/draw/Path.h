@@ -171,6 +171,8 @@ public:
     void clear();
 
     bool isEmpty() const { return _verbs.empty(); }
+    /// Whether both are made of the same calls.
+    bool operator==(const Path&) const = default;
     /// Whether there is anything but straight lines in it.
     bool hasCurves() const;
     /// Where the next segment begins; 0, 0 in an empty path.

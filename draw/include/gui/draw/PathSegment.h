@@ -31,6 +31,8 @@ struct GUIGL_API PathSegment
         Point u; ///< from the centre to the beginning
         Point v; ///< from the centre to a quarter turn later
         double sweep = 0;
+
+        bool operator==(const Arc&) const = default;
     };
 
     Verb verb = Verb::MoveTo; ///< which of the members below mean something

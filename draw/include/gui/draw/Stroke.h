@@ -45,6 +45,8 @@ struct Stroke
     std::vector<double> dashes{};
     double dashOffset = 0;        ///< where in the pattern a subpath begins
     Unit dashUnit = Unit::Points; ///< of dashes and dashOffset
+
+    bool operator==(const Stroke&) const = default;
 };
 
 } // namespace gui::draw
