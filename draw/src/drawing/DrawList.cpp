@@ -1,6 +1,7 @@
 #include "DrawList.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <iterator>
@@ -17,9 +18,15 @@ constexpr double cSmall = 16;
 
 constexpr float cInfinity = std::numeric_limits<float>::infinity();
 
-// To floats that are no larger, or no smaller.
-float below(double number) { return std::nextafter(static_cast<float>(std::clamp(number, -1e38, 1e38)), -cInfinity); }
-float above(double number) { return std::nextafter(static_cast<float>(std::clamp(number, -1e38, 1e38)), cInfinity); }
+// To floats that are no larger, or no smaller: the next ones.
+float above(double number)
+{
+    const auto rounded = static_cast<float>(std::clamp(number, -1e38, 1e38));
+    if (rounded == 0)
+        return std::numeric_limits<float>::denorm_min();
+    return std::bit_cast<float>(std::bit_cast<std::uint32_t>(rounded) + (rounded > 0 ? 1U : ~0U));
+}
+float below(double number) { return -above(-number); }
 
 } // namespace
 

@@ -42,13 +42,14 @@ std::uint32_t Drawing::Impl::add(Kind kind)
     {
         slot = freeSlots.back();
         freeSlots.pop_back();
+        const std::uint32_t generation = items[slot].generation;
+        items[slot] = Item();
+        items[slot].generation = generation;
     }
-    const std::uint32_t generation = items[slot].generation + 1;
-    items[slot] = Item();
     Item& item = items[slot];
     item.kind = kind;
     item.slot = slot;
-    item.generation = generation;
+    ++item.generation;
     item.group = group;
     if (group != cNoItem)
     {

@@ -7,11 +7,11 @@
 #include "ShapePicker.h"
 #include "ShapeTables.h"
 #include "SharedEdges.h"
+#include "SlotArray.h"
 #include "TextRoute.h"
 
 #include <gui/draw/Drawing.h>
 
-#include <deque>
 #include <functional>
 
 namespace gui::draw
@@ -219,7 +219,7 @@ struct Drawing::Impl
     /// The visible shapes near a rectangle that a test accepts, or the topmost of them alone; the topmost first.
     std::vector<std::uint32_t> findAll(const Rect& rect, bool isOneEnough, const Test& test);
 
-    std::deque<Item> items;
+    SlotArray<Item> items;
     std::vector<std::uint32_t> freeSlots;
     std::size_t nShapes = 0;
     std::vector<std::uint32_t> order; // of drawing: shapes, and gaps

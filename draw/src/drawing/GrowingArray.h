@@ -1,15 +1,20 @@
 #pragma once
 
+#include <mem/LargePages.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <type_traits>
 
 namespace gui::draw
 {
 
-/// Records in a row, which the system moves by their pages when there are more of them: copying tens of megabytes over
-/// and over, into pages that are new each time, takes longer than making what is in them.
+/// Records in a row, for millions of them: the first touch of each page of memory takes as long as some hundred records,
+/// so large arrays grow to four times what they were, which costs nothing as long as it is not touched, and ask for
+/// large pages.
 template <typename Record>
 class GrowingArray
 {
@@ -31,14 +36,7 @@ public:
     void grow(std::size_t n)
     {
         if (_size + n > _capacity)
-        {
-            const std::size_t capacity = _size + n + (_size + n) / 2;
-            void* moved = std::realloc(static_cast<void*>(_records), capacity * sizeof(Record));
-            if (moved == nullptr)
-                throw std::bad_alloc();
-            _records = static_cast<Record*>(moved);
-            _capacity = capacity;
-        }
+            reserve(_size + n);
         _size += n;
     }
 
@@ -46,6 +44,27 @@ public:
     void clear() { _size = 0; }
 
 private:
+    void reserve(std::size_t n)
+    {
+        const bool isLarge = n * sizeof(Record) >= mem::cLargePagesFrom / 4;
+        const std::size_t capacity = isLarge ? std::max(4 * n, 4 * mem::cLargePagesFrom / sizeof(Record)) : n + n / 2;
+        const std::size_t nBytes = capacity * sizeof(Record);
+        constexpr std::size_t cLargePage = std::size_t(2) << 20;
+        void* moved = isLarge ? std::aligned_alloc(cLargePage, (nBytes + cLargePage - 1) / cLargePage * cLargePage)
+                              : std::realloc(static_cast<void*>(_records), nBytes);
+        if (moved == nullptr)
+            throw std::bad_alloc();
+        if (isLarge)
+        {
+            mem::adviseLargePages(moved, nBytes);
+            if (_size != 0)
+                std::memcpy(moved, static_cast<const void*>(_records), _size * sizeof(Record));
+            std::free(_records);
+        }
+        _records = static_cast<Record*>(moved);
+        _capacity = capacity;
+    }
+
     Record* _records = nullptr;
     std::size_t _size = 0;
     std::size_t _capacity = 0;

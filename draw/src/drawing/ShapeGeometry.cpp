@@ -19,9 +19,15 @@ constexpr std::int32_t cParts = 4;
 
 GridPoint toGrid(td::Point<double> p, const ShapeGeometry& shape)
 {
-    return {static_cast<std::int32_t>(std::nearbyint((p.x - shape.origin.x) / shape.step)),
-            static_cast<std::int32_t>(std::nearbyint((p.y - shape.origin.y) / shape.step))};
+    // To the nearest whole number, without a call: sums of this size have no digits behind the point.
+    constexpr double cNoFraction = 0x1.8p52;
+    return {static_cast<std::int32_t>((p.x - shape.origin.x) / shape.step + cNoFraction - cNoFraction),
+            static_cast<std::int32_t>((p.y - shape.origin.y) / shape.step + cNoFraction - cNoFraction)};
 }
+
+// Of vectors between points of the grid, or of length 2 at most: no square is too large, and hypot's care takes longer
+// than all else here.
+double lengthOf(double x, double y) { return std::sqrt(x * x + y * y); }
 
 void widen(std::array<std::int32_t, 4>& box, const std::array<std::int32_t, 4>& by)
 {
@@ -115,7 +121,7 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
     };
     EdgeNode& node = shape.nodes[number];
     const Vector from = at(node.first), to = at(node.last), way(to.x - from.x, to.y - from.y);
-    const double length = std::hypot(way.x, way.y);
+    const double length = lengthOf(way.x, way.y);
     const Vector u = length > 0 ? Vector(way.x / length, way.y / length) : Vector(0, 0);
     double deviation = 0, turn = length > 0 ? 0 : 2, farBefore = 0;
     const auto look = [&](Vector a, Vector b, double ownDeviation, double ownTurn)
@@ -124,12 +130,14 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
         const double across = (b.x - from.x) * u.y - (b.y - from.y) * u.x;
         const double beyond = std::max({-along, along - length, 0.0});
         // With no length, across is 0 and so is along.
-        const double far = length > 0 ? std::hypot(across, beyond) : std::hypot(b.x - from.x, b.y - from.y);
+        const double far = length == 0   ? lengthOf(b.x - from.x, b.y - from.y)
+                           : beyond == 0 ? std::abs(across)
+                                         : lengthOf(across, beyond);
         deviation = std::max(deviation, std::max(far, farBefore) + ownDeviation);
         farBefore = far;
-        const double own = std::hypot(b.x - a.x, b.y - a.y);
+        const double own = lengthOf(b.x - a.x, b.y - a.y);
         if (own > 0)
-            turn = std::max(turn, std::hypot((b.x - a.x) / own - u.x, (b.y - a.y) / own - u.y) + ownTurn);
+            turn = std::max(turn, lengthOf((b.x - a.x) / own - u.x, (b.y - a.y) / own - u.y) + ownTurn);
     };
     if (!isLeaf)
         for (std::size_t i = number + 1; i < shape.nodes.size(); i = static_cast<std::size_t>(shape.nodes[i].next))
@@ -228,7 +236,8 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
 
     // From here on: the edges of each vertex that are left end at _numbers, and the first point that each became.
     std::vector<std::uint32_t>& ends = _numbers;
-    std::vector<std::uint32_t> firstPoints(vertices.size(), UINT32_MAX);
+    std::vector<std::uint32_t>& firstPoints = _firstPoints;
+    firstPoints.assign(vertices.size(), UINT32_MAX);
     _rings.clear();
     for (std::uint32_t vertex = 0; vertex < vertices.size(); ++vertex)
         while (ends[vertex] > _starts[vertex])
@@ -247,7 +256,7 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
             shape.points.push_back(shape.points[static_cast<std::size_t>(first)]);
             addRing(first, static_cast<std::int32_t>(shape.points.size()) - 1, box);
         }
-    _numbers = std::move(firstPoints);
+    std::swap(_numbers, firstPoints);
 }
 
 void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)

@@ -112,7 +112,7 @@ private:
 
     FillTessellator _fill;
     Polylines _lines;
-    std::vector<std::uint32_t> _starts, _next, _numbers;
+    std::vector<std::uint32_t> _starts, _next, _numbers, _firstPoints;
     std::vector<Ring> _rings;
     std::vector<GridPoint> _line;
     std::vector<bool> _areWithinCurves;  // of the points in _line

@@ -102,10 +102,9 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     };
     places.points = add(_points, geometry.points);
     places.nodes = add(_nodes, geometry.nodes);
-    _patched = geometry.elements;
-    for (Element& element : _patched)
-        element.shapeAndKind |= places.record;
-    places.elements = add(_elements, _patched);
+    places.elements = {_elements.take(geometry.elements.size()), static_cast<std::uint32_t>(geometry.elements.size())};
+    _elements.set(places.elements.first, geometry.elements,
+                  [&places](Element& element) { element.shapeAndKind |= places.record; });
 
     ShapeRecord record = _records[places.record];
     record.points = places.points.first;

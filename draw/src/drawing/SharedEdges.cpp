@@ -1,5 +1,7 @@
 #include "SharedEdges.h"
 
+#include <mem/LargePages.h>
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -30,7 +32,12 @@ std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
     const auto inverse = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + 16 - exponent) << 52);
     // Round numbers are to lie within a cell, not where two of them meet.
     const auto cell = [inverse](double n)
-    { return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * inverse + 0.382))); };
+    {
+        // Rounded down, without a call.
+        const double place = n * inverse + 0.382;
+        const auto whole = static_cast<std::int64_t>(place);
+        return static_cast<std::uint64_t>(whole - (static_cast<double>(whole) > place ? 1 : 0));
+    };
     const bool isBackward = b.x < a.x || (b.x == a.x && b.y < a.y);
     if (isBackward)
         std::swap(a, b);
@@ -107,7 +114,11 @@ void SharedEdges::grow()
 {
     std::vector<Entry> old = std::move(_entries);
     const bool isMostlyGone = _nRemoved * 2 > _nUsed;
-    _entries.assign(std::max<std::size_t>(isMostlyGone ? old.size() : old.size() * 2, 1024), Entry());
+    const std::size_t n = std::max<std::size_t>(isMostlyGone ? old.size() : old.size() * 2, 1024);
+    _entries.reserve(n);
+    if (n * sizeof(Entry) >= mem::cLargePagesFrom)
+        mem::adviseLargePages(_entries.data(), n * sizeof(Entry));
+    _entries.resize(n);
     _nUsed = _nRemoved = 0;
     for (const Entry& entry : old)
         if (entry.key != 0 && _shapes[entry.version] != UINT32_MAX)

@@ -63,6 +63,19 @@ public:
         markChanged(first * sizeof(Record), records.size() * sizeof(Record));
     }
 
+    /// The same, with something done to each of them in its place.
+    template <typename Change>
+    void set(std::uint32_t first, std::span<const Record> records, Change change)
+    {
+        Record* pRecord = _records.data() + first;
+        for (const Record& record : records)
+        {
+            *pRecord = record;
+            change(*pRecord++);
+        }
+        markChanged(first * sizeof(Record), records.size() * sizeof(Record));
+    }
+
     /// For a change of some bytes of a record. @param member  a pointer to a member of it
     template <typename Member, typename Value>
     void setMember(std::uint32_t i, Member member, const Value& value)
@@ -111,6 +124,9 @@ private:
     void markChanged(std::size_t begin, std::size_t nBytes)
     {
         if (nBytes == 0)
+            return;
+        // Of what was just added.
+        if (!_changes.empty() && _changes.back().first <= begin && _changes.back().second >= begin + nBytes)
             return;
         if (!_changes.empty() && _changes.back().second == begin)
             _changes.back().second = begin + nBytes;
