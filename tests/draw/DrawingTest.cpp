@@ -7,6 +7,7 @@
 
 #include <epoxy/gl.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
@@ -270,6 +271,46 @@ TEST_F(DrawingTest, PlacesFarFromTheOriginAreExact)
         EXPECT_TRUE(isClose(drawn(drawing, {"far", view}), exact, {0, 0, 64, 64},
                             isStroke ? Closeness{8, 24, 24} : Closeness{3, 10, 10}))
             << i << ", zoom " << zoom;
+    }
+}
+
+// Neither along the edges that shapes share nor at the point where all of them meet, unless one is missing.
+TEST_F(DrawingTest, NothingShowsBetweenShapesThatMeet)
+{
+    ASSERT_TRUE(context().resize({64, 64}));
+    for (int i = 0; i < 60; ++i)
+    {
+        const int n = 3 + i % 7;
+        const Point middle = around({32, 32}, .5);
+        const double start = uniform(0, 7);
+        std::vector<Path> sectors;
+        std::vector<Point> corners;
+        for (int k = 0; k < n; ++k)
+        {
+            const double angle = start + (k + uniform(0, .3)) * 2 * std::numbers::pi / n;
+            corners.emplace_back(middle.x + 24 * std::cos(angle), middle.y + 24 * std::sin(angle));
+        }
+        for (std::size_t k = 0; k < corners.size(); ++k)
+            sectors.push_back(Path().addPolygon(std::array{middle, corners[k], corners[(k + 1) % corners.size()]}));
+        std::shuffle(sectors.begin(), sectors.end(), _random);
+        Drawing drawing;
+        std::vector<Drawing::ID> ids;
+        for (const Path& sector : sectors)
+            ids.push_back(drawing.fill(sector, cBlack));
+        const auto lightest = [&]
+        {
+            drawn(drawing);
+            int most = 0;
+            for (int p = 0; p < 36; ++p)
+                most = std::max(most, int(pixel(29 + p % 6, 29 + p / 6).red));
+            return most;
+        };
+        EXPECT_EQ(lightest(), 0) << n << " shapes";
+        const Drawing::ID one = ids[std::size_t(below(n))];
+        i % 2 == 0 ? drawing.remove(one) : drawing.setTransform(one, Affine::translation(100, 0));
+        EXPECT_GT(lightest(), 100) << n << " shapes";
+        drawing.fill(sectors[std::size_t(std::find(ids.begin(), ids.end(), one) - ids.begin())], cBlack);
+        EXPECT_EQ(lightest(), 0) << n << " shapes, one of them added again";
     }
 }
 

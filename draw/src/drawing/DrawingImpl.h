@@ -190,6 +190,9 @@ struct Drawing::Impl
     void dropOutsiders(Item& shape, const Item& mover);
     bool isWithin(const Item& item, const Item& other) const;
     void markLinksStale(Item& item);
+    /// The fills that a fill shares a corner with and no edge, as far as those around lead there.
+    void findCorners(const Item& item, std::vector<std::uint32_t>& corners) const;
+    bool haveCorner(const Item& a, const Item& b) const;
     void renewLinks();
 
     /// What is seen of a shape, with its stroke's width as far as that is known; false when there is nothing.

@@ -12,9 +12,9 @@
 namespace gui::draw
 {
 
-/// Records in a row, for millions of them: the first touch of each page of memory takes as long as some hundred records,
-/// so large arrays grow to four times what they were, which costs nothing as long as it is not touched, and ask for
-/// large pages.
+/// Records in a row, for millions of them: the first touch of each page of memory takes as long as some hundred
+/// records, so large arrays grow to four times what they were, which costs nothing as long as it is not touched, and
+/// ask for large pages.
 template <typename Record>
 class GrowingArray
 {

@@ -88,6 +88,8 @@ void ShapeTables::giveBackElements(ShapePlaces& places)
 void ShapeTables::removeShape(ShapePlaces& places)
 {
     giveBack(places);
+    // Links to it may be left at corners.
+    _records.setMember(places.record, &ShapeRecord::flags, 0U);
     _links.giveBack(places.links.first, places.links.count);
     _numbers.giveBack(places.gradient.first, places.gradient.count);
     _records.giveBack(places.record, 1);
@@ -372,16 +374,22 @@ bool ShapeTables::setPlace(const ShapePlaces& places, td::Point<double> origin, 
     return true;
 }
 
-void ShapeTables::setLinks(ShapePlaces& places, std::span<const std::uint32_t> records)
+void ShapeTables::setLinks(ShapePlaces& places, std::span<const std::uint32_t> records, std::size_t nEdges)
 {
-    if (places.links.count != records.size())
+    constexpr std::size_t cMost = 65535;
+    nEdges = std::min(nEdges, cMost);
+    records = records.first(std::min(records.size(), nEdges + cMost));
+    const bool isRoomNew = places.links.count != records.size();
+    if (isRoomNew)
     {
         _links.giveBack(places.links.first, places.links.count);
         places.links = {_links.take(records.size()), static_cast<std::uint32_t>(records.size())};
         _records.setMember(places.record, &ShapeRecord::links, places.links.first);
-        _records.setMember(places.record, &ShapeRecord::nLinks, places.links.count);
     }
-    _links.set(places.links.first, records);
+    _records.setMember(places.record, &ShapeRecord::nLinks,
+                       static_cast<std::uint32_t>(nEdges | (records.size() - nEdges) << 16));
+    if (!records.empty() && (isRoomNew || !std::equal(records.begin(), records.end(), &_links[places.links.first])))
+        _links.set(places.links.first, records);
     setFlag(places, IsLinked, !records.empty());
     _features |= records.empty() ? 0U : HasLinks;
 }

@@ -33,7 +33,7 @@ struct ShapeRecord
     std::int32_t dashes = -1; // where the pattern stands among the numbers
     std::int32_t lengths = 0;
     std::uint32_t links = 0;
-    std::uint32_t nLinks = 0;
+    std::uint32_t nLinks = 0; // along edges, and 65536 times as many at corners
     float stepsPerUnit = 1;
     float reach = 1;
 };
@@ -180,8 +180,8 @@ public:
     void setOrder(const ShapePlaces& places, std::uint32_t order);
     /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that
     bool setPlace(const ShapePlaces& places, td::Point<double> origin, double step, const Affine& transform);
-    /// The records of shapes above that a fill shares edges with.
-    void setLinks(ShapePlaces& places, std::span<const std::uint32_t> records);
+    /// The records of shapes that a fill shares edges with, then of those that it shares corners with.
+    void setLinks(ShapePlaces& places, std::span<const std::uint32_t> records, std::size_t nEdges);
 
     /// A model coordinate in units, held within the room there is: low and high word.
     std::array<std::uint32_t, 2> toUnits(double coordinate) const;

@@ -3,7 +3,7 @@
 #if !defined GRADIENTS && !defined PLACED
 uniform samplerBuffer numbers;
 #endif
-uniform usamplerBuffer links; // for each shape: the later ones that share an edge with it
+uniform usamplerBuffer links; // for each shape: those that share an edge with it, then those that share a corner
 
 flat in int shape;
 flat in int kind;
@@ -112,7 +112,8 @@ float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
 }
 
 // Of the pixel, what the shape and the opaque ones above it that share an edge with it cover together. So the shapes of
-// a map, each of which covers a part of the pixels between them, let nothing through of what is below.
+// a map, each of which covers a part of the pixels between them, let nothing through of what is below. Those that share
+// a corner alone count where that makes the pixel full: around a point where many shapes meet.
 float coverageOfFill(Place place, vec2 pixel)
 {
     float covered = max(areaOfFill(place, int(parts.y), int(parts.z), int(parts.w), pixel), 0.0);
@@ -121,13 +122,18 @@ float coverageOfFill(Place place, vec2 pixel)
         return min(covered, 1.0);
     uint order = texelFetch(shapes, 6 * shape + 2).w;
     uvec4 more = texelFetch(shapes, 6 * shape + 5);
-    for (int i = 0; i < int(more.y) && covered < 0.999; ++i)
+    float together = covered;
+    int nEdges = int(more.y & 65535u), nAll = nEdges + int(more.y >> 16);
+    for (int i = 0; i < nAll && together < 0.999; ++i)
     {
         int other = int(texelFetch(links, int(more.x) + i).x);
         uvec4 state = texelFetch(shapes, 6 * other + 2), own = texelFetch(shapes, 6 * other + 3);
-        if ((state.z & (cVisible | cOpaque)) == (cVisible | cOpaque) && state.w > order)
-            covered += max(areaOfFill(placeOf(other), int(own.y), int(own.z), int(own.w), pixel), 0.0);
+        uint what = state.z & (cVisible | cOpaque | cStroke | cGlyphs);
+        if (what == (cVisible | cOpaque) && state.w > order)
+            together += max(areaOfFill(placeOf(other), int(own.y), int(own.z), int(own.w), pixel), 0.0);
+        covered = i < nEdges ? together : covered;
     }
+    covered = together < 0.999 ? covered : together;
 #endif
     return min(covered, 1.0);
 }

@@ -16,7 +16,7 @@ uniform float pixelsPerPoint;
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPlaced = 7;
 const int cPicture = 8, cColoredPicture = 9;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
-const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cImage = 8192u;
+const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
 // Of a glyph's picture.
 const uint cPaint = 1u << 30, cColored = 1u << 28;
 // Of a triangle's points; the first one has something else above.

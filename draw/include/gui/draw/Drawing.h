@@ -57,7 +57,8 @@ namespace gui::draw
 /// Shapes are drawn in the order in which they were added, later ones over earlier ones; raise and lower change that.
 /// Each covers a pixel as far as its area does, and only once: where a translucent stroke crosses itself it is no
 /// darker. Fills are exact to some 1/255 of a pixel; strokes are taken at 64 samples a pixel. Where opaque shapes that
-/// were added later share edges with a fill, from corner to corner, nothing of what is below shows between them.
+/// were added later share edges with a fill, from corner to corner, nothing of what is below shows between them, nor
+/// where many such shapes meet at a point.
 ///
 /// Coordinates are double, far from the origin as well: the points of a path are whole numbers of a step that is at
 /// most 2^-29 of its size (or 2^-52 of the largest coordinate), and are drawn within a tenth of a pixel of there at
@@ -136,8 +137,8 @@ public:
     bool setColor(ID shape, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
-    /// Shows a shape, or a group, at some zooms alone: a coarse outline from afar and a fine one from nearby, a street's
-    /// name. It is drawn and picked where its groups' zooms have it too; bounds take no notice of zooms. A zoom that
+    /// Shows a shape, or a group, at some zooms alone: a coarse outline from afar and a fine one from nearby, or a
+    /// street's name. It is drawn and picked where its groups' zooms have it too; bounds take no notice of zooms. A zoom that
     /// passes a limit uploads nothing.
     /// @param minZoom, maxZoom  in points per model unit, to the seven digits of a float: from minZoom on, below
     ///                          maxZoom; 0 and infinity at first. What transforms of groups and shapes do to that does

@@ -1,0 +1,158 @@
+#include "DrawingImpl.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace gui::draw
+{
+
+void Drawing::Impl::link(Item& item)
+{
+    const std::uint32_t slot = slotOf(item);
+    item.version = edges.add(geometry, slot, item.neighbours);
+    std::erase_if(item.neighbours, [this, &item](std::uint32_t other) { return items[other].whole != item.whole; });
+    for (const std::uint32_t other : item.neighbours)
+    {
+        items[other].neighbours.push_back(slot);
+        markLinksStale(items[other]);
+    }
+    if (!item.neighbours.empty())
+        markLinksStale(item);
+}
+
+void Drawing::Impl::unlink(Item& item)
+{
+    if (item.version != cNoItem)
+        edges.remove(item.version);
+    item.version = cNoItem;
+    dropNeighbours(item);
+}
+
+void Drawing::Impl::dropNeighbours(Item& item)
+{
+    for (const std::uint32_t other : item.neighbours)
+    {
+        std::erase(items[other].neighbours, slotOf(item));
+        markLinksStale(items[other]);
+    }
+    if (!item.neighbours.empty())
+        markLinksStale(item);
+    item.neighbours.clear();
+}
+
+bool Drawing::Impl::isWithin(const Item& item, const Item& other) const
+{
+    return &item == &other || (item.group != cNoItem && isWithin(items[item.group], other));
+}
+
+void Drawing::Impl::dropOutsiders(Item& shape, const Item& mover)
+{
+    const auto isOutside = [this, &mover](std::uint32_t other) { return !isWithin(items[other], mover); };
+    for (const std::uint32_t other : shape.neighbours)
+        if (isOutside(other))
+        {
+            std::erase(items[other].neighbours, slotOf(shape));
+            markLinksStale(items[other]);
+        }
+    if (std::erase_if(shape.neighbours, isOutside) != 0)
+        markLinksStale(shape);
+}
+
+void Drawing::Impl::markLinksStale(Item& item)
+{
+    if (!std::exchange(item.areLinksStale, true))
+        staleLinks.push_back(slotOf(item));
+}
+
+void Drawing::Impl::renewLinks()
+{
+    std::vector<std::uint32_t> records, corners;
+    const std::size_t nChanged = staleLinks.size();
+    for (std::size_t i = 0; i < staleLinks.size(); ++i)
+    {
+        Item& item = items[staleLinks[i]];
+        if (item.kind != Kind::Fill)
+            continue;
+        records.clear();
+        findCorners(item, corners);
+        // One that is not seen whenever this is would leave a gap.
+        const auto add = [&](const std::vector<std::uint32_t>& others)
+        {
+            for (const std::uint32_t other : others)
+            {
+                if ((items[other].zooms & item.zooms) == item.zooms)
+                    records.push_back(items[other].places.record);
+                // It has a corner with this one, or is between two that have: none of those knew of the change.
+                if (i < nChanged)
+                    markLinksStale(items[other]);
+            }
+            return records.size();
+        };
+        const std::size_t nEdges = add(item.neighbours);
+        add(corners);
+        tables.setLinks(item.places, records, nEdges);
+    }
+    for (const std::uint32_t slot : staleLinks)
+        items[slot].areLinksStale = false;
+    staleLinks.clear();
+}
+
+void Drawing::Impl::findCorners(const Item& item, std::vector<std::uint32_t>& corners) const
+{
+    // One that so many others are around says nothing of who is near whom.
+    constexpr std::size_t cCrowd = 64;
+    corners.clear();
+    std::vector<std::uint32_t> seen = item.neighbours;
+    for (std::size_t i = 0; i < seen.size(); ++i)
+    {
+        const std::vector<std::uint32_t>& around = items[seen[i]].neighbours;
+        if (around.size() > cCrowd)
+            continue;
+        for (const std::uint32_t other : around)
+            if (&items[other] != &item && std::find(seen.begin(), seen.end(), other) == seen.end() &&
+                haveCorner(item, items[other]))
+            {
+                seen.push_back(other);
+                corners.push_back(other);
+            }
+    }
+}
+
+bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
+{
+    // Either has rounded it to its own grid.
+    const double near = a.step + b.step;
+    const double left = std::max(a.bounds.left, b.bounds.left) - near,
+                 top = std::max(a.bounds.top, b.bounds.top) - near,
+                 right = std::min(a.bounds.right, b.bounds.right) + near,
+                 bottom = std::min(a.bounds.bottom, b.bounds.bottom) + near;
+    if (left > right || top > bottom)
+        return false;
+    const auto cornersOf = [&](const Item& item)
+    {
+        std::vector<Point> corners;
+        for (std::uint32_t i = 0; i < item.places.points.count; ++i)
+        {
+            const GridPoint p = tables.getPoints()[item.places.points.first + i];
+            const Point at(item.origin.x + item.step * p.x, item.origin.y + item.step * p.y);
+            if (at.x >= left && at.x <= right && at.y >= top && at.y <= bottom)
+                corners.push_back(at);
+        }
+        std::sort(corners.begin(), corners.end(), [](const Point& p, const Point& q) { return p.x < q.x; });
+        return corners;
+    };
+    const std::vector<Point> own = cornersOf(a), others = cornersOf(b);
+    auto from = own.begin();
+    for (const Point& p : others)
+    {
+        while (from != own.end() && from->x < p.x - near)
+            ++from;
+        for (auto q = from; q != own.end() && q->x <= p.x + near; ++q)
+            if (std::abs(q->y - p.y) <= near)
+                return true;
+    }
+    return false;
+}
+
+} // namespace gui::draw
