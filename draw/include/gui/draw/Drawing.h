@@ -138,8 +138,8 @@ public:
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
     /// Shows a shape, or a group, at some zooms alone: a coarse outline from afar and a fine one from nearby, or a
-    /// street's name. It is drawn and picked where its groups' zooms have it too; bounds take no notice of zooms. A zoom
-    /// that passes a limit uploads nothing.
+    /// street's name. It is drawn and picked where its groups' zooms have it too; bounds take no notice of zooms. A
+    /// zoom that passes a limit uploads nothing.
     /// @param minZoom, maxZoom  in points per model unit, to the seven digits of a float: from minZoom on, below
     ///                          maxZoom; 0 and infinity at first. What transforms of groups and shapes do to that does
     ///                          not count; of a map that stretches one way more, it is the geometric mean
