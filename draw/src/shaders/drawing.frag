@@ -122,9 +122,10 @@ float coverageOfFill(Place place, vec2 pixel)
         return min(covered, 1.0);
     uint order = texelFetch(shapes, 6 * shape + 2).w;
     uvec4 more = texelFetch(shapes, 6 * shape + 5);
-    float together = covered;
+    float alone = covered, together = covered;
     int nEdges = int(more.y & 65535u), nAll = nEdges + int(more.y >> 16);
-    for (int i = 0; i < nAll && together < 0.999; ++i)
+    // Around a point some of those along edges count before the ones across do.
+    for (int i = 0; i < (covered > alone ? nAll : nEdges) && together < 0.999; ++i)
     {
         int other = int(texelFetch(links, int(more.x) + i).x);
         uvec4 state = texelFetch(shapes, 6 * other + 2), own = texelFetch(shapes, 6 * other + 3);
