@@ -122,6 +122,11 @@ constexpr SceneInfo cScenes[] = {
      "there are no "
      "spaces, by a dictionary. The mouse selects whole letters, Ctrl-C copies them.",
      makeScripts},
+    {"labels", "Ten thousand names",
+     "Towns that nobody has built, each with a dot and a name that stands to the right of it, to the left, above or "
+     "below, as far as there is room; the larger ones first. Drag and turn the wheel to move the map, zoom about the "
+     "pointer, 0 shows all.",
+     makeLabels},
     {"editor", "Fields to type in",
      "A field of one line and one of many: carets, selections by mouse and keys, the clipboard, undo, and what input "
      "methods compose. Click into one; Escape leaves it.",

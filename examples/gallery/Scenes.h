@@ -47,6 +47,7 @@ std::unique_ptr<Scene> makeIcons();
 std::unique_ptr<Scene> makeBlueprint();
 std::unique_ptr<Scene> makeType();
 std::unique_ptr<Scene> makeScripts();
+std::unique_ptr<Scene> makeLabels();
 std::unique_ptr<Scene> makeEditor();
 std::unique_ptr<Scene> makeSamples();
 

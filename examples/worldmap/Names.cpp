@@ -48,7 +48,7 @@ void Names::draw(SheetView& map)
 {
     if (map.getMapProjection() != _projection)
         make(map);
-    _labels.place(map.getZoom());
+    _labels.place(map);
     _drawing.draw(map);
 }
 

@@ -481,6 +481,43 @@ TEST_F(DrawingTextTest, LabelsHaveZoomsAndOtherPlaces)
     EXPECT_EQ(drawing.pick({505, 497}), second);
 }
 
+// Below and above are not mixed up where y grows upwards, nor left and right in a plane that lies upside down.
+TEST_F(DrawingTextTest, LabelsHaveSymbolsThatOthersKeepClearOf)
+{
+    const TextLayout layout("Label", {.size = 10});
+    for (const Affine& view : {Affine::scaling(1), Affine::scaling(2, -2), Affine::rotation(std::numbers::pi)})
+    {
+        const auto toModel = [&view](double x, double y) { return view.inverse()->map({x, y}); };
+        Drawing drawing;
+        Labels labels(drawing);
+        const auto addDot = [&](Point at)
+        { return drawing.stroke(Path().moveTo(at).lineTo(at), {.width = 4, .cap = Cap::Round}, "#000"); };
+        const Point place = toModel(0, 0), around = toModel(10, 18);
+        const Drawing::ID town = labels.add(place, layout, {Anchor::Top, {0, 4}}, {2});
+        const Drawing::ID atRight = labels.addAlternative(place, layout, {Anchor::Left, {4, 0}});
+        const Drawing::ID dot = addDot(place);
+        EXPECT_TRUE(labels.setSymbol(town, dot, 2));
+        EXPECT_FALSE(labels.setSymbol(atRight, dot, 2) || labels.setSymbol(town, 0, 2) ||
+                     labels.setSymbol(town, dot, -1));
+        const Drawing::ID larger = labels.add(around, layout, {Anchor::Left, {4, 0}}, {3});
+        labels.setSymbol(larger, addDot(around), 2);
+        labels.place(view);
+        EXPECT_TRUE(labels.isShown(larger) && labels.isShown(atRight) && !labels.isShown(town));
+        // What is less important is not on a dot either.
+        const Drawing::ID least = labels.add(place, layout, {Anchor::Right, {-1, 0}});
+        ASSERT_TRUE(labels.setSymbol(least, addDot(place), 0));
+        labels.place(view);
+        EXPECT_FALSE(labels.isShown(least));
+        EXPECT_TRUE(labels.move(town, toModel(-200, 0)) && labels.setWanted(atRight, false));
+        labels.place(view);
+        EXPECT_TRUE(labels.isShown(town) && labels.isShown(least));
+        ASSERT_TRUE(drawing.draw(view));
+        EXPECT_EQ(drawing.pick(toModel(-200, 0)), dot);
+        labels.clear();
+        EXPECT_EQ(drawing.getNumberOfShapes(), 0U);
+    }
+}
+
 TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)
 {
     // A ring with a bay: below its hole and beside the bay there is most room.

@@ -163,6 +163,8 @@ void Drawing::Impl::update(Item& item)
     {
         tables.setFlag(item.places, IsVisible, item.isShown);
         place(item);
+        if (item.isShown && item.kind == Kind::Glyphs && item.pLetters->mayHavePictures)
+            await(item); // hidden ones are not waited for
     }
     isChanged = true;
 }

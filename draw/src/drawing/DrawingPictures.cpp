@@ -10,7 +10,7 @@ namespace
 {
 
 /// What pictures may take of a frame, in microseconds or so: counted, not measured, so that all runs are alike.
-constexpr double cTimePerFrame = 500;
+constexpr double cTimePerFrame = 2000;
 
 } // namespace
 
@@ -100,6 +100,7 @@ void Drawing::Impl::renewPictures(const Sight& sight)
     std::erase_if(visited, [&isPictured](std::uint32_t slot) { return !isPictured(slot); });
     for (const std::uint32_t slot : visited)
         items[slot].pLetters->isListed = false;
+    std::erase_if(visited, [this](std::uint32_t slot) { return !items[slot].isShown; });
     for (const std::uint32_t slot : visited)
     {
         Item& item = items[slot];

@@ -2,13 +2,15 @@
 
 #include "TextAnchor.h"
 
+#include <gui/gl/OrthoView.h>
+
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <span>
-#include <unordered_map>
 #include <utility>
 
 namespace gui::draw
@@ -19,6 +21,9 @@ namespace
 
 /// Zooms at which labels are placed anew.
 constexpr double cStepsPerOctave = 4;
+
+/// How much of its length an axis of the plane may differ and still point the same way.
+constexpr double cSameDirection = 1e-6;
 
 /// Of the squares in which boxes are looked up, in points: about as large as labels are.
 constexpr double cSquare = 64;
@@ -50,28 +55,34 @@ Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
 class Labels::Room
 {
 public:
-    /// Takes the room of a box unless a part of it is taken already.
-    bool take(const Drawing::Rect& box)
+    explicit Room(std::size_t nLabels)
+        : _squares(std::bit_ceil(std::max<std::size_t>(nLabels, 64)), cNone)
     {
-        const auto square = [](double x) { return static_cast<std::int64_t>(std::floor(x / cSquare)); };
-        const std::int64_t left = square(box.left), right = square(box.right), top = square(box.top),
-                           bottom = square(box.bottom);
+    }
+
+    /// Whether no part of a box is taken.
+    bool isFree(const Drawing::Rect& box) const
+    {
+        const auto [left, top, right, bottom] = squaresOf(box);
         for (std::int64_t y = top; y <= bottom; ++y)
             for (std::int64_t x = left; x <= right; ++x)
-                if (const auto found = _squares.find(keyOf(x, y)); found != _squares.end())
-                    for (std::uint32_t i = found->second; i != cNone; i = _places[i].next)
-                        if (const Drawing::Rect& other = _places[i].box;
-                            box.left < other.right && box.right > other.left && box.top < other.bottom &&
-                            box.bottom > other.top)
-                            return false;
+                for (std::uint32_t i = _squares[indexOf(x, y)]; i != cNone; i = _places[i].next)
+                    if (const Drawing::Rect& other = _places[i].box; box.left < other.right && box.right > other.left &&
+                                                                     box.top < other.bottom && box.bottom > other.top)
+                        return false;
+        return true;
+    }
+
+    void take(const Drawing::Rect& box)
+    {
+        const auto [left, top, right, bottom] = squaresOf(box);
         for (std::int64_t y = top; y <= bottom; ++y)
             for (std::int64_t x = left; x <= right; ++x)
             {
-                std::uint32_t& first = _squares.try_emplace(keyOf(x, y), cNone).first->second;
+                std::uint32_t& first = _squares[indexOf(x, y)];
                 _places.push_back({box, first});
                 first = static_cast<std::uint32_t>(_places.size()) - 1;
             }
-        return true;
     }
 
 private:
@@ -83,13 +94,26 @@ private:
         std::uint32_t next; // in the same square
     };
 
-    // Squares far apart may share one: their boxes are compared all the same.
-    static std::uint64_t keyOf(std::int64_t x, std::int64_t y)
+    struct Squares
     {
-        return static_cast<std::uint64_t>(x) * 0x9e3779b97f4a7c15U ^ static_cast<std::uint64_t>(y);
+        std::int64_t left, top, right, bottom;
+    };
+
+    static Squares squaresOf(const Drawing::Rect& box)
+    {
+        const auto square = [](double x) { return static_cast<std::int64_t>(std::floor(x / cSquare)); };
+        return {square(box.left), square(box.top), square(box.right), square(box.bottom)};
     }
 
-    std::unordered_map<std::uint64_t, std::uint32_t> _squares;
+    // Many squares of the plane share one of these: boxes are compared all the same.
+    std::size_t indexOf(std::int64_t x, std::int64_t y) const
+    {
+        const std::uint64_t hash =
+            (static_cast<std::uint64_t>(x) * 0x9e3779b97f4a7c15U ^ static_cast<std::uint64_t>(y) * 0xc2b2ae3d27d4eb4fU);
+        return static_cast<std::size_t>(hash >> 20U) & (_squares.size() - 1);
+    }
+
+    std::vector<std::uint32_t> _squares; // as many as a power of two
     std::vector<Place> _places;
 };
 
@@ -131,6 +155,21 @@ Drawing::ID Labels::append(Drawing::Point at, const TextLayout& layout, const Te
     return id;
 }
 
+bool Labels::setSymbol(Drawing::ID label, Drawing::ID symbol, double radius)
+{
+    const auto found = _indices.find(label);
+    if (found == _indices.end() || _labels[found->second].isAlternative || !(radius >= 0) || !std::isfinite(radius) ||
+        !_drawing.setVisible(symbol, false))
+        return false;
+    Label& owner = _labels[found->second];
+    owner.symbol = symbol;
+    owner.isSymbolShown = false;
+    owner.radius = radius;
+    owner.symbolFrom = owner.at;
+    _isPlaced = false;
+    return true;
+}
+
 bool Labels::move(Drawing::ID id, Drawing::Point at)
 {
     const auto found = _indices.find(id);
@@ -141,6 +180,7 @@ bool Labels::move(Drawing::ID id, Drawing::Point at)
         return true;
     label.at = at;
     _drawing.setTransform(id, Affine::translation(at.x - label.from.x, at.y - label.from.y));
+    _drawing.setTransform(label.symbol, Affine::translation(at.x - label.symbolFrom.x, at.y - label.symbolFrom.y));
     _isPlaced = false;
     return true;
 }
@@ -159,7 +199,8 @@ bool Labels::setWanted(Drawing::ID id, bool isWanted)
 void Labels::clear()
 {
     for (const Label& label : _labels)
-        _drawing.remove(label.id);
+        for (const Drawing::ID id : {label.id, label.symbol})
+            _drawing.remove(id);
     _labels.clear();
     _indices.clear();
     _order.clear();
@@ -180,12 +221,24 @@ bool Labels::isShown(Drawing::ID id) const
     return found != _indices.end() && _labels[found->second].isShown;
 }
 
-void Labels::place(double pointsPerUnit)
+void Labels::place(const gl::OrthoView& view)
 {
-    if (!(pointsPerUnit > 0) || !std::isfinite(pointsPerUnit))
+    // Its origin is at the top left corner when y grows downwards.
+    const double up = view.getModelPoint({0, 0}).y == view.getOrigin().y ? 1 : -1;
+    place(Affine::scaling(view.getZoom(), up * view.getZoom()));
+}
+
+void Labels::place(const Affine& modelToView)
+{
+    const Affine& map = modelToView;
+    const double scale = std::sqrt(std::abs(map.a * map.d - map.b * map.c));
+    if (!(scale > 0) || !std::isfinite(scale))
         return;
-    const int step = static_cast<int>(std::floor(std::log2(pointsPerUnit) * cStepsPerOctave));
-    if (_isPlaced && step == _step)
+    const int step = static_cast<int>(std::floor(std::log2(scale) * cStepsPerOctave));
+    const Affine direction{map.a / scale, map.b / scale, map.c / scale, map.d / scale, 0, 0};
+    const auto isNear = [](double a, double b) { return std::abs(a - b) < cSameDirection; };
+    if (_isPlaced && step == _step && isNear(direction.a, _direction.a) && isNear(direction.b, _direction.b) &&
+        isNear(direction.c, _direction.c) && isNear(direction.d, _direction.d))
         return;
     if (_order.size() != _nLabels)
     {
@@ -199,17 +252,42 @@ void Labels::place(double pointsPerUnit)
     }
     // The smallest zoom of the step: at the others, labels are farther apart.
     const double zoom = std::exp2(step / cStepsPerOctave);
-    Room room;
-    const auto hasRoom = [&](const Label& label)
+    const Affine toPoints = Affine::scaling(zoom) * direction;
+    Room room(_nLabels);
+    const auto isWithin = [&](const Label& label)
     {
-        const double x = label.at.x * zoom, y = label.at.y * zoom;
-        const Drawing::Rect& box = label.box;
         // Farther away than this, and wider, nobody looks.
         constexpr double cMost = 1e15;
+        const Drawing::Rect& box = label.box;
+        const auto [x, y] = toPoints.map(label.at);
         return label.isWanted && std::abs(x) < cMost && std::abs(y) < cMost && box.right - box.left < 1e4 &&
-               box.bottom - box.top < 1e4 && zoom >= label.rule.minZoom && zoom < label.rule.maxZoom &&
-               (_margin < 0 || room.take({x + box.left - _margin / 2, y + box.top - _margin / 2,
-                                          x + box.right + _margin / 2, y + box.bottom + _margin / 2}));
+               box.bottom - box.top < 1e4 && zoom >= label.rule.minZoom && zoom < label.rule.maxZoom;
+    };
+    const auto around = [&](const Label& label, const Drawing::Rect& box)
+    {
+        const auto [x, y] = toPoints.map(label.at);
+        return Drawing::Rect{x + box.left - _margin / 2, y + box.top - _margin / 2, x + box.right + _margin / 2,
+                             y + box.bottom + _margin / 2};
+    };
+    const auto take = [&](const Label& label, const Label& owner)
+    {
+        if (!isWithin(label))
+            return false;
+        if (_margin < 0)
+            return true;
+        const Drawing::Rect box = around(label, label.box);
+        if (!room.isFree(box))
+            return false;
+        if (owner.symbol != 0)
+        {
+            const double r = std::min(owner.radius, 1e3);
+            const Drawing::Rect symbol = around(owner, {-r, -r, r, r});
+            if (!room.isFree(symbol))
+                return false;
+            room.take(symbol);
+        }
+        room.take(box);
+        return true;
     };
     _nHidden = 0;
     for (const std::uint32_t first : _order)
@@ -218,15 +296,18 @@ void Labels::place(double pointsPerUnit)
         for (std::size_t i = first; i < _labels.size() && (i == first || _labels[i].isAlternative); ++i)
         {
             Label& label = _labels[i];
-            const bool isShown = !isAnyShown && hasRoom(label);
+            const bool isShown = !isAnyShown && take(label, _labels[first]);
             if (isShown != label.isShown)
                 _drawing.setVisible(label.id, isShown);
             label.isShown = isShown;
             isAnyShown = isAnyShown || isShown;
         }
+        if (_labels[first].symbol != 0 && isAnyShown != _labels[first].isSymbolShown)
+            _drawing.setVisible(_labels[first].symbol, _labels[first].isSymbolShown = isAnyShown);
         _nHidden += isAnyShown ? 0 : 1;
     }
     _step = step;
+    _direction = direction;
     _isPlaced = true;
 }
 

@@ -45,11 +45,11 @@ struct AreaRule
 ///
 ///     void onDraw(const td::RectNormalized<double>&) override
 ///     {
-///         _labels.place(getZoom());
+///         _labels.place(*this);
 ///         _drawing.draw(*this);
 ///     }
 ///
-/// What is shown depends on the zoom alone as long as none is moved, so panning changes nothing, and it changes only at
+/// What is shown depends on the zoom alone as long as none is moved and the plane isn't turned, so panning changes nothing, and it changes only at
 /// zooms that are a quarter of an octave apart: in between, labels keep clear of each other as they are. Ten thousand
 /// labels take some milliseconds then, and nothing otherwise; what is uploaded is some bytes for each that comes or
 /// goes.
@@ -78,21 +78,36 @@ public:
     /// @return its own id in the drawing; 0, with nothing added, when there is no label yet
     Drawing::ID addAlternative(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement = {},
                                const LabelRule& rule = {});
+    /// Gives a label a symbol, such as a town's dot: a shape at its place that is shown while the label is, in whichever
+    /// form, and that no other label covers.
+    ///
+    ///     labels.setSymbol(id, drawing.stroke(Path().moveTo(place).lineTo(place), {.width = 4, .cap = Cap::Round}), 2);
+    ///
+    /// @param label   what add gave
+    /// @param symbol  a shape or a group of the drawing, from now on shown, hidden, moved and, by clear, removed as the
+    ///                label is; one that it had before is no longer
+    /// @param radius  in points: what is that near to the label's place, left, right, above and below, is the symbol's
+    /// @return false, with nothing changed, for another label or symbol and for a radius that is below 0 or no number
+    bool setSymbol(Drawing::ID label, Drawing::ID symbol, double radius);
     /// Moves what add or addAlternative gave this id: names of things that move, or that are seen in space, whose
     /// places on the screen are the plane. @return false for another id, or a place that is not finite
     bool move(Drawing::ID id, Drawing::Point at);
     /// Whether it may be shown at all, as it may at first. @return false for another id
     bool setWanted(Drawing::ID id, bool isWanted);
-    /// Removes all of them, from the drawing too.
+    /// Removes all of them with their symbols, from the drawing too.
     void clear();
 
     /// How far labels keep from each other, in points; 2 at first. Below 0 they may overlap. Holds from the next zoom
     /// that changes something on.
     void setMargin(double points);
 
-    /// Shows and hides labels for a zoom. @param pointsPerUnit  of the model, 1 or more or less; what is not above 0,
-    /// or not finite, changes nothing
-    void place(double pointsPerUnit);
+    /// Shows and hides labels for a view, as Drawing::draw shows it.
+    void place(const gl::OrthoView& view);
+    /// @param modelToView  what draw is called with; where it is moved to doesn't matter, nor does a map that has no
+    /// inverse, which changes nothing. Where it turns or is mirrored otherwise than before, all are placed anew
+    void place(const Affine& modelToView);
+    /// For a plane that is neither turned nor mirrored: its y grows downwards. @param pointsPerUnit  of the model
+    void place(double pointsPerUnit) { place(Affine::scaling(pointsPerUnit)); }
 
     /// Alternatives are not counted.
     std::size_t getNumberOfLabels() const { return _nLabels; }
@@ -132,6 +147,10 @@ private:
         Drawing::Point from; // where it was added
         bool isWanted = true;
         bool isShown = false;
+        Drawing::ID symbol = 0;
+        bool isSymbolShown = false;
+        double radius = 0; // of the symbol, in points
+        Drawing::Point symbolFrom{};
     };
 
     void addInside(const Path& area, const Drawing::Rect& part, std::span<const TextLayout> forms, const AreaRule& rule,
@@ -148,7 +167,8 @@ private:
     std::vector<std::uint32_t> _order;                     // of those that are no alternatives, by priority
     std::size_t _nLabels = 0;
     double _margin = 2;
-    int _step = 0; // of the zoom that they are placed for
+    int _step = 0;     // of the zoom that they are placed for
+    Affine _direction; // of the plane's axes then, of length 1 or so
     bool _isPlaced = false;
     std::size_t _nHidden = 0;
 };
