@@ -49,10 +49,10 @@ struct AreaRule
 ///         _drawing.draw(*this);
 ///     }
 ///
-/// What is shown depends on the zoom alone as long as none is moved and the plane isn't turned, so panning changes nothing, and it changes only at
-/// zooms that are a quarter of an octave apart: in between, labels keep clear of each other as they are. Ten thousand
-/// labels take some milliseconds then, and nothing otherwise; what is uploaded is some bytes for each that comes or
-/// goes.
+/// What is shown depends on the zoom alone as long as none is moved and the plane isn't turned, so panning changes
+/// nothing, and it changes only at zooms that are a quarter of an octave apart: in between, labels keep clear of each
+/// other as they are. Ten thousand labels take some milliseconds then, and nothing otherwise; where few come or go, some
+/// bytes are uploaded for each.
 ///
 /// Labels are texts in points; each stands where its anchor is. They belong to the drawing, which must outlive this and
 /// in which they may be coloured, reordered and removed (and are no longer placed then); what is shown is decided here.
@@ -78,10 +78,11 @@ public:
     /// @return its own id in the drawing; 0, with nothing added, when there is no label yet
     Drawing::ID addAlternative(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement = {},
                                const LabelRule& rule = {});
-    /// Gives a label a symbol, such as a town's dot: a shape at its place that is shown while the label is, in whichever
-    /// form, and that no other label covers.
+    /// Gives a label a symbol, such as a town's dot: a shape at its place that is shown while the label is, in
+    /// whichever form, and that no other label covers.
     ///
-    ///     labels.setSymbol(id, drawing.stroke(Path().moveTo(place).lineTo(place), {.width = 4, .cap = Cap::Round}), 2);
+    ///     const Path dot = Path().moveTo(place).lineTo(place);
+    ///     labels.setSymbol(id, drawing.stroke(dot, {.width = 4, .cap = Cap::Round}, "#203040"), 2);
     ///
     /// @param label   what add gave
     /// @param symbol  a shape or a group of the drawing, from now on shown, hidden, moved and, by clear, removed as the
