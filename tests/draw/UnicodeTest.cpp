@@ -125,8 +125,58 @@ TEST(UnicodeTest, LineBreaks)
     EXPECT_LT(nOthers, 20U);
 }
 
+/// Lays out characters and looks at the order in which those are that have glyphs of their own.
+class BidiChecker
+{
+public:
+    /// @param order  of the characters, from left to right, those left out that nothing is said of
+    /// @return whether it is so
+    bool check(const std::vector<char32_t>& characters, TextDirection direction, const std::vector<std::size_t>& order)
+    {
+        _text.clear();
+        _offsets.clear();
+        for (const char32_t character : characters)
+        {
+            _offsets.push_back(_text.size());
+            _text += test::encoded(character);
+        }
+        const TextLayout layout(_text, {.face = _face}, {.direction = direction});
+        _isRightToLeft = layout.getLines()[0].isRightToLeft;
+        _found.clear();
+        _expected.clear();
+        for (const TextLayout::Run& run : layout.getRuns())
+            for (const TextLayout::Glyph& glyph : run.glyphs)
+                _found.push_back(run.text + glyph.offset);
+        for (const std::size_t index : order)
+            if (std::ranges::find(_found, _offsets[index]) != _found.end())
+                _expected.push_back(_offsets[index]);
+        std::erase_if(_found, [this](std::size_t at) { return std::ranges::find(_expected, at) == _expected.end(); });
+        _found.erase(std::unique(_found.begin(), _found.end()), _found.end());
+        return _found == _expected;
+    }
+
+    /// Of the last one.
+    bool isRightToLeft() const { return _isRightToLeft; }
+
+private:
+    const Typeface _face = Typeface::named("DejaVu Sans").withFallbacks({}, false);
+    std::string _text;
+    std::vector<std::size_t> _offsets, _found, _expected;
+    bool _isRightToLeft = false;
+};
+
+std::vector<std::size_t> readNumbers(const std::string& text)
+{
+    std::istringstream stream(text);
+    std::vector<std::size_t> numbers;
+    for (std::size_t number = 0; stream >> number;)
+        numbers.push_back(number);
+    return numbers;
+}
+
 TEST(UnicodeTest, BidiCharacters)
 {
+    BidiChecker checker;
     std::ifstream file = openFile("BidiCharacterTest.txt");
     std::size_t nCases = 0;
     for (std::string line; std::getline(file, line);)
@@ -137,34 +187,53 @@ TEST(UnicodeTest, BidiCharacters)
         std::istringstream parts(line);
         for (std::string& field : fields)
             std::getline(parts, field, ';');
-        std::string text;
-        std::vector<std::size_t> offsets;
         std::istringstream codes(fields[0]);
         std::vector<char32_t> characters;
         for (std::string code; codes >> code;)
-        {
-            offsets.push_back(text.size());
             characters.push_back(static_cast<char32_t>(std::stoul(code, nullptr, 16)));
-            text += test::encoded(characters.back());
-        }
-        const TextLayout layout(text, {.face = Typeface::named("DejaVu Sans").withFallbacks({}, false)},
-                                {.direction = fields[1] == "0"   ? TextDirection::LeftToRight
-                                              : fields[1] == "1" ? TextDirection::RightToLeft
-                                                                 : TextDirection::Auto});
-        std::vector<std::size_t> found, expected;
-        for (const TextLayout::Run& run : layout.getRuns())
-            for (const TextLayout::Glyph& glyph : run.glyphs)
-                found.push_back(run.text + glyph.offset);
-        std::istringstream order(fields[4]);
-        for (std::size_t index = 0; order >> index;)
-            if (std::ranges::find(found, offsets[index]) != found.end())
-                expected.push_back(offsets[index]);
-        std::erase_if(found, [&](std::size_t offset) { return std::ranges::find(expected, offset) == expected.end(); });
-        found.erase(std::unique(found.begin(), found.end()), found.end());
-        ASSERT_EQ(found, expected) << line;
-        ASSERT_EQ(layout.getLines()[0].isRightToLeft, fields[2] == "1") << line;
+        const TextDirection direction = fields[1] == "0"   ? TextDirection::LeftToRight
+                                        : fields[1] == "1" ? TextDirection::RightToLeft
+                                                           : TextDirection::Auto;
+        ASSERT_TRUE(checker.check(characters, direction, readNumbers(fields[4]))) << line;
+        ASSERT_EQ(checker.isRightToLeft(), fields[2] == "1") << line;
     }
     EXPECT_GT(nCases, 90000U);
+}
+
+// All sequences of up to four classes of characters, and some longer ones, each class by a character that has a glyph,
+// or none where it is a control. All are as Unicode says.
+TEST(UnicodeTest, BidiClasses)
+{
+    const std::map<std::string, char32_t> characterOf{
+        {"L", 'a'},      {"R", 0x5d0},    {"AL", 0x62f},   {"EN", '1'},     {"ES", '+'},     {"ET", '$'},
+        {"AN", 0x661},   {"CS", ','},     {"NSM", 0x300},  {"BN", 0xad},    {"B", 0x2029},   {"S", '\t'},
+        {"WS", ' '},     {"ON", '!'},     {"LRE", 0x202a}, {"RLE", 0x202b}, {"PDF", 0x202c}, {"LRO", 0x202d},
+        {"RLO", 0x202e}, {"LRI", 0x2066}, {"RLI", 0x2067}, {"FSI", 0x2068}, {"PDI", 0x2069}};
+    BidiChecker checker;
+    std::ifstream file = openFile("BidiTest.txt");
+    std::vector<std::size_t> order;
+    std::vector<char32_t> characters;
+    std::size_t nCases = 0;
+    for (std::string line; std::getline(file, line);)
+    {
+        if (line.starts_with("@Reorder:"))
+            order = readNumbers(line.substr(9));
+        const std::size_t end = line.find(';');
+        if (line.empty() || line[0] == '#' || line[0] == '@' || nCases++ % (test::cIsThorough ? 1 : 50) != 0)
+            continue;
+        characters.clear();
+        std::istringstream classes(line.substr(0, end));
+        for (std::string name; classes >> name;)
+            characters.push_back(characterOf.at(name));
+        const unsigned long directions = std::stoul(line.substr(end + 1), nullptr, 16);
+        for (const auto& [bit, direction] :
+             {std::pair(1U, TextDirection::Auto), {2U, TextDirection::LeftToRight}, {4U, TextDirection::RightToLeft}})
+            if ((directions & bit) != 0)
+            {
+                ASSERT_TRUE(checker.check(characters, direction, order)) << line << " by " << bit;
+            }
+    }
+    EXPECT_GT(nCases, 490000U);
 }
 
 } // namespace

@@ -51,8 +51,8 @@ struct AreaRule
 ///
 /// What is shown depends on the zoom alone as long as none is moved and the plane isn't turned, so panning changes
 /// nothing, and it changes only at zooms that are a quarter of an octave apart: in between, labels keep clear of each
-/// other as they are. Ten thousand labels take some milliseconds then, and nothing otherwise; where few come or go, some
-/// bytes are uploaded for each.
+/// other as they are. Ten thousand labels take some milliseconds then, and nothing otherwise; where few come or go,
+/// some bytes are uploaded for each.
 ///
 /// Labels are texts in points; each stands where its anchor is. They belong to the drawing, which must outlive this and
 /// in which they may be coloured, reordered and removed (and are no longer placed then); what is shown is decided here.
