@@ -359,13 +359,13 @@ bool Drawing::Impl::draw(const Sight& sight)
 {
     if (nGaps > 1000 && nGaps > order.size() / 2)
         renumber();
-    if (areElementsStale)
-        tidy();
     const Affine& map = sight.toPixels;
     const double s = sight.pixelsPerPoint;
     pointsPerUnit = sight.getZoom();
     toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
     placeRoutes(sight);
+    if (areElementsStale)
+        tidy();
     renewLinks();
     renewPictures(sight);
     if (!painter.draw(tables, list, glyphs, images, sight, isChanged))

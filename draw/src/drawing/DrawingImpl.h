@@ -64,6 +64,7 @@ struct Drawing::Impl
         TextPlacement placement;
         std::unique_ptr<TextRoute> pRoute; // of a text along a path
         std::vector<Turn> turns;
+        std::vector<Rect> decorations; // along a path: lines under letters and through them
     };
 
     /// A shape or a group, in a slot that is used again.
@@ -155,6 +156,7 @@ struct Drawing::Impl
     /// Of the elements of a halo, those that are one with each.
     std::vector<std::vector<std::int32_t>> neighboursOf(const GlyphStyle& style) const;
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
+    void setOutline(Item& item, const Path& path);
     void setElements(Item& glyphs, double strokeStep);
     /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time.
     void renewPictures(const Sight& sight);

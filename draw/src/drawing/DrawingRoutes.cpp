@@ -52,6 +52,15 @@ bool Drawing::Impl::placeRoute(Item& text)
         }
         if (!turns.empty())
             tables.setTurns(items[member].places, turns);
+        if (items[member].pLetters->decorations.empty())
+            continue;
+        // Steps so short that letters look bent no less.
+        const double step = std::max(letters.text.size, 1e-3) / 8;
+        Path lines;
+        for (const Rect& rect : items[member].pLetters->decorations)
+            letters.pRoute->addBent(rect, step, lines);
+        setOutline(items[member], lines);
+        place(items[member]);
     }
     isChanged = true;
     return true;

@@ -40,7 +40,7 @@ struct Part
 };
 
 // What a layout is drawn with, from below to above.
-std::vector<Part> partsOf(const TextLayout& layout, bool isAlongPath)
+std::vector<Part> partsOf(const TextLayout& layout)
 {
     std::vector<Part> letters, parts;
     for (const TextLayout::Run& run : layout.getRuns())
@@ -56,8 +56,7 @@ std::vector<Part> partsOf(const TextLayout& layout, bool isAlongPath)
             part.isHalo = true;
             parts.push_back(part);
         }
-    for (const TextLayout::Decoration& decoration :
-         isAlongPath ? std::span<const TextLayout::Decoration>() : layout.getDecorations())
+    for (const TextLayout::Decoration& decoration : layout.getDecorations())
         if (std::none_of(parts.begin(), parts.end(),
                          [&decoration](const Part& part)
                          { return part.isDecoration && part.style == decoration.style; }))
@@ -112,7 +111,7 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         letters.lines.emplace_back(line.left - letters.anchor.x, line.top - letters.anchor.y,
                                    line.left + line.width - letters.anchor.x, line.bottom - letters.anchor.y);
     double widest = 0;
-    const std::vector<Part> parts = partsOf(layout, letters.pRoute != nullptr);
+    const std::vector<Part> parts = partsOf(layout);
     for (const Part& part : parts)
         widest = std::max(widest, part.lineWidth / 2);
     const Rect ink = layout.getInkBounds().value_or(Rect(0, 0, 0, 0));
@@ -273,7 +272,7 @@ std::vector<std::vector<std::int32_t>> Drawing::Impl::neighboursOf(const GlyphSt
     return result;
 }
 
-// Lines under a text and through it are glyphs of its own.
+// Lines under a text and through it are glyphs of its own. Along a path they are made when the letters are placed.
 void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::size_t style)
 {
     Letters& letters = *item.pLetters;
@@ -281,17 +280,31 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
     letters.style.lineWidth = 0;
     letters.mayHavePictures = letters.hasColors = false;
     letters.passInk = DrawList::cGlyphs;
+    letters.turns.clear();
+    letters.decorations.clear();
+    const Point anchor = textOf(item).anchor;
     Path path;
     for (const TextLayout::Decoration& decoration : layout.getDecorations())
         if (decoration.style == style)
-            path.addRect(decoration.rect);
+        {
+            const Rect& rect = decoration.rect;
+            const Rect placed(rect.left - anchor.x, rect.top - anchor.y, rect.right - anchor.x, rect.bottom - anchor.y);
+            if (textOf(item).pRoute)
+                letters.decorations.push_back(placed);
+            else
+                path.addRect(placed);
+        }
+    setOutline(item, path);
+}
+
+void Drawing::Impl::setOutline(Item& item, const Path& path)
+{
     builder.makeFill(path, FillRule::NonZero, 0, geometry);
     elements.clear();
     const std::uint32_t number = tables.setOwnGlyph(item.places, geometry);
-    const Point anchor = textOf(item).anchor;
     if (!geometry.nodes.empty())
-        elements.push_back(elementOf(number, -anchor.x, -anchor.y));
-    tables.setGlyphs(item.places, elements, letters.style, 1);
+        elements.push_back(elementOf(number, 0, 0));
+    tables.setGlyphs(item.places, elements, item.pLetters->style, 1);
 }
 
 Affine Drawing::Impl::toScreenOf(const Item& item) const

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace gui::draw
 {
@@ -164,6 +165,7 @@ bool TextRoute::place(const Affine& toText, const Affine& toScreen)
     _toText = toText;
     _isReversed = isReversed;
     _isStale = false;
+    _start = start;
     placeLetters(start, isReversed);
     return true;
 }
@@ -196,6 +198,49 @@ void TextRoute::placeLetters(double start, bool isReversed)
         // Across the path.
         letter.at.x -= letter.way.y * _placement.offset.y;
         letter.at.y += letter.way.x * _placement.offset.y;
+    }
+}
+
+void TextRoute::addBent(const Rect& rect, double step, Path& path) const
+{
+    constexpr double cMostSteps = 1000;
+    // Side by side, letters have one line.
+    std::vector<std::pair<double, double>> pieces;
+    const double y = (rect.top + rect.bottom) / 2;
+    for (const Letter& letter : _letters)
+    {
+        const double from = std::max(letter.middle - letter.width / 2, rect.left),
+                     to = std::min(letter.middle + letter.width / 2, rect.right);
+        if ((letter.way.x == 0 && letter.way.y == 0) || !(from < to) || y < letter.top || y > letter.bottom)
+            continue;
+        if (!pieces.empty() && std::abs(pieces.back().second - from) < step / 16)
+            pieces.back().second = to;
+        else
+            pieces.emplace_back(from, to);
+    }
+    const double sign = _isReversed ? -1 : 1, shift = _placement.offset.y;
+    for (const auto& [from, to] : pieces)
+    {
+        const double n = std::clamp(std::ceil((to - from) / step), 1.0, cMostSteps);
+        std::vector<Point> lower;
+        Point way{1, 0};
+        for (double i = 0; i <= n; ++i)
+        {
+            const double x = std::lerp(from, to, i / n), at = _start + (_isReversed ? _begin + _end - x : x);
+            const Point p = pointAt(at), a = pointAt(at - step / 2), b = pointAt(at + step / 2);
+            if (const double length = std::hypot(b.x - a.x, b.y - a.y); length > 0)
+                way = {sign * (b.x - a.x) / length, sign * (b.y - a.y) / length};
+            const auto across = [&](double down) { return Point(p.x - way.y * down, p.y + way.x * down); };
+            const Point upper = across(rect.top + shift);
+            if (i == 0)
+                path.moveTo(upper);
+            else
+                path.lineTo(upper);
+            lower.push_back(across(rect.bottom + shift));
+        }
+        for (std::size_t i = lower.size(); i-- > 0;)
+            path.lineTo(lower[i]);
+        path.close();
     }
 }
 

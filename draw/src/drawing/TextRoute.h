@@ -46,6 +46,9 @@ public:
     const std::vector<Letter>& getLetters() const { return _letters; }
     /// From the text's own unit to a letter's: from the middle of it along its base line.
     static Affine toLetter(const Letter& letter);
+    /// Adds to a path what becomes of a line under letters or through them, as far as they are shown. @param rect  from
+    /// the text's anchor @param step  how far the line goes straight
+    void addBent(const Rect& rect, double step, Path& path) const;
     static Rect boxOf(const Letter& letter) { return {-letter.width / 2, letter.top, letter.width / 2, letter.bottom}; }
 
 private:
@@ -60,6 +63,7 @@ private:
     std::vector<Letter> _letters;
     std::vector<std::size_t> _firstOf, _letterOf; // glyphs of runs; letters of glyphs
     double _begin = 0, _end = 0;                  // of the text, from its anchor
+    double _start = 0;                            // of the anchor, along the path
     // As placed last, in the text's own unit.
     std::vector<Point> _line;
     std::vector<double> _lengths;

@@ -111,7 +111,8 @@ public:
     /// length, and is turned as the path goes from the letter's beginning to its end. Of several subpaths it is the
     /// longest; past the beginning of a closed one it goes on. In points letters keep their size, and take a shorter
     /// part of the path the larger that is seen: each step of a zoom places those in sight anew and uploads 16 bytes
-    /// for each. In model units only their turning the other way round does. Lines under and through are not drawn.
+    /// for each. In model units only their turning the other way round does. Lines under and through are
+    /// bent as the path is.
     /// @param path    copied  @param layout  read during the call only
     /// @return the text's id: setText, setPath and all others take it; picking goes by the letters' boxes
     ID textOn(const Path& path, const TextLayout& layout, const TextOnPath& placement = {});
