@@ -450,6 +450,17 @@ TEST(TextLayoutTest, StylesGoWithTheirLetters)
     EXPECT_TRUE(isColored("\u263A\uFE0F"));
     EXPECT_FALSE(isColored("\u263A"));
     EXPECT_FALSE(isColored("\U0001F600\uFE0E"));
+    // What stands beside them, spaces too, is the text's. Flags are two characters each.
+    for (const std::string text : {"x\U0001F1EF\U0001F1F5 y", "\U0001F600 \U0001F600", " \U0001F1EF\U0001F1F5"})
+    {
+        std::string colored, others;
+        const TextLayout layout(text, plain);
+        for (const TextLayout::Run& run : layout.getRuns())
+            for (const TextLayout::Glyph& glyph : run.glyphs)
+                (run.face.isColorGlyph(glyph.glyph) ? colored : others) += text[run.text + glyph.offset];
+        EXPECT_EQ(others, std::string(text[0] == 'x' ? "x y" : " "));
+        EXPECT_EQ(colored, text.ends_with("\U0001F600") ? "\xF0\xF0" : "\xF0");
+    }
     const auto ink = TextLayout("x", plain).getInkBounds();
     EXPECT_NEAR(ink->bottom, TextLayout("x", plain).getLines()[0].baseline, 0.2);
     EXPECT_FALSE(TextLayout(" ", plain).getInkBounds());

@@ -135,7 +135,25 @@ bool mayBeOneLetter(std::string_view text, std::size_t offset)
     if (offset == 0 || offset >= text.size())
         return false;
     const int before = breakOf(characterBefore(text, offset));
-    return breakOf(characterAt(text, offset)) != U_GCB_OTHER || before == U_GCB_PREPEND || before == U_GCB_ZWJ;
+    if (before == U_GCB_PREPEND || before == U_GCB_ZWJ)
+        return true;
+    switch (breakOf(characterAt(text, offset)))
+    {
+    case U_GCB_OTHER:
+        return false;
+    case U_GCB_REGIONAL_INDICATOR:
+        return before == U_GCB_REGIONAL_INDICATOR;
+    case U_GCB_L:
+    case U_GCB_LV:
+    case U_GCB_LVT:
+        return before == U_GCB_L;
+    case U_GCB_V:
+        return before == U_GCB_L || before == U_GCB_LV || before == U_GCB_V;
+    case U_GCB_T:
+        return before == U_GCB_LV || before == U_GCB_V || before == U_GCB_LVT || before == U_GCB_T;
+    default:
+        return true;
+    }
 }
 
 } // namespace gui::draw

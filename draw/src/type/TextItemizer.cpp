@@ -231,7 +231,8 @@ void TextItemizer::findFaces()
             style.face ? faceFor(std::span(_characters).subspan(begin, end - begin), style) : &style.face;
         std::fill(_faces.begin() + std::ptrdiff_t(begin), _faces.begin() + std::ptrdiff_t(end), pFace);
     }
-    // Spaces between words of another face are that face's too, so that the words are one run.
+    // Spaces between words of another face are that face's too, so that the words are one run; not between emoji, whose
+    // face has a space as wide as themselves.
     for (std::size_t i = 1; i < _faces.size(); ++i)
         if (_characters[i] == ' ' && _faces[i - 1] != _faces[i] && _faces[i - 1] != nullptr)
         {
@@ -239,7 +240,7 @@ void TextItemizer::findFaces()
             while (next < _faces.size() && _characters[next] == ' ')
                 ++next;
             if (next < _faces.size() && _faces[next] != nullptr && *_faces[next] == *_faces[i - 1] &&
-                TypefaceImpl::of(*_faces[next])->has(' '))
+                TypefaceImpl::of(*_faces[next])->has(' ') && !TypefaceImpl::of(*_faces[next])->font().isColored())
                 std::fill(_faces.begin() + std::ptrdiff_t(i), _faces.begin() + std::ptrdiff_t(next), _faces[next]);
             i = next;
         }
