@@ -17,6 +17,7 @@
 #include <cmath>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 namespace gallery
 {
@@ -38,6 +39,7 @@ using Rect = Drawing::Rect;
 constexpr std::size_t cNoOfTowns = 10'000;
 constexpr double cMapMiddle = 11, cMapGrain = 0.02; // degrees
 constexpr double cNearest = 45;                     // times as large as all of the map
+constexpr double cFarAway = 20;                     // units of the map, farther than any view shows
 
 constexpr td::Color cSea = "#0f1b2d", cLand = "#1c2b40", cCoast = "#3d5878", cBorder = "#31475f", cNet = "#16253a";
 constexpr td::Color cCountry = "#7c9cc4", cLights = "#ffd98a50", cHalo = "#142134e6", cPanel = "#0a1320";
@@ -231,6 +233,14 @@ private:
             _ground.stroke(pathOf(line), {.width = 1, .dashes = {4, 2.5}}, cBorder);
         for (const TopoJSON::Line& line : coasts)
             _ground.stroke(pathOf(line), {.width = 0.8, .join = gui::draw::Join::Round}, cCoast);
+        // What sticks out beyond the map's edge.
+        Path outside = Path().addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
+        for (bool isFirst = true; const td::Point<float>& point : NaturalEarth::getEdge())
+        {
+            const Point place{static_cast<double>(point.x), static_cast<double>(point.y)};
+            std::exchange(isFirst, false) ? outside.moveTo(place) : outside.lineTo(place);
+        }
+        _ground.fill(outside.close(), cSea, gui::draw::FillRule::EvenOdd);
     }
 
     // A country's name stands in it as long as it fits, before that of any town.

@@ -126,6 +126,7 @@ constexpr Region cRegions[] = {
     {110, -50, 180, -22, cEnglish}, {-30, -40, 60, 14, cAfrican},  {60, -50, 180, 21, cIsland}};
 
 constexpr unsigned int cPerHundredBefore = 9;
+constexpr int cMostTries = 20; // to make one that there wasn't
 
 const Speech& speechAt(double longitude, double latitude)
 {
@@ -142,20 +143,27 @@ std::string TownNames::make(double longitude, double latitude)
     const Speech& speech = speechAt(longitude, latitude);
     const auto below = [this](std::size_t n) { return _random() / 64 % n; };
     const auto oneOf = [&below](Parts parts) { return parts[below(parts.size())]; };
-    std::string name, word(oneOf(speech.begins));
-    if (below(100) < cPerHundredBefore)
-        name = oneOf(speech.befores);
-    if (below(100) < speech.perHundred)
-        word += oneOf(speech.middles);
-    word += oneOf(speech.ends);
-    // A name begins with a capital letter, a word within it too.
-    if ((name.empty() || name.back() == ' ' || name.back() == '-') && word[0] >= 'a' && word[0] <= 'z')
-        word[0] = static_cast<char>(word[0] - 'a' + 'A');
-    else if (word.starts_with("å"))
-        word.replace(0, 2, "Å");
-    else if (word.starts_with("č") || word.starts_with("ž"))
-        word.replace(0, 2, word.starts_with("č") ? "Č" : "Ž");
-    return name + word;
+    std::string all;
+    for (int i = 0; i < cMostTries; ++i)
+    {
+        std::string name, word(oneOf(speech.begins));
+        if (below(100) < cPerHundredBefore)
+            name = oneOf(speech.befores);
+        if (below(100) < speech.perHundred)
+            word += oneOf(speech.middles);
+        word += oneOf(speech.ends);
+        // A name begins with a capital letter, a word within it too.
+        if ((name.empty() || name.back() == ' ' || name.back() == '-') && word[0] >= 'a' && word[0] <= 'z')
+            word[0] = static_cast<char>(word[0] - 'a' + 'A');
+        else if (word.starts_with("å"))
+            word.replace(0, 2, "Å");
+        else if (word.starts_with("č") || word.starts_with("ž"))
+            word.replace(0, 2, word.starts_with("č") ? "Č" : "Ž");
+        all = name + word;
+        if (_made.insert(all).second)
+            break;
+    }
+    return all;
 }
 
 } // namespace gallery

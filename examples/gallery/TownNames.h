@@ -2,11 +2,13 @@
 
 #include <random>
 #include <string>
+#include <unordered_set>
 
 namespace gallery
 {
 
-/// Makes up names of towns that sound as if they belonged to a part of the world, the same ones each time.
+/// Makes up names of towns that sound as if they belonged to a part of the world, the same ones each time and hardly any
+/// of them twice.
 class TownNames
 {
 public:
@@ -15,6 +17,7 @@ public:
 
 private:
     std::mt19937 _random{17};
+    std::unordered_set<std::string> _made;
 };
 
 } // namespace gallery
