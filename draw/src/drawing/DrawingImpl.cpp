@@ -275,6 +275,17 @@ void Drawing::Impl::tidy()
     for (const std::uint32_t slot : order)
         if (slot != cNoItem)
             inOrder.push_back(&items[slot].places.elements);
+    // Where hidden shapes lie between, there are as many ranges in any order.
+    std::uint32_t end = 0;
+    bool isInOrder = true;
+    for (const TableRange* const pRange : inOrder)
+        if (pRange->count > 0)
+        {
+            isInOrder = isInOrder && pRange->first == end;
+            end = pRange->first + pRange->count;
+        }
+    if (isInOrder)
+        return;
     tables.reorderElements(inOrder);
     for (const std::uint32_t slot : order)
         if (slot != cNoItem)
