@@ -7,8 +7,8 @@
 namespace gallery
 {
 
-/// Makes up names of towns that sound as if they belonged to a part of the world, the same ones each time and hardly any
-/// of them twice.
+/// Makes up names of towns that sound as if they belonged to a part of the world, the same ones each time and hardly
+/// any of them twice.
 class TownNames
 {
 public:
