@@ -8,6 +8,8 @@
 #include <gui/gl/View.h>
 #include <td/Assert.h>
 
+#include <utility>
+
 namespace zav
 {
 
@@ -31,19 +33,30 @@ GLView* nativeView(const gui::gl::View* pView)
     return pHandle != nullptr ? bridgeCast(pHandle) : nullptr;
 }
 
+gui::gl::SurfaceFactory s_makeSurface; // a host's
+
+gui::gl::SurfaceFactory surfaceFactory() { return s_makeSurface ? s_makeSurface : gui::gl::getSurfaceFactory(); }
+
 } // namespace
+
+SurfaceScope::SurfaceScope(gui::gl::SurfaceFactory makeSurface)
+    : _before(std::exchange(s_makeSurface, std::move(makeSurface)))
+{
+}
+
+SurfaceScope::~SurfaceScope() { s_makeSurface = std::move(_before); }
 
 gui::NativeObject* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,
                                 const gui::gl::Context& context)
 {
-    return GLView::createView(pView, pGeometry, 0, context, gui::gl::getSurfaceFactory());
+    return GLView::createView(pView, pGeometry, 0, context, surfaceFactory());
 }
 
 gui::NativeObject* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,
                                 const std::initializer_list<gui::InputDevice::Event>& events,
                                 const gui::gl::Context& context)
 {
-    return GLView::createView(pView, pGeometry, gui::gl::buildEventMask(events), context, gui::gl::getSurfaceFactory());
+    return GLView::createView(pView, pGeometry, gui::gl::buildEventMask(events), context, surfaceFactory());
 }
 
 gui::gl::NativeSurfaceClient* createGLView(gui::gl::View* pView, const td::PointAndSize<double>* pGeometry,

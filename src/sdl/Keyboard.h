@@ -33,7 +33,4 @@ std::unique_ptr<Keyboard> createWaylandKeyboard(SDL_Window* pWindow);
 /// The keyboard of the first seat that has one, on a connection that outlives it.
 GUIGL_API std::unique_ptr<Keyboard> createWaylandKeyboard(wl_display* pDisplay);
 
-/// The code that the kernel, and with 8 added XKB, has for a key that has a character on some layout; 0 for others.
-unsigned int toKernelKeyCode(SDL_Scancode scancode);
-
 } // namespace gui::gl

@@ -1,10 +1,12 @@
 #include "SDLEvents.h"
 
-#include "KeyMapping.h"
 #include "Keyboard.h"
+#include "Modifiers.h"
 #include "SDLContext.h"
 
 #include <gui/gl/InputTuning.h>
+#include <gui/gl/port/KeySymbols.h>
+#include <gui/gl/port/Keys.h>
 #include <gui/gl/port/NativeSurface.h>
 
 #include <SDL_keyboard.h>

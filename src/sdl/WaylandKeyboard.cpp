@@ -1,5 +1,7 @@
 #include "Keyboard.h"
 
+#include <gui/gl/port/Keys.h>
+
 #include <SDL_syswm.h>
 #include <wayland-client.h>
 #include <xkbcommon/xkbcommon.h>

@@ -1,5 +1,7 @@
 #include "Keyboard.h"
 
+#include <gui/gl/port/Keys.h>
+
 #include <SDL_syswm.h>
 #include <X11/XKBlib.h>
 

@@ -1,7 +1,9 @@
-#include "sdl/KeyMapping.h"
+#include "sdl/Modifiers.h"
 
 #include <gui/Key.h>
 #include <gui/gl/KeyCodes.h>
+#include <gui/gl/port/KeySymbols.h>
+#include <gui/gl/port/Keys.h>
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>

@@ -57,6 +57,11 @@ void RunLoop::connect()
 
 void RunLoop::disconnect() { AsyncQueue::instance().setWakeUp({}); }
 
+std::optional<RunLoop::Time> RunLoop::getNextDue() const
+{
+    return isSomethingDue() ? Clock::now() : getNextTick();
+}
+
 int RunLoop::run()
 {
     while (step(cLongestSleepInSeconds))

@@ -1,16 +1,19 @@
 #include <gui/port/WindowSystem.h>
 
+#include "HostedWindowSystem.h"
 #include "offscreen/OffscreenWindowSystem.h"
 #ifdef GUIGL_SDL
 #include "sdl/SDLWindowSystem.h"
 #endif
 
 #include <gui/port/DisplayScale.h>
+#include <gui/port/Host.h>
 #include <vo/Log.h>
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace gui
 {
@@ -42,6 +45,15 @@ bool isSet(const char* variable)
     return value != nullptr && *value != '\0';
 }
 
+// Never destroyed: views and windows may be static objects, and drivers do not like to be unloaded.
+WindowSystem* s_pSystem = nullptr;
+
+void use(std::unique_ptr<WindowSystem> pSystem)
+{
+    s_pSystem = pSystem.release();
+    setDefaultBackingScaleFactor(s_pSystem->getMainDisplayScale());
+}
+
 std::unique_ptr<WindowSystem> choose()
 {
     const char* const wanted = std::getenv("GUIGL_WINDOW_SYSTEM");
@@ -71,16 +83,22 @@ std::unique_ptr<WindowSystem> choose()
 
 } // namespace
 
+bool WindowSystem::setHost(std::unique_ptr<Host> pHost)
+{
+    if (s_pSystem != nullptr)
+    {
+        vo::dbgLog("Warning! WindowSystem %s is in use already, and the host comes too late", s_pSystem->getName());
+        return false;
+    }
+    use(createHostedWindowSystem(std::move(pHost)));
+    return true;
+}
+
 WindowSystem& WindowSystem::instance()
 {
-    // Never destroyed: views and windows may be static objects, and drivers do not like to be unloaded.
-    static WindowSystem* const pSystem = []
-    {
-        WindowSystem* const pChosen = choose().release();
-        setDefaultBackingScaleFactor(pChosen->getMainDisplayScale());
-        return pChosen;
-    }();
-    return *pSystem;
+    if (s_pSystem == nullptr)
+        use(choose());
+    return *s_pSystem;
 }
 
 } // namespace gui

@@ -117,7 +117,7 @@ public:
     RunLoop& getRunLoop() override { return _runLoop; }
     std::unique_ptr<WindowPeer> createWindow(const char*, const td::Size<double>& size) override
     {
-        return std::make_unique<OffscreenWindow>(size);
+        return createOffscreenWindow(size);
     }
     float getMainDisplayScale() const override { return s_scale; }
 
@@ -136,6 +136,11 @@ void setOffscreenScale(float scale)
     for (const OffscreenWindow* const pWindow : windows)
         if (std::ranges::find(s_windows, pWindow) != s_windows.end())
             pWindow->followScale();
+}
+
+std::unique_ptr<WindowPeer> createOffscreenWindow(const td::Size<double>& size)
+{
+    return std::make_unique<OffscreenWindow>(size);
 }
 
 std::unique_ptr<WindowSystem> createOffscreenWindowSystem() { return std::make_unique<OffscreenWindowSystem>(); }

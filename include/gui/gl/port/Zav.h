@@ -48,6 +48,20 @@ GUIGL_API gui::gl::NativeSurfaceClient* createGLView(gui::gl::View* pView, const
                                                      const gui::gl::Context& context,
                                                      const gui::gl::SurfaceFactory& makeSurface);
 
+/// While one lives, createContext of a view, and the functions above that get no factory, make the view's surface with
+/// this one: a host calls code that makes its views as in a program with windows of its own. Of several the last counts.
+class GUIGL_API SurfaceScope
+{
+public:
+    explicit SurfaceScope(gui::gl::SurfaceFactory makeSurface);
+    ~SurfaceScope();
+    SurfaceScope(const SurfaceScope&) = delete;
+    SurfaceScope& operator=(const SurfaceScope&) = delete;
+
+private:
+    gui::gl::SurfaceFactory _before;
+};
+
 /// Makes the view's context current; without one nothing changes.
 GUIGL_API void makeCurrentContext(const gui::gl::View* pView);
 

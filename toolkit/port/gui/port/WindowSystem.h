@@ -10,6 +10,7 @@
 namespace gui
 {
 
+class Host;
 class NativeView;
 class RunLoop;
 
@@ -48,6 +49,11 @@ public:
     /// overrides the choice with a name of the table. One that does not start gives way to the next, one that was asked
     /// for to offscreen.
     static WindowSystem& instance();
+
+    /// For a program whose windows and loop are another toolkit's: see gui::Host. To be called before anything else of
+    /// the library is used. @return false, after a log line ("Warning! WindowSystem NAME is in use already, and the host
+    /// comes too late"), when a window system was chosen already
+    static bool setHost(std::unique_ptr<Host> pHost);
 
     /// As in the table: the native view looks up its surface by it.
     virtual const char* getName() const = 0;
