@@ -12,6 +12,7 @@ namespace zav
 {
 
 double s_zoomIncrement = 1.2;
+double s_wheelUnitsPerNotch = 10;
 double s_scrollAccelleration = 1.5;
 double s_zoomGestureReduction = 50.0;
 

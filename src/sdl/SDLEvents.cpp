@@ -18,13 +18,6 @@
 #include <iterator>
 #include <optional>
 
-namespace zav
-{
-
-double s_wheelUnitsPerNotch = 10;
-
-} // namespace zav
-
 namespace gui::gl
 {
 

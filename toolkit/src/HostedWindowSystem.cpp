@@ -25,8 +25,7 @@ public:
 
 protected:
     void wait(const std::optional<Time>& until) override { _host.serveEvents(until); }
-    // A turn without a wait is one that the host's loop makes: its events are its own.
-    void dispatchEvents() override {}
+    void dispatchEvents() override { _host.serveEvents(Clock::now()); }
     void wakeUp() override { _host.wakeUp(); }
     double getDisplayRate(const NativeView* pView) const override { return _host.getDisplayRate(pView); }
 

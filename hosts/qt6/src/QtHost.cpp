@@ -1,0 +1,128 @@
+#include "QtHost.h"
+
+#include "ViewHost.h"
+
+#include <gui/NativeView.h>
+#include <gui/gl/CurrentContext.h>
+#include <gui/port/WindowSystem.h>
+
+#include <QAbstractEventDispatcher>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+#include <utility>
+
+namespace gui::qt
+{
+
+namespace
+{
+
+// Widgets keep their context when they move to another window. Qt wants to know before there is an application.
+void shareContexts() { QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts); }
+Q_CONSTRUCTOR_FUNCTION(shareContexts)
+
+QClipboard::Mode toMode(gui::Clipboard::Kind kind)
+{
+    return kind == gui::Clipboard::Kind::Copied ? QClipboard::Clipboard : QClipboard::Selection;
+}
+
+} // namespace
+
+gui::RunLoop& runLoop() { return gui::WindowSystem::instance().getRunLoop(); }
+
+void QtHost::use()
+{
+    static const bool isUsed = gui::WindowSystem::setHost(std::make_unique<QtHost>());
+    static_cast<void>(isUsed);
+}
+
+QtHost::QtHost()
+{
+    _timer.setTimerType(Qt::PreciseTimer);
+    _timer.setSingleShot(true);
+    QObject::connect(&_timer, &QTimer::timeout, &_context, [this] { takeTurn(); });
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &_context,
+                     [this] { beforeSleep(); });
+}
+
+void QtHost::wakeUp()
+{
+    if (QAbstractEventDispatcher* const pDispatcher = QCoreApplication::eventDispatcher())
+        pDispatcher->wakeUp();
+}
+
+void QtHost::wakeAt(gui::RunLoop::Time time)
+{
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(time - gui::RunLoop::Clock::now());
+    const auto wanted = std::max(left, std::chrono::milliseconds(0));
+    if (!_timer.isActive() || _timer.remainingTimeAsDuration() > wanted)
+        _timer.start(wanted);
+}
+
+void QtHost::beforeSleep()
+{
+    // Whatever was current, Qt may have changed it.
+    gui::gl::CurrentContext::set(nullptr);
+    if (_isServing)
+        return;
+    if (const std::optional<gui::RunLoop::Time> due = runLoop().getNextDue())
+        wakeAt(*due);
+    else
+        _timer.stop();
+}
+
+void QtHost::takeTurn()
+{
+    if (_isServing || std::exchange(_isInTurn, true))
+        return;
+    runLoop().step(0);
+    _isInTurn = false;
+}
+
+void QtHost::serveEvents(const std::optional<gui::RunLoop::Time>& until)
+{
+    if (_isInTurn)
+        return;
+    const bool wasServing = std::exchange(_isServing, true);
+    const bool mayWait = !until || *until > gui::RunLoop::Clock::now();
+    if (until && mayWait)
+        wakeAt(*until);
+    QCoreApplication::processEvents(mayWait ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
+    _isServing = wasServing;
+}
+
+double QtHost::getDisplayRate(const gui::NativeView* pView) const
+{
+    const auto* const pHost = dynamic_cast<const ViewHost*>(pView);
+    const QScreen* pScreen = pHost != nullptr ? pHost->getScreen() : nullptr;
+    if (pScreen == nullptr)
+        pScreen = QGuiApplication::primaryScreen();
+    return pScreen != nullptr ? pScreen->refreshRate() : 0;
+}
+
+float QtHost::getMainDisplayScale() const
+{
+    const QScreen* const pScreen = QGuiApplication::primaryScreen();
+    return pScreen != nullptr ? float(pScreen->devicePixelRatio()) : 1;
+}
+
+bool QtHost::setClipboardText(gui::Clipboard::Kind kind, const std::string& text)
+{
+    QClipboard* const pClipboard = QGuiApplication::clipboard();
+    if (kind != gui::Clipboard::Kind::Copied && !pClipboard->supportsSelection())
+        return false;
+    pClipboard->setText(QString::fromStdString(text), toMode(kind));
+    return true;
+}
+
+std::string QtHost::getClipboardText(gui::Clipboard::Kind kind)
+{
+    return QGuiApplication::clipboard()->text(toMode(kind)).toStdString();
+}
+
+bool QtHost::hasClipboardText(gui::Clipboard::Kind kind) { return !getClipboardText(kind).empty(); }
+
+} // namespace gui::qt

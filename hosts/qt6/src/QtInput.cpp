@@ -1,0 +1,317 @@
+#include "QtInput.h"
+
+#include <gui/Key.h>
+#include <gui/gl/InputTuning.h>
+#include <gui/gl/port/KeySymbols.h>
+#include <gui/gl/port/Keys.h>
+
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QLineF>
+#include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QStyleHints>
+#include <QTouchEvent>
+#include <QWheelEvent>
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace gui::qt
+{
+
+namespace
+{
+
+using gui::gl::ButtonEvent;
+using gui::gl::MotionEvent;
+
+// The left one and the right one first, which may be held with others.
+constexpr std::array<std::pair<Qt::MouseButton, ButtonEvent::Button>, 5> cButtons{{
+    {Qt::LeftButton, ButtonEvent::Button::Left},
+    {Qt::RightButton, ButtonEvent::Button::Right},
+    {Qt::MiddleButton, ButtonEvent::Button::Middle},
+    {Qt::BackButton, ButtonEvent::Button::Back},
+    {Qt::ForwardButton, ButtonEvent::Button::Forward},
+}};
+
+// Keys of events that a program makes up, which have no number of the kernel's.
+constexpr std::array<std::pair<int, unsigned int>, 22> cKernelKeys{{
+    {Qt::Key_Escape, 1},   {Qt::Key_Backspace, 14}, {Qt::Key_Tab, 15},   {Qt::Key_Return, 28},    {Qt::Key_Space, 57},
+    {Qt::Key_Enter, 96},   {Qt::Key_Home, 102},     {Qt::Key_Up, 103},   {Qt::Key_PageUp, 104},   {Qt::Key_Left, 105},
+    {Qt::Key_Right, 106},  {Qt::Key_End, 107},      {Qt::Key_Down, 108}, {Qt::Key_PageDown, 109}, {Qt::Key_Insert, 110},
+    {Qt::Key_Delete, 111}, {Qt::Key_Control, 29},   {Qt::Key_Shift, 42}, {Qt::Key_Alt, 56},       {Qt::Key_Meta, 125},
+    {Qt::Key_F11, 87},     {Qt::Key_F12, 88},
+}};
+
+unsigned int kernelKeyCode(const QKeyEvent& event)
+{
+    constexpr unsigned int cFirstOfXKB = 8;
+    if (event.nativeScanCode() > cFirstOfXKB)
+        return event.nativeScanCode() - cFirstOfXKB;
+    const int key = event.key();
+    for (const auto& [qtKey, code] : cKernelKeys)
+        if (qtKey == key)
+            return code;
+    constexpr int cFirstLetter = 4, cFirstDigit = 30, cFirstFunctionKey = 58; // usages
+    if (key >= Qt::Key_A && key <= Qt::Key_Z)
+        return gui::gl::toKernelKeyCode(cFirstLetter + key - Qt::Key_A);
+    if (key >= Qt::Key_1 && key <= Qt::Key_9)
+        return gui::gl::toKernelKeyCode(cFirstDigit + key - Qt::Key_1);
+    if (key == Qt::Key_0)
+        return gui::gl::toKernelKeyCode(cFirstDigit + 9);
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F10)
+        return gui::gl::toKernelKeyCode(cFirstFunctionKey + key - Qt::Key_F1);
+    return 0;
+}
+
+// The character of a key with Shift alone applied, of the symbol or the text that it has with all modifiers.
+unsigned short characterOf(const QKeyEvent& event)
+{
+    unsigned short character = gui::gl::toCharacter(event.nativeVirtualKey());
+    if (character == 0 && event.nativeScanCode() == 0 && event.key() >= Qt::Key_Space && event.key() < Qt::Key_Escape)
+        character = static_cast<unsigned short>(event.key());
+    const QChar letter(character);
+    const bool isShifted = (event.modifiers() & Qt::ShiftModifier) != 0;
+    return (isShifted ? letter.toUpper() : letter.toLower()).unicode();
+}
+
+bool isNumLock(const QKeyEvent& event)
+{
+    const quint32 symbol = event.nativeVirtualKey();
+    return event.nativeScanCode() == 0 || (symbol >= XKB_KEY_KP_Multiply && symbol <= XKB_KEY_KP_9);
+}
+
+td::Point<double> toPoint(const QPointF& point) { return {point.x(), point.y()}; }
+
+std::size_t countCharacters(QStringView text) { return static_cast<std::size_t>(text.toUcs4().size()); }
+
+} // namespace
+
+unsigned int QtInput::modifiersOf(Qt::KeyboardModifiers modifiers) const
+{
+    constexpr std::array<std::pair<Qt::KeyboardModifier, gui::KeyModifier>, 5> cModifiers{{
+        {Qt::ShiftModifier, gui::KeyModifier::Shift},
+        {Qt::MetaModifier, gui::KeyModifier::Ctrl},
+        {Qt::AltModifier, gui::KeyModifier::Alt},
+        {Qt::ControlModifier, gui::KeyModifier::Cmd},
+        {Qt::GroupSwitchModifier, gui::KeyModifier::Fn},
+    }};
+    unsigned int mask = _isCapsLock ? static_cast<unsigned int>(gui::KeyModifier::CapsLock) : 0;
+    for (const auto& [qtModifier, modifier] : cModifiers)
+        if ((modifiers & qtModifier) != 0)
+            mask |= static_cast<unsigned int>(modifier);
+    return mask;
+}
+
+bool QtInput::isInput(const QEvent& event)
+{
+    switch (event.type())
+    {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseMove:
+    case QEvent::Enter:
+    case QEvent::Leave:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::InputMethod:
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+    case QEvent::NativeGesture:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool QtInput::handle(QEvent& event, gui::gl::NativeSurfaceClient& client, bool takesText)
+{
+    switch (event.type())
+    {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+        return onButton(static_cast<const QMouseEvent&>(event), client);
+    case QEvent::MouseMove:
+        return onMotion(static_cast<const QMouseEvent&>(event), client);
+    case QEvent::Enter:
+        _point = static_cast<const QEnterEvent&>(event).position();
+        client.onMotion(
+            {MotionEvent::Kind::Entered, modifiersOf(QGuiApplication::keyboardModifiers()), toPoint(_point)});
+        return false;
+    case QEvent::Leave:
+        client.onMotion(
+            {MotionEvent::Kind::Exited, modifiersOf(QGuiApplication::keyboardModifiers()), toPoint(_point)});
+        return false;
+    case QEvent::Wheel:
+        return onWheel(static_cast<const QWheelEvent&>(event), client);
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        return onKey(static_cast<const QKeyEvent&>(event), client, takesText);
+    case QEvent::InputMethod:
+        return onInputMethod(static_cast<const QInputMethodEvent&>(event), client);
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        client.onFocus(event.type() == QEvent::FocusIn);
+        return false;
+    case QEvent::NativeGesture:
+        return onGesture(static_cast<const QNativeGestureEvent&>(event), client);
+    default:
+        return onTouch(static_cast<const QTouchEvent&>(event), client);
+    }
+}
+
+bool QtInput::onButton(const QMouseEvent& event, gui::gl::NativeSurfaceClient& client)
+{
+    const auto* const pName =
+        std::ranges::find(cButtons, event.button(), &std::pair<Qt::MouseButton, ButtonEvent::Button>::first);
+    if (pName == cButtons.end())
+        return false;
+    _point = event.position();
+    const bool isDown = event.type() != QEvent::MouseButtonRelease;
+    if (isDown)
+    {
+        const QStyleHints& hints = *QGuiApplication::styleHints();
+        const bool goesOn = _pressedButton == event.button() && _sincePress.isValid() &&
+                            _sincePress.elapsed() < hints.mouseDoubleClickInterval() &&
+                            QLineF(_point, _pressPoint).length() <= hints.mouseDoubleClickDistance();
+        _nClicks = goesOn ? static_cast<unsigned short>(_nClicks + 1) : static_cast<unsigned short>(1);
+        _pressedButton = event.button();
+        _pressPoint = _point;
+        _sincePress.start();
+    }
+    client.onButton({pName->second, isDown, (event.buttons() & Qt::LeftButton) != 0,
+                     _pressedButton == event.button() ? _nClicks : static_cast<unsigned short>(1),
+                     modifiersOf(event.modifiers()), toPoint(_point)});
+    return true;
+}
+
+bool QtInput::onMotion(const QMouseEvent& event, gui::gl::NativeSurfaceClient& client)
+{
+    _point = event.position();
+    const unsigned int modifiers = modifiersOf(event.modifiers());
+    if ((event.buttons() & Qt::LeftButton) != 0)
+        client.onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
+    else if (event.buttons() == Qt::NoButton)
+        client.onMotion({MotionEvent::Kind::Moved, modifiers, toPoint(_point)});
+    else
+        for (const auto& [qtButton, button] : cButtons)
+            if ((event.buttons() & qtButton) != 0)
+            {
+                client.onMotion({MotionEvent::Kind::OtherDragged, modifiers, toPoint(_point), button});
+                break;
+            }
+    return true;
+}
+
+bool QtInput::onWheel(const QWheelEvent& event, gui::gl::NativeSurfaceClient& client)
+{
+    constexpr double cAnglePerNotch = 120;
+    QPoint angle = event.angleDelta();
+    // With Alt Qt turns a wheel around.
+    if ((event.modifiers() & Qt::AltModifier) != 0 && angle.y() == 0)
+        angle = angle.transposed();
+    _point = event.position();
+    const double unit = zav::s_wheelUnitsPerNotch / cAnglePerNotch;
+    return client.onWheel({angle.x() * unit, angle.y() * unit, modifiersOf(event.modifiers()), toPoint(_point)});
+}
+
+bool QtInput::onKey(const QKeyEvent& event, gui::gl::NativeSurfaceClient& client, bool takesText)
+{
+    const bool isDown = event.type() == QEvent::KeyPress;
+    // Between two presses of a key that repeats Qt lets it go.
+    if (!isDown && event.isAutoRepeat())
+        return true;
+    constexpr quint32 cLockMask = 2; // of X11 and of XKB's real modifiers
+    if (event.nativeScanCode() != 0)
+        _isCapsLock = (event.nativeModifiers() & cLockMask) != 0;
+    const gui::gl::KeyMapping mapping = gui::gl::mapKey(gui::gl::toKeyUsage(kernelKeyCode(event)), isNumLock(event));
+    if (mapping.keyCode == 0)
+        return false;
+    unsigned short character = mapping.character;
+    using Character = gui::gl::KeyMapping::Character;
+    if (mapping.kind == Character::OfLayout || mapping.kind == Character::OfShiftedLayout)
+        if (const unsigned short ofLayout = characterOf(event))
+            character = ofLayout;
+    const unsigned int modifiers = modifiersOf(event.modifiers());
+    const QString text = isDown && takesText ? event.text() : QString();
+    const bool isUsed = client.onKey({isDown, mapping.keyCode, character, modifiers});
+    if (text.isEmpty() || !text.front().isPrint())
+        return isUsed;
+    // Whoever takes text stays where he is.
+    client.onText({text.toStdString(), modifiers});
+    return true;
+}
+
+bool QtInput::onInputMethod(const QInputMethodEvent& event, gui::gl::NativeSurfaceClient& client)
+{
+    const std::string preedit = event.preeditString().toStdString();
+    const std::string committed = event.commitString().toStdString();
+    gui::gl::CompositionEvent composition{preedit, countCharacters(event.preeditString())};
+    for (const QInputMethodEvent::Attribute& attribute : event.attributes())
+        if (attribute.type == QInputMethodEvent::Cursor)
+            composition.start = countCharacters(QStringView(event.preeditString()).left(std::max(attribute.start, 0)));
+    const bool wasComposing = std::exchange(_isComposing, !preedit.empty());
+    // What was composed goes before what has become of it comes.
+    if (wasComposing && !committed.empty())
+        client.onComposition({{}});
+    if (!committed.empty())
+        client.onText({committed});
+    if (!preedit.empty() || (wasComposing && committed.empty()))
+        client.onComposition(composition);
+    return true;
+}
+
+bool QtInput::onGesture(const QNativeGestureEvent& event, gui::gl::NativeSurfaceClient& client)
+{
+    if (event.gestureType() == Qt::BeginNativeGesture)
+        _pinch = 1;
+    if (event.gestureType() != Qt::ZoomNativeGesture)
+        return false;
+    _pinch *= 1 + event.value();
+    client.onMagnification({_pinch - 1, modifiersOf(event.modifiers())});
+    return true;
+}
+
+// One finger is the left button of a mouse; from a second one on it is a pinch.
+bool QtInput::onTouch(const QTouchEvent& event, gui::gl::NativeSurfaceClient& client)
+{
+    constexpr double cShortestDistance = 8; // fingers that touch each other
+    const unsigned int modifiers = modifiersOf(event.modifiers());
+    std::array<QPointF, 2> fingers;
+    std::size_t nDown = 0;
+    for (const QEventPoint& point : event.points())
+        if (point.state() != QEventPoint::Released && event.type() != QEvent::TouchCancel && nDown < fingers.size())
+            fingers[nDown++] = point.position();
+    if (nDown == 2)
+    {
+        const double distance = std::max(cShortestDistance, QLineF(fingers[0], fingers[1]).length());
+        if (_firstDistance == 0)
+            _firstDistance = distance;
+        else
+            client.onMagnification({distance / _firstDistance - 1, modifiers});
+        return true;
+    }
+    const bool wasPinch = std::exchange(_firstDistance, 0) != 0;
+    const bool wasDown = std::exchange(_isFingerDown, nDown == 1 && (_isFingerDown || !wasPinch));
+    if (nDown == 1)
+        _point = fingers[0];
+    if (_isFingerDown != wasDown)
+        client.onButton({ButtonEvent::Button::Left, _isFingerDown, _isFingerDown, 1, modifiers, toPoint(_point)});
+    else if (_isFingerDown)
+        client.onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
+    return true;
+}
+
+} // namespace gui::qt

@@ -1,0 +1,96 @@
+#include <gui/qt/ViewWidget.h>
+
+#include "ViewHost.h"
+
+#include <gui/gl/View.h>
+
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QScreen>
+
+#include <utility>
+
+namespace gui::qt
+{
+
+namespace
+{
+
+class WidgetHost : public ViewHost
+{
+public:
+    WidgetHost(ViewWidget& widget, Maker make, const gui::gl::Context& context)
+        : ViewHost(std::move(make), context, "ViewWidget")
+        , _widget(widget)
+    {
+    }
+    WidgetHost(const WidgetHost&) = delete;
+    WidgetHost& operator=(const WidgetHost&) = delete;
+    ~WidgetHost() override { close(); }
+
+    QScreen* getScreen() const override { return _widget.screen(); }
+
+private:
+    void makeContextCurrent() override { _widget.makeCurrent(); }
+    QOpenGLContext* getContext() const override { return _widget.context(); }
+    QSize getSize() const override { return _widget.size(); }
+    qreal getRatio() const override { return _widget.devicePixelRatioF(); }
+    unsigned int getFramebuffer() const override { return _widget.defaultFramebufferObject(); }
+    void requestPaint() override { _widget.update(); }
+    void showCursor(Qt::CursorShape shape) override { _widget.setCursor(shape); }
+    void setTakesText(bool takesText) override
+    {
+        _widget.setAttribute(Qt::WA_InputMethodEnabled, takesText);
+        if (_widget.hasFocus())
+            QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
+    }
+    bool isShown() const override { return _widget.isVisible(); }
+
+    ViewWidget& _widget;
+};
+
+} // namespace
+
+ViewWidget::ViewWidget(gui::gl::View& view, const gui::gl::Context& context, QWidget* pParent)
+    : ViewWidget(makeContextOf(view, context), context, pParent)
+{
+}
+
+ViewWidget::ViewWidget(Maker make, const gui::gl::Context& context, QWidget* pParent)
+    : QOpenGLWidget(pParent)
+    , _pHost(std::make_unique<WidgetHost>(*this, std::move(make), context))
+{
+    setFormat(toFormat(context));
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    setAttribute(Qt::WA_AcceptTouchEvents);
+}
+
+ViewWidget::~ViewWidget() = default;
+
+gui::gl::View* ViewWidget::getView() const { return _pHost->getView(); }
+
+gui::gl::Context ViewWidget::getDefaultContext()
+{
+    return {gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::Bits8, gui::gl::Context::Profile::Core41};
+}
+
+QSize ViewWidget::sizeHint() const { return {400, 300}; }
+
+QVariant ViewWidget::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    const QVariant answer = _pHost->query(query);
+    return answer.isValid() ? answer : QOpenGLWidget::inputMethodQuery(query);
+}
+
+void ViewWidget::initializeGL() { _pHost->initialize(); }
+
+void ViewWidget::paintGL() { _pHost->paint(); }
+
+bool ViewWidget::event(QEvent* pEvent)
+{
+    // Qt asks while it is constructed as well.
+    return (_pHost != nullptr && _pHost->handle(pEvent)) || QOpenGLWidget::event(pEvent);
+}
+
+} // namespace gui::qt
