@@ -1,11 +1,24 @@
 #pragma once
 
+#include "RecordingView.h"
 #include "XServer.h"
 
+#include <memory>
 #include <string>
 
 namespace test
 {
+
+/// What shows a view on a desktop: a window of the library's, or of a host's.
+class ShownWindow
+{
+public:
+    virtual ~ShownWindow() = default;
+
+    /// Makes the view's context, if it has none, and shows it. @return whether it does
+    virtual bool show(RecordingView& view, gui::gl::Context::Animation animation) = 0;
+    virtual void setSize(const td::Size<double>& size) = 0;
+};
 
 /// What runs windows on the screen of an X server of the test's own. The user of it is xdotool.
 class Desktop
@@ -26,6 +39,10 @@ public:
     virtual bool bring(const std::string& title, int place) const = 0;
     /// @return false for other layouts than the ones it started with, if they cannot be changed any more
     virtual bool setLayouts(const std::string& layouts) const = 0;
+    /// Whether keys make events that an input method takes, as it does with a dead key and the one behind it.
+    virtual bool tellsComposedKeys() const { return true; }
+    /// A window that isn't shown yet: one of the library's unless a host has another.
+    virtual std::unique_ptr<ShownWindow> makeWindow(const char* title, const td::Size<double>& size) const;
 };
 
 /// That of the program's tests.

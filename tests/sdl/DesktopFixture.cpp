@@ -14,6 +14,11 @@ constexpr XServer::Place cScreen{0, 0, 1280, 1024};
 
 } // namespace
 
+std::unique_ptr<ShownWindow> Desktop::makeWindow(const char* title, const td::Size<double>& size) const
+{
+    return std::make_unique<OwnWindow>(title, size);
+}
+
 DesktopFixture::DesktopFixture()
 {
     theApplication() = &app;
@@ -28,10 +33,23 @@ DesktopFixture::~DesktopFixture()
     pinLoadedLibraries();
 }
 
+void DesktopFixture::show(ShownWindow& window, RecordingView& view, const char* title, int place,
+                          gui::gl::Context::Animation animation)
+{
+    desktop().goTo(place);
+    ASSERT_TRUE(window.show(view, animation));
+    waitUntilSeen(view, title, place);
+}
+
 void DesktopFixture::show(gui::Window& window, RecordingView& view, const char* title, int place)
 {
     desktop().goTo(place);
     ASSERT_TRUE(window.show(view));
+    waitUntilSeen(view, title, place);
+}
+
+void DesktopFixture::waitUntilSeen(RecordingView& view, const char* title, int place)
+{
     ASSERT_TRUE(waitInLoop([&] { return desktop().bring(title, place); }));
     ASSERT_TRUE(showsItsFrame(view));
     const XServer::Place area = desktop().area(place);

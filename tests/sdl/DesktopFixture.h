@@ -15,6 +15,24 @@
 namespace test
 {
 
+/// One of the library's.
+class OwnWindow : public ShownWindow
+{
+public:
+    OwnWindow(const char* title, const td::Size<double>& size)
+        : window(title, size)
+    {
+    }
+    bool show(RecordingView& view, gui::gl::Context::Animation animation) override
+    {
+        view.create(animation);
+        return window.show(view);
+    }
+    void setSize(const td::Size<double>& size) override { window.setSize(size); }
+
+    gui::Window window;
+};
+
 /// A program in real windows, and a user of it in another process.
 class DesktopFixture : public testing::Test
 {
@@ -23,6 +41,8 @@ protected:
     ~DesktopFixture() override;
 
     /// Shows a view in the window at a place of the desktop, and waits until the user sees it.
+    void show(ShownWindow& window, RecordingView& view, const char* title, int place = 0,
+              gui::gl::Context::Animation animation = gui::gl::Context::Animation::Off);
     void show(gui::Window& window, RecordingView& view, const char* title, int place = 0);
     /// Waits until the screen shows the frame that the view draws, wherever that is.
     testing::AssertionResult showsItsFrame(RecordingView& view);
@@ -35,6 +55,9 @@ protected:
     gui::Application app{0, nullptr};
     XServer::Place corner{}; ///< of the frame that was seen last
     int scale = 1;
+
+private:
+    void waitUntilSeen(RecordingView& view, const char* title, int place);
 };
 
 } // namespace test

@@ -11,15 +11,14 @@ class DesktopTest : public DesktopFixture, public testing::WithParamInterface<in
 protected:
     void SetUp() override
     {
-        view.create();
-        ASSERT_NO_FATAL_FAILURE(show(window, view, "Window", GetParam()));
+        ASSERT_NO_FATAL_FAILURE(show(*shown, view, "Window", GetParam()));
         xdo(at(40, 30));
         ASSERT_TRUE(view.hasHeard({"enter 40,30"}));
     }
     void TearDown() override { EXPECT_FALSE(view.isWrong); }
 
     RecordingView view;
-    gui::Window window{"Window", {200, 150}};
+    std::unique_ptr<ShownWindow> shown = desktop().makeWindow("Window", {200, 150});
 };
 
 } // namespace test

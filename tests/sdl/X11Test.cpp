@@ -18,6 +18,7 @@ class X11Test : public DesktopTest
 {
 protected:
     static const XServer& xServer() { return desktop().server(); }
+    gui::Window& window() const { return static_cast<OwnWindow&>(*shown).window; }
 };
 
 INSTANTIATE_TEST_SUITE_P(X11, DesktopTest, testing::Values(0));
@@ -81,7 +82,7 @@ TEST_P(X11Test, MotionsOfOneFrameAreOne)
 // The release is not the last of its event: the pointer left on the way.
 TEST_P(X11Test, ADragOutsideMayEndTheView)
 {
-    view.in["release"] = [this] { window.close(); };
+    view.in["release"] = [this] { window().close(); };
     xdo("mousedown 1");
     xdo(at(180, 70));
     EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "drag 180,70"}));
@@ -134,7 +135,7 @@ TEST_P(X11Test, TextComesWhereItIsAskedFor)
     xdo("keyup 38");
     EXPECT_TRUE(view.hasHeard({"key 'a'", "text a", "up key 'a'"}));
     EXPECT_TRUE(SDL_IsTextInputActive());
-    window.close();
+    window().close();
     EXPECT_FALSE(SDL_IsTextInputActive());
 }
 
@@ -220,7 +221,7 @@ TEST_P(X11Test, TheWindowManagerResizesAndCloses)
     xdo("windowsize " + std::to_string(xServer().findWindow("Window")) + " 520 410");
     EXPECT_TRUE(waitInLoop([&] { return view.sizes.back() == cSize; }));
     EXPECT_TRUE(showsItsFrame(view));
-    EXPECT_EQ(window.getSize(), cSize);
+    EXPECT_EQ(window().getSize(), cSize);
     EXPECT_EQ(view.sizes.size(), 2U) << "it is told once";
     xServer().askToClose(xServer().findWindow("Window"));
     EXPECT_EQ(app.run(), 0);
@@ -232,23 +233,23 @@ TEST_P(X11Test, FullScreenAndBack)
     constexpr td::Size<double> cScreen{1280, 1024};
     const auto becomes = [&](const td::Size<double>& size)
     {
-        return waitInLoop([&] { return view.sizes.back() == size && window.isFullScreen() == (size == cScreen); }) &&
+        return waitInLoop([&] { return view.sizes.back() == size && window().isFullScreen() == (size == cScreen); }) &&
                showsItsFrame(view);
     };
     // The window manager makes it full, the program takes it back; and the other way round, with a size set meanwhile.
     const XServer::Window id = xServer().findWindow("Window");
     xServer().toggle(id, "_NET_WM_STATE_FULLSCREEN");
     EXPECT_TRUE(becomes(cScreen));
-    window.setFullScreen(false);
+    window().setFullScreen(false);
     EXPECT_TRUE(becomes({200, 150}));
-    window.setFullScreen(true);
+    window().setFullScreen(true);
     EXPECT_TRUE(becomes(cScreen));
     xServer().toggle(id, "_NET_WM_STATE_FULLSCREEN");
     EXPECT_TRUE(becomes({200, 150}));
-    window.setFullScreen(true);
+    window().setFullScreen(true);
     EXPECT_TRUE(becomes(cScreen));
-    window.setSize({320, 210});
-    window.setFullScreen(false);
+    window().setSize({320, 210});
+    window().setFullScreen(false);
     EXPECT_TRUE(becomes({320, 210}));
 
     // A maximised window is that again, and has not forgotten its own size.
@@ -263,9 +264,9 @@ TEST_P(X11Test, FullScreenAndBack)
         }));
     ASSERT_TRUE(showsItsFrame(view));
     const td::Size<double> maximized = view.sizes.back();
-    window.setFullScreen(true);
+    window().setFullScreen(true);
     EXPECT_TRUE(becomes(cScreen));
-    window.setFullScreen(false);
+    window().setFullScreen(false);
     EXPECT_TRUE(becomes(maximized));
     maximize();
     EXPECT_TRUE(becomes({320, 210}));
@@ -298,7 +299,7 @@ TEST_P(X11Test, AClosedWindowLeavesTheOtherRunning)
     other.topLeft = 0xC020C0;
     gui::Window otherWindow("Other", {160, 100});
     ASSERT_NO_FATAL_FAILURE(show(otherWindow, other, "Other", 1));
-    window.close();
+    window().close();
     EXPECT_EQ(view.nCleanUps, 1);
     const int nFrames = other.nFrames;
     EXPECT_TRUE(waitInLoop([&] { return other.nFrames >= nFrames + 3; }));
@@ -310,7 +311,7 @@ TEST_P(X11Test, ViewMovesToAnotherWindow)
 {
     gui::Window secondWindow("After", {220, 120});
     ASSERT_NO_FATAL_FAILURE(show(secondWindow, view, "After"));
-    EXPECT_FALSE(window.isOpen());
+    EXPECT_FALSE(window().isOpen());
     EXPECT_EQ(xServer().findWindow("Window"), 0u);
     EXPECT_EQ(view.sizes.back(), (td::Size<double>{220, 120}));
 }

@@ -1,5 +1,7 @@
 #include "QtInput.h"
 
+#include "X11Symbols.h"
+
 #include <gui/Key.h>
 #include <gui/gl/InputTuning.h>
 #include <gui/gl/port/KeySymbols.h>
@@ -72,7 +74,9 @@ unsigned int kernelKeyCode(const QKeyEvent& event)
 // The character of a key with Shift alone applied, of the symbol or the text that it has with all modifiers.
 unsigned short characterOf(const QKeyEvent& event)
 {
-    unsigned short character = gui::gl::toCharacter(event.nativeVirtualKey());
+    const bool isAltGr = (event.modifiers() & Qt::GroupSwitchModifier) != 0;
+    const quint32 ofLayout = isAltGr ? getX11Symbol(event) : 0;
+    unsigned short character = gui::gl::toCharacter(ofLayout != 0 ? ofLayout : event.nativeVirtualKey());
     if (character == 0 && event.nativeScanCode() == 0 && event.key() >= Qt::Key_Space && event.key() < Qt::Key_Escape)
         character = static_cast<unsigned short>(event.key());
     const QChar letter(character);
@@ -148,11 +152,11 @@ bool QtInput::handle(QEvent& event, gui::gl::NativeSurfaceClient& client, bool t
     case QEvent::Enter:
         _point = static_cast<const QEnterEvent&>(event).position();
         client.onMotion(
-            {MotionEvent::Kind::Entered, modifiersOf(QGuiApplication::keyboardModifiers()), toPoint(_point)});
+            {MotionEvent::Kind::Entered, modifiersOf(QGuiApplication::queryKeyboardModifiers()), toPoint(_point)});
         return false;
     case QEvent::Leave:
         client.onMotion(
-            {MotionEvent::Kind::Exited, modifiersOf(QGuiApplication::keyboardModifiers()), toPoint(_point)});
+            {MotionEvent::Kind::Exited, modifiersOf(QGuiApplication::queryKeyboardModifiers()), toPoint(_point)});
         return false;
     case QEvent::Wheel:
         return onWheel(static_cast<const QWheelEvent&>(event), client);

@@ -145,13 +145,12 @@ bool ViewHost::makeCurrent()
 void ViewHost::reportFormat() const
 {
     const gui::gl::PixelFormatSizes asked = gui::gl::decodePixelFormat(gui::gl::requestPixelFormat(_asked));
-    const QSurfaceFormat got = getContext()->format();
-    const int nSamples = std::max(got.samples(), 1);
-    if (got.depthBufferSize() < asked.depthBits || got.stencilBufferSize() < asked.stencilBits ||
-        nSamples < asked.nSamples)
+    const int depthBits = getDepthBits();
+    const int stencilBits = getStencilBits();
+    const int nSamples = zav::getSamples(_pView);
+    if (depthBits < asked.depthBits || stencilBits < asked.stencilBits || nSamples < asked.nSamples)
         vo::dbgLog("Warning! %s asked for %d depth bits, %d stencil bits and %d samples, got %d, %d and %d", _name,
-                   asked.depthBits, asked.stencilBits, asked.nSamples, std::max(got.depthBufferSize(), 0),
-                   std::max(got.stencilBufferSize(), 0), nSamples);
+                   asked.depthBits, asked.stencilBits, asked.nSamples, depthBits, stencilBits, nSamples);
 }
 
 void ViewHost::initialize()
@@ -169,7 +168,6 @@ void ViewHost::initialize()
                    format.majorVersion(), format.minorVersion());
         return;
     }
-    reportFormat();
     _connection = QObject::connect(pContext, &QOpenGLContext::aboutToBeDestroyed, [this] { close(); });
     _size = getSize();
     _ratio = getRatio();
@@ -224,6 +222,9 @@ void ViewHost::paint()
     if (_pClient == nullptr)
         return;
     _isPainting = true;
+    // Not before: a widget's framebuffer comes behind its context.
+    if (!std::exchange(_isFormatReported, true))
+        reportFormat();
     if (std::exchange(_nTicksAhead, 0) > 0)
         runLoop().setVisible(this, true);
     if (isShown())

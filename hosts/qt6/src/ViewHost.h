@@ -69,6 +69,8 @@ private:
     virtual QSize getSize() const = 0;
     virtual qreal getRatio() const = 0;
     virtual unsigned int getFramebuffer() const = 0;
+    virtual int getDepthBits() const = 0;
+    virtual int getStencilBits() const = 0;
     virtual void requestPaint() = 0;
     virtual void showCursor(Qt::CursorShape shape) = 0;
     virtual void setTakesText(bool takesText) = 0;
@@ -105,6 +107,7 @@ private:
     QSize _size; // the last that the view was told
     qreal _ratio = 0;
     int _nTicksAhead = 0; // that no paint has followed
+    bool _isFormatReported = false;
     bool _isTickDue = false;
     bool _isEntered = false;
     bool _isPainting = false;

@@ -36,6 +36,9 @@ private:
     QSize getSize() const override { return _widget.size(); }
     qreal getRatio() const override { return _widget.devicePixelRatioF(); }
     unsigned int getFramebuffer() const override { return _widget.defaultFramebufferObject(); }
+    // Those of every framebuffer that Qt makes with a depth buffer, whatever the context's own surface has.
+    int getDepthBits() const override { return 24; }
+    int getStencilBits() const override { return 8; }
     void requestPaint() override { _widget.update(); }
     void showCursor(Qt::CursorShape shape) override { _widget.setCursor(shape); }
     void setTakesText(bool takesText) override

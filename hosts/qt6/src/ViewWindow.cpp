@@ -37,6 +37,8 @@ private:
     QSize getSize() const override { return _window.size(); }
     qreal getRatio() const override { return _window.devicePixelRatio(); }
     unsigned int getFramebuffer() const override { return _window.defaultFramebufferObject(); }
+    int getDepthBits() const override { return _window.format().depthBufferSize(); }
+    int getStencilBits() const override { return _window.format().stencilBufferSize(); }
     void requestPaint() override { _window.update(); }
     void showCursor(Qt::CursorShape shape) override { _window.setCursor(shape); }
     void setTakesText(bool) override

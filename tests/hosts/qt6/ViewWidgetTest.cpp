@@ -1,0 +1,208 @@
+// What a program of Qt's does with its widgets.
+
+#include "DesktopTest.h"
+
+#include <gui/Clipboard.h>
+#include <gui/ZavObject.h>
+#include <gui/qt/ViewWidget.h>
+#include <gui/qt/ViewWindow.h>
+
+#include <QAbstractEventDispatcher>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMainWindow>
+#include <QTabWidget>
+
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace test
+{
+
+namespace
+{
+
+using gui::qt::ViewWidget;
+
+INSTANTIATE_TEST_SUITE_P(Qt, DesktopTest, testing::Values(0));
+
+class ViewWidgetTest : public DesktopFixture
+{
+protected:
+    std::function<gui::gl::View*()> make(gui::gl::Context::Animation animation = gui::gl::Context::Animation::Off)
+    {
+        return [this, animation]
+        {
+            view.create(animation);
+            return &view;
+        };
+    }
+    // Shows a widget that waits to be in a window of its own.
+    testing::AssertionResult isSeen(QWidget& window)
+    {
+        window.resize(200, 150);
+        window.show();
+        return showsItsFrame(view);
+    }
+
+    RecordingView view;
+};
+
+// The view, its context and its objects stay the same.
+TEST_F(ViewWidgetTest, AWidgetMovesFromWindowToWindow)
+{
+    auto* const pWidget = new ViewWidget(make());
+    QMainWindow first, second;
+    first.setCentralWidget(pWidget);
+    ASSERT_TRUE(isSeen(first));
+    second.resize(260, 170);
+    second.show();
+    QTabWidget tabs;
+    tabs.resize(300, 200);
+    tabs.show();
+    for (int i = 0; i < 33; ++i)
+    {
+        second.setCentralWidget(first.takeCentralWidget());
+        waitInLoop([&] { return view.sizes.back().width == 260; });
+        tabs.addTab(second.takeCentralWidget(), "Map");
+        tabs.setCurrentIndex(0);
+        waitInLoop([&] { return view.sizes.back().width != 260; });
+        tabs.removeTab(0);
+        first.setCentralWidget(pWidget);
+        pWidget->show();
+        waitInLoop([&] { return view.sizes.back().width == 200; });
+    }
+    second.hide();
+    tabs.hide();
+    EXPECT_TRUE(showsItsFrame(view));
+    EXPECT_FALSE(view.isWrong);
+    EXPECT_EQ(view.nCleanUps, 0);
+    EXPECT_FALSE(log.said("Error"));
+}
+
+TEST_F(ViewWidgetTest, ViewAndWidgetGoInAnyOrder)
+{
+    {
+        ViewWidget widget(make());
+        ASSERT_TRUE(isSeen(widget));
+        EXPECT_EQ(widget.getView(), &view);
+    }
+    EXPECT_EQ(view.nCleanUps, 1);
+    view.reRender();
+
+    auto pOther = std::make_unique<RecordingView>();
+    ViewWidget widget(
+        [&]
+        {
+            pOther->create();
+            return pOther.get();
+        });
+    widget.show();
+    ASSERT_TRUE(waitInLoop([&] { return pOther->nFrames > 0; }));
+    pOther.reset();
+    EXPECT_EQ(widget.getView(), nullptr);
+    widget.resize(90, 80);
+    widget.update();
+    app.step(0.1);
+
+    // A click may end all of it.
+    RecordingView last;
+    auto* const pWidget = new ViewWidget(
+        [&last]
+        {
+            last.create();
+            return &last;
+        });
+    pWidget->setWindowTitle("Last");
+    pWidget->show();
+    ASSERT_TRUE(waitInLoop([] { return desktop().bring("Last", 0); }));
+    ASSERT_TRUE(showsItsFrame(last));
+    bool isGone = false;
+    last.in["press"] = [&]
+    {
+        delete pWidget;
+        isGone = true;
+    };
+    xdo(at(20, 20) + " click 1");
+    EXPECT_TRUE(waitInLoop([&] { return isGone; }));
+    app.step(0.1);
+}
+
+TEST_F(ViewWidgetTest, AtRestNothingWakesTheLoop)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    view.startAnimation();
+    const int before = view.nFrames;
+    ASSERT_TRUE(waitInLoop([&] { return view.nFrames > before + 10; }));
+    // Nobody sees it: no ticks.
+    widget.hide();
+    waitInLoop([] { return false; }, 0.2);
+    int nTurns = 0;
+    const auto connection = QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake,
+                                             [&nTurns] { ++nTurns; });
+    const int hidden = view.nFrames;
+    app.step(0.4);
+    EXPECT_EQ(view.nFrames, hidden);
+    widget.show();
+    ASSERT_TRUE(waitInLoop([&] { return view.nFrames > hidden + 3; }));
+    view.stopAnimation();
+    waitInLoop([] { return false; }, 0.2);
+    nTurns = 0;
+    const int frames = view.nFrames;
+    app.step(0.4);
+    EXPECT_LE(nTurns, 3);
+    EXPECT_EQ(view.nFrames, frames);
+    QObject::disconnect(connection);
+}
+
+TEST_F(ViewWidgetTest, CallsTextsAndSamplesArePassedOn)
+{
+    bool isCalled = false;
+    std::thread([&isCalled]
+                { gui::ZavObject::asyncCall(new std::function<void()>([&isCalled] { isCalled = true; }), true); })
+        .join();
+    // By Qt's own loop alone.
+    while (!isCalled)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+
+    EXPECT_TRUE(gui::Clipboard::setText("Straße"));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromUtf8("Straße"));
+    QGuiApplication::clipboard()->setText("from Qt");
+    EXPECT_EQ(gui::Clipboard::getText(), "from Qt");
+
+    gui::gl::Context context = ViewWidget::getDefaultContext();
+    context.setSamples(4);
+    gui::gl::View sampled;
+    ViewWidget widget(sampled, context);
+    widget.show();
+    ASSERT_TRUE(waitInLoop([&] { return sampled.getSamples() > 0; }));
+    EXPECT_EQ(sampled.getSamples(), 4);
+}
+
+TEST_F(ViewWidgetTest, AWindowWithoutWidgetsShowsTheSame)
+{
+    gui::qt::ViewWindow window(make());
+    window.resize(200, 150);
+    window.show();
+    EXPECT_TRUE(showsItsFrame(view));
+    window.resize(230, 160);
+    EXPECT_TRUE(waitInLoop([&] { return !view.sizes.empty() && view.sizes.back().width == 230; }));
+    EXPECT_TRUE(showsItsFrame(view));
+    EXPECT_FALSE(view.isWrong);
+}
+
+// Run at several scales: the screen shows what was drawn, pixel for pixel.
+TEST_F(ViewWidgetTest, FramesAreSharp)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    EXPECT_EQ(double(view.getPixelHiDPIScale()), widget.devicePixelRatioF());
+    EXPECT_EQ(corner.width, qRound(200 * widget.devicePixelRatioF()));
+    EXPECT_TRUE(view.grab() == view.readPixels());
+}
+
+} // namespace
+
+} // namespace test

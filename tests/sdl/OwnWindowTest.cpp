@@ -1,0 +1,64 @@
+// What a user sees of windows of the library's own, on each desktop and at each of its places.
+
+#include "DesktopTest.h"
+#include "SampledView.h"
+
+namespace test
+{
+
+namespace
+{
+
+using gui::gl::Context;
+
+// Larger than the context was made for, and nobody asks for a second frame. Then smaller, when it is bound already.
+TEST_P(DesktopTest, EachFrameFillsTheWindow)
+{
+    gui::gl::View other;
+    other.createContext(
+        Context(gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41));
+    static_cast<OwnWindow&>(*shown).window.close();
+    RecordingView large;
+    large.create(Context::Animation::Off, {100, 80});
+    Screenshot drawn;
+    large.in["onDraw"] = [&drawn] { drawn = RecordingView::readDrawn(); };
+    const td::Size<double> size = GetParam() == 0 ? td::Size<double>{500, 420} : td::Size<double>{280, 200};
+    gui::Window largeWindow("Large", size);
+    desktop().goTo(GetParam());
+    ASSERT_TRUE(largeWindow.show(large));
+    const auto isFull = [&](double width)
+    { return waitInLoop([&] { return drawn.width == width * scale; }) && shows(large, [&drawn] { return drawn; }); };
+    EXPECT_TRUE(isFull(size.width));
+    other.makeCurrentContext();
+    large.makeCurrentContext();
+    largeWindow.setSize({120, 90});
+    EXPECT_TRUE(isFull(120));
+    EXPECT_FALSE(large.isWrong);
+}
+
+// The driver of these tests has four samples in a window; or, from Mesa 25 on with X11, none but one.
+TEST_P(DesktopTest, EdgesAreAsSmoothAsAskedFor)
+{
+    desktop().goTo(0);
+    int most = 4;
+    for (const int asked : {1, 4, 16})
+    {
+        SampledView sampled(asked);
+        if (asked == 4 && log.said("Warning! SDLContext asked for 4 samples, got 1"))
+            most = 1;
+        const int got = std::min(asked, most);
+        if (asked > 4)
+        {
+            EXPECT_TRUE(log.said("Warning! SDLContext asked for 16 samples, got " + std::to_string(most)));
+        }
+        gui::Window other("Sampled", {64, 48});
+        ASSERT_TRUE(other.show(sampled));
+        EXPECT_EQ(sampled.getSamples(), got);
+        EXPECT_EQ(sampled.countShades() > 2, got > 1);
+    }
+    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty(); }));
+}
+
+} // namespace
+
+} // namespace test

@@ -1,0 +1,36 @@
+// The desktop of tests of windows on X11.
+
+#include "X11Desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace test
+{
+
+namespace
+{
+
+std::unique_ptr<X11Desktop> s_pDesktop;
+
+class Environment : public testing::Environment
+{
+public:
+    void SetUp() override
+    {
+        setenv("GUIGL_WINDOW_SYSTEM", "x11", 1);
+        s_pDesktop = std::make_unique<X11Desktop>();
+        ASSERT_TRUE(s_pDesktop->isOk());
+    }
+    // The server stays until the program has ended: it would take the program with it.
+};
+
+testing::Environment* const s_pEnvironment = testing::AddGlobalTestEnvironment(new Environment);
+
+} // namespace
+
+Desktop& desktop() { return *s_pDesktop; }
+
+} // namespace test
