@@ -1,12 +1,12 @@
 # What `cmake --install` puts where, so that other projects find it with find_package(guigl) or pkg-config, in four
-# components: runtime, development, documentation and examples.
+# components: runtime, development, documentation and examples. Each host (qt6) is two more, qt6 and qt6_development.
 
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/guigl)
 
 # The libraries find each other in whatever folder they are installed to.
-foreach(library IN ITEMS guigl_util guigl_gui guigl_gl guigl_draw)
+foreach(library IN ITEMS guigl_util guigl_gui guigl_gl guigl_draw guigl_qt6)
     if(TARGET ${library})
         set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
     endif()
@@ -19,6 +19,19 @@ foreach(headers IN ITEMS toolkit/include toolkit/port include draw/include)
             COMPONENT development
             # What the two halves of a window system share is theirs, and brings its headers.
             FILES_MATCHING PATTERN "*.h" PATTERN "sdl" EXCLUDE)
+    endif()
+endforeach()
+
+foreach(host IN ITEMS qt6)
+    if(TARGET guigl_${host})
+        install(DIRECTORY ${guigl_SOURCE_DIR}/hosts/${host}/include/
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl
+            COMPONENT ${host}_development)
+        install(EXPORT guigl-${host}
+            FILE guigl-${host}.cmake
+            NAMESPACE guigl::
+            DESTINATION ${package_folder}
+            COMPONENT ${host}_development)
     endif()
 endforeach()
 

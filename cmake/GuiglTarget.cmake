@@ -24,10 +24,12 @@ function(guigl_settings target)
     endif()
 endfunction()
 
-# guigl_library(<name> <sources>...): the shared library guigl_<name>, known as guigl::<name>.
+# guigl_library(<name> [COMPONENT <component>] <sources>...): the shared library guigl_<name>, known as guigl::<name>.
+# It is installed with the others, or as a component of its own.
 function(guigl_library name)
+    cmake_parse_arguments(ARG "" "COMPONENT" "" ${ARGN})
     set(target guigl_${name})
-    add_library(${target} SHARED ${ARGN})
+    add_library(${target} SHARED ${ARG_UNPARSED_ARGUMENTS})
     add_library(guigl::${name} ALIAS ${target})
     guigl_settings(${target})
     set_target_properties(${target} PROPERTIES
@@ -39,9 +41,17 @@ function(guigl_library name)
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,-Bsymbolic-functions)
     if(GUIGL_INSTALL)
-        install(TARGETS ${target} EXPORT guigl
+        set(export guigl)
+        set(runtime runtime)
+        set(development development)
+        if(ARG_COMPONENT)
+            set(export guigl-${ARG_COMPONENT})
+            set(runtime ${ARG_COMPONENT})
+            set(development ${ARG_COMPONENT}_development)
+        endif()
+        install(TARGETS ${target} EXPORT ${export}
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-                COMPONENT runtime NAMELINK_COMPONENT development
+                COMPONENT ${runtime} NAMELINK_COMPONENT ${development}
             INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl)
     endif()
 endfunction()

@@ -139,44 +139,44 @@ bool QtInput::isInput(const QEvent& event)
     }
 }
 
-bool QtInput::handle(QEvent& event, gui::gl::NativeSurfaceClient& client, bool takesText)
+bool QtInput::handle(QEvent& event, const SharedClient& pClient, bool takesText)
 {
     switch (event.type())
     {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
-        return onButton(static_cast<const QMouseEvent&>(event), client);
+        return onButton(static_cast<const QMouseEvent&>(event), pClient);
     case QEvent::MouseMove:
-        return onMotion(static_cast<const QMouseEvent&>(event), client);
+        return onMotion(static_cast<const QMouseEvent&>(event), pClient);
     case QEvent::Enter:
         _point = static_cast<const QEnterEvent&>(event).position();
-        client.onMotion(
+        (*pClient)->onMotion(
             {MotionEvent::Kind::Entered, modifiersOf(QGuiApplication::queryKeyboardModifiers()), toPoint(_point)});
         return false;
     case QEvent::Leave:
-        client.onMotion(
+        (*pClient)->onMotion(
             {MotionEvent::Kind::Exited, modifiersOf(QGuiApplication::queryKeyboardModifiers()), toPoint(_point)});
         return false;
     case QEvent::Wheel:
-        return onWheel(static_cast<const QWheelEvent&>(event), client);
+        return onWheel(static_cast<const QWheelEvent&>(event), pClient);
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        return onKey(static_cast<const QKeyEvent&>(event), client, takesText);
+        return onKey(static_cast<const QKeyEvent&>(event), pClient, takesText);
     case QEvent::InputMethod:
-        return onInputMethod(static_cast<const QInputMethodEvent&>(event), client);
+        return onInputMethod(static_cast<const QInputMethodEvent&>(event), pClient);
     case QEvent::FocusIn:
     case QEvent::FocusOut:
-        client.onFocus(event.type() == QEvent::FocusIn);
+        (*pClient)->onFocus(event.type() == QEvent::FocusIn);
         return false;
     case QEvent::NativeGesture:
-        return onGesture(static_cast<const QNativeGestureEvent&>(event), client);
+        return onGesture(static_cast<const QNativeGestureEvent&>(event), pClient);
     default:
-        return onTouch(static_cast<const QTouchEvent&>(event), client);
+        return onTouch(static_cast<const QTouchEvent&>(event), pClient);
     }
 }
 
-bool QtInput::onButton(const QMouseEvent& event, gui::gl::NativeSurfaceClient& client)
+bool QtInput::onButton(const QMouseEvent& event, const SharedClient& pClient)
 {
     const auto* const pName =
         std::ranges::find(cButtons, event.button(), &std::pair<Qt::MouseButton, ButtonEvent::Button>::first);
@@ -195,31 +195,31 @@ bool QtInput::onButton(const QMouseEvent& event, gui::gl::NativeSurfaceClient& c
         _pressPoint = _point;
         _sincePress.start();
     }
-    client.onButton({pName->second, isDown, (event.buttons() & Qt::LeftButton) != 0,
-                     _pressedButton == event.button() ? _nClicks : static_cast<unsigned short>(1),
-                     modifiersOf(event.modifiers()), toPoint(_point)});
+    (*pClient)->onButton({pName->second, isDown, (event.buttons() & Qt::LeftButton) != 0,
+                          _pressedButton == event.button() ? _nClicks : static_cast<unsigned short>(1),
+                          modifiersOf(event.modifiers()), toPoint(_point)});
     return true;
 }
 
-bool QtInput::onMotion(const QMouseEvent& event, gui::gl::NativeSurfaceClient& client)
+bool QtInput::onMotion(const QMouseEvent& event, const SharedClient& pClient)
 {
     _point = event.position();
     const unsigned int modifiers = modifiersOf(event.modifiers());
     if ((event.buttons() & Qt::LeftButton) != 0)
-        client.onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
+        (*pClient)->onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
     else if (event.buttons() == Qt::NoButton)
-        client.onMotion({MotionEvent::Kind::Moved, modifiers, toPoint(_point)});
+        (*pClient)->onMotion({MotionEvent::Kind::Moved, modifiers, toPoint(_point)});
     else
         for (const auto& [qtButton, button] : cButtons)
             if ((event.buttons() & qtButton) != 0)
             {
-                client.onMotion({MotionEvent::Kind::OtherDragged, modifiers, toPoint(_point), button});
+                (*pClient)->onMotion({MotionEvent::Kind::OtherDragged, modifiers, toPoint(_point), button});
                 break;
             }
     return true;
 }
 
-bool QtInput::onWheel(const QWheelEvent& event, gui::gl::NativeSurfaceClient& client)
+bool QtInput::onWheel(const QWheelEvent& event, const SharedClient& pClient)
 {
     constexpr double cAnglePerNotch = 120;
     QPoint angle = event.angleDelta();
@@ -228,10 +228,10 @@ bool QtInput::onWheel(const QWheelEvent& event, gui::gl::NativeSurfaceClient& cl
         angle = angle.transposed();
     _point = event.position();
     const double unit = zav::s_wheelUnitsPerNotch / cAnglePerNotch;
-    return client.onWheel({angle.x() * unit, angle.y() * unit, modifiersOf(event.modifiers()), toPoint(_point)});
+    return (*pClient)->onWheel({angle.x() * unit, angle.y() * unit, modifiersOf(event.modifiers()), toPoint(_point)});
 }
 
-bool QtInput::onKey(const QKeyEvent& event, gui::gl::NativeSurfaceClient& client, bool takesText)
+bool QtInput::onKey(const QKeyEvent& event, const SharedClient& pClient, bool takesText)
 {
     const bool isDown = event.type() == QEvent::KeyPress;
     // Between two presses of a key that repeats Qt lets it go.
@@ -250,15 +250,15 @@ bool QtInput::onKey(const QKeyEvent& event, gui::gl::NativeSurfaceClient& client
             character = ofLayout;
     const unsigned int modifiers = modifiersOf(event.modifiers());
     const QString text = isDown && takesText ? event.text() : QString();
-    const bool isUsed = client.onKey({isDown, mapping.keyCode, character, modifiers});
+    const bool isUsed = (*pClient)->onKey({isDown, mapping.keyCode, character, modifiers});
     if (text.isEmpty() || !text.front().isPrint())
         return isUsed;
-    // Whoever takes text stays where he is.
-    client.onText({text.toStdString(), modifiers});
+    if (*pClient != nullptr)
+        (*pClient)->onText({text.toStdString(), modifiers});
     return true;
 }
 
-bool QtInput::onInputMethod(const QInputMethodEvent& event, gui::gl::NativeSurfaceClient& client)
+bool QtInput::onInputMethod(const QInputMethodEvent& event, const SharedClient& pClient)
 {
     const std::string preedit = event.preeditString().toStdString();
     const std::string committed = event.commitString().toStdString();
@@ -269,27 +269,27 @@ bool QtInput::onInputMethod(const QInputMethodEvent& event, gui::gl::NativeSurfa
     const bool wasComposing = std::exchange(_isComposing, !preedit.empty());
     // What was composed goes before what has become of it comes.
     if (wasComposing && !committed.empty())
-        client.onComposition({{}});
-    if (!committed.empty())
-        client.onText({committed});
-    if (!preedit.empty() || (wasComposing && committed.empty()))
-        client.onComposition(composition);
+        (*pClient)->onComposition({{}});
+    if (!committed.empty() && *pClient != nullptr)
+        (*pClient)->onText({committed});
+    if (*pClient != nullptr && (!preedit.empty() || (wasComposing && committed.empty())))
+        (*pClient)->onComposition(composition);
     return true;
 }
 
-bool QtInput::onGesture(const QNativeGestureEvent& event, gui::gl::NativeSurfaceClient& client)
+bool QtInput::onGesture(const QNativeGestureEvent& event, const SharedClient& pClient)
 {
     if (event.gestureType() == Qt::BeginNativeGesture)
         _pinch = 1;
     if (event.gestureType() != Qt::ZoomNativeGesture)
         return false;
     _pinch *= 1 + event.value();
-    client.onMagnification({_pinch - 1, modifiersOf(event.modifiers())});
+    (*pClient)->onMagnification({_pinch - 1, modifiersOf(event.modifiers())});
     return true;
 }
 
 // One finger is the left button of a mouse; from a second one on it is a pinch.
-bool QtInput::onTouch(const QTouchEvent& event, gui::gl::NativeSurfaceClient& client)
+bool QtInput::onTouch(const QTouchEvent& event, const SharedClient& pClient)
 {
     constexpr double cShortestDistance = 8; // fingers that touch each other
     const unsigned int modifiers = modifiersOf(event.modifiers());
@@ -304,7 +304,7 @@ bool QtInput::onTouch(const QTouchEvent& event, gui::gl::NativeSurfaceClient& cl
         if (_firstDistance == 0)
             _firstDistance = distance;
         else
-            client.onMagnification({distance / _firstDistance - 1, modifiers});
+            (*pClient)->onMagnification({distance / _firstDistance - 1, modifiers});
         return true;
     }
     const bool wasPinch = std::exchange(_firstDistance, 0) != 0;
@@ -312,9 +312,9 @@ bool QtInput::onTouch(const QTouchEvent& event, gui::gl::NativeSurfaceClient& cl
     if (nDown == 1)
         _point = fingers[0];
     if (_isFingerDown != wasDown)
-        client.onButton({ButtonEvent::Button::Left, _isFingerDown, _isFingerDown, 1, modifiers, toPoint(_point)});
+        (*pClient)->onButton({ButtonEvent::Button::Left, _isFingerDown, _isFingerDown, 1, modifiers, toPoint(_point)});
     else if (_isFingerDown)
-        client.onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
+        (*pClient)->onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
     return true;
 }
 

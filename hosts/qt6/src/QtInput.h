@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QPointF>
 
+#include <memory>
+
 class QEvent;
 class QInputMethodEvent;
 class QKeyEvent;
@@ -16,24 +18,28 @@ class QWheelEvent;
 namespace gui::qt
 {
 
+/// The client of a view's surface, for whoever calls it more than once: null when the first call has ended the surface.
+using SharedClient = std::shared_ptr<gui::gl::NativeSurfaceClient*>;
+
 /// What Qt reports of the pointer, the keyboard, fingers and input methods, as a surface tells it to its client.
-/// The client may end the object that this belongs to from inside any call.
+/// The client may end the surface, and what this belongs to, from inside any call.
 class QtInput
 {
 public:
     static bool isInput(const QEvent& event);
 
+    /// @param pClient  not null now, and kept by the caller
     /// @return whether nobody else is to get it
-    bool handle(QEvent& event, gui::gl::NativeSurfaceClient& client, bool takesText);
+    bool handle(QEvent& event, const SharedClient& pClient, bool takesText);
 
 private:
-    bool onButton(const QMouseEvent& event, gui::gl::NativeSurfaceClient& client);
-    bool onMotion(const QMouseEvent& event, gui::gl::NativeSurfaceClient& client);
-    bool onWheel(const QWheelEvent& event, gui::gl::NativeSurfaceClient& client);
-    bool onKey(const QKeyEvent& event, gui::gl::NativeSurfaceClient& client, bool takesText);
-    bool onInputMethod(const QInputMethodEvent& event, gui::gl::NativeSurfaceClient& client);
-    bool onGesture(const QNativeGestureEvent& event, gui::gl::NativeSurfaceClient& client);
-    bool onTouch(const QTouchEvent& event, gui::gl::NativeSurfaceClient& client);
+    bool onButton(const QMouseEvent& event, const SharedClient& pClient);
+    bool onMotion(const QMouseEvent& event, const SharedClient& pClient);
+    bool onWheel(const QWheelEvent& event, const SharedClient& pClient);
+    bool onKey(const QKeyEvent& event, const SharedClient& pClient, bool takesText);
+    bool onInputMethod(const QInputMethodEvent& event, const SharedClient& pClient);
+    bool onGesture(const QNativeGestureEvent& event, const SharedClient& pClient);
+    bool onTouch(const QTouchEvent& event, const SharedClient& pClient);
     unsigned int modifiersOf(Qt::KeyboardModifiers modifiers) const;
 
     QPointF _point; // where the pointer was last

@@ -61,63 +61,88 @@ ViewHost::Maker makeContextOf(gui::gl::View& view, const gui::gl::Context& conte
     };
 }
 
+// A call of its client may end the widget, which the surface outlives until that call is over.
 class ViewHost::Surface : public gui::gl::NativeSurface
 {
 public:
     Surface(ViewHost& host, gui::gl::NativeSurfaceClient& client)
-        : _host(host)
+        : _pHost(&host)
     {
-        _host._pClient = &client;
+        host._pSurface = this;
+        *host._pClient = &client;
     }
     Surface(const Surface&) = delete;
     Surface& operator=(const Surface&) = delete;
-    ~Surface() override
+    ~Surface() override { detach(); }
+
+    // The host goes, or this.
+    void detach()
     {
+        if (_pHost == nullptr)
+            return;
         stopFrameClock();
-        _host._pClient = nullptr;
+        *_pHost->_pClient = nullptr;
+        _pHost->_pSurface = nullptr;
+        _pHost = nullptr;
     }
 
-    bool makeCurrent() override { return _host.makeCurrent(); }
+    bool makeCurrent() override { return _pHost != nullptr && _pHost->makeCurrent(); }
     void flush() override
     {
         // Qt presents what it has had painted; a frame that was drawn at another time is to be seen as well.
-        if (!_host._isPainting)
-            _host.requestPaint();
+        if (_pHost != nullptr && !_pHost->_isPainting)
+            _pHost->requestPaint();
     }
     td::Size<double> getSize() const override
     {
-        const QSize size = _host.getSize();
+        const QSize size = _pHost != nullptr ? _pHost->getSize() : QSize(1, 1);
         return {double(size.width()), double(size.height())};
     }
-    float getBackingScale() const override { return float(_host.getRatio()); }
+    float getBackingScale() const override { return _pHost != nullptr ? float(_pHost->getRatio()) : 1; }
     td::Size<int> getDrawableSize() const override
     {
-        const QSize size = _host.getSize() * _host.getRatio();
+        const QSize size = _pHost != nullptr ? _pHost->getSize() * _pHost->getRatio() : QSize(1, 1);
         return {std::max(size.width(), 1), std::max(size.height(), 1)};
     }
-    unsigned int getDefaultFramebuffer() const override { return _host.getFramebuffer(); }
-    void setNeedsDisplay() override { _host.requestPaint(); }
-    void setCursor(gui::Cursor::Type type) override { _host.showCursor(toShape(type)); }
+    unsigned int getDefaultFramebuffer() const override { return _pHost != nullptr ? _pHost->getFramebuffer() : 0; }
+    void setNeedsDisplay() override
+    {
+        if (_pHost != nullptr)
+            _pHost->requestPaint();
+    }
+    void setCursor(gui::Cursor::Type type) override
+    {
+        if (_pHost != nullptr)
+            _pHost->showCursor(toShape(type));
+    }
     void setTextInput(bool isOn) override
     {
-        _host._takesText = isOn;
-        _host.setTakesText(isOn);
+        if (_pHost != nullptr)
+            _pHost->setTakesText(_pHost->_takesText = isOn);
     }
     void setTextInputRect(const td::RectNormalized<double>& rect) override
     {
-        _host._textRect = {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
-        _host.setTakesText(_host._takesText);
+        if (_pHost == nullptr)
+            return;
+        _pHost->_textRect = {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+        _pHost->setTakesText(_pHost->_takesText);
     }
-    void startFrameClock(float minFPS, float maxFPS) override { runLoop().startFrameClock(&_host, minFPS, maxFPS); }
+    void startFrameClock(float minFPS, float maxFPS) override
+    {
+        if (_pHost != nullptr)
+            runLoop().startFrameClock(_pHost, minFPS, maxFPS);
+    }
     void stopFrameClock() override
     {
-        runLoop().forget(&_host);
-        _host._nTicksAhead = 0;
-        _host._isTickDue = false;
+        if (_pHost == nullptr)
+            return;
+        runLoop().forget(_pHost);
+        _pHost->_nTicksAhead = 0;
+        _pHost->_isTickDue = false;
     }
 
 private:
-    ViewHost& _host;
+    ViewHost* _pHost; // null when it has gone
 };
 
 ViewHost::ViewHost(Maker make, const gui::gl::Context& context, const char* name)
@@ -175,13 +200,13 @@ void ViewHost::initialize()
         const zav::SurfaceScope scope(
             [this](auto& client, auto&, auto&) -> std::unique_ptr<gui::gl::NativeSurface>
             {
-                if (_pClient != nullptr)
+                if (*_pClient != nullptr)
                     return nullptr; // a second view
                 return std::make_unique<Surface>(*this, client);
             });
         _pView = _make();
     }
-    if (_pClient != nullptr && isShown())
+    if (*_pClient != nullptr && isShown())
         enter();
     gui::gl::CurrentContext::set(nullptr);
 }
@@ -190,17 +215,17 @@ void ViewHost::enter()
 {
     if (std::exchange(_isEntered, true))
         return;
-    _pClient->enteredWindow();
+    (*_pClient)->enteredWindow();
 }
 
 void ViewHost::onVisible(bool isVisible)
 {
-    if (_pClient == nullptr)
+    if (*_pClient == nullptr)
         return;
     if (isVisible)
         enter();
     else if (std::exchange(_isEntered, false))
-        _pClient->leftWindow();
+        (*_pClient)->leftWindow();
     gui::gl::CurrentContext::set(nullptr);
 }
 
@@ -212,14 +237,14 @@ void ViewHost::followGeometry()
     const QSize size = getSize();
     const bool isSizeNew = std::exchange(_size, size) != size;
     if (isRatioNew)
-        _pClient->scaleChanged();
-    if (isSizeNew && _pClient != nullptr)
-        _pClient->sizeChanged();
+        (*_pClient)->scaleChanged();
+    if (isSizeNew && *_pClient != nullptr)
+        (*_pClient)->sizeChanged();
 }
 
 void ViewHost::paint()
 {
-    if (_pClient == nullptr)
+    if (*_pClient == nullptr)
         return;
     _isPainting = true;
     // Not before: a widget's framebuffer comes behind its context.
@@ -229,10 +254,10 @@ void ViewHost::paint()
         runLoop().setVisible(this, true);
     if (isShown())
         enter();
-    if (_pClient != nullptr)
+    if (*_pClient != nullptr)
         followGeometry();
-    if (_pClient != nullptr)
-        std::exchange(_isTickDue, false) ? _pClient->onFrameTick() : _pClient->drawNow();
+    if (*_pClient != nullptr)
+        std::exchange(_isTickDue, false) ? (*_pClient)->onFrameTick() : (*_pClient)->drawNow();
     _isPainting = false;
     // Qt makes its own contexts current without a word.
     gui::gl::CurrentContext::set(nullptr);
@@ -261,11 +286,12 @@ bool ViewHost::handle(QEvent* pEvent)
         onVisible(pEvent->type() == QEvent::Show);
         return false;
     }
-    if (_pClient == nullptr || !QtInput::isInput(*pEvent))
+    if (*_pClient == nullptr || !QtInput::isInput(*pEvent))
         return false;
     // As in a window of the library's own, handlers may work on what they draw. They may also end all of this.
     makeCurrent();
-    const bool isUsed = _input.handle(*pEvent, *_pClient, _takesText);
+    const SharedClient pClient = _pClient;
+    const bool isUsed = _input.handle(*pEvent, pClient, _takesText);
     gui::gl::CurrentContext::set(nullptr);
     return isUsed;
 }
@@ -287,11 +313,13 @@ void ViewHost::close()
 {
     QObject::disconnect(_connection);
     QOpenGLContext* const pContext = getContext();
-    if (_pClient != nullptr)
+    if (*_pClient != nullptr)
     {
         makeCurrent();
-        _pClient->windowClosed();
+        (*_pClient)->windowClosed();
     }
+    if (_pSurface != nullptr)
+        _pSurface->detach();
     if (pContext != nullptr)
         gui::gl::CurrentContext::died(pContext);
     gui::gl::CurrentContext::set(nullptr);

@@ -45,7 +45,7 @@ public:
     ViewHost(const ViewHost&) = delete;
     ViewHost& operator=(const ViewHost&) = delete;
 
-    gui::gl::View* getView() const { return _pClient != nullptr ? _pView : nullptr; }
+    gui::gl::View* getView() const { return *_pClient != nullptr ? _pView : nullptr; }
     /// The display it is on; null when that isn't known.
     virtual QScreen* getScreen() const = 0;
 
@@ -100,7 +100,8 @@ private:
     gui::gl::Context _asked;
     const char* _name;
     gui::gl::View* _pView = nullptr;
-    gui::gl::NativeSurfaceClient* _pClient = nullptr; // as long as its surface lives
+    SharedClient _pClient = std::make_shared<gui::gl::NativeSurfaceClient*>(nullptr); // as long as its surface lives
+    Surface* _pSurface = nullptr;
     QtInput _input;
     QMetaObject::Connection _connection; // to the context's end
     QRectF _textRect;
