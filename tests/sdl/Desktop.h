@@ -3,6 +3,8 @@
 #include "RecordingView.h"
 #include "XServer.h"
 
+#include <gui/Window.h>
+
 #include <memory>
 #include <string>
 
@@ -18,6 +20,24 @@ public:
     /// Makes the view's context, if it has none, and shows it. @return whether it does
     virtual bool show(RecordingView& view, gui::gl::Context::Animation animation) = 0;
     virtual void setSize(const td::Size<double>& size) = 0;
+};
+
+/// One of the library's.
+class OwnWindow : public ShownWindow
+{
+public:
+    OwnWindow(const char* title, const td::Size<double>& size)
+        : window(title, size)
+    {
+    }
+    bool show(RecordingView& view, gui::gl::Context::Animation animation) override
+    {
+        view.create(animation);
+        return window.show(view);
+    }
+    void setSize(const td::Size<double>& size) override { window.setSize(size); }
+
+    gui::Window window;
 };
 
 /// What runs windows on the screen of an X server of the test's own. The user of it is xdotool.

@@ -14,11 +14,6 @@ constexpr XServer::Place cScreen{0, 0, 1280, 1024};
 
 } // namespace
 
-std::unique_ptr<ShownWindow> Desktop::makeWindow(const char* title, const td::Size<double>& size) const
-{
-    return std::make_unique<OwnWindow>(title, size);
-}
-
 DesktopFixture::DesktopFixture()
 {
     theApplication() = &app;

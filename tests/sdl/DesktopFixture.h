@@ -7,31 +7,12 @@
 #include "support/CapturedLog.h"
 
 #include <gui/Application.h>
-#include <gui/Window.h>
 
 #include <functional>
 #include <string>
 
 namespace test
 {
-
-/// One of the library's.
-class OwnWindow : public ShownWindow
-{
-public:
-    OwnWindow(const char* title, const td::Size<double>& size)
-        : window(title, size)
-    {
-    }
-    bool show(RecordingView& view, gui::gl::Context::Animation animation) override
-    {
-        view.create(animation);
-        return window.show(view);
-    }
-    void setSize(const td::Size<double>& size) override { window.setSize(size); }
-
-    gui::Window window;
-};
 
 /// A program in real windows, and a user of it in another process.
 class DesktopFixture : public testing::Test

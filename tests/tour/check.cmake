@@ -97,7 +97,7 @@ endfunction()
 function(log_lines variable)
     file(GLOB_RECURSE files
         ${SOURCE}/src/*.cpp ${SOURCE}/src/*.h ${SOURCE}/draw/src/*.cpp ${SOURCE}/draw/src/*.h
-        ${SOURCE}/toolkit/src/*.cpp ${SOURCE}/toolkit/src/*.h)
+        ${SOURCE}/toolkit/src/*.cpp ${SOURCE}/toolkit/src/*.h ${SOURCE}/hosts/*.cpp ${SOURCE}/hosts/*.h)
     set(all "")
     foreach(file IN LISTS files)
         file(READ ${file} content)

@@ -53,7 +53,9 @@ GUIGL_API gui::gl::NativeSurfaceClient* createGLView(gui::gl::View* pView, const
 class GUIGL_API SurfaceScope
 {
 public:
+    /// From now on. @param makeSurface  not empty
     explicit SurfaceScope(gui::gl::SurfaceFactory makeSurface);
+    /// The one before counts again.
     ~SurfaceScope();
     SurfaceScope(const SurfaceScope&) = delete;
     SurfaceScope& operator=(const SurfaceScope&) = delete;

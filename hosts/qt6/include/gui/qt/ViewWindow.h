@@ -27,7 +27,7 @@ public:
     /// See ViewWidget::Maker.
     using Maker = std::function<gui::gl::View*()>;
 
-    /// See ViewWidget. @param context  by default ViewWidget::getDefaultContext
+    /// As ViewWidget's. Without a context it is ViewWidget::getDefaultContext.
     explicit ViewWindow(gui::gl::View& view);
     ViewWindow(gui::gl::View& view, const gui::gl::Context& context);
     explicit ViewWindow(Maker make);
