@@ -1,9 +1,8 @@
 #include "QtHost.h"
 
-#include "ViewHost.h"
-
 #include <gui/NativeView.h>
 #include <gui/gl/CurrentContext.h>
+#include <gui/gl/port/HostedView.h>
 #include <gui/port/WindowSystem.h>
 
 #include <QAbstractEventDispatcher>
@@ -96,11 +95,9 @@ void QtHost::serveEvents(const std::optional<gui::RunLoop::Time>& until)
 
 double QtHost::getDisplayRate(const gui::NativeView* pView) const
 {
-    const auto* const pHost = dynamic_cast<const ViewHost*>(pView);
-    const QScreen* pScreen = pHost != nullptr ? pHost->getScreen() : nullptr;
-    if (pScreen == nullptr)
-        pScreen = QGuiApplication::primaryScreen();
-    return pScreen != nullptr ? pScreen->refreshRate() : 0;
+    const gui::gl::HostWidget* const pWidget = gui::gl::HostedView::widgetOf(pView);
+    const QScreen* const pScreen = QGuiApplication::primaryScreen();
+    return pWidget != nullptr ? pWidget->getDisplayRate() : pScreen != nullptr ? pScreen->refreshRate() : 0;
 }
 
 float QtHost::getMainDisplayScale() const

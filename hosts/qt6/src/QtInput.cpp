@@ -139,7 +139,7 @@ bool QtInput::isInput(const QEvent& event)
     }
 }
 
-bool QtInput::handle(QEvent& event, const SharedClient& pClient, bool takesText)
+bool QtInput::handle(QEvent& event, const gui::gl::SharedClient& pClient, bool takesText)
 {
     switch (event.type())
     {
@@ -176,7 +176,7 @@ bool QtInput::handle(QEvent& event, const SharedClient& pClient, bool takesText)
     }
 }
 
-bool QtInput::onButton(const QMouseEvent& event, const SharedClient& pClient)
+bool QtInput::onButton(const QMouseEvent& event, const gui::gl::SharedClient& pClient)
 {
     const auto* const pName =
         std::ranges::find(cButtons, event.button(), &std::pair<Qt::MouseButton, ButtonEvent::Button>::first);
@@ -201,7 +201,7 @@ bool QtInput::onButton(const QMouseEvent& event, const SharedClient& pClient)
     return true;
 }
 
-bool QtInput::onMotion(const QMouseEvent& event, const SharedClient& pClient)
+bool QtInput::onMotion(const QMouseEvent& event, const gui::gl::SharedClient& pClient)
 {
     _point = event.position();
     const unsigned int modifiers = modifiersOf(event.modifiers());
@@ -219,7 +219,7 @@ bool QtInput::onMotion(const QMouseEvent& event, const SharedClient& pClient)
     return true;
 }
 
-bool QtInput::onWheel(const QWheelEvent& event, const SharedClient& pClient)
+bool QtInput::onWheel(const QWheelEvent& event, const gui::gl::SharedClient& pClient)
 {
     constexpr double cAnglePerNotch = 120;
     QPoint angle = event.angleDelta();
@@ -231,7 +231,7 @@ bool QtInput::onWheel(const QWheelEvent& event, const SharedClient& pClient)
     return (*pClient)->onWheel({angle.x() * unit, angle.y() * unit, modifiersOf(event.modifiers()), toPoint(_point)});
 }
 
-bool QtInput::onKey(const QKeyEvent& event, const SharedClient& pClient, bool takesText)
+bool QtInput::onKey(const QKeyEvent& event, const gui::gl::SharedClient& pClient, bool takesText)
 {
     const bool isDown = event.type() == QEvent::KeyPress;
     // Between two presses of a key that repeats Qt lets it go.
@@ -258,7 +258,7 @@ bool QtInput::onKey(const QKeyEvent& event, const SharedClient& pClient, bool ta
     return true;
 }
 
-bool QtInput::onInputMethod(const QInputMethodEvent& event, const SharedClient& pClient)
+bool QtInput::onInputMethod(const QInputMethodEvent& event, const gui::gl::SharedClient& pClient)
 {
     const std::string preedit = event.preeditString().toStdString();
     const std::string committed = event.commitString().toStdString();
@@ -277,7 +277,7 @@ bool QtInput::onInputMethod(const QInputMethodEvent& event, const SharedClient& 
     return true;
 }
 
-bool QtInput::onGesture(const QNativeGestureEvent& event, const SharedClient& pClient)
+bool QtInput::onGesture(const QNativeGestureEvent& event, const gui::gl::SharedClient& pClient)
 {
     if (event.gestureType() == Qt::BeginNativeGesture)
         _pinch = 1;
@@ -289,7 +289,7 @@ bool QtInput::onGesture(const QNativeGestureEvent& event, const SharedClient& pC
 }
 
 // One finger is the left button of a mouse; from a second one on it is a pinch.
-bool QtInput::onTouch(const QTouchEvent& event, const SharedClient& pClient)
+bool QtInput::onTouch(const QTouchEvent& event, const gui::gl::SharedClient& pClient)
 {
     constexpr double cShortestDistance = 8; // fingers that touch each other
     const unsigned int modifiers = modifiersOf(event.modifiers());

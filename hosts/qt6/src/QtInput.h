@@ -1,11 +1,9 @@
 #pragma once
 
-#include <gui/gl/port/NativeSurfaceClient.h>
+#include <gui/gl/port/HostedView.h>
 
 #include <QElapsedTimer>
 #include <QPointF>
-
-#include <memory>
 
 class QEvent;
 class QInputMethodEvent;
@@ -18,9 +16,6 @@ class QWheelEvent;
 namespace gui::qt
 {
 
-/// The client of a view's surface, for whoever calls it more than once: null when the first call has ended the surface.
-using SharedClient = std::shared_ptr<gui::gl::NativeSurfaceClient*>;
-
 /// What Qt reports of the pointer, the keyboard, fingers and input methods, as a surface tells it to its client.
 /// The client may end the surface, and what this belongs to, from inside any call.
 class QtInput
@@ -30,16 +25,16 @@ public:
 
     /// @param pClient  not null now, and kept by the caller
     /// @return whether nobody else is to get it
-    bool handle(QEvent& event, const SharedClient& pClient, bool takesText);
+    bool handle(QEvent& event, const gui::gl::SharedClient& pClient, bool takesText);
 
 private:
-    bool onButton(const QMouseEvent& event, const SharedClient& pClient);
-    bool onMotion(const QMouseEvent& event, const SharedClient& pClient);
-    bool onWheel(const QWheelEvent& event, const SharedClient& pClient);
-    bool onKey(const QKeyEvent& event, const SharedClient& pClient, bool takesText);
-    bool onInputMethod(const QInputMethodEvent& event, const SharedClient& pClient);
-    bool onGesture(const QNativeGestureEvent& event, const SharedClient& pClient);
-    bool onTouch(const QTouchEvent& event, const SharedClient& pClient);
+    bool onButton(const QMouseEvent& event, const gui::gl::SharedClient& pClient);
+    bool onMotion(const QMouseEvent& event, const gui::gl::SharedClient& pClient);
+    bool onWheel(const QWheelEvent& event, const gui::gl::SharedClient& pClient);
+    bool onKey(const QKeyEvent& event, const gui::gl::SharedClient& pClient, bool takesText);
+    bool onInputMethod(const QInputMethodEvent& event, const gui::gl::SharedClient& pClient);
+    bool onGesture(const QNativeGestureEvent& event, const gui::gl::SharedClient& pClient);
+    bool onTouch(const QTouchEvent& event, const gui::gl::SharedClient& pClient);
     unsigned int modifiersOf(Qt::KeyboardModifiers modifiers) const;
 
     QPointF _point; // where the pointer was last

@@ -19,8 +19,8 @@ namespace
 class WidgetHost : public ViewHost
 {
 public:
-    WidgetHost(ViewWidget& widget, Maker make, const gui::gl::Context& context)
-        : ViewHost(std::move(make), context, "ViewWidget")
+    WidgetHost(ViewWidget& widget, gui::gl::HostedView::Maker make)
+        : ViewHost(std::move(make))
         , _widget(widget)
     {
     }
@@ -28,26 +28,24 @@ public:
     WidgetHost& operator=(const WidgetHost&) = delete;
     ~WidgetHost() override { close(); }
 
-    QScreen* getScreen() const override { return _widget.screen(); }
-
-private:
-    void makeContextCurrent() override { _widget.makeCurrent(); }
-    QOpenGLContext* getContext() const override { return _widget.context(); }
-    QSize getSize() const override { return _widget.size(); }
-    qreal getRatio() const override { return _widget.devicePixelRatioF(); }
+    const char* getName() const override { return "ViewWidget"; }
     unsigned int getFramebuffer() const override { return _widget.defaultFramebufferObject(); }
-    // Those of every framebuffer that Qt makes with a depth buffer, whatever the context's own surface has.
-    int getDepthBits() const override { return 24; }
-    int getStencilBits() const override { return 8; }
     void requestPaint() override { _widget.update(); }
-    void showCursor(Qt::CursorShape shape) override { _widget.setCursor(shape); }
-    void setTakesText(bool takesText) override
+    bool isShown() const override { return _widget.isVisible(); }
+    void setTextInput(bool takesText, const td::RectNormalized<double>&) override
     {
         _widget.setAttribute(Qt::WA_InputMethodEnabled, takesText);
         if (_widget.hasFocus())
             QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
     }
-    bool isShown() const override { return _widget.isVisible(); }
+
+private:
+    void bind() override { _widget.makeCurrent(); }
+    QOpenGLContext* getQtContext() const override { return _widget.context(); }
+    QSize getQtSize() const override { return _widget.size(); }
+    qreal getRatio() const override { return _widget.devicePixelRatioF(); }
+    QScreen* getScreen() const override { return _widget.screen(); }
+    void showCursor(Qt::CursorShape shape) override { _widget.setCursor(shape); }
 
     ViewWidget& _widget;
 };
@@ -61,7 +59,7 @@ ViewWidget::ViewWidget(gui::gl::View& view, const gui::gl::Context& context, QWi
 
 ViewWidget::ViewWidget(Maker make, const gui::gl::Context& context, QWidget* pParent)
     : QOpenGLWidget(pParent)
-    , _pHost(std::make_unique<WidgetHost>(*this, std::move(make), context))
+    , _pHost(std::make_unique<WidgetHost>(*this, std::move(make)))
 {
     setFormat(toFormat(context));
     setFocusPolicy(Qt::StrongFocus);

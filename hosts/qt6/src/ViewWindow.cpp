@@ -20,8 +20,8 @@ namespace
 class WindowHost : public ViewHost
 {
 public:
-    WindowHost(ViewWindow& window, Maker make, const gui::gl::Context& context)
-        : ViewHost(std::move(make), context, "ViewWindow")
+    WindowHost(ViewWindow& window, gui::gl::HostedView::Maker make)
+        : ViewHost(std::move(make))
         , _window(window)
     {
     }
@@ -29,24 +29,23 @@ public:
     WindowHost& operator=(const WindowHost&) = delete;
     ~WindowHost() override { close(); }
 
-    QScreen* getScreen() const override { return _window.screen(); }
-
-private:
-    void makeContextCurrent() override { _window.makeCurrent(); }
-    QOpenGLContext* getContext() const override { return _window.context(); }
-    QSize getSize() const override { return _window.size(); }
-    qreal getRatio() const override { return _window.devicePixelRatio(); }
+    const char* getName() const override { return "ViewWindow"; }
     unsigned int getFramebuffer() const override { return _window.defaultFramebufferObject(); }
-    int getDepthBits() const override { return _window.format().depthBufferSize(); }
-    int getStencilBits() const override { return _window.format().stencilBufferSize(); }
     void requestPaint() override { _window.update(); }
-    void showCursor(Qt::CursorShape shape) override { _window.setCursor(shape); }
-    void setTakesText(bool) override
+    bool isShown() const override { return _window.isVisible(); }
+    void setTextInput(bool, const td::RectNormalized<double>&) override
     {
         if (_window.isActive())
             QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
     }
-    bool isShown() const override { return _window.isVisible(); }
+
+private:
+    void bind() override { _window.makeCurrent(); }
+    QOpenGLContext* getQtContext() const override { return _window.context(); }
+    QSize getQtSize() const override { return _window.size(); }
+    qreal getRatio() const override { return _window.devicePixelRatio(); }
+    QScreen* getScreen() const override { return _window.screen(); }
+    void showCursor(Qt::CursorShape shape) override { _window.setCursor(shape); }
 
     ViewWindow& _window;
 };
@@ -69,7 +68,7 @@ ViewWindow::ViewWindow(Maker make)
 }
 
 ViewWindow::ViewWindow(Maker make, const gui::gl::Context& context)
-    : _pHost(std::make_unique<WindowHost>(*this, std::move(make), context))
+    : _pHost(std::make_unique<WindowHost>(*this, std::move(make)))
 {
     setFormat(toFormat(context));
 }

@@ -47,8 +47,7 @@ public:
     /// @param view     not owned; its createContext must not have been called, and is called with all kinds of input
     ///                 when the widget is first shown. Until then it must live.
     /// @param context  the widget's format: version, depth and stencil bits, samples. What the system lacks Qt replaces
-    ///                 by what is next to it, after a log line ("Warning! ViewWidget asked for 32 depth bits, 0 stencil
-    ///                 bits and 4 samples, got 24, 0 and 1").
+    ///                 by what is next to it; fewer samples are told ("Warning! ViewWidget asked for 16 samples, got 4").
     explicit ViewWidget(gui::gl::View& view, const gui::gl::Context& context = getDefaultContext(),
                         QWidget* pParent = nullptr);
     /// For views that make their context by themselves, or with a function of their own class such as

@@ -1,0 +1,247 @@
+#include <gui/gl/port/HostedView.h>
+
+#include <gui/gl/CurrentContext.h>
+#include <gui/gl/View.h>
+#include <gui/gl/port/Zav.h>
+#include <gui/port/RunLoop.h>
+#include <gui/port/WindowSystem.h>
+#include <vo/Log.h>
+
+#include <utility>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+gui::RunLoop& hostsLoop() { return gui::WindowSystem::instance().getRunLoop(); }
+
+} // namespace
+
+// A call of its client may end the widget, which the surface outlives until that call is over.
+class HostedView::Surface : public NativeSurface
+{
+public:
+    Surface(HostedView& host, NativeSurfaceClient& client)
+        : _pHost(&host)
+    {
+        host._pSurface = this;
+        *host._pClient = &client;
+    }
+    Surface(const Surface&) = delete;
+    Surface& operator=(const Surface&) = delete;
+    ~Surface() override { detach(); }
+
+    // The host goes, or this.
+    void detach()
+    {
+        if (_pHost == nullptr)
+            return;
+        stopFrameClock();
+        *_pHost->_pClient = nullptr;
+        _pHost->_pSurface = nullptr;
+        _pHost = nullptr;
+    }
+
+    bool makeCurrent() override { return _pHost != nullptr && _pHost->makeCurrent(); }
+    void flush() override
+    {
+        // The toolkit presents what it has had painted; a frame that was drawn at another time is to be seen as well.
+        if (_pHost != nullptr && !_pHost->_isPainting)
+            _pHost->_widget.requestPaint();
+    }
+    td::Size<double> getSize() const override
+    {
+        return _pHost != nullptr ? _pHost->_widget.getSize() : td::Size<double>(1, 1);
+    }
+    float getBackingScale() const override { return _pHost != nullptr ? _pHost->_widget.getBackingScale() : 1; }
+    td::Size<int> getDrawableSize() const override
+    {
+        return _pHost != nullptr ? _pHost->_widget.getDrawableSize() : td::Size<int>(1, 1);
+    }
+    unsigned int getDefaultFramebuffer() const override
+    {
+        return _pHost != nullptr ? _pHost->_widget.getFramebuffer() : 0;
+    }
+    void setNeedsDisplay() override
+    {
+        if (_pHost != nullptr)
+            _pHost->_widget.requestPaint();
+    }
+    void setCursor(gui::Cursor::Type type) override
+    {
+        if (_pHost != nullptr)
+            _pHost->_widget.setCursor(type);
+    }
+    void setTextInput(bool isOn) override
+    {
+        if (_pHost != nullptr)
+            _pHost->_widget.setTextInput(_pHost->_takesText = isOn, _pHost->_caret);
+    }
+    void setTextInputRect(const td::RectNormalized<double>& rect) override
+    {
+        if (_pHost != nullptr)
+            _pHost->_widget.setTextInput(_pHost->_takesText, _pHost->_caret = rect);
+    }
+    void startFrameClock(float minFPS, float maxFPS) override
+    {
+        if (_pHost != nullptr)
+            hostsLoop().startFrameClock(_pHost, minFPS, maxFPS);
+    }
+    void stopFrameClock() override
+    {
+        if (_pHost == nullptr)
+            return;
+        hostsLoop().forget(_pHost);
+        _pHost->_nTicksAhead = 0;
+        _pHost->_isTickDue = false;
+    }
+
+private:
+    HostedView* _pHost; // null when it has gone
+};
+
+HostedView::HostedView(HostWidget& widget, Maker make)
+    : _widget(widget)
+    , _make(std::move(make))
+    , _pClient(std::make_shared<NativeSurfaceClient*>(nullptr))
+{
+}
+
+HostedView::~HostedView() { end(); }
+
+const HostWidget* HostedView::widgetOf(const gui::NativeView* pClockedView)
+{
+    const auto* const pHosted = dynamic_cast<const HostedView*>(pClockedView);
+    return pHosted != nullptr ? &pHosted->_widget : nullptr;
+}
+
+bool HostedView::makeCurrent()
+{
+    if (_widget.getContext() == nullptr || !_widget.makeContextCurrent())
+        return false;
+    CurrentContext::set(_widget.getContext());
+    return true;
+}
+
+void HostedView::begin()
+{
+    if (std::exchange(_isBegun, true))
+    {
+        vo::dbgLog("Error! %s has another GL context, and its view is of the first one", _widget.getName());
+        return;
+    }
+    _size = _widget.getSize();
+    _scale = _widget.getBackingScale();
+    {
+        const zav::SurfaceScope scope(
+            [this](NativeSurfaceClient& client, const PixelFormat& format, auto&) -> std::unique_ptr<NativeSurface>
+            {
+                if (*_pClient != nullptr)
+                    return nullptr; // a second view
+                _asked = format;
+                return std::make_unique<Surface>(*this, client);
+            });
+        _pView = _make();
+    }
+    if (*_pClient != nullptr && _widget.isShown())
+        enter();
+    CurrentContext::set(nullptr);
+}
+
+void HostedView::enter()
+{
+    if (!std::exchange(_isEntered, true))
+        (*_pClient)->enteredWindow();
+}
+
+void HostedView::setVisible(bool isVisible)
+{
+    if (*_pClient == nullptr)
+        return;
+    if (isVisible)
+        enter();
+    else if (std::exchange(_isEntered, false))
+        (*_pClient)->leftWindow();
+    CurrentContext::set(nullptr);
+}
+
+// Sizes come with and without events, and a scale may change between two paints.
+void HostedView::followGeometry()
+{
+    const float scale = _widget.getBackingScale();
+    const bool isScaleNew = std::exchange(_scale, scale) != scale;
+    const td::Size<double> size = _widget.getSize();
+    const bool isSizeNew = std::exchange(_size, size) != size;
+    if (isScaleNew)
+        (*_pClient)->scaleChanged();
+    if (isSizeNew && *_pClient != nullptr)
+        (*_pClient)->sizeChanged();
+}
+
+void HostedView::reportSamples(const PixelFormat& asked) const
+{
+    const int nAsked = decodePixelFormat(asked).nSamples;
+    const int nSamples = zav::getSamples(_pView);
+    if (nSamples < nAsked)
+        vo::dbgLog("Warning! %s asked for %d samples, got %d", _widget.getName(), nAsked, nSamples);
+}
+
+void HostedView::paint()
+{
+    if (*_pClient == nullptr)
+        return;
+    _isPainting = true;
+    // Not before: some widgets have a framebuffer in a paint only.
+    if (!std::exchange(_isFormatReported, true))
+        reportSamples(_asked);
+    if (std::exchange(_nTicksAhead, 0) > 0)
+        hostsLoop().setVisible(this, true);
+    if (_widget.isShown())
+        enter();
+    if (*_pClient != nullptr)
+        followGeometry();
+    if (*_pClient != nullptr)
+        std::exchange(_isTickDue, false) ? (*_pClient)->onFrameTick() : (*_pClient)->drawNow();
+    _isPainting = false;
+    CurrentContext::set(nullptr);
+}
+
+void HostedView::onFrameTick()
+{
+    _isTickDue = true;
+    _widget.requestPaint();
+    constexpr int cMostAhead = 3;
+    if (++_nTicksAhead >= cMostAhead)
+        hostsLoop().setVisible(this, false);
+}
+
+bool HostedView::tell(const std::function<bool(const SharedClient&)>& tell)
+{
+    if (*_pClient == nullptr)
+        return false;
+    makeCurrent();
+    // It may end all of this.
+    const SharedClient pClient = _pClient;
+    const bool isUsed = tell(pClient);
+    CurrentContext::set(nullptr);
+    return isUsed;
+}
+
+void HostedView::end()
+{
+    const void* const pContext = _widget.getContext();
+    if (*_pClient != nullptr)
+    {
+        makeCurrent();
+        (*_pClient)->windowClosed();
+    }
+    if (_pSurface != nullptr)
+        _pSurface->detach();
+    if (pContext != nullptr)
+        CurrentContext::died(pContext);
+    CurrentContext::set(nullptr);
+}
+
+} // namespace gui::gl
