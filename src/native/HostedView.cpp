@@ -231,6 +231,8 @@ bool HostedView::tell(const std::function<bool(const SharedClient&)>& tell)
 
 void HostedView::end()
 {
+    if (!_isBegun || std::exchange(_isEnded, true))
+        return;
     const void* const pContext = _widget.getContext();
     if (*_pClient != nullptr)
     {

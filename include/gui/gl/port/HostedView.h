@@ -82,7 +82,8 @@ public:
     void paint();
     /// The widget is shown from now on, or hidden.
     void setVisible(bool isVisible);
-    /// The context is about to go, or the widget is. The view goes on without a native side.
+    /// The context is about to go, or the widget is: to be called while the widget still answers. The view goes on
+    /// without a native side. Nothing when it was called before.
     void end();
 
     /// Hands input to the view, with its context current, as in a window of the library's own.
@@ -125,6 +126,7 @@ private:
     float _scale = 0;
     int _nTicksAhead = 0; // that no paint has followed
     bool _isBegun = false;
+    bool _isEnded = false;
     bool _isFormatReported = false;
     bool _isTickDue = false;
     bool _isEntered = false;
