@@ -15,8 +15,8 @@ namespace gui::gl
 
 class View;
 
-/// A widget of another toolkit, as the view that it shows needs it. Sizes, scale and framebuffer may change whenever they
-/// like: what counts is what they are at a paint.
+/// A widget of another toolkit, as the view that it shows needs it. Sizes, scale and framebuffer may change whenever
+/// they like: what counts is what they are at a paint.
 class GUIGL_API HostWidget
 {
 public:
@@ -46,14 +46,15 @@ public:
     virtual void setTextInput(bool /*isOn*/, const td::RectNormalized<double>& /*caret*/) {}
 };
 
-/// The client of a view's surface, for whoever calls it more than once: the pointer in it is null from the moment on that
-/// a call has ended the surface.
+/// The client of a view's surface, for whoever calls it more than once: the pointer in it is null from the moment on
+/// that a call has ended the surface.
 using SharedClient = std::shared_ptr<NativeSurfaceClient*>;
 
 /// A view in a widget: its surface, the order of calls, and its frame clock, for a host to hold in its widget class.
 ///
-/// The clock ticks by the library's run loop, which the host drives (see gui::Host); a tick asks the widget for a paint,
-/// and the frame is drawn in that. When three ticks have had no paint nobody sees it, and it rests until the next one.
+/// The clock ticks by the library's run loop, which the host drives (see gui::Host); a tick asks the widget for a
+/// paint, and the frame is drawn in that. When three ticks have had no paint nobody sees it, and it rests until the
+/// next one.
 ///
 /// Outside of what is called here no context counts as current, since toolkits make their own current without a word.
 /// The view may go at any time, from inside a call as well. GUI thread only.
@@ -78,7 +79,8 @@ public:
     /// The widget has its context, which is current: the view is made on it. A second call, for another context, makes
     /// none ("Error! NAME has another GL context, and its view is of the first one").
     void begin();
-    /// The widget paints: its framebuffer is bound, and its context current. Draws a frame of the widget's present size.
+    /// The widget paints: its framebuffer is bound, and its context current. Draws a frame of the widget's present
+    /// size.
     void paint();
     /// The widget is shown from now on, or hidden.
     void setVisible(bool isVisible);

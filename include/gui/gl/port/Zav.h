@@ -49,7 +49,8 @@ GUIGL_API gui::gl::NativeSurfaceClient* createGLView(gui::gl::View* pView, const
                                                      const gui::gl::SurfaceFactory& makeSurface);
 
 /// While one lives, createContext of a view, and the functions above that get no factory, make the view's surface with
-/// this one: a host calls code that makes its views as in a program with windows of its own. Of several the last counts.
+/// this one: a host calls code that makes its views as in a program with windows of its own. Of several the last
+/// counts.
 class GUIGL_API SurfaceScope
 {
 public:

@@ -32,8 +32,8 @@ public:
     /// Ends the sleep of the host's loop, or the next one, so that it asks for what is due. Any thread.
     virtual void wakeUp() = 0;
     /// Serves the host's events: those that are there, and if there are none, waits for the first until the time (null:
-    /// without end) or a wakeUp. For whoever runs the library's loop, and not the host's: in a turn that the host's loop
-    /// makes there is nothing to do.
+    /// without end) or a wakeUp. For whoever runs the library's loop, and not the host's: in a turn that the host's
+    /// loop makes there is nothing to do.
     virtual void serveEvents(const std::optional<RunLoop::Time>& until) = 0;
 
     /// Frames per second of the display that the view is on, or of the main one; 0 when that isn't known.

@@ -36,8 +36,8 @@ public:
     /// @param seconds  0 or less does not sleep  @return false when the loop is to end
     bool step(double seconds);
 
-    /// When a turn is due: now or before, when something is; null when nothing is but for the window system's events. For
-    /// a host, whose own loop calls step(0) then.
+    /// When a turn is due: now or before, when something is; null when nothing is but for the window system's events.
+    /// For a host, whose own loop calls step(0) then.
     std::optional<Time> getNextDue() const;
 
     /// Ends run and step, now or when the turn under way is over. @param code  what run returns

@@ -51,8 +51,8 @@ public:
     static WindowSystem& instance();
 
     /// For a program whose windows and loop are another toolkit's: see gui::Host. To be called before anything else of
-    /// the library is used. @return false, after a log line ("Warning! WindowSystem NAME is in use already, and the host
-    /// comes too late"), when a window system was chosen already
+    /// the library is used. @return false, after a log line ("Warning! WindowSystem NAME is in use already, and the
+    /// host comes too late"), when a window system was chosen already
     static bool setHost(std::unique_ptr<Host> pHost);
 
     /// As in the table: the native view looks up its surface by it.

@@ -27,9 +27,9 @@ class ViewHost;
 /// widget.show();
 /// return app.exec();
 /// @endcode
-/// The view's context is the widget's, made when it is first shown; resizing, scales, input, the keyboard, cursors, text
-/// and input methods, redraws, animation and reading frames are as in a window of the library's own. asyncCall works,
-/// the clipboard is Qt's, and at rest nothing wakes the program. Points are Qt's device-independent pixels.
+/// The view's context is the widget's, made when it is first shown; resizing, scales, input, the keyboard, cursors,
+/// text and input methods, redraws, animation and reading frames are as in a window of the library's own. asyncCall
+/// works, the clipboard is Qt's, and at rest nothing wakes the program. Points are Qt's device-independent pixels.
 ///
 /// Input that the view does not use (keys and the wheel) goes on to the widget's parents. GL work outside of the view's
 /// callbacks wants View::makeCurrentContext first: Qt makes contexts of its own current between them.
@@ -47,7 +47,8 @@ public:
     /// @param view     not owned; its createContext must not have been called, and is called with all kinds of input
     ///                 when the widget is first shown. Until then it must live.
     /// @param context  the widget's format: version, depth and stencil bits, samples. What the system lacks Qt replaces
-    ///                 by what is next to it; fewer samples are told ("Warning! ViewWidget asked for 16 samples, got 4").
+    ///                 by what is next to it; fewer samples are told ("Warning! ViewWidget asked for 16 samples, got
+    ///                 4").
     explicit ViewWidget(gui::gl::View& view, const gui::gl::Context& context = getDefaultContext(),
                         QWidget* pParent = nullptr);
     /// For views that make their context by themselves, or with a function of their own class such as
