@@ -30,8 +30,8 @@ constexpr double cLongestFrame = 0.1;   // seconds, after a frame that came late
 
 } // namespace
 
-GlobeView::GlobeView(gui::Window& window)
-    : _window(window)
+GlobeView::GlobeView(gui::Window* pWindow)
+    : _pWindow(pWindow)
 {
     constexpr float cMax = std::numeric_limits<float>::max();
     _eye.setYawLimits(-cMax, cMax);
@@ -166,12 +166,14 @@ bool GlobeView::onScroll(const gui::InputDevice& device)
 
 void GlobeView::showTitle()
 {
+    if (_pWindow == nullptr)
+        return;
     const Place place = placeOf(_eye.getPosition());
     char title[80];
     std::snprintf(title, sizeof title, "Globe - over %.1f\u00b0 %c %.1f\u00b0 %c, %.0f km high",
                   std::abs(place.latitude), place.latitude < 0 ? 'S' : 'N', std::abs(place.longitude),
                   place.longitude < 0 ? 'W' : 'E', static_cast<double>(getHeight()) * cKilometres);
-    _window.setTitle(title);
+    _pWindow->setTitle(title);
 }
 
 } // namespace globe

@@ -37,8 +37,8 @@ extern const Outlook cOutlooks[3];
 class GlobeView : public gui::gl::CameraView
 {
 public:
-    /// @param window  must outlive the view
-    explicit GlobeView(gui::Window& window);
+    /// @param pWindow  gets a title that says where the eye is, and must outlive the view; null when somebody else shows it
+    explicit GlobeView(gui::Window* pWindow);
     ~GlobeView() override;
 
     /// Whether all that it draws is there.
@@ -63,7 +63,7 @@ private:
     void move();
     void showTitle();
 
-    gui::Window& _window;
+    gui::Window* _pWindow; // whose title says where it is; null for none
     Orbit _orbit;
     gui::gl::Camera _eye;
     Earth _earth;

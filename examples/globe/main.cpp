@@ -55,7 +55,7 @@ int main(int argc, char** argv)
         return *asked.exitStatus;
     gui::Application app(argc, argv);
     gui::Window window("Globe", cSize);
-    GlobeView view(window);
+    GlobeView view(&window);
     if (!view.isOk() || !window.show(view))
         return EXIT_FAILURE;
     return asked.folder.empty() ? app.run() : drawPictures(view, asked.folder);

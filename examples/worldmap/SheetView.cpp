@@ -103,6 +103,12 @@ std::size_t SheetView::find(const Point& point)
     return isIn(sheetOf(_projection), point) ? _lands.getTag(_lands.pick(point)) - 1 : Countries::cNone;
 }
 
+Rect SheetView::getBounds(std::size_t country)
+{
+    make();
+    return _lands.getBounds(_shapes[country].back()).value_or(sheetOf(_projection));
+}
+
 void SheetView::highlight(std::size_t country)
 {
     if (_highlighted != Countries::cNone)

@@ -23,6 +23,8 @@ public:
 
     /// @param point  of the plane  @return the country that is drawn there, or Countries::cNone
     std::size_t find(const Point& point);
+    /// Around a country, in the plane.
+    Rect getBounds(std::size_t country);
     /// Draws a country in another colour from now on. @param country  Countries::cNone for none of them
     void highlight(std::size_t country);
 

@@ -158,6 +158,27 @@ glm::mat4 OrthoView::getProjection(const td::Point<double>& base) const
                     : glm::mat4(glm::ortho(left, right, near, far, -1.0, 1.0));
 }
 
+// Where a fit leads to. The view has a size.
+std::optional<OrthoView::Place> OrthoView::placeOf(const Fit& fit) const
+{
+    const td::RectNormalized<double>& model = fit.model;
+    if (!isFinite(model) || !std::isfinite(fit.margin))
+        return std::nullopt;
+    const double width = static_cast<double>(_width) - 2 * fit.margin;
+    const double height = static_cast<double>(_height) - 2 * fit.margin;
+    if (!(width > 0 && height > 0))
+        return std::nullopt;
+    // A side of no length gives infinity, and leaves it to the other one.
+    const double zoom =
+        std::min(width / std::abs(model.right - model.left), height / std::abs(model.bottom - model.top));
+    const double newZoom = std::isfinite(zoom) ? clampedZoom(zoom) : _zoom;
+    const td::Point<double> origin(std::midpoint(model.left, model.right) - static_cast<double>(_width) / 2 / newZoom,
+                                   std::midpoint(model.top, model.bottom) - static_cast<double>(_height) / 2 / newZoom);
+    if (!isFinite(origin))
+        return std::nullopt;
+    return Place{origin, newZoom};
+}
+
 bool OrthoView::fit(const td::RectNormalized<double>& model, double margin)
 {
     if (!isFinite(model) || !std::isfinite(margin))
@@ -167,22 +188,13 @@ bool OrthoView::fit(const td::RectNormalized<double>& model, double margin)
         _fit = {model, margin};
         return true;
     }
-    const double width = static_cast<double>(_width) - 2 * margin;
-    const double height = static_cast<double>(_height) - 2 * margin;
-    if (!(width > 0 && height > 0))
+    const std::optional<Place> place = placeOf({model, margin});
+    if (!place)
         return false;
     _fit.reset();
-    // A side of no length gives infinity, and leaves it to the other one.
-    const double zoom =
-        std::min(width / std::abs(model.right - model.left), height / std::abs(model.bottom - model.top));
-    const double newZoom = std::isfinite(zoom) ? clampedZoom(zoom) : _zoom;
-    const td::Point<double> origin(std::midpoint(model.left, model.right) - static_cast<double>(_width) / 2 / newZoom,
-                                   std::midpoint(model.top, model.bottom) - static_cast<double>(_height) / 2 / newZoom);
-    if (!isFinite(origin))
-        return false;
-    const bool isZoomNew = newZoom != _zoom;
-    _zoom = newZoom;
-    setOrigin(origin);
+    const bool isZoomNew = place->zoom != _zoom;
+    _zoom = place->zoom;
+    setOrigin(place->origin);
     if (_home && _home->fit == Fit{model, margin})
         *_home = {_home->fit, _origin, _zoom};
     if (isZoomNew)

@@ -338,6 +338,40 @@ TEST_F(OrthoViewTest, FitShowsTheWholeInTheMiddle)
     }
 }
 
+// Over a long way it goes out first, and it ends where fit does.
+TEST_F(OrthoViewTest, FlightsEndWhereFitDoes)
+{
+    Plane view(journal);
+    GLView* const pNative = show(view, true);
+    const td::RectNormalized<double> here(0, 0, 80, 60), there(5000, 3000, 5080, 3060);
+    ASSERT_TRUE(view.fit(here) && view.flyTo(there, 20, 0.05));
+    double leastZoom = view.getZoom();
+    double x = view.getCenter().x;
+    for (; view.isFlying(); pNative->onFrameTick())
+    {
+        leastZoom = std::min(leastZoom, view.getZoom());
+        EXPECT_GE(view.getCenter().x, x);
+        x = view.getCenter().x;
+    }
+    EXPECT_LT(leastZoom, 1);
+    EXPECT_FALSE(view.isAnimated());
+    const Point origin = view.getOrigin();
+    const double zoom = view.getZoom();
+    ASSERT_TRUE(view.fit(there, 20));
+    EXPECT_EQ(view.getOrigin(), origin);
+    EXPECT_EQ(view.getZoom(), zoom);
+
+    // Whoever moves the plane ends it.
+    ASSERT_TRUE(view.flyTo(here));
+    pNative->onFrameTick();
+    view.setZoom(3);
+    pNative->onFrameTick();
+    EXPECT_FALSE(view.isFlying());
+    EXPECT_EQ(view.getZoom(), 3);
+    EXPECT_FALSE(view.flyTo(here, 500)) << "no room";
+    EXPECT_FALSE(view.flyTo({0, 0, cNaN, 1}));
+}
+
 TEST_F(OrthoViewTest, HomeIsFittedUntilSomebodyMoves)
 {
     using Virtual = gui::Key::Virtual;

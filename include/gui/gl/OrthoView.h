@@ -9,6 +9,7 @@
 
 #include <glm/mat4x4.hpp>
 
+#include <memory>
 #include <optional>
 
 namespace gui::gl
@@ -35,6 +36,7 @@ class GUIGL_API OrthoView : public View
 {
 public:
     OrthoView();
+    ~OrthoView() override;
 
     /// What drags and the wheel do.
     enum class Bindings : td::BYTE
@@ -120,6 +122,15 @@ public:
     /// Whether nobody has moved the plane since it was fitted to its home.
     bool isAtHome() const;
 
+    /// Goes to where fit would go, in a flight that is seen: out, along and in again on the way that looks shortest, the
+    /// more slowly the nearer it is to either end. It takes frames of the view's animation, and ends when it is there,
+    /// with what fit does, or when anybody else moves or zooms the plane; another flight begins where this one is.
+    /// @param model, margin  see fit
+    /// @param seconds        not above 0, or while the view has no size, it is fit at once
+    /// @return what fit would return
+    bool flyTo(const td::RectNormalized<double>& model, double margin = 0, double seconds = 0.8);
+    bool isFlying() const;
+
     /// What people expect of a map's keys, for an onKeyPressed to call: plus (with or without Shift) and minus, the
     /// keypad's too, zoom as zoomBy does, by 1 + gui::InputDevice::getDefaultZoomIncrement(); an arrow moves what is
     /// seen 60 points its way; 0 and Home go home, if there is one.
@@ -164,6 +175,10 @@ protected:
     /// @return what onZoom returns for Command-plus and Command-minus; false for all other keys
     bool onKeyPressed(const Key& key) override;
 
+    /// Goes on with a flight. An animated view calls it from its own, for flights to be seen.
+    /// @return whether a flight goes on
+    bool prepareNextFrame() override;
+
 private:
     bool zoomBy(double factor, unsigned int modifiers);
     void adjustOrthoProjectionMatrix();
@@ -191,6 +206,16 @@ private:
         double zoom;
     };
 
+    struct Place
+    {
+        td::Point<double> origin;
+        double zoom;
+    };
+
+    struct Flight;
+
+    std::optional<Place> placeOf(const Fit& fit) const;
+
     glm::mat4 _projection;
     td::Point<double> _origin;
     float _width = 0;
@@ -202,6 +227,7 @@ private:
     double _inSight = -1;
     std::optional<Fit> _fit; // that waits for a size
     std::optional<Home> _home;
+    std::unique_ptr<Flight> _pFlight;
     Bindings _bindings = Bindings::Modified;
     InputDevice::Button _pressed = InputDevice::Button::None; // what a drag with plain bindings began with
     bool _isPanning = false;
