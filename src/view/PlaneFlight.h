@@ -5,8 +5,9 @@
 namespace gui::gl
 {
 
-/// The way from one view of a plane to another that looks shortest: out, along and in again, as fast everywhere as it is
-/// seen. J. J. van Wijk and W. A. A. Nuij, "Smooth and efficient zooming and panning", 2003, with their rho = sqrt(2).
+/// The way from one view of a plane to another that looks shortest: out, along and in again, as fast everywhere as it
+/// is seen. J. J. van Wijk and W. A. A. Nuij, "Smooth and efficient zooming and panning", 2003, with their rho =
+/// sqrt(2).
 class PlaneFlight
 {
 public:

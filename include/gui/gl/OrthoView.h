@@ -122,9 +122,10 @@ public:
     /// Whether nobody has moved the plane since it was fitted to its home.
     bool isAtHome() const;
 
-    /// Goes to where fit would go, in a flight that is seen: out, along and in again on the way that looks shortest, the
-    /// more slowly the nearer it is to either end. It takes frames of the view's animation, and ends when it is there,
-    /// with what fit does, or when anybody else moves or zooms the plane; another flight begins where this one is.
+    /// Goes to where fit would go, in a flight that is seen: out, along and in again on the way that looks shortest,
+    /// the more slowly the nearer it is to either end. It takes frames of the view's animation, and ends when it is
+    /// there, with what fit does, or when anybody else moves or zooms the plane; another flight begins where this one
+    /// is.
     /// @param model, margin  see fit
     /// @param seconds        not above 0, or while the view has no size, it is fit at once
     /// @return what fit would return
