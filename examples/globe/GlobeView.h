@@ -37,8 +37,7 @@ extern const Outlook cOutlooks[3];
 class GlobeView : public gui::gl::CameraView
 {
 public:
-    /// @param pWindow  gets a title that says where the eye is, and must outlive the view; null when somebody else shows
-    ///                 it
+    /// @param pWindow  gets a title that says where the eye is, and must outlive the view; null for none
     explicit GlobeView(gui::Window* pWindow);
     ~GlobeView() override;
 
