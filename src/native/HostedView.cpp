@@ -7,6 +7,8 @@
 #include <gui/port/WindowSystem.h>
 #include <vo/Log.h>
 
+#include <epoxy/gl.h>
+
 #include <utility>
 
 namespace gui::gl
@@ -16,6 +18,32 @@ namespace
 {
 
 gui::RunLoop& hostsLoop() { return gui::WindowSystem::instance().getRunLoop(); }
+
+unsigned int boundFramebuffer()
+{
+    GLint framebuffer = 0;
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
+    return static_cast<unsigned int>(framebuffer);
+}
+
+void enable(GLenum what, bool isOn) { isOn ? glEnable(what) : glDisable(what); }
+
+// The colours stay, and so does all state.
+void makeOpaque(unsigned int framebuffer)
+{
+    const unsigned int framebufferBefore = boundFramebuffer();
+    const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) != 0;
+    GLboolean mask[4]{};
+    glGetBooleani_v(GL_COLOR_WRITEMASK, 0, mask);
+    constexpr GLfloat cOpaque[]{0, 0, 0, 1};
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
+    glDisable(GL_SCISSOR_TEST);
+    glColorMaski(0, GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    glClearBufferfv(GL_COLOR, 0, cOpaque);
+    glColorMaski(0, mask[0], mask[1], mask[2], mask[3]);
+    enable(GL_SCISSOR_TEST, isScissored);
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebufferBefore);
+}
 
 } // namespace
 
@@ -47,9 +75,13 @@ public:
     bool makeCurrent() override { return _pHost != nullptr && _pHost->makeCurrent(); }
     void flush() override
     {
+        if (_pHost == nullptr)
+            return;
         // The toolkit presents what it has had painted; a frame that was drawn at another time is to be seen as well.
-        if (_pHost != nullptr && !_pHost->_isPainting)
+        if (!_pHost->_isPainting)
             _pHost->_widget.requestPaint();
+        else if (_pHost->_widget.needsOpaqueFrames())
+            makeOpaque(_pHost->getFramebuffer());
     }
     td::Size<double> getSize() const override
     {
@@ -60,10 +92,7 @@ public:
     {
         return _pHost != nullptr ? _pHost->_widget.getDrawableSize() : td::Size<int>(1, 1);
     }
-    unsigned int getDefaultFramebuffer() const override
-    {
-        return _pHost != nullptr ? _pHost->_widget.getFramebuffer() : 0;
-    }
+    unsigned int getDefaultFramebuffer() const override { return _pHost != nullptr ? _pHost->getFramebuffer() : 0; }
     void setNeedsDisplay() override
     {
         if (_pHost != nullptr)
@@ -125,6 +154,31 @@ bool HostedView::makeCurrent()
     return true;
 }
 
+unsigned int HostedView::getFramebuffer()
+{
+    const unsigned int name = _widget.getFramebuffer();
+    if (name != HostWidget::s_boundFramebuffer || _isBound)
+        return name != HostWidget::s_boundFramebuffer ? name : _framebuffer;
+    _widget.bindFramebuffer();
+    return boundFramebuffer();
+}
+
+void HostedView::keepDepthTest()
+{
+    // One that no paint has followed yet stays.
+    if (!_isDepthTest && _widget.getContext() != nullptr && _widget.makeContextCurrent())
+        _isDepthTest = glIsEnabled(GL_DEPTH_TEST) != 0;
+}
+
+// What the toolkit has prepared, and what it has spoiled doing so.
+void HostedView::takeOver()
+{
+    _isBound = true;
+    _framebuffer = boundFramebuffer();
+    if (const std::optional<bool> isDepthTest = std::exchange(_isDepthTest, std::nullopt))
+        enable(GL_DEPTH_TEST, *isDepthTest);
+}
+
 void HostedView::begin()
 {
     if (std::exchange(_isBegun, true))
@@ -132,6 +186,7 @@ void HostedView::begin()
         vo::dbgLog("Error! %s has another GL context, and its view is of the first one", _widget.getName());
         return;
     }
+    takeOver();
     _size = _widget.getSize();
     _scale = _widget.getBackingScale();
     {
@@ -147,6 +202,7 @@ void HostedView::begin()
     }
     if (*_pClient != nullptr && _widget.isShown())
         enter();
+    _isBound = false;
     CurrentContext::set(nullptr);
 }
 
@@ -193,6 +249,7 @@ void HostedView::paint()
     if (*_pClient == nullptr)
         return;
     _isPainting = true;
+    takeOver();
     // Not before: some widgets have a framebuffer in a paint only.
     if (!std::exchange(_isFormatReported, true))
         reportSamples(_asked);
@@ -204,7 +261,7 @@ void HostedView::paint()
         followGeometry();
     if (*_pClient != nullptr)
         std::exchange(_isTickDue, false) ? (*_pClient)->onFrameTick() : (*_pClient)->drawNow();
-    _isPainting = false;
+    _isPainting = _isBound = false;
     CurrentContext::set(nullptr);
 }
 

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace gui::gl
 {
@@ -31,12 +32,21 @@ public:
     virtual td::Size<double> getSize() const = 0;      ///< points
     virtual float getBackingScale() const = 0;         ///< device pixels per point
     virtual td::Size<int> getDrawableSize() const = 0; ///< device pixels, at least 1 by 1
-    /// What is presented. The context is current.
+    /// The GL name of what is presented. The context is current.
+    /// @return s_boundFramebuffer from a toolkit that tells it to nobody: what is bound when begin and paint are called
     virtual unsigned int getFramebuffer() const = 0;
+    /// See getFramebuffer.
+    static constexpr unsigned int s_boundFramebuffer = ~0U;
     /// Asks the toolkit for a paint, soon; several requests before it are one.
     virtual void requestPaint() = 0;
     /// Whether it is shown, as far as the toolkit knows.
     virtual bool isShown() const = 0;
+
+    /// Binds what is presented, for a frame that is drawn at another time than a paint. The context is current. Nothing
+    /// to do where getFramebuffer has the name.
+    virtual void bindFramebuffer() {}
+    /// Whether the toolkit blends frames by their alpha, which is 1 everywhere then when paint returns.
+    virtual bool needsOpaqueFrames() const { return false; }
 
     /// Frames per second of the display that it is on; 0 when that isn't known.
     virtual double getDisplayRate() const { return 0; }
@@ -79,6 +89,9 @@ public:
     /// The widget has its context, which is current: the view is made on it. A second call, for another context, makes
     /// none ("Error! NAME has another GL context, and its view is of the first one").
     void begin();
+    /// For toolkits that switch the depth test on or off when they prepare a paint: to be called before they do. What it
+    /// is by then it is again in begin and in paint.
+    void keepDepthTest();
     /// The widget paints: its framebuffer is bound, and its context current. Draws a frame of the widget's present
     /// size.
     void paint();
@@ -99,6 +112,8 @@ private:
     class Surface;
 
     bool makeCurrent();
+    unsigned int getFramebuffer();
+    void takeOver();
     void reportSamples(const PixelFormat& asked) const;
     void enter();
     void followGeometry();
@@ -123,6 +138,8 @@ private:
     SharedClient _pClient;
     Surface* _pSurface = nullptr;
     PixelFormat _asked{};
+    unsigned int _framebuffer = 0;    // of the call of begin or paint that is under way
+    std::optional<bool> _isDepthTest; // what is to be again
     td::RectNormalized<double> _caret;
     td::Size<double> _size; // the last that the view was told
     float _scale = 0;
@@ -132,6 +149,7 @@ private:
     bool _isFormatReported = false;
     bool _isTickDue = false;
     bool _isEntered = false;
+    bool _isBound = false; // in begin, and in paint
     bool _isPainting = false;
     bool _takesText = false;
 };
