@@ -10,7 +10,6 @@
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QLineF>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QStyleHints>
@@ -20,8 +19,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <chrono>
 #include <utility>
+#include <vector>
 
 namespace gui::qt
 {
@@ -184,19 +184,13 @@ bool QtInput::onButton(const QMouseEvent& event, const gui::gl::SharedClient& pC
         return false;
     _point = event.position();
     const bool isDown = event.type() != QEvent::MouseButtonRelease;
-    if (isDown)
-    {
-        const QStyleHints& hints = *QGuiApplication::styleHints();
-        const bool goesOn = _pressedButton == event.button() && _sincePress.isValid() &&
-                            _sincePress.elapsed() < hints.mouseDoubleClickInterval() &&
-                            QLineF(_point, _pressPoint).length() <= hints.mouseDoubleClickDistance();
-        _nClicks = goesOn ? static_cast<unsigned short>(_nClicks + 1) : static_cast<unsigned short>(1);
-        _pressedButton = event.button();
-        _pressPoint = _point;
-        _sincePress.start();
-    }
-    (*pClient)->onButton({pName->second, isDown, (event.buttons() & Qt::LeftButton) != 0,
-                          _pressedButton == event.button() ? _nClicks : static_cast<unsigned short>(1),
+    const QStyleHints& hints = *QGuiApplication::styleHints();
+    const std::chrono::milliseconds time(event.timestamp()), interval(hints.mouseDoubleClickInterval());
+    const unsigned short nClicks =
+        isDown ? _clicks.press(pName->second, toPoint(_point), time,
+                               {interval, static_cast<double>(hints.mouseDoubleClickDistance())})
+               : _clicks.release(pName->second);
+    (*pClient)->onButton({pName->second, isDown, (event.buttons() & Qt::LeftButton) != 0, nClicks,
                           modifiersOf(event.modifiers()), toPoint(_point)});
     return true;
 }
@@ -288,33 +282,13 @@ bool QtInput::onGesture(const QNativeGestureEvent& event, const gui::gl::SharedC
     return true;
 }
 
-// One finger is the left button of a mouse; from a second one on it is a pinch.
 bool QtInput::onTouch(const QTouchEvent& event, const gui::gl::SharedClient& pClient)
 {
-    constexpr double cShortestDistance = 8; // fingers that touch each other
-    const unsigned int modifiers = modifiersOf(event.modifiers());
-    std::array<QPointF, 2> fingers;
-    std::size_t nDown = 0;
+    std::vector<td::Point<double>> down;
     for (const QEventPoint& point : event.points())
-        if (point.state() != QEventPoint::Released && event.type() != QEvent::TouchCancel && nDown < fingers.size())
-            fingers[nDown++] = point.position();
-    if (nDown == 2)
-    {
-        const double distance = std::max(cShortestDistance, QLineF(fingers[0], fingers[1]).length());
-        if (_firstDistance == 0)
-            _firstDistance = distance;
-        else
-            (*pClient)->onMagnification({distance / _firstDistance - 1, modifiers});
-        return true;
-    }
-    const bool wasPinch = std::exchange(_firstDistance, 0) != 0;
-    const bool wasDown = std::exchange(_isFingerDown, nDown == 1 && (_isFingerDown || !wasPinch));
-    if (nDown == 1)
-        _point = fingers[0];
-    if (_isFingerDown != wasDown)
-        (*pClient)->onButton({ButtonEvent::Button::Left, _isFingerDown, _isFingerDown, 1, modifiers, toPoint(_point)});
-    else if (_isFingerDown)
-        (*pClient)->onMotion({MotionEvent::Kind::Dragged, modifiers, toPoint(_point)});
+        if (point.state() != QEventPoint::Released && event.type() != QEvent::TouchCancel)
+            down.push_back(toPoint(point.position()));
+    _fingers.change(down, modifiersOf(event.modifiers()), pClient);
     return true;
 }
 

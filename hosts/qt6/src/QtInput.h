@@ -1,8 +1,8 @@
 #pragma once
 
-#include <gui/gl/port/HostedView.h>
+#include <gui/gl/port/ClickCounter.h>
+#include <gui/gl/port/Fingers.h>
 
-#include <QElapsedTimer>
 #include <QPointF>
 
 class QEvent;
@@ -38,14 +38,9 @@ private:
     unsigned int modifiersOf(Qt::KeyboardModifiers modifiers) const;
 
     QPointF _point; // where the pointer was last
-    // The last press: what a row of clicks goes on from.
-    QElapsedTimer _sincePress;
-    QPointF _pressPoint;
-    Qt::MouseButton _pressedButton = Qt::NoButton;
-    unsigned short _nClicks = 0;
-    double _pinch = 1;         // by a touchpad's gesture so far
-    double _firstDistance = 0; // of two fingers; 0 when there are not two
-    bool _isFingerDown = false;
+    gui::gl::ClickCounter _clicks;
+    gui::gl::Fingers _fingers;
+    double _pinch = 1; // by a touchpad's gesture so far
     bool _isComposing = false;
     bool _isCapsLock = false; // as keys said last
 };
