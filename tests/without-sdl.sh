@@ -8,8 +8,8 @@ if [ -n "$others" ]; then
     echo "$others"
     exit 1
 fi
-cmake -S "$1" -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$3" -DGUIGL_SDL=OFF -DGUIGL_QT6=OFF \
-    -DGUIGL_TOOLS=OFF -DGUIGL_EXAMPLES=OFF -DGUIGL_TESTS=OFF || exit 1
+cmake -S "$1" -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$3" \
+    -DGUIGL_SDL=OFF -DGUIGL_QT6=OFF -DGUIGL_GTK4=OFF -DGUIGL_TOOLS=OFF -DGUIGL_EXAMPLES=OFF -DGUIGL_TESTS=OFF || exit 1
 if grep -iE '^(SDL2|X11|WAYLAND|XKBCOMMON)_' "$2/CMakeCache.txt"; then
     echo "Something of a display server is looked for all the same."
     exit 1

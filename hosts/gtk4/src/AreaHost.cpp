@@ -1,0 +1,128 @@
+#include "AreaHost.h"
+
+#include "GtkHost.h"
+
+#include <gui/gl/port/PixelFormat.h>
+#include <vo/Log.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace gui::gtk
+{
+
+AreaHost::AreaHost(GtkGLArea* pArea, gui::gl::HostedView::Maker make, const gui::gl::Context& context)
+    : _pArea(pArea)
+    , _pWidget(GTK_WIDGET(pArea))
+    , _is41(context.getProfile() == gui::gl::Context::Profile::Core41)
+    , _view(*this, std::move(make))
+    , _input(_pWidget, _view)
+{
+    GtkHost::use();
+    const gui::gl::PixelFormatSizes sizes = gui::gl::decodePixelFormat(gui::gl::buildPixelFormat(context));
+    gtk_gl_area_set_has_depth_buffer(pArea, sizes.depthBits > 0);
+    gtk_gl_area_set_has_stencil_buffer(pArea, sizes.stencilBits > 0);
+    gtk_widget_set_focusable(_pWidget, TRUE);
+}
+
+AreaHost::~AreaHost()
+{
+    close();
+    g_clear_object(&_pContext);
+}
+
+void AreaHost::close()
+{
+    if (std::exchange(_isClosed, true))
+        return;
+    _view.end();
+    _input.close();
+}
+
+void AreaHost::fail(const char* why)
+{
+    vo::dbgLog("ERROR! %s needs OpenGL 3.2, and GTK says: %s", getName(), why);
+    GError* const pError = g_error_new_literal(GDK_GL_ERROR, GDK_GL_ERROR_NOT_AVAILABLE, why);
+    gtk_gl_area_set_error(_pArea, pError);
+    g_error_free(pError);
+}
+
+// Contexts of a display are bound to no window, so that this one stays when the area goes to another.
+GdkGLContext* AreaHost::createContext()
+{
+    GError* pError = nullptr;
+    for (const int major : {4, 3})
+    {
+        if (_pContext != nullptr || (major == 4 && !_is41))
+            continue;
+        g_clear_error(&pError);
+        GdkGLContext* pContext = gdk_display_create_gl_context(gtk_widget_get_display(_pWidget), &pError);
+        if (pContext == nullptr)
+            break;
+        gdk_gl_context_set_allowed_apis(pContext, GDK_GL_API_GL);
+        gdk_gl_context_set_required_version(pContext, major, major == 4 ? 1 : 2);
+        if (gdk_gl_context_realize(pContext, &pError) != FALSE)
+            std::swap(_pContext, pContext);
+        g_clear_object(&pContext);
+    }
+    if (_pContext == nullptr)
+        fail(pError != nullptr ? pError->message : "no context");
+    g_clear_error(&pError);
+    return _pContext != nullptr ? GDK_GL_CONTEXT(g_object_ref(_pContext)) : nullptr;
+}
+
+void AreaHost::paint()
+{
+    if (!std::exchange(_isBegun, true))
+    {
+        _view.begin();
+        // What the view is made by may bind others.
+        gtk_gl_area_attach_buffers(_pArea);
+    }
+    _view.paint();
+}
+
+bool AreaHost::makeContextCurrent()
+{
+    gdk_gl_context_make_current(_pContext);
+    return gdk_gl_context_get_current() == _pContext;
+}
+
+// In no window there is no framebuffer.
+td::Size<double> AreaHost::getSize() const
+{
+    if (gtk_widget_get_realized(_pWidget) == FALSE)
+        return {0, 0};
+    return {static_cast<double>(gtk_widget_get_width(_pWidget)), static_cast<double>(gtk_widget_get_height(_pWidget))};
+}
+
+float AreaHost::getBackingScale() const { return static_cast<float>(gtk_widget_get_scale_factor(_pWidget)); }
+
+td::Size<int> AreaHost::getDrawableSize() const
+{
+    const int scale = gtk_widget_get_scale_factor(_pWidget);
+    return {std::max(gtk_widget_get_width(_pWidget) * scale, 1), std::max(gtk_widget_get_height(_pWidget) * scale, 1)};
+}
+
+double AreaHost::getDisplayRate() const
+{
+    GtkNative* const pNative = gtk_widget_get_native(_pWidget);
+    GdkSurface* const pSurface = pNative != nullptr ? gtk_native_get_surface(pNative) : nullptr;
+    if (pSurface == nullptr)
+        return 0;
+    GdkMonitor* const pMonitor = gdk_display_get_monitor_at_surface(gdk_surface_get_display(pSurface), pSurface);
+    constexpr double cUnitsPerHertz = 1000;
+    return pMonitor != nullptr ? gdk_monitor_get_refresh_rate(pMonitor) / cUnitsPerHertz : 0;
+}
+
+void AreaHost::setCursor(gui::Cursor::Type type)
+{
+    const char* const name = type == gui::Cursor::Type::Pan    ? "move"
+                             : type == gui::Cursor::Type::Text ? "text"
+                                                               : nullptr;
+    gtk_widget_set_cursor_from_name(_pWidget, name);
+}
+
+void AreaHost::setTextInput(bool isOn, const td::RectNormalized<double>& caret) { _input.setText(isOn, caret); }
+
+} // namespace gui::gtk
