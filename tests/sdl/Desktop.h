@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace test
 {
@@ -59,8 +60,9 @@ public:
     virtual bool bring(const std::string& title, int place) const = 0;
     /// @return false for other layouts than the ones it started with, if they cannot be changed any more
     virtual bool setLayouts(const std::string& layouts) const = 0;
-    /// Whether keys make events that an input method takes, as it does with a dead key and the one behind it.
-    virtual bool tellsComposedKeys() const { return true; }
+    /// What a view that takes text hears of a dead acute, an e and the text of both, where an input method takes keys.
+    /// @param ofKeys  what it hears where none does
+    virtual std::vector<std::string> hearsComposed(const std::vector<std::string>& ofKeys) const { return ofKeys; }
     /// A window that isn't shown yet: one of the library's unless a host has another.
     virtual std::unique_ptr<ShownWindow> makeWindow(const char* title, const td::Size<double>& size) const;
 };

@@ -18,7 +18,7 @@ bool X11Desktop::bring(const std::string& title, int place) const
         xdo("windowmove " + std::to_string(window) + " " + std::to_string(area(place).x + cMargin) + " 100");
         return false;
     }
-    return _server.focus() == window;
+    return _server.hasFocus(window);
 }
 
 bool X11Desktop::setLayouts(const std::string& layouts) const

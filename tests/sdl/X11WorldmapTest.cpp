@@ -28,7 +28,7 @@ protected:
     {
         ASSERT_TRUE(window.show(view));
         ASSERT_TRUE(waitInLoop([&] { return (_id = xServer().findWindow("World map")) != 0; }));
-        ASSERT_TRUE(waitInLoop([&] { return xServer().focus() == _id; }));
+        ASSERT_TRUE(waitInLoop([&] { return xServer().hasFocus(_id); }));
     }
 
     /// The user does something, and waits for what it leads to.

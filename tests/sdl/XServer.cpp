@@ -165,12 +165,23 @@ void XServer::askToClose(Window window) const
     XSync(_pDisplay, False);
 }
 
-XServer::Window XServer::focus() const
+bool XServer::hasFocus(Window window) const
 {
-    Window window = 0;
+    Window focus = 0;
     int revertTo = 0;
-    XGetInputFocus(_pDisplay, &window, &revertTo);
-    return window;
+    XGetInputFocus(_pDisplay, &focus, &revertTo);
+    // Some toolkits give it to a window of theirs within.
+    while (focus > PointerRoot && focus != window)
+    {
+        Window root = 0;
+        Window* pChildren = nullptr;
+        unsigned int nChildren = 0;
+        if (XQueryTree(_pDisplay, focus, &root, &focus, &pChildren, &nChildren) == 0)
+            return false;
+        if (pChildren != nullptr)
+            XFree(pChildren);
+    }
+    return focus == window;
 }
 
 Screenshot XServer::shoot(const Place& place) const

@@ -53,7 +53,7 @@ public:
     void toggle(Window window, const char* state, const char* secondState = nullptr) const;
     /// As the close button of its frame does.
     void askToClose(Window window) const;
-    Window focus() const;
+    bool hasFocus(Window window) const;
 
     /// What the screen shows there.
     Screenshot shoot(const Place& place) const;

@@ -49,7 +49,10 @@ private:
 class QtDesktop : public X11Desktop
 {
 public:
-    bool tellsComposedKeys() const override { return false; }
+    std::vector<std::string> hearsComposed(const std::vector<std::string>&) const override
+    {
+        return {"text é", "up key 42496", "up key 'e'"};
+    }
     std::unique_ptr<ShownWindow> makeWindow(const char* title, const td::Size<double>& size) const override
     {
         return std::make_unique<WidgetWindow>(title, size);
