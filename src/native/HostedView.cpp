@@ -208,7 +208,11 @@ void HostedView::begin()
 
 void HostedView::enter()
 {
-    if (!std::exchange(_isEntered, true))
+    if (std::exchange(_isEntered, true))
+        return;
+    // Entering alone tells the view of no new size.
+    followGeometry();
+    if (*_pClient != nullptr)
         (*_pClient)->enteredWindow();
 }
 

@@ -27,7 +27,7 @@ public:
     GdkGLContext* createContext();
     void beforePaint() { _view.keepDepthTest(); }
     void paint();
-    void setVisible(bool isVisible) { _view.setVisible(isVisible); }
+    void hide() { _view.setVisible(false); }
     /// While the widget still answers.
     void close();
 

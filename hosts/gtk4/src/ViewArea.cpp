@@ -57,14 +57,10 @@ void initClass(void* pClass, void*)
         *pNatural = orientation == GTK_ORIENTATION_HORIZONTAL ? cWidth : cHeight;
         *pLine = *pNaturalLine = -1;
     };
-    pWidget->map = [](GtkWidget* p)
-    {
-        GTK_WIDGET_CLASS(s_pBase)->map(p);
-        hostOf(p)->setVisible(true);
-    };
+    // When it is mapped it has no size yet: the view enters its window in the next paint.
     pWidget->unmap = [](GtkWidget* p)
     {
-        hostOf(p)->setVisible(false);
+        hostOf(p)->hide();
         GTK_WIDGET_CLASS(s_pBase)->unmap(p);
     };
 
