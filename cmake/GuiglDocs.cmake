@@ -3,7 +3,7 @@
 
 set(documentation_folder ${CMAKE_INSTALL_FULL_DOCDIR})
 set(header_folder ${CMAKE_INSTALL_FULL_INCLUDEDIR}/guigl)
-set(header_roots include toolkit/include toolkit/port draw/include hosts/qt6/include)
+set(header_roots include toolkit/include toolkit/port draw/include hosts/qt6/include hosts/gtk4/include)
 
 # guigl_installed_path(<path> <variable>): where what stands at the path in the tree is installed; empty when it is not.
 function(guigl_installed_path path variable)

@@ -1,12 +1,13 @@
 # What `cmake --install` puts where, so that other projects find it with find_package(guigl) or pkg-config, in four
-# components: runtime, development, documentation and examples. Each host (qt6) is two more, qt6 and qt6_development.
+# components: runtime, development, documentation and examples. Each host
+# (qt6, gtk4) is two more, such as qt6 and qt6_development.
 
 include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/guigl)
 
 # The libraries find each other in whatever folder they are installed to.
-foreach(library IN ITEMS guigl_util guigl_gui guigl_gl guigl_draw guigl_qt6)
+foreach(library IN ITEMS guigl_util guigl_gui guigl_gl guigl_draw guigl_qt6 guigl_gtk4)
     if(TARGET ${library})
         set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
     endif()
@@ -22,7 +23,7 @@ foreach(headers IN ITEMS toolkit/include toolkit/port include draw/include)
     endif()
 endforeach()
 
-foreach(host IN ITEMS qt6)
+foreach(host IN ITEMS qt6 gtk4)
     if(TARGET guigl_${host})
         install(DIRECTORY ${guigl_SOURCE_DIR}/hosts/${host}/include/
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/guigl
