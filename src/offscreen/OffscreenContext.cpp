@@ -5,6 +5,7 @@
 #include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Framebuffer.h>
+#include <gui/port/WindowSystem.h>
 #include <vo/Log.h>
 
 #include <epoxy/egl.h>
@@ -132,6 +133,9 @@ EGLSurface createSurface(EGLDisplay display, EGLConfig config, const td::Size<in
     return surface;
 }
 
+// The one that was made current last, until it is left.
+EGLContext s_lastCurrent = EGL_NO_CONTEXT;
+
 } // namespace
 
 struct OffscreenContext::Impl
@@ -165,6 +169,8 @@ OffscreenContext::Impl::~Impl()
         if (eglGetCurrentContext() == context)
             eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
         CurrentContext::died(context);
+        if (s_lastCurrent == context)
+            s_lastCurrent = EGL_NO_CONTEXT;
         eglDestroyContext(display, context);
     }
     if (surface != EGL_NO_SURFACE)
@@ -235,6 +241,8 @@ bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
     eglBindAPI(EGL_OPENGL_API);
     // Making a context current again costs a flush.
     const bool isCurrent = eglGetCurrentContext() == context && eglGetCurrentSurface(EGL_DRAW) == newSurface;
+    if (!isCurrent)
+        WindowSystem::leaveHostsContexts();
     if (!isCurrent && !eglMakeCurrent(display, newSurface, newSurface, context))
     {
         // Once, and not for every frame and event of a view whose context is lost.
@@ -243,8 +251,18 @@ bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
         return false;
     }
     isLost = false;
+    s_lastCurrent = context;
     CurrentContext::set(context);
     return true;
+}
+
+void OffscreenContext::leave()
+{
+    const EGLContext last = std::exchange(s_lastCurrent, EGL_NO_CONTEXT);
+    if (last == EGL_NO_CONTEXT || eglGetCurrentContext() != last)
+        return;
+    eglMakeCurrent(theDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    CurrentContext::set(nullptr);
 }
 
 OffscreenContext::OffscreenContext(const td::Size<int>& size, const Context& settings, bool debug)

@@ -57,6 +57,9 @@ public:
     std::string getClipboardText(Clipboard::Kind kind) override { return _pHost->getClipboardText(kind); }
     bool hasClipboardText(Clipboard::Kind kind) override { return _pHost->hasClipboardText(kind); }
 
+protected:
+    void leaveContexts() override { _pHost->leaveContexts(); }
+
 private:
     std::unique_ptr<Host> _pHost;
     HostedRunLoop _runLoop;

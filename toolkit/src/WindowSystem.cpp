@@ -94,6 +94,12 @@ bool WindowSystem::setHost(std::unique_ptr<Host> pHost)
     return true;
 }
 
+void WindowSystem::leaveHostsContexts()
+{
+    if (s_pSystem != nullptr)
+        s_pSystem->leaveContexts();
+}
+
 WindowSystem& WindowSystem::instance()
 {
     if (s_pSystem == nullptr)

@@ -2,6 +2,7 @@
 
 #include <gui/NativeView.h>
 #include <gui/gl/CurrentContext.h>
+#include <gui/gl/OffscreenContext.h>
 #include <gui/gl/port/HostedView.h>
 #include <gui/port/WindowSystem.h>
 
@@ -75,6 +76,7 @@ GSourceFuncs GtkHost::s_functions = {
     [](GSource* pSource, int* pTimeout) -> gboolean
     {
         // Whatever was current, GTK may have changed it.
+        gui::gl::OffscreenContext::leave();
         gui::gl::CurrentContext::set(nullptr);
         const std::optional<gui::RunLoop::Time> due = Source::hostOf(pSource).getDue();
         *pTimeout = -1;

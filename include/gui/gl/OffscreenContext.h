@@ -53,6 +53,9 @@ public:
     /// @return false when the driver refuses, with a log line the first time
     bool makeCurrent();
 
+    /// Has none of these contexts current any more. For hosts, before their toolkit draws: see gui::Host::leaveContexts.
+    static void leave();
+
     /// Replaces the drawing surface by one of another size and makes the context current, with the viewport over all of
     /// it. The picture is undefined afterwards. @return false, with a log line and nothing changed, when there is none
     bool resize(const td::Size<int>& size);

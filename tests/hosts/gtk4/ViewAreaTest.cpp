@@ -5,6 +5,7 @@
 #include <gui/Clipboard.h>
 #include <gui/Texture.h>
 #include <gui/ZavObject.h>
+#include <gui/gl/OffscreenContext.h>
 #include <gui/gl/port/Zav.h>
 #include <gui/gtk/ViewArea.h>
 
@@ -185,7 +186,7 @@ TEST_F(ViewAreaTest, CallsTextsAndSamplesArePassedOn)
 class TranslucentView : public gui::gl::View
 {
 public:
-    static constexpr std::uint32_t cColor = 0x3060C0;
+    std::uint32_t color = 0x3060C0;
     std::function<void()> inDraw;
     bool isStateKept = true;
 
@@ -198,7 +199,7 @@ protected:
         _isFirst = false;
         glDisable(GL_SCISSOR_TEST);
         gui::gl::Context::maskColorBuffer(true, true, true, true);
-        glClearColor(float(cColor >> 16) / 255, float(cColor >> 8 & 0xFF) / 255, float(cColor & 0xFF) / 255, 0.5f);
+        glClearColor(float(color >> 16) / 255, float(color >> 8 & 0xFF) / 255, float(color & 0xFF) / 255, 0.5f);
         gui::gl::Context::clear(gui::gl::Context::Clear::Color);
         // What it leaves is what it finds.
         glEnable(GL_SCISSOR_TEST);
@@ -224,17 +225,26 @@ TEST_F(ViewAreaTest, FramesAreOpaqueAndStateStays)
     const auto isSeen = [&]
     {
         translucent.reRender();
-        const XServer::Place place = desktop().server().find(TranslucentView::cColor, {0, 0, 1080, 874});
+        const XServer::Place place = desktop().server().find(translucent.color, {0, 0, 1080, 874});
         const Screenshot shot = desktop().server().shoot({place.x, place.y, 200, 150});
-        return std::ranges::all_of(shot.pixels, [](std::uint32_t p) { return p == TranslucentView::cColor; });
+        return std::ranges::all_of(shot.pixels, [&](std::uint32_t p) { return p == translucent.color; });
     };
     EXPECT_TRUE(waitInLoop(isSeen));
 
-    // At another time than GTK's.
+    // At another time than GTK's, and beside contexts that are not GTK's.
     gui::Texture picture;
     EXPECT_TRUE(zav::drawInto(&translucent, picture));
     EXPECT_EQ(picture.getWidth(), 200);
-    EXPECT_TRUE(waitInLoop(isSeen));
+    gui::gl::OffscreenContext offscreen({8, 8}, gui::gtk::getDefaultContext());
+    EXPECT_TRUE(offscreen.isOk());
+    for (const std::uint32_t color : {0x60C030u, 0xC03060u})
+    {
+        translucent.color = color;
+        EXPECT_TRUE(waitInLoop(isSeen));
+        EXPECT_TRUE(offscreen.makeCurrent());
+        EXPECT_TRUE(zav::drawInto(&translucent, picture));
+        EXPECT_TRUE(offscreen.makeCurrent());
+    }
     EXPECT_TRUE(translucent.isStateKept);
 }
 

@@ -41,6 +41,11 @@ public:
     /// Device pixels per point of the main display.
     virtual float getMainDisplayScale() const { return 1; }
 
+    /// A context of the library's own, gui::gl::OffscreenContext, is about to be made current: the toolkit has none
+    /// current from now on, and knows. For those that keep in mind which one is, or draw by something else than EGL; the
+    /// host calls OffscreenContext::leave then before the toolkit draws.
+    virtual void leaveContexts() {}
+
     /// See WindowSystem: what gui::Clipboard asks for.
     virtual bool setClipboardText(Clipboard::Kind kind, const std::string& text) = 0;
     virtual std::string getClipboardText(Clipboard::Kind kind) = 0;

@@ -55,6 +55,9 @@ public:
     /// host comes too late"), when a window system was chosen already
     static bool setHost(std::unique_ptr<Host> pHost);
 
+    /// See Host::leaveContexts. Nothing without a host.
+    static void leaveHostsContexts();
+
     /// As in the table: the native view looks up its surface by it.
     virtual const char* getName() const = 0;
     virtual RunLoop& getRunLoop() = 0;
@@ -68,6 +71,9 @@ public:
     /// @return anything
     virtual std::string getClipboardText(Clipboard::Kind kind);
     virtual bool hasClipboardText(Clipboard::Kind kind);
+
+protected:
+    virtual void leaveContexts() {}
 
 private:
     std::string _copied;
