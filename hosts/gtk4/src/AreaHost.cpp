@@ -2,10 +2,12 @@
 
 #include "GtkHost.h"
 
+#include <gui/gl/OffscreenContext.h>
 #include <gui/gl/port/PixelFormat.h>
 #include <vo/Log.h>
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace gui::gtk
@@ -68,6 +70,15 @@ GdkGLContext* AreaHost::createContext()
     if (_pContext == nullptr)
         fail(pError != nullptr ? pError->message : "no context");
     g_clear_error(&pError);
+    // An old driver may have given an old one all the same.
+    int major = 0, minor = 0;
+    if (_pContext != nullptr && makeContextCurrent())
+        gdk_gl_context_get_version(_pContext, &major, &minor);
+    if (_pContext != nullptr && std::pair(major, minor) < std::pair(3, 2))
+    {
+        fail(("OpenGL " + std::to_string(major) + '.' + std::to_string(minor)).c_str());
+        g_clear_object(&_pContext);
+    }
     return _pContext != nullptr ? GDK_GL_CONTEXT(g_object_ref(_pContext)) : nullptr;
 }
 
@@ -84,6 +95,7 @@ void AreaHost::paint()
 
 bool AreaHost::makeContextCurrent()
 {
+    gui::gl::OffscreenContext::leave();
     gdk_gl_context_make_current(_pContext);
     return gdk_gl_context_get_current() == _pContext;
 }
