@@ -9,8 +9,8 @@
 namespace gui::gtk
 {
 
-/// GTK's loop and clipboard for the library. Its source is in the main context, adds no wake-up of its own, and looks at
-/// what is due when that is about to sleep.
+/// GTK's loop and clipboard for the library. Its source is in the main context, adds no wake-up of its own, and looks
+/// at what is due when that is about to sleep.
 class GtkHost : public gui::Host
 {
 public:

@@ -27,14 +27,15 @@ struct ViewAreaClass
 
 GtkGLAreaClass* s_pBase = nullptr; // GTK's own part
 
-// Null while GTK constructs it.
+// Null while GTK constructs it, and in one that somebody has it construct by the name of the type, which shows GTK's
+// error.
 AreaHost* hostOf(void* pArea) { return static_cast<ViewArea*>(pArea)->pHost; }
 
 void initClass(void* pClass, void*)
 {
     s_pBase = GTK_GL_AREA_CLASS(g_type_class_peek_parent(pClass));
     auto* const pArea = GTK_GL_AREA_CLASS(pClass);
-    pArea->create_context = [](GtkGLArea* p) { return hostOf(p)->createContext(); };
+    pArea->create_context = [](GtkGLArea* p) { return hostOf(p) != nullptr ? hostOf(p)->createContext() : nullptr; };
     pArea->render = [](GtkGLArea* p, GdkGLContext*) -> gboolean
     {
         hostOf(p)->paint();
@@ -46,7 +47,8 @@ void initClass(void* pClass, void*)
     auto* const pWidget = GTK_WIDGET_CLASS(pClass);
     pWidget->snapshot = [](GtkWidget* p, GtkSnapshot* pSnapshot)
     {
-        hostOf(p)->beforePaint();
+        if (hostOf(p) != nullptr)
+            hostOf(p)->beforePaint();
         GTK_WIDGET_CLASS(s_pBase)->snapshot(p, pSnapshot);
     };
     pWidget->measure =
@@ -60,7 +62,8 @@ void initClass(void* pClass, void*)
     // When it is mapped it has no size yet: the view enters its window in the next paint.
     pWidget->unmap = [](GtkWidget* p)
     {
-        hostOf(p)->hide();
+        if (hostOf(p) != nullptr)
+            hostOf(p)->hide();
         GTK_WIDGET_CLASS(s_pBase)->unmap(p);
     };
 

@@ -53,7 +53,8 @@ public:
     /// @return false when the driver refuses, with a log line the first time
     bool makeCurrent();
 
-    /// Has none of these contexts current any more. For hosts, before their toolkit draws: see gui::Host::leaveContexts.
+    /// Has none of these contexts current any more. For hosts, before their toolkit draws: see
+    /// gui::Host::leaveContexts.
     static void leave();
 
     /// Replaces the drawing surface by one of another size and makes the context current, with the viewport over all of

@@ -248,6 +248,22 @@ TEST_F(ViewAreaTest, FramesAreOpaqueAndStateStays)
     EXPECT_TRUE(translucent.isStateKept);
 }
 
+// Run at several scales: the screen shows what was drawn, pixel for pixel, and what is clicked on is where it is seen.
+TEST_F(ViewAreaTest, FramesAreSharp)
+{
+    GtkWidget* const pArea = gui::gtk::newViewArea(make(view));
+    show(pWindow, pArea);
+    ASSERT_TRUE(waitInLoop([] { return desktop().bring("Window", 0); }));
+    ASSERT_TRUE(showsItsFrame(view));
+    scale = gtk_widget_get_scale_factor(pArea);
+    EXPECT_EQ(view.getPixelHiDPIScale(), static_cast<float>(scale));
+    EXPECT_EQ(corner.width, 200 * scale);
+    EXPECT_TRUE(view.grab() == view.readPixels());
+    view.lines.clear();
+    xdo(at(150, 100) + " click 1");
+    EXPECT_TRUE(view.hasHeard({"enter 150,100", "press 150,100 x1", "release 150,100 x1"}));
+}
+
 TEST_F(ViewAreaTest, TheKeyboardComesAndGoes)
 {
     RecordingView second;

@@ -10,8 +10,8 @@
 namespace gui::gl
 {
 
-/// Fingers on a screen, as a surface tells them to its client: one is the left button of a pointer. A second one lets it
-/// go and begins a pinch, after which there is no button before all fingers are up.
+/// Fingers on a screen, as a surface tells them to its client: one is the left button of a pointer. A second one lets
+/// it go and begins a pinch, after which there is no button before all fingers are up.
 class GUIGL_API Fingers
 {
 public:

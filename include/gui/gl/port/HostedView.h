@@ -89,8 +89,8 @@ public:
     /// The widget has its context, which is current: the view is made on it. A second call, for another context, makes
     /// none ("Error! NAME has another GL context, and its view is of the first one").
     void begin();
-    /// For toolkits that switch the depth test on or off when they prepare a paint: to be called before they do. What it
-    /// is by then it is again in begin and in paint.
+    /// For toolkits that switch the depth test on or off when they prepare a paint: to be called before they do. What
+    /// it is by then it is again in begin and in paint.
     void keepDepthTest();
     /// The widget paints: its framebuffer is bound, and its context current. Draws a frame of the widget's present
     /// size.

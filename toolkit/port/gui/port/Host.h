@@ -42,8 +42,8 @@ public:
     virtual float getMainDisplayScale() const { return 1; }
 
     /// A context of the library's own, gui::gl::OffscreenContext, is about to be made current: the toolkit has none
-    /// current from now on, and knows. For those that keep in mind which one is, or draw by something else than EGL; the
-    /// host calls OffscreenContext::leave then before the toolkit draws.
+    /// current from now on, and knows. For those that keep in mind which one is, or draw by something else than EGL;
+    /// the host calls OffscreenContext::leave then before the toolkit draws.
     virtual void leaveContexts() {}
 
     /// See WindowSystem: what gui::Clipboard asks for.
