@@ -73,6 +73,7 @@ public:
     virtual bool hasClipboardText(Clipboard::Kind kind);
 
 protected:
+    /// See leaveHostsContexts.
     virtual void leaveContexts() {}
 
 private:
