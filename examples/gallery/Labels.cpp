@@ -1,6 +1,7 @@
 // Look for: no name on another one or on another's dot, the larger towns first; nothing that comes, goes or jumps while
 // one pans.
 
+#include "Numbers.h"
 #include "Scenes.h"
 #include "Stage.h"
 #include "Towns.h"
@@ -34,7 +35,6 @@ using gui::draw::Path;
 using gui::draw::TextLayout;
 using gui::draw::TextStyle;
 using Point = Drawing::Point;
-using Rect = Drawing::Rect;
 
 constexpr std::size_t cNoOfTowns = 10'000;
 constexpr double cMapMiddle = 11, cMapGrain = 0.02; // degrees
@@ -75,14 +75,6 @@ Path pathOf(const TopoJSON::Line& line)
     for (const Point& point : line)
         path.lineTo(toMap({point.x - cMapMiddle, point.y}));
     return path;
-}
-
-std::string inThousands(std::size_t number)
-{
-    std::string text = std::to_string(number);
-    for (std::size_t place = text.size(); place > 3; place -= 3)
-        text.insert(place - 3, ",");
-    return text;
 }
 
 std::string inCapitals(const std::string& name)
@@ -243,7 +235,7 @@ private:
         _ground.fill(outside.close(), cSea, gui::draw::FillRule::EvenOdd);
     }
 
-    // A country's name stands in it as long as it fits, before that of any town.
+    // A country's name stands in it, before that of any town.
     void addCountries(const TopoJSON& world)
     {
         const gui::draw::Typeface face = gui::draw::Typeface::named("DejaVu Sans");
@@ -261,15 +253,10 @@ private:
                     largest = path;
                     width = path.getBounds()->right - path.getBounds()->left;
                 }
-            const std::optional<Rect> room =
-                width > 0 ? gui::draw::Labels::findRoom(largest, *largest.getBounds()) : std::nullopt;
-            if (!room)
-                continue;
-            const Point middle((room->left + room->right) / 2, (room->top + room->bottom) / 2);
             const TextLayout name(inCapitals(country.name),
                                   {.face = face, .size = 11, .paint = cCountry, .letterSpacing = 2});
-            const double strip = room->right - room->left;
-            _labels.add(middle, name, {Anchor::Center}, {1e9 + strip, name.getSize().width / strip, 1300 / strip});
+            if (width > 0)
+                _labels.addInside(largest, *largest.getBounds(), std::span(&name, 1), {1e9 + width});
         }
     }
 
@@ -329,9 +316,9 @@ private:
         const TextStyle faint{.face = gui::draw::Typeface::named("DejaVu Sans"), .size = 12, .paint = "#8ba3bf"};
         TextStyle bright = faint;
         bright.paint = "#ffe2a0";
-        const TextLayout text({{inThousands(n - nHidden), bright},
+        const TextLayout text({{grouped(static_cast<long>(n - nHidden)), bright},
                                {" names shown on all of the map, ", faint},
-                               {inThousands(nHidden), bright},
+                               {grouped(static_cast<long>(nHidden)), bright},
                                {" wait for room", faint}});
         const double width = text.getSize().width, bottom = _size.height - 16;
         _notes.clear();

@@ -1,6 +1,7 @@
 // Look for: a curve as thick everywhere, however far in; dots on single samples; lines of the grid at round numbers.
 
 #include "Drawing.h"
+#include "Numbers.h"
 #include "Scenes.h"
 #include "Stage.h"
 
@@ -60,14 +61,6 @@ double roundUp(double value)
         if (factor * power >= value)
             return factor * power;
     return 10 * power;
-}
-
-std::string grouped(long number)
-{
-    std::string text = std::to_string(number);
-    for (std::size_t place = text.size(); place > 3; place -= 3)
-        text.insert(place - 3, ",");
-    return text;
 }
 
 // With as many digits as tell a step from the next.

@@ -126,7 +126,7 @@ constexpr Region cRegions[] = {
     {110, -50, 180, -22, cEnglish}, {-30, -40, 60, 14, cAfrican},  {60, -50, 180, 21, cIsland}};
 
 constexpr unsigned int cPerHundredBefore = 9;
-constexpr int cMostTries = 20; // to make one that there wasn't
+constexpr int cMostNameTries = 20; // to make one that there wasn't
 
 const Speech& speechAt(double longitude, double latitude)
 {
@@ -144,7 +144,7 @@ std::string TownNames::make(double longitude, double latitude)
     const auto below = [this](std::size_t n) { return _random() / 64 % n; };
     const auto oneOf = [&below](Parts parts) { return parts[below(parts.size())]; };
     std::string all;
-    for (int i = 0; i < cMostTries; ++i)
+    for (int i = 0; i < cMostNameTries; ++i)
     {
         std::string name, word(oneOf(speech.begins));
         if (below(100) < cPerHundredBefore)

@@ -131,6 +131,23 @@ private:
     HostedView* _pHost; // null when it has gone
 };
 
+HostedView::Maker HostedView::makerOf(View& view, const Context& context)
+{
+    return [&view, context]
+    {
+        using Event = gui::InputDevice::Event;
+        view.createContext(context, {Event::CursorEnterLeave, Event::PrimaryClicks, Event::SecondaryClicks,
+                                     Event::CursorMove, Event::CursorDrag, Event::ScrollAndZoom, Event::Keyboard,
+                                     Event::OtherClicks, Event::OtherDrag});
+        return &view;
+    };
+}
+
+Context HostedView::getDefaultContext()
+{
+    return {DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41};
+}
+
 HostedView::HostedView(HostWidget& widget, Maker make)
     : _widget(widget)
     , _make(std::move(make))
@@ -157,8 +174,10 @@ bool HostedView::makeCurrent()
 unsigned int HostedView::getFramebuffer()
 {
     const unsigned int name = _widget.getFramebuffer();
-    if (name != HostWidget::s_boundFramebuffer || _isBound)
-        return name != HostWidget::s_boundFramebuffer ? name : _framebuffer;
+    if (name != HostWidget::s_boundFramebuffer)
+        return name;
+    if (_isBound)
+        return _framebuffer;
     _widget.bindFramebuffer();
     return boundFramebuffer();
 }
@@ -174,7 +193,8 @@ void HostedView::keepDepthTest()
 void HostedView::takeOver()
 {
     _isBound = true;
-    _framebuffer = boundFramebuffer();
+    if (_widget.getFramebuffer() == HostWidget::s_boundFramebuffer)
+        _framebuffer = boundFramebuffer();
     if (const std::optional<bool> isDepthTest = std::exchange(_isDepthTest, std::nullopt))
         enable(GL_DEPTH_TEST, *isDepthTest);
 }
@@ -195,7 +215,7 @@ void HostedView::begin()
             {
                 if (*_pClient != nullptr)
                     return nullptr; // a second view
-                _asked = format;
+                _nSamplesAsked = decodePixelFormat(format).nSamples;
                 return std::make_unique<Surface>(*this, client);
             });
         _pView = _make();
@@ -240,12 +260,11 @@ void HostedView::followGeometry()
         (*_pClient)->sizeChanged();
 }
 
-void HostedView::reportSamples(const PixelFormat& asked) const
+void HostedView::reportSamples() const
 {
-    const int nAsked = decodePixelFormat(asked).nSamples;
     const int nSamples = zav::getSamples(_pView);
-    if (nSamples < nAsked)
-        vo::dbgLog("Warning! %s asked for %d samples, got %d", _widget.getName(), nAsked, nSamples);
+    if (nSamples < _nSamplesAsked)
+        vo::dbgLog("Warning! %s asked for %d samples, got %d", _widget.getName(), _nSamplesAsked, nSamples);
 }
 
 void HostedView::paint()
@@ -256,7 +275,7 @@ void HostedView::paint()
     takeOver();
     // Not before: some widgets have a framebuffer in a paint only.
     if (!std::exchange(_isFormatReported, true))
-        reportSamples(_asked);
+        reportSamples();
     if (std::exchange(_nTicksAhead, 0) > 0)
         hostsLoop().setVisible(this, true);
     if (_widget.isShown())

@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <cmath>
+#include <optional>
+#include <tuple>
 #include <utility>
 
 namespace gui::gl
@@ -55,9 +57,9 @@ bool OrthoView::prepareNextFrame()
         return false;
     Flight& flight = *_pFlight;
     const double time = std::chrono::duration<double>(Flight::Clock::now() - flight.begin).count() / flight.seconds;
-    if (flight.origin != _origin || flight.zoom != _zoom || time >= 1)
+    const bool isLeft = flight.origin != _origin || flight.zoom != _zoom;
+    if (isLeft || time >= 1)
     {
-        const bool isLeft = flight.origin != _origin || flight.zoom != _zoom;
         const std::unique_ptr<Flight> pFlight = std::move(_pFlight);
         if (!isLeft)
             fit(pFlight->fit.model, pFlight->fit.margin);

@@ -446,8 +446,7 @@ bool Drawing::draw(const gl::OrthoView& view)
     glGetIntegerv(GL_VIEWPORT, viewport.data());
     const double s = view.getPixelHiDPIScale(), zoom = view.getZoom();
     const Point origin = view.getOrigin();
-    // The origin is at the top left corner when y grows downwards.
-    const double up = view.getModelPoint({0, 0}).y == origin.y ? -1 : 1;
+    const double up = view.isYDown() ? -1 : 1;
     Sight sight;
     sight.center = {origin.x + viewport[2] / 2.0 / s / zoom, origin.y + viewport[3] / 2.0 / s / zoom};
     sight.toPixels = {s * zoom, 0, 0, up * s * zoom, 0, 0};

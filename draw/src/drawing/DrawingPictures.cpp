@@ -23,7 +23,7 @@ void Drawing::Impl::await(Item& item)
 bool Drawing::Impl::isInSight(const Item& item, const Sight& sight) const
 {
     Rect bounds;
-    if (!item.zooms.has(sight.getZoom()) || !boundsOf(item, bounds))
+    if (!item.zooms.has(pointsPerUnit) || !boundsOf(item, bounds))
         return false;
     const Affine& map = sight.toPixels;
     const double scale = std::min(std::hypot(map.a, map.b), std::hypot(map.c, map.d)) / sight.pixelsPerPoint;

@@ -223,9 +223,7 @@ bool Labels::isShown(Drawing::ID id) const
 
 void Labels::place(const gl::OrthoView& view)
 {
-    // Its origin is at the top left corner when y grows downwards.
-    const double up = view.getModelPoint({0, 0}).y == view.getOrigin().y ? 1 : -1;
-    place(Affine::scaling(view.getZoom(), up * view.getZoom()));
+    place(Affine::scaling(view.getZoom(), view.isYDown() ? view.getZoom() : -view.getZoom()));
 }
 
 void Labels::place(const Affine& modelToView)

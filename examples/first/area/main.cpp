@@ -34,6 +34,7 @@ int main()
     g_signal_connect(pScale, "value-changed", G_CALLBACK(+change), &view);
     gtk_range_set_value(GTK_RANGE(pScale), 12);
     GtkWidget* const pWindow = gtk_window_new();
+    gtk_window_set_title(GTK_WINDOW(pWindow), "Spiral");
     GtkWidget* const pBox = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     gtk_box_append(GTK_BOX(pBox), pPlane);
     gtk_box_append(GTK_BOX(pBox), pScale);

@@ -84,7 +84,7 @@ GdkGLContext* AreaHost::createContext()
 
 void AreaHost::paint()
 {
-    if (!std::exchange(_isBegun, true))
+    if (!_view.hasBegun())
     {
         _view.begin();
         // What the view is made by may bind others.

@@ -55,7 +55,6 @@ private:
     GdkGLContext* _pContext = nullptr; // from the first one on for the life of the area
     gui::gl::HostedView _view;
     GtkInput _input;
-    bool _isBegun = false;
     bool _isClosed = false;
 };
 

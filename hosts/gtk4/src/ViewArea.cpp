@@ -90,10 +90,7 @@ GType typeOf()
 
 } // namespace
 
-gui::gl::Context getDefaultContext()
-{
-    return {gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::Bits8, gui::gl::Context::Profile::Core41};
-}
+gui::gl::Context getDefaultContext() { return gui::gl::HostedView::getDefaultContext(); }
 
 GtkWidget* newViewArea(Maker make, const gui::gl::Context& context)
 {
@@ -104,16 +101,7 @@ GtkWidget* newViewArea(Maker make, const gui::gl::Context& context)
 
 GtkWidget* newViewArea(gui::gl::View& view, const gui::gl::Context& context)
 {
-    return newViewArea(
-        [&view, context]
-        {
-            using Event = gui::InputDevice::Event;
-            view.createContext(context, {Event::CursorEnterLeave, Event::PrimaryClicks, Event::SecondaryClicks,
-                                         Event::CursorMove, Event::CursorDrag, Event::ScrollAndZoom, Event::Keyboard,
-                                         Event::OtherClicks, Event::OtherDrag});
-            return &view;
-        },
-        context);
+    return newViewArea(gui::gl::HostedView::makerOf(view, context), context);
 }
 
 gui::gl::View* getView(GtkWidget* pWidget)

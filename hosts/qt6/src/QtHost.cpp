@@ -28,9 +28,9 @@ QClipboard::Mode toMode(gui::Clipboard::Kind kind)
     return kind == gui::Clipboard::Kind::Copied ? QClipboard::Clipboard : QClipboard::Selection;
 }
 
-} // namespace
-
 gui::RunLoop& runLoop() { return gui::WindowSystem::instance().getRunLoop(); }
+
+} // namespace
 
 void QtHost::use()
 {

@@ -8,9 +8,6 @@
 namespace gui::qt
 {
 
-/// The library's.
-gui::RunLoop& runLoop();
-
 /// Qt's loop and clipboard for the library. It adds no wake-up of its own: it looks at what is due when Qt is about to
 /// sleep.
 class QtHost : public gui::Host

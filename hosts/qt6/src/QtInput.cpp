@@ -41,33 +41,47 @@ constexpr std::array<std::pair<Qt::MouseButton, ButtonEvent::Button>, 5> cButton
     {Qt::ForwardButton, ButtonEvent::Button::Forward},
 }};
 
-// Keys of events that a program makes up, which have no number of the kernel's.
-constexpr std::array<std::pair<int, unsigned int>, 22> cKernelKeys{{
-    {Qt::Key_Escape, 1},   {Qt::Key_Backspace, 14}, {Qt::Key_Tab, 15},   {Qt::Key_Return, 28},    {Qt::Key_Space, 57},
-    {Qt::Key_Enter, 96},   {Qt::Key_Home, 102},     {Qt::Key_Up, 103},   {Qt::Key_PageUp, 104},   {Qt::Key_Left, 105},
-    {Qt::Key_Right, 106},  {Qt::Key_End, 107},      {Qt::Key_Down, 108}, {Qt::Key_PageDown, 109}, {Qt::Key_Insert, 110},
-    {Qt::Key_Delete, 111}, {Qt::Key_Control, 29},   {Qt::Key_Shift, 42}, {Qt::Key_Alt, 56},       {Qt::Key_Meta, 125},
-    {Qt::Key_F11, 87},     {Qt::Key_F12, 88},
-}};
+// Usages of the keys of events that a program makes up, which have no number of the kernel's: the first of a row.
+struct UsageRow
+{
+    int first, last; // Qt's
+    int usage;
+};
+constexpr UsageRow cUsages[] = {
+    {Qt::Key_A, Qt::Key_Z, 4},
+    {Qt::Key_1, Qt::Key_9, 30},
+    {Qt::Key_0, Qt::Key_0, 39},
+    {Qt::Key_F1, Qt::Key_F12, 58},
+    {Qt::Key_Return, Qt::Key_Return, 40},
+    {Qt::Key_Escape, Qt::Key_Escape, 41},
+    {Qt::Key_Backspace, Qt::Key_Backspace, 42},
+    {Qt::Key_Tab, Qt::Key_Tab, 43},
+    {Qt::Key_Space, Qt::Key_Space, 44},
+    {Qt::Key_Insert, Qt::Key_Insert, 73},
+    {Qt::Key_Home, Qt::Key_Home, 74},
+    {Qt::Key_PageUp, Qt::Key_PageUp, 75},
+    {Qt::Key_Delete, Qt::Key_Delete, 76},
+    {Qt::Key_End, Qt::Key_End, 77},
+    {Qt::Key_PageDown, Qt::Key_PageDown, 78},
+    {Qt::Key_Right, Qt::Key_Right, 79},
+    {Qt::Key_Left, Qt::Key_Left, 80},
+    {Qt::Key_Down, Qt::Key_Down, 81},
+    {Qt::Key_Up, Qt::Key_Up, 82},
+    {Qt::Key_Enter, Qt::Key_Enter, 88},
+    {Qt::Key_Control, Qt::Key_Control, 224},
+    {Qt::Key_Shift, Qt::Key_Shift, 225},
+    {Qt::Key_Alt, Qt::Key_Alt, 226},
+    {Qt::Key_Meta, Qt::Key_Meta, 227},
+};
 
-unsigned int kernelKeyCode(const QKeyEvent& event)
+int usageOf(const QKeyEvent& event)
 {
     constexpr unsigned int cFirstOfXKB = 8;
     if (event.nativeScanCode() > cFirstOfXKB)
-        return event.nativeScanCode() - cFirstOfXKB;
-    const int key = event.key();
-    for (const auto& [qtKey, code] : cKernelKeys)
-        if (qtKey == key)
-            return code;
-    constexpr int cFirstLetter = 4, cFirstDigit = 30, cFirstFunctionKey = 58; // usages
-    if (key >= Qt::Key_A && key <= Qt::Key_Z)
-        return gui::gl::toKernelKeyCode(cFirstLetter + key - Qt::Key_A);
-    if (key >= Qt::Key_1 && key <= Qt::Key_9)
-        return gui::gl::toKernelKeyCode(cFirstDigit + key - Qt::Key_1);
-    if (key == Qt::Key_0)
-        return gui::gl::toKernelKeyCode(cFirstDigit + 9);
-    if (key >= Qt::Key_F1 && key <= Qt::Key_F10)
-        return gui::gl::toKernelKeyCode(cFirstFunctionKey + key - Qt::Key_F1);
+        return gui::gl::toKeyUsage(event.nativeScanCode() - cFirstOfXKB);
+    for (const UsageRow& row : cUsages)
+        if (event.key() >= row.first && event.key() <= row.last)
+            return row.usage + event.key() - row.first;
     return 0;
 }
 
@@ -234,7 +248,7 @@ bool QtInput::onKey(const QKeyEvent& event, const gui::gl::SharedClient& pClient
     constexpr quint32 cLockMask = 2; // of X11 and of XKB's real modifiers
     if (event.nativeScanCode() != 0)
         _isCapsLock = (event.nativeModifiers() & cLockMask) != 0;
-    const gui::gl::KeyMapping mapping = gui::gl::mapKey(gui::gl::toKeyUsage(kernelKeyCode(event)), isNumLock(event));
+    const gui::gl::KeyMapping mapping = gui::gl::mapKey(usageOf(event), isNumLock(event));
     if (mapping.keyCode == 0)
         return false;
     unsigned short character = mapping.character;

@@ -49,18 +49,6 @@ QSurfaceFormat toFormat(const gui::gl::Context& context)
     return format;
 }
 
-gui::gl::HostedView::Maker makeContextOf(gui::gl::View& view, const gui::gl::Context& context)
-{
-    return [&view, context]
-    {
-        using Event = gui::InputDevice::Event;
-        view.createContext(context, {Event::CursorEnterLeave, Event::PrimaryClicks, Event::SecondaryClicks,
-                                     Event::CursorMove, Event::CursorDrag, Event::ScrollAndZoom, Event::Keyboard,
-                                     Event::OtherClicks, Event::OtherDrag});
-        return &view;
-    };
-}
-
 ViewHost::ViewHost(gui::gl::HostedView::Maker make)
     : _view(*this, std::move(make))
 {

@@ -19,9 +19,6 @@ namespace gui::qt
 /// The format that a context asks for.
 QSurfaceFormat toFormat(const gui::gl::Context& context);
 
-/// Calls the view's createContext with this context and all kinds of input.
-gui::gl::HostedView::Maker makeContextOf(gui::gl::View& view, const gui::gl::Context& context);
-
 /// What a widget and a window that show a view have in common.
 class ViewHost : public gui::gl::HostWidget
 {

@@ -53,7 +53,7 @@ private:
 } // namespace
 
 ViewWidget::ViewWidget(gui::gl::View& view, const gui::gl::Context& context, QWidget* pParent)
-    : ViewWidget(makeContextOf(view, context), context, pParent)
+    : ViewWidget(gui::gl::HostedView::makerOf(view, context), context, pParent)
 {
 }
 
@@ -71,10 +71,7 @@ ViewWidget::~ViewWidget() = default;
 
 gui::gl::View* ViewWidget::getView() const { return _pHost->getView(); }
 
-gui::gl::Context ViewWidget::getDefaultContext()
-{
-    return {gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::Bits8, gui::gl::Context::Profile::Core41};
-}
+gui::gl::Context ViewWidget::getDefaultContext() { return gui::gl::HostedView::getDefaultContext(); }
 
 QSize ViewWidget::sizeHint() const { return {400, 300}; }
 

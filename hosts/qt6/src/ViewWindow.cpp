@@ -58,7 +58,7 @@ ViewWindow::ViewWindow(gui::gl::View& view)
 }
 
 ViewWindow::ViewWindow(gui::gl::View& view, const gui::gl::Context& context)
-    : ViewWindow(makeContextOf(view, context), context)
+    : ViewWindow(gui::gl::HostedView::makerOf(view, context), context)
 {
 }
 

@@ -54,6 +54,8 @@ public:
     /// See View::createContext for what happens when there is none.
     /// @param yDown  true when the plane's y grows downwards like the screen's, false when it grows upwards
     void createContext(bool yDown);
+    /// Whether the plane's y grows downwards.
+    bool isYDown() const { return _isYDown; }
     /// With a context and events of your own; the plane's y grows upwards.
     using View::createContext;
 

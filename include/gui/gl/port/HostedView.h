@@ -74,6 +74,11 @@ public:
     /// Makes the view's context: constructs the view, or calls its createContext. @return the view, not owned
     using Maker = std::function<View*()>;
 
+    /// Calls createContext of a view, which must live until then, with this context and all kinds of input.
+    static Maker makerOf(View& view, const Context& context);
+    /// What a host asks for when nobody says what: OpenGL 4.1 core with 24 bits of depth and 8 of stencil.
+    static Context getDefaultContext();
+
     /// @param widget  must outlive this
     HostedView(HostWidget& widget, Maker make);
     /// As end.
@@ -89,6 +94,7 @@ public:
     /// The widget has its context, which is current: the view is made on it. A second call, for another context, makes
     /// none ("Error! NAME has another GL context, and its view is of the first one").
     void begin();
+    bool hasBegun() const { return _isBegun; }
     /// For toolkits that switch the depth test on or off when they prepare a paint: to be called before they do. What
     /// it is by then it is again in begin and in paint.
     void keepDepthTest();
@@ -114,7 +120,7 @@ private:
     bool makeCurrent();
     unsigned int getFramebuffer();
     void takeOver();
-    void reportSamples(const PixelFormat& asked) const;
+    void reportSamples() const;
     void enter();
     void followGeometry();
 
@@ -137,8 +143,8 @@ private:
     View* _pView = nullptr;
     SharedClient _pClient;
     Surface* _pSurface = nullptr;
-    PixelFormat _asked{};
-    unsigned int _framebuffer = 0;    // of the call of begin or paint that is under way
+    int _nSamplesAsked = 1;
+    unsigned int _framebuffer = 0;    // that was bound when begin or paint, which is under way, was called
     std::optional<bool> _isDepthTest; // what is to be again
     td::RectNormalized<double> _caret;
     td::Size<double> _size; // the last that the view was told
