@@ -50,11 +50,6 @@ bool isFiniteMatrix(const glm::mat4& matrix)
 
 } // namespace
 
-OrthoView::OrthoView()
-    : _projection(glm::ortho(-1.0F, 1.0F, -1.0F, 1.0F, -1.0F, 1.0F))
-{
-}
-
 void OrthoView::createContext(bool yDown)
 {
     using Event = InputDevice::Event;

@@ -2,6 +2,8 @@
 
 #include <gui/gl/OrthoView.h>
 
+#include <glm/ext/matrix_clip_space.hpp>
+
 #include <chrono>
 #include <cmath>
 #include <optional>
@@ -23,6 +25,11 @@ struct OrthoView::Flight
     td::Point<double> origin;
     double zoom;
 };
+
+OrthoView::OrthoView()
+    : _projection(glm::ortho(-1.0F, 1.0F, -1.0F, 1.0F, -1.0F, 1.0F))
+{
+}
 
 OrthoView::~OrthoView() = default;
 
