@@ -43,10 +43,18 @@ struct Taken
     GlyphTable::Number number;
 };
 
-// A character of several bytes. Apart, to leave the loops the registers.
-[[gnu::noinline]] Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
+[[gnu::noinline]] Taken takeMalformed(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
 {
     const char32_t codePoint = vo::UTFConverter::next(p, end);
+    return {p, table.number(codePoint)};
+}
+
+// A character of several bytes. Apart, to leave the loops the registers; what calls another function is apart of that.
+[[gnu::noinline]] Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
+{
+    char32_t codePoint = 0;
+    if (!vo::UTFConverter::nextWellFormed(p, end, codePoint)) [[unlikely]]
+        return takeMalformed(table, p, end);
     return {p, table.number(codePoint)};
 }
 

@@ -62,7 +62,9 @@ public:
     Number number(char32_t codePoint) const
     {
         const Number number = _pages[_pageOf[codePoint / cPageSize] * cPageSize + codePoint % cPageSize];
-        return number != cBreakOnPage ? number : cLineBreak;
+        if (number == cBreakOnPage) [[unlikely]]
+            return cLineBreak;
+        return number;
     }
 
     /// The number of a byte that is a character, otherwise cLead.

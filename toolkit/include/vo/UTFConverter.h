@@ -27,44 +27,50 @@ public:
     /// @param p  before end; behind the code point, or the malformed sequence, afterwards
     static char32_t next(const unsigned char*& p, const unsigned char* end)
     {
+        char32_t codePoint = cReplacement;
+        if (!nextWellFormed(p, end, codePoint)) [[unlikely]]
+            p = skipMalformed(p, end);
+        return codePoint;
+    }
+
+    /// The same where bytes are well-formed. @return false, with nothing changed, where they are not
+    static bool nextWellFormed(const unsigned char*& p, const unsigned char* end, char32_t& codePoint)
+    {
         const unsigned char* const q = p;
         const char32_t lead = *q;
         if (lead < 0x80)
         {
+            codePoint = lead;
             p = q + 1;
-            return lead;
+            return true;
         }
         if (lead >= 0xE0 && lead <= 0xEF)
         {
-            if (end - q >= 3 && isTrail(q[1]) && isTrail(q[2]))
-            {
-                const char32_t codePoint = (lead & 0x0F) << 12 | bits(q[1]) << 6 | bits(q[2]);
-                if (codePoint >= 0x800 && (codePoint < 0xD800 || codePoint > 0xDFFF))
-                {
-                    p = q + 3;
-                    return codePoint;
-                }
-            }
+            if (end - q < 3 || !isTrail(q[1]) || !isTrail(q[2])) [[unlikely]]
+                return false;
+            const char32_t taken = (lead & 0x0F) << 12 | bits(q[1]) << 6 | bits(q[2]);
+            if (taken < 0x800 || (taken >= 0xD800 && taken <= 0xDFFF)) [[unlikely]]
+                return false;
+            codePoint = taken;
+            p = q + 3;
+            return true;
         }
-        else if (lead >= 0xC2 && lead <= 0xDF)
+        if (lead >= 0xC2 && lead <= 0xDF)
         {
-            if (end - q >= 2 && isTrail(q[1]))
-            {
-                p = q + 2;
-                return (lead & 0x1F) << 6 | bits(q[1]);
-            }
+            if (end - q < 2 || !isTrail(q[1])) [[unlikely]]
+                return false;
+            codePoint = (lead & 0x1F) << 6 | bits(q[1]);
+            p = q + 2;
+            return true;
         }
-        else if (lead >= 0xF0 && lead <= 0xF4 && end - q >= 4 && isTrail(q[1]) && isTrail(q[2]) && isTrail(q[3]))
-        {
-            const char32_t codePoint = (lead & 0x07) << 18 | bits(q[1]) << 12 | bits(q[2]) << 6 | bits(q[3]);
-            if (codePoint >= 0x10000 && codePoint <= 0x10FFFF)
-            {
-                p = q + 4;
-                return codePoint;
-            }
-        }
-        p = skipMalformed(q, end);
-        return cReplacement;
+        if (lead < 0xF0 || lead > 0xF4 || end - q < 4 || !isTrail(q[1]) || !isTrail(q[2]) || !isTrail(q[3]))
+            return false;
+        const char32_t taken = (lead & 0x07) << 18 | bits(q[1]) << 12 | bits(q[2]) << 6 | bits(q[3]);
+        if (taken < 0x10000 || taken > 0x10FFFF)
+            return false;
+        codePoint = taken;
+        p = q + 4;
+        return true;
     }
 
     /// @param begin, end  the UTF-8 bytes; nothing is read when end is not behind begin
