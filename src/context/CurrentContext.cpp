@@ -1,5 +1,8 @@
 #include <gui/gl/CurrentContext.h>
 
+#include "Restoration.h"
+
+#include <gui/gl/ContextResource.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -124,6 +127,52 @@ void CurrentContext::died(Handle handle)
     if (it->first == s.current)
         set(nullptr);
     s.living.erase(it);
+}
+
+// A resource's owner may end others, and make some, in its call: each is back in the common ring before.
+void CurrentContext::retire()
+{
+    State& s = state();
+    const ID id = s.current;
+    if (id == 0)
+        return;
+    ContextResource leaving(nullptr, nullptr);
+    ContextResource::moveAll(id, leaving);
+    while (leaving._pNext != &leaving)
+    {
+        ContextResource* const pResource = leaving._pNext;
+        pResource->unlink();
+        pResource->linkBefore(&ContextResource::all());
+        pResource->_function(pResource->_pOwner, ContextResource::Event::Leaving);
+    }
+    if (const auto it = s.living.find(id); it != s.living.end())
+        died(it->second.handle);
+}
+
+void CurrentContext::restoreFrom(ID lost)
+{
+    if (!isThere("CurrentContext::restoreFrom"))
+        return;
+    const ID id = getID();
+    if (lost == 0 || lost == id)
+        return;
+    ContextResource waiting(nullptr, nullptr);
+    ContextResource::moveAll(lost, waiting);
+    if (waiting._pNext == &waiting)
+        return;
+    const Restoration restoration;
+    while (waiting._pNext != &waiting)
+    {
+        ContextResource* const pResource = waiting._pNext;
+        pResource->unlink();
+        pResource->_contextID = id;
+        pResource->linkBefore(&ContextResource::all());
+        pResource->_function(pResource->_pOwner, ContextResource::Event::Restored);
+    }
+    glBindVertexArray(0);
+    glUseProgram(0);
+    for (const Listener listener : state().listeners)
+        listener();
 }
 
 void CurrentContext::onChange(Listener listener) { state().listeners.push_back(listener); }

@@ -1,5 +1,7 @@
 #include <gui/gl/Buffer.h>
 
+#include "../context/Restoration.h"
+
 #include <td/Assert.h>
 #include <vo/Log.h>
 
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace gui::gl
 {
@@ -46,12 +49,8 @@ void copyTo(cnt::SafeFullVector<T, false>& vector, const std::initializer_list<T
     std::copy(values.begin(), values.end(), vector.begin());
 }
 
-GLuint generateBuffer()
-{
-    GLuint id = 0;
-    glGenBuffers(1, &id);
-    return id;
-}
+// @param before  its name in a context that was lost, 0 if there was none
+GLuint generateBuffer(GLuint before) { return Restoration::makeName(CurrentContext::Kind::Buffer, before); }
 
 void uploadTo(GLenum target, GLuint id, const void* pData, std::size_t nBytes)
 {
@@ -230,28 +229,35 @@ bool Buffer::commit()
 {
     if (isCommitted())
         return true;
-    if (!CurrentContext::isThere("Buffer::commit"))
+    if (isDataLost() || !CurrentContext::isThere("Buffer::commit"))
         return false;
     // What a commit that failed left: there is nothing more to do until the reset.
-    if (_state == 0 && _vao != 0 && CurrentContext::isAlive(_contextID))
+    if (_state == 0 && _vao != 0 && _home.isAlive())
         return true;
     deleteObjects();
     _state = 0;
-    _contextID = CurrentContext::getID();
-    return upload();
+    _home.set(CurrentContext::getID());
+    if (!upload())
+        return false;
+    _isLost = false;
+    if (!_isKept)
+        freeData();
+    return true;
 }
 
 // What was made before a failure is kept, and the vertex array stays bound.
 bool Buffer::upload()
 {
-    glGenVertexArrays(1, &_vao);
+    // Of a context that was lost, or all 0.
+    const GLuint oldVBO = std::exchange(_vbo, 0), oldEBO = std::exchange(_ebo, 0), oldIBO = std::exchange(_ibo, 0);
+    _vao = Restoration::makeName(CurrentContext::Kind::VertexArray, _vao);
     if (_vao == 0)
     {
         vo::dbgLog("ERROR! Buffer::commit cannot create VAO!");
         return false;
     }
     glBindVertexArray(_vao);
-    _vbo = generateBuffer();
+    _vbo = generateBuffer(oldVBO);
     if (_vbo == 0)
     {
         vo::dbgLog("ERROR! Buffer::commit cannot create VBO!");
@@ -265,7 +271,7 @@ bool Buffer::upload()
 
     if (_indices.size() > 0)
     {
-        _ebo = generateBuffer();
+        _ebo = generateBuffer(oldEBO);
         if (_ebo == 0)
         {
             vo::dbgLog("ERROR! Buffer::commit cannot create EBO!");
@@ -279,7 +285,7 @@ bool Buffer::upload()
     if (_instanceData.size() > 0)
     {
         TD_ASSERT(_ibo == 0, false);
-        _ibo = generateBuffer();
+        _ibo = generateBuffer(oldIBO);
         if (_ibo == 0)
         {
             vo::dbgLog("ERROR! Buffer::commit cannot create IBO!");
@@ -302,17 +308,79 @@ bool Buffer::upload()
 
 void Buffer::deleteObjects()
 {
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _vbo);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _ibo);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _ebo);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::VertexArray, _vao);
+    for (const GLuint name : {_vbo, _ibo, _ebo})
+        _home.deleteName(CurrentContext::Kind::Buffer, name);
+    _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
     _vbo = _ibo = _ebo = _vao = 0;
+}
+
+void Buffer::setKeptForRestore(bool isKept)
+{
+    _isKept = isKept;
+    if (!isKept && isCommitted())
+        freeData();
+}
+
+void Buffer::freeData()
+{
+    _vertexData.release();
+    _indices.release();
+    // Appending instances needs some room.
+    const bool hasRoom = _instanceData.capacity() > 0;
+    _instanceData.release();
+    if (hasRoom)
+        _instanceData.reserve(_nInstanceFloats);
+    _isFreed = true;
+}
+
+bool Buffer::isDataLost() const
+{
+    // Nobody has told it of its loss when no other context took the first one's place.
+    if (!_isFreed || (!_isLost && (_state != 1 || _home.isAlive())))
+        return false;
+    sayLoss();
+    return true;
+}
+
+void Buffer::sayLoss() const
+{
+    if (!std::exchange(_isLossSaid, true))
+        vo::dbgLog("Error! Buffer: what was committed went with its context, as it is not kept for restoring");
+}
+
+void Buffer::onContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Leaving)
+    {
+        for (const GLuint name : {_vbo, _ibo, _ebo})
+            _home.deleteName(CurrentContext::Kind::Buffer, name);
+        _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
+        return;
+    }
+    if (_state == 1 && !_isFreed)
+    {
+        _state = 0;
+        upload();
+        return;
+    }
+    _isLost = _vao != 0;
+    _vbo = _ibo = _ebo = _vao = 0;
+    if (!_isFreed)
+        return;
+    _commandList.reset();
+    _state = 2;
 }
 
 void Buffer::activate() const
 {
+    if (_isLost)
+    {
+        sayLoss();
+        glBindVertexArray(0);
+        return;
+    }
     TD_ASSERT(_vao > 0);
-    TD_ASSERT(CurrentContext::isAlive(_contextID));
+    TD_ASSERT(_home.isAlive());
     glBindVertexArray(_vao);
 }
 
@@ -333,6 +401,7 @@ void Buffer::reset()
     _indices.reset();
     _instanceData.reset();
     _state = 2;
+    _isFreed = _isLost = _isLossSaid = false;
 }
 
 void Buffer::release()

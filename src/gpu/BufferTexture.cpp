@@ -1,13 +1,15 @@
 #include <gui/gl/BufferTexture.h>
 
-#include <gui/gl/Textures.h>
+#include "../context/Restoration.h"
 
+#include <gui/gl/Textures.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
 
 #include <array>
+#include <cstring>
 
 namespace gui::gl
 {
@@ -49,34 +51,46 @@ bool BufferTexture::resize(std::size_t nTexels)
         vo::dbgLog("Error! BufferTexture::resize: %zu texels, the driver has %d at most!", nTexels, most);
         return false;
     }
-    if (_contextID != CurrentContext::getID())
+    if (_home.getID() != CurrentContext::getID())
         release();
     if (_buffer != 0 && nTexels == _nTexels)
         return true;
-    const bool isNew = _buffer == 0;
-    if (isNew)
+    if (_buffer == 0 && !makeNames())
+        return false;
+    if (_isKept)
+        _kept.assign(nTexels * getTexelSize(), 0);
+    makeRoom(nTexels, nullptr);
+    return true;
+}
+
+bool BufferTexture::makeNames()
+{
+    _buffer = Restoration::makeName(CurrentContext::Kind::Buffer, _buffer);
+    _texture = Restoration::makeName(CurrentContext::Kind::Texture, _texture);
+    _home.set(CurrentContext::getID());
+    if (_buffer == 0 || _texture == 0)
     {
-        glGenBuffers(1, &_buffer);
-        glGenTextures(1, &_texture);
-        _contextID = CurrentContext::getID();
-        if (_buffer == 0 || _texture == 0)
-        {
-            vo::dbgLog("Error! BufferTexture::resize cannot create its buffer and its texture!");
-            release();
-            return false;
-        }
+        vo::dbgLog("Error! BufferTexture::resize cannot create its buffer and its texture!");
+        release();
+        return false;
     }
+    return true;
+}
+
+// The texture is of the buffer, whatever the room in it.
+void BufferTexture::makeRoom(std::size_t nTexels, const void* data)
+{
     glBindBuffer(GL_TEXTURE_BUFFER, _buffer);
-    glBufferData(GL_TEXTURE_BUFFER, static_cast<GLsizeiptr>(nTexels * getTexelSize()), nullptr, GL_DYNAMIC_DRAW);
-    if (isNew)
+    glBufferData(GL_TEXTURE_BUFFER, static_cast<GLsizeiptr>(nTexels * getTexelSize()), data, GL_DYNAMIC_DRAW);
+    if (!_isAttached)
     {
         glBindTexture(GL_TEXTURE_BUFFER, _texture);
         glTexBuffer(GL_TEXTURE_BUFFER, formatOf(_format).internal, _buffer);
         glBindTexture(GL_TEXTURE_BUFFER, 0);
     }
     glBindBuffer(GL_TEXTURE_BUFFER, 0);
+    _isAttached = true;
     _nTexels = nTexels;
-    return true;
 }
 
 void BufferTexture::write(std::size_t first, const void* data, std::size_t n)
@@ -94,6 +108,8 @@ void BufferTexture::writeBytes(std::size_t offset, const void* data, std::size_t
     glBindBuffer(GL_TEXTURE_BUFFER, _buffer);
     glBufferSubData(GL_TEXTURE_BUFFER, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(nBytes), data);
     glBindBuffer(GL_TEXTURE_BUFFER, 0);
+    if (offset + nBytes <= _kept.size())
+        std::memcpy(_kept.data() + offset, data, nBytes);
 }
 
 void BufferTexture::bind(Texture::Unit unit) const
@@ -104,11 +120,33 @@ void BufferTexture::bind(Texture::Unit unit) const
 
 void BufferTexture::release()
 {
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, _texture);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _buffer);
+    _home.deleteName(CurrentContext::Kind::Texture, _texture);
+    _home.deleteName(CurrentContext::Kind::Buffer, _buffer);
     _texture = _buffer = 0;
+    _isAttached = false;
     _nTexels = 0;
-    _contextID = 0;
+    _kept = {};
+    _home.set(0);
+}
+
+void BufferTexture::onContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Leaving)
+    {
+        _home.deleteName(CurrentContext::Kind::Texture, _texture);
+        _home.deleteName(CurrentContext::Kind::Buffer, _buffer);
+        return;
+    }
+    _isAttached = false;
+    const std::size_t nBytes = _nTexels * getTexelSize();
+    if (_kept.size() != nBytes || nBytes == 0)
+    {
+        // Names that the library has here no more.
+        _texture = _buffer = 0;
+        release();
+    }
+    else if (makeNames())
+        makeRoom(_nTexels, _kept.data());
 }
 
 } // namespace gui::gl

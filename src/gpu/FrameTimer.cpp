@@ -37,7 +37,11 @@ FrameTimer::Timed& FrameTimer::current()
 {
     const auto [it, isNew] = _contexts.try_emplace(CurrentContext::getID());
     if (isNew && it->first != 0)
+    {
         it->second.isMeasured = epoxy_gl_version() >= cFirstVersion;
+        std::erase_if(_contexts,
+                      [](const auto& timed) { return timed.first != 0 && !CurrentContext::isAlive(timed.first); });
+    }
     return it->second;
 }
 

@@ -1,6 +1,7 @@
 #include <gui/gl/Framebuffer.h>
 
 #include "../context/FrameReader.h"
+#include "../context/Restoration.h"
 #include "../context/Samples.h"
 #include "../context/TextureBinding.h"
 
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <tuple>
 #include <utility>
 
 namespace gui::gl
@@ -62,10 +64,11 @@ int integer(GLenum name)
 int largestSize() { return std::min(integer(GL_MAX_TEXTURE_SIZE), integer(GL_MAX_RENDERBUFFER_SIZE)); }
 
 // For the framebuffer that is bound. Without samples GL takes it for a plain one.
-unsigned int attachRenderbuffer(GLenum attachment, GLenum format, const td::Size<int>& size, int nSamples)
+// @param before  its name in a context that was lost, 0 if there was none
+unsigned int attachRenderbuffer(GLenum attachment, GLenum format, const td::Size<int>& size, int nSamples,
+                                GLuint before)
 {
-    GLuint name = 0;
-    glGenRenderbuffers(1, &name);
+    const GLuint name = Restoration::makeName(CurrentContext::Kind::Renderbuffer, before);
     if (name == 0)
         return 0;
     glBindRenderbuffer(GL_RENDERBUFFER, name);
@@ -74,10 +77,9 @@ unsigned int attachRenderbuffer(GLenum attachment, GLenum format, const td::Size
     return name;
 }
 
-unsigned int attachTexture(Framebuffer::Color color, const td::Size<int>& size)
+unsigned int attachTexture(Framebuffer::Color color, const td::Size<int>& size, GLuint before)
 {
-    GLuint name = 0;
-    glGenTextures(1, &name);
+    const GLuint name = Restoration::makeName(CurrentContext::Kind::Texture, before);
     if (name == 0)
         return 0;
     bindTexture(Texture::Type::Tex2D, name);
@@ -103,37 +105,40 @@ bool isComplete(unsigned int& status)
 
 Framebuffer::~Framebuffer() { release(); }
 
-// @return the status of the framebuffer that GL does not like, or that of a complete one
+// @param names  those that it had in a context that was lost, or zeros  @return the status of the framebuffer that GL
+//               does not like, or that of a complete one
 unsigned int Framebuffer::make(Names& names, const td::Size<int>& size, const Format& format, int nSamples)
 {
     const BoundFramebuffers before;
     const int renderbufferBefore = integer(GL_RENDERBUFFER_BINDING);
     unsigned int status = 0;
-    glGenFramebuffers(1, &names.framebuffer);
+    const Names old = std::exchange(names, {});
+    names.framebuffer = Restoration::makeName(CurrentContext::Kind::Framebuffer, old.framebuffer);
     if (names.framebuffer == 0) // what is attached below would go to the window's
         return 0;
     glBindFramebuffer(GL_FRAMEBUFFER, names.framebuffer);
     if (nSamples > 1)
-        names.color = attachRenderbuffer(GL_COLOR_ATTACHMENT0, colorFormat(format.color).internal, size, nSamples);
+        names.color =
+            attachRenderbuffer(GL_COLOR_ATTACHMENT0, colorFormat(format.color).internal, size, nSamples, old.color);
     else
-        names.texture = attachTexture(format.color, size);
+        names.texture = attachTexture(format.color, size, old.texture);
     if (const GLenum depth = depthFormat(format); depth != 0)
     {
         const bool hasStencil = depth == GL_DEPTH24_STENCIL8 || depth == GL_DEPTH32F_STENCIL8;
-        names.depth =
-            attachRenderbuffer(hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT, depth, size, nSamples);
+        names.depth = attachRenderbuffer(hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT, depth, size,
+                                         nSamples, old.depth);
     }
     // Without one of them it may be complete all the same.
     const bool isWhole =
         (nSamples > 1 ? names.color : names.texture) != 0 && (depthFormat(format) == 0 || names.depth != 0);
     if (isWhole && isComplete(status) && nSamples > 1)
     {
-        glGenFramebuffers(1, &names.resolved);
+        names.resolved = Restoration::makeName(CurrentContext::Kind::Framebuffer, old.resolved);
         status = 0;
         if (names.resolved != 0)
         {
             glBindFramebuffer(GL_FRAMEBUFFER, names.resolved);
-            names.texture = attachTexture(format.color, size);
+            names.texture = attachTexture(format.color, size, old.texture);
             isComplete(status);
         }
     }
@@ -177,7 +182,8 @@ bool Framebuffer::replace(const td::Size<int>& size, const Format& format)
         return false;
     }
 
-    Names names;
+    // Of a context that was lost: there is nothing to delete any more.
+    Names names = std::exchange(_lost, {});
     const CurrentContext::ID contextID = CurrentContext::getID();
     int nSamples = format.samples;
     const int mostSamples = std::max(integer(GL_MAX_SAMPLES), 1);
@@ -199,7 +205,8 @@ bool Framebuffer::replace(const td::Size<int>& size, const Format& format)
     }
     release();
     _names = names;
-    _contextID = contextID;
+    _home.set(contextID);
+    _kept.clear();
     _size = size;
     _format = format;
     _nSamples = samplesOf(names.framebuffer);
@@ -218,14 +225,14 @@ bool Framebuffer::resize(const td::Size<int>& size)
 
 void Framebuffer::release()
 {
-    if (std::exchange(_isDrawing, false) && isOk() && CurrentContext::getID() == _contextID)
+    if (std::exchange(_isDrawing, false) && isOk() && CurrentContext::getID() == _home.getID())
         restore();
-    remove(std::exchange(_names, {}), _contextID);
+    remove(std::exchange(_names, {}), _home.getID());
 }
 
 bool Framebuffer::isHere(const char* operation, bool& isSaid) const
 {
-    if (isOk() && CurrentContext::getID() == _contextID)
+    if (isOk() && CurrentContext::getID() == _home.getID())
         return true;
     if (!std::exchange(isSaid, true))
         vo::dbgLog("Error! Framebuffer::%s without a framebuffer in the current context", operation);
@@ -285,7 +292,72 @@ bool Framebuffer::resolve()
         return false;
     if (_names.resolved != 0)
         resolveColors(_names.framebuffer, _names.resolved, _size);
+    keep();
     return true;
+}
+
+void Framebuffer::setKeptForRestore(bool isKept)
+{
+    _isKept = isKept;
+    _kept.clear();
+    if (isKept && isOk() && CurrentContext::getID() == _home.getID())
+        keep();
+}
+
+void Framebuffer::keep()
+{
+    if (!_isKept)
+        return;
+    _isKept = false; // reading resolves
+    std::ignore = readValues(_kept);
+    _isKept = true;
+}
+
+void Framebuffer::onContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Restored)
+    {
+        makeAgain();
+        return;
+    }
+    if (!isOk())
+        return;
+    const bool wasKept = std::exchange(_isKept, true);
+    keep();
+    _isKept = wasKept;
+    remove(_names, _home.getID());
+}
+
+void Framebuffer::makeAgain()
+{
+    _isDrawing = false;
+    _lost = std::exchange(_names, {});
+    const std::vector<float> values = std::move(_kept);
+    if (_lost.framebuffer == 0 || !replace(_size, Format(_format)))
+        return;
+    const BoundFramebuffers before;
+    const ColorFormat& format = colorFormat(_format.color);
+    const std::size_t rowLength = static_cast<std::size_t>(_size.width) * format.nComponents;
+    glBindFramebuffer(GL_FRAMEBUFFER, _names.framebuffer);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    if (values.size() == rowLength * static_cast<std::size_t>(_size.height))
+    {
+        std::vector<float> rows;
+        rows.reserve(values.size());
+        for (auto row = values.end(); row != values.begin();)
+        {
+            row -= static_cast<std::ptrdiff_t>(rowLength);
+            rows.insert(rows.end(), row, row + static_cast<std::ptrdiff_t>(rowLength));
+        }
+        bindTexture(Texture::Type::Tex2D, _names.texture);
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, _size.width, _size.height, format.components, GL_FLOAT, rows.data());
+        bindTexture(Texture::Type::Tex2D, 0);
+        // What is drawn on is of several samples: each has their mean.
+        if (_names.resolved != 0)
+            resolveColors(_names.resolved, _names.framebuffer, _size);
+        if (_isKept)
+            _kept = values;
+    }
 }
 
 bool Framebuffer::readPixels(gui::Texture& picture, bool withAlpha)

@@ -19,6 +19,9 @@ namespace gui::gl
 inline Program* s_pCurrentProgram = nullptr;
 inline td::Color s_prevColor(0, 0, 0, 0);
 
+/// The one that commands sent to in a context that is lost, until another takes its place.
+inline Program* s_pProgramBefore = nullptr;
+
 /// Reaches what commands need of the current program. What they send most often is inline.
 class ProgHelper
 {

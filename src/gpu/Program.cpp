@@ -1,5 +1,6 @@
 #include <gui/gl/Program.h>
 
+#include "../context/Restoration.h"
 #include "ProgHelper.h"
 #include "ShaderLog.h"
 
@@ -18,6 +19,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace gui::gl
@@ -145,7 +147,7 @@ bool Program::isLinkingOK(unsigned int program, const char* vertexName, const ch
 }
 
 unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
-                            const char* tessEvalResID, const char* geometryResID)
+                            const char* tessEvalResID, const char* geometryResID, unsigned int before)
 {
     TD_ASSERT(vertexResID != nullptr, 0);
     TD_ASSERT(fragmentResID != nullptr, 0);
@@ -161,7 +163,7 @@ unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, 
     if (fragmentShader == 0)
         return 0;
 
-    const GLuint program = glCreateProgram();
+    const GLuint program = Restoration::makeName(CurrentContext::Kind::Program, before);
     if (program == 0)
     {
         s_progErrors << "OpenGL Program cannot be created!\n";
@@ -201,35 +203,115 @@ Program::~Program() { release(); }
 
 bool Program::link(const char* vertexResID, const char* fragmentResID, const char* geometryResID)
 {
-    return finishLink(_link(vertexResID, fragmentResID, nullptr, nullptr, geometryResID));
+    return finishLink(_link(vertexResID, fragmentResID, nullptr, nullptr, geometryResID),
+                      {vertexResID, fragmentResID, nullptr, nullptr, geometryResID});
 }
 
 bool Program::link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
                    const char* tessEvalResID, const char* geometryResID)
 {
-    return finishLink(_link(vertexResID, fragmentResID, tessCtrlResID, tessEvalResID, geometryResID));
+    return finishLink(_link(vertexResID, fragmentResID, tessCtrlResID, tessEvalResID, geometryResID),
+                      {vertexResID, fragmentResID, tessCtrlResID, tessEvalResID, geometryResID});
 }
 
-bool Program::finishLink(unsigned int programID)
+bool Program::finishLink(unsigned int programID, const Sources& sources)
 {
+    _pKept.reset();
     _programID = programID;
     if (_programID == 0)
     {
         onError();
         return false;
     }
-    _contextID = CurrentContext::getID();
+    _home.set(CurrentContext::getID());
+    if (_isKept)
+    {
+        _pKept = std::make_unique<Kept>();
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            if (sources[i] != nullptr)
+                _pKept->sources[i] = sources[i];
+    }
     _hasSaidNotLinked = _hasSaidColor = false;
     onLinked();
     return true;
+}
+
+void Program::setKeptForRestore(bool isKept)
+{
+    _isKept = isKept;
+    if (!isKept)
+        _pKept.reset();
 }
 
 void Program::release()
 {
     if (s_pCurrentProgram == this)
         setCurrentProgram(nullptr);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Program, _programID);
+    if (s_pProgramBefore == this)
+        s_pProgramBefore = nullptr;
+    _home.deleteName(CurrentContext::Kind::Program, _programID);
     _programID = 0;
+    _pKept.reset();
+}
+
+void Program::onContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Leaving)
+        _home.deleteName(CurrentContext::Kind::Program, _programID);
+    else
+        linkAgain();
+}
+
+void Program::linkAgain()
+{
+    const unsigned int before = std::exchange(_programID, 0);
+    if (before == 0 || _pKept == nullptr)
+        return;
+    const auto source = [this](std::size_t i) { return _pKept->sources[i] ? _pKept->sources[i]->c_str() : nullptr; };
+    _programID = _link(source(0), source(1), source(2), source(3), source(4), before);
+    if (_programID == 0)
+    {
+        onError();
+        return;
+    }
+    for (Uniform& uniform : _pKept->uniforms)
+    {
+        const int location =
+            uniform.name.empty() ? uniform.location : glGetUniformLocation(_programID, uniform.name.c_str());
+        _pKept->moved.emplace_back(uniform.location, location);
+        uniform.location = location;
+    }
+    for (int* const pLocation : {&_color3Location, &_color4Location, &_matrixLocation})
+        moveLocation(*pLocation);
+    for (auto* const pTable : {&_uniformLocations, &_matrixLocations})
+        for (int& location : *pTable)
+            moveLocation(location);
+    _pKept->moved.clear();
+    // onLinked may give some of them what they have at first.
+    const std::vector<Uniform> uniforms = _pKept->uniforms;
+    glUseProgram(_programID);
+    // They may not be there again yet, when onLinked activates the program.
+    Buffer* const pBuffer = std::exchange(_pBuffer, nullptr);
+    Textures* const pTextures = std::exchange(_pTextures, nullptr);
+    onLinked();
+    _pBuffer = _pBuffer != nullptr ? _pBuffer : pBuffer;
+    _pTextures = _pTextures != nullptr ? _pTextures : pTextures;
+    if (_pKept == nullptr || _programID == 0)
+        return;
+    _pKept->uniforms = uniforms;
+    glUseProgram(_programID);
+    sendUniforms();
+    glUseProgram(0);
+    setCurrentProgram(nullptr);
+}
+
+void Program::moveLocation(int& location) const
+{
+    const auto& moved = _pKept->moved;
+    const auto found =
+        std::find_if(moved.begin(), moved.end(), [&location](const auto& pair) { return pair.first == location; });
+    if (found != moved.end())
+        location = found->second;
 }
 
 td::String Program::getLastError() { return s_progErrors.toString(); }
@@ -241,7 +323,18 @@ void Program::onError() {}
 int Program::getUniformLocation(const char* name) const
 {
     TD_ASSERT(isOK(), -1);
-    return glGetUniformLocation(_programID, name);
+    const int location = glGetUniformLocation(_programID, name);
+    if (location >= 0 && _pKept != nullptr)
+    {
+        auto& uniforms = _pKept->uniforms;
+        const auto known = std::find_if(uniforms.begin(), uniforms.end(),
+                                        [location](const Uniform& uniform) { return uniform.location == location; });
+        if (known == uniforms.end())
+            uniforms.push_back({.name = name, .location = location});
+        else if (known->name.empty())
+            known->name = name;
+    }
+    return location;
 }
 
 void Program::reserveUniforms(unsigned char n)

@@ -23,7 +23,7 @@ bool Quads::prepare()
 {
     if (!CurrentContext::isThere("Quads::draw"))
         return false;
-    if (_contextID != CurrentContext::getID())
+    if (_home.getID() != CurrentContext::getID())
         release();
     if (_vao != 0)
         return true;
@@ -34,7 +34,7 @@ bool Quads::prepare()
             indices.push_back(static_cast<std::uint16_t>(corner + i));
     glGenVertexArrays(1, &_vao);
     glGenBuffers(1, &_ebo);
-    _contextID = CurrentContext::getID();
+    _home.set(CurrentContext::getID());
     if (_vao == 0 || _ebo == 0)
     {
         vo::dbgLog("Error! Quads::draw cannot create its vertex array and its indices!");
@@ -68,12 +68,19 @@ bool Quads::draw(std::span<const Range> ranges)
     return true;
 }
 
+void Quads::onContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Restored)
+        _vao = _ebo = 0;
+    release();
+}
+
 void Quads::release()
 {
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::VertexArray, _vao);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _ebo);
+    _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
+    _home.deleteName(CurrentContext::Kind::Buffer, _ebo);
     _vao = _ebo = 0;
-    _contextID = 0;
+    _home.set(0);
 }
 
 } // namespace gui::gl

@@ -1,7 +1,9 @@
 #include <gui/gl/Textures.h>
 
+#include "../context/Restoration.h"
 #include "../context/TextureBinding.h"
 #include "CubeMapPainting.h"
+#include "KeptTexture.h"
 #include "TextureUpload.h"
 
 #include <gui/Texture.h>
@@ -13,6 +15,9 @@
 #include <array>
 #include <cstddef>
 #include <limits>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace gui::gl
 {
@@ -26,11 +31,10 @@ constexpr int cMaxFaceSize = 16384;
 // Which name belongs to each face in GL's order: +x, -x, +y, -y, +z, -z.
 constexpr std::array<std::size_t, cNoOfFaces> cNameOfFace{2, 0, 4, 5, 1, 3};
 
-unsigned int generateTexture()
+// @param before  its name in a context that was lost, 0 if there was none
+unsigned int generateTexture(unsigned int before = 0)
 {
-    GLuint id = 0;
-    glGenTextures(1, &id);
-    return id;
+    return Restoration::makeName(CurrentContext::Kind::Texture, before);
 }
 
 void finish2DTexture()
@@ -74,14 +78,44 @@ bool areFacesUsable(const std::array<const gui::Texture*, cNoOfFaces>& faces)
     return true;
 }
 
+// It is bound to no target afterwards, unless it fails.
+bool fillCubeMap(GLuint id, const std::array<const gui::Texture*, cNoOfFaces>& faces)
+{
+    glBindTexture(GL_TEXTURE_CUBE_MAP, id);
+    for (std::size_t i = 0; i < cNoOfFaces; ++i)
+    {
+        if (faces[i]->getBytes() == nullptr)
+        {
+            vo::dbgLog("Error! Textures::appendCubeMap empty texture at position: %d", static_cast<int>(i));
+            return false;
+        }
+        uploadImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(i), GL_RGB, *faces[i]);
+        const GLenum error = glGetError();
+        if (error != GL_NO_ERROR)
+        {
+            vo::dbgLog("ERROR! OpenGL error in setupVBO! Error code = %x", error);
+            return false;
+        }
+    }
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE);
+    glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
+    return true;
+}
+
 } // namespace
+
+Textures::Textures() = default;
 
 Textures::~Textures() { release(); }
 
 // The places stay: a command that names one finds no texture there.
 void Textures::forgetDead()
 {
-    if (CurrentContext::isAlive(_contextID))
+    if (_home.isAlive())
         return;
     for (TextureInfo& texture : _textures)
         texture.id = 0;
@@ -91,11 +125,15 @@ bool Textures::canAppend(const char* operation, std::size_t n)
 {
     if (!CurrentContext::isThere(operation))
         return false;
-    if (!CurrentContext::isAlive(_contextID))
+    if (!_home.isAlive())
+    {
         _textures.reset();
-    TD_ASSERT(_textures.size() == 0 || _contextID == CurrentContext::getID(), false);
+        _kept.clear();
+        _hasLost = false;
+    }
+    TD_ASSERT(_textures.size() == 0 || _home.getID() == CurrentContext::getID(), false);
     TD_ASSERT(_textures.size() + n <= std::numeric_limits<unsigned short>::max(), false);
-    _contextID = CurrentContext::getID();
+    _home.set(CurrentContext::getID());
     forgetTexture();
     return true;
 }
@@ -140,6 +178,8 @@ bool Textures::append(const std::initializer_list<gui::Texture*>& textures, Text
         uploadImage(GL_TEXTURE_2D, bytesPerPixel == 4 ? GL_RGBA : GL_RGB, *pTexture);
         finish2DTexture();
         _textures.push_back({id, type});
+        if (_isKept)
+            keep(KeptImage(*pTexture), false);
         ++position;
     }
     glBindTexture(GL_TEXTURE_2D, 0);
@@ -161,7 +201,8 @@ bool Textures::append(const std::initializer_list<const char*>& fileNames, Textu
             return false;
         }
         gui::Texture image;
-        if (!image.loadFromFile(fileName) || !image.isOk())
+        std::vector<td::BYTE> file;
+        if (!gui::TextureHelper(&image).loadFromFile(fileName, file) || !image.isOk())
         {
             vo::dbgLog("Error! Textures::append cannot load texture with name = %s", fileName);
             glBindTexture(GL_TEXTURE_2D, 0);
@@ -180,6 +221,8 @@ bool Textures::append(const std::initializer_list<const char*>& fileNames, Textu
         uploadImage(GL_TEXTURE_2D, GL_RGB, image);
         finish2DTexture();
         _textures.push_back({id, type});
+        if (_isKept)
+            keep(KeptImage(std::move(file)), true);
         ++position;
     }
     glBindTexture(GL_TEXTURE_2D, 0);
@@ -197,13 +240,20 @@ bool Textures::appendCubeMap(const cnt::Array<const char*, 6>& fileNames)
         return false;
 
     std::array<gui::Texture, cNoOfFaces> images;
+    std::array<std::vector<td::BYTE>, cNoOfFaces> files;
     std::array<const gui::Texture*, cNoOfFaces> faces{};
     for (std::size_t slot = 0; slot < cNoOfFaces; ++slot)
     {
-        std::ignore = images[slot].loadFromFile(fileNames[cNameOfFace[slot]]); // uploadFaces tells
+        // uploadFaces tells
+        std::ignore = gui::TextureHelper(&images[slot]).loadFromFile(fileNames[cNameOfFace[slot]], files[slot]);
         faces[slot] = &images[slot];
     }
-    return uploadFaces(faces);
+    if (!uploadFaces(faces))
+        return false;
+    if (_isKept)
+        for (std::vector<td::BYTE>& file : files)
+            keep(KeptImage(std::move(file)), false);
+    return true;
 }
 
 bool Textures::appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures)
@@ -219,7 +269,12 @@ bool Textures::appendCubeMap(const cnt::Array<const gui::Texture*, 6>& textures)
     std::array<const gui::Texture*, cNoOfFaces> faces{};
     for (std::size_t slot = 0; slot < cNoOfFaces; ++slot)
         faces[slot] = textures[cNameOfFace[slot]];
-    return uploadFaces(faces);
+    if (!uploadFaces(faces))
+        return false;
+    if (_isKept)
+        for (const gui::Texture* pFace : faces)
+            keep(KeptImage(*pFace), false);
+    return true;
 }
 
 bool Textures::appendCubeMap(int size, const std::function<glm::vec3(const glm::vec3& direction)>& color)
@@ -228,6 +283,16 @@ bool Textures::appendCubeMap(int size, const std::function<glm::vec3(const glm::
     TD_ASSERT(color, false);
     const std::array<gui::Texture, cNoOfFaces> images = paintCubeMap(size, color);
     return appendCubeMap({&images[0], &images[1], &images[2], &images[3], &images[4], &images[5]});
+}
+
+// An image of the texture that was appended last.
+void Textures::keep(KeptImage image, bool isMirrored)
+{
+    _kept.resize(_textures.size());
+    if (_kept.back() == nullptr)
+        _kept.back() = std::make_unique<KeptTexture>();
+    _kept.back()->isMirrored = isMirrored;
+    _kept.back()->images.push_back(std::move(image));
 }
 
 // One cube map of six images in GL's order.
@@ -242,28 +307,8 @@ bool Textures::uploadFaces(const std::array<const gui::Texture*, 6>& faces)
         vo::dbgLog("Error! Textures::appendCubeMap cannot generate texture!");
         return false;
     }
-    glBindTexture(GL_TEXTURE_CUBE_MAP, id);
-    for (std::size_t i = 0; i < cNoOfFaces; ++i)
-    {
-        if (faces[i]->getBytes() == nullptr)
-        {
-            vo::dbgLog("Error! Textures::appendCubeMap empty texture at position: %d", static_cast<int>(i));
-            return refuse(GL_TEXTURE_CUBE_MAP, id);
-        }
-        uploadImage(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(i), GL_RGB, *faces[i]);
-        const GLenum error = glGetError();
-        if (error != GL_NO_ERROR)
-        {
-            vo::dbgLog("ERROR! OpenGL error in setupVBO! Error code = %x", error);
-            return refuse(GL_TEXTURE_CUBE_MAP, id);
-        }
-    }
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_WRAP_R, GL_CLAMP_TO_EDGE);
-    glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
+    if (!fillCubeMap(id, faces))
+        return refuse(GL_TEXTURE_CUBE_MAP, id);
     _textures.push_back({id, Texture::Type::CubeMap});
     return true;
 }
@@ -290,7 +335,10 @@ void Textures::bindToActiveUnit(unsigned short index)
 {
     forgetDead();
     const auto [textureID, type] = getIDAndType(index);
-    TD_ASSERT(textureID != 0);
+    if (textureID == 0 && _hasLost)
+        sayLoss(index);
+    else
+        TD_ASSERT(textureID != 0);
     bindTexture(type, textureID);
 }
 
@@ -318,8 +366,67 @@ void Textures::release()
 {
     forgetTexture();
     for (const TextureInfo& texture : _textures)
-        CurrentContext::deleteName(_contextID, CurrentContext::Kind::Texture, texture.id);
+        _home.deleteName(CurrentContext::Kind::Texture, texture.id);
     _textures.release();
+    _kept.clear();
+    _hasLost = false;
+}
+
+void Textures::setKeptForRestore(bool isKept)
+{
+    _isKept = isKept;
+    if (!isKept)
+        _kept.clear();
+}
+
+void Textures::sayLoss(std::size_t index)
+{
+    if (!std::exchange(_isLossSaid, true))
+        vo::dbgLog("Error! Textures: texture %zu went with its context, as it is not kept for restoring", index);
+}
+
+void Textures::onContext(ContextResource::Event event)
+{
+    forgetTexture();
+    _isLossSaid = false;
+    for (std::size_t i = 0; i < _textures.size(); ++i)
+        if (event == ContextResource::Event::Leaving)
+            _home.deleteName(CurrentContext::Kind::Texture, _textures[i].id);
+        else
+            restore(i);
+}
+
+void Textures::restore(std::size_t index)
+{
+    unsigned int& id = _textures[index].id;
+    const unsigned int before = std::exchange(id, 0);
+    const KeptTexture* const pKept = index < _kept.size() ? _kept[index].get() : nullptr;
+    gui::Texture loaded[cNoOfFaces];
+    std::array<const gui::Texture*, cNoOfFaces> images{};
+    const std::size_t nImages = pKept != nullptr ? pKept->images.size() : 0;
+    for (std::size_t i = 0; i < nImages; ++i)
+        if (images[i] = pKept->images[i].get(loaded[i]); images[i] == nullptr)
+        {
+            _hasLost = true;
+            return;
+        }
+    if (nImages == 0 || (id = generateTexture(before)) == 0)
+    {
+        _hasLost = true;
+        return;
+    }
+    if (nImages == cNoOfFaces)
+    {
+        if (!fillCubeMap(id, images))
+            _hasLost = true;
+        return;
+    }
+    if (pKept->isMirrored)
+        loaded[0].mirrorVertically();
+    glBindTexture(GL_TEXTURE_2D, id);
+    uploadImage(GL_TEXTURE_2D, images[0]->getBytesPerPixel() == 4 ? GL_RGBA : GL_RGB, *images[0]);
+    finish2DTexture();
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 } // namespace gui::gl

@@ -1,6 +1,7 @@
 #include <gui/gl/OffscreenContext.h>
 
 #include "../context/FrameReader.h"
+#include "../context/ResetStatus.h"
 
 #include <gui/Texture.h>
 #include <gui/gl/CurrentContext.h>
@@ -12,6 +13,7 @@
 #include <epoxy/gl.h>
 
 #include <array>
+#include <iterator>
 #include <utility>
 
 namespace gui::gl
@@ -102,16 +104,24 @@ EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked, P
 
 EGLContext createContext(EGLDisplay display, EGLConfig config, bool is41, bool debug)
 {
-    const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                 is41 ? 4 : 3,
-                                 EGL_CONTEXT_MINOR_VERSION,
-                                 is41 ? 1 : 2,
-                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                                 EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
-                                 EGL_CONTEXT_OPENGL_DEBUG,
-                                 debug ? EGL_TRUE : EGL_FALSE,
-                                 EGL_NONE};
-    const EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+    // What tells of resets comes last: not every driver has it.
+    EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
+                           is41 ? 4 : 3,
+                           EGL_CONTEXT_MINOR_VERSION,
+                           is41 ? 1 : 2,
+                           EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                           EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+                           EGL_CONTEXT_OPENGL_DEBUG,
+                           debug ? EGL_TRUE : EGL_FALSE,
+                           EGL_CONTEXT_OPENGL_RESET_NOTIFICATION_STRATEGY,
+                           EGL_LOSE_CONTEXT_ON_RESET,
+                           EGL_NONE};
+    EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+    if (context == EGL_NO_CONTEXT)
+    {
+        attributes[std::size(attributes) - 3] = EGL_NONE;
+        context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+    }
     if (context == EGL_NO_CONTEXT)
         vo::dbgLog("ERROR! OffscreenContext cannot create an OpenGL %s core context (EGL error %x)",
                    is41 ? "4.1" : "3.2", eglGetError());
@@ -144,11 +154,15 @@ struct OffscreenContext::Impl
     EGLConfig config = nullptr;
     EGLContext context = EGL_NO_CONTEXT;
     EGLSurface surface = EGL_NO_SURFACE;
+    CurrentContext::ID id = 0; // of the context
+    bool is41 = false;
+    bool isDebugged = false;
     td::Size<int> size;
     // Of several samples, drawn into in the place of the surface: Mesa 25 offers surfaces with several samples that
     // stay empty.
     Framebuffer framebuffer;
     int nSamples = 1;
+    bool isGone = false; // for good
     bool isLost = false; // it could not be made current, and the log says so
 
     Impl() = default;
@@ -158,21 +172,45 @@ struct OffscreenContext::Impl
 
     bool create(const td::Size<int>& newSize, const PixelFormatSizes& sizes, bool debug);
     bool makeCurrent(EGLSurface newSurface);
+    bool replace();
+    void destroyContext();
     void addSamples(const PixelFormatSizes& asked, const PixelFormatSizes& got);
     bool resizeFramebuffer(const td::Size<int>& newSize);
 };
 
+void OffscreenContext::Impl::destroyContext()
+{
+    if (context == EGL_NO_CONTEXT)
+        return;
+    if (eglGetCurrentContext() == context)
+        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    CurrentContext::died(context);
+    if (s_lastCurrent == context)
+        s_lastCurrent = EGL_NO_CONTEXT;
+    eglDestroyContext(display, std::exchange(context, EGL_NO_CONTEXT));
+}
+
+bool OffscreenContext::Impl::replace()
+{
+    if (context != EGL_NO_CONTEXT && makeCurrent(surface) && !(tellsResets() && isReset()))
+        CurrentContext::retire();
+    destroyContext();
+    eglBindAPI(EGL_OPENGL_API);
+    context = gl::createContext(display, config, is41, isDebugged);
+    const CurrentContext::ID lost = id;
+    if (context == EGL_NO_CONTEXT || !makeCurrent(surface))
+        return false;
+    id = CurrentContext::getID();
+    isGone = false;
+    CurrentContext::restoreFrom(lost);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer.getID());
+    glViewport(0, 0, size.width, size.height);
+    return true;
+}
+
 OffscreenContext::Impl::~Impl()
 {
-    if (context != EGL_NO_CONTEXT)
-    {
-        if (eglGetCurrentContext() == context)
-            eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        CurrentContext::died(context);
-        if (s_lastCurrent == context)
-            s_lastCurrent = EGL_NO_CONTEXT;
-        eglDestroyContext(display, context);
-    }
+    destroyContext();
     if (surface != EGL_NO_SURFACE)
         eglDestroySurface(display, surface);
 }
@@ -200,6 +238,9 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFor
     size = newSize;
     if (!makeCurrent(surface))
         return false;
+    id = CurrentContext::getID();
+    is41 = sizes.is41;
+    isDebugged = debug;
     addSamples(sizes, got);
     return true;
 }
@@ -239,6 +280,8 @@ bool OffscreenContext::Impl::resizeFramebuffer(const td::Size<int>& newSize)
 bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
 {
     eglBindAPI(EGL_OPENGL_API);
+    if (context == EGL_NO_CONTEXT)
+        return false;
     // Making a context current again costs a flush.
     const bool isCurrent = eglGetCurrentContext() == context && eglGetCurrentSurface(EGL_DRAW) == newSurface;
     if (!isCurrent)
@@ -246,8 +289,10 @@ bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
     if (!isCurrent && !eglMakeCurrent(display, newSurface, newSurface, context))
     {
         // Once, and not for every frame and event of a view whose context is lost.
+        const EGLint error = eglGetError();
+        isGone = isGone || error == EGL_CONTEXT_LOST;
         if (!std::exchange(isLost, true))
-            vo::dbgLog("ERROR! OffscreenContext cannot be made current (EGL error %x)", eglGetError());
+            vo::dbgLog("ERROR! OffscreenContext cannot be made current (EGL error %x)", error);
         return false;
     }
     isLost = false;
@@ -288,6 +333,19 @@ int OffscreenContext::getSamples() const { return isOk() ? _pImpl->nSamples : 0;
 unsigned int OffscreenContext::getDefaultFramebuffer() const { return isOk() ? _pImpl->framebuffer.getID() : 0; }
 
 bool OffscreenContext::makeCurrent() { return isOk() && _pImpl->makeCurrent(_pImpl->surface); }
+
+bool OffscreenContext::isLost()
+{
+    if (!isOk())
+        return false;
+    if (!_pImpl->makeCurrent(_pImpl->surface))
+        return _pImpl->isGone;
+    return tellsResets() && isReset();
+}
+
+bool OffscreenContext::isGone() const { return isOk() && _pImpl->isGone; }
+
+bool OffscreenContext::replace() { return isOk() && _pImpl->replace(); }
 
 bool OffscreenContext::resize(const td::Size<int>& size)
 {

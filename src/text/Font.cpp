@@ -1,5 +1,6 @@
 #include <gui/gl/Font.h>
 
+#include "../context/Restoration.h"
 #include "../context/TextureBinding.h"
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
@@ -108,9 +109,13 @@ Font::Font(Font&& other) noexcept
     , _committed(std::exchange(other._committed, false))
     , _pTable(std::move(other._pTable))
     , _pMemo(std::move(other._pMemo))
-    , _textureContextID(other._textureContextID)
-    , _bufferContextID(other._bufferContextID)
+    , _isKept(other._isKept)
+    , _isTextureLost(other._isTextureLost)
+    , _isMipmapped(other._isMipmapped)
+    , _pImage(std::move(other._pImage))
 {
+    _textureHome.set(other._textureHome.getID());
+    _bufferHome.set(other._bufferHome.getID());
 }
 
 Font::~Font()
@@ -121,10 +126,12 @@ Font::~Font()
 
 void Font::deleteTexture()
 {
+    _pImage.reset();
+    _isTextureLost = false;
     if (_textureID == 0)
         return;
     forgetTexture();
-    CurrentContext::deleteName(_textureContextID, CurrentContext::Kind::Texture, std::exchange(_textureID, 0));
+    _textureHome.deleteName(CurrentContext::Kind::Texture, std::exchange(_textureID, 0));
 }
 
 Font* Font::load(const char* fileName)
@@ -169,9 +176,7 @@ Font* Font::load(const char* fileName)
     const unsigned int bytesPP = imgData.bitsPerPixel / 8;
     const std::size_t nBytes = nPixels * bytesPP;
     TD_ASSERT(nBytes == imgData.data.size(), nullptr);
-    return makeTexture(imgData.width, imgData.height, widened(imgData.data.begin(), nPixels, bytesPP), GL_LINEAR)
-               ? this
-               : nullptr;
+    return makeTexture(imgData.width, imgData.height, imgData.data.begin(), bytesPP, false) ? this : nullptr;
 }
 
 Font* Font::load(const td::StringBase& fileName) { return load(fileName.c_str()); }
@@ -193,28 +198,80 @@ bool Font::setTexture(const gui::Texture& image)
     }
     forgetDead();
     TD_ASSERT(_textureID == 0, false);
-    return makeTexture(width, height, widened(image.getBytes(), std::size_t(width) * height, bytesPP),
-                       GL_LINEAR_MIPMAP_LINEAR);
+    _pImage.reset();
+    _isTextureLost = false;
+    return makeTexture(width, height, image.getBytes(), bytesPP, true);
 }
 
-// @param pixels  RGBA
-bool Font::makeTexture(unsigned int width, unsigned int height, std::span<const td::BYTE> pixels, int minFilter)
+// @param isMipmapped  for where it is made smaller  @param before  its name in a context that was lost
+bool Font::makeTexture(unsigned int width, unsigned int height, const td::BYTE* pPixels, unsigned int bytesPP,
+                       bool isMipmapped, unsigned int before)
 {
-    glGenTextures(1, &_textureID);
+    _textureID = Restoration::makeName(CurrentContext::Kind::Texture, before);
     if (_textureID == 0)
         return false;
-    _textureContextID = CurrentContext::getID();
+    _textureHome.set(CurrentContext::getID());
+    const std::size_t nPixels = std::size_t(width) * height;
+    const std::vector<td::BYTE> pixels = widened(pPixels, nPixels, bytesPP);
     forgetTexture();
     glBindTexture(GL_TEXTURE_2D, _textureID);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, static_cast<GLsizei>(width), static_cast<GLsizei>(height), 0, GL_RGBA,
                  GL_UNSIGNED_BYTE, pixels.data());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minFilter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, isMipmapped ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glGenerateMipmap(GL_TEXTURE_2D);
     glBindTexture(GL_TEXTURE_2D, 0);
+    _isMipmapped = isMipmapped;
+    if (_isKept && _pImage == nullptr)
+    {
+        _pImage = std::make_unique<gui::Texture>();
+        gui::TextureHelper helper(_pImage.get());
+        helper.reserve(static_cast<unsigned int>(nPixels * bytesPP));
+        helper.updateInfo(static_cast<int>(width), static_cast<int>(height), static_cast<unsigned short>(bytesPP));
+        std::copy_n(pPixels, nPixels * bytesPP, _pImage->getBytes());
+    }
     return true;
+}
+
+void Font::setKeptForRestore(bool isKept)
+{
+    _isKept = isKept;
+    if (!isKept)
+        _pImage.reset();
+}
+
+void Font::onTextureContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Leaving)
+    {
+        _textureHome.deleteName(CurrentContext::Kind::Texture, _textureID);
+        return;
+    }
+    const unsigned int before = std::exchange(_textureID, 0);
+    if (before == 0)
+        return;
+    if (_pImage != nullptr &&
+        makeTexture(static_cast<unsigned int>(_pImage->getWidth()), static_cast<unsigned int>(_pImage->getHeight()),
+                    _pImage->getBytes(), _pImage->getBytesPerPixel(), _isMipmapped, before))
+        return;
+    _isTextureLost = true;
+    vo::dbgLog("Error! Font: its atlas went with its context, as it is not kept for restoring");
+}
+
+void Font::onBufferContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Leaving)
+    {
+        _bufferHome.deleteName(CurrentContext::Kind::Buffer, _vbo);
+        _bufferHome.deleteName(CurrentContext::Kind::VertexArray, _vao);
+        return;
+    }
+    if (_committed)
+        _committed = upload();
+    else
+        _vao = _vbo = 0;
 }
 
 FontMetrics Font::metrics() const
@@ -257,9 +314,9 @@ void Font::reserve(unsigned long nGlyphs)
 // What went with its context.
 void Font::forgetDead()
 {
-    if (!CurrentContext::isAlive(_textureContextID))
+    if (!_textureHome.isAlive())
         _textureID = 0;
-    if (CurrentContext::isAlive(_bufferContextID))
+    if (_bufferHome.isAlive())
         return;
     _vao = _vbo = 0;
     _committed = false;
@@ -273,15 +330,21 @@ bool Font::commit()
     if (!CurrentContext::isThere("Font::commit"))
         return false;
     deleteBuffers();
-    _bufferContextID = CurrentContext::getID();
-    glGenVertexArrays(1, &_vao);
+    _bufferHome.set(CurrentContext::getID());
+    return _committed = upload();
+}
+
+bool Font::upload()
+{
+    const unsigned int oldVBO = std::exchange(_vbo, 0);
+    _vao = Restoration::makeName(CurrentContext::Kind::VertexArray, _vao);
     if (_vao == 0)
     {
         vo::dbgLog("ERROR! Font::commit cannot create VAO!");
         return false;
     }
     glBindVertexArray(_vao);
-    glGenBuffers(1, &_vbo);
+    _vbo = Restoration::makeName(CurrentContext::Kind::Buffer, oldVBO);
     if (_vbo == 0)
     {
         vo::dbgLog("ERROR! Font::commit cannot create VBO!");
@@ -294,7 +357,6 @@ bool Font::commit()
     glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, sizeof(_vd), reinterpret_cast<const void*>(offsetof(_vd, x)));
     glEnableVertexAttribArray(1);
     glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, sizeof(_vd), reinterpret_cast<const void*>(offsetof(_vd, u)));
-    _committed = true;
     glBindVertexArray(0);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     return true;
@@ -303,6 +365,8 @@ bool Font::commit()
 void Font::draw(Program* prog)
 {
     TD_ASSERT(_vao != 0);
+    if (_textureID == 0 && _isTextureLost)
+        return;
     TD_ASSERT(_textureID != 0);
     auto* const pTextProg = dynamic_cast<Text::Prog*>(prog);
     TD_ASSERT(pTextProg != nullptr);
@@ -358,8 +422,8 @@ void Font::release()
 
 void Font::deleteBuffers()
 {
-    CurrentContext::deleteName(_bufferContextID, CurrentContext::Kind::Buffer, std::exchange(_vbo, 0));
-    CurrentContext::deleteName(_bufferContextID, CurrentContext::Kind::VertexArray, std::exchange(_vao, 0));
+    _bufferHome.deleteName(CurrentContext::Kind::Buffer, std::exchange(_vbo, 0));
+    _bufferHome.deleteName(CurrentContext::Kind::VertexArray, std::exchange(_vao, 0));
 }
 
 } // namespace gui::gl

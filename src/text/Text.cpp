@@ -151,7 +151,7 @@ void Text::render(Ctrl ctrl, const glm::mat4& projection)
         Font& font = _fonts[i];
         if (!font.commit())
             continue;
-        if (font._textureID == 0 && !_isMissingTextureSaid)
+        if (font._textureID == 0 && !font._isTextureLost && !_isMissingTextureSaid)
         {
             vo::dbgLog("Error! Text::render font %u has no texture!", i);
             _isMissingTextureSaid = true;

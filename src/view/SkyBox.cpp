@@ -1,5 +1,7 @@
 #include <gui/gl/SkyBox.h>
 
+#include "../context/Restoration.h"
+
 #include <gui/gl/Camera.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
@@ -104,18 +106,24 @@ void SkyBox::updateTransformation()
 
 void SkyBox::commit(float size)
 {
-    if (_committed && CurrentContext::isAlive(_contextID))
+    if (_committed && _home.isAlive())
         return;
     TD_ASSERT(std::isfinite(size) && size != 0);
     if (!CurrentContext::isThere("SkyBox::commit"))
         return;
+    _size = size;
+    _home.set(CurrentContext::getID());
+    _vao = _vbo = 0;
+    upload();
+}
+
+void SkyBox::upload()
+{
     std::array<glm::vec3, cCorners.size()> vertices = cCorners;
     for (glm::vec3& vertex : vertices)
-        vertex *= size;
-
-    _contextID = CurrentContext::getID();
-    glGenVertexArrays(1, &_vao);
-    glGenBuffers(1, &_vbo);
+        vertex *= _size;
+    _vao = Restoration::makeName(CurrentContext::Kind::VertexArray, _vao);
+    _vbo = Restoration::makeName(CurrentContext::Kind::Buffer, _vbo);
     if (_vao == 0 || _vbo == 0)
     {
         vo::dbgLog("ERROR! SkyBox::commit cannot create %s!", _vao == 0 ? "VAO" : "VBO");
@@ -139,7 +147,7 @@ void SkyBox::render(bool disableDepthTest)
         return;
     TD_ASSERT(_prog.isOK());
     TD_ASSERT(_vao > 0);
-    TD_ASSERT(CurrentContext::isAlive(_contextID));
+    TD_ASSERT(_home.isAlive());
     updateTransformation();
     _prog.activate();
     if (_pProjection != nullptr)
@@ -156,11 +164,26 @@ void SkyBox::render(bool disableDepthTest)
 
 void SkyBox::release()
 {
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::Buffer, _vbo);
-    CurrentContext::deleteName(_contextID, CurrentContext::Kind::VertexArray, _vao);
+    _home.deleteName(CurrentContext::Kind::Buffer, _vbo);
+    _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
     _vbo = _vao = 0;
     _committed = false;
     _isRefused = false;
+}
+
+void SkyBox::onContext(ContextResource::Event event)
+{
+    if (event == ContextResource::Event::Leaving)
+    {
+        _home.deleteName(CurrentContext::Kind::Buffer, _vbo);
+        _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
+        return;
+    }
+    // The cube map may be the application's, and not have its name again.
+    if (const unsigned int cubeMapID = Restoration::getNew(CurrentContext::Kind::Texture, _cubeMapID); cubeMapID != 0)
+        _cubeMapID = cubeMapID;
+    if (_committed)
+        upload();
 }
 
 } // namespace gui::gl

@@ -104,6 +104,11 @@ void Texture::swap(Texture& other) noexcept
 bool Texture::loadFromFile(const char* fileName)
 {
     TD_ASSERT(fileName != nullptr, false);
+    return load(fileName, nullptr);
+}
+
+bool Texture::load(const char* fileName, std::vector<td::BYTE>* pContent)
+{
     std::vector<td::BYTE> content;
     std::span<const td::BYTE> bytes;
     std::string cause;
@@ -113,7 +118,14 @@ bool Texture::loadFromFile(const char* fileName)
     else if ((isRead = readFile(fileName, cMaxFileBytes, content, cause)))
         bytes = content;
     if (isRead && load(bytes.data(), bytes.size(), cause))
+    {
+        // A resource may be a part of the program.
+        if (pContent != nullptr && bytes.data() != content.data())
+            pContent->assign(bytes.begin(), bytes.end());
+        else if (pContent != nullptr)
+            *pContent = std::move(content);
         return true;
+    }
     vo::dbgLog("ERROR! Texture::loadFromFile cannot load file: %s (%s)", fileName, cause.c_str());
     return false;
 }

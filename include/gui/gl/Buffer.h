@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandList.h"
+#include "ContextResource.h"
 #include "CurrentContext.h"
 #include "DataType.h"
 #include "Texture.h"
@@ -22,7 +23,8 @@ namespace gui::gl
 ///
 /// Committed data stays in memory but is closed: appending, inserting, changing and reading a point writes "ERROR!
 /// Buffer::append vertices on committed buffer! Call reset first!" and asserts, until reset() opens the buffer for new
-/// data. Not copyable. commit, activate and deActivate need the view's context current. GUI thread only.
+/// data. When the context is lost and another takes its place (see View), what was committed is uploaded again, from
+/// that memory; a program that is short of it declines by setKeptForRestore. Not copyable. commit, activate and deActivate need the view's context current. GUI thread only.
 class GUIGL_API Buffer
 {
 public:
@@ -152,7 +154,7 @@ public:
     /// False when data may be appended; see the class for what it does on a committed buffer, where the answer is true.
     bool isAddOnCommitted() const;
     /// True from commit to reset or release, and to the end of the context that it was committed in.
-    bool isCommitted() const { return _state == 1 && CurrentContext::isAlive(_contextID); }
+    bool isCommitted() const { return _state == 1 && _home.isAlive(); }
 
     /// Uploads what was appended. Does nothing on a committed buffer; one whose context has died is uploaded anew.
     /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO,
@@ -165,6 +167,14 @@ public:
     void activate() const;
     /// Binds no vertex array.
     void deActivate() const;
+
+    /// false frees the memory of the data after each commit, and now if it is committed; GL alone has it then. The
+    /// buffer counts no vertices, indices and instances any more, and getVertices is empty. When the context is lost the
+    /// data is too: the commands are dropped, and until reset or release the buffer draws nothing and commit is refused
+    /// ("Error! Buffer: what was committed went with its context, as it is not kept for restoring", once). true, the
+    /// default, costs the bytes that were appended, and holds from the next commit of new data on.
+    void setKeptForRestore(bool isKept);
+    bool isKeptForRestore() const { return _isKept; }
 
     /// The buffer's own commands. createCommand's pointer is good until the next one is created (see CommandList).
     CommandList& getCommandList() { return _commandList; }
@@ -183,6 +193,10 @@ private:
     bool isClosed() const { return _state == 1 && isAddOnCommitted(); }
     bool upload();
     void deleteObjects();
+    void freeData();
+    bool isDataLost() const;
+    void sayLoss() const;
+    void onContext(ContextResource::Event event);
 
     CommandList _commandList;
     cnt::PushBackVector<float, 0> _vertexData;
@@ -200,7 +214,12 @@ private:
     unsigned char _nVertexFloats = 0;
     unsigned char _nInstanceFloats = 0;
     unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
-    CurrentContext::ID _contextID = 0;
+    bool _isKept = true;
+    bool _isFreed = false;            // of what was committed
+    bool _isLost = false;             // with its context, and nothing was kept
+    mutable bool _isLossSaid = false; // in the log
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<Buffer*>(pThis)->onContext(event); }, this};
 };
 
 } // namespace gui::gl

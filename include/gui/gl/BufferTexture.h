@@ -1,12 +1,13 @@
 #pragma once
 
-#include "CurrentContext.h"
+#include "ContextResource.h"
 #include "Texture.h"
 
 #include <td/Export.h>
 #include <td/Types.h>
 
 #include <cstddef>
+#include <vector>
 
 namespace gui::gl
 {
@@ -14,7 +15,8 @@ namespace gui::gl
 /// Numbers in GL memory that a shader reads by their place, with texelFetch from a samplerBuffer (or isamplerBuffer,
 /// usamplerBuffer): tables of any size that change in parts.
 ///
-/// The memory is not kept here: whoever fills it knows what stands in it. Not copyable. Needs the context current that
+/// What stands in it is kept here as well, for the case that the context is lost and another takes its place (see View);
+/// whoever fills it again by himself declines that by setKeptForRestore. Not copyable. Needs the context current that
 /// it was made in, except for the destructor, release and queries. GUI thread only.
 class GUIGL_API BufferTexture
 {
@@ -46,7 +48,12 @@ public:
     ///         BufferTexture::resize cannot create its buffer and its texture!")
     bool resize(std::size_t nTexels);
     /// The texels there is room for; 0 after the death of the context.
-    std::size_t getSize() const { return CurrentContext::isAlive(_contextID) ? _nTexels : 0; }
+    std::size_t getSize() const { return _home.isAlive() ? _nTexels : 0; }
+
+    /// false before anything is written: nothing is kept. When the context is lost, there is no room and nothing in it
+    /// afterwards: getSize gives 0 and resize begins anew. true, the default, costs the room's bytes once more.
+    void setKeptForRestore(bool isKept) { _isKept = isKept; }
+    bool isKeptForRestore() const { return _isKept; }
 
     /// Uploads texels; first + n must not exceed getSize() (an assertion; nothing is uploaded then).
     void write(std::size_t first, const void* data, std::size_t n);
@@ -60,11 +67,19 @@ public:
     void release();
 
 private:
+    bool makeNames();
+    void makeRoom(std::size_t nTexels, const void* data);
+    void onContext(ContextResource::Event event);
+
     Format _format;
     unsigned int _buffer = 0;
     unsigned int _texture = 0;
     std::size_t _nTexels = 0;
-    CurrentContext::ID _contextID = 0;
+    bool _isAttached = false; // the buffer to the texture
+    bool _isKept = true;
+    std::vector<td::BYTE> _kept;
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<BufferTexture*>(pThis)->onContext(event); }, this};
 };
 
 } // namespace gui::gl

@@ -57,6 +57,27 @@ public:
     /// Tells that this context is about to be destroyed. Its names die with it; nothing will be deleted for them.
     static void died(Handle handle);
 
+    /// Tells that the current context is about to be replaced by another, and still works: what the library's objects
+    /// have in it is deleted, framebuffers read their pixels, and it counts as dead. Instead of died, where that can be:
+    /// others may share what is in a context, a toolkit for one, and would keep it. Nothing when none is current.
+    static void retire();
+
+    /// Makes all that the library's objects had in a context anew in the one that is current, with what they keep: see
+    /// ContextResource, whose order it follows. Its end is the time at which GL names are right again; they are the
+    /// same ones where the driver lets them be. Vertex array, program and textures that were bound are not.
+    ///
+    /// Surfaces of the library's and hosts with a HostedView need not call it; who makes contexts by himself does:
+    /// @code
+    /// const CurrentContext::ID lost = CurrentContext::getID();
+    /// CurrentContext::died(context); // or retire(), as long as it works
+    /// context = makeAnotherContext();
+    /// CurrentContext::set(context);
+    /// CurrentContext::restoreFrom(lost);
+    /// @endcode
+    /// @param lost  the context that is gone; what is of others stays as it is. Without a current context there is a log
+    ///              line: "Error! CurrentContext::restoreFrom without a current GL context!"
+    static void restoreFrom(ID lost);
+
     /// Has a function called after each change, before anything is done in the context that is current then: for those
     /// who remember what they told GL, as the library's commands do. It is called for good.
     static void onChange(Listener listener);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CurrentContext.h"
+#include "ContextResource.h"
 
 #include <cnt/Dictionary.h>
 #include <cnt/PushBackVector.h>
@@ -54,7 +54,9 @@ struct FontMetrics;
 ///
 /// Moves, but can't be copied; no assignment. load, setTexture, commit and draw need the view's context current. The
 /// destructor deletes the atlas texture, the vertex array and its buffer, and needs no context. When the context dies
-/// they are gone: the strings are uploaded anew by the next commit, the atlas by the next load. GUI thread only.
+/// they are gone: the strings are uploaded anew by the next commit, the atlas by the next load. But when another context
+/// takes its place (see View), both are made anew, from the strings and from what setKeptForRestore keeps. GUI thread
+/// only.
 class GUIGL_API Font
 {
 public:
@@ -152,6 +154,13 @@ public:
     ///         has no texture name to give, or without a context
     bool setTexture(const gui::Texture& image);
 
+    /// false frees what is kept of the atlas, and keeps none of the next: when the context is lost, it is too, and the
+    /// font draws nothing until the next load ("Error! Font: its atlas went with its context, as it is not kept for
+    /// restoring", once). true, the default, costs the atlas' pixels as they are in the font's file, 1 byte each as a
+    /// rule, from the next load or setTexture on.
+    void setKeptForRestore(bool isKept);
+    bool isKeptForRestore() const { return _isKept; }
+
     /// Adds a string: lays it out and records its draw. On committed content it writes "ERROR! Font::addString called
     /// on committed font content! Call reset before addString!" and asserts; a font without glyphs adds nothing; a font
     /// of no Text, or one whose atlas coordinates do not grow at a glyph of the string, asserts. All these return (0,
@@ -219,7 +228,11 @@ private:
     bool read(arch::FileSerializerIn& file, const char* fileName, gui::Image::_data& imgData, float& metricC);
     bool readGlyphs(arch::ArchiveIn& archive, unsigned short noGlyphs, const char* fileName);
     void dropGlyphs();
-    bool makeTexture(unsigned int width, unsigned int height, std::span<const td::BYTE> pixels, int minFilter);
+    bool makeTexture(unsigned int width, unsigned int height, const td::BYTE* pPixels, unsigned int bytesPP,
+                     bool isMipmapped, unsigned int before = 0);
+    bool upload();
+    void onTextureContext(ContextResource::Event event);
+    void onBufferContext(ContextResource::Event event);
     void deleteTexture();
     void deleteBuffers();
     void forgetDead();
@@ -256,8 +269,14 @@ private:
     bool _committed = false;
     std::unique_ptr<GlyphTable> _pTable; // glyphs and their map once more, for layout; null as long as there are none
     std::unique_ptr<LayoutMemo> _pMemo;  // null as long as the table is
-    CurrentContext::ID _textureContextID = 0;
-    CurrentContext::ID _bufferContextID = 0;
+    bool _isKept = true;
+    bool _isTextureLost = false; // with its context, and not kept
+    bool _isMipmapped = false;
+    std::unique_ptr<gui::Texture> _pImage; // of 1 to 4 bytes per pixel, for another context
+    ContextResource _textureHome{
+        [](void* pThis, ContextResource::Event event) { static_cast<Font*>(pThis)->onTextureContext(event); }, this};
+    ContextResource _bufferHome{
+        [](void* pThis, ContextResource::Event event) { static_cast<Font*>(pThis)->onBufferContext(event); }, this};
 };
 
 } // namespace gui::gl

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Context.h"
-#include "CurrentContext.h"
+#include "ContextResource.h"
 
 #include <td/Export.h>
 #include <td/Size.h>
@@ -34,6 +34,10 @@ namespace gui::gl
 /// bottom, as GL's do, and so does t of the texture. Framebuffers cannot be shared between contexts: all but queries
 /// and release need the context current that was at create. When that dies, the pixels are gone and isOk is false. Not
 /// copyable. GUI thread only.
+///
+/// When the context is lost and another takes its place (see View), the framebuffer is made anew. Its colours are as
+/// they were where the old context still worked, as it does when a host brings another one; after a reset of the GPU
+/// they are 0, and a picture that is made once is made again in onContextRestored, unless setKeptForRestore keeps it.
 ///
 /// Operations that return a bool say in one log line why they return false, and have changed nothing then. Those that a
 /// frame calls over and over (begin, end, resolve) say so once, until the next create that succeeds.
@@ -89,7 +93,7 @@ public:
     void release();
 
     /// True from a successful create to release, and to the end of the context.
-    bool isOk() const { return _names.framebuffer != 0 && CurrentContext::isAlive(_contextID); }
+    bool isOk() const { return _names.framebuffer != 0 && _home.isAlive(); }
     td::Size<int> getSize() const { return isOk() ? _size : td::Size<int>(); } ///< in device pixels
     /// As it was asked for.
     const Format& getFormat() const { return _format; }
@@ -101,6 +105,11 @@ public:
     /// The GL name of the colour, a 2D texture with linear filters that clamps to its edges, as it was at the last end,
     /// resolve or read. Owned by this object. 0 without a framebuffer.
     unsigned int getTextureID() const { return isOk() ? _names.texture : 0; }
+
+    /// true reads the colours after each end and resolve, for a context that is lost without notice: it costs a wait for
+    /// the GPU each time, 16 bytes per pixel, and 4 for one of a single number. false, the default, keeps nothing.
+    void setKeptForRestore(bool isKept);
+    bool isKeptForRestore() const { return _isKept; }
 
     /// From here to end it is drawn into and read from, with the viewport over all of it. Other state stays as it is,
     /// the scissor test for one. Others may be begun in between, and ended before.
@@ -172,13 +181,20 @@ private:
     static void remove(const Names& names, CurrentContext::ID contextID);
     bool isHere(const char* operation, bool& isSaid) const;
     void restore();
+    void keep();
+    void onContext(ContextResource::Event event);
+    void makeAgain();
     unsigned int readable() const { return _names.resolved != 0 ? _names.resolved : _names.framebuffer; }
 
     Names _names;
+    Names _lost; // with a context; while it is made anew
     td::Size<int> _size;
     Format _format;
     int _nSamples = 0;
-    CurrentContext::ID _contextID = 0;
+    bool _isKept = false;
+    std::vector<float> _kept; // as readValues gives them
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<Framebuffer*>(pThis)->onContext(event); }, this};
     // What was bound at begin.
     int _drawBefore = 0;
     int _readBefore = 0;

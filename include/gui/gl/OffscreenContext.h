@@ -53,6 +53,19 @@ public:
     /// @return false when the driver refuses, with a log line the first time
     bool makeCurrent();
 
+    /// Whether the GPU was reset, and all that was in the context is lost; false where the driver does not tell. A
+    /// server that draws for days asks before it draws, and calls replace.
+    bool isLost();
+
+    /// Whether makeCurrent found out that it is lost.
+    bool isGone() const;
+
+    /// Makes another GL context in the place of this one, of the same format, and all that the library's objects had in
+    /// it anew (see View for what that takes): after a loss, or to try out what one does. It is current afterwards, with
+    /// the viewport over its whole size and GL's state as at first; the picture stays, unless the GPU was reset.
+    /// @return false, with a log line, when there is none to be had; it may be tried again
+    bool replace();
+
     /// Has none of these contexts current any more. For hosts, before their toolkit draws: see
     /// gui::Host::leaveContexts.
     static void leave();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandList.h"
-#include "CurrentContext.h"
+#include "ContextResource.h"
 #include "GLSL.h"
 #include "Textures.h"
 
@@ -11,6 +11,7 @@
 #include <td/ColorID.h>
 #include <td/Export.h>
 #include <td/StringBase.h>
+#include <td/Types.h>
 
 #include <glm/ext/vector_float1.hpp>
 #include <glm/ext/vector_uint1.hpp>
@@ -23,7 +24,14 @@
 #include <glm/vec3.hpp>
 #include <glm/vec4.hpp>
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace gui::gl
 {
@@ -34,9 +42,15 @@ class Buffer;
 ///
 /// Derive from it, look up uniform locations in onLinked (the library's own programs, Flat2DProgram and its relatives,
 /// show how), then: link, setBuffer and setTextures, record commands; per frame activate, execute, deActivate. An
-/// active program is the current one: commands send their colours, textures and matrices to it. Not copyable; not meant
-/// to be deleted through a pointer to this class. Everything but queries needs the view's context current. GUI thread
-/// only.
+/// active program is the current one: commands send their colours, textures and matrices to it.
+///
+/// When the context is lost and another takes its place (see View), the program is linked again from what was given to
+/// link, onLinked is called again, and uniforms get the values that the setters of this class gave them. Locations are
+/// what they were where the driver is the same one; where it is another, those in this class's members follow, and so do
+/// those that onLinked looks up.
+///
+/// Not copyable; not meant to be deleted through a pointer to this class. Everything but queries needs the view's
+/// context current. GUI thread only.
 class GUIGL_API Program
 {
 public:
@@ -59,12 +73,18 @@ public:
               const char* geometryResID);
 
     /// True from a successful link to release, and to the end of the context that it was linked in.
-    bool isOK() const { return _programID != 0 && CurrentContext::isAlive(_contextID); }
+    bool isOK() const { return _programID != 0 && _home.isAlive(); }
     /// The GL name; 0 when not linked.
     unsigned int getID() const { return isOK() ? _programID : 0; }
 
     /// Deletes the GL program; it is the current one no more. Needs no context.
     void release();
+
+    /// false frees what is kept to link again, and keeps nothing from the next link on: when the context is lost, the
+    /// program is not linked any more, draw says so, once, and nothing is drawn. true, the default, costs the text of the
+    /// stages as it was given to link (a resource its name alone) and some 100 bytes for each uniform that was looked up.
+    void setKeptForRestore(bool isKept);
+    bool isKeptForRestore() const { return _isKept; }
 
     /// All failures of all programs so far, each ending in a line feed.
     static td::String getLastError();
@@ -151,7 +171,8 @@ public:
     void draw(Buffer& buffer, const glm::mat4& mvp);
 
 protected:
-    /// Called after a successful link: look up uniforms here. This version writes a log line that says nobody did.
+    /// Called after a successful link, and when the program was linked again in a context that took the place of a lost
+    /// one: look up uniforms here. This version writes a log line that says nobody did.
     virtual void onLinked();
     /// Called after a failed link.
     virtual void onError();
@@ -160,14 +181,50 @@ private:
     friend class ProgHelper;
     friend class View;
 
+    /// The arguments of link: vertex, fragment, tessellation control and evaluation, geometry.
+    using Sources = std::array<const char*, 5>;
+
+    enum class UniformKind : td::BYTE
+    {
+        None, // looked up only
+        Float,
+        Float2,
+        Float3,
+        Float4,
+        Int,
+        Int2,
+        Int3,
+        Int4,
+        Mat3,
+        Mat4
+    };
+    struct Uniform
+    {
+        std::string name; // none for a location that was not looked up here
+        int location = -1;
+        UniformKind kind = UniformKind::None;
+        std::array<std::uint32_t, 16> value{};
+    };
+    struct Kept
+    {
+        std::array<std::optional<std::string>, 5> sources;
+        std::vector<Uniform> uniforms;
+        std::vector<std::pair<int, int>> moved; // locations, of the lost context and of the new one
+    };
+
     bool prepare(Buffer& buffer);
     void sayColorGoesNowhere(int nComponents);
     static unsigned int _link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
-                              const char* tessEvalResID, const char* geometryResID);
+                              const char* tessEvalResID, const char* geometryResID, unsigned int before = 0);
     static unsigned int compile(GLSL::Type type, const char* resID);
     static bool isCompilationOK(GLSL::Type type, unsigned int shader, const char* name, const char* source);
     static bool isLinkingOK(unsigned int program, const char* vertexName, const char* fragmentName);
-    bool finishLink(unsigned int programID);
+    bool finishLink(unsigned int programID, const Sources& sources);
+    void onContext(ContextResource::Event event);
+    void linkAgain();
+    void moveLocation(int& location) const;
+    void sendUniforms() const;
+    void remember(unsigned int loc, UniformKind kind, const void* pValue) const;
 
     static cnt::StringBuilder<td::String, 1024> s_progErrors;
 
@@ -194,7 +251,11 @@ private:
     // Since the last link, once each.
     bool _hasSaidNotLinked = false;
     bool _hasSaidColor = false;
-    CurrentContext::ID _contextID = 0;
+
+    bool _isKept = true;
+    std::unique_ptr<Kept> _pKept; // from link on
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<Program*>(pThis)->onContext(event); }, this};
 };
 
 /// Makes a program the one that commands send to, and forgets the colour and texture last sent. Program's operations

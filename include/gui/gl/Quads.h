@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CurrentContext.h"
+#include "ContextResource.h"
 
 #include <td/Export.h>
 
@@ -15,7 +15,7 @@ namespace gui::gl
 /// 4 is the quad's number and whose remainder its corner, with what it finds in a BufferTexture or works out.
 ///
 /// Corners 0, 1, 2 and 2, 1, 3 are the two triangles. Ranges of any length take one GL call together, which draws them
-/// in their order. Not copyable. GUI thread only.
+/// in their order. In another context than last time they begin anew by themselves. Not copyable. GUI thread only.
 class GUIGL_API Quads
 {
 public:
@@ -40,10 +40,13 @@ public:
 
 private:
     bool prepare();
+    void onContext(ContextResource::Event event);
 
     unsigned int _vao = 0;
     unsigned int _ebo = 0;
-    CurrentContext::ID _contextID = 0;
+    // What is here for all quads is made when it is needed.
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<Quads*>(pThis)->onContext(event); }, this};
     std::vector<int> _counts, _bases;
     std::vector<const void*> _offsets;
 };

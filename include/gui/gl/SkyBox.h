@@ -85,6 +85,9 @@ public:
     void release();
 
 private:
+    void upload();
+    void onContext(ContextResource::Event event);
+
     Prog _prog;
     glm::mat4 _transformation{0};
     const glm::mat4* _pProjection = nullptr;
@@ -93,9 +96,11 @@ private:
     unsigned int _cubeMapID = 0;
     unsigned int _vao = 0;
     unsigned int _vbo = 0;
+    float _size = 0; // as it was committed
     bool _committed = false;
     bool _isRefused = false; // commit had no objects from GL
-    CurrentContext::ID _contextID = 0;
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<SkyBox*>(pThis)->onContext(event); }, this};
     Textures _textures; // a cube map of its own, or none
 };
 

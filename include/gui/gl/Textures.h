@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CurrentContext.h"
+#include "ContextResource.h"
 #include "Texture.h"
 
 #include <cnt/Array.h>
@@ -11,9 +11,12 @@
 #include <glm/vec3.hpp>
 
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <tuple>
+#include <vector>
 
 namespace gui
 {
@@ -23,12 +26,16 @@ class Texture;
 namespace gui::gl
 {
 
+class KeptImage;
+class KeptTexture;
+
 /// A set of GL textures, filled once from images or image files and bound by position while drawing.
 ///
 /// Every append adds at the end; positions never change. The set owns its GL textures: release() and the destructor
 /// delete them, in the context that made them. All textures of a set belong to one context; when that dies they are
-/// gone, and the next append begins a new set. Images are uploaded and not
-/// kept. 2D textures repeat in both directions, have mipmaps and linear filters; cube maps clamp to their edges, with
+/// gone, and the next append begins a new set. But when another context takes its place (see View), they are made anew,
+/// of what is kept for that, with the same positions, and the same names where the driver lets them be: see
+/// setKeptForRestore. What GL calls of your own change in them is not known here. 2D textures repeat in both directions, have mipmaps and linear filters; cube maps clamp to their edges, with
 /// linear filters and no mipmaps. Not copyable. Unless said otherwise, operations need the view's context current.
 class GUIGL_API Textures
 {
@@ -43,7 +50,7 @@ public:
         Texture::Type type{};
     };
 
-    Textures() = default;
+    Textures();
     ~Textures();
     Textures(const Textures&) = delete;
     Textures& operator=(const Textures&) = delete;
@@ -114,6 +121,14 @@ public:
     /// Makes the unit active and binds the texture there; checks nothing but the unit.
     static void bindToSamplerUnit(unsigned int textureID, Unit unit, Texture::Type type);
 
+    /// false frees what is kept of the textures that there are, and nothing is kept of those that are appended from now
+    /// on: when the context is lost they are too. They have the name 0 then, and what is drawn with them is black, as
+    /// with any texture that GL does not have; "Error! Textures: texture %zu went with its context, as it is not kept for
+    /// restoring" says so, once. true, the default, costs the size of the file for those that were loaded from files, as
+    /// it is on the disk, and 3 or 4 bytes per pixel for images, from now on.
+    void setKeptForRestore(bool isKept);
+    bool isKeptForRestore() const { return _isKept; }
+
     /// Deletes every texture and empties the set, which can be filled again. Needs no context.
     void release();
 
@@ -124,11 +139,20 @@ private:
     void forgetDead();
     bool canAppend(const char* operation, std::size_t n);
     bool uploadFaces(const std::array<const gui::Texture*, 6>& faces);
+    void keep(KeptImage image, bool isMirrored);
+    void sayLoss(std::size_t index);
+    void onContext(ContextResource::Event event);
+    void restore(std::size_t index);
 
     cnt::PushBackVector<TextureInfo, 0> _textures;
+    std::vector<std::unique_ptr<KeptTexture>> _kept; // by position; null for what is not kept
     unsigned short _maxUnits = 0;
     unsigned short _maxCombinedUnits = 0;
-    CurrentContext::ID _contextID = 0;
+    bool _isKept = true;
+    bool _isLossSaid = false;
+    bool _hasLost = false; // some that were not kept
+    ContextResource _home{
+        [](void* pThis, ContextResource::Event event) { static_cast<Textures*>(pThis)->onContext(event); }, this};
 };
 
 } // namespace gui::gl

@@ -34,6 +34,7 @@
 #include "Command.h"
 #include "CommandList.h"
 #include "Context.h"
+#include "ContextResource.h"
 #include "CubeMap3DProgram.h"
 #include "CurrentContext.h"
 #include "DataType.h"

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace gui
 {
@@ -75,6 +76,7 @@ private:
     friend struct TextureLayout;
 
     bool load(const td::BYTE* bytes, std::size_t nBytes, std::string& cause);
+    bool load(const char* fileName, std::vector<td::BYTE>* pContent);
     bool write(std::FILE* pFile, std::string& cause) const;
     bool isRoomFor(int width, int height, unsigned short bytesPerPixel) const;
     void updateInfo(int width, int height, unsigned short bytesPerPixel);
@@ -99,6 +101,12 @@ public:
     explicit TextureHelper(Texture* pTexture)
         : _pTexture(pTexture)
     {
+    }
+
+    /// See Texture::loadFromFile. @param content  gets the file's, or the resource's, bytes; undefined after a failure
+    [[nodiscard]] bool loadFromFile(const char* fileName, std::vector<td::BYTE>& content)
+    {
+        return _pTexture->load(fileName, &content);
     }
 
     /// See Texture::reserve.

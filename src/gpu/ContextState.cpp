@@ -1,0 +1,196 @@
+#include "ContextState.h"
+
+#include "../context/Restoration.h"
+#include "ProgHelper.h"
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+
+namespace gui::gl
+{
+
+namespace
+{
+
+constexpr std::array<GLenum, 22> cStateFlags{GL_BLEND,
+                                             GL_COLOR_LOGIC_OP,
+                                             GL_CULL_FACE,
+                                             GL_DEPTH_CLAMP,
+                                             GL_DEPTH_TEST,
+                                             GL_DITHER,
+                                             GL_FRAMEBUFFER_SRGB,
+                                             GL_LINE_SMOOTH,
+                                             GL_MULTISAMPLE,
+                                             GL_POLYGON_OFFSET_FILL,
+                                             GL_POLYGON_OFFSET_LINE,
+                                             GL_POLYGON_OFFSET_POINT,
+                                             GL_POLYGON_SMOOTH,
+                                             GL_PRIMITIVE_RESTART,
+                                             GL_PROGRAM_POINT_SIZE,
+                                             GL_RASTERIZER_DISCARD,
+                                             GL_SAMPLE_ALPHA_TO_COVERAGE,
+                                             GL_SAMPLE_ALPHA_TO_ONE,
+                                             GL_SAMPLE_COVERAGE,
+                                             GL_SCISSOR_TEST,
+                                             GL_STENCIL_TEST,
+                                             GL_TEXTURE_CUBE_MAP_SEAMLESS};
+constexpr GLenum cClipDistances = 6; // that every driver has
+
+constexpr std::array<GLenum, 12> cPixelStore{GL_PACK_ALIGNMENT,     GL_PACK_IMAGE_HEIGHT,   GL_PACK_ROW_LENGTH,
+                                             GL_PACK_SKIP_IMAGES,   GL_PACK_SKIP_PIXELS,    GL_PACK_SKIP_ROWS,
+                                             GL_UNPACK_ALIGNMENT,   GL_UNPACK_IMAGE_HEIGHT, GL_UNPACK_ROW_LENGTH,
+                                             GL_UNPACK_SKIP_IMAGES, GL_UNPACK_SKIP_PIXELS,  GL_UNPACK_SKIP_ROWS};
+
+constexpr int cVersionWithPatches = 40; // of GL
+constexpr int cMostUnits = 32;          // that the library has names for
+
+int stateNumber(GLenum name)
+{
+    // Some drivers give two numbers for the polygon mode.
+    std::array<GLint, 4> values{};
+    glGetIntegerv(name, values.data());
+    return values[0];
+}
+
+GLuint renamed(CurrentContext::Kind kind, int name) { return Restoration::getNew(kind, static_cast<GLuint>(name)); }
+
+GLuint renamed(CurrentContext::Kind kind, GLuint name) { return Restoration::getNew(kind, name); }
+
+} // namespace
+
+void ContextState::keepProgram() { s_pProgramBefore = s_pCurrentProgram; }
+
+void ContextState::read()
+{
+    keepProgram();
+    _flags.clear();
+    for (const GLenum flag : cStateFlags)
+        _flags.emplace_back(flag, glIsEnabled(flag) == GL_TRUE);
+    for (GLenum i = 0; i < cClipDistances; ++i)
+        _flags.emplace_back(GL_CLIP_DISTANCE0 + i, glIsEnabled(GL_CLIP_DISTANCE0 + i) == GL_TRUE);
+    _pixelStore.clear();
+    for (const GLenum name : cPixelStore)
+        _pixelStore.emplace_back(name, stateNumber(name));
+    for (std::size_t i = 0; i < _faces.size(); ++i)
+    {
+        const bool isBack = i == 1;
+        _faces[i] = {stateNumber(isBack ? GL_STENCIL_BACK_FUNC : GL_STENCIL_FUNC),
+                     stateNumber(isBack ? GL_STENCIL_BACK_REF : GL_STENCIL_REF),
+                     stateNumber(isBack ? GL_STENCIL_BACK_VALUE_MASK : GL_STENCIL_VALUE_MASK),
+                     stateNumber(isBack ? GL_STENCIL_BACK_WRITEMASK : GL_STENCIL_WRITEMASK),
+                     stateNumber(isBack ? GL_STENCIL_BACK_FAIL : GL_STENCIL_FAIL),
+                     stateNumber(isBack ? GL_STENCIL_BACK_PASS_DEPTH_FAIL : GL_STENCIL_PASS_DEPTH_FAIL),
+                     stateNumber(isBack ? GL_STENCIL_BACK_PASS_DEPTH_PASS : GL_STENCIL_PASS_DEPTH_PASS)};
+    }
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, _clearColor.data());
+    glGetFloatv(GL_BLEND_COLOR, _blendColor.data());
+    glGetFloatv(GL_DEPTH_RANGE, _depthRange.data());
+    glGetFloatv(GL_POLYGON_OFFSET_FACTOR, &_polygonOffset[0]);
+    glGetFloatv(GL_POLYGON_OFFSET_UNITS, &_polygonOffset[1]);
+    glGetIntegerv(GL_VIEWPORT, _viewport.data());
+    glGetIntegerv(GL_SCISSOR_BOX, _scissor.data());
+    _blendFunctions = {stateNumber(GL_BLEND_SRC_RGB), stateNumber(GL_BLEND_DST_RGB), stateNumber(GL_BLEND_SRC_ALPHA),
+                       stateNumber(GL_BLEND_DST_ALPHA)};
+    _blendEquations = {stateNumber(GL_BLEND_EQUATION_RGB), stateNumber(GL_BLEND_EQUATION_ALPHA)};
+    glGetBooleanv(GL_COLOR_WRITEMASK, _colorMask.data());
+    glGetBooleanv(GL_DEPTH_WRITEMASK, &_depthMask);
+    glGetFloatv(GL_DEPTH_CLEAR_VALUE, &_clearDepth);
+    glGetFloatv(GL_LINE_WIDTH, &_lineWidth);
+    glGetFloatv(GL_POINT_SIZE, &_pointSize);
+    _clearStencil = stateNumber(GL_STENCIL_CLEAR_VALUE);
+    _depthFunction = stateNumber(GL_DEPTH_FUNC);
+    _cullFace = stateNumber(GL_CULL_FACE_MODE);
+    _frontFace = stateNumber(GL_FRONT_FACE);
+    _polygonMode = stateNumber(GL_POLYGON_MODE);
+    _restartIndex = stateNumber(GL_PRIMITIVE_RESTART_INDEX);
+    _provokingVertex = stateNumber(GL_PROVOKING_VERTEX);
+    _logicOp = stateNumber(GL_LOGIC_OP_MODE);
+    _patchVertices = epoxy_gl_version() >= cVersionWithPatches ? stateNumber(GL_PATCH_VERTICES) : 0;
+    _vertexArray = stateNumber(GL_VERTEX_ARRAY_BINDING);
+    _program = stateNumber(GL_CURRENT_PROGRAM);
+    readUnits();
+    _isRead = true;
+}
+
+void ContextState::readUnits()
+{
+    _activeTexture = stateNumber(GL_ACTIVE_TEXTURE);
+    _units.assign(static_cast<std::size_t>(std::min(stateNumber(GL_MAX_TEXTURE_IMAGE_UNITS), cMostUnits)), {});
+    GLenum unit = GL_TEXTURE0;
+    for (Unit& bound : _units)
+    {
+        glActiveTexture(unit++);
+        bound = {static_cast<GLuint>(stateNumber(GL_TEXTURE_BINDING_2D)),
+                 static_cast<GLuint>(stateNumber(GL_TEXTURE_BINDING_CUBE_MAP)),
+                 static_cast<GLuint>(stateNumber(GL_TEXTURE_BINDING_BUFFER))};
+    }
+    glActiveTexture(static_cast<GLenum>(_activeTexture));
+}
+
+void ContextState::applyUnits() const
+{
+    GLenum unit = GL_TEXTURE0;
+    for (const Unit& bound : _units)
+    {
+        if (bound.name2D != 0 || bound.nameCube != 0 || bound.nameBuffer != 0)
+        {
+            glActiveTexture(unit);
+            glBindTexture(GL_TEXTURE_2D, renamed(CurrentContext::Kind::Texture, bound.name2D));
+            glBindTexture(GL_TEXTURE_CUBE_MAP, renamed(CurrentContext::Kind::Texture, bound.nameCube));
+            glBindTexture(GL_TEXTURE_BUFFER, renamed(CurrentContext::Kind::Texture, bound.nameBuffer));
+        }
+        ++unit;
+    }
+    glActiveTexture(static_cast<GLenum>(_activeTexture));
+}
+
+void ContextState::apply() const
+{
+    if (!_isRead)
+        return;
+    for (const auto& [flag, isOn] : _flags)
+        isOn ? glEnable(flag) : glDisable(flag);
+    for (const auto& [name, value] : _pixelStore)
+        glPixelStorei(name, value);
+    for (std::size_t i = 0; i < _faces.size(); ++i)
+    {
+        const Face& face = _faces[i];
+        const GLenum side = i == 1 ? GL_BACK : GL_FRONT;
+        glStencilFuncSeparate(side, static_cast<GLenum>(face.function), face.reference,
+                              static_cast<GLuint>(face.valueMask));
+        glStencilMaskSeparate(side, static_cast<GLuint>(face.writeMask));
+        glStencilOpSeparate(side, static_cast<GLenum>(face.fail), static_cast<GLenum>(face.depthFail),
+                            static_cast<GLenum>(face.depthPass));
+    }
+    glClearColor(_clearColor[0], _clearColor[1], _clearColor[2], _clearColor[3]);
+    glBlendColor(_blendColor[0], _blendColor[1], _blendColor[2], _blendColor[3]);
+    glDepthRange(static_cast<GLdouble>(_depthRange[0]), static_cast<GLdouble>(_depthRange[1]));
+    glPolygonOffset(_polygonOffset[0], _polygonOffset[1]);
+    glViewport(_viewport[0], _viewport[1], _viewport[2], _viewport[3]);
+    glScissor(_scissor[0], _scissor[1], _scissor[2], _scissor[3]);
+    glBlendFuncSeparate(static_cast<GLenum>(_blendFunctions[0]), static_cast<GLenum>(_blendFunctions[1]),
+                        static_cast<GLenum>(_blendFunctions[2]), static_cast<GLenum>(_blendFunctions[3]));
+    glBlendEquationSeparate(static_cast<GLenum>(_blendEquations[0]), static_cast<GLenum>(_blendEquations[1]));
+    glColorMask(_colorMask[0], _colorMask[1], _colorMask[2], _colorMask[3]);
+    glDepthMask(_depthMask);
+    glClearDepth(static_cast<GLdouble>(_clearDepth));
+    glLineWidth(_lineWidth);
+    glPointSize(_pointSize);
+    glClearStencil(_clearStencil);
+    glDepthFunc(static_cast<GLenum>(_depthFunction));
+    glCullFace(static_cast<GLenum>(_cullFace));
+    glFrontFace(static_cast<GLenum>(_frontFace));
+    glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(_polygonMode));
+    glPrimitiveRestartIndex(static_cast<GLuint>(_restartIndex));
+    glProvokingVertex(static_cast<GLenum>(_provokingVertex));
+    glLogicOp(static_cast<GLenum>(_logicOp));
+    if (_patchVertices > 0)
+        glPatchParameteri(GL_PATCH_VERTICES, _patchVertices);
+    applyUnits();
+    glBindVertexArray(renamed(CurrentContext::Kind::VertexArray, _vertexArray));
+    setCurrentProgram(std::exchange(s_pProgramBefore, nullptr));
+    glUseProgram(renamed(CurrentContext::Kind::Program, _program));
+}
+
+} // namespace gui::gl
