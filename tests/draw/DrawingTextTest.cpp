@@ -1,6 +1,7 @@
 #include "Coverage.h"
 #include "support/OffscreenGL.h"
 
+#include <gui/Texture.h>
 #include <gui/draw/Labels.h>
 #include <gui/gl/FrameLedger.h>
 
@@ -13,6 +14,7 @@
 #include <numbers>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -551,6 +553,39 @@ TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)
     EXPECT_FALSE(Labels::findRoom(shape, {20, 15, 80, 35}));
     EXPECT_FALSE(Labels::findRoom({}, {0, 0, 1, 1}) || Labels::findRoom(shape, {0, 0, 0, 60}) ||
                  Labels::findRoom(shape, {0, 0, std::numeric_limits<double>::infinity(), 60}));
+}
+
+// A layer that has moved stands at fractions of pixels that a new one would not; its programs, tables, pictures of glyphs
+// and images are to be there again.
+TEST_F(DrawingTextTest, ADrawingIsThereAgainToThePixelAfterALoss)
+{
+    Drawing drawing;
+    drawing.fill(Path().addCircle({300, 300}, 200), LinearGradient{{0, 0}, {0, 600}, {{0, "#f0e0c0"}, {1, "#806040"}}});
+    drawing.stroke(Path().moveTo({10, 10}).lineTo({900, 700}).lineTo({20, 800}), {.width = 9, .dashes = {30, 20}},
+                   "#205080");
+    drawing.text({100, 400}, "Sphinx of black quartz", {.size = 14});
+    drawing.text({100, 500}, "judge my vow", {.size = 150, .halo = {.width = 4}});
+    const std::array<td::Color, 4> pixels{td::Color(255, 0, 0, 255), td::Color(0, 255, 0, 90),
+                                          td::Color(0, 0, 255, 255), td::Color(0, 0, 0, 0)};
+    drawing.image({600, 100, 900, 333}, Image(2, 2, pixels));
+    for (int i = 0; i < 2; ++i)
+    {
+        for (const double x : {0.0, 17.0, 17.0 + 1.0 / 4096, 40.0 + 1.0 / 4096})
+            drawn(drawing, Affine::translation(x, -x));
+        const auto picture = [&]
+        {
+            clear({255, 255, 255});
+            EXPECT_TRUE(drawing.draw(Affine::translation(40.0 + 1.0 / 4096, -40.0 - 1.0 / 4096)));
+            gui::Texture pixelsOfFrame;
+            EXPECT_TRUE(context().readPixels(pixelsOfFrame));
+            return std::vector<td::BYTE>(pixelsOfFrame.getBytes(),
+                                         pixelsOfFrame.getBytes() + std::size_t(cTextPicture) * cTextPicture * 3);
+        };
+        const std::vector<td::BYTE> before = picture();
+        ASSERT_TRUE(context().replace());
+        EXPECT_TRUE(picture() == before);
+        drawing.fill(Path().addRect({700, 700, 800, 800}), "#c03020");
+    }
 }
 
 } // namespace

@@ -149,13 +149,13 @@ bool DrawingPainter::fail(const char* reason)
 
 bool DrawingPainter::prepare()
 {
-    if (_programContext != gl::CurrentContext::getID())
+    if (_home.getID() != gl::CurrentContext::getID())
     {
         _programs.clear();
         _pComposite.reset();
         for (gl::Framebuffer& layer : _layers)
             layer.release();
-        _programContext = gl::CurrentContext::getID();
+        _home.set(gl::CurrentContext::getID());
         _isLayerValid = false;
     }
     if (!_pComposite)
@@ -164,6 +164,16 @@ bool DrawingPainter::prepare()
         _pComposite->link();
     }
     return _pComposite->isOK();
+}
+
+// Programs and framebuffers come back by themselves. What a layer shows is drawn again, so that nobody need read it.
+void DrawingPainter::onContext(gl::ContextResource::Event event)
+{
+    if (event == gl::ContextResource::Event::Leaving)
+        for (gl::Framebuffer& layer : _layers)
+            layer.release();
+    _isLayerLost = _isLayerLost || _isLayerValid;
+    _isLayerValid = false;
 }
 
 // One that did not link stays, so that it is not tried in every frame. Where there are many already, one that can do
@@ -390,7 +400,9 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
         if (!_isLayerValid || isChanged || !moveLayer(sight, regions))
         {
             regions = {{0, 0, size.width, size.height}};
-            _sight = sight;
+            // A layer that had moved is where it was, to a fraction of a pixel.
+            if (!_isLayerLost || isChanged || !(sight == _asked))
+                _sight = sight;
         }
         _isLayerValid = false;
         if (!tables.upload() || !glyphs.getPictures().upload() || !glyphs.getColoredPictures().upload())
@@ -411,6 +423,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
             return false;
         _asked = sight;
         _isLayerValid = true;
+        _isLayerLost = false;
     }
     isScissored ? gl::Context::enable(Flag::ScissorTest) : gl::Context::disable(Flag::ScissorTest);
     gl::Context::disable(Flag::DepthTest);

@@ -5,6 +5,7 @@
 #include "ImageStore.h"
 #include "ShapeTables.h"
 
+#include <gui/gl/ContextResource.h>
 #include <gui/gl/Framebuffer.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Quads.h>
@@ -67,6 +68,7 @@ private:
     };
 
     bool prepare();
+    void onContext(gl::ContextResource::Event event);
     bool makeLayer(gl::Framebuffer& layer, td::Size<int> size);
     bool moveLayer(const Sight& sight, std::vector<Region>& regions);
     bool drawRegion(const ShapeTables& tables, DrawList& list, ImageStore& images, const Region& region);
@@ -85,7 +87,10 @@ private:
     Sight _sight; // of the layer, to a fraction of a pixel what was asked for
     Sight _asked;
     bool _isLayerValid = false;
-    gl::CurrentContext::ID _programContext = 0; // where the programs were linked
+    bool _isLayerLost = false; // with its context, since it was last drawn
+    gl::ContextResource _home{[](void* pThis, gl::ContextResource::Event event)
+                              { static_cast<DrawingPainter*>(pThis)->onContext(event); },
+                              this};
     const char* _lastFailure = nullptr;
 };
 

@@ -33,6 +33,7 @@ unsigned int ImageStore::getTexture(std::uint32_t number)
     {
         entry.pTextures = std::make_unique<gl::Textures>();
         entry.contextID = gl::CurrentContext::getID();
+        entry.pTextures->setKeptForRestore(false); // the image is here
         // It takes images that may change, and changes none.
         if (!entry.pTextures->append({const_cast<gui::Texture*>(entry.image._pTexture.get())},
                                      gl::Texture::Type::Tex2D))

@@ -140,7 +140,7 @@ bool PictureAtlas::create()
     glGenTextures(1, &_texture);
     if (_texture == 0 || height > most || cWidth > most)
         return false;
-    _contextID = gl::CurrentContext::getID();
+    _home.set(gl::CurrentContext::getID());
     _textureHeight = height;
     const bool isColored = _format.nBytes == 4;
     glBindTexture(GL_TEXTURE_2D, _texture);
@@ -159,7 +159,7 @@ bool PictureAtlas::create()
 
 bool PictureAtlas::upload()
 {
-    const bool isThere = _contextID == gl::CurrentContext::getID() && _texture != 0;
+    const bool isThere = _home.getID() == gl::CurrentContext::getID() && _texture != 0;
     if (_pages.empty() || (isThere && _patches.empty()))
         return true;
     glActiveTexture(gl::Textures::getZavPosID(gl::Texture::Unit::T9));
@@ -187,15 +187,23 @@ bool PictureAtlas::upload()
 void PictureAtlas::bind(gl::Texture::Unit unit) const
 {
     glActiveTexture(gl::Textures::getZavPosID(unit));
-    glBindTexture(GL_TEXTURE_2D, _contextID == gl::CurrentContext::getID() ? _texture : 0);
+    glBindTexture(GL_TEXTURE_2D, _home.getID() == gl::CurrentContext::getID() ? _texture : 0);
 }
 
 void PictureAtlas::release()
 {
-    gl::CurrentContext::deleteName(_contextID, gl::CurrentContext::Kind::Texture, _texture);
+    _home.deleteName(gl::CurrentContext::Kind::Texture, _texture);
     _texture = 0;
     _textureHeight = 0;
-    _contextID = 0;
+    _home.set(0);
+}
+
+// The pixels are here: the next upload sends them all.
+void PictureAtlas::onContext(gl::ContextResource::Event event)
+{
+    if (event == gl::ContextResource::Event::Restored)
+        _texture = 0;
+    release();
 }
 
 } // namespace gui::draw

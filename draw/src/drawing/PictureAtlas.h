@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gui/gl/CurrentContext.h>
+#include <gui/gl/ContextResource.h>
 #include <gui/gl/Texture.h>
 
 #include <td/Types.h>
@@ -87,6 +87,7 @@ private:
     void copyTo(const Place& place, int width, int height, std::span<const td::BYTE> pixels);
     bool create();
     void release();
+    void onContext(gl::ContextResource::Event event);
 
     Format _format;
     std::vector<Page> _pages;
@@ -96,7 +97,9 @@ private:
     std::uint64_t _now = 1;
     unsigned int _texture = 0;
     int _textureHeight = 0;
-    gl::CurrentContext::ID _contextID = 0;
+    gl::ContextResource _home{[](void* pThis, gl::ContextResource::Event event)
+                              { static_cast<PictureAtlas*>(pThis)->onContext(event); },
+                              this};
 };
 
 } // namespace gui::draw

@@ -23,6 +23,8 @@ public:
     explicit Table(gl::BufferTexture::Format format)
         : _texture(format)
     {
+        // It is here, for a context that is lost as well.
+        _texture.setKeptForRestore(false);
     }
 
     /// @return the first of n records in a row, whose content is undefined
