@@ -4,6 +4,7 @@
 #include "GLDebug.h"
 
 #include "../context/FrameReader.h"
+#include "../context/ResetStatus.h"
 #include "../context/Samples.h"
 #include "../view/ViewHelper.h"
 
@@ -14,14 +15,42 @@
 #include <gui/gl/FrameLedger.h>
 #include <gui/gl/View.h>
 #include <td/Assert.h>
+#include <vo/Log.h>
 
 #include <epoxy/gl.h>
 
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace gui::gl
 {
+
+namespace
+{
+
+// What GUIGL_LOSE_CONTEXT says; 0 for nothing.
+int framesToLoss()
+{
+    static const int nFrames = []
+    {
+        const char* const text = std::getenv("GUIGL_LOSE_CONTEXT");
+        if (text == nullptr || *text == '\0')
+            return 0;
+        const char* const pEnd = text + std::strlen(text);
+        int n = 0;
+        const auto result = std::from_chars(text, pEnd, n);
+        if (result.ec == std::errc() && result.ptr == pEnd && n > 0)
+            return n;
+        vo::dbgLog("Warning! GUIGL_LOSE_CONTEXT=%s is no number above 0 and will be ignored", text);
+        return 0;
+    }();
+    return nFrames;
+}
+
+} // namespace
 
 // Held during every call up into the view. What the view's code asks for in there, that the native view or its surface
 // go away, is done when the last of these calls is over.
@@ -96,16 +125,27 @@ GLView* GLView::createView(View* pView, const td::PointAndSize<double>* pGeometr
     helper.onInit();
     // onInit may have ended the view's life, and so may the log's sink.
     incomplete.pNative = nullptr;
-    if (!pNative->_isReleased && pNative->_isDebugged && pNative->makeCurrentContext())
-        logGLErrors("onInit", pNative->_saidGLErrors);
+    if (!pNative->_isReleased && pNative->makeCurrentContext())
+    {
+        if (pNative->_isDebugged)
+            logGLErrors("onInit", pNative->_saidGLErrors);
+        pNative->keepState();
+    }
     return pNative->_isReleased ? nullptr : pNative;
 }
 
-void GLView::prepareOpenGL()
+void GLView::lookAtContext()
 {
     logGLDebugMessages();
     glGetIntegerv(GL_MAJOR_VERSION, &_majorVersion);
     glGetIntegerv(GL_MINOR_VERSION, &_minorVersion);
+    _contextID = CurrentContext::getID();
+    _tellsResets = tellsResets();
+}
+
+void GLView::prepareOpenGL()
+{
+    lookAtContext();
     _size = _pSurface->getSize();
     updateViewport();
     _screenFrameBufferID = _pSurface->getDefaultFramebuffer();
@@ -285,7 +325,7 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         ~Drawing() { flag = false; }
     } const drawing{_isDrawing = true};
 
-    if (!makeCurrentContext())
+    if (!hasFrameContext())
         return;
     updateScreenFramebuffer();
     if (_continuousRender && !ViewHelper(_pCppView).prepareNextFrame())
@@ -303,6 +343,8 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         _pPicture = nullptr;
     if (_isDebugged)
         logGLErrors("onDraw", _saidGLErrors);
+    if (std::exchange(_isStateWanted, false))
+        keepState();
     // A view at rest would never have them.
     if (FrameRecorder::instance().isOn() &&
         FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, _pSurface->getDrawableSize()))
@@ -322,6 +364,94 @@ void GLView::readGrabbedFrame()
     const BoundForReading bound(_screenFrameBufferID, _pSurface->getDrawableSize());
     glReadPixels(0, 0, pTexture->getWidth(), pTexture->getHeight(), GL_RGBA, GL_UNSIGNED_BYTE, pTexture->getBytes());
     ViewHelper(_pCppView).sendAsyncOnFrameRead(pTexture);
+}
+
+// The context's loss.
+
+// Of a GL that answers, what only GL has: for a loss without notice.
+void GLView::keepState()
+{
+    if (_majorVersion > 0)
+        _state.read();
+}
+
+void GLView::loseContext()
+{
+    _isLossWanted = true;
+    reDraw();
+}
+
+// @return whether there is a context to draw the frame in: the view's, or another in its place
+bool GLView::hasFrameContext()
+{
+    if (_isContextLost)
+        return replaceContext(false);
+    if (!makeCurrentContext())
+        return _pSurface != nullptr && _pSurface->isContextLost() && replaceContext(false);
+    if (_tellsResets && isReset())
+        return replaceContext(false);
+    const int nFrames = framesToLoss();
+    if (nFrames > 0 && ++_nFramesToLoss > nFrames)
+    {
+        _nFramesToLoss = 1;
+        _isLossWanted = true;
+    }
+    return !std::exchange(_isLossWanted, false) || replaceContext(true);
+}
+
+bool GLView::replaceContext(bool works)
+{
+    contextLost(works);
+    if (_pSurface == nullptr || _pCppView == nullptr)
+        return false;
+    // A host's surface has one context; all in it is made anew then.
+    if (!_pSurface->replaceContext() && !(works && makeCurrentContext()))
+    {
+        if (!std::exchange(_isFailureSaid, true))
+            vo::dbgLog("ERROR! GLView has no other GL context for the lost one, and draws nothing until it has");
+        return false;
+    }
+    contextReplaced();
+    return _pCppView != nullptr && makeCurrentContext();
+}
+
+void GLView::contextLost(bool works)
+{
+    if (_pCppView == nullptr || std::exchange(_isContextLost, true))
+        return;
+    const Busy busy(*this);
+    _lossTime = std::chrono::steady_clock::now();
+    if (works)
+    {
+        keepState();
+        CurrentContext::retire();
+    }
+    else
+    {
+        vo::dbgLog("Warning! GLView lost its GL context without notice, as after a reset of the GPU");
+        ContextState::keepProgram();
+        CurrentContext::set(nullptr);
+    }
+    ViewHelper(_pCppView).onContextLost();
+}
+
+void GLView::contextReplaced()
+{
+    if (_pCppView == nullptr || !std::exchange(_isContextLost, false))
+        return;
+    const Busy busy(*this);
+    const CurrentContext::ID lost = _contextID;
+    lookAtContext();
+    CurrentContext::restoreFrom(lost);
+    _state.apply();
+    _viewport = {};
+    updateViewport();
+    updateScreenFramebuffer();
+    ViewHelper(_pCppView).activateScreenFB();
+    _isFailureSaid = false;
+    ViewHelper(_pCppView).onContextRestored();
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - _lossTime;
+    vo::dbgLog("GLView has another GL context, and what was in the lost one is there again (%.0f ms)", time.count());
 }
 
 // The frame clock.

@@ -1,16 +1,19 @@
 #pragma once
 
+#include "../gpu/ContextState.h"
 #include "FrameRecorder.h"
 
 #include <gui/Cursor.h>
 #include <gui/InputDevice.h>
 #include <gui/gl/Context.h>
+#include <gui/gl/CurrentContext.h>
 #include <gui/gl/port/NativeSurface.h>
 #include <gui/gl/port/PixelFormat.h>
 #include <td/Export.h>
 #include <td/PointAndSize.h>
 #include <td/RectNormalized.h>
 
+#include <chrono>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -63,12 +66,15 @@ public:
     void onText(const TextEvent& event) override;
     void onComposition(const CompositionEvent& event) override;
     void onFocus(bool hasFocus) override;
+    void contextLost(bool works) override;
+    void contextReplaced() override;
     bool acceptsFirstResponder() const override;
     std::uint64_t getTrackingOptions() const override;
 
     // The library's view's side.
     bool makeCurrentContext();
     bool beginFrame();
+    void loseContext();
     void setContinuousMode(bool isContinuous);
     void setGrabFrameBuffer(gui::Texture* pTexture) { _pGrabFrameTexture = pTexture; }
     void registerFocusEvents() { _sendFocusEvents = true; }
@@ -103,6 +109,10 @@ private:
     ~GLView() override;
 
     void prepareOpenGL();
+    void lookAtContext();
+    void keepState();
+    bool hasFrameContext();
+    bool replaceContext(bool works);
     void updateScreenFramebuffer();
     bool updateViewport();
     bool updateGeometry();
@@ -142,6 +152,15 @@ private:
     int _nBusy = 0;
     unsigned int _saidGLErrors = 0;
     FrameRecorder::Recording _recording;
+    gui::gl::CurrentContext::ID _contextID = 0;
+    ContextState _state; // as GL had it when it was looked at last
+    int _nFramesToLoss = 0;
+    bool _isStateWanted = true; // of the frame to come
+    bool _tellsResets = false;
+    bool _isLossWanted = false;
+    bool _isContextLost = false; // and the view was told
+    bool _isFailureSaid = false; // to have another one
+    std::chrono::steady_clock::time_point _lossTime;
     int _majorVersion = 0;
     int _minorVersion = 0;
     td::Size<double> _size; // the last that the view was told

@@ -165,7 +165,7 @@ const HostWidget* HostedView::widgetOf(const gui::NativeView* pClockedView)
 
 bool HostedView::makeCurrent()
 {
-    if (_widget.getContext() == nullptr || !_widget.makeContextCurrent())
+    if (_isContextLost || _widget.getContext() == nullptr || !_widget.makeContextCurrent())
         return false;
     CurrentContext::set(_widget.getContext());
     return true;
@@ -203,9 +203,10 @@ void HostedView::begin()
 {
     if (std::exchange(_isBegun, true))
     {
-        vo::dbgLog("Error! %s has another GL context, and its view is of the first one", _widget.getName());
+        goOn();
         return;
     }
+    _pContext = _widget.getContext();
     takeOver();
     _size = _widget.getSize();
     _scale = _widget.getBackingScale();
@@ -223,6 +224,36 @@ void HostedView::begin()
     if (*_pClient != nullptr && _widget.isShown())
         enter();
     _isBound = false;
+    CurrentContext::set(nullptr);
+}
+
+void HostedView::contextLost()
+{
+    if (!_isBegun || _isEnded || _isContextLost)
+        return;
+    const bool works = _widget.getContext() == _pContext && makeCurrent();
+    if (*_pClient != nullptr)
+        (*_pClient)->contextLost(works);
+    _isContextLost = true;
+    CurrentContext::died(_pContext);
+    CurrentContext::set(nullptr);
+}
+
+// In another context that is the widget's now.
+void HostedView::goOn()
+{
+    if (_isEnded || (!_isContextLost && _widget.getContext() == _pContext))
+        return;
+    contextLost();
+    _isContextLost = false;
+    _pContext = _widget.getContext();
+    if (*_pClient != nullptr && makeCurrent())
+    {
+        takeOver();
+        (*_pClient)->contextReplaced();
+        _isBound = false;
+        _widget.requestPaint();
+    }
     CurrentContext::set(nullptr);
 }
 
@@ -313,7 +344,6 @@ void HostedView::end()
 {
     if (!_isBegun || std::exchange(_isEnded, true))
         return;
-    const void* const pContext = _widget.getContext();
     if (*_pClient != nullptr)
     {
         makeCurrent();
@@ -321,8 +351,8 @@ void HostedView::end()
     }
     if (_pSurface != nullptr)
         _pSurface->detach();
-    if (pContext != nullptr)
-        CurrentContext::died(pContext);
+    if (!_isContextLost)
+        CurrentContext::died(_pContext);
     CurrentContext::set(nullptr);
 }
 

@@ -72,6 +72,12 @@ void makeCurrentContext(const gui::gl::View* pView)
         pNative->makeCurrentContext();
 }
 
+void loseContext(const gui::gl::View* pView)
+{
+    if (GLView* const pNative = nativeView(pView))
+        pNative->loseContext();
+}
+
 void reRender(const gui::gl::View* pView)
 {
     if (GLView* const pNative = nativeView(pView))

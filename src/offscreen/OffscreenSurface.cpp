@@ -38,6 +38,8 @@ public:
     bool isOk() const { return _context.isOk(); }
 
     bool makeCurrent() override { return _context.makeCurrent(); }
+    bool isContextLost() const override { return _context.isGone(); }
+    bool replaceContext() override { return _context.replace(); }
     void flush() override { glFlush(); }
     td::Size<double> getSize() const override { return _drawable.size; }
     float getBackingScale() const override { return _drawable.scale; }

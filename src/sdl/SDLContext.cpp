@@ -54,6 +54,15 @@ SDL_Window* createWindow(const td::Size<int>& size)
                             cWindowFlags);
 }
 
+// One that tells of resets where the driver has such contexts.
+SDL_GLContext createContext(SDL_Window* pWindow)
+{
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION, SDL_GL_CONTEXT_RESET_LOSE_CONTEXT);
+    const SDL_GLContext context = SDL_GL_CreateContext(pWindow);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION, SDL_GL_CONTEXT_RESET_NO_NOTIFICATION);
+    return context != nullptr ? context : SDL_GL_CreateContext(pWindow);
+}
+
 // One that may have been shown.
 void destroyWindow(SDL_Window* pWindow)
 {
@@ -132,7 +141,7 @@ std::unique_ptr<SDLContext> SDLContext::tryToCreate(const PixelFormatSizes& size
     SDL_Window* const pWindow = createWindow(size);
     if (pWindow == nullptr)
         return nullptr;
-    const SDL_GLContext context = SDL_GL_CreateContext(pWindow);
+    const SDL_GLContext context = createContext(pWindow);
     if (context == nullptr)
     {
         SDL_DestroyWindow(pWindow);
@@ -144,12 +153,33 @@ std::unique_ptr<SDLContext> SDLContext::tryToCreate(const PixelFormatSizes& size
     return std::unique_ptr<SDLContext>(new SDLContext(pWindow, context, sizes));
 }
 
-SDLContext::~SDLContext()
+void SDLContext::destroyContext()
 {
+    if (_context == nullptr)
+        return;
     if (SDL_GL_GetCurrentContext() == _context)
         SDL_GL_MakeCurrent(nullptr, nullptr);
     CurrentContext::died(_context);
-    SDL_GL_DeleteContext(_context);
+    SDL_GL_DeleteContext(std::exchange(_context, nullptr));
+}
+
+bool SDLContext::replace()
+{
+    destroyContext();
+    setAttributes(_sizes);
+    _context = createContext(_pWindow);
+    if (_context == nullptr)
+        return false;
+    CurrentContext::set(_context);
+    _id = CurrentContext::getID();
+    _isLost = false;
+    SDL_GL_SetSwapInterval(0);
+    return true;
+}
+
+SDLContext::~SDLContext()
+{
+    destroyContext();
     destroyWindow(_pWindow);
     if (_pHiddenWindow != nullptr)
         SDL_DestroyWindow(_pHiddenWindow);
@@ -201,6 +231,8 @@ bool SDLContext::beginFrame() { return bind(_pWindow); }
 
 bool SDLContext::bind(SDL_Window* pWindow)
 {
+    if (_context == nullptr)
+        return false;
     // SDL does nothing for the context that it made current last; somebody else may have made another one current
     // since.
     if (CurrentContext::getID() != _id && SDL_GL_GetCurrentContext() == _context)

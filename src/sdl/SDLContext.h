@@ -33,6 +33,10 @@ public:
     /// The same, to draw what the window presents next.
     bool beginFrame();
 
+    /// Makes another context on the same window in the place of this one, which is destroyed, and makes it current.
+    /// @return false when there is none to be had
+    bool replace();
+
     /// The window has another size, or was shown: what is drawn next goes into buffers that fit. As makeCurrent.
     bool renewBuffers();
 
@@ -53,6 +57,7 @@ private:
     static std::unique_ptr<SDLContext> tryToCreate(const PixelFormatSizes& sizes, const td::Size<int>& size);
     bool bind(SDL_Window* pWindow);
     void unbind();
+    void destroyContext();
     SDL_Window* createAnotherWindow(const td::Size<int>& size) const;
 
     PixelFormatSizes _sizes;

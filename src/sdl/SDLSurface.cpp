@@ -33,6 +33,7 @@ public:
 
     bool makeCurrent() override { return _pContext->makeCurrent(); }
     bool beginFrame() override { return _pContext->beginFrame(); }
+    bool replaceContext() override { return _pContext->replace(); }
     void flush() override { SDL_GL_SwapWindow(window()); }
 
     td::Size<double> getSize() const override

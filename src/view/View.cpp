@@ -99,6 +99,8 @@ unsigned int View::linkProgram(const char* vertexResID, const char* fragmentResI
     return Program::_link(vertexResID, fragmentResID, nullptr, nullptr, nullptr);
 }
 
+void View::loseContext() const { zav::loseContext(this); }
+
 void View::readFrameFrameBuffer(gui::Texture& texture, const std::function<void()>& callback)
 {
     constexpr int cBytesPerPixel = 4;
@@ -145,6 +147,10 @@ double View::getZoom() const { return 1.0; }
 void View::onInit() {}
 
 void View::cleanResources() {}
+
+void View::onContextLost() {}
+
+void View::onContextRestored() {}
 
 void View::onZoomChanged() {}
 

@@ -28,10 +28,14 @@ public:
     void setPixelHiDPISizeScale(float scale) { _pView->setPixelHiDPISizeScale(scale); }
     void setContRenderMode(bool isContinuous) { _pView->_isContRenderMode = isContinuous; }
 
+    void activateScreenFB() { _pView->activateScreenFB(); }
+
     void onInit() { _pView->onInit(); }
     bool prepareNextFrame() { return _pView->_prepareNextFrame(); }
     void onDraw(const td::RectNormalized<double>& rect) { _pView->onDraw(rect); }
     void onResize(const td::Size<double>& size) { _pView->onResize(size); }
+    void onContextLost() { _pView->onContextLost(); }
+    void onContextRestored() { _pView->onContextRestored(); }
     void cleanResources() { _pView->cleanResources(); }
 
     bool onZoom(const InputDevice& device) { return _pView->onZoom(device); }

@@ -142,10 +142,40 @@ void GLWorld::changeContext(Input& input)
         makeCurrent(what);
     else if (what == 4)
         endContext(1 + input.below(cContexts));
-    else if (what == 5 && _current != 0)
+    else if (what == 5 && _current != 0 && input.below(2) == 0)
         gui::gl::Program::useNone();
+    else if (what == 5 && _current != 0)
+        replaceContext(input);
     else
         _gl.refuseNth(1 + input.below(5));
+}
+
+// All that is in the current context is in another one afterwards, made for it.
+void GLWorld::replaceContext(Input& input)
+{
+    _gl.refuseNth(0);
+    const unsigned int old = _current, other = old % cContexts + 1;
+    endContext(other);
+    const CurrentContext::ID lost = CurrentContext::getID();
+    if (input.below(2) == 0)
+    {
+        CurrentContext::retire();
+        require(_gl.nAlive(old) == 0, "nothing stays in a context that was retired");
+    }
+    CurrentContext::died(&_handles[old]);
+    _gl.destroy(old);
+    _isAlive[old] = false;
+    makeCurrent(other);
+    CurrentContext::restoreFrom(lost);
+    for (BufferSlot& slot : _buffers)
+        if (slot.context == old && !slot.isCommitted)
+            slot.context = 0;
+    forEachSlot(
+        [old, other](auto& slot)
+        {
+            if (slot.context == old)
+                slot.context = other;
+        });
 }
 
 void GLWorld::changeBuffer(Input& input)

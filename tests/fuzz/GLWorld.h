@@ -71,6 +71,7 @@ private:
     void doNext(Input& input);
     void changeContext(Input& input);
     void endContext(unsigned int context);
+    void replaceContext(Input& input);
     void makeCurrent(unsigned int context);
     void changeBuffer(Input& input);
     void initBuffer(BufferSlot& slot, Input& input);

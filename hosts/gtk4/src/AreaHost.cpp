@@ -49,10 +49,15 @@ void AreaHost::fail(const char* why)
     g_error_free(pError);
 }
 
-// Contexts of a display are bound to no window, so that this one stays when the area goes to another.
+// Contexts of a display are bound to no window, so that this one stays when the area goes to another on it.
 GdkGLContext* AreaHost::createContext()
 {
     GError* pError = nullptr;
+    if (_pContext != nullptr && gdk_gl_context_get_display(_pContext) != gtk_widget_get_display(_pWidget))
+    {
+        _view.contextLost();
+        g_clear_object(&_pContext);
+    }
     for (const int major : {4, 3})
     {
         if (_pContext != nullptr || (major == 4 && !_is41))

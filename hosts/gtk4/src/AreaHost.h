@@ -52,7 +52,7 @@ private:
     GtkGLArea* _pArea;
     GtkWidget* _pWidget;
     bool _is41;
-    GdkGLContext* _pContext = nullptr; // from the first one on for the life of the area
+    GdkGLContext* _pContext = nullptr; // for as long as the area is on its display
     gui::gl::HostedView _view;
     GtkInput _input;
     bool _isClosed = false;

@@ -74,7 +74,7 @@ void ViewHost::initialize()
         return;
     }
     QObject::disconnect(_connection);
-    _connection = QObject::connect(pContext, &QOpenGLContext::aboutToBeDestroyed, [this] { close(); });
+    _connection = QObject::connect(pContext, &QOpenGLContext::aboutToBeDestroyed, [this] { _view.contextLost(); });
     _view.begin();
 }
 

@@ -1,6 +1,7 @@
 // What a program of GTK's does with its widgets.
 
 #include "DesktopTest.h"
+#include "KeptView.h"
 
 #include <gui/Clipboard.h>
 #include <gui/Texture.h>
@@ -82,6 +83,35 @@ TEST_F(ViewAreaTest, AWidgetMovesFromWindowToWindow)
     EXPECT_FALSE(log.said("Error"));
     gtk_window_destroy(pSecond);
     g_object_unref(pArea);
+}
+
+// A context is of a display: on another one there is another.
+TEST_F(ViewAreaTest, AWidgetThatMovesToAnotherDisplayShowsTheSame)
+{
+    GdkDisplay* const pFirst = gdk_display_get_default();
+    GdkDisplay* const pSecond = gdk_display_open(gdk_display_get_name(pFirst));
+    ASSERT_NE(pSecond, nullptr);
+    KeptView kept;
+    show(pWindow, gui::gtk::newViewArea(
+                      [&kept]
+                      {
+                          kept.create();
+                          return &kept;
+                      }));
+    ASSERT_TRUE(waitInLoop([&] { return kept.nFrames > 0; }));
+    const std::vector<td::BYTE> before = kept.picture();
+    for (int i = 1; i <= 6; ++i)
+    {
+        const int nFrames = kept.nFrames;
+        gtk_window_set_display(pWindow, i % 2 == 1 ? pSecond : pFirst);
+        EXPECT_TRUE(waitInLoop([&] { return kept.nFrames > nFrames && kept.nContexts > i; })) << i;
+        EXPECT_TRUE(kept.picture() == before) << i;
+    }
+    kept.loseContext(); // in the context that the widget has
+    EXPECT_TRUE(kept.picture() == before);
+    EXPECT_EQ(kept.nContexts, 8);
+    EXPECT_FALSE(log.said("Error"));
+    gtk_window_set_child(pWindow, nullptr);
 }
 
 TEST_F(ViewAreaTest, ViewAndWidgetGoInAnyOrder)

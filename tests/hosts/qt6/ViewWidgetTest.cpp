@@ -1,6 +1,7 @@
 // What a program of Qt's does with its widgets.
 
 #include "DesktopTest.h"
+#include "KeptView.h"
 
 #include <gui/Clipboard.h>
 #include <gui/ZavObject.h>
@@ -78,6 +79,40 @@ TEST_F(ViewWidgetTest, AWidgetMovesFromWindowToWindow)
     EXPECT_TRUE(showsItsFrame(view));
     EXPECT_FALSE(view.isWrong);
     EXPECT_EQ(view.nCleanUps, 0);
+    EXPECT_FALSE(log.said("Error"));
+}
+
+// Without sharing Qt gives a widget that moves another context.
+TEST_F(ViewWidgetTest, AWidgetWhoseContextIsReplacedShowsTheSame)
+{
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts, false);
+    KeptView kept;
+    auto* const pWidget = new ViewWidget(
+        [&kept]
+        {
+            kept.create();
+            return &kept;
+        });
+    QMainWindow windows[2];
+    for (QMainWindow& window : windows)
+        window.resize(200, 150);
+    windows[0].setCentralWidget(pWidget);
+    windows[0].show();
+    windows[1].show();
+    ASSERT_TRUE(waitInLoop([&] { return kept.nFrames > 0; }));
+    const std::vector<td::BYTE> before = kept.picture();
+    for (int i = 1; i <= 6; ++i)
+    {
+        const int nFrames = kept.nFrames;
+        windows[i % 2].setCentralWidget(windows[(i + 1) % 2].takeCentralWidget());
+        pWidget->show();
+        EXPECT_TRUE(waitInLoop([&] { return kept.nFrames > nFrames && kept.nContexts > i; })) << i;
+        EXPECT_TRUE(kept.picture() == before) << i;
+    }
+    kept.loseContext(); // in the context that the widget has
+    EXPECT_TRUE(kept.picture() == before);
+    EXPECT_EQ(kept.nContexts, 8);
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     EXPECT_FALSE(log.said("Error"));
 }
 

@@ -91,10 +91,16 @@ public:
     /// The widget of the view that a frame clock runs for; null for one that is in none. For a host's display rates.
     static const HostWidget* widgetOf(const gui::NativeView* pClockedView);
 
-    /// The widget has its context, which is current: the view is made on it. A second call, for another context, makes
-    /// none ("Error! NAME has another GL context, and its view is of the first one").
+    /// The widget has its context, which is current: the view is made on it. A later call is for another context that
+    /// has taken the first one's place, whether contextLost was called or not: the view goes on in it, and the next
+    /// frame is the picture before (see View). With the same context it is nothing.
     void begin();
-    bool hasBegun() const { return _isBegun; }
+    /// Whether the view is made, on a context that the widget still has.
+    bool hasBegun() const { return _isBegun && !_isContextLost; }
+    /// The widget's context is about to go and the widget is not: it will have another one, for which begin is called
+    /// again. Until then the view draws nothing. To be called while the context still works, if that can be: toolkits
+    /// share what is in contexts, and it would stay. Nothing before begin and after end.
+    void contextLost();
     /// For toolkits that switch the depth test on or off when they prepare a paint: to be called before they do. What
     /// it is by then it is again in begin and in paint.
     void keepDepthTest();
@@ -103,8 +109,8 @@ public:
     void paint();
     /// The widget is shown from now on, or hidden.
     void setVisible(bool isVisible);
-    /// The context is about to go, or the widget is: to be called while the widget still answers. The view goes on
-    /// without a native side. Nothing when it was called before.
+    /// The widget is about to go: to be called while it still answers. The view goes on without a native side. Nothing
+    /// when it was called before.
     void end();
 
     /// Hands input to the view, with its context current, as in a window of the library's own.
@@ -123,6 +129,7 @@ private:
     void reportSamples() const;
     void enter();
     void followGeometry();
+    void goOn();
 
     // The clock's side.
     void release() override {}
@@ -149,8 +156,10 @@ private:
     td::RectNormalized<double> _caret;
     td::Size<double> _size; // the last that the view was told
     float _scale = 0;
-    int _nTicksAhead = 0; // that no paint has followed
+    int _nTicksAhead = 0;            // that no paint has followed
+    const void* _pContext = nullptr; // that the view is in
     bool _isBegun = false;
+    bool _isContextLost = false;
     bool _isEnded = false;
     bool _isFormatReported = false;
     bool _isTickDue = false;

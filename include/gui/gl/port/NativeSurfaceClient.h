@@ -36,6 +36,14 @@ public:
     /// The window, or the widget, got or lost the keyboard.
     virtual void onFocus(bool hasFocus) = 0;
 
+    /// The surface's context is about to be destroyed, or is gone, and another one will take its place: what is in it is
+    /// forgotten, and no frame is drawn until contextReplaced. A second call is nothing.
+    /// @param works  whether it is current and works; it counts as dead then when this returns. Otherwise the caller
+    ///               tells CurrentContext::died
+    virtual void contextLost(bool works) = 0;
+    /// Another context is there, and current: all that was in the lost one is made anew. Nothing when none was lost.
+    virtual void contextReplaced() = 0;
+
     /// Whether the view takes keys.
     virtual bool acceptsFirstResponder() const = 0;
     /// Which pointer events the view wants, as bits: 0x04 cursor updates, 0x80 always active and 0x200 over what is

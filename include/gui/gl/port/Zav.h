@@ -68,6 +68,9 @@ private:
 /// Makes the view's context current; without one nothing changes.
 GUIGL_API void makeCurrentContext(const gui::gl::View* pView);
 
+/// The context is replaced by another one before the next frame, which is asked for.
+GUIGL_API void loseContext(const gui::gl::View* pView);
+
 /// Marks the native view as needing display.
 GUIGL_API void reRender(const gui::gl::View* pView);
 

@@ -35,8 +35,9 @@ class ViewHost;
 /// callbacks wants View::makeCurrentContext first: Qt makes contexts of its own current between them.
 ///
 /// A widget keeps its context when it is moved to another window, since the library asks Qt to let all contexts share
-/// (Qt::AA_ShareOpenGLContexts, set when it is loaded); a program that takes the attribute back must not move widgets.
-/// The widget may go before the view, which has no native side then, or after it.
+/// (Qt::AA_ShareOpenGLContexts, set when it is loaded). Where Qt gives it another one, in a program that takes the
+/// attribute back for instance, the view goes on in that: see gui::gl::View. The widget may go before the view, which
+/// has no native side then, or after it.
 class GUIGL_API ViewWidget : public QOpenGLWidget
 {
 public:
