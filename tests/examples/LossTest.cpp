@@ -1,13 +1,22 @@
 #include "SlowScenes.h"
+#include "World.h"
 #include "support/CapturedLog.h"
+#include "support/Thorough.h"
 
 #include <gallery/PictureStage.h>
 #include <gallery/Scenes.h>
+#include <globe/GlobeView.h>
+#include <worldmap/MapView.h>
 
+#include <gui/Application.h>
 #include <gui/Texture.h>
+#include <gui/Window.h>
 #include <gui/gl/OffscreenContext.h>
+#include <gui/gl/port/Zav.h>
 
+#include <cstddef>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace
@@ -54,6 +63,39 @@ TEST(LossTest, EveryScenesPictureIsTheSameInSixtyContexts)
         }
     }
     EXPECT_GE(nLosses, 60);
+}
+
+void looksTheSameAfterLosses(gui::gl::View& view)
+{
+    constexpr int cLosses = test::cIsThorough ? 30 : 6;
+    const auto picture = [&view]
+    {
+        gui::Texture image;
+        EXPECT_TRUE(zav::drawInto(&view, image));
+        return std::vector<td::BYTE>(image.getBytes(),
+                                     image.getBytes() + std::ptrdiff_t(3) * image.getWidth() * image.getHeight());
+    };
+    std::ignore = picture(); // what is made in the first frame is there
+    const std::vector<td::BYTE> before = picture();
+    for (int i = 0; i < cLosses; ++i)
+    {
+        view.loseContext();
+        EXPECT_TRUE(picture() == before) << i;
+    }
+}
+
+// Views of whole applications, in windows.
+TEST(LossTest, AMapAndAGlobeLookTheSameAfterEachLoss)
+{
+    gui::Application app{0, nullptr};
+    gui::Window window("Map", {500, 300});
+    worldmap::MapView map(window, test::world());
+    ASSERT_TRUE(window.show(map));
+    looksTheSameAfterLosses(map);
+    gui::Window second("Globe", {400, 300});
+    globe::GlobeView globe(&second);
+    ASSERT_TRUE(globe.isOk() && second.show(globe));
+    looksTheSameAfterLosses(globe);
 }
 
 } // namespace
