@@ -234,4 +234,21 @@ void TimeTicks::placeMinor(const Step& step, std::vector<double>& minor) const
     }
 }
 
+std::string TimeTicks::describe(const Scale& scale, double time, double difference)
+{
+    if (!(std::abs(time) < 5e11))
+        return Ticks::format(time, 0);
+    const int places = difference < 1 ? placesOfSeconds(std::max(difference, 1e-6)) : 0;
+    const double unit = std::pow(10, -places), local = std::round(TimeZone(scale.zone).toLocal(time) / unit) * unit;
+    const double days = std::floor(local / cDayLength), second = local - days * cDayLength;
+    const Date date = dateOf(days);
+    std::string text = print("%u %s %d", date.day, cMonthNames[date.month - 1], date.year);
+    const int whole = static_cast<int>(second);
+    if (difference < cDayLength)
+        text += print(" %02d:%02d", whole / 3600, whole / 60 % 60);
+    if (difference < 60)
+        text += print(":%0*.*f", places > 0 ? places + 3 : 2, places, second - whole / 60 * 60);
+    return text;
+}
+
 } // namespace gui::draw

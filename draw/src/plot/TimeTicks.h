@@ -27,6 +27,8 @@ public:
     /// The step whose labels are about as many as wanted, or that of a length. Never more than 1000 labels.
     std::vector<Step> stepsFor(double wanted) const;
     static std::vector<Step> allSteps();
+    /// A time in words, to a second or a part of it where a difference asks for that.
+    static std::string describe(const Scale& scale, double time, double difference);
 
     void place(const Step& step, std::vector<Ticks::Tick>& ticks) const;
     void placeMinor(const Step& step, std::vector<double>& minor) const;

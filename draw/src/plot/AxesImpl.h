@@ -1,0 +1,95 @@
+#pragma once
+
+#include "AxisMap.h"
+#include "PlotScene.h"
+#include "PlotTexts.h"
+#include "SeriesGeometry.h"
+
+#include <gui/draw/Axes.h>
+
+namespace gui::draw
+{
+
+/// What axes draw on.
+struct PlotPaper
+{
+    const PlotStyle& style;
+    PlotScene& scene;
+    PlotTexts& texts;
+    SeriesGeometry& geometry;
+    double scale = 1; ///< pixels per point
+};
+
+/// Axes, and what is kept of them between frames.
+struct Axes::Impl
+{
+    /// An axis with its ticks.
+    struct Side
+    {
+        Axis axis;
+        Ticks ticks;
+        Ticks::Range range{0, 0}; // that these ticks are for
+        double length = 0;
+        Scale scale;
+        double distance = 0;
+        double labelSize = 0;
+    };
+    /// Which axes something is about, by bits.
+    static constexpr unsigned int cX = 1, cY = 2, cRight = 4;
+
+    bool hasRight() const;
+    const Axis& yOf(const Series& shown) const { return shown.getStyle().isOnRight ? right.axis : y.axis; }
+
+    /// Puts the range of what is there to an axis' state, together with that of others that share it.
+    void collect(unsigned int which);
+    /// Takes over what was collected. @return whether a range has changed
+    void apply(unsigned int which);
+
+    /// Draws all of it. @param frame  in points
+    void draw(const Rect& frame, const PlotPaper& paper);
+    /// Draws what the pointer shows. @param axes  that this is of
+    void drawOverlay(const PlotPaper& paper, Point pointer, const Axes& axes);
+
+    void layOut(const Rect& frame, const PlotPaper& paper);
+    void makeTicks(Side& side, bool isX, double length, const PlotPaper& paper);
+    void drawGrid(const PlotPaper& paper);
+    void drawSeries(const PlotPaper& paper);
+    void drawFrame(const PlotPaper& paper);
+    void drawTickTexts(const PlotPaper& paper);
+    void drawTitles(const PlotPaper& paper);
+    void drawLegend(const PlotPaper& paper);
+    void drawSample(const Series& shown, const Rect& box, const PlotPaper& paper);
+    double coveredBy(const Rect& rect) const;
+    td::Color colorOf(std::size_t number, const PlotStyle& style) const;
+    td::Color colorOf(const Series& shown, const PlotStyle& style) const;
+    std::optional<Hit> findNearest(Point point, double distance) const;
+    AxisMap mapX(double factor) const { return {x.axis, area.left * factor, area.right * factor}; }
+    AxisMap mapY(const Series& shown, double factor) const
+    {
+        return {yOf(shown), area.bottom * factor, area.top * factor};
+    }
+
+    /// What a place in points is on: cX | cY in the area, one of them beside it, 0 elsewhere.
+    unsigned int partAt(Point point) const;
+    bool pan(unsigned int which, double dx, double dy);
+    bool zoom(unsigned int which, double factor, Point about);
+    bool showBox(const Rect& box);
+
+    std::size_t getVersion() const;
+
+    std::vector<std::unique_ptr<Series>> series;
+    Side x, y, right;
+    std::string title;
+    Legend legend = Legend::Auto;
+    Legend shownLegend = Legend::None; // where Auto has put it
+    std::size_t legendVersion = 0;
+    bool isBare = false;
+    bool hasMinorGrid = false;
+    Rect frame;
+    Rect area;
+    double leftWidth = 0, rightWidth = 0; // of the labels there
+    std::size_t ownVersion = 0;
+    std::function<void()> onChange;
+};
+
+} // namespace gui::draw

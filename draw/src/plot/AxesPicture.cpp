@@ -1,0 +1,421 @@
+#include "AxesImpl.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+// In points.
+constexpr double cTick = 5, cMinorTick = 2.5, cLabelGap = 4, cPad = 12, cTitleGap = 6, cFarPad = 18;
+constexpr double cGridPeriod = 5;
+constexpr double cLegendPad = 8, cSampleWidth = 22, cSampleGap = 7, cLegendMargin = 8;
+
+TextStyle labelStyle(const PlotStyle& style)
+{
+    return {.face = style.face, .size = style.labelSize, .paint = style.labels};
+}
+
+TextStyle axisTitleStyle(const PlotStyle& style)
+{
+    return {.face = style.face, .size = style.axisTitleSize, .paint = style.ink};
+}
+
+// As wide as so many points, at least a pixel, on whole pixels about a place.
+struct Hairline
+{
+    double from, to;
+};
+
+Hairline hairline(double place, double width)
+{
+    const double pixels = std::max(std::round(width), 1.0), from = std::round(place - pixels / 2);
+    return {from, from + pixels};
+}
+
+} // namespace
+
+bool Axes::Impl::hasRight() const
+{
+    return std::any_of(series.begin(), series.end(),
+                       [](const auto& pSeries) { return pSeries->getStyle().isOnRight && pSeries->isVisible(); });
+}
+
+td::Color Axes::Impl::colorOf(std::size_t number, const PlotStyle& style) const
+{
+    return style.colors.empty() ? style.ink : style.colors[number % style.colors.size()];
+}
+
+td::Color Axes::Impl::colorOf(const Series& wanted, const PlotStyle& style) const
+{
+    if (wanted.getStyle().color)
+        return *wanted.getStyle().color;
+    std::size_t number = 0;
+    for (const std::unique_ptr<Series>& pSeries : series)
+    {
+        if (pSeries.get() == &wanted)
+            break;
+        number += pSeries->getStyle().color ? 0 : 1;
+    }
+    return colorOf(number, style);
+}
+
+void Axes::Impl::makeTicks(Side& side, bool isX, double length, const PlotPaper& paper)
+{
+    const Axis& axis = side.axis;
+    const Ticks::Range& range = axis.getRange();
+    if (side.range == range && side.length == length && side.scale == axis.getScale() &&
+        side.distance == axis.getTickDistance() && side.labelSize == paper.style.labelSize)
+        return;
+    // While it only moves, its step stays.
+    const Scale& scale = axis.getScale();
+    const double span = scale.toPlace(range.high) - scale.toPlace(range.low);
+    const double before = scale.toPlace(side.range.high) - scale.toPlace(side.range.low);
+    const bool isOnlyMoved = side.length == length && side.scale == scale && side.distance == axis.getTickDistance() &&
+                             std::abs(span - before) < 1e-9 * span;
+    const TextStyle style = labelStyle(paper.style);
+    Ticks::Room room{.length = length, .distance = axis.getTickDistance(), .space = isX ? 14.0 : 4.0};
+    if (isX)
+        room.extentOf = [&](std::string_view label) { return paper.texts.widthOf(label, style); };
+    else
+        room.extentOf = [&](std::string_view) { return PlotTexts::heightOf(style); };
+    side.ticks = Ticks(scale, range, room, isOnlyMoved ? side.ticks.getStep() : 0);
+    side.range = range;
+    side.length = length;
+    side.scale = scale;
+    side.distance = axis.getTickDistance();
+    side.labelSize = paper.style.labelSize;
+}
+
+void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper)
+{
+    const PlotStyle& style = paper.style;
+    const double line = style.labelSize * 1.25, titleLine = style.axisTitleSize * 1.35;
+    const bool isResized = !(frame == newFrame);
+    frame = newFrame;
+    const auto snap = [&paper](double points) { return std::round(points * paper.scale) / paper.scale; };
+    if (isBare)
+    {
+        area = {snap(frame.left), snap(frame.top), snap(frame.right), snap(frame.bottom)};
+        makeTicks(x, true, area.right - area.left, paper);
+        makeTicks(y, false, area.bottom - area.top, paper);
+        return;
+    }
+    const bool isTime = x.axis.getScale().kind == Scale::Kind::Time;
+    double bottom = cPad / 2 + cTick + cLabelGap + line * (isTime ? 2 : 1);
+    bottom += !x.axis.getTitle().empty() ? cTitleGap + titleLine : cPad / 2;
+    const double top = cPad + (title.empty() ? line / 2 : style.titleSize * 1.35 + cTitleGap);
+    area.top = snap(frame.top + top);
+    area.bottom = std::max(snap(frame.bottom - bottom), area.top + 1);
+    const TextStyle labels = labelStyle(style);
+    // As wide as its labels, in steps, so that the area stays where it is while they change.
+    const auto widthOf = [&](Side& side, double& kept)
+    {
+        makeTicks(side, false, area.bottom - area.top, paper);
+        double width = 0;
+        for (const Ticks::Tick& tick : side.ticks.getTicks())
+            width = std::max(width, paper.texts.widthOf(tick.label, labels));
+        width = std::ceil(width / 4) * 4;
+        if (isResized || width > kept || width < kept - 16)
+            kept = width;
+        const double titleWidth = side.axis.getTitle().empty() ? 0 : titleLine + cTitleGap;
+        return cPad + kept + cTick + cLabelGap + titleWidth;
+    };
+    const double left = widthOf(y, leftWidth);
+    const double end = hasRight() ? widthOf(right, rightWidth) : cPad + cFarPad;
+    area.left = snap(frame.left + left);
+    area.right = std::max(snap(frame.right - end), area.left + 1);
+    makeTicks(x, true, area.right - area.left, paper);
+}
+
+void Axes::Impl::drawGrid(const PlotPaper& paper)
+{
+    const double scale = paper.scale, width = paper.style.lineWidth * scale;
+    const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    const auto add = [&](bool isUpright, double place, td::Color color)
+    {
+        const Hairline at = hairline(place, width);
+        const PlotScene::Rect rect = isUpright ? PlotScene::Rect{at.from, pixels.top, at.to, pixels.bottom}
+                                               : PlotScene::Rect{pixels.left, at.from, pixels.right, at.to};
+        if (paper.style.isGridDashed)
+            paper.scene.addDashedRect(rect, cGridPeriod * scale, color);
+        else
+            paper.scene.addRect(rect, color);
+    };
+    const auto addAll = [&](const Side& side, bool isUpright)
+    {
+        if (!side.axis.hasGrid())
+            return;
+        const AxisMap map(side.axis, isUpright ? pixels.left : pixels.bottom, isUpright ? pixels.right : pixels.top);
+        if (hasMinorGrid)
+            for (const double value : side.ticks.getMinor())
+                add(isUpright, map.toPixel(value), paper.style.minorGrid);
+        for (const Ticks::Tick& tick : side.ticks.getTicks())
+            add(isUpright, map.toPixel(tick.value), paper.style.grid);
+    };
+    addAll(x, true);
+    addAll(y, false);
+    if (hasRight())
+        addAll(right, false);
+}
+
+void Axes::Impl::drawSeries(const PlotPaper& paper)
+{
+    const double scale = paper.scale;
+    SeriesGeometry::View view;
+    view.area = {area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    view.pixelsPerPoint = scale;
+    view.x = mapX(scale);
+    for (const std::unique_ptr<Series>& pSeries : series)
+    {
+        view.y = mapY(*pSeries, scale);
+        view.color = colorOf(*pSeries, paper.style);
+        paper.geometry.add(*pSeries, view, paper.scene);
+    }
+}
+
+// The axes' lines, and ticks outwards.
+void Axes::Impl::drawFrame(const PlotPaper& paper)
+{
+    const double scale = paper.scale, width = paper.style.lineWidth * scale;
+    const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    const Hairline level = hairline(pixels.bottom, width);
+    const auto addTicks = [&](const Side& side, bool isUpright, double from, double outwards)
+    {
+        const AxisMap map(side.axis, isUpright ? pixels.left : pixels.bottom, isUpright ? pixels.right : pixels.top);
+        const auto add = [&](double value, double length)
+        {
+            const Hairline at = hairline(map.toPixel(value), width);
+            const double to = from + outwards * length * scale;
+            if (isUpright)
+                paper.scene.addRect({at.from, from, at.to, to}, paper.style.ink);
+            else
+                paper.scene.addRect({std::min(from, to), at.from, std::max(from, to), at.to}, paper.style.ink);
+        };
+        for (const Ticks::Tick& tick : side.ticks.getTicks())
+            add(tick.value, cTick);
+        for (const double value : side.ticks.getMinor())
+            add(value, cMinorTick);
+    };
+    const Hairline left = hairline(pixels.left, width);
+    addTicks(x, true, level.to, 1);
+    addTicks(y, false, left.from, -1);
+    double end = pixels.right;
+    if (hasRight())
+    {
+        const Hairline at = hairline(pixels.right, width);
+        addTicks(right, false, at.to, 1);
+        paper.scene.addRect({at.from, pixels.top, at.to, level.from}, paper.style.ink);
+        end = at.to;
+    }
+    paper.scene.addRect({left.from, pixels.top, left.to, level.from}, paper.style.ink);
+    paper.scene.addRect({left.from, level.from, end, level.to}, paper.style.ink);
+}
+
+void Axes::Impl::drawTickTexts(const PlotPaper& paper)
+{
+    const TextStyle style = labelStyle(paper.style);
+    const double line = paper.style.labelSize * 1.25, below = area.bottom + cTick + cLabelGap;
+    const AxisMap mapOfX = mapX(1);
+    for (const Ticks::Tick& tick : x.ticks.getTicks())
+    {
+        const double at = mapOfX.toPixel(tick.value);
+        paper.texts.add(tick.label, style, {at, below}, Anchor::Top);
+        paper.texts.add(tick.context, style, {at, below + line}, Anchor::Top);
+    }
+    const auto addBeside = [&](const Side& side, double at, Anchor anchor)
+    {
+        const AxisMap map(side.axis, area.bottom, area.top);
+        for (const Ticks::Tick& tick : side.ticks.getTicks())
+            paper.texts.add(tick.label, style, {at, map.toPixel(tick.value)}, anchor);
+    };
+    addBeside(y, area.left - cTick - cLabelGap, Anchor::Right);
+    if (hasRight())
+        addBeside(right, area.right + cTick + cLabelGap, Anchor::Left);
+    // What labels leave out.
+    paper.texts.add(y.ticks.getNote(), style, {area.left - cTick - cLabelGap, area.top - line * 0.7},
+                    Anchor::BottomLeft);
+    if (hasRight())
+        paper.texts.add(right.ticks.getNote(), style, {area.right, area.top - line * 0.7}, Anchor::BottomRight);
+    paper.texts.add(x.ticks.getNote(), style, {frame.right - cPad / 2, below + line}, Anchor::TopRight);
+}
+
+void Axes::Impl::drawTitles(const PlotPaper& paper)
+{
+    const PlotStyle& style = paper.style;
+    const TextStyle axisTitle = axisTitleStyle(style);
+    const double middle = (area.left + area.right) / 2, height = (area.top + area.bottom) / 2;
+    if (!title.empty())
+    {
+        const Typeface face = style.face ? style.face : Typeface::named("sans-serif", {.weight = 600});
+        paper.texts.add(title, {.face = face, .size = style.titleSize, .paint = style.ink}, {middle, frame.top + cPad},
+                        Anchor::Top);
+    }
+    paper.texts.add(x.axis.getTitle(), axisTitle, {middle, frame.bottom - cPad / 2}, Anchor::Bottom);
+    // Upwards along the axis, wherever labels end.
+    paper.texts.add(y.axis.getTitle(), axisTitle, {area.left - cTick - cLabelGap - leftWidth - cTitleGap, height},
+                    Anchor::Bottom, 90);
+    if (hasRight())
+        paper.texts.add(right.axis.getTitle(), axisTitle,
+                        {area.right + cTick + cLabelGap + rightWidth + cTitleGap, height}, Anchor::Bottom, -90);
+}
+
+// How much of a rectangle samples are seen in, from 0 to 1.
+double Axes::Impl::coveredBy(const Rect& rect) const
+{
+    constexpr int cSlices = 8;
+    const AxisMap map = mapX(1);
+    double covered = 0;
+    for (const std::unique_ptr<Series>& pSeries : series)
+    {
+        const Series& s = *pSeries;
+        if (!s.isVisible() || s.size() == 0)
+            continue;
+        const AxisMap heights = mapY(s, 1);
+        if (!s.isSorted())
+        {
+            const std::size_t step = std::max<std::size_t>(1, s.size() / 2000);
+            std::size_t n = 0;
+            for (std::size_t i = s.getFirst(); i < s.size(); i += step)
+            {
+                const double px = map.toPixel(s.getX(i)), py = heights.toPixel(s.getY(i));
+                n += px > rect.left && px < rect.right && py > rect.top && py < rect.bottom ? 1 : 0;
+            }
+            covered += std::min(1.0, static_cast<double>(n * step) / static_cast<double>(s.size()) * 8);
+            continue;
+        }
+        for (int i = 0; i < cSlices; ++i)
+        {
+            const double width = (rect.right - rect.left) / cSlices, left = rect.left + i * width;
+            const auto [first, end] = SeriesGeometry::extentOf(s, map.toValue(left), map.toValue(left + width));
+            const Samples::Range range = s.getYRange(first, end);
+            if (range.isEmpty())
+                continue;
+            const double top = std::max(rect.top, heights.toPixel(range.high) - 3);
+            const double bottom = std::min(rect.bottom, heights.toPixel(range.low) + 3);
+            if (bottom > top)
+                covered += (0.3 + (bottom - top) / (rect.bottom - rect.top)) / cSlices;
+        }
+    }
+    return covered;
+}
+
+// What a series looks like, in the legend.
+void Axes::Impl::drawSample(const Series& s, const Rect& box, const PlotPaper& paper)
+{
+    const SeriesStyle& style = s.getStyle();
+    const double scale = paper.scale, middle = std::round((box.top + box.bottom) / 2 * scale);
+    const td::Color color = colorOf(s, paper.style);
+    const PlotScene::Rect rect{box.left * scale, box.top * scale, box.right * scale, box.bottom * scale};
+    using Kind = Series::Kind;
+    const Kind kind = s.getKind();
+    const PlotScene::Rect swatch{rect.left, middle - 5 * scale, rect.right, middle + 5 * scale};
+    if (kind == Kind::Bars || kind == Kind::Candles)
+        paper.scene.addRect({swatch.left + 5 * scale, swatch.top, swatch.right - 5 * scale, swatch.bottom},
+                            kind == Kind::Bars ? style.fill.value_or(color) : color);
+    if (kind == Kind::Area || kind == Kind::Band)
+        paper.scene.addRect({swatch.left, kind == Kind::Area ? middle : swatch.top, swatch.right, swatch.bottom},
+                            style.fill.value_or(SeriesGeometry::faint(color, 0.28)));
+    if (kind == Kind::Line || kind == Kind::Area || kind == Kind::Steps || kind == Kind::Stems)
+    {
+        std::vector<double> dashes;
+        for (std::size_t i = 0; i < style.dashes.size() * (1 + style.dashes.size() % 2); ++i)
+            dashes.push_back(style.dashes[i % style.dashes.size()] * scale);
+        paper.scene.addLine({{rect.left + scale, middle, rect.right - scale, middle}}, style.width / 2 * scale, color,
+                            dashes);
+    }
+    if (style.marker != Marker::None)
+    {
+        const td::Color fill = s.getColorMap() ? s.getColorMap()->getColor(0.5) : color;
+        paper.scene.addMark(style.marker, (rect.left + rect.right) / 2, middle,
+                            std::clamp(style.markerSize, 5.0, 11.0) * scale, fill, style.edgeWidth * scale,
+                            style.edgeColor);
+    }
+}
+
+void Axes::Impl::drawLegend(const PlotPaper& paper)
+{
+    std::vector<const Series*> shown;
+    const TextStyle style{.face = paper.style.face, .size = paper.style.labelSize, .paint = paper.style.ink};
+    double width = 0;
+    for (const std::unique_ptr<Series>& pSeries : series)
+    {
+        if (!pSeries->isVisible() || pSeries->getStyle().label.empty())
+            continue;
+        shown.push_back(pSeries.get());
+        width = std::max(width, paper.texts.widthOf(pSeries->getStyle().label, style));
+    }
+    if (legend == Legend::None || shown.empty())
+        return;
+    const double line = paper.style.labelSize * 1.55;
+    const td::Size<double> size{std::ceil(width + 2 * cLegendPad + cSampleWidth + cSampleGap),
+                                std::ceil(line * static_cast<double>(shown.size()) + cLegendPad)};
+    const auto placeOf = [&](Legend corner)
+    {
+        const bool isLeft = corner == Legend::TopLeft || corner == Legend::BottomLeft;
+        const bool isTop = corner == Legend::TopLeft || corner == Legend::TopRight;
+        const double left = isLeft ? area.left + cLegendMargin : area.right - cLegendMargin - size.width;
+        const double top = isTop ? area.top + cLegendMargin : area.bottom - cLegendMargin - size.height;
+        return Rect{left, top, left + size.width, top + size.height};
+    };
+    if (legend != Legend::Auto)
+        shownLegend = legend;
+    else if (shownLegend == Legend::None || legendVersion != ownVersion)
+    {
+        double least = std::numeric_limits<double>::infinity();
+        for (const Legend corner : {Legend::TopRight, Legend::TopLeft, Legend::BottomRight, Legend::BottomLeft})
+        {
+            const double covered = coveredBy(placeOf(corner));
+            if (covered < least - 0.02)
+            {
+                least = covered;
+                shownLegend = corner;
+            }
+        }
+        legendVersion = ownVersion;
+    }
+    const Rect box = placeOf(shownLegend);
+    if (box.left < area.left || box.top < area.top || box.bottom > area.bottom)
+        return;
+    const double scale = paper.scale, pixel = std::max(1.0, std::round(scale * 0.75));
+    const PlotScene::Rect pixels{std::round(box.left * scale), std::round(box.top * scale),
+                                 std::round(box.right * scale), std::round(box.bottom * scale)};
+    paper.scene.addRoundRect({pixels.left - pixel, pixels.top - pixel, pixels.right + pixel, pixels.bottom + pixel},
+                             5 * scale, paper.style.grid);
+    paper.scene.addRoundRect(pixels, 4.5 * scale, paper.style.panel);
+    double top = box.top + cLegendPad / 2;
+    for (const Series* pSeries : shown)
+    {
+        const double left = box.left + cLegendPad;
+        drawSample(*pSeries, {left, top, left + cSampleWidth, top + line}, paper);
+        paper.texts.add(pSeries->getStyle().label, style, {left + cSampleWidth + cSampleGap, top + line / 2},
+                        Anchor::Left);
+        top += line;
+    }
+}
+
+void Axes::Impl::draw(const Rect& newFrame, const PlotPaper& paper)
+{
+    layOut(newFrame, paper);
+    const double scale = paper.scale;
+    const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    const PlotScene::Rect everywhere{frame.left * scale, frame.top * scale, frame.right * scale, frame.bottom * scale};
+    paper.scene.setClip(pixels);
+    if (paper.style.area != paper.style.background)
+        paper.scene.addRect(pixels, paper.style.area);
+    if (!isBare)
+        drawGrid(paper);
+    drawSeries(paper);
+    paper.scene.setClip(everywhere);
+    if (isBare)
+        return;
+    drawFrame(paper);
+    drawTickTexts(paper);
+    drawTitles(paper);
+    drawLegend(paper);
+}
+
+} // namespace gui::draw

@@ -1,0 +1,162 @@
+#include <gui/draw/Axis.h>
+
+#include <td/Assert.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+// Doubles tell about 10^15 places of a range apart; less than this part of the distance from zero is not shown.
+constexpr double cFinest = 1e-13;
+constexpr double cLargestPlace = 1e300, cLargestDecade = 305;
+
+} // namespace
+
+Axis::Axis()
+    : _pState(std::make_shared<State>())
+{
+}
+
+Axis::~Axis() = default;
+
+void Axis::setScale(Scale scale)
+{
+    if (_pState->scale == scale)
+        return;
+    _pState->scale = std::move(scale);
+    if (_pState->scale.kind == Scale::Kind::Logarithmic && !(_pState->range.low > 0))
+        _pState->range = {1, 10};
+    ++_pState->version;
+}
+
+const Scale& Axis::getScale() const { return _pState->scale; }
+
+void Axis::setTitle(std::string title)
+{
+    _title = std::move(title);
+    touch();
+}
+
+bool Axis::setPlaces(double low, double high)
+{
+    const bool isLogarithmic = _pState->scale.kind == Scale::Kind::Logarithmic;
+    const double largest = isLogarithmic ? cLargestDecade : cLargestPlace;
+    if (!(low < high) || !(std::abs(low) < largest) || !(std::abs(high) < largest) ||
+        high - low < cFinest * std::max(std::abs(low), std::abs(high)) || (isLogarithmic && high - low < cFinest))
+        return false;
+    const Ticks::Range range{_pState->scale.toValue(low), _pState->scale.toValue(high)};
+    if (!(range.low < range.high))
+        return false;
+    if (range == _pState->range)
+        return true;
+    _pState->range = range;
+    ++_pState->version;
+    return true;
+}
+
+bool Axis::setRange(double low, double high)
+{
+    const double first = _pState->scale.toPlace(low), last = _pState->scale.toPlace(high);
+    if (!setPlaces(first, last))
+        return false;
+    if (!(_pState->range == Ticks::Range{low, high}))
+        _pState->range = {low, high};
+    if (!_pState->isMoved)
+        ++_pState->version;
+    _pState->isMoved = true;
+    return true;
+}
+
+const Ticks::Range& Axis::getRange() const { return _pState->range; }
+
+void Axis::setFit(Fit fit)
+{
+    _pState->fit = fit;
+    _pState->isMoved = false;
+    ++_pState->version;
+}
+
+Axis::Fit Axis::getFit() const { return _pState->fit; }
+
+void Axis::follow(double length)
+{
+    TD_ASSERT(length > 0);
+    _pState->followed = length;
+    setFit(Fit::Follow);
+}
+
+double Axis::getFollowed() const { return _pState->followed; }
+
+bool Axis::isMoved() const { return _pState->isMoved; }
+
+void Axis::release()
+{
+    if (!_pState->isMoved)
+        return;
+    _pState->isMoved = false;
+    ++_pState->version;
+}
+
+void Axis::link(Axis& other)
+{
+    _pState = other._pState;
+    ++_pState->version;
+}
+
+void Axis::setGrid(bool hasGrid)
+{
+    _hasGrid = hasGrid;
+    touch();
+}
+
+void Axis::setTickDistance(double points)
+{
+    _tickDistance = points;
+    touch();
+}
+
+double Axis::toShare(double value) const
+{
+    const Scale& scale = _pState->scale;
+    const double low = scale.toPlace(_pState->range.low);
+    return (scale.toPlace(value) - low) / (scale.toPlace(_pState->range.high) - low);
+}
+
+double Axis::toValue(double share) const
+{
+    const Scale& scale = _pState->scale;
+    const double low = scale.toPlace(_pState->range.low), high = scale.toPlace(_pState->range.high);
+    return scale.toValue(low + share * (high - low));
+}
+
+bool Axis::pan(double share)
+{
+    const Scale& scale = _pState->scale;
+    const double low = scale.toPlace(_pState->range.low), high = scale.toPlace(_pState->range.high);
+    const double distance = share * (high - low);
+    if (distance == 0 || !setPlaces(low + distance, high + distance))
+        return false;
+    _pState->isMoved = true;
+    return true;
+}
+
+bool Axis::zoom(double factor, double share)
+{
+    const Scale& scale = _pState->scale;
+    const double low = scale.toPlace(_pState->range.low), high = scale.toPlace(_pState->range.high);
+    const double middle = low + share * (high - low);
+    if (!(factor > 0) || factor == 1 || !setPlaces(middle - (middle - low) / factor, middle + (high - middle) / factor))
+        return false;
+    _pState->isMoved = true;
+    return true;
+}
+
+std::size_t Axis::getVersion() const { return _pState->version + _ownVersion; }
+
+} // namespace gui::draw

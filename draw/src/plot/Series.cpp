@@ -1,0 +1,349 @@
+#include <gui/draw/Series.h>
+
+#include <td/Assert.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+constexpr double cUnbounded = std::numeric_limits<double>::infinity();
+
+void widenRange(Samples::Range& range, const Samples::Range& other)
+{
+    range.low = std::min(range.low, other.low);
+    range.high = std::max(range.high, other.high);
+}
+
+} // namespace
+
+Series::Series(Kind kind, SeriesStyle style)
+    : _kind(kind)
+    , _style(std::move(style))
+{
+}
+
+Series::~Series() = default;
+Series::Series(Series&& other) noexcept = default;
+Series& Series::operator=(Series&& other) noexcept = default;
+
+Series Series::line(Samples y, SeriesStyle style)
+{
+    Series series(Kind::Line, std::move(style));
+    series._columns.push_back(std::move(y));
+    return series;
+}
+
+Series Series::line(Samples x, Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(y), std::move(style));
+    series._x = std::move(x);
+    series._hasX = true;
+    return series;
+}
+
+Series Series::area(Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(y), std::move(style));
+    series._kind = Kind::Area;
+    return series;
+}
+
+Series Series::area(Samples x, Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(x), std::move(y), std::move(style));
+    series._kind = Kind::Area;
+    return series;
+}
+
+Series Series::band(Samples low, Samples high, SeriesStyle style)
+{
+    Series series(Kind::Band, std::move(style));
+    series._columns.push_back(std::move(low));
+    series._columns.push_back(std::move(high));
+    return series;
+}
+
+Series Series::band(Samples x, Samples low, Samples high, SeriesStyle style)
+{
+    Series series = band(std::move(low), std::move(high), std::move(style));
+    series._x = std::move(x);
+    series._hasX = true;
+    return series;
+}
+
+Series Series::steps(Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(y), std::move(style));
+    series._kind = Kind::Steps;
+    return series;
+}
+
+Series Series::steps(Samples x, Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(x), std::move(y), std::move(style));
+    series._kind = Kind::Steps;
+    return series;
+}
+
+Series Series::stems(Samples y, SeriesStyle style)
+{
+    if (style.marker == Marker::None)
+        style.marker = Marker::Circle;
+    Series series = line(std::move(y), std::move(style));
+    series._kind = Kind::Stems;
+    return series;
+}
+
+Series Series::stems(Samples x, Samples y, SeriesStyle style)
+{
+    Series series = stems(std::move(y), std::move(style));
+    series._x = std::move(x);
+    series._hasX = true;
+    return series;
+}
+
+Series Series::bars(Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(y), std::move(style));
+    series._kind = Kind::Bars;
+    return series;
+}
+
+Series Series::bars(Samples x, Samples y, SeriesStyle style)
+{
+    Series series = line(std::move(x), std::move(y), std::move(style));
+    series._kind = Kind::Bars;
+    return series;
+}
+
+Series Series::scatter(Samples x, Samples y, SeriesStyle style)
+{
+    if (style.marker == Marker::None)
+        style.marker = Marker::Circle;
+    Series series = line(std::move(x), std::move(y), std::move(style));
+    series._kind = Kind::Scatter;
+    return series;
+}
+
+Series Series::candles(Samples x, Samples open, Samples high, Samples low, Samples close, SeriesStyle style)
+{
+    Series series(Kind::Candles, std::move(style));
+    series._x = std::move(x);
+    series._hasX = true;
+    series._columns.push_back(std::move(open));
+    series._columns.push_back(std::move(high));
+    series._columns.push_back(std::move(low));
+    series._columns.push_back(std::move(close));
+    return series;
+}
+
+Series&& Series::setX(double first, double step) &&
+{
+    setX(first, step);
+    return std::move(*this);
+}
+
+Series& Series::setX(double first, double step) &
+{
+    TD_ASSERT(step > 0 && std::isfinite(first) && std::isfinite(step), *this);
+    _start = first;
+    _step = step;
+    changed();
+    return *this;
+}
+
+Series&& Series::withErrors(Samples below, Samples above) &&
+{
+    _below = std::move(below);
+    _above = std::move(above);
+    _hasErrors = true;
+    return std::move(*this);
+}
+
+Series&& Series::withErrors(Samples both) &&
+{
+    std::vector<double> values(both.size());
+    both.read(0, values);
+    _below = Samples(values);
+    _above = std::move(both);
+    _hasErrors = true;
+    return std::move(*this);
+}
+
+Series&& Series::colorBy(Samples values, const ColorMap& map, std::optional<double> low, std::optional<double> high) &&
+{
+    _colorValues = std::move(values);
+    _map = map;
+    _colorLow = low;
+    _colorHigh = high;
+    return std::move(*this);
+}
+
+void Series::changed()
+{
+    ++_version;
+    if (_onChange)
+        _onChange();
+}
+
+void Series::append(double y) { append(std::span<const double>(&y, 1)); }
+
+void Series::append(double x, double y) { append(std::span<const double>(&x, 1), std::span<const double>(&y, 1)); }
+
+void Series::append(std::span<const float> y)
+{
+    TD_ASSERT(!_hasX && _columns.size() == 1);
+    _columns.front().append(y);
+    changed();
+}
+
+void Series::append(std::span<const double> y)
+{
+    TD_ASSERT(!_hasX && _columns.size() == 1);
+    _columns.front().append(y);
+    changed();
+}
+
+void Series::append(std::span<const double> x, std::span<const double> y)
+{
+    TD_ASSERT(_hasX && _columns.size() == 1 && x.size() == y.size());
+    _x.append(x);
+    _columns.front().append(y);
+    changed();
+}
+
+void Series::setLimit(std::size_t n)
+{
+    _x.setLimit(n);
+    for (Samples& column : _columns)
+        column.setLimit(n);
+    changed();
+}
+
+void Series::clear()
+{
+    _x.clear();
+    for (Samples& column : _columns)
+        column.clear();
+    _below.clear();
+    _above.clear();
+    _colorValues.clear();
+    changed();
+}
+
+void Series::setStyle(SeriesStyle style)
+{
+    _style = std::move(style);
+    changed();
+}
+
+void Series::setVisible(bool isVisible)
+{
+    if (_isVisible == isVisible)
+        return;
+    _isVisible = isVisible;
+    changed();
+}
+
+std::size_t Series::size() const
+{
+    std::size_t n = _hasX ? _x.size() : std::numeric_limits<std::size_t>::max();
+    for (const Samples& column : _columns)
+        n = std::min(n, column.size());
+    return n;
+}
+
+std::size_t Series::getFirst() const
+{
+    std::size_t first = _hasX ? _x.getFirst() : 0;
+    for (const Samples& column : _columns)
+        first = std::max(first, column.getFirst());
+    return first;
+}
+
+double Series::getX(std::size_t index) const { return _hasX ? _x[index] : _start + _step * static_cast<double>(index); }
+
+double Series::getY(std::size_t index) const { return _columns.back()[index]; }
+
+Samples::Range Series::getColorRange() const
+{
+    Samples::Range range = _colorValues.getRange(0, _colorValues.size());
+    range.low = _colorLow.value_or(range.low);
+    range.high = _colorHigh.value_or(range.high);
+    return range;
+}
+
+std::size_t Series::findX(double x, std::size_t from) const
+{
+    const std::size_t first = std::max(from, getFirst()), end = size();
+    if (first >= end)
+        return end;
+    if (_hasX)
+        return std::min(_x.lowerBound(x, first), end);
+    const double place = std::ceil((x - _start) / _step);
+    if (!(place > static_cast<double>(first)))
+        return first;
+    if (place >= static_cast<double>(end))
+        return end;
+    auto index = static_cast<std::size_t>(place);
+    // As getX rounds, not as the division does.
+    while (index > first && getX(index - 1) >= x)
+        --index;
+    while (index < end && getX(index) < x)
+        ++index;
+    return index;
+}
+
+Samples::Range Series::getXRange() const
+{
+    const std::size_t first = getFirst(), end = size();
+    if (first >= end)
+        return {cUnbounded, -cUnbounded};
+    if (_hasX)
+        return _x.getRange(first, end);
+    return {getX(first), getX(end - 1), getX(first), getX(end - 1)};
+}
+
+Samples::Range Series::getYRange(std::size_t first, std::size_t end) const
+{
+    end = std::min(end, size());
+    Samples::Range range{cUnbounded, -cUnbounded};
+    if (first >= end)
+        return range;
+    for (const Samples& column : _columns)
+        widenRange(range, column.getRange(first, end));
+    if (range.isEmpty())
+        return range;
+    if (_hasErrors)
+    {
+        // Of many samples the largest error beyond all of them will do.
+        constexpr std::size_t cFew = 10'000;
+        if (end - first > cFew)
+        {
+            const double below = _below.getRange(first, end).high, above = _above.getRange(first, end).high;
+            range.low -= std::isfinite(below) ? std::max(below, 0.0) : 0;
+            range.high += std::isfinite(above) ? std::max(above, 0.0) : 0;
+        }
+        else
+        {
+            for (std::size_t i = first; i < end; ++i)
+            {
+                const double y = getY(i), low = y - _below[i], high = y + _above[i];
+                range.low = std::isfinite(low) ? std::min(range.low, low) : range.low;
+                range.high = std::isfinite(high) ? std::max(range.high, high) : range.high;
+            }
+        }
+    }
+    if (_kind == Kind::Area || _kind == Kind::Stems || _kind == Kind::Bars)
+        widenRange(range, {_style.baseline, _style.baseline});
+    return range;
+}
+
+} // namespace gui::draw

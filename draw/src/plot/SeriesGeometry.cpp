@@ -1,0 +1,448 @@
+#include "SeriesGeometry.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+// So many samples in a column of pixels are drawn one by one; of more there are four numbers.
+constexpr double cFewPerColumn = 4;
+constexpr std::size_t cMostUnsorted = 100'000;
+
+// Lines go on so far beyond what is seen, in pixels, before they are cut off.
+constexpr double cBeyond = 64;
+
+// Liang and Barsky: the part of a segment within a rectangle.
+bool clipSegment(PlotScene::Segment& s, const PlotScene::Rect& rect)
+{
+    const double dx = s.x1 - s.x0, dy = s.y1 - s.y0;
+    double begin = 0, end = 1;
+    const auto cut = [&begin, &end](double direction, double distance)
+    {
+        if (direction == 0)
+            return distance >= 0;
+        const double share = distance / direction;
+        direction < 0 ? begin = std::max(begin, share) : end = std::min(end, share);
+        return begin <= end;
+    };
+    if (!cut(-dx, s.x0 - rect.left) || !cut(dx, rect.right - s.x0) || !cut(-dy, s.y0 - rect.top) ||
+        !cut(dy, rect.bottom - s.y0))
+        return false;
+    s = {begin > 0 ? s.x0 + begin * dx : s.x0, begin > 0 ? s.y0 + begin * dy : s.y0, end < 1 ? s.x0 + end * dx : s.x1,
+         end < 1 ? s.y0 + end * dy : s.y1};
+    return true;
+}
+
+} // namespace
+
+td::Color SeriesGeometry::faint(td::Color color, double share)
+{
+    color.setAlpha(static_cast<unsigned int>(std::lround(color.alpha() * share)));
+    return color;
+}
+
+SeriesGeometry::Extent SeriesGeometry::extentOf(const Series& series, double low, double high)
+{
+    const std::size_t first = series.getFirst(), end = series.size();
+    if (first >= end || !series.isSorted())
+        return {first, std::max(first, end)};
+    std::size_t from = series.findX(low);
+    std::size_t to = series.findX(high, from);
+    while (to < end && series.getX(to) == high)
+        ++to;
+    from = from > first ? from - 1 : first;
+    to = to < end ? to + 1 : end;
+    return {from, to};
+}
+
+double SeriesGeometry::clampY(double y) const
+{
+    return std::clamp(y, _pView->area.top - cBeyond, _pView->area.bottom + cBeyond);
+}
+
+bool SeriesGeometry::areDense(const Extent& extent) const
+{
+    const double width = _pView->area.right - _pView->area.left;
+    return _pSeries->isSorted() && static_cast<double>(extent.end - extent.first) > cFewPerColumn * width + 16;
+}
+
+void SeriesGeometry::readColumn(const Samples& samples, const Extent& extent, bool isX,
+                                std::vector<double>& pixels) const
+{
+    pixels.resize(extent.end - extent.first);
+    samples.read(extent.first, pixels);
+    const AxisMap& map = isX ? _pView->x : _pView->y;
+    for (double& value : pixels)
+        value = map.toPixel(value);
+}
+
+void SeriesGeometry::findPlaces(const Extent& extent)
+{
+    if (_pSeries->hasX())
+        return readColumn(_pSeries->getXs(), extent, true, _xs);
+    _xs.resize(extent.end - extent.first);
+    for (std::size_t i = 0; i < _xs.size(); ++i)
+        _xs[i] = _pView->x.toPixel(_pSeries->getX(extent.first + i));
+}
+
+// The samples of each column, from the one left of the area to the one right of it.
+void SeriesGeometry::findColumns(double width)
+{
+    _columnWidth = width;
+    _columnLeft = std::floor(_pView->area.left / width) * width - width;
+    const auto n = static_cast<std::size_t>(std::ceil((_pView->area.right - _columnLeft) / width)) + 1;
+    _edges.resize(n + 1);
+    std::size_t index = _pSeries->getFirst();
+    for (std::size_t i = 0; i <= n; ++i)
+    {
+        index = _pSeries->findX(_pView->x.toValue(_columnLeft + static_cast<double>(i) * width), index);
+        _edges[i] = index;
+    }
+}
+
+void SeriesGeometry::findRanges(const Samples& samples, std::vector<Range>& ranges) const
+{
+    ranges.resize(_edges.size() - 1);
+    samples.getRanges(_edges, ranges);
+}
+
+void SeriesGeometry::addSegment(Point a, Point b)
+{
+    const PlotScene::Rect& area = _pView->area;
+    Segment segment{a.x, a.y, b.x, b.y};
+    if (clipSegment(segment, {area.left - cBeyond, area.top - cBeyond, area.right + cBeyond, area.bottom + cBeyond}))
+        _segments.push_back(segment);
+}
+
+void SeriesGeometry::joinPoints()
+{
+    _segments.clear();
+    const bool areSteps = _pSeries->getKind() == Series::Kind::Steps;
+    const auto isPoint = [this](std::size_t i)
+    { return i < _xs.size() && std::isfinite(_xs[i]) && std::isfinite(_ys[i]); };
+    for (std::size_t i = 0; i < _xs.size(); ++i)
+    {
+        if (!isPoint(i))
+            continue;
+        const Point here{_xs[i], _ys[i]};
+        if (isPoint(i + 1))
+        {
+            const Point next{_xs[i + 1], _ys[i + 1]};
+            if (areSteps)
+            {
+                addSegment(here, {next.x, here.y});
+                addSegment({next.x, here.y}, next);
+            }
+            else
+                addSegment(here, next);
+        }
+        else if (i == 0 || !isPoint(i - 1))
+            addSegment(here, here); // one alone is a dot
+    }
+}
+
+// From each column's first sample to its last one, by way of the lowest and the highest where these are others, and on to
+// the next column's first. The two are somewhere between the ends: in the middle.
+void SeriesGeometry::joinColumns()
+{
+    _segments.clear();
+    const auto toY = [this](double value)
+    {
+        const double y = _pView->y.toPixel(value);
+        return std::isnan(y) || !std::isfinite(value) ? std::numeric_limits<double>::quiet_NaN() : clampY(y);
+    };
+    Point last{0, std::numeric_limits<double>::quiet_NaN()};
+    for (std::size_t i = 0; i < _ranges.size(); ++i)
+    {
+        const Range& range = _ranges[i];
+        if (_edges[i] == _edges[i + 1])
+            continue;
+        const double left = _columnLeft + static_cast<double>(i) * _columnWidth;
+        const auto within = [this, left](double x) { return std::clamp(x, left, left + _columnWidth); };
+        const Point first{within(_pView->x.toPixel(_pSeries->getX(_edges[i]))), toY(range.first)};
+        const Point end{within(_pView->x.toPixel(_pSeries->getX(_edges[i + 1] - 1))), toY(range.last)};
+        if (!std::isnan(last.y) && !std::isnan(first.y))
+            addSegment(last, first);
+        last = end;
+        if (range.isEmpty())
+            continue;
+        const double middle = (first.x + end.x) / 2;
+        Point one{middle, toY(range.low)}, other{middle, toY(range.high)};
+        const bool hasFirst = !std::isnan(first.y), hasEnd = !std::isnan(end.y);
+        const Point from = hasFirst ? first : one, to = hasEnd ? end : other;
+        // In the order that is the shorter way.
+        if (std::abs(from.y - other.y) + std::abs(one.y - to.y) < std::abs(from.y - one.y) + std::abs(other.y - to.y))
+            std::swap(one, other);
+        std::array<Point, 4> points;
+        std::size_t n = 0;
+        if (hasFirst)
+            points[n++] = first;
+        if (!hasFirst || one.y != first.y)
+            points[n++] = one;
+        if (!hasEnd || other.y != end.y)
+            points[n++] = other;
+        if (hasEnd)
+            points[n++] = end;
+        for (std::size_t k = 1; k < n; ++k)
+            addSegment(points[k - 1], points[k]);
+        if (n == 1)
+            addSegment(points[0], points[0]);
+    }
+}
+
+void SeriesGeometry::addLineAndMarkers(const Extent& extent, PlotScene& scene)
+{
+    const SeriesStyle& style = _pSeries->getStyle();
+    const bool areDashed = !style.dashes.empty();
+    std::vector<double> dashes;
+    if (areDense(extent))
+    {
+        findColumns(1);
+        findRanges(_pSeries->getColumn(0), _ranges);
+        joinColumns();
+    }
+    else
+    {
+        if (!_pSeries->isSorted() && extent.end - extent.first > cMostUnsorted)
+            return;
+        findPlaces(extent);
+        readColumn(_pSeries->getColumn(0), extent, false, _ys);
+        joinPoints();
+        if (areDashed)
+            for (std::size_t i = 0; i < style.dashes.size() * (1 + style.dashes.size() % 2); ++i)
+                dashes.push_back(style.dashes[i % style.dashes.size()] * _pView->pixelsPerPoint);
+    }
+    scene.addLine(_segments, style.width / 2 * _pView->pixelsPerPoint, _color, dashes, _pSeries->isSorted());
+    // Where there is room for them.
+    const double distance = (_pView->area.right - _pView->area.left) / static_cast<double>(extent.end - extent.first);
+    if (style.marker != Marker::None && distance > 1.2 * style.markerSize * _pView->pixelsPerPoint)
+        addMarkers(extent, scene);
+}
+
+void SeriesGeometry::addArea(const Extent& extent, const Samples* pOther, PlotScene& scene)
+{
+    const SeriesStyle& style = _pSeries->getStyle();
+    const double base = clampY(std::isfinite(_pView->y.toPixel(style.baseline)) ? _pView->y.toPixel(style.baseline)
+                                                                                : _pView->area.bottom);
+    _slabs.clear();
+    if (areDense(extent))
+    {
+        findColumns(1);
+        findRanges(_pSeries->getColumn(0), _ranges);
+        if (pOther != nullptr)
+            findRanges(*pOther, _otherRanges);
+        for (std::size_t i = 0; i < _ranges.size(); ++i)
+        {
+            if (_ranges[i].isEmpty() || (pOther != nullptr && _otherRanges[i].isEmpty()))
+                continue;
+            const double x = _columnLeft + static_cast<double>(i);
+            double top = clampY(_pView->y.toPixel(_ranges[i].high)), bottom = clampY(_pView->y.toPixel(_ranges[i].low));
+            top = std::min(top, pOther != nullptr ? clampY(_pView->y.toPixel(_otherRanges[i].high)) : base);
+            bottom = std::max(bottom, pOther != nullptr ? clampY(_pView->y.toPixel(_otherRanges[i].low)) : base);
+            _slabs.push_back({x, bottom, top, x + 1, bottom, top});
+        }
+    }
+    else
+    {
+        findPlaces(extent);
+        readColumn(_pSeries->getColumn(0), extent, false, _ys);
+        if (pOther != nullptr)
+            readColumn(*pOther, extent, false, _others);
+        else
+            _others.assign(_ys.size(), base);
+        const double left = _pView->area.left - cBeyond, right = _pView->area.right + cBeyond;
+        for (std::size_t i = 1; i < _xs.size(); ++i)
+        {
+            const double x0 = _xs[i - 1], x1 = _xs[i];
+            if (!(x1 > x0) || x1 < left || x0 > right ||
+                !std::isfinite(_ys[i] + _ys[i - 1] + _others[i] + _others[i - 1]))
+                continue;
+            const auto at = [x0, x1](double a, double b, double x) { return a + (b - a) * (x - x0) / (x1 - x0); };
+            const double from = std::max(x0, left), to = std::min(x1, right);
+            _slabs.push_back({from, at(_others[i - 1], _others[i], from), at(_ys[i - 1], _ys[i], from), to,
+                              at(_others[i - 1], _others[i], to), at(_ys[i - 1], _ys[i], to)});
+        }
+    }
+    const td::Color fill = style.fill.value_or(faint(_color, 0.28));
+    PlotScene::Shade shade{fill, fill, _pView->area.top, _pView->area.bottom};
+    if (!style.fill && pOther == nullptr)
+        shade = {faint(_color, 0.42), faint(_color, 0.08), _pView->area.top, std::max(base, _pView->area.top + 1)};
+    scene.addArea(_slabs, shade);
+}
+
+double SeriesGeometry::barWidthOf(const Extent& extent) const
+{
+    const std::size_t n = extent.end - extent.first;
+    if (n < 2)
+        return 40 * _pView->pixelsPerPoint * _pSeries->getStyle().barWidth;
+    const double span =
+        _pView->x.toPixel(_pSeries->getX(extent.end - 1)) - _pView->x.toPixel(_pSeries->getX(extent.first));
+    return span / static_cast<double>(n - 1) * _pSeries->getStyle().barWidth;
+}
+
+// Stems and bars.
+void SeriesGeometry::addUprights(const Extent& extent, PlotScene& scene)
+{
+    const SeriesStyle& style = _pSeries->getStyle();
+    const bool areBars = _pSeries->getKind() == Series::Kind::Bars;
+    const double baseline = _pView->y.toPixel(style.baseline);
+    const double base = clampY(std::isfinite(baseline) ? baseline : _pView->area.bottom);
+    if (areDense(extent))
+        return addArea(extent, nullptr, scene);
+    findPlaces(extent);
+    readColumn(_pSeries->getColumn(0), extent, false, _ys);
+    const td::Color fill = areBars ? style.fill.value_or(_color) : _color;
+    const double half = (areBars ? std::max(barWidthOf(extent), 1.0) : style.width * _pView->pixelsPerPoint) / 2;
+    for (std::size_t i = 0; i < _xs.size(); ++i)
+    {
+        if (!std::isfinite(_xs[i]) || !std::isfinite(_ys[i]))
+            continue;
+        // On whole pixels where bars have some width.
+        double left = _xs[i] - half, right = _xs[i] + half;
+        if (areBars && half > 2)
+        {
+            left = std::round(left);
+            right = std::round(right);
+        }
+        scene.addRect({left, std::min(clampY(_ys[i]), base), right, std::max(clampY(_ys[i]), base)}, fill);
+    }
+    if (style.marker != Marker::None)
+        addMarkers(extent, scene);
+}
+
+void SeriesGeometry::addMarkers(const Extent& extent, PlotScene& scene)
+{
+    const SeriesStyle& style = _pSeries->getStyle();
+    const double scale = _pView->pixelsPerPoint, size = style.markerSize * scale;
+    findPlaces(extent);
+    readColumn(_pSeries->getColumn(0), extent, false, _ys);
+    const ColorMap* pMap = _pSeries->getColorMap() ? &*_pSeries->getColorMap() : nullptr;
+    Range range;
+    if (pMap != nullptr)
+    {
+        range = _pSeries->getColorRange();
+        _others.resize(_xs.size());
+        _pSeries->getColorValues().read(extent.first, _others);
+    }
+    const PlotScene::Rect& area = _pView->area;
+    for (std::size_t i = 0; i < _xs.size(); ++i)
+    {
+        const double x = _xs[i], y = _ys[i];
+        if (!(x > area.left - size && x < area.right + size && y > area.top - size && y < area.bottom + size))
+            continue;
+        const td::Color color =
+            pMap != nullptr ? pMap->getColor((_others[i] - range.low) / (range.high - range.low)) : _color;
+        scene.addMark(style.marker, x, y, size, color, style.edgeWidth * scale, style.edgeColor);
+    }
+}
+
+void SeriesGeometry::addErrors(const Extent& extent, PlotScene& scene)
+{
+    const double scale = _pView->pixelsPerPoint;
+    const double half = std::max(std::round(scale), 1.0) / 2, cap = 3.5 * scale;
+    const bool areMany = static_cast<double>(extent.end - extent.first) * 3 > _pView->area.right - _pView->area.left;
+    if (areDense(extent) && _pSeries->isSorted())
+        return; // narrower than what is seen of the samples
+    findPlaces(extent);
+    std::vector<double> ys(extent.end - extent.first), below(ys.size()), above(ys.size());
+    _pSeries->getColumn(0).read(extent.first, ys);
+    _pSeries->getErrorsBelow().read(extent.first, below);
+    _pSeries->getErrorsAbove().read(extent.first, above);
+    for (std::size_t i = 0; i < ys.size(); ++i)
+    {
+        const double top = _pView->y.toPixel(ys[i] + above[i]), bottom = _pView->y.toPixel(ys[i] - below[i]);
+        const double x = _xs[i];
+        if (!std::isfinite(top) || !std::isfinite(x) || std::isnan(bottom))
+            continue;
+        const double low = clampY(bottom), high = clampY(top);
+        scene.addRect({x - half, high, x + half, low}, _color);
+        if (areMany)
+            continue;
+        scene.addRect({x - cap, high - half, x + cap, high + half}, _color);
+        scene.addRect({x - cap, low - half, x + cap, low + half}, _color);
+    }
+}
+
+// Where there are many, each stands for some in a row: the first of the first, the highest of the highest, and so on.
+void SeriesGeometry::addCandles(const Extent& extent, PlotScene& scene)
+{
+    if (!_pSeries->isSorted())
+        return;
+    constexpr double cNarrowest = 4; // points
+    const double scale = _pView->pixelsPerPoint;
+    const td::Color rising = _color, falling = _pSeries->getStyle().fill.value_or("#c9374a");
+    const double wick = std::max(std::round(scale), 1.0) / 2;
+    const auto add = [&](double x, double width, double open, double high, double low, double close)
+    {
+        if (!std::isfinite(x + open + high + low + close))
+            return;
+        const td::Color color = close >= open ? rising : falling;
+        const double left = std::round(x - width / 2), right = std::max(std::round(x + width / 2), left + 1);
+        const double middle = (left + right) / 2;
+        double top = clampY(_pView->y.toPixel(std::max(open, close)));
+        double bottom = clampY(_pView->y.toPixel(std::min(open, close)));
+        scene.addRect({middle - wick, clampY(_pView->y.toPixel(high)), middle + wick, clampY(_pView->y.toPixel(low))},
+                      color);
+        if (bottom - top < 1)
+        {
+            top -= (1 - (bottom - top)) / 2;
+            bottom = top + 1;
+        }
+        scene.addRect({left, top, right, bottom}, color);
+    };
+    const double width = barWidthOf(extent);
+    if (width >= cNarrowest * scale * _pSeries->getStyle().barWidth)
+    {
+        for (std::size_t i = extent.first; i < extent.end; ++i)
+            add(_pView->x.toPixel(_pSeries->getX(i)), width, _pSeries->getColumn(0)[i], _pSeries->getColumn(1)[i],
+                _pSeries->getColumn(2)[i], _pSeries->getColumn(3)[i]);
+        return;
+    }
+    findColumns(std::ceil(cNarrowest * scale));
+    std::vector<Range> columns[4];
+    for (std::size_t i = 0; i < 4; ++i)
+        findRanges(_pSeries->getColumn(i), columns[i]);
+    for (std::size_t i = 0; i < columns[0].size(); ++i)
+        if (_edges[i] < _edges[i + 1])
+            add(_columnLeft + (static_cast<double>(i) + 0.5) * _columnWidth,
+                _columnWidth * _pSeries->getStyle().barWidth, columns[0][i].first, columns[1][i].high,
+                columns[2][i].low, columns[3][i].last);
+}
+
+void SeriesGeometry::add(const Series& series, const View& view, PlotScene& scene)
+{
+    _pSeries = &series;
+    _pView = &view;
+    _color = series.getStyle().color.value_or(view.color);
+    const double margin = series.getStyle().markerSize * view.pixelsPerPoint;
+    const Extent extent =
+        extentOf(series, view.x.toValue(view.area.left - margin), view.x.toValue(view.area.right + margin));
+    if (extent.first >= extent.end || !series.isVisible())
+        return;
+    using Kind = Series::Kind;
+    const Kind kind = series.getKind();
+    const bool isLine = kind == Kind::Line || kind == Kind::Area || kind == Kind::Steps;
+    if (!isLine && kind != Kind::Scatter && !series.isSorted())
+        return;
+    if (kind == Kind::Area && series.isSorted())
+        addArea(extent, nullptr, scene);
+    if (kind == Kind::Band)
+        addArea(extent, &series.getColumn(1), scene);
+    if (series.hasErrors() && (isLine || kind == Kind::Scatter || kind == Kind::Bars))
+        addErrors(extent, scene);
+    if (isLine)
+        addLineAndMarkers(extent, scene);
+    else if (kind == Kind::Stems || kind == Kind::Bars)
+        addUprights(extent, scene);
+    else if (kind == Kind::Scatter)
+        addMarkers(extent, scene);
+    else if (kind == Kind::Candles)
+        addCandles(extent, scene);
+}
+
+} // namespace gui::draw
