@@ -27,7 +27,7 @@ using td::ColorID;
 
 constexpr int cDepth = 24; // frames within frames after which nothing is left to see
 constexpr float cShrink = 0.78F;
-constexpr float cBorder = 1.02F;
+constexpr float cRim = 1.02F;
 constexpr int cStars = 20;
 
 constexpr ColorID cGold[] = {ColorID::Gold, ColorID::Coral, ColorID::HotPink, ColorID::MediumOrchid};
@@ -139,7 +139,7 @@ private:
         glm::mat4 matrix = glm::translate(pointsToClip(frame), {width / 2, height / 2, 0});
         matrix = glm::rotate(matrix, glm::radians(degrees), {0, 0, 1});
         matrix = glm::scale(matrix, {cShrink * width / 2, -cShrink * height / 2, 1});
-        _figureProgram.setMVP(glm::scale(matrix, {cBorder, 1 + (cBorder - 1) * width / height, 1}));
+        _figureProgram.setMVP(glm::scale(matrix, {cRim, 1 + (cRim - 1) * width / height, 1}));
         _figureProgram.execute(0, 1);
         if (_textures.size() > 0)
         {

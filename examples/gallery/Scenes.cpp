@@ -67,9 +67,20 @@ constexpr SceneInfo cScenes[] = {
      "of the golden numbers; the white ones tell how these are stored.",
      makeRecycled},
     {"plot", "A hundred thousand samples",
-     "A curve of constant thickness over its fill, made of no more than the view can show. Drag or turn the wheel to "
-     "move it; the wheel with Ctrl, or plus and minus, zoom about the pointer down to single samples, and 0 shows all.",
+     "A curve of constant thickness over its fill, made of no more than the view can show. Drag to move it; the wheel, "
+     "or "
+     "plus and minus, zoom about the pointer down to single samples, a drag with Shift zooms to a box, and 0 or a "
+     "double "
+     "click shows all.",
      makePlot},
+    {"axes", "Axes of every kind",
+     "Linear, logarithmic and of time, with numbers that people would choose; two axes for two curves; bands, bars, "
+     "stems, candles, steps, markers with error bars. Each moves by itself, and one axis alone where a drag begins "
+     "beside it.",
+     makeAxes},
+    {"stream", "Sixteen live channels",
+     "6,250 samples a second for each of sixteen curves, of which four seconds are seen. All share one axis of time.",
+     makeStream},
     {"input", "Pointer, wheel and keys",
      "The last events of every kind: the pointer's trail and its clicks, wheel and zoom as bars, modifiers as lamps, "
      "keys as they go down, the focus as a border. The window's title tells the last one's record in full.",

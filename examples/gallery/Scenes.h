@@ -35,6 +35,8 @@ std::unique_ptr<Scene> makePolygons();
 std::unique_ptr<Scene> makeLines();
 std::unique_ptr<Scene> makeRecycled();
 std::unique_ptr<Scene> makePlot();
+std::unique_ptr<Scene> makeAxes();
+std::unique_ptr<Scene> makeStream();
 std::unique_ptr<Scene> makeInput();
 std::unique_ptr<Scene> makeGrab();
 std::unique_ptr<Scene> makeWindows();

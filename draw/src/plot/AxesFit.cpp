@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace gui::draw
 {
@@ -56,7 +57,6 @@ void Axes::Impl::collect(unsigned int which)
         if (!s.isVisible() || first >= end || (which != cX && (which == cRight) != s.getStyle().isOnRight))
             continue;
         Samples::Range range;
-        bool standsOnLine = false;
         const Series::Kind kind = s.getKind();
         bool isPadded = true;
         if (which == cX)
@@ -81,17 +81,19 @@ void Axes::Impl::collect(unsigned int which)
             range = s.getYRange(extent.first, extent.end);
             if (isLogarithmic)
                 raiseAbove0(range, s.getColumn(0), extent.first, extent.end);
-            standsOnLine = kind == Series::Kind::Bars || kind == Series::Kind::Area;
+            if (!isLogarithmic && (kind == Series::Kind::Bars || kind == Series::Kind::Area))
+                state.line = s.getStyle().baseline;
         }
         if (range.isEmpty() || (isLogarithmic && !(range.low > 0)))
             continue;
         double low = state.scale.toPlace(range.low), high = state.scale.toPlace(range.high);
+        state.lowest = state.hasData ? std::min(state.lowest, low) : low;
+        state.highest = state.hasData ? std::max(state.highest, high) : high;
         if (isPadded)
         {
             const double padding = (high - low) * cPadding;
-            const double line = s.getStyle().baseline;
-            low -= standsOnLine && !isLogarithmic && range.low == line ? 0 : padding;
-            high += standsOnLine && !isLogarithmic && range.high == line ? 0 : padding;
+            low -= padding;
+            high += padding;
         }
         state.low = state.hasData ? std::min(state.low, low) : low;
         state.high = state.hasData ? std::max(state.high, high) : high;
@@ -107,6 +109,12 @@ void Axes::Impl::apply(unsigned int which)
         return;
     state.hasData = false;
     double low = state.low, high = state.high;
+    // What stands on a line has no room below it.
+    if (const std::optional<double> line = std::exchange(state.line, std::nullopt))
+    {
+        low = state.lowest == *line ? *line : low;
+        high = state.highest == *line ? *line : high;
+    }
     if (state.fit == Axis::Fit::Follow && state.followed > 0)
         low = high - state.followed;
     if (!(high > low))

@@ -9,25 +9,44 @@
 namespace gui::draw
 {
 
-/// The lowest and the highest of some numbers; above each other's reach when there is none.
+/// The lowest and the highest of some numbers; above each other's reach when there is none. The highest is kept with the
+/// other sign, so that both are lowest numbers, and many of them in a row are plain numbers to find the lowest of.
 template <typename T>
 struct SampleBounds
 {
     T low = std::numeric_limits<T>::infinity();
-    T high = -std::numeric_limits<T>::infinity();
+    T minusHigh = std::numeric_limits<T>::infinity();
 
     void add(T value)
     {
         // Comparisons with NaN are false, and infinite numbers count as gaps too.
-        if (!(std::abs(value) <= std::numeric_limits<T>::max()))
-            return;
-        low = value < low ? value : low;
-        high = value > high ? value : high;
+        const bool isFinite = std::abs(value) <= std::numeric_limits<T>::max();
+        low = isFinite && value < low ? value : low;
+        minusHigh = isFinite && -value < minusHigh ? -value : minusHigh;
     }
     void add(const SampleBounds& other)
     {
         low = other.low < low ? other.low : low;
-        high = other.high > high ? other.high : high;
+        minusHigh = other.minusHigh < minusHigh ? other.minusHigh : minusHigh;
+    }
+    void add(const SampleBounds* others, std::size_t n)
+    {
+        constexpr std::size_t cLanes = 4; // that compilers make vectors of
+        std::array<SampleBounds, cLanes> lanes;
+        std::size_t i = 0;
+        for (; i + cLanes <= n; i += cLanes)
+        {
+            for (std::size_t lane = 0; lane < cLanes; ++lane)
+            {
+                lanes[lane].low = others[i + lane].low < lanes[lane].low ? others[i + lane].low : lanes[lane].low;
+                lanes[lane].minusHigh = others[i + lane].minusHigh < lanes[lane].minusHigh ? others[i + lane].minusHigh
+                                                                                           : lanes[lane].minusHigh;
+            }
+        }
+        for (; i < n; ++i)
+            add(others[i]);
+        for (const SampleBounds& lane : lanes)
+            add(lane);
     }
 };
 
@@ -47,10 +66,17 @@ struct SampleBlock
 
     static SampleBounds<T> scan(const T* values, std::size_t n)
     {
+        SampleBounds<T> bounds;
         constexpr std::size_t cLanes = 8; // that compilers make vectors of
+        if (n < 4 * cLanes)
+        {
+            for (std::size_t k = 0; k < n; ++k)
+                bounds.add(values[k]);
+            return bounds;
+        }
         std::array<T, cLanes> low, high;
         low.fill(std::numeric_limits<T>::infinity());
-        high.fill(-std::numeric_limits<T>::infinity());
+        high.fill(std::numeric_limits<T>::infinity());
         std::size_t i = 0;
         for (; i + cLanes <= n; i += cLanes)
         {
@@ -59,12 +85,11 @@ struct SampleBlock
                 const T value = values[i + lane];
                 const bool isFinite = std::abs(value) <= std::numeric_limits<T>::max();
                 const T lower = isFinite ? value : std::numeric_limits<T>::infinity();
-                const T higher = isFinite ? value : -std::numeric_limits<T>::infinity();
+                const T higher = isFinite ? -value : std::numeric_limits<T>::infinity();
                 low[lane] = lower < low[lane] ? lower : low[lane];
-                high[lane] = higher > high[lane] ? higher : high[lane];
+                high[lane] = higher < high[lane] ? higher : high[lane];
             }
         }
-        SampleBounds<T> bounds;
         for (std::size_t lane = 0; lane < cLanes; ++lane)
             bounds.add(SampleBounds<T>{low[lane], high[lane]});
         for (; i < n; ++i)
@@ -128,12 +153,10 @@ struct SampleBlock
             if (isLast)
                 innerFirst = innerEnd = end / cFanOut;
             const std::size_t leftEnd = isLast ? end : innerFirst * cFanOut;
-            for (std::size_t i = first; i < leftEnd; ++i)
-                bounds.add(nodes[i]);
+            bounds.add(nodes.data() + first, leftEnd - first);
             if (isLast)
                 return;
-            for (std::size_t i = innerEnd * cFanOut; i < end; ++i)
-                bounds.add(nodes[i]);
+            bounds.add(nodes.data() + innerEnd * cFanOut, end - innerEnd * cFanOut);
             first = innerFirst;
             end = innerEnd;
         }

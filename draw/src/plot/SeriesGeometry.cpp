@@ -114,8 +114,11 @@ void SeriesGeometry::findRanges(const Samples& samples, std::vector<Range>& rang
 void SeriesGeometry::addSegment(Point a, Point b)
 {
     const PlotScene::Rect& area = _pView->area;
+    const double left = area.left - cBeyond, right = area.right + cBeyond;
+    const double top = area.top - cBeyond, bottom = area.bottom + cBeyond;
+    const auto isIn = [=](Point p) { return p.x >= left && p.x <= right && p.y >= top && p.y <= bottom; };
     Segment segment{a.x, a.y, b.x, b.y};
-    if (clipSegment(segment, {area.left - cBeyond, area.top - cBeyond, area.right + cBeyond, area.bottom + cBeyond}))
+    if ((isIn(a) && isIn(b)) || clipSegment(segment, {left, top, right, bottom}))
         _segments.push_back(segment);
 }
 

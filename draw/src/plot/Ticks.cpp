@@ -18,6 +18,7 @@ constexpr double cWidthOfCharacter = 7;
 constexpr int cManyDigits = 6;    // of labels: beyond, what they have in common is told once
 constexpr double cEpsilon = 1e-6; // of a step, that a tick may be beyond the range
 constexpr std::size_t cMostTicks = 2000;
+constexpr double cFewestWanted = 3.2; // labels, on short axes too: what has no room for them gets fewer
 // Years that calendars and clocks know.
 constexpr double cEarliest = -5.0e11, cLatest = 5.0e11;
 
@@ -108,7 +109,7 @@ void Ticks::makeLinear(const Scale& scale, const Range& range, const Room& room,
         trial.placeLinear({std::max(sequence.low, range.low), std::min(sequence.high, range.high)}, sequence.step);
         return trial.collide(scale, range, room) ? -std::numeric_limits<double>::infinity() : 1.0;
     };
-    const Sequence best = search(range, std::max(room.length / room.distance, 2.0), legibility);
+    const Sequence best = search(range, std::max(room.length / room.distance, cFewestWanted), legibility);
     if (best.step > 0)
         return placeLinear(range, best.step);
     // Nothing fits: one label in the middle, or none (see thin).
@@ -194,7 +195,7 @@ void Ticks::makeLogarithmic(const Range& range, const Room& room, double step)
     constexpr std::array<int, 2> cTwo{1, 3};
     constexpr std::array<int, 3> cThree{1, 2, 5};
     constexpr std::array<int, 9> cAll{1, 2, 3, 4, 5, 6, 7, 8, 9};
-    const double wanted = std::max(room.length / room.distance, 2.0);
+    const double wanted = std::max(room.length / room.distance, cFewestWanted);
     if (decades < 1.5)
     {
         if (decades >= 0.7)
@@ -236,7 +237,7 @@ void Ticks::makeTime(const Scale& scale, const Range& range, const Room& room, d
     const std::vector<TimeTicks::Step> all = TimeTicks::allSteps();
     const auto kept = std::find_if(all.begin(), all.end(),
                                    [step](const TimeTicks::Step& other) { return other.getLength() == step; });
-    const std::vector<TimeTicks::Step> steps = times.stepsFor(room.length / room.distance);
+    const std::vector<TimeTicks::Step> steps = times.stepsFor(std::max(room.length / room.distance, cFewestWanted));
     if (kept != all.end() && (range.high - range.low) / step < cMostTicks && use(*kept))
         return times.placeMinor(*kept, _minor);
     for (const TimeTicks::Step& next : steps)

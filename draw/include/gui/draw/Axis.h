@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace gui::draw
@@ -95,6 +96,8 @@ private:
         std::size_t version = 1;
         // Of all axes that share it, while ranges are fitted.
         double low = 0, high = 0;
+        double lowest = 0, highest = 0; // without padding
+        std::optional<double> line;     // that bars and areas stand on
         bool hasData = false;
     };
 
