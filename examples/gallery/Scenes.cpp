@@ -81,6 +81,13 @@ constexpr SceneInfo cScenes[] = {
     {"stream", "Sixteen live channels",
      "6,250 samples a second for each of sixteen curves, of which four seconds are seen. All share one axis of time.",
      makeStream},
+    {"scatter", "A million markers",
+     "A spiral of stars, coloured by their distance from its middle. The GPU has them once, so moving and zooming cost "
+     "the program nothing, down to single ones.",
+     makeScatter},
+    {"heatmap", "Heat and heights",
+     "Hills in colours that are mixed, with lines of equal height; and the 240,000 numbers of a whistle, each a cell.",
+     makeHeatMaps},
     {"input", "Pointer, wheel and keys",
      "The last events of every kind: the pointer's trail and its clicks, wheel and zoom as bars, modifiers as lamps, "
      "keys as they go down, the focus as a border. The window's title tells the last one's record in full.",

@@ -37,6 +37,8 @@ std::unique_ptr<Scene> makeRecycled();
 std::unique_ptr<Scene> makePlot();
 std::unique_ptr<Scene> makeAxes();
 std::unique_ptr<Scene> makeStream();
+std::unique_ptr<Scene> makeScatter();
+std::unique_ptr<Scene> makeHeatMaps();
 std::unique_ptr<Scene> makeInput();
 std::unique_ptr<Scene> makeGrab();
 std::unique_ptr<Scene> makeWindows();

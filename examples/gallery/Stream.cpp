@@ -18,7 +18,7 @@ using namespace gui::draw;
 
 constexpr std::size_t cChannels = 16;
 constexpr double cRate = 6250; // samples a second and channel
-constexpr double cSeen = 4;    // seconds
+constexpr double cSeen = 2;    // seconds
 
 class Stream : public PlotScene
 {

@@ -41,6 +41,15 @@ Series& Axes::add(Series series)
     return *_pImpl->series.back();
 }
 
+HeatMap& Axes::add(HeatMap map)
+{
+    _pImpl->maps.push_back(std::make_unique<HeatMap>(std::move(map)));
+    _pImpl->maps.back()->_onChange = _pImpl->onChange;
+    ++_pImpl->ownVersion;
+    _pImpl->onChange();
+    return *_pImpl->maps.back();
+}
+
 bool Axes::remove(const Series& series)
 {
     const auto found = std::find_if(_pImpl->series.begin(), _pImpl->series.end(),
@@ -56,6 +65,7 @@ bool Axes::remove(const Series& series)
 void Axes::clear()
 {
     _pImpl->series.clear();
+    _pImpl->maps.clear();
     ++_pImpl->ownVersion;
     _pImpl->onChange();
 }
@@ -157,6 +167,8 @@ std::size_t Axes::Impl::getVersion() const
     std::size_t version = ownVersion + x.axis.getVersion() + y.axis.getVersion() + right.axis.getVersion();
     for (const std::unique_ptr<Series>& pSeries : series)
         version += pSeries->getVersion();
+    for (const std::unique_ptr<HeatMap>& pMap : maps)
+        version += pMap->getVersion();
     return version;
 }
 

@@ -50,6 +50,23 @@ void Axes::Impl::collect(unsigned int which)
         return;
     const bool isLogarithmic = state.scale.kind == Scale::Kind::Logarithmic;
     const Ticks::Range& seen = x.axis.getRange();
+    if (which != cRight)
+    {
+        for (const std::unique_ptr<HeatMap>& pMap : maps)
+        {
+            const HeatMap::Rect& extent = pMap->getExtent();
+            double low = which == cX ? extent.left : extent.top, high = which == cX ? extent.right : extent.bottom;
+            if (isLogarithmic && !(high > 0))
+                continue;
+            low = state.scale.toPlace(isLogarithmic && low <= 0 ? high * 1e-3 : low);
+            high = state.scale.toPlace(high);
+            state.low = state.hasData ? std::min(state.low, low) : low;
+            state.high = state.hasData ? std::max(state.high, high) : high;
+            state.lowest = state.low;
+            state.highest = state.high;
+            state.hasData = true;
+        }
+    }
     for (const std::unique_ptr<Series>& pSeries : series)
     {
         const Series& s = *pSeries;

@@ -53,6 +53,8 @@ struct Axes::Impl
     void layOut(const Rect& frame, const PlotPaper& paper);
     void makeTicks(Side& side, bool isX, double length, const PlotPaper& paper);
     void drawGrid(const PlotPaper& paper);
+    void drawMaps(const PlotPaper& paper);
+    void drawColorBar(const PlotPaper& paper);
     void drawSeries(const PlotPaper& paper);
     void drawFrame(const PlotPaper& paper);
     void drawTickTexts(const PlotPaper& paper);
@@ -78,7 +80,10 @@ struct Axes::Impl
     std::size_t getVersion() const;
 
     std::vector<std::unique_ptr<Series>> series;
+    std::vector<std::unique_ptr<HeatMap>> maps;
     Side x, y, right;
+    Side colors; // of the first map's bar
+    double colorsWidth = 0;
     std::string title;
     Legend legend = Legend::Auto;
     Legend shownLegend = Legend::None; // where Auto has put it

@@ -12,6 +12,7 @@ namespace
 // In points.
 constexpr double cTick = 5, cMinorTick = 2.5, cLabelGap = 4, cPad = 12, cTitleGap = 6, cFarPad = 18;
 constexpr double cGridPeriod = 5;
+constexpr double cBarWidth = 14, cBarGap = 16;
 constexpr double cLegendPad = 8, cSampleWidth = 22, cSampleGap = 7, cLegendMargin = 8;
 
 TextStyle labelStyle(const PlotStyle& style)
@@ -125,7 +126,14 @@ void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper)
         return cPad + kept + cTick + cLabelGap + titleWidth;
     };
     const double left = widthOf(y, leftWidth);
-    const double end = hasRight() ? widthOf(right, rightWidth) : cPad + cFarPad;
+    double end = hasRight() ? widthOf(right, rightWidth) : cPad + cFarPad;
+    if (!maps.empty())
+    {
+        colors.axis.setTitle(maps.front()->getTitle());
+        colors.axis.setTickDistance(48);
+        colors.axis.setRange(maps.front()->getLow(), maps.front()->getHigh());
+        end = (hasRight() ? end : 0) + cBarGap + cBarWidth + widthOf(colors, colorsWidth);
+    }
     area.left = snap(frame.left + left);
     area.right = std::max(snap(frame.right - end), area.left + 1);
     makeTicks(x, true, area.right - area.left, paper);
@@ -160,6 +168,112 @@ void Axes::Impl::drawGrid(const PlotPaper& paper)
     addAll(y, false);
     if (hasRight())
         addAll(right, false);
+}
+
+void Axes::Impl::drawMaps(const PlotPaper& paper)
+{
+    constexpr double cMostSamples = 4;
+    const double scale = paper.scale;
+    const AxisMap mapOfX = mapX(scale), mapOfY(y.axis, area.bottom * scale, area.top * scale);
+    for (const std::unique_ptr<HeatMap>& pMap : maps)
+    {
+        const HeatMap& map = *pMap;
+        if (map.getColumns() == 0)
+            continue;
+        const HeatMap::Rect& extent = map.getExtent();
+        PlotScene::GridLook look{map.getID(),   map.getVersion(), &map.getColorMap(), map.getValues(), map.getColumns(),
+                                 map.getRows(), map.getLow(),     map.getHigh(),      map.isSmooth()};
+        look.areLogarithmic = {mapOfX.isLogarithmic, mapOfY.isLogarithmic};
+        // Linear axes go to cells at once, which keeps digits.
+        const double columns = static_cast<double>(map.getColumns()), rows = static_cast<double>(map.getRows());
+        const double perX = columns / (extent.right - extent.left), perY = rows / (extent.bottom - extent.top);
+        const auto join = [](const AxisMap& axis, double begin, double cellsPerUnit, double& factor, double& add,
+                             double& cellFactor, double& cellAdd)
+        {
+            factor = 1 / axis.perPlace;
+            add = axis.low - axis.origin / axis.perPlace;
+            cellFactor = cellsPerUnit;
+            cellAdd = -begin * cellsPerUnit;
+            if (axis.isLogarithmic)
+                return;
+            factor *= cellsPerUnit;
+            add = (axis.low - begin) * cellsPerUnit - axis.origin * factor;
+            cellFactor = 1;
+            cellAdd = 0;
+        };
+        join(mapOfX, extent.left, perX, look.toPlace[0], look.toPlace[2], look.toCell[0], look.toCell[2]);
+        join(mapOfY, extent.top, perY, look.toPlace[1], look.toPlace[3], look.toCell[1], look.toCell[3]);
+        const PlotScene::Rect box(mapOfX.toPixel(extent.left), mapOfY.toPixel(extent.top), mapOfX.toPixel(extent.right),
+                                  mapOfY.toPixel(extent.bottom));
+        const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+        const double left = box.left > pixels.left ? box.left : pixels.left;
+        const double top = box.top > pixels.top ? box.top : pixels.top;
+        const double inPixel = std::max(columns / (box.right - box.left), rows / (box.bottom - box.top));
+        look.nSamples = static_cast<int>(std::clamp(std::ceil(inPixel * 2 - 0.5), 1.0, cMostSamples));
+        paper.scene.addGrid({std::floor(left), std::floor(top), std::ceil(std::min(box.right, pixels.right)),
+                             std::ceil(std::min(box.bottom, pixels.bottom))},
+                            std::move(look));
+        std::vector<PlotScene::Segment> segments;
+        for (const HeatMap::Contour& contour : map.getContours())
+        {
+            for (std::size_t i = 1; i < contour.points.size(); ++i)
+            {
+                const auto &a = contour.points[i - 1], &b = contour.points[i];
+                const PlotScene::Segment s{mapOfX.toPixel(a.x), mapOfY.toPixel(a.y), mapOfX.toPixel(b.x),
+                                           mapOfY.toPixel(b.y)};
+                if (std::max(s.x0, s.x1) > pixels.left && std::min(s.x0, s.x1) < pixels.right &&
+                    std::max(s.y0, s.y1) > pixels.top && std::min(s.y0, s.y1) < pixels.bottom)
+                    segments.push_back(s);
+            }
+        }
+        paper.scene.addLine(segments, map.getContourWidth() / 2 * scale, map.getContourColor(), {}, false);
+    }
+}
+
+// Which colour is which number: another grid, of one column.
+void Axes::Impl::drawColorBar(const PlotPaper& paper)
+{
+    if (maps.empty() || maps.front()->getColumns() == 0)
+        return;
+    static const std::vector<float> s_shares = []
+    {
+        std::vector<float> shares(ColorMap::cSize);
+        for (std::size_t i = 0; i < shares.size(); ++i)
+            shares[i] = static_cast<float>(i);
+        return shares;
+    }();
+    const HeatMap& map = *maps.front();
+    const double scale = paper.scale, pixel = std::max(1.0, std::round(paper.style.lineWidth * scale));
+    const double tick = cTick * scale, end = hasRight() ? cTick + cLabelGap + rightWidth + cPad : 0;
+    const double left = std::round((area.right + end + cBarGap) * scale);
+    const double barRight = left + std::round(cBarWidth * scale);
+    const double top = std::round(area.top * scale), bottom = std::round(area.bottom * scale);
+    PlotScene::GridLook look{~map.getID(),
+                             map.getVersion(),
+                             &map.getColorMap(),
+                             s_shares,
+                             1,
+                             s_shares.size(),
+                             0,
+                             static_cast<double>(ColorMap::cSize - 1)};
+    look.toPlace = {1, -static_cast<double>(ColorMap::cSize) / (bottom - top), -left + 0.25,
+                    bottom * static_cast<double>(ColorMap::cSize) / (bottom - top)};
+    look.toCell = {0, 1, 0.5, 0};
+    paper.scene.addRect({left - pixel, top - pixel, barRight + pixel, bottom + pixel}, paper.style.ink);
+    paper.scene.addGrid({left, top, barRight, bottom}, std::move(look));
+    const TextStyle style = labelStyle(paper.style);
+    const AxisMap heights(colors.axis, area.bottom, area.top);
+    const double at = barRight / scale;
+    for (const Ticks::Tick& label : colors.ticks.getTicks())
+    {
+        const Hairline line = hairline(heights.toPixel(label.value) * scale, pixel);
+        paper.scene.addRect({barRight + pixel, line.from, barRight + pixel + tick, line.to}, paper.style.ink);
+        paper.texts.add(label.label, style, {at + cTick + cLabelGap, heights.toPixel(label.value)}, Anchor::Left);
+    }
+    paper.texts.add(colors.ticks.getNote(), style, {at, area.top - style.size}, Anchor::BottomRight);
+    paper.texts.add(map.getTitle(), axisTitleStyle(paper.style),
+                    {at + cTick + cLabelGap + colorsWidth + cTitleGap, (area.top + area.bottom) / 2}, Anchor::Bottom,
+                    -90);
 }
 
 void Axes::Impl::drawSeries(const PlotPaper& paper)
@@ -406,6 +520,7 @@ void Axes::Impl::draw(const Rect& newFrame, const PlotPaper& paper)
     paper.scene.setClip(pixels);
     if (paper.style.area != paper.style.background)
         paper.scene.addRect(pixels, paper.style.area);
+    drawMaps(paper);
     if (!isBare)
         drawGrid(paper);
     drawSeries(paper);
@@ -415,6 +530,7 @@ void Axes::Impl::draw(const Rect& newFrame, const PlotPaper& paper)
     drawFrame(paper);
     drawTickTexts(paper);
     drawTitles(paper);
+    drawColorBar(paper);
     drawLegend(paper);
 }
 

@@ -168,6 +168,7 @@ void Plot::Impl::build(const td::Size<double>& newSize, double newScale)
         top = bottom;
     }
     texts.finish();
+    geometry.finish();
     builtVersion = getVersion();
     isOverlayChanged = true;
 }

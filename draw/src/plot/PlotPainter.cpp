@@ -30,11 +30,13 @@ struct PassShaders
 };
 
 // In the order of PlotScene::Kind, and lines with dashes.
-constexpr std::array<PassShaders, 4> cPassShaders{{{":draw/plotmark.vert", ":draw/plotmark.frag", ""},
+constexpr std::array<PassShaders, 6> cPassShaders{{{":draw/plotmark.vert", ":draw/plotmark.frag", ""},
                                                    {":draw/plottile.vert", ":draw/plotline.frag", ""},
                                                    {":draw/plottile.vert", ":draw/plotarea.frag", ""},
+                                                   {":draw/plotmark.vert", ":draw/plotmark.frag", "#define CLOUD\n"},
+                                                   {":draw/plotgrid.vert", ":draw/plotgrid.frag", ""},
                                                    {":draw/plottile.vert", ":draw/plotline.frag", "#define DASHES\n"}}};
-constexpr std::size_t cDashedLine = 3, cMostDashes = 8;
+constexpr std::size_t cDashedLine = 5, cMostDashes = 8;
 
 // Some room beyond what is needed, since the next frame may need a little more.
 constexpr std::size_t cTableStep = 4096;
@@ -78,6 +80,25 @@ public:
             setUniformValue(_toColor, premultiplied(pass.shade.to));
             setUniformValue(_shadeY, glm::vec2(pass.shade.fromY, pass.shade.toY));
         }
+        else if (pass.kind == PlotScene::Kind::Grid)
+        {
+            const PlotScene::GridLook& grid = *pass.pGrid;
+            const auto toVector = [](const std::array<double, 4>& v) { return glm::vec4(v[0], v[1], v[2], v[3]); };
+            setUniformValue(_box, glm::vec4(pass.box.left, pass.box.top, pass.box.right, pass.box.bottom));
+            setUniformValue(_toPlace, toVector(grid.toPlace));
+            setUniformValue(_toCell, toVector(grid.toCell));
+            setUniformValue(_look,
+                            glm::vec4(grid.areLogarithmic[0], grid.areLogarithmic[1], grid.isSmooth, grid.nSamples));
+            setUniformValue(_cells, glm::vec2(grid.columns, grid.rows));
+            setUniformValue(_range, glm::vec2(grid.low, (ColorMap::cSize - 1) / (grid.high - grid.low)));
+        }
+        else if (pass.kind == PlotScene::Kind::Cloud)
+        {
+            setUniformValue(_toPixels,
+                            glm::vec4(pass.toPixels[0], pass.toPixels[1], pass.toPixels[2], pass.toPixels[3]));
+            setUniformValue(_look, glm::vec4(PlotScene::shapeOf(pass.marker), pass.size / 2, pass.edgeWidth, 0));
+            setUniformValue(_edge, premultiplied(pass.edge));
+        }
     }
 
 protected:
@@ -91,6 +112,14 @@ protected:
         _fromColor = find("fromColor");
         _toColor = find("toColor");
         _shadeY = find("shadeY");
+        _toPixels = find("toPixels");
+        _look = find("look");
+        _edge = find("edge");
+        _box = find("box");
+        _toPlace = find("toPlace");
+        _toCell = find("toCell");
+        _cells = find("cells");
+        _range = find("range");
         _nDashes = find("nDashes");
         for (std::size_t i = 0; i < cMostDashes; ++i)
             _dashes[i] = find(("dashes[" + std::to_string(i) + "]").c_str());
@@ -109,7 +138,8 @@ private:
     }
 
     unsigned int _base = 0, _halfSize = 0, _halfWidth = 0, _lineColor = 0, _fromColor = 0, _toColor = 0, _shadeY = 0;
-    unsigned int _nDashes = 0;
+    unsigned int _nDashes = 0, _toPixels = 0, _look = 0, _edge = 0;
+    unsigned int _box = 0, _toPlace = 0, _toCell = 0, _cells = 0, _range = 0;
     std::array<unsigned int, cMostDashes> _dashes{};
 };
 
@@ -135,6 +165,45 @@ PlotPainter::PassProgram* PlotPainter::programFor(std::size_t number)
     return pProgram->isOK() ? pProgram.get() : nullptr;
 }
 
+PlotPainter::Kept& PlotPainter::keep(std::uint64_t id, AllKept& all, gl::BufferTexture::Format format)
+{
+    std::unique_ptr<Kept>& pKept = all[id];
+    if (!pKept)
+        pKept = std::make_unique<Kept>(format);
+    pKept->isUsed = true;
+    return *pKept;
+}
+
+bool PlotPainter::bindCloud(const PlotScene::Cloud& cloud)
+{
+    Kept& kept = keep(cloud.id, _clouds, gl::BufferTexture::Format::UInt4);
+    if (kept.version != cloud.version || kept.table.getSize() == 0)
+    {
+        // Other numbers of them are other tables, with what was there forgotten.
+        if (!kept.table.resize(cloud.texels.size()))
+            return fail("there is no room for its markers");
+        kept.table.write(0, cloud.texels.data(), cloud.texels.size());
+        kept.version = cloud.version;
+    }
+    kept.table.bind(cTableUnit);
+    return true;
+}
+
+bool PlotPainter::bindGrid(const PlotScene::GridLook& grid)
+{
+    Kept& kept = keep(grid.id, _grids, gl::BufferTexture::Format::UInt);
+    if (kept.version != grid.version || kept.table.getSize() == 0)
+    {
+        if (!kept.table.resize(ColorMap::cSize + grid.values.size()))
+            return fail("there is no room for its cells");
+        kept.table.write(0, grid.pMap->getColors().data(), ColorMap::cSize);
+        kept.table.write(ColorMap::cSize, grid.values.data(), grid.values.size());
+        kept.version = grid.version;
+    }
+    kept.table.bind(cTableUnit);
+    return true;
+}
+
 bool PlotPainter::draw(const PlotScene& scene, bool isChanged)
 {
     if (gl::CurrentContext::getID() == 0)
@@ -144,10 +213,15 @@ bool PlotPainter::draw(const PlotScene& scene, bool isChanged)
         _contextID = gl::CurrentContext::getID();
         _programs = {};
         _table.release();
+        _clouds.clear();
+        _grids.clear();
         isChanged = true;
     }
     if (scene.isEmpty())
         return true;
+    for (AllKept* pAll : {&_clouds, &_grids})
+        for (auto& [id, pKept] : *pAll)
+            pKept->isUsed = false;
     const std::vector<PlotScene::Texel>& texels = scene.getTexels();
     if (isChanged || _table.getSize() < texels.size())
     {
@@ -176,11 +250,17 @@ bool PlotPainter::draw(const PlotScene& scene, bool isChanged)
         const int bottom = static_cast<int>(std::ceil(pass.clip.bottom));
         gl::Context::setScissor(viewport[0] + left, viewport[1] + viewport[3] - bottom, std::max(right - left, 0),
                                 std::max(bottom - top, 0));
+        if ((pass.pCloud != nullptr && !bindCloud(*pass.pCloud)) || (pass.pGrid && !bindGrid(*pass.pGrid)))
+            return false;
         pProgram->activateFor(pass, {viewport[2], viewport[3]});
         const gl::Quads::Range range{0, pass.count};
         if (!_quads.draw(std::span(&range, 1)))
             return fail("there is no vertex array");
+        if (pass.pCloud != nullptr || pass.pGrid)
+            _table.bind(cTableUnit);
     }
+    for (AllKept* pAll : {&_clouds, &_grids})
+        std::erase_if(*pAll, [](const auto& entry) { return !entry.second->isUsed; });
     _lastFailure = nullptr;
     return true;
 }

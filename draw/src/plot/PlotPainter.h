@@ -9,7 +9,9 @@
 #include <td/Size.h>
 
 #include <array>
+#include <cstdint>
 #include <memory>
+#include <unordered_map>
 
 namespace gui::draw
 {
@@ -32,7 +34,26 @@ private:
     PassProgram* programFor(std::size_t number);
     bool fail(const char* reason);
 
-    std::array<std::unique_ptr<PassProgram>, 4> _programs;
+    /// What the GPU has of a cloud, or of a grid.
+    struct Kept
+    {
+        explicit Kept(gl::BufferTexture::Format format)
+            : table(format)
+        {
+        }
+
+        gl::BufferTexture table;
+        std::size_t version = 0;
+        bool isUsed = true;
+    };
+    using AllKept = std::unordered_map<std::uint64_t, std::unique_ptr<Kept>>;
+
+    static Kept& keep(std::uint64_t id, AllKept& all, gl::BufferTexture::Format format);
+    bool bindCloud(const PlotScene::Cloud& cloud);
+    bool bindGrid(const PlotScene::GridLook& grid);
+
+    std::array<std::unique_ptr<PassProgram>, 6> _programs;
+    AllKept _clouds, _grids; // by numbers of series and maps
     gl::BufferTexture _table{gl::BufferTexture::Format::UInt4};
     gl::Quads _quads;
     gl::CurrentContext::ID _contextID = 0;

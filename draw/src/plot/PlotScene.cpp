@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace gui::draw
 {
@@ -70,14 +71,37 @@ void PlotScene::addMark(Marker marker, double x, double y, double size, td::Colo
 {
     if (marker == Marker::None)
         return;
-    addMarkRecord(x, y, size / 2, size / 2, cFirstMarker + static_cast<std::uint32_t>(marker) - 1, color, edge,
-                  edgeWidth);
+    addMarkRecord(x, y, size / 2, size / 2, shapeOf(marker), color, edge, edgeWidth);
+}
+
+std::uint32_t PlotScene::shapeOf(Marker marker) { return cFirstMarker + static_cast<std::uint32_t>(marker) - 1; }
+
+void PlotScene::addCloud(const Cloud& cloud, const std::array<double, 4>& toPixels, Marker marker, double size,
+                         double edgeWidth, td::Color edge)
+{
+    Pass& pass = beginPass(Kind::Cloud);
+    pass.first = 0;
+    pass.count = static_cast<std::uint32_t>(cloud.texels.size());
+    pass.pCloud = &cloud;
+    pass.toPixels = toPixels;
+    pass.marker = marker;
+    pass.size = size;
+    pass.edgeWidth = edgeWidth;
+    pass.edge = edge;
+}
+
+void PlotScene::addGrid(const Rect& box, GridLook look)
+{
+    Pass& pass = beginPass(Kind::Grid);
+    pass.count = 1;
+    pass.box = box;
+    pass.pGrid = std::make_shared<GridLook>(std::move(look));
 }
 
 void PlotScene::addTile(const Tile& tile, std::size_t base, std::uint32_t stride)
 {
     _texels.push_back({bits(tile.left), bits(std::floor(tile.top)), bits(tile.right), bits(std::ceil(tile.bottom))});
-    _texels.push_back({static_cast<std::uint32_t>(base) + tile.first * stride, tile.end - tile.first, 0, 0});
+    _texels.push_back({static_cast<std::uint32_t>(base) + tile.first * stride, tile.end - tile.first, tile.own, 0});
 }
 
 // A quad for each column of pixels that pieces come near, or for several of them where that costs less: each pixel
@@ -177,7 +201,7 @@ void PlotScene::addLine(const std::vector<Segment>& segments, double halfWidth, 
                             top = std::min(top, std::min(a, b) - reach);
                             bottom = std::max(bottom, std::max(a, b) + reach);
                         });
-    // Each by itself: where they cross, both are seen.
+    // Each by itself, and with those that it meets: where others cross, both are seen.
     pass.first = static_cast<std::uint32_t>(_texels.size());
     pass.count = static_cast<std::uint32_t>(segments.size());
     for (std::uint32_t i = 0; i < pass.count; ++i)
@@ -185,7 +209,7 @@ void PlotScene::addLine(const std::vector<Segment>& segments, double halfWidth, 
         const Segment& s = segments[i];
         addTile({static_cast<int>(std::floor(std::min(s.x0, s.x1) - reach)),
                  static_cast<int>(std::ceil(std::max(s.x0, s.x1) + reach)), std::min(s.y0, s.y1) - reach,
-                 std::max(s.y0, s.y1) + reach, i, i + 1},
+                 std::max(s.y0, s.y1) + reach, i > 0 ? i - 1 : 0, std::min(i + 2, pass.count), i > 0 ? 2U : 1U},
                 base, stride);
     }
 }

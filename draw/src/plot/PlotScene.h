@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gui/draw/ColorMap.h>
 #include <gui/draw/Marker.h>
 
 #include <td/Color.h>
@@ -9,6 +10,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <vector>
 
 namespace gui::draw
@@ -39,11 +42,41 @@ public:
         double fromY = 0, toY = 1;
     };
 
+    /// Markers that the GPU has once and places by itself, until their series changes: a texel for each, with its place
+    /// from 0 to 1 in a rectangle, and its colour.
+    struct Cloud
+    {
+        std::uint64_t id = 0;
+        std::size_t version = 0;
+        bool isLogarithmicX = false, isLogarithmicY = false;
+        double lowX = 0, lowY = 0, lengthX = 1, lengthY = 1; // of the rectangle, in places of the axes
+        td::Color color;
+        std::vector<Texel> texels;
+    };
+
     enum class Kind : td::BYTE
     {
         Marks,
         Line,
-        Area
+        Area,
+        Cloud,
+        Grid
+    };
+
+    /// A rectangle of cells.
+    struct GridLook
+    {
+        std::uint64_t id = 0;
+        std::size_t version = 0;
+        const ColorMap* pMap = nullptr;
+        std::span<const float> values;
+        std::size_t columns = 0, rows = 0;
+        double low = 0, high = 1;
+        bool isSmooth = false;
+        int nSamples = 1; ///< in a pixel, each way
+        std::array<bool, 2> areLogarithmic{};
+        std::array<double, 4> toPlace{}; ///< from pixels: factors of x and y, and what is added
+        std::array<double, 4> toCell{};  ///< from values to cells
     };
 
     struct Pass
@@ -55,6 +88,13 @@ public:
         float halfWidth = 0;
         Shade shade;
         std::vector<float> dashes{};
+        const Cloud* pCloud = nullptr;
+        std::array<double, 4> toPixels{}; ///< of a cloud: factors of x and y, and what is added
+        Marker marker = Marker::None;
+        double size = 0, edgeWidth = 0;
+        td::Color edge{};
+        Rect box{};
+        std::shared_ptr<const GridLook> pGrid{};
     };
 
     void clear();
@@ -77,8 +117,19 @@ public:
     /// Slabs in the order of x.
     void addArea(const std::vector<Slab>& slabs, const Shade& shade);
 
+    /// @param cloud  must live as long as this is drawn
+    void addCloud(const Cloud& cloud, const std::array<double, 4>& toPixels, Marker marker, double size,
+                  double edgeWidth, td::Color edge);
+
+    /// @param look  its map and values must live as long as this is drawn
+    void addGrid(const Rect& box, GridLook look);
+
     const std::vector<Texel>& getTexels() const { return _texels; }
     const std::vector<Pass>& getPasses() const { return _passes; }
+
+    static std::uint32_t bits(double value) { return std::bit_cast<std::uint32_t>(static_cast<float>(value)); }
+    /// The shaders' number of a marker.
+    static std::uint32_t shapeOf(Marker marker);
 
 private:
     struct Tile
@@ -86,9 +137,9 @@ private:
         int left, right; // columns of pixels
         double top, bottom;
         std::uint32_t first, end;
+        std::uint32_t own = 0; // the number of the piece whose pixels these are, from 1 on; 0 for all of them
     };
 
-    static std::uint32_t bits(double value) { return std::bit_cast<std::uint32_t>(static_cast<float>(value)); }
     void addMarkRecord(double x, double y, double halfWidth, double halfHeight, std::uint32_t shape, td::Color color,
                        td::Color edge, double number);
     Pass& beginPass(Kind kind);

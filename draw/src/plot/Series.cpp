@@ -27,6 +27,8 @@ Series::Series(Kind kind, SeriesStyle style)
     : _kind(kind)
     , _style(std::move(style))
 {
+    static std::uint64_t s_nSeries = 0;
+    _id = ++s_nSeries;
 }
 
 Series::~Series() = default;

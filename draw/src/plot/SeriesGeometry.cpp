@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace gui::draw
 {
@@ -13,6 +14,7 @@ namespace
 // So many samples in a column of pixels are drawn one by one; of more there are four numbers.
 constexpr double cFewPerColumn = 4;
 constexpr std::size_t cMostUnsorted = 100'000;
+constexpr std::size_t cManyMarkers = 4000;
 
 // Lines go on so far beyond what is seen, in pixels, before they are cut off.
 constexpr double cBeyond = 64;
@@ -344,6 +346,87 @@ void SeriesGeometry::addMarkers(const Extent& extent, PlotScene& scene)
     }
 }
 
+// Many markers: the GPU keeps them, and a frame costs no time here. Floats are too coarse for small parts of them.
+bool SeriesGeometry::addCloud(PlotScene& scene)
+{
+    const Series& series = *_pSeries;
+    const SeriesStyle& style = series.getStyle();
+    const std::size_t first = series.getFirst(), n = series.size() - first;
+    std::unique_ptr<KeptCloud>& pKept = _clouds[series.getID()];
+    if (!pKept)
+        pKept = std::make_unique<KeptCloud>();
+    pKept->isUsed = true;
+    PlotScene::Cloud& cloud = pKept->cloud;
+    const AxisMap &x = _pView->x, &y = _pView->y;
+    if (cloud.version != series.getVersion() || cloud.isLogarithmicX != x.isLogarithmic ||
+        cloud.isLogarithmicY != y.isLogarithmic || cloud.color != _color)
+    {
+        const auto toPlace = [](const AxisMap& map, double value)
+        { return map.isLogarithmic ? std::log10(value) : value; };
+        std::vector<double> xs(n), ys(n), values;
+        series.getXs().read(first, xs);
+        series.getColumn(0).read(first, ys);
+        Range colors;
+        if (series.getColorMap())
+        {
+            colors = series.getColorRange();
+            values.resize(n);
+            series.getColorValues().read(first, values);
+        }
+        double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
+        for (std::size_t i = 0; i < n; ++i)
+        {
+            xs[i] = toPlace(x, xs[i]);
+            ys[i] = toPlace(y, ys[i]);
+            if (!std::isfinite(xs[i]) || !std::isfinite(ys[i]))
+                continue;
+            low[0] = std::min(low[0], xs[i]);
+            high[0] = std::max(high[0], xs[i]);
+            low[1] = std::min(low[1], ys[i]);
+            high[1] = std::max(high[1], ys[i]);
+        }
+        if (!(low[0] <= high[0]))
+            return true;
+        cloud = {series.getID(),
+                 series.getVersion(),
+                 x.isLogarithmic,
+                 y.isLogarithmic,
+                 low[0],
+                 low[1],
+                 std::max(high[0] - low[0], 1e-300),
+                 std::max(high[1] - low[1], 1e-300),
+                 _color,
+                 {}};
+        cloud.texels.reserve(n);
+        for (std::size_t i = 0; i < n; ++i)
+        {
+            if (!std::isfinite(xs[i]) || !std::isfinite(ys[i]))
+                continue;
+            const td::Color color =
+                values.empty() ? _color
+                               : series.getColorMap()->getColor((values[i] - colors.low) / (colors.high - colors.low));
+            cloud.texels.push_back({PlotScene::bits((xs[i] - cloud.lowX) / cloud.lengthX),
+                                    PlotScene::bits((ys[i] - cloud.lowY) / cloud.lengthY), color.rgba(), 0});
+        }
+    }
+    // A thousandth of a pixel at the far end of the floats' 24 bits.
+    constexpr double cMostPixels = 1 << 20;
+    const double width = cloud.lengthX * x.perPlace, height = cloud.lengthY * y.perPlace;
+    if (std::abs(width) > cMostPixels || std::abs(height) > cMostPixels)
+        return false;
+    const double scale = _pView->pixelsPerPoint;
+    scene.addCloud(
+        cloud,
+        {width, height, x.origin + (cloud.lowX - x.low) * x.perPlace, y.origin + (cloud.lowY - y.low) * y.perPlace},
+        style.marker, style.markerSize * scale, style.edgeWidth * scale, style.edgeColor);
+    return true;
+}
+
+void SeriesGeometry::finish()
+{
+    std::erase_if(_clouds, [](auto& entry) { return !std::exchange(entry.second->isUsed, false); });
+}
+
 void SeriesGeometry::addErrors(const Extent& extent, PlotScene& scene)
 {
     const double scale = _pView->pixelsPerPoint;
@@ -443,7 +526,10 @@ void SeriesGeometry::add(const Series& series, const View& view, PlotScene& scen
     else if (kind == Kind::Stems || kind == Kind::Bars)
         addUprights(extent, scene);
     else if (kind == Kind::Scatter)
-        addMarkers(extent, scene);
+    {
+        if (extent.end - extent.first < cManyMarkers || !addCloud(scene))
+            addMarkers(extent, scene);
+    }
     else if (kind == Kind::Candles)
         addCandles(extent, scene);
 }

@@ -6,6 +6,9 @@
 #include <gui/draw/Series.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace gui::draw
@@ -32,6 +35,8 @@ public:
     };
 
     void add(const Series& series, const View& view, PlotScene& scene);
+    /// Forgets the clouds of series that were not added since the last call.
+    void finish();
 
     /// Which samples a part of the x axis has. Of samples in no order: all.
     static Extent extentOf(const Series& series, double low, double high);
@@ -60,6 +65,7 @@ private:
     void addArea(const Extent& extent, const Samples* pOther, PlotScene& scene);
     void addUprights(const Extent& extent, PlotScene& scene);
     void addMarkers(const Extent& extent, PlotScene& scene);
+    bool addCloud(PlotScene& scene);
     void addErrors(const Extent& extent, PlotScene& scene);
     void addCandles(const Extent& extent, PlotScene& scene);
     double barWidthOf(const Extent& extent) const;
@@ -74,6 +80,12 @@ private:
     std::vector<Range> _ranges, _otherRanges;
     std::vector<Segment> _segments;
     std::vector<Slab> _slabs;
+    struct KeptCloud
+    {
+        PlotScene::Cloud cloud;
+        bool isUsed = true;
+    };
+    std::unordered_map<std::uint64_t, std::unique_ptr<KeptCloud>> _clouds;
 };
 
 } // namespace gui::draw

@@ -1,5 +1,5 @@
 // What lies between two lines, of each pixel the exact part.
-flat in ivec2 pieces;
+flat in ivec3 pieces;
 noperspective in vec2 pixel;
 uniform vec4 fromColor; // times their alphas
 uniform vec4 toColor;

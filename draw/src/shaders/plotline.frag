@@ -1,6 +1,6 @@
 // A line with round joins and ends: as much of a pixel as the nearest of its pieces covers, so that none is covered
 // twice.
-flat in ivec2 pieces;
+flat in ivec3 pieces;
 noperspective in vec2 pixel;
 uniform float halfWidth;
 uniform vec4 lineColor; // times its alpha
@@ -13,6 +13,7 @@ out vec4 color;
 void main()
 {
     float nearest = 1e9;
+    int which = 0;
     for (int i = 0; i < pieces.y; ++i)
     {
 #ifdef DASHES
@@ -37,13 +38,21 @@ void main()
         vec2 rest = from - share * along;
         // A dash ends square to the line.
         float d = length(rest);
-        nearest = min(nearest, off > 0.0 ? max(d, halfWidth + off) : d);
+        d = off > 0.0 ? max(d, halfWidth + off) : d;
 #else
-        nearest = min(nearest, length(from - share * along));
-        if (nearest + 0.5 <= halfWidth)
-            break;
+        float d = length(from - share * along);
 #endif
+        if (d < nearest)
+        {
+            nearest = d;
+            which = i + 1;
+        }
+        if (nearest + 0.5 <= halfWidth && pieces.z == 0)
+            break;
     }
+    // Where pieces in no order meet, each pixel is the nearest one's.
+    if (pieces.z != 0 && pieces.z != which)
+        discard;
     // The part of a pixel's width that lies in the line, also where that is narrower.
     float covered = clamp(halfWidth - nearest + 0.5, 0.0, 1.0) - clamp(-halfWidth - nearest + 0.5, 0.0, 1.0);
     color = lineColor * covered;

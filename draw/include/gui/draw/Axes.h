@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Axis.h"
+#include "HeatMap.h"
 #include "PlotStyle.h"
 #include "Series.h"
 
@@ -63,8 +64,11 @@ public:
 
     /// @return the series, which lives until it is removed
     Series& add(Series series);
+    /// Below all series. @return the map, which lives until clear
+    HeatMap& add(HeatMap map);
     /// @return false for one that is not here
     bool remove(const Series& series);
+    /// Removes all series and maps.
     void clear();
     std::size_t getNumberOfSeries() const;
     Series& getSeries(std::size_t i); ///< in the order in which they were added; i below their number (an assertion)

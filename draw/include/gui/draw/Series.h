@@ -8,6 +8,7 @@
 #include <td/Types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
@@ -125,6 +126,8 @@ public:
 
     /// Counts changes of what is seen.
     std::size_t getVersion() const { return _version; }
+    /// A number of its own, which it keeps when it is moved, and which is never given twice.
+    std::uint64_t getID() const { return _id; }
 
 private:
     friend class Axes;
@@ -146,6 +149,7 @@ private:
     Samples _colorValues;
     std::optional<double> _colorLow, _colorHigh;
     std::size_t _version = 1;
+    std::uint64_t _id;
     std::function<void()> _onChange;
 };
 

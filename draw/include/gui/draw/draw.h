@@ -11,6 +11,7 @@
 #include "FillTessellator.h"
 #include "FontTag.h"
 #include "GlyphImage.h"
+#include "HeatMap.h"
 #include "Image.h"
 #include "Labels.h"
 #include "Marker.h"

@@ -1,0 +1,419 @@
+#include <gui/draw/Plot.h>
+
+#include <support/OffscreenGL.h>
+#include <support/Pictures.h>
+
+#include <gui/InputDevice.h>
+#include <gui/Key.h>
+#include <gui/Texture.h>
+#include <gui/gl/FrameLedger.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace
+{
+
+using namespace gui::draw;
+using gui::InputDevice;
+
+constexpr td::Size<double> cSize{640, 400};
+constexpr double cNaN = std::numeric_limits<double>::quiet_NaN();
+
+class PlotTest : public test::OffscreenGL
+{
+protected:
+    PlotTest()
+        : OffscreenGL({640, 400})
+    {
+    }
+
+    void draw(Plot& plot)
+    {
+        ASSERT_TRUE(plot.draw(cSize));
+        ASSERT_TRUE(context().readPixels(picture));
+    }
+
+    // How dark a pixel is, 0 for white.
+    int darkness(int x, int y) const
+    {
+        const td::BYTE* p = picture.getBytes() + 3 * (y * picture.getWidth() + x);
+        return 255 - (p[0] + p[1] + p[2]) / 3;
+    }
+
+    gui::Texture picture;
+};
+
+InputDevice at(double x, double y, unsigned int modifiers = 0)
+{
+    const td::Point<double> point(x, y);
+    return {point, point, point, modifiers, InputDevice::Type::Mouse, InputDevice::Button::Primary};
+}
+
+void makeBare(Plot& plot)
+{
+    PlotStyle style;
+    style.colors = {"#000000"};
+    plot.setStyle(style);
+    plot.setCrosshair(false);
+    plot.axes().setBare(true);
+}
+
+// A column that shows less than its samples, or more; columns that move against their samples when the view does; gaps.
+TEST_F(PlotTest, EachColumnShowsItsLowestAndHighestAtAnyZoom)
+{
+    std::mt19937 random(5);
+    std::vector<double> values(400'000);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = i % 50'000 < 3000 ? cNaN
+                                      : 0.3 * std::sin(1e-3 * static_cast<double>(i)) +
+                                            0.1 * static_cast<double>(random() % 1000) / 1000;
+    values[200'777] = 0.9; // one peak alone
+    Plot plot;
+    makeBare(plot);
+    Series& series = plot.add(Series::line(values, {.width = 1}));
+    plot.axes().y().setRange(-1, 1);
+    for (const auto& [low, high] :
+         {std::pair(0.0, 400'000.0), std::pair(123'456.7, 321'000.3), std::pair(190'000.5, 200'810.25)})
+    {
+        plot.axes().x().setRange(low, high);
+        draw(plot);
+        const double perPixel = (high - low) / cSize.width;
+        for (int x = 1; x < 639; ++x)
+        {
+            const std::size_t first = series.findX(low + x * perPixel), end = series.findX(low + (x + 1) * perPixel);
+            const Samples::Range range = series.getColumn(0).getRange(first, end);
+            const auto rowOf = [](double value) { return (1 - value) / 2 * cSize.height; };
+            int top = 0, bottom = 399;
+            while (top < 400 && darkness(x, top) < 128)
+                ++top;
+            while (bottom >= 0 && darkness(x, bottom) < 128)
+                --bottom;
+            if (range.isEmpty())
+            {
+                // Lines of neighbours come half a pixel near.
+                EXPECT_GT(top, bottom) << x << " of " << low;
+                continue;
+            }
+            ASSERT_LE(top, bottom) << x << " of " << low;
+            // A line of one pixel covers the pixels at its ends by half of them or more, and goes on to its neighbours'
+            // ends.
+            EXPECT_LE(top, rowOf(range.high) + 1.5) << x << " of " << low;
+            EXPECT_GE(bottom + 1, rowOf(range.low) - 1.5) << x << " of " << low;
+        }
+    }
+    draw(plot);
+    int top = 399;
+    for (int x = 0; x < 640; ++x)
+        for (int y = 0; y < top; ++y)
+            if (darkness(x, y) > 100)
+                top = y;
+    EXPECT_NEAR(top, 20, 1.5) << "the peak";
+}
+
+// Sums of coverings where pieces meet, which make joins darker, and lines that are thicker where they are steep.
+TEST_F(PlotTest, LinesAndAreasCoverAsMuchAsTheyShould)
+{
+    Plot plot;
+    makeBare(plot);
+    plot.axes().x().setRange(0, 64);
+    plot.axes().y().setRange(0, 40);
+    td::Color grey("#00000080");
+    plot.add(Series::line({10, 30, 10, 30, 10}, {.color = grey, .width = 6}).setX(2, 10));
+    const std::vector<double> hookX{50, 60, 60, 50}, hookY{5, 5, 35, 35};
+    plot.add(Series::line(hookX, hookY, {.color = grey, .width = 6})); // back and forth: in no order
+    draw(plot);
+    double sum = 0;
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 640; ++x)
+        {
+            EXPECT_LE(darkness(x, y), 129) << x << ' ' << y;
+            sum += darkness(x, y) / 128.0;
+        }
+    // Lengths times the width, round ends and joins apart.
+    const double zigzag = 4 * std::hypot(100, 200), hook = 2 * 100 + 300;
+    EXPECT_NEAR(sum, 6 * (zigzag + hook), 0.01 * 6 * (zigzag + hook));
+
+    plot.axes().clear();
+    plot.add(Series::area({10, 30, -5, 20}, {.width = 0, .fill = "#000000"}).setX(10.3, 10));
+    plot.axes().y().setRange(-20, 40);
+    draw(plot);
+    sum = 0;
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 640; ++x)
+            sum += darkness(x, y) / 255.0;
+    // The trapezoids above and below the base line, in pixels.
+    const double unit = 10.0 * 400 / 60; // pixels of a unit square
+    const double down = 30 * (10 * 30.0 / 35) / 2 + 5 * (10 * 5.0 / 35) / 2, up = 5 * 2.0 / 2 + 20 * 8.0 / 2;
+    EXPECT_NEAR(sum, (10 * 20 + down + up) * unit, 0.003 * (10 * 20 + down + up) * unit);
+}
+
+// Axes that jump under the pointer, boxes that show something else, ranges that never come back.
+TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
+{
+    Plot plot(2, 1);
+    plot.linkX();
+    plot.add(Series::line(std::vector<float>(1001, 1.0F)));
+    plot.axes(1).add(Series::line({1, 5, 2}).setX(0, 500));
+    draw(plot);
+    Axes& axes = plot.axes(1);
+    const Axes::Rect area = axes.getArea();
+    const Axes::Point from{area.left + 100, area.top + 50};
+    const Axes::Point value = axes.toValues(from);
+    plot.onPressed(at(from.x, from.y));
+    plot.onDragged(at(from.x + 60, from.y + 20));
+    plot.onReleased(at(from.x + 60, from.y + 20));
+    draw(plot);
+    EXPECT_NEAR(axes.toPoint(value.x, value.y).x, from.x + 60, 0.01);
+    EXPECT_NEAR(axes.toPoint(value.x, value.y).y, from.y + 20, 0.01);
+    EXPECT_EQ(plot.axes(0).x().getRange(), axes.x().getRange()) << "linked";
+
+    InputDevice wheel({0, 15}, {0, 0}, {0, 0}, 0, InputDevice::Type::Mouse, InputDevice::Button::Wheel);
+    gui::InputDeviceHelper(&wheel).setPlace(from);
+    const Axes::Point kept = axes.toValues(from);
+    ASSERT_TRUE(plot.onScroll(wheel));
+    draw(plot);
+    EXPECT_NEAR(axes.toPoint(kept.x, kept.y).x, from.x, 0.01);
+    // On the numbers of y, y alone.
+    const Ticks::Range x = axes.x().getRange(), y = axes.y().getRange();
+    gui::InputDeviceHelper(&wheel).setPlace({area.left - 20, from.y});
+    ASSERT_TRUE(plot.onScroll(wheel));
+    EXPECT_EQ(axes.x().getRange(), x);
+    EXPECT_FALSE(axes.y().getRange() == y);
+
+    draw(plot);
+    const Axes::Point a = axes.toValues({area.left + 50, area.bottom - 20});
+    const Axes::Point b = axes.toValues({area.left + 250, area.top + 10});
+    const auto shift = static_cast<unsigned int>(gui::KeyModifier::Shift);
+    plot.onPressed(at(area.left + 50, area.bottom - 20, shift));
+    plot.onDragged(at(area.left + 250, area.top + 10, shift));
+    draw(plot); // with the box
+    plot.onReleased(at(area.left + 250, area.top + 10, shift));
+    EXPECT_NEAR(axes.x().getRange().low, a.x, 1e-6);
+    EXPECT_NEAR(axes.x().getRange().high, b.x, 1e-6);
+    EXPECT_NEAR(axes.y().getRange().low, a.y, 1e-9);
+    EXPECT_NEAR(axes.y().getRange().high, b.y, 1e-9);
+
+    plot.onDoubleClick(at(from.x, from.y));
+    draw(plot);
+    EXPECT_EQ(axes.x().getRange(), (Ticks::Range{0, 1000}));
+    EXPECT_NEAR(axes.y().getRange().low, 0.8, 1e-9);
+    const std::optional<Axes::Hit> hit = axes.findNearest(axes.toPoint(501, 4.9), 20);
+    ASSERT_TRUE(hit);
+    EXPECT_EQ(hit->index, 1U);
+    EXPECT_EQ(hit->y, 5);
+}
+
+// A year of samples by the second, at which floats no longer tell one from the next.
+TEST_F(PlotTest, FarCoordinatesStayExact)
+{
+    const double start = 1.7e9;
+    Plot plot;
+    makeBare(plot);
+    plot.axes().x().setScale(Scale::time());
+    plot.add(Series::steps(Samples::computed(31'536'000,
+                                             [](std::size_t first, std::span<double> values)
+                                             {
+                                                 for (std::size_t i = 0; i < values.size(); ++i)
+                                                     values[i] = static_cast<double>((first + i) % 2);
+                                             }),
+                           {.width = 2})
+                 .setX(start, 1));
+    plot.axes().x().setRange(start + 30'000'000 - 0.25, start + 30'000'000 + 3.75);
+    plot.axes().y().setRange(-0.5, 1.5);
+    draw(plot);
+    // Rises at 30,000,001, a quarter of the width from the sample before, and so on.
+    for (const int x : {200, 360, 520})
+    {
+        EXPECT_GT(darkness(x, 200), 250) << x;
+        EXPECT_EQ(darkness(x - 3, 200), 0) << x;
+        EXPECT_EQ(darkness(x + 3, 200), 0) << x;
+    }
+    EXPECT_GT(darkness(280, 100), 250);
+    EXPECT_GT(darkness(120, 300), 250);
+}
+
+// Uploads at rest; frames that are missed, or drawn for nothing; old samples that stay.
+TEST_F(PlotTest, LiveSeriesAskForFramesAndRestCostsNone)
+{
+    int nAsked = 0;
+    Plot plot;
+    plot.setOnChange([&nAsked] { ++nAsked; });
+    plot.setCrosshair(false);
+    Series& series = plot.add(Series::line(Samples::ofFloats()));
+    series.setX(0, 0.01);
+    series.setLimit(70'000);
+    plot.axes().x().follow(10);
+    draw(plot);
+    nAsked = 0;
+    for (int i = 0; i < 200; ++i)
+        series.append(std::vector<float>(1000, static_cast<float>(i % 2)));
+    EXPECT_EQ(nAsked, 200);
+    EXPECT_TRUE(plot.isChanged());
+    draw(plot);
+    EXPECT_FALSE(plot.isChanged());
+    EXPECT_NEAR(plot.axes().x().getRange().high, 1999.99, 1e-6);
+    EXPECT_NEAR(plot.axes().x().getRange().low, 1989.99, 1e-6);
+    EXPECT_GE(series.getFirst(), 200'000U - 70'000 - 65'536);
+    gui::gl::FrameLedger::start(gui::gl::FrameLedger::Times::CPU);
+    draw(plot);
+    gui::gl::FrameLedger::begin();
+    ASSERT_TRUE(plot.draw(cSize));
+    gui::gl::FrameLedger::end();
+    EXPECT_EQ(gui::gl::FrameLedger::getLast().nUploads, 0U);
+    gui::gl::FrameLedger::stop();
+}
+
+// Series of all kinds under edits and moves of every kind, against a plain model of what they hold; GL errors, numbers
+// that are none, and whatever sanitizers find.
+TEST_F(PlotTest, ARandomWalkKeepsSeriesAsAPlainModelHasThem)
+{
+    std::mt19937 random(9);
+    const auto below = [&random](unsigned int n) { return static_cast<unsigned int>(random() % n); };
+    const auto value = [&]() -> double
+    {
+        switch (below(12))
+        {
+        case 0:
+            return cNaN;
+        case 1:
+            return std::numeric_limits<double>::infinity();
+        case 2:
+            return 1e300 * (below(2) == 0 ? -1 : 1);
+        case 3:
+            return 0;
+        default:
+            return static_cast<double>(below(2000)) / 100 - 10;
+        }
+    };
+    struct Model
+    {
+        Series* pSeries;
+        std::vector<double> x, y;
+    };
+    std::vector<Model> models;
+    Plot plot(1, 2);
+    for (int step = 0; step < 300; ++step)
+    {
+        Axes& axes = plot.axes(0, below(2));
+        const unsigned int action = below(10);
+        if (action == 0 && models.size() < 8)
+        {
+            std::vector<double> x, y, z;
+            double place = value();
+            for (unsigned int i = below(3000); i > 0; --i)
+            {
+                place += below(9) == 0 ? value() : 0.1 * below(10);
+                x.push_back(place);
+                y.push_back(value());
+                z.push_back(value());
+            }
+            const SeriesStyle style{.label = below(2) == 0 ? "some" : "", .marker = static_cast<Marker>(below(15))};
+            Series made = Series::line(x, y, style);
+            switch (below(8))
+            {
+            case 0:
+                made = Series::area(x, y, style);
+                break;
+            case 1:
+                made = Series::steps(x, y, style);
+                break;
+            case 2:
+                made = Series::stems(x, y, style);
+                break;
+            case 3:
+                made = Series::bars(x, y, style);
+                break;
+            case 4:
+                made = Series::scatter(x, y, style).colorBy(z);
+                break;
+            case 5:
+                made = Series::scatter(x, y, style).withErrors(z);
+                break;
+            default:
+                break;
+            }
+            models.push_back({&axes.add(std::move(made)), x, y});
+        }
+        else if (action < 4 && !models.empty())
+        {
+            Model& model = models[below(static_cast<unsigned int>(models.size()))];
+            const double x = value(), y = value();
+            model.pSeries->append(x, y);
+            model.x.push_back(x);
+            model.y.push_back(y);
+        }
+        else if (action == 4)
+            axes.x().setScale(below(3) == 0   ? Scale::logarithmic()
+                              : below(2) == 0 ? Scale::time("local")
+                                              : Scale::linear());
+        else if (action == 5)
+            axes.y().zoom(std::exp(value()), value());
+        else if (action == 6)
+            axes.x().setRange(value(), value());
+        else if (action == 7)
+            axes.fit();
+        else if (action == 8)
+            plot.onMoved(at(640.0 * below(100) / 100, 400.0 * below(100) / 100));
+        else
+            axes.y().setFit(below(2) == 0 ? Axis::Fit::Visible : Axis::Fit::All);
+        ASSERT_TRUE(plot.draw(cSize, 1 + below(2))) << step;
+        ASSERT_TRUE(takeErrors().empty()) << step;
+        for (const std::size_t side : {0, 1})
+        {
+            const Ticks::Range& range = plot.axes(0, side).x().getRange();
+            ASSERT_TRUE(range.low < range.high && std::isfinite(range.low) && std::isfinite(range.high)) << step;
+        }
+        if (models.empty())
+            continue;
+        const Model& model = models[below(static_cast<unsigned int>(models.size()))];
+        ASSERT_EQ(model.pSeries->size(), model.x.size());
+        ASSERT_EQ(model.pSeries->isSorted(),
+                  std::is_sorted(model.x.begin(), model.x.end()) &&
+                      std::none_of(model.x.begin(), model.x.end(), [](double x) { return std::isnan(x); }));
+    }
+}
+
+// Lines that break off at cells of which two corners are higher, or that join two hills which have a pass between them.
+TEST_F(PlotTest, ContoursGoRoundWhatIsHigher)
+{
+    // Two hills, and a saddle between them.
+    std::vector<float> heights;
+    for (int row = 0; row < 40; ++row)
+        for (int column = 0; column < 80; ++column)
+        {
+            const double y = (row - 19.5) / 10, left = (column - 24.5) / 10.0, right = (column - 54.5) / 10.0;
+            heights.push_back(static_cast<float>(std::exp(-left * left - y * y) + std::exp(-right * right - y * y)));
+        }
+    heights[20 * 80 + 79] = std::nanf("");
+    const HeatMap map = HeatMap(80, 40, heights, {0, 0, 8, 4}).setContours({0.1, 0.5}, "#000000");
+    double areas[2] = {};
+    int n[2] = {};
+    for (const HeatMap::Contour& contour : map.getContours())
+    {
+        const int i = contour.level == 0.5 ? 1 : 0;
+        ++n[i];
+        EXPECT_TRUE(contour.isClosed);
+        double area = 0;
+        for (std::size_t k = 1; k < contour.points.size(); ++k)
+            area += contour.points[k - 1].x * contour.points[k].y - contour.points[k].x * contour.points[k - 1].y;
+        areas[i] += std::abs(area) / 2;
+        for (const td::Point<double>& point : contour.points)
+        {
+            const double y = point.y - 2, left = point.x - 2.5, right = point.x - 5.5;
+            EXPECT_NEAR(std::exp(-left * left - y * y) + std::exp(-right * right - y * y), contour.level, 0.004);
+        }
+    }
+    EXPECT_EQ(n[0], 1) << "both hills";
+    EXPECT_EQ(n[1], 2);
+    // Around each, where exp(-r^2) is a half: pi ln 2, and a little for the other one.
+    EXPECT_NEAR(areas[1], 2 * 3.14159 * std::log(2), 0.03);
+    EXPECT_TRUE(std::isnan(map.getValue(7.95, 2.05)));
+    EXPECT_EQ(map.getValue(0.05, 0.05), heights[0]);
+}
+
+} // namespace
