@@ -12,6 +12,7 @@ namespace
 // In points.
 constexpr double cTick = 5, cMinorTick = 2.5, cLabelGap = 4, cPad = 12, cTitleGap = 6, cFarPad = 18;
 constexpr double cGridPeriod = 5;
+constexpr double cBold = 0.045; // em, for titles in a face that somebody chose
 constexpr double cBarWidth = 14, cBarGap = 16;
 constexpr double cLegendPad = 8, cSampleWidth = 22, cSampleGap = 7, cLegendMargin = 8;
 
@@ -365,8 +366,9 @@ void Axes::Impl::drawTitles(const PlotPaper& paper)
     if (!title.empty())
     {
         const Typeface face = style.face ? style.face : Typeface::named("sans-serif", {.weight = 600});
-        paper.texts.add(title, {.face = face, .size = style.titleSize, .paint = style.ink}, {middle, frame.top + cPad},
-                        Anchor::Top);
+        paper.texts.add(title,
+                        {.face = face, .size = style.titleSize, .paint = style.ink, .embolden = style.face ? cBold : 0},
+                        {middle, frame.top + cPad}, Anchor::Top);
     }
     paper.texts.add(x.axis.getTitle(), axisTitle, {middle, frame.bottom - cPad / 2}, Anchor::Bottom);
     // Upwards along the axis, wherever labels end.

@@ -17,9 +17,9 @@ namespace
 constexpr std::array<double, 6> cFirstDigits{1, 5, 2, 2.5, 4, 3};
 constexpr double cSimplicityWeight = 0.25, cCoverageWeight = 0.2, cDensityWeight = 0.5, cLegibilityWeight = 0.05;
 
-constexpr double cReach = 0.1;        // the part of the range beyond which missing coverage counts fully
-constexpr unsigned int cMaxSkip = 40; // and labels: beyond these nothing was ever the best
-constexpr unsigned int cMaxLabels = 2000;
+constexpr double cReach = 0.1;       // the part of the range beyond which missing coverage counts fully
+constexpr unsigned int cMaxSkip = 5; // and labels: beyond these nothing was ever the best
+constexpr unsigned int cMaxLabels = 500;
 
 double total(double simplicity, double coverage, double density, double legibility)
 {

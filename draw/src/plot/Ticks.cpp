@@ -100,9 +100,11 @@ void Ticks::makeLinear(const Scale& scale, const Range& range, const Room& room,
     Ticks trial;
     const auto legibility = [&](const Sequence& sequence)
     {
-        const double points = sequence.step * pointsPerUnit, slack = sequence.step * cEpsilon;
-        // The publication lets labels stand beyond the data; here nobody would see them.
-        if (points < room.space || sequence.low < range.low - slack || sequence.high > range.high + slack)
+        const double points = sequence.step * pointsPerUnit;
+        // The publication lets labels stand a little beyond the data; here nobody would see these.
+        const double nSeen =
+            std::floor(range.high / sequence.step + cEpsilon) - std::ceil(range.low / sequence.step - cEpsilon) + 1;
+        if (points < room.space || nSeen < 2)
             return -std::numeric_limits<double>::infinity();
         if (points > 20 * cWidthOfCharacter && scale.kind != Scale::Kind::Logarithmic)
             return 1.0;

@@ -23,6 +23,7 @@ namespace gui::draw
 /// shows one; others hand on their events and draw it where they like.
 ///
 ///     #include <gui/draw/Plot.h>
+///     #include <gui/gl/OffscreenContext.h>
 ///
 ///     int main()
 ///     {
