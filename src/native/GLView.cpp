@@ -9,6 +9,7 @@
 #include "../view/ViewHelper.h"
 
 #include <gui/Display.h>
+#include <gui/Drop.h>
 #include <gui/Key.h>
 #include <gui/TextComposition.h>
 #include <gui/Texture.h>
@@ -16,6 +17,7 @@
 #include <gui/gl/View.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
+#include <vo/UTFConverter.h>
 
 #include <epoxy/gl.h>
 
@@ -708,6 +710,20 @@ void GLView::onComposition(const CompositionEvent& event)
     const Busy busy(*this);
     _isComposing = !event.text.empty();
     ViewHelper(_pCppView).onTextComposition(toComposition(event));
+}
+
+void GLView::onDrop(const DropEvent& event)
+{
+    if (!has(InputDevice::Event::Drops))
+        return;
+    gui::Drop drop{event.files, {}, toView(event.point), event.modifiers};
+    std::erase(drop.files, "");
+    if (drop.files.empty())
+        drop.text = vo::UTFConverter::toWellFormed(event.text);
+    if ((drop.files.empty() && drop.text.empty()) || !makeCurrentContext())
+        return;
+    const Busy busy(*this);
+    ViewHelper(_pCppView).onDropped(drop);
 }
 
 bool GLView::acceptsFirstResponder() const { return has(InputDevice::Event::Keyboard); }

@@ -65,9 +65,11 @@ public:
     bool onKey(const KeyEvent& event) override;
     void onText(const TextEvent& event) override;
     void onComposition(const CompositionEvent& event) override;
+    void onDrop(const DropEvent& event) override;
     void onFocus(bool hasFocus) override;
     void contextLost(bool works) override;
     void contextReplaced() override;
+    bool acceptsDrops() const override { return has(gui::InputDevice::Event::Drops); }
     bool acceptsFirstResponder() const override;
     std::uint64_t getTrackingOptions() const override;
 

@@ -55,6 +55,8 @@ SDLEvents::SDLEvents(NativeSurfaceClient& client, SDLContext& context)
     , _self(std::make_shared<SDLEvents*>(this))
 {
     gui::setEventSink(context.getWindow(), this);
+    if (client.acceptsDrops())
+        gui::acceptDrops();
 }
 
 SDLEvents::~SDLEvents()
@@ -105,6 +107,9 @@ void SDLEvents::onEvent(const gui::SDLEvent& event)
         break;
     case SDL_TEXTEDITING_EXT:
         onComposition(event.text, event.event.editExt.start, event.event.editExt.length);
+        break;
+    case SDL_DROPCOMPLETE:
+        _client.onDrop({event.files, event.text, modifiersOf(event), mousePoint(event)});
         break;
     default:
         break;

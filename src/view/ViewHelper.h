@@ -6,6 +6,7 @@
 
 namespace gui
 {
+struct Drop;
 class Key;
 class Texture;
 } // namespace gui
@@ -44,6 +45,7 @@ public:
     bool onKeyReleased(const Key& key) { return _pView->onKeyReleased(key); }
     void onTextInput(std::string_view text) { _pView->onTextInput(text); }
     void onTextComposition(const TextComposition& composition) { _pView->onTextComposition(composition); }
+    void onDropped(const Drop& drop) { _pView->onDropped(drop); }
     void onPrimaryButtonPressed(const InputDevice& device) { _pView->onPrimaryButtonPressed(device); }
     void onPrimaryButtonReleased(const InputDevice& device) { _pView->onPrimaryButtonReleased(device); }
     void onPrimaryButtonDblClick(const InputDevice& device) { _pView->onPrimaryButtonDblClick(device); }

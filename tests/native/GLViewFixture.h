@@ -38,7 +38,7 @@ class GLViewFixture : public testing::Test
 {
 protected:
     using Events = std::initializer_list<gui::InputDevice::Event>;
-    static constexpr unsigned short cAllEvents = 0x07F5;
+    static constexpr unsigned short cAllEvents = 0x0FF5;
 
     /// Makes a view's native side; the journal is empty afterwards.
     gui::gl::GLView* create(RecordingView& view, unsigned short events = cAllEvents, bool isAnimated = false);

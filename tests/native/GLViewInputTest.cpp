@@ -93,6 +93,16 @@ const std::vector<Kind>& kinds()
          [](GLView& v) {
              v.onMagnification({1, 0});
          }},
+        {0x800, "drops",
+         [](GLView& v) {
+             v.onDrop({{"/a", "", "/b"}, "not this", 1, {8, 6}});
+         },
+         " /a /b at 8,6+Shift"},
+        {0x800, "drops",
+         [](GLView& v) {
+             v.onDrop({{""}, "a\xFF", 0, {8, 6}});
+         },
+         " 'a\xEF\xBF\xBD' at 8,6"},
         key("key", true),
         key("up key", false),
     };

@@ -3,6 +3,7 @@
 #include "RecordingView.h"
 #include "XServer.h"
 
+#include <gui/Display.h>
 #include <gui/Window.h>
 
 #include <memory>
@@ -54,6 +55,11 @@ public:
     virtual XServer::Place area(int place) const = 0;
     /// The device pixels per point there.
     virtual int scale(int place) const = 0;
+    /// What gui::Display is to know of it: bounds and scales.
+    virtual std::vector<gui::DisplayInfo> displays() const
+    {
+        return {{"", {{0, 0}, {1280, 1024}}, 1, 0}};
+    }
     /// Puts the pointer and the keyboard there, out of the way of windows.
     virtual void goTo(int place) const = 0;
     /// Brings a window there if it appears elsewhere. @return whether it is there, with the keyboard

@@ -3,6 +3,8 @@
 #include "DesktopTest.h"
 #include "SampledView.h"
 
+#include <algorithm>
+
 namespace test
 {
 
@@ -34,6 +36,37 @@ TEST_P(DesktopTest, EachFrameFillsTheWindow)
     largeWindow.setSize({120, 90});
     EXPECT_TRUE(isFull(120));
     EXPECT_FALSE(large.isWrong);
+}
+
+// By the program's own asking; what a window manager's user does is in X11's tests.
+TEST_P(DesktopTest, StatesAreTold)
+{
+    using State = gui::Window::State;
+    gui::Window& window = static_cast<OwnWindow&>(*shown).window;
+    std::vector<State> told;
+    window.setStateHandler([&told](State state) { told.push_back(state); });
+    const td::Size<double> ownSize = window.getSize();
+    int nAsked = 0;
+    for (const State state : {State::Maximized, State::FullScreen, State::Normal, State::FullScreen, State::Maximized,
+                              State::Normal})
+    {
+        window.setState(state);
+        ++nAsked;
+        // A window manager may leave one state after the other.
+        const auto isThere = [&]
+        {
+            return !told.empty() && told.back() == state && window.getState() == state &&
+                   (window.getSize() == ownSize) == (state == State::Normal);
+        };
+        EXPECT_TRUE(waitInLoop(isThere)) << nAsked;
+    }
+    EXPECT_EQ(std::ranges::adjacent_find(told), told.end()) << "told twice";
+    window.setMinSize({240, 160});
+    EXPECT_TRUE(waitInLoop([&] { return view.sizes.back() == td::Size<double>{240, 160}; }));
+    // From inside the handler, too.
+    window.setStateHandler([&window](State) { window.close(); });
+    window.setState(State::Maximized);
+    EXPECT_TRUE(waitInLoop([&] { return !window.isOpen(); }));
 }
 
 // The driver of these tests has four samples in a window; or, from Mesa 25 on with X11, none but one.

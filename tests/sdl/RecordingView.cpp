@@ -47,7 +47,8 @@ void RecordingView::create(gui::gl::Context::Animation animation, const td::Size
     createContext(
         gui::gl::Context(animation, gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
                          gui::gl::Context::Profile::Core41),
-        {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard, OtherClicks, OtherDrag},
+        {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard, OtherClicks, OtherDrag,
+         Drops},
         &geometry);
 }
 

@@ -23,6 +23,10 @@ public:
     const XServer& server() const override { return *_pServer; }
     XServer::Place area(int place) const override;
     int scale(int place) const override { return place + 1; }
+    std::vector<gui::DisplayInfo> displays() const override
+    {
+        return {{"", {{0, 0}, {640, 480}}, 1, 0}, {"", {{640, 0}, {300, 250}}, 2, 0}};
+    }
     void goTo(int place) const override;
     /// Windows appear where the pointer is.
     bool bring(const std::string&, int) const override { return true; }

@@ -2,10 +2,12 @@
 
 #include "DesktopTest.h"
 
+#include <gui/Texture.h>
 #include <gui/ZavObject.h>
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <thread>
 
 namespace test
@@ -272,8 +274,47 @@ TEST_P(X11Test, FullScreenAndBack)
     EXPECT_TRUE(becomes({320, 210}));
 }
 
+// Where it was put, before it is shown and after, and with its icon, which a hidden window of SDL's knows nothing of.
+TEST_P(X11Test, AWindowIsWhereItWasPut)
+{
+    gui::Texture picture;
+    picture.reserve(2 * 3);
+    gui::TextureHelper(&picture).updateInfo(2, 1, 3);
+    std::copy_n("\x10\x20\x30\x40\x50\x60", 6, picture.getBytes());
+    RecordingView other;
+    other.create();
+    other.topLeft = 0xC020C0;
+    gui::Window placed("Placed", {160, 100});
+    EXPECT_FALSE(placed.getPosition());
+    EXPECT_FALSE(placed.setIcon(gui::Texture()));
+    EXPECT_TRUE(log.said("Error! Window::setIcon picture without pixels of 3 or 4 bytes!"));
+    EXPECT_TRUE(placed.setIcon(picture));
+    placed.setPosition({700, 300});
+    ASSERT_TRUE(placed.show(other));
+    const auto isAt = [&](int x, int y)
+    {
+        XServer::Place place{};
+        const auto isThere = [&]
+        {
+            place = xServer().placeOf(xServer().findWindow("Placed"));
+            return place.x == x && place.y == y && placed.getPosition() == td::Point<double>{double(x), double(y)};
+        };
+        const td::Point<double> told = placed.getPosition().value_or(td::Point<double>{-1, -1});
+        return waitInLoop(isThere) ? testing::AssertionSuccess()
+                                   : testing::AssertionFailure() << place.x << ',' << place.y << " and not "
+                                                                 << told.x << ',' << told.y;
+    };
+    EXPECT_TRUE(isAt(700, 300));
+    placed.setPosition({720, 340});
+    EXPECT_TRUE(isAt(720, 340));
+    EXPECT_EQ(xServer().numbersOf(xServer().findWindow("Placed"), "_NET_WM_ICON"),
+              (std::vector<unsigned long>{2, 1, 0xFF102030, 0xFF405060}));
+}
+
 TEST_P(X11Test, MinimisedWindowHasNoFrames)
 {
+    std::vector<gui::Window::State> told;
+    window().setStateHandler([&told](gui::Window::State state) { told.push_back(state); });
     view.startAnimation();
     const std::string id = std::to_string(xServer().findWindow("Window"));
     xdo("windowminimize " + id);
@@ -289,6 +330,12 @@ TEST_P(X11Test, MinimisedWindowHasNoFrames)
     EXPECT_TRUE(view.isAnimated());
     xdo("windowmap " + id);
     EXPECT_TRUE(waitInLoop([&] { return view.nFrames >= nFrames + 3; }));
+    window().setState(gui::Window::State::Minimized);
+    EXPECT_TRUE(waitInLoop([&] { return told.size() == 3; }));
+    window().setState(gui::Window::State::Normal);
+    EXPECT_TRUE(waitInLoop([&] { return told.size() == 4; }));
+    using enum gui::Window::State;
+    EXPECT_EQ(told, (std::vector<gui::Window::State>{Minimized, Normal, Minimized, Normal}));
 }
 
 // Not on each desktop: weston 10 ends itself when one of two windows closes, now and then.

@@ -88,20 +88,28 @@ bool XServer::startWindowManager()
     std::ofstream(_configuration) << "<openbox_config xmlns=\"http://openbox.org/3.4/rc\">"
                                      "<keyboard/><mouse/><focus><focusNew>yes</focusNew></focus></openbox_config>\n";
     _pWindowManager = std::make_unique<Process>(Arguments{"openbox", "--sm-disable", "--config-file", _configuration});
-    const Atom check = XInternAtom(_pDisplay, "_NET_SUPPORTING_WM_CHECK", False);
-    return waitFor(
-        [&]
-        {
-            Atom type = 0;
-            int format = 0;
-            unsigned long n = 0;
-            unsigned long rest = 0;
-            unsigned char* pData = nullptr;
-            XGetWindowProperty(_pDisplay, _root, check, 0, 1, False, XA_WINDOW, &type, &format, &n, &rest, &pData);
-            if (pData != nullptr)
-                XFree(pData);
-            return n == 1;
-        });
+    return waitFor([&] { return numbersOf(_root, "_NET_SUPPORTING_WM_CHECK").size() == 1; });
+}
+
+std::vector<unsigned long> XServer::numbersOf(Window window, const char* property) const
+{
+    constexpr long cMost = 1024;
+    constexpr int cNumberBits = 32;
+    Atom type = 0;
+    int format = 0;
+    unsigned long n = 0;
+    unsigned long rest = 0;
+    unsigned char* pData = nullptr;
+    XGetWindowProperty(_pDisplay, window, XInternAtom(_pDisplay, property, False), 0, cMost, False, AnyPropertyType,
+                       &type, &format, &n, &rest, &pData);
+    std::vector<unsigned long> numbers;
+    // Xlib has them as longs, and the sign with them.
+    constexpr unsigned long cNumberMask = 0xFFFFFFFF;
+    for (unsigned long i = 0; pData != nullptr && format == cNumberBits && i < n; ++i)
+        numbers.push_back(reinterpret_cast<unsigned long*>(pData)[i] & cNumberMask);
+    if (pData != nullptr)
+        XFree(pData);
+    return numbers;
 }
 
 XServer::Window XServer::findWindow(const std::string& title) const { return findBelow(_root, title); }

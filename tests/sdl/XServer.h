@@ -54,6 +54,8 @@ public:
     /// As the close button of its frame does.
     void askToClose(Window window) const;
     bool hasFocus(Window window) const;
+    /// A property of numbers of 32 bits; empty when there is none.
+    std::vector<unsigned long> numbersOf(Window window, const char* property) const;
 
     /// What the screen shows there.
     Screenshot shoot(const Place& place) const;

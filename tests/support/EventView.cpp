@@ -64,6 +64,17 @@ void EventView::onTextComposition(const gui::TextComposition& composition)
     note("composes", ' ' + text);
 }
 
+void EventView::onDropped(const gui::Drop& drop)
+{
+    std::ostringstream text;
+    for (const std::string& file : drop.files)
+        text << ' ' << file;
+    if (!drop.text.empty())
+        text << " '" << drop.text << "'";
+    text << " at " << drop.place.x << ',' << drop.place.y;
+    note("drops", text.str() + modifierText(drop.modifiers));
+}
+
 bool EventView::onZoom(const gui::InputDevice& device)
 {
     if (device.getType() == gui::InputDevice::Type::Gesture)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gui/Drop.h>
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 #include <gui/TextComposition.h>
@@ -15,7 +16,7 @@ namespace test
 /// A view that hears of what a user does, a line each: "press 10,20 x1" with "+Shift" and the like behind it for the
 /// modifiers, "press2" for the secondary button, "drag3" and the like for others, "pinch" for the zoom of a gesture,
 /// and keys like "key 'a'", "key virtual 3 code 123" or "key 6528"; releases begin with "up". Text is "text a", and
-/// what is composed "composes a[b]c". Then it does what the test wants to be done in there.
+/// what is composed "composes a[b]c", what is dropped "drops FILE FILE at 1,2" or "drops 'text' at 1,2". Then it does what the test wants to be done in there.
 class EventView : public gui::gl::View
 {
 public:
@@ -36,6 +37,7 @@ protected:
     bool onKeyReleased(const gui::Key& key) override { return note("up key", key); }
     void onTextInput(std::string_view text) override { note("text", ' ' + std::string(text)); }
     void onTextComposition(const gui::TextComposition& composition) override;
+    void onDropped(const gui::Drop& drop) override;
     bool onZoom(const gui::InputDevice& device) override;
     bool onScroll(const gui::InputDevice& d) override { return note("scroll", d, gui::InputDevice::Button::Wheel); }
     void onPrimaryButtonPressed(const gui::InputDevice& d) override { note("press", d, cPrimary); }

@@ -1,6 +1,7 @@
 #include <gui/Display.h>
 
 #include <gui/port/DisplayScale.h>
+#include <gui/port/WindowSystem.h>
 #include <td/Assert.h>
 
 namespace gui
@@ -14,6 +15,15 @@ float s_backingScaleFactor = 1;
 } // namespace
 
 float Display::getDefaultBackingScaleFactor() { return s_backingScaleFactor; }
+
+std::vector<DisplayInfo> Display::getAll()
+{
+    WindowSystem& system = WindowSystem::instance();
+    std::vector<DisplayInfo> displays = system.getDisplays();
+    if (displays.empty())
+        displays.emplace_back().scale = system.getMainDisplayScale();
+    return displays;
+}
 
 void setDefaultBackingScaleFactor(float scale)
 {

@@ -43,4 +43,6 @@ void DrawableView::onTextInput(std::string_view) {}
 
 void DrawableView::onTextComposition(const TextComposition&) {}
 
+void DrawableView::onDropped(const Drop&) {}
+
 } // namespace gui

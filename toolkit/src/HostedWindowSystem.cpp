@@ -50,6 +50,7 @@ public:
         return createOffscreenWindow(size);
     }
     float getMainDisplayScale() const override { return _pHost->getMainDisplayScale(); }
+    std::vector<DisplayInfo> getDisplays() const override { return _pHost->getDisplays(); }
     bool setClipboardText(Clipboard::Kind kind, const std::string& text) override
     {
         return _pHost->setClipboardText(kind, text);

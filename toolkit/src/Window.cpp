@@ -1,6 +1,7 @@
 #include <gui/Window.h>
 
 #include <gui/NativeView.h>
+#include <gui/Texture.h>
 #include <gui/ZavObject.h>
 #include <gui/port/RunLoop.h>
 #include <gui/port/WindowSystem.h>
@@ -131,6 +132,56 @@ void Window::setSize(const td::Size<double>& size)
 }
 
 td::Size<double> Window::getSize() const { return _pPeer != nullptr ? _pPeer->getSize() : td::Size<double>(); }
+
+void Window::setMinSize(const td::Size<double>& size)
+{
+    if (_pPeer != nullptr)
+        _pPeer->setMinSize(size);
+}
+
+void Window::setPosition(const td::Point<double>& position)
+{
+    if (_pPeer != nullptr)
+        _pPeer->setPosition(position);
+}
+
+std::optional<td::Point<double>> Window::getPosition() const
+{
+    return _pPeer != nullptr ? _pPeer->getPosition() : std::nullopt;
+}
+
+bool Window::setIcon(const Texture& picture)
+{
+    const unsigned int nBytes = picture.getBytesPerPixel();
+    if (!picture.isOk() || (nBytes != 3 && nBytes != 4))
+    {
+        vo::dbgLog("Error! Window::setIcon picture without pixels of 3 or 4 bytes!");
+        return false;
+    }
+    if (_pPeer != nullptr)
+        _pPeer->setIcon(picture);
+    return true;
+}
+
+void Window::setState(State state)
+{
+    if (_pPeer != nullptr)
+        _pPeer->setState(state);
+}
+
+Window::State Window::getState() const { return _pPeer != nullptr ? _pPeer->getState() : State::Normal; }
+
+void Window::setStateHandler(std::function<void(State)> handler) { _stateHandler = std::move(handler); }
+
+void WindowPeer::tellState(const NativeView& view, Window::State state)
+{
+    const Window* const pWindow = view.getWindow();
+    if (pWindow == nullptr || !pWindow->_stateHandler)
+        return;
+    // A copy: it may set another one, or be the window's end.
+    const std::function<void(Window::State)> handler = pWindow->_stateHandler;
+    handler(state);
+}
 
 void Window::setFullScreen(bool isFullScreen)
 {

@@ -163,13 +163,28 @@ double GtkHost::getDisplayRate(const gui::NativeView* pView) const
 
 float GtkHost::getMainDisplayScale() const
 {
+    const std::vector<gui::DisplayInfo> displays = getDisplays();
+    return displays.empty() ? 1 : displays.front().scale;
+}
+
+std::vector<gui::DisplayInfo> GtkHost::getDisplays() const
+{
+    constexpr double cMilli = 1000;
+    std::vector<gui::DisplayInfo> displays;
     GListModel* const pMonitors = gdk_display_get_monitors(gdk_display_get_default());
-    auto* const pFirst = static_cast<GdkMonitor*>(g_list_model_get_item(pMonitors, 0));
-    if (pFirst == nullptr)
-        return 1;
-    const int scale = gdk_monitor_get_scale_factor(pFirst);
-    g_object_unref(pFirst);
-    return static_cast<float>(scale);
+    for (guint i = 0; i < g_list_model_get_n_items(pMonitors); ++i)
+    {
+        auto* const pMonitor = static_cast<GdkMonitor*>(g_list_model_get_item(pMonitors, i));
+        GdkRectangle place{};
+        gdk_monitor_get_geometry(pMonitor, &place);
+        const char* const name = gdk_monitor_get_connector(pMonitor);
+        displays.push_back({name != nullptr ? name : "",
+                            {{double(place.x), double(place.y)}, {double(place.width), double(place.height)}},
+                            float(gdk_monitor_get_scale_factor(pMonitor)),
+                            gdk_monitor_get_refresh_rate(pMonitor) / cMilli});
+        g_object_unref(pMonitor);
+    }
+    return displays;
 }
 
 bool GtkHost::setClipboardText(gui::Clipboard::Kind kind, const std::string& text)

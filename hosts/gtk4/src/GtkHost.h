@@ -27,6 +27,7 @@ public:
     void serveEvents(const std::optional<gui::RunLoop::Time>& until) override;
     double getDisplayRate(const gui::NativeView* pView) const override;
     float getMainDisplayScale() const override;
+    std::vector<gui::DisplayInfo> getDisplays() const override;
     void leaveContexts() override { gdk_gl_context_clear_current(); }
     bool setClipboardText(gui::Clipboard::Kind kind, const std::string& text) override;
     std::string getClipboardText(gui::Clipboard::Kind kind) override;

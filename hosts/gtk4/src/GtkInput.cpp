@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <iterator>
 
 namespace gui::gtk
 {
@@ -105,8 +106,50 @@ GtkInput::GtkInput(GtkWidget* pWidget, gui::gl::HostedView& view)
                          static_cast<GtkInput*>(pThis)->onFocus(false);
                      }),
                      this);
-    for (GtkEventController* const pController : {pEvents, pMotion, pFocus})
+    for (GtkEventController* const pController : {pEvents, pMotion, pFocus, newDropTarget()})
         gtk_widget_add_controller(pWidget, pController);
+}
+
+GtkEventController* GtkInput::newDropTarget()
+{
+    GtkDropTarget* const pTarget = gtk_drop_target_new(G_TYPE_INVALID, GDK_ACTION_COPY);
+    GType types[] = {GDK_TYPE_FILE_LIST, G_TYPE_STRING};
+    gtk_drop_target_set_gtypes(pTarget, types, std::size(types));
+    g_signal_connect(pTarget, "accept", G_CALLBACK(+[](GtkDropTarget* pDropTarget, GdkDrop* pDrop, void* pThis) -> gboolean {
+                         return static_cast<GtkInput*>(pThis)->_view.acceptsDrops() &&
+                                gdk_content_formats_match(gdk_drop_get_formats(pDrop),
+                                                          gtk_drop_target_get_formats(pDropTarget));
+                     }),
+                     this);
+    g_signal_connect(pTarget, "drop",
+                     G_CALLBACK(+[](GtkDropTarget*, const GValue* pValue, double x, double y, void* pThis) -> gboolean
+                                { return static_cast<GtkInput*>(pThis)->onDrop(*pValue, {x, y}); }),
+                     this);
+    return GTK_EVENT_CONTROLLER(pTarget);
+}
+
+bool GtkInput::onDrop(const GValue& value, const td::Point<double>& point)
+{
+    gui::gl::DropEvent drop{{}, {}, 0, point};
+    if (G_VALUE_HOLDS(&value, GDK_TYPE_FILE_LIST))
+    {
+        GSList* const pFiles = gdk_file_list_get_files(static_cast<GdkFileList*>(g_value_get_boxed(&value)));
+        for (GSList* pItem = pFiles; pItem != nullptr; pItem = pItem->next)
+        {
+            char* const path = g_file_get_path(G_FILE(pItem->data));
+            drop.files.emplace_back(path != nullptr ? path : "");
+            g_free(path);
+        }
+        g_slist_free(pFiles);
+    }
+    else if (const char* const text = g_value_get_string(&value))
+        drop.text = text;
+    return _view.tell(
+        [&drop](const SharedClient& pClient)
+        {
+            (*pClient)->onDrop(drop);
+            return true;
+        });
 }
 
 void GtkInput::close() { _text.setFocus(false); }

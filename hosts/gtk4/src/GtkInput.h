@@ -40,6 +40,8 @@ private:
     void onEnter(const td::Point<double>& point, unsigned int modifiers);
     void onLeave(unsigned int modifiers);
     void onFocus(bool hasFocus);
+    GtkEventController* newDropTarget();
+    bool onDrop(const GValue& value, const td::Point<double>& point);
 
     std::optional<td::Point<double>> pointOf(GdkEvent* pEvent) const;
     unsigned int modifiersOf(GdkModifierType state) const;

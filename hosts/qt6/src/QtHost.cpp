@@ -106,6 +106,20 @@ float QtHost::getMainDisplayScale() const
     return pScreen != nullptr ? float(pScreen->devicePixelRatio()) : 1;
 }
 
+std::vector<gui::DisplayInfo> QtHost::getDisplays() const
+{
+    std::vector<gui::DisplayInfo> displays;
+    for (const QScreen* const pScreen : QGuiApplication::screens())
+    {
+        const QRect place = pScreen->geometry();
+        displays.push_back({pScreen->name().toStdString(),
+                            {{double(place.x()), double(place.y())}, {double(place.width()), double(place.height())}},
+                            float(pScreen->devicePixelRatio()),
+                            pScreen->refreshRate()});
+    }
+    return displays;
+}
+
 bool QtHost::setClipboardText(gui::Clipboard::Kind kind, const std::string& text)
 {
     QClipboard* const pClipboard = QGuiApplication::clipboard();

@@ -23,6 +23,7 @@ public:
     void serveEvents(const std::optional<gui::RunLoop::Time>& until) override;
     double getDisplayRate(const gui::NativeView* pView) const override;
     float getMainDisplayScale() const override;
+    std::vector<gui::DisplayInfo> getDisplays() const override;
     bool setClipboardText(gui::Clipboard::Kind kind, const std::string& text) override;
     std::string getClipboardText(gui::Clipboard::Kind kind) override;
     bool hasClipboardText(gui::Clipboard::Kind kind) override;

@@ -7,13 +7,16 @@
 #include <gui/gl/port/KeySymbols.h>
 #include <gui/gl/port/Keys.h>
 
+#include <QDropEvent>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QStyleHints>
 #include <QTouchEvent>
+#include <QUrl>
 #include <QWheelEvent>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
@@ -143,6 +146,9 @@ bool QtInput::isInput(const QEvent& event)
     case QEvent::FocusIn:
     case QEvent::FocusOut:
     case QEvent::NativeGesture:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd:
@@ -185,6 +191,10 @@ bool QtInput::handle(QEvent& event, const gui::gl::SharedClient& pClient, bool t
         return false;
     case QEvent::NativeGesture:
         return onGesture(static_cast<const QNativeGestureEvent&>(event), pClient);
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        return onDrop(static_cast<QDropEvent&>(event), pClient);
     default:
         return onTouch(static_cast<const QTouchEvent&>(event), pClient);
     }
@@ -293,6 +303,25 @@ bool QtInput::onGesture(const QNativeGestureEvent& event, const gui::gl::SharedC
         return false;
     _pinch *= 1 + event.value();
     (*pClient)->onMagnification({_pinch - 1, modifiersOf(event.modifiers())});
+    return true;
+}
+
+// On its way it is only accepted. A copy is what the view takes, whatever the other program would rather give away.
+bool QtInput::onDrop(QDropEvent& event, const gui::gl::SharedClient& pClient) const
+{
+    const QMimeData& data = *event.mimeData();
+    if (!(*pClient)->acceptsDrops() || (!data.hasUrls() && !data.hasText()))
+        return false;
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+    if (event.type() != QEvent::Drop)
+        return true;
+    gui::gl::DropEvent drop{{}, {}, modifiersOf(event.modifiers()), toPoint(event.position())};
+    for (const QUrl& url : data.urls())
+        drop.files.push_back(url.toLocalFile().toStdString());
+    if (data.hasText())
+        drop.text = data.text().toStdString();
+    (*pClient)->onDrop(drop);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QPointF>
 
+class QDropEvent;
 class QEvent;
 class QInputMethodEvent;
 class QKeyEvent;
@@ -34,6 +35,7 @@ private:
     bool onKey(const QKeyEvent& event, const gui::gl::SharedClient& pClient, bool takesText);
     bool onInputMethod(const QInputMethodEvent& event, const gui::gl::SharedClient& pClient);
     bool onGesture(const QNativeGestureEvent& event, const gui::gl::SharedClient& pClient);
+    bool onDrop(QDropEvent& event, const gui::gl::SharedClient& pClient) const;
     bool onTouch(const QTouchEvent& event, const gui::gl::SharedClient& pClient);
     unsigned int modifiersOf(Qt::KeyboardModifiers modifiers) const;
 

@@ -65,6 +65,7 @@ ViewWidget::ViewWidget(Maker make, const gui::gl::Context& context, QWidget* pPa
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_AcceptTouchEvents);
+    setAcceptDrops(true); // if the view does
 }
 
 ViewWidget::~ViewWidget() = default;

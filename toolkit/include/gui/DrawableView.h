@@ -11,6 +11,7 @@
 namespace gui
 {
 
+struct Drop;
 class InputDevice;
 struct TextComposition;
 
@@ -73,6 +74,9 @@ protected:
     /// What an input method composes, each time that it changes; an empty one at the end, also when the keyboard goes
     /// to another window.
     virtual void onTextComposition(const TextComposition& composition);
+
+    /// Files or a text of another program were dropped on the view, all of them in one call.
+    virtual void onDropped(const Drop& drop);
 };
 
 /// The way in for the window system: forwards to the view's protected handlers.

@@ -46,7 +46,8 @@ public:
         ScrollAndZoom = 0x0080,   ///< the wheel, zooming with the wheel, the magnification gesture
         Keyboard = 0x0100,        ///< keys pressed and released, and keyboard focus
         OtherClicks = 0x0200,     ///< pressed and released: the middle button and those at the side
-        OtherDrag = 0x0400        ///< with a button down that is not the primary one
+        OtherDrag = 0x0400,       ///< with a button down that is not the primary one
+        Drops = 0x0800            ///< files and text that are dropped; see DrawableView::onDropped
     };
 
     /// @param framePoint    position in the view's own coordinates; for the wheel the scroll distance instead

@@ -4,11 +4,13 @@
 
 #include <gui/NativeView.h>
 #include <gui/port/DisplayScale.h>
+#include <gui/port/RunLoop.h>
 #include <gui/port/offscreen/OffscreenDrawable.h>
 #include <vo/Log.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace gui
@@ -42,6 +44,8 @@ std::vector<OffscreenWindow*> s_windows;
 
 class OffscreenWindow : public WindowPeer
 {
+    using State = Window::State;
+
 public:
     explicit OffscreenWindow(const td::Size<double>& size)
         : _size(size)
@@ -56,10 +60,14 @@ public:
     {
         _pView = pView;
         apply();
-        _pView->enteredWindow();
+        WindowSystem::instance().getRunLoop().setVisible(_pView, _state != State::Minimized);
+        NativeView* const pShown = _pView;
+        pShown->enteredWindow();
+        if (_state != State::Normal && std::ranges::find(s_windows, this) != s_windows.end() && _pView == pShown)
+            tellState(*pShown, _state);
     }
 
-    void hide() override { _pView = nullptr; }
+    void hide() override { WindowSystem::instance().getRunLoop().setVisible(std::exchange(_pView, nullptr), true); }
 
     void setTitle(const char*) override {}
 
@@ -69,16 +77,44 @@ public:
         resizeView();
     }
 
-    td::Size<double> getSize() const override { return _isFullScreen ? cScreenSize : _size; }
+    td::Size<double> getSize() const override
+    {
+        return _state == State::Maximized || _state == State::FullScreen
+                   ? cScreenSize
+                   : td::Size<double>{std::max(_size.width, _minSize.width), std::max(_size.height, _minSize.height)};
+    }
 
     void setFullScreen(bool isFullScreen) override
     {
-        if (_isFullScreen == isFullScreen)
+        if (isFullScreen)
+            setState(State::FullScreen);
+        else if (_state == State::FullScreen)
+            setState(_stateBefore);
+    }
+    bool isFullScreen() const override { return _state == State::FullScreen; }
+
+    void setState(State state) override
+    {
+        if (_state == state)
             return;
-        _isFullScreen = isFullScreen;
+        _stateBefore = std::exchange(_state, state) == State::Maximized ? State::Maximized : State::Normal;
+        if (_pView == nullptr)
+            return;
+        WindowSystem::instance().getRunLoop().setVisible(_pView, state != State::Minimized);
+        NativeView* const pView = _pView;
+        resizeView();
+        if (std::ranges::find(s_windows, this) != s_windows.end() && pView == _pView)
+            tellState(*pView, state);
+    }
+    State getState() const override { return _state; }
+
+    void setMinSize(const td::Size<double>& size) override
+    {
+        _minSize = size;
         resizeView();
     }
-    bool isFullScreen() const override { return _isFullScreen; }
+    void setPosition(const td::Point<double>& position) override { _position = position; }
+    std::optional<td::Point<double>> getPosition() const override { return _position; }
 
     void followScale() const
     {
@@ -105,7 +141,10 @@ private:
 
     NativeView* _pView = nullptr;
     td::Size<double> _size;
-    bool _isFullScreen = false;
+    td::Size<double> _minSize;
+    std::optional<td::Point<double>> _position;
+    State _state = State::Normal;
+    State _stateBefore = State::Normal;
 };
 
 class OffscreenWindowSystem : public WindowSystem
@@ -120,6 +159,11 @@ public:
         return createOffscreenWindow(size);
     }
     float getMainDisplayScale() const override { return s_scale; }
+    std::vector<DisplayInfo> getDisplays() const override
+    {
+        constexpr double cRate = 60;
+        return {{getName(), {{0, 0}, cScreenSize}, s_scale, cRate}};
+    }
 
 private:
     OffscreenRunLoop _runLoop;

@@ -30,7 +30,7 @@ bool isWindowEvent(const SDL_Event& event, SDL_WindowEventID id)
 SDLEventQueue::SDLEventQueue()
 {
     SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);
-    // These carry memory that somebody would have to free.
+    // Until a view wants them.
     for (const Uint32 type : {SDL_DROPFILE, SDL_DROPTEXT, SDL_DROPBEGIN, SDL_DROPCOMPLETE})
         SDL_EventState(type, SDL_DISABLE);
     SDL_SetEventFilter(onEvent, this);
@@ -84,11 +84,15 @@ int SDLCALL SDLEventQueue::onEvent(void* pQueue, SDL_Event* pEvent)
 
 void SDLEventQueue::append(SDL_Event& event)
 {
+    if (collectDrop(event))
+        return;
     SDLEvent& entry = _events.emplace_back();
     takeText(entry, event);
     entry.event = event;
     entry.modifiers = static_cast<unsigned int>(SDL_GetModState());
     entry.mouseButtons = SDL_GetMouseState(&entry.mouseX, &entry.mouseY);
+    if (event.type == SDL_DROPCOMPLETE)
+        placeDrop(entry);
     const bool isKey = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP;
     // Keys that the input method takes, a letter behind a dead key say, come without the X11 event.
     entry.xKeyCode = isKey ? std::exchange(_xKeyCode, 0) : 0;
@@ -128,6 +132,50 @@ void SDLEventQueue::takeText(SDLEvent& entry, SDL_Event& event) const
             entry.text = text;
         SDL_free(text);
     }
+}
+
+// @return whether it is a part of what is told at the end
+bool SDLEventQueue::collectDrop(SDL_Event& event)
+{
+    if (event.type == SDL_DROPBEGIN)
+    {
+        _droppedFiles.clear();
+        _droppedText.clear();
+        return true;
+    }
+    if (event.type != SDL_DROPFILE && event.type != SDL_DROPTEXT)
+        return false;
+    // Whoever gets it frees it.
+    char* const text = std::exchange(event.drop.file, nullptr);
+    const std::string piece = text != nullptr ? text : "";
+    SDL_free(text);
+    if (event.type == SDL_DROPFILE)
+        _droppedFiles.push_back(piece);
+    else
+        _droppedText += (_droppedText.empty() ? "" : "\n") + piece; // it comes in lines
+    return true;
+}
+
+void SDLEventQueue::placeDrop(SDLEvent& entry)
+{
+    entry.files = std::exchange(_droppedFiles, {});
+    entry.text = std::exchange(_droppedText, {});
+    // On X11 nothing was told of the pointer on its way; on Wayland nobody knows it.
+    SDL_Window* const pWindow = SDL_GetWindowFromID(entry.event.drop.windowID);
+    const char* const driver = SDL_GetCurrentVideoDriver();
+    if (pWindow == nullptr || driver == nullptr || std::strcmp(driver, "x11") != 0)
+        return;
+    int left = 0, top = 0;
+    SDL_GetGlobalMouseState(&entry.mouseX, &entry.mouseY);
+    SDL_GetWindowPosition(pWindow, &left, &top);
+    entry.mouseX -= left;
+    entry.mouseY -= top;
+}
+
+void acceptDrops()
+{
+    for (const Uint32 type : {SDL_DROPFILE, SDL_DROPTEXT, SDL_DROPBEGIN, SDL_DROPCOMPLETE})
+        SDL_EventState(type, SDL_ENABLE);
 }
 
 void SDLEventQueue::mergeLastMotions()

@@ -30,9 +30,13 @@ private:
     static int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent);
     void append(SDL_Event& event);
     void takeText(SDLEvent& entry, SDL_Event& event) const;
+    bool collectDrop(SDL_Event& event);
+    void placeDrop(SDLEvent& entry);
     void mergeLastMotions();
 
     std::deque<SDLEvent> _events;
+    std::vector<std::string> _droppedFiles; // so far
+    std::string _droppedText;
     unsigned int _xKeyCode = 0;
     unsigned int _xState = 0;
 };

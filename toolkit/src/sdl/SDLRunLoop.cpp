@@ -1,5 +1,7 @@
 #include "SDLRunLoop.h"
 
+#include "SDLWindow.h"
+
 #include <gui/NativeView.h>
 #include <gui/Window.h>
 #include <vo/Log.h>
@@ -45,6 +47,8 @@ Uint32 windowOf(const SDL_Event& event)
     case SDL_FINGERMOTION:
     case SDL_FINGERUP:
         return event.tfinger.windowID;
+    case SDL_DROPCOMPLETE:
+        return event.drop.windowID;
     default:
         return 0;
     }
@@ -161,8 +165,16 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
         return;
     if (event.event.type == SDL_MOUSEMOTION)
         putOffMotions(pWindow);
-    if (event.event.type == SDL_WINDOWEVENT && onWindowEvent(pWindow, pView, event.event.window))
-        return;
+    if (event.event.type == SDL_WINDOWEVENT)
+    {
+        const bool isSeenTo = onWindowEvent(pWindow, pView, event.event.window);
+        // It may be gone, or another's.
+        if (SDL_GetWindowFromID(event.event.window.windowID) != pWindow || viewOf(pWindow) != pView)
+            return;
+        SDLWindow::follow(pWindow, event.event.window);
+        if (isSeenTo || SDL_GetWindowFromID(event.event.window.windowID) != pWindow)
+            return;
+    }
     if (SDLEventSink* const pSink = sinkOf(pWindow))
         pSink->onEvent(event);
 }

@@ -4,9 +4,13 @@
 #include "X11Window.h"
 
 #include <gui/NativeView.h>
+#include <gui/Texture.h>
+
+#include <SDL_surface.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace gui
@@ -15,13 +19,29 @@ namespace gui
 namespace
 {
 
+using State = Window::State;
+
+constexpr char cWindowKey[] = "gui::SDLWindow";
+
 int toLength(double points)
 {
     constexpr double cLongest = 16384; // SDL's own limit
     return static_cast<int>(std::lround(std::clamp(points, 1.0, cLongest)));
 }
 
+int toPlace(double points)
+{
+    constexpr double cFarthest = 32767; // X11's
+    return static_cast<int>(std::lround(std::clamp(points, -cFarthest, cFarthest)));
+}
+
 } // namespace
+
+SDLWindow::~SDLWindow()
+{
+    if (_pWindow != nullptr)
+        hide();
+}
 
 void SDLWindow::show(NativeView* pView)
 {
@@ -31,13 +51,24 @@ void SDLWindow::show(NativeView* pView)
     _pWindow = windowOf();
     if (_pWindow != nullptr)
     {
+        _pView = pView;
         SDLRunLoop::setView(_pWindow, pView);
+        SDL_SetWindowData(_pWindow, cWindowKey, this);
         SDL_SetWindowTitle(_pWindow, _title.c_str());
+        applyIcon();
+        applyMinSize();
         applySize();
-        X11Window::letSystemPlace(_pWindow);
-        if (_isFullScreen)
-            SDL_SetWindowFullscreen(_pWindow, SDL_WINDOW_FULLSCREEN_DESKTOP);
+        if (!_position)
+            X11Window::letSystemPlace(_pWindow);
+        else
+            setPosition(*_position);
+        const State state = std::exchange(_state, State::Normal);
+        if (state == State::FullScreen)
+            SDLWindow::setState(state);
         SDL_ShowWindow(_pWindow);
+        _isPlacePending = _position.has_value();
+        if (state != State::FullScreen)
+            SDLWindow::setState(state);
     }
     pView->enteredWindow();
 }
@@ -47,14 +78,18 @@ void SDLWindow::hide()
     if (_pWindow == nullptr)
         return;
     SDLRunLoop::setView(_pWindow, nullptr);
+    SDL_SetWindowData(_pWindow, cWindowKey, nullptr);
     // What the next view finds.
-    _isFullScreen = isFullScreen();
-    if (_isFullScreen)
+    const State state = getState();
+    if (state == State::FullScreen)
         SDL_SetWindowFullscreen(_pWindow, 0);
-    else
+    else if (state == State::Normal)
         _size = getSize();
+    _state = state == State::Minimized ? State::Normal : state;
+    _toldState = State::Normal;
     SDL_HideWindow(_pWindow);
     _pWindow = nullptr;
+    _pView = nullptr;
 }
 
 void SDLWindow::setTitle(const char* title)
@@ -63,6 +98,8 @@ void SDLWindow::setTitle(const char* title)
     if (_pWindow != nullptr)
         SDL_SetWindowTitle(_pWindow, title);
 }
+
+// Size and place.
 
 void SDLWindow::setSize(const td::Size<double>& size)
 {
@@ -77,27 +114,131 @@ void SDLWindow::setSize(const td::Size<double>& size)
 td::Size<double> SDLWindow::getSize() const
 {
     if (_pWindow == nullptr)
-        return _size;
+        return {std::max(_size.width, _minSize.width), std::max(_size.height, _minSize.height)};
     int width = 0;
     int height = 0;
     SDL_GetWindowSize(_pWindow, &width, &height);
     return {static_cast<double>(width), static_cast<double>(height)};
 }
 
+void SDLWindow::applySize() const { SDL_SetWindowSize(_pWindow, toLength(_size.width), toLength(_size.height)); }
+
+void SDLWindow::setMinSize(const td::Size<double>& size)
+{
+    _minSize = size;
+    if (_pWindow != nullptr)
+        applyMinSize();
+}
+
+void SDLWindow::applyMinSize() const
+{
+    SDL_SetWindowMinimumSize(_pWindow, toLength(_minSize.width), toLength(_minSize.height));
+}
+
+void SDLWindow::setPosition(const td::Point<double>& position)
+{
+    _position = position;
+    if (_pWindow != nullptr && !isFullScreen())
+        SDL_SetWindowPosition(_pWindow, toPlace(position.x), toPlace(position.y));
+}
+
+std::optional<td::Point<double>> SDLWindow::getPosition() const
+{
+    const char* const driver = SDL_GetCurrentVideoDriver();
+    if (driver != nullptr && std::strcmp(driver, "wayland") == 0)
+        return std::nullopt;
+    if (_pWindow == nullptr)
+        return _position;
+    int x = 0;
+    int y = 0;
+    SDL_GetWindowPosition(_pWindow, &x, &y);
+    return td::Point<double>{static_cast<double>(x), static_cast<double>(y)};
+}
+
+// The icon.
+
+void SDLWindow::setIcon(const Texture& picture)
+{
+    const auto nPixels = static_cast<std::size_t>(picture.getWidth()) * static_cast<std::size_t>(picture.getHeight());
+    const std::size_t nBytes = picture.getBytesPerPixel();
+    constexpr std::size_t cBytes = 4;
+    _icon = {picture.getWidth(), picture.getHeight(), std::vector<unsigned char>(nPixels * cBytes, 0xFF)};
+    for (std::size_t i = 0; i < nPixels; ++i)
+        std::copy_n(picture.getBytes() + i * nBytes, nBytes, _icon.bytes.begin() + static_cast<long>(i * cBytes));
+    if (_pWindow != nullptr)
+        applyIcon();
+}
+
+void SDLWindow::applyIcon()
+{
+    constexpr int cBits = 32;
+    if (_icon.bytes.empty())
+        return;
+    SDL_Surface* const pSurface = SDL_CreateRGBSurfaceWithFormatFrom(
+        _icon.bytes.data(), _icon.width, _icon.height, cBits, _icon.width * 4, SDL_PIXELFORMAT_RGBA32);
+    SDL_SetWindowIcon(_pWindow, pSurface);
+    SDL_FreeSurface(pSurface);
+}
+
+// States.
+
 bool SDLWindow::isFullScreen() const
 {
     if (_pWindow == nullptr)
-        return _isFullScreen;
+        return _state == State::FullScreen;
     const bool isForSDL = (SDL_GetWindowFlags(_pWindow) & SDL_WINDOW_FULLSCREEN) != 0;
     return X11Window::isFullScreen(_pWindow).value_or(isForSDL);
+}
+
+State SDLWindow::getState() const
+{
+    if (_pWindow == nullptr)
+        return _state;
+    const Uint32 flags = SDL_GetWindowFlags(_pWindow);
+    if ((flags & SDL_WINDOW_MINIMIZED) != 0)
+        return State::Minimized;
+    if (isFullScreen())
+        return State::FullScreen;
+    return (flags & SDL_WINDOW_MAXIMIZED) != 0 ? State::Maximized : State::Normal;
+}
+
+void SDLWindow::setState(State state)
+{
+    if (_pWindow == nullptr)
+    {
+        _state = state;
+        return;
+    }
+    const State before = getState();
+    if (state == before)
+        return;
+    if (state == State::Minimized)
+    {
+        SDL_MinimizeWindow(_pWindow);
+        return;
+    }
+    // A window comes back as what it was before it was minimised.
+    if (before == State::Minimized)
+        SDL_RestoreWindow(_pWindow);
+    if (state == State::FullScreen || isFullScreen())
+    {
+        _wasMaximized = state == State::Maximized;
+        setFullScreen(state == State::FullScreen);
+    }
+    else if (state == State::Maximized)
+        SDL_MaximizeWindow(_pWindow);
+    else
+        SDL_RestoreWindow(_pWindow);
 }
 
 void SDLWindow::setFullScreen(bool isFullScreen)
 {
     constexpr Uint32 cFullScreen = SDL_WINDOW_FULLSCREEN_DESKTOP;
-    _isFullScreen = isFullScreen;
     if (_pWindow == nullptr)
+    {
+        _state = isFullScreen ? State::FullScreen : _state == State::FullScreen ? State::Normal : _state;
         return;
+    }
     // SDL does nothing when it believes that the window is that already; the user may have asked somebody else.
     const Uint32 flags = SDL_GetWindowFlags(_pWindow);
     const bool isForSDL = (flags & SDL_WINDOW_FULLSCREEN) != 0;
@@ -119,6 +260,19 @@ void SDLWindow::setFullScreen(bool isFullScreen)
         SDL_MaximizeWindow(_pWindow);
 }
 
-void SDLWindow::applySize() const { SDL_SetWindowSize(_pWindow, toLength(_size.width), toLength(_size.height)); }
+void SDLWindow::follow(SDL_Window* pWindow, const SDL_WindowEvent& event)
+{
+    auto* const pShown = static_cast<SDLWindow*>(SDL_GetWindowData(pWindow, cWindowKey));
+    if (pShown == nullptr)
+        return;
+    // The window manager puts the frame where the content was to be, which is seen when it draws the frame.
+    if (event.event == SDL_WINDOWEVENT_MOVED && std::exchange(pShown->_isPlacePending, false))
+        pShown->setPosition(*pShown->_position);
+    if (event.event == SDL_WINDOWEVENT_EXPOSED)
+        pShown->_isPlacePending = false;
+    const State state = pShown->getState();
+    if (std::exchange(pShown->_toldState, state) != state)
+        tellState(*pShown->_pView, state);
+}
 
 } // namespace gui

@@ -10,6 +10,8 @@
 #define SDL_MAIN_HANDLED
 #include <SDL.h>
 
+#include <algorithm>
+#include <cstring>
 #include <optional>
 
 namespace gui
@@ -85,6 +87,7 @@ public:
         return std::make_unique<SDLWindow>(title, size);
     }
     float getMainDisplayScale() const override { return _scale; }
+    std::vector<DisplayInfo> getDisplays() const override;
 
     bool setClipboardText(Clipboard::Kind kind, const std::string& text) override
     {
@@ -127,6 +130,33 @@ private:
     float _scale;
 };
 
+std::vector<DisplayInfo> SDLWindowSystem::getDisplays() const
+{
+    // SDL keeps the outputs in the order in which the compositor names them, and their scales to itself.
+    std::vector<float> scales;
+    if (std::strcmp(_name, "wayland") == 0)
+        if (const std::optional<WaylandProbe> probe = WaylandProbe::ask())
+            scales = probe->outputScales;
+    std::vector<DisplayInfo> displays;
+    const int nDisplays = SDL_GetNumVideoDisplays();
+    scales.resize(static_cast<std::size_t>(std::max(nDisplays, 0)), 1);
+    for (int i = 0; i < nDisplays; ++i)
+    {
+        SDL_Rect bounds{};
+        SDL_DisplayMode mode{};
+        const char* const name = SDL_GetDisplayName(i);
+        if (SDL_GetDisplayBounds(i, &bounds) != 0 || SDL_GetDesktopDisplayMode(i, &mode) != 0)
+            continue;
+        const td::PointAndSize<double> place{
+            {static_cast<double>(bounds.x), static_cast<double>(bounds.y)},
+            {static_cast<double>(bounds.w), static_cast<double>(bounds.h)},
+        };
+        displays.push_back({name != nullptr ? name : "", place, scales[static_cast<std::size_t>(i)],
+                            static_cast<double>(mode.refresh_rate)});
+    }
+    return displays;
+}
+
 // @param name  of the window system, and of SDL's driver
 std::unique_ptr<WindowSystem> create(const char* name, float scale)
 {
@@ -154,7 +184,7 @@ std::unique_ptr<WindowSystem> createWaylandWindowSystem()
                                                                            : "the compositor has no windows");
         return nullptr;
     }
-    return create("wayland", probe->outputScale);
+    return create("wayland", probe->outputScales.empty() ? 1 : probe->outputScales.front());
 }
 
 } // namespace gui

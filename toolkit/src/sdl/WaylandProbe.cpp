@@ -3,9 +3,11 @@
 #include <poll.h>
 #include <wayland-client.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 namespace gui
 {
@@ -18,13 +20,18 @@ using Clock = std::chrono::steady_clock;
 struct Answers
 {
     WaylandProbe probe;
-    wl_output* pOutput = nullptr;
+    std::vector<wl_output*> outputs;
     bool isDone = false;
 };
 
 Answers& answersOf(void* pData) { return *static_cast<Answers*>(pData); }
 
-void onScale(void* pData, wl_output*, int32_t scale) { answersOf(pData).probe.outputScale = static_cast<float>(scale); }
+void onScale(void* pData, wl_output* pOutput, int32_t scale)
+{
+    Answers& answers = answersOf(pData);
+    const auto index = std::ranges::find(answers.outputs, pOutput) - answers.outputs.begin();
+    answers.probe.outputScales.at(static_cast<std::size_t>(index)) = static_cast<float>(scale);
+}
 void onGeometry(void*, wl_output*, int32_t, int32_t, int32_t, int32_t, int32_t, const char*, const char*, int32_t) {}
 void onMode(void*, wl_output*, uint32_t, int32_t, int32_t, int32_t) {}
 void onOutputDone(void*, wl_output*) {}
@@ -51,11 +58,12 @@ void onGlobal(void* pData, wl_registry* pRegistry, uint32_t name, const char* in
         answers.probe.hasSeat = true;
     else if (is("xdg_wm_base"))
         answers.probe.hasShell = true;
-    else if (is("wl_output") && answers.pOutput == nullptr && version >= cVersionWithScale)
+    else if (is("wl_output") && version >= cVersionWithScale)
     {
-        answers.pOutput =
-            static_cast<wl_output*>(wl_registry_bind(pRegistry, name, &wl_output_interface, cVersionWithScale));
-        wl_output_add_listener(answers.pOutput, &listener, pData);
+        answers.probe.outputScales.push_back(1);
+        answers.outputs.push_back(
+            static_cast<wl_output*>(wl_registry_bind(pRegistry, name, &wl_output_interface, cVersionWithScale)));
+        wl_output_add_listener(answers.outputs.back(), &listener, pData);
     }
 }
 
@@ -109,8 +117,8 @@ std::optional<WaylandProbe> WaylandProbe::ask()
     wl_registry_add_listener(pRegistry, &cRegistryListener, &answers);
     // The first brings the globals, the second what the output says.
     const bool isAnswered = roundtrip(display.get(), answers, end) && roundtrip(display.get(), answers, end);
-    if (answers.pOutput != nullptr)
-        wl_output_destroy(answers.pOutput);
+    for (wl_output* const pOutput : answers.outputs)
+        wl_output_destroy(pOutput);
     wl_registry_destroy(pRegistry);
     return isAnswered ? std::optional(answers.probe) : std::nullopt;
 }

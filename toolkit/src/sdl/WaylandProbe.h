@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 namespace gui
 {
@@ -10,8 +11,8 @@ struct WaylandProbe
 {
     bool hasCompositor = false;
     bool hasSeat = false;
-    bool hasShell = false; ///< windows
-    float outputScale = 1; ///< device pixels per point of the first output
+    bool hasShell = false;           ///< windows
+    std::vector<float> outputScales; ///< device pixels per point of each output, in the compositor's order
 
     /// Asks the compositor that the environment names; waits two seconds at most.
     /// @return nothing when there is none, or none that answers

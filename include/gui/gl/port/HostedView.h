@@ -117,6 +117,8 @@ public:
     /// @param tell  gets the client, not null, and returns whether the input was used up
     /// @return what it says; false when there is no view
     bool tell(const std::function<bool(const SharedClient& pClient)>& tell);
+    /// Whether the view, if it is there, wants what is dropped on it.
+    bool acceptsDrops() const { return *_pClient != nullptr && (*_pClient)->acceptsDrops(); }
     bool takesText() const { return _takesText; }
     const td::RectNormalized<double>& getCaret() const { return _caret; }
 

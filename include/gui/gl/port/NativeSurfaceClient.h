@@ -33,6 +33,8 @@ public:
     virtual void onText(const TextEvent& event) = 0;
     /// An input method composes; no text when that is over.
     virtual void onComposition(const CompositionEvent& event) = 0;
+    /// Files or text were dropped; also when the view doesn't accept them.
+    virtual void onDrop(const DropEvent& event) = 0;
     /// The window, or the widget, got or lost the keyboard.
     virtual void onFocus(bool hasFocus) = 0;
 
@@ -46,6 +48,8 @@ public:
 
     /// Whether the view takes keys.
     virtual bool acceptsFirstResponder() const = 0;
+    /// Whether the view wants what is dropped on it; known when the surface is made, and the same ever after.
+    virtual bool acceptsDrops() const = 0;
     /// Which pointer events the view wants, as bits: 0x04 cursor updates, 0x80 always active and 0x200 over what is
     /// visible, these always; 0x02 motion; 0x01 entering and leaving. A surface that gets them all anyway need not
     /// care.

@@ -4,7 +4,9 @@
 #include <td/Types.h>
 
 #include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace gui::gl
 {
@@ -86,6 +88,15 @@ struct TextEvent
     std::string_view text; ///< UTF-8; any bytes will do
     /// Of a key: those that were held. What a key with Ctrl, Alt or Super types is a command, and no text.
     unsigned int modifiers = 0;
+};
+
+/// Something was dropped; see gui::Drop.
+struct DropEvent
+{
+    std::vector<std::string> files; ///< paths; empty ones are left out
+    std::string text;               ///< UTF-8; any bytes will do
+    unsigned int modifiers;         ///< those that were held
+    td::Point<double> point;        ///< where it was let go
 };
 
 /// What an input method has composed so far.

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <gui/Clipboard.h>
+#include <gui/Display.h>
 #include <gui/port/RunLoop.h>
 #include <td/Export.h>
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace gui
 {
@@ -40,6 +42,8 @@ public:
     virtual double getDisplayRate(const NativeView*) const { return 0; }
     /// Device pixels per point of the main display.
     virtual float getMainDisplayScale() const { return 1; }
+    /// See WindowSystem: what gui::Display asks for.
+    virtual std::vector<DisplayInfo> getDisplays() const { return {}; }
 
     /// A context of the library's own, gui::gl::OffscreenContext, is about to be made current: the toolkit has none
     /// current from now on, and knows. For those that keep in mind which one is, or draw by something else than EGL;

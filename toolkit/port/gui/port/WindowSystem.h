@@ -1,11 +1,16 @@
 #pragma once
 
 #include <gui/Clipboard.h>
+#include <gui/Display.h>
+#include <gui/Window.h>
 #include <td/Export.h>
+#include <td/Point.h>
 #include <td/Size.h>
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace gui
 {
@@ -13,6 +18,7 @@ namespace gui
 class Host;
 class NativeView;
 class RunLoop;
+class Texture;
 
 /// A top-level window of a window system, behind gui::Window. It tells the native view that is in it what becomes of
 /// it: enteredWindow at the end of show, sizeChanged, scaleChanged, and drawNow through the run loop when it was
@@ -36,6 +42,23 @@ public:
     virtual void setFullScreen(bool isFullScreen) = 0;
     /// What it is now, not what was asked for.
     virtual bool isFullScreen() const = 0;
+
+    /// Also before it is shown, as the rest: the window is that then. Say tellState when it has changed.
+    virtual void setState(Window::State state) = 0;
+    /// What it is now; before it is shown, what was asked for.
+    virtual Window::State getState() const = 0;
+
+    /// In points; of any size. Nothing where windows have none.
+    virtual void setMinSize(const td::Size<double>&) {}
+    /// Of the content's top left corner, in points on the desktop of all displays.
+    virtual void setPosition(const td::Point<double>&) {}
+    virtual std::optional<td::Point<double>> getPosition() const { return std::nullopt; }
+    /// @param picture  with pixels of 3 or 4 bytes; to be copied
+    virtual void setIcon(const Texture& /*picture*/) {}
+
+protected:
+    /// The window of this view has another state. Its program hears of it, and may close it in there.
+    GUIGL_API static void tellState(const NativeView& view, Window::State state);
 };
 
 /// What a window system is to the toolkit: a run loop and windows. One per process. The library has a table of them in
@@ -64,6 +87,8 @@ public:
     virtual std::unique_ptr<WindowPeer> createWindow(const char* title, const td::Size<double>& size) = 0;
     /// Device pixels per point of the main display.
     virtual float getMainDisplayScale() const = 0;
+    /// All displays, the main one first; none when the system doesn't say, which counts as one.
+    virtual std::vector<DisplayInfo> getDisplays() const { return {}; }
 
     /// What gui::Clipboard asks for. As long as nobody says otherwise, texts of the program's own.
     /// @param text  UTF-8, well-formed, without zeros  @return whether it was taken

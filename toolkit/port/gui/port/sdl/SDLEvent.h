@@ -6,6 +6,7 @@
 #include <td/Size.h>
 
 #include <string>
+#include <vector>
 
 namespace gui
 {
@@ -16,12 +17,14 @@ struct SDLEvent
     SDL_Event event;
     unsigned int modifiers;    ///< of SDL_Keymod
     unsigned int mouseButtons; ///< as SDL_GetMouseState answers
-    int mouseX;                ///< in points of the window's content
+    int mouseX;                ///< in points of the window's content; where it was dropped
     int mouseY;
     unsigned int xKeyCode; ///< of the X11 event that a key event came from; 0 when it came from none that is known
     unsigned int xState;   ///< its state, which holds the layout's group
     std::string text; ///< of SDL_TEXTINPUT, SDL_TEXTEDITING and SDL_TEXTEDITING_EXT, whose own pointer is null here
     bool isOfKey;     ///< of SDL_TEXTINPUT: whether a key that went down made it, and no input method
+    /// Of SDL_DROPCOMPLETE, with the text: all that was dropped. There are no other events of drops.
+    std::vector<std::string> files;
 };
 
 /// Who takes the input for a window: whatever SDL tells of it but what the window itself sees to, such as its size. The
@@ -40,5 +43,8 @@ protected:
 
 /// The input for this window goes to this sink from now on, while a gui::Window shows it; null for nobody.
 GUIGL_API void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink);
+
+/// What is dropped is told from now on: windows are open to it, all of them, as SDL has it.
+GUIGL_API void acceptDrops();
 
 } // namespace gui
