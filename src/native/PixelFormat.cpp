@@ -28,7 +28,8 @@ enum Attribute : unsigned int
     Samples = 56,
     NoRecovery = 72,
     Accelerated = 73,
-    OpenGLProfile = 99
+    OpenGLProfile = 99,
+    SurfaceOpacity = 236
 };
 
 constexpr unsigned int cCore32 = 0x3200;
@@ -61,6 +62,9 @@ void take(PixelFormatSizes& sizes, unsigned int attribute, unsigned int value)
     case Samples:
         sizes.nSamples = value > 1 ? static_cast<int>(value) : 1;
         break;
+    case SurfaceOpacity:
+        sizes.isTransparent = value == 0;
+        break;
     default:
         break;
     }
@@ -80,6 +84,9 @@ PixelFormat buildPixelFormat(const Context& context)
     std::size_t n = 10;
     if (context.getSamples() > 1)
         for (const unsigned int word : {+SampleBuffers, 1U, +Samples, static_cast<unsigned int>(context.getSamples())})
+            format[n++] = word;
+    if (context.isTransparent())
+        for (const unsigned int word : {+SurfaceOpacity, 0U})
             format[n++] = word;
     for (const unsigned int word : {DoubleBuffer, Accelerated, NoRecovery, End})
         format[n++] = word;

@@ -8,6 +8,7 @@
 #include <vo/Log.h>
 
 #include <SDL_error.h>
+#include <SDL_hints.h>
 #include <epoxy/gl.h>
 
 #include <cstring>
@@ -48,8 +49,9 @@ void setAttributes(const PixelFormatSizes& sizes)
         SDL_GL_SetAttribute(attribute, value);
 }
 
-SDL_Window* createWindow(const td::Size<int>& size)
+SDL_Window* createWindow(const td::Size<int>& size, bool isTransparent = false)
 {
+    SDL_SetHint(SDL_HINT_VIDEO_EGL_ALLOW_TRANSPARENCY, isTransparent ? "1" : "0");
     return SDL_CreateWindow("", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, size.width, size.height,
                             cWindowFlags);
 }
@@ -112,6 +114,8 @@ std::string describeSystem()
 std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, const td::Size<int>& size)
 {
     PixelFormatSizes sizes = asked;
+    if (asked.isTransparent && !isOnWayland())
+        vo::dbgLog("Warning! SDLContext has no transparent windows on X11 with SDL2, and the window is opaque");
     std::unique_ptr<SDLContext> context = tryToCreate(sizes, size);
     const std::string error = SDL_GetError();
     PixelFormatSizes samples = asked;
@@ -138,7 +142,7 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
 std::unique_ptr<SDLContext> SDLContext::tryToCreate(const PixelFormatSizes& sizes, const td::Size<int>& size)
 {
     setAttributes(sizes);
-    SDL_Window* const pWindow = createWindow(size);
+    SDL_Window* const pWindow = createWindow(size, sizes.isTransparent);
     if (pWindow == nullptr)
         return nullptr;
     const SDL_GLContext context = createContext(pWindow);
@@ -216,7 +220,7 @@ void SDLContext::prepareToShow(const td::Size<int>& size)
 SDL_Window* SDLContext::createAnotherWindow(const td::Size<int>& size) const
 {
     setAttributes(_sizes);
-    return createWindow(size);
+    return createWindow(size, _sizes.isTransparent);
 }
 
 bool SDLContext::makeCurrent()

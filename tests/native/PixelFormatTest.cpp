@@ -16,7 +16,7 @@ using gui::gl::StencilBuffer;
 bool operator==(const PixelFormatSizes& a, const PixelFormatSizes& b)
 {
     return a.is41 == b.is41 && a.colorBits == b.colorBits && a.alphaBits == b.alphaBits && a.depthBits == b.depthBits &&
-           a.stencilBits == b.stencilBits && a.nSamples == b.nSamples;
+           a.stencilBits == b.stencilBits && a.nSamples == b.nSamples && a.isTransparent == b.isTransparent;
 }
 
 TEST(PixelFormat, SaysWhatTheContextAsksForAndIsReadBack)
@@ -37,6 +37,10 @@ TEST(PixelFormat, SaysWhatTheContextAsksForAndIsReadBack)
     deep.setSamples(8);
     const PixelFormat smoothList = gui::gl::buildPixelFormat(deep);
     EXPECT_EQ(smoothList, (PixelFormat{99, 0x4100, 8, 30, 11, 2, 12, 32, 13, 0, 55, 1, 56, 8, 5, 73, 72, 0}));
+    deep.setTransparent(true);
+    const PixelFormat clearList = gui::gl::buildPixelFormat(deep);
+    EXPECT_EQ(clearList, (PixelFormat{99, 0x4100, 8, 30, 11, 2, 12, 32, 13, 0, 55, 1, 56, 8, 236, 0, 5, 73, 72, 0}));
+    EXPECT_TRUE(gui::gl::decodePixelFormat(clearList) == (PixelFormatSizes{true, 30, 2, 32, 0, 8, true}));
     PixelFormatSizes sizes = gui::gl::decodePixelFormat(smoothList);
     EXPECT_TRUE(sizes == (PixelFormatSizes{true, 30, 2, 32, 0, 8}));
     EXPECT_TRUE(gui::gl::fallBackSamples(sizes) && gui::gl::fallBackSamples(sizes) && gui::gl::fallBackSamples(sizes));

@@ -3,6 +3,8 @@
 #include "DesktopTest.h"
 #include "Weston.h"
 
+#include <epoxy/gl.h>
+
 #include <cstdlib>
 
 namespace test
@@ -28,6 +30,7 @@ testing::Environment* const s_pEnvironment = testing::AddGlobalTestEnvironment(n
 
 INSTANTIATE_TEST_SUITE_P(Wayland, DesktopTest, testing::Values(0, 1));
 
+using gui::gl::Context;
 using WaylandTest = DesktopFixture;
 
 // Picture and pointer agree before, during and after: on one output, across both, and back.
@@ -86,6 +89,46 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     EXPECT_EQ(corner.width, 200);
     EXPECT_TRUE(isClickHeard(corner.x + 60, corner.y + 50, "60,50"));
     EXPECT_FALSE(view.isWrong);
+}
+
+// The compositor's ground shows through a window that asks for it alone.
+TEST_F(WaylandTest, TheGroundShowsThroughAnAlpha)
+{
+    class Clear : public gui::gl::View
+    {
+    public:
+        explicit Clear(bool isTransparent)
+        {
+            Context context(gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None,
+                            Context::Profile::Core41);
+            context.setTransparent(isTransparent);
+            createContext(context);
+        }
+
+    private:
+        void onDraw(const td::RectNormalized<double>&) override
+        {
+            glClearColor(0.5F, 0, 0, 0.5F);
+            glClear(GL_COLOR_BUFFER_BIT);
+        }
+    };
+    const auto isSeen = [](bool isTransparent, std::uint32_t color)
+    {
+        Clear view(isTransparent);
+        gui::Window window("Clear", {200, 150});
+        desktop().goTo(0);
+        EXPECT_TRUE(window.show(view));
+        const XServer::Place screen = desktop().area(0);
+        return waitInLoop(
+            [&]
+            {
+                const XServer::Place place = desktop().server().find(color, screen);
+                return place.x < screen.x + screen.width - 150;
+            });
+    };
+    // Half of 0x303030, over which there is half a red; or that red alone.
+    EXPECT_TRUE(isSeen(true, 0x981818) || isSeen(true, 0x971818));
+    EXPECT_TRUE(isSeen(false, 0x800000) || isSeen(false, 0x7F0000));
 }
 
 TEST_F(WaylandTest, TheFrameHasAButtonThatCloses)

@@ -7,6 +7,10 @@
 #include <gui/port/WindowSystem.h>
 #include <vo/Log.h>
 
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
 namespace gui
 {
 
@@ -41,6 +45,20 @@ int Application::run(ZavObject& view, const char* title, const td::Size<double>&
 bool Application::step(double seconds) { return runLoop().step(seconds); }
 
 void Application::quit(int code) { runLoop().quit(code); }
+
+ColorScheme Application::getColorScheme()
+{
+    const char* const wanted = std::getenv("GUIGL_COLOR_SCHEME");
+    const std::string_view name = wanted != nullptr ? wanted : "";
+    if (name == "light")
+        return ColorScheme::Light;
+    return name == "dark" ? ColorScheme::Dark : WindowSystem::instance().getColorScheme();
+}
+
+void Application::setColorSchemeHandler(std::function<void(ColorScheme)> handler)
+{
+    WindowSystem::instance().setColorSchemeHandler(std::move(handler));
+}
 
 const char* Application::getWindowSystem() { return WindowSystem::instance().getName(); }
 

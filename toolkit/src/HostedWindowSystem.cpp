@@ -51,6 +51,7 @@ public:
     }
     float getMainDisplayScale() const override { return _pHost->getMainDisplayScale(); }
     std::vector<DisplayInfo> getDisplays() const override { return _pHost->getDisplays(); }
+    ColorScheme getColorScheme() const override { return _pHost->getColorScheme(); }
     bool setClipboardText(Clipboard::Kind kind, const std::string& text) override
     {
         return _pHost->setClipboardText(kind, text);

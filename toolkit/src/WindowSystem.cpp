@@ -6,6 +6,7 @@
 #include "sdl/SDLWindowSystem.h"
 #endif
 
+#include <gui/Application.h>
 #include <gui/port/DisplayScale.h>
 #include <gui/port/Host.h>
 #include <vo/Log.h>
@@ -98,6 +99,13 @@ void WindowSystem::leaveHostsContexts()
 {
     if (s_pSystem != nullptr)
         s_pSystem->leaveContexts();
+}
+
+void WindowSystem::tellColorScheme() const
+{
+    // A copy: it may set another one.
+    if (const std::function<void(ColorScheme)> handler = _colorSchemeHandler)
+        handler(Application::getColorScheme());
 }
 
 WindowSystem& WindowSystem::instance()

@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStyleHints>
 
 #include <algorithm>
 #include <utility>
@@ -45,6 +46,10 @@ QtHost::QtHost()
     QObject::connect(&_timer, &QTimer::timeout, &_context, [this] { takeTurn(); });
     QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &_context,
                      [this] { beforeSleep(); });
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+    QObject::connect(QGuiApplication::styleHints(), &QStyleHints::colorSchemeChanged, &_context,
+                     [] { gui::WindowSystem::instance().tellColorScheme(); });
+#endif
 }
 
 void QtHost::wakeUp()
@@ -118,6 +123,16 @@ std::vector<gui::DisplayInfo> QtHost::getDisplays() const
                             pScreen->refreshRate()});
     }
     return displays;
+}
+
+gui::ColorScheme QtHost::getColorScheme() const
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+    const Qt::ColorScheme scheme = QGuiApplication::styleHints()->colorScheme();
+    if (scheme != Qt::ColorScheme::Unknown)
+        return scheme == Qt::ColorScheme::Dark ? gui::ColorScheme::Dark : gui::ColorScheme::Light;
+#endif
+    return gui::ColorScheme::Unknown;
 }
 
 bool QtHost::setClipboardText(gui::Clipboard::Kind kind, const std::string& text)

@@ -24,6 +24,7 @@ public:
     double getDisplayRate(const gui::NativeView* pView) const override;
     float getMainDisplayScale() const override;
     std::vector<gui::DisplayInfo> getDisplays() const override;
+    gui::ColorScheme getColorScheme() const override;
     bool setClipboardText(gui::Clipboard::Kind kind, const std::string& text) override;
     std::string getClipboardText(gui::Clipboard::Kind kind) override;
     bool hasClipboardText(gui::Clipboard::Kind kind) override;

@@ -185,6 +185,13 @@ public:
     void setSamples(int n);
     int getSamples() const { return _nSamples; }
 
+    /// Whether the desktop shows through what a view draws with an alpha below 1, in a window of the library's own;
+    /// colours are premultiplied then, red at most alpha, as blending by the factors One and OneMinusSrcAlpha leaves them.
+    /// Off at first, and the alpha of a window's frame means nothing. Where it is not to be had (with
+    /// SDL2 on X11; without a compositor), the window is opaque.
+    void setTransparent(bool isTransparent) { _isTransparent = isTransparent; }
+    bool isTransparent() const { return _isTransparent; } ///< see setTransparent
+
     /// The range that an animated view's frames per second should lie in. Nothing is checked here: a range that is not
     /// above 0, or whose maximum is below its minimum, means the display's own rate.
     void setPreferredFrameRateRange(float min, float max);
@@ -255,6 +262,7 @@ private:
     unsigned char _colorBits = 24;
     unsigned char _alphaBits = 8;
     unsigned char _nSamples = 1;
+    bool _isTransparent = false;
 };
 
 } // namespace gui::gl

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "ColorScheme.h"
+
 #include <td/Export.h>
 #include <td/Size.h>
 
+#include <functional>
 #include <memory>
 
 namespace gui
@@ -53,6 +56,13 @@ public:
 
     /// The window system in use: "wayland", "x11" or "offscreen".
     static const char* getWindowSystem();
+
+    /// Whether the user wants programs light or dark, as the desktop says it to SDL3 and to Qt from 6.5 on; Unknown
+    /// elsewhere. The environment variable GUIGL_COLOR_SCHEME ("light", "dark") goes before it, so that a program can
+    /// be tried in both.
+    static ColorScheme getColorScheme();
+    /// Called with the new one each time that it changes, from the run loop. @param handler  empty for none
+    static void setColorSchemeHandler(std::function<void(ColorScheme scheme)> handler);
 
 private:
     std::unique_ptr<TerminationSignals> _pSignals;

@@ -11,8 +11,9 @@ namespace gui::gl
 /// The pixel format that a context asks for, as a list of attributes that ends with 0: profile (99; 0x4100 or 0x3200),
 /// colour bits (8), alpha bits (11), depth bits (12), stencil bits (13), each followed by its value, then double buffer
 /// (5), accelerated (73) and no recovery (72), which have none. For more than one sample per pixel the number of sample
-/// buffers (55), which is 1, and of samples (56) stand behind the stencil bits. Zeros fill the rest.
-using PixelFormat = std::array<unsigned int, 18>;
+/// buffers (55), which is 1, and of samples (56) stand behind the stencil bits, and behind them, for a window that the
+/// desktop shows through, surface opacity (236), which is 0. Zeros fill the rest.
+using PixelFormat = std::array<unsigned int, 20>;
 
 /// The list for these settings; always in the same order.
 GUIGL_API PixelFormat buildPixelFormat(const Context& context);
@@ -30,7 +31,8 @@ struct PixelFormatSizes
     int alphaBits;
     int depthBits;
     int stencilBits;
-    int nSamples = 1; ///< per pixel
+    int nSamples = 1;           ///< per pixel
+    bool isTransparent = false; ///< the desktop shows through
 };
 
 /// What the list says; an attribute that is unknown is passed over.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gui/Clipboard.h>
+#include <gui/ColorScheme.h>
 #include <gui/Display.h>
 #include <gui/port/RunLoop.h>
 #include <td/Export.h>
@@ -44,6 +45,7 @@ public:
     virtual float getMainDisplayScale() const { return 1; }
     /// See WindowSystem: what gui::Display asks for.
     virtual std::vector<DisplayInfo> getDisplays() const { return {}; }
+    virtual ColorScheme getColorScheme() const { return ColorScheme::Unknown; } ///< and tellColorScheme, too
 
     /// A context of the library's own, gui::gl::OffscreenContext, is about to be made current: the toolkit has none
     /// current from now on, and knows. For those that keep in mind which one is, or draw by something else than EGL;

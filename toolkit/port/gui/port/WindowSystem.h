@@ -1,15 +1,18 @@
 #pragma once
 
 #include <gui/Clipboard.h>
+#include <gui/ColorScheme.h>
 #include <gui/Display.h>
 #include <gui/Window.h>
 #include <td/Export.h>
 #include <td/Point.h>
 #include <td/Size.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace gui
@@ -90,6 +93,13 @@ public:
     /// All displays, the main one first; none when the system doesn't say, which counts as one.
     virtual std::vector<DisplayInfo> getDisplays() const { return {}; }
 
+    /// What the desktop's user has set. Say tellColorScheme when it has changed.
+    virtual ColorScheme getColorScheme() const { return ColorScheme::Unknown; }
+    /// See Application::setColorSchemeHandler.
+    void setColorSchemeHandler(std::function<void(ColorScheme)> handler) { _colorSchemeHandler = std::move(handler); }
+    /// The desktop's user has set another one: the program hears of it.
+    void tellColorScheme() const;
+
     /// What gui::Clipboard asks for. As long as nobody says otherwise, texts of the program's own.
     /// @param text  UTF-8, well-formed, without zeros  @return whether it was taken
     virtual bool setClipboardText(Clipboard::Kind kind, const std::string& text);
@@ -102,6 +112,7 @@ protected:
     virtual void leaveContexts() {}
 
 private:
+    std::function<void(ColorScheme)> _colorSchemeHandler;
     std::string _copied;
     std::string _selected;
 };
