@@ -1,5 +1,5 @@
-// A view whose context is lost twelve times, and the frame behind each loss. Its own GL texture is the one thing that it
-// has to make again.
+// A view whose context is lost twelve times, and the frame behind each loss. Its own GL texture is the one thing that
+// it has to make again.
 #include <gui/Application.h>
 #include <gui/Texture.h>
 #include <gui/gl/gl.h>

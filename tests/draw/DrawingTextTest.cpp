@@ -555,8 +555,8 @@ TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)
                  Labels::findRoom(shape, {0, 0, std::numeric_limits<double>::infinity(), 60}));
 }
 
-// A layer that has moved stands at fractions of pixels that a new one would not; its programs, tables, pictures of glyphs
-// and images are to be there again.
+// A layer that has moved stands at fractions of pixels that a new one would not; its programs, tables, pictures of
+// glyphs and images are to be there again.
 TEST_F(DrawingTextTest, ADrawingIsThereAgainToThePixelAfterALoss)
 {
     Drawing drawing;

@@ -24,7 +24,8 @@ namespace gui::gl
 /// Committed data stays in memory but is closed: appending, inserting, changing and reading a point writes "ERROR!
 /// Buffer::append vertices on committed buffer! Call reset first!" and asserts, until reset() opens the buffer for new
 /// data. When the context is lost and another takes its place (see View), what was committed is uploaded again, from
-/// that memory; a program that is short of it declines by setKeptForRestore. Not copyable. commit, activate and deActivate need the view's context current. GUI thread only.
+/// that memory; a program that is short of it declines by setKeptForRestore. Not copyable. commit, activate and
+/// deActivate need the view's context current. GUI thread only.
 class GUIGL_API Buffer
 {
 public:
@@ -169,10 +170,10 @@ public:
     void deActivate() const;
 
     /// false frees the memory of the data after each commit, and now if it is committed; GL alone has it then. The
-    /// buffer counts no vertices, indices and instances any more, and getVertices is empty. When the context is lost the
-    /// data is too: the commands are dropped, and until reset or release the buffer draws nothing and commit is refused
-    /// ("Error! Buffer: what was committed went with its context, as it is not kept for restoring", once). true, the
-    /// default, costs the bytes that were appended, and holds from the next commit of new data on.
+    /// buffer counts no vertices, indices and instances any more, and getVertices is empty. When the context is lost
+    /// the data is too: the commands are dropped, and until reset or release the buffer draws nothing and commit is
+    /// refused ("Error! Buffer: what was committed went with its context, as it is not kept for restoring", once).
+    /// true, the default, costs the bytes that were appended, and holds from the next commit of new data on.
     void setKeptForRestore(bool isKept);
     bool isKeptForRestore() const { return _isKept; }
 

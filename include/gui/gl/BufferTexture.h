@@ -15,9 +15,9 @@ namespace gui::gl
 /// Numbers in GL memory that a shader reads by their place, with texelFetch from a samplerBuffer (or isamplerBuffer,
 /// usamplerBuffer): tables of any size that change in parts.
 ///
-/// What stands in it is kept here as well, for the case that the context is lost and another takes its place (see View);
-/// whoever fills it again by himself declines that by setKeptForRestore. Not copyable. Needs the context current that
-/// it was made in, except for the destructor, release and queries. GUI thread only.
+/// What stands in it is kept here as well, for the case that the context is lost and another takes its place (see
+/// View); whoever fills it again by himself declines that by setKeptForRestore. Not copyable. Needs the context current
+/// that it was made in, except for the destructor, release and queries. GUI thread only.
 class GUIGL_API BufferTexture
 {
 public:

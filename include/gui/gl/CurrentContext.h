@@ -58,8 +58,8 @@ public:
     static void died(Handle handle);
 
     /// Tells that the current context is about to be replaced by another, and still works: what the library's objects
-    /// have in it is deleted, framebuffers read their pixels, and it counts as dead. Instead of died, where that can be:
-    /// others may share what is in a context, a toolkit for one, and would keep it. Nothing when none is current.
+    /// have in it is deleted, framebuffers read their pixels, and it counts as dead. Instead of died, where that can
+    /// be: others may share what is in a context, a toolkit for one, and would keep it. Nothing when none is current.
     static void retire();
 
     /// Makes all that the library's objects had in a context anew in the one that is current, with what they keep: see
@@ -74,8 +74,8 @@ public:
     /// CurrentContext::set(context);
     /// CurrentContext::restoreFrom(lost);
     /// @endcode
-    /// @param lost  the context that is gone; what is of others stays as it is. Without a current context there is a log
-    ///              line: "Error! CurrentContext::restoreFrom without a current GL context!"
+    /// @param lost  the context that is gone; what is of others stays as it is. Without a current context there is a
+    ///              log line: "Error! CurrentContext::restoreFrom without a current GL context!"
     static void restoreFrom(ID lost);
 
     /// Has a function called after each change, before anything is done in the context that is current then: for those

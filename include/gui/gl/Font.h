@@ -54,9 +54,9 @@ struct FontMetrics;
 ///
 /// Moves, but can't be copied; no assignment. load, setTexture, commit and draw need the view's context current. The
 /// destructor deletes the atlas texture, the vertex array and its buffer, and needs no context. When the context dies
-/// they are gone: the strings are uploaded anew by the next commit, the atlas by the next load. But when another context
-/// takes its place (see View), both are made anew, from the strings and from what setKeptForRestore keeps. GUI thread
-/// only.
+/// they are gone: the strings are uploaded anew by the next commit, the atlas by the next load. But when another
+/// context takes its place (see View), both are made anew, from the strings and from what setKeptForRestore keeps. GUI
+/// thread only.
 class GUIGL_API Font
 {
 public:

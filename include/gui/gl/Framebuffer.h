@@ -106,8 +106,8 @@ public:
     /// resolve or read. Owned by this object. 0 without a framebuffer.
     unsigned int getTextureID() const { return isOk() ? _names.texture : 0; }
 
-    /// true reads the colours after each end and resolve, for a context that is lost without notice: it costs a wait for
-    /// the GPU each time, 16 bytes per pixel, and 4 for one of a single number. false, the default, keeps nothing.
+    /// true reads the colours after each end and resolve, for a context that is lost without notice: it costs a wait
+    /// for the GPU each time, 16 bytes per pixel, and 4 for one of a single number. false, the default, keeps nothing.
     void setKeptForRestore(bool isKept);
     bool isKeptForRestore() const { return _isKept; }
 

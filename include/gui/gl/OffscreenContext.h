@@ -61,8 +61,8 @@ public:
     bool isGone() const;
 
     /// Makes another GL context in the place of this one, of the same format, and all that the library's objects had in
-    /// it anew (see View for what that takes): after a loss, or to try out what one does. It is current afterwards, with
-    /// the viewport over its whole size and GL's state as at first; the picture stays, unless the GPU was reset.
+    /// it anew (see View for what that takes): after a loss, or to try out what one does. It is current afterwards,
+    /// with the viewport over its whole size and GL's state as at first; the picture stays, unless the GPU was reset.
     /// @return false, with a log line, when there is none to be had; it may be tried again
     bool replace();
 

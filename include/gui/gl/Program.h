@@ -46,8 +46,8 @@ class Buffer;
 ///
 /// When the context is lost and another takes its place (see View), the program is linked again from what was given to
 /// link, onLinked is called again, and uniforms get the values that the setters of this class gave them. Locations are
-/// what they were where the driver is the same one; where it is another, those in this class's members follow, and so do
-/// those that onLinked looks up.
+/// what they were where the driver is the same one; where it is another, those in this class's members follow, and so
+/// do those that onLinked looks up.
 ///
 /// Not copyable; not meant to be deleted through a pointer to this class. Everything but queries needs the view's
 /// context current. GUI thread only.
@@ -81,8 +81,9 @@ public:
     void release();
 
     /// false frees what is kept to link again, and keeps nothing from the next link on: when the context is lost, the
-    /// program is not linked any more, draw says so, once, and nothing is drawn. true, the default, costs the text of the
-    /// stages as it was given to link (a resource its name alone) and some 100 bytes for each uniform that was looked up.
+    /// program is not linked any more, draw says so, once, and nothing is drawn. true, the default, costs the text of
+    /// the stages as it was given to link (a resource its name alone) and some 100 bytes for each uniform that was
+    /// looked up.
     void setKeptForRestore(bool isKept);
     bool isKeptForRestore() const { return _isKept; }
 

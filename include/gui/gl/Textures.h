@@ -35,8 +35,9 @@ class KeptTexture;
 /// delete them, in the context that made them. All textures of a set belong to one context; when that dies they are
 /// gone, and the next append begins a new set. But when another context takes its place (see View), they are made anew,
 /// of what is kept for that, with the same positions, and the same names where the driver lets them be: see
-/// setKeptForRestore. What GL calls of your own change in them is not known here. 2D textures repeat in both directions, have mipmaps and linear filters; cube maps clamp to their edges, with
-/// linear filters and no mipmaps. Not copyable. Unless said otherwise, operations need the view's context current.
+/// setKeptForRestore. What GL calls of your own change in them is not known here. 2D textures repeat in both
+/// directions, have mipmaps and linear filters; cube maps clamp to their edges, with linear filters and no mipmaps. Not
+/// copyable. Unless said otherwise, operations need the view's context current.
 class GUIGL_API Textures
 {
 public:
@@ -123,9 +124,9 @@ public:
 
     /// false frees what is kept of the textures that there are, and nothing is kept of those that are appended from now
     /// on: when the context is lost they are too. They have the name 0 then, and what is drawn with them is black, as
-    /// with any texture that GL does not have; "Error! Textures: texture %zu went with its context, as it is not kept for
-    /// restoring" says so, once. true, the default, costs the size of the file for those that were loaded from files, as
-    /// it is on the disk, and 3 or 4 bytes per pixel for images, from now on.
+    /// with any texture that GL does not have; "Error! Textures: texture %zu went with its context, as it is not kept
+    /// for restoring" says so, once. true, the default, costs the size of the file for those that were loaded from
+    /// files, as it is on the disk, and 3 or 4 bytes per pixel for images, from now on.
     void setKeptForRestore(bool isKept);
     bool isKeptForRestore() const { return _isKept; }
 

@@ -30,12 +30,12 @@ namespace gui::gl
 /// onResize; onDraw for each frame; destructor. In onInit, onDraw, onResize and cleanResources the view's context is
 /// current. A view that never enters a window draws all the same, offscreen. GUI thread only.
 ///
-/// A context may be lost while the view lives: the GPU was reset, or a toolkit moved the view's widget. Another one takes
-/// its place before the next frame, and that frame is the picture before: what the library's objects had in GL is made
-/// anew from what they keep, whoever made it and when; GL's state (what is enabled, values to clear with, what is bound)
-/// is what it was, or, when the context was lost without notice, what onInit and the first frame left. What GL calls of
-/// the program's own made is theirs: onContextRestored makes it again. docs/contexts.md has the costs, and what keeps
-/// nothing.
+/// A context may be lost while the view lives: the GPU was reset, or a toolkit moved the view's widget. Another one
+/// takes its place before the next frame, and that frame is the picture before: what the library's objects had in GL is
+/// made anew from what they keep, whoever made it and when; GL's state (what is enabled, values to clear with, what is
+/// bound) is what it was, or, when the context was lost without notice, what onInit and the first frame left. What GL
+/// calls of the program's own made is theirs: onContextRestored makes it again. docs/contexts.md has the costs, and
+/// what keeps nothing.
 class GUIGL_API View : public gui::DrawableView
 {
 public:
@@ -110,9 +110,9 @@ public:
     /// @return its GL name, owned by the caller; 0 after a failure, which Program::link describes
     unsigned int linkProgram(const char* vertexResID, const char* fragmentResID);
 
-    /// Replaces the context by another one before the next frame, as a loss would, and asks for that frame: for tests of
-    /// programs that have GL objects of their own. GUIGL_LOSE_CONTEXT=n in the environment does it every n frames, in
-    /// any program. Nothing while there is no native view.
+    /// Replaces the context by another one before the next frame, as a loss would, and asks for that frame: for tests
+    /// of programs that have GL objects of their own. GUIGL_LOSE_CONTEXT=n in the environment does it every n frames,
+    /// in any program. Nothing while there is no native view.
     void loseContext() const;
 
     /// Reads the next frame that is drawn into an image: 4 bytes per pixel, the size of the view in device pixels, the
@@ -152,8 +152,8 @@ protected:
     /// Called with the context current when the native view goes away before this object does: release GL objects here.
     virtual void cleanResources();
 
-    /// Called when the context was lost, or another is about to take its place. No context is current: make no GL calls,
-    /// forget the names that GL calls of your own made. What the library's objects have is none of your business.
+    /// Called when the context was lost, or another is about to take its place. No context is current: make no GL
+    /// calls, forget the names that GL calls of your own made. What the library's objects have comes back by itself.
     virtual void onContextLost();
 
     /// Called before the next frame, with another context current, when all of the library's objects are there again:

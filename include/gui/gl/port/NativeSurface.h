@@ -42,9 +42,9 @@ public:
 
     /// Whether makeCurrent has found out that the context is gone for good.
     virtual bool isContextLost() const { return false; }
-    /// The context is lost, or said to be (View::loseContext): makes another one of the same format in its place, current,
-    /// and tells CurrentContext: died, then set. What is in it is the client's business. A widget's host, whose toolkit
-    /// brings contexts when it likes, tells the client instead (NativeSurfaceClient::contextLost).
+    /// The context is lost, or said to be (View::loseContext): makes another one of the same format in its place,
+    /// current, and tells CurrentContext: died, then set. What is in it is the client's business. A widget's host,
+    /// whose toolkit brings contexts when it likes, tells the client instead (NativeSurfaceClient::contextLost).
     /// @return false when it has none to give; the old one is as it was then, or gone
     virtual bool replaceContext() { return false; }
 

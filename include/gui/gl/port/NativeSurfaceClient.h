@@ -38,8 +38,8 @@ public:
     /// The window, or the widget, got or lost the keyboard.
     virtual void onFocus(bool hasFocus) = 0;
 
-    /// The surface's context is about to be destroyed, or is gone, and another one will take its place: what is in it is
-    /// forgotten, and no frame is drawn until contextReplaced. A second call is nothing.
+    /// The surface's context is about to be destroyed, or is gone, and another one will take its place: what is in it
+    /// is forgotten, and no frame is drawn until contextReplaced. A second call is nothing.
     /// @param works  whether it is current and works; it counts as dead then when this returns. Otherwise the caller
     ///               tells CurrentContext::died
     virtual void contextLost(bool works) = 0;

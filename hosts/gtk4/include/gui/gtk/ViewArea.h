@@ -49,8 +49,8 @@ using Maker = std::function<gui::gl::View*()>;
 /// The widget is focusable, 400 by 300 if it may choose, and expands where it is told to (gtk_widget_set_hexpand). It
 /// keeps its context, and its view, when it moves to another window, and while it is in none; on another display it has
 /// another one, and the view goes on in that (see gui::gl::View). It may go before the view, which has no native side
-/// then, or after it. The view's frames are drawn as GTK asks for them: a program leaves the signals and the settings of
-/// the GtkGLArea alone, and does not end the widget in the view's onDraw.
+/// then, or after it. The view's frames are drawn as GTK asks for them: a program leaves the signals and the settings
+/// of the GtkGLArea alone, and does not end the widget in the view's onDraw.
 ///
 /// GTK has to be initialised, which a GtkApplication is from its "startup" on.
 ///
