@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 namespace gui::draw
 {
@@ -98,18 +99,26 @@ void Ticks::makeLinear(const Scale& scale, const Range& range, const Room& room,
     }
     const double pointsPerUnit = room.length / (range.high - range.low);
     Ticks trial;
-    const auto legibility = [&](const Sequence& sequence)
+    const auto judge = [&](double tried)
     {
-        const double points = sequence.step * pointsPerUnit;
+        const double points = tried * pointsPerUnit;
         // The publication lets labels stand a little beyond the data; here nobody would see these.
-        const double nSeen =
-            std::floor(range.high / sequence.step + cEpsilon) - std::ceil(range.low / sequence.step - cEpsilon) + 1;
+        const double nSeen = std::floor(range.high / tried + cEpsilon) - std::ceil(range.low / tried - cEpsilon) + 1;
         if (points < room.space || nSeen < 2)
             return -std::numeric_limits<double>::infinity();
         if (points > 20 * cWidthOfCharacter && scale.kind != Scale::Kind::Logarithmic)
             return 1.0;
-        trial.placeLinear({std::max(sequence.low, range.low), std::min(sequence.high, range.high)}, sequence.step);
+        trial.placeLinear(range, tried);
         return trial.collide(scale, range, room) ? -std::numeric_limits<double>::infinity() : 1.0;
+    };
+    // It is all about the step, which many sequences share.
+    std::vector<std::pair<double, double>> known;
+    const auto legibility = [&](const Sequence& sequence)
+    {
+        for (const auto& [knownStep, result] : known)
+            if (std::abs(knownStep - sequence.step) < cEpsilon * knownStep)
+                return result;
+        return known.emplace_back(sequence.step, judge(sequence.step)).second;
     };
     const Sequence best = search(range, std::max(room.length / room.distance, cFewestWanted), legibility);
     if (best.step > 0)
