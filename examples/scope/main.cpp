@@ -67,18 +67,15 @@ public:
     void generate()
     {
         const std::chrono::duration<double> since = std::chrono::steady_clock::now() - _start;
-        for (const auto end = static_cast<std::size_t>(since.count() * _rate); _nMade < end; ++_nMade)
-        {
-            const double t = static_cast<double>(_nMade) / _rate;
+        for (double t; (t = static_cast<double>(_nMade) / _rate) < since.count(); ++_nMade)
             _samples.push_back(std::sin(6.2831853 * 220 * t) + 0.4 * std::sin(6.2831853 * 660 * t + std::sin(t)));
-        }
     }
 
     void read()
     {
         std::array<char, 65536> bytes;
-        if (const ssize_t n = ::read(STDIN_FILENO, bytes.data(), bytes.size()); n > 0)
-            _text.append(bytes.data(), static_cast<std::size_t>(n));
+        const ssize_t n = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+        _text.append(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
         std::size_t used = 0;
         // A number is complete when something stands behind it.
         for (std::size_t end; (end = _text.find_first_of(" \t\r\n,", used)) != std::string::npos; used = end + 1)

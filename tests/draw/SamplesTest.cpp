@@ -25,7 +25,8 @@ Samples::Range scan(const std::vector<double>& values, std::size_t first, std::s
 
 bool areEqual(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 
-// Bounds of blocks that were not brought up to date, or that lie across the ends of what was asked for; gaps that count.
+// Bounds of blocks that were not brought up to date, or that lie across the ends of what was asked for; gaps that
+// count.
 TEST(SamplesTest, BoundsAreThoseOfAPlainScanHoweverTheNumbersCame)
 {
     std::mt19937 random(3);

@@ -127,7 +127,8 @@ void HeatMap::findContours() const
 }
 
 // Marching squares: each cell between four centres has up to two pieces of line from side to side. A side's number is
-// that of the lattice point at its beginning, twice, and one for those that go upwards; pieces that meet in a side join.
+// that of the lattice point at its beginning, twice, and one for those that go upwards; pieces that meet in a side
+// join.
 void HeatMap::traceLevel(double level) const
 {
     using Side = std::size_t;

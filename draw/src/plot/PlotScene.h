@@ -17,8 +17,8 @@
 namespace gui::draw
 {
 
-/// What a plot's picture consists of but for its texts, in device pixels from the picture's top left corner: a table for
-/// the GPU, and passes over it.
+/// What a plot's picture consists of but for its texts, in device pixels from the picture's top left corner: a table
+/// for the GPU, and passes over it.
 class PlotScene
 {
 public:

@@ -9,8 +9,8 @@
 namespace gui::draw
 {
 
-/// The lowest and the highest of some numbers; above each other's reach when there is none. The highest is kept with the
-/// other sign, so that both are lowest numbers, and many of them in a row are plain numbers to find the lowest of.
+/// The lowest and the highest of some numbers; above each other's reach when there is none. The highest is kept with
+/// the other sign, so that both are lowest numbers, and many of them in a row are plain numbers to find the lowest of.
 template <typename T>
 struct SampleBounds
 {

@@ -151,8 +151,8 @@ void SeriesGeometry::joinPoints()
     }
 }
 
-// From each column's first sample to its last one, by way of the lowest and the highest where these are others, and on to
-// the next column's first. The two are somewhere between the ends: in the middle.
+// From each column's first sample to its last one, by way of the lowest and the highest where these are others, and on
+// to the next column's first. The two are somewhere between the ends: in the middle.
 void SeriesGeometry::joinColumns()
 {
     _segments.clear();

@@ -14,8 +14,8 @@
 namespace gui::draw
 {
 
-/// Turns what is seen of a series into a scene's lines, areas and marks. Where there are more samples than a few in each
-/// column of pixels, it asks for the columns' ranges instead.
+/// Turns what is seen of a series into a scene's lines, areas and marks. Where there are more samples than a few in
+/// each column of pixels, it asks for the columns' ranges instead.
 class SeriesGeometry
 {
 public:

@@ -73,15 +73,15 @@ public:
     std::size_t getNumberOfSeries() const;
     Series& getSeries(std::size_t i); ///< in the order in which they were added; i below their number (an assertion)
 
-    Axis& x();     ///< below
-    Axis& y();     ///< at the left
-    Axis& right(); ///< the y axis at the right, there as soon as a series goes by it
-    const Axis& x() const;
-    const Axis& y() const;
-    const Axis& right() const;
+    Axis& x();                 ///< below
+    Axis& y();                 ///< at the left
+    Axis& right();             ///< the y axis at the right, there as soon as a series goes by it
+    const Axis& x() const;     ///< likewise
+    const Axis& y() const;     ///< likewise
+    const Axis& right() const; ///< likewise
 
     void setTitle(std::string title); ///< above; empty for none
-    void setLegend(Legend legend);
+    void setLegend(Legend legend);    ///< Legend::Auto at first
     /// Fewer lines: nothing but the samples, for what is a few lines high.
     void setBare(bool isBare);
     /// Lines between the ticks as well, where PlotStyle::minorGrid is a colour.

@@ -39,8 +39,9 @@ public:
     Axis(const Axis&) = delete;
     Axis& operator=(const Axis&) = delete;
 
+    /// Linear at first. A range that a logarithmic one cannot show becomes 1 to 10.
     void setScale(Scale scale);
-    const Scale& getScale() const;
+    const Scale& getScale() const; ///< see setScale
     /// Beside the axis: turned at y axes. Empty for none.
     void setTitle(std::string title);
     const std::string& getTitle() const { return _title; }

@@ -22,9 +22,9 @@ namespace gui::draw
 ///
 ///     axes.add(HeatMap(200, 100, heights, {0, 0, 20, 10}).setContours(12));
 ///
-/// Beside the axes stands a bar that tells which colour is which number. Cells are seen as they are when they are larger
-/// than pixels, unless they are to be smooth, and as the mean of 16 places in each pixel when they are smaller. NaN is
-/// transparent. Moves, and can't be copied. GUI thread only; needs no context.
+/// Beside the axes stands a bar that tells which colour is which number. Cells are seen as they are when they are
+/// larger than pixels, unless they are to be smooth, and as the mean of 16 places in each pixel when they are smaller.
+/// NaN is transparent. Moves, and can't be copied. GUI thread only; needs no context.
 class GUIGL_API HeatMap
 {
 public:
@@ -38,13 +38,14 @@ public:
         std::vector<td::Point<double>> points;
     };
 
-    /// @param columns, rows  1 at least  @param values  row by row from the lowest y, from the left; as many as there are
+    /// @param columns, rows  1 at least  @param values  row by row from the lowest y, from the left; as many as there
+    /// are
     ///                       cells (else it is an assertion, and there are none)
     /// @param extent         of all cells together
     HeatMap(std::size_t columns, std::size_t rows, std::vector<float> values, const Rect& extent);
     ~HeatMap();
-    HeatMap(HeatMap&& other) noexcept;
-    HeatMap& operator=(HeatMap&& other) noexcept;
+    HeatMap(HeatMap&& other) noexcept;            ///< what it was moved from is for nothing but to be destroyed
+    HeatMap& operator=(HeatMap&& other) noexcept; ///< likewise
 
     /// @param low, high  of the map's ends; without them the values'
     HeatMap&& setColors(const ColorMap& map, std::optional<double> low = {}, std::optional<double> high = {}) &&;

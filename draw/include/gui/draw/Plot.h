@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <span>
 
 namespace gui
 {
@@ -19,8 +20,8 @@ class Key;
 namespace gui::draw
 {
 
-/// A sheet of axes in rows and columns: draws them, and moves them by what a pointer and keys do. PlotView is a view that
-/// shows one; others hand on their events and draw it where they like.
+/// A sheet of axes in rows and columns: draws them, and moves them by what a pointer and keys do. PlotView is a view
+/// that shows one; others hand on their events and draw it where they like.
 ///
 ///     #include <gui/draw/Plot.h>
 ///     #include <gui/gl/OffscreenContext.h>
@@ -36,12 +37,12 @@ namespace gui::draw
 ///     }
 ///
 /// A drag moves what is seen, and that of one axis alone where it begins beside it; with Shift it draws the box that is
-/// seen then. The wheel zooms about the pointer: both axes, or that whose numbers it is on. A double click shows all. The
-/// pointer over the samples shows the nearest one's values.
+/// seen then. The wheel zooms about the pointer: both axes, or that whose numbers it is on. A double click shows all.
+/// The pointer over the samples shows the nearest one's values.
 ///
-/// It draws lines with smooth edges by a table of what is seen and shaders of its own: each change of what is seen takes
-/// one upload of some kilobytes. GL objects are made anew in another context. Not copyable. Only draw and savePicture
-/// need a context; GUI thread only.
+/// It draws lines with smooth edges by a table of what is seen and shaders of its own: each change of what is seen
+/// takes one upload of some kilobytes. GL objects are made anew in another context. Not copyable. Only draw and
+/// savePicture need a context; GUI thread only.
 class GUIGL_API Plot
 {
 public:
@@ -66,8 +67,9 @@ public:
     void setRowShares(std::span<const double> shares);
     void setColumnShares(std::span<const double> shares); ///< see setRowShares
 
+    /// Colours and sizes of all axes.
     void setStyle(const PlotStyle& style);
-    const PlotStyle& getStyle() const;
+    const PlotStyle& getStyle() const; ///< see setStyle
     /// Whether the pointer shows values; it does at first.
     void setCrosshair(bool hasCrosshair);
 
@@ -76,8 +78,8 @@ public:
     /// Whether a draw would look other than the last one.
     bool isChanged() const;
 
-    /// Draws into the framebuffer and viewport that are bound, all over it. GL's state is afterwards what it was, but for
-    /// texture units 0 to 10.
+    /// Draws into the framebuffer and viewport that are bound, all over it. GL's state is afterwards what it was, but
+    /// for texture units 0 to 10.
     /// @param size            of the viewport in points  @param pixelsPerPoint  of the viewport
     /// @return false, with a log line for each kind of reason once: no context, a program that does not link, no memory
     bool draw(const td::Size<double>& size, double pixelsPerPoint = 1);

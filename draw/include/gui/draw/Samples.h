@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <vector>
@@ -11,19 +12,19 @@
 namespace gui::draw
 {
 
-/// Numbers in a row, from a handful to some 10^8, of which any range tells its lowest and highest at once: what a Series
-/// is drawn from. It grows at its end while it is shown.
+/// Numbers in a row, from a handful to some 10^8, of which any range tells its lowest and highest at once: what a
+/// Series is drawn from. It grows at its end while it is shown.
 ///
 ///     Samples temperature(std::move(readings));  // takes a vector over
 ///     temperature.append(21.5);
 ///     const Samples::Range noon = temperature.getRange(1000, 2000);
 ///
-/// Over the numbers stands a pyramid: the bounds of each 16 of them, of each 16 of those, and so on. It takes 0.14 times
-/// the memory of the numbers, grows with them, and a range's bounds take some hundred comparisons however long it is.
-/// They are those of a plain scan, to the bit.
+/// Over the numbers stands a pyramid: the bounds of each 16 of them, of each 16 of those, and so on. It takes 0.14
+/// times the memory of the numbers, grows with them, and a range's bounds take some hundred comparisons however long it
+/// is. They are those of a plain scan, to the bit.
 ///
-/// NaN and infinite numbers are gaps: bounds pass over them. Numbers are float or double as given, all of one kind; what
-/// is appended is converted. Moves, and can't be copied. For one thread at a time; needs no context.
+/// NaN and infinite numbers are gaps: bounds pass over them. Numbers are float or double as given, all of one kind;
+/// what is appended is converted. Moves, and can't be copied. For one thread at a time; needs no context.
 class GUIGL_API Samples
 {
 public:
@@ -41,12 +42,12 @@ public:
     /// Writes the numbers from an index on into a span of any length.
     using Function = std::function<void(std::size_t first, std::span<double> values)>;
 
-    Samples();                               ///< none yet, of doubles
-    Samples(std::vector<double> values);     ///< takes the vector over: move it here to have no copy made
-    Samples(std::vector<float> values);      ///< likewise
-    Samples(std::span<const double> values); ///< looks at them where they are: they outlive this and don't change
-    Samples(std::span<const float> values);  ///< likewise
-    Samples(std::initializer_list<double> values);
+    Samples();                                     ///< none yet, of doubles
+    Samples(std::vector<double> values);           ///< takes the vector over: move it here to have no copy made
+    Samples(std::vector<float> values);            ///< likewise
+    Samples(std::span<const double> values);       ///< looks at them where they are: they outlive this and don't change
+    Samples(std::span<const float> values);        ///< likewise
+    Samples(std::initializer_list<double> values); ///< copied: `{3, 1, 4}`
     /// Numbers that are computed, or read from elsewhere, whenever they are looked at: each once now for the pyramid,
     /// which is all that is kept, and those that are seen one by one again. @param function  always gives the same
     static Samples computed(std::size_t n, Function function);
@@ -84,8 +85,8 @@ public:
     void getRanges(std::span<const std::size_t> edges, std::span<Range> ranges) const;
     /// Whether none is less than the one before it, as far as was ever seen: sorted places. A NaN breaks it, for good.
     bool isRising() const;
-    /// The first index from `from` on whose number is not less than a value; size() when there is none. The numbers must
-    /// rise.
+    /// The first index from `from` on whose number is not less than a value; size() when there is none. The numbers
+    /// must rise.
     std::size_t lowerBound(double value, std::size_t from = 0) const;
 
     /// The bytes that all of this takes, numbers that are looked at elsewhere included.

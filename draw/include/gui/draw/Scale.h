@@ -4,6 +4,7 @@
 #include <td/Types.h>
 
 #include <string>
+#include <utility>
 
 namespace gui::draw
 {
@@ -22,13 +23,14 @@ struct GUIGL_API Scale
         Time         ///< seconds since the beginning of 1970, UTC, evenly; ticks by the calendar
     };
 
-    Kind kind = Kind::Linear;
+    Kind kind = Kind::Linear; ///< what values are
     /// Of Time alone: whose clocks and days ticks go by, such as "Europe/Berlin"; empty for UTC, "local" for the
     /// system's own. One that nobody knows is UTC.
     std::string zone{};
 
-    static Scale linear() { return {}; }
-    static Scale logarithmic() { return {Kind::Logarithmic}; }
+    static Scale linear() { return {}; }                       ///< Kind::Linear
+    static Scale logarithmic() { return {Kind::Logarithmic}; } ///< Kind::Logarithmic
+    /// Kind::Time. @param zone  see zone
     static Scale time(std::string zone = {}) { return {Kind::Time, std::move(zone)}; }
 
     /// Where a value stands on an even axis: itself, or its decimal logarithm. Minus infinity for 0 and NaN for what is
@@ -37,7 +39,7 @@ struct GUIGL_API Scale
     /// The value at a place.
     double toValue(double place) const;
 
-    bool operator==(const Scale&) const = default;
+    bool operator==(const Scale&) const = default; ///< whether both are the same kind, in the same zone
 };
 
 } // namespace gui::draw

@@ -48,32 +48,35 @@ public:
         Candles  ///< what a price was at first, at most, at least and at last
     };
 
+    /// A line through all samples, at x = 0, 1, 2 and so on, or as setX says; or at an x of each.
     static Series line(Samples y, SeriesStyle style = {});
-    static Series line(Samples x, Samples y, SeriesStyle style = {});
-    static Series area(Samples y, SeriesStyle style = {});
-    static Series area(Samples x, Samples y, SeriesStyle style = {});
-    static Series band(Samples low, Samples high, SeriesStyle style = {});
-    static Series band(Samples x, Samples low, Samples high, SeriesStyle style = {});
-    static Series steps(Samples y, SeriesStyle style = {});
-    static Series steps(Samples x, Samples y, SeriesStyle style = {});
-    static Series stems(Samples y, SeriesStyle style = {});
-    static Series stems(Samples x, Samples y, SeriesStyle style = {});
-    static Series bars(Samples y, SeriesStyle style = {});
-    static Series bars(Samples x, Samples y, SeriesStyle style = {});
-    static Series scatter(Samples x, Samples y, SeriesStyle style = {});
+    static Series line(Samples x, Samples y, SeriesStyle style = {});                 ///< likewise
+    static Series area(Samples y, SeriesStyle style = {});                            ///< Kind::Area
+    static Series area(Samples x, Samples y, SeriesStyle style = {});                 ///< likewise
+    static Series band(Samples low, Samples high, SeriesStyle style = {});            ///< Kind::Band
+    static Series band(Samples x, Samples low, Samples high, SeriesStyle style = {}); ///< likewise
+    static Series steps(Samples y, SeriesStyle style = {});                           ///< Kind::Steps
+    static Series steps(Samples x, Samples y, SeriesStyle style = {});                ///< likewise
+    static Series stems(Samples y, SeriesStyle style = {}); ///< Kind::Stems, with circles if no marker is said
+    static Series stems(Samples x, Samples y, SeriesStyle style = {}); ///< likewise
+    static Series bars(Samples y, SeriesStyle style = {});             ///< Kind::Bars
+    static Series bars(Samples x, Samples y, SeriesStyle style = {});  ///< likewise
+    static Series scatter(Samples x, Samples y,
+                          SeriesStyle style = {}); ///< Kind::Scatter, of circles if no marker is said
+    /// Kind::Candles. Rising ones have the style's color, falling ones its fill (red without one).
     static Series candles(Samples x, Samples open, Samples high, Samples low, Samples close, SeriesStyle style = {});
 
     ~Series();
-    Series(Series&& other) noexcept;
-    Series& operator=(Series&& other) noexcept;
+    Series(Series&& other) noexcept;            ///< what it was moved from is for nothing but to be destroyed
+    Series& operator=(Series&& other) noexcept; ///< likewise
 
     /// Where samples without an x of their own are: the first one, and the distance of each from the one before.
     /// @param step  above 0 (an assertion; nothing changes otherwise)
     Series&& setX(double first, double step) &&;
-    Series& setX(double first, double step) &;
+    Series& setX(double first, double step) &; ///< the same
     /// Error bars: from each value so far down and up.
     Series&& withErrors(Samples below, Samples above) &&;
-    Series&& withErrors(Samples both) &&;
+    Series&& withErrors(Samples both) &&; ///< as far both ways
     /// Markers coloured by a third value of each sample. @param low, high  of the map's ends; without them the values'
     Series&& colorBy(Samples values, const ColorMap& map = ColorMap::viridis(), std::optional<double> low = {},
                      std::optional<double> high = {}) &&;
@@ -94,9 +97,9 @@ public:
     /// Shows or hides it, in the legend too.
     void setVisible(bool isVisible);
 
-    Kind getKind() const { return _kind; }
-    const SeriesStyle& getStyle() const { return _style; }
-    bool isVisible() const { return _isVisible; }
+    Kind getKind() const { return _kind; }                 ///< how samples are seen
+    const SeriesStyle& getStyle() const { return _style; } ///< as given
+    bool isVisible() const { return _isVisible; }          ///< see setVisible
     std::size_t size() const;             ///< the index behind the last sample that has all of its numbers
     std::size_t getFirst() const;         ///< the first that is still there
     double getX(std::size_t index) const; ///< NaN where there is none
@@ -104,18 +107,18 @@ public:
 
     /// Columns as given, of y alone: y; low and high; or open, high, low, close.
     const Samples& getColumn(std::size_t i) const { return _columns.at(i); }
-    std::size_t getNumberOfColumns() const { return _columns.size(); }
+    std::size_t getNumberOfColumns() const { return _columns.size(); } ///< of y: 1, 2 or 4
     /// Whether samples have an x each.
     bool hasX() const { return _hasX; }
     const Samples& getXs() const { return _x; } ///< empty where they have none
     /// Whether samples are in the order of x.
     bool isSorted() const { return !_hasX || _x.isRising(); }
     const std::optional<ColorMap>& getColorMap() const { return _map; } ///< that colorBy gave
-    const Samples& getColorValues() const { return _colorValues; }
-    Samples::Range getColorRange() const; ///< of the map's ends
-    bool hasErrors() const { return _hasErrors; }
-    const Samples& getErrorsBelow() const { return _below; }
-    const Samples& getErrorsAbove() const { return _above; }
+    const Samples& getColorValues() const { return _colorValues; }      ///< that colorBy gave
+    Samples::Range getColorRange() const;                               ///< of the map's ends
+    bool hasErrors() const { return _hasErrors; }                       ///< see withErrors
+    const Samples& getErrorsBelow() const { return _below; }            ///< downwards
+    const Samples& getErrorsAbove() const { return _above; }            ///< upwards
 
     /// The first index whose x is not less; of samples in order.
     std::size_t findX(double x, std::size_t from = 0) const;

@@ -19,10 +19,10 @@ namespace gui::draw
 ///     for (const Ticks::Tick& tick : ticks.getTicks())
 ///         std::printf("%s at %g\n", tick.label.c_str(), tick.value);   // 8, 10, 12, 14, and 9, 11, 13 without labels
 ///
-/// On linear axes steps are chosen by the scores of Talbot, Lin and Hanrahan, "An Extension of Wilkinson's Algorithm for
-/// Positioning Tick Labels on Axes" (IEEE InfoVis 2010): simplicity, coverage, density, and legibility, which is that
-/// labels keep clear of each other. Logarithmic ones have ticks at powers of ten, or at 1, 2 and 5 times these, or by
-/// the scores where there is less than a decade. Time has steps of its calendar, in a zone of the world.
+/// On linear axes steps are chosen by the scores of Talbot, Lin and Hanrahan, "An Extension of Wilkinson's Algorithm
+/// for Positioning Tick Labels on Axes" (IEEE InfoVis 2010): simplicity, coverage, density, and legibility, which is
+/// that labels keep clear of each other. Logarithmic ones have ticks at powers of ten, or at 1, 2 and 5 times these, or
+/// by the scores where there is less than a decade. Time has steps of its calendar, in a zone of the world.
 ///
 /// Labels never collide: those of one axis are apart by a space at least, or there are fewer of them. A value; needs no
 /// context.
@@ -88,8 +88,8 @@ public:
     /// @param legibility  empty for 1  @param isLoose  whether labels reach to both ends of the data, or beyond
     static Sequence search(const Range& range, double wanted, const Legibility& legibility = {}, bool isLoose = false);
     /// What the search compares: the publication's score of labels, with legibility 1.
-    /// @param order  of the step's first digits in 1, 5, 2, 2.5, 4, 3, from 0  @param skip  j: every so manieth multiple
-    /// of these digits has a label  @param count  of labels, from 2
+    /// @param order  of the step's first digits in 1, 5, 2, 2.5, 4, 3, from 0  @param skip  j: every so manieth
+    /// multiple of these digits has a label  @param count  of labels, from 2
     static double score(const Range& range, double wanted, const Sequence& sequence, unsigned int order,
                         unsigned int skip, unsigned int count);
 
