@@ -2,7 +2,7 @@
 # Whether the library does without a display server's libraries: without-sdl.sh <root of the sources> <folder to build
 # in>. What differs then is compiled; nothing else may include what belongs to SDL or a display server.
 others=$(cd "$1" && grep -rnE '#include (<(SDL|X11/|wayland|xkbcommon)|"(\.\./)*sdl/)' \
-    --include='*.h' --include='*.cpp' --exclude-dir=sdl src toolkit draw tools examples include |
+    --include='*.h' --include='*.cpp' --exclude-dir=sdl --exclude-dir=sdl2 --exclude-dir=sdl3 src toolkit draw tools examples include |
     grep -vE '^(src/native/(Surfaces|KeySymbols)|toolkit/src/WindowSystem)\.cpp:')
 if [ -n "$others" ]; then
     echo "$others"
@@ -10,7 +10,7 @@ if [ -n "$others" ]; then
 fi
 cmake -S "$1" -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$3" \
     -DGUIGL_SDL=OFF -DGUIGL_QT6=OFF -DGUIGL_GTK4=OFF -DGUIGL_TOOLS=OFF -DGUIGL_EXAMPLES=OFF -DGUIGL_TESTS=OFF || exit 1
-if grep -iE '^(SDL2|X11|WAYLAND|XKBCOMMON)_' "$2/CMakeCache.txt"; then
+if grep -iE '^(SDL[23]|X11|WAYLAND|XKBCOMMON)_' "$2/CMakeCache.txt"; then
     echo "Something of a display server is looked for all the same."
     exit 1
 fi

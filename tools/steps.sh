@@ -71,13 +71,30 @@ lock()
     fi
 }
 
+# one_of <package>|<package>...: the first that is installed or that the distribution has; all of them while nothing is
+# known of what it has.
+one_of()
+{
+    local name
+    for name in ${1//|/ }; do
+        if [[ -z $(missing "$name") ]] || apt-cache show "$name" > /dev/null 2>&1; then
+            echo "$name"
+            return
+        fi
+    done
+    echo "$1"
+}
+
 # packages <need>...: the packages of these lines of the list.
 packages()
 {
-    local need names
+    local need names name
     while read -r need names; do
-        [[ " $* " == *" $need "* ]] && echo "$names"
-    done < tools/packages | tr ' ' '\n'
+        [[ " $* " == *" $need "* ]] || continue
+        for name in $names; do
+            if [[ $name == *'|'* ]]; then one_of "$name"; else echo "$name"; fi
+        done
+    done < tools/packages
 }
 
 # missing <package>...: those that aren't installed.
@@ -103,7 +120,11 @@ install_packages()
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive dpkg --configure -a
     # A source of packages that can't be reached matters only if one of ours is missing for it.
     apt update || true
-    apt install --no-install-recommends "$@"
+    local name names=()
+    for name; do
+        names+=("$(one_of "$name")")
+    done
+    apt install --no-install-recommends "${names[@]}"
 }
 
 # need <need>...: makes sure that the packages for it are there; installs the missing ones.

@@ -94,19 +94,19 @@ struct Usage
     };
 };
 
-struct Entry
+struct KeyEntry
 {
     int usage;
     KeyMapping key;
     unsigned short keyCodeWithoutNumLock = 0; // 0: the same
 };
 
-constexpr Entry special(int usage, unsigned short keyCode, unsigned short character = 0)
+constexpr KeyEntry special(int usage, unsigned short keyCode, unsigned short character = 0)
 {
     return {usage, {keyCode, character != 0 ? Character::Fixed : Character::None, character}};
 }
 
-constexpr Entry keypad(int usage, unsigned short keyCode, char character, unsigned short keyCodeWithoutNumLock = 0)
+constexpr KeyEntry keypad(int usage, unsigned short keyCode, char character, unsigned short keyCodeWithoutNumLock = 0)
 {
     return {
         usage, {keyCode, Character::OfShiftedLayout, static_cast<unsigned short>(character)}, keyCodeWithoutNumLock};
@@ -234,7 +234,7 @@ KeyMapping mapKey(int usage, bool isNumLock)
 {
     if (std::find(cModifierKeys.begin(), cModifierKeys.end(), usage) != cModifierKeys.end())
         return {0, Character::None, 0};
-    for (const Entry& entry : cSpecialKeys)
+    for (const KeyEntry& entry : cSpecialKeys)
         if (entry.usage == usage)
             return entry.keyCodeWithoutNumLock == 0 || isNumLock
                        ? entry.key

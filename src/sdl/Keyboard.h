@@ -2,7 +2,6 @@
 
 #include <gui/port/sdl/SDLEvent.h>
 
-#include <SDL_video.h>
 #include <td/Export.h>
 
 #include <cstdint>

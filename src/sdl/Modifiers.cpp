@@ -1,6 +1,7 @@
 #include "Modifiers.h"
 
 #include <gui/Key.h>
+#include <gui/port/sdl/SDLPort.h>
 
 #include <utility>
 
@@ -9,11 +10,12 @@ namespace gui::gl
 
 unsigned int toModifiers(unsigned int sdlModifiers, bool isRightAltAltGr)
 {
-    const unsigned int altGr = isRightAltAltGr ? KMOD_MODE | KMOD_RALT : KMOD_MODE;
+    using namespace gui::sdl;
+    const unsigned int altGr = isRightAltAltGr ? cMode | cRightAlt : cMode;
     const std::pair<unsigned int, gui::KeyModifier> modifiers[] = {
-        {KMOD_SHIFT, gui::KeyModifier::Shift}, {KMOD_CAPS, gui::KeyModifier::CapsLock},
-        {KMOD_GUI, gui::KeyModifier::Ctrl},    {KMOD_ALT & ~altGr, gui::KeyModifier::Alt},
-        {KMOD_CTRL, gui::KeyModifier::Cmd},    {altGr, gui::KeyModifier::Fn},
+        {cShift, gui::KeyModifier::Shift},      {cCapsLock, gui::KeyModifier::CapsLock},
+        {cLogo, gui::KeyModifier::Ctrl},        {cAlt & ~altGr, gui::KeyModifier::Alt},
+        {cCtrl, gui::KeyModifier::Cmd},         {altGr, gui::KeyModifier::Fn},
     };
     unsigned int mask = 0;
     for (const auto& [bits, modifier] : modifiers)

@@ -14,10 +14,10 @@ constexpr double cShortestDistance = 8;
 
 } // namespace
 
-Pinch::Finger* Pinch::find(const SDL_TouchFingerEvent& event)
+Pinch::Finger* Pinch::find(const gui::SDLEvent::Finger& wanted)
 {
     for (Finger& finger : _fingers)
-        if (finger.isDown && finger.touch == event.touchId && finger.id == event.fingerId)
+        if (finger.isDown && finger.touch == wanted.touch && finger.id == wanted.id)
             return &finger;
     return nullptr;
 }
@@ -28,23 +28,22 @@ double Pinch::getDistance() const
                                                   _fingers[0].position.y - _fingers[1].position.y));
 }
 
-std::optional<double> Pinch::onFinger(const SDL_TouchFingerEvent& event, const td::Size<double>& size)
+std::optional<double> Pinch::onFinger(const gui::SDLEvent& event, const td::Size<double>& size)
 {
-    Finger* pFinger = find(event);
-    if (event.type == SDL_FINGERUP)
+    Finger* pFinger = find(event.finger);
+    if (event.type == gui::SDLEvent::Type::FingerUp)
     {
         if (pFinger != nullptr)
             pFinger->isDown = false;
         return std::nullopt;
     }
-    const td::Point<double> position{static_cast<double>(event.x) * size.width,
-                                     static_cast<double>(event.y) * size.height};
+    const td::Point<double> position{event.finger.place.x * size.width, event.finger.place.y * size.height};
     if (pFinger == nullptr)
     {
-        if (event.type != SDL_FINGERDOWN || isActive())
+        if (event.type != gui::SDLEvent::Type::FingerDown || isActive())
             return std::nullopt;
         pFinger = _fingers[0].isDown ? &_fingers[1] : &_fingers[0];
-        *pFinger = {true, event.touchId, event.fingerId, position};
+        *pFinger = {true, event.finger.touch, event.finger.id, position};
         _firstDistance = getDistance();
         return std::nullopt;
     }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <SDL_events.h>
+#include <gui/port/sdl/SDLEvent.h>
 #include <td/Export.h>
 #include <td/Point.h>
 #include <td/Size.h>
 
 #include <array>
+#include <cstdint>
 #include <optional>
 
 namespace gui::gl
@@ -17,7 +18,7 @@ class GUIGL_API Pinch
 public:
     /// @param size  of the window, in points
     /// @return the distance between the fingers, as a part of the first, less 1; nothing when it did not change
-    std::optional<double> onFinger(const SDL_TouchFingerEvent& event, const td::Size<double>& size);
+    std::optional<double> onFinger(const gui::SDLEvent& event, const td::Size<double>& size);
 
     bool isActive() const { return _fingers[0].isDown && _fingers[1].isDown; }
 
@@ -25,12 +26,12 @@ private:
     struct Finger
     {
         bool isDown = false;
-        SDL_TouchID touch = 0;
-        SDL_FingerID id = 0;
+        std::int64_t touch = 0;
+        std::int64_t id = 0;
         td::Point<double> position;
     };
 
-    Finger* find(const SDL_TouchFingerEvent& event);
+    Finger* find(const gui::SDLEvent::Finger& finger);
     double getDistance() const;
 
     std::array<Finger, 2> _fingers;

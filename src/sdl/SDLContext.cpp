@@ -1,14 +1,12 @@
 #include "SDLContext.h"
 
-#include "WaylandFrame.h"
-
 #include "../context/Samples.h"
 #include "../native/GLDebug.h"
 
+#include <gui/port/sdl/SDL.h>
+#include <gui/port/sdl/SDLPort.h>
 #include <vo/Log.h>
 
-#include <SDL_error.h>
-#include <SDL_hints.h>
 #include <epoxy/gl.h>
 
 #include <cstring>
@@ -21,15 +19,13 @@ namespace gui::gl
 namespace
 {
 
-constexpr Uint32 cWindowFlags = SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;
-
 const char* versionOf(const PixelFormatSizes& sizes) { return sizes.is41 ? "4.1" : "3.2"; }
 
 void setAttributes(const PixelFormatSizes& sizes)
 {
     constexpr int cChannels = 3;
     SDL_GL_ResetAttributes();
-    const std::pair<SDL_GLattr, int> attributes[] = {
+    const std::pair<decltype(SDL_GL_RED_SIZE), int> attributes[] = {
         {SDL_GL_RED_SIZE, sizes.colorBits / cChannels},
         {SDL_GL_GREEN_SIZE, sizes.colorBits / cChannels},
         {SDL_GL_BLUE_SIZE, sizes.colorBits / cChannels},
@@ -49,42 +45,21 @@ void setAttributes(const PixelFormatSizes& sizes)
         SDL_GL_SetAttribute(attribute, value);
 }
 
-SDL_Window* createWindow(const td::Size<int>& size, bool isTransparent = false)
-{
-    SDL_SetHint(SDL_HINT_VIDEO_EGL_ALLOW_TRANSPARENCY, isTransparent ? "1" : "0");
-    return SDL_CreateWindow("", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, size.width, size.height,
-                            cWindowFlags);
-}
-
 // One that tells of resets where the driver has such contexts.
-SDL_GLContext createContext(SDL_Window* pWindow)
+void* createContext(SDL_Window* pWindow)
 {
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION, SDL_GL_CONTEXT_RESET_LOSE_CONTEXT);
-    const SDL_GLContext context = SDL_GL_CreateContext(pWindow);
+    void* const context = SDL_GL_CreateContext(pWindow);
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION, SDL_GL_CONTEXT_RESET_NO_NOTIFICATION);
     return context != nullptr ? context : SDL_GL_CreateContext(pWindow);
-}
-
-// One that may have been shown.
-void destroyWindow(SDL_Window* pWindow)
-{
-    SDL_HideWindow(pWindow);
-    destroyWaylandFrame(pWindow);
-    SDL_DestroyWindow(pWindow);
-}
-
-bool isOnWayland()
-{
-    const char* const driver = SDL_GetCurrentVideoDriver();
-    return driver != nullptr && std::strcmp(driver, "wayland") == 0;
 }
 
 // What somebody gets who asks for nothing in particular.
 std::string describeSystem()
 {
     SDL_GL_ResetAttributes();
-    SDL_Window* const pWindow = createWindow({1, 1});
-    const SDL_GLContext context = pWindow != nullptr ? SDL_GL_CreateContext(pWindow) : nullptr;
+    SDL_Window* const pWindow = gui::sdl::createWindow({1, 1}, false);
+    void* const context = pWindow != nullptr ? SDL_GL_CreateContext(pWindow) : nullptr;
     std::string description = "no OpenGL at all";
     if (context != nullptr)
     {
@@ -100,9 +75,9 @@ std::string describeSystem()
         SDL_GL_GetAttribute(SDL_GL_STENCIL_SIZE, &stencilBits);
         description = "OpenGL " + text(GL_VERSION) + " on " + text(GL_RENDERER) + " with " + std::to_string(depthBits) +
                       " depth and " + std::to_string(stencilBits) + " stencil bits";
-        SDL_GL_MakeCurrent(nullptr, nullptr);
+        gui::sdl::makeCurrent(nullptr, nullptr);
         CurrentContext::died(context);
-        SDL_GL_DeleteContext(context);
+        gui::sdl::deleteContext(context);
     }
     if (pWindow != nullptr)
         SDL_DestroyWindow(pWindow);
@@ -114,7 +89,7 @@ std::string describeSystem()
 std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, const td::Size<int>& size)
 {
     PixelFormatSizes sizes = asked;
-    if (asked.isTransparent && !isOnWayland())
+    if (asked.isTransparent && !gui::sdl::hasTransparentWindows())
         vo::dbgLog("Warning! SDLContext has no transparent windows on X11 with SDL2, and the window is opaque");
     std::unique_ptr<SDLContext> context = tryToCreate(sizes, size);
     const std::string error = SDL_GetError();
@@ -142,10 +117,10 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
 std::unique_ptr<SDLContext> SDLContext::tryToCreate(const PixelFormatSizes& sizes, const td::Size<int>& size)
 {
     setAttributes(sizes);
-    SDL_Window* const pWindow = createWindow(size, sizes.isTransparent);
+    SDL_Window* const pWindow = gui::sdl::createWindow(size, sizes.isTransparent);
     if (pWindow == nullptr)
         return nullptr;
-    const SDL_GLContext context = createContext(pWindow);
+    void* const context = createContext(pWindow);
     if (context == nullptr)
     {
         SDL_DestroyWindow(pWindow);
@@ -162,9 +137,9 @@ void SDLContext::destroyContext()
     if (_context == nullptr)
         return;
     if (SDL_GL_GetCurrentContext() == _context)
-        SDL_GL_MakeCurrent(nullptr, nullptr);
+        gui::sdl::makeCurrent(nullptr, nullptr);
     CurrentContext::died(_context);
-    SDL_GL_DeleteContext(std::exchange(_context, nullptr));
+    gui::sdl::deleteContext(std::exchange(_context, nullptr));
 }
 
 bool SDLContext::replace()
@@ -184,14 +159,14 @@ bool SDLContext::replace()
 SDLContext::~SDLContext()
 {
     destroyContext();
-    destroyWindow(_pWindow);
+    gui::sdl::destroyWindow(_pWindow);
     if (_pHiddenWindow != nullptr)
         SDL_DestroyWindow(_pHiddenWindow);
 }
 
 bool SDLContext::renewBuffers()
 {
-    if (isOnWayland())
+    if (gui::sdl::isOnWayland())
     {
         // A swap would copy pixels between buffers of different sizes.
         unbind();
@@ -206,7 +181,7 @@ bool SDLContext::renewBuffers()
 
 void SDLContext::prepareToShow(const td::Size<int>& size)
 {
-    if (!isOnWayland())
+    if (!gui::sdl::isOnWayland())
         return;
     if (_pHiddenWindow == nullptr)
         _pHiddenWindow = createAnotherWindow({1, 1});
@@ -214,13 +189,13 @@ void SDLContext::prepareToShow(const td::Size<int>& size)
     if (pWindow == nullptr)
         return; // the first frame is of the old size
     unbind();
-    destroyWindow(std::exchange(_pWindow, pWindow));
+    gui::sdl::destroyWindow(std::exchange(_pWindow, pWindow));
 }
 
 SDL_Window* SDLContext::createAnotherWindow(const td::Size<int>& size) const
 {
     setAttributes(_sizes);
-    return createWindow(size, _sizes.isTransparent);
+    return gui::sdl::createWindow(size, _sizes.isTransparent);
 }
 
 bool SDLContext::makeCurrent()
@@ -240,8 +215,8 @@ bool SDLContext::bind(SDL_Window* pWindow)
     // SDL does nothing for the context that it made current last; somebody else may have made another one current
     // since.
     if (CurrentContext::getID() != _id && SDL_GL_GetCurrentContext() == _context)
-        SDL_GL_MakeCurrent(nullptr, nullptr);
-    if (SDL_GL_MakeCurrent(pWindow, _context) != 0)
+        gui::sdl::makeCurrent(nullptr, nullptr);
+    if (!gui::sdl::makeCurrent(pWindow, _context))
     {
         // Once, and not for every frame and event of a view whose context is lost.
         if (!std::exchange(_isLost, true))
@@ -257,7 +232,7 @@ void SDLContext::unbind()
 {
     if (SDL_GL_GetCurrentContext() != _context)
         return;
-    SDL_GL_MakeCurrent(nullptr, nullptr);
+    gui::sdl::makeCurrent(nullptr, nullptr);
     CurrentContext::set(nullptr);
 }
 

@@ -5,9 +5,9 @@
 #include <gui/gl/CurrentContext.h>
 #include <td/Size.h>
 
-#include <SDL_video.h>
-
 #include <memory>
+
+struct SDL_Window;
 
 namespace gui::gl
 {
@@ -47,7 +47,7 @@ public:
     SDL_Window* getWindow() const { return _pWindow; }
 
 private:
-    SDLContext(SDL_Window* pWindow, SDL_GLContext context, const PixelFormatSizes& sizes)
+    SDLContext(SDL_Window* pWindow, void* context, const PixelFormatSizes& sizes)
         : _sizes(sizes)
         , _pWindow(pWindow)
         , _context(context)
@@ -63,7 +63,7 @@ private:
     PixelFormatSizes _sizes;
     SDL_Window* _pWindow;
     SDL_Window* _pHiddenWindow = nullptr; // for between frames; null where none is needed
-    SDL_GLContext _context;
+    void* _context; // an SDL_GLContext
     CurrentContext::ID _id;
     bool _isLost = false; // it could not be made current, and the log says so
 };

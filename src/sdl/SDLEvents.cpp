@@ -8,15 +8,14 @@
 #include <gui/gl/port/KeySymbols.h>
 #include <gui/gl/port/Keys.h>
 #include <gui/gl/port/NativeSurface.h>
+#include <gui/port/sdl/SDLPort.h>
 
-#include <SDL_keyboard.h>
-#include <SDL_mouse.h>
-#include <SDL_touch.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 namespace gui::gl
 {
@@ -29,9 +28,7 @@ bool s_isRightAltAltGr = false;
 
 unsigned int modifiersOf(const gui::SDLEvent& event) { return toModifiers(event.modifiers, s_isRightAltAltGr); }
 
-td::Point<double> toPoint(int x, int y) { return {static_cast<double>(x), static_cast<double>(y)}; }
-
-td::Point<double> mousePoint(const gui::SDLEvent& event) { return toPoint(event.mouseX, event.mouseY); }
+using Type = gui::SDLEvent::Type;
 
 // SDL's numbers of the buttons and their bits; the left one and the right one first, which may be held with others.
 struct ButtonName
@@ -56,14 +53,14 @@ SDLEvents::SDLEvents(NativeSurfaceClient& client, SDLContext& context)
 {
     gui::setEventSink(context.getWindow(), this);
     if (client.acceptsDrops())
-        gui::acceptDrops();
+        gui::sdl::acceptDrops();
 }
 
 SDLEvents::~SDLEvents()
 {
     gui::setEventSink(_context.getWindow(), nullptr);
     if (_takesText && hasKeyboard())
-        SDL_StopTextInput();
+        gui::sdl::stopTextInput(_context.getWindow());
 }
 
 void SDLEvents::onShow(const td::Size<int>& size)
@@ -75,78 +72,76 @@ void SDLEvents::onShow(const td::Size<int>& size)
 
 void SDLEvents::onEvent(const gui::SDLEvent& event)
 {
-    switch (event.event.type)
+    switch (event.type)
     {
-    case SDL_WINDOWEVENT:
-        onWindow(event);
+    case Type::Entered:
+    case Type::Left:
+        onPointer(event);
         break;
-    case SDL_MOUSEBUTTONDOWN:
-    case SDL_MOUSEBUTTONUP:
+    case Type::FocusGained:
+    case Type::FocusLost:
+        onFocus(event.type == Type::FocusGained);
+        break;
+    case Type::ButtonDown:
+    case Type::ButtonUp:
         onButton(event);
         break;
-    case SDL_MOUSEMOTION:
+    case Type::Motion:
         onMotion(event);
         break;
-    case SDL_MOUSEWHEEL:
+    case Type::Wheel:
         onWheel(event);
         break;
-    case SDL_FINGERDOWN:
-    case SDL_FINGERMOTION:
-    case SDL_FINGERUP:
+    case Type::Pinch:
+        _client.onMagnification({event.magnification, modifiersOf(event)});
+        break;
+    case Type::FingerDown:
+    case Type::FingerMotion:
+    case Type::FingerUp:
         onFinger(event);
         break;
-    case SDL_KEYDOWN:
-    case SDL_KEYUP:
+    case Type::KeyDown:
+    case Type::KeyUp:
         onKey(event);
         break;
-    case SDL_TEXTINPUT:
+    case Type::Text:
         onText(event);
         break;
-    case SDL_TEXTEDITING:
-        onComposition(event.text, event.event.edit.start, event.event.edit.length);
+    case Type::Composition:
+        onComposition(event.text, event.start, event.nSelected);
         break;
-    case SDL_TEXTEDITING_EXT:
-        onComposition(event.text, event.event.editExt.start, event.event.editExt.length);
-        break;
-    case SDL_DROPCOMPLETE:
-        _client.onDrop({event.files, event.text, modifiersOf(event), mousePoint(event)});
+    case Type::Dropped:
+        _client.onDrop({event.files, event.text, modifiersOf(event), event.mouse});
         break;
     default:
         break;
     }
 }
 
-void SDLEvents::onWindow(const gui::SDLEvent& event)
+void SDLEvents::onPointer(const gui::SDLEvent& event)
 {
-    switch (event.event.window.event)
+    if (event.type == Type::Left)
     {
-    case SDL_WINDOWEVENT_ENTER:
-        _isLeavePending = false;
-        if (_isPointerInside)
-            break;
-        _isPointerInside = true;
-        _client.onMotion({MotionEvent::Kind::Entered, modifiersOf(event), mousePoint(event)});
-        break;
-    case SDL_WINDOWEVENT_LEAVE:
         // A drag that goes on outside is left when it is over.
         if (_isDragging)
             _isLeavePending = true;
         else
-            leave(event, mousePoint(event));
-        break;
-    case SDL_WINDOWEVENT_FOCUS_GAINED:
-        switchTextInput();
-        _client.onFocus(true);
-        break;
-    case SDL_WINDOWEVENT_FOCUS_LOST:
-        // Another window of the program, if it has the keyboard now, wants to decide itself.
-        if (SDL_GetKeyboardFocus() == nullptr)
-            SDL_StopTextInput();
-        _client.onFocus(false);
-        break;
-    default:
-        break;
+            leave(event, event.mouse);
+        return;
     }
+    _isLeavePending = false;
+    if (!std::exchange(_isPointerInside, true))
+        _client.onMotion({MotionEvent::Kind::Entered, modifiersOf(event), event.mouse});
+}
+
+void SDLEvents::onFocus(bool hasFocus)
+{
+    // Another window of the program, if it has the keyboard now, wants to decide itself.
+    if (hasFocus)
+        switchTextInput();
+    else if (SDL_GetKeyboardFocus() == nullptr)
+        gui::sdl::stopTextInput(_context.getWindow());
+    _client.onFocus(hasFocus);
 }
 
 void SDLEvents::leave(const gui::SDLEvent& event, const td::Point<double>& point)
@@ -160,38 +155,33 @@ void SDLEvents::leave(const gui::SDLEvent& event, const td::Point<double>& point
 
 void SDLEvents::onButton(const gui::SDLEvent& event)
 {
-    const SDL_MouseButtonEvent& button = event.event.button;
-    const auto* const pName = std::ranges::find(cButtons, int(button.button), &ButtonName::number);
+    const auto* const pName = std::ranges::find(cButtons, event.button, &ButtonName::number);
     if (pName == std::end(cButtons))
         return;
-    const bool isLeft = button.button == SDL_BUTTON_LEFT;
-    const bool isDown = button.type == SDL_MOUSEBUTTONDOWN;
-    const td::Point<double> point = toPoint(button.x, button.y);
-    if (isLeft)
+    const bool isDown = event.type == Type::ButtonDown;
+    if (event.button == SDL_BUTTON_LEFT)
         _isDragging = isDown;
     const std::weak_ptr<SDLEvents*> self = _self;
-    _client.onButton({pName->button, isDown, isLeftDown(event), button.clicks, modifiersOf(event), point});
+    _client.onButton({pName->button, isDown, isLeftDown(event), event.nClicks, modifiersOf(event), event.mouse});
     // The click may have ended the view, and this with it.
     if (!self.expired() && _isLeavePending && !_isDragging)
-        leave(event, point);
+        leave(event, event.mouse);
 }
 
 void SDLEvents::onMotion(const gui::SDLEvent& event)
 {
-    const SDL_MouseMotionEvent& motion = event.event.motion;
     // The mouse that SDL makes of the first finger.
-    if (motion.which == SDL_TOUCH_MOUSEID && _pinch.isActive())
+    if (event.isOfTouch && _pinch.isActive())
         return;
-    const td::Point<double> point = toPoint(motion.x, motion.y);
-    if ((motion.state & SDL_BUTTON_LMASK) != 0)
-        _client.onMotion({MotionEvent::Kind::Dragged, modifiersOf(event), point});
-    else if (motion.state == 0)
-        _client.onMotion({MotionEvent::Kind::Moved, modifiersOf(event), point});
+    if (isLeftDown(event))
+        _client.onMotion({MotionEvent::Kind::Dragged, modifiersOf(event), event.mouse});
+    else if (event.mouseButtons == 0)
+        _client.onMotion({MotionEvent::Kind::Moved, modifiersOf(event), event.mouse});
     else
         for (const ButtonName& name : cButtons)
-            if ((motion.state & static_cast<Uint32>(SDL_BUTTON(name.number))) != 0)
+            if ((event.mouseButtons & (1U << (name.number - 1))) != 0)
             {
-                _client.onMotion({MotionEvent::Kind::OtherDragged, modifiersOf(event), point, name.button});
+                _client.onMotion({MotionEvent::Kind::OtherDragged, modifiersOf(event), event.mouse, name.button});
                 break;
             }
 }
@@ -199,10 +189,9 @@ void SDLEvents::onMotion(const gui::SDLEvent& event)
 void SDLEvents::onWheel(const gui::SDLEvent& event)
 {
     // Content follows the fingers: SDL counts what is scrolled to, to the right.
-    const SDL_MouseWheelEvent& wheel = event.event.wheel;
-    const double dx = (0.0 - static_cast<double>(wheel.preciseX)) * zav::s_wheelUnitsPerNotch;
-    const double dy = static_cast<double>(wheel.preciseY) * zav::s_wheelUnitsPerNotch;
-    _client.onWheel({dx, dy, modifiersOf(event), mousePoint(event)});
+    const double dx = (0.0 - event.wheel.x) * zav::s_wheelUnitsPerNotch;
+    const double dy = event.wheel.y * zav::s_wheelUnitsPerNotch;
+    _client.onWheel({dx, dy, modifiersOf(event), event.mouse});
 }
 
 void SDLEvents::onFinger(const gui::SDLEvent& event)
@@ -211,11 +200,11 @@ void SDLEvents::onFinger(const gui::SDLEvent& event)
     int height = 0;
     SDL_GetWindowSize(_context.getWindow(), &width, &height);
     const td::Size<double> size{static_cast<double>(width), static_cast<double>(height)};
-    if (const std::optional<double> magnification = _pinch.onFinger(event.event.tfinger, size))
+    if (const std::optional<double> magnification = _pinch.onFinger(event, size))
         _client.onMagnification({*magnification, modifiersOf(event)});
 }
 
-// SDL takes text for all windows or none.
+// SDL2 takes text for all windows or none.
 
 bool SDLEvents::hasKeyboard() const { return SDL_GetKeyboardFocus() == _context.getWindow(); }
 
@@ -223,13 +212,10 @@ void SDLEvents::switchTextInput() const
 {
     if (!hasKeyboard())
         return;
-    if (!_takesText)
-    {
-        SDL_StopTextInput();
-        return;
-    }
-    SDL_StartTextInput();
-    SDL_SetTextInputRect(&_textInputRect);
+    if (_takesText)
+        gui::sdl::startTextInput(_context.getWindow(), _textInputRect);
+    else
+        gui::sdl::stopTextInput(_context.getWindow());
 }
 
 void SDLEvents::setTextInput(bool isOn)
@@ -241,8 +227,8 @@ void SDLEvents::setTextInput(bool isOn)
 void SDLEvents::setTextInputRect(const SDL_Rect& rect)
 {
     _textInputRect = rect;
-    if (_takesText && hasKeyboard())
-        SDL_SetTextInputRect(&_textInputRect);
+    if (_takesText)
+        switchTextInput();
 }
 
 void SDLEvents::onText(const gui::SDLEvent& event)
@@ -259,20 +245,19 @@ void SDLEvents::onComposition(std::string_view text, int start, int nSelected)
 
 void SDLEvents::onKey(const gui::SDLEvent& event)
 {
-    const SDL_KeyboardEvent& key = event.event.key;
-    const bool isDown = key.type == SDL_KEYDOWN;
+    const bool isDown = event.type == Type::KeyDown;
     Keyboard& keyboard = Keyboard::of(_context.getWindow());
-    if (isDown && key.keysym.scancode == SDL_SCANCODE_RALT)
+    if (isDown && event.scancode == SDL_SCANCODE_RALT)
         s_isRightAltAltGr = keyboard.getSymbol(event, false) == XKB_KEY_ISO_Level3_Shift;
 
-    const KeyMapping mapping = mapKey(key.keysym.scancode, (event.modifiers & KMOD_NUM) != 0);
+    const KeyMapping mapping = mapKey(event.scancode, (event.modifiers & gui::sdl::cNumLock) != 0);
     if (mapping.keyCode == 0)
         return;
     unsigned short character = mapping.character;
     const bool isOfShifted = mapping.kind == KeyMapping::Character::OfShiftedLayout;
     if (isOfShifted || mapping.kind == KeyMapping::Character::OfLayout)
     {
-        const bool isShifted = isOfShifted || (event.modifiers & KMOD_SHIFT) != 0;
+        const bool isShifted = isOfShifted || (event.modifiers & gui::sdl::cShift) != 0;
         if (const unsigned short ofLayout = toCharacter(keyboard.getSymbol(event, isShifted)))
             character = ofLayout;
     }

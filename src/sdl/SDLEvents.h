@@ -2,9 +2,9 @@
 
 #include "Pinch.h"
 
+#include <gui/port/sdl/SDL.h>
 #include <gui/port/sdl/SDLEvent.h>
 
-#include <SDL_rect.h>
 #include <td/Point.h>
 
 #include <memory>
@@ -36,7 +36,8 @@ public:
     void setTextInputRect(const SDL_Rect& rect);
 
 private:
-    void onWindow(const gui::SDLEvent& event);
+    void onPointer(const gui::SDLEvent& event);
+    void onFocus(bool hasFocus);
     void onButton(const gui::SDLEvent& event);
     void onMotion(const gui::SDLEvent& event);
     void onWheel(const gui::SDLEvent& event);

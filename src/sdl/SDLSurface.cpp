@@ -4,7 +4,8 @@
 #include "SDLContext.h"
 #include "SDLEvents.h"
 
-#include <SDL_mouse.h>
+#include <gui/port/sdl/SDL.h>
+#include <gui/port/sdl/SDLPort.h>
 
 #include <algorithm>
 #include <cmath>
@@ -49,9 +50,7 @@ public:
     }
     td::Size<int> getDrawableSize() const override
     {
-        td::Size<int> size;
-        SDL_GL_GetDrawableSize(window(), &size.width, &size.height);
-        return size;
+        return gui::sdl::getPixelSize(window());
     }
     unsigned int getDefaultFramebuffer() const override { return 0; }
 
@@ -105,9 +104,9 @@ std::unique_ptr<NativeSurface> createSDLSurface(NativeSurfaceClient& client, con
 
 void* getSDLCursor(gui::Cursor::Type type)
 {
-    static SDL_Cursor* const pArrow = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_ARROW);
-    static SDL_Cursor* const pPan = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_SIZEALL);
-    static SDL_Cursor* const pBar = SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_IBEAM);
+    static SDL_Cursor* const pArrow = gui::sdl::createCursor(gui::Cursor::Type::Default);
+    static SDL_Cursor* const pPan = gui::sdl::createCursor(gui::Cursor::Type::Pan);
+    static SDL_Cursor* const pBar = gui::sdl::createCursor(gui::Cursor::Type::Text);
     switch (type)
     {
     case gui::Cursor::Type::Pan:

@@ -1,8 +1,8 @@
 #include "Keyboard.h"
 
 #include <gui/gl/port/Keys.h>
+#include <gui/port/sdl/SDLPort.h>
 
-#include <SDL_syswm.h>
 #include <wayland-client.h>
 #include <xkbcommon/xkbcommon.h>
 
@@ -158,7 +158,7 @@ std::uint32_t WaylandKeyboard::getSymbol(const gui::SDLEvent& keyEvent, bool isS
 {
     constexpr unsigned int cFirstKeyCode = 8;
     wl_display_dispatch_queue_pending(_pDisplay, _pQueue);
-    const unsigned int keyCode = toKernelKeyCode(keyEvent.event.key.keysym.scancode);
+    const unsigned int keyCode = toKernelKeyCode(keyEvent.scancode);
     if (_pState == nullptr || keyCode == 0)
         return 0;
     const xkb_mod_index_t shift = xkb_keymap_mod_get_index(_pKeymap, XKB_MOD_NAME_SHIFT);
@@ -171,11 +171,8 @@ std::uint32_t WaylandKeyboard::getSymbol(const gui::SDLEvent& keyEvent, bool isS
 
 std::unique_ptr<Keyboard> createWaylandKeyboard(SDL_Window* pWindow)
 {
-    SDL_SysWMinfo info;
-    SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
-        return nullptr;
-    return createWaylandKeyboard(info.info.wl.display);
+    wl_display* const pDisplay = gui::sdl::getWayland(pWindow);
+    return pDisplay != nullptr ? createWaylandKeyboard(pDisplay) : nullptr;
 }
 
 std::unique_ptr<Keyboard> createWaylandKeyboard(wl_display* pDisplay)

@@ -1,8 +1,8 @@
 #include "Keyboard.h"
 
 #include <gui/gl/port/Keys.h>
+#include <gui/port/sdl/SDLPort.h>
 
-#include <SDL_syswm.h>
 #include <X11/XKBlib.h>
 
 namespace gui::gl
@@ -14,7 +14,7 @@ namespace
 class X11Keyboard : public Keyboard
 {
 public:
-    explicit X11Keyboard(Display* pDisplay)
+    explicit X11Keyboard(::Display* pDisplay)
         : _pDisplay(pDisplay)
     {
     }
@@ -25,7 +25,7 @@ public:
         unsigned int keyCode = keyEvent.xKeyCode;
         // A release that SDL makes up when the window loses the focus.
         if (keyCode == 0)
-            keyCode = toKernelKeyCode(keyEvent.event.key.keysym.scancode) + cFirstKeyCode;
+            keyCode = toKernelKeyCode(keyEvent.scancode) + cFirstKeyCode;
         const auto group = static_cast<int>(XkbGroupForCoreState(keyEvent.xState));
         const KeySym shifted = isShifted ? symbolOf(keyCode, group, 1) : NoSymbol;
         return static_cast<std::uint32_t>(shifted != NoSymbol ? shifted : symbolOf(keyCode, group, 0));
@@ -41,18 +41,15 @@ private:
                    : XkbKeycodeToKeysym(_pDisplay, static_cast<KeyCode>(keyCode), 0, level);
     }
 
-    Display* _pDisplay;
+    ::Display* _pDisplay;
 };
 
 } // namespace
 
 std::unique_ptr<Keyboard> createX11Keyboard(SDL_Window* pWindow)
 {
-    SDL_SysWMinfo info;
-    SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_X11)
-        return nullptr;
-    return std::make_unique<X11Keyboard>(info.info.x11.display);
+    const std::optional<gui::sdl::X11Window> x11 = gui::sdl::getX11(pWindow);
+    return x11 ? std::make_unique<X11Keyboard>(x11->pDisplay) : nullptr;
 }
 
 } // namespace gui::gl

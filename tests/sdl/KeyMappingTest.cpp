@@ -4,6 +4,7 @@
 #include <gui/gl/KeyCodes.h>
 #include <gui/gl/port/KeySymbols.h>
 #include <gui/gl/port/Keys.h>
+#include <gui/port/sdl/SDL.h>
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>

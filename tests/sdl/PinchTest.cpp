@@ -9,18 +9,16 @@ namespace
 {
 
 using gui::gl::Pinch;
+using Type = gui::SDLEvent::Type;
 
 class PinchTest : public testing::Test
 {
 protected:
-    std::optional<double> finger(Uint32 type, SDL_FingerID id, float x, float y)
+    std::optional<double> finger(Type type, int id, double x, double y)
     {
-        SDL_TouchFingerEvent event{};
+        gui::SDLEvent event;
         event.type = type;
-        event.touchId = 1;
-        event.fingerId = id;
-        event.x = x;
-        event.y = y;
+        event.finger = {1, id, {x, y}};
         return pinch.onFinger(event, {400, 200});
     }
 
@@ -29,34 +27,34 @@ protected:
 
 TEST_F(PinchTest, DistanceInPointsDrives)
 {
-    EXPECT_FALSE(finger(SDL_FINGERDOWN, 7, 0.25f, 0.5f));
-    EXPECT_FALSE(finger(SDL_FINGERMOTION, 7, 0.5f, 0.5f));
-    EXPECT_FALSE(finger(SDL_FINGERDOWN, 8, 0.75f, 0.5f));
+    EXPECT_FALSE(finger(Type::FingerDown, 7, 0.25, 0.5));
+    EXPECT_FALSE(finger(Type::FingerMotion, 7, 0.5, 0.5));
+    EXPECT_FALSE(finger(Type::FingerDown, 8, 0.75, 0.5));
     ASSERT_TRUE(pinch.isActive());
     // 100 points apart at first; then 200, sideways and upright; then 50.
-    EXPECT_EQ(finger(SDL_FINGERMOTION, 8, 1.0f, 0.5f), 1.0);
-    EXPECT_FALSE(finger(SDL_FINGERMOTION, 8, 1.0f, 0.5f));
-    EXPECT_EQ(finger(SDL_FINGERMOTION, 8, 0.625f, 0.5f), -0.5);
+    EXPECT_EQ(finger(Type::FingerMotion, 8, 1.0, 0.5), 1.0);
+    EXPECT_FALSE(finger(Type::FingerMotion, 8, 1.0, 0.5));
+    EXPECT_EQ(finger(Type::FingerMotion, 8, 0.625, 0.5), -0.5);
     // A third finger changes nothing.
-    EXPECT_FALSE(finger(SDL_FINGERDOWN, 9, 0, 0));
-    EXPECT_FALSE(finger(SDL_FINGERMOTION, 9, 0.1f, 0));
-    EXPECT_FALSE(finger(SDL_FINGERUP, 9, 0.1f, 0));
+    EXPECT_FALSE(finger(Type::FingerDown, 9, 0, 0));
+    EXPECT_FALSE(finger(Type::FingerMotion, 9, 0.1, 0));
+    EXPECT_FALSE(finger(Type::FingerUp, 9, 0.1, 0));
     EXPECT_TRUE(pinch.isActive());
     // One goes and comes again: a new gesture.
-    EXPECT_FALSE(finger(SDL_FINGERUP, 7, 0.5f, 0.5f));
+    EXPECT_FALSE(finger(Type::FingerUp, 7, 0.5, 0.5));
     EXPECT_FALSE(pinch.isActive());
-    EXPECT_FALSE(finger(SDL_FINGERMOTION, 8, 0.75f, 0.5f));
-    EXPECT_FALSE(finger(SDL_FINGERDOWN, 7, 0.75f, 0));
-    EXPECT_EQ(finger(SDL_FINGERMOTION, 7, 0.25f, 0.5f), 1.0);
+    EXPECT_FALSE(finger(Type::FingerMotion, 8, 0.75, 0.5));
+    EXPECT_FALSE(finger(Type::FingerDown, 7, 0.75, 0));
+    EXPECT_EQ(finger(Type::FingerMotion, 7, 0.25, 0.5), 1.0);
 }
 
 // Fingers in one place must not make an endless factor.
 TEST_F(PinchTest, FingersThatTouchEachOther)
 {
-    EXPECT_FALSE(finger(SDL_FINGERDOWN, 1, 0.5f, 0.5f));
-    EXPECT_FALSE(finger(SDL_FINGERDOWN, 2, 0.5f, 0.5f));
+    EXPECT_FALSE(finger(Type::FingerDown, 1, 0.5, 0.5));
+    EXPECT_FALSE(finger(Type::FingerDown, 2, 0.5, 0.5));
     // 80 points apart, which were 8 at least.
-    EXPECT_NEAR(finger(SDL_FINGERMOTION, 2, 0.5f, 0.9f).value_or(0), 9, 1e-5);
+    EXPECT_NEAR(finger(Type::FingerMotion, 2, 0.5, 0.9).value_or(0), 9, 1e-5);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "sdl/Keyboard.h"
 
+#include <gui/port/sdl/SDL.h>
+
 #include <gtest/gtest.h>
 #include <wayland-client-core.h>
 #include <wayland-server.h>
@@ -103,7 +105,7 @@ TEST(WaylandKeyboard, IsThatOfTheSeatThatHasOne)
     {
         const auto pKeyboard = gui::gl::createWaylandKeyboard(pDisplay);
         gui::SDLEvent event{};
-        event.event.key.keysym.scancode = SDL_SCANCODE_Y;
+        event.scancode = SDL_SCANCODE_Y;
         EXPECT_EQ(pKeyboard->getSymbol(event, false), std::uint32_t(XKB_KEY_z));
         EXPECT_EQ(pKeyboard->getSymbol(event, true), std::uint32_t(XKB_KEY_Z));
     }

@@ -1,11 +1,10 @@
 // What a window manager does with windows, and what only X11 has for a user.
 
 #include "DesktopTest.h"
+#include "PushedEvents.h"
 
 #include <gui/Texture.h>
 #include <gui/ZavObject.h>
-
-#include <SDL.h>
 
 #include <algorithm>
 #include <thread>
@@ -34,46 +33,32 @@ TEST_P(X11Test, ControlReleaseIsTheSecondaryButtons)
 
 TEST_P(X11Test, TwoFingersZoom)
 {
-    const auto finger = [](Uint32 type, SDL_FingerID id, float x)
-    {
-        SDL_Event event{};
-        event.tfinger = {type, 0, 1, id, x, 0.5F, 0, 0, 1, SDL_GetWindowID(SDL_GetKeyboardFocus())};
-        SDL_PushEvent(&event);
-    };
-    finger(SDL_FINGERDOWN, 1, 0.25F);
-    finger(SDL_FINGERDOWN, 2, 0.5F);
-    finger(SDL_FINGERMOTION, 2, 0.75F); // twice as far from the first
+    pushed::finger(pushed::Finger::Down, 1, 0.25F);
+    pushed::finger(pushed::Finger::Down, 2, 0.5F);
+    pushed::finger(pushed::Finger::Motion, 2, 0.75F); // twice as far from the first
     EXPECT_TRUE(view.hasHeard({"pinch 100,75 by 1.02"}));
 }
 
 // A user who moves faster than frames are shown: the last place counts, and what happens between is not overtaken.
 TEST_P(X11Test, MotionsOfOneFrameAreOne)
 {
-    const Uint32 id = SDL_GetWindowID(SDL_GetKeyboardFocus());
-    const auto move = [](Uint32 windowID, int x, Uint32 buttons = SDL_BUTTON_LMASK)
-    {
-        SDL_Event event{};
-        event.motion = {SDL_MOUSEMOTION, 0, windowID, 0, buttons, x, 40, 1, 0};
-        SDL_PushEvent(&event);
-    };
+    const std::uint32_t id = pushed::focused();
     for (int x = 50; x <= 60; ++x)
-        move(id, x);
+        pushed::move(id, x);
     for (int x = 61; x <= 70; ++x)
-        move(id, x, SDL_BUTTON_RMASK);
-    move(id, 80);
-    move(id + 1000, 90);
-    move(id, 100);
-    SDL_Event release{};
-    release.button = {SDL_MOUSEBUTTONUP, 0, id, 0, SDL_BUTTON_LEFT, SDL_RELEASED, 1, 0, 110, 40};
-    SDL_PushEvent(&release);
-    move(id, 120);
+        pushed::move(id, x, 4);
+    pushed::move(id, 80);
+    pushed::move(id + 1000, 90);
+    pushed::move(id, 100);
+    pushed::releaseLeft(id, 110);
+    pushed::move(id, 120);
     EXPECT_TRUE(
         view.hasHeard({"drag 60,40", "drag2 70,40", "drag 80,40", "drag 100,40", "release 110,40 x1", "drag 120,40"}));
 
     const auto begin = std::chrono::steady_clock::now();
     for (int x = 0; x < 200; ++x)
     {
-        move(id, x);
+        pushed::move(id, x);
         app.step(0.001);
     }
     ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "drag 199,40"; }));
@@ -109,17 +94,10 @@ TEST_P(X11Test, HeldKeyRepeatsAndIsReleasedOnce)
 TEST_P(X11Test, TextComesWhereItIsAskedFor)
 {
     view.startTextInput();
-    const auto compose = [](const std::string& text, int start, int length)
-    {
-        SDL_Event event{};
-        event.editExt = {SDL_TEXTEDITING_EXT,      0,     SDL_GetWindowID(SDL_GetKeyboardFocus()),
-                         SDL_strdup(text.c_str()), start, length};
-        SDL_PushEvent(&event);
-    };
     std::string longText(200, 'x');
-    compose(longText + "日本", 200, 1);
+    pushed::compose(longText + "日本", 200, 1);
     EXPECT_TRUE(view.hasHeard({"composes " + longText + "[日]本"}));
-    compose("", 0, 0);
+    pushed::compose("", 0, 0);
     EXPECT_TRUE(view.hasHeard({"composes []"}));
 
     RecordingView other;
@@ -131,14 +109,14 @@ TEST_P(X11Test, TextComesWhereItIsAskedFor)
     xdo("keyup 38");
     EXPECT_TRUE(other.hasHeard({"key 'a'", "up key 'a'"}));
     otherWindow.close();
-    ASSERT_TRUE(waitInLoop([&] { return SDL_GetKeyboardFocus() != nullptr; }));
+    ASSERT_TRUE(waitInLoop([&] { return pushed::focused() != 0; }));
     view.lines.clear();
     xdo("keydown 38");
     xdo("keyup 38");
     EXPECT_TRUE(view.hasHeard({"key 'a'", "text a", "up key 'a'"}));
-    EXPECT_TRUE(SDL_IsTextInputActive());
+    EXPECT_TRUE(pushed::isTextInputActive());
     window().close();
-    EXPECT_FALSE(SDL_IsTextInputActive());
+    EXPECT_FALSE(pushed::isTextInputActive());
 }
 
 TEST_P(X11Test, FocusGoesToTheOtherWindow)

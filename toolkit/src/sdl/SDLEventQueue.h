@@ -24,14 +24,21 @@ public:
     bool take(SDLEvent& event);
     bool isEmpty() const { return _events.empty(); }
     /// Whether there is a motion and nothing behind it: it may wait for more of its kind.
-    bool hasOnlyMotion() const { return _events.size() == 1 && _events.front().event.type == SDL_MOUSEMOTION; }
+    bool hasOnlyMotion() const { return _events.size() == 1 && _events.front().type == SDLEvent::Type::Motion; }
+
+    /// For who translates SDL's events: one more. What was dropped is collected, by its parts, until the end.
+    void append(SDLEvent event);
+    void beginDrop();
+    void collectFile(const char* path);
+    void collectText(const char* text);
+    /// Of a drop: with what was collected.
+    void endDrop(SDLEvent event);
+    /// The X11 event that comes right before what SDL makes of it.
+    void rememberXKey(unsigned int keyCode, unsigned int state);
+    /// Any other.
+    void forgetXKey() { _xKeyCode = 0; }
 
 private:
-    static int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent);
-    void append(SDL_Event& event);
-    void takeText(SDLEvent& entry, SDL_Event& event) const;
-    bool collectDrop(SDL_Event& event);
-    void placeDrop(SDLEvent& entry);
     void mergeLastMotions();
 
     std::deque<SDLEvent> _events;
@@ -40,5 +47,14 @@ private:
     unsigned int _xKeyCode = 0;
     unsigned int _xState = 0;
 };
+
+namespace sdl
+{
+
+/// The other side, which SDL2 and SDL3 do each in its own way: SDL's events go to this queue from now on.
+void listen(SDLEventQueue& queue);
+void stopListening();
+
+} // namespace sdl
 
 } // namespace gui

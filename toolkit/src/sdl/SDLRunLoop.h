@@ -4,9 +4,8 @@
 
 #include <gui/port/RunLoop.h>
 
-#include <SDL_video.h>
-
 #include <atomic>
+#include <cstdint>
 
 namespace gui
 {
@@ -38,11 +37,11 @@ private:
     void putOffMotions(SDL_Window* pWindow);
     void dispatch(const SDLEvent& event);
     /// @return whether the event is one of those that the window itself sees to
-    bool onWindowEvent(SDL_Window* pWindow, NativeView* pView, const SDL_WindowEvent& event);
+    bool onWindowEvent(SDL_Window* pWindow, NativeView* pView, SDLEvent::Type type);
 
     SDLEventQueue _events;
     Time _nextMotion{};
-    Uint32 _wakeUpType;
+    std::uint32_t _wakeUpType;
     std::atomic<bool> _isWakeUpPosted = false;
 };
 

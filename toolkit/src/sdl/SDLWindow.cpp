@@ -1,16 +1,15 @@
 #include "SDLWindow.h"
 
 #include "SDLRunLoop.h"
-#include "X11Window.h"
+#include "X11Hints.h"
 
 #include <gui/NativeView.h>
 #include <gui/Texture.h>
-
-#include <SDL_surface.h>
+#include <gui/port/sdl/SDL.h>
+#include <gui/port/sdl/SDLPort.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace gui
@@ -53,13 +52,13 @@ void SDLWindow::show(NativeView* pView)
     {
         _pView = pView;
         SDLRunLoop::setView(_pWindow, pView);
-        SDL_SetWindowData(_pWindow, cWindowKey, this);
+        sdl::setData(_pWindow, cWindowKey, this);
         SDL_SetWindowTitle(_pWindow, _title.c_str());
         applyIcon();
         applyMinSize();
         applySize();
         if (!_position)
-            X11Window::letSystemPlace(_pWindow);
+            X11Hints::letSystemPlace(_pWindow);
         else
             setPosition(*_position);
         const State state = std::exchange(_state, State::Normal);
@@ -78,11 +77,11 @@ void SDLWindow::hide()
     if (_pWindow == nullptr)
         return;
     SDLRunLoop::setView(_pWindow, nullptr);
-    SDL_SetWindowData(_pWindow, cWindowKey, nullptr);
+    sdl::setData(_pWindow, cWindowKey, nullptr);
     // What the next view finds.
     const State state = getState();
     if (state == State::FullScreen)
-        SDL_SetWindowFullscreen(_pWindow, 0);
+        sdl::setFullScreen(_pWindow, false);
     else if (state == State::Normal)
         _size = getSize();
     _state = state == State::Minimized ? State::Normal : state;
@@ -144,8 +143,7 @@ void SDLWindow::setPosition(const td::Point<double>& position)
 
 std::optional<td::Point<double>> SDLWindow::getPosition() const
 {
-    const char* const driver = SDL_GetCurrentVideoDriver();
-    if (driver != nullptr && std::strcmp(driver, "wayland") == 0)
+    if (sdl::isOnWayland())
         return std::nullopt;
     if (_pWindow == nullptr)
         return _position;
@@ -171,13 +169,8 @@ void SDLWindow::setIcon(const Texture& picture)
 
 void SDLWindow::applyIcon()
 {
-    constexpr int cBits = 32;
-    if (_icon.bytes.empty())
-        return;
-    SDL_Surface* const pSurface = SDL_CreateRGBSurfaceWithFormatFrom(
-        _icon.bytes.data(), _icon.width, _icon.height, cBits, _icon.width * 4, SDL_PIXELFORMAT_RGBA32);
-    SDL_SetWindowIcon(_pWindow, pSurface);
-    SDL_FreeSurface(pSurface);
+    if (!_icon.bytes.empty())
+        sdl::setIcon(_pWindow, {_icon.width, _icon.height}, _icon.bytes.data());
 }
 
 // States.
@@ -186,15 +179,14 @@ bool SDLWindow::isFullScreen() const
 {
     if (_pWindow == nullptr)
         return _state == State::FullScreen;
-    const bool isForSDL = (SDL_GetWindowFlags(_pWindow) & SDL_WINDOW_FULLSCREEN) != 0;
-    return X11Window::isFullScreen(_pWindow).value_or(isForSDL);
+    return X11Hints::isFullScreen(_pWindow).value_or(sdl::isFullScreen(_pWindow));
 }
 
 State SDLWindow::getState() const
 {
     if (_pWindow == nullptr)
         return _state;
-    const Uint32 flags = SDL_GetWindowFlags(_pWindow);
+    const auto flags = SDL_GetWindowFlags(_pWindow);
     if ((flags & SDL_WINDOW_MINIMIZED) != 0)
         return State::Minimized;
     if (isFullScreen())
@@ -217,9 +209,12 @@ void SDLWindow::setState(State state)
         SDL_MinimizeWindow(_pWindow);
         return;
     }
-    // A window comes back as what it was before it was minimised.
+    // A window comes back as what it was before it was minimised; SDL3 counts it as hidden on X11.
     if (before == State::Minimized)
+    {
+        SDL_ShowWindow(_pWindow);
         SDL_RestoreWindow(_pWindow);
+    }
     if (state == State::FullScreen || isFullScreen())
     {
         _wasMaximized = state == State::Maximized;
@@ -227,29 +222,28 @@ void SDLWindow::setState(State state)
     }
     else if (state == State::Maximized)
         SDL_MaximizeWindow(_pWindow);
-    else
+    if (state == State::Normal && (SDL_GetWindowFlags(_pWindow) & SDL_WINDOW_MAXIMIZED) != 0)
         SDL_RestoreWindow(_pWindow);
 }
 
 void SDLWindow::setFullScreen(bool isFullScreen)
 {
-    constexpr Uint32 cFullScreen = SDL_WINDOW_FULLSCREEN_DESKTOP;
     if (_pWindow == nullptr)
     {
         _state = isFullScreen ? State::FullScreen : _state == State::FullScreen ? State::Normal : _state;
         return;
     }
     // SDL does nothing when it believes that the window is that already; the user may have asked somebody else.
-    const Uint32 flags = SDL_GetWindowFlags(_pWindow);
-    const bool isForSDL = (flags & SDL_WINDOW_FULLSCREEN) != 0;
+    const auto flags = SDL_GetWindowFlags(_pWindow);
+    const bool isForSDL = sdl::isFullScreen(_pWindow);
     if (isFullScreen && !isForSDL)
     {
         _wasMaximized = (flags & SDL_WINDOW_MAXIMIZED) != 0;
         _size = getSize();
     }
     if (isForSDL == isFullScreen && SDLWindow::isFullScreen() != isFullScreen)
-        SDL_SetWindowFullscreen(_pWindow, isFullScreen ? 0 : cFullScreen);
-    SDL_SetWindowFullscreen(_pWindow, isFullScreen ? cFullScreen : 0);
+        sdl::setFullScreen(_pWindow, !isFullScreen);
+    sdl::setFullScreen(_pWindow, isFullScreen);
     if (isFullScreen)
         return;
     // SDL forgets it.
@@ -260,15 +254,15 @@ void SDLWindow::setFullScreen(bool isFullScreen)
         SDL_MaximizeWindow(_pWindow);
 }
 
-void SDLWindow::follow(SDL_Window* pWindow, const SDL_WindowEvent& event)
+void SDLWindow::follow(SDL_Window* pWindow, SDLEvent::Type type)
 {
-    auto* const pShown = static_cast<SDLWindow*>(SDL_GetWindowData(pWindow, cWindowKey));
+    auto* const pShown = static_cast<SDLWindow*>(sdl::getData(pWindow, cWindowKey));
     if (pShown == nullptr)
         return;
     // The window manager puts the frame where the content was to be, which is seen when it draws the frame.
-    if (event.event == SDL_WINDOWEVENT_MOVED && std::exchange(pShown->_isPlacePending, false))
+    if (type == SDLEvent::Type::Moved && std::exchange(pShown->_isPlacePending, false))
         pShown->setPosition(*pShown->_position);
-    if (event.event == SDL_WINDOWEVENT_EXPOSED)
+    if (type == SDLEvent::Type::Exposed)
         pShown->_isPlacePending = false;
     const State state = pShown->getState();
     if (std::exchange(pShown->_toldState, state) != state)

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <gui/port/WindowSystem.h>
-
-#include <SDL_video.h>
+#include <gui/port/sdl/SDLEvent.h>
 
 #include <string>
 #include <vector>
@@ -36,7 +35,7 @@ public:
     void setIcon(const Texture& picture) override;
 
     /// Something has happened to SDL's window: says so when its state is another. What shows it may be gone then.
-    static void follow(SDL_Window* pWindow, const SDL_WindowEvent& event);
+    static void follow(SDL_Window* pWindow, SDLEvent::Type type);
 
 private:
     struct Icon

@@ -56,7 +56,7 @@ public:
     /// Of the content's top left corner, in points on the desktop of all displays.
     virtual void setPosition(const td::Point<double>&) {}
     virtual std::optional<td::Point<double>> getPosition() const { return std::nullopt; }
-    /// @param picture  with pixels of 3 or 4 bytes; to be copied
+    /// A picture with pixels of 3 or 4 bytes; to be copied.
     virtual void setIcon(const Texture& /*picture*/) {}
 
 protected:

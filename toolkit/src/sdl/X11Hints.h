@@ -1,14 +1,14 @@
 #pragma once
 
-#include <SDL_video.h>
-
 #include <optional>
+
+struct SDL_Window;
 
 namespace gui
 {
 
 /// What SDL does not do for a window on X11.
-class X11Window
+class X11Hints
 {
 public:
     /// Lets the window manager find a place for it when it is shown next. Nothing on other window systems.

@@ -1,6 +1,7 @@
-#include "X11Window.h"
+#include "X11Hints.h"
 
-#include <SDL_syswm.h>
+#include <gui/port/sdl/SDLPort.h>
+
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 
@@ -13,13 +14,6 @@ namespace gui
 namespace
 {
 
-// @return false on other window systems
-bool getX11(SDL_Window* pWindow, SDL_SysWMinfo& info)
-{
-    SDL_VERSION(&info.version);
-    return SDL_GetWindowWMInfo(pWindow, &info) && info.subsystem == SDL_SYSWM_X11;
-}
-
 struct XFreeing
 {
     void operator()(void* p) const { XFree(p); }
@@ -27,33 +21,33 @@ struct XFreeing
 
 } // namespace
 
-void X11Window::letSystemPlace(SDL_Window* pWindow)
+void X11Hints::letSystemPlace(SDL_Window* pWindow)
 {
-    SDL_SysWMinfo info;
-    if (!getX11(pWindow, info))
+    const std::optional<sdl::X11Window> x11 = sdl::getX11(pWindow);
+    if (!x11)
         return;
     // SDL claims that the user has chosen the place.
     const std::unique_ptr<XSizeHints, XFreeing> pHints(XAllocSizeHints());
     long given = 0;
-    if (pHints == nullptr || !XGetWMNormalHints(info.info.x11.display, info.info.x11.window, pHints.get(), &given))
+    if (pHints == nullptr || !XGetWMNormalHints(x11->pDisplay, x11->window, pHints.get(), &given))
         return;
     pHints->flags &= ~(USPosition | PPosition);
-    XSetWMNormalHints(info.info.x11.display, info.info.x11.window, pHints.get());
+    XSetWMNormalHints(x11->pDisplay, x11->window, pHints.get());
 }
 
-std::optional<bool> X11Window::isFullScreen(SDL_Window* pWindow)
+std::optional<bool> X11Hints::isFullScreen(SDL_Window* pWindow)
 {
     constexpr long cMostStates = 64;
-    SDL_SysWMinfo info;
-    if (!getX11(pWindow, info))
+    const std::optional<sdl::X11Window> x11 = sdl::getX11(pWindow);
+    if (!x11)
         return std::nullopt;
-    Display* const pDisplay = info.info.x11.display;
+    ::Display* const pDisplay = x11->pDisplay;
     Atom type = 0;
     int format = 0;
     unsigned long nStates = 0;
     unsigned long nLeft = 0;
     unsigned char* pData = nullptr;
-    XGetWindowProperty(pDisplay, info.info.x11.window, XInternAtom(pDisplay, "_NET_WM_STATE", False), 0, cMostStates,
+    XGetWindowProperty(pDisplay, x11->window, XInternAtom(pDisplay, "_NET_WM_STATE", False), 0, cMostStates,
                        False, XA_ATOM, &type, &format, &nStates, &nLeft, &pData);
     const std::unique_ptr<unsigned char, XFreeing> pFreed(pData);
     if (type != XA_ATOM || pData == nullptr)

@@ -5,7 +5,7 @@
 #include <dlfcn.h>
 #include <wayland-client.h>
 
-namespace gui::gl
+namespace gui::sdl
 {
 
 void destroyWaylandFrame([[maybe_unused]] SDL_Window* pWindow)
@@ -30,4 +30,4 @@ void destroyWaylandFrame([[maybe_unused]] SDL_Window* pWindow)
 #endif
 }
 
-} // namespace gui::gl
+} // namespace gui::sdl

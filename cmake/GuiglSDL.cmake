@@ -1,0 +1,27 @@
+# PkgConfig::SDL and GUIGL_SDL_VERSION, 2 or 3: as GUIGL_SDL says, or the newest that is installed. A version that is
+# there no more, or another choice, is looked for anew.
+
+set(wanted ${GUIGL_SDL})
+if(NOT wanted MATCHES "^[23]$")
+    set(wanted 3 2)
+endif()
+set(GUIGL_SDL_VERSION "")
+foreach(version IN LISTS wanted)
+    if(NOT GUIGL_SDL_VERSION)
+        if(version EQUAL 3)
+            set(module sdl3>=3.2)
+        else()
+            set(module sdl2>=2.0.22)
+        endif()
+        pkg_check_modules(SDL${version} IMPORTED_TARGET GLOBAL ${module})
+        if(SDL${version}_FOUND)
+            set(GUIGL_SDL_VERSION ${version})
+        endif()
+    endif()
+endforeach()
+if(NOT GUIGL_SDL_VERSION)
+    message(FATAL_ERROR "GUIGL_SDL=${GUIGL_SDL}: SDL 3.2 or 2.0.22, or a newer one, is not installed. "
+        "Packages: libsdl3-dev or libsdl2-dev. GUIGL_SDL=OFF builds without windows.")
+endif()
+message(STATUS "Windows through SDL ${SDL${GUIGL_SDL_VERSION}_VERSION}")
+add_library(PkgConfig::SDL ALIAS PkgConfig::SDL${GUIGL_SDL_VERSION})
