@@ -253,6 +253,8 @@ TEST_F(PlotTest, LiveSeriesAskForFramesAndRestCostsNone)
     for (int i = 0; i < 200; ++i)
         series.append(std::vector<float>(1000, static_cast<float>(i % 2)));
     EXPECT_EQ(nAsked, 200);
+    plot.axes().y().setRange(-1, 2);
+    EXPECT_EQ(nAsked, 201);
     EXPECT_TRUE(plot.isChanged());
     draw(plot);
     EXPECT_FALSE(plot.isChanged());

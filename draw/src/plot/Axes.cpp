@@ -28,6 +28,8 @@ Axes::Axes(std::function<void()> onChange)
     _pImpl->y.axis.setTickDistance(48);
     _pImpl->right.axis.setTickDistance(48);
     _pImpl->right.axis.setGrid(false);
+    for (Axis* pAxis : {&_pImpl->x.axis, &_pImpl->y.axis, &_pImpl->right.axis})
+        pAxis->_onChange = _pImpl->onChange;
 }
 
 Axes::~Axes() = default;

@@ -25,6 +25,18 @@ Axis::Axis()
 
 Axis::~Axis() = default;
 
+void Axis::notify() const
+{
+    if (_onChange)
+        _onChange();
+}
+
+void Axis::touch()
+{
+    ++_ownVersion;
+    notify();
+}
+
 void Axis::setScale(Scale scale)
 {
     if (_pState->scale == scale)
@@ -33,6 +45,7 @@ void Axis::setScale(Scale scale)
     if (_pState->scale.kind == Scale::Kind::Logarithmic && !(_pState->range.low > 0))
         _pState->range = {1, 10};
     ++_pState->version;
+    notify();
 }
 
 const Scale& Axis::getScale() const { return _pState->scale; }
@@ -70,6 +83,7 @@ bool Axis::setRange(double low, double high)
     if (!_pState->isMoved)
         ++_pState->version;
     _pState->isMoved = true;
+    notify();
     return true;
 }
 
@@ -80,6 +94,7 @@ void Axis::setFit(Fit fit)
     _pState->fit = fit;
     _pState->isMoved = false;
     ++_pState->version;
+    notify();
 }
 
 Axis::Fit Axis::getFit() const { return _pState->fit; }
@@ -101,12 +116,14 @@ void Axis::release()
         return;
     _pState->isMoved = false;
     ++_pState->version;
+    notify();
 }
 
 void Axis::link(Axis& other)
 {
     _pState = other._pState;
     ++_pState->version;
+    notify();
 }
 
 void Axis::setGrid(bool hasGrid)
@@ -143,6 +160,7 @@ bool Axis::pan(double share)
     if (distance == 0 || !setPlaces(low + distance, high + distance))
         return false;
     _pState->isMoved = true;
+    notify();
     return true;
 }
 
@@ -154,6 +172,7 @@ bool Axis::zoom(double factor, double share)
     if (!(factor > 0) || factor == 1 || !setPlaces(middle - (middle - low) / factor, middle + (high - middle) / factor))
         return false;
     _pState->isMoved = true;
+    notify();
     return true;
 }
 

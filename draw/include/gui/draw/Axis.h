@@ -6,6 +6,7 @@
 #include <td/Export.h>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,7 +23,8 @@ namespace gui::draw
 ///     lower.x().link(upper.x());               // one range for both
 ///
 /// At first it shows all that there is, and goes on to as samples come, until its range is set or somebody moves it;
-/// Axes::fit, which a double click calls, is the way back. Not copyable. GUI thread only; needs no context.
+/// Axes::fit, which a double click calls, is the way back. Whatever changes it here asks for a frame of
+/// its own plot. Not copyable. GUI thread only; needs no context.
 class GUIGL_API Axis
 {
 public:
@@ -103,13 +105,15 @@ private:
     };
 
     bool setPlaces(double low, double high);
-    void touch() { ++_ownVersion; }
+    void touch();
+    void notify() const;
 
     std::shared_ptr<State> _pState;
     std::string _title;
     bool _hasGrid = true;
     double _tickDistance = 90;
     std::size_t _ownVersion = 0;
+    std::function<void()> _onChange;
 };
 
 } // namespace gui::draw
