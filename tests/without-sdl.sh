@@ -2,7 +2,8 @@
 # Whether the library does without a display server's libraries: without-sdl.sh <root of the sources> <folder to build
 # in>. What differs then is compiled; nothing else may include what belongs to SDL or a display server.
 others=$(cd "$1" && grep -rnE '#include (<(SDL|X11/|wayland|xkbcommon)|"(\.\./)*sdl/)' \
-    --include='*.h' --include='*.cpp' --exclude-dir=sdl --exclude-dir=sdl2 --exclude-dir=sdl3 src toolkit draw tools examples include |
+    --include='*.h' --include='*.cpp' --exclude-dir=sdl --exclude-dir='sdl[23]' \
+    src toolkit draw tools examples include |
     grep -vE '^(src/native/(Surfaces|KeySymbols)|toolkit/src/WindowSystem)\.cpp:')
 if [ -n "$others" ]; then
     echo "$others"

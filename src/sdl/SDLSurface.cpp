@@ -46,7 +46,15 @@ public:
     }
     float getBackingScale() const override
     {
-        return static_cast<float>(getDrawableSize().width) / static_cast<float>(std::max(1.0, getSize().width));
+        // There are whole pixels alone: 251 of 201 points at a scale of 1.25. Wayland's scales are 120ths.
+        constexpr double cSteps = 120;
+        const td::Size<double> size = getSize();
+        const td::Size<int> pixels = getDrawableSize();
+        const double ratio = static_cast<double>(pixels.width) / std::max(1.0, size.width);
+        const double scale = std::round(ratio * cSteps) / cSteps;
+        const bool isExact = std::lround(size.width * scale) == pixels.width &&
+                             std::lround(size.height * scale) == pixels.height;
+        return static_cast<float>(isExact ? scale : ratio);
     }
     td::Size<int> getDrawableSize() const override
     {

@@ -86,7 +86,8 @@ void DragSource::answer()
         return;
     const XSelectionRequestEvent& request = event.xselectionrequest;
     XChangeProperty(_pDisplay->p, request.requestor, request.property, request.target, 8, PropModeReplace,
-                    reinterpret_cast<const unsigned char*>(_content.data.data()), static_cast<int>(_content.data.size()));
+                    reinterpret_cast<const unsigned char*>(_content.data.data()),
+                    static_cast<int>(_content.data.size()));
     XEvent reply{};
     reply.xselection.type = SelectionNotify;
     reply.xselection.requestor = request.requestor;

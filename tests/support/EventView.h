@@ -16,7 +16,8 @@ namespace test
 /// A view that hears of what a user does, a line each: "press 10,20 x1" with "+Shift" and the like behind it for the
 /// modifiers, "press2" for the secondary button, "drag3" and the like for others, "pinch" for the zoom of a gesture,
 /// and keys like "key 'a'", "key virtual 3 code 123" or "key 6528"; releases begin with "up". Text is "text a", and
-/// what is composed "composes a[b]c", what is dropped "drops FILE FILE at 1,2" or "drops 'text' at 1,2". Then it does what the test wants to be done in there.
+/// what is composed "composes a[b]c", what is dropped
+/// "drops FILE FILE at 1,2" or "drops 'text' at 1,2". Then it does what the test wants to be done in there.
 class EventView : public gui::gl::View
 {
 public:

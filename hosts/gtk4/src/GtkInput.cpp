@@ -115,15 +115,18 @@ GtkEventController* GtkInput::newDropTarget()
     GtkDropTarget* const pTarget = gtk_drop_target_new(G_TYPE_INVALID, GDK_ACTION_COPY);
     GType types[] = {GDK_TYPE_FILE_LIST, G_TYPE_STRING};
     gtk_drop_target_set_gtypes(pTarget, types, std::size(types));
-    g_signal_connect(pTarget, "accept", G_CALLBACK(+[](GtkDropTarget* pDropTarget, GdkDrop* pDrop, void* pThis) -> gboolean {
-                         return static_cast<GtkInput*>(pThis)->_view.acceptsDrops() &&
-                                gdk_content_formats_match(gdk_drop_get_formats(pDrop),
-                                                          gtk_drop_target_get_formats(pDropTarget));
-                     }),
+    g_signal_connect(pTarget, "accept",
+                     G_CALLBACK(+[](GtkDropTarget* pDropTarget, GdkDrop* pDrop, void* pThis) -> gboolean
+                                {
+                                    return static_cast<GtkInput*>(pThis)->_view.acceptsDrops() &&
+                                           gdk_content_formats_match(gdk_drop_get_formats(pDrop),
+                                                                     gtk_drop_target_get_formats(pDropTarget));
+                                }),
                      this);
     g_signal_connect(pTarget, "drop",
-                     G_CALLBACK(+[](GtkDropTarget*, const GValue* pValue, double x, double y, void* pThis) -> gboolean
-                                { return static_cast<GtkInput*>(pThis)->onDrop(*pValue, {x, y}); }),
+                     G_CALLBACK(+[](GtkDropTarget*, const GValue* pValue, double x, double y, void* pThis) -> gboolean {
+                         return static_cast<GtkInput*>(pThis)->onDrop(*pValue, {x, y});
+                     }),
                      this);
     return GTK_EVENT_CONTROLLER(pTarget);
 }

@@ -186,8 +186,8 @@ public:
     int getSamples() const { return _nSamples; }
 
     /// Whether the desktop shows through what a view draws with an alpha below 1, in a window of the library's own;
-    /// colours are premultiplied then, red at most alpha, as blending by the factors One and OneMinusSrcAlpha leaves them.
-    /// Off at first, and the alpha of a window's frame means nothing. Where it is not to be had (with
+    /// colours are premultiplied then, red at most alpha, as blending by the factors One and OneMinusSrcAlpha leaves
+    /// them. Off at first, and the alpha of a window's frame means nothing. Where it is not to be had (with
     /// SDL2 on X11; without a compositor), the window is opaque.
     void setTransparent(bool isTransparent) { _isTransparent = isTransparent; }
     bool isTransparent() const { return _isTransparent; } ///< see setTransparent

@@ -29,12 +29,9 @@ constexpr bool isAltPressed(unsigned int modifiers) { return isKeyModifierPresse
 constexpr bool isCmdPressed(unsigned int modifiers) { return isKeyModifierPressed(modifiers, KeyModifier::Cmd); }
 constexpr bool isFnPressed(unsigned int modifiers) { return isKeyModifierPressed(modifiers, KeyModifier::Fn); }
 
-/// Whether the keys are held that have Ctrl, and a logo, printed on them, by whichever bit they arrive: on Linux Cmd and
-/// Ctrl. For a program that tells Control from Command as its users read it on their keyboards.
-constexpr bool isControlKeyPressed(unsigned int modifiers)
-{
-    return isKeyModifierPressed(modifiers, KeyModifier::Cmd);
-}
+/// Whether the keys are held that have Ctrl, and a logo, printed on them, by whichever bit they arrive: on Linux Cmd
+/// and Ctrl. For a program that tells Control from Command as its users read it on their keyboards.
+constexpr bool isControlKeyPressed(unsigned int modifiers) { return isKeyModifierPressed(modifiers, KeyModifier::Cmd); }
 /// See isControlKeyPressed.
 constexpr bool isLogoKeyPressed(unsigned int modifiers) { return isKeyModifierPressed(modifiers, KeyModifier::Ctrl); }
 

@@ -7,6 +7,7 @@
 #include <SDL3/SDL_main.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace gui::sdl
@@ -86,13 +87,17 @@ std::vector<DisplayInfo> getDisplays()
             {static_cast<double>(bounds.x), static_cast<double>(bounds.y)},
             {static_cast<double>(bounds.w), static_cast<double>(bounds.h)},
         };
-        displays.push_back({name != nullptr ? name : "", place, pMode->pixel_density > 0 ? pMode->pixel_density : 1,
-                            static_cast<double>(pMode->refresh_rate)});
+        // Of 1280 pixels at a scale of 1.5 there are 853 points: the density is what SDL makes of these. Wayland's
+        // scales are 120ths.
+        constexpr float cSteps = 120;
+        const float scale = std::round(pMode->pixel_density * cSteps) / cSteps;
+        displays.push_back(
+            {name != nullptr ? name : "", place, scale > 0 ? scale : 1, static_cast<double>(pMode->refresh_rate)});
     }
     SDL_free(pIDs);
     // On Wayland none is the main one; the desktop begins at this.
-    std::ranges::stable_partition(displays,
-                                  [](const DisplayInfo& display) { return display.bounds.point == td::Point(0.0, 0.0); });
+    std::ranges::stable_partition(displays, [](const DisplayInfo& display)
+                                  { return display.bounds.point == td::Point(0.0, 0.0); });
     return displays;
 }
 
@@ -203,8 +208,8 @@ std::optional<X11Window> getX11(SDL_Window* pWindow)
 
 wl_display* getWayland(SDL_Window* pWindow)
 {
-    return static_cast<wl_display*>(SDL_GetPointerProperty(SDL_GetWindowProperties(pWindow),
-                                                           SDL_PROP_WINDOW_WAYLAND_DISPLAY_POINTER, nullptr));
+    return static_cast<wl_display*>(
+        SDL_GetPointerProperty(SDL_GetWindowProperties(pWindow), SDL_PROP_WINDOW_WAYLAND_DISPLAY_POINTER, nullptr));
 }
 
 bool makeCurrent(SDL_Window* pWindow, void* context)
