@@ -63,7 +63,7 @@ TEST(SamplesTest, BoundsAreThoseOfAPlainScanHoweverTheNumbersCame)
         { std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(first), part.size(), part.begin()); }));
     all.back().append(std::span(values).subspan(100'003));
 
-    for (int i = 0; i < 20'000; ++i)
+    for (int i = 0; i < 100'000; ++i)
     {
         const double share = std::pow(10, -5.5 * static_cast<double>(random()) / 4294967296.0);
         const auto length =
