@@ -41,6 +41,8 @@ TEST_P(DesktopTest, EachFrameFillsTheWindow)
 // By the program's own asking; what a window manager's user does is in X11's tests.
 TEST_P(DesktopTest, StatesAreTold)
 {
+    if (desktop().scale(GetParam()) != 1)
+        GTEST_SKIP() << "weston 10 ends more often than not when a window on its second output changes its state";
     using State = gui::Window::State;
     gui::Window& window = static_cast<OwnWindow&>(*shown).window;
     std::vector<State> told;
