@@ -1,5 +1,7 @@
 #include "ResetStatus.h"
 
+#include "GLNumber.h"
+
 #include <epoxy/gl.h>
 
 namespace gui::gl
@@ -10,23 +12,16 @@ namespace
 
 constexpr int cVersionWithStatus = 45; // of GL
 
-int resetNumber(GLenum name)
-{
-    GLint value = 0;
-    glGetIntegerv(name, &value);
-    return value;
-}
-
 // What has the function, of its several origins; its name is the same.
 bool hasStatus()
 {
-    const int version = 10 * resetNumber(GL_MAJOR_VERSION) + resetNumber(GL_MINOR_VERSION);
+    const int version = 10 * glNumber(GL_MAJOR_VERSION) + glNumber(GL_MINOR_VERSION);
     return version >= cVersionWithStatus || (version > 0 && epoxy_has_gl_extension("GL_KHR_robustness"));
 }
 
 } // namespace
 
-bool tellsResets() { return hasStatus() && resetNumber(GL_RESET_NOTIFICATION_STRATEGY) == GL_LOSE_CONTEXT_ON_RESET; }
+bool tellsResets() { return hasStatus() && glNumber(GL_RESET_NOTIFICATION_STRATEGY) == GL_LOSE_CONTEXT_ON_RESET; }
 
 bool isReset() { return glGetGraphicsResetStatus() != GL_NO_ERROR; }
 

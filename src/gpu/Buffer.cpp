@@ -308,10 +308,15 @@ bool Buffer::upload()
 
 void Buffer::deleteObjects()
 {
+    deleteNames();
+    _vbo = _ibo = _ebo = _vao = 0;
+}
+
+void Buffer::deleteNames() const
+{
     for (const GLuint name : {_vbo, _ibo, _ebo})
         _home.deleteName(CurrentContext::Kind::Buffer, name);
     _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
-    _vbo = _ibo = _ebo = _vao = 0;
 }
 
 void Buffer::setKeptForRestore(bool isKept)
@@ -352,9 +357,7 @@ void Buffer::onContext(ContextResource::Event event)
 {
     if (event == ContextResource::Event::Leaving)
     {
-        for (const GLuint name : {_vbo, _ibo, _ebo})
-            _home.deleteName(CurrentContext::Kind::Buffer, name);
-        _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
+        deleteNames();
         return;
     }
     if (_state == 1 && !_isFreed)

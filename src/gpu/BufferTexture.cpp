@@ -120,8 +120,7 @@ void BufferTexture::bind(Texture::Unit unit) const
 
 void BufferTexture::release()
 {
-    _home.deleteName(CurrentContext::Kind::Texture, _texture);
-    _home.deleteName(CurrentContext::Kind::Buffer, _buffer);
+    deleteNames();
     _texture = _buffer = 0;
     _isAttached = false;
     _nTexels = 0;
@@ -129,12 +128,17 @@ void BufferTexture::release()
     _home.set(0);
 }
 
+void BufferTexture::deleteNames() const
+{
+    _home.deleteName(CurrentContext::Kind::Texture, _texture);
+    _home.deleteName(CurrentContext::Kind::Buffer, _buffer);
+}
+
 void BufferTexture::onContext(ContextResource::Event event)
 {
     if (event == ContextResource::Event::Leaving)
     {
-        _home.deleteName(CurrentContext::Kind::Texture, _texture);
-        _home.deleteName(CurrentContext::Kind::Buffer, _buffer);
+        deleteNames();
         return;
     }
     _isAttached = false;

@@ -1,5 +1,6 @@
 #include "ContextState.h"
 
+#include "../context/GLNumber.h"
 #include "../context/Restoration.h"
 #include "ProgHelper.h"
 
@@ -45,14 +46,6 @@ constexpr std::array<GLenum, 12> cPixelStore{GL_PACK_ALIGNMENT,     GL_PACK_IMAG
 constexpr int cVersionWithPatches = 40; // of GL
 constexpr int cMostUnits = 32;          // that the library has names for
 
-int stateNumber(GLenum name)
-{
-    // Some drivers give two numbers for the polygon mode.
-    std::array<GLint, 4> values{};
-    glGetIntegerv(name, values.data());
-    return values[0];
-}
-
 GLuint renamed(CurrentContext::Kind kind, int name) { return Restoration::getNew(kind, static_cast<GLuint>(name)); }
 
 GLuint renamed(CurrentContext::Kind kind, GLuint name) { return Restoration::getNew(kind, name); }
@@ -71,17 +64,17 @@ void ContextState::read()
         _flags.emplace_back(GL_CLIP_DISTANCE0 + i, glIsEnabled(GL_CLIP_DISTANCE0 + i) == GL_TRUE);
     _pixelStore.clear();
     for (const GLenum name : cPixelStore)
-        _pixelStore.emplace_back(name, stateNumber(name));
+        _pixelStore.emplace_back(name, glNumber(name));
     for (std::size_t i = 0; i < _faces.size(); ++i)
     {
         const bool isBack = i == 1;
-        _faces[i] = {stateNumber(isBack ? GL_STENCIL_BACK_FUNC : GL_STENCIL_FUNC),
-                     stateNumber(isBack ? GL_STENCIL_BACK_REF : GL_STENCIL_REF),
-                     stateNumber(isBack ? GL_STENCIL_BACK_VALUE_MASK : GL_STENCIL_VALUE_MASK),
-                     stateNumber(isBack ? GL_STENCIL_BACK_WRITEMASK : GL_STENCIL_WRITEMASK),
-                     stateNumber(isBack ? GL_STENCIL_BACK_FAIL : GL_STENCIL_FAIL),
-                     stateNumber(isBack ? GL_STENCIL_BACK_PASS_DEPTH_FAIL : GL_STENCIL_PASS_DEPTH_FAIL),
-                     stateNumber(isBack ? GL_STENCIL_BACK_PASS_DEPTH_PASS : GL_STENCIL_PASS_DEPTH_PASS)};
+        _faces[i] = {glNumber(isBack ? GL_STENCIL_BACK_FUNC : GL_STENCIL_FUNC),
+                     glNumber(isBack ? GL_STENCIL_BACK_REF : GL_STENCIL_REF),
+                     glNumber(isBack ? GL_STENCIL_BACK_VALUE_MASK : GL_STENCIL_VALUE_MASK),
+                     glNumber(isBack ? GL_STENCIL_BACK_WRITEMASK : GL_STENCIL_WRITEMASK),
+                     glNumber(isBack ? GL_STENCIL_BACK_FAIL : GL_STENCIL_FAIL),
+                     glNumber(isBack ? GL_STENCIL_BACK_PASS_DEPTH_FAIL : GL_STENCIL_PASS_DEPTH_FAIL),
+                     glNumber(isBack ? GL_STENCIL_BACK_PASS_DEPTH_PASS : GL_STENCIL_PASS_DEPTH_PASS)};
     }
     glGetFloatv(GL_COLOR_CLEAR_VALUE, _clearColor.data());
     glGetFloatv(GL_BLEND_COLOR, _blendColor.data());
@@ -90,40 +83,40 @@ void ContextState::read()
     glGetFloatv(GL_POLYGON_OFFSET_UNITS, &_polygonOffset[1]);
     glGetIntegerv(GL_VIEWPORT, _viewport.data());
     glGetIntegerv(GL_SCISSOR_BOX, _scissor.data());
-    _blendFunctions = {stateNumber(GL_BLEND_SRC_RGB), stateNumber(GL_BLEND_DST_RGB), stateNumber(GL_BLEND_SRC_ALPHA),
-                       stateNumber(GL_BLEND_DST_ALPHA)};
-    _blendEquations = {stateNumber(GL_BLEND_EQUATION_RGB), stateNumber(GL_BLEND_EQUATION_ALPHA)};
+    _blendFunctions = {glNumber(GL_BLEND_SRC_RGB), glNumber(GL_BLEND_DST_RGB), glNumber(GL_BLEND_SRC_ALPHA),
+                       glNumber(GL_BLEND_DST_ALPHA)};
+    _blendEquations = {glNumber(GL_BLEND_EQUATION_RGB), glNumber(GL_BLEND_EQUATION_ALPHA)};
     glGetBooleanv(GL_COLOR_WRITEMASK, _colorMask.data());
     glGetBooleanv(GL_DEPTH_WRITEMASK, &_depthMask);
     glGetFloatv(GL_DEPTH_CLEAR_VALUE, &_clearDepth);
     glGetFloatv(GL_LINE_WIDTH, &_lineWidth);
     glGetFloatv(GL_POINT_SIZE, &_pointSize);
-    _clearStencil = stateNumber(GL_STENCIL_CLEAR_VALUE);
-    _depthFunction = stateNumber(GL_DEPTH_FUNC);
-    _cullFace = stateNumber(GL_CULL_FACE_MODE);
-    _frontFace = stateNumber(GL_FRONT_FACE);
-    _polygonMode = stateNumber(GL_POLYGON_MODE);
-    _restartIndex = stateNumber(GL_PRIMITIVE_RESTART_INDEX);
-    _provokingVertex = stateNumber(GL_PROVOKING_VERTEX);
-    _logicOp = stateNumber(GL_LOGIC_OP_MODE);
-    _patchVertices = epoxy_gl_version() >= cVersionWithPatches ? stateNumber(GL_PATCH_VERTICES) : 0;
-    _vertexArray = stateNumber(GL_VERTEX_ARRAY_BINDING);
-    _program = stateNumber(GL_CURRENT_PROGRAM);
+    _clearStencil = glNumber(GL_STENCIL_CLEAR_VALUE);
+    _depthFunction = glNumber(GL_DEPTH_FUNC);
+    _cullFace = glNumber(GL_CULL_FACE_MODE);
+    _frontFace = glNumber(GL_FRONT_FACE);
+    _polygonMode = glNumber(GL_POLYGON_MODE);
+    _restartIndex = glNumber(GL_PRIMITIVE_RESTART_INDEX);
+    _provokingVertex = glNumber(GL_PROVOKING_VERTEX);
+    _logicOp = glNumber(GL_LOGIC_OP_MODE);
+    _patchVertices = epoxy_gl_version() >= cVersionWithPatches ? glNumber(GL_PATCH_VERTICES) : 0;
+    _vertexArray = glNumber(GL_VERTEX_ARRAY_BINDING);
+    _program = glNumber(GL_CURRENT_PROGRAM);
     readUnits();
     _isRead = true;
 }
 
 void ContextState::readUnits()
 {
-    _activeTexture = stateNumber(GL_ACTIVE_TEXTURE);
-    _units.assign(static_cast<std::size_t>(std::min(stateNumber(GL_MAX_TEXTURE_IMAGE_UNITS), cMostUnits)), {});
+    _activeTexture = glNumber(GL_ACTIVE_TEXTURE);
+    _units.assign(static_cast<std::size_t>(std::min(glNumber(GL_MAX_TEXTURE_IMAGE_UNITS), cMostUnits)), {});
     GLenum unit = GL_TEXTURE0;
     for (Unit& bound : _units)
     {
         glActiveTexture(unit++);
-        bound = {static_cast<GLuint>(stateNumber(GL_TEXTURE_BINDING_2D)),
-                 static_cast<GLuint>(stateNumber(GL_TEXTURE_BINDING_CUBE_MAP)),
-                 static_cast<GLuint>(stateNumber(GL_TEXTURE_BINDING_BUFFER))};
+        bound = {static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_2D)),
+                 static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_CUBE_MAP)),
+                 static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_BUFFER))};
     }
     glActiveTexture(static_cast<GLenum>(_activeTexture));
 }

@@ -1,6 +1,7 @@
 #include <gui/gl/Framebuffer.h>
 
 #include "../context/FrameReader.h"
+#include "../context/GLNumber.h"
 #include "../context/Restoration.h"
 #include "../context/Samples.h"
 #include "../context/TextureBinding.h"
@@ -54,14 +55,7 @@ GLenum depthFormat(const Framebuffer::Format& format)
     return depthBits > 0 ? GL_DEPTH_COMPONENT16 : 0;
 }
 
-int integer(GLenum name)
-{
-    GLint value = 0;
-    glGetIntegerv(name, &value);
-    return value;
-}
-
-int largestSize() { return std::min(integer(GL_MAX_TEXTURE_SIZE), integer(GL_MAX_RENDERBUFFER_SIZE)); }
+int largestSize() { return std::min(glNumber(GL_MAX_TEXTURE_SIZE), glNumber(GL_MAX_RENDERBUFFER_SIZE)); }
 
 // For the framebuffer that is bound. Without samples GL takes it for a plain one.
 // @param before  its name in a context that was lost, 0 if there was none
@@ -110,7 +104,7 @@ Framebuffer::~Framebuffer() { release(); }
 unsigned int Framebuffer::make(Names& names, const td::Size<int>& size, const Format& format, int nSamples)
 {
     const BoundFramebuffers before;
-    const int renderbufferBefore = integer(GL_RENDERBUFFER_BINDING);
+    const int renderbufferBefore = glNumber(GL_RENDERBUFFER_BINDING);
     unsigned int status = 0;
     const Names old = std::exchange(names, {});
     names.framebuffer = Restoration::makeName(CurrentContext::Kind::Framebuffer, old.framebuffer);
@@ -186,7 +180,7 @@ bool Framebuffer::replace(const td::Size<int>& size, const Format& format)
     Names names = std::exchange(_lost, {});
     const CurrentContext::ID contextID = CurrentContext::getID();
     int nSamples = format.samples;
-    const int mostSamples = std::max(integer(GL_MAX_SAMPLES), 1);
+    const int mostSamples = std::max(glNumber(GL_MAX_SAMPLES), 1);
     while (nSamples > mostSamples)
         nSamples /= 2;
     unsigned int status = make(names, size, format, nSamples);
@@ -249,8 +243,8 @@ bool Framebuffer::begin()
             vo::dbgLog("Error! Framebuffer::begin twice without an end");
         return false;
     }
-    _drawBefore = integer(GL_DRAW_FRAMEBUFFER_BINDING);
-    _readBefore = integer(GL_READ_FRAMEBUFFER_BINDING);
+    _drawBefore = glNumber(GL_DRAW_FRAMEBUFFER_BINDING);
+    _readBefore = glNumber(GL_READ_FRAMEBUFFER_BINDING);
     glGetIntegerv(GL_VIEWPORT, _viewportBefore);
     glBindFramebuffer(GL_FRAMEBUFFER, _names.framebuffer);
     glViewport(0, 0, _size.width, _size.height);

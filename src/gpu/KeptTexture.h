@@ -8,6 +8,9 @@
 namespace gui::gl
 {
 
+/// Makes the image one of these pixels, of 1 to 4 bytes each, whose rows are packed.
+void copyPixels(gui::Texture& image, int width, int height, unsigned int bytesPP, const td::BYTE* pPixels);
+
 /// An image, to be had again: as the bytes of its file, which are fewer than its pixels, or as it is.
 class KeptImage
 {

@@ -1,5 +1,7 @@
 #include <gui/gl/StateGuard.h>
 
+#include "../context/GLNumber.h"
+
 #include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
@@ -13,14 +15,6 @@ namespace
 constexpr std::array<GLenum, 6> cFlags{GL_DEPTH_TEST, GL_STENCIL_TEST, GL_BLEND,
                                        GL_CULL_FACE,  GL_SCISSOR_TEST, GL_POLYGON_OFFSET_FILL};
 
-int integerOf(GLenum name)
-{
-    // Some drivers give two numbers for the polygon mode.
-    std::array<GLint, 2> values{};
-    glGetIntegerv(name, values.data());
-    return values[0];
-}
-
 } // namespace
 
 StateGuard::StateGuard()
@@ -30,18 +24,18 @@ StateGuard::StateGuard()
     glGetFloatv(GL_DEPTH_CLEAR_VALUE, &_clearDepth);
     glGetBooleanv(GL_COLOR_WRITEMASK, _colorMask.data());
     glGetBooleanv(GL_DEPTH_WRITEMASK, &_depthMask);
-    _blendFunctions = {integerOf(GL_BLEND_SRC_RGB), integerOf(GL_BLEND_DST_RGB), integerOf(GL_BLEND_SRC_ALPHA),
-                       integerOf(GL_BLEND_DST_ALPHA)};
-    _blendEquations = {integerOf(GL_BLEND_EQUATION_RGB), integerOf(GL_BLEND_EQUATION_ALPHA)};
+    _blendFunctions = {glNumber(GL_BLEND_SRC_RGB), glNumber(GL_BLEND_DST_RGB), glNumber(GL_BLEND_SRC_ALPHA),
+                       glNumber(GL_BLEND_DST_ALPHA)};
+    _blendEquations = {glNumber(GL_BLEND_EQUATION_RGB), glNumber(GL_BLEND_EQUATION_ALPHA)};
     for (std::size_t i = 0; i < cFlags.size(); ++i)
         _isEnabled[i] = glIsEnabled(cFlags[i]) == GL_TRUE;
-    _drawFramebuffer = integerOf(GL_DRAW_FRAMEBUFFER_BINDING);
-    _readFramebuffer = integerOf(GL_READ_FRAMEBUFFER_BINDING);
-    _depthFunction = integerOf(GL_DEPTH_FUNC);
-    _polygonMode = integerOf(GL_POLYGON_MODE);
-    _vertexArray = integerOf(GL_VERTEX_ARRAY_BINDING);
-    _program = integerOf(GL_CURRENT_PROGRAM);
-    _activeTexture = integerOf(GL_ACTIVE_TEXTURE);
+    _drawFramebuffer = glNumber(GL_DRAW_FRAMEBUFFER_BINDING);
+    _readFramebuffer = glNumber(GL_READ_FRAMEBUFFER_BINDING);
+    _depthFunction = glNumber(GL_DEPTH_FUNC);
+    _polygonMode = glNumber(GL_POLYGON_MODE);
+    _vertexArray = glNumber(GL_VERTEX_ARRAY_BINDING);
+    _program = glNumber(GL_CURRENT_PROGRAM);
+    _activeTexture = glNumber(GL_ACTIVE_TEXTURE);
 }
 
 StateGuard::~StateGuard()

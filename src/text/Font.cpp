@@ -2,6 +2,7 @@
 
 #include "../context/Restoration.h"
 #include "../context/TextureBinding.h"
+#include "../gpu/KeptTexture.h"
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
 
@@ -227,10 +228,7 @@ bool Font::makeTexture(unsigned int width, unsigned int height, const td::BYTE* 
     if (_isKept && _pImage == nullptr)
     {
         _pImage = std::make_unique<gui::Texture>();
-        gui::TextureHelper helper(_pImage.get());
-        helper.reserve(static_cast<unsigned int>(nPixels * bytesPP));
-        helper.updateInfo(static_cast<int>(width), static_cast<int>(height), static_cast<unsigned short>(bytesPP));
-        std::copy_n(pPixels, nPixels * bytesPP, _pImage->getBytes());
+        copyPixels(*_pImage, static_cast<int>(width), static_cast<int>(height), bytesPP, pPixels);
     }
     return true;
 }
@@ -264,8 +262,7 @@ void Font::onBufferContext(ContextResource::Event event)
 {
     if (event == ContextResource::Event::Leaving)
     {
-        _bufferHome.deleteName(CurrentContext::Kind::Buffer, _vbo);
-        _bufferHome.deleteName(CurrentContext::Kind::VertexArray, _vao);
+        deleteBufferNames();
         return;
     }
     if (_committed)
@@ -422,8 +419,14 @@ void Font::release()
 
 void Font::deleteBuffers()
 {
-    _bufferHome.deleteName(CurrentContext::Kind::Buffer, std::exchange(_vbo, 0));
-    _bufferHome.deleteName(CurrentContext::Kind::VertexArray, std::exchange(_vao, 0));
+    deleteBufferNames();
+    _vbo = _vao = 0;
+}
+
+void Font::deleteBufferNames() const
+{
+    _bufferHome.deleteName(CurrentContext::Kind::Buffer, _vbo);
+    _bufferHome.deleteName(CurrentContext::Kind::VertexArray, _vao);
 }
 
 } // namespace gui::gl

@@ -164,19 +164,23 @@ void SkyBox::render(bool disableDepthTest)
 
 void SkyBox::release()
 {
-    _home.deleteName(CurrentContext::Kind::Buffer, _vbo);
-    _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
+    deleteNames();
     _vbo = _vao = 0;
     _committed = false;
     _isRefused = false;
+}
+
+void SkyBox::deleteNames() const
+{
+    _home.deleteName(CurrentContext::Kind::Buffer, _vbo);
+    _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
 }
 
 void SkyBox::onContext(ContextResource::Event event)
 {
     if (event == ContextResource::Event::Leaving)
     {
-        _home.deleteName(CurrentContext::Kind::Buffer, _vbo);
-        _home.deleteName(CurrentContext::Kind::VertexArray, _vao);
+        deleteNames();
         return;
     }
     // The cube map may be the application's, and not have its name again.

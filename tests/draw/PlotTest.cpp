@@ -258,6 +258,12 @@ TEST_F(PlotTest, LiveSeriesAskForFramesAndRestCostsNone)
     EXPECT_TRUE(plot.isChanged());
     draw(plot);
     EXPECT_FALSE(plot.isChanged());
+    // A series that goes takes its own count of changes with it.
+    const Series& passing = plot.add(Series::line({1, 2}));
+    draw(plot);
+    EXPECT_TRUE(plot.axes().remove(passing));
+    EXPECT_TRUE(plot.isChanged());
+    draw(plot);
     EXPECT_NEAR(plot.axes().x().getRange().high, 1999.99, 1e-6);
     EXPECT_NEAR(plot.axes().x().getRange().low, 1989.99, 1e-6);
     EXPECT_GE(series.getFirst(), 200'000U - 70'000 - 65'536);

@@ -45,15 +45,15 @@ double lengthBetween(const PathSegment& segment, double t0, double t1, double wh
 }
 
 /// One coordinate of a segment: its control numbers, or the centre and two axes of an arc.
-struct AxisOfEllipse
+struct Coordinate
 {
     double Point::*coordinate;
     double td::RectNormalized<double>::*low;
     double td::RectNormalized<double>::*high;
 };
 
-constexpr AxisOfEllipse cAxes[] = {{&Point::x, &td::RectNormalized<double>::left, &td::RectNormalized<double>::right},
-                          {&Point::y, &td::RectNormalized<double>::top, &td::RectNormalized<double>::bottom}};
+constexpr Coordinate cAxes[] = {{&Point::x, &td::RectNormalized<double>::left, &td::RectNormalized<double>::right},
+                                {&Point::y, &td::RectNormalized<double>::top, &td::RectNormalized<double>::bottom}};
 
 /// The parameters between 0 and 1 at which one coordinate turns: at most two, of an arc as many as half turns.
 template <typename Turn>
@@ -172,7 +172,7 @@ void PathSegment::widen(td::RectNormalized<double>& rect) const
 {
     if (verb == Verb::MoveTo)
         return;
-    for (const AxisOfEllipse& axis : cAxes)
+    for (const Coordinate& axis : cAxes)
     {
         const auto take = [&rect, &axis](Point p)
         {

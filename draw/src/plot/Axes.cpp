@@ -2,6 +2,7 @@
 
 #include "AxesImpl.h"
 #include "TimeTicks.h"
+#include "Version.h"
 
 #include <td/Assert.h>
 
@@ -9,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace gui::draw
 {
@@ -38,7 +40,7 @@ Series& Axes::add(Series series)
 {
     _pImpl->series.push_back(std::make_unique<Series>(std::move(series)));
     _pImpl->series.back()->_onChange = _pImpl->onChange;
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
     return *_pImpl->series.back();
 }
@@ -47,7 +49,7 @@ HeatMap& Axes::add(HeatMap map)
 {
     _pImpl->maps.push_back(std::make_unique<HeatMap>(std::move(map)));
     _pImpl->maps.back()->_onChange = _pImpl->onChange;
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
     return *_pImpl->maps.back();
 }
@@ -59,7 +61,7 @@ bool Axes::remove(const Series& series)
     if (found == _pImpl->series.end())
         return false;
     _pImpl->series.erase(found);
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
     return true;
 }
@@ -68,7 +70,7 @@ void Axes::clear()
 {
     _pImpl->series.clear();
     _pImpl->maps.clear();
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
 }
 
@@ -90,36 +92,34 @@ const Axis& Axes::right() const { return _pImpl->right.axis; }
 void Axes::setTitle(std::string title)
 {
     _pImpl->title = std::move(title);
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
 }
 
 void Axes::setLegend(Legend legend)
 {
     _pImpl->legend = legend;
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
 }
 
 void Axes::setBare(bool isBare)
 {
     _pImpl->isBare = isBare;
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
 }
 
 void Axes::setMinorGrid(bool hasMinorGrid)
 {
     _pImpl->hasMinorGrid = hasMinorGrid;
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
 }
 
 void Axes::fit()
 {
-    for (Axis* pAxis : {&_pImpl->x.axis, &_pImpl->y.axis, &_pImpl->right.axis})
-        pAxis->release();
-    ++_pImpl->ownVersion;
+    _pImpl->release(Impl::cX | Impl::cY | Impl::cRight);
     _pImpl->onChange();
 }
 
@@ -166,11 +166,11 @@ std::string Axes::format(const Axis& axis, double value) const
 
 std::size_t Axes::Impl::getVersion() const
 {
-    std::size_t version = ownVersion + x.axis.getVersion() + y.axis.getVersion() + right.axis.getVersion();
+    std::size_t version = std::max({ownVersion, x.axis.getVersion(), y.axis.getVersion(), right.axis.getVersion()});
     for (const std::unique_ptr<Series>& pSeries : series)
-        version += pSeries->getVersion();
+        version = std::max(version, pSeries->getVersion());
     for (const std::unique_ptr<HeatMap>& pMap : maps)
-        version += pMap->getVersion();
+        version = std::max(version, pMap->getVersion());
     return version;
 }
 
@@ -231,6 +231,14 @@ unsigned int Axes::Impl::partAt(Point point) const
     if (isAlong && hasRight() && point.x > area.right && point.x <= std::min(frame.right, area.right + cAxisDepth))
         return cRight;
     return 0;
+}
+
+void Axes::Impl::release(unsigned int which)
+{
+    for (const auto& [pAxis, bit] : {std::pair(&x.axis, cX), std::pair(&y.axis, cY), std::pair(&right.axis, cRight)})
+        if ((which & bit) != 0)
+            pAxis->release();
+    ownVersion = nextVersion();
 }
 
 bool Axes::Impl::pan(unsigned int which, double dx, double dy)

@@ -10,6 +10,12 @@
 namespace gui::draw
 {
 
+/// From points to pixels. @param scale  pixels per point
+inline PlotScene::Rect scaled(const Axes::Rect& rect, double scale)
+{
+    return {rect.left * scale, rect.top * scale, rect.right * scale, rect.bottom * scale};
+}
+
 /// What axes draw on.
 struct PlotPaper
 {
@@ -42,7 +48,7 @@ struct Axes::Impl
 
     /// Puts the range of what is there to an axis' state, together with that of others that share it.
     void collect(unsigned int which);
-    /// Takes over what was collected. @return whether a range has changed
+    /// Takes over what was collected.
     void apply(unsigned int which);
 
     /// Draws all of it. @param frame  in points
@@ -73,6 +79,8 @@ struct Axes::Impl
 
     /// What a place in points is on: cX | cY in the area, one of them beside it, 0 elsewhere.
     unsigned int partAt(Point point) const;
+    /// Has them fit what there is again.
+    void release(unsigned int which);
     bool pan(unsigned int which, double dx, double dy);
     bool zoom(unsigned int which, double factor, Point about);
     bool showBox(const Rect& box);

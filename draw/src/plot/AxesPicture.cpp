@@ -143,7 +143,7 @@ void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper)
 void Axes::Impl::drawGrid(const PlotPaper& paper)
 {
     const double scale = paper.scale, width = paper.style.lineWidth * scale;
-    const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    const PlotScene::Rect pixels = scaled(area, scale);
     const auto add = [&](bool isUpright, double place, td::Color color)
     {
         const Hairline at = hairline(place, width);
@@ -206,7 +206,8 @@ void Axes::Impl::drawMaps(const PlotPaper& paper)
         join(mapOfY, extent.top, perY, look.toPlace[1], look.toPlace[3], look.toCell[1], look.toCell[3]);
         const PlotScene::Rect box(mapOfX.toPixel(extent.left), mapOfY.toPixel(extent.top), mapOfX.toPixel(extent.right),
                                   mapOfY.toPixel(extent.bottom));
-        const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+        const PlotScene::Rect pixels = scaled(area, scale);
+        // An edge may be no number, on a logarithmic axis.
         const double left = box.left > pixels.left ? box.left : pixels.left;
         const double top = box.top > pixels.top ? box.top : pixels.top;
         const double inPixel = std::max(columns / (box.right - box.left), rows / (box.bottom - box.top));
@@ -281,7 +282,7 @@ void Axes::Impl::drawSeries(const PlotPaper& paper)
 {
     const double scale = paper.scale;
     SeriesGeometry::View view;
-    view.area = {area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    view.area = scaled(area, scale);
     view.pixelsPerPoint = scale;
     view.x = mapX(scale);
     for (const std::unique_ptr<Series>& pSeries : series)
@@ -296,7 +297,7 @@ void Axes::Impl::drawSeries(const PlotPaper& paper)
 void Axes::Impl::drawFrame(const PlotPaper& paper)
 {
     const double scale = paper.scale, width = paper.style.lineWidth * scale;
-    const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
+    const PlotScene::Rect pixels = scaled(area, scale);
     const Hairline level = hairline(pixels.bottom, width);
     const auto addTicks = [&](const Side& side, bool isUpright, double from, double outwards)
     {
@@ -425,7 +426,7 @@ void Axes::Impl::drawSample(const Series& s, const Rect& box, const PlotPaper& p
     const SeriesStyle& style = s.getStyle();
     const double scale = paper.scale, middle = std::round((box.top + box.bottom) / 2 * scale);
     const td::Color color = colorOf(s, paper.style);
-    const PlotScene::Rect rect{box.left * scale, box.top * scale, box.right * scale, box.bottom * scale};
+    const PlotScene::Rect rect = scaled(box, scale);
     using Kind = Series::Kind;
     const Kind kind = s.getKind();
     const PlotScene::Rect swatch{rect.left, middle - 5 * scale, rect.right, middle + 5 * scale};
@@ -437,11 +438,8 @@ void Axes::Impl::drawSample(const Series& s, const Rect& box, const PlotPaper& p
                             style.fill.value_or(SeriesGeometry::faint(color, 0.28)));
     if (kind == Kind::Line || kind == Kind::Area || kind == Kind::Steps || kind == Kind::Stems)
     {
-        std::vector<double> dashes;
-        for (std::size_t i = 0; i < style.dashes.size() * (1 + style.dashes.size() % 2); ++i)
-            dashes.push_back(style.dashes[i % style.dashes.size()] * scale);
         paper.scene.addLine({{rect.left + scale, middle, rect.right - scale, middle}}, style.width / 2 * scale, color,
-                            dashes);
+                            SeriesGeometry::dashesOf(style, scale));
     }
     if (style.marker != Marker::None)
     {
@@ -517,8 +515,8 @@ void Axes::Impl::draw(const Rect& newFrame, const PlotPaper& paper)
 {
     layOut(newFrame, paper);
     const double scale = paper.scale;
-    const PlotScene::Rect pixels{area.left * scale, area.top * scale, area.right * scale, area.bottom * scale};
-    const PlotScene::Rect everywhere{frame.left * scale, frame.top * scale, frame.right * scale, frame.bottom * scale};
+    const PlotScene::Rect pixels = scaled(area, scale);
+    const PlotScene::Rect everywhere = scaled(frame, scale);
     paper.scene.setClip(pixels);
     if (paper.style.area != paper.style.background)
         paper.scene.addRect(pixels, paper.style.area);

@@ -1,5 +1,7 @@
 #include <gui/draw/Axis.h>
 
+#include "Version.h"
+
 #include <td/Assert.h>
 
 #include <algorithm>
@@ -33,7 +35,7 @@ void Axis::notify() const
 
 void Axis::touch()
 {
-    ++_ownVersion;
+    _ownVersion = nextVersion();
     notify();
 }
 
@@ -44,7 +46,7 @@ void Axis::setScale(Scale scale)
     _pState->scale = std::move(scale);
     if (_pState->scale.kind == Scale::Kind::Logarithmic && !(_pState->range.low > 0))
         _pState->range = {1, 10};
-    ++_pState->version;
+    _pState->version = nextVersion();
     notify();
 }
 
@@ -69,7 +71,7 @@ bool Axis::setPlaces(double low, double high)
     if (range == _pState->range)
         return true;
     _pState->range = range;
-    ++_pState->version;
+    _pState->version = nextVersion();
     return true;
 }
 
@@ -81,7 +83,7 @@ bool Axis::setRange(double low, double high)
     if (!(_pState->range == Ticks::Range{low, high}))
         _pState->range = {low, high};
     if (!_pState->isMoved)
-        ++_pState->version;
+        _pState->version = nextVersion();
     _pState->isMoved = true;
     notify();
     return true;
@@ -93,7 +95,7 @@ void Axis::setFit(Fit fit)
 {
     _pState->fit = fit;
     _pState->isMoved = false;
-    ++_pState->version;
+    _pState->version = nextVersion();
     notify();
 }
 
@@ -115,14 +117,14 @@ void Axis::release()
     if (!_pState->isMoved)
         return;
     _pState->isMoved = false;
-    ++_pState->version;
+    _pState->version = nextVersion();
     notify();
 }
 
 void Axis::link(Axis& other)
 {
     _pState = other._pState;
-    ++_pState->version;
+    _pState->version = nextVersion();
     notify();
 }
 
@@ -176,6 +178,6 @@ bool Axis::zoom(double factor, double share)
     return true;
 }
 
-std::size_t Axis::getVersion() const { return _pState->version + _ownVersion; }
+std::size_t Axis::getVersion() const { return std::max(_pState->version, _ownVersion); }
 
 } // namespace gui::draw

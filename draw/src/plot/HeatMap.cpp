@@ -1,5 +1,7 @@
 #include <gui/draw/HeatMap.h>
 
+#include "Version.h"
+
 #include <gui/draw/Ticks.h>
 
 #include <td/Assert.h>
@@ -46,7 +48,7 @@ void HeatMap::setValues(std::vector<float> values)
     }
     _lowest = low <= high ? static_cast<double>(low) : 0;
     _highest = low < high ? static_cast<double>(high) : _lowest + 1;
-    ++_version;
+    _version = nextVersion();
     if (_onChange)
         _onChange();
 }

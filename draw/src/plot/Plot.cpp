@@ -1,6 +1,7 @@
 #include <gui/draw/Plot.h>
 
 #include "PlotImpl.h"
+#include "Version.h"
 
 #include <gui/gl/Context.h>
 #include <gui/gl/Framebuffer.h>
@@ -83,7 +84,7 @@ void Plot::setRowShares(std::span<const double> shares)
 {
     TD_ASSERT(shares.size() == _pImpl->rows && arePositive(shares));
     _pImpl->rowShares.assign(shares.begin(), shares.end());
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->changed();
 }
 
@@ -91,7 +92,7 @@ void Plot::setColumnShares(std::span<const double> shares)
 {
     TD_ASSERT(shares.size() == _pImpl->columns && arePositive(shares));
     _pImpl->columnShares.assign(shares.begin(), shares.end());
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->changed();
 }
 
@@ -100,7 +101,7 @@ void Plot::setStyle(const PlotStyle& style)
     _pImpl->style = style;
     _pImpl->texts.clear();
     _pImpl->overlayTexts.clear();
-    ++_pImpl->ownVersion;
+    _pImpl->ownVersion = nextVersion();
     _pImpl->changed();
 }
 
@@ -121,7 +122,7 @@ std::size_t Plot::Impl::getVersion() const
 {
     std::size_t version = ownVersion;
     for (const std::unique_ptr<Axes>& pAxes : axes)
-        version += pAxes->_pImpl->getVersion();
+        version = std::max(version, pAxes->_pImpl->getVersion());
     return version;
 }
 

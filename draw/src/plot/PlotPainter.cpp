@@ -143,7 +143,8 @@ private:
     std::array<unsigned int, cMostDashes> _dashes{};
 };
 
-PlotPainter::PlotPainter() = default;
+// What tables hold is in the scene, for a context that is lost as well.
+PlotPainter::PlotPainter() { _table.setKeptForRestore(false); }
 PlotPainter::~PlotPainter() = default;
 
 bool PlotPainter::fail(const char* reason)

@@ -40,6 +40,7 @@ private:
         explicit Kept(gl::BufferTexture::Format format)
             : table(format)
         {
+            table.setKeptForRestore(false);
         }
 
         gl::BufferTexture table;

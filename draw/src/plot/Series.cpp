@@ -1,5 +1,7 @@
 #include <gui/draw/Series.h>
 
+#include "Version.h"
+
 #include <td/Assert.h>
 
 #include <algorithm>
@@ -21,11 +23,19 @@ void widenRange(Samples::Range& range, const Samples::Range& other)
     range.high = std::max(range.high, other.high);
 }
 
+SeriesStyle withMarker(SeriesStyle style)
+{
+    if (style.marker == Marker::None)
+        style.marker = Marker::Circle;
+    return style;
+}
+
 } // namespace
 
 Series::Series(Kind kind, SeriesStyle style)
     : _kind(kind)
     , _style(std::move(style))
+    , _version(nextVersion())
 {
     static std::uint64_t s_nSeries = 0;
     _id = ++s_nSeries;
@@ -35,114 +45,85 @@ Series::~Series() = default;
 Series::Series(Series&& other) noexcept = default;
 Series& Series::operator=(Series&& other) noexcept = default;
 
-Series Series::line(Samples y, SeriesStyle style)
+Series Series::make(Kind kind, Samples y, SeriesStyle style)
 {
-    Series series(Kind::Line, std::move(style));
+    Series series(kind, std::move(style));
     series._columns.push_back(std::move(y));
     return series;
 }
 
-Series Series::line(Samples x, Samples y, SeriesStyle style)
+Series Series::make(Kind kind, Samples x, Samples y, SeriesStyle style)
 {
-    Series series = line(std::move(y), std::move(style));
-    series._x = std::move(x);
-    series._hasX = true;
-    return series;
+    return make(kind, std::move(y), std::move(style)).putX(std::move(x));
 }
 
-Series Series::area(Samples y, SeriesStyle style)
+Series&& Series::putX(Samples x) &&
 {
-    Series series = line(std::move(y), std::move(style));
-    series._kind = Kind::Area;
-    return series;
+    _x = std::move(x);
+    _hasX = true;
+    return std::move(*this);
 }
+
+Series Series::line(Samples y, SeriesStyle style) { return make(Kind::Line, std::move(y), std::move(style)); }
+
+Series Series::line(Samples x, Samples y, SeriesStyle style)
+{
+    return make(Kind::Line, std::move(x), std::move(y), std::move(style));
+}
+
+Series Series::area(Samples y, SeriesStyle style) { return make(Kind::Area, std::move(y), std::move(style)); }
 
 Series Series::area(Samples x, Samples y, SeriesStyle style)
 {
-    Series series = line(std::move(x), std::move(y), std::move(style));
-    series._kind = Kind::Area;
-    return series;
+    return make(Kind::Area, std::move(x), std::move(y), std::move(style));
 }
 
 Series Series::band(Samples low, Samples high, SeriesStyle style)
 {
-    Series series(Kind::Band, std::move(style));
-    series._columns.push_back(std::move(low));
+    Series series = make(Kind::Band, std::move(low), std::move(style));
     series._columns.push_back(std::move(high));
     return series;
 }
 
 Series Series::band(Samples x, Samples low, Samples high, SeriesStyle style)
 {
-    Series series = band(std::move(low), std::move(high), std::move(style));
-    series._x = std::move(x);
-    series._hasX = true;
-    return series;
+    return band(std::move(low), std::move(high), std::move(style)).putX(std::move(x));
 }
 
-Series Series::steps(Samples y, SeriesStyle style)
-{
-    Series series = line(std::move(y), std::move(style));
-    series._kind = Kind::Steps;
-    return series;
-}
+Series Series::steps(Samples y, SeriesStyle style) { return make(Kind::Steps, std::move(y), std::move(style)); }
 
 Series Series::steps(Samples x, Samples y, SeriesStyle style)
 {
-    Series series = line(std::move(x), std::move(y), std::move(style));
-    series._kind = Kind::Steps;
-    return series;
+    return make(Kind::Steps, std::move(x), std::move(y), std::move(style));
 }
 
 Series Series::stems(Samples y, SeriesStyle style)
 {
-    if (style.marker == Marker::None)
-        style.marker = Marker::Circle;
-    Series series = line(std::move(y), std::move(style));
-    series._kind = Kind::Stems;
-    return series;
+    return make(Kind::Stems, std::move(y), withMarker(std::move(style)));
 }
 
 Series Series::stems(Samples x, Samples y, SeriesStyle style)
 {
-    Series series = stems(std::move(y), std::move(style));
-    series._x = std::move(x);
-    series._hasX = true;
-    return series;
+    return make(Kind::Stems, std::move(x), std::move(y), withMarker(std::move(style)));
 }
 
-Series Series::bars(Samples y, SeriesStyle style)
-{
-    Series series = line(std::move(y), std::move(style));
-    series._kind = Kind::Bars;
-    return series;
-}
+Series Series::bars(Samples y, SeriesStyle style) { return make(Kind::Bars, std::move(y), std::move(style)); }
 
 Series Series::bars(Samples x, Samples y, SeriesStyle style)
 {
-    Series series = line(std::move(x), std::move(y), std::move(style));
-    series._kind = Kind::Bars;
-    return series;
+    return make(Kind::Bars, std::move(x), std::move(y), std::move(style));
 }
 
 Series Series::scatter(Samples x, Samples y, SeriesStyle style)
 {
-    if (style.marker == Marker::None)
-        style.marker = Marker::Circle;
-    Series series = line(std::move(x), std::move(y), std::move(style));
-    series._kind = Kind::Scatter;
-    return series;
+    return make(Kind::Scatter, std::move(x), std::move(y), withMarker(std::move(style)));
 }
 
 Series Series::candles(Samples x, Samples open, Samples high, Samples low, Samples close, SeriesStyle style)
 {
-    Series series(Kind::Candles, std::move(style));
-    series._x = std::move(x);
-    series._hasX = true;
-    series._columns.push_back(std::move(open));
-    series._columns.push_back(std::move(high));
-    series._columns.push_back(std::move(low));
-    series._columns.push_back(std::move(close));
+    Series series = make(Kind::Candles, std::move(x), std::move(open), std::move(style));
+    for (Samples* const pColumn : {&high, &low, &close})
+        series._columns.push_back(std::move(*pColumn));
     return series;
 }
 
@@ -190,7 +171,7 @@ Series&& Series::colorBy(Samples values, const ColorMap& map, std::optional<doub
 
 void Series::changed()
 {
-    ++_version;
+    _version = nextVersion();
     if (_onChange)
         _onChange();
 }

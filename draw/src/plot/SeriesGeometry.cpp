@@ -48,6 +48,15 @@ td::Color SeriesGeometry::faint(td::Color color, double share)
     return color;
 }
 
+std::vector<double> SeriesGeometry::dashesOf(const SeriesStyle& style, double scale)
+{
+    std::vector<double> dashes;
+    const std::size_t n = style.dashes.size();
+    for (std::size_t i = 0; i < n * (1 + n % 2); ++i)
+        dashes.push_back(style.dashes[i % n] * scale);
+    return dashes;
+}
+
 SeriesGeometry::Extent SeriesGeometry::extentOf(const Series& series, double low, double high)
 {
     const std::size_t first = series.getFirst(), end = series.size();
@@ -203,7 +212,6 @@ void SeriesGeometry::joinColumns()
 void SeriesGeometry::addLineAndMarkers(const Extent& extent, PlotScene& scene)
 {
     const SeriesStyle& style = _pSeries->getStyle();
-    const bool areDashed = !style.dashes.empty();
     std::vector<double> dashes;
     if (areDense(extent))
     {
@@ -218,9 +226,7 @@ void SeriesGeometry::addLineAndMarkers(const Extent& extent, PlotScene& scene)
         findPlaces(extent);
         readColumn(_pSeries->getColumn(0), extent, false, _ys);
         joinPoints();
-        if (areDashed)
-            for (std::size_t i = 0; i < style.dashes.size() * (1 + style.dashes.size() % 2); ++i)
-                dashes.push_back(style.dashes[i % style.dashes.size()] * _pView->pixelsPerPoint);
+        dashes = dashesOf(style, _pView->pixelsPerPoint);
     }
     scene.addLine(_segments, style.width / 2 * _pView->pixelsPerPoint, _color, dashes, _pSeries->isSorted());
     // Where there is room for them.

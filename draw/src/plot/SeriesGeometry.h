@@ -42,6 +42,8 @@ public:
     static Extent extentOf(const Series& series, double low, double high);
     /// A colour with a part of its opacity.
     static td::Color faint(td::Color color, double share);
+    /// A style's dashes in pixels; an odd number of them twice, as dashes and gaps take turns.
+    static std::vector<double> dashesOf(const SeriesStyle& style, double scale);
 
 private:
     using Segment = PlotScene::Segment;

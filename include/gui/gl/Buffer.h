@@ -194,6 +194,7 @@ private:
     bool isClosed() const { return _state == 1 && isAddOnCommitted(); }
     bool upload();
     void deleteObjects();
+    void deleteNames() const;
     void freeData();
     bool isDataLost() const;
     void sayLoss() const;

@@ -68,6 +68,7 @@ public:
 
 private:
     bool makeNames();
+    void deleteNames() const;
     void makeRoom(std::size_t nTexels, const void* data);
     void onContext(ContextResource::Event event);
 

@@ -235,6 +235,7 @@ private:
     void onBufferContext(ContextResource::Event event);
     void deleteTexture();
     void deleteBuffers();
+    void deleteBufferNames() const;
     void forgetDead();
 
     bool isEmpty() const { return _pTable == nullptr; }

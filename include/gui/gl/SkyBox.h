@@ -86,6 +86,7 @@ public:
 
 private:
     void upload();
+    void deleteNames() const;
     void onContext(ContextResource::Event event);
 
     Prog _prog;

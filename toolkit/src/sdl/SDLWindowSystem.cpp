@@ -50,11 +50,11 @@ private:
 class SDLWindowSystem : public WindowSystem
 {
 public:
-    SDLWindowSystem(std::unique_ptr<Video> pVideo, const char* name)
+    SDLWindowSystem(std::unique_ptr<Video> pVideo, const char* name, const std::vector<float>* pScales)
         : _pVideo(std::move(pVideo))
         , _name(name)
     {
-        const std::vector<DisplayInfo> displays = sdl::getDisplays();
+        const std::vector<DisplayInfo> displays = sdl::getDisplays(pScales);
         _scale = displays.empty() ? 1 : displays.front().scale;
     }
 
@@ -82,8 +82,8 @@ private:
     float _scale = 1;
 };
 
-// @param name  of the window system, and of SDL's driver
-std::unique_ptr<WindowSystem> create(const char* name)
+// @param name  of the window system, and of SDL's driver  @param pScales  see getDisplays
+std::unique_ptr<WindowSystem> create(const char* name, const std::vector<float>* pScales = nullptr)
 {
     auto pVideo = std::make_unique<Video>(name);
     if (!pVideo->isOk())
@@ -91,7 +91,7 @@ std::unique_ptr<WindowSystem> create(const char* name)
         vo::dbgLog("Warning! WindowSystem %s does not start: %s", name, SDL_GetError());
         return nullptr;
     }
-    return std::make_unique<SDLWindowSystem>(std::move(pVideo), name);
+    return std::make_unique<SDLWindowSystem>(std::move(pVideo), name, pScales);
 }
 
 } // namespace
@@ -109,7 +109,7 @@ std::unique_ptr<WindowSystem> createWaylandWindowSystem()
                                                                            : "the compositor has no windows");
         return nullptr;
     }
-    return create("wayland");
+    return create("wayland", &probe->outputScales);
 }
 
 } // namespace gui

@@ -141,7 +141,7 @@ void takeDrop(SDLEventQueue& queue, SDLEvent& event, SDL_DropEvent& drop)
         event.type = Type::Dropped;
         event.windowID = drop.windowID;
         placeDrop(event);
-        queue.endDrop(event);
+        queue.endDrop(std::move(event));
     }
     SDL_free(std::exchange(drop.file, nullptr)); // as with a composition
 }
@@ -198,7 +198,7 @@ void take(SDLEventQueue& queue, SDL_Event& sdlEvent)
         break;
     }
     if (event.type != Type::Other)
-        queue.append(event);
+        queue.append(std::move(event));
 }
 
 int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent)

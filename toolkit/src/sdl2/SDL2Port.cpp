@@ -2,6 +2,7 @@
 
 #include <gui/port/sdl/SDLPort.h>
 
+#include "../sdl/SDLHints.h"
 #include "../sdl/WaylandProbe.h"
 #include "WaylandFrame.h"
 
@@ -10,7 +11,6 @@
 #include <SDL_syswm.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace gui::sdl
 {
@@ -19,13 +19,7 @@ bool start(const char* driver)
 {
     SDL_SetMainReady();
     SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, driver, SDL_HINT_OVERRIDE);
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    // SDL's choices are those of a game; these are a desktop program's.
-    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-    SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
-    SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
-    SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+    giveHints();
     // Compositions come whole, and candidates are the input method's to show.
     SDL_SetHint(SDL_HINT_IME_SUPPORT_EXTENDED_TEXT, "1");
     SDL_SetHint(SDL_HINT_IME_SHOW_UI, "1");
@@ -36,12 +30,6 @@ bool start(const char* driver)
 }
 
 bool loadOpenGL() { return SDL_GL_LoadLibrary(nullptr) == 0; }
-
-bool isOnWayland()
-{
-    const char* const driver = SDL_GetCurrentVideoDriver();
-    return driver != nullptr && std::strcmp(driver, "wayland") == 0;
-}
 
 // The clipboard.
 
@@ -83,11 +71,13 @@ bool hasClipboardText(Clipboard::Kind kind)
 
 // Displays.
 
-std::vector<DisplayInfo> getDisplays()
+std::vector<DisplayInfo> getDisplays(const std::vector<float>* pScales)
 {
     // SDL keeps the outputs in the order in which the compositor names them, and their scales to itself.
     std::vector<float> scales;
-    if (isOnWayland())
+    if (pScales != nullptr)
+        scales = *pScales;
+    else if (isOnWayland())
         if (const std::optional<WaylandProbe> probe = WaylandProbe::ask())
             scales = probe->outputScales;
     std::vector<DisplayInfo> displays;
@@ -165,8 +155,6 @@ void setFullScreen(SDL_Window* pWindow, bool isFullScreen)
 {
     SDL_SetWindowFullscreen(pWindow, isFullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
 }
-
-bool isFullScreen(SDL_Window* pWindow) { return (SDL_GetWindowFlags(pWindow) & SDL_WINDOW_FULLSCREEN) != 0; }
 
 bool isVisible(SDL_Window* pWindow)
 {

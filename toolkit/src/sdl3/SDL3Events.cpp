@@ -7,6 +7,8 @@
 
 #include <X11/Xlib.h>
 
+#include <utility>
+
 namespace gui::sdl
 {
 
@@ -112,7 +114,7 @@ void takeDrop(SDLEventQueue& queue, SDLEvent& event, const SDL_DropEvent& drop)
         event.type = Type::Dropped;
         event.windowID = drop.windowID;
         event.mouse = toPoint(drop.x, drop.y);
-        queue.endDrop(event);
+        queue.endDrop(std::move(event));
         break;
     default:
         break;
@@ -204,7 +206,7 @@ void take(SDLEventQueue& queue, const SDL_Event& sdlEvent)
         break;
     }
     if (event.type != Type::Other)
-        queue.append(event);
+        queue.append(std::move(event));
 }
 
 bool SDLCALL onEvent(void* pQueue, SDL_Event* pEvent)

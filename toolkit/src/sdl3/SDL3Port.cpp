@@ -2,6 +2,8 @@
 
 #include <gui/port/sdl/SDLPort.h>
 
+#include "../sdl/SDLHints.h"
+
 #include <gui/port/sdl/SDL.h>
 
 #include <SDL3/SDL_main.h>
@@ -30,13 +32,7 @@ bool start(const char* driver)
 {
     SDL_SetMainReady();
     SDL_SetHintWithPriority(SDL_HINT_VIDEO_DRIVER, driver, SDL_HINT_OVERRIDE);
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    // SDL's choices are those of a game; these are a desktop program's.
-    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-    SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-    SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
-    SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
-    SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "0");
+    giveHints();
     // A pen is a pointer, and not a finger as well.
     SDL_SetHint(SDL_HINT_PEN_TOUCH_EVENTS, "0");
     // SDL tells a size on X11 before the window has it, and the driver looks at the window.
@@ -45,12 +41,6 @@ bool start(const char* driver)
 }
 
 bool loadOpenGL() { return SDL_GL_LoadLibrary(nullptr); }
-
-bool isOnWayland()
-{
-    const char* const driver = SDL_GetCurrentVideoDriver();
-    return driver != nullptr && std::strcmp(driver, "wayland") == 0;
-}
 
 // The clipboard.
 
@@ -72,7 +62,7 @@ bool hasClipboardText(Clipboard::Kind kind)
 
 // Displays.
 
-std::vector<DisplayInfo> getDisplays()
+std::vector<DisplayInfo> getDisplays(const std::vector<float>*)
 {
     std::vector<DisplayInfo> displays;
     SDL_DisplayID* const pIDs = SDL_GetDisplays(nullptr);
@@ -178,8 +168,6 @@ void setFullScreen(SDL_Window* pWindow, bool isFullScreen)
     if (!isFullScreen)
         SDL_SyncWindow(pWindow);
 }
-
-bool isFullScreen(SDL_Window* pWindow) { return (SDL_GetWindowFlags(pWindow) & SDL_WINDOW_FULLSCREEN) != 0; }
 
 bool isVisible(SDL_Window* pWindow)
 {

@@ -78,7 +78,7 @@ public:
     td::Color getContourColor() const { return _contourColor; }
     double getContourWidth() const { return _contourWidth; } ///< in points
 
-    std::size_t getVersion() const { return _version; } ///< counts changes
+    std::size_t getVersion() const { return _version; } ///< larger than all before after each change
     std::uint64_t getID() const { return _id; }         ///< as Series::getID
 
 private:
@@ -99,7 +99,7 @@ private:
     double _contourWidth = 1;
     bool _isSmooth = false;
     std::string _title;
-    std::size_t _version = 1;
+    std::size_t _version = 0;
     std::uint64_t _id;
     std::function<void()> _onChange;
     mutable std::vector<Contour> _contours;

@@ -67,8 +67,9 @@ public:
     static Series candles(Samples x, Samples open, Samples high, Samples low, Samples close, SeriesStyle style = {});
 
     ~Series();
-    Series(Series&& other) noexcept;            ///< what it was moved from is for nothing but to be destroyed
-    Series& operator=(Series&& other) noexcept; ///< likewise
+    Series(Series&& other) noexcept; ///< what it was moved from is for nothing but to be destroyed
+    /// Likewise. For a series that is in a plot, remove it and add the other: it would not ask for frames any more.
+    Series& operator=(Series&& other) noexcept;
 
     /// Where samples without an x of their own are: the first one, and the distance of each from the one before.
     /// @param step  above 0 (an assertion; nothing changes otherwise)
@@ -127,7 +128,7 @@ public:
     /// Of all that is seen of samples first to end - 1, with base lines and error bars.
     Samples::Range getYRange(std::size_t first, std::size_t end) const;
 
-    /// Counts changes of what is seen.
+    /// Another number, larger than all before, after each change of what is seen.
     std::size_t getVersion() const { return _version; }
     /// A number of its own, which it keeps when it is moved, and which is never given twice.
     std::uint64_t getID() const { return _id; }
@@ -136,6 +137,9 @@ private:
     friend class Axes;
 
     Series(Kind kind, SeriesStyle style);
+    static Series make(Kind kind, Samples y, SeriesStyle style);
+    static Series make(Kind kind, Samples x, Samples y, SeriesStyle style);
+    Series&& putX(Samples x) &&;
     void changed();
 
     Kind _kind;
@@ -151,7 +155,7 @@ private:
     std::optional<ColorMap> _map;
     Samples _colorValues;
     std::optional<double> _colorLow, _colorHigh;
-    std::size_t _version = 1;
+    std::size_t _version;
     std::uint64_t _id;
     std::function<void()> _onChange;
 };

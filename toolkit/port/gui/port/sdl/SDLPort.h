@@ -36,7 +36,8 @@ bool hasClipboardText(Clipboard::Kind kind);
 
 /// What is dropped is told from now on, by all windows.
 GUIGL_API void acceptDrops();
-GUIGL_API std::vector<DisplayInfo> getDisplays();
+/// @param pScales  those of Wayland's outputs, where they are known already: SDL2 has to ask the compositor itself
+GUIGL_API std::vector<DisplayInfo> getDisplays(const std::vector<float>* pScales = nullptr);
 /// Frames per second of the display that the window is on, of the main one for null; 0 when SDL doesn't know.
 double getDisplayRate(SDL_Window* pWindow);
 ColorScheme getColorScheme();
