@@ -1,6 +1,9 @@
 #include <gui/gl/Buffer.h>
 
 #include "../context/Restoration.h"
+#include "ActiveBuffer.h"
+#include "AttributeType.h"
+#include "DynamicBuffer.h"
 
 #include <td/Assert.h>
 #include <vo/Log.h>
@@ -8,7 +11,8 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
-#include <array>
+#include <climits>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -18,19 +22,11 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::array<unsigned char, 12> FloatUnits{1, 1, 1, 2, 3, 4, 1, 2, 3, 4, 9, 16};
-static_assert(FloatUnits.size() == std::size_t(DataType::Mat4) + 1);
-
 constexpr std::size_t cMaxFloats = std::numeric_limits<unsigned char>::max();
-
-unsigned char floatUnits(DataType type) { return FloatUnits[static_cast<std::size_t>(type)]; }
-
-bool isNormalized(DataType type) { return static_cast<int>(type) >= 10 && static_cast<int>(type) <= 13; }
 
 bool areTypesKnown(const std::initializer_list<DataType>& layout)
 {
-    return std::all_of(layout.begin(), layout.end(),
-                       [](DataType type) { return static_cast<std::size_t>(type) < FloatUnits.size(); });
+    return std::all_of(layout.begin(), layout.end(), [](DataType type) { return AttributeType::of(type).nFloats > 0; });
 }
 
 // In 16 bits it would wrap for layouts of thousands of positions, and be accepted.
@@ -38,7 +34,7 @@ std::size_t sumOfFloats(const std::initializer_list<DataType>& layout)
 {
     std::size_t nFloats = 0;
     for (const DataType type : layout)
-        nFloats += floatUnits(type);
+        nFloats += AttributeType::of(type).nFloats;
     return nFloats;
 }
 
@@ -58,23 +54,16 @@ void uploadTo(GLenum target, GLuint id, const void* pData, std::size_t nBytes)
     glBufferData(target, static_cast<GLsizeiptr>(nBytes), pData, GL_STATIC_DRAW);
 }
 
-// One attribute of the bound array buffer. @return the offset of the next
-std::size_t enableAttribute(GLuint location, DataType type, GLsizei recLenInBytes, std::size_t offset)
+// Where point i starts among the floats, point 0 at first; past every end if there can be no such point.
+std::size_t floatOfPoint(std::size_t i, std::size_t first)
 {
-    const unsigned char units = floatUnits(type);
-    glEnableVertexAttribArray(location);
-    glVertexAttribPointer(location, units, GL_FLOAT, isNormalized(type) ? GL_TRUE : GL_FALSE, recLenInBytes,
-                          reinterpret_cast<const void*>(offset));
-    return offset + units * sizeof(VertexType);
-}
-
-// Where point i starts among the floats; past every end if there can be no such point.
-std::size_t floatOfPoint(std::size_t i)
-{
-    return i < std::numeric_limits<std::size_t>::max() / 2 ? 2 * i : std::numeric_limits<std::size_t>::max() - 1;
+    constexpr std::size_t cMax = std::numeric_limits<std::size_t>::max();
+    return i < (cMax - first) / 2 ? first + 2 * i : cMax - 1;
 }
 
 } // namespace
+
+Buffer::Buffer() = default;
 
 Buffer::Buffer(const std::initializer_list<DataType>& layout) { init(0, 0, 0, layout); }
 
@@ -92,12 +81,14 @@ bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nInd
     const std::size_t vertexFloatUnits = sumOfFloats(layout);
     TD_ASSERT(vertexFloatUnits <= 255, false);
 
+    if (_pDynamic)
+        beginAnew();
     if (nCommands != 0)
         _commandList.reserve(nCommands);
     copyTo(_vertexLayout, layout);
     _nVertexFloats = static_cast<unsigned char>(vertexFloatUnits);
     _vertexRecLenInBytes = static_cast<unsigned short>(vertexFloatUnits * sizeof(VertexType));
-    _vertexData.reserve(vertexFloatUnits * nVertices);
+    _vertexData.reserve(vertexFloatUnits * getRoom(nVertices));
     if (nIndices != 0)
         _indices.reserve(nIndices);
     return true;
@@ -139,7 +130,7 @@ bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nInd
 
 bool Buffer::isAddOnCommitted() const
 {
-    if (!isCommitted())
+    if (_pDynamic || !isCommitted())
         return false;
     vo::dbgLog("ERROR! Buffer::append vertices on committed buffer! Call reset first!");
     TD_ASSERT(false, true);
@@ -152,6 +143,8 @@ void Buffer::appendVertexUnits(const float* data, std::size_t nVertexFloats)
         return;
     TD_ASSERT(_vertexRecLenInBytes > 0);
     TD_ASSERT(((nVertexFloats * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
+    if (_isRing)
+        makeRoomInRing(nVertexFloats);
     _vertexData.push_back(data, nVertexFloats);
 }
 
@@ -161,6 +154,8 @@ void Buffer::appendVertex(const td::Point<float>& pt)
         return;
     TD_ASSERT(_vertexRecLenInBytes > 0);
     TD_ASSERT(((2 * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
+    if (_isRing)
+        makeRoomInRing(2);
     _vertexData.push_back(pt.x);
     _vertexData.push_back(pt.y);
 }
@@ -190,17 +185,19 @@ void Buffer::updateVertex(std::size_t i, const td::Point<float>& pt)
 {
     if (isAddOnCommitted())
         return;
-    const std::size_t pos = floatOfPoint(i);
+    const std::size_t pos = floatOfPoint(i, getFirstFloat());
     float& y = _vertexData.at(pos + 1);
     _vertexData.at(pos) = pt.x;
     y = pt.y;
+    if (_pDynamic)
+        notePointChanged(pos);
 }
 
 void Buffer::getVertex(std::size_t i, td::Point<float>& pt) const
 {
     if (isAddOnCommitted())
         return;
-    const std::size_t pos = floatOfPoint(i);
+    const std::size_t pos = floatOfPoint(i, getFirstFloat());
     pt.y = _vertexData.at(pos + 1);
     pt.x = _vertexData.at(pos);
 }
@@ -209,9 +206,11 @@ void Buffer::insertVertex(std::size_t i, const td::Point<float>& pt)
 {
     if (isAddOnCommitted())
         return;
-    const std::size_t pos = floatOfPoint(i);
+    const std::size_t pos = floatOfPoint(i, getFirstFloat());
     const float x = pt.x;
     const float y = pt.y;
+    if (_pDynamic)
+        notePointInserted(pos);
     _vertexData.insert(pos, x);
     _vertexData.insert(pos + 1, y);
 }
@@ -220,7 +219,7 @@ std::size_t Buffer::getNoOfVertices() const
 {
     const std::size_t nRecLen = _vertexRecLenInBytes;
     TD_ASSERT(nRecLen > 0, 0);
-    const std::size_t nVBOBytes = _vertexData.size() * sizeof(VertexType);
+    const std::size_t nVBOBytes = (_vertexData.size() - getFirstFloat()) * sizeof(VertexType);
     TD_ASSERT((nVBOBytes % nRecLen) == 0, 0);
     return nVBOBytes / nRecLen;
 }
@@ -228,7 +227,7 @@ std::size_t Buffer::getNoOfVertices() const
 bool Buffer::commit()
 {
     if (isCommitted())
-        return true;
+        return !_pDynamic || commitChanges();
     if (isDataLost() || !CurrentContext::isThere("Buffer::commit"))
         return false;
     // What a commit that failed left: there is nothing more to do until the reset.
@@ -257,6 +256,15 @@ bool Buffer::upload()
         return false;
     }
     glBindVertexArray(_vao);
+    if (_pDynamic)
+    {
+        if (!uploadDynamic(oldVBO, oldEBO, oldIBO))
+            return false;
+        _state = 1;
+        glBindBuffer(GL_ARRAY_BUFFER, 0);
+        glBindVertexArray(0);
+        return true;
+    }
     _vbo = generateBuffer(oldVBO);
     if (_vbo == 0)
     {
@@ -267,7 +275,7 @@ bool Buffer::upload()
     GLuint location = 0;
     std::size_t offset = 0;
     for (const DataType type : _vertexLayout)
-        offset = enableAttribute(location++, type, _vertexRecLenInBytes, offset);
+        offset = AttributeType::enable(location++, type, _vertexRecLenInBytes, offset);
 
     if (_indices.size() > 0)
     {
@@ -292,18 +300,39 @@ bool Buffer::upload()
             return false;
         }
         uploadTo(GL_ARRAY_BUFFER, _ibo, _instanceData.begin(), _instanceData.size() * sizeof(VertexType));
-        offset = 0;
-        for (std::size_t j = 0; j < _instanceLayout.size(); ++j, ++location)
-        {
-            offset = enableAttribute(location, _instanceLayout[j], _instanceRecLenInBytes, offset);
-            glVertexAttribDivisor(location, _divisors.size() != 0 ? _divisors[j] : 1);
-        }
+        enableInstances(location, 0);
     }
+    noteCounts();
 
     _state = 1;
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindVertexArray(0);
     return true;
+}
+
+// The instances' attributes, in the bound array buffer.
+void Buffer::enableInstances(unsigned int location, std::size_t offset) const
+{
+    for (std::size_t j = 0; j < _instanceLayout.size(); ++j, ++location)
+    {
+        offset = AttributeType::enable(location, _instanceLayout[j], _instanceRecLenInBytes, offset);
+        glVertexAttribDivisor(location, _divisors.size() != 0 ? _divisors[j] : 1);
+    }
+}
+
+// What GL has of each now, for commands that draw all of it.
+void Buffer::noteCounts() const
+{
+    const auto fit = [](std::size_t n) { return static_cast<unsigned int>(std::min<std::size_t>(n, INT_MAX)); };
+    const std::size_t nVertices = _nVertexFloats != 0 ? (_vertexData.size() - getFirstFloat()) / _nVertexFloats : 0;
+    _inGL = {.nVertices = fit(nVertices), .nIndices = fit(_indices.size())};
+    if (_instanceLayout.size() == 0)
+        return;
+    // The first attribute that ends says when all of them do.
+    std::size_t nEach = _divisors.size() == 0 ? 1 : SIZE_MAX;
+    for (const unsigned short divisor : _divisors)
+        nEach = std::min<std::size_t>(nEach, std::max<std::size_t>(divisor, 1));
+    _inGL.nInstances = fit(_instanceData.size() / std::max<std::size_t>(_nInstanceFloats, 1) * nEach);
 }
 
 void Buffer::deleteObjects()
@@ -321,6 +350,11 @@ void Buffer::deleteNames() const
 
 void Buffer::setKeptForRestore(bool isKept)
 {
+    if (_pDynamic && !isKept)
+    {
+        vo::dbgLog("Warning! Buffer::setKeptForRestore(false) on a dynamic buffer, which keeps its data all the same");
+        return;
+    }
     _isKept = isKept;
     if (!isKept && isCommitted())
         freeData();
@@ -384,10 +418,24 @@ void Buffer::activate() const
     }
     TD_ASSERT(_vao > 0);
     TD_ASSERT(_home.isAlive());
-    glBindVertexArray(_vao);
+    if (_pDynamic && _state == 1 && _home.getID() == CurrentContext::getID())
+        activateDynamic();
+    else
+        glBindVertexArray(_vao);
+    const bool isNarrow = _pDynamic && _pDynamic->isNarrow;
+    s_activeBuffer = {.indexType = isNarrow ? GLenum(GL_UNSIGNED_SHORT) : GLenum(GL_UNSIGNED_INT),
+                      .indexShift = isNarrow ? 1U : 2U,
+                      .nVertices = _inGL.nVertices,
+                      .nIndices = _inGL.nIndices,
+                      .isIndexed = _ebo != 0,
+                      .nInstances = _inGL.nInstances};
 }
 
-void Buffer::deActivate() const { glBindVertexArray(0); }
+void Buffer::deActivate() const
+{
+    glBindVertexArray(0);
+    s_activeBuffer = {};
+}
 
 void Buffer::reserveCommands(std::size_t n) { _commandList.reserve(n); }
 
@@ -403,6 +451,8 @@ void Buffer::reset()
     _vertexData.reset();
     _indices.reset();
     _instanceData.reset();
+    if (_pDynamic)
+        beginAnew();
     _state = 2;
     _isFreed = _isLost = _isLossSaid = false;
 }

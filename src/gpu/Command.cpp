@@ -115,6 +115,13 @@ void Command::createDrawElementPatches(std::size_t first, unsigned int nIndices,
     _drawData._nPatchVertices = verticesPerPatch;
 }
 
+void Command::createDrawAll(Primitive primitive, std::size_t first)
+{
+    TD_ASSERT(_type == (td::BYTE) Type::None);
+    TD_ASSERT(first <= INT_MAX);
+    createDraw(Type::DrawAll, primitive, first, 0);
+}
+
 void Command::createMVPSetter(const glm::mat4* pMatrix, _additinalUniform* pUniforms, unsigned char n)
 {
     TD_ASSERT(_type == (td::BYTE) Type::None);
@@ -179,7 +186,8 @@ void Command::setColor(td::Color color, unsigned char alpha)
             TD_ASSERT(false);
         TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::None || _drawSubType == (td::BYTE) DrawSubType::DrawWithClr4);
         // The other kinds keep their instance count, point size or patch size in the word that the colour would take.
-        TD_ASSERT(_type == (td::BYTE) Type::DrawArrays || _type == (td::BYTE) Type::DrawElements);
+        if (getType() != Type::DrawAll)
+            TD_ASSERT(_type == (td::BYTE) Type::DrawArrays || _type == (td::BYTE) Type::DrawElements);
     }
     else
         TD_ASSERT(_drawSubType == (td::BYTE) DrawSubType::DrawWithClr4);

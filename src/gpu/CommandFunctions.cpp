@@ -1,5 +1,6 @@
 #include <gui/gl/Command.h>
 
+#include "ActiveBuffer.h"
 #include "CommandCounter.h"
 #include "CountedGL.h"
 #include "ProgHelper.h"
@@ -30,7 +31,13 @@ namespace
 {
 
 // What was sent in one context is not there in another.
-[[maybe_unused]] const bool s_isListening = (CurrentContext::onChange([] { setCurrentProgram(nullptr); }), true);
+[[maybe_unused]] const bool s_isListening = (CurrentContext::onChange(
+                                                 []
+                                                 {
+                                                     setCurrentProgram(nullptr);
+                                                     s_activeBuffer = {};
+                                                 }),
+                                             true);
 
 // By Primitive.
 constexpr std::array<GLenum, 8> cModes{GL_POINTS,    GL_LINES,        GL_LINE_STRIP,     GL_LINE_LOOP,
@@ -49,7 +56,7 @@ constexpr std::array<float, 256> cChannelValues = makeChannels();
 
 const void* indexOffset(unsigned int first)
 {
-    return reinterpret_cast<const void*>(static_cast<std::size_t>(first) * sizeof(GLuint));
+    return reinterpret_cast<const void*>(static_cast<std::size_t>(first) << s_activeBuffer.indexShift);
 }
 
 bool sendColor3(td::Color color)
@@ -105,7 +112,7 @@ struct Command::Functions
     static bool drawElements(const Command* c) { return drawElements(c, mode(c)); }
     static bool drawElements(const Command* c, GLenum mode)
     {
-        glDrawElements(mode, static_cast<GLsizei>(c->_drawData._count), GL_UNSIGNED_INT,
+        glDrawElements(mode, static_cast<GLsizei>(c->_drawData._count), s_activeBuffer.indexType,
                        indexOffset(c->_drawData._first));
         return true;
     }
@@ -119,7 +126,7 @@ struct Command::Functions
     }
     static bool drawElementsInstanced(const Command* c)
     {
-        glDrawElementsInstanced(mode(c), static_cast<GLsizei>(c->_drawData._count), GL_UNSIGNED_INT,
+        glDrawElementsInstanced(mode(c), static_cast<GLsizei>(c->_drawData._count), s_activeBuffer.indexType,
                                 indexOffset(c->_drawData._first), static_cast<GLsizei>(c->_drawData._nInstances));
         return true;
     }
@@ -143,6 +150,27 @@ struct Command::Functions
     {
         glPatchParameteri(GL_PATCH_VERTICES, c->_drawData._nPatchVertices);
         return drawElements(c, GL_PATCHES);
+    }
+
+    static bool drawAll(const Command* c)
+    {
+        const ActiveBuffer& buffer = s_activeBuffer;
+        const bool isIndexed = buffer.isIndexed != 0;
+        const unsigned int nAll = isIndexed ? buffer.nIndices : buffer.nVertices, first = c->_drawData._first;
+        if (first >= nAll || buffer.nInstances == 0)
+            return true;
+        const bool isInstanced = buffer.nInstances != ActiveBuffer::cNotInstanced;
+        const auto n = static_cast<GLsizei>(nAll - first), nInstances = static_cast<GLsizei>(buffer.nInstances);
+        const auto begin = static_cast<GLint>(first);
+        if (isIndexed && isInstanced)
+            glDrawElementsInstanced(mode(c), n, buffer.indexType, indexOffset(first), nInstances);
+        else if (isIndexed)
+            glDrawElements(mode(c), n, buffer.indexType, indexOffset(first));
+        else if (isInstanced)
+            glDrawArraysInstanced(mode(c), begin, n, nInstances);
+        else
+            glDrawArrays(mode(c), begin, n);
+        return true;
     }
 
     static bool s_setUniformMatrix(const Command* c)
@@ -203,7 +231,8 @@ struct Command::Functions
                                       cRow<drawElementPointsWithSize>,
                                       cRow<drawArraysPatchesWithSize>,
                                       cRow<drawElementPatchesWithSize>,
-                                      cRow<s_setUniformMatrix>};
+                                      cRow<s_setUniformMatrix>,
+                                      cRow<drawAll>};
 
     // A primitive that is none cannot be encoded.
     static const Row* encodeDrawArrays(td::BYTE primitive)
@@ -229,6 +258,13 @@ struct Command::Functions
         if (primitive >= cModes.size())
             TD_ASSERT(false, nullptr);
         return &cRow<drawElementsInstanced>;
+    }
+
+    static const Row* encodeDrawAll(td::BYTE primitive)
+    {
+        if (primitive >= cModes.size())
+            TD_ASSERT(false, nullptr);
+        return &cRow<drawAll>;
     }
 
     static Function choose(const Row& row, const Command& command)
@@ -278,6 +314,9 @@ bool Command::encode()
         break;
     case Type::DrawElementPatches:
         pRow = &Functions::cRow<Functions::drawElementPatchesWithSize>;
+        break;
+    case Type::DrawAll:
+        pRow = Functions::encodeDrawAll(_drawData._primitive);
         break;
     case Type::MVPSetter:
         pRow = &Functions::cRow<Functions::s_setUniformMatrix>;

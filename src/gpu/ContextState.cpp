@@ -2,6 +2,7 @@
 
 #include "../context/GLNumber.h"
 #include "../context/Restoration.h"
+#include "ActiveBuffer.h"
 #include "ProgHelper.h"
 
 #include <epoxy/gl.h>
@@ -52,7 +53,11 @@ GLuint renamed(CurrentContext::Kind kind, GLuint name) { return Restoration::get
 
 } // namespace
 
-void ContextState::keepProgram() { s_pProgramBefore = s_pCurrentProgram; }
+void ContextState::keepProgram()
+{
+    s_pProgramBefore = s_pCurrentProgram;
+    s_activeBufferBefore = s_activeBuffer;
+}
 
 void ContextState::read()
 {
@@ -182,6 +187,7 @@ void ContextState::apply() const
         glPatchParameteri(GL_PATCH_VERTICES, _patchVertices);
     applyUnits();
     glBindVertexArray(renamed(CurrentContext::Kind::VertexArray, _vertexArray));
+    s_activeBuffer = std::exchange(s_activeBufferBefore, {});
     setCurrentProgram(std::exchange(s_pProgramBefore, nullptr));
     glUseProgram(renamed(CurrentContext::Kind::Program, _program));
 }

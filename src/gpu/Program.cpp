@@ -1,6 +1,7 @@
 #include <gui/gl/Program.h>
 
 #include "../context/Restoration.h"
+#include "ActiveBuffer.h"
 #include "ProgHelper.h"
 #include "ShaderLog.h"
 
@@ -429,6 +430,7 @@ void Program::activate() const
 void Program::deActivate() const
 {
     glBindVertexArray(0);
+    s_activeBuffer = {};
     useNone();
 }
 
@@ -478,7 +480,7 @@ bool Program::prepare(Buffer& buffer)
         _hasSaidNotLinked = true;
         return false;
     }
-    if (!buffer.isCommitted())
+    if (!buffer.isCommitted() || buffer.isDynamic())
         buffer.getCommandList().encode(); // one that can't be says so when it is executed
     if (!buffer.commit() || !buffer.isCommitted())
         return false;

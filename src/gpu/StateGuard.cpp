@@ -1,10 +1,13 @@
 #include <gui/gl/StateGuard.h>
 
 #include "../context/GLNumber.h"
+#include "ActiveBuffer.h"
 
 #include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
+
+#include <bit>
 
 namespace gui::gl
 {
@@ -35,6 +38,7 @@ StateGuard::StateGuard()
     _polygonMode = glNumber(GL_POLYGON_MODE);
     _vertexArray = glNumber(GL_VERTEX_ARRAY_BINDING);
     _program = glNumber(GL_CURRENT_PROGRAM);
+    _activeBuffer = std::bit_cast<decltype(_activeBuffer)>(s_activeBuffer);
     _activeTexture = glNumber(GL_ACTIVE_TEXTURE);
 }
 
@@ -57,6 +61,7 @@ StateGuard::~StateGuard()
     setCurrentProgram(nullptr);
     glUseProgram(static_cast<GLuint>(_program));
     glBindVertexArray(static_cast<GLuint>(_vertexArray));
+    s_activeBuffer = std::bit_cast<ActiveBuffer>(_activeBuffer);
     glActiveTexture(static_cast<GLenum>(_activeTexture));
 }
 

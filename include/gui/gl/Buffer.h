@@ -12,11 +12,17 @@
 #include <td/Export.h>
 #include <td/Point.h>
 
+#include <climits>
 #include <cstddef>
+#include <cstring>
 #include <initializer_list>
+#include <memory>
+#include <type_traits>
 
 namespace gui::gl
 {
+
+struct DynamicBuffer;
 
 /// Vertices, indices and instances collected in memory and uploaded at once: init, append, commit; then activate and
 /// draw. Beside them it keeps the list of commands that draw them.
@@ -24,12 +30,15 @@ namespace gui::gl
 /// Committed data stays in memory but is closed: appending, inserting, changing and reading a point writes "ERROR!
 /// Buffer::append vertices on committed buffer! Call reset first!" and asserts, until reset() opens the buffer for new
 /// data. When the context is lost and another takes its place (see View), what was committed is uploaded again, from
-/// that memory; a program that is short of it declines by setKeptForRestore. Not copyable. commit, activate and
+/// that memory; a program that is short of it declines by setKeptForRestore. A buffer whose data changes all the time
+/// is made so by setDynamic or setRing, and is never closed. Not copyable. commit, activate and
 /// deActivate need the view's context current. GUI thread only.
 class GUIGL_API Buffer
 {
 public:
-    Buffer() = default;
+    class Appender;
+
+    Buffer();
     /// With a layout, as init sets it: Buffer triangles{DataType::Vec2, DataType::Vec4};
     Buffer(const std::initializer_list<DataType>& layout);
     ~Buffer();
@@ -55,12 +64,41 @@ public:
               const std::initializer_list<DataType>& layout, const std::initializer_list<DataType>& instanceLayout,
               const std::initializer_list<unsigned short>& divisors);
 
+    /// For data that changes after the commit: everything may be appended, changed and removed at any time, and what
+    /// was is sent to GL when the buffer is drawn next (by Program::draw, activate or commit): that, once, and nothing
+    /// else, without waiting for frames that are still being drawn. GL copies by itself what only moves. Without a
+    /// call here a buffer is closed by its commit.
+    ///
+    ///     Buffer track{DataType::Vec2};
+    ///     track.setDynamic();
+    ///     track.createCommand()->createDrawAll(Primitive::LineStrip);
+    ///     // and in every frame
+    ///     track.appendVertices(arrived.data(), arrived.size());
+    ///     program.draw(track);
+    ///
+    /// A recorded command goes on drawing the vertices or indices that it names, counted from the first that there is:
+    /// after something was removed before them, those are others; when some of them are there no more, what is drawn
+    /// is undefined. Command::createDrawAll draws all there is. Indices are as they were appended, whatever happens to
+    /// the vertices. They take 16 bits each in GL, as long as all are below 65,535; commands know which it is.
+    /// The data stays in memory (setKeptForRestore(false) is refused by a log line), and survives its context.
+    /// Before the first data: later is a programming error ("isEmpty()") and changes nothing.
+    void setDynamic();
+
+    /// The same for the newest nVertices alone: as many stay, and older ones go when others arrive. Vertex 0 is the
+    /// oldest that is there. Appended vertices must not be the buffer's own. Memory and GL have room for two to three
+    /// times as many, so that the oldest go without a copy, and no vertex is sent twice.
+    /// @param nVertices  above 0 ("nVertices > 0")
+    void setRing(std::size_t nVertices);
+    bool isDynamic() const { return _pDynamic != nullptr; }
+
     /// @param data  nVertices times the floats of a vertex, one vertex after the other. The layout must be set.
     void appendVertices(const float* data, std::size_t nVertices)
     {
         if (isClosed())
             return;
         TD_ASSERT(_vertexRecLenInBytes > 0);
+        if (_isRing) [[unlikely]]
+            makeRoomInRing(nVertices * (_vertexRecLenInBytes / sizeof(float)));
         // From the 8 bits of _nVertexFloats, compilers conclude that few floats are copied, and choose a slow way.
         _vertexData.push_back(data, nVertices * (_vertexRecLenInBytes / sizeof(float)));
     }
@@ -81,6 +119,16 @@ public:
     }
     /// For layouts of 2 floats, or of 1 (an assertion).
     void appendVertex(const td::Point<float>& pt);
+
+    /// Vertices as structures, for layouts with packed types (see DataType) and without.
+    /// @param records  nVertices of the layout's size (an assertion)
+    template <typename Record>
+    void appendRecords(const Record* records, std::size_t nVertices)
+    {
+        static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
+        TD_ASSERT(sizeof(Record) == _vertexRecLenInBytes);
+        appendVertices(reinterpret_cast<const float*>(records), nVertices);
+    }
 
     /// @param data  nInstances times the floats of an instance. Needs the instanced init with room for at least one.
     void appendInstances(const float* data, std::size_t nInstances);
@@ -143,6 +191,17 @@ public:
     /// Moves vertices from i up by one place; at or past the end it appends.
     void insertVertex(std::size_t i, const td::Point<float>& pt);
 
+    /// Other values for n vertices, instances or indices from the first on, all of which must be there ("isRange(first,
+    /// n, count)"). Refused on a committed buffer, as appending, unless it is dynamic.
+    /// @param data  n times the floats of a vertex, or of an instance
+    void updateVertices(std::size_t first, const float* data, std::size_t n);
+    void updateInstances(std::size_t first, const float* data, std::size_t n);
+    void updateIndices(std::size_t first, const unsigned int* indices, std::size_t n);
+    /// Those behind n from the first on take their places. The same conditions.
+    void removeVertices(std::size_t first, std::size_t n);
+    void removeInstances(std::size_t first, std::size_t n);
+    void removeIndices(std::size_t first, std::size_t n);
+
     /// 0 without a layout (an assertion).
     std::size_t getNoOfVertices() const;
     std::size_t getNoOfIndices() const { return _indices.size(); }
@@ -151,20 +210,28 @@ public:
     /// Bytes from one vertex, or instance, to the next.
     unsigned short getVertexStride() const { return _vertexRecLenInBytes; }
     unsigned short getInstanceStride() const { return _instanceRecLenInBytes; }
-    const cnt::PushBackVector<float, 0>& getVertices() const { return _vertexData; }
+    /// Their floats. Of a dynamic buffer a reference is good until the next change; the call takes time by the number
+    /// of vertices after some were removed at the beginning, or left a ring.
+    const cnt::PushBackVector<float, 0>& getVertices() const
+    {
+        if (_pDynamic) [[unlikely]]
+            moveToFront();
+        return _vertexData;
+    }
     /// False when data may be appended; see the class for what it does on a committed buffer, where the answer is true.
     bool isAddOnCommitted() const;
     /// True from commit to reset or release, and to the end of the context that it was committed in.
     bool isCommitted() const { return _state == 1 && _home.isAlive(); }
 
-    /// Uploads what was appended. Does nothing on a committed buffer; one whose context has died is uploaded anew.
+    /// Uploads what was appended. Does nothing on a committed buffer, but for what has changed in a dynamic one since;
+    /// one whose context has died is uploaded anew.
     /// @return false when GL has no object to give, after "ERROR! Buffer::commit cannot create VAO!" (or VBO, EBO,
     ///         IBO). Objects made so far are kept. Once there is a VAO, further calls do nothing and answer true,
     ///         though isCommitted stays false and Program::draw draws nothing: reset the buffer and fill it again to
     ///         start over
     bool commit();
 
-    /// Binds the vertex array. Commit first (an assertion).
+    /// Binds the vertex array. Commit first (an assertion). Of a dynamic buffer it uploads what has changed.
     void activate() const;
     /// Binds no vertex array.
     void deActivate() const;
@@ -192,6 +259,24 @@ public:
 private:
     // Appending is inline: a call takes as long as copying a few vertices.
     bool isClosed() const { return _state == 1 && isAddOnCommitted(); }
+    bool isEmpty() const;
+    // Of dynamic buffers.
+    void beginAnew();
+    std::size_t getRoom(std::size_t nVertices) const;
+    std::size_t getFirstFloat() const { return _pDynamic ? findFirstFloat() : 0; }
+    std::size_t findFirstFloat() const;
+    void makeRoomInRing(std::size_t nFloats);
+    void moveToFront() const;
+    void noteAppended() const;
+    void notePointChanged(std::size_t pos);
+    void notePointInserted(std::size_t pos);
+    bool uploadDynamic(unsigned int oldVBO, unsigned int oldEBO, unsigned int oldIBO) const;
+    bool uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned int oldIBO) const;
+    void layOut() const;
+    bool commitChanges() const;
+    void activateDynamic() const;
+    void enableInstances(unsigned int location, std::size_t offset) const;
+    void noteCounts() const;
     bool upload();
     void deleteObjects();
     void deleteNames() const;
@@ -201,27 +286,87 @@ private:
     void onContext(ContextResource::Event event);
 
     CommandList _commandList;
-    cnt::PushBackVector<float, 0> _vertexData;
+    // Before its first vertex a dynamic buffer has those that are gone, until they are moved out of the way.
+    mutable cnt::PushBackVector<float, 0> _vertexData;
     cnt::PushBackVector<float, 0> _instanceData;
     cnt::PushBackVector<unsigned int, 0> _indices;
     cnt::SafeFullVector<DataType, false> _vertexLayout;
     cnt::SafeFullVector<DataType, false> _instanceLayout;
     cnt::SafeFullVector<unsigned short, false> _divisors;
     unsigned int _vao = 0;
-    unsigned int _vbo = 0;
-    unsigned int _ibo = 0; // instances
-    unsigned int _ebo = 0; // indices
+    // Where data changes, drawing brings it up to date, and larger buffers take these ones' places.
+    mutable unsigned int _vbo = 0;
+    mutable unsigned int _ibo = 0; // instances
+    mutable unsigned int _ebo = 0; // indices
     unsigned short _vertexRecLenInBytes = 0;
     unsigned short _instanceRecLenInBytes = 0;
     unsigned char _nVertexFloats = 0;
     unsigned char _nInstanceFloats = 0;
     unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
+    bool _isRing = false;
     bool _isKept = true;
     bool _isFreed = false;            // of what was committed
     bool _isLost = false;             // with its context, and nothing was kept
     mutable bool _isLossSaid = false; // in the log
+    struct InGL
+    {
+        unsigned int nVertices = 0;
+        unsigned int nIndices = 0;
+        unsigned int nInstances = UINT_MAX; // when the layout has none
+    };
+    mutable InGL _inGL;
+    std::unique_ptr<DynamicBuffer> _pDynamic; // null for data that is closed by the commit
     ContextResource _home{
         [](void* pThis, ContextResource::Event event) { static_cast<Buffer*>(pThis)->onContext(event); }, this};
+};
+
+/// Appends many vertices, a few at a time, to room that was asked for once:
+/// @code
+/// Buffer::Appender corners(buffer, 4 * nBoxes);
+/// for (const Box& box : boxes)
+///     corners.append(box.corners(), 4);
+/// @endcode
+/// The buffer has them when the appender goes out of scope; until then nothing else may be done with the buffer. GUI
+/// thread only.
+class GUIGL_API Buffer::Appender
+{
+public:
+    /// @param buffer  with a layout (an assertion). On a committed one that is not dynamic the log says what it says of
+    ///                appending, and nothing is appended
+    /// @param nVertices  to make room for; for more, room is found as it is needed
+    Appender(Buffer& buffer, std::size_t nVertices);
+    /// Hands over what was appended.
+    ~Appender();
+    Appender(const Appender&) = delete;
+    Appender& operator=(const Appender&) = delete;
+
+    /// @param data  nVertices times the floats of a vertex
+    void append(const float* data, std::size_t nVertices) { appendFloats(data, nVertices * _nFloats); }
+    /// The same by structures, of the layout's size (an assertion).
+    template <typename Record>
+    void append(const Record& record)
+    {
+        static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
+        constexpr std::size_t cFloats = sizeof(Record) / sizeof(float);
+        TD_ASSERT(cFloats == _nFloats || _nFloats == 0);
+        appendFloats(&record, cFloats);
+    }
+
+private:
+    void appendFloats(const void* data, std::size_t n)
+    {
+        if (n >= static_cast<std::size_t>(_pLimit - _pEnd) && !grow(n)) [[unlikely]]
+            return;
+        std::memcpy(_pEnd, data, n * sizeof(float));
+        _pEnd += n;
+    }
+    bool grow(std::size_t nFloats);
+    void handOver();
+
+    Buffer& _buffer;
+    float* _pEnd = nullptr;   // of what was appended
+    float* _pLimit = nullptr; // of the room for it
+    std::size_t _nFloats = 0; // of a vertex; 0 when nothing may be appended
 };
 
 } // namespace gui::gl

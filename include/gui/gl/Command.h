@@ -41,7 +41,8 @@ public:
         DrawArraysInstanced,
         DrawElementsInstanced,
         MVPSetter,
-        UniformSetter
+        UniformSetter,
+        DrawAll
     };
 
     /// What a draw command sends first: nothing, a colour of 3 or of 4 components, or a texture.
@@ -76,6 +77,11 @@ public:
     /// @param pointSize  diameter in device pixels
     void createDrawArrayPoints(std::size_t first, unsigned int count, float pointSize);
     void createDrawElementPoints(std::size_t first, unsigned int count, float pointSize);
+    /// All that the buffer that is active when the command is executed has in GL then: its indices, if it has or had
+    /// some, else its vertices, and that once for each of its instances, if its layout has them. A buffer that has
+    /// grown since the recording is drawn as it is now (see Buffer::setDynamic); an empty one draws nothing.
+    /// @param first  how many indices, or vertices, are left out at the beginning. Below 2^31
+    void createDrawAll(Primitive primitive, std::size_t first = 0);
     /// For tessellation shaders. @param nVertices  a multiple of verticesPerPatch, which is above 0
     void createDrawArrayPatches(std::size_t first, unsigned int nVertices, int verticesPerPatch);
     void createDrawElementPatches(std::size_t first, unsigned int nIndices, int verticesPerPatch);
@@ -142,7 +148,11 @@ public:
     void reset();
 
     bool isEncoded() const { return _fn != nullptr; }
-    bool isDraw() const { return getType() >= Type::DrawArrays && getType() <= Type::DrawElementsInstanced; }
+    bool isDraw() const
+    {
+        return (getType() >= Type::DrawArrays && getType() <= Type::DrawElementsInstanced) ||
+               getType() == Type::DrawAll;
+    }
     Type getType() const { return static_cast<Type>(_type); }
     DrawSubType getDrawSubType() const { return static_cast<DrawSubType>(_drawSubType); }
 

@@ -39,8 +39,7 @@ public:
         unsigned int nStatesSaved = 0;
         unsigned int nUploads = 0;        ///< calls that give GL vertices, indices or pixels
         std::uint64_t nBytesUploaded = 0; ///< by those calls; storage without content counts 0
-        std::array<unsigned int, std::size_t(Command::Type::UniformSetter) + 1>
-            nCommands{};    ///< executed, by Command::Type
+        std::array<unsigned int, std::size_t(Command::Type::DrawAll) + 1> nCommands{}; ///< executed, by Command::Type
         double cpuTime = 0; ///< milliseconds from the frame's begin to its end
         /// Milliseconds that GL spent on an earlier frame, the latest that it has finished; below 0 as long as there is
         /// none, and where the driver does not measure.

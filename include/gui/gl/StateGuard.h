@@ -42,6 +42,7 @@ private:
     int _vertexArray = 0;
     int _program = 0;
     int _activeTexture = 0;
+    std::array<unsigned int, 6> _activeBuffer{};
     unsigned char _depthMask = 0;
 };
 

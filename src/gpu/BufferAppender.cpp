@@ -1,0 +1,47 @@
+#include <gui/gl/Buffer.h>
+
+#include <algorithm>
+
+namespace gui::gl
+{
+
+Buffer::Appender::Appender(Buffer& buffer, std::size_t nVertices)
+    : _buffer(buffer)
+{
+    if (buffer.isClosed())
+        return;
+    TD_ASSERT(buffer._vertexRecLenInBytes > 0);
+    _nFloats = buffer._nVertexFloats;
+    grow(nVertices * _nFloats);
+}
+
+Buffer::Appender::~Appender() { handOver(); }
+
+void Buffer::Appender::handOver()
+{
+    // Its slots have their values already.
+    if (_pEnd != nullptr)
+        _buffer._vertexData.pushSlots(static_cast<std::size_t>(_pEnd - _buffer._vertexData.end()));
+}
+
+bool Buffer::Appender::grow(std::size_t nFloats)
+{
+    if (_nFloats == 0 || nFloats == 0)
+        return false;
+    cnt::PushBackVector<float, 0>& data = _buffer._vertexData;
+    handOver();
+    if (_buffer._isRing)
+        _buffer.makeRoomInRing(nFloats);
+    const std::size_t size = data.size();
+    if (data.capacity() - size < nFloats)
+    {
+        data.pushSlots(nFloats);
+        data.reset();
+        data.pushSlots(size);
+    }
+    _pEnd = data.end();
+    _pLimit = data.getEndPos();
+    return true;
+}
+
+} // namespace gui::gl

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ChangingArray.h"
+
+#include <cstddef>
+
+namespace gui::gl
+{
+
+/// What a buffer has beside its data when these change after the commit.
+struct DynamicBuffer
+{
+    ChangingArray vertices;
+    ChangingArray indices;
+    ChangingArray instances;
+    std::size_t nKept = 0;  // vertices of a ring; 0 when it is none
+    std::size_t first = 0;  // of the floats in memory, as vertices knows them: those before it are gone
+    bool isNarrow = true;   // indices of 16 bits in GL
+    bool isLaidOut = false; // the vertex array names the buffers as they are
+};
+
+} // namespace gui::gl
