@@ -83,6 +83,25 @@ void appendVertices(benchmark::State& state)
                  [pSource](Buffer& buffer, std::size_t piece) { buffer.appendVertices(pSource, piece / cFloats); });
 }
 
+/// After one reservation.
+void appendByAppender(benchmark::State& state)
+{
+    const std::size_t piece = argument(state, 0), room = argument(state, 1);
+    const float* const pSource = source().data();
+    Buffer buffer{Vec3, Vec3, Vec2};
+    for (auto _ : state)
+    {
+        buffer.reset();
+        Buffer::Appender appender(buffer, room / cFloats);
+        for (std::size_t i = 0; i + piece <= room; i += piece)
+        {
+            appender.append(pSource, piece / cFloats);
+            benchmark::ClobberMemory();
+        }
+    }
+    setBytes(state, room / piece * piece);
+}
+
 void appendIndices(benchmark::State& state)
 {
     static const std::vector<unsigned int> s_indices(1000, 7);
@@ -141,6 +160,7 @@ void growOneByOne(benchmark::State& state)
 
 BENCHMARK(copyPieces)->Name("Append/memcpy")->ArgsProduct({{24, 384}, {cNear, cFar}});
 BENCHMARK(appendVertices)->Name("Append/vertices")->ArgsProduct({{24, 384}, {cNear, cFar}});
+BENCHMARK(appendByAppender)->Name("Append/appender")->ArgsProduct({{24, 384}, {cNear, cFar}});
 BENCHMARK(appendIndices)->Name("Append/indices")->ArgsProduct({{24, 384}, {cNear, cFar}});
 BENCHMARK(appendIndexByIndex)->Name("Append/indexByIndex")->Args({1, cNear});
 BENCHMARK(growBuffer)->Name("Grow/buffer")->Arg(24)->Arg(384)->Unit(benchmark::kMillisecond);
