@@ -102,6 +102,30 @@ void appendByAppender(benchmark::State& state)
     setBytes(state, room / piece * piece);
 }
 
+struct Vertex
+{
+    float position[3], normal[3], texture[2];
+};
+
+/// By structures, three at a time.
+void appendRecords(benchmark::State& state)
+{
+    const std::size_t room = argument(state, 1);
+    Vertex corners[3] = {};
+    Buffer buffer{Vec3, Vec3, Vec2};
+    for (auto _ : state)
+    {
+        buffer.reset();
+        Buffer::Appender appender(buffer, room / cFloats);
+        for (std::size_t i = 0; i + 24 <= room; i += 24)
+        {
+            appender.append(corners);
+            benchmark::ClobberMemory();
+        }
+    }
+    setBytes(state, room / 24 * 24);
+}
+
 void appendIndices(benchmark::State& state)
 {
     static const std::vector<unsigned int> s_indices(1000, 7);
@@ -161,6 +185,7 @@ void growOneByOne(benchmark::State& state)
 BENCHMARK(copyPieces)->Name("Append/memcpy")->ArgsProduct({{24, 384}, {cNear, cFar}});
 BENCHMARK(appendVertices)->Name("Append/vertices")->ArgsProduct({{24, 384}, {cNear, cFar}});
 BENCHMARK(appendByAppender)->Name("Append/appender")->ArgsProduct({{24, 384}, {cNear, cFar}});
+BENCHMARK(appendRecords)->Name("Append/appender/records")->Args({24, cNear})->Args({24, cFar});
 BENCHMARK(appendIndices)->Name("Append/indices")->ArgsProduct({{24, 384}, {cNear, cFar}});
 BENCHMARK(appendIndexByIndex)->Name("Append/indexByIndex")->Args({1, cNear});
 BENCHMARK(growBuffer)->Name("Grow/buffer")->Arg(24)->Arg(384)->Unit(benchmark::kMillisecond);

@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
 
+#include <cstring>
 #include <vector>
 
 namespace
@@ -41,6 +42,8 @@ void setBytesSent(benchmark::State& state, std::size_t nBytes)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(nBytes));
 }
 
+// @param isKept  in memory as well, as what comes back after the loss of a context is
+template <bool isKept>
 void appendBare(benchmark::State& state)
 {
     context().makeCurrent();
@@ -53,12 +56,21 @@ void appendBare(benchmark::State& state)
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(nThere + cRounds * nBytes), nullptr, GL_DYNAMIC_DRAW);
     glBufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(nThere), sent().data());
     glBindBuffer(GL_ARRAY_BUFFER, 0);
+    std::vector<float> kept(isKept ? sent().begin() : sent().end(), sent().end());
+    kept.resize((cThere + cRounds * cArriving) * nFloats);
     std::size_t round = 0;
     for (auto _ : state)
     {
+        const float* from = sent().data();
+        if (isKept)
+        {
+            float* const to = kept.data() + (cThere + round * cArriving) * nFloats;
+            std::memcpy(to, from, nBytes);
+            from = to;
+        }
         glBindBuffer(GL_ARRAY_BUFFER, name);
         glBufferSubData(GL_ARRAY_BUFFER, static_cast<GLintptr>(nThere + round * nBytes),
-                        static_cast<GLsizeiptr>(nBytes), sent().data());
+                        static_cast<GLsizeiptr>(nBytes), from);
         round = (round + 1) % cRounds;
     }
     glDeleteBuffers(1, &name);
@@ -133,7 +145,8 @@ void changeDynamic(benchmark::State& state)
     }
 }
 
-BENCHMARK(appendBare)->Name("Stream/append/bare")->Arg(2)->Arg(8);
+BENCHMARK(appendBare<false>)->Name("Stream/append/bare")->Arg(2)->Arg(8);
+BENCHMARK(appendBare<true>)->Name("Stream/append/bareAndKept")->Arg(2)->Arg(8);
 BENCHMARK(appendDynamic)->Name("Stream/append/dynamic")->Arg(2)->Arg(8);
 BENCHMARK(appendToRing)->Name("Stream/append/ring")->Arg(2)->Arg(8);
 BENCHMARK(changeBare)->Name("Stream/change/bare");

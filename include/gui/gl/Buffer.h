@@ -324,7 +324,10 @@ private:
 /// @code
 /// Buffer::Appender corners(buffer, 4 * nBoxes);
 /// for (const Box& box : boxes)
-///     corners.append(box.corners(), 4);
+/// {
+///     const Vertex around[4] = {box.at(0, 0), box.at(1, 0), box.at(1, 1), box.at(0, 1)};
+///     corners.append(around);
+/// }
 /// @endcode
 /// The buffer has them when the appender goes out of scope; until then nothing else may be done with the buffer. GUI
 /// thread only.
@@ -342,17 +345,28 @@ public:
 
     /// @param data  nVertices times the floats of a vertex
     void append(const float* data, std::size_t nVertices) { appendFloats(data, nVertices * _nFloats); }
-    /// The same by structures, of the layout's size (an assertion).
+    /// The same by structures of the layout's size (an assertion), which is faster: how much is copied is known when
+    /// it is compiled.
     template <typename Record>
     void append(const Record& record)
+    {
+        append<Record, 1>(&record);
+    }
+    template <typename Record, std::size_t cRecords>
+    void append(const Record (&records)[cRecords])
+    {
+        append<Record, cRecords>(&records[0]);
+    }
+
+private:
+    template <typename Record, std::size_t cRecords>
+    void append(const Record* records)
     {
         static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
         constexpr std::size_t cFloats = sizeof(Record) / sizeof(float);
         TD_ASSERT(cFloats == _nFloats || _nFloats == 0);
-        appendFloats(&record, cFloats);
+        appendFloats(records, cRecords * cFloats);
     }
-
-private:
     void appendFloats(const void* data, std::size_t n)
     {
         if (n >= static_cast<std::size_t>(_pLimit - _pEnd) && !grow(n)) [[unlikely]]
