@@ -252,4 +252,88 @@ TEST_F(BufferTest, EachObjectThatGLCannotGiveIsNamedAndNothingLeaks)
     }
 }
 
+// A frame that drew the wrong range, or indices of the wrong size.
+TEST_F(BufferTest, CommandsDrawWhatThereIsByIndicesOfItsSize)
+{
+    Buffer closed, changing;
+    ASSERT_TRUE(closed.init(1, 3, 3, 2, {Vec2}, {Float, Float}, {3, 2}));
+    const unsigned int indices[] = {0, 1, 2, 0xFFFF};
+    closed.appendVertices(cNumbers.data(), 3);
+    closed.appendIndices(indices, 3);
+    closed.appendInstances(cNumbers.data(), 2);
+    changing.setDynamic();
+    ASSERT_TRUE(changing.init(1, 3, 0, {Vec2}));
+    changing.appendVertices(cNumbers.data(), 3);
+    for (Buffer* pBuffer : {&closed, &changing})
+        ASSERT_TRUE(pBuffer->commit());
+
+    gui::gl::CommandList list;
+    list.get()->createDrawAll(gui::gl::Primitive::Triangles, 1);
+    list.get()->createDrawElements(gui::gl::Primitive::Lines, 2, 1);
+    ASSERT_TRUE(list.encode());
+    const auto draw = [&](const Buffer& buffer)
+    {
+        buffer.activate();
+        trace.clear();
+        list.execute();
+    };
+    draw(closed);
+    EXPECT_TRUE(trace.only({"glDrawElementsInstanced(4, 2, 0x1405, 4, 4)", "glDrawElements(1, 1, 0x1405, 8)"}));
+    draw(changing);
+    EXPECT_TRUE(trace.inOrder({"glDrawArrays(4, 1, 2)"}));
+    changing.appendIndices(indices, 3);
+    draw(changing);
+    EXPECT_TRUE(trace.only({"glDrawElements(4, 2, 0x1403, 2)", "glDrawElements(1, 1, 0x1403, 4)"}));
+    draw(closed);
+    EXPECT_TRUE(trace.inOrder({"glDrawElements(1, 1, 0x1405, 8)"}));
+
+    // Without room for larger indices the old ones stay.
+    changing.appendIndices(indices, 4);
+    trace.failNext("glGenBuffers");
+    draw(changing);
+    EXPECT_TRUE(log.said("ERROR! Buffer::commit cannot create EBO!"));
+    EXPECT_TRUE(trace.only({"glDrawElements(4, 2, 0x1403, 2)", "glDrawElements(1, 1, 0x1403, 4)"}));
+    draw(changing);
+    EXPECT_TRUE(trace.only({"glDrawElements(4, 6, 0x1405, 4)", "glDrawElements(1, 1, 0x1405, 8)"}));
+    changing.deActivate();
+    trace.clear();
+    list.execute(0, 1); // of no buffer
+    EXPECT_TRUE(trace.only({}));
+    changing.removeIndices(0, 7);
+    draw(changing); // and not by its vertices
+    EXPECT_EQ(trace.count("glDrawArrays"), 0U);
+}
+
+// What is told too late, or can't be.
+TEST_F(BufferTest, BuffersAreDynamicFromTheirFirstDataOnOrNever)
+{
+    Buffer closed{Vec2};
+    closed.appendVertices(cNumbers.data(), 1);
+    closed.setDynamic();
+    EXPECT_TRUE(asserts.caught("isEmpty()"));
+    closed.setRing(0);
+    EXPECT_TRUE(asserts.caught("nVertices > 0"));
+    EXPECT_FALSE(closed.isDynamic());
+    ASSERT_TRUE(closed.commit());
+    closed.updateVertices(0, cNumbers.data(), 1);
+    closed.removeVertices(0, 1);
+    {
+        Buffer::Appender appender(closed, 3);
+        appender.append(cNumbers.data(), 1);
+    }
+    EXPECT_EQ(log.take().size(), 3U);
+    EXPECT_TRUE(asserts.caught(std::vector<std::string>(3, "false")));
+    EXPECT_EQ(closed.getNoOfVertices(), 1U);
+
+    Buffer changing{Vec2};
+    changing.setKeptForRestore(false);
+    changing.setDynamic();
+    EXPECT_TRUE(log.said("Warning! Buffer::setKeptForRestore(false) on a dynamic buffer, which keeps its data all the "
+                         "same"));
+    EXPECT_TRUE(changing.isKeptForRestore());
+    const float wrong[3] = {};
+    Buffer::Appender(changing, 0).append(wrong[0]);
+    EXPECT_TRUE(asserts.caught("cFloats == _nFloats || _nFloats == 0"));
+}
+
 } // namespace

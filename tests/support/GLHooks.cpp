@@ -78,6 +78,8 @@ std::span<const GLEntry> entries()
         entry<&glBindVertexArray>("glBindVertexArray", "A"),
         entry<&glBlendFunc>("glBlendFunc", "ee"),
         entry<&glBufferData>("glBufferData", "eipe"),
+        entry<&glBufferSubData>("glBufferSubData", "eiip"),
+        entry<&glCopyBufferSubData>("glCopyBufferSubData", "eeiii"),
         entry<&glClear>("glClear", "e"),
         entry<&glClearColor>("glClearColor", "ffff"),
         entry<&glCompileShader>("glCompileShader", "S"),
