@@ -1,4 +1,4 @@
-// Data that changes: the trail of two pendulums, of which the newest points stay, and boxes that come, change and go.
+// Data that changes: the trail of two pendulums, of which the newest points stay, and bars that change and go.
 // Says what each frame sends to GL, and draws the last one into a PNG file.
 #include <gui/gl/gl.h>
 
@@ -42,35 +42,31 @@ private:
 // Where the pen is after t seconds.
 Point at(double t)
 {
-    const double turn = 0.02 * t, x = 0.62 * std::sin(2.01 * t) + 0.3 * std::sin(3 * t), y = 0.85 * std::cos(3.005 * t);
+    const double turn = 0.02 * t, x = 0.55 * std::sin(2.01 * t) + 0.22 * std::sin(3 * t), y = 0.6 * std::cos(3.005 * t);
     const auto hue = static_cast<float>(200 + 60 * std::sin(0.1 * t));
     return {static_cast<float>(x * std::cos(turn) - y * std::sin(turn)),
-            static_cast<float>(x * std::sin(turn) + y * std::cos(turn)), td::Color::fromHSL(hue, 0.9F, 0.6F).rgba()};
+            static_cast<float>(x * std::sin(turn) + y * std::cos(turn) + 0.12),
+            td::Color::fromHSL(hue, 0.9F, 0.6F).rgba()};
 }
 
-class Boxes
+// Two triangles from the bottom of the picture up.
+class Bars
 {
 public:
-    explicit Boxes(std::size_t n)
+    explicit Bars(std::size_t n)
     {
         _program.link();
         _corners.setDynamic();
         _corners.createCommand()->createDrawAll(Primitive::Triangles);
         Buffer::Appender corners(_corners, 6 * n);
         for (std::size_t i = 0; i < n; ++i)
-        {
-            const float x = -0.98F + 1.96F * static_cast<float>(i) / static_cast<float>(n);
-            const Point box[6] = {corner(x, -1),     corner(x + 0.02F, -1), corner(x, -0.95F),
-                                  corner(x, -0.95F), corner(x + 0.02F, -1), corner(x + 0.02F, -0.95F)};
-            corners.append(box);
-        }
+            corners.append(makeBar(i, 0.08F + 0.05F * std::sin(0.4F * static_cast<float>(i)), "#ff9f43").corners);
     }
 
-    void highlight(std::size_t i)
+    void set(std::size_t i, float height)
     {
-        const float x = -0.98F + 1.96F * static_cast<float>(i) / 49;
-        const Point top[1] = {{x, -0.85F, td::Color(td::ColorID::White).rgba()}};
-        _corners.updateVertices(6 * i + 2, &top[0].x, 1);
+        const Bar bar = makeBar(i, height, "#ffffff");
+        _corners.updateRecords(6 * i, bar.corners, 6);
     }
 
     void remove(std::size_t i) { _corners.removeVertices(6 * i, 6); }
@@ -78,52 +74,68 @@ public:
     void draw() { _program.draw(_corners); }
 
 private:
-    static Point corner(float x, float y) { return {x, y, td::Color("#ff9f43").rgba()}; }
+    struct Bar
+    {
+        Point corners[6];
+    };
+
+    static Bar makeBar(std::size_t i, float height, td::Color color)
+    {
+        const float left = -0.98F + 0.04F * static_cast<float>(i), right = left + 0.03F, top = height - 1;
+        const unsigned int rgba = color.rgba();
+        return {{{left, -1, rgba},
+                 {right, -1, rgba},
+                 {left, top, rgba},
+                 {left, top, rgba},
+                 {right, -1, rgba},
+                 {right, top, rgba}}};
+    }
 
     Color2DProgram _program;
     Buffer _corners{DataType::Vec2, DataType::NormUByte4};
 };
 
-void say(const char* what)
+// Draws a frame, and says what it cost if it has a name.
+template <typename Draw>
+void drawFrame(const char* name, const Draw& draw)
 {
+    FrameLedger::begin();
+    draw();
     FrameLedger::end();
     const FrameLedger::Frame& frame = FrameLedger::getLast();
-    std::printf("%s: %u draw of %u vertices, %u bytes sent\n", what, frame.nDraws,
-                static_cast<unsigned int>(frame.nVertices), static_cast<unsigned int>(frame.nBytesUploaded));
-    FrameLedger::begin();
+    if (name != nullptr)
+        std::printf("%s: %u draw of %u vertices, %u bytes sent\n", name, frame.nDraws,
+                    static_cast<unsigned int>(frame.nVertices), static_cast<unsigned int>(frame.nBytesUploaded));
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    OffscreenContext context({960, 600},
-                             Context(DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41));
+    Context settings(DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41);
+    settings.setSamples(4);
+    OffscreenContext context({960, 600}, settings);
     Trail trail;
-    Boxes boxes(49);
+    Bars bars(49);
     FrameLedger::start(FrameLedger::Times::CPU);
-    FrameLedger::begin();
-    for (int frame = 1; frame <= 600; ++frame)
+    for (int i = 1; i <= 600; ++i)
     {
         std::vector<Point> arrived;
-        for (int i = 0; i < 20; ++i)
-            arrived.push_back(at(0.01 * (20 * frame + i)));
+        for (int j = 0; j < 20; ++j)
+            arrived.push_back(at(0.01 * (20 * i + j)));
         Context::clear(Context::Clear::Color, td::ColorID::Black);
-        trail.draw(arrived);
-        if (frame == 1 || frame == 600)
-            say(frame == 1 ? "Frame 1" : "Frame 600");
-        else
-            FrameLedger::begin();
+        const char* const name = i == 1 ? "Frame 1" : i == 600 ? "Frame 600" : nullptr;
+        drawFrame(name, [&] { trail.draw(arrived); });
     }
-    boxes.draw();
-    say("49 boxes");
-    boxes.highlight(24);
-    boxes.draw();
-    say("One corner changed");
-    boxes.remove(10);
-    boxes.draw();
-    say("A box removed");
-    boxes.draw();
-    say("Nothing changed");
+    drawFrame("49 bars", [&] { bars.draw(); });
+    bars.set(24, 0.2F);
+    Context::clear(Context::Clear::Color, td::ColorID::Black);
+    drawFrame("Nothing arrived", [&] { trail.draw({}); });
+    drawFrame("A bar changed", [&] { bars.draw(); });
+    bars.remove(48);
+    bars.remove(10);
+    Context::clear(Context::Clear::Color, td::ColorID::Black);
+    drawFrame(nullptr, [&] { trail.draw({}); });
+    drawFrame("Two bars removed", [&] { bars.draw(); });
     return context.savePicture(argc > 1 ? argv[1] : "large.png") ? 0 : 1;
 }

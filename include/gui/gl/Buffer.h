@@ -193,8 +193,15 @@ public:
 
     /// Other values for n vertices, instances or indices from the first on, all of which must be there ("isRange(first,
     /// n, count)"). Refused on a committed buffer, as appending, unless it is dynamic.
-    /// @param data  n times the floats of a vertex, or of an instance
+    /// @param data  n times the floats of a vertex, or of an instance; records, as those of appendRecords
     void updateVertices(std::size_t first, const float* data, std::size_t n);
+    template <typename Record>
+    void updateRecords(std::size_t first, const Record* records, std::size_t n)
+    {
+        static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
+        TD_ASSERT(sizeof(Record) == _vertexRecLenInBytes);
+        updateVertices(first, reinterpret_cast<const float*>(records), n);
+    }
     void updateInstances(std::size_t first, const float* data, std::size_t n);
     void updateIndices(std::size_t first, const unsigned int* indices, std::size_t n);
     /// Those behind n from the first on take their places. The same conditions.
