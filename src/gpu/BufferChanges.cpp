@@ -282,22 +282,23 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
 {
     noteAppended();
     DynamicBuffer& dynamic = *_pDynamic;
-    const auto update = [&](ChangingArray& array, unsigned int& name, unsigned int before,
-                            const ChangingArray::Source& source, const char* kind)
+    const auto update =
+        [&](ChangingArray& array, unsigned int& name, unsigned int before, const ChangingArray::Source& source)
     {
         const unsigned int nameBefore = name;
         const std::size_t baseBefore = array.getBase();
         const bool isDone = array.update(name, before, source, _home);
-        if (!isDone)
-            vo::dbgLog("ERROR! Buffer::commit cannot create %s!", kind);
         dynamic.isLaidOut &= name == nameBefore && array.getBase() == baseBefore;
         return isDone;
     };
     const std::size_t room = getRoom(_nVertexFloats != 0 ? _vertexData.capacity() / _nVertexFloats : 0);
     const ChangingArray::Source vertices{
         .data = _vertexData.begin() + dynamic.first, .elementBytes = _vertexRecLenInBytes, .room = room};
-    if (!update(dynamic.vertices, _vbo, oldVBO, vertices, "VBO"))
+    if (!update(dynamic.vertices, _vbo, oldVBO, vertices))
+    {
+        vo::dbgLog("ERROR! Buffer::commit cannot create VBO!");
         return false;
+    }
     if (_indices.capacity() > 0)
     {
         const bool isWidened = dynamic.isNarrow && hasWideIndex(dynamic.indices.pieces, _indices.begin());
@@ -310,8 +311,11 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
                                             .room = _indices.capacity(),
                                             .isNarrowed = isNarrow,
                                             .canSlide = false};
-        if (!update(dynamic.indices, name, oldEBO, indices, "EBO"))
+        if (!update(dynamic.indices, name, oldEBO, indices))
+        {
+            vo::dbgLog("ERROR! Buffer::commit cannot create EBO!");
             return false;
+        }
         if (isWidened)
             _home.deleteName(CurrentContext::Kind::Buffer, _ebo);
         dynamic.isNarrow = isNarrow;
@@ -322,8 +326,11 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
         const ChangingArray::Source instances{.data = _instanceData.begin(),
                                               .elementBytes = _instanceRecLenInBytes,
                                               .room = _instanceData.capacity() / _nInstanceFloats};
-        if (!update(dynamic.instances, _ibo, oldIBO, instances, "IBO"))
+        if (!update(dynamic.instances, _ibo, oldIBO, instances))
+        {
+            vo::dbgLog("ERROR! Buffer::commit cannot create IBO!");
             return false;
+        }
     }
     noteCounts();
     return true;

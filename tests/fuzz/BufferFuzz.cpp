@@ -1,5 +1,5 @@
-// Edits of a dynamic buffer or a ring in any order, beside plain vectors: what GL has, how much of it a frame draws, and
-// how many bytes were sent for it.
+// Edits of a dynamic buffer or a ring in any order, beside plain vectors: what GL has, how much of it a frame draws,
+// and how many bytes were sent for it.
 
 #include "Fuzz.h"
 

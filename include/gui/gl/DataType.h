@@ -10,12 +10,13 @@ using VertexType = float;
 
 /// The type of one position of a vertex layout, which is one vertex attribute: how many floats it takes.
 ///
-/// All attributes reach the shader as floats, float to vec4 by their number of components. Mat3 and Mat4 count 9 and 16 floats at a single attribute location, which
-/// no GL accepts (one location holds 4 at most): describe a mat3 by Vec3 three times and a mat4 by Vec4 four times; the
-/// shader's mat3 or mat4 attribute then takes those three or four locations.
+/// All attributes reach the shader as floats, float to vec4 by their number of components. Mat3 and Mat4 count 9 and 16
+/// floats at a single attribute location, which no GL accepts (one location holds 4 at most): describe a mat3 by Vec3
+/// three times and a mat4 by Vec4 four times; the shader's mat3 or mat4 attribute then takes those three or four
+/// locations.
 ///
-/// The types from Half2 on are packed: two components of 16 bits, or four of 8, take the room of one float. Such vertices
-/// are structures, appended by Buffer::appendRecords:
+/// The types from Half2 on are packed: two components of 16 bits, or four of 8, take the room of one float. Such
+/// vertices are structures, appended by Buffer::appendRecords:
 /// @code
 /// struct Vertex // {DataType::Short2, DataType::NormUByte4}
 /// {
