@@ -85,8 +85,9 @@ public:
     void setDynamic();
 
     /// The same for the newest nVertices alone: as many stay, and older ones go when others arrive. Vertex 0 is the
-    /// oldest that is there. Appended vertices must not be the buffer's own. Memory and GL have room for two to three
-    /// times as many, so that the oldest go without a copy, and no vertex is sent twice.
+    /// oldest that is there. Appended vertices must not be the buffer's own. Memory and GL have room for half as
+    /// many more when it is called before init, for up to three times as many otherwise, so that the oldest go without
+    /// a copy, and no vertex is sent twice.
     /// @param nVertices  above 0 ("nVertices > 0")
     void setRing(std::size_t nVertices);
     bool isDynamic() const { return _pDynamic != nullptr; }
