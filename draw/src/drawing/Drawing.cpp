@@ -2,7 +2,9 @@
 
 #include "DrawingImpl.h"
 
+#include <gui/gl/Framebuffer.h>
 #include <gui/gl/OrthoView.h>
+#include <gui/gl/StateGuard.h>
 
 #include <td/Assert.h>
 #include <vo/Log.h>
@@ -453,6 +455,31 @@ bool Drawing::draw(const gl::OrthoView& view)
     sight.pixelsPerPoint = s;
     sight.size = {viewport[2], viewport[3]};
     return _pImpl->draw(sight);
+}
+
+bool Drawing::savePicture(const char* path, const td::Size<double>& size, const Affine& modelToView,
+                          double pixelsPerPoint, td::Color background)
+{
+    TD_ASSERT(path != nullptr && size.width > 0 && size.height > 0 && pixelsPerPoint > 0, false);
+    // What is larger than any framebuffer is refused by that, with the largest number there is.
+    const auto pixels = [=](double points)
+    { return static_cast<int>(std::lround(std::clamp(points * pixelsPerPoint, 1.0, 1e9))); };
+    gl::Framebuffer picture;
+    if (!picture.create({pixels(size.width), pixels(size.height)}))
+        return false;
+    bool isDrawn = false;
+    {
+        const gl::StateGuard guard;
+        const gl::Framebuffer::Drawing drawing(picture);
+        if (drawing)
+        {
+            gl::Context::disable(gl::Context::Flag::ScissorTest);
+            gl::Context::maskColorBuffer(true, true, true, true);
+            gl::Context::clear(gl::Context::Clear::Color, background);
+            isDrawn = draw(modelToView, pixelsPerPoint);
+        }
+    }
+    return isDrawn && picture.savePicture(path);
 }
 
 } // namespace gui::draw

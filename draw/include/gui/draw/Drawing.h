@@ -196,6 +196,17 @@ public:
     /// The same with a view's zoom and origin, from its onDraw.
     bool draw(const gl::OrthoView& view);
 
+    /// Saves a picture of any size as a PNG file, opaque, whatever is shown elsewhere. Needs a context.
+    ///
+    ///     drawing.savePicture("plan.png", {800, 600}, Affine::scaling(20), 4);
+    ///
+    /// @param size         in points  @param modelToView  as draw takes it
+    /// @param pixelsPerPoint  4 is some 300 per inch  @param background  below the shapes
+    /// @return false, with a log line, when draw would say so, when the driver has no framebuffer that large, or the
+    ///         file could not be written
+    [[nodiscard]] bool savePicture(const char* path, const td::Size<double>& size, const Affine& modelToView,
+                                   double pixelsPerPoint = 2, td::Color background = td::ColorID::White);
+
     /// The topmost visible and pickable shape within a tolerance of a point; 0 when there is none. Strokes whose width
     /// is in points are as wide as the last draw has made them, and texts as large, and zooms are that one's; before
     /// one, a point is a model unit and y grows downwards. A text is where its lines are, from top to bottom and from

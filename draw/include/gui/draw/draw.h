@@ -7,6 +7,7 @@
 #include "Axis.h"
 #include "ColorMap.h"
 #include "Drawing.h"
+#include "DrawingView.h"
 #include "FillRule.h"
 #include "FillTessellator.h"
 #include "FontTag.h"

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Drawing.h"
+
+#include <gui/gl/OrthoView.h>
+
+#include <td/Color.h>
+#include <td/Export.h>
+
+namespace gui::draw
+{
+
+/// A view of a drawing to pan, zoom and point at: plans, maps, diagrams. A whole program:
+///
+///     #include <gui/Application.h>
+///     #include <gui/draw/DrawingView.h>
+///
+///     int main(int argc, char** argv)
+///     {
+///         gui::Application app(argc, argv);
+///         gui::draw::DrawingView view;
+///         view.drawing().fill(gui::draw::Path().addCircle({0, 0}, 1000), "#d04020");
+///         return app.run(view, "A disc", {640, 400});
+///     }
+///
+/// It shows all of the drawing at first, and again at each size until the user moves it: by a drag, by the wheel about
+/// the pointer, by the keys of OrthoView::moveByKey, and by a double click, which flies to the shape that is there, or
+/// home. Derive from it to learn which shapes are pointed at and clicked. After a change of the drawing call reDraw.
+class GUIGL_API DrawingView : public gl::OrthoView
+{
+public:
+    /// Makes the context too, as OrthoView::createContext(yDown), with plain bindings.
+    explicit DrawingView(bool yDown = true);
+    ~DrawingView() override;
+
+    Drawing& drawing() { return _drawing; }
+    const Drawing& drawing() const { return _drawing; }
+    /// What the drawing is on; white at first.
+    void setBackground(td::Color color);
+
+    /// What the drawing's bounds are with a margin in points, as the view's home, with zooms up to 10^6 times closer:
+    /// done before the first frame; to be called after changes that it is to show all of.
+    /// @return false when there is nothing, or no room
+    bool showAll(double margin = 30);
+
+    /// Saves all of the drawing on its background as a PNG file. @param size  in points, of the longer side without
+    /// the margin @param margin  in points @param pixelsPerPoint, @return  as Drawing::savePicture; false too when
+    /// there is nothing
+    [[nodiscard]] bool saveAll(const char* path, double size = 1200, double margin = 40, double pixelsPerPoint = 2);
+
+protected:
+    /// Called when another shape is under the pointer, to within 3 points; 0 for none. A frame follows.
+    virtual void onShapeEntered(Drawing::ID shape);
+    /// Called when the primary button is pressed and released without a drag. A frame follows. @param shape  0 for none
+    virtual void onShapeClicked(Drawing::ID shape);
+    /// Called for a double click: flies there, or with 0 to all of the drawing.
+    virtual void onShapeDoubleClicked(Drawing::ID shape);
+
+    void onDraw(const td::RectNormalized<double>& rect) override;
+    void onCursorMoved(const InputDevice& device) override;
+    void onCursorExited(const InputDevice& device) override;
+    void onCursorDragged(const InputDevice& device) override;
+    void onPrimaryButtonPressed(const InputDevice& device) override;
+    void onPrimaryButtonReleased(const InputDevice& device) override;
+    void onPrimaryButtonDblClick(const InputDevice& device) override;
+    bool onKeyPressed(const Key& key) override;
+
+private:
+    Drawing::ID shapeAt(const InputDevice& device) const;
+    void enter(Drawing::ID shape);
+
+    Drawing _drawing;
+    td::Color _background = td::ColorID::White;
+    Drawing::ID _entered = 0;
+    td::Point<double> _pressed;
+    bool _isClick = false;
+    bool _isShown = false;
+};
+
+} // namespace gui::draw

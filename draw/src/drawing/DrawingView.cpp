@@ -1,0 +1,138 @@
+#include <gui/draw/DrawingView.h>
+
+#include <gui/InputDevice.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+// In points.
+constexpr double cReach = 3;       // of the pointer
+constexpr double cClick = 4;       // that it may move in a click
+constexpr double cFlyMargin = 60;  // around what a double click flies to
+constexpr double cClosest = 1e6;   // from all of the drawing
+constexpr double cFarthest = 1e-2; // likewise
+
+} // namespace
+
+DrawingView::DrawingView(bool yDown)
+{
+    setBindings(Bindings::Plain);
+    createContext(yDown);
+}
+
+DrawingView::~DrawingView() = default;
+
+void DrawingView::setBackground(td::Color color)
+{
+    _background = color;
+    reRender();
+}
+
+bool DrawingView::showAll(double margin)
+{
+    _isShown = true;
+    const std::optional<Drawing::Rect> all = _drawing.getBounds();
+    if (!all)
+        return false;
+    // Around one point the zoom's limits stay what they are.
+    const double size = std::max(all->right - all->left, all->bottom - all->top);
+    if (const double whole = 1000 / size; size > 0 && whole * cFarthest > 0 && std::isfinite(whole * cClosest))
+        setZoomLimits(whole * cFarthest, whole * cClosest);
+    return setHome(*all, margin);
+}
+
+bool DrawingView::saveAll(const char* path, double size, double margin, double pixelsPerPoint)
+{
+    const std::optional<Drawing::Rect> all = _drawing.getBounds();
+    if (!all || !(size > 0))
+        return false;
+    const double width = all->right - all->left, height = all->bottom - all->top, longer = std::max(width, height);
+    const double zoom = longer > 0 ? size / longer : 1, up = isYDown() ? 1 : -1;
+    const Affine toPoints{
+        zoom, 0, 0, up * zoom, margin - zoom * all->left, margin - up * zoom * (isYDown() ? all->top : all->bottom)};
+    makeCurrentContext();
+    return _drawing.savePicture(path,
+                                {std::max(zoom * width + 2 * margin, 1.0), std::max(zoom * height + 2 * margin, 1.0)},
+                                toPoints, pixelsPerPoint, _background);
+}
+
+void DrawingView::onShapeEntered(Drawing::ID) {}
+
+void DrawingView::onShapeClicked(Drawing::ID) {}
+
+void DrawingView::onShapeDoubleClicked(Drawing::ID shape)
+{
+    const std::optional<Drawing::Rect> bounds = shape != 0 ? _drawing.getBounds(shape) : _drawing.getBounds();
+    if (bounds)
+        flyTo(*bounds, cFlyMargin);
+}
+
+void DrawingView::onDraw(const td::RectNormalized<double>&)
+{
+    if (!_isShown)
+        showAll();
+    gl::Context::clear(gl::Context::Clear::Color, _background);
+    _drawing.draw(*this);
+}
+
+Drawing::ID DrawingView::shapeAt(const InputDevice& device) const
+{
+    return _drawing.pick(getModelPoint(device.getFramePoint()), cReach / getZoom());
+}
+
+void DrawingView::enter(Drawing::ID shape)
+{
+    if (std::exchange(_entered, shape) == shape)
+        return;
+    onShapeEntered(shape);
+    reRender();
+}
+
+void DrawingView::onCursorMoved(const InputDevice& device) { enter(shapeAt(device)); }
+
+void DrawingView::onCursorExited(const InputDevice& device)
+{
+    OrthoView::onCursorExited(device);
+    enter(0);
+}
+
+void DrawingView::onCursorDragged(const InputDevice& device)
+{
+    const td::Point<double>& point = device.getFramePoint();
+    _isClick = _isClick && std::hypot(point.x - _pressed.x, point.y - _pressed.y) < cClick;
+    OrthoView::onCursorDragged(device);
+}
+
+void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
+{
+    _pressed = device.getFramePoint();
+    _isClick = true;
+    OrthoView::onPrimaryButtonPressed(device);
+}
+
+void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
+{
+    OrthoView::onPrimaryButtonReleased(device);
+    if (!std::exchange(_isClick, false))
+        return;
+    onShapeClicked(shapeAt(device));
+    reRender();
+}
+
+void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
+{
+    OrthoView::onPrimaryButtonDblClick(device);
+    _isClick = false;
+    onShapeDoubleClicked(shapeAt(device));
+}
+
+bool DrawingView::onKeyPressed(const Key& key) { return moveByKey(key) || OrthoView::onKeyPressed(key); }
+
+} // namespace gui::draw

@@ -1,0 +1,72 @@
+#include <gui/Application.h>
+#include <gui/InputDevice.h>
+#include <gui/draw/DrawingView.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace
+{
+
+using namespace gui::draw;
+using gui::InputDevice;
+
+InputDevice at(double x, double y)
+{
+    const td::Point<double> point(x, y);
+    return {point, point, point, 0, InputDevice::Type::Mouse, InputDevice::Button::Primary};
+}
+
+class PlanView : public DrawingView
+{
+public:
+    PlanView()
+        : DrawingView(false)
+    {
+    }
+    using DrawingView::onCursorDragged;
+    using DrawingView::onCursorExited;
+    using DrawingView::onCursorMoved;
+    using DrawingView::onPrimaryButtonDblClick;
+    using DrawingView::onPrimaryButtonPressed;
+    using DrawingView::onPrimaryButtonReleased;
+    using DrawingView::onResize;
+
+    std::string told;
+
+private:
+    void onShapeEntered(Drawing::ID shape) override { told += "e" + std::to_string(drawing().getTag(shape)); }
+    void onShapeClicked(Drawing::ID shape) override { told += "c" + std::to_string(drawing().getTag(shape)); }
+};
+
+// A click that was a drag, one after a double click, the same shape told twice, a shape that stays entered.
+TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
+{
+    PlanView view;
+    view.drawing().setTag(view.drawing().fill(Path().addRect({0, 0, 10, 10}), "#204060"), 1);
+    view.drawing().setTag(view.drawing().fill(Path().addRect({30, 0, 40, 10}), "#204060"), 2);
+    view.onResize({400, 200});
+    ASSERT_TRUE(view.showAll(0)); // ten points a unit; the rectangles stand in the middle, from 50 to 150
+    view.onCursorMoved(at(50, 100));
+    view.onCursorMoved(at(60, 100));
+    view.onCursorMoved(at(200, 100));
+    view.onCursorMoved(at(350, 100));
+    view.onCursorExited(at(450, 100));
+    EXPECT_EQ(view.told, "e1e0e2e0");
+
+    view.told.clear();
+    view.onPrimaryButtonPressed(at(50, 100));
+    view.onCursorDragged(at(52, 101));
+    view.onPrimaryButtonReleased(at(52, 101));
+    view.onPrimaryButtonPressed(at(350, 100));
+    view.onCursorDragged(at(370, 100));
+    view.onCursorDragged(at(350, 100));
+    view.onPrimaryButtonReleased(at(350, 100));
+    view.onPrimaryButtonDblClick(at(52, 100));
+    EXPECT_TRUE(view.isFlying());
+    view.onPrimaryButtonReleased(at(52, 100));
+    EXPECT_EQ(view.told, "c1");
+}
+
+} // namespace
