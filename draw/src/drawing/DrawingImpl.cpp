@@ -112,10 +112,17 @@ Drawing::ID Drawing::Impl::setPath(Item& item, const Path& path)
     const bool isStroke = item.kind == Kind::Stroke;
     if (!isStroke)
         builder.makeFill(path, item.rule, tolerance, geometry);
-    else if (item.pLine->stroke.width > 0 && std::isfinite(item.pLine->stroke.width))
+    else if (isSeen(item.pLine->stroke))
         builder.makeStroke(path, item.pLine->stroke, tolerance, geometry);
     else
         geometry.clear();
+    setGeometry(item, path);
+    return idOf(slotOf(item));
+}
+
+void Drawing::Impl::setGeometry(Item& item, const Path& path)
+{
+    const bool isStroke = item.kind == Kind::Stroke;
     item.origin = geometry.origin;
     item.step = geometry.step;
     item.hasBounds = !geometry.nodes.empty();
@@ -139,7 +146,6 @@ Drawing::ID Drawing::Impl::setPath(Item& item, const Path& path)
     }
     place(item);
     isChanged = true;
-    return idOf(slotOf(item));
 }
 
 void Drawing::Impl::place(const Item& item)

@@ -12,6 +12,7 @@
 
 #include <gui/draw/Drawing.h>
 
+#include <cmath>
 #include <functional>
 
 namespace gui::draw
@@ -142,7 +143,11 @@ struct Drawing::Impl
     void setPaint(Item& item, const Paint& paint);
     /// Paints a fill with an image; its geometry is made already.
     void setImage(Item& item, const Image& image);
+    /// Whether there is a line of it.
+    static bool isSeen(const draw::Stroke& stroke) { return stroke.width > 0 && std::isfinite(stroke.width); }
     ID setPath(Item& item, const Path& path);
+    /// Gives a fill, or a stroke along a path, what `geometry` is.
+    void setGeometry(Item& item, const Path& path);
     ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
     ID addTextOn(const Path& path, const TextLayout& layout, const TextOnPath& placement);
     /// Places the letters of texts along paths for what is seen.
@@ -224,6 +229,8 @@ struct Drawing::Impl
     /// The visible shapes near a rectangle that a test accepts, or the topmost of them alone; the topmost first.
     std::vector<std::uint32_t> findAll(const Rect& rect, bool isOneEnough, const Test& test);
 
+    /// Expires with the drawing.
+    const std::shared_ptr<const char> pLife = std::make_shared<const char>();
     SlotArray<Item> items;
     std::vector<std::uint32_t> freeSlots;
     std::size_t nShapes = 0;

@@ -140,6 +140,10 @@ public:
     void reMeasure(gui::CellInfo& cell) override;
     void measure(gui::CellInfo& cell) override;
 
+    /// Expires with the view: for work that comes back from elsewhere, when there may be no view any more. It points to
+    /// the view as long as it can be locked. GUI thread only.
+    std::weak_ptr<View*> getLife() const { return _self; }
+
     /// How large the view shows its model; 1 here.
     virtual double getZoom() const;
 

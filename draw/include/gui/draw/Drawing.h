@@ -217,6 +217,7 @@ public:
     std::vector<ID> pickAll(const Rect& rect) const;
 
 private:
+    friend class Upload;
     struct Impl;
     std::unique_ptr<Impl> _pImpl;
 };

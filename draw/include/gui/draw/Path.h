@@ -59,7 +59,7 @@ concept PointRange =
 ///         std::printf("%g long\n", path.getLength());
 ///     }
 ///
-/// It is a value: copied, moved, compared with nothing else. Building operations return the path, so that they can
+/// It is a value: copied, moved, compared with nothing else; for any thread, one at a time. Building operations return the path, so that they can
 /// follow each other:
 ///
 ///     Path arrow;

@@ -37,3 +37,4 @@
 #include "Ticks.h"
 #include "Typeface.h"
 #include "Unit.h"
+#include "Upload.h"
