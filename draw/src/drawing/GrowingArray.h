@@ -46,8 +46,10 @@ public:
 private:
     void reserve(std::size_t n)
     {
+        // So large that few ever have to move to another place, between two frames.
+        constexpr std::size_t cLeast = std::size_t(32) << 20;
         const bool isLarge = n * sizeof(Record) >= mem::cLargePagesFrom / 4;
-        const std::size_t capacity = isLarge ? std::max(4 * n, 4 * mem::cLargePagesFrom / sizeof(Record)) : n + n / 2;
+        const std::size_t capacity = isLarge ? std::max(4 * n, cLeast / sizeof(Record)) : n + n / 2;
         const std::size_t nBytes = capacity * sizeof(Record);
         constexpr std::size_t cLargePage = std::size_t(2) << 20;
         void* moved = isLarge ? std::aligned_alloc(cLargePage, (nBytes + cLargePage - 1) / cLargePage * cLargePage)

@@ -62,8 +62,10 @@ SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32
     for (const Element& element : geometry.elements)
         if (element.shapeAndKind >> 28 == static_cast<std::uint32_t>(ElementKind::Edge))
             _keys.push_back(keyOf(toModel(element.points[0]), toModel(element.points[0] + 1)));
-    while ((_nUsed + _keys.size()) * 2 > _entries.size())
-        grow();
+    if ((_nUsed + _keys.size()) * 2 > _entries.size())
+        grow(_keys.size());
+    // Twice as fast as those come that would fill the table.
+    moveSome(4 * _keys.size() + 256);
     auto version = static_cast<Version>(_shapes.size());
     if (_free.empty())
     {
@@ -80,26 +82,38 @@ SharedEdges::Version SharedEdges::add(const ShapeGeometry& geometry, std::uint32
     const std::size_t mask = _entries.size() - 1;
     // All places are fetched into the cache before the first is looked at.
     for (const std::uint32_t key : _keys)
-        __builtin_prefetch(&_entries[placeOf(key)]);
+    {
+        __builtin_prefetch(&_entries[placeIn(_entries, key)]);
+        if (!_old.empty())
+            __builtin_prefetch(&_old[placeIn(_old, key)]);
+    }
+    const auto look = [&](const Entry& entry, std::uint32_t key)
+    {
+        if (entry.key != (key ^ 1U))
+            return;
+        if (const std::uint32_t other = _shapes[entry.version];
+            other != UINT32_MAX && other != shape &&
+            std::find(neighbours.begin(), neighbours.end(), other) == neighbours.end())
+            neighbours.push_back(other);
+    };
     for (const std::uint32_t key : _keys)
     {
-        std::size_t place = placeOf(key);
+        std::size_t place = placeIn(_entries, key);
         for (; _entries[place].key != 0; place = (place + 1) & mask)
-            if (_entries[place].key == (key ^ 1U))
-                if (const std::uint32_t other = _shapes[_entries[place].version];
-                    other != UINT32_MAX && other != shape &&
-                    std::find(neighbours.begin(), neighbours.end(), other) == neighbours.end())
-                    neighbours.push_back(other);
+            look(_entries[place], key);
         _entries[place] = {key, version};
         ++_nUsed;
+        if (!_old.empty())
+            for (place = placeIn(_old, key); _old[place].key != 0; place = (place + 1) & (_old.size() - 1))
+                look(_old[place], key);
     }
     return version;
 }
 
 // Both directions of an edge begin at the same place.
-std::size_t SharedEdges::placeOf(std::uint32_t key) const
+std::size_t SharedEdges::placeIn(const std::vector<Entry>& entries, std::uint32_t key)
 {
-    return ((key >> 1) * 0x9e3779b97f4a7c15U >> 32) & (_entries.size() - 1);
+    return ((key >> 1) * 0x9e3779b97f4a7c15U >> 32) & (entries.size() - 1);
 }
 
 void SharedEdges::remove(Version version)
@@ -109,32 +123,55 @@ void SharedEdges::remove(Version version)
     _removed.push_back(version);
 }
 
-// Leaves out the edges of shapes that were removed.
-void SharedEdges::grow()
+// Leaves out the edges of shapes that were removed, as moveSome does.
+void SharedEdges::grow(std::size_t nMore)
 {
-    std::vector<Entry> old = std::move(_entries);
-    const bool isMostlyGone = _nRemoved * 2 > _nUsed;
-    const std::size_t n = std::max<std::size_t>(isMostlyGone ? old.size() : old.size() * 2, 1024);
+    moveSome(SIZE_MAX);
+    const std::size_t nLeft = _nUsed - _nRemoved + nMore;
+    std::size_t n = std::max<std::size_t>(_entries.size(), 1024);
+    while (nLeft * 3 > n)
+        n *= 2;
+    _old = std::move(_entries);
+    _leaving = std::move(_removed);
+    _removed.clear();
+    _nMoved = 0;
+    _entries = {};
     _entries.reserve(n);
     if (n * sizeof(Entry) >= mem::cLargePagesFrom)
         mem::adviseLargePages(_entries.data(), n * sizeof(Entry));
     _entries.resize(n);
-    _nUsed = _nRemoved = 0;
-    for (const Entry& entry : old)
-        if (entry.key != 0 && _shapes[entry.version] != UINT32_MAX)
-            insert(entry);
-    _free.insert(_free.end(), _removed.begin(), _removed.end());
-    _removed.clear();
+}
+
+void SharedEdges::moveSome(std::size_t nPlaces)
+{
+    if (_old.empty())
+        return;
+    const std::size_t end = std::min(nPlaces, _old.size() - _nMoved) + _nMoved;
+    for (; _nMoved < end; ++_nMoved)
+        if (const Entry& entry = _old[_nMoved]; entry.key != 0)
+        {
+            if (_shapes[entry.version] != UINT32_MAX)
+                insert(entry);
+            else
+            {
+                --_nUsed;
+                --_nRemoved;
+            }
+        }
+    if (_nMoved < _old.size())
+        return;
+    _old = {};
+    _free.insert(_free.end(), _leaving.begin(), _leaving.end());
+    _leaving.clear();
 }
 
 void SharedEdges::insert(Entry entry)
 {
     const std::size_t mask = _entries.size() - 1;
-    std::size_t place = placeOf(entry.key);
+    std::size_t place = placeIn(_entries, entry.key);
     while (_entries[place].key != 0)
         place = (place + 1) & mask;
     _entries[place] = entry;
-    ++_nUsed;
 }
 
 void SharedEdges::clear() { *this = SharedEdges(); }

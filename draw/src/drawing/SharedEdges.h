@@ -32,16 +32,20 @@ private:
         Version version = 0;
     };
 
-    void grow();
+    void grow(std::size_t nMore);
+    void moveSome(std::size_t nPlaces);
     void insert(Entry entry);
-    std::size_t placeOf(std::uint32_t key) const;
+    static std::size_t placeIn(const std::vector<Entry>& entries, std::uint32_t key);
 
-    std::vector<Entry> _entries; // as many as a power of two; the place is the key's, or after it
-    std::size_t _nUsed = 0;
-    std::vector<std::uint32_t> _shapes;   // by version; UINT32_MAX for those removed
-    std::size_t _nRemoved = 0;            // entries of these
-    std::vector<std::uint32_t> _counts;   // of entries, by version
+    std::vector<Entry> _entries;        // as many as a power of two; the place is the key's, or after it
+    std::vector<Entry> _old;            // that not all have been moved from: at once would take longer than a frame has
+    std::size_t _nMoved = 0;            // places of these
+    std::size_t _nUsed = 0;             // entries in either
+    std::vector<std::uint32_t> _shapes; // by version; UINT32_MAX for those removed
+    std::size_t _nRemoved = 0;          // entries of these
+    std::vector<std::uint32_t> _counts; // of entries, by version
     std::vector<Version> _removed, _free; // with entries still there, and to be given again
+    std::vector<Version> _leaving;        // with entries in _old alone
     std::vector<std::uint32_t> _keys;
 };
 

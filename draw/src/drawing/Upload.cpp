@@ -108,6 +108,8 @@ struct Upload::Shapes::Maker
     std::deque<std::shared_ptr<Job>> jobs; // that have not begun
     std::shared_ptr<Job> pRunning;
     std::deque<Piece> pieces;
+    // Handed over, for the worker to free: giving memory back to the system can take longer than a frame.
+    std::vector<Piece> spent;
     std::size_t nKnown = 0; // pieces, since there was nothing to do
     bool isAsked = false;   // the GUI thread, to take some
     Clock::time_point next; // not before
@@ -146,8 +148,10 @@ struct Upload::Impl : std::enable_shared_from_this<Upload::Impl>
 bool Upload::Shapes::Maker::give(const std::shared_ptr<Job>& pJob, decltype(Piece::content)&& content)
 {
     const bool isShape = content.index() < 2;
+    std::vector<Piece> freed;
     {
         const std::lock_guard lock(mutex);
+        freed.swap(spent);
         if (pJob->isCancelled)
             return false;
         pieces.push_back({pJob, std::move(content)});
@@ -236,11 +240,15 @@ void Upload::Impl::work(const std::stop_token& stop)
     while (true)
     {
         std::shared_ptr<Job> pJob;
+        std::vector<Maker::Piece> freed;
         {
             std::unique_lock lock(maker.mutex);
-            maker.changed.wait(lock, stop, [this] { return !maker.jobs.empty(); });
+            maker.changed.wait(lock, stop, [this] { return !maker.jobs.empty() || !maker.spent.empty(); });
             if (stop.stop_requested())
                 return;
+            freed.swap(maker.spent);
+            if (maker.jobs.empty())
+                continue;
             pJob = std::move(maker.jobs.front());
             maker.jobs.pop_front();
             maker.pRunning = pJob;
@@ -330,6 +338,12 @@ bool Upload::Impl::takeOne()
         maker.pieces.pop_front();
     }
     put(*piece);
+    // What the user's functions hold goes on their thread.
+    if (piece->content.index() < 2)
+    {
+        const std::lock_guard lock(maker.mutex);
+        maker.spent.push_back(std::move(*piece));
+    }
     return true;
 }
 
