@@ -57,6 +57,7 @@ public:
             throw std::runtime_error(file + ": nothing to draw");
         drawing().setPickable(_glow = drawing().stroke({}, {.width = 3, .join = Join::Round}, "#f2762e"), false);
         _note = drawing().text({}, "", {.size = 13, .halo = {3}}, {Anchor::Bottom, {0, -6}});
+        drawing().setPickable(_note, false);
     }
 
 private:

@@ -33,19 +33,22 @@ public:
     explicit DrawingView(bool yDown = true);
     ~DrawingView() override;
 
+    /// What it shows, to be filled and changed.
     Drawing& drawing() { return _drawing; }
     const Drawing& drawing() const { return _drawing; }
     /// What the drawing is on; white at first.
     void setBackground(td::Color color);
 
-    /// What the drawing's bounds are with a margin in points, as the view's home, with zooms up to 10^6 times closer:
-    /// done before the first frame; to be called after changes that it is to show all of.
+    /// Makes the drawing's bounds, with a margin in points, the view's home (see OrthoView::setHome), and lets people
+    /// zoom up to some 10^6 times closer. Done before the first frame; call it when the drawing has become larger.
     /// @return false when there is nothing, or no room
     bool showAll(double margin = 30);
 
-    /// Saves all of the drawing on its background as a PNG file. @param size  in points, of the longer side without
-    /// the margin @param margin  in points @param pixelsPerPoint, @return  as Drawing::savePicture; false too when
-    /// there is nothing
+    /// Saves all of the drawing on its background as a PNG file.
+    /// @param size            in points, of the longer side without the margin
+    /// @param margin          in points
+    /// @param pixelsPerPoint  see Drawing::savePicture
+    /// @return as that; false too when there is nothing
     [[nodiscard]] bool saveAll(const char* path, double size = 1200, double margin = 40, double pixelsPerPoint = 2);
 
 protected:

@@ -43,16 +43,16 @@ namespace gui::draw
 ///         return app.run(view, "Discs", {640, 400});
 ///     }
 ///
-/// The function reads, parses, builds paths and lays out texts; curves, triangles and dashes are made there too. What it
-/// gives is drawn from the next frame on, in the order in which it was given, each shape whole or not at all. Functions
+/// The function reads, parses, builds paths and lays out texts; curves, triangles and dashes are made there too. What
+/// it gives is drawn from the next frame on, in the order in which it was given, each shape whole or not at all. Functions
 /// run one after the other, in the order of the calls, on a thread of this object's own; two objects have two.
 ///
 /// What they may use: Path, FillTessellator, Stroke, Paint, TextLayout, Typeface and Samples, objects that no other
 /// thread uses meanwhile; neither Drawing and Series nor anything that needs a context. What they refer to has to live
 /// as long as they run: the destructor and, if it must not begin any more, cancel see to that.
 ///
-/// All else is for the GUI thread, and an application that runs. A context that is lost meanwhile, a view, a drawing or a
-/// group that goes, make no difference to it: what has no place any more is dropped. Not copyable.
+/// All else is for the GUI thread, and an application that runs. A context that is lost meanwhile, a view, a drawing or
+/// a group that goes, make no difference to it: what has no place any more is dropped. Not copyable.
 class GUIGL_API Upload
 {
 public:
@@ -96,8 +96,8 @@ public:
     Upload& operator=(const Upload&) = delete;
 
     /// Begins to fill a drawing.
-    /// @param prepare  called once, on this object's thread; what it throws goes to the handler of errors, and its shapes
-    ///                 up to there stay. Null is an assertion ("prepare != nullptr"), and 0
+    /// @param prepare  called once, on this object's thread; what it throws goes to the handler of errors, and its
+    ///                 shapes up to there stay. Null is an assertion ("prepare != nullptr"), and 0
     /// @return a group in the drawing, within the one that was begun, that all of its shapes go into: to hide, to move,
     ///         to show at some zooms, to remove, at once too. They are over all shapes that are there when they come
     Drawing::ID add(Drawing& drawing, std::function<void(Shapes&)> prepare);
