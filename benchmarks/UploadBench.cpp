@@ -14,8 +14,8 @@
 #include <vector>
 
 // A map of half a million corners is opened while frames go on: all countries of the world with their borders, three
-// times side by side. A frame is what is handed over before it and its drawing, without what the driver does for
-// the shapes: its call for them goes nowhere meanwhile. What it takes to copy what is uploaded is told apart from what is
+// times side by side. A frame is what is handed over before it and its drawing, without what the driver does for the
+// shapes: its call for them goes nowhere meanwhile. What it takes to copy what is uploaded is told apart from what is
 // the library's. Beside it, the same in one frame.
 
 namespace

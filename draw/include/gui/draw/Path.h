@@ -59,8 +59,8 @@ concept PointRange =
 ///         std::printf("%g long\n", path.getLength());
 ///     }
 ///
-/// It is a value: copied, moved, compared with nothing else; for any thread, one at a time. Building operations return the path, so that they can
-/// follow each other:
+/// It is a value: copied, moved, compared with nothing else; for any thread, one at a time. Building operations return
+/// the path, so that they can follow each other:
 ///
 ///     Path arrow;
 ///     arrow.moveTo({0, 0}).lineTo({8, 4}).lineTo({0, 8}).close();

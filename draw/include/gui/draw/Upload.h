@@ -44,8 +44,9 @@ namespace gui::draw
 ///     }
 ///
 /// The function reads, parses, builds paths and lays out texts; curves, triangles and dashes are made there too. What
-/// it gives is drawn from the next frame on, in the order in which it was given, each shape whole or not at all. Functions
-/// run one after the other, in the order of the calls, on a thread of this object's own; two objects have two.
+/// it gives is drawn from the next frame on, in the order in which it was given, each shape whole or not at all.
+/// Functions run one after the other, in the order of the calls, on a thread of this object's own; two objects have
+/// two.
 ///
 /// What they may use: Path, FillTessellator, Stroke, Paint, TextLayout, Typeface and Samples, objects that no other
 /// thread uses meanwhile; neither Drawing and Series nor anything that needs a context. What they refer to has to live
