@@ -2,6 +2,7 @@
 
 #include "WaitInLoop.h"
 #include "support/Lines.h"
+#include "support/Pinning.h"
 
 #include <gui/Texture.h>
 
@@ -91,6 +92,13 @@ void RecordingView::hear(const std::string& line)
 {
     checkContext();
     lines.push_back(line);
+}
+
+void RecordingView::onInit()
+{
+    _context = gui::gl::CurrentContext::getID();
+    // Here the driver is in use. A toolkit may unload it with its last window.
+    pinLoadedLibraries();
 }
 
 void RecordingView::onDraw(const td::RectNormalized<double>&)

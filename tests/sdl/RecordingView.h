@@ -42,7 +42,7 @@ public:
 
 protected:
     void hear(const std::string& line) override;
-    void onInit() override { _context = gui::gl::CurrentContext::getID(); }
+    void onInit() override;
     void onDraw(const td::RectNormalized<double>& rect) override;
     void onResize(const td::Size<double>& size) override;
     void cleanResources() override;
