@@ -88,10 +88,19 @@ int usageOf(const QKeyEvent& event)
     return 0;
 }
 
+// Qt 6.8 leaves AltGr out on X11, where Mod5 stands for it, as among XKB's real modifiers.
+Qt::KeyboardModifiers qtModifiersOf(const QKeyEvent& event)
+{
+    constexpr quint32 cMod5Mask = 128;
+    if (event.nativeScanCode() != 0 && (event.nativeModifiers() & cMod5Mask) != 0)
+        return event.modifiers() | Qt::GroupSwitchModifier;
+    return event.modifiers();
+}
+
 // The character of a key with Shift alone applied, of the symbol or the text that it has with all modifiers.
 unsigned short characterOf(const QKeyEvent& event)
 {
-    const bool isAltGr = (event.modifiers() & Qt::GroupSwitchModifier) != 0;
+    const bool isAltGr = (qtModifiersOf(event) & Qt::GroupSwitchModifier) != 0;
     const quint32 ofLayout = isAltGr ? getX11Symbol(event) : 0;
     unsigned short character = gui::gl::toCharacter(ofLayout != 0 ? ofLayout : event.nativeVirtualKey());
     if (character == 0 && event.nativeScanCode() == 0 && event.key() >= Qt::Key_Space && event.key() < Qt::Key_Escape)
@@ -266,7 +275,7 @@ bool QtInput::onKey(const QKeyEvent& event, const gui::gl::SharedClient& pClient
     if (mapping.kind == Character::OfLayout || mapping.kind == Character::OfShiftedLayout)
         if (const unsigned short ofLayout = characterOf(event))
             character = ofLayout;
-    const unsigned int modifiers = modifiersOf(event.modifiers());
+    const unsigned int modifiers = modifiersOf(qtModifiersOf(event));
     const QString text = isDown && takesText ? event.text() : QString();
     const bool isUsed = (*pClient)->onKey({isDown, mapping.keyCode, character, modifiers});
     if (text.isEmpty() || !text.front().isPrint())
