@@ -77,11 +77,13 @@ void appendBare(benchmark::State& state)
     setBytesSent(state, nBytes);
 }
 
+template <bool isKept>
 void appendDynamic(benchmark::State& state)
 {
     context().makeCurrent();
     const auto nFloats = static_cast<std::size_t>(state.range(0));
     Buffer buffer;
+    buffer.setKeptForRestore(isKept);
     buffer.setDynamic();
     buffer.init(0, cThere + cRounds * cArriving, 0, layoutOf(nFloats));
     buffer.appendVertices(sent().data(), cThere);
@@ -147,7 +149,8 @@ void changeDynamic(benchmark::State& state)
 
 BENCHMARK(appendBare<false>)->Name("Stream/append/bare")->Arg(2)->Arg(8);
 BENCHMARK(appendBare<true>)->Name("Stream/append/bareAndKept")->Arg(2)->Arg(8);
-BENCHMARK(appendDynamic)->Name("Stream/append/dynamic")->Arg(2)->Arg(8);
+BENCHMARK(appendDynamic<false>)->Name("Stream/append/dynamic")->Arg(2)->Arg(8);
+BENCHMARK(appendDynamic<true>)->Name("Stream/append/dynamicAndKept")->Arg(2)->Arg(8);
 BENCHMARK(appendToRing)->Name("Stream/append/ring")->Arg(2)->Arg(8);
 BENCHMARK(changeBare)->Name("Stream/change/bare");
 BENCHMARK(changeDynamic)->Name("Stream/change/dynamic");

@@ -88,7 +88,9 @@ bool Buffer::init(std::size_t nCommands, std::size_t nVertices, std::size_t nInd
     copyTo(_vertexLayout, layout);
     _nVertexFloats = static_cast<unsigned char>(vertexFloatUnits);
     _vertexRecLenInBytes = static_cast<unsigned short>(vertexFloatUnits * sizeof(VertexType));
-    _vertexData.reserve(vertexFloatUnits * getRoom(nVertices));
+    if (isInGLAlone())
+        _pDynamic->room = nVertices;
+    _vertexData.reserve(isInGLAlone() ? 0 : vertexFloatUnits * getRoom(nVertices));
     if (nIndices != 0)
         _indices.reserve(nIndices);
     return true;
@@ -143,8 +145,8 @@ void Buffer::appendVertexUnits(const float* data, std::size_t nVertexFloats)
         return;
     TD_ASSERT(_vertexRecLenInBytes > 0);
     TD_ASSERT(((nVertexFloats * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
-    if (_isRing)
-        makeRoomInRing(nVertexFloats);
+    if (_isWatched && isAppended(data, nVertexFloats))
+        return;
     _vertexData.push_back(data, nVertexFloats);
 }
 
@@ -154,10 +156,10 @@ void Buffer::appendVertex(const td::Point<float>& pt)
         return;
     TD_ASSERT(_vertexRecLenInBytes > 0);
     TD_ASSERT(((2 * sizeof(gui::gl::VertexType)) % _vertexRecLenInBytes) == 0);
-    if (_isRing)
-        makeRoomInRing(2);
-    _vertexData.push_back(pt.x);
-    _vertexData.push_back(pt.y);
+    const float xy[2] = {pt.x, pt.y};
+    if (_isWatched && isAppended(xy, 2))
+        return;
+    _vertexData.push_back(xy, 2);
 }
 
 Command* Buffer::appendShape(Primitive primitive, const float* data, std::size_t n)
@@ -185,6 +187,13 @@ void Buffer::updateVertex(std::size_t i, const td::Point<float>& pt)
 {
     if (isAddOnCommitted())
         return;
+    if (isInGLAlone())
+    {
+        TD_ASSERT(_nVertexFloats == 2);
+        const float xy[2] = {pt.x, pt.y};
+        updateVertices(i, xy, 1);
+        return;
+    }
     const std::size_t pos = floatOfPoint(i, getFirstFloat());
     float& y = _vertexData.at(pos + 1);
     _vertexData.at(pos) = pt.x;
@@ -197,6 +206,11 @@ void Buffer::getVertex(std::size_t i, td::Point<float>& pt) const
 {
     if (isAddOnCommitted())
         return;
+    if (isInGLAlone())
+    {
+        vo::dbgLog("Error! Buffer::getVertex: the data of this dynamic buffer is in GL alone");
+        return;
+    }
     const std::size_t pos = floatOfPoint(i, getFirstFloat());
     pt.y = _vertexData.at(pos + 1);
     pt.x = _vertexData.at(pos);
@@ -206,9 +220,16 @@ void Buffer::insertVertex(std::size_t i, const td::Point<float>& pt)
 {
     if (isAddOnCommitted())
         return;
-    const std::size_t pos = floatOfPoint(i, getFirstFloat());
     const float x = pt.x;
     const float y = pt.y;
+    if (isInGLAlone())
+    {
+        TD_ASSERT(_nVertexFloats == 2);
+        const float xy[2] = {x, y};
+        insertQueued(i, xy);
+        return;
+    }
+    const std::size_t pos = floatOfPoint(i, getFirstFloat());
     if (_pDynamic)
         notePointInserted(pos);
     _vertexData.insert(pos, x);
@@ -219,9 +240,30 @@ std::size_t Buffer::getNoOfVertices() const
 {
     const std::size_t nRecLen = _vertexRecLenInBytes;
     TD_ASSERT(nRecLen > 0, 0);
+    if (isInGLAlone())
+    {
+        noteAppended();
+        return _pDynamic->vertices.pieces.size();
+    }
     const std::size_t nVBOBytes = (_vertexData.size() - getFirstFloat()) * sizeof(VertexType);
     TD_ASSERT((nVBOBytes % nRecLen) == 0, 0);
     return nVBOBytes / nRecLen;
+}
+
+std::size_t Buffer::getNoOfIndices() const
+{
+    if (!isInGLAlone())
+        return _indices.size();
+    noteAppended();
+    return _pDynamic->indices.pieces.size();
+}
+
+std::size_t Buffer::getNoOfInstances() const
+{
+    if (!isInGLAlone())
+        return _instanceData.size();
+    noteAppended();
+    return _pDynamic->instances.pieces.size() * _nInstanceFloats;
 }
 
 bool Buffer::commit()
@@ -239,7 +281,7 @@ bool Buffer::commit()
     if (!upload())
         return false;
     _isLost = false;
-    if (!_isKept)
+    if (!_isKept && !_pDynamic)
         freeData();
     return true;
 }
@@ -324,15 +366,14 @@ void Buffer::enableInstances(unsigned int location, std::size_t offset) const
 void Buffer::noteCounts() const
 {
     const auto fit = [](std::size_t n) { return static_cast<unsigned int>(std::min<std::size_t>(n, INT_MAX)); };
-    const std::size_t nVertices = _nVertexFloats != 0 ? (_vertexData.size() - getFirstFloat()) / _nVertexFloats : 0;
-    _inGL = {.nVertices = fit(nVertices), .nIndices = fit(_indices.size())};
+    _inGL = {.nVertices = _nVertexFloats != 0 ? fit(getNoOfVertices()) : 0, .nIndices = fit(getNoOfIndices())};
     if (_instanceLayout.size() == 0)
         return;
     // The first attribute that ends says when all of them do.
     std::size_t nEach = _divisors.size() == 0 ? 1 : SIZE_MAX;
     for (const unsigned short divisor : _divisors)
         nEach = std::min<std::size_t>(nEach, std::max<std::size_t>(divisor, 1));
-    _inGL.nInstances = fit(_instanceData.size() / std::max<std::size_t>(_nInstanceFloats, 1) * nEach);
+    _inGL.nInstances = fit(getNoOfInstances() / std::max<std::size_t>(_nInstanceFloats, 1) * nEach);
 }
 
 void Buffer::deleteObjects()
@@ -350,12 +391,15 @@ void Buffer::deleteNames() const
 
 void Buffer::setKeptForRestore(bool isKept)
 {
-    if (_pDynamic && !isKept)
+    _isKept = isKept;
+    if (_pDynamic)
     {
-        vo::dbgLog("Warning! Buffer::setKeptForRestore(false) on a dynamic buffer, which keeps its data all the same");
+        if (!isKept && !_pDynamic->isInGLAlone)
+            leaveToGL();
+        else if (isKept && isEmpty())
+            setInGLAlone(false);
         return;
     }
-    _isKept = isKept;
     if (!isKept && isCommitted())
         freeData();
 }

@@ -68,8 +68,7 @@ void Buffer::setDynamic()
     TD_ASSERT(isEmpty());
     if (!_pDynamic)
         _pDynamic = std::make_unique<DynamicBuffer>();
-    if (!std::exchange(_isKept, true))
-        setKeptForRestore(false);
+    setInGLAlone(!_isKept);
 }
 
 void Buffer::setRing(std::size_t nVertices)
@@ -78,15 +77,17 @@ void Buffer::setRing(std::size_t nVertices)
     TD_ASSERT(isEmpty());
     setDynamic();
     _pDynamic->nKept = nVertices;
-    _isRing = true;
+    _isRing = _isWatched = true;
 }
 
 // Nothing is there, in whatever layout comes.
 void Buffer::beginAnew()
 {
-    const std::size_t nKept = _pDynamic->nKept;
+    const std::size_t nKept = _pDynamic->nKept, room = _pDynamic->room;
     *_pDynamic = {};
     _pDynamic->nKept = nKept;
+    _pDynamic->room = room;
+    setInGLAlone(!_isKept);
     if (_state == 1)
         _state = 2;
 }
@@ -98,6 +99,8 @@ std::size_t Buffer::getRoom(std::size_t nVertices) const
 
 std::size_t Buffer::findFirstFloat() const
 {
+    if (_pDynamic->isInGLAlone)
+        return 0;
     const std::size_t size = _vertexData.size(), nMost = _pDynamic->nKept * _nVertexFloats;
     return _isRing && size > nMost ? std::max(_pDynamic->first, size - nMost) : _pDynamic->first;
 }
@@ -105,6 +108,8 @@ std::size_t Buffer::findFirstFloat() const
 // Appending needs no more than this: what arrived and what left a ring is found out when it matters.
 void Buffer::noteAppended() const
 {
+    if (_pDynamic->isInGLAlone)
+        return noteQueued();
     DynamicBuffer& dynamic = *_pDynamic;
     const std::size_t first = findFirstFloat();
     if (_nVertexFloats != 0)
@@ -176,6 +181,8 @@ void Buffer::updateVertices(std::size_t first, const float* data, std::size_t n)
     if (_pDynamic)
     {
         noteAppended();
+        if (_pDynamic->isInGLAlone)
+            return updateQueued(first, data, n);
         _pDynamic->vertices.pieces.change(first, n);
     }
     std::memmove(_vertexData.begin() + getFirstFloat() + first * _nVertexFloats, data, n * _vertexRecLenInBytes);
@@ -186,13 +193,15 @@ void Buffer::updateInstances(std::size_t first, const float* data, std::size_t n
     if (isClosed())
         return;
     TD_ASSERT(_nInstanceFloats > 0);
-    const std::size_t count = _instanceData.size() / _nInstanceFloats;
+    const std::size_t count = getNoOfInstances() / _nInstanceFloats;
     TD_ASSERT(isRange(first, n, count));
     if (n == 0)
         return;
     if (_pDynamic)
     {
         noteAppended();
+        if (_pDynamic->isInGLAlone)
+            return updateQueuedInstances(first, data, n);
         _pDynamic->instances.pieces.change(first, n);
     }
     std::memmove(_instanceData.begin() + first * _nInstanceFloats, data, n * _instanceRecLenInBytes);
@@ -202,13 +211,15 @@ void Buffer::updateIndices(std::size_t first, const unsigned int* indices, std::
 {
     if (isClosed())
         return;
-    const std::size_t count = _indices.size();
+    const std::size_t count = getNoOfIndices();
     TD_ASSERT(isRange(first, n, count));
     if (n == 0)
         return;
     if (_pDynamic)
     {
         noteAppended();
+        if (_pDynamic->isInGLAlone)
+            return updateQueuedIndices(first, indices, n);
         _pDynamic->indices.pieces.change(first, n);
     }
     std::memmove(_indices.begin() + first, indices, n * sizeof(unsigned int));
@@ -223,6 +234,8 @@ void Buffer::removeVertices(std::size_t first, std::size_t n)
     if (_pDynamic)
     {
         noteAppended();
+        if (_pDynamic->isInGLAlone)
+            return removeQueued(first, n);
         _pDynamic->vertices.pieces.remove(first, n);
         // The oldest go without a copy, until more are gone than are left.
         if (first == 0 && n < count)
@@ -241,11 +254,13 @@ void Buffer::removeInstances(std::size_t first, std::size_t n)
     if (isClosed())
         return;
     TD_ASSERT(_nInstanceFloats > 0);
-    const std::size_t count = _instanceData.size() / _nInstanceFloats;
+    const std::size_t count = getNoOfInstances() / _nInstanceFloats;
     TD_ASSERT(isRange(first, n, count));
     if (_pDynamic)
     {
         noteAppended();
+        if (_pDynamic->isInGLAlone)
+            return removeQueuedInstances(first, n);
         _pDynamic->instances.pieces.remove(first, n);
     }
     eraseFrom(_instanceData, first * _nInstanceFloats, n * _nInstanceFloats);
@@ -255,11 +270,13 @@ void Buffer::removeIndices(std::size_t first, std::size_t n)
 {
     if (isClosed())
         return;
-    const std::size_t count = _indices.size();
+    const std::size_t count = getNoOfIndices();
     TD_ASSERT(isRange(first, n, count));
     if (_pDynamic)
     {
         noteAppended();
+        if (_pDynamic->isInGLAlone)
+            return removeQueuedIndices(first, n);
         _pDynamic->indices.pieces.remove(first, n);
     }
     eraseFrom(_indices, first, n);
@@ -269,9 +286,11 @@ void Buffer::removeIndices(std::size_t first, std::size_t n)
 bool Buffer::uploadDynamic(unsigned int oldVBO, unsigned int oldEBO, unsigned int oldIBO) const
 {
     noteAppended();
+    if (_pDynamic->isInGLAlone)
+        dropLost();
     for (ChangingArray* pArray : {&_pDynamic->vertices, &_pDynamic->indices, &_pDynamic->instances})
         pArray->pieces.forget();
-    _pDynamic->isLaidOut = false;
+    _pDynamic->isLaidOut = _pDynamic->isSent = false;
     if (!uploadChanges(oldVBO, oldEBO, oldIBO))
         return false;
     layOut();
@@ -291,15 +310,20 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
         dynamic.isLaidOut &= name == nameBefore && array.getBase() == baseBefore;
         return isDone;
     };
-    const std::size_t room = getRoom(_nVertexFloats != 0 ? _vertexData.capacity() / _nVertexFloats : 0);
-    const ChangingArray::Source vertices{
-        .data = _vertexData.begin() + dynamic.first, .elementBytes = _vertexRecLenInBytes, .room = room};
+    const bool isQueue = dynamic.isInGLAlone;
+    const std::size_t inMemory = _nVertexFloats != 0 ? _vertexData.capacity() / _nVertexFloats : 0;
+    const ChangingArray::Source vertices{.data = _vertexData.begin() + dynamic.first,
+                                         .elementBytes = _vertexRecLenInBytes,
+                                         .room = getRoom(isQueue ? dynamic.room : inMemory),
+                                         .isQueue = isQueue};
     if (!update(dynamic.vertices, _vbo, oldVBO, vertices))
     {
         vo::dbgLog("ERROR! Buffer::commit cannot create VBO!");
         return false;
     }
-    if (_indices.capacity() > 0)
+    if (isQueue)
+        emptyVertices();
+    if (_indices.capacity() > 0 || dynamic.indices.pieces.size() > 0 || _ebo != 0)
     {
         const bool isWidened = dynamic.isNarrow && hasWideIndex(dynamic.indices.pieces, _indices.begin());
         const bool isNarrow = dynamic.isNarrow && !isWidened;
@@ -310,7 +334,8 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
                                             .elementBytes = isNarrow ? sizeof(std::uint16_t) : sizeof(std::uint32_t),
                                             .room = _indices.capacity(),
                                             .isNarrowed = isNarrow,
-                                            .canSlide = false};
+                                            .canSlide = false,
+                                            .isQueue = isQueue};
         if (!update(dynamic.indices, name, oldEBO, indices))
         {
             vo::dbgLog("ERROR! Buffer::commit cannot create EBO!");
@@ -320,19 +345,25 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
             _home.deleteName(CurrentContext::Kind::Buffer, _ebo);
         dynamic.isNarrow = isNarrow;
         _ebo = name;
+        if (isQueue)
+            emptyIndices();
     }
     if (_instanceData.capacity() > 0)
     {
         const ChangingArray::Source instances{.data = _instanceData.begin(),
                                               .elementBytes = _instanceRecLenInBytes,
-                                              .room = _instanceData.capacity() / _nInstanceFloats};
+                                              .room = _instanceData.capacity() / _nInstanceFloats,
+                                              .isQueue = isQueue};
         if (!update(dynamic.instances, _ibo, oldIBO, instances))
         {
             vo::dbgLog("ERROR! Buffer::commit cannot create IBO!");
             return false;
         }
+        if (isQueue)
+            emptyInstances();
     }
     noteCounts();
+    dynamic.isSent = true;
     return true;
 }
 
@@ -359,7 +390,7 @@ bool Buffer::commitChanges() const
 {
     if (!CurrentContext::isThere("Buffer::commit"))
         return false;
-    if (_home.getID() != CurrentContext::getID())
+    if (_home.getID() != CurrentContext::getID() || isAllSent())
         return true;
     if (!uploadChanges(0, 0, 0))
         return false;
@@ -374,7 +405,8 @@ bool Buffer::commitChanges() const
 
 void Buffer::activateDynamic() const
 {
-    uploadChanges(0, 0, 0);
+    if (!isAllSent())
+        uploadChanges(0, 0, 0);
     glBindVertexArray(_vao);
     if (!_pDynamic->isLaidOut)
         layOut();

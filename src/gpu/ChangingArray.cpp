@@ -47,6 +47,21 @@ bool ChangingArray::update(unsigned int& name, unsigned int before, const Source
     return true;
 }
 
+bool ChangingArray::append(unsigned int name, const void* data, std::size_t n, std::size_t elementBytes)
+{
+    if (name == 0 || pieces.size() == 0 || !pieces.isSettled())
+        return false;
+    const Pieces::Piece& piece = pieces.all().front();
+    const std::size_t end = piece.at + piece.n;
+    if (end + n > _capacity)
+        return false;
+    glBindBuffer(cTarget, name);
+    glBufferSubData(cTarget, static_cast<GLintptr>(end * elementBytes), static_cast<GLsizeiptr>(n * elementBytes),
+                    data);
+    pieces.extendThere(n);
+    return true;
+}
+
 bool ChangingArray::moveToNew(unsigned int& name, unsigned int before, const Source& source,
                               const ContextResource& home)
 {
@@ -82,15 +97,17 @@ bool ChangingArray::moveToNew(unsigned int& name, unsigned int before, const Sou
 // Into the bound buffer.
 void ChangingArray::sendNew(const Source& source)
 {
-    std::size_t place = 0;
+    std::size_t place = 0, queued = 0;
     for (const Pieces::Piece& piece : pieces.all())
     {
         if (!piece.isThere())
         {
-            const void* data = static_cast<const char*>(source.data) + place * source.elementBytes;
+            const std::size_t from = source.isQueue ? queued : place;
+            queued += piece.n;
+            const void* data = static_cast<const char*>(source.data) + from * source.elementBytes;
             if (source.isNarrowed)
             {
-                const auto* const wide = static_cast<const std::uint32_t*>(source.data) + place;
+                const auto* const wide = static_cast<const std::uint32_t*>(source.data) + from;
                 _narrowed.resize(piece.n);
                 std::transform(wide, wide + piece.n, _narrowed.begin(),
                                [](std::uint32_t i) { return static_cast<std::uint16_t>(i); });

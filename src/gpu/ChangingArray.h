@@ -25,6 +25,7 @@ public:
         std::size_t room;         // for so many elements at least
         bool isNarrowed = false;  // 32-bit numbers in memory, 16-bit ones in GL
         bool canSlide = true;     // the first element may stand behind the beginning
+        bool isQueue = false;     // memory has only those that GL lacks
     };
 
     Pieces pieces; ///< what is known of the array's elements
@@ -34,6 +35,9 @@ public:
     /// @param before  its name in a context that was lost
     /// @return false when GL has no name to give: all is as before
     bool update(unsigned int& name, unsigned int before, const Source& source, const ContextResource& home);
+
+    /// Sends n elements that come behind the last, if GL has all others and room for these. @return false when not
+    bool append(unsigned int name, const void* data, std::size_t n, std::size_t elementBytes);
 
     /// Where the first element stands.
     std::size_t getBase() const { return _base; }

@@ -13,8 +13,11 @@ struct DynamicBuffer
     ChangingArray vertices;
     ChangingArray indices;
     ChangingArray instances;
-    std::size_t nKept = 0;  // vertices of a ring; 0 when it is none
-    std::size_t first = 0;  // of the floats in memory, as vertices knows them: those before it are gone
+    std::size_t nKept = 0; // vertices of a ring; 0 when it is none
+    std::size_t first = 0; // of the floats in memory, as vertices knows them: those before it are gone
+    std::size_t room = 0;  // vertices that GL shall have room for, where memory has none for them
+    bool isInGLAlone = false;
+    bool isSent = false;    // what is in GL alone, but for the queues
     bool isNarrow = true;   // indices of 16 bits in GL
     bool isLaidOut = false; // the vertex array names the buffers as they are
 };

@@ -54,7 +54,7 @@ void Pieces::replace(std::size_t begin, std::size_t end, std::size_t n)
         join(begin + 1);
     }
     join(begin);
-    if (_pieces.size() > cMostPieces)
+    if (_isResendable && _pieces.size() > cMostPieces)
         thin();
 }
 
@@ -93,6 +93,38 @@ void Pieces::forget()
     _pieces.clear();
     if (_size > 0)
         _pieces.push_back({_size, cNowhere});
+}
+
+bool Pieces::dropThere()
+{
+    const bool isAny = isAnyThere();
+    if (isAny)
+    {
+        _size = countMissing(0, _size);
+        forget();
+    }
+    return isAny;
+}
+
+std::size_t Pieces::countMissing(std::size_t pos, std::size_t n) const
+{
+    std::size_t nMissing = 0, begin = 0;
+    for (const Piece& piece : _pieces)
+    {
+        const std::size_t end = begin + piece.n;
+        if (!piece.isThere() && end > pos && begin < pos + n)
+            nMissing += std::min(end, pos + n) - std::max(begin, pos);
+        begin = end;
+        if (begin >= pos + n)
+            break;
+    }
+    return nMissing;
+}
+
+void Pieces::extendThere(std::size_t n)
+{
+    _pieces.back().n += n;
+    _size += n;
 }
 
 void Pieces::settle(std::size_t base)

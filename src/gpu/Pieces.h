@@ -34,8 +34,17 @@ public:
     void change(std::size_t pos, std::size_t n);
     /// GL has none of them any more.
     void forget();
+    /// Those that GL had are none any more. @return whether there were some
+    bool dropThere();
     /// All of them stand in GL now, in a row from base.
     void settle(std::size_t base);
+
+    /// Of n elements from pos on, those that GL lacks.
+    std::size_t countMissing(std::size_t pos, std::size_t n) const;
+    /// One behind the other, n more elements stand in GL, which has all others: in a row, and at least one.
+    void extendThere(std::size_t n);
+    /// Whether memory has those that GL has, so that gaps between many pieces can be sent again; true at first.
+    void setResendable(bool isResendable) { _isResendable = isResendable; }
 
     /// By how much all that are there stand behind their place in memory. Nothing when they were moved against each
     /// other, or stand before their place; 0 when GL has none.
@@ -51,6 +60,7 @@ private:
 
     std::vector<Piece> _pieces;
     std::size_t _size = 0;
+    bool _isResendable = true;
 };
 
 } // namespace gui::gl

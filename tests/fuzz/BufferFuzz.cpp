@@ -1,5 +1,5 @@
 // Edits of a dynamic buffer or a ring in any order, beside plain vectors: what GL has, how much of it a frame draws,
-// and how many bytes were sent for it.
+// and how many bytes were sent for it. Some are left to GL alone, from the beginning or later.
 
 #include "Fuzz.h"
 
@@ -55,6 +55,12 @@ public:
         _values.erase(_values.begin() + place(at * _nEach), _values.begin() + place((at + n) * _nEach));
         _isFresh.erase(_isFresh.begin() + place(at), _isFresh.begin() + place(at + n));
     }
+    void dropStale()
+    {
+        for (std::size_t i = size(); i-- > 0;)
+            if (!isFresh(i))
+                remove(i, 1);
+    }
     void setAllFresh(bool isFresh) { std::ranges::fill(_isFresh, char(isFresh)); }
 
 private:
@@ -79,13 +85,17 @@ public:
         constexpr std::array cTypes{DataType::Float, DataType::Vec2, DataType::Vec3};
         _isInstanced = input.below(2) != 0;
         _nRing == 0 ? _buffer.setDynamic() : _buffer.setRing(_nRing);
+        if (input.below(3) == 0)
+            leaveToGL();
         const std::size_t room = input.below(80);
         if (_isInstanced)
             _buffer.init(1, room, input.below(2), 1, {cTypes[_nFloats - 1]}, {DataType::NormShort4}, {2});
         else
             _buffer.init(1, room, input.below(2), {cTypes[_nFloats - 1]});
         _buffer.createCommand()->createDrawAll(Primitive::Points);
+        FrameLedger::begin();
     }
+    ~BufferWorld() { FrameLedger::end(); }
 
     void live()
     {
@@ -107,6 +117,13 @@ private:
         const unsigned int step = _input.below(50) == 0 ? 0x10000 : 1;
         std::ranges::generate(indices, [this, step] { return step * _input.below(100); });
         return indices;
+    }
+
+    void leaveToGL()
+    {
+        _buffer.setKeptForRestore(false);
+        _isKept = false;
+        _isWide = true;
     }
 
     // Takes a range of count elements.
@@ -156,6 +173,8 @@ private:
         }
         _buffer.updateVertex(at, point);
         _vertices.update(at, values);
+        if (!_isKept)
+            return;
         td::Point<float> read;
         _buffer.getVertex(at, read);
         require(read.x == point.x && read.y == point.y, "a point is what it was set to");
@@ -175,8 +194,7 @@ private:
         if (_vertices.size() > 0)
             _buffer.setRing(3);
         require(quiet.nAsserts == 6 + (_vertices.size() > 0 ? 1 : 0), "what is not there is refused");
-        _buffer.setKeptForRestore(false);
-        require(_buffer.isKeptForRestore(), "the data stays");
+        require(_isKept || _buffer.getVertices().size() == 0, "there is nothing to read");
     }
 
     // More pieces than there are calls for.
@@ -213,7 +231,7 @@ private:
         _vertices = Model<float>(_nFloats);
         _indices = Model<unsigned int>(1);
         _instances = Model<float>(2);
-        _isWide = _wasWide = false;
+        _isWide = _wasWide = !_isKept;
         _buffer.createCommand()->createDrawAll(Primitive::Points);
     }
 
@@ -292,11 +310,17 @@ private:
                         });
             break;
         case 11:
-            require(std::ranges::equal(_buffer.getVertices(), _vertices.values()), "memory has what it should");
+            require(!_isKept || std::ranges::equal(_buffer.getVertices(), _vertices.values()),
+                    "memory has what it should");
+            require(_buffer.getNoOfVertices() == _vertices.size() && _buffer.getNoOfIndices() == _indices.size() &&
+                        _buffer.getNoOfInstances() == _instances.values().size(),
+                    "all are counted");
             break;
         case 12:
             if (_isInstanced)
                 refuse();
+            if (_input.below(16) == 0)
+                leaveToGL();
             break;
         case 13:
             if (_input.below(8) == 0)
@@ -310,6 +334,12 @@ private:
                 // Which sends what is committed.
                 if (_buffer.isCommitted())
                     noteWideIndices();
+                if (_buffer.isCommitted() && !_isKept)
+                {
+                    _vertices.dropStale();
+                    _indices.dropStale();
+                    _instances.dropStale();
+                }
                 require(_context.replace(), "there is another context");
                 _isExact = false;
             }
@@ -369,9 +399,8 @@ private:
     {
         noteWideIndices();
         const bool isWidened = _isWide && !_wasWide;
-        FrameLedger::begin();
         _program.draw(_buffer);
-        FrameLedger::end();
+        FrameLedger::end(); // begun at the last check: what is left to GL may be sent at once
         const FrameLedger::Frame frame = FrameLedger::getLast();
         const std::size_t nSent = _vertices.nFresh() * _nFloats * 4 + _instances.nFresh() * 8 +
                                   (isWidened ? _indices.size() : _indices.nFresh()) * (_isWide ? 4 : 2);
@@ -392,6 +421,7 @@ private:
         _instances.setAllFresh(false);
         _wasWide = _isWide;
         _isExact = true;
+        FrameLedger::begin();
     }
 
     fuzz::Input& _input;
@@ -404,6 +434,7 @@ private:
     Model<float> _instances{2};
     Buffer _buffer;
     float _number = 0;
+    bool _isKept = true;
     bool _isInstanced = false;
     bool _isIndexed = false;
     bool _isWide = false, _wasWide = false;

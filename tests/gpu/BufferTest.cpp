@@ -326,14 +326,42 @@ TEST_F(BufferTest, BuffersAreDynamicFromTheirFirstDataOnOrNever)
     EXPECT_EQ(closed.getNoOfVertices(), 1U);
 
     Buffer changing{Vec2};
-    changing.setKeptForRestore(false);
     changing.setDynamic();
-    EXPECT_TRUE(log.said("Warning! Buffer::setKeptForRestore(false) on a dynamic buffer, which keeps its data all the "
-                         "same"));
-    EXPECT_TRUE(changing.isKeptForRestore());
     const float wrong[3] = {};
     Buffer::Appender(changing, 0).append(wrong[0]);
     EXPECT_TRUE(asserts.caught("cFloats == _nFloats || _nFloats == 0"));
+}
+
+// Copies of what GL has, calls for each of many little ones, and numbers that are there no more.
+TEST_F(BufferTest, WhatIsLeftToGLIsSentAtOnceWhereItIsMuchAndIsNotRead)
+{
+    Buffer buffer;
+    buffer.setKeptForRestore(false);
+    buffer.setDynamic();
+    ASSERT_TRUE(buffer.init(1, 2000, 0, {Vec2}));
+    const std::vector<float> many(2000);
+    buffer.appendVertices(cNumbers.data(), 1);
+    ASSERT_TRUE(buffer.commit());
+    trace.clear();
+    buffer.appendVertices(many.data(), 1000);
+    EXPECT_EQ(trace.count("glBufferSubData"), 1U);
+    buffer.appendVertices(cNumbers.data(), 1);
+    buffer.appendVertices(cNumbers.data(), 1);
+    EXPECT_EQ(trace.count("glBufferSubData"), 1U);
+    ASSERT_TRUE(buffer.commit());
+    EXPECT_EQ(trace.count("glBufferSubData"), 2U);
+    buffer.appendVertices(many.data(), 1000); // more than there is room for
+    EXPECT_EQ(trace.count("glBufferSubData"), 2U);
+    EXPECT_EQ(buffer.getNoOfVertices(), 2003U);
+    EXPECT_EQ(buffer.getVertices().size(), 0U);
+    td::Point<float> point(1, 2);
+    buffer.getVertex(0, point);
+    EXPECT_EQ(log.take(),
+              (std::vector<std::string>{"Error! Buffer::getVertices: the data of this dynamic buffer is in GL alone",
+                                        "Error! Buffer::getVertex: the data of this dynamic buffer is in GL alone"}));
+    EXPECT_EQ(point.x, 1);
+    buffer.updateVertex(2003, point);
+    EXPECT_TRUE(asserts.caught("isRange(first, n, count)"));
 }
 
 } // namespace

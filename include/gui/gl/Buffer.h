@@ -80,7 +80,7 @@ public:
     /// after something was removed before them, those are others; when some of them are there no more, what is drawn
     /// is undefined. Command::createDrawAll draws all there is. Indices are as they were appended, whatever happens to
     /// the vertices. They take 16 bits each in GL, as long as all are below 65,535; commands know which it is.
-    /// The data stays in memory (setKeptForRestore(false) is refused by a log line), and survives its context.
+    /// The data stays in memory, and survives its context, unless setKeptForRestore(false) leaves it to GL alone.
     /// Before the first data: later is a programming error ("isEmpty()") and changes nothing.
     void setDynamic();
 
@@ -98,8 +98,8 @@ public:
         if (isClosed())
             return;
         TD_ASSERT(_vertexRecLenInBytes > 0);
-        if (_isRing) [[unlikely]]
-            makeRoomInRing(nVertices * (_vertexRecLenInBytes / sizeof(float)));
+        if (_isWatched && isAppended(data, nVertices * (_vertexRecLenInBytes / sizeof(float)))) [[unlikely]]
+            return;
         // From the 8 bits of _nVertexFloats, compilers conclude that few floats are copied, and choose a slow way.
         _vertexData.push_back(data, nVertices * (_vertexRecLenInBytes / sizeof(float)));
     }
@@ -187,6 +187,9 @@ public:
                        float xyScale = 1);
 
     /// Point access, for layouts of 2 floats. i must be below the number of vertices: element access stops the program.
+    /// A dynamic buffer that is not kept for restoring has no vertices to read ("Error! Buffer::getVertex: the data of
+    /// this dynamic buffer is in GL alone", nothing changes), and asserts ("isRange(first, n, count)") and changes
+    /// nothing where there is no such vertex, or the layout is another one ("_nVertexFloats == 2").
     void updateVertex(std::size_t i, const td::Point<float>& pt);
     void getVertex(std::size_t i, td::Point<float>& pt) const;
     /// Moves vertices from i up by one place; at or past the end it appends.
@@ -212,20 +215,16 @@ public:
 
     /// 0 without a layout (an assertion).
     std::size_t getNoOfVertices() const;
-    std::size_t getNoOfIndices() const { return _indices.size(); }
+    std::size_t getNoOfIndices() const;
     /// The number of floats in the instance data. It is not divided by the floats of an instance.
-    std::size_t getNoOfInstances() const { return _instanceData.size(); }
+    std::size_t getNoOfInstances() const;
     /// Bytes from one vertex, or instance, to the next.
     unsigned short getVertexStride() const { return _vertexRecLenInBytes; }
     unsigned short getInstanceStride() const { return _instanceRecLenInBytes; }
     /// Their floats. Of a dynamic buffer a reference is good until the next change; the call takes time by the number
-    /// of vertices after some were removed at the beginning, or left a ring.
-    const cnt::PushBackVector<float, 0>& getVertices() const
-    {
-        if (_pDynamic) [[unlikely]]
-            moveToFront();
-        return _vertexData;
-    }
+    /// of vertices after some were removed at the beginning, or left a ring. Of one that is not kept for restoring
+    /// there are none, and the log says "Error! Buffer::getVertices: the data of this dynamic buffer is in GL alone".
+    const cnt::PushBackVector<float, 0>& getVertices() const { return _pDynamic ? getDynamicVertices() : _vertexData; }
     /// False when data may be appended; see the class for what it does on a committed buffer, where the answer is true.
     bool isAddOnCommitted() const;
     /// True from commit to reset or release, and to the end of the context that it was committed in.
@@ -249,6 +248,14 @@ public:
     /// the data is too: the commands are dropped, and until reset or release the buffer draws nothing and commit is
     /// refused ("Error! Buffer: what was committed went with its context, as it is not kept for restoring", once).
     /// true, the default, costs the bytes that were appended, and holds from the next commit of new data on.
+    ///
+    /// Of a dynamic buffer or a ring it is GL alone that has what was sent, and memory what will be sent next. Appending
+    /// some kilobytes or more goes straight to GL, as long as the context that it was committed in is current and has
+    /// room; with less, and elsewhere, it waits for the next draw, activate or commit. All is counted, changed and
+    /// removed as before; only reading is over (see getVertices, getVertex), and indices take 32 bits in GL. When the
+    /// context is lost, what it had is gone, which the log says by the line above: the buffer is empty but for what was
+    /// not sent yet, keeps its commands, and goes on with what is appended next. true holds from the next reset, release
+    /// or init on.
     void setKeptForRestore(bool isKept);
     bool isKeptForRestore() const { return _isKept; }
 
@@ -275,6 +282,7 @@ private:
     std::size_t findFirstFloat() const;
     void makeRoomInRing(std::size_t nFloats);
     void moveToFront() const;
+    const cnt::PushBackVector<float, 0>& getDynamicVertices() const;
     void noteAppended() const;
     void notePointChanged(std::size_t pos);
     void notePointInserted(std::size_t pos);
@@ -283,6 +291,26 @@ private:
     void layOut() const;
     bool commitChanges() const;
     void activateDynamic() const;
+    // Of those that GL alone keeps.
+    bool isInGLAlone() const;
+    void setInGLAlone(bool isInGLAlone);
+    void leaveToGL();
+    bool isAppended(const float* data, std::size_t nFloats);
+    bool isSentAtOnce(const float* data, std::size_t nFloats);
+    void noteQueued() const;
+    void emptyVertices() const;
+    void emptyIndices() const;
+    void emptyInstances() const;
+    void sendManyPieces() const;
+    void updateQueued(std::size_t first, const float* data, std::size_t n);
+    void updateQueuedInstances(std::size_t first, const float* data, std::size_t n);
+    void updateQueuedIndices(std::size_t first, const unsigned int* indices, std::size_t n);
+    void insertQueued(std::size_t i, const float* data);
+    void removeQueued(std::size_t first, std::size_t n);
+    void removeQueuedInstances(std::size_t first, std::size_t n);
+    void removeQueuedIndices(std::size_t first, std::size_t n);
+    bool isAllSent() const;
+    void dropLost() const;
     void enableInstances(unsigned int location, std::size_t offset) const;
     void noteCounts() const;
     bool upload();
@@ -296,8 +324,9 @@ private:
     CommandList _commandList;
     // Before its first vertex a dynamic buffer has those that are gone, until they are moved out of the way.
     mutable cnt::PushBackVector<float, 0> _vertexData;
-    cnt::PushBackVector<float, 0> _instanceData;
-    cnt::PushBackVector<unsigned int, 0> _indices;
+    // Of a dynamic buffer that GL alone keeps, these three have what GL lacks, one after the other.
+    mutable cnt::PushBackVector<float, 0> _instanceData;
+    mutable cnt::PushBackVector<unsigned int, 0> _indices;
     cnt::SafeFullVector<DataType, false> _vertexLayout;
     cnt::SafeFullVector<DataType, false> _instanceLayout;
     cnt::SafeFullVector<unsigned short, false> _divisors;
@@ -312,6 +341,7 @@ private:
     unsigned char _nInstanceFloats = 0;
     unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
     bool _isRing = false;
+    bool _isWatched = false; // appended vertices may go elsewhere
     bool _isKept = true;
     bool _isFreed = false;            // of what was committed
     bool _isLost = false;             // with its context, and nothing was kept
