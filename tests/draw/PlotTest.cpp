@@ -152,6 +152,115 @@ TEST_F(PlotTest, LinesAndAreasCoverAsMuchAsTheyShould)
     EXPECT_NEAR(sum, (10 * 20 + down + up) * unit, 0.003 * (10 * 20 + down + up) * unit);
 }
 
+// Dashes that crawl along a line while it moves, by where it comes into sight; whole numbers of pixels here.
+TEST_F(PlotTest, DashesStayWhereTheyAreOnALine)
+{
+    std::vector<double> x, y;
+    for (int i = 0; i < 30'000; ++i)
+    {
+        x.push_back(i + (i % 3) * 0.2);
+        y.push_back(std::sin(0.02 * i));
+    }
+    Plot plot;
+    makeBare(plot);
+    plot.add(Series::line(x, y, {.width = 2, .dashes = {7, 5}}));
+    plot.add(Series::steps(x, y, {.width = 2, .dashes = {4, 3}}));
+    plot.axes().y().setRange(-1.2, 1.2);
+    plot.axes().x().setRange(20'000, 20'320);
+    draw(plot);
+    const gui::Texture before = std::move(picture);
+    picture = gui::Texture();
+    plot.axes().x().setRange(20'018.5, 20'338.5); // 37 pixels on
+    draw(plot);
+    int nDark = 0, most = 0;
+    for (int py = 0; py < 400; ++py)
+        for (int px = 2; px < 600; ++px)
+        {
+            const td::BYTE* p = before.getBytes() + 3 * (py * before.getWidth() + px + 37);
+            most = std::max(most, std::abs(255 - p[0] - darkness(px, py)));
+            nDark += darkness(px, py) > 128 ? 1 : 0;
+        }
+    EXPECT_LT(most, 12);
+    EXPECT_GT(nDark, 500);
+}
+
+// Error bars that vanish where samples are dense, or of which the longest does.
+TEST_F(PlotTest, DenseErrorBarsShowTheirEnds)
+{
+    std::vector<double> values(50'000, 0.0), errors(50'000, 0.25);
+    errors[20'010] = 0.75;
+    Plot plot;
+    makeBare(plot);
+    plot.add(Series::line(values, {.width = 1}).withErrors(errors));
+    plot.axes().y().setRange(-1, 1);
+    plot.axes().x().setRange(0, 50'000);
+    draw(plot);
+    EXPECT_NEAR(darkness(300, 155), 89, 3);
+    EXPECT_EQ(darkness(300, 145), 0);
+    EXPECT_NEAR(darkness(static_cast<int>(20'010 * 640 / 50'000), 55), 89, 3);
+    EXPECT_NEAR(darkness(static_cast<int>(20'010 * 640 / 50'000), 345), 89, 3);
+}
+
+// Long lines in no order that are not drawn, or whose parts out of sight and small parts are missed.
+TEST_F(PlotTest, LongLinesMayGoAnywhere)
+{
+    std::vector<double> x, y;
+    for (int i = 0; i < 700'000; ++i)
+    {
+        const double angle = 1e-4 * i, radius = 1 + 1e-6 * i; // 11 turns outwards
+        x.push_back(radius * std::cos(angle));
+        y.push_back(radius * std::sin(angle));
+    }
+    Plot plot;
+    makeBare(plot);
+    plot.add(Series::line(x, y, {.width = 2}));
+    for (const double size : {2.0, 0.5})
+    {
+        plot.axes().x().setRange(0.9, 0.9 + 1.6 * size);
+        plot.axes().y().setRange(-0.1, -0.1 + size);
+        draw(plot);
+        for (int turn = 1; turn < 11; ++turn)
+        {
+            const double radius = 1 + 1e-2 * 2 * 3.14159265358979 * turn;
+            const int px = static_cast<int>((radius - 0.9) / size * 400), py = static_cast<int>((1 - 0.1 / size) * 400);
+            if (px < 638)
+            {
+                EXPECT_GT(darkness(px, py), 100) << turn << " of " << size;
+            }
+        }
+        EXPECT_EQ(darkness(20, 390), 0);
+    }
+}
+
+// A plot that does not follow when an axis is moved in another one, or two that move each other for ever.
+TEST_F(PlotTest, PlotsWithALinkedAxisFollowEachOther)
+{
+    int nAsked = 0;
+    Plot plot, other;
+    other.add(Series::line({1, 2, 3}));
+    Series& series = plot.add(Series::line({1, 2, 3, 4, 5}));
+    other.axes().x().link(plot.axes().x());
+    draw(other);
+    EXPECT_EQ(other.axes().x().getRange(), (Ticks::Range{0, 4})) << "both";
+    draw(plot);
+    other.setOnChange([&nAsked] { ++nAsked; });
+    plot.axes().x().pan(0.1);
+    EXPECT_EQ(nAsked, 1);
+    draw(other);
+    plot.axes().fit();
+    draw(plot);
+    draw(other);
+    nAsked = 0;
+    series.append(6);
+    EXPECT_EQ(nAsked, 0);
+    draw(plot);
+    EXPECT_EQ(nAsked, 1);
+    draw(other);
+    draw(plot);
+    EXPECT_EQ(nAsked, 1);
+    EXPECT_EQ(other.axes().x().getRange(), (Ticks::Range{0, 5}));
+}
+
 // Axes that jump under the pointer, boxes that show something else, ranges that never come back.
 TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
 {

@@ -32,6 +32,8 @@ Axes::Axes(std::function<void()> onChange)
     _pImpl->right.axis.setGrid(false);
     for (Axis* pAxis : {&_pImpl->x.axis, &_pImpl->y.axis, &_pImpl->right.axis})
         pAxis->_onChange = _pImpl->onChange;
+    for (const unsigned int which : {Impl::cX, Impl::cY, Impl::cRight})
+        _pImpl->axisOf(which)._onCollect = [pImpl = _pImpl.get(), which] { pImpl->collectOwn(which); };
 }
 
 Axes::~Axes() = default;

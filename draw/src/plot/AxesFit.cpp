@@ -42,9 +42,9 @@ void raiseAbove0(Samples::Range& range, const Samples& samples, std::size_t firs
 
 } // namespace
 
-void Axes::Impl::collect(unsigned int which)
+void Axes::Impl::collectOwn(unsigned int which)
 {
-    Axis& axis = which == cX ? x.axis : which == cY ? y.axis : right.axis;
+    Axis& axis = axisOf(which);
     Axis::State& state = *axis._pState;
     if (state.isMoved)
         return;
@@ -120,8 +120,9 @@ void Axes::Impl::collect(unsigned int which)
 
 void Axes::Impl::apply(unsigned int which)
 {
-    Axis& axis = which == cX ? x.axis : which == cY ? y.axis : right.axis;
+    Axis& axis = axisOf(which);
     Axis::State& state = *axis._pState;
+    state.isCollected = false;
     if (!state.hasData)
         return;
     state.hasData = false;
@@ -150,7 +151,10 @@ void Axes::Impl::apply(unsigned int which)
             high - low > cMostUnused * (shownHigh - shownLow))
             return;
     }
+    const std::size_t before = state.version;
     axis.setPlaces(low, high);
+    if (state.version != before)
+        axis.notify(); // other plots that show it
 }
 
 } // namespace gui::draw

@@ -46,8 +46,12 @@ struct Axes::Impl
     bool hasRight() const;
     const Axis& yOf(const Series& shown) const { return shown.getStyle().isOnRight ? right.axis : y.axis; }
 
-    /// Puts the range of what is there to an axis' state, together with that of others that share it.
-    void collect(unsigned int which);
+    Axis& axisOf(unsigned int which) { return which == cX ? x.axis : which == cY ? y.axis : right.axis; }
+
+    /// Puts the ranges of what is there, here and on others that share the axis, to its state.
+    void collect(unsigned int which) { axisOf(which).collect(); }
+    /// The same for what is here alone.
+    void collectOwn(unsigned int which);
     /// Takes over what was collected.
     void apply(unsigned int which);
 
@@ -66,6 +70,7 @@ struct Axes::Impl
     void drawTickTexts(const PlotPaper& paper);
     void drawTitles(const PlotPaper& paper);
     void drawLegend(const PlotPaper& paper);
+    void chooseLegend(const std::function<double(Legend)>& coveredAt);
     void drawSample(const Series& shown, const Rect& box, const PlotPaper& paper);
     double coveredBy(const Rect& rect) const;
     td::Color colorOf(std::size_t number, const PlotStyle& style) const;
@@ -96,6 +101,7 @@ struct Axes::Impl
     Legend legend = Legend::Auto;
     Legend shownLegend = Legend::None; // where Auto has put it
     std::size_t legendVersion = 0;
+    std::size_t legendSize = 0; // samples that there were when its place was chosen
     bool isBare = false;
     bool hasMinorGrid = false;
     Rect frame;

@@ -450,6 +450,33 @@ void Axes::Impl::drawSample(const Series& s, const Rect& box, const PlotPaper& p
     }
 }
 
+// Where the least is covered, once there is something to cover, and anew when there is twice as much: it stays where it
+// is unless that is much worse.
+void Axes::Impl::chooseLegend(const std::function<double(Legend)>& coveredAt)
+{
+    std::size_t n = 0;
+    for (const std::unique_ptr<Series>& pSeries : series)
+        n += pSeries->isVisible() ? pSeries->size() : 0;
+    const bool isOther = shownLegend == Legend::None || legendVersion != ownVersion || legendSize == 0;
+    if (!isOther && n < 2 * legendSize)
+        return;
+    constexpr double cClear = 0.02, cMuchClearer = 0.15;
+    Legend best = isOther ? Legend::TopRight : shownLegend;
+    double least = coveredAt(best) - (isOther ? 0 : cMuchClearer);
+    for (const Legend corner : {Legend::TopRight, Legend::TopLeft, Legend::BottomRight, Legend::BottomLeft})
+    {
+        const double covered = coveredAt(corner);
+        if (covered < least - cClear)
+        {
+            least = covered;
+            best = corner;
+        }
+    }
+    shownLegend = best;
+    legendVersion = ownVersion;
+    legendSize = n;
+}
+
 void Axes::Impl::drawLegend(const PlotPaper& paper)
 {
     std::vector<const Series*> shown;
@@ -477,20 +504,8 @@ void Axes::Impl::drawLegend(const PlotPaper& paper)
     };
     if (legend != Legend::Auto)
         shownLegend = legend;
-    else if (shownLegend == Legend::None || legendVersion != ownVersion)
-    {
-        double least = std::numeric_limits<double>::infinity();
-        for (const Legend corner : {Legend::TopRight, Legend::TopLeft, Legend::BottomRight, Legend::BottomLeft})
-        {
-            const double covered = coveredBy(placeOf(corner));
-            if (covered < least - 0.02)
-            {
-                least = covered;
-                shownLegend = corner;
-            }
-        }
-        legendVersion = ownVersion;
-    }
+    else
+        chooseLegend([&](Legend corner) { return coveredBy(placeOf(corner)); });
     const Rect box = placeOf(shownLegend);
     if (box.left < area.left || box.top < area.top || box.bottom > area.bottom)
         return;

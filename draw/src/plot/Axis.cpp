@@ -20,23 +20,43 @@ constexpr double cLargestPlace = 1e300, cLargestDecade = 305;
 
 } // namespace
 
-Axis::Axis()
-    : _pState(std::make_shared<State>())
+Axis::Axis() { share(std::make_shared<State>()); }
+
+Axis::~Axis() { share(nullptr); }
+
+void Axis::share(std::shared_ptr<State> pState)
 {
+    if (_pState)
+        std::erase(_pState->axes, this);
+    _pState = std::move(pState);
+    if (_pState)
+        _pState->axes.push_back(this);
 }
 
-Axis::~Axis() = default;
-
+// All who show it; what they do may link others.
 void Axis::notify() const
 {
-    if (_onChange)
-        _onChange();
+    const std::vector<Axis*> axes = _pState->axes;
+    for (const Axis* pAxis : axes)
+        if (pAxis->_onChange)
+            pAxis->_onChange();
+}
+
+// The range of what is on all that share it, once until that is taken over.
+void Axis::collect()
+{
+    if (std::exchange(_pState->isCollected, true))
+        return;
+    for (const Axis* pAxis : _pState->axes)
+        if (pAxis->_onCollect)
+            pAxis->_onCollect();
 }
 
 void Axis::touch()
 {
     _ownVersion = nextVersion();
-    notify();
+    if (_onChange)
+        _onChange();
 }
 
 void Axis::setScale(Scale scale)
@@ -123,7 +143,13 @@ void Axis::release()
 
 void Axis::link(Axis& other)
 {
-    _pState = other._pState;
+    const std::shared_ptr<State> pBefore = _pState;
+    share(other._pState);
+    // Those that it leaves have less to show.
+    pBefore->version = nextVersion();
+    for (const Axis* pAxis : std::vector<Axis*>(pBefore->axes))
+        if (pAxis->_onChange)
+            pAxis->_onChange();
     _pState->version = nextVersion();
     notify();
 }

@@ -128,13 +128,14 @@ std::size_t Plot::Impl::getVersion() const
 
 void Plot::Impl::changed() const
 {
-    if (onChange)
+    if (onChange && !isFitting)
         onChange();
 }
 
 // All x first, since what is seen of y may go by it.
 void Plot::Impl::fit()
 {
+    isFitting = true;
     for (const unsigned int which : {Axes::Impl::cX, Axes::Impl::cY, Axes::Impl::cRight})
     {
         for (const std::unique_ptr<Axes>& pAxes : axes)
@@ -142,6 +143,7 @@ void Plot::Impl::fit()
         for (const std::unique_ptr<Axes>& pAxes : axes)
             pAxes->_pImpl->apply(which);
     }
+    isFitting = false;
 }
 
 void Plot::Impl::build(const td::Size<double>& newSize, double newScale)

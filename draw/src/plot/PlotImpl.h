@@ -43,6 +43,7 @@ struct Plot::Impl
     bool hasCrosshair = true;
     std::function<void()> onChange;
     std::size_t ownVersion = 1;
+    bool isFitting = false; // in a frame, which asks for no other one
 
     // The picture.
     td::Size<double> size;

@@ -172,19 +172,13 @@ void PlotScene::addLine(const std::vector<Segment>& segments, double halfWidth, 
     for (const double dash : dashes)
         pass.dashes.push_back(static_cast<float>(dash));
     const std::uint32_t stride = isDashed ? 2 : 1;
-    double length = 0;
     _texels.resize(base + stride * segments.size());
     Texel* pTexel = _texels.data() + base;
-    for (std::size_t i = 0; i < segments.size(); ++i)
+    for (const Segment& s : segments)
     {
-        const Segment& s = segments[i];
         *pTexel++ = {bits(s.x0), bits(s.y0), bits(s.x1), bits(s.y1)};
-        if (!isDashed)
-            continue;
-        if (i == 0 || segments[i - 1].x1 != s.x0 || segments[i - 1].y1 != s.y0)
-            length = 0;
-        *pTexel++ = {bits(length), 0, 0, 0};
-        length += std::hypot(s.x1 - s.x0, s.y1 - s.y0);
+        if (isDashed)
+            *pTexel++ = {bits(s.along), 0, 0, 0};
     }
     const double reach = halfWidth + 0.5;
     if (isSorted)

@@ -29,6 +29,7 @@ public:
     struct Segment
     {
         double x0, y0, x1, y1;
+        double along = 0; ///< the line's length before it, from where dashes begin
     };
     /// A piece of an area, between two such sides.
     struct Slab

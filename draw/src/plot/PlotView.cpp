@@ -2,6 +2,8 @@
 
 #include <gui/Key.h>
 
+#include <utility>
+
 namespace gui::draw
 {
 
@@ -13,6 +15,12 @@ PlotView::PlotView(std::size_t rows, std::size_t columns)
     createContext(gl::Context(gl::DepthBuffer::Size::None, gl::StencilBuffer::Size::None, gl::Context::Profile::Core41),
                   {Event::Keyboard, Event::CursorEnterLeave, Event::PrimaryClicks, Event::CursorMove, Event::CursorDrag,
                    Event::ScrollAndZoom});
+}
+
+PlotView::PlotView(Series series)
+    : PlotView()
+{
+    add(std::move(series));
 }
 
 PlotView::~PlotView() = default;

@@ -332,6 +332,26 @@ Samples Samples::computed(std::size_t n, Function function)
     return Samples(std::make_unique<Blocks<double>>(n, std::move(function)));
 }
 
+Samples Samples::sumOf(const Samples& a, const Samples& b, double factor)
+{
+    if (!a._pColumn || !b._pColumn)
+        return {};
+    // Columns stay where they are when their samples move.
+    return computed(std::min(a.size(), b.size()),
+                    [pA = a._pColumn.get(), pB = b._pColumn.get(), factor](std::size_t first, std::span<double> values)
+                    {
+                        pA->read(first, values);
+                        std::array<double, 256> others;
+                        for (std::size_t at = 0; at < values.size(); at += others.size())
+                        {
+                            const std::size_t n = std::min(others.size(), values.size() - at);
+                            pB->read(first + at, std::span(others).first(n));
+                            for (std::size_t i = 0; i < n; ++i)
+                                values[at + i] += factor * others[i];
+                        }
+                    });
+}
+
 Samples::~Samples() = default;
 
 Samples::Samples(Samples&& other) noexcept
@@ -428,7 +448,7 @@ std::size_t Samples::lowerBound(double value, std::size_t from) const
             if (b < value)
                 return high;
             const double share = (value - a) / (b - a) * static_cast<double>(high - 1 - low);
-            middle = low + std::min(static_cast<std::size_t>(std::max(share, 0.0)), high - 1 - low);
+            middle = low + std::min(static_cast<std::size_t>(std::max(0.0, share)), high - 1 - low);
         }
         isGuessed = !isGuessed;
         if ((*this)[middle] < value)

@@ -146,8 +146,15 @@ Series&& Series::withErrors(Samples below, Samples above) &&
 {
     _below = std::move(below);
     _above = std::move(above);
-    _hasErrors = true;
+    findErrorEnds();
     return std::move(*this);
+}
+
+void Series::findErrorEnds()
+{
+    _hasErrors = true;
+    _errorLow = Samples::sumOf(_columns.front(), _below, -1);
+    _errorHigh = Samples::sumOf(_columns.front(), _above, 1);
 }
 
 Series&& Series::withErrors(Samples both) &&
@@ -156,7 +163,7 @@ Series&& Series::withErrors(Samples both) &&
     both.read(0, values);
     _below = Samples(values);
     _above = std::move(both);
-    _hasErrors = true;
+    findErrorEnds();
     return std::move(*this);
 }
 
@@ -217,6 +224,8 @@ void Series::clear()
         column.clear();
     _below.clear();
     _above.clear();
+    _errorLow.clear();
+    _errorHigh.clear();
     _colorValues.clear();
     changed();
 }
@@ -306,23 +315,8 @@ Samples::Range Series::getYRange(std::size_t first, std::size_t end) const
         return range;
     if (_hasErrors)
     {
-        // Of many samples the largest error beyond all of them will do.
-        constexpr std::size_t cFew = 10'000;
-        if (end - first > cFew)
-        {
-            const double below = _below.getRange(first, end).high, above = _above.getRange(first, end).high;
-            range.low -= std::isfinite(below) ? std::max(below, 0.0) : 0;
-            range.high += std::isfinite(above) ? std::max(above, 0.0) : 0;
-        }
-        else
-        {
-            for (std::size_t i = first; i < end; ++i)
-            {
-                const double y = getY(i), low = y - _below[i], high = y + _above[i];
-                range.low = std::isfinite(low) ? std::min(range.low, low) : range.low;
-                range.high = std::isfinite(high) ? std::max(range.high, high) : range.high;
-            }
-        }
+        widenRange(range, _errorLow.getRange(first, end));
+        widenRange(range, _errorHigh.getRange(first, end));
     }
     if (_kind == Kind::Area || _kind == Kind::Stems || _kind == Kind::Bars)
         widenRange(range, {_style.baseline, _style.baseline});

@@ -13,32 +13,7 @@ namespace
 
 // So many samples in a column of pixels are drawn one by one; of more there are four numbers.
 constexpr double cFewPerColumn = 4;
-constexpr std::size_t cMostUnsorted = 100'000;
 constexpr std::size_t cManyMarkers = 4000;
-
-// Lines go on so far beyond what is seen, in pixels, before they are cut off.
-constexpr double cBeyond = 64;
-
-// Liang and Barsky: the part of a segment within a rectangle.
-bool clipSegment(PlotScene::Segment& s, const PlotScene::Rect& rect)
-{
-    const double dx = s.x1 - s.x0, dy = s.y1 - s.y0;
-    double begin = 0, end = 1;
-    const auto cut = [&begin, &end](double direction, double distance)
-    {
-        if (direction == 0)
-            return distance >= 0;
-        const double share = distance / direction;
-        direction < 0 ? begin = std::max(begin, share) : end = std::min(end, share);
-        return begin <= end;
-    };
-    if (!cut(-dx, s.x0 - rect.left) || !cut(dx, rect.right - s.x0) || !cut(-dy, s.y0 - rect.top) ||
-        !cut(dy, rect.bottom - s.y0))
-        return false;
-    s = {begin > 0 ? s.x0 + begin * dx : s.x0, begin > 0 ? s.y0 + begin * dy : s.y0, end < 1 ? s.x0 + end * dx : s.x1,
-         end < 1 ? s.y0 + end * dy : s.y1};
-    return true;
-}
 
 } // namespace
 
@@ -73,7 +48,7 @@ SeriesGeometry::Extent SeriesGeometry::extentOf(const Series& series, double low
 
 double SeriesGeometry::clampY(double y) const
 {
-    return std::clamp(y, _pView->area.top - cBeyond, _pView->area.bottom + cBeyond);
+    return std::clamp(y, _pView->area.top - cSeriesBeyond, _pView->area.bottom + cSeriesBeyond);
 }
 
 bool SeriesGeometry::areDense(const Extent& extent) const
@@ -122,119 +97,6 @@ void SeriesGeometry::findRanges(const Samples& samples, std::vector<Range>& rang
     samples.getRanges(_edges, ranges);
 }
 
-void SeriesGeometry::addSegment(Point a, Point b)
-{
-    const PlotScene::Rect& area = _pView->area;
-    const double left = area.left - cBeyond, right = area.right + cBeyond;
-    const double top = area.top - cBeyond, bottom = area.bottom + cBeyond;
-    const auto isIn = [=](Point p) { return p.x >= left && p.x <= right && p.y >= top && p.y <= bottom; };
-    Segment segment{a.x, a.y, b.x, b.y};
-    if ((isIn(a) && isIn(b)) || clipSegment(segment, {left, top, right, bottom}))
-        _segments.push_back(segment);
-}
-
-void SeriesGeometry::joinPoints()
-{
-    _segments.clear();
-    const bool areSteps = _pSeries->getKind() == Series::Kind::Steps;
-    const auto isPoint = [this](std::size_t i)
-    { return i < _xs.size() && std::isfinite(_xs[i]) && std::isfinite(_ys[i]); };
-    for (std::size_t i = 0; i < _xs.size(); ++i)
-    {
-        if (!isPoint(i))
-            continue;
-        const Point here{_xs[i], _ys[i]};
-        if (isPoint(i + 1))
-        {
-            const Point next{_xs[i + 1], _ys[i + 1]};
-            if (areSteps)
-            {
-                addSegment(here, {next.x, here.y});
-                addSegment({next.x, here.y}, next);
-            }
-            else
-                addSegment(here, next);
-        }
-        else if (i == 0 || !isPoint(i - 1))
-            addSegment(here, here); // one alone is a dot
-    }
-}
-
-// From each column's first sample to its last one, by way of the lowest and the highest where these are others, and on
-// to the next column's first. The two are somewhere between the ends: in the middle.
-void SeriesGeometry::joinColumns()
-{
-    _segments.clear();
-    const auto toY = [this](double value)
-    {
-        const double y = _pView->y.toPixel(value);
-        return std::isnan(y) || !std::isfinite(value) ? std::numeric_limits<double>::quiet_NaN() : clampY(y);
-    };
-    Point last{0, std::numeric_limits<double>::quiet_NaN()};
-    for (std::size_t i = 0; i < _ranges.size(); ++i)
-    {
-        const Range& range = _ranges[i];
-        if (_edges[i] == _edges[i + 1])
-            continue;
-        const double left = _columnLeft + static_cast<double>(i) * _columnWidth;
-        const auto within = [this, left](double x) { return std::clamp(x, left, left + _columnWidth); };
-        const Point first{within(_pView->x.toPixel(_pSeries->getX(_edges[i]))), toY(range.first)};
-        const Point end{within(_pView->x.toPixel(_pSeries->getX(_edges[i + 1] - 1))), toY(range.last)};
-        if (!std::isnan(last.y) && !std::isnan(first.y))
-            addSegment(last, first);
-        last = end;
-        if (range.isEmpty())
-            continue;
-        const double middle = (first.x + end.x) / 2;
-        Point one{middle, toY(range.low)}, other{middle, toY(range.high)};
-        const bool hasFirst = !std::isnan(first.y), hasEnd = !std::isnan(end.y);
-        const Point from = hasFirst ? first : one, to = hasEnd ? end : other;
-        // In the order that is the shorter way.
-        if (std::abs(from.y - other.y) + std::abs(one.y - to.y) < std::abs(from.y - one.y) + std::abs(other.y - to.y))
-            std::swap(one, other);
-        std::array<Point, 4> points;
-        std::size_t n = 0;
-        if (hasFirst)
-            points[n++] = first;
-        if (!hasFirst || one.y != first.y)
-            points[n++] = one;
-        if (!hasEnd || other.y != end.y)
-            points[n++] = other;
-        if (hasEnd)
-            points[n++] = end;
-        for (std::size_t k = 1; k < n; ++k)
-            addSegment(points[k - 1], points[k]);
-        if (n == 1)
-            addSegment(points[0], points[0]);
-    }
-}
-
-void SeriesGeometry::addLineAndMarkers(const Extent& extent, PlotScene& scene)
-{
-    const SeriesStyle& style = _pSeries->getStyle();
-    std::vector<double> dashes;
-    if (areDense(extent))
-    {
-        findColumns(1);
-        findRanges(_pSeries->getColumn(0), _ranges);
-        joinColumns();
-    }
-    else
-    {
-        if (!_pSeries->isSorted() && extent.end - extent.first > cMostUnsorted)
-            return;
-        findPlaces(extent);
-        readColumn(_pSeries->getColumn(0), extent, false, _ys);
-        joinPoints();
-        dashes = dashesOf(style, _pView->pixelsPerPoint);
-    }
-    scene.addLine(_segments, style.width / 2 * _pView->pixelsPerPoint, _color, dashes, _pSeries->isSorted());
-    // Where there is room for them.
-    const double distance = (_pView->area.right - _pView->area.left) / static_cast<double>(extent.end - extent.first);
-    if (style.marker != Marker::None && distance > 1.2 * style.markerSize * _pView->pixelsPerPoint)
-        addMarkers(extent, scene);
-}
-
 void SeriesGeometry::addArea(const Extent& extent, const Samples* pOther, PlotScene& scene)
 {
     const SeriesStyle& style = _pSeries->getStyle();
@@ -266,7 +128,7 @@ void SeriesGeometry::addArea(const Extent& extent, const Samples* pOther, PlotSc
             readColumn(*pOther, extent, false, _others);
         else
             _others.assign(_ys.size(), base);
-        const double left = _pView->area.left - cBeyond, right = _pView->area.right + cBeyond;
+        const double left = _pView->area.left - cSeriesBeyond, right = _pView->area.right + cSeriesBeyond;
         for (std::size_t i = 1; i < _xs.size(); ++i)
         {
             const double x0 = _xs[i - 1], x1 = _xs[i];
@@ -433,30 +295,52 @@ void SeriesGeometry::finish()
     std::erase_if(_clouds, [](auto& entry) { return !std::exchange(entry.second->isUsed, false); });
 }
 
+// Closer than three pixels they have no caps, and the closer the fainter they are; closer than one, each column of
+// pixels has what all of its bars reach.
 void SeriesGeometry::addErrors(const Extent& extent, PlotScene& scene)
 {
+    constexpr double cNoCaps = 1.0 / 3, cDense = 1, cFaintest = 0.35;
     const double scale = _pView->pixelsPerPoint;
     const double half = std::max(std::round(scale), 1.0) / 2, cap = 3.5 * scale;
-    const bool areMany = static_cast<double>(extent.end - extent.first) * 3 > _pView->area.right - _pView->area.left;
-    if (areDense(extent) && _pSeries->isSorted())
-        return; // narrower than what is seen of the samples
-    findPlaces(extent);
-    std::vector<double> ys(extent.end - extent.first), below(ys.size()), above(ys.size());
-    _pSeries->getColumn(0).read(extent.first, ys);
-    _pSeries->getErrorsBelow().read(extent.first, below);
-    _pSeries->getErrorsAbove().read(extent.first, above);
-    for (std::size_t i = 0; i < ys.size(); ++i)
+    const double perPixel =
+        static_cast<double>(extent.end - extent.first) / std::max(_pView->area.right - _pView->area.left, 1.0);
+    const bool areMany = perPixel > cNoCaps;
+    const double share = std::clamp((perPixel - cNoCaps) / (cDense - cNoCaps), 0.0, 1.0);
+    const td::Color color = faint(_color, 1 - share * (1 - cFaintest));
+    if (perPixel > cDense && _pSeries->isSorted())
     {
-        const double top = _pView->y.toPixel(ys[i] + above[i]), bottom = _pView->y.toPixel(ys[i] - below[i]);
-        const double x = _xs[i];
+        findColumns(1);
+        findRanges(_pSeries->getErrorEnds(false), _ranges);
+        findRanges(_pSeries->getErrorEnds(true), _otherRanges);
+        for (std::size_t i = 0; i < _ranges.size(); ++i)
+        {
+            const double left = _columnLeft + static_cast<double>(i);
+            const double top = _pView->y.toPixel(_otherRanges[i].high), bottom = _pView->y.toPixel(_ranges[i].low);
+            const double low = std::isnan(bottom) ? _pView->area.bottom + cSeriesBeyond : bottom;
+            if (!_ranges[i].isEmpty() && !_otherRanges[i].isEmpty() && !std::isnan(top))
+                scene.addRect({left, clampY(top), left + 1, clampY(low)}, color);
+        }
+        return;
+    }
+    findPlaces(extent);
+    std::vector<double> highs;
+    readColumn(_pSeries->getErrorEnds(false), extent, false, _ys);
+    readColumn(_pSeries->getErrorEnds(true), extent, false, highs);
+    for (std::size_t i = 0; i < _ys.size(); ++i)
+    {
+        const double top = highs[i], x = _xs[i];
+        double bottom = _ys[i];
+        // What is below 0 on a logarithmic axis is below all that is seen.
+        if (std::isnan(bottom) && std::isfinite(_pSeries->getErrorEnds(false)[extent.first + i]))
+            bottom = _pView->area.bottom + cSeriesBeyond;
         if (!std::isfinite(top) || !std::isfinite(x) || std::isnan(bottom))
             continue;
         const double low = clampY(bottom), high = clampY(top);
-        scene.addRect({x - half, high, x + half, low}, _color);
+        scene.addRect({x - half, high, x + half, low}, color);
         if (areMany)
             continue;
-        scene.addRect({x - cap, high - half, x + cap, high + half}, _color);
-        scene.addRect({x - cap, low - half, x + cap, low + half}, _color);
+        scene.addRect({x - cap, high - half, x + cap, high + half}, color);
+        scene.addRect({x - cap, low - half, x + cap, low + half}, color);
     }
 }
 

@@ -14,6 +14,9 @@
 namespace gui::draw
 {
 
+// Lines go on so far beyond what is seen, in pixels, before they are cut off.
+constexpr double cSeriesBeyond = 64;
+
 /// Turns what is seen of a series into a scene's lines, areas and marks. Where there are more samples than a few in
 /// each column of pixels, it asks for the columns' ranges instead.
 class SeriesGeometry
@@ -49,6 +52,7 @@ private:
     using Segment = PlotScene::Segment;
     using Slab = PlotScene::Slab;
     using Range = Samples::Range;
+    class Walk;
 
     struct Point
     {
@@ -60,9 +64,12 @@ private:
     void findPlaces(const Extent& extent);
     void findColumns(double width);
     void findRanges(const Samples& samples, std::vector<Range>& ranges) const;
-    void joinPoints();
+    std::size_t findStretch() const;
+    void joinPoints(std::size_t first, std::size_t stretch);
     void joinColumns();
-    void addSegment(Point a, Point b);
+    void joinParts(const Extent& extent);
+    bool joinPart(const Extent& part, std::size_t size, Walk& walk);
+    void addSegment(Point a, Point b, double along = 0);
     void addLineAndMarkers(const Extent& extent, PlotScene& scene);
     void addArea(const Extent& extent, const Samples* pOther, PlotScene& scene);
     void addUprights(const Extent& extent, PlotScene& scene);
@@ -81,6 +88,7 @@ private:
     double _columnLeft = 0, _columnWidth = 1;
     std::vector<Range> _ranges, _otherRanges;
     std::vector<Segment> _segments;
+    double _dashPeriod = 0; // of the line that is joined now; 0 without dashes
     std::vector<Slab> _slabs;
     struct KeptCloud
     {

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace gui::draw
 {
@@ -24,7 +25,7 @@ namespace gui::draw
 ///
 /// At first it shows all that there is, and goes on to as samples come, until its range is set or somebody moves it;
 /// Axes::fit, which a double click calls, is the way back. Whatever changes it here asks for a frame of
-/// its own plot. Not copyable. GUI thread only; needs no context.
+/// its own plot, and of those whose axes are linked with it. Not copyable. GUI thread only; needs no context.
 class GUIGL_API Axis
 {
 public:
@@ -63,7 +64,8 @@ public:
     /// Back to what its fit says.
     void release();
 
-    /// Shares scale, range and fit with another axis, for as long as either lives: moving one moves the other.
+    /// Shares scale, range and fit with another axis, of this plot or another one, for as long as either lives: moving
+    /// one moves the other, and at first both show all that there is on either.
     void link(Axis& other);
     bool isLinked(const Axis& other) const { return _pState == other._pState; }
 
@@ -97,16 +99,20 @@ private:
         double followed = 0;
         bool isMoved = false;
         std::size_t version = 1;
+        std::vector<Axis*> axes; // that share it
         // Of all axes that share it, while ranges are fitted.
         double low = 0, high = 0;
         double lowest = 0, highest = 0; // without padding
         std::optional<double> line;     // that bars and areas stand on
         bool hasData = false;
+        bool isCollected = false;
     };
 
     bool setPlaces(double low, double high);
     void touch();
     void notify() const;
+    void share(std::shared_ptr<State> pState);
+    void collect();
 
     std::shared_ptr<State> _pState;
     std::string _title;
@@ -114,6 +120,7 @@ private:
     double _tickDistance = 90;
     std::size_t _ownVersion = 0;
     std::function<void()> _onChange;
+    std::function<void()> _onCollect; // puts the range of what is there to the state
 };
 
 } // namespace gui::draw

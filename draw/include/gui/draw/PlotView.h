@@ -16,8 +16,7 @@ namespace gui::draw
 ///     int main(int argc, char** argv)
 ///     {
 ///         gui::Application app(argc, argv);
-///         gui::draw::PlotView plot;
-///         plot.add(gui::draw::Series::line({3, 1, 4, 1, 5, 9, 2, 6}));
+///         gui::draw::PlotView plot(gui::draw::Series::line({3, 1, 4, 1, 5, 9, 2, 6}));
 ///         return app.run(plot, "Digits", {800, 500});
 ///     }
 ///
@@ -28,6 +27,8 @@ class GUIGL_API PlotView : public gl::View
 public:
     /// With one set of axes, or rows and columns of them.
     explicit PlotView(std::size_t rows = 1, std::size_t columns = 1);
+    /// With one set of axes, and a series on it.
+    explicit PlotView(Series series);
     ~PlotView() override;
 
     /// See Plot, whose operations these are.

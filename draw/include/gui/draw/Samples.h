@@ -93,11 +93,14 @@ public:
     std::size_t getMemory() const;
 
 private:
+    friend class Series;
     struct Column;
     template <typename T>
     struct Blocks;
 
     explicit Samples(std::unique_ptr<Column> pColumn);
+    /// a + factor * b, of which only the pyramid takes memory; a and b must keep their numbers as long as it lives.
+    static Samples sumOf(const Samples& a, const Samples& b, double factor);
 
     std::unique_ptr<Column> _pColumn;
 };

@@ -28,8 +28,9 @@ namespace gui::draw
 /// the last to the first. Values that are NaN or infinite are gaps.
 ///
 /// Lines, areas, bands, steps, stems, bars and candles have their samples in the order of x, each no less than the one
-/// before; where x falls they are not drawn, but for lines of up to 100,000 samples, which may go anywhere. Scatter may
-/// be in any order.
+/// before; where x falls they are not drawn, but for lines, which may go anywhere. Those of more than 100,000 samples
+/// leave out what is smaller than half a pixel, have no dashes, and show every second sample, every fourth and so on
+/// where more than 100,000 pieces are seen. Scatter may be in any order.
 ///
 /// Moves, and can't be copied. GUI thread only; needs no context.
 class GUIGL_API Series
@@ -75,7 +76,8 @@ public:
     /// @param step  above 0 (an assertion; nothing changes otherwise)
     Series&& setX(double first, double step) &&;
     Series& setX(double first, double step) &; ///< the same
-    /// Error bars: from each value so far down and up.
+    /// Error bars: from each value so far down and up, for the samples that there are by now. Where samples are denser
+    /// than pixels, a band from the lowest end of a bar in each column to the highest.
     Series&& withErrors(Samples below, Samples above) &&;
     Series&& withErrors(Samples both) &&; ///< as far both ways
     /// Markers coloured by a third value of each sample. @param low, high  of the map's ends; without them the values'
@@ -127,6 +129,7 @@ public:
     Samples::Range getXRange() const;
     /// Of all that is seen of samples first to end - 1, with base lines and error bars.
     Samples::Range getYRange(std::size_t first, std::size_t end) const;
+    const Samples& getErrorEnds(bool isUpper) const { return isUpper ? _errorHigh : _errorLow; } ///< of error bars
 
     /// Another number, larger than all before, after each change of what is seen.
     std::size_t getVersion() const { return _version; }
@@ -141,6 +144,7 @@ private:
     static Series make(Kind kind, Samples x, Samples y, SeriesStyle style);
     Series&& putX(Samples x) &&;
     void changed();
+    void findErrorEnds();
 
     Kind _kind;
     bool _hasX = false;
@@ -152,6 +156,7 @@ private:
     Samples _x;
     std::vector<Samples> _columns;
     Samples _below, _above;
+    Samples _errorLow, _errorHigh; // where bars end
     std::optional<ColorMap> _map;
     Samples _colorValues;
     std::optional<double> _colorLow, _colorHigh;
