@@ -55,11 +55,13 @@ public:
         _values.erase(_values.begin() + place(at * _nEach), _values.begin() + place((at + n) * _nEach));
         _isFresh.erase(_isFresh.begin() + place(at), _isFresh.begin() + place(at + n));
     }
-    void dropStale()
+    // In another context, which gets the others.
+    void dropSent()
     {
         for (std::size_t i = size(); i-- > 0;)
             if (!isFresh(i))
                 remove(i, 1);
+        setAllFresh(false);
     }
     void setAllFresh(bool isFresh) { std::ranges::fill(_isFresh, char(isFresh)); }
 
@@ -124,6 +126,8 @@ private:
         _buffer.setKeptForRestore(false);
         _isKept = false;
         _isWide = true;
+        if (!_wasWide)
+            _indices.setAllFresh(true);
     }
 
     // Takes a range of count elements.
@@ -334,14 +338,15 @@ private:
                 // Which sends what is committed.
                 if (_buffer.isCommitted())
                     noteWideIndices();
-                if (_buffer.isCommitted() && !_isKept)
-                {
-                    _vertices.dropStale();
-                    _indices.dropStale();
-                    _instances.dropStale();
-                }
+                const bool isLost = _buffer.isCommitted() && !_isKept;
                 require(_context.replace(), "there is another context");
                 _isExact = false;
+                if (isLost)
+                {
+                    _vertices.dropSent();
+                    _indices.dropSent();
+                    _instances.dropSent();
+                }
             }
             break;
         default:
