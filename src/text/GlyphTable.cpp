@@ -73,8 +73,8 @@ void GlyphTable::numberBytes()
     std::ranges::fill(_bytes, cLead);
     for (char32_t c = 0; c < cASCII; ++c)
         _bytes[c] = slot(c);
-    _bytes[' '] = _bytes['\t'] = cSpace;
-    _bytes['\n'] = cLineBreak;
+    _bytes[std::size_t(' ')] = _bytes[std::size_t('\t')] = cSpace;
+    _bytes[std::size_t('\n')] = cLineBreak;
     slot(cLineSeparator) = cBreakOnPage;
 }
 
