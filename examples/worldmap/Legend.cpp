@@ -32,7 +32,8 @@ std::string format(const char* pattern, auto... values)
 
 std::string placeText(Projection projection, const Point& point)
 {
-    if (!isIn(sheetOf(projection), point))
+    const Rect sheet = sheetOf(projection);
+    if (point.x < sheet.left || point.x > sheet.right || point.y < sheet.top || point.y > sheet.bottom)
         return {};
     // What is rounded to 0 is neither west nor south.
     const auto rounded = [](double value) { return std::round(value * 100) / 100; };

@@ -8,37 +8,35 @@
 namespace worldmap
 {
 
-namespace
-{
-
 /// A window with the whole map, on which a rectangle shows what another view sees of it. A click, or a drag, moves that
 /// view there.
-class Overview : public SheetView
+class MapView::Overview : public SheetView
 {
 public:
-    Overview(const Countries& countries, SheetView& map, gui::Window& window)
+    Overview(const Countries& countries, SheetView& map)
         : SheetView(countries, map.getMapProjection())
         , _map(map)
-        , _window(window)
-        , _frame(_drawing.stroke({}, {.width = 2}, td::ColorID::Crimson))
     {
-        createContext(false);
+        _window.show(*this);
     }
+
+    bool isOpen() const { return _window.isOpen(); }
 
 protected:
     void onDraw(const td::RectNormalized<double>& rect) override
     {
-        if (getMapProjection() != _map.getMapProjection())
-            setProjection(_map.getMapProjection());
+        setProjection(_map.getMapProjection());
         SheetView::onDraw(rect);
-        _drawing.setPath(_frame, gui::draw::Path().addRect(_map.getVisible()));
-        _drawing.draw(*this);
+        _frame.clear();
+        _frame.stroke(gui::draw::Path().addRect(_map.getVisible()), {.width = 2}, td::ColorID::Crimson);
+        _frame.draw(*this);
     }
     void onPrimaryButtonPressed(const gui::InputDevice& device) override
     {
         _map.setCenter(getModelPoint(device.getFramePoint()));
     }
     void onCursorDragged(const gui::InputDevice& device) override { onPrimaryButtonPressed(device); }
+    void onShapeDoubleClicked(gui::draw::Drawing::ID) override {}
     bool onScroll(const gui::InputDevice&) override { return true; }
     bool onZoom(const gui::InputDevice&) override { return true; }
     bool onKeyPressed(const gui::Key& key) override
@@ -51,12 +49,9 @@ protected:
 
 private:
     SheetView& _map;
-    gui::Window& _window;
-    gui::draw::Drawing _drawing;
-    gui::draw::Drawing::ID _frame;
+    gui::draw::Drawing _frame;
+    gui::Window _window{"World map - overview", {440, 232}};
 };
-
-} // namespace
 
 MapView::MapView(gui::Window& window, const Countries& countries)
     : SheetView(countries, Projection::Equirectangular)
@@ -64,14 +59,14 @@ MapView::MapView(gui::Window& window, const Countries& countries)
     , _countries(countries)
     , _names(countries)
 {
-    createContext(false);
+    setBindings(Bindings::Modified);
 }
 
-void MapView::cleanResources()
-{
-    _pOverviewWindow.reset();
-    _pOverview.reset();
-}
+MapView::~MapView() = default;
+
+void MapView::cleanResources() { _pOverview.reset(); }
+
+SheetView* MapView::getOverview() { return _pOverview && _pOverview->isOpen() ? _pOverview.get() : nullptr; }
 
 void MapView::onDraw(const td::RectNormalized<double>& rect)
 {
@@ -79,38 +74,20 @@ void MapView::onDraw(const td::RectNormalized<double>& rect)
     if (!_isWritten)
         return;
     _names.draw(*this);
-    _legend.draw(*this, _pointer, _country == Countries::cNone ? "" : _countries.all[_country].name);
+    _legend.draw(*this, getPointer(), getCountry() == Countries::cNone ? "" : _countries.all[getCountry()].name);
 }
 
 void MapView::onOriginChanged()
 {
-    pointAt(_pointer); // the map moves under the pointer
     if (_pOverview != nullptr)
         _pOverview->reRender();
 }
 
-void MapView::onCursorDragged(const gui::InputDevice& device)
+void MapView::onShapeEntered(gui::draw::Drawing::ID shape)
 {
-    SheetView::onCursorDragged(device);
-    pointAt(device.getFramePoint());
-}
-
-void MapView::onCursorExited(const gui::InputDevice& device)
-{
-    SheetView::onCursorExited(device);
-    pointAt({});
-}
-
-void MapView::pointAt(const std::optional<Point>& pointer)
-{
-    _pointer = pointer;
-    reRender(); // for the place that is written
-    const std::size_t country = _pointer ? find(getModelPoint(*_pointer)) : Countries::cNone;
-    if (country == _country)
-        return;
-    highlight(_country = country);
-    const bool isNone = country == Countries::cNone;
-    _window.setTitle(isNone ? "World map" : ("World map - " + _countries.all[country].name).c_str());
+    highlight(drawing().getTag(shape) - 1);
+    const bool isNone = getCountry() == Countries::cNone;
+    _window.setTitle(isNone ? "World map" : ("World map - " + _countries.all[getCountry()].name).c_str());
 }
 
 bool MapView::onKeyPressed(const gui::Key& key)
@@ -121,25 +98,13 @@ bool MapView::onKeyPressed(const gui::Key& key)
     else if (letter == 'L')
         _isWritten = !_isWritten;
     else if (letter == 'O')
-        toggleOverview();
+        _pOverview = getOverview() ? nullptr : std::make_unique<Overview>(_countries, *this);
     else if (key.getVirtual() == gui::Key::Virtual::Escape)
         gui::Application::quit();
     else
-        return moveByKey(key);
+        return SheetView::onKeyPressed(key);
     reRender();
     return true;
-}
-
-void MapView::toggleOverview()
-{
-    const bool isOpen = getOverview() != nullptr;
-    cleanResources();
-    if (isOpen)
-        return;
-    _pOverviewWindow = std::make_unique<gui::Window>("World map - overview", td::Size<double>(440, 232));
-    _pOverview = std::make_unique<Overview>(_countries, *this, *_pOverviewWindow);
-    if (!_pOverviewWindow->show(*_pOverview))
-        cleanResources();
 }
 
 } // namespace worldmap

@@ -22,7 +22,10 @@ public:
     void draw(SheetView& map);
 
     /// Whether its name was on the map when that was drawn last, in sight or not.
-    bool isShown(std::size_t country) const;
+    bool isShown(std::size_t country) const
+    {
+        return std::ranges::any_of(_ids[country], [this](auto id) { return _labels.isShown(id); });
+    }
 
 private:
     void make(SheetView& map);

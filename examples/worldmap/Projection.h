@@ -50,9 +50,4 @@ inline Rect sheetOf(Projection projection)
     return {cMiddleLongitude - 180, south, cMiddleLongitude + 180, north};
 }
 
-inline bool isIn(const Rect& rect, const Point& point)
-{
-    return point.x >= rect.left && point.x <= rect.right && point.y >= rect.top && point.y <= rect.bottom;
-}
-
 } // namespace worldmap

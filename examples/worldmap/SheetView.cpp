@@ -1,9 +1,6 @@
 #include "SheetView.h"
 
-#include <gui/gl/Context.h>
-
 #include <limits>
-#include <utility>
 
 namespace worldmap
 {
@@ -22,6 +19,7 @@ constexpr double cFineZoom = 4; // points per degree; from there on coarse lines
 constexpr double cMinZoom = 0.5, cMaxZoom = 400;
 constexpr double cNetStep = 15;   // degrees
 constexpr double cFarAway = 2000; // of the map, farther than any view shows
+constexpr double cInfinity = std::numeric_limits<double>::infinity();
 
 constexpr td::Color cSeaColor = "#a9c4dc", cNetColor = "#c3d6e7", cPaperColor = "#ffffff";
 constexpr td::Color cCoastColor = "#4f6f8f", cBorderColor = "#6b5f58", cHighlightColor = "#f08a5d";
@@ -39,105 +37,96 @@ Path pathOf(const Line& degrees, Projection projection)
     return path;
 }
 
-SheetView::SheetView(const Countries& countries, Projection projection)
-    : _countries(countries)
+Path areaOf(const std::vector<Line>& rings, Projection projection)
 {
+    Path area;
+    for (const Line& ring : rings)
+        area.addPath(pathOf(ring, projection).close());
+    return area;
+}
+
+SheetView::SheetView(const Countries& countries, Projection projection)
+    : DrawingView(false)
+    , _countries(countries)
+{
+    setBackground(cSeaColor);
+    setReach(0);
     setZoomLimits(cMinZoom, cMaxZoom);
     setProjection(projection);
 }
 
+// The lines are over the lands: these get other colours, and leave the lines as they are.
 void SheetView::make()
 {
-    if (std::exchange(_isMade, true))
-        return;
     const Rect area = sheetOf(_projection);
-    _shapes.assign(_countries.all.size(), {});
-    _lands.clear();
+    drawing().clear();
+    drawing().setPickable(drawing().beginGroup(), false);
     for (double degrees = -180; degrees < 200; degrees += cNetStep)
     {
-        _lands.stroke(pathOf({{degrees, -90}, {degrees, 90}}, _projection), {}, cNetColor);
+        drawing().stroke(pathOf({{degrees, -90}, {degrees, 90}}, _projection), {}, cNetColor);
         if (std::abs(degrees) < 90)
-            _lands.stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, _projection), {}, cNetColor);
+            drawing().stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, _projection), {}, cNetColor);
     }
-    _lines.clear();
-    add(_countries.coarse, 0, cFineZoom);
-    add(_countries.fine, cFineZoom, std::numeric_limits<double>::infinity());
-    color(_highlighted, cHighlightColor);
-    const Path edge = Path().addRect(area), all = Path(edge).addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
-    _lines.fill(all, cPaperColor, FillRule::EvenOdd);
-    _lines.stroke(edge, cPen, cCoastColor);
-}
-
-void SheetView::add(const Outlines& outlines, double minZoom, double maxZoom)
-{
-    _lands.setZoomRange(_lands.beginGroup(), minZoom, maxZoom);
-    for (std::size_t i = 0; i < _shapes.size(); ++i)
+    drawing().endGroup();
+    _groups.clear();
+    for (const Country& country : _countries.all)
     {
-        Path path;
-        for (const Line& ring : outlines.countries[i])
-            path.addPath(pathOf(ring, _projection).close());
-        _shapes[i].push_back(_lands.fill(path, cLandColors[_countries.all[i].color], FillRule::EvenOdd));
-        _lands.setTag(_shapes[i].back(), i + 1);
+        const std::size_t number = _groups.size();
+        _groups.push_back(drawing().beginGroup());
+        drawing().setTag(_groups.back(), number + 1);
+        for (const Outlines* pOutlines : {&_countries.coarse, &_countries.fine})
+        {
+            const bool isFine = pOutlines == &_countries.fine;
+            const Path path = areaOf(pOutlines->countries[number], _projection);
+            drawing().setZoomRange(drawing().fill(path, cLandColors[country.color], FillRule::EvenOdd),
+                                   isFine ? cFineZoom : 0, isFine ? cInfinity : cFineZoom);
+        }
+        drawing().endGroup();
     }
-    _lands.endGroup();
-    _lines.setZoomRange(_lines.beginGroup(), minZoom, maxZoom);
+    overlay().clear();
+    addLines(_countries.coarse, 0, cFineZoom);
+    addLines(_countries.fine, cFineZoom, cInfinity);
+    const Path edge = Path().addRect(area), beyond = Path(edge).addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
+    overlay().fill(beyond, cPaperColor, FillRule::EvenOdd);
+    overlay().stroke(edge, cPen, cCoastColor);
+    // Of what the paper covers nothing is found.
+    drawing().fill(beyond, "#00000000", FillRule::EvenOdd);
+    highlight(_highlighted);
+}
+
+void SheetView::addLines(const Outlines& outlines, double minZoom, double maxZoom)
+{
+    overlay().setZoomRange(overlay().beginGroup(), minZoom, maxZoom);
     for (const Line& line : outlines.borders)
-        _lines.stroke(pathOf(line, _projection), cPen, cBorderColor);
+        overlay().stroke(pathOf(line, _projection), cPen, cBorderColor);
     for (const Line& line : outlines.coasts)
-        _lines.stroke(pathOf(line, _projection), cPen, cCoastColor);
-    _lines.endGroup();
-}
-
-void SheetView::onDraw(const td::RectNormalized<double>&)
-{
-    make();
-    gui::gl::Context::clear(gui::gl::Context::Clear::Color, cSeaColor);
-    _lands.draw(*this);
-    _lines.draw(*this);
-}
-
-std::size_t SheetView::find(const Point& point)
-{
-    make();
-    // What has no tag is no country.
-    return isIn(sheetOf(_projection), point) ? _lands.getTag(_lands.pick(point)) - 1 : Countries::cNone;
-}
-
-Rect SheetView::getBounds(std::size_t country)
-{
-    make();
-    return _lands.getBounds(_shapes[country].back()).value_or(sheetOf(_projection));
+        overlay().stroke(pathOf(line, _projection), cPen, cCoastColor);
+    overlay().endGroup();
 }
 
 void SheetView::highlight(std::size_t country)
 {
     if (_highlighted != Countries::cNone)
-        color(_highlighted, cLandColors[_countries.all[_highlighted].color]);
-    color(_highlighted = country, cHighlightColor);
+        drawing().setColor(_groups[_highlighted], cLandColors[_countries.all[_highlighted].color]);
+    _highlighted = country;
+    if (country != Countries::cNone)
+        drawing().setColor(_groups[country], cHighlightColor);
     reRender();
-}
-
-void SheetView::color(std::size_t country, td::Color color)
-{
-    if (country < _shapes.size())
-        for (const gui::draw::Drawing::ID shape : _shapes[country])
-            _lands.setColor(shape, color);
 }
 
 void SheetView::setProjection(Projection projection)
 {
+    if (projection == _projection && !_groups.empty())
+        return;
     const Point middle = unproject(_projection, getCenter());
     const double zoom = getZoom();
-    const bool isMoved = getPlaneLimits() && !isAtHome();
+    const bool isMoved = hasHome() && !isAtHome();
     _projection = projection;
-    _isMade = false;
+    make();
     setPlaneLimits(sheetOf(projection), cInSight);
     setHome(sheetOf(projection), cMargin);
     if (isMoved)
-    {
-        setZoom(zoom);
-        setCenter(project(projection, middle));
-    }
+        setCenter(project(projection, middle), zoom);
 }
 
 } // namespace worldmap

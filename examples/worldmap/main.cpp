@@ -19,6 +19,7 @@ Shows the countries of the world. The line below says where the pointer is.
 
   drag with Shift, wheel, arrow keys   move
   wheel with Ctrl, pinch, + and -      zoom; 0 shows all of the map again
+  double click                         fly to a country
   M                                    equirectangular or Mercator projection
   L                                    names of countries, scale bar and the line below
   O                                    an overview in a second window
@@ -34,10 +35,7 @@ bool drawPicture(worldmap::MapView& view, const std::filesystem::path& file, Pro
     view.setProjection(projection);
     view.goHome();
     if (zoom > 0)
-    {
-        view.setZoom(zoom);
-        view.setCenter(project(projection, middle));
-    }
+        view.setCenter(project(projection, middle), zoom);
     return examples::savePicture(view, file);
 }
 

@@ -131,6 +131,12 @@ void OrthoView::setCenter(const td::Point<double>& modelPoint)
                       modelPoint.y - static_cast<double>(_height) / 2 / _zoom});
 }
 
+void OrthoView::setCenter(const td::Point<double>& modelPoint, double zoom)
+{
+    setZoom(zoom);
+    setCenter(modelPoint);
+}
+
 bool OrthoView::zoomBy(double factor) { return zoomBy(factor, 0); }
 
 bool OrthoView::zoomBy(double factor, unsigned int modifiers)

@@ -56,6 +56,14 @@ bool OrthoView::flyTo(const td::RectNormalized<double>& model, double margin, do
     return true;
 }
 
+bool OrthoView::flyHome(double seconds)
+{
+    if (!_home)
+        return false;
+    const Fit home = _home->fit;
+    return flyTo(home.model, home.margin, seconds);
+}
+
 bool OrthoView::isFlying() const { return _pFlight != nullptr; }
 
 bool OrthoView::prepareNextFrame()

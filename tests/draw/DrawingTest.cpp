@@ -359,6 +359,7 @@ TEST_F(DrawingTest, OnlyWhatChangesIsUploaded)
              {"panned", [] {}, Affine::translation(-100, 2000), 0, 0},
              {"turned", [] {}, Affine::rotation(1), 0, 0},
              {"coloured", [&] { drawing.setColor(ids[9], td::Color(9, 9, 9, 255)); }, {}, 4, 63},
+             {"a group coloured", [&] { drawing.setColor(group, td::Color(7, 7, 7, 255)); }, {}, 40, 400},
              {"hidden", [&] { drawing.setVisible(ids[20], false); }, {}, 4, 63},
              {"shown", [&] { drawing.setVisible(ids[20], true); }, {}, 4, 63},
              {"another path", [&] { drawing.setPath(ids[1], triangle); }, {}, 100, 500},

@@ -1,3 +1,5 @@
+#include "support/OffscreenGL.h"
+
 #include <gui/Application.h>
 #include <gui/InputDevice.h>
 #include <gui/draw/DrawingView.h>
@@ -28,6 +30,7 @@ public:
     using DrawingView::onCursorDragged;
     using DrawingView::onCursorExited;
     using DrawingView::onCursorMoved;
+    using DrawingView::onDraw;
     using DrawingView::onPrimaryButtonDblClick;
     using DrawingView::onPrimaryButtonPressed;
     using DrawingView::onPrimaryButtonReleased;
@@ -66,7 +69,36 @@ TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
     view.onPrimaryButtonDblClick(at(52, 100));
     EXPECT_TRUE(view.isFlying());
     view.onPrimaryButtonReleased(at(52, 100));
-    EXPECT_EQ(view.told, "c1");
+    EXPECT_EQ(view.told, "e1c1e2");
+}
+
+using DrawingViewGLTest = test::OffscreenGL;
+
+// A home that the first frame takes away; a view that moves under a pointer at rest; what is over it or beside it found
+// instead; a double click beside all shapes that goes nowhere.
+TEST_F(DrawingViewGLTest, TellsWhatComesUnderThePointer)
+{
+    PlanView view;
+    view.drawing().setTag(view.drawing().fill(Path().addRect({0, 0, 10, 10}), "#204060"), 1);
+    view.drawing().setTag(view.drawing().fill(Path().addRect({30, 0, 40, 10}), "#204060"), 2);
+    view.overlay().fill(Path().addRect({0, 0, 40, 10}), "#ff000080");
+    view.onResize({400, 200});
+    EXPECT_FALSE(view.flyHome());
+    ASSERT_TRUE(view.setHome({0, 0, 40, 20}));
+    view.onDraw({});
+    EXPECT_EQ(view.getZoom(), 10);
+    view.onCursorMoved(at(102, 150));
+    EXPECT_EQ(view.told, "e1") << "two points beside it";
+    view.setReach(0);
+    view.setCenter({45, 10}, 10);
+    EXPECT_EQ(view.told, "e1");
+    view.onDraw({});
+    EXPECT_EQ(view.told, "e1e2") << "and not the other one on the way";
+    view.setCenter({50, 10});
+    view.onDraw({});
+    EXPECT_EQ(view.told, "e1e2e0");
+    view.onPrimaryButtonDblClick(at(102, 150));
+    EXPECT_TRUE(view.isFlying());
 }
 
 } // namespace

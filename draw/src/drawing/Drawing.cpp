@@ -163,17 +163,19 @@ void Drawing::endGroup()
     _pImpl->group = _pImpl->items[_pImpl->group].group;
 }
 
-bool Drawing::setColor(ID shape, const Paint& paint)
+bool Drawing::setColor(ID id, const Paint& paint)
 {
-    Impl::Item* pItem = _pImpl->findShape(shape);
+    Impl::Item* pItem = _pImpl->find(id);
     if (pItem == nullptr)
         return false;
-    if (pItem->kind != Impl::Kind::Text)
-        _pImpl->setPaint(*pItem, paint);
-    else
+    if (pItem->kind == Impl::Kind::Text)
         pItem->pLetters->text.paint = paint;
+    else if (pItem->kind != Impl::Kind::Group)
+        _pImpl->setPaint(*pItem, paint);
     for (const std::uint32_t member : pItem->members)
-        if (!_pImpl->items[member].pLetters->isHalo)
+        if (pItem->kind == Impl::Kind::Group)
+            setColor(_pImpl->idOf(member), paint);
+        else if (!_pImpl->items[member].pLetters->isHalo)
             _pImpl->setPaint(_pImpl->items[member], paint);
     return true;
 }

@@ -13,7 +13,6 @@ namespace
 {
 
 // In points.
-constexpr double cReach = 3;       // of the pointer
 constexpr double cClick = 4;       // that it may move in a click
 constexpr double cFlyMargin = 60;  // around what a double click flies to
 constexpr double cClosest = 1e6;   // from all of the drawing
@@ -34,6 +33,8 @@ void DrawingView::setBackground(td::Color color)
     _background = color;
     reRender();
 }
+
+void DrawingView::setReach(double points) { _reach = std::max(0.0, points); }
 
 bool DrawingView::showAll(double margin)
 {
@@ -63,51 +64,68 @@ bool DrawingView::saveAll(const char* path, double size, double margin, double p
                                 toPoints, pixelsPerPoint, _background);
 }
 
+void DrawingView::onPointed() {}
+
 void DrawingView::onShapeEntered(Drawing::ID) {}
 
 void DrawingView::onShapeClicked(Drawing::ID) {}
 
 void DrawingView::onShapeDoubleClicked(Drawing::ID shape)
 {
-    const std::optional<Drawing::Rect> bounds = shape != 0 ? _drawing.getBounds(shape) : _drawing.getBounds();
-    if (bounds)
+    if (shape == 0)
+        flyHome();
+    else if (const std::optional<Drawing::Rect> bounds = _drawing.getBounds(shape))
         flyTo(*bounds, cFlyMargin);
 }
 
 void DrawingView::onDraw(const td::RectNormalized<double>&)
 {
-    if (!_isShown)
+    if (!_isShown && !hasHome())
         showAll();
+    if (_pointer && getModelPoint(*_pointer) != _pointed)
+        point();
     gl::Context::clear(gl::Context::Clear::Color, _background);
     _drawing.draw(*this);
+    _overlay.draw(*this);
 }
 
-Drawing::ID DrawingView::shapeAt(const InputDevice& device) const
+Drawing::ID DrawingView::shapeAt(const td::Point<double>& viewPoint) const
 {
-    return _drawing.pick(getModelPoint(device.getFramePoint()), cReach / getZoom());
+    return _drawing.pick(getModelPoint(viewPoint), _reach / getZoom());
 }
 
-void DrawingView::enter(Drawing::ID shape)
+void DrawingView::point()
 {
+    if (_pointer)
+        _pointed = getModelPoint(*_pointer);
+    onPointed();
+    const Drawing::ID shape = _pointer ? shapeAt(*_pointer) : 0;
     if (std::exchange(_entered, shape) == shape)
         return;
     onShapeEntered(shape);
     reRender();
 }
 
-void DrawingView::onCursorMoved(const InputDevice& device) { enter(shapeAt(device)); }
+void DrawingView::onCursorMoved(const InputDevice& device)
+{
+    _pointer = device.getFramePoint();
+    point();
+}
 
 void DrawingView::onCursorExited(const InputDevice& device)
 {
     OrthoView::onCursorExited(device);
-    enter(0);
+    _pointer.reset();
+    point();
 }
 
 void DrawingView::onCursorDragged(const InputDevice& device)
 {
-    const td::Point<double>& point = device.getFramePoint();
-    _isClick = _isClick && std::hypot(point.x - _pressed.x, point.y - _pressed.y) < cClick;
+    // Before the plane moves along: the same shape stays under it.
+    _pointer = device.getFramePoint();
+    _isClick = _isClick && std::hypot(_pointer->x - _pressed.x, _pointer->y - _pressed.y) < cClick;
     OrthoView::onCursorDragged(device);
+    point();
 }
 
 void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
@@ -122,7 +140,7 @@ void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
     OrthoView::onPrimaryButtonReleased(device);
     if (!std::exchange(_isClick, false))
         return;
-    onShapeClicked(shapeAt(device));
+    onShapeClicked(shapeAt(device.getFramePoint()));
     reRender();
 }
 
@@ -130,7 +148,7 @@ void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
 {
     OrthoView::onPrimaryButtonDblClick(device);
     _isClick = false;
-    onShapeDoubleClicked(shapeAt(device));
+    onShapeDoubleClicked(shapeAt(device.getFramePoint()));
 }
 
 bool DrawingView::onKeyPressed(const Key& key) { return moveByKey(key) || OrthoView::onKeyPressed(key); }

@@ -1,7 +1,11 @@
+#include "ShapeGeometry.h"
+
 #include <gui/draw/Labels.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <string>
 
 namespace gui::draw
 {
@@ -16,7 +20,26 @@ constexpr double cHighest = 0.8;
 // An area has at most so many parts with names of their own, one way.
 constexpr double cMostParts = 64;
 
+// Broken at the space that is nearest to the middle.
+std::string inTwoLines(std::string name)
+{
+    const auto offMiddle = [&name](std::size_t i) { return std::max(i, name.size() - i); };
+    std::size_t best = name.find(' ');
+    for (std::size_t i = best; i != std::string::npos; i = name.find(' ', i + 1))
+        if (offMiddle(i) < offMiddle(best))
+            best = i;
+    return best == std::string::npos ? name : name.replace(best, 1, "\n");
+}
+
 } // namespace
+
+std::vector<Drawing::ID> Labels::addInside(const Path& area, const Drawing::Rect& within, std::string_view name,
+                                           const TextStyle& style, const AreaRule& rule)
+{
+    const std::array forms{TextLayout(name, style),
+                           TextLayout(inTwoLines(std::string(name)), style, {.align = Align::Center})};
+    return addInside(area, within, forms, rule);
+}
 
 std::vector<Drawing::ID> Labels::addInside(const Path& area, const Drawing::Rect& within,
                                            std::span<const TextLayout> forms, const AreaRule& rule)
@@ -63,6 +86,29 @@ void Labels::addInside(const Path& area, const Drawing::Rect& part, std::span<co
         ids.push_back(&form == forms.data() ? add(at, form, {Anchor::Center}, zooms)
                                             : addAlternative(at, form, {Anchor::Center}, zooms));
     }
+}
+
+std::optional<Drawing::Rect> Labels::findMain(const Path& area)
+{
+    Polylines lines;
+    area.flatten(toleranceFor(area, 0), lines);
+    std::optional<Drawing::Rect> main;
+    double largest = -1;
+    for (const Polylines::Line& line : lines.lines)
+    {
+        Drawing::Rect box;
+        const std::span<const Drawing::Point> points = lines.pointsOf(line);
+        for (const Drawing::Point& p : points)
+            box = &p == points.data() ? Drawing::Rect(p.x, p.y, p.x, p.y)
+                                      : Drawing::Rect(std::min(box.left, p.x), std::min(box.top, p.y),
+                                                      std::max(box.right, p.x), std::max(box.bottom, p.y));
+        if (const double size = (box.right - box.left) * (box.bottom - box.top); size > largest)
+        {
+            largest = size;
+            main = box;
+        }
+    }
+    return main;
 }
 
 } // namespace gui::draw

@@ -65,12 +65,9 @@ void activate(GtkApplication* pApp, Program* pProgram)
     const auto makeMap = [pProgram]
     {
         pProgram->map = std::make_unique<worldmap::SheetView>(pProgram->countries, worldmap::Projection::Mercator);
-        pProgram->map->setBindings(gui::gl::OrthoView::Bindings::Plain);
-        pProgram->map->createContext(false);
         return pProgram->map.get();
     };
-    const auto makeGlobe = [pProgram]
-    { return (pProgram->globe = std::make_unique<globe::GlobeView>(nullptr)).get(); };
+    const auto makeGlobe = [pProgram] { return (pProgram->globe = std::make_unique<globe::GlobeView>(nullptr)).get(); };
     GtkWidget* const pTabs = gtk_notebook_new();
     gtk_notebook_append_page(GTK_NOTEBOOK(pTabs), gui::gtk::newViewArea(makeMap), gtk_label_new("Map"));
     gtk_notebook_append_page(GTK_NOTEBOOK(pTabs), gui::gtk::newViewArea(makeGlobe), gtk_label_new("Globe"));

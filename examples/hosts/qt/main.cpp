@@ -43,8 +43,6 @@ int main(int argc, char** argv)
     const auto makeMap = [&]
     {
         map = std::make_unique<worldmap::SheetView>(countries, worldmap::Projection::Mercator);
-        map->setBindings(gui::gl::OrthoView::Bindings::Plain);
-        map->createContext(false);
         return map.get();
     };
     const auto makeGlobe = [&] { return (globe = std::make_unique<globe::GlobeView>(nullptr)).get(); };

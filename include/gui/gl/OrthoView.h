@@ -101,6 +101,8 @@ public:
     td::Point<double> getCenter() const;
     /// Moves the plane so that a point of the model is there, as setModelRefPoint does.
     void setCenter(const td::Point<double>& modelPoint);
+    /// The same at a zoom, as setZoom takes it.
+    void setCenter(const td::Point<double>& modelPoint, double zoom);
 
     /// Zooms about the view's middle: what Command-plus does with any factor above 0.
     /// @return what onZoom returns
@@ -123,6 +125,8 @@ public:
     bool goHome();
     /// Whether nobody has moved the plane since it was fitted to its home.
     bool isAtHome() const;
+    /// Whether setHome has given it one.
+    bool hasHome() const { return _home.has_value(); }
 
     /// Goes to where fit would go, in a flight that is seen: out, along and in again on the way that looks shortest,
     /// the more slowly the nearer it is to either end. It takes frames of the view's animation, and ends when it is
@@ -132,6 +136,8 @@ public:
     /// @param seconds        not above 0, or while the view has no size, it is fit at once
     /// @return what fit would return
     bool flyTo(const td::RectNormalized<double>& model, double margin = 0, double seconds = 0.8);
+    /// Flies home. @return false without one, or when it has no room
+    bool flyHome(double seconds = 0.8);
     bool isFlying() const;
 
     /// What people expect of a map's keys, for an onKeyPressed to call: plus (with or without Shift) and minus, the

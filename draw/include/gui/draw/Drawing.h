@@ -134,8 +134,8 @@ public:
     /// new picture (but for the paths of fills and of curves, gradients, images and layouts, which are not compared).
     /// @return false for an id that names nothing (any more), or not that; nothing changes then
     ///
-    /// Of a text, all letters and lines get it, and halos stay.
-    bool setColor(ID shape, const Paint& paint);
+    /// Of a text, all letters and lines get it, and halos stay. Of a group, all shapes that are in it now.
+    bool setColor(ID id, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
     /// Shows a shape, or a group, at some zooms alone: a coarse outline from afar and a fine one from nearby, or a

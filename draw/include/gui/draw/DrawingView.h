@@ -7,6 +7,8 @@
 #include <td/Color.h>
 #include <td/Export.h>
 
+#include <optional>
+
 namespace gui::draw
 {
 
@@ -23,9 +25,10 @@ namespace gui::draw
 ///         return app.run(view, "A disc", {640, 400});
 ///     }
 ///
-/// It shows all of the drawing at first, and again at each size until the user moves it: by a drag, by the wheel about
-/// the pointer, by the keys of OrthoView::moveByKey, and by a double click, which flies to the shape that is there, or
-/// home. Derive from it to learn which shapes are pointed at and clicked. After a change of the drawing call reDraw.
+/// It shows all of the drawing at first, or the home that setHome has given it, and again at each size until the user
+/// moves it: by a drag, by the wheel about the pointer, by the keys of OrthoView::moveByKey, and by a double click,
+/// which flies to the shape that is there, or home. Derive from it to learn which shapes are pointed at and clicked.
+/// After a change of the drawing call reDraw.
 class GUIGL_API DrawingView : public gl::OrthoView
 {
 public:
@@ -36,11 +39,17 @@ public:
     /// What it shows, to be filled and changed.
     Drawing& drawing() { return _drawing; }
     const Drawing& drawing() const { return _drawing; }
+    /// A second drawing over it, which the pointer looks through and showAll and saveAll leave out: highlights, notes,
+    /// lines that are the same whatever becomes of what is below. Where one of the two changes, the other's picture
+    /// stays.
+    Drawing& overlay() { return _overlay; }
+    const Drawing& overlay() const { return _overlay; }
     /// What the drawing is on; white at first.
     void setBackground(td::Color color);
 
     /// Makes the drawing's bounds, with a margin in points, the view's home (see OrthoView::setHome), and lets people
-    /// zoom up to some 10^6 times closer. Done before the first frame; call it when the drawing has become larger.
+    /// zoom up to some 10^6 times closer. Done before the first frame, unless the view has a home; call it when the
+    /// drawing has become larger.
     /// @return false when there is nothing, or no room
     bool showAll(double margin = 30);
 
@@ -51,12 +60,21 @@ public:
     /// @return as that; false too when there is nothing
     [[nodiscard]] bool saveAll(const char* path, double size = 1200, double margin = 40, double pixelsPerPoint = 2);
 
+    /// How near the pointer has to be to a shape, in points; 3 at first. 0 for areas side by side, such as countries.
+    /// @param points  below 0, or NaN, as 0
+    void setReach(double points);
+    /// Where the pointer is, as event records have it; empty when it is elsewhere, or has not moved yet.
+    const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
+
 protected:
-    /// Called when another shape is under the pointer, to within 3 points; 0 for none. A frame follows.
+    /// Called when the pointer is at another point of the model, or has gone. For what says where that is; ask for a
+    /// frame then. Where the view moves under the pointer it comes with the next frame, before that is drawn.
+    virtual void onPointed();
+    /// Called after that when another shape is under the pointer; 0 for none. A frame follows.
     virtual void onShapeEntered(Drawing::ID shape);
     /// Called when the primary button is pressed and released without a drag. A frame follows. @param shape  0 for none
     virtual void onShapeClicked(Drawing::ID shape);
-    /// Called for a double click: flies there, or with 0 to all of the drawing.
+    /// Called for a double click: flies there, or with 0 home.
     virtual void onShapeDoubleClicked(Drawing::ID shape);
 
     void onDraw(const td::RectNormalized<double>& rect) override;
@@ -69,11 +87,14 @@ protected:
     bool onKeyPressed(const Key& key) override;
 
 private:
-    Drawing::ID shapeAt(const InputDevice& device) const;
-    void enter(Drawing::ID shape);
+    Drawing::ID shapeAt(const td::Point<double>& viewPoint) const;
+    void point();
 
-    Drawing _drawing;
+    Drawing _drawing, _overlay;
     td::Color _background = td::ColorID::White;
+    double _reach = 3;
+    std::optional<td::Point<double>> _pointer;
+    td::Point<double> _pointed; // the model's point there
     Drawing::ID _entered = 0;
     td::Point<double> _pressed;
     bool _isClick = false;

@@ -123,11 +123,15 @@ public:
     ///     labels.addInside(lake, *lake.getBounds(), std::array{name, nameInTwoLines}, {.priority = size});
     ///
     /// @param area    filled by the even-odd rule
-    /// @param within  the part of the area that the name is for; getBounds() of the area, or of its main island
+    /// @param within  the part of the area that the name is for; getBounds() of the area, or what findMain gives
     /// @param forms   of the name, in points; the first one that fits is shown
     /// @return their ids in the drawing. Those of the whole area come last: addAlternative goes on with its label
     std::vector<Drawing::ID> addInside(const Path& area, const Drawing::Rect& within, std::span<const TextLayout> forms,
                                        const AreaRule& rule = {});
+    /// The same with a name in one line or, where that doesn't fit, in two of about the same length, centred.
+    /// @param style  in points
+    std::vector<Drawing::ID> addInside(const Path& area, const Drawing::Rect& within, std::string_view name,
+                                       const TextStyle& style = {}, const AreaRule& rule = {});
 
     /// Where in a shape, such as a country, a line of text has most room: a strip that is nearly as long as any other
     /// and rather in the middle of the height than near an end. The text fits if it is no wider than the strip; how
@@ -136,6 +140,9 @@ public:
     /// @param within  where to look, in the shape's units; getBounds() of the shape, or what is seen of it
     /// @return empty when nothing of the shape is there
     static std::optional<Drawing::Rect> findRoom(const Path& shape, const Drawing::Rect& within);
+    /// Around the largest of an area's subpaths, by the rectangle around each, such as a country's main island: what
+    /// addInside takes. @return empty for an area without any
+    static std::optional<Drawing::Rect> findMain(const Path& area);
 
 private:
     struct Label
