@@ -67,7 +67,7 @@ DrawList::Rect Sight::getVisible() const
 }
 
 /// Draws shapes of some features, or the inside of opaque fills.
-class DrawingPainter::ShapeProgram : public gl::Program
+class DrawingPainter::ShapeProgram final : public gl::Program
 {
 public:
     bool link(unsigned int features)
@@ -120,7 +120,7 @@ private:
     unsigned int _pixelsPerPoint = 0;
 };
 
-class DrawingPainter::LayerProgram : public gl::Program
+class DrawingPainter::LayerProgram final : public gl::Program
 {
 public:
     bool link() { return Program::link(":draw/layer.vert", ":draw/layer.frag"); }

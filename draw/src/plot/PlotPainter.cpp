@@ -50,7 +50,7 @@ glm::vec4 premultiplied(td::Color color)
 
 } // namespace
 
-class PlotPainter::PassProgram : public gl::Program
+class PlotPainter::PassProgram final : public gl::Program
 {
 public:
     bool link(const PassShaders& shaders)

@@ -179,8 +179,7 @@ std::vector<FontTag> Typeface::getFeatures() const
         std::ranges::transform(tags, std::back_inserter(features), FontTag::of);
     }
     std::ranges::sort(features, {}, &FontTag::value);
-    const auto [first, last] = std::ranges::unique(features);
-    features.erase(first, last);
+    features.erase(std::unique(features.begin(), features.end()), features.end());
     return features;
 }
 
