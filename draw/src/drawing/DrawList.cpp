@@ -32,7 +32,6 @@ float below(double number) { return -above(-number); }
 
 void DrawList::clear()
 {
-    _boxes.clear();
     _shapes.clear();
     _chunks.clear();
 }
@@ -44,16 +43,12 @@ void DrawList::set(std::size_t place, const Shape& shape)
     if (place >= _shapes.size())
     {
         _shapes.resize(place + 1, Entry{});
-        _boxes.resize(place / cChunk + 1);
         _chunks.resize(place / cChunk + 1);
     }
     const Rect& bounds = shape.bounds;
-    Boxes& boxes = _boxes[place / cChunk];
-    boxes.left[place % cChunk] = below(bounds.left - _base.x);
-    boxes.top[place % cChunk] = below(bounds.top - _base.y);
-    boxes.right[place % cChunk] = above(bounds.right - _base.x);
-    boxes.bottom[place % cChunk] = above(bounds.bottom - _base.y);
-    _shapes[place] = {shape.margin, shape.first, shape.count, shape.record, shape.ink, shape.zooms};
+    const Box box{below(bounds.left - _base.x), below(bounds.top - _base.y), above(bounds.right - _base.x),
+                  above(bounds.bottom - _base.y)};
+    _shapes[place] = {box, shape.margin, shape.first, shape.count, shape.record, shape.ink, shape.zooms};
     _chunks[place / cChunk].isStale = true;
 }
 
@@ -100,6 +95,13 @@ void DrawList::select(const Piece& piece)
     ++_passes.back().count;
 }
 
+// Never further up the plane for what is not: what overlaps has cells that do.
+std::int8_t DrawList::cellOf(float place, float low, float high)
+{
+    const float cell = high > low ? (place - low) * (255 / (high - low)) : 0;
+    return static_cast<std::int8_t>(static_cast<int>(cell > 0 ? std::min(cell, 255.0F) : 0.0F) - 128);
+}
+
 void DrawList::renew(std::size_t number)
 {
     Chunk& chunk = _chunks[number];
@@ -110,15 +112,13 @@ void DrawList::renew(std::size_t number)
     chunk.size = chunk.margin = 0;
     chunk.zooms = {cInfinity, 0};
     chunk.shared = {};
-    const Boxes& boxes = _boxes[number];
     const std::size_t end = std::min((number + 1) * cChunk, _shapes.size());
     for (std::size_t i = number * cChunk; i < end; ++i)
     {
         const Entry& entry = _shapes[i];
         if (entry.count == 0)
             continue;
-        const std::size_t k = i % cChunk;
-        const Box box{boxes.left[k], boxes.top[k], boxes.right[k], boxes.bottom[k]};
+        const Box& box = entry.box;
         chunk.box = {std::min(chunk.box.left, box.left), std::min(chunk.box.top, box.top),
                      std::max(chunk.box.right, box.right), std::max(chunk.box.bottom, box.bottom)};
         chunk.size = std::max({chunk.size, box.right - box.left, box.bottom - box.top});
@@ -132,23 +132,36 @@ void DrawList::renew(std::size_t number)
         else
             append(chunk.boxes, {{cBoxes + entry.record, 1}, entry.ink});
     }
+    for (std::size_t i = number * cChunk; i < end; ++i)
+    {
+        const Box &box = _shapes[i].box, &all = chunk.box;
+        const std::size_t k = i % cChunk;
+        chunk.cells.left[k] = cellOf(box.left, all.left, all.right);
+        chunk.cells.top[k] = cellOf(box.top, all.top, all.bottom);
+        chunk.cells.right[k] = cellOf(box.right, all.left, all.right);
+        chunk.cells.bottom[k] = cellOf(box.bottom, all.top, all.bottom);
+    }
 }
 
 // Most shapes are not seen, and a branch for each would cost more than all that is compared.
 void DrawList::selectWithin(std::size_t number, const Box& seen, bool isSmall, double zoom)
 {
-    const Boxes& boxes = _boxes[number];
+    const Cells& cells = _chunks[number].cells;
+    const Box& all = _chunks[number].box;
+    const std::int8_t left = cellOf(seen.left, all.left, all.right), right = cellOf(seen.right, all.left, all.right),
+                      top = cellOf(seen.top, all.top, all.bottom), bottom = cellOf(seen.bottom, all.top, all.bottom);
     alignas(64) std::array<std::uint8_t, cChunk> areSeen;
     for (std::size_t i = 0; i < cChunk; ++i)
-        areSeen[i] = static_cast<std::uint8_t>((boxes.left[i] <= seen.right) & (boxes.right[i] >= seen.left) &
-                                               (boxes.top[i] <= seen.bottom) & (boxes.bottom[i] >= seen.top));
+        areSeen[i] = static_cast<std::uint8_t>(int(cells.left[i] <= right) & int(cells.right[i] >= left) &
+                                               int(cells.top[i] <= bottom) & int(cells.bottom[i] >= top));
     const std::size_t first = number * cChunk, n = std::min(cChunk, _shapes.size() - first);
     for (std::size_t begin = 0; begin < n; begin += 8)
     {
         std::uint64_t eight = 0;
         std::memcpy(&eight, areSeen.data() + begin, sizeof eight);
         for (std::size_t i = begin; eight != 0 && i < std::min(begin + 8, n); ++i)
-            if (const Entry& entry = _shapes[first + i]; areSeen[i] != 0 && entry.count != 0 && entry.zooms.has(zoom))
+            if (const Entry& entry = _shapes[first + i];
+                areSeen[i] != 0 && entry.count != 0 && touches(entry.box, seen) && entry.zooms.has(zoom))
             {
                 if (isSmall && !areGlyphs(entry.ink))
                     select({{cBoxes + entry.record, 1}, entry.ink});
@@ -182,7 +195,7 @@ void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPe
                     above(visible.right + more - _base.x), above(visible.bottom + more - _base.y)};
         }
         const Box& box = chunk.box;
-        if (box.left > seen.right || box.right < seen.left || box.top > seen.bottom || box.bottom < seen.top)
+        if (!touches(box, seen))
             continue;
         _largest = std::max(_largest, double(chunk.size));
         const bool isSmall = chunk.size * pixelsPerUnit <= cSmall;

@@ -94,13 +94,15 @@ private:
     {
         float left, top, right, bottom; // from _base
     };
-    /// Those of a chunk's shapes, side by side for the processor to compare several at once.
-    struct Boxes
+    /// The boxes of a chunk's shapes in 256ths of the one around them all, side by side for the processor to compare
+    /// many at once.
+    struct Cells
     {
-        std::array<float, cChunk> left, top, right, bottom;
+        std::array<std::int8_t, cChunk> left, top, right, bottom;
     };
     struct Entry
     {
+        Box box;
         float margin;
         std::uint32_t first, count, record;
         std::uint32_t ink;
@@ -118,16 +120,21 @@ private:
         float margin = 0;        // the largest
         ZoomRange zooms, shared; // of any, and of all
         bool isStale = true;
+        Cells cells{};
         std::vector<Piece> parts, boxes;
     };
 
+    static std::int8_t cellOf(float place, float low, float high);
     void renew(std::size_t chunk);
+    static bool touches(const Box& a, const Box& b)
+    {
+        return a.left <= b.right && a.right >= b.left && a.top <= b.bottom && a.bottom >= b.top;
+    }
     static void append(std::vector<Piece>& pieces, const Piece& piece);
     void select(const Piece& piece);
     void selectWithin(std::size_t chunk, const Box& seen, bool isSmall, double zoom);
 
     td::Point<double> _base;
-    std::vector<Boxes> _boxes; // by chunk
     std::vector<Entry> _shapes;
     std::vector<Chunk> _chunks;
     std::vector<gl::Quads::Range> _selected, _parts;

@@ -177,6 +177,7 @@ void Drawing::Impl::update(Item& item)
 
 void Drawing::Impl::updateZooms(Item& item)
 {
+    finishLink();
     item.zooms = item.group == cNoItem ? item.ownZooms : items[item.group].zooms & item.ownZooms;
     for (const std::uint32_t member : item.members)
         updateZooms(items[member]);

@@ -7,10 +7,20 @@
 namespace gui::draw
 {
 
-void Drawing::Impl::link(Item& item)
+void Drawing::Impl::link(const Item& item)
 {
-    const std::uint32_t slot = slotOf(item);
-    item.version = edges.add(geometry, slot, item.neighbours);
+    finishLink();
+    edges.begin(geometry);
+    linking = slotOf(item);
+}
+
+void Drawing::Impl::finishLink()
+{
+    if (linking == cNoItem)
+        return;
+    const std::uint32_t slot = std::exchange(linking, cNoItem);
+    Item& item = items[slot];
+    item.version = edges.finish(slot, item.neighbours);
     std::erase_if(item.neighbours, [this, &item](std::uint32_t other) { return items[other].whole != item.whole; });
     for (const std::uint32_t other : item.neighbours)
     {
@@ -23,6 +33,7 @@ void Drawing::Impl::link(Item& item)
 
 void Drawing::Impl::unlink(Item& item)
 {
+    finishLink();
     if (item.version != cNoItem)
         edges.remove(item.version);
     item.version = cNoItem;
@@ -67,6 +78,7 @@ void Drawing::Impl::markLinksStale(Item& item)
 
 void Drawing::Impl::renewLinks()
 {
+    finishLink();
     std::vector<std::uint32_t> records, corners;
     const std::size_t nChanged = staleLinks.size();
     for (std::size_t i = 0; i < staleLinks.size(); ++i)

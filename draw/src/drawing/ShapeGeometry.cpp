@@ -146,8 +146,24 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
             look(at(part.first), at(part.last), part.getDeviation(), part.getTurn());
         }
     else if (node.last - node.first > 1)
-        for (std::int32_t i = node.first; i < node.last; ++i)
-            look(at(i), at(i + 1), 0, 0);
+    {
+        // The same for lines, which deviate and turn by nothing of their own: the largest square has the largest root.
+        double farSquare = 0, turnSquare = 0;
+        Vector a = from;
+        for (std::int32_t i = node.first + 1; i <= node.last; ++i)
+        {
+            const Vector b = at(i);
+            const double x = b.x - from.x, y = b.y - from.y, along = x * u.x + y * u.y, across = x * u.y - y * u.x;
+            const double beyond = std::max({-along, along - length, 0.0});
+            farSquare = std::max(farSquare, length == 0 ? x * x + y * y : across * across + beyond * beyond);
+            const double own = lengthOf(b.x - a.x, b.y - a.y);
+            const double turnX = (b.x - a.x) / own - u.x, turnY = (b.y - a.y) / own - u.y;
+            turnSquare = std::max(turnSquare, own > 0 ? turnX * turnX + turnY * turnY : 0);
+            a = b;
+        }
+        deviation = std::sqrt(farSquare);
+        turn = std::max(turn, std::sqrt(turnSquare));
+    }
     node.setForm(isLeaf, deviation, turn);
 }
 

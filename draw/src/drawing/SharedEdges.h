@@ -19,9 +19,12 @@ public:
     /// Names what a shape was when it was added.
     using Version = std::uint32_t;
 
-    /// Adds the edges of a fill. @param shape  any number for it  @param neighbours  becomes the shapes that it shares
-    /// edges with, each once
-    Version add(const ShapeGeometry& geometry, std::uint32_t shape, std::vector<std::uint32_t>& neighbours);
+    /// Adds the edges of a fill, in two steps: the table is larger than the processor's caches, and what is needed of it
+    /// comes there while something else is done in between, the next shape's triangles best of all. Nothing else may be
+    /// called in between.
+    void begin(const ShapeGeometry& geometry);
+    /// @param shape  any number for it  @param neighbours  becomes the shapes that it shares edges with, each once
+    Version finish(std::uint32_t shape, std::vector<std::uint32_t>& neighbours);
     void remove(Version version);
     void clear();
 

@@ -51,6 +51,7 @@ struct FillTessellator::Work
         return result == FillSweep::Result::Done;
     }
 
+    Polylines lines;
     FillEdges rings, divided, outline;
     FillGraph graph, dividedGraph, outlineGraph;
     FillSweep sweep;
@@ -76,7 +77,9 @@ void FillTessellator::addRing(std::span<const Point> points)
 void FillTessellator::addPath(const Path& path, double tolerance)
 {
     TD_ASSERT(tolerance > 0);
-    const Polylines lines = path.flatten(tolerance);
+    Polylines& lines = _pWork->lines;
+    lines.clear();
+    path.flatten(tolerance, lines);
     for (const Polylines::Line& line : lines.lines)
         addRing(lines.pointsOf(line));
 }

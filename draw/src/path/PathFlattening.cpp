@@ -21,17 +21,22 @@ void Path::flatten(double tolerance, Polylines& result, bool hasTangents) const
         line.first = result.points.size();
     };
     Point start;
-    for (const PathSegment& segment : *this)
+    // Lines, which most paths are all of, are taken without making segments of them.
+    const bool areThereCurves = hasCurves();
+    Iterator at = begin();
+    const Point* pPoint = _points.data();
+    for (auto next = _verbs.begin(); next != _verbs.end(); ++next, areThereCurves ? void(++at) : void())
     {
-        if (segment.verb == Verb::MoveTo)
+        const Verb verb = *next;
+        if (verb == Verb::MoveTo)
         {
             endLine(false);
-            start = segment.to;
+            start = *pPoint++;
             continue;
         }
         if (result.points.size() == line.first)
             result.points.push_back(start);
-        if (segment.verb == Verb::Close)
+        if (verb == Verb::Close)
         {
             // The beginning once more at the end is what closing means.
             if (result.points.size() - line.first > 1 && result.points.back() == start)
@@ -39,6 +44,13 @@ void Path::flatten(double tolerance, Polylines& result, bool hasTangents) const
             endLine(true);
             continue;
         }
+        if (verb == Verb::LineTo)
+        {
+            result.points.push_back(*pPoint++);
+            continue;
+        }
+        const PathSegment segment = *at;
+        pPoint += verb == Verb::CubicTo ? 3 : verb == Verb::QuadTo ? 2 : 1;
         const unsigned int n = segment.nPieces(tolerance);
         if (n > 1)
         {

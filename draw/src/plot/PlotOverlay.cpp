@@ -41,7 +41,7 @@ void Plot::Impl::buildOverlay()
 
 void Axes::Impl::drawOverlay(const PlotPaper& paper, Point pointer, const Axes& axes)
 {
-    constexpr double cReach = 40, cPad = 7, cGap = 14, cDash = 6;
+    constexpr double cReach = 40, cInset = 7, cGap = 14, cDash = 6;
     const std::optional<Hit> hit = findNearest(pointer, cReach);
     if (!hit || isBare)
         return;
@@ -65,8 +65,8 @@ void Axes::Impl::drawOverlay(const PlotPaper& paper, Point pointer, const Axes& 
     const std::string& label = s.getStyle().label;
     const double line = paper.style.labelSize * 1.4;
     double width = std::max(paper.texts.widthOf(xText, plain), paper.texts.widthOf(yText, plain));
-    width = std::ceil(std::max(width, paper.texts.widthOf(label, plain)) + 2 * cPad);
-    const double height = std::ceil(line * (label.empty() ? 2 : 3) + cPad);
+    width = std::ceil(std::max(width, paper.texts.widthOf(label, plain)) + 2 * cInset);
+    const double height = std::ceil(line * (label.empty() ? 2 : 3) + cInset);
     double boxLeft = hit->point.x + cGap, boxTop = hit->point.y - cGap - height;
     if (boxLeft + width > area.right)
         boxLeft = hit->point.x - cGap - width;
@@ -79,15 +79,15 @@ void Axes::Impl::drawOverlay(const PlotPaper& paper, Point pointer, const Axes& 
     td::Color panel = paper.style.panel;
     panel.setAlpha(245);
     paper.scene.addRoundRect(box, 4.5 * scale, panel);
-    double at = boxTop + cPad / 2 + line / 2;
+    double at = boxTop + cInset / 2 + line / 2;
     if (!label.empty())
     {
-        paper.texts.add(label, named, {boxLeft + cPad, at}, Anchor::Left);
+        paper.texts.add(label, named, {boxLeft + cInset, at}, Anchor::Left);
         at += line;
     }
-    paper.texts.add(yText, plain, {boxLeft + cPad, at}, Anchor::Left);
+    paper.texts.add(yText, plain, {boxLeft + cInset, at}, Anchor::Left);
     paper.texts.add(xText, {.face = paper.style.face, .size = paper.style.labelSize, .paint = paper.style.labels},
-                    {boxLeft + cPad, at + line}, Anchor::Left);
+                    {boxLeft + cInset, at + line}, Anchor::Left);
 }
 
 } // namespace gui::draw
