@@ -45,7 +45,9 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     const auto isClickHeard = [&](int x, int y, const std::string& point)
     {
         xdo("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 3");
-        return waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "release2 " + point + " x1"; });
+        // To SDL3 a second click may be a double one: it does not count what the window was moved meanwhile.
+        return waitInLoop([&]
+                          { return !view.lines.empty() && view.lines.back().starts_with("release2 " + point + " x"); });
     };
     // The compositor moves a window that is dragged with Super held: until it reaches into the second output.
     const auto drag = [&](int fromX, int fromY, int x)
