@@ -12,9 +12,9 @@ namespace worldmap
 
 /// The map to go about in, with the name of the country under the pointer in its window's title.
 ///
-/// Drag with Shift, wheel, wheel with Ctrl, pinch, plus, minus, 0 and arrow keys: see OrthoView. A double click flies to
-/// a country. M changes the projection, L shows and hides what is written on the map, O opens and closes an overview,
-/// Escape ends the program.
+/// Drag with Shift, wheel, wheel with Ctrl, pinch, plus, minus, 0 and arrow keys: see OrthoView. A double click flies
+/// to a country. M changes the projection, L shows and hides what is written on the map, O opens and closes an
+/// overview, Escape ends the program.
 class MapView : public SheetView
 {
 public:

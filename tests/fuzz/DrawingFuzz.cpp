@@ -166,7 +166,11 @@ private:
             item.color = takeColor();
             const bool isImage = _input.below(2) == 0;
             isDone = isImage ? _drawing.setImage(id, imageOf(item)) : _drawing.setColor(id, item.color);
-            isRight = isShape && (item.isImage || !isImage);
+            isRight = isThere && (item.isImage || !isImage);
+            if (isDone && item.isGroup)
+                for (std::size_t i = 0; i < _items.size(); ++i)
+                    if (isWithin(static_cast<int>(i), static_cast<int>(pItem - _items.data())))
+                        _items[i].color = item.color;
         }
         else if (operation == 5 || operation == 6)
         {

@@ -19,9 +19,9 @@ public:
     /// Names what a shape was when it was added.
     using Version = std::uint32_t;
 
-    /// Adds the edges of a fill, in two steps: the table is larger than the processor's caches, and what is needed of it
-    /// comes there while something else is done in between, the next shape's triangles best of all. Nothing else may be
-    /// called in between.
+    /// Adds the edges of a fill, in two steps: the table is larger than the caches, and what is needed of it comes
+    /// there while something else is done, the next shape's triangles best of all. Nothing else may be called in
+    /// between.
     void begin(const ShapeGeometry& geometry);
     /// @param shape  any number for it  @param neighbours  becomes the shapes that it shares edges with, each once
     Version finish(std::uint32_t shape, std::vector<std::uint32_t>& neighbours);
