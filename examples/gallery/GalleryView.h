@@ -61,6 +61,7 @@ protected:
 private:
     using Clock = std::chrono::steady_clock;
 
+    const gui::gl::View* getView() const override { return this; }
     void redraw() override { reRender(); }
     void grab(gui::Texture& image, const std::function<void()>& callback) override;
     double getSeconds() const override { return _seconds + secondsSinceFrame(Clock::now()); }

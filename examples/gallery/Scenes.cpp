@@ -154,6 +154,11 @@ constexpr SceneInfo cScenes[] = {
      "below "
      "it a part, eight times as large. Samples smooth every edge, at no cost to the program.",
      makeSamples},
+    {"upload", "A map that opens while it moves",
+     "The countries of the world are read, cut into triangles and handed over while frames go on; the bar tells how "
+     "far "
+     "that is. Click to see it once more.",
+     makeOpening},
 };
 
 } // namespace

@@ -54,5 +54,6 @@ std::unique_ptr<Scene> makeScripts();
 std::unique_ptr<Scene> makeLabels();
 std::unique_ptr<Scene> makeEditor();
 std::unique_ptr<Scene> makeSamples();
+std::unique_ptr<Scene> makeOpening();
 
 } // namespace gallery

@@ -9,7 +9,11 @@
 namespace gui
 {
 class Texture;
+namespace gl
+{
+class View;
 }
+} // namespace gui
 
 namespace gallery
 {
@@ -20,6 +24,9 @@ class Stage
 {
 public:
     virtual ~Stage() = default;
+
+    /// Whose frames the scene is drawn in; null for pictures.
+    virtual const gui::gl::View* getView() const { return nullptr; }
 
     /// Asks for another frame, although time may stand still.
     virtual void redraw() = 0;
