@@ -80,6 +80,7 @@ void drawNothing(GLenum, const GLsizei*, GLenum, const void* const*, GLsizei, co
 double s_inDriver = 0;
 PFNGLBUFFERDATAPROC s_bufferData;
 PFNGLBUFFERSUBDATAPROC s_bufferSubData;
+PFNGLCOPYBUFFERSUBDATAPROC s_copyBufferSubData;
 
 void bufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage)
 {
@@ -95,6 +96,13 @@ void bufferSubData(GLenum target, GLintptr offset, GLsizeiptr size, const void* 
     s_inDriver += milliseconds() - begin;
 }
 
+void copyBufferSubData(GLenum from, GLenum to, GLintptr fromOffset, GLintptr offset, GLsizeiptr size)
+{
+    const double begin = milliseconds();
+    s_copyBufferSubData(from, to, fromOffset, offset, size);
+    s_inDriver += milliseconds() - begin;
+}
+
 struct Stage
 {
     Stage()
@@ -105,14 +113,17 @@ struct Stage
         // The first call of each puts the driver's in its place.
         glBufferData(GL_ARRAY_BUFFER, 0, nullptr, GL_STATIC_DRAW);
         glBufferSubData(GL_ARRAY_BUFFER, 0, 0, nullptr);
+        glCopyBufferSubData(GL_ARRAY_BUFFER, GL_ARRAY_BUFFER, 0, 0, 0);
         s_bufferData = std::exchange(epoxy_glBufferData, bufferData);
         s_bufferSubData = std::exchange(epoxy_glBufferSubData, bufferSubData);
+        s_copyBufferSubData = std::exchange(epoxy_glCopyBufferSubData, copyBufferSubData);
     }
     ~Stage()
     {
         epoxy_glMultiDrawElementsBaseVertex = call;
         epoxy_glBufferData = s_bufferData;
         epoxy_glBufferSubData = s_bufferSubData;
+        epoxy_glCopyBufferSubData = s_copyBufferSubData;
     }
 
     gui::gl::OffscreenContext context;

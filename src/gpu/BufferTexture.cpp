@@ -112,6 +112,28 @@ void BufferTexture::writeBytes(std::size_t offset, const void* data, std::size_t
         std::memcpy(_kept.data() + offset, data, nBytes);
 }
 
+void BufferTexture::copyBytes(std::size_t offset, const BufferTexture& from, std::size_t fromOffset, std::size_t nBytes)
+{
+    const std::size_t size = getSize() * getTexelSize(), fromSize = from.getSize() * from.getTexelSize();
+    TD_ASSERT(offset <= size && nBytes <= size - offset);
+    TD_ASSERT(fromOffset <= fromSize && nBytes <= fromSize - fromOffset);
+    TD_ASSERT(_home.getID() == from._home.getID());
+    if (nBytes == 0)
+        return;
+    glBindBuffer(GL_COPY_READ_BUFFER, from._buffer);
+    glBindBuffer(GL_TEXTURE_BUFFER, _buffer);
+    glCopyBufferSubData(GL_COPY_READ_BUFFER, GL_TEXTURE_BUFFER, static_cast<GLintptr>(fromOffset),
+                        static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(nBytes));
+    glBindBuffer(GL_TEXTURE_BUFFER, 0);
+    glBindBuffer(GL_COPY_READ_BUFFER, 0);
+    if (offset + nBytes > _kept.size())
+        return;
+    if (fromOffset + nBytes <= from._kept.size())
+        std::memmove(_kept.data() + offset, from._kept.data() + fromOffset, nBytes);
+    else
+        std::memset(_kept.data() + offset, 0, nBytes);
+}
+
 void BufferTexture::bind(Texture::Unit unit) const
 {
     glActiveTexture(Textures::getZavPosID(unit));

@@ -204,8 +204,12 @@ uniform samplerBuffer numbers;
 out vec4 color;
 void main() { color = texelFetch(numbers, int(gl_FragCoord.x) % 4); })");
         const float values[] = {1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 1, 1, 1, 0, 1};
-        EXPECT_TRUE(numbers.resize(4));
-        numbers.write(0, values, 4);
+        // Half of them by way of another one.
+        BufferTexture other(BufferTexture::Format::Float4);
+        EXPECT_TRUE(numbers.resize(4) && other.resize(3));
+        numbers.write(2, values + 8, 2);
+        other.write(1, values, 2);
+        numbers.copyBytes(0, other, 16, 32);
     }
     void draw() override
     {

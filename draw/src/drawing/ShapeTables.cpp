@@ -423,8 +423,9 @@ void ShapeTables::reorderElements(std::span<TableRange* const> ranges)
 
 bool ShapeTables::upload()
 {
-    return _records.upload() && _elements.upload() && _points.upload() && _nodes.upload() && _numbers.upload() &&
-           _links.upload() && _glyphs.upload();
+    bool mayGrow = true;
+    return _records.upload(mayGrow) && _elements.upload(mayGrow) && _points.upload(mayGrow) && _nodes.upload(mayGrow) &&
+           _numbers.upload(mayGrow) && _links.upload(mayGrow) && _glyphs.upload(mayGrow);
 }
 
 void ShapeTables::bind() const

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <span>
 #include <utility>
 #include <vector>
@@ -21,10 +22,9 @@ class Table
 {
 public:
     explicit Table(gl::BufferTexture::Format format)
-        : _texture(format)
+        : _format(format)
+        , _pTexture(makeTexture())
     {
-        // It is here, for a context that is lost as well.
-        _texture.setKeptForRestore(false);
     }
 
     /// @return the first of n records in a row, whose content is undefined
@@ -99,30 +99,105 @@ public:
         _changes.clear();
     }
 
-    /// Sends what has changed. @return false when GL has no room
-    bool upload()
+    /// Sends what has changed.
+    /// @param mayGrow  whether to make a larger table before there has to be one; false afterwards if it did
+    /// @return false when GL has no room
+    bool upload(bool& mayGrow)
     {
-        const std::size_t texel = _texture.getTexelSize();
-        const std::size_t nTexels = std::max<std::size_t>(_records.size() * sizeof(Record) / texel, 1);
-        if (_texture.getSize() < nTexels)
-        {
-            // Room for half as much again; for less the first time: most drawings are made and stay.
-            const std::size_t spare = nTexels / (_texture.getSize() == 0 ? 16 : 2);
-            if (!_texture.resize(nTexels + spare))
-                return false;
-            _changes.assign(1, {0, _records.size() * sizeof(Record)});
-        }
+        const std::size_t texel = _pTexture->getTexelSize(), nBytes = _records.size() * sizeof(Record);
+        const std::size_t nTexels = std::max<std::size_t>(nBytes / texel, 1);
+        if (!makeRoom(nTexels, mayGrow))
+            return false;
         if (_changes.size() > 1)
             merge();
+        std::size_t nSent = 0;
         for (const auto& [begin, end] : _changes)
-            _texture.writeBytes(begin, reinterpret_cast<const char*>(_records.data()) + begin, end - begin);
+        {
+            write(*_pTexture, begin, end);
+            if (_pLarger && begin < _nCopied)
+                write(*_pLarger, begin, std::min(end, _nCopied));
+            nSent += end - begin;
+        }
         _changes.clear();
+        if (_pLarger)
+            copySome(std::max(cCopiedAtOnce, cCopiedForEach * nSent), nBytes);
         return true;
     }
 
-    void bind(gl::Texture::Unit unit) const { _texture.bind(unit); }
+    void bind(gl::Texture::Unit unit) const { _pTexture->bind(unit); }
 
 private:
+    // A table that is nearly full is copied within GL to a larger one, some of it in each upload, so that none takes
+    // long: more than what is sent meanwhile by so much that it is done before there is no room any more. Drivers clear
+    // what they give, at a millisecond for some two megabytes: it is not much larger, and no two are in one frame.
+    static constexpr std::size_t cCopiedAtOnce = std::size_t(1) << 20, cCopiedForEach = 10;
+    static constexpr std::size_t cLargeTable = std::size_t(1) << 20;
+
+    std::unique_ptr<gl::BufferTexture> makeTexture() const
+    {
+        auto pTexture = std::make_unique<gl::BufferTexture>(_format);
+        // It is here, for a context that is lost as well.
+        pTexture->setKeptForRestore(false);
+        return pTexture;
+    }
+
+    void write(gl::BufferTexture& texture, std::size_t begin, std::size_t end)
+    {
+        texture.writeBytes(begin, reinterpret_cast<const char*>(_records.data()) + begin, end - begin);
+    }
+
+    bool makeRoom(std::size_t nTexels, bool& mayGrow)
+    {
+        const std::size_t size = _pTexture->getSize(), texel = _pTexture->getTexelSize();
+        if (size == 0)
+        {
+            // A little more than that: most drawings are made and stay.
+            _pLarger = nullptr;
+            if (!_pTexture->resize(nTexels + nTexels / 16))
+                return false;
+            _changes.assign(1, {0, _records.size() * sizeof(Record)});
+            return true;
+        }
+        if (size < nTexels)
+        {
+            if ((!_pLarger || _pLarger->getSize() < nTexels) && !startLarger(nTexels + nTexels / 2))
+                return false;
+            copySome(size * texel, size * texel);
+        }
+        else if (mayGrow && !_pLarger && size * texel > cLargeTable && nTexels > size - size / 8 && size != _largest)
+        {
+            mayGrow = false;
+            if (!startLarger(size + size / 4))
+                _largest = size; // until there has to be a larger one
+        }
+        return true;
+    }
+
+    bool startLarger(std::size_t nTexels)
+    {
+        _pLarger = makeTexture();
+        _nCopied = 0;
+        if (_pLarger->resize(nTexels))
+            return true;
+        _pLarger = nullptr;
+        return false;
+    }
+
+    // @param nBytes  of what there is in all, after which the larger one takes its place
+    void copySome(std::size_t n, std::size_t nBytes)
+    {
+        if (_pLarger->getSize() == 0)
+        {
+            _pLarger = nullptr;
+            return;
+        }
+        n = std::min(n, nBytes - std::min(_nCopied, nBytes));
+        _pLarger->copyBytes(_nCopied, *_pTexture, _nCopied, n);
+        _nCopied += n;
+        if (_nCopied >= nBytes)
+            _pTexture = std::exchange(_pLarger, nullptr);
+    }
+
     void markChanged(std::size_t begin, std::size_t nBytes)
     {
         if (nBytes == 0)
@@ -139,19 +214,28 @@ private:
     void merge()
     {
         std::sort(_changes.begin(), _changes.end());
+        join(0);
+        // A call costs about as much as some kilobytes: many little ones are more than what is between them.
+        for (std::size_t gap = 1024; _changes.size() > 1000; gap *= 4)
+            join(gap);
+    }
+
+    void join(std::size_t gap)
+    {
         std::size_t n = 0;
         for (std::size_t i = 1; i < _changes.size(); ++i)
-            if (_changes[i].first <= _changes[n].second)
+            if (_changes[i].first <= _changes[n].second + gap)
                 _changes[n].second = std::max(_changes[n].second, _changes[i].second);
             else
                 _changes[++n] = _changes[i];
         _changes.resize(n + 1);
-        // A call costs about as much as some kilobytes: many little ones are more than all at once.
-        if (_changes.size() > 1000)
-            _changes.assign(1, {0, _records.size() * sizeof(Record)});
     }
 
-    gl::BufferTexture _texture;
+    gl::BufferTexture::Format _format;
+    std::unique_ptr<gl::BufferTexture> _pTexture;
+    std::unique_ptr<gl::BufferTexture> _pLarger; // that will take its place
+    std::size_t _nCopied = 0;                    // bytes of it
+    std::size_t _largest = 0;                    // texels, beyond which there was no room
     GrowingArray<Record> _records;
     std::multimap<std::size_t, std::uint32_t> _free; // by size
     std::vector<std::pair<std::size_t, std::size_t>> _changes;

@@ -60,6 +60,11 @@ public:
     /// The same in bytes, which need not be whole texels.
     void writeBytes(std::size_t offset, const void* data, std::size_t nBytes);
 
+    /// Copies bytes of another one within GL, without a way through memory. Both must have them ("offset <= size &&
+    /// nBytes <= size - offset" and "fromOffset <= fromSize && nBytes <= fromSize - fromOffset"; nothing is copied then),
+    /// in the same context. What is kept here for restoring is what is kept there; from one that keeps nothing, 0.
+    void copyBytes(std::size_t offset, const BufferTexture& from, std::size_t fromOffset, std::size_t nBytes);
+
     /// Binds it to a texture unit, where a sampler of that number finds it.
     void bind(Texture::Unit unit) const;
 
