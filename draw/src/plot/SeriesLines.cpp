@@ -214,7 +214,8 @@ private:
 };
 
 // Lines that go anywhere, of many samples: parts out of sight are left out, and parts that are smaller than half a
-// pixel are drawn from end to end. Where that leaves too many pieces, every second sample, or fourth, and so on, will do.
+// pixel are drawn from end to end. Where that leaves too many pieces, every second sample or fourth, and so on, will
+// do.
 void SeriesGeometry::joinParts(const Extent& extent)
 {
     for (std::size_t step = 1;; step *= 2)

@@ -249,13 +249,13 @@ public:
     /// refused ("Error! Buffer: what was committed went with its context, as it is not kept for restoring", once).
     /// true, the default, costs the bytes that were appended, and holds from the next commit of new data on.
     ///
-    /// Of a dynamic buffer or a ring it is GL alone that has what was sent, and memory what will be sent next. Appending
-    /// some kilobytes or more goes straight to GL, as long as the context that it was committed in is current and has
-    /// room; with less, and elsewhere, it waits for the next draw, activate or commit. All is counted, changed and
-    /// removed as before; only reading is over (see getVertices, getVertex), and indices take 32 bits in GL. When the
-    /// context is lost, what it had is gone, which the log says by the line above: the buffer is empty but for what was
-    /// not sent yet, keeps its commands, and goes on with what is appended next. true holds from the next reset, release
-    /// or init on.
+    /// Of a dynamic buffer or a ring it is GL alone that has what was sent, and memory what will be sent next.
+    /// Appending some kilobytes or more goes straight to GL, as long as the context that it was committed in is current
+    /// and has room; with less, and elsewhere, it waits for the next draw, activate or commit. All is counted, changed
+    /// and removed as before; only reading is over (see getVertices, getVertex), and indices take 32 bits in GL. When
+    /// the context is lost, what it had is gone, which the log says by the line above: the buffer is empty but for what
+    /// was not sent yet, keeps its commands, and goes on with what is appended next. true holds from the next reset,
+    /// release or init on.
     void setKeptForRestore(bool isKept);
     bool isKeptForRestore() const { return _isKept; }
 

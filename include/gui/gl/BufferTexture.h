@@ -61,8 +61,9 @@ public:
     void writeBytes(std::size_t offset, const void* data, std::size_t nBytes);
 
     /// Copies bytes of another one within GL, without a way through memory. Both must have them ("offset <= size &&
-    /// nBytes <= size - offset" and "fromOffset <= fromSize && nBytes <= fromSize - fromOffset"; nothing is copied then),
-    /// in the same context. What is kept here for restoring is what is kept there; from one that keeps nothing, 0.
+    /// nBytes <= size - offset" and "fromOffset <= fromSize && nBytes <= fromSize - fromOffset"), in the same context
+    /// ("_home.getID() == from._home.getID()"); nothing is copied otherwise. What is kept here for restoring is what is
+    /// kept there; from one that keeps nothing, 0.
     void copyBytes(std::size_t offset, const BufferTexture& from, std::size_t fromOffset, std::size_t nBytes);
 
     /// Binds it to a texture unit, where a sampler of that number finds it.
