@@ -136,6 +136,9 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
     { return SDL_GetWindowFromID(event.windowID) == pWindow && viewOf(pWindow) == pView; };
     if (event.type == Type::Motion)
         putOffMotions(pWindow);
+    // The frame that Wayland's clients draw around their windows changes with the focus, and shows with what is in it.
+    if ((event.type == Type::FocusGained || event.type == Type::FocusLost) && sdl::isOnWayland())
+        setNeedsDisplay(pView);
     if (onWindowEvent(pWindow, pView, event.type))
     {
         if (isStillThere())
