@@ -1,7 +1,9 @@
 // The desktop of tests of widgets: X11 through GTK.
 
 #include "X11Desktop.h"
+#include "support/Pinning.h"
 
+#include <gui/gl/OffscreenContext.h>
 #include <gui/gtk/ViewArea.h>
 
 #include <gtest/gtest.h>
@@ -76,6 +78,14 @@ public:
         setenv("GTK_IM_MODULE", "gtk-im-context-simple", 1);
         setenv("GTK_A11Y", "none", 1);
         setenv("GSETTINGS_BACKEND", "memory", 1);
+        // GTK tries the driver and unloads it again, with what it leaks.
+        {
+            using gui::gl::Context;
+            const gui::gl::OffscreenContext context({1, 1}, Context(gui::gl::DepthBuffer::Size::None,
+                                                                    gui::gl::StencilBuffer::Size::None,
+                                                                    Context::Profile::Core41));
+            pinLoadedLibraries();
+        }
         gtk_init();
         // From the first widget on the library's loop is GTK's.
         g_object_unref(g_object_ref_sink(gui::gtk::newViewArea([]() -> gui::gl::View* { return nullptr; })));
