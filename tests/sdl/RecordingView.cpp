@@ -45,12 +45,11 @@ void RecordingView::create(gui::gl::Context::Animation animation, const td::Size
     using enum gui::InputDevice::Event;
     handles = true;
     const td::PointAndSize<double> geometry({0, 0}, size);
-    createContext(
-        gui::gl::Context(animation, gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
-                         gui::gl::Context::Profile::Core41),
-        {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard, OtherClicks, OtherDrag,
-         Drops},
-        &geometry);
+    createContext(gui::gl::Context(animation, gui::gl::DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
+                                   gui::gl::Context::Profile::Core41),
+                  {CursorEnterLeave, PrimaryClicks, SecondaryClicks, CursorDrag, ScrollAndZoom, Keyboard, OtherClicks,
+                   OtherDrag, Drops},
+                  &geometry);
 }
 
 testing::AssertionResult RecordingView::hasHeard(const std::vector<std::string>& expected)

@@ -9,7 +9,6 @@
 #include <gui/port/sdl/SDLPort.h>
 #include <vo/Log.h>
 
-
 #include <algorithm>
 #include <thread>
 
