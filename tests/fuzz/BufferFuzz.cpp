@@ -197,7 +197,9 @@ private:
         _buffer.removeInstances(_instances.size(), 1);
         if (_vertices.size() > 0)
             _buffer.setRing(3);
+#ifndef NDEBUG
         require(quiet.nAsserts == 6 + (_vertices.size() > 0 ? 1 : 0), "what is not there is refused");
+#endif
         require(_isKept || _buffer.getVertices().size() == 0, "there is nothing to read");
     }
 

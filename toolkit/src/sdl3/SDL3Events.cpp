@@ -7,6 +7,7 @@
 
 #include <X11/Xlib.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace gui::sdl
@@ -69,13 +70,27 @@ void takeFinger(SDLEvent& event, const SDL_TouchFingerEvent& finger)
                     toPoint(finger.x, finger.y)};
 }
 
+// SDL3 goes on counting in another window, where a click at the same place is the first one.
+unsigned short countClicks(const SDL_MouseButtonEvent& button)
+{
+    static SDL_WindowID s_windowID = 0;
+    static int s_nElsewhere = 0;
+    const int nClicks = button.clicks;
+    if (button.down && button.windowID != s_windowID)
+        s_nElsewhere = nClicks - 1;
+    else if (button.down && nClicks == 1)
+        s_nElsewhere = 0;
+    s_windowID = button.windowID;
+    return static_cast<unsigned short>(std::max(1, nClicks - s_nElsewhere));
+}
+
 void takeButton(SDLEvent& event, const SDL_MouseButtonEvent& button)
 {
     event.type = button.type == SDL_EVENT_MOUSE_BUTTON_DOWN ? Type::ButtonDown : Type::ButtonUp;
     event.windowID = button.windowID;
     event.mouse = toPoint(button.x, button.y);
     event.button = button.button;
-    event.nClicks = button.clicks;
+    event.nClicks = countClicks(button);
     event.isOfTouch = button.which == SDL_TOUCH_MOUSEID;
 }
 
@@ -156,7 +171,8 @@ void take(SDLEventQueue& queue, const SDL_Event& sdlEvent)
     case SDL_EVENT_KEY_UP:
         event.type = sdlEvent.type == SDL_EVENT_KEY_DOWN ? Type::KeyDown : Type::KeyUp;
         event.windowID = sdlEvent.key.windowID;
-        event.scancode = sdlEvent.key.scancode;
+        // From here on SDL3 counts media keys otherwise than SDL2; all of them are keys without a counterpart.
+        event.scancode = std::min(sdlEvent.key.scancode, SDL_SCANCODE_SLEEP);
         break;
     case SDL_EVENT_TEXT_INPUT:
         event.type = Type::Text;
