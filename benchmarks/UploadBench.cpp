@@ -53,13 +53,10 @@ std::size_t fillWith(auto& to)
         const Projection projection = shift == 400 ? Projection::Mercator : Projection::Equirectangular;
         for (const std::vector<worldmap::Line>& rings : countries().fine.countries)
         {
-            Path path;
             for (const worldmap::Line& ring : rings)
-            {
                 nCorners += ring.size();
-                path.addPath(worldmap::pathOf(ring, projection).close());
-            }
-            to.fill(path.transform(Affine::translation(shift, 0)), "#e9dc9a", FillRule::EvenOdd);
+            const Path area = worldmap::areaOf(rings, projection).transform(Affine::translation(shift, 0));
+            to.fill(area, "#e9dc9a", FillRule::EvenOdd);
         }
         addLines(countries().fine.borders, projection, shift);
         addLines(countries().fine.coasts, projection, shift);

@@ -156,8 +156,7 @@ constexpr SceneInfo cScenes[] = {
      makeSamples},
     {"upload", "A map that opens while it moves",
      "The countries of the world are read, cut into triangles and handed over while frames go on; the bar tells how "
-     "far "
-     "that is. Click to see it once more.",
+     "far that is. Click to see it once more.",
      makeOpening},
 };
 

@@ -85,5 +85,5 @@ int main(int argc, char** argv)
     while (!view.isOpen() && app.step(0.1))
     {
     }
-    return view.saveAll(argv[1], 600, 20, 1) ? 0 : 1;
+    return view.isOpen() && view.saveAll(argv[1], 600, 20, 1) ? 0 : 1;
 }

@@ -226,8 +226,9 @@ void Buffer::insertVertex(std::size_t i, const td::Point<float>& pt)
     {
         TD_ASSERT(_nVertexFloats == 2);
         const float xy[2] = {x, y};
-        insertQueued(i, xy);
-        return;
+        noteAppended();
+        getVertexPart().queued().insert(std::min(i, _pDynamic->vertices.pieces.size()), xy, 1);
+        return sendManyPieces();
     }
     const std::size_t pos = floatOfPoint(i, getFirstFloat());
     if (_pDynamic)
@@ -298,15 +299,17 @@ bool Buffer::upload()
         return false;
     }
     glBindVertexArray(_vao);
-    if (_pDynamic)
-    {
-        if (!uploadDynamic(oldVBO, oldEBO, oldIBO))
-            return false;
-        _state = 1;
-        glBindBuffer(GL_ARRAY_BUFFER, 0);
-        glBindVertexArray(0);
-        return true;
-    }
+    if (!(_pDynamic ? uploadDynamic(oldVBO, oldEBO, oldIBO) : uploadClosed(oldVBO, oldEBO, oldIBO)))
+        return false;
+    _state = 1;
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindVertexArray(0);
+    return true;
+}
+
+// The same as uploadDynamic, of data that stays as it is.
+bool Buffer::uploadClosed(unsigned int oldVBO, unsigned int oldEBO, unsigned int oldIBO)
+{
     _vbo = generateBuffer(oldVBO);
     if (_vbo == 0)
     {
@@ -345,10 +348,6 @@ bool Buffer::upload()
         enableInstances(location, 0);
     }
     noteCounts();
-
-    _state = 1;
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glBindVertexArray(0);
     return true;
 }
 

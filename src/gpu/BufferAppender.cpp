@@ -1,5 +1,7 @@
 #include <gui/gl/Buffer.h>
 
+#include "DynamicBuffer.h"
+
 #include <algorithm>
 
 namespace gui::gl
@@ -31,7 +33,8 @@ bool Buffer::Appender::grow(std::size_t nFloats)
     cnt::PushBackVector<float, 0>& data = _buffer._vertexData;
     handOver();
     // None of a ring's vertices goes before others are there.
-    if (_buffer._isRing && !_buffer.isInGLAlone() && data.capacity() - data.size() < nFloats)
+    if (_buffer._pDynamic && _buffer._pDynamic->isRing() && !_buffer.isInGLAlone() &&
+        data.capacity() - data.size() < nFloats)
         _buffer.moveToFront();
     const std::size_t size = data.size();
     if (data.capacity() - size < nFloats)

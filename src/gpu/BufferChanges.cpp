@@ -77,7 +77,7 @@ void Buffer::setRing(std::size_t nVertices)
     TD_ASSERT(isEmpty());
     setDynamic();
     _pDynamic->nKept = nVertices;
-    _isRing = _isWatched = true;
+    _isWatched = true;
 }
 
 // Nothing is there, in whatever layout comes.
@@ -94,7 +94,7 @@ void Buffer::beginAnew()
 
 std::size_t Buffer::getRoom(std::size_t nVertices) const
 {
-    return _isRing ? std::max(nVertices, roomOfRing(_pDynamic->nKept)) : nVertices;
+    return _pDynamic && _pDynamic->isRing() ? std::max(nVertices, roomOfRing(_pDynamic->nKept)) : nVertices;
 }
 
 std::size_t Buffer::findFirstFloat() const
@@ -102,7 +102,7 @@ std::size_t Buffer::findFirstFloat() const
     if (_pDynamic->isInGLAlone)
         return 0;
     const std::size_t size = _vertexData.size(), nMost = _pDynamic->nKept * _nVertexFloats;
-    return _isRing && size > nMost ? std::max(_pDynamic->first, size - nMost) : _pDynamic->first;
+    return _pDynamic->isRing() && size > nMost ? std::max(_pDynamic->first, size - nMost) : _pDynamic->first;
 }
 
 // Appending needs no more than this: what arrived and what left a ring is found out when it matters.
@@ -170,22 +170,62 @@ void Buffer::notePointInserted(std::size_t pos)
         vertices.change(first, vertices.size() - first);
 }
 
+Buffer::Part<float> Buffer::getVertexPart() const
+{
+    return {_vertexData, _pDynamic ? &_pDynamic->vertices : nullptr, _nVertexFloats, getFirstFloat()};
+}
+
+Buffer::Part<unsigned int> Buffer::getIndexPart() const
+{
+    return {_indices, _pDynamic ? &_pDynamic->indices : nullptr, 1};
+}
+
+Buffer::Part<float> Buffer::getInstancePart() const
+{
+    return {_instanceData, _pDynamic ? &_pDynamic->instances : nullptr, _nInstanceFloats};
+}
+
+template <typename T>
+void Buffer::update(const Part<T>& part, std::size_t first, const T* data, std::size_t n)
+{
+    if (n == 0)
+        return;
+    if (isInGLAlone())
+    {
+        part.queued().update(first, data, n);
+        return sendManyPieces();
+    }
+    if (part.pArray != nullptr)
+    {
+        noteAppended();
+        part.pArray->pieces.change(first, n);
+    }
+    std::memmove(part.data.begin() + part.begin + first * part.nEach, data, n * part.nEach * sizeof(T));
+}
+
+template <typename T>
+void Buffer::remove(const Part<T>& part, std::size_t first, std::size_t n)
+{
+    if (isInGLAlone())
+    {
+        part.queued().remove(first, n);
+        return sendManyPieces();
+    }
+    if (part.pArray != nullptr)
+    {
+        noteAppended();
+        part.pArray->pieces.remove(first, n);
+    }
+    eraseFrom(part.data, part.begin + first * part.nEach, n * part.nEach);
+}
+
 void Buffer::updateVertices(std::size_t first, const float* data, std::size_t n)
 {
     if (isClosed())
         return;
     const std::size_t count = getNoOfVertices();
     TD_ASSERT(isRange(first, n, count));
-    if (n == 0)
-        return;
-    if (_pDynamic)
-    {
-        noteAppended();
-        if (_pDynamic->isInGLAlone)
-            return updateQueued(first, data, n);
-        _pDynamic->vertices.pieces.change(first, n);
-    }
-    std::memmove(_vertexData.begin() + getFirstFloat() + first * _nVertexFloats, data, n * _vertexRecLenInBytes);
+    update(getVertexPart(), first, data, n);
 }
 
 void Buffer::updateInstances(std::size_t first, const float* data, std::size_t n)
@@ -195,16 +235,7 @@ void Buffer::updateInstances(std::size_t first, const float* data, std::size_t n
     TD_ASSERT(_nInstanceFloats > 0);
     const std::size_t count = getNoOfInstances() / _nInstanceFloats;
     TD_ASSERT(isRange(first, n, count));
-    if (n == 0)
-        return;
-    if (_pDynamic)
-    {
-        noteAppended();
-        if (_pDynamic->isInGLAlone)
-            return updateQueuedInstances(first, data, n);
-        _pDynamic->instances.pieces.change(first, n);
-    }
-    std::memmove(_instanceData.begin() + first * _nInstanceFloats, data, n * _instanceRecLenInBytes);
+    update(getInstancePart(), first, data, n);
 }
 
 void Buffer::updateIndices(std::size_t first, const unsigned int* indices, std::size_t n)
@@ -213,16 +244,7 @@ void Buffer::updateIndices(std::size_t first, const unsigned int* indices, std::
         return;
     const std::size_t count = getNoOfIndices();
     TD_ASSERT(isRange(first, n, count));
-    if (n == 0)
-        return;
-    if (_pDynamic)
-    {
-        noteAppended();
-        if (_pDynamic->isInGLAlone)
-            return updateQueuedIndices(first, indices, n);
-        _pDynamic->indices.pieces.change(first, n);
-    }
-    std::memmove(_indices.begin() + first, indices, n * sizeof(unsigned int));
+    update(getIndexPart(), first, indices, n);
 }
 
 void Buffer::removeVertices(std::size_t first, std::size_t n)
@@ -231,22 +253,14 @@ void Buffer::removeVertices(std::size_t first, std::size_t n)
         return;
     const std::size_t count = getNoOfVertices();
     TD_ASSERT(isRange(first, n, count));
-    if (_pDynamic)
-    {
-        noteAppended();
-        if (_pDynamic->isInGLAlone)
-            return removeQueued(first, n);
-        _pDynamic->vertices.pieces.remove(first, n);
-        // The oldest go without a copy, until more are gone than are left.
-        if (first == 0 && n < count)
-        {
-            _pDynamic->first += n * _nVertexFloats;
-            if (_pDynamic->first > _vertexData.size() / 2)
-                moveToFront();
-            return;
-        }
-    }
-    eraseFrom(_vertexData, getFirstFloat() + first * _nVertexFloats, n * _nVertexFloats);
+    if (!_pDynamic || isInGLAlone() || first != 0 || n == count)
+        return remove(getVertexPart(), first, n);
+    // The oldest go without a copy, until more are gone than are left.
+    noteAppended();
+    _pDynamic->vertices.pieces.remove(0, n);
+    _pDynamic->first += n * _nVertexFloats;
+    if (_pDynamic->first > _vertexData.size() / 2)
+        moveToFront();
 }
 
 void Buffer::removeInstances(std::size_t first, std::size_t n)
@@ -256,14 +270,7 @@ void Buffer::removeInstances(std::size_t first, std::size_t n)
     TD_ASSERT(_nInstanceFloats > 0);
     const std::size_t count = getNoOfInstances() / _nInstanceFloats;
     TD_ASSERT(isRange(first, n, count));
-    if (_pDynamic)
-    {
-        noteAppended();
-        if (_pDynamic->isInGLAlone)
-            return removeQueuedInstances(first, n);
-        _pDynamic->instances.pieces.remove(first, n);
-    }
-    eraseFrom(_instanceData, first * _nInstanceFloats, n * _nInstanceFloats);
+    remove(getInstancePart(), first, n);
 }
 
 void Buffer::removeIndices(std::size_t first, std::size_t n)
@@ -272,14 +279,7 @@ void Buffer::removeIndices(std::size_t first, std::size_t n)
         return;
     const std::size_t count = getNoOfIndices();
     TD_ASSERT(isRange(first, n, count));
-    if (_pDynamic)
-    {
-        noteAppended();
-        if (_pDynamic->isInGLAlone)
-            return removeQueuedIndices(first, n);
-        _pDynamic->indices.pieces.remove(first, n);
-    }
-    eraseFrom(_indices, first, n);
+    remove(getIndexPart(), first, n);
 }
 
 // Into a new vertex array, which is bound. The names are those of a context that was lost, or 0.
@@ -322,7 +322,7 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
         return false;
     }
     if (isQueue)
-        emptyVertices();
+        getVertexPart().queued().empty();
     if (_indices.capacity() > 0 || dynamic.indices.pieces.size() > 0 || _ebo != 0)
     {
         const bool isWidened = dynamic.isNarrow && hasWideIndex(dynamic.indices.pieces, _indices.begin());
@@ -346,7 +346,7 @@ bool Buffer::uploadChanges(unsigned int oldVBO, unsigned int oldEBO, unsigned in
         dynamic.isNarrow = isNarrow;
         _ebo = name;
         if (isQueue)
-            emptyIndices();
+            getIndexPart().queued().empty();
     }
     if (_instanceData.capacity() > 0)
     {

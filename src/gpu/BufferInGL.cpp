@@ -1,7 +1,6 @@
 #include <gui/gl/Buffer.h>
 
 #include "DynamicBuffer.h"
-#include "QueuedEdits.h"
 
 #include <td/Assert.h>
 #include <vo/Log.h>
@@ -18,17 +17,7 @@ namespace
 
 // A call of GL's costs about as much as copying some kilobytes.
 constexpr std::size_t cLeastAtOnce = 4096;
-constexpr std::size_t cLargestQueue = std::size_t(1) << 18; // numbers, that room is kept for
-constexpr std::size_t cMostQueuedPieces = 512;              // that are searched one after the other
-
-template <typename T>
-void emptyQueue(cnt::PushBackVector<T, 0>& queue)
-{
-    if (queue.capacity() > cLargestQueue)
-        queue.release();
-    else
-        queue.reset();
-}
+constexpr std::size_t cMostQueuedPieces = 512; // that are searched one after the other
 
 } // namespace
 
@@ -41,7 +30,7 @@ void Buffer::setInGLAlone(bool isInGLAlone)
         pArray->pieces.setResendable(!isInGLAlone);
     // Larger ones would want all of them again.
     _pDynamic->isNarrow = !isInGLAlone;
-    _isWatched = _isRing || isInGLAlone;
+    _isWatched = _pDynamic->isRing() || isInGLAlone;
 }
 
 // What GL has goes from memory.
@@ -55,9 +44,9 @@ void Buffer::leaveToGL()
     if (dynamic.isNarrow)
         dynamic.indices.pieces.forget();
     setInGLAlone(true);
-    QueuedEdits(dynamic.vertices.pieces, _vertexData, _nVertexFloats).dropThere();
-    QueuedEdits(dynamic.indices.pieces, _indices, 1).dropThere();
-    QueuedEdits(dynamic.instances.pieces, _instanceData, _nInstanceFloats).dropThere();
+    getVertexPart().queued().dropThere();
+    getIndexPart().queued().dropThere();
+    getInstancePart().queued().dropThere();
     if (_vertexData.size() == 0)
         _vertexData.release();
     if (_indices.size() == 0 && dynamic.indices.pieces.size() > 0)
@@ -68,27 +57,23 @@ void Buffer::leaveToGL()
 
 void Buffer::emptyInstances() const
 {
-    emptyQueue(_instanceData);
+    getInstancePart().queued().empty();
     // Appending instances needs some room.
     if (_instanceData.capacity() == 0)
         _instanceData.reserve(_nInstanceFloats);
 }
 
-void Buffer::emptyVertices() const { emptyQueue(_vertexData); }
-
-void Buffer::emptyIndices() const { emptyQueue(_indices); }
-
 // What is behind the last of each is as the kept form counts it.
 void Buffer::noteQueued() const
 {
-    DynamicBuffer& dynamic = *_pDynamic;
-    QueuedEdits vertices(dynamic.vertices.pieces, _vertexData, _nVertexFloats);
+    const DynamicBuffer& dynamic = *_pDynamic;
+    QueuedEdits<float> vertices = getVertexPart().queued();
     vertices.noteAppended();
     const std::size_t n = dynamic.vertices.pieces.size();
-    if (_isRing && n > dynamic.nKept)
+    if (dynamic.isRing() && n > dynamic.nKept)
         vertices.remove(0, n - dynamic.nKept);
-    QueuedEdits(dynamic.indices.pieces, _indices, 1).noteAppended();
-    QueuedEdits(dynamic.instances.pieces, _instanceData, _nInstanceFloats).noteAppended();
+    getIndexPart().queued().noteAppended();
+    getInstancePart().queued().noteAppended();
 }
 
 // @return whether nothing is left to do
@@ -101,7 +86,7 @@ bool Buffer::isAppended(const float* data, std::size_t nFloats)
     }
     if (isSentAtOnce(data, nFloats))
         return true;
-    if (_isRing && _vertexData.size() / 2 > _pDynamic->nKept * _nVertexFloats)
+    if (_pDynamic->isRing() && _vertexData.size() / 2 > _pDynamic->nKept * _nVertexFloats)
         noteAppended();
     return false;
 }
@@ -113,7 +98,7 @@ bool Buffer::isSentAtOnce(const float* data, std::size_t nFloats)
         return false;
     ChangingArray& vertices = _pDynamic->vertices;
     std::size_t n = nFloats / _nVertexFloats;
-    if (_isRing)
+    if (_pDynamic->isRing())
     {
         const std::size_t nStay = _pDynamic->nKept - std::min(n, _pDynamic->nKept), nThere = vertices.pieces.size();
         if (nThere > nStay)
@@ -139,50 +124,6 @@ void Buffer::sendManyPieces() const
             uploadChanges(0, 0, 0);
             return;
         }
-}
-
-void Buffer::updateQueued(std::size_t first, const float* data, std::size_t n)
-{
-    QueuedEdits(_pDynamic->vertices.pieces, _vertexData, _nVertexFloats).update(first, data, n);
-    sendManyPieces();
-}
-
-void Buffer::insertQueued(std::size_t i, const float* data)
-{
-    noteAppended();
-    Pieces& vertices = _pDynamic->vertices.pieces;
-    QueuedEdits(vertices, _vertexData, _nVertexFloats).insert(std::min(i, vertices.size()), data, 1);
-    sendManyPieces();
-}
-
-void Buffer::updateQueuedInstances(std::size_t first, const float* data, std::size_t n)
-{
-    QueuedEdits(_pDynamic->instances.pieces, _instanceData, _nInstanceFloats).update(first, data, n);
-    sendManyPieces();
-}
-
-void Buffer::updateQueuedIndices(std::size_t first, const unsigned int* indices, std::size_t n)
-{
-    QueuedEdits(_pDynamic->indices.pieces, _indices, 1).update(first, indices, n);
-    sendManyPieces();
-}
-
-void Buffer::removeQueued(std::size_t first, std::size_t n)
-{
-    QueuedEdits(_pDynamic->vertices.pieces, _vertexData, _nVertexFloats).remove(first, n);
-    sendManyPieces();
-}
-
-void Buffer::removeQueuedInstances(std::size_t first, std::size_t n)
-{
-    QueuedEdits(_pDynamic->instances.pieces, _instanceData, _nInstanceFloats).remove(first, n);
-    sendManyPieces();
-}
-
-void Buffer::removeQueuedIndices(std::size_t first, std::size_t n)
-{
-    QueuedEdits(_pDynamic->indices.pieces, _indices, 1).remove(first, n);
-    sendManyPieces();
 }
 
 // Most of the time what arrived was sent at once.

@@ -50,6 +50,16 @@ public:
         _pieces.remove(first, n);
     }
 
+    /// GL has all now. Room for many is given back.
+    void empty()
+    {
+        constexpr std::size_t cLargest = std::size_t(1) << 18; // numbers
+        if (_queue.capacity() > cLargest)
+            _queue.release();
+        else
+            _queue.reset();
+    }
+
     /// Makes a queue of all elements.
     void dropThere()
     {

@@ -26,6 +26,9 @@ public:
     PlanView()
         : DrawingView(false)
     {
+        drawing().setTag(drawing().fill(Path().addRect({0, 0, 10, 10}), "#204060"), 1);
+        drawing().setTag(drawing().fill(Path().addRect({30, 0, 40, 10}), "#204060"), 2);
+        onResize({400, 200});
     }
     using DrawingView::onCursorDragged;
     using DrawingView::onCursorExited;
@@ -34,7 +37,6 @@ public:
     using DrawingView::onPrimaryButtonDblClick;
     using DrawingView::onPrimaryButtonPressed;
     using DrawingView::onPrimaryButtonReleased;
-    using DrawingView::onResize;
 
     std::string told;
 
@@ -47,9 +49,6 @@ private:
 TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
 {
     PlanView view;
-    view.drawing().setTag(view.drawing().fill(Path().addRect({0, 0, 10, 10}), "#204060"), 1);
-    view.drawing().setTag(view.drawing().fill(Path().addRect({30, 0, 40, 10}), "#204060"), 2);
-    view.onResize({400, 200});
     ASSERT_TRUE(view.showAll(0)); // ten points a unit; the rectangles stand in the middle, from 50 to 150
     view.onCursorMoved(at(50, 100));
     view.onCursorMoved(at(60, 100));
@@ -79,10 +78,7 @@ using DrawingViewGLTest = test::OffscreenGL;
 TEST_F(DrawingViewGLTest, TellsWhatComesUnderThePointer)
 {
     PlanView view;
-    view.drawing().setTag(view.drawing().fill(Path().addRect({0, 0, 10, 10}), "#204060"), 1);
-    view.drawing().setTag(view.drawing().fill(Path().addRect({30, 0, 40, 10}), "#204060"), 2);
     view.overlay().fill(Path().addRect({0, 0, 40, 10}), "#ff000080");
-    view.onResize({400, 200});
     EXPECT_FALSE(view.flyHome());
     ASSERT_TRUE(view.setHome({0, 0, 40, 20}));
     view.onDraw({});

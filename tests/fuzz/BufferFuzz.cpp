@@ -84,16 +84,12 @@ public:
         , _nRing(input.below(2) * (1 + input.below(60)))
         , _vertices(_nFloats)
     {
-        constexpr std::array cTypes{DataType::Float, DataType::Vec2, DataType::Vec3};
         _isInstanced = input.below(2) != 0;
         _nRing == 0 ? _buffer.setDynamic() : _buffer.setRing(_nRing);
         if (input.below(3) == 0)
             leaveToGL();
         const std::size_t room = input.below(80);
-        if (_isInstanced)
-            _buffer.init(1, room, input.below(2), 1, {cTypes[_nFloats - 1]}, {DataType::NormShort4}, {2});
-        else
-            _buffer.init(1, room, input.below(2), {cTypes[_nFloats - 1]});
+        initialize(1, room, input.below(2));
         _buffer.createCommand()->createDrawAll(Primitive::Points);
         FrameLedger::begin();
     }
@@ -107,6 +103,16 @@ public:
     }
 
 private:
+    void initialize(std::size_t nCommands, std::size_t nVertices, std::size_t nIndices)
+    {
+        constexpr std::array cTypes{DataType::Float, DataType::Vec2, DataType::Vec3};
+        const DataType type = cTypes[_nFloats - 1];
+        if (_isInstanced)
+            _buffer.init(nCommands, nVertices, nIndices, 1, {type}, {DataType::NormShort4}, {2});
+        else
+            _buffer.init(nCommands, nVertices, nIndices, {type});
+    }
+
     std::vector<float> takeFloats(std::size_t n)
     {
         std::vector<float> values(n);
@@ -137,6 +143,18 @@ private:
         const std::size_t first = _input.below(255) % (count + 1);
         const std::size_t n = _input.below(40) % (count - first + 1);
         act(first, n);
+    }
+
+    template <typename T>
+    void update(Model<T>& model, void (Buffer::*act)(std::size_t, const T*, std::size_t), const auto& take)
+    {
+        onRange(model.size(),
+                [&](std::size_t first, std::size_t n)
+                {
+                    const std::vector<T> values = take(n);
+                    (_buffer.*act)(first, values.data(), n);
+                    model.update(first, values);
+                });
     }
 
     void append()
@@ -229,11 +247,7 @@ private:
         _input.below(2) == 0 ? _buffer.reset() : _buffer.release();
         // Its room is what tells that there are instances, and is gone.
         if (_isInstanced)
-            _buffer.init(0, 1, 0, 1,
-                         {_nFloats == 1   ? DataType::Float
-                          : _nFloats == 2 ? DataType::Vec2
-                                          : DataType::Vec3},
-                         {DataType::NormShort4}, {2});
+            initialize(0, 1, 0);
         _vertices = Model<float>(_nFloats);
         _indices = Model<unsigned int>(1);
         _instances = Model<float>(2);
@@ -251,13 +265,7 @@ private:
             append();
             break;
         case 3:
-            onRange(_vertices.size(),
-                    [this](std::size_t first, std::size_t n)
-                    {
-                        const std::vector<float> values = takeFloats(n * _nFloats);
-                        _buffer.updateVertices(first, values.data(), n);
-                        _vertices.update(first, values);
-                    });
+            update(_vertices, &Buffer::updateVertices, [this](std::size_t n) { return takeFloats(n * _nFloats); });
             break;
         case 4:
             onRange(_vertices.size(),
@@ -279,13 +287,7 @@ private:
             break;
         }
         case 7:
-            onRange(_indices.size(),
-                    [this](std::size_t first, std::size_t n)
-                    {
-                        const std::vector<unsigned int> indices = takeIndices(n);
-                        _buffer.updateIndices(first, indices.data(), n);
-                        _indices.update(first, indices);
-                    });
+            update(_indices, &Buffer::updateIndices, [this](std::size_t n) { return takeIndices(n); });
             break;
         case 8:
             onRange(_indices.size(),

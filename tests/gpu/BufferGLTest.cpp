@@ -21,6 +21,11 @@ struct SquareProgram final : gui::gl::Program
     void onLinked() override {}
 };
 
+constexpr const char* cMixedFragment = R"(#version 330 core
+in vec4 mixed;
+out vec4 color;
+void main() { color = mixed; })";
+
 // A square of 16 pixels at the lower left corner: instance attributes shift and colour it.
 TEST_F(BufferGLTest, VerticesIndicesAndInstancesMeetInTheShader)
 {
@@ -36,10 +41,7 @@ void main()
     gl_Position = vec4(position + shift, 0.0, 1.0);
     mixed = tint + vec4(0.0, 0.0, blue, 0.0);
 })",
-                             R"(#version 330 core
-in vec4 mixed;
-out vec4 color;
-void main() { color = mixed; })"));
+                             cMixedFragment));
     gui::gl::Buffer buffer;
     ASSERT_TRUE(buffer.init(1, 4, 8, 2, {Vec2, Float}, {Vec2, Vec4}, {1, 2}));
     const float vertices[] = {-1, -1, 1, -0.5f, -1, 1, -1, -0.5f, 1, -0.5f, -0.5f, 1};
@@ -78,10 +80,7 @@ void main()
     gl_Position = vec4(position, 0.0, 1.0);
     mixed = vec4((value * scale).xyz, 1.0);
 })",
-                             R"(#version 330 core
-in vec4 mixed;
-out vec4 color;
-void main() { color = mixed; })"));
+                             cMixedFragment));
     struct Case
     {
         gui::gl::DataType type;

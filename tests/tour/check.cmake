@@ -154,20 +154,11 @@ function(check_length file n)
     endif()
 endfunction()
 
-# check_code(<folder> <n>): the folder's code has no more than n lines that are neither blank nor a comment alone.
+# check_code(<folder> <n>): the folder has no more than n lines of code.
 function(check_code folder n)
-    set(nLines 0)
-    file(GLOB files ${SOURCE}/${folder}/*.h ${SOURCE}/${folder}/*.cpp)
-    foreach(file IN LISTS files)
-        file(READ ${file} content)
-        # A bracket in an element would keep a list together.
-        string(REGEX REPLACE "[][;]" "x" content "\n${content}")
-        string(REGEX REPLACE "\n[ ]*//[^\n]*" "" content "${content}")
-        string(REGEX MATCHALL "\n[ ]*[^ \n]" lines "${content}")
-        list(LENGTH lines nOfFile)
-        math(EXPR nLines "${nLines} + ${nOfFile}")
-    endforeach()
-    if(nLines EQUAL 0 OR nLines GREATER n)
+    execute_process(COMMAND ${SOURCE}/tools/share ${folder} OUTPUT_VARIABLE nLines
+        OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    if(nLines GREATER n)
         message(SEND_ERROR "${folder} has ${nLines} lines of code, of at most ${n}")
     endif()
 endfunction()

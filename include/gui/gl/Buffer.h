@@ -298,22 +298,24 @@ private:
     bool isAppended(const float* data, std::size_t nFloats);
     bool isSentAtOnce(const float* data, std::size_t nFloats);
     void noteQueued() const;
-    void emptyVertices() const;
-    void emptyIndices() const;
     void emptyInstances() const;
     void sendManyPieces() const;
-    void updateQueued(std::size_t first, const float* data, std::size_t n);
-    void updateQueuedInstances(std::size_t first, const float* data, std::size_t n);
-    void updateQueuedIndices(std::size_t first, const unsigned int* indices, std::size_t n);
-    void insertQueued(std::size_t i, const float* data);
-    void removeQueued(std::size_t first, std::size_t n);
-    void removeQueuedInstances(std::size_t first, std::size_t n);
-    void removeQueuedIndices(std::size_t first, std::size_t n);
+    // Its vertices, indices and instances, which are edited in the same ways.
+    template <typename T>
+    struct Part;
+    Part<float> getVertexPart() const;
+    Part<unsigned int> getIndexPart() const;
+    Part<float> getInstancePart() const;
+    template <typename T>
+    void update(const Part<T>& part, std::size_t first, const T* data, std::size_t n);
+    template <typename T>
+    void remove(const Part<T>& part, std::size_t first, std::size_t n);
     bool isAllSent() const;
     void dropLost() const;
     void enableInstances(unsigned int location, std::size_t offset) const;
     void noteCounts() const;
     bool upload();
+    bool uploadClosed(unsigned int oldVBO, unsigned int oldEBO, unsigned int oldIBO);
     void deleteObjects();
     void deleteNames() const;
     void freeData();
@@ -340,8 +342,7 @@ private:
     unsigned char _nVertexFloats = 0;
     unsigned char _nInstanceFloats = 0;
     unsigned char _state = 0; // 0 open, 1 committed, 2 reset: the objects are still there
-    bool _isRing = false;
-    bool _isWatched = false; // appended vertices may go elsewhere
+    bool _isWatched = false;  // appended vertices may go elsewhere
     bool _isKept = true;
     bool _isFreed = false;            // of what was committed
     bool _isLost = false;             // with its context, and nothing was kept

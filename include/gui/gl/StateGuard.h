@@ -42,7 +42,7 @@ private:
     int _vertexArray = 0;
     int _program = 0;
     int _activeTexture = 0;
-    std::array<unsigned int, 6> _activeBuffer{};
+    std::array<unsigned int, 6> _activeBuffer{}; // what commands know of the vertex array's buffer
     unsigned char _depthMask = 0;
 };
 
