@@ -346,6 +346,83 @@ TEST_F(PlotTest, FarCoordinatesStayExact)
     EXPECT_GT(darkness(120, 300), 250);
 }
 
+// Where a marker, a marker of very many and a line are seen, against exact arithmetic, at places and zooms of all sizes.
+TEST_F(PlotTest, NothingIsSeenAnywhereElse)
+{
+    constexpr int nPlaces = 60;
+    std::mt19937_64 random(21);
+    const auto uniform = [&random](double low, double high)
+    { return low + (high - low) * 0x1p-53 * static_cast<double>(random() >> 11); };
+    for (int i = 0; i < nPlaces; ++i)
+    {
+        enum class Kind
+        {
+            Marker,
+            Cloud,
+            Line
+        };
+        const auto kind = static_cast<Kind>(i % 3);
+        double seen[2]{}, low[2]{}, high[2]{};
+        for (int axis = 0; axis < 2; ++axis)
+        {
+            const double size = std::pow(10, uniform(-6, 12));
+            const double width = size * std::pow(10, kind == Kind::Cloud ? uniform(-4, 2) : uniform(-8, 4));
+            seen[axis] = uniform(-1, 1) < 0 ? -size : size;
+            low[axis] = seen[axis] - width * uniform(0.2, 0.8);
+            high[axis] = low[axis] + width;
+        }
+        std::vector<double> xs, ys;
+        const int nOthers = kind == Kind::Marker ? 0 : kind == Kind::Cloud ? 5000 : 2;
+        for (int k = 0; k < nOthers; ++k)
+        {
+            // A line goes through what is seen; the others are out of sight, about the place and as far from 0.
+            const double far = kind == Kind::Line ? 3 * (high[0] - low[0]) : std::abs(seen[0]) + 9 * (high[0] - low[0]);
+            xs.push_back(seen[0] + (k % 2 == 0 ? -far : far));
+            ys.push_back(kind == Kind::Line ? seen[1] + (k % 2 == 0 ? 1 : -1) * (high[1] - low[1]) : seen[1]);
+        }
+        if (kind != Kind::Line)
+        {
+            xs.insert(xs.begin() + nOthers / 2, seen[0]);
+            ys.insert(ys.begin() + nOthers / 2, seen[1]);
+        }
+        Plot plot;
+        makeBare(plot);
+        const SeriesStyle style{
+            .width = 3, .marker = kind == Kind::Line ? Marker::None : Marker::Square, .markerSize = 9};
+        if (kind == Kind::Line)
+            plot.add(Series::line(xs, ys, style));
+        else
+            plot.add(Series::scatter(xs, ys, style));
+        plot.axes().x().setRange(low[0], high[0]);
+        plot.axes().y().setRange(low[1], high[1]);
+        draw(plot);
+
+        using Exact = long double;
+        const auto share = [&](int axis, Exact at)
+        { return (at - Exact(low[axis])) / (Exact(high[axis]) - Exact(low[axis])); };
+        double exact[2] = {640 * double(share(0, seen[0])), 400 * double(1 - share(1, seen[1]))};
+        double sum = 0, sums[2]{};
+        if (kind == Kind::Line)
+        {
+            // In the column of pixels that is in the middle.
+            const Exact x0 = 640 * share(0, xs[0]), x1 = 640 * share(0, xs[1]);
+            const Exact y0 = 400 * (1 - share(1, ys[0])), y1 = 400 * (1 - share(1, ys[1]));
+            exact[0] = 320.5;
+            exact[1] = double(y0 + (y1 - y0) * (320.5L - x0) / (x1 - x0));
+        }
+        for (int y = 0; y < 400; ++y)
+            for (int x = kind == Kind::Line ? 320 : 0; x < (kind == Kind::Line ? 321 : 640); ++x)
+            {
+                sum += darkness(x, y);
+                sums[0] += darkness(x, y) * (x + 0.5);
+                sums[1] += darkness(x, y) * (y + 0.5);
+            }
+        ASSERT_GT(sum, 0) << i;
+        for (int axis = 0; axis < 2; ++axis)
+            EXPECT_NEAR(sums[axis] / sum, exact[axis], 0.1) << i << ", axis " << axis << ", kind " << int(kind);
+    }
+}
+
 // Uploads at rest; frames that are missed, or drawn for nothing; old samples that stay.
 TEST_F(PlotTest, LiveSeriesAskForFramesAndRestCostsNone)
 {

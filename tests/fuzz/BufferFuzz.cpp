@@ -14,10 +14,12 @@
 #include <array>
 #include <span>
 
+namespace fuzz::buffer
+{
+
 namespace
 {
 
-using fuzz::require;
 using namespace gui::gl;
 
 struct PlainProgram final : Program
@@ -76,7 +78,7 @@ private:
 class BufferWorld
 {
 public:
-    BufferWorld(fuzz::Input& input, OffscreenContext& context, Program& program)
+    BufferWorld(Input& input, OffscreenContext& context, Program& program)
         : _input(input)
         , _context(context)
         , _program(program)
@@ -204,7 +206,7 @@ private:
 
     void refuse()
     {
-        const fuzz::Quiet quiet;
+        const Quiet quiet;
         const float value[3] = {};
         const unsigned int index = 0;
         _buffer.updateVertices(_vertices.size(), value, 1);
@@ -433,7 +435,7 @@ private:
         FrameLedger::begin();
     }
 
-    fuzz::Input& _input;
+    Input& _input;
     OffscreenContext& _context;
     Program& _program;
     std::size_t _nFloats;
@@ -450,9 +452,7 @@ private:
     bool _isExact = true;
 };
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
     // They stay, as the driver does.
     static auto* s_pContext = new OffscreenContext(
@@ -466,12 +466,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
         require(s_pProgram->link(vertex, fragment), "the program links");
         FrameLedger::start(FrameLedger::Times::CPU);
     }
-    fuzz::Input input(bytes, n);
+    Input input(bytes, n);
     {
         BufferWorld world(input, *s_pContext, *s_pProgram);
         world.live();
     }
     s_pProgram->setBuffer(nullptr);
     require(glGetError() == GL_NO_ERROR, "no GL error");
-    return 0;
 }
+
+const Target cTarget("buffer", run);
+
+} // namespace
+
+} // namespace fuzz::buffer

@@ -14,10 +14,12 @@
 #include <limits>
 #include <span>
 
+namespace fuzz::drawing
+{
+
 namespace
 {
 
-using fuzz::require;
 using gui::draw::Affine;
 using gui::draw::Drawing;
 using gui::draw::Image;
@@ -55,7 +57,7 @@ Rect mapped(const Rect& rect, const Affine& map)
 class World
 {
 public:
-    World(fuzz::Input& input, Drawing& drawing)
+    World(Input& input, Drawing& drawing)
         : _input(input)
         , _drawing(drawing)
     {
@@ -338,14 +340,14 @@ private:
         require(glGetError() == GL_NO_ERROR, "no GL error");
     }
 
-    fuzz::Input& _input;
+    Input& _input;
     Drawing& _drawing;
     std::vector<Item> _items;
     std::vector<int> _order;
     int _open = -1;
 };
 
-double takeNumber(fuzz::Input& input)
+double takeNumber(Input& input)
 {
     using Limits = std::numeric_limits<double>;
     constexpr std::array cNumbers{0.0,
@@ -368,13 +370,13 @@ double takeNumber(fuzz::Input& input)
     return i < cNumbers.size() ? cNumbers[i] : i % 4 == 0 ? input.take<double>() : input.take<td::BYTE>() / 8.0;
 }
 
-Point takePoint(fuzz::Input& input)
+Point takePoint(Input& input)
 {
     const double x = takeNumber(input);
     return {x, takeNumber(input)};
 }
 
-Path takePath(fuzz::Input& input)
+Path takePath(Input& input)
 {
     Path path;
     if (input.below(64) == 0)
@@ -396,7 +398,7 @@ Path takePath(fuzz::Input& input)
 constexpr std::array<const char*, 5> cTexts{"", "A", "two words", "two\nlines", "\xff\xd7\xa9"};
 constexpr td::Color cGrey(9, 9, 9, 255);
 
-Drawing::ID takeText(fuzz::Input& input, Drawing& drawing)
+Drawing::ID takeText(Input& input, Drawing& drawing)
 {
     gui::draw::TextStyle style{.size = takeNumber(input), .unit = gui::draw::Unit(input.below(2))};
     style.embolden = input.below(3) == 0 ? takeNumber(input) : 0;
@@ -416,7 +418,7 @@ Drawing::ID takeText(fuzz::Input& input, Drawing& drawing)
                         {.anchor = {anchor.x, anchor.y}, .offset = offset, .angle = takeNumber(input)});
 }
 
-void drawAnything(fuzz::Input& input, Drawing& drawing)
+void drawAnything(Input& input, Drawing& drawing)
 {
     std::vector<Drawing::ID> ids{1};
     while (input.left() > 0 && ids.size() < 12)
@@ -481,9 +483,7 @@ void drawAnything(fuzz::Input& input, Drawing& drawing)
     require(glGetError() == GL_NO_ERROR, "no GL error");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
     using namespace gui::gl;
     // It stays, as the driver does.
@@ -494,11 +494,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     static auto* s_pDrawing = new Drawing;
     s_pDrawing->clear();
     s_pDrawing->setTolerance(0);
-    const fuzz::Quiet quiet;
-    fuzz::Input input(bytes, n);
+    const Quiet quiet;
+    Input input(bytes, n);
     if (input.below(3) == 0)
         drawAnything(input, *s_pDrawing);
     else
         World(input, *s_pDrawing).live();
-    return 0;
 }
+
+const Target cTarget("drawing", run);
+
+} // namespace
+
+} // namespace fuzz::drawing

@@ -3,11 +3,15 @@
 #include "Fuzz.h"
 #include "draw/FillChecks.h"
 
-using fuzz::require;
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t nBytes)
+namespace fuzz::fill
 {
-    fuzz::Input input(bytes, nBytes);
+
+namespace
+{
+
+void run(const std::uint8_t* bytes, std::size_t nBytes)
+{
+    Input input(bytes, nBytes);
     const unsigned int way = input.below(4);
     const auto rule = input.below(2) == 0 ? gui::draw::FillRule::NonZero : gui::draw::FillRule::EvenOdd;
     // Ways 0 and 1 are on a grid of 16 by 16, the first with crossings rounded to it; way 3 is any bits.
@@ -49,5 +53,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t nBytes)
         const std::string area = test::checkArea(fill, rings, rule, size, way == 0 ? 0.75 : 0.01 * size / 16);
         require(area.empty(), area.c_str());
     }
-    return 0;
 }
+
+const Target cTarget("fill", run);
+
+} // namespace
+
+} // namespace fuzz::fill

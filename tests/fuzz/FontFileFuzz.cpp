@@ -7,11 +7,15 @@
 
 #include <ios>
 
-using fuzz::require;
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+namespace fuzz::font
 {
-    fuzz::Quiet quiet;
+
+namespace
+{
+
+void run(const std::uint8_t* bytes, std::size_t n)
+{
+    Quiet quiet;
     gui::gl::Text text;
     text.allocFonts(1);
     gui::gl::Font& font = *text.getFont(0);
@@ -20,7 +24,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     bool isRead = false;
     try
     {
-        isRead = font.loadBinaryData(fuzz::fileOf(bytes, n), image, metricC);
+        isRead = font.loadBinaryData(fileOf(bytes, n), image, metricC);
         require(isRead || quiet.nLines == 1, "a line says why a file was refused");
     }
     catch (const std::ios_base::failure&)
@@ -42,5 +46,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
         font.addString({1, 2}, characters.data(), characters.size(), {.hAlignment = alignment});
         font.measure(characters.data(), characters.size(), {});
     }
-    return 0;
 }
+
+const Target cTarget("font", run);
+
+} // namespace
+
+} // namespace fuzz::font

@@ -9,8 +9,31 @@
 #include <cstdio>
 #include <cstdlib>
 
+int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+{
+    fuzz::Target::get().run(bytes, n);
+    return 0;
+}
+
 namespace fuzz
 {
+
+Target::Target(const char* name, Function function)
+    : _run(function)
+    , _name(name)
+    , _pNext(s_pFirst)
+{
+    s_pFirst = this;
+}
+
+const Target& Target::get(std::string_view name)
+{
+    const Target* pTarget = s_pFirst;
+    while (pTarget != nullptr && !name.empty() && name != pTarget->_name)
+        pTarget = pTarget->_pNext;
+    require(pTarget != nullptr, "a target has that name");
+    return *pTarget;
+}
 
 void require(bool holds, const char* text)
 {

@@ -6,13 +6,36 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
-// What every target is: libFuzzer calls it with inputs of its own, Replay.cpp with the files of the corpus.
+// What libFuzzer calls, with inputs of its own.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n);
 
 namespace fuzz
 {
+
+/// A way in for bytes from outside. Each has a source and a namespace with one such object in it; libFuzzer's programs
+/// have one of them, the one that replays has all.
+class Target
+{
+public:
+    using Function = void (*)(const std::uint8_t* bytes, std::size_t n);
+
+    /// @param name  of its corpus
+    Target(const char* name, Function function);
+
+    /// The program's only one without a name. Ends the program where there is none.
+    static const Target& get(std::string_view name = {});
+
+    void run(const std::uint8_t* bytes, std::size_t n) const { _run(bytes, n); }
+
+private:
+    const Function _run;
+    const char* const _name;
+    const Target* const _pNext;
+    inline static const Target* s_pFirst = nullptr;
+};
 
 /// Ends the program, with the text, when what must hold does not: the input is a finding then.
 void require(bool holds, const char* text);

@@ -2,9 +2,20 @@
 
 #include "GLWorld.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+namespace fuzz::glcalls
 {
-    fuzz::GLWorld world;
+
+namespace
+{
+
+void run(const std::uint8_t* bytes, std::size_t n)
+{
+    GLWorld world;
     world.live({bytes, n});
-    return 0;
 }
+
+const Target cTarget("gl", run);
+
+} // namespace
+
+} // namespace fuzz::glcalls

@@ -6,7 +6,8 @@
 
 #include <numeric>
 
-using fuzz::require;
+namespace fuzz::image
+{
 
 namespace
 {
@@ -17,11 +18,9 @@ unsigned int sumOf(const gui::Texture& image)
     return std::accumulate(image.getBytes(), image.getBytes() + n, 0U);
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
-    fuzz::Quiet quiet;
+    Quiet quiet;
     gui::Texture image;
     image.reserve(12);
     gui::TextureHelper(&image).updateInfo(2, 2, 3);
@@ -30,7 +29,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     {
         require(quiet.nLines == 1, "a line says why it was refused");
         require(image.getBytes() == pBefore && image.getWidth() * image.getHeight() == 4, "the image is what it was");
-        return 0;
+        return;
     }
     require(quiet.nLines == 0, "nothing is said about an image that was loaded");
     require(image.isOk() && (image.getBytesPerPixel() == 3 || image.getBytesPerPixel() == 4), "an image of pixels");
@@ -38,8 +37,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     const unsigned int sum = sumOf(image);
     image.mirrorVertically();
     require(sumOf(image) == sum, "a mirrored image has the same pixels");
-    return 0;
 }
+
+const Target cTarget("image", run);
+
+} // namespace
+
+} // namespace fuzz::image
 
 #ifdef GUIGL_FUZZ
 #include <png.h>

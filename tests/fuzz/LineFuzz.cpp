@@ -2,17 +2,23 @@
 
 #include "Outlines.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+namespace fuzz::line
 {
-    fuzz::Input input(bytes, n);
+
+namespace
+{
+
+void run(const std::uint8_t* bytes, std::size_t n)
+{
+    Input input(bytes, n);
     const bool isClosed = input.below(2) == 0;
     const float width = input.below(2) == 0 ? input.take<float>() : static_cast<float>(input.below(256)) / 16;
     const unsigned int first = input.below(8), stride = 1 + input.below(8), moved = input.below(256);
-    const test::Outline points = fuzz::takeOutline(input, 400);
+    const test::Outline points = takeOutline(input, 400);
     if (points.size() < 2)
-        return 0;
+        return;
     const test::Tessellation band = test::reference::triangulateLine(points, width, isClosed);
-    fuzz::require(fuzz::shapes().isLine(points, {width, isClosed}, band));
+    require(shapes().isLine(points, {width, isClosed}, band));
 
     // Some of the band's vertices, in an order of their own; one of them perhaps elsewhere.
     const test::Outline& stored = band.vertices;
@@ -22,6 +28,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     if (moved < wanted.size())
         wanted[moved].x += 1;
     if (!wanted.empty())
-        fuzz::require(fuzz::shapes().isRecycled(stored, wanted, test::reference::recycle(stored, wanted, 0)));
-    return 0;
+        require(shapes().isRecycled(stored, wanted, test::reference::recycle(stored, wanted, 0)));
 }
+
+const Target cTarget("line", run);
+
+} // namespace
+
+} // namespace fuzz::line

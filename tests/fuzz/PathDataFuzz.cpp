@@ -6,12 +6,17 @@
 
 #include <cmath>
 
-using fuzz::require;
+namespace fuzz::pathdata
+{
+
 using gui::draw::Path;
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t nBytes)
+namespace
 {
-    fuzz::Input input(bytes, nBytes);
+
+void run(const std::uint8_t* bytes, std::size_t nBytes)
+{
+    Input input(bytes, nBytes);
     const std::string data = input.text(400);
     Path::SVGError error;
     Path path;
@@ -45,5 +50,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t nBytes)
                     place.position.y >= bounds->top - slack && place.position.y <= bounds->bottom + slack,
                 "places are within the bounds");
     }
-    return 0;
 }
+
+const Target cTarget("pathdata", run);
+
+} // namespace
+
+} // namespace fuzz::pathdata

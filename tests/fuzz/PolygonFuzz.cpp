@@ -2,12 +2,23 @@
 
 #include "Outlines.h"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+namespace fuzz::polygon
 {
-    fuzz::Input input(bytes, n);
+
+namespace
+{
+
+void run(const std::uint8_t* bytes, std::size_t n)
+{
+    Input input(bytes, n);
     // The plain form takes up to the cube of the number of corners.
-    const test::Outline points = fuzz::takeOutline(input, 160);
+    const test::Outline points = takeOutline(input, 160);
     if (points.size() >= 3)
-        fuzz::require(fuzz::shapes().isPolygon(points, test::reference::triangulate(points)));
-    return 0;
+        require(shapes().isPolygon(points, test::reference::triangulate(points)));
 }
+
+const Target cTarget("polygon", run);
+
+} // namespace
+
+} // namespace fuzz::polygon

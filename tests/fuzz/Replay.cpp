@@ -1,5 +1,5 @@
-// The main function of a target without libFuzzer: gives it every file of the folders and files named, and inputs of
-// random bytes behind them.
+// All targets in one program without libFuzzer: of each folder that is named, the target of the folder's name gets
+// every file, and inputs of random bytes behind them.
 
 #include "Fuzz.h"
 
@@ -9,17 +9,18 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <set>
 
 namespace
 {
 
-void replay(const std::string& name, const std::vector<char>& bytes)
+void replay(const fuzz::Target& target, const std::string& name, const std::vector<char>& bytes)
 {
     // A crash leaves its input's name as the last line.
     std::printf("%s\n", name.c_str());
     std::fflush(stdout);
     // In memory of its size, so that the sanitizer sees a read beyond either end.
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    target.run(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
 }
 
 } // namespace
@@ -27,28 +28,28 @@ void replay(const std::string& name, const std::vector<char>& bytes)
 int main(int argc, char* argv[])
 {
     namespace fs = std::filesystem;
-    std::vector<fs::path> files;
+    std::size_t nFiles = 0;
     for (int i = 1; i < argc; ++i)
     {
-        if (!fs::is_directory(argv[i]))
-            files.emplace_back(argv[i]);
-        else
-            for (const fs::directory_entry& entry : fs::directory_iterator(argv[i]))
-                files.push_back(entry.path());
+        const fs::path folder(argv[i]);
+        const fuzz::Target& target = fuzz::Target::get(folder.filename().native());
+        std::set<fs::path> files;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+            files.insert(entry.path());
+        for (const fs::path& file : files)
+        {
+            std::ifstream stream(file, std::ios::binary);
+            replay(target, file, {std::istreambuf_iterator<char>(stream), {}});
+        }
+        for (unsigned int k = 0; k < 200; ++k)
+        {
+            std::mt19937 random(k);
+            std::vector<char> bytes(random() % 2048);
+            std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<char>(random()); });
+            replay(target, "random " + std::to_string(k), bytes);
+        }
+        nFiles += files.size();
     }
-    std::sort(files.begin(), files.end());
-    for (const fs::path& file : files)
-    {
-        std::ifstream stream(file, std::ios::binary);
-        replay(file, {std::istreambuf_iterator<char>(stream), {}});
-    }
-    for (unsigned int i = 0; i < 200; ++i)
-    {
-        std::mt19937 random(i);
-        std::vector<char> bytes(random() % 2048);
-        std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<char>(random()); });
-        replay("random " + std::to_string(i), bytes);
-    }
-    std::printf("%zu files\n", files.size());
-    return files.empty() ? 1 : 0;
+    std::printf("%zu files\n", nFiles);
+    return nFiles == 0 ? 1 : 0;
 }

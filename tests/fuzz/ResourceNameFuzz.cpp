@@ -7,7 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
-using fuzz::require;
+namespace fuzz::resource
+{
 
 namespace
 {
@@ -39,13 +40,11 @@ private:
     fs::path _path;
 };
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
     static const Folders s_folders;
     static const fs::path s_beside = fs::read_symlink("/proc/self/exe").parent_path();
-    fuzz::Quiet quiet;
+    Quiet quiet;
     const std::string name(reinterpret_cast<const char*>(bytes), n);
 
     td::StringBase fileName("before");
@@ -66,5 +65,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     require(quiet.nLines == 0, "a name that is none is no matter for the log");
     gui::getResText(name.c_str());
     require(quiet.nLines <= 1, "one line at most");
-    return 0;
 }
+
+const Target cTarget("resource", run);
+
+} // namespace
+
+} // namespace fuzz::resource

@@ -11,10 +11,12 @@
 #include <optional>
 #include <utility>
 
+namespace fuzz::series
+{
+
 namespace
 {
 
-using fuzz::require;
 using namespace gui::draw;
 
 constexpr double cInfinity = std::numeric_limits<double>::infinity();
@@ -42,7 +44,7 @@ Samples::Range scan(const std::vector<double>& values, std::size_t first, std::s
 class SeriesWorld
 {
 public:
-    explicit SeriesWorld(fuzz::Input& input)
+    explicit SeriesWorld(Input& input)
         : _input(input)
         , _isFloat(input.below(2) != 0)
         , _hasX(input.below(2) != 0)
@@ -263,7 +265,7 @@ private:
                 "a place is found");
     }
 
-    fuzz::Input& _input;
+    Input& _input;
     bool _isFloat;
     bool _hasX;
     double _place = 0;
@@ -274,12 +276,15 @@ private:
     Series _series;
 };
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
-    fuzz::Input input(bytes, n);
+    Input input(bytes, n);
     SeriesWorld world(input);
     world.live();
-    return 0;
 }
+
+const Target cTarget("series", run);
+
+} // namespace
+
+} // namespace fuzz::series

@@ -13,7 +13,8 @@
 #include <bit>
 #include <cmath>
 
-using fuzz::require;
+namespace fuzz::text
+{
 
 namespace
 {
@@ -32,7 +33,7 @@ bool isSame(const td::Size<float>& a, const td::Size<float>& b)
 class Layouts
 {
 public:
-    explicit Layouts(fuzz::Input& input)
+    explicit Layouts(Input& input)
         : _input(input)
         , _anyBits(input.below(4) == 0)
         , _plain{.file = takeFont(), .vertices = {}}
@@ -107,7 +108,7 @@ private:
         const std::string bytes = _plain.file.bytes();
         gui::Image::_data image;
         float metricC = 0;
-        require(font().loadBinaryData(fuzz::fileOf(bytes.data(), bytes.size()), image, metricC), "a font is read");
+        require(font().loadBinaryData(fileOf(bytes.data(), bytes.size()), image, metricC), "a font is read");
     }
 
     void loadAnother()
@@ -185,21 +186,19 @@ private:
                 "the size of a piece");
     }
 
-    fuzz::Input& _input;
+    Input& _input;
     const bool _anyBits;
     test::PlainLayout _plain;
     gui::gl::Text _text;
     std::array<String, cStrings> _strings;
 };
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
     static test::GLTrace s_trace(test::GLTrace::Null);
-    fuzz::Quiet quiet;
+    Quiet quiet;
     gui::gl::CurrentContext::set(&s_trace);
-    fuzz::Input input(bytes, n);
+    Input input(bytes, n);
     {
         Layouts layouts(input);
         while (input.left() > 0)
@@ -207,5 +206,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     }
     require(quiet.nAsserts + quiet.nLines == 0, "nothing is said about any text");
     s_trace.clear();
-    return 0;
 }
+
+const Target cTarget("text", run);
+
+} // namespace
+
+} // namespace fuzz::text

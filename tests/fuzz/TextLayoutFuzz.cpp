@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <cmath>
 
-using fuzz::require;
+namespace fuzz::textlayout
+{
+
 using namespace gui::draw;
 
 namespace
@@ -28,7 +30,7 @@ bool isBoundary(const TextLayout& layout, std::size_t offset)
     return offset == layout.getText().size() || layout.getPrevious(layout.getNext(offset)) == offset;
 }
 
-void edit(fuzz::Input& input, const std::string& text, const TextStyle& style, const ParagraphStyle& paragraph)
+void edit(Input& input, const std::string& text, const TextStyle& style, const ParagraphStyle& paragraph)
 {
     TextEditor editor(style, paragraph);
     editor.setPage(40);
@@ -104,12 +106,10 @@ void edit(fuzz::Input& input, const std::string& text, const TextStyle& style, c
     require(editor.getText() == model, "and done again");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
-    fuzz::Input input(bytes, n);
-    fuzz::Quiet quiet;
+    Input input(bytes, n);
+    Quiet quiet;
     ParagraphStyle paragraph{.width = input.take<td::BYTE>() * 1.5,
                              .wraps = input.below(4) != 0,
                              .align = Align(input.below(4)),
@@ -165,5 +165,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
     (void) layout.getSelection({input.take<std::uint16_t>(), text.size()});
     (void) layout.getInkBounds();
     edit(input, text, plain, paragraph);
-    return 0;
 }
+
+const Target cTarget("textlayout", run);
+
+} // namespace
+
+} // namespace fuzz::textlayout

@@ -7,16 +7,21 @@
 
 #include <cmath>
 
-using fuzz::require;
+namespace fuzz::typeface
+{
+
 using gui::draw::Typeface;
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+namespace
 {
-    fuzz::Quiet quiet;
+
+void run(const std::uint8_t* bytes, std::size_t n)
+{
+    Quiet quiet;
     Typeface face = Typeface::fromMemory({bytes, n});
     require(bool(face) == (quiet.nLines == 0), "a line says why there is no face");
     if (!face)
-        return 0;
+        return;
     face = face.withFallbacks({}, false);
     (void) face.getFamily();
     (void) face.getStyleName();
@@ -44,5 +49,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
                                        {.face = face, .size = 10}, {.width = 40});
     (void) layout.getInkBounds();
     (void) layout.getCaret({5});
-    return 0;
 }
+
+const Target cTarget("typeface", run);
+
+} // namespace
+
+} // namespace fuzz::typeface

@@ -6,10 +6,11 @@
 
 #include <memory>
 
-namespace
+namespace fuzz::utf8
 {
 
-using fuzz::require;
+namespace
+{
 
 struct Row
 {
@@ -55,9 +56,7 @@ std::vector<unsigned int> decoded(const unsigned char* bytes, std::size_t n)
     return text;
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
+void run(const std::uint8_t* bytes, std::size_t n)
 {
     constexpr auto cFlags = vo::UTFConverter::Flags::None;
     const std::vector<unsigned int> expected = decoded(bytes, n);
@@ -72,5 +71,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
         for (std::size_t i = 0; i < nRoom; ++i)
             require(out[i] == expected[i], "the code points are right");
     }
-    return 0;
 }
+
+const Target cTarget("utf8", run);
+
+} // namespace
+
+} // namespace fuzz::utf8

@@ -29,7 +29,8 @@ public:
     int nFrames = 0;
     int nFramesLeft = 1'000'000; ///< until an animation ends
     int nCleanUps = 0;
-    bool isWrong = false; ///< in a callback, somebody else's context; or a frame's corner, not as it had been drawn
+    bool isWrong = false;  ///< in a callback, somebody else's context; or a frame's corner, not as it had been drawn
+    bool mayBeCut = false; ///< a window manager may take the window's size away under a frame: corners don't count
     std::uint32_t topLeft = 0xE02020; ///< the colour of the first field
 
     /// Waits in the run loop. @return whether the lines came to be these; they are forgotten

@@ -210,6 +210,7 @@ TEST_P(X11Test, TheWindowManagerResizesAndCloses)
 
 TEST_P(X11Test, FullScreenAndBack)
 {
+    view.mayBeCut = true;
     constexpr td::Size<double> cScreen{1280, 1024};
     const auto becomes = [&](const td::Size<double>& size)
     {
