@@ -3,6 +3,7 @@
 #include "PlotScene.h"
 #include "Scenes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <random>
