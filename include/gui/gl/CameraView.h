@@ -38,6 +38,8 @@ public:
 
     /// From the world to the eye, as the camera is now; the identity without a camera.
     glm::mat4 getCameraMatrix() const;
+    /// From the eye to clip space: what scaleFieldOfView computed last; the identity before the view had a size.
+    const glm::mat4& getPerspective() const { return _perspective; }
 
     /// Sets the vertical field of view at zoom factor 1, above 0 and below 180 degrees (an assertion); 45 at first.
     void setFieldOfView(float degrees);
