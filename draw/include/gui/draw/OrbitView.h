@@ -1,0 +1,148 @@
+#pragma once
+
+#include "Eye.h"
+#include "OrbitCamera.h"
+#include "OrbitControl.h"
+
+#include <gui/gl/Framebuffer.h>
+#include <gui/gl/View.h>
+
+#include <td/Color.h>
+#include <td/Export.h>
+#include <td/Point.h>
+
+#include <glm/vec3.hpp>
+
+#include <memory>
+#include <optional>
+
+namespace gui::draw
+{
+
+/// A view of a model to turn, to go nearer to and to click: viewers of meshes, parts, buildings, globes. A whole
+/// program:
+///
+///     #include <gui/Application.h>
+///     #include <gui/draw/OrbitView.h>
+///     #include <gui/gl/gl.h>
+///     using namespace gui::gl;
+///
+///     class BallView : public gui::draw::OrbitView
+///     {
+///         Lit3DProgram _program;
+///         Buffer _ball{DataType::Vec3, DataType::Vec3}; // position, normal
+///         void onInit() override
+///         {
+///             _program.link();
+///             _ball.addSphere(1, 64, 32, Texture::Type::CubeMap)->setColor("#d04020");
+///             fit({{-1, -1, -1}, {1, 1, 1}});
+///         }
+///         void drawScene(const gui::draw::Eye& eye) override { _program.draw(_ball, eye.getMatrix()); }
+///     };
+///
+///     int main(int argc, char** argv)
+///     {
+///         gui::Application app(argc, argv);
+///         BallView view;
+///         view.createContext();
+///         return app.run(view, "A ball", {640, 400});
+///     }
+///
+/// Derive from it, draw the model in drawScene, and say in onInit what there is to see, with fit. OrbitControl says
+/// what pointer, wheel and keys do. It draws when something changed and while the camera flies or glides; at rest there
+/// is no frame and no wake-up. After a change of the model, or of the camera by the program, call reDraw.
+class GUIGL_API OrbitView : public gl::View
+{
+public:
+    /// @param up  which of the model's axes points upwards
+    explicit OrbitView(OrbitCamera::Up up = OrbitCamera::Up::Y);
+    ~OrbitView() override;
+
+    /// Makes an OpenGL 4.1 core context with 24 bits of depth, 8 of stencil and 4 samples per pixel, for all kinds of
+    /// input. See View::createContext for what happens when there is none.
+    void createContext();
+    /// With a context of your own, which needs a depth buffer, for all kinds of input.
+    void createContext(const gl::Context& context);
+    using View::createContext;
+
+    /// Shows a box whole: see OrbitCamera::fit. @return as that
+    bool fit(const Box3& box, double margin = 30);
+    /// The same in a flight.
+    bool flyTo(const Box3& box, double margin = 30, double seconds = 0.6);
+    /// Flies to where it looks from a side: see OrbitCamera::flyTo.
+    void flyTo(OrbitCamera::Side side, double seconds = 0.5);
+
+    /// To be set up, moved and asked; a flight that begins here begins with the next frame, see reDraw.
+    OrbitCamera& camera() { return _camera; }
+    const OrbitCamera& camera() const { return _camera; }
+    /// What input does, and the axes in the corner.
+    OrbitControl& control() { return _control; }
+    const OrbitControl& control() const { return _control; }
+    /// How it sees now, for rays and places outside of drawScene.
+    Eye getEye() const;
+
+    /// What the model is before: one colour, or one at the top that goes over into another. "#f4f6f8" and "#c8d0d8" at
+    /// first.
+    void setBackground(td::Color color);
+    void setBackground(td::Color top, td::Color bottom); ///< see the form above
+
+    /// Where the pointer is, in points; empty when it is elsewhere, or has not moved yet.
+    const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
+
+protected:
+    /// Draws the model: with the context current, the background drawn, the depth buffer clear and its test on (nearer
+    /// passes), and every other flag of Context off; leave them so. Called with an eye that sees a few pixels about the
+    /// pointer, too, for pick.
+    virtual void drawScene(const Eye& eye) = 0;
+    /// Draws what is before the model whatever its depth, texts and signs; the depth test is off. Below the axes.
+    virtual void drawOver(const Eye& eye);
+
+    /// The point of the model that is seen at a point of the view, in points: what drags and the wheel go about. This
+    /// one draws a few pixels of the scene aside and reads their depth, which waits for the GPU. Where there is an
+    /// index of the model, it is quicker and more exact to ask that about getEye().getRay(point).
+    /// @return empty where nothing is
+    virtual std::optional<glm::dvec3> pick(const td::Point<double>& point);
+
+    /// Called when the pointer has moved over the view with no button down, and empty when it has left.
+    virtual void onPointed(const std::optional<Ray>& ray);
+    /// Called when the primary button is pressed and released without a drag.
+    virtual void onClicked(const Ray& ray);
+    /// Called when the camera is elsewhere than in the last frame, before the scene is drawn.
+    virtual void onCameraMoved();
+
+    void onDraw(const td::RectNormalized<double>& rect) override;
+    /// An empty size changes nothing.
+    void onResize(const td::Size<double>& size) override;
+    /// Goes on with flights and glides. A view with an animation of its own calls it from its prepareNextFrame.
+    bool prepareNextFrame() override;
+    void onPrimaryButtonPressed(const InputDevice& device) override;
+    void onPrimaryButtonReleased(const InputDevice& device) override;
+    void onPrimaryButtonDblClick(const InputDevice& device) override;
+    void onSecondaryButtonPressed(const InputDevice& device) override;
+    void onSecondaryButtonReleased(const InputDevice& device) override;
+    void onOtherButtonPressed(const InputDevice& device) override;
+    void onOtherButtonReleased(const InputDevice& device) override;
+    void onCursorMoved(const InputDevice& device) override;
+    void onCursorDragged(const InputDevice& device) override;
+    void onOtherDragged(const InputDevice& device) override;
+    void onCursorExited(const InputDevice& device) override;
+    bool onScroll(const InputDevice& device) override;
+    bool onZoom(const InputDevice& device) override;
+    bool onKeyPressed(const Key& key) override;
+
+private:
+    class Background;
+
+    void drag(const InputDevice& device);
+    void release(const InputDevice& device);
+    void drawInto(const Eye& eye);
+
+    OrbitCamera _camera;
+    OrbitControl _control;
+    std::unique_ptr<Background> _pBackground;
+    gl::Framebuffer _pickBuffer;
+    std::optional<td::Point<double>> _pointer;
+    OrbitCamera::Pose _drawn;
+};
+
+} // namespace gui::draw

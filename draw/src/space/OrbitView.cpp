@@ -1,0 +1,273 @@
+#include <gui/draw/OrbitView.h>
+
+#include <gui/InputDevice.h>
+#include <gui/Key.h>
+#include <gui/gl/Buffer.h>
+#include <gui/gl/Color2DProgram.h>
+#include <gui/gl/StateGuard.h>
+
+#include <epoxy/gl.h>
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+constexpr int cPickPixels = 9; // a side of what is drawn to see what is under the pointer; odd
+
+std::array<float, 4> toFloats(td::Color color)
+{
+    const auto part = [](unsigned int value) { return static_cast<float>(value) / 255; };
+    return {part(color.red()), part(color.green()), part(color.blue()), 1};
+}
+
+} // namespace
+
+// A colour at the top that goes over into another.
+class OrbitView::Background
+{
+public:
+    Background(td::Color top, td::Color bottom)
+        : _top(top)
+        , _bottom(bottom)
+    {
+    }
+
+    void draw()
+    {
+        gl::Context::clear(gl::Context::Clear::Color, _top);
+        if (_top == _bottom)
+            return;
+        if (_pBuffer == nullptr)
+        {
+            const std::array<float, 4> t = toFloats(_top), b = toFloats(_bottom);
+            const float corners[] = {-1, 1, t[0], t[1], t[2], 1, -1, -1, b[0], b[1], b[2], 1,
+                                     1,  1, t[0], t[1], t[2], 1, 1,  -1, b[0], b[1], b[2], 1};
+            _pBuffer = std::make_unique<gl::Buffer>(std::initializer_list{gl::DataType::Vec2, gl::DataType::Vec4});
+            _pBuffer->appendVertices(corners, 4);
+            _pBuffer->createCommand()->createDrawAll(gl::Primitive::TriangleStrip);
+        }
+        if (!_program.isOK() && (_isRefused || !_program.link()))
+        {
+            _isRefused = true;
+            return;
+        }
+        _program.draw(*_pBuffer);
+    }
+
+private:
+    td::Color _top;
+    td::Color _bottom;
+    gl::Color2DProgram _program;
+    std::unique_ptr<gl::Buffer> _pBuffer;
+    bool _isRefused = false; // by the driver, which said so
+};
+
+OrbitView::OrbitView(OrbitCamera::Up up)
+    : _camera(up)
+    , _control(_camera)
+    , _pBackground(std::make_unique<Background>("#f4f6f8", "#c8d0d8"))
+{
+    _control.setPick([this](const td::Point<double>& point) { return pick(point); });
+    _control.setOnChange([this] { reRender(); });
+    _control.setOnMotion([this] { startAnimation(); });
+}
+
+OrbitView::~OrbitView() = default;
+
+void OrbitView::createContext()
+{
+    gl::Context context(gl::DepthBuffer::Size::Bits24, gl::StencilBuffer::Size::Bits8, gl::Context::Profile::Core41);
+    context.setSamples(4);
+    createContext(context);
+}
+
+void OrbitView::createContext(const gl::Context& context)
+{
+    using Event = InputDevice::Event;
+    View::createContext(context, {Event::Keyboard, Event::CursorEnterLeave, Event::PrimaryClicks,
+                                  Event::SecondaryClicks, Event::CursorMove, Event::CursorDrag, Event::ScrollAndZoom,
+                                  Event::OtherClicks, Event::OtherDrag});
+}
+
+bool OrbitView::fit(const Box3& box, double margin)
+{
+    if (!_camera.fit(box, margin))
+        return false;
+    reRender();
+    return true;
+}
+
+bool OrbitView::flyTo(const Box3& box, double margin, double seconds)
+{
+    if (!_camera.flyTo(box, margin, seconds))
+        return false;
+    _control.begin();
+    return true;
+}
+
+void OrbitView::flyTo(OrbitCamera::Side side, double seconds)
+{
+    _camera.flyTo(side, seconds);
+    _control.begin();
+}
+
+Eye OrbitView::getEye() const { return _camera.getEye(static_cast<double>(getPixelHiDPIScale())); }
+
+void OrbitView::setBackground(td::Color color) { setBackground(color, color); }
+
+void OrbitView::setBackground(td::Color top, td::Color bottom)
+{
+    makeCurrentContext();
+    _pBackground = std::make_unique<Background>(top, bottom);
+    reRender();
+}
+
+void OrbitView::drawOver(const Eye&) {}
+
+void OrbitView::onPointed(const std::optional<Ray>&) {}
+
+void OrbitView::onClicked(const Ray&) {}
+
+void OrbitView::onCameraMoved() {}
+
+// What is bound is clear but for its depth.
+void OrbitView::drawInto(const Eye& eye)
+{
+    using gl::Context;
+    Context::maskDepthBuffer(true);
+    Context::clear(Context::Clear::Depth);
+    Context::enable(Context::Flag::DepthTest);
+    Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
+    drawScene(eye);
+    Context::disable(Context::Flag::DepthTest);
+}
+
+void OrbitView::onDraw(const td::RectNormalized<double>&)
+{
+    if (_camera.isMoving() && !isAnimated())
+        _control.begin();
+    if (std::exchange(_drawn, _camera.getPose()) != _camera.getPose())
+        onCameraMoved();
+    const Eye eye = getEye();
+    _pBackground->draw();
+    if (!eye.isValid())
+        return;
+    drawInto(eye);
+    drawOver(eye);
+    _control.drawGizmo(eye);
+}
+
+std::optional<glm::dvec3> OrbitView::pick(const td::Point<double>& point)
+{
+    const Eye eye = getEye();
+    makeCurrentContext();
+    if (!eye.isValid() || gl::CurrentContext::getID() == 0)
+        return std::nullopt;
+    const double pixel = 1 / eye.getScale(), half = cPickPixels * pixel / 2;
+    const Eye part = eye.getPart({point.x - half, point.y - half, point.x + half, point.y + half});
+    std::array<float, std::size_t{cPickPixels} * cPickPixels> depths{};
+    {
+        const gl::StateGuard guard;
+        if (!_pickBuffer.isOk() &&
+            !_pickBuffer.create({cPickPixels, cPickPixels}, {.depth = gl::DepthBuffer::Size::Bits32}))
+            return std::nullopt;
+        const gl::Framebuffer::Drawing drawing(_pickBuffer);
+        if (!drawing)
+            return std::nullopt;
+        for (const gl::Context::Flag flag :
+             {gl::Context::Flag::CullFace, gl::Context::Flag::StencilTest, gl::Context::Flag::Blend,
+              gl::Context::Flag::ScissorTest, gl::Context::Flag::PolygonOffset})
+            gl::Context::disable(flag);
+        gl::Context::clear(gl::Context::Clear::Color, td::Color(0, 0, 0, 0));
+        drawInto(part);
+        glReadPixels(0, 0, cPickPixels, cPickPixels, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+    }
+
+    // What is right there, or nearest to it.
+    constexpr int cMiddle = cPickPixels / 2;
+    std::optional<glm::dvec3> found;
+    int nearest = cPickPixels * cPickPixels;
+    for (int y = 0; y < cPickPixels; ++y)
+    {
+        for (int x = 0; x < cPickPixels; ++x)
+        {
+            const int dx = x - cMiddle, dy = cMiddle - y; // rows count from below
+            const double depth = static_cast<double>(depths[static_cast<std::size_t>(y * cPickPixels + x)]);
+            if (dx * dx + dy * dy >= nearest || !(depth < 1))
+                continue;
+            nearest = dx * dx + dy * dy;
+            found = eye.unproject({point.x + dx * pixel, point.y + dy * pixel}, part.getDistanceOfDepth(depth));
+        }
+    }
+    return found;
+}
+
+void OrbitView::onResize(const td::Size<double>& size) { _camera.setSize(size); }
+
+bool OrbitView::prepareNextFrame() { return _control.advance(); }
+
+void OrbitView::drag(const InputDevice& device)
+{
+    _pointer = device.getFramePoint();
+    const bool wasDragging = _control.isDragging();
+    _control.onDragged(device);
+    if (_control.isDragging() && !wasDragging)
+        setCursor(Cursor::Type::Pan, true);
+}
+
+void OrbitView::release(const InputDevice& device)
+{
+    const bool wasDragging = _control.isDragging();
+    const bool isClick = _control.onReleased(device);
+    if (wasDragging && !_control.isDragging())
+        setCursor(Cursor::Type::Default, true);
+    if (isClick)
+        onClicked(getEye().getRay(device.getFramePoint()));
+}
+
+void OrbitView::onPrimaryButtonPressed(const InputDevice& device) { _control.onPressed(device); }
+
+void OrbitView::onPrimaryButtonReleased(const InputDevice& device) { release(device); }
+
+void OrbitView::onPrimaryButtonDblClick(const InputDevice& device) { _control.onDoubleClick(device); }
+
+void OrbitView::onSecondaryButtonPressed(const InputDevice& device) { _control.onPressed(device); }
+
+void OrbitView::onSecondaryButtonReleased(const InputDevice& device) { release(device); }
+
+void OrbitView::onOtherButtonPressed(const InputDevice& device) { _control.onPressed(device); }
+
+void OrbitView::onOtherButtonReleased(const InputDevice& device) { release(device); }
+
+void OrbitView::onCursorMoved(const InputDevice& device)
+{
+    _pointer = device.getFramePoint();
+    _control.onMoved(device);
+    if (const Eye eye = getEye(); eye.isValid())
+        onPointed(eye.getRay(*_pointer));
+}
+
+void OrbitView::onCursorDragged(const InputDevice& device) { drag(device); }
+
+void OrbitView::onOtherDragged(const InputDevice& device) { drag(device); }
+
+void OrbitView::onCursorExited(const InputDevice&)
+{
+    _pointer.reset();
+    _control.onExited();
+    onPointed(std::nullopt);
+}
+
+bool OrbitView::onScroll(const InputDevice& device) { return _control.onScroll(device); }
+
+bool OrbitView::onZoom(const InputDevice& device) { return _control.onZoom(device); }
+
+bool OrbitView::onKeyPressed(const Key& key) { return _control.onKey(key); }
+
+} // namespace gui::draw
