@@ -22,19 +22,19 @@ namespace
 constexpr double cArm = 33;         // from the middle to an end's middle
 constexpr double cEndRadius = 10.5; // with a letter
 constexpr double cBackRadius = 7.5;
-constexpr double cReach = 2; // beyond an end
+constexpr double cEndReach = 2; // beyond an end
 
 // Of x, y and z, on light and on dark.
 constexpr std::array<td::Color, 3> cAxisColors{td::Color("#e0484c"), td::Color("#479c3c"), td::Color("#3a7be6")};
 
-td::Color mixed(td::Color a, td::Color b, double part)
+td::Color mixedColor(td::Color a, td::Color b, double part)
 {
     const auto mix = [part](int from, int to)
     { return static_cast<unsigned int>(std::lround(std::lerp(from, to, part))); };
     return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue()), mix(a.alpha(), b.alpha())};
 }
 
-Path letter(int axis, double x, double y)
+Path axisLetter(int axis, double x, double y)
 {
     constexpr double cX = 3.1, cY = 4;
     Path path;
@@ -76,7 +76,7 @@ std::optional<OrbitCamera::Side> AxesGizmo::getSideAt(const td::Point<double>& p
     for (int end = 0; end < cEnds; ++end)
     {
         const glm::dvec3 place = placeOf(end, rotation);
-        const double reach = (end < 3 ? cEndRadius : cBackRadius) + cReach;
+        const double reach = (end < 3 ? cEndRadius : cBackRadius) + cEndReach;
         const double distance = std::hypot(point.x - _center.x - cArm * place.x, point.y - _center.y - cArm * place.y);
         if (distance > reach || place.z < nearest)
             continue;
@@ -104,7 +104,7 @@ void AxesGizmo::addEnd(int end, const glm::dvec3& place)
     // What points away is a little fainter.
     constexpr double cFaint = 0.25;
     const td::Color grey(128, 128, 128, 255), white(255, 255, 255, 255);
-    const td::Color color = mixed(cAxisColors[static_cast<std::size_t>(axis)], grey, cFaint * (1 - place.z) / 2);
+    const td::Color color = mixedColor(cAxisColors[static_cast<std::size_t>(axis)], grey, cFaint * (1 - place.z) / 2);
     if (isPositive)
     {
         Path arm;
@@ -113,11 +113,11 @@ void AxesGizmo::addEnd(int end, const glm::dvec3& place)
     }
     Path disc;
     disc.addCircle({x, y}, isPositive ? cEndRadius : cBackRadius);
-    _drawing.fill(disc, isPositive || isPointed ? color : mixed(color, grey, 0.6));
+    _drawing.fill(disc, isPositive || isPointed ? color : mixedColor(color, grey, 0.6));
     if (!isPositive || isPointed)
         _drawing.stroke(disc, {.width = isPointed ? 2.0 : 1.5}, isPointed ? white : color);
     if (isPositive)
-        _drawing.stroke(letter(axis, x, y), {.width = 1.7, .cap = Cap::Round, .join = Join::Round}, white);
+        _drawing.stroke(axisLetter(axis, x, y), {.width = 1.7, .cap = Cap::Round, .join = Join::Round}, white);
 }
 
 void AxesGizmo::build(const glm::dmat3& rotation)

@@ -45,13 +45,13 @@ td::Size<double> sizeOf(const gl::CameraView& view)
 }
 
 // x and y, at a distance d before the eye, of what is seen at a point of the screen: start + d * slope.
-struct Sight
+struct SightLine
 {
     glm::dvec2 start;
     glm::dvec2 slope;
 };
 
-Sight sightOf(const glm::dmat4& p, const glm::dvec2& ndc)
+SightLine sightOf(const glm::dmat4& p, const glm::dvec2& ndc)
 {
     // ndc * w = x and y of clip space, two equations in the eye's x and y.
     const auto row = [&](int i) {
@@ -118,7 +118,7 @@ Ray Eye::getRay(const td::Point<double>& point) const
     const Ray ahead{_position, getDirection()};
     if (!_isValid)
         return ahead;
-    const Sight sight = sightOf(_projection, {2 * point.x / _size.width - 1, 1 - 2 * point.y / _size.height});
+    const SightLine sight = sightOf(_projection, {2 * point.x / _size.width - 1, 1 - 2 * point.y / _size.height});
     const double nearest = getNearest();
     const glm::dmat3 toModel = glm::transpose(_rotation);
     const Ray ray{_position + toModel * glm::dvec3(sight.start + nearest * sight.slope, -nearest),
@@ -144,7 +144,7 @@ glm::dvec3 Eye::unproject(const td::Point<double>& point, double distance) const
 {
     if (!_isValid)
         return _position;
-    const Sight sight = sightOf(_projection, {2 * point.x / _size.width - 1, 1 - 2 * point.y / _size.height});
+    const SightLine sight = sightOf(_projection, {2 * point.x / _size.width - 1, 1 - 2 * point.y / _size.height});
     return _position + glm::transpose(_rotation) * glm::dvec3(sight.start + distance * sight.slope, -distance);
 }
 

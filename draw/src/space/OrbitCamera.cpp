@@ -24,7 +24,7 @@ namespace
 // Of the diagonal of a cube: the arctangent of 1 / sqrt(2).
 constexpr double cCornerElevation = 35.264389682754654;
 
-bool isFinite(const glm::dvec3& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
+bool isFiniteVector(const glm::dvec3& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 
 // Exact right angles between axes of length 1, as they were but for rounding.
 glm::dmat3 orthonormal(const glm::dmat3& rotation)
@@ -94,7 +94,10 @@ OrbitCamera::Range OrbitCamera::distanceLimits() const
         return *_distanceLimits;
     const double radius = _bounds.getRadius();
     constexpr double cUnlimited = 1e100; // its square is a double too
-    return radius > 0 ? Range{1e-7 * radius, 50 * radius} : Range{1 / cUnlimited, cUnlimited};
+    if (!(radius > 0))
+        return {1 / cUnlimited, cUnlimited};
+    constexpr double cClosest = 1e-7, cLeastSize = 4; // in points
+    return {cClosest * radius, radius * std::max(_size.height, 100.0) / (cLeastSize * std::min(tangent(), 1.0))};
 }
 
 OrbitCamera::Pose OrbitCamera::within(Pose pose) const
@@ -241,7 +244,8 @@ bool OrbitCamera::isAt(Side side) const
 
 bool OrbitCamera::isPose(const Pose& pose)
 {
-    return isFinite(pose.target) && pose.distance > 0 && std::isfinite(pose.distance) && isRotation(pose.rotation);
+    return isFiniteVector(pose.target) && pose.distance > 0 && std::isfinite(pose.distance) &&
+           isRotation(pose.rotation);
 }
 
 // As the camera takes it over.
@@ -264,7 +268,7 @@ bool OrbitCamera::setPose(const Pose& pose)
 bool OrbitCamera::look(const glm::dvec3& from, const glm::dvec3& at)
 {
     const double distance = glm::distance(from, at);
-    if (!isFinite(from) || !isFinite(at) || !(distance > 0) || !std::isfinite(distance))
+    if (!isFiniteVector(from) || !isFiniteVector(at) || !(distance > 0) || !std::isfinite(distance))
         return false;
     moved();
     const glm::dvec3 away = (from - at) / distance;
@@ -289,7 +293,7 @@ double OrbitCamera::getElevation() const { return anglesOf(_pose.rotation).eleva
 
 void OrbitCamera::setTarget(const glm::dvec3& target)
 {
-    if (!isFinite(target))
+    if (!isFiniteVector(target))
         return;
     moved();
     _pose = within({target, _pose.rotation, _pose.distance});
@@ -316,13 +320,13 @@ void OrbitCamera::turnBy(const glm::dvec3& pivot, double right, double up)
         pose.rotation = turned(_pose.rotation, right, up);
     // The pivot stays where it is for the eye.
     pose.target = pivot + glm::transpose(pose.rotation) * (_pose.rotation * (_pose.target - pivot));
-    if (isFinite(pose.target))
+    if (isFiniteVector(pose.target))
         _pose = within(pose);
 }
 
 void OrbitCamera::turn(const glm::dvec3& pivot, double right, double up)
 {
-    if (!isFinite(pivot) || !std::isfinite(right) || !std::isfinite(up))
+    if (!isFiniteVector(pivot) || !std::isfinite(right) || !std::isfinite(up))
         return;
     moved();
     turnBy(pivot, right, up);
@@ -330,14 +334,14 @@ void OrbitCamera::turn(const glm::dvec3& pivot, double right, double up)
 
 void OrbitCamera::zoom(const glm::dvec3& pivot, double factor)
 {
-    if (!isFinite(pivot) || !(factor > 0) || !std::isfinite(factor))
+    if (!isFiniteVector(pivot) || !(factor > 0) || !std::isfinite(factor))
         return;
     const Range limits = distanceLimits();
     const double distance = std::clamp(_pose.distance / factor, limits.min, limits.max);
     if (distance == _pose.distance)
         return;
     const glm::dvec3 target = pivot + (_pose.target - pivot) * (distance / _pose.distance);
-    if (!isFinite(target))
+    if (!isFiniteVector(target))
         return;
     moved();
     _pose = within({target, _pose.rotation, distance});
@@ -350,7 +354,7 @@ void OrbitCamera::pan(const glm::dvec3& pivot, const td::Point<double>& to)
     if (!eye.isValid() || (_projection == Projection::Perspective && !(distance > 0)))
         return;
     const glm::dvec3 target = _pose.target + (pivot - eye.unproject(to, distance));
-    if (!isFinite(target))
+    if (!isFiniteVector(target))
         return;
     moved();
     _pose = within({target, _pose.rotation, _pose.distance});
@@ -376,7 +380,7 @@ glm::dvec3 OrbitCamera::getPlace(const td::Point<double>& point) const
 {
     const Eye eye = getEye();
     const glm::dvec3 place = eye.unproject(point, _pose.distance);
-    return eye.isValid() && isFinite(place) ? place : _pose.target;
+    return eye.isValid() && isFiniteVector(place) ? place : _pose.target;
 }
 
 void OrbitCamera::setDistanceLimits(double min, double max)

@@ -21,10 +21,14 @@ bool OrbitCamera::flyTo(const Box3& box, double margin, double seconds)
     if (!box.isFinite() || !(margin >= 0) || !std::isfinite(margin))
         return false;
     const Fit fit{box, margin};
+    const Box3 boundsBefore = _bounds;
+    _bounds.add(box); // which may allow more
     const std::optional<Pose> pose = poseOf(fit, _flight ? _flight->to.rotation : _pose.rotation);
     if (!pose)
+    {
+        _bounds = boundsBefore;
         return false;
-    _bounds.add(box);
+    }
     fly(*pose, seconds);
     _flight->fit = fit;
     return true;

@@ -21,12 +21,13 @@ namespace
 using Point = td::Point<double>;
 using Side = OrbitCamera::Side;
 
-constexpr double cClickReach = 4;   // in points, that the pointer may move in a click
-constexpr double cTurnSpeed = 0.4;  // degrees per point
-constexpr double cZoomSpeed = 0.01; // of a drag: e to the power of it, per point
-constexpr double cKeyTurn = 15;     // degrees
-constexpr double cKeyMove = 60;     // points
-constexpr double cGizmoMargin = 12; // points
+constexpr double cClickReach = 4;                     // in points, that the pointer may move in a click
+constexpr double cTurnSpeed = 0.4;                    // degrees per point
+constexpr double cZoomSpeed = 0.01;                   // of a drag: e to the power of it, per point
+constexpr double cKeyTurn = 15;                       // degrees
+constexpr double cKeyMove = 60;                       // points
+constexpr double cLeastView = 4 * AxesGizmo::cRadius; // points
+constexpr double cGizmoMargin = 12;                   // points
 constexpr double cDoubleClickNearer = 2.5;
 constexpr double cRecent = 0.1;    // seconds back that a throw's speed is taken from
 constexpr double cRest = 0.06;     // seconds without motion, after which nothing is thrown
@@ -98,7 +99,11 @@ struct OrbitControl::Impl
         changed();
     }
     std::optional<glm::dvec3> find(const Point& point) const { return pick ? pick(point) : std::nullopt; }
-    bool hasGizmo() const { return corner != Corner::None; }
+    // In a small view they would be in the way.
+    bool hasGizmo() const
+    {
+        return corner != Corner::None && std::min(camera.getSize().width, camera.getSize().height) >= cLeastView;
+    }
     void placeGizmo();
     bool isOverGizmo(const Point& point);
     void point(const std::optional<Point>& at);

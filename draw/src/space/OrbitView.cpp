@@ -20,7 +20,7 @@ namespace
 
 constexpr int cPickPixels = 9; // a side of what is drawn to see what is under the pointer; odd
 
-std::array<float, 4> toFloats(td::Color color)
+std::array<float, 4> componentsOf(td::Color color)
 {
     const auto part = [](unsigned int value) { return static_cast<float>(value) / 255; };
     return {part(color.red()), part(color.green()), part(color.blue()), 1};
@@ -45,7 +45,7 @@ public:
             return;
         if (_pBuffer == nullptr)
         {
-            const std::array<float, 4> t = toFloats(_top), b = toFloats(_bottom);
+            const std::array<float, 4> t = componentsOf(_top), b = componentsOf(_bottom);
             const float corners[] = {-1, 1, t[0], t[1], t[2], 1, -1, -1, b[0], b[1], b[2], 1,
                                      1,  1, t[0], t[1], t[2], 1, 1,  -1, b[0], b[1], b[2], 1};
             _pBuffer = std::make_unique<gl::Buffer>(std::initializer_list{gl::DataType::Vec2, gl::DataType::Vec4});

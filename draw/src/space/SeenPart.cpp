@@ -12,7 +12,7 @@ namespace gui::draw
 namespace
 {
 
-constexpr double cInfinity = std::numeric_limits<double>::infinity();
+constexpr double cNoEnd = std::numeric_limits<double>::infinity();
 
 // What is left of a stretch.
 struct Stretch
@@ -28,7 +28,7 @@ struct Stretch
         else if (slope < 0)
             end = std::min(end, -first / slope);
         else if (first < 0)
-            end = -cInfinity;
+            end = -cNoEnd;
     }
 };
 
@@ -39,7 +39,7 @@ struct Stretch
 std::optional<SeenPart> SeenPart::of(const Box3& box, const glm::dvec3& position, const glm::dmat3& rotation,
                                      const glm::dvec2& half, bool isPerspective)
 {
-    SeenPart part{cInfinity, -cInfinity};
+    SeenPart part{cNoEnd, -cNoEnd};
     const auto add = [&part](double distance)
     {
         part.nearest = std::min(part.nearest, distance);
@@ -77,7 +77,7 @@ std::optional<SeenPart> SeenPart::of(const Box3& box, const glm::dvec3& position
     {
         const glm::dvec3 start = isPerspective ? position : position + toModel * glm::dvec3(corner, 0);
         const glm::dvec3 slope = toModel * glm::dvec3(isPerspective ? corner : glm::dvec2(0), -1);
-        Stretch ray{isPerspective ? 0 : -cInfinity, cInfinity};
+        Stretch ray{isPerspective ? 0 : -cNoEnd, cNoEnd};
         for (int axis = 0; axis < 3; ++axis)
         {
             ray.cut(start[axis] - box.min[axis], slope[axis]);

@@ -110,7 +110,7 @@ public:
     /// of it is cut away, and as much of the depth buffer's precision as can be is used for it. Without bounds (an
     /// empty box, at first) it is seen from a hundredth of the target's distance to a hundred times that, without
     /// perspective as far before the target as behind it. Unless there
-    /// are limits of the distance, the bounds set some: from 10^-7 to 50 times their radius.
+    /// are limits of the distance, the bounds set some: from 10^-7 of their radius to where they are four points large.
     /// @param box  ignored when it has numbers that are not finite
     void setBounds(const Box3& box);
     const Box3& getBounds() const { return _bounds; }

@@ -82,7 +82,7 @@ public:
     /// @param clock  tells seconds since any moment; the steady clock at first, and with an empty one
     void setClock(std::function<double()> clock);
 
-    /// TopRight at first.
+    /// TopRight at first. A view of less than 184 points either way has no axes.
     void setGizmo(Corner corner);
     Corner getGizmo() const; ///< see setGizmo
 
