@@ -158,6 +158,12 @@ constexpr SceneInfo cScenes[] = {
      "The countries of the world are read, cut into triangles and handed over while frames go on; the bar tells how "
      "far that is. Click to see it once more.",
      makeOpening},
+    {"orbit", "A wheel to turn",
+     "The wheel of a compressor, about the point that is pressed: drags turn it and go on for a moment, with Shift "
+     "they "
+     "move it; the wheel goes nearer to what is under the pointer. Click an end of the axes, or press 1 to 7, to look "
+     "from a side, P for no perspective, 0 to see all.",
+     makeOrbitScene},
 };
 
 } // namespace

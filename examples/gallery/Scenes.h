@@ -55,5 +55,6 @@ std::unique_ptr<Scene> makeLabels();
 std::unique_ptr<Scene> makeEditor();
 std::unique_ptr<Scene> makeSamples();
 std::unique_ptr<Scene> makeOpening();
+std::unique_ptr<Scene> makeOrbitScene();
 
 } // namespace gallery

@@ -138,6 +138,13 @@ TEST(EyeTest, PlacesAreThoseOf128BitArithmetic)
             ASSERT_TRUE(inPart);
             ASSERT_NEAR(inPart->x, 3, 1e-4);
             ASSERT_NEAR(inPart->y, 5, 1e-4);
+
+            // A slice begins and ends where it was told to, and shows all else as it was.
+            const bool isEndless = sort.isPerspective && i % 2 == 0;
+            const Eye slice = eye.getBetween(distance / 2, isEndless ? cInfinity : distance * 3);
+            ASSERT_NEAR(slice.getNearest(), distance / 2, 1e-9 * distance);
+            ASSERT_TRUE(isEndless || std::abs(slice.getFarthest() / distance - 3) < 1e-6);
+            ASSERT_NEAR(slice.project(point)->x, seen->x, 1e-7);
         }
     }
 }

@@ -213,4 +213,36 @@ Eye Eye::getPart(const td::RectNormalized<double>& rect) const
     return {_position, _rotation, toPart * _projection, size, _scale, _depth};
 }
 
+Eye Eye::getBetween(double nearest, double farthest) const
+{
+    glm::dmat4 projection = _projection;
+    // At the nearest and the farthest distance z of clip space, a * z of the eye + b, is the ndc below times w.
+    const double slope = _projection[2][3], w = _projection[3][3] - slope * nearest;
+    double &a = projection[2][2], &b = projection[3][2];
+    if (_depth == Depth::Reversed)
+    {
+        a = w / (farthest - nearest);
+        b = w + a * nearest;
+    }
+    else
+    {
+        // Both are infinite without an end, and their quotient is 1.
+        const double sum = std::isfinite(farthest) ? (farthest + nearest) / (farthest - nearest) : 1;
+        a = slope * sum - (std::isfinite(farthest) ? 2 * _projection[3][3] / (farthest - nearest) : 0);
+        b = a * nearest - w;
+    }
+    return {_position, _rotation, projection, _size, _scale, _depth == Depth::Sliced ? Depth::Usual : _depth};
+}
+
+gl::DepthBuffer::Function Eye::getNearer() const
+{
+    return _depth == Depth::Reversed ? gl::DepthBuffer::Function::Greater : gl::DepthBuffer::Function::Less;
+}
+
+gl::DepthBuffer::Function Eye::getNearerOrEqual() const
+{
+    return _depth == Depth::Reversed ? gl::DepthBuffer::Function::GreaterOrEqual
+                                     : gl::DepthBuffer::Function::LessOrEqual;
+}
+
 } // namespace gui::draw

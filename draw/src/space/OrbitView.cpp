@@ -26,6 +26,37 @@ std::array<float, 4> componentsOf(td::Color color)
     return {part(color.red()), part(color.green()), part(color.blue()), 1};
 }
 
+struct PickedDepth
+{
+    double depth;
+    int dx; // pixels from the middle
+    int dy;
+};
+
+// What is in the middle of what was drawn, or nearest to it.
+std::optional<PickedDepth> readDepth(const Eye& eye)
+{
+    constexpr int cMiddle = cPickPixels / 2;
+    std::array<float, std::size_t{cPickPixels} * cPickPixels> depths{};
+    glReadPixels(0, 0, cPickPixels, cPickPixels, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+    const float nothing = eye.getDepth() == Eye::Depth::Reversed ? 0 : 1;
+    std::optional<PickedDepth> found;
+    int nearest = cPickPixels * cPickPixels;
+    for (int y = 0; y < cPickPixels; ++y)
+    {
+        for (int x = 0; x < cPickPixels; ++x)
+        {
+            const int dx = x - cMiddle, dy = cMiddle - y; // rows count from below
+            const float depth = depths[static_cast<std::size_t>(y * cPickPixels + x)];
+            if (dx * dx + dy * dy >= nearest || depth == nothing)
+                continue;
+            nearest = dx * dx + dy * dy;
+            found = {static_cast<double>(depth), dx, dy};
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 // A colour at the top that goes over into another.
@@ -83,7 +114,8 @@ OrbitView::~OrbitView() = default;
 void OrbitView::createContext()
 {
     gl::Context context(gl::DepthBuffer::Size::Bits24, gl::StencilBuffer::Size::Bits8, gl::Context::Profile::Core41);
-    context.setSamples(4);
+    if (_canvas.getDepth() != Eye::Depth::Reversed)
+        context.setSamples(4);
     createContext(context);
 }
 
@@ -117,7 +149,13 @@ void OrbitView::flyTo(OrbitCamera::Side side, double seconds)
     _control.begin();
 }
 
-Eye OrbitView::getEye() const { return _camera.getEye(static_cast<double>(getPixelHiDPIScale())); }
+Eye OrbitView::getEye() const { return _canvas.getEye(_camera, static_cast<double>(getPixelHiDPIScale())); }
+
+void OrbitView::setDepth(Eye::Depth depth)
+{
+    _canvas.setDepth(depth);
+    reRender();
+}
 
 void OrbitView::setBackground(td::Color color) { setBackground(color, color); }
 
@@ -136,18 +174,6 @@ void OrbitView::onClicked(const Ray&) {}
 
 void OrbitView::onCameraMoved() {}
 
-// What is bound is clear but for its depth.
-void OrbitView::drawInto(const Eye& eye)
-{
-    using gl::Context;
-    Context::maskDepthBuffer(true);
-    Context::clear(Context::Clear::Depth);
-    Context::enable(Context::Flag::DepthTest);
-    Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
-    drawScene(eye);
-    Context::disable(Context::Flag::DepthTest);
-}
-
 void OrbitView::onDraw(const td::RectNormalized<double>&)
 {
     if (_camera.isMoving() && !isAnimated())
@@ -155,55 +181,51 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     if (std::exchange(_drawn, _camera.getPose()) != _camera.getPose())
         onCameraMoved();
     const Eye eye = getEye();
-    _pBackground->draw();
+    {
+        DepthCanvas::Frame frame(_canvas, eye);
+        _pBackground->draw();
+        while (const Eye* const pEye = eye.isValid() ? frame.next() : nullptr)
+            drawScene(*pEye);
+    }
     if (!eye.isValid())
         return;
-    drawInto(eye);
     drawOver(eye);
     _control.drawGizmo(eye);
 }
 
 std::optional<glm::dvec3> OrbitView::pick(const td::Point<double>& point)
 {
-    const Eye eye = getEye();
     makeCurrentContext();
+    const Eye eye = getEye();
     if (!eye.isValid() || gl::CurrentContext::getID() == 0)
         return std::nullopt;
     const double pixel = 1 / eye.getScale(), half = cPickPixels * pixel / 2;
     const Eye part = eye.getPart({point.x - half, point.y - half, point.x + half, point.y + half});
-    std::array<float, std::size_t{cPickPixels} * cPickPixels> depths{};
-    {
-        const gl::StateGuard guard;
-        if (!_pickBuffer.isOk() &&
-            !_pickBuffer.create({cPickPixels, cPickPixels}, {.depth = gl::DepthBuffer::Size::Bits32}))
-            return std::nullopt;
-        const gl::Framebuffer::Drawing drawing(_pickBuffer);
-        if (!drawing)
-            return std::nullopt;
-        for (const gl::Context::Flag flag :
-             {gl::Context::Flag::CullFace, gl::Context::Flag::StencilTest, gl::Context::Flag::Blend,
-              gl::Context::Flag::ScissorTest, gl::Context::Flag::PolygonOffset})
-            gl::Context::disable(flag);
-        gl::Context::clear(gl::Context::Clear::Color, td::Color(0, 0, 0, 0));
-        drawInto(part);
-        glReadPixels(0, 0, cPickPixels, cPickPixels, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
-    }
-
-    // What is right there, or nearest to it.
-    constexpr int cMiddle = cPickPixels / 2;
+    const gl::StateGuard guard;
+    if (!_pickBuffer.isOk() &&
+        !_pickBuffer.create({cPickPixels, cPickPixels}, {.depth = gl::DepthBuffer::Size::Bits32}))
+        return std::nullopt;
+    const gl::Framebuffer::Drawing drawing(_pickBuffer);
+    if (!drawing)
+        return std::nullopt;
+    for (const gl::Context::Flag flag :
+         {gl::Context::Flag::CullFace, gl::Context::Flag::StencilTest, gl::Context::Flag::Blend,
+          gl::Context::Flag::ScissorTest, gl::Context::Flag::PolygonOffset})
+        gl::Context::disable(flag);
     std::optional<glm::dvec3> found;
     int nearest = cPickPixels * cPickPixels;
-    for (int y = 0; y < cPickPixels; ++y)
+    DepthCanvas::Frame frame(_canvas, part, true);
+    gl::Context::clear(gl::Context::Clear::Color, td::Color(0, 0, 0, 0));
+    // Of slices the nearest one comes last, and has the word where both are as near to the pointer.
+    while (const Eye* const pEye = frame.next())
     {
-        for (int x = 0; x < cPickPixels; ++x)
-        {
-            const int dx = x - cMiddle, dy = cMiddle - y; // rows count from below
-            const double depth = static_cast<double>(depths[static_cast<std::size_t>(y * cPickPixels + x)]);
-            if (dx * dx + dy * dy >= nearest || !(depth < 1))
-                continue;
-            nearest = dx * dx + dy * dy;
-            found = eye.unproject({point.x + dx * pixel, point.y + dy * pixel}, part.getDistanceOfDepth(depth));
-        }
+        drawScene(*pEye);
+        const std::optional<PickedDepth> depth = readDepth(*pEye);
+        if (!depth || depth->dx * depth->dx + depth->dy * depth->dy > nearest)
+            continue;
+        nearest = depth->dx * depth->dx + depth->dy * depth->dy;
+        found = eye.unproject({point.x + depth->dx * pixel, point.y + depth->dy * pixel},
+                              pEye->getDistanceOfDepth(depth->depth));
     }
     return found;
 }

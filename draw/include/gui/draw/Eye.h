@@ -3,6 +3,8 @@
 #include "Box3.h"
 #include "Ray.h"
 
+#include <gui/gl/Context.h>
+
 #include <td/Export.h>
 #include <td/Point.h>
 #include <td/RectNormalized.h>
@@ -53,6 +55,7 @@ public:
     {
         Usual,    ///< clip space z from -w to w, 0 in front and 1 behind; Less is nearer
         Reversed, ///< clip space z from w in front to 0 behind, and so in the buffer, of floats; Greater is nearer
+        Sliced    ///< as Usual, from very near to very far: to be drawn in slices, see DepthCanvas
     };
 
     /// Straight ahead from the origin, with no size: sees nothing.
@@ -87,7 +90,11 @@ public:
     /// Of the view, in points; and device pixels per point.
     const td::Size<double>& getSize() const { return _size; }
     double getScale() const { return _scale; }
-    Depth getDepth() const { return _depth; }
+    Depth getDepth() const { return _depth; } ///< see Depth
+    /// What a fragment passes the depth test with that is nearer than what is there: Less, or Greater where the depth
+    /// is reversed; and with one as near.
+    gl::DepthBuffer::Function getNearer() const;
+    gl::DepthBuffer::Function getNearerOrEqual() const; ///< see getNearer
     /// Whether all of it is seen at the same size, however far it is.
     bool isOrthographic() const;
 
@@ -130,6 +137,10 @@ public:
     /// pixels about the pointer, or a large picture in tiles. Its size is the rectangle's.
     /// @param rect  in points; may reach beyond the view
     Eye getPart(const td::RectNormalized<double>& rect) const;
+    /// The eye that sees what is between two distances, and nothing else: with a depth buffer that is used for these
+    /// alone. Its depth is Usual instead of Sliced.
+    /// @param nearest, farthest  one above the other; with a perspective above 0, and the farthest may be infinite
+    Eye getBetween(double nearest, double farthest) const;
 
 private:
     glm::dvec3 toEye(const glm::dvec3& point) const { return _rotation * (point - _position); }

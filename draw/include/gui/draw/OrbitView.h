@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DepthCanvas.h"
 #include "Eye.h"
 #include "OrbitCamera.h"
 #include "OrbitControl.h"
@@ -59,7 +60,8 @@ public:
     ~OrbitView() override;
 
     /// Makes an OpenGL 4.1 core context with 24 bits of depth, 8 of stencil and 4 samples per pixel, for all kinds of
-    /// input. See View::createContext for what happens when there is none.
+    /// input; with reversed depth the samples are its canvas' own. See View::createContext for what happens when there
+    /// is none.
     void createContext();
     /// With a context of your own, which needs a depth buffer, for all kinds of input.
     void createContext(const gl::Context& context);
@@ -81,6 +83,10 @@ public:
     /// How it sees now, for rays and places outside of drawScene.
     Eye getEye() const;
 
+    /// Usual at first. Reversed tells apart what is near and what is far as no usual depth buffer can, for a car on a
+    /// globe: see DepthCanvas, which says too what takes its place where GL hasn't got it. Best before createContext.
+    void setDepth(Eye::Depth depth);
+
     /// What the model is before: one colour, or one at the top that goes over into another. "#f4f6f8" and "#c8d0d8" at
     /// first.
     void setBackground(td::Color color);
@@ -92,7 +98,7 @@ public:
 protected:
     /// Draws the model: with the context current, the background drawn, the depth buffer clear and its test on (nearer
     /// passes), and every other flag of Context off; leave them so. Called with an eye that sees a few pixels about the
-    /// pointer, too, for pick.
+    /// pointer, too, for pick, and several times with a depth in slices.
     virtual void drawScene(const Eye& eye) = 0;
     /// Draws what is before the model whatever its depth, texts and signs; the depth test is off. Below the axes.
     virtual void drawOver(const Eye& eye);
@@ -135,11 +141,11 @@ private:
 
     void drag(const InputDevice& device);
     void release(const InputDevice& device);
-    void drawInto(const Eye& eye);
 
     OrbitCamera _camera;
     OrbitControl _control;
     std::unique_ptr<Background> _pBackground;
+    DepthCanvas _canvas;
     gl::Framebuffer _pickBuffer;
     std::optional<td::Point<double>> _pointer;
     OrbitCamera::Pose _drawn;

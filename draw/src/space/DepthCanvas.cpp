@@ -1,0 +1,162 @@
+#include <gui/draw/DepthCanvas.h>
+
+#include <gui/gl/Buffer.h>
+#include <gui/gl/Context.h>
+#include <gui/gl/Textures.h>
+
+#include <vo/Log.h>
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+// Of a slice's farthest distance and its nearest: 24 bits of depth tell 10^-4 of a distance apart there.
+constexpr double cSliceRatio = 2000;
+constexpr double cOverlap = 1.001; // of slices, so that nothing falls between
+
+bool hasReversedDepth()
+{
+    constexpr int cFirstVersion = 45;
+    return epoxy_gl_version() >= cFirstVersion || epoxy_has_gl_extension("GL_ARB_clip_control");
+}
+
+// From the nearest slice to the farthest one.
+std::vector<Eye> slicesOf(const Eye& eye)
+{
+    const double nearest = eye.getNearest(), farthest = eye.getFarthest();
+    if (eye.getDepth() != Eye::Depth::Sliced || eye.isOrthographic())
+        return {eye.getDepth() == Eye::Depth::Sliced ? eye.getBetween(nearest, farthest) : eye};
+    const double n = std::max(1.0, std::ceil(std::log(farthest / nearest) / std::log(cSliceRatio)));
+    const double ratio = std::pow(farthest / nearest, 1 / n);
+    std::vector<Eye> eyes;
+    double begin = nearest;
+    for (int i = 1; i <= static_cast<int>(n); ++i)
+    {
+        const double end = nearest * std::pow(ratio, i);
+        eyes.push_back(eye.getBetween(begin, i == static_cast<int>(n) ? farthest : end * cOverlap));
+        begin = end;
+    }
+    return eyes;
+}
+
+} // namespace
+
+DepthCanvas::DepthCanvas(Depth depth)
+    : _depth(depth)
+{
+}
+
+DepthCanvas::~DepthCanvas() = default;
+
+void DepthCanvas::setDepth(Depth depth) { _depth = depth; }
+
+void DepthCanvas::setSamples(int n)
+{
+    _nSamples = n;
+    _framebuffer.release();
+}
+
+DepthCanvas::Depth DepthCanvas::getDepth() const
+{
+    if (_depth != Depth::Reversed)
+        return _depth;
+    const gl::CurrentContext::ID context = gl::CurrentContext::getID();
+    if (context != 0 && context != _asked)
+    {
+        _asked = context;
+        _hasClipControl = hasReversedDepth();
+        if (!_hasClipControl && !_saidSliced)
+            vo::dbgLog("Warning! DepthCanvas: no reversed depth here, the scene is drawn in slices");
+        _saidSliced = _saidSliced || !_hasClipControl;
+    }
+    return _hasClipControl ? Depth::Reversed : Depth::Sliced;
+}
+
+// @return whether its own framebuffer is bound
+bool DepthCanvas::begin()
+{
+    std::array<GLint, 4> viewport{};
+    glGetIntegerv(GL_VIEWPORT, viewport.data());
+    const td::Size<int> size(viewport[2], viewport[3]);
+    if (!_framebuffer.isOk())
+    {
+        using gl::DepthBuffer, gl::StencilBuffer;
+        if (!_framebuffer.create(
+                size,
+                {.depth = DepthBuffer::Size::Bits32, .stencil = StencilBuffer::Size::Bits8, .samples = _nSamples}))
+            return false;
+    }
+    else if (!_framebuffer.resize(size))
+        return false;
+    return _framebuffer.begin();
+}
+
+// Brings what was drawn to where it is seen.
+void DepthCanvas::end()
+{
+    using gl::Context;
+    _framebuffer.end();
+    if (_pBuffer == nullptr)
+    {
+        constexpr float cCorners[] = {-1, -1, 0, 0, 3, -1, 2, 0, -1, 3, 0, 2}; // one triangle over all of it
+        _pBuffer = std::make_unique<gl::Buffer>(std::initializer_list{gl::DataType::Vec2, gl::DataType::Vec2});
+        _pBuffer->appendVertices(cCorners, 3);
+        _pBuffer->createCommand()->createDrawAll(gl::Primitive::Triangles);
+    }
+    if (!_program.isOK() && !_program.link())
+        return;
+    Context::disable(Context::Flag::Blend);
+    gl::Textures::bindToSamplerUnit(_framebuffer.getTextureID(), gl::Textures::Unit::T0, gl::Texture::Type::Tex2D);
+    _program.draw(*_pBuffer);
+}
+
+DepthCanvas::Frame::Frame(DepthCanvas& canvas, const Eye& eye, bool isAside)
+    : _canvas(canvas)
+    , _eyes(slicesOf(eye))
+    , _isReversed(eye.getDepth() == Depth::Reversed)
+{
+    if (_isReversed && !isAside)
+        _isBound = canvas.begin();
+}
+
+const Eye* DepthCanvas::Frame::next()
+{
+    using gl::Context;
+    if (_eyes.empty())
+        return nullptr;
+    _eye = _eyes.back();
+    _eyes.pop_back();
+    if (_isReversed)
+    {
+        glClipControl(GL_LOWER_LEFT, GL_ZERO_TO_ONE);
+        glClearDepth(0);
+    }
+    Context::maskDepthBuffer(true);
+    Context::clear(Context::Clear::Depth);
+    Context::enable(Context::Flag::DepthTest);
+    Context::setDepthBufferFunction(_eye.getNearer());
+    return &_eye;
+}
+
+DepthCanvas::Frame::~Frame()
+{
+    using gl::Context;
+    Context::disable(Context::Flag::DepthTest);
+    if (_isReversed)
+    {
+        glClipControl(GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE);
+        glClearDepth(1);
+        Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
+    }
+    if (_isBound)
+        _canvas.end();
+}
+
+} // namespace gui::draw
