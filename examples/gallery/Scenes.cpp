@@ -149,6 +149,10 @@ constexpr SceneInfo cScenes[] = {
      "A field of one line and one of many: carets, selections by mouse and keys, the clipboard, undo, and what input "
      "methods compose. Click into one; Escape leaves it.",
      makeEditor},
+    {"model", "A gear drive",
+     "Twelve solids in the light of the camera, with lines of one width where their faces meet; a hood as wires, a "
+     "pinion that is selected. Beside it a knob with every face flat, smooth up to an angle, and with its triangles.",
+     makeModel},
     {"samples", "Samples",
      "One picture, drawn aside with one sample per pixel and with four, and with eight where the driver has them; "
      "below "

@@ -53,6 +53,7 @@ std::unique_ptr<Scene> makeType();
 std::unique_ptr<Scene> makeScripts();
 std::unique_ptr<Scene> makeLabels();
 std::unique_ptr<Scene> makeEditor();
+std::unique_ptr<Scene> makeModel();
 std::unique_ptr<Scene> makeSamples();
 std::unique_ptr<Scene> makeOpening();
 std::unique_ptr<Scene> makeOrbitScene();

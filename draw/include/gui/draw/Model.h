@@ -1,0 +1,145 @@
+#pragma once
+
+#include "Box3.h"
+#include "Eye.h"
+#include "Light.h"
+#include "Material.h"
+#include "Mesh.h"
+
+#include <td/Color.h>
+#include <td/Export.h>
+#include <td/Types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace gui::draw
+{
+
+/// A Mesh that is seen: lit surfaces, edges, wires, an outline about what is selected.
+///
+///     #include <gui/draw/Model.h>
+///     #include <gui/gl/OffscreenContext.h>
+///
+///     #include <glm/ext/matrix_clip_space.hpp>
+///     #include <glm/trigonometric.hpp>
+///
+///     int main()
+///     {
+///         using gui::gl::DepthBuffer;
+///         gui::gl::Context settings(DepthBuffer::Size::Bits24, gui::gl::StencilBuffer::Size::None,
+///                                   gui::gl::Context::Profile::Core41);
+///         gui::gl::OffscreenContext context({200, 200}, settings);
+///         gui::draw::Mesh mesh;
+///         mesh.positions = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}, {0, 0, 1.5}};
+///         mesh.indices = {0, 1, 4, 1, 2, 4, 2, 3, 4, 3, 0, 4, 0, 2, 1, 0, 3, 2};
+///         gui::draw::Model model;
+///         model.setMesh(mesh);
+///         model.setEdges({.width = 1.5});
+///         const glm::dmat3 fromSide(1, 0, 0, 0, 0, 1, 0, -1, 0); // z upwards, y away
+///         const gui::draw::Eye eye({0.6, -6, 0.6}, glm::transpose(fromSide),
+///                                  glm::perspective(glm::radians(30.0), 1.0, 0.1, 100.0), {200, 200});
+///         gui::gl::Context::clear({gui::gl::Context::Clear::Color, gui::gl::Context::Clear::Depth});
+///         model.draw(eye);
+///         return context.savePicture("pyramid.png") ? 0 : 1;
+///     }
+///
+/// In a view of the space, `model.draw(eye)` is all that turning and zooming take: nothing is uploaded for them. What
+/// changes is uploaded with the next draw, and nothing else. Parts of the mesh that the eye does not see are not
+/// drawn. Where triangles are much smaller than pixels, coarser ones stand for them, which are made when the mesh is
+/// set: see setTolerance.
+///
+/// Parts have numbers, in the order that they have in the mesh; a mesh without parts has one, number 0. Operations on a
+/// part that there is not do nothing and return false.
+///
+/// It has GL objects of its own, which are made anew when the context is lost, and from the mesh in another context.
+/// Not copyable. Only what draws needs a context; everything else is for any time. GUI thread only.
+class GUIGL_API Model
+{
+public:
+    /// Whether the sides of triangles are seen.
+    enum class Wires : td::BYTE
+    {
+        None,
+        Over, ///< on the surface
+        Alone ///< and one looks through the triangles
+    };
+
+    /// A line's look.
+    struct Line
+    {
+        double width = 1; ///< in points; 0 for no line
+        td::Color color{28, 32, 40, 255};
+
+        bool operator==(const Line&) const = default;
+    };
+
+    Model();
+    ~Model();
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+
+    /// Shows another mesh, all of whose parts are visible and none selected. It takes some 0.6 microseconds per
+    /// triangle.
+    /// @param mesh  read during the call only
+    /// @return false, with what was shown as it was, and "Error! Model::setMesh: " with Mesh::findFault in the log, when
+    ///         the mesh has a fault
+    bool setMesh(const Mesh& mesh);
+    /// Shows nothing.
+    void clear();
+
+    /// Around all triangles, of parts that are not visible too; empty when there are none.
+    const Box3& getBounds() const;
+    std::size_t getNumberOfTriangles() const; ///< that have an area
+    std::size_t getNumberOfParts() const;
+
+    void setLight(const Light& light);
+
+    /// Lines where faces meet more sharply than Mesh::edgeAngle, at borders, and where a material ended when the mesh
+    /// was set. They are smooth in contexts with and without samples, have their width at every distance, and what is
+    /// before them hides them. None at first (a width of 0).
+    void setEdges(const Line& line);
+    /// What wires look like that setWires shows: half a point of black at first.
+    void setWireLine(const Line& line);
+    /// A line about each part that is selected, or several that touch on the screen, whatever is before them. 2.5 points
+    /// of orange at first.
+    void setOutline(const Line& line);
+
+    /// How large, in points, triangles of a coarser mesh may be that stand for smaller ones. 0.5 at first; 0 draws the
+    /// mesh itself always. What is not a number of at least 0 counts as 0.
+    void setTolerance(double points);
+
+    /// Of one part. A material's texture needs a mesh with texture coordinates.
+    bool setMaterial(std::size_t part, const Material& material);
+    bool setVisible(std::size_t part, bool isVisible);
+    bool setSelected(std::size_t part, bool isSelected);
+    bool setWires(std::size_t part, Wires wires);
+    /// Of all parts.
+    void setWires(Wires wires);
+    void clearSelection();
+
+    /// A part's; of none that there is: what a part has at first.
+    const Material& getMaterial(std::size_t part) const;
+    bool isVisible(std::size_t part) const;
+    bool isSelected(std::size_t part) const;
+    Wires getWires(std::size_t part) const;
+    std::uint64_t getTag(std::size_t part) const; ///< as the mesh has it
+
+    /// Draws into the framebuffer and viewport that are bound, which need a depth buffer of the eye's kind. GL's state
+    /// is afterwards what it was, but for the values of polygon offset and texture units 0 to 3.
+    /// @return false, with a log line for each kind of reason once, when it could not: no context, a program that does
+    ///         not link, no memory. An eye that sees nothing is none
+    bool draw(const Eye& eye);
+    /// All surfaces in one colour, with its alpha, and nothing else: for masks, and what is to be found by its colour.
+    bool drawColor(const Eye& eye, td::Color color);
+    /// The surfaces of each part in the colour that its number is: part 0 in first, red being the lowest byte. For
+    /// finding parts by the pixels of a Framebuffer: one without samples, cleared to 0.
+    bool drawIds(const Eye& eye, std::uint32_t first = 1);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> _pImpl;
+};
+
+} // namespace gui::draw

@@ -1,0 +1,165 @@
+#include <gui/draw/Model.h>
+
+#include "ModelPainter.h"
+
+#include <vo/Log.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace gui::draw
+{
+
+struct Model::Impl
+{
+    // @return null when there is no such part, else it, of which something changes now
+    ModelPart* change(std::size_t part)
+    {
+        if (part >= parts.size())
+            return nullptr;
+        painter.markChanged();
+        return &parts[part];
+    }
+    // @return what a part has at first, when there is no such part
+    const ModelPart& get(std::size_t part) const
+    {
+        static const ModelPart s_none;
+        return part < parts.size() ? parts[part] : s_none;
+    }
+
+    ModelPainter painter;
+    ModelLook look;
+    std::vector<ModelPart> parts;
+    ImageStore images;
+};
+
+Model::Model()
+    : _pImpl(std::make_unique<Impl>())
+{
+}
+
+Model::~Model() = default;
+
+bool Model::setMesh(const Mesh& mesh)
+{
+    if (const std::string fault = mesh.findFault(); !fault.empty())
+    {
+        vo::dbgLog("Error! Model::setMesh: %s!", fault.c_str());
+        return false;
+    }
+    std::vector<ModelPart> parts;
+    if (mesh.parts.empty())
+        parts.push_back({.material = mesh.material});
+    for (const Mesh::Part& part : mesh.parts)
+        parts.push_back({.material = part.material, .tag = part.tag});
+    ImageStore images;
+    std::vector<std::uint32_t> ranks;
+    for (ModelPart& part : parts)
+        ranks.push_back(part.texture = images.take(part.material.texture));
+    // Those of one texture behind each other, each by itself.
+    std::vector<std::uint32_t> order(parts.size());
+    for (std::uint32_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) { return ranks[a] < ranks[b]; });
+    for (std::uint32_t i = 0; i < order.size(); ++i)
+        ranks[order[i]] = i;
+    _pImpl->painter.setGeometry(ModelGeometry::make(mesh, ranks), !mesh.textureCoordinates.empty());
+    _pImpl->parts = std::move(parts);
+    _pImpl->images = std::move(images);
+    return true;
+}
+
+void Model::clear()
+{
+    _pImpl->painter.setGeometry({}, false);
+    _pImpl->parts.clear();
+    _pImpl->images.clear();
+}
+
+const Box3& Model::getBounds() const { return _pImpl->painter.getBounds(); }
+
+std::size_t Model::getNumberOfTriangles() const { return _pImpl->painter.getNumberOfTriangles(); }
+
+std::size_t Model::getNumberOfParts() const { return _pImpl->parts.size(); }
+
+void Model::setLight(const Light& light) { _pImpl->look.light = light; }
+
+void Model::setEdges(const Line& line) { _pImpl->look.edges = line; }
+
+void Model::setWireLine(const Line& line) { _pImpl->look.wires = line; }
+
+void Model::setOutline(const Line& line) { _pImpl->look.outline = line; }
+
+void Model::setTolerance(double points) { _pImpl->look.tolerance = points > 0 ? points : 0; }
+
+bool Model::setMaterial(std::size_t part, const Material& material)
+{
+    ModelPart* pPart = _pImpl->change(part);
+    if (pPart == nullptr)
+        return false;
+    const std::uint32_t texture = _pImpl->images.take(material.texture);
+    _pImpl->images.giveBack(pPart->texture);
+    pPart->texture = texture;
+    pPart->material = material;
+    return true;
+}
+
+bool Model::setVisible(std::size_t part, bool isVisible)
+{
+    ModelPart* pPart = _pImpl->change(part);
+    if (pPart != nullptr)
+        pPart->isVisible = isVisible;
+    return pPart != nullptr;
+}
+
+bool Model::setSelected(std::size_t part, bool isSelected)
+{
+    if (part >= _pImpl->parts.size())
+        return false;
+    _pImpl->parts[part].isSelected = isSelected;
+    return true;
+}
+
+bool Model::setWires(std::size_t part, Wires wires)
+{
+    if (part >= _pImpl->parts.size())
+        return false;
+    _pImpl->parts[part].wires = wires;
+    return true;
+}
+
+void Model::setWires(Wires wires)
+{
+    for (ModelPart& part : _pImpl->parts)
+        part.wires = wires;
+}
+
+void Model::clearSelection()
+{
+    for (ModelPart& part : _pImpl->parts)
+        part.isSelected = false;
+}
+
+const Material& Model::getMaterial(std::size_t part) const { return _pImpl->get(part).material; }
+
+bool Model::isVisible(std::size_t part) const { return _pImpl->get(part).isVisible; }
+
+bool Model::isSelected(std::size_t part) const { return _pImpl->get(part).isSelected; }
+
+Model::Wires Model::getWires(std::size_t part) const { return _pImpl->get(part).wires; }
+
+std::uint64_t Model::getTag(std::size_t part) const { return _pImpl->get(part).tag; }
+
+bool Model::draw(const Eye& eye) { return _pImpl->painter.draw(eye, _pImpl->look, _pImpl->parts, _pImpl->images); }
+
+bool Model::drawColor(const Eye& eye, td::Color color)
+{
+    return _pImpl->painter.drawFlat(eye, _pImpl->look, _pImpl->parts, ModelProgram::Plain, color, 0);
+}
+
+bool Model::drawIds(const Eye& eye, std::uint32_t first)
+{
+    return _pImpl->painter.drawFlat(eye, _pImpl->look, _pImpl->parts, ModelProgram::Ids, td::Color(), first);
+}
+
+} // namespace gui::draw

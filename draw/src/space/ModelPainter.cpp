@@ -1,0 +1,524 @@
+#include "ModelPainter.h"
+
+#include <gui/gl/Context.h>
+#include <gui/gl/StateGuard.h>
+#include <gui/gl/Textures.h>
+
+#include <vo/Log.h>
+
+#include <glm/common.hpp>
+#include <glm/geometric.hpp>
+
+#include <epoxy/gl.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <initializer_list>
+#include <limits>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+constexpr std::size_t cTexelsPerPart = 2;
+constexpr float cLargestOutline = 24; // pixels, all of which the shader looks through
+
+float linearOf(unsigned int channel)
+{
+    const double c = channel / 255.0;
+    return static_cast<float>(c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4));
+}
+
+glm::vec3 linearOf(td::Color color) { return {linearOf(color.red()), linearOf(color.green()), linearOf(color.blue())}; }
+
+glm::vec4 premultipliedOf(td::Color color)
+{
+    const glm::vec4 c = glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F;
+    return {glm::vec3(c) * c.a, c.a};
+}
+
+// Of colours times their alpha.
+void beginBlending()
+{
+    glBlendEquation(GL_FUNC_ADD);
+    gl::Context::enable(gl::Context::Flag::Blend);
+    gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
+}
+
+double inUnit(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
+
+float lineWidthOf(const Model::Line& line, float scale)
+{
+    const double width = line.width * static_cast<double>(scale);
+    return line.color.alpha() > 0 && width > 0 ? static_cast<float>(std::min(width, 1000.0)) : 0;
+}
+
+// Four numbers of 16 bits as NormShort4 has them, in two floats.
+std::array<float, 2> packedNormal(const glm::vec3& normal)
+{
+    std::array<std::int16_t, 4> shorts{};
+    for (std::size_t i = 0; i < 3; ++i)
+        shorts[i] = static_cast<std::int16_t>(std::lround(normal[static_cast<int>(i)] * 32767.0F));
+    return std::bit_cast<std::array<float, 2>>(shorts);
+}
+
+glm::dvec3 directionOf(const glm::dvec3& v)
+{
+    const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+    return largest > 0 && std::isfinite(largest) ? glm::normalize(v / largest) : glm::dvec3(0, 0, 1);
+}
+
+} // namespace
+
+void ModelPainter::setGeometry(ModelGeometry&& geometry, bool hasTextureCoordinates)
+{
+    _bounds = geometry.bounds;
+    _origin = geometry.origin;
+    _levels = std::move(geometry.levels);
+    _indices = std::move(geometry.indices);
+    _hasRests = geometry.hasRests;
+    _hasTextureCoordinates = hasTextureCoordinates;
+    _vertices.clear();
+    _vertices.reserve(geometry.vertices.size() * (6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U)));
+    for (const MeshSurface::Vertex& vertex : geometry.vertices)
+    {
+        const std::array<float, 2> normal = packedNormal(vertex.normal);
+        _vertices.insert(_vertices.end(), {vertex.position.x, vertex.position.y, vertex.position.z, normal[0],
+                                           normal[1], static_cast<float>(vertex.part)});
+        if (_hasTextureCoordinates)
+            _vertices.insert(_vertices.end(), {vertex.textureCoordinate.x, vertex.textureCoordinate.y});
+        if (_hasRests)
+            _vertices.insert(_vertices.end(), {vertex.rest.x, vertex.rest.y, vertex.rest.z});
+    }
+    _edges.clear();
+    for (const MeshSurface::Edge& edge : geometry.edges)
+    {
+        for (std::size_t i = 0; i < 2; ++i)
+            _edges.emplace_back(edge.positions[i], static_cast<float>(edge.parts[i]));
+        for (std::size_t i = 0; i < 2 && _hasRests; ++i)
+            _edges.emplace_back(edge.rests[i], 0);
+    }
+    _pGL.reset();
+}
+
+bool ModelPainter::fail(const char* reason)
+{
+    if (_lastFailure != reason)
+        vo::dbgLog("Error! Model::draw: %s!", reason);
+    _lastFailure = reason;
+    return false;
+}
+
+bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
+{
+    if (_pGL && _pGL->contextID == gl::CurrentContext::getID() && _pGL->triangles.isCommitted())
+        return !_arePartsChanged || uploadParts(parts);
+    // What another context has goes when that is current.
+    _pGL = std::make_unique<InGL>();
+    _pGL->contextID = gl::CurrentContext::getID();
+    _pGL->pPrograms = ModelPrograms::get();
+    for (gl::BufferTexture* pTable : {&_pGL->parts, &_pGL->edges})
+        pTable->setKeptForRestore(false);
+    gl::Buffer& buffer = _pGL->triangles;
+    buffer.setKeptForRestore(false);
+    using gl::DataType;
+    using Layout = std::initializer_list<DataType>;
+    const auto init = [&](const Layout& layout)
+    {
+        const std::size_t nBytes = std::size_t(4) * (6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U));
+        return buffer.init(0, _vertices.size() * 4 / nBytes, _indices.size(), layout);
+    };
+    if (_hasTextureCoordinates && _hasRests)
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2, DataType::Vec3});
+    else if (_hasTextureCoordinates)
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2});
+    else if (_hasRests)
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec3});
+    else
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float});
+    buffer.appendVertices(_vertices.data(), _vertices.size() * sizeof(float) / buffer.getVertexStride());
+    buffer.appendIndices(_indices.data(), _indices.size());
+    if (!buffer.commit() || !buffer.isCommitted())
+    {
+        _pGL.reset();
+        return fail("GL has no room for its triangles");
+    }
+    _partTexels.clear();
+    return uploadParts(parts);
+}
+
+bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts)
+{
+    std::vector<glm::vec4> texels;
+    texels.reserve(cTexelsPerPart * parts.size());
+    for (const ModelPart& part : parts)
+    {
+        const double polish = inUnit(part.material.shininess);
+        const int flags = (part.isVisible ? 1 : 0) | (part.material.isTwoSided ? 2 : 0) |
+                          (part.texture != 0 && _hasTextureCoordinates ? 4 : 0);
+        texels.emplace_back(linearOf(part.material.color), static_cast<float>(flags));
+        // Blinn's exponent from 4 to 2048; below a quarter the reflection itself goes.
+        texels.emplace_back(std::exp2(2 + 9 * polish), std::min(4 * polish, 1.0), 0, 0);
+    }
+    if (_pGL->parts.getSize() != texels.size())
+    {
+        if (!_pGL->parts.resize(texels.size()))
+            return fail("GL has no room for its parts");
+        _partTexels.clear();
+    }
+    const auto end = std::min(texels.size(), _partTexels.size());
+    std::size_t first = 0, last = texels.size();
+    while (first < end && texels[first] == _partTexels[first])
+        ++first;
+    while (last > first && last <= end && texels[last - 1] == _partTexels[last - 1])
+        --last;
+    if (last > first)
+        _pGL->parts.write(first, texels.data() + first, last - first);
+    _partTexels = std::move(texels);
+    _arePartsChanged = false;
+    return true;
+}
+
+bool ModelPainter::uploadEdges()
+{
+    if (_pGL->edges.getSize() == _edges.size())
+        return true;
+    if (!_pGL->edges.resize(_edges.size()))
+        return fail("GL has no room for its edges");
+    _pGL->edges.write(0, _edges.data(), _edges.size());
+    return true;
+}
+
+// @return false when there is nothing to see
+bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
+{
+    std::array<GLint, 4> viewport{};
+    glGetIntegerv(GL_VIEWPORT, viewport.data());
+    if (_bounds.isEmpty() || !eye.isValid() || viewport[2] <= 0 || viewport[3] <= 0)
+        return false;
+    const Light& light = look.light;
+    _sight.halfSize = glm::vec2(viewport[2], viewport[3]) / 2.0F;
+    _sight.corner = {viewport[0], viewport[1]};
+    _sight.scale = static_cast<float>(eye.getScale());
+    _sight.isReversed = eye.getDepth() == Eye::Depth::Reversed;
+
+    // Shaders begin with the distance from a reference, which floats have exactly near there: at what is seen largest.
+    const glm::dvec3 place = eye.getPosition() - _origin, low = _bounds.min - _origin, high = _bounds.max - _origin;
+    glm::dvec3 nearest = place;
+    if (eye.isOrthographic())
+        nearest += glm::dot((low + high) / 2.0 - place, eye.getDirection()) * eye.getDirection();
+    _sight.reference = glm::dvec3(glm::vec3(glm::clamp(nearest, low, high)));
+    _sight.toClip = eye.getMatrix(_origin + _sight.reference);
+    _sight.viewer =
+        eye.isOrthographic() ? glm::vec4(-eye.getDirection(), 0) : glm::vec4(glm::vec3(place - _sight.reference), 1);
+    const glm::dvec3 toLight = light.kind == Light::Kind::Sun
+                                   ? directionOf(light.direction)
+                                   : glm::normalize(0.55 * eye.getUp() - 0.4 * eye.getRight() - eye.getDirection());
+    _sight.toLight = glm::vec3(toLight);
+    _sight.up = glm::vec3(light.kind == Light::Kind::Sun ? toLight : eye.getUp());
+
+    // What is seen has x and y of clip space from -w to w, and w above 0; the depth range matters less. Lines reach
+    // into what is seen from outside.
+    const double reach = 1 + static_cast<double>(std::max(lineWidthOf(look.edges, _sight.scale),
+                                                          2 * lineWidthOf(look.outline, _sight.scale))) /
+                                 2;
+    const glm::dvec2 size = 1.0 + reach / glm::dvec2(_sight.halfSize);
+    glm::dmat4 view(eye.getRotation());
+    view[3] = glm::dvec4(eye.getRotation() * -place, 1);
+    const glm::dmat4 toClip = eye.getProjection() * view;
+    const auto row = [&](int i) { return glm::dvec4(toClip[0][i], toClip[1][i], toClip[2][i], toClip[3][i]); };
+    const std::array<glm::dvec4, 5> planes{size.x * row(3) + row(0), size.x * row(3) - row(0), size.y * row(3) + row(1),
+                                           size.y * row(3) - row(1), row(3)};
+    for (std::size_t i = 0; i < planes.size(); ++i)
+    {
+        const double length = glm::length(glm::dvec3(planes[i]));
+        const glm::dvec4 plane = length > 0 ? planes[i] / length : glm::dvec4(0, 0, 0, 1);
+        _sight.planes[i] = {glm::vec3(plane), static_cast<float>(plane.w)};
+    }
+    const glm::dvec3 middle = (low + high) / 2.0;
+    return isSeen({glm::vec3(middle), glm::vec3(high - middle) * 1.000001F, 0, 0, 0});
+}
+
+const ModelGeometry::Level& ModelPainter::chooseLevel(const Eye& eye, double tolerance) const
+{
+    std::size_t level = 0;
+    double nearest = std::numeric_limits<double>::infinity();
+    for (unsigned int i = 0; i < 8; ++i)
+        nearest = std::min(nearest, eye.getDistance(_bounds.getCorner(i)));
+    if (!eye.isOrthographic() && !(nearest > eye.getNearest()))
+        return _levels.front();
+    const double step = eye.getSizeAt(eye.getPosition() + nearest * eye.getDirection()) * tolerance;
+    while (level + 1 < _levels.size() && _levels[level + 1].step <= step)
+        ++level;
+    return _levels[level];
+}
+
+// Whether some of its box may be. Floats are a little less exact than the planes: far from them by that.
+bool ModelPainter::isSeen(const ModelCell& cell) const
+{
+    for (const Plane& plane : _sight.planes)
+    {
+        const float middle = glm::dot(plane.normal, cell.center);
+        const float reach = glm::dot(glm::abs(plane.normal), cell.halfSize);
+        const float slack =
+            1e-6F * (glm::dot(glm::abs(plane.normal), glm::abs(cell.center)) + reach + std::abs(plane.distance));
+        if (middle + plane.distance + reach + slack < 0)
+            return false;
+    }
+    return true;
+}
+
+ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& look)
+{
+    const bool isSurface = (features & (ModelProgram::Edges | ModelProgram::Outline)) == 0;
+    if (isSurface && _hasTextureCoordinates)
+        features |= ModelProgram::Textured;
+    if (_hasRests && (features & ModelProgram::Outline) == 0)
+        features |= ModelProgram::Rests;
+    ModelProgram* pProgram = _pGL->pPrograms->find(features);
+    if (pProgram == nullptr)
+    {
+        fail("its program does not link");
+        return nullptr;
+    }
+    pProgram->setBuffer(isSurface ? &_pGL->triangles : nullptr);
+    pProgram->activate();
+    pProgram->setBuffer(nullptr);
+    ModelProgram& program = *pProgram;
+    program.setUniformValue(program.at(ModelProgram::ToClip), _sight.toClip);
+    program.setUniformValue(program.at(ModelProgram::Reference), glm::vec3(_sight.reference));
+    program.setUniformValue(program.at(ModelProgram::HalfSize), _sight.halfSize);
+    if (isSurface && (features & (ModelProgram::Plain | ModelProgram::Ids)) == 0)
+    {
+        program.setUniformValue(program.at(ModelProgram::Viewer), _sight.viewer);
+        program.setUniformValue(program.at(ModelProgram::ToLight), _sight.toLight);
+        program.setUniformValue(program.at(ModelProgram::Up), _sight.up);
+        program.setUniformValue(program.at(ModelProgram::LightColor),
+                                glm::vec4(linearOf(look.light.color), inUnit(look.light.ambient)));
+    }
+    _pGL->parts.bind(ModelProgram::cPartsUnit);
+    return pProgram;
+}
+
+// @param lineWidth  in pixels, of what lies on the surfaces: they go behind it by what they fall in half of that
+void ModelPainter::beginSurfaces(float lineWidth, const std::vector<ModelPart>& parts)
+{
+    using gl::Context;
+    for (const Context::Flag flag :
+         {Context::Flag::StencilTest, Context::Flag::PolygonOffset, Context::Flag::CullFace, Context::Flag::Blend})
+        Context::disable(flag);
+    Context::setPolygonMode(Context::PolygonMode::Fill);
+    Context::maskColorBuffer(true, true, true, true);
+    Context::enable(Context::Flag::DepthTest);
+    Context::maskDepthBuffer(true);
+    Context::setDepthBufferFunction(_sight.isReversed ? gl::DepthBuffer::Function::GreaterOrEqual
+                                                      : gl::DepthBuffer::Function::LessOrEqual);
+    if (lineWidth > 0)
+    {
+        const float sign = _sight.isReversed ? -1.0F : 1.0F;
+        Context::setPolygonOffset(sign * (1 + lineWidth / 2), sign * 2);
+        Context::enable(Context::Flag::PolygonOffset);
+    }
+    // What is not drawn anyway need not be found out for each of its pixels.
+    if (std::none_of(parts.begin(), parts.end(), [](const ModelPart& part) { return part.material.isTwoSided; }))
+        Context::enable(Context::Flag::CullFace);
+}
+
+void ModelPainter::flush(std::uint32_t first, std::uint32_t end)
+{
+    if (first >= end)
+        return;
+    gl::Command* pCommand = _commands.get();
+    pCommand->createDrawElements(gl::Primitive::Triangles, first, end - first);
+    _commands.encode(pCommand);
+}
+
+// Cells that follow each other are drawn together.
+// @param pImages  null where textures don't matter
+template <typename IsWanted>
+bool ModelPainter::drawCells(const Level& level, const std::vector<ModelPart>& parts, ImageStore* pImages,
+                             const IsWanted& isWanted)
+{
+    _commands.reset();
+    std::uint32_t first = 0, end = 0, texture = 0;
+    for (const ModelCell& cell : level.cells)
+    {
+        const ModelPart& part = parts[cell.part];
+        if (!part.isVisible || !isWanted(part) || !isSeen(cell))
+            continue;
+        const bool isOther =
+            pImages != nullptr && _hasTextureCoordinates && part.texture != 0 && part.texture != texture;
+        if (cell.first != end || isOther)
+        {
+            flush(first, end);
+            first = cell.first;
+        }
+        end = cell.first + cell.count;
+        if (isOther)
+        {
+            _commands.execute();
+            _commands.reset();
+            texture = part.texture;
+            const unsigned int name = pImages->getTexture(texture);
+            if (name == 0)
+                return fail("GL has no room for a texture");
+            gl::Textures::bindToSamplerUnit(name, ModelProgram::cTextureUnit, gl::Texture::Type::Tex2D);
+        }
+    }
+    flush(first, end);
+    _commands.execute();
+    return true;
+}
+
+bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
+{
+    _ranges.clear();
+    for (const ModelCell& cell : level.edgeCells)
+        if (isSeen(cell))
+        {
+            if (!_ranges.empty() && _ranges.back().first + _ranges.back().count == cell.first)
+                _ranges.back().count += cell.count;
+            else
+                _ranges.push_back({cell.first, cell.count});
+        }
+    if (_ranges.empty())
+        return true;
+    if (!uploadEdges())
+        return false;
+    ModelProgram* pProgram = activate(ModelProgram::Edges, look);
+    if (pProgram == nullptr)
+        return false;
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.edges.color));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), lineWidthOf(look.edges, _sight.scale));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::ToDepth),
+                              _sight.isReversed ? glm::vec2(1, 0) : glm::vec2(0.5, 0.5));
+    _pGL->edges.bind(ModelProgram::cEdgesUnit);
+    beginBlending();
+    gl::Context::disable(gl::Context::Flag::CullFace);
+    return _pGL->pPrograms->getQuads().draw(_ranges) || fail("there is no vertex array");
+}
+
+bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const ModelLook& look,
+                             const std::vector<ModelPart>& parts, ImageStore& images)
+{
+    const auto isWanted = [wires](const ModelPart& part) { return part.wires == wires; };
+    const float width = lineWidthOf(look.wires, _sight.scale);
+    const bool areAlone = wires == Model::Wires::Alone;
+    if (std::none_of(parts.begin(), parts.end(), isWanted) || (areAlone && width == 0))
+        return true;
+    ModelProgram* pProgram = activate(ModelProgram::Wires, look);
+    if (pProgram == nullptr)
+        return false;
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.wires.color));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), width);
+    pProgram->setUniformValue(pProgram->at(ModelProgram::WiresAlone), areAlone ? 1 : 0);
+    if (areAlone)
+        beginBlending();
+    return drawCells(level, parts, &images, isWanted);
+}
+
+bool ModelPainter::drawOutline(const Level& level, const ModelLook& look, const std::vector<ModelPart>& parts)
+{
+    using gl::Context;
+    const td::Size<int> size(static_cast<int>(2 * _sight.halfSize.x), static_cast<int>(2 * _sight.halfSize.y));
+    gl::Framebuffer& mask = _pGL->mask;
+    if (!(mask.getSize() == size))
+    {
+        // The unit of its texture loses what is bound to it.
+        Context::setActiveTextureUnit(ModelProgram::cMaskUnit);
+        if (!mask.create(size, {.color = gl::Framebuffer::Color::R8, .samples = 4}))
+            return fail("there is no framebuffer of the viewport's size");
+    }
+    Context::disable(Context::Flag::DepthTest);
+    Context::disable(Context::Flag::PolygonOffset);
+    Context::disable(Context::Flag::Blend);
+    const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
+    {
+        const gl::Framebuffer::Drawing drawing(mask);
+        if (!drawing)
+            return fail("its mask cannot be drawn into");
+        Context::disable(Context::Flag::ScissorTest);
+        glClearColor(0, 0, 0, 0);
+        Context::clear(Context::Clear::Color);
+        ModelProgram* pProgram = activate(ModelProgram::Plain, look);
+        if (pProgram == nullptr)
+            return false;
+        pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor), glm::vec4(1));
+        drawCells(level, parts, nullptr, [](const ModelPart& part) { return part.isSelected; });
+    }
+    if (isScissored)
+        Context::enable(Context::Flag::ScissorTest);
+    ModelProgram* pProgram = activate(ModelProgram::Outline, look);
+    if (pProgram == nullptr)
+        return false;
+    gl::Textures::bindToSamplerUnit(mask.getTextureID(), ModelProgram::cMaskUnit, gl::Texture::Type::Tex2D);
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.outline.color));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth),
+                              std::min(lineWidthOf(look.outline, _sight.scale), cLargestOutline));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
+    Context::disable(Context::Flag::CullFace);
+    beginBlending();
+    const gl::Quads::Range one{0, 1};
+    return _pGL->pPrograms->getQuads().draw(std::span(&one, 1)) || fail("there is no vertex array");
+}
+
+bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images)
+{
+    if (!gl::CurrentContext::isThere("Model::draw"))
+        return false;
+    if (!lookFrom(eye, look))
+        return true;
+    if (!prepare(parts))
+        return false;
+    const gl::StateGuard guard;
+    const Level& level = chooseLevel(eye, look.tolerance);
+    const float edgeWidth = level.edgeCells.empty() ? 0 : lineWidthOf(look.edges, _sight.scale);
+    const auto isAny = [&parts](auto has) {
+        return std::any_of(parts.begin(), parts.end(),
+                           [=](const ModelPart& part) { return part.isVisible && has(part); });
+    };
+    const auto hasWires = [](const ModelPart& part) { return part.wires != Model::Wires::None; };
+    beginSurfaces(edgeWidth, parts);
+    if (activate(0, look) == nullptr ||
+        !drawCells(level, parts, &images, [&](const ModelPart& part) { return !hasWires(part); }))
+        return false;
+    // Wires that one looks through come last: they cover pixels in part.
+    if (!drawWires(Model::Wires::Over, level, look, parts, images) || (edgeWidth > 0 && !drawEdges(level, look)) ||
+        !drawWires(Model::Wires::Alone, level, look, parts, images))
+        return false;
+    if (lineWidthOf(look.outline, _sight.scale) > 0 && isAny([](const ModelPart& part) { return part.isSelected; }) &&
+        !drawOutline(level, look, parts))
+        return false;
+    _lastFailure = nullptr;
+    return true;
+}
+
+bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
+                            unsigned int features, td::Color color, std::uint32_t firstId)
+{
+    if (!gl::CurrentContext::isThere("Model::draw"))
+        return false;
+    if (!lookFrom(eye, look))
+        return true;
+    if (!prepare(parts))
+        return false;
+    const gl::StateGuard guard;
+    beginSurfaces(0, parts);
+    ModelProgram* pProgram = activate(features, look);
+    if (pProgram == nullptr)
+        return false;
+    if ((features & ModelProgram::Ids) != 0)
+        pProgram->setUniformValue(pProgram->at(ModelProgram::FirstId), std::bit_cast<int>(firstId));
+    else
+        pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor),
+                                  glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F);
+    if (!drawCells(chooseLevel(eye, look.tolerance), parts, nullptr, [](const ModelPart&) { return true; }))
+        return false;
+    _lastFailure = nullptr;
+    return true;
+}
+
+} // namespace gui::draw

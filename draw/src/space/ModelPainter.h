@@ -1,0 +1,135 @@
+#pragma once
+
+#include "../drawing/ImageStore.h"
+#include "ModelGeometry.h"
+#include "ModelPrograms.h"
+
+#include <gui/draw/Eye.h>
+#include <gui/draw/Light.h>
+#include <gui/draw/Material.h>
+#include <gui/draw/Model.h>
+
+#include <gui/gl/Buffer.h>
+#include <gui/gl/BufferTexture.h>
+#include <gui/gl/CommandList.h>
+#include <gui/gl/Framebuffer.h>
+
+#include <glm/mat4x4.hpp>
+#include <glm/vec4.hpp>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace gui::draw
+{
+
+/// How a part of a model looks now.
+struct ModelPart
+{
+    Material material;
+    std::uint64_t tag = 0;
+    bool isVisible = true;
+    bool isSelected = false;
+    Model::Wires wires = Model::Wires::None;
+    std::uint32_t texture = 0; ///< in the image store; 0 for none
+};
+
+/// How a model looks as a whole.
+struct ModelLook
+{
+    Light light;
+    Model::Line edges{.width = 0};
+    Model::Line wires{.width = 0.5, .color = td::Color(0, 0, 0, 255)};
+    Model::Line outline{.width = 2.5, .color = td::Color(255, 144, 32, 255)};
+    double tolerance = 0.5;
+};
+
+/// Draws a model's geometry, of which it has what GL needs.
+class ModelPainter
+{
+public:
+    /// Takes what is drawn from now on. Needs no context.
+    void setGeometry(ModelGeometry&& geometry, bool hasTextureCoordinates);
+    const Box3& getBounds() const { return _bounds; }
+    std::size_t getNumberOfTriangles() const { return _levels.empty() ? 0 : _levels.front().nTriangles; }
+
+    /// All that a frame shows.
+    bool draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images);
+    /// Surfaces alone. @param features  ModelProgram::Plain or Ids
+    bool drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, unsigned int features,
+                  td::Color color, std::uint32_t firstId);
+    /// For those whose look has changed.
+    void markChanged() { _arePartsChanged = true; }
+
+private:
+    /// What there is in one context.
+    struct InGL
+    {
+        gl::CurrentContext::ID contextID = 0;
+        std::shared_ptr<ModelPrograms> pPrograms;
+        gl::Buffer triangles;
+        gl::BufferTexture parts{gl::BufferTexture::Format::Float4};
+        gl::BufferTexture edges{gl::BufferTexture::Format::Float4};
+        gl::Framebuffer mask;
+    };
+    /// A plane of which what is seen is on the side that it points to, from the model's origin.
+    struct Plane
+    {
+        glm::vec3 normal;
+        float distance;
+    };
+    /// A frame's eye, as shaders and cells are told of it.
+    struct Sight
+    {
+        glm::mat4 toClip;        // from the reference
+        glm::dvec3 reference{0}; // from the origin
+        std::array<Plane, 5> planes;
+        glm::vec4 viewer{0};  // where the eye is from the reference, and 1; or where it is seen from everywhere, and 0
+        glm::vec3 toLight{0}; // of length 1
+        glm::vec3 up{0};
+        glm::vec2 halfSize{0}; // of the viewport, in pixels
+        glm::vec2 corner{0};   // its lower left one
+        float scale = 1;       // pixels per point
+        bool isReversed = false;
+    };
+    using Level = ModelGeometry::Level;
+
+    bool fail(const char* reason);
+    bool prepare(const std::vector<ModelPart>& parts);
+    bool uploadParts(const std::vector<ModelPart>& parts);
+    bool uploadEdges();
+    bool lookFrom(const Eye& eye, const ModelLook& look);
+    const Level& chooseLevel(const Eye& eye, double tolerance) const;
+    bool isSeen(const ModelCell& cell) const;
+    ModelProgram* activate(unsigned int features, const ModelLook& look);
+    void beginSurfaces(float lineWidth, const std::vector<ModelPart>& parts);
+    template <typename IsWanted>
+    bool drawCells(const Level& level, const std::vector<ModelPart>& parts, ImageStore* pImages,
+                   const IsWanted& isWanted);
+    void flush(std::uint32_t first, std::uint32_t end);
+    bool drawEdges(const Level& level, const ModelLook& look);
+    bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, const std::vector<ModelPart>& parts,
+                   ImageStore& images);
+    bool drawOutline(const Level& level, const ModelLook& look, const std::vector<ModelPart>& parts);
+
+    Box3 _bounds;
+    glm::dvec3 _origin{0};
+    std::vector<Level> _levels;
+    bool _hasRests = false, _hasTextureCoordinates = false;
+    // What is uploaded; it stays for other contexts.
+    std::vector<float> _vertices;
+    std::vector<std::uint32_t> _indices;
+    std::vector<glm::vec4> _edges;
+
+    Sight _sight;
+    std::unique_ptr<InGL> _pGL;
+    gl::CommandList _commands; // those of a frame
+    std::vector<gl::Quads::Range> _ranges;
+    std::vector<glm::vec4> _partTexels;
+    bool _arePartsChanged = false;
+    const char* _lastFailure = nullptr;
+};
+
+} // namespace gui::draw

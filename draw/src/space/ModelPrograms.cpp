@@ -1,0 +1,78 @@
+#include "ModelPrograms.h"
+
+#include <gui/Res.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+constexpr std::array<const char*, 7> cModelFeatures{"TEXTURED", "RESTS", "WIRES", "PLAIN", "IDS", "EDGES", "OUTLINE"};
+
+// By ModelProgram::Uniform.
+constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
+    "toClip",    "reference", "viewer",  "toLight",    "lightColor", "up",         "lineColor",
+    "lineWidth", "halfSize",  "toDepth", "plainColor", "firstId",    "wiresAlone", "corner"};
+
+} // namespace
+
+bool ModelProgram::link(unsigned int features)
+{
+    std::string head = "#version 330 core\n";
+    for (std::size_t i = 0; i < cModelFeatures.size(); ++i)
+        if ((features >> i & 1U) != 0)
+            head += std::string("#define ") + cModelFeatures[i] + '\n';
+    const char* name = (features & Edges) != 0     ? ":draw/modeledge"
+                       : (features & Outline) != 0 ? ":draw/modeloutline"
+                                                   : ":draw/model";
+    const auto source = [&](const char* stage)
+    { return head + gui::getResText((std::string(name) + stage).c_str()).c_str(); };
+    const std::string vertex = source(".vert"), fragment = source(".frag");
+    if ((features & Wires) == 0)
+        return Program::link(vertex.c_str(), fragment.c_str());
+    return Program::link(vertex.c_str(), fragment.c_str(), source(".geom").c_str());
+}
+
+void ModelProgram::onLinked()
+{
+    std::transform(cUniformNames.begin(), cUniformNames.end(), _uniforms.begin(),
+                   [this](const char* name) { return getUniformLocation(name); });
+    activate();
+    const auto setUnit = [this](const char* name, gl::Texture::Unit unit)
+    { setUniformValue(static_cast<unsigned int>(getUniformLocation(name)), static_cast<int>(unit)); };
+    setUnit("parts", cPartsUnit);
+    setUnit("edges", cEdgesUnit);
+    setUnit("picture", cTextureUnit);
+    setUnit("mask", cMaskUnit);
+}
+
+std::shared_ptr<ModelPrograms> ModelPrograms::get()
+{
+    static std::vector<std::weak_ptr<ModelPrograms>> s_all;
+    std::erase_if(s_all, [](const auto& pPrograms) { return pPrograms.expired(); });
+    for (const auto& pPrograms : s_all)
+        if (auto pThere = pPrograms.lock(); pThere->getContext() == gl::CurrentContext::getID())
+            return pThere;
+    auto pNew = std::make_shared<ModelPrograms>();
+    pNew->_home.set(gl::CurrentContext::getID());
+    s_all.push_back(pNew);
+    return pNew;
+}
+
+ModelProgram* ModelPrograms::find(unsigned int features)
+{
+    std::unique_ptr<ModelProgram>& pProgram = _programs[features];
+    if (!pProgram)
+    {
+        pProgram = std::make_unique<ModelProgram>();
+        pProgram->link(features);
+    }
+    return pProgram->isOK() ? pProgram.get() : nullptr;
+}
+
+} // namespace gui::draw

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <gui/gl/CurrentContext.h>
+#include <gui/gl/Program.h>
+#include <gui/gl/Quads.h>
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+
+namespace gui::draw
+{
+
+/// One of the programs that draw models, with the uniforms that they have, or some of them.
+class ModelProgram final : public gl::Program
+{
+public:
+    /// The shaders' names for these are in the source, in the same order.
+    enum Feature : unsigned int
+    {
+        Textured = 1, ///< vertices have texture coordinates
+        Rests = 2,    ///< and what floats lack of their positions
+        Wires = 4,    ///< triangles with their sides
+        Plain = 8,    ///< one colour
+        Ids = 16,     ///< the part's number as a colour
+        Edges = 32,   ///< quads about edges
+        Outline = 64  ///< the outline of a mask
+    };
+    enum Uniform : std::size_t
+    {
+        ToClip,
+        Reference,
+        Viewer,
+        ToLight,
+        LightColor,
+        Up,
+        LineColor,
+        LineWidth,
+        HalfSize,
+        ToDepth,
+        PlainColor,
+        FirstId,
+        WiresAlone,
+        Corner,
+        cUniforms
+    };
+
+    bool link(unsigned int features);
+    unsigned int at(Uniform uniform) const { return static_cast<unsigned int>(_uniforms[uniform]); }
+
+    static constexpr gl::Texture::Unit cPartsUnit = gl::Texture::Unit::T0, cEdgesUnit = gl::Texture::Unit::T1;
+    static constexpr gl::Texture::Unit cTextureUnit = gl::Texture::Unit::T2, cMaskUnit = gl::Texture::Unit::T3;
+
+protected:
+    void onLinked() override;
+
+private:
+    std::array<int, cUniforms> _uniforms{};
+};
+
+/// What all models of a context draw with.
+class ModelPrograms
+{
+public:
+    /// Those of the current context, made when there are none yet.
+    static std::shared_ptr<ModelPrograms> get();
+
+    /// @return null when it does not link, which is tried once
+    ModelProgram* find(unsigned int features);
+    gl::Quads& getQuads() { return _quads; }
+    /// In whose context they are; the one that took its place after a loss.
+    gl::CurrentContext::ID getContext() const { return _home.getID(); }
+
+private:
+    std::map<unsigned int, std::unique_ptr<ModelProgram>> _programs;
+    gl::Quads _quads;
+    gl::ContextResource _home{[](void*, gl::ContextResource::Event) {}, nullptr};
+};
+
+} // namespace gui::draw
