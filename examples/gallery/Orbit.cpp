@@ -6,14 +6,11 @@
 
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
+#include <gui/draw/DepthCanvas.h>
+#include <gui/draw/Model.h>
 #include <gui/draw/OrbitCamera.h>
 #include <gui/draw/OrbitControl.h>
-#include <gui/gl/Buffer.h>
 #include <gui/gl/Context.h>
-#include <gui/gl/Lit3DProgram.h>
-
-#include <cstdint>
-#include <vector>
 
 namespace gallery
 {
@@ -21,32 +18,20 @@ namespace gallery
 namespace
 {
 
-using namespace gui::gl;
+using gui::gl::Context;
 
 class OrbitScene : public Scene
 {
 public:
     bool init() override
     {
-        std::uint32_t nVertices = 0;
-        std::size_t nIndices = 0;
-        std::vector<Part> parts = makeImpeller();
-        for (Part& part : parts)
-        {
-            for (std::uint32_t& index : part.indices)
-                index += nVertices;
-            _buffer.appendVertices(part.vertices.data(), part.vertices.size() / 6);
-            _buffer.appendIndices(part.indices.data(), part.indices.size());
-            Command* const pCommand = _buffer.createCommand();
-            pCommand->createDrawElements(Primitive::Triangles, nIndices,
-                                         static_cast<unsigned int>(part.indices.size()));
-            pCommand->setColor(part.color);
-            _buffer.encode(pCommand);
-            nVertices += static_cast<std::uint32_t>(part.vertices.size() / 6);
-            nIndices += part.indices.size();
-        }
-        _camera.setDirection(32, 38);
-        return _program.link() && _camera.fit({{-1, -1, -1}, {1, 1.28, 1}}, 30);
+        _model.setEdges({.width = 1, .color = "#202830"});
+        _camera.setDirection(32, 42);
+        if (!_model.setMesh(makeImpeller()))
+            return false;
+        _camera.setBounds(_model.getBounds());
+        // It is round: the corners of its bounds may be out of sight.
+        return _camera.fit({{-0.7, -0.25, -0.7}, {0.7, 1.2, 0.7}}, 20);
     }
 
     void enter(Stage& stage) override
@@ -61,13 +46,13 @@ public:
         if (_control.advance())
             _pStage->redraw();
         _camera.setSize(frame.size);
-        const gui::draw::Eye eye = _camera.getEye(frame.scale);
-        Context::clear("#202a36");
-        Context::clear({Context::Clear::Color, Context::Clear::Depth});
-        Context::enable(Context::Flag::DepthTest);
-        Context::setDepthBufferFunction(DepthBuffer::Function::Less);
-        _program.draw(_buffer, eye.getMatrix());
-        Context::disable(Context::Flag::DepthTest);
+        const gui::draw::Eye eye = _canvas.getEye(_camera, frame.scale);
+        {
+            gui::draw::DepthCanvas::Frame picture(_canvas, eye);
+            Context::clear(Context::Clear::Color, "#202a36");
+            while (const gui::draw::Eye* const pEye = picture.next())
+                _model.draw(*pEye);
+        }
         _control.drawGizmo(eye);
     }
 
@@ -123,8 +108,8 @@ public:
     bool onKey(const gui::Key& key, bool isDown) override { return isDown && key.isASCII() && _control.onKey(key); }
 
 private:
-    Lit3DProgram _program;
-    Buffer _buffer{DataType::Vec3, DataType::Vec3}; // position, normal
+    gui::draw::Model _model;
+    gui::draw::DepthCanvas _canvas{gui::draw::Eye::Depth::Reversed}; // and smooth edges
     gui::draw::OrbitCamera _camera;
     gui::draw::OrbitControl _control{_camera};
     Stage* _pStage = nullptr;

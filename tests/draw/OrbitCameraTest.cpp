@@ -179,6 +179,7 @@ TEST_F(OrbitCameraTest, FitsShowTheWholeBox)
     // Before there is a size it waits for one.
     OrbitCamera camera;
     ASSERT_TRUE(camera.fit({{0, 0, 0}, {2, 2, 2}}));
+    camera.setDirection(20, 30);
     EXPECT_FALSE(camera.getEye().isValid());
     camera.setSize({300, 200});
     EXPECT_EQ(camera.getTarget(), glm::dvec3(1));

@@ -259,12 +259,12 @@ TEST_F(OrbitViewGLTest, PicksWhatIsDrawn)
         EXPECT_NE(pixel(32, 32), pixel(1, 1));
         for (const Point& place : {Point(32, 32), Point(20, 25), Point(31.5, 44)})
         {
-            const std::optional<glm::dvec3> found = view.pick(place);
+            const std::optional<glm::dvec3> found = view.pick(view.getEye().getRay(place));
             ASSERT_TRUE(found);
             EXPECT_NEAR(glm::distance(*found, view.middle), 1, 0.002);
             EXPECT_LT(off(view.camera(), *found, place), 1e-3);
         }
-        EXPECT_FALSE(view.pick({2, 2}));
+        EXPECT_FALSE(view.pick(view.getEye().getRay({2, 2})));
     }
     view.onPrimaryButtonPressed(at({20, 25}));
     view.onPrimaryButtonReleased(at({20, 25}));
@@ -277,7 +277,7 @@ class Nothing : public OrbitView
 public:
     Nothing() { control().setGizmo(OrbitControl::Corner::None); }
     void drawScene(const Eye&) override { ++nDraws; }
-    std::optional<glm::dvec3> pick(const Point&) override { return std::nullopt; }
+    std::optional<glm::dvec3> pick(const Ray&) override { return std::nullopt; }
 
     int nDraws = 0;
 };

@@ -283,8 +283,9 @@ void OrbitCamera::setDirection(double azimuth, double elevation)
 {
     if (!std::isfinite(azimuth) || !std::isfinite(elevation))
         return;
-    moved();
+    stop();
     _pose = within({_pose.target, rotationOf({azimuth, std::clamp(elevation, -90.0, 90.0)}), _pose.distance});
+    fitAgain();
 }
 
 double OrbitCamera::getAzimuth() const { return anglesOf(_pose.rotation).azimuth; }

@@ -104,7 +104,7 @@ OrbitView::OrbitView(OrbitCamera::Up up)
     , _control(_camera)
     , _pBackground(std::make_unique<Background>("#f4f6f8", "#c8d0d8"))
 {
-    _control.setPick([this](const td::Point<double>& point) { return pick(point); });
+    _control.setPick([this](const td::Point<double>& point) { return pick(getEye().getRay(point)); });
     _control.setOnChange([this] { reRender(); });
     _control.setOnMotion([this] { startAnimation(); });
 }
@@ -193,12 +193,14 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     _control.drawGizmo(eye);
 }
 
-std::optional<glm::dvec3> OrbitView::pick(const td::Point<double>& point)
+std::optional<glm::dvec3> OrbitView::pick(const Ray& ray)
 {
     makeCurrentContext();
     const Eye eye = getEye();
-    if (!eye.isValid() || gl::CurrentContext::getID() == 0)
+    const std::optional<glm::dvec3> place = eye.project(ray.at(_camera.getDistance()));
+    if (!place || gl::CurrentContext::getID() == 0)
         return std::nullopt;
+    const td::Point<double> point(place->x, place->y);
     const double pixel = 1 / eye.getScale(), half = cPickPixels * pixel / 2;
     const Eye part = eye.getPart({point.x - half, point.y - half, point.x + half, point.y + half});
     const gl::StateGuard guard;

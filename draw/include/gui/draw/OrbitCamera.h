@@ -143,7 +143,8 @@ public:
 
     /// Looks from a point at another. @return false, with nothing changed, when they are one or not finite
     bool look(const glm::dvec3& from, const glm::dvec3& at);
-    /// Turns to an azimuth and an elevation, in degrees, about the target, within the limits.
+    /// Turns to an azimuth and an elevation, in degrees, about the target, within the limits; while it is fitted, it is
+    /// fitted from there.
     void setDirection(double azimuth, double elevation);
     double getAzimuth() const;                                   ///< -180 to 180 degrees
     double getElevation() const;                                 ///< -90 to 90 degrees

@@ -103,11 +103,11 @@ protected:
     /// Draws what is before the model whatever its depth, texts and signs; the depth test is off. Below the axes.
     virtual void drawOver(const Eye& eye);
 
-    /// The point of the model that is seen at a point of the view, in points: what drags and the wheel go about. This
-    /// one draws a few pixels of the scene aside and reads their depth, which waits for the GPU. Where there is an
-    /// index of the model, it is quicker and more exact to ask that about getEye().getRay(point).
+    /// The point of the model that a ray of the view's eye meets first: what drags and the wheel go about. This one
+    /// draws a few pixels of the scene aside and reads their depth, which waits for the GPU; it takes what is up to
+    /// four pixels beside, too. Where there is an index of the model, asking that is quicker and more exact.
     /// @return empty where nothing is
-    virtual std::optional<glm::dvec3> pick(const td::Point<double>& point);
+    virtual std::optional<glm::dvec3> pick(const Ray& ray);
 
     /// Called when the pointer has moved over the view with no button down, and empty when it has left.
     virtual void onPointed(const std::optional<Ray>& ray);

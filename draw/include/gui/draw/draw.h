@@ -1,13 +1,17 @@
 #pragma once
 
-// All public headers of guigl::draw: what is drawn in the plane, above gui::gl. Begin with Path.
+// All public headers of guigl::draw: what is drawn in the plane and in space, above gui::gl. Begin with Path, or
+// with OrbitView.
 
 #include "Affine.h"
 #include "Axes.h"
 #include "Axis.h"
+#include "Box3.h"
 #include "ColorMap.h"
+#include "DepthCanvas.h"
 #include "Drawing.h"
 #include "DrawingView.h"
+#include "Eye.h"
 #include "FillRule.h"
 #include "FillTessellator.h"
 #include "FontTag.h"
@@ -20,6 +24,9 @@
 #include "Material.h"
 #include "Mesh.h"
 #include "Model.h"
+#include "OrbitCamera.h"
+#include "OrbitControl.h"
+#include "OrbitView.h"
 #include "Paint.h"
 #include "ParagraphStyle.h"
 #include "Path.h"
@@ -28,6 +35,7 @@
 #include "PlotStyle.h"
 #include "PlotView.h"
 #include "Polylines.h"
+#include "Ray.h"
 #include "Samples.h"
 #include "Scale.h"
 #include "Series.h"
