@@ -35,10 +35,10 @@ namespace gui::draw
 ///     } // what was drawn is in the view
 ///
 /// - Usual: the depth buffer that is bound. It tells apart what is at some distance, and up to 10^4 times as far.
-/// - Reversed: a framebuffer of its own with floats as depth, in OpenGL 4.5 or with ARB_clip_control. It tells apart what
-///   differs by some 10^-7 of its distance, at all distances.
-/// - Sliced: the buffer that is bound, and the scene drawn two or three times, from the farthest part to the nearest. It
-///   tells apart what differs by some 10^-4 of its distance, at all distances.
+/// - Reversed: a framebuffer of its own with floats as depth, in OpenGL 4.5 or with ARB_clip_control. It tells apart
+///   what differs by some 10^-7 of its distance, at all distances.
+/// - Sliced: the buffer that is bound, and the scene drawn two or three times, from the farthest part to the nearest.
+///   It tells apart what differs by some 10^-4 of its distance, at all distances.
 ///
 /// Where Reversed is not to be had, Sliced takes its place, with one log line: "Warning! DepthCanvas: no reversed depth
 /// here, the scene is drawn in slices".
@@ -50,12 +50,13 @@ class GUIGL_API DepthCanvas
 public:
     using Depth = Eye::Depth; ///< of the buffer
 
+    /// See setDepth.
     explicit DepthCanvas(Depth depth = Depth::Usual);
     ~DepthCanvas();
     DepthCanvas(const DepthCanvas&) = delete;
     DepthCanvas& operator=(const DepthCanvas&) = delete;
 
-    /// From the next frame on.
+    /// What the scene is to be drawn with, from the next frame on.
     void setDepth(Depth depth);
     /// What it is in the current context; what was asked for without one.
     Depth getDepth() const;
