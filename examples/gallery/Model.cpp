@@ -187,7 +187,7 @@ public:
         {
             _board.draw(frame);
             const double turn = -35 + 6 * frame.seconds;
-            _drive.draw(eyeOf(frame, cLarge, {24, 6, -8}, 268, turn));
+            _drive.draw(eyeOf(frame, cLarge, {25, 6, -10}, 280, turn));
             for (std::size_t i = 0; i < cSmall.size(); ++i)
                 _knobs[i].draw(eyeOf(frame, cSmall[i], {0, 0, -0.35}, 2.6, turn));
         }

@@ -124,6 +124,9 @@ TEST_F(ModelTest, CullingDropsNothingThatIsSeen)
     ASSERT_TRUE(model.setMesh(makeHeap(random, 60, 10)));
     model.setTolerance(0);
     model.setEdges({.width = 6, .color = "#ffffff"});
+    model.setWireLine({.width = 2});
+    for (std::size_t part = 0; part < 60; part += 6)
+        model.setWires(part, Model::Wires::Over);
     for (int i = 0; i < 8; ++i)
     {
         const glm::dvec3 from(uniform(-30, 30), uniform(-30, 30), uniform(-20, 20));

@@ -26,7 +26,7 @@ uniform vec3 up;
 uniform sampler2D picture;
 #endif
 #ifdef WIRES
-noperspective in vec3 opposite;
+in vec3 opposite;
 uniform vec4 lineColor; // times its alpha
 uniform float lineWidth;
 uniform bool wiresAlone;
@@ -82,6 +82,8 @@ void main()
 #endif
     color = vec4(toScreen(lit(base)), 1.0);
 #ifdef WIRES
+    // Near a side, how far it is in pixels. (Drivers have been seen to interpolate without perspective wrongly where
+    // triangles are clipped.)
     vec3 distances = opposite / max(vec3(length(vec2(dFdx(opposite.x), dFdy(opposite.x))),
                                          length(vec2(dFdx(opposite.y), dFdy(opposite.y))),
                                          length(vec2(dFdx(opposite.z), dFdy(opposite.z)))),

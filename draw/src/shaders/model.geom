@@ -25,7 +25,7 @@ out Surface
     flat vec4 paint;
 }
 surface;
-noperspective out vec3 opposite; // 1 at a corner, 0 on the side across
+out vec3 opposite; // 1 at a corner, 0 on the side across
 
 void main()
 {

@@ -8,7 +8,6 @@ uniform float lineWidth; // in pixels, as all of these
 uniform vec2 toDepth; // from clip space z to the depth buffer's: times, plus
 flat out vec4 ends;
 flat out vec2 depths; // there
-noperspective out vec2 pixel;
 
 bool isVisible(float part) { return (int(texelFetch(parts, 2 * int(part + 0.5)).a + 0.5) & 1) != 0; }
 
@@ -18,7 +17,6 @@ void main()
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
     ends = vec4(0.0);
     depths = vec2(0.0);
-    pixel = vec2(0.0);
 #ifdef RESTS
     edge *= 4;
 #else
@@ -56,7 +54,7 @@ void main()
     bool isEnd = (corner & 1) != 0;
     ends = vec4(s, t);
     depths = vec2(begin.z / begin.w, end.z / end.w) * toDepth.x + toDepth.y;
-    pixel = (isEnd ? t + reach * along : s - reach * along) + across;
+    vec2 pixel = (isEnd ? t + reach * along : s - reach * along) + across;
     vec4 at = isEnd ? end : begin;
     gl_Position = vec4(pixel / halfSize * at.w, at.zw);
 }

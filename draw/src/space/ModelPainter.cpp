@@ -393,12 +393,23 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
         return false;
     pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.edges.color));
     pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), lineWidthOf(look.edges, _sight.scale));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LeastCover), 0.0F);
+    pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
     pProgram->setUniformValue(pProgram->at(ModelProgram::ToDepth),
                               _sight.isReversed ? glm::vec2(1, 0) : glm::vec2(0.5, 0.5));
     _pGL->edges.bind(ModelProgram::cEdgesUnit);
     beginBlending();
     gl::Context::disable(gl::Context::Flag::CullFace);
-    return _pGL->pPrograms->getQuads().draw(_ranges) || fail("there is no vertex array");
+    // Where lines meet, the rim of one must not keep the other away; what is drawn later must know of both.
+    gl::Context::maskDepthBuffer(false);
+    if (!_pGL->pPrograms->getQuads().draw(_ranges))
+        return fail("there is no vertex array");
+    gl::Context::maskDepthBuffer(true);
+    gl::Context::maskColorBuffer(false, false, false, false);
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LeastCover), 0.5F);
+    _pGL->pPrograms->getQuads().draw(_ranges);
+    gl::Context::maskColorBuffer(true, true, true, true);
+    return true;
 }
 
 bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const ModelLook& look,

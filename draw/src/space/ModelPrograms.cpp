@@ -16,8 +16,8 @@ constexpr std::array<const char*, 7> cModelFeatures{"TEXTURED", "RESTS", "WIRES"
 
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
-    "toClip",    "reference", "viewer",  "toLight",    "lightColor", "up",         "lineColor",
-    "lineWidth", "halfSize",  "toDepth", "plainColor", "firstId",    "wiresAlone", "corner"};
+    "toClip",     "reference", "viewer",  "toLight",    "lightColor", "up",         "lineColor", "lineWidth",
+    "leastCover", "halfSize",  "toDepth", "plainColor", "firstId",    "wiresAlone", "corner"};
 
 } // namespace
 

@@ -37,6 +37,7 @@ public:
         Up,
         LineColor,
         LineWidth,
+        LeastCover,
         HalfSize,
         ToDepth,
         PlainColor,
