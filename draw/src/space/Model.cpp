@@ -17,7 +17,7 @@ struct Model::Impl
     {
         if (part >= parts.size())
             return nullptr;
-        painter.markChanged();
+        painter.markChanged(true);
         return &parts[part];
     }
     // @return what a part has at first, when there is no such part
@@ -117,6 +117,7 @@ bool Model::setSelected(std::size_t part, bool isSelected)
     if (part >= _pImpl->parts.size())
         return false;
     _pImpl->parts[part].isSelected = isSelected;
+    _pImpl->painter.markChanged(false);
     return true;
 }
 
@@ -125,6 +126,7 @@ bool Model::setWires(std::size_t part, Wires wires)
     if (part >= _pImpl->parts.size())
         return false;
     _pImpl->parts[part].wires = wires;
+    _pImpl->painter.markChanged(false);
     return true;
 }
 
@@ -132,12 +134,14 @@ void Model::setWires(Wires wires)
 {
     for (ModelPart& part : _pImpl->parts)
         part.wires = wires;
+    _pImpl->painter.markChanged(false);
 }
 
 void Model::clearSelection()
 {
     for (ModelPart& part : _pImpl->parts)
         part.isSelected = false;
+    _pImpl->painter.markChanged(false);
 }
 
 const Material& Model::getMaterial(std::size_t part) const { return _pImpl->get(part).material; }

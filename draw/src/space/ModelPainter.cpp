@@ -102,6 +102,7 @@ void ModelPainter::setGeometry(ModelGeometry&& geometry, bool hasTextureCoordina
             _edges.emplace_back(edge.rests[i], 0);
     }
     _pGL.reset();
+    markChanged(true);
 }
 
 bool ModelPainter::fail(const char* reason)
@@ -112,8 +113,27 @@ bool ModelPainter::fail(const char* reason)
     return false;
 }
 
+void ModelPainter::collectStates(const std::vector<ModelPart>& parts)
+{
+    _states.clear();
+    _kinds = {};
+    for (const ModelPart& part : parts)
+    {
+        _states.push_back({_hasTextureCoordinates ? part.texture : 0, part.wires, part.isVisible, part.isSelected});
+        if (!part.isVisible)
+            continue;
+        _kinds.areOver = _kinds.areOver || part.wires == Model::Wires::Over;
+        _kinds.areAlone = _kinds.areAlone || part.wires == Model::Wires::Alone;
+        _kinds.areSelected = _kinds.areSelected || part.isSelected;
+        _kinds.areTwoSided = _kinds.areTwoSided || part.material.isTwoSided;
+    }
+    _areStatesChanged = false;
+}
+
 bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
 {
+    if (_areStatesChanged)
+        collectStates(parts);
     if (_pGL && _pGL->contextID == gl::CurrentContext::getID() && _pGL->triangles.isCommitted())
         return !_arePartsChanged || uploadParts(parts);
     // What another context has goes when that is current.
@@ -197,7 +217,7 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
 {
     std::array<GLint, 4> viewport{};
     glGetIntegerv(GL_VIEWPORT, viewport.data());
-    if (_bounds.isEmpty() || !eye.isValid() || viewport[2] <= 0 || viewport[3] <= 0)
+    if (getNumberOfTriangles() == 0 || !eye.isValid() || viewport[2] <= 0 || viewport[3] <= 0)
         return false;
     const Light& light = look.light;
     _sight.halfSize = glm::vec2(viewport[2], viewport[3]) / 2.0F;
@@ -220,8 +240,8 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
     _sight.toLight = glm::vec3(toLight);
     _sight.up = glm::vec3(light.kind == Light::Kind::Sun ? toLight : eye.getUp());
 
-    // What is seen has x and y of clip space from -w to w, and w above 0; the depth range matters less. Lines reach
-    // into what is seen from outside.
+    // What is seen has x and y of clip space from -w to w, w above 0, and z from -w to w, or from w to 0. Lines reach into
+    // it from outside.
     const double reach = 1 + static_cast<double>(std::max(lineWidthOf(look.edges, _sight.scale),
                                                           2 * lineWidthOf(look.outline, _sight.scale))) /
                                  2;
@@ -230,11 +250,17 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
     view[3] = glm::dvec4(eye.getRotation() * -place, 1);
     const glm::dmat4 toClip = eye.getProjection() * view;
     const auto row = [&](int i) { return glm::dvec4(toClip[0][i], toClip[1][i], toClip[2][i], toClip[3][i]); };
-    const std::array<glm::dvec4, 5> planes{size.x * row(3) + row(0), size.x * row(3) - row(0), size.y * row(3) + row(1),
-                                           size.y * row(3) - row(1), row(3)};
+    const std::array<glm::dvec4, 7> planes{size.x * row(3) + row(0),
+                                           size.x * row(3) - row(0),
+                                           size.y * row(3) + row(1),
+                                           size.y * row(3) - row(1),
+                                           row(3),
+                                           row(3) - row(2),
+                                           _sight.isReversed ? row(2) : row(3) + row(2)};
     for (std::size_t i = 0; i < planes.size(); ++i)
     {
         const double length = glm::length(glm::dvec3(planes[i]));
+        // A far plane may be infinitely far.
         const glm::dvec4 plane = length > 0 ? planes[i] / length : glm::dvec4(0, 0, 0, 1);
         _sight.planes[i] = {glm::vec3(plane), static_cast<float>(plane.w)};
     }
@@ -304,7 +330,7 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
 }
 
 // @param lineWidth  in pixels, of what lies on the surfaces: they go behind it by what they fall in half of that
-void ModelPainter::beginSurfaces(float lineWidth, const std::vector<ModelPart>& parts)
+void ModelPainter::beginSurfaces(float lineWidth)
 {
     using gl::Context;
     for (const Context::Flag flag :
@@ -323,7 +349,7 @@ void ModelPainter::beginSurfaces(float lineWidth, const std::vector<ModelPart>& 
         Context::enable(Context::Flag::PolygonOffset);
     }
     // What is not drawn anyway need not be found out for each of its pixels.
-    if (std::none_of(parts.begin(), parts.end(), [](const ModelPart& part) { return part.material.isTwoSided; }))
+    if (!_kinds.areTwoSided)
         Context::enable(Context::Flag::CullFace);
 }
 
@@ -339,18 +365,16 @@ void ModelPainter::flush(std::uint32_t first, std::uint32_t end)
 // Cells that follow each other are drawn together.
 // @param pImages  null where textures don't matter
 template <typename IsWanted>
-bool ModelPainter::drawCells(const Level& level, const std::vector<ModelPart>& parts, ImageStore* pImages,
-                             const IsWanted& isWanted)
+bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted)
 {
     _commands.reset();
     std::uint32_t first = 0, end = 0, texture = 0;
     for (const ModelCell& cell : level.cells)
     {
-        const ModelPart& part = parts[cell.part];
-        if (!part.isVisible || !isWanted(part) || !isSeen(cell))
+        const State& state = _states[cell.part];
+        if (!state.isVisible || !isWanted(state) || !isSeen(cell))
             continue;
-        const bool isOther =
-            pImages != nullptr && _hasTextureCoordinates && part.texture != 0 && part.texture != texture;
+        const bool isOther = pImages != nullptr && state.texture != 0 && state.texture != texture;
         if (cell.first != end || isOther)
         {
             flush(first, end);
@@ -361,7 +385,7 @@ bool ModelPainter::drawCells(const Level& level, const std::vector<ModelPart>& p
         {
             _commands.execute();
             _commands.reset();
-            texture = part.texture;
+            texture = state.texture;
             const unsigned int name = pImages->getTexture(texture);
             if (name == 0)
                 return fail("GL has no room for a texture");
@@ -412,13 +436,11 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
     return true;
 }
 
-bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const ModelLook& look,
-                             const std::vector<ModelPart>& parts, ImageStore& images)
+bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images)
 {
-    const auto isWanted = [wires](const ModelPart& part) { return part.wires == wires; };
     const float width = lineWidthOf(look.wires, _sight.scale);
     const bool areAlone = wires == Model::Wires::Alone;
-    if (std::none_of(parts.begin(), parts.end(), isWanted) || (areAlone && width == 0))
+    if (!(areAlone ? _kinds.areAlone && width > 0 : _kinds.areOver))
         return true;
     ModelProgram* pProgram = activate(ModelProgram::Wires, look);
     if (pProgram == nullptr)
@@ -428,12 +450,40 @@ bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const Model
     pProgram->setUniformValue(pProgram->at(ModelProgram::WiresAlone), areAlone ? 1 : 0);
     if (areAlone)
         beginBlending();
-    return drawCells(level, parts, &images, isWanted);
+    return drawCells(level, &images, [wires](const State& state) { return state.wires == wires; });
 }
 
-bool ModelPainter::drawOutline(const Level& level, const ModelLook& look, const std::vector<ModelPart>& parts)
+// Around what is selected of what is seen, in clip space: its least x and y, and its largest ones.
+glm::vec4 ModelPainter::findSelected(const Level& level) const
+{
+    glm::vec2 low(9), high(-9); // none
+    for (const ModelCell& cell : level.cells)
+    {
+        const State& state = _states[cell.part];
+        if (!state.isVisible || !state.isSelected || !isSeen(cell))
+            continue;
+        for (unsigned int i = 0; i < 8; ++i)
+        {
+            const glm::vec3 side((i & 1U) != 0 ? 1 : -1, (i & 2U) != 0 ? 1 : -1, (i & 4U) != 0 ? 1 : -1);
+            const glm::vec3 corner = cell.center + side * cell.halfSize - glm::vec3(_sight.reference);
+            const glm::vec4 clip = _sight.toClip * glm::vec4(corner, 1);
+            if (!(clip.w > 0))
+                return {-1, -1, 1, 1};
+            low = glm::min(low, glm::vec2(clip) / clip.w);
+            high = glm::max(high, glm::vec2(clip) / clip.w);
+        }
+    }
+    return {low, high};
+}
+
+bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
 {
     using gl::Context;
+    const float width = std::min(lineWidthOf(look.outline, _sight.scale), cLargestOutline);
+    const glm::vec2 reach = (width + 1) / _sight.halfSize;
+    const glm::vec4 box = findSelected(level) + glm::vec4(-reach, reach);
+    if (box.x > box.z)
+        return true;
     const td::Size<int> size(static_cast<int>(2 * _sight.halfSize.x), static_cast<int>(2 * _sight.halfSize.y));
     gl::Framebuffer& mask = _pGL->mask;
     if (!(mask.getSize() == size))
@@ -458,7 +508,7 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look, const 
         if (pProgram == nullptr)
             return false;
         pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor), glm::vec4(1));
-        drawCells(level, parts, nullptr, [](const ModelPart& part) { return part.isSelected; });
+        drawCells(level, nullptr, [](const State& state) { return state.isSelected; });
     }
     if (isScissored)
         Context::enable(Context::Flag::ScissorTest);
@@ -467,8 +517,8 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look, const 
         return false;
     gl::Textures::bindToSamplerUnit(mask.getTextureID(), ModelProgram::cMaskUnit, gl::Texture::Type::Tex2D);
     pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.outline.color));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth),
-                              std::min(lineWidthOf(look.outline, _sight.scale), cLargestOutline));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), width);
+    pProgram->setUniformValue(pProgram->at(ModelProgram::Box), glm::clamp(box, -1.0F, 1.0F));
     pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
     Context::disable(Context::Flag::CullFace);
     beginBlending();
@@ -487,21 +537,15 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     const gl::StateGuard guard;
     const Level& level = chooseLevel(eye, look.tolerance);
     const float edgeWidth = level.edgeCells.empty() ? 0 : lineWidthOf(look.edges, _sight.scale);
-    const auto isAny = [&parts](auto has) {
-        return std::any_of(parts.begin(), parts.end(),
-                           [=](const ModelPart& part) { return part.isVisible && has(part); });
-    };
-    const auto hasWires = [](const ModelPart& part) { return part.wires != Model::Wires::None; };
-    beginSurfaces(edgeWidth, parts);
+    beginSurfaces(edgeWidth);
     if (activate(0, look) == nullptr ||
-        !drawCells(level, parts, &images, [&](const ModelPart& part) { return !hasWires(part); }))
+        !drawCells(level, &images, [](const State& state) { return state.wires == Model::Wires::None; }))
         return false;
     // Wires that one looks through come last: they cover pixels in part.
-    if (!drawWires(Model::Wires::Over, level, look, parts, images) || (edgeWidth > 0 && !drawEdges(level, look)) ||
-        !drawWires(Model::Wires::Alone, level, look, parts, images))
+    if (!drawWires(Model::Wires::Over, level, look, images) || (edgeWidth > 0 && !drawEdges(level, look)) ||
+        !drawWires(Model::Wires::Alone, level, look, images))
         return false;
-    if (lineWidthOf(look.outline, _sight.scale) > 0 && isAny([](const ModelPart& part) { return part.isSelected; }) &&
-        !drawOutline(level, look, parts))
+    if (_kinds.areSelected && lineWidthOf(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
         return false;
     _lastFailure = nullptr;
     return true;
@@ -517,7 +561,7 @@ bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::ve
     if (!prepare(parts))
         return false;
     const gl::StateGuard guard;
-    beginSurfaces(0, parts);
+    beginSurfaces(0);
     ModelProgram* pProgram = activate(features, look);
     if (pProgram == nullptr)
         return false;
@@ -526,7 +570,7 @@ bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::ve
     else
         pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor),
                                   glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F);
-    if (!drawCells(chooseLevel(eye, look.tolerance), parts, nullptr, [](const ModelPart&) { return true; }))
+    if (!drawCells(chooseLevel(eye, look.tolerance), nullptr, [](const State&) { return true; }))
         return false;
     _lastFailure = nullptr;
     return true;

@@ -60,8 +60,13 @@ public:
     /// Surfaces alone. @param features  ModelProgram::Plain or Ids
     bool drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, unsigned int features,
                   td::Color color, std::uint32_t firstId);
-    /// For those whose look has changed.
-    void markChanged() { _arePartsChanged = true; }
+    /// For parts that are drawn in another way from now on.
+    /// @param isLook  whether what shaders know of them is another
+    void markChanged(bool isLook)
+    {
+        _areStatesChanged = true;
+        _arePartsChanged = _arePartsChanged || isLook;
+    }
 
 private:
     /// What there is in one context.
@@ -74,6 +79,18 @@ private:
         gl::BufferTexture edges{gl::BufferTexture::Format::Float4};
         gl::Framebuffer mask;
     };
+    /// What decides how a part's cells are drawn.
+    struct State
+    {
+        std::uint32_t texture;
+        Model::Wires wires;
+        bool isVisible, isSelected;
+    };
+    /// Whether there are parts of a kind that are visible.
+    struct Kinds
+    {
+        bool areOver = false, areAlone = false, areSelected = false, areTwoSided = false;
+    };
     /// A plane of which what is seen is on the side that it points to, from the model's origin.
     struct Plane
     {
@@ -85,7 +102,7 @@ private:
     {
         glm::mat4 toClip;        // from the reference
         glm::dvec3 reference{0}; // from the origin
-        std::array<Plane, 5> planes;
+        std::array<Plane, 7> planes;
         glm::vec4 viewer{0};  // where the eye is from the reference, and 1; or where it is seen from everywhere, and 0
         glm::vec3 toLight{0}; // of length 1
         glm::vec3 up{0};
@@ -104,15 +121,16 @@ private:
     const Level& chooseLevel(const Eye& eye, double tolerance) const;
     bool isSeen(const ModelCell& cell) const;
     ModelProgram* activate(unsigned int features, const ModelLook& look);
-    void beginSurfaces(float lineWidth, const std::vector<ModelPart>& parts);
+    void beginSurfaces(float lineWidth);
+    void collectStates(const std::vector<ModelPart>& parts);
     template <typename IsWanted>
     bool drawCells(const Level& level, const std::vector<ModelPart>& parts, ImageStore* pImages,
                    const IsWanted& isWanted);
     void flush(std::uint32_t first, std::uint32_t end);
     bool drawEdges(const Level& level, const ModelLook& look);
-    bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, const std::vector<ModelPart>& parts,
-                   ImageStore& images);
-    bool drawOutline(const Level& level, const ModelLook& look, const std::vector<ModelPart>& parts);
+    bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images);
+    glm::vec4 findSelected(const Level& level) const;
+    bool drawOutline(const Level& level, const ModelLook& look);
 
     Box3 _bounds;
     glm::dvec3 _origin{0};
@@ -128,7 +146,9 @@ private:
     gl::CommandList _commands; // those of a frame
     std::vector<gl::Quads::Range> _ranges;
     std::vector<glm::vec4> _partTexels;
-    bool _arePartsChanged = false;
+    std::vector<State> _states;
+    Kinds _kinds;
+    bool _areStatesChanged = true, _arePartsChanged = true;
     const char* _lastFailure = nullptr;
 };
 

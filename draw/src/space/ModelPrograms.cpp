@@ -17,7 +17,7 @@ constexpr std::array<const char*, 7> cModelFeatures{"TEXTURED", "RESTS", "WIRES"
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
     "toClip",     "reference", "viewer",  "toLight",    "lightColor", "up",         "lineColor", "lineWidth",
-    "leastCover", "halfSize",  "toDepth", "plainColor", "firstId",    "wiresAlone", "corner"};
+    "leastCover", "halfSize",  "toDepth", "plainColor", "firstId",    "wiresAlone", "corner",    "box"};
 
 } // namespace
 

@@ -44,6 +44,7 @@ public:
         FirstId,
         WiresAlone,
         Corner,
+        Box,
         cUniforms
     };
 
