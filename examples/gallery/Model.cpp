@@ -181,7 +181,11 @@ public:
     {
         const td::Size<int> size(static_cast<int>(frame.size.width * frame.scale),
                                  static_cast<int>(frame.size.height * frame.scale));
-        if (!(_aside.getSize() == size) && !_aside.create(size, {.depth = DepthBuffer::Size::Bits24, .samples = 4}))
+        // Where there is no such framebuffer, which the log has said, it is not asked for again in every frame.
+        if (!(_sizeTried == size) && !_aside.create(size, {.depth = DepthBuffer::Size::Bits24, .samples = 4}))
+            _aside.release();
+        _sizeTried = size;
+        if (!_aside.isOk())
             return;
         if (const Framebuffer::Drawing drawing(_aside); drawing)
         {
@@ -220,6 +224,7 @@ private:
     Model _drive;
     std::array<Model, 3> _knobs;
     Framebuffer _aside;
+    td::Size<int> _sizeTried;
     Texture2DProgram _quadProgram;
     Buffer _quad{DataType::Vec2, DataType::Vec2};
 };

@@ -1,5 +1,6 @@
 // A temple of a few solids: how its mesh is put together, how it is shown, and which part is under a pixel.
-#include <gui/draw/draw.h>
+#include <gui/draw/Model.h>
+#include <gui/draw/OrbitCamera.h>
 #include <gui/gl/gl.h>
 
 #include <glm/ext/matrix_transform.hpp>
@@ -115,7 +116,7 @@ int main(int argc, char** argv)
     camera.fit(model.getBounds(), 30);
     const Eye eye = camera.getEye();
 
-    const int part = partAt(model, eye, 320, 190);
+    const int part = partAt(model, eye, 340, 240);
     std::printf("%s\n", part >= 0 && model.getTag(static_cast<std::size_t>(part)) == Column ? "a column" : "something");
     model.setSelected(static_cast<std::size_t>(part), true);
 

@@ -2,7 +2,9 @@
 #include "support/CapturedLog.h"
 #include "support/OffscreenGL.h"
 
+#include <gui/draw/DepthCanvas.h>
 #include <gui/draw/Model.h>
+#include <gui/draw/OrbitCamera.h>
 #include <gui/gl/FrameLedger.h>
 #include <gui/gl/Framebuffer.h>
 
@@ -426,6 +428,36 @@ TEST_F(ModelTest, NothingIsUploadedForTurningAndALostContextHeals)
     EXPECT_EQ(static_cast<unsigned int>(name), aside.getID());
     glDepthFunc(GL_LESS);
     glDisable(GL_CULL_FACE);
+}
+
+// Reversed depth and slices show what usual depth does, lines over faces too.
+TEST_F(ModelTest, EveryDepthShowsTheSame)
+{
+    std::mt19937 random(2);
+    Model model;
+    ASSERT_TRUE(model.setMesh(makeHeap(random, 20, 4)));
+    model.setEdges({.width = 2, .color = "#ffffff"});
+    model.setOutline({});
+    model.setSelected(3, true);
+    gui::draw::OrbitCamera camera(gui::draw::OrbitCamera::Up::Z);
+    camera.setSize({cSize, cSize});
+    camera.fit(model.getBounds());
+    const auto draw = [&](gui::draw::DepthCanvas& canvas)
+    {
+        clear({0, 0, 0, 255});
+        {
+            gui::draw::DepthCanvas::Frame frame(canvas, canvas.getEye(camera, 1));
+            gui::gl::Context::clear(gui::gl::Context::Clear::Color, "#000000");
+            while (const Eye* pEye = frame.next())
+                EXPECT_TRUE(model.draw(*pEye));
+        }
+        return read();
+    };
+    const Picture usual = drawn(model, camera.getEye());
+    // The canvas of reversed depth has samples, which smooth the outlines of surfaces.
+    gui::draw::DepthCanvas reversed(Eye::Depth::Reversed), sliced(Eye::Depth::Sliced);
+    EXPECT_LT(nOther(usual, draw(reversed), 60), 400);
+    EXPECT_LT(nOther(usual, draw(sliced), 4), 20);
 }
 
 // A coarser mesh where triangles are smaller than pixels: far fewer of them, and nearly the same picture.

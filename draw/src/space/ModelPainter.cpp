@@ -167,6 +167,7 @@ bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
         return fail("GL has no room for its triangles");
     }
     _partTexels.clear();
+    _arePartsChanged = true; // until they are there
     return uploadParts(parts);
 }
 
@@ -224,6 +225,7 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
     _sight.corner = {viewport[0], viewport[1]};
     _sight.scale = static_cast<float>(eye.getScale());
     _sight.isReversed = eye.getDepth() == Eye::Depth::Reversed;
+    _sight.nearer = eye.getNearerOrEqual();
 
     // Shaders begin with the distance from a reference, which floats have exactly near there: at what is seen largest.
     const glm::dvec3 place = eye.getPosition() - _origin, low = _bounds.min - _origin, high = _bounds.max - _origin;
@@ -240,8 +242,8 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
     _sight.toLight = glm::vec3(toLight);
     _sight.up = glm::vec3(light.kind == Light::Kind::Sun ? toLight : eye.getUp());
 
-    // What is seen has x and y of clip space from -w to w, w above 0, and z from -w to w, or from w to 0. Lines reach into
-    // it from outside.
+    // What is seen has x and y of clip space from -w to w, w above 0, and z from -w to w, or from w to 0. Lines reach
+    // into it from outside.
     const double reach = 1 + static_cast<double>(std::max(lineWidthOf(look.edges, _sight.scale),
                                                           2 * lineWidthOf(look.outline, _sight.scale))) /
                                  2;
@@ -283,9 +285,10 @@ const ModelGeometry::Level& ModelPainter::chooseLevel(const Eye& eye, double tol
 }
 
 // Whether some of its box may be. Floats are a little less exact than the planes: far from them by that.
-bool ModelPainter::isSeen(const ModelCell& cell) const
+// @param isBetween  whether it has to be in the eye's depth too
+bool ModelPainter::isSeen(const ModelCell& cell, bool isBetween) const
 {
-    for (const Plane& plane : _sight.planes)
+    for (const Plane& plane : std::span(_sight.planes).first(isBetween ? 7 : 5))
     {
         const float middle = glm::dot(plane.normal, cell.center);
         const float reach = glm::dot(glm::abs(plane.normal), cell.halfSize);
@@ -340,8 +343,7 @@ void ModelPainter::beginSurfaces(float lineWidth)
     Context::maskColorBuffer(true, true, true, true);
     Context::enable(Context::Flag::DepthTest);
     Context::maskDepthBuffer(true);
-    Context::setDepthBufferFunction(_sight.isReversed ? gl::DepthBuffer::Function::GreaterOrEqual
-                                                      : gl::DepthBuffer::Function::LessOrEqual);
+    Context::setDepthBufferFunction(_sight.nearer);
     if (lineWidth > 0)
     {
         const float sign = _sight.isReversed ? -1.0F : 1.0F;
@@ -365,14 +367,14 @@ void ModelPainter::flush(std::uint32_t first, std::uint32_t end)
 // Cells that follow each other are drawn together.
 // @param pImages  null where textures don't matter
 template <typename IsWanted>
-bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted)
+bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted, bool isBetween)
 {
     _commands.reset();
     std::uint32_t first = 0, end = 0, texture = 0;
     for (const ModelCell& cell : level.cells)
     {
         const State& state = _states[cell.part];
-        if (!state.isVisible || !isWanted(state) || !isSeen(cell))
+        if (!state.isVisible || !isWanted(state) || !isSeen(cell, isBetween))
             continue;
         const bool isOther = pImages != nullptr && state.texture != 0 && state.texture != texture;
         if (cell.first != end || isOther)
@@ -460,7 +462,7 @@ glm::vec4 ModelPainter::findSelected(const Level& level) const
     for (const ModelCell& cell : level.cells)
     {
         const State& state = _states[cell.part];
-        if (!state.isVisible || !state.isSelected || !isSeen(cell))
+        if (!state.isVisible || !state.isSelected || !isSeen(cell, false))
             continue;
         for (unsigned int i = 0; i < 8; ++i)
         {
@@ -508,7 +510,13 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
         if (pProgram == nullptr)
             return false;
         pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor), glm::vec4(1));
-        drawCells(level, nullptr, [](const State& state) { return state.isSelected; });
+        // Of a slice of the depth, what is before and behind it too: it has no outline there.
+        const bool isClamped = glIsEnabled(GL_DEPTH_CLAMP) == GL_TRUE;
+        glEnable(GL_DEPTH_CLAMP);
+        drawCells(
+            level, nullptr, [](const State& state) { return state.isSelected; }, false);
+        if (!isClamped)
+            glDisable(GL_DEPTH_CLAMP);
     }
     if (isScissored)
         Context::enable(Context::Flag::ScissorTest);

@@ -100,9 +100,9 @@ private:
     /// A frame's eye, as shaders and cells are told of it.
     struct Sight
     {
-        glm::mat4 toClip;        // from the reference
-        glm::dvec3 reference{0}; // from the origin
-        std::array<Plane, 7> planes;
+        glm::mat4 toClip;            // from the reference
+        glm::dvec3 reference{0};     // from the origin
+        std::array<Plane, 7> planes; // those of the depth at the end
         glm::vec4 viewer{0};  // where the eye is from the reference, and 1; or where it is seen from everywhere, and 0
         glm::vec3 toLight{0}; // of length 1
         glm::vec3 up{0};
@@ -110,6 +110,7 @@ private:
         glm::vec2 corner{0};   // its lower left one
         float scale = 1;       // pixels per point
         bool isReversed = false;
+        gl::DepthBuffer::Function nearer = gl::DepthBuffer::Function::LessOrEqual;
     };
     using Level = ModelGeometry::Level;
 
@@ -119,13 +120,12 @@ private:
     bool uploadEdges();
     bool lookFrom(const Eye& eye, const ModelLook& look);
     const Level& chooseLevel(const Eye& eye, double tolerance) const;
-    bool isSeen(const ModelCell& cell) const;
+    bool isSeen(const ModelCell& cell, bool isBetween = true) const;
     ModelProgram* activate(unsigned int features, const ModelLook& look);
     void beginSurfaces(float lineWidth);
     void collectStates(const std::vector<ModelPart>& parts);
     template <typename IsWanted>
-    bool drawCells(const Level& level, const std::vector<ModelPart>& parts, ImageStore* pImages,
-                   const IsWanted& isWanted);
+    bool drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted, bool isBetween = true);
     void flush(std::uint32_t first, std::uint32_t end);
     bool drawEdges(const Level& level, const ModelLook& look);
     bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images);
