@@ -41,6 +41,7 @@ TEST(MeshSurface, KnownSolidsHaveTheirNormalsAndEdges)
     const auto alongAxis = [](const Vertex& v) {
         return std::max({std::abs(v.normal.x), std::abs(v.normal.y), std::abs(v.normal.z)}) > 1 - 1e-6F;
     };
+    const auto outOfBox = [&](const Vertex& v) { return alongAxis(v) && glm::dot(v.normal, v.position) > 0; };
     // Whichever way its faces are cut into triangles: that is what weights are for.
     const auto fromCorner = [](const Vertex& v) { return glm::distance(v.normal, glm::normalize(v.position)) < 1e-6F; };
     const auto outwards = [](const Vertex& v) { return glm::distance(v.normal, glm::normalize(v.position)) < 0.01F; };
@@ -62,6 +63,8 @@ TEST(MeshSurface, KnownSolidsHaveTheirNormalsAndEdges)
         given.normals.emplace_back(-3.0 * p); // inwards, which is turned
     Mesh flipped = test::makeBox({-1, -1, -1}, {1, 1, 1});
     std::swap(flipped.indices[0], flipped.indices[1]); // one triangle looks inwards: no edge, but its own corners
+    Mesh mirrored;
+    mirrored.add(test::makeBox({-1, -1, -1}, {1, 1, 1}), glm::scale(glm::dmat4(1), {1, -2, 3}));
     struct Case
     {
         const char* name;
@@ -70,7 +73,8 @@ TEST(MeshSurface, KnownSolidsHaveTheirNormalsAndEdges)
         std::function<bool(const Vertex&)> isRight;
     };
     const Mesh box = test::makeBox({-1, -1, -1}, {1, 1, 1}), cylinder = test::makeCylinder(1, 2, 48);
-    const Case cases[] = {{"box", box, 24, 12, alongAxis},
+    const Case cases[] = {{"box", box, 24, 12, outOfBox},
+                          {"mirrored", mirrored, 24, 12, outOfBox},
                           {"soup", soupOf(box), 24, 12, alongAxis},
                           {"smooth box", with(box, 180, 89), 8, 12, fromCorner},
                           {"box without edges", with(box, 0, 91), 24, 0, alongAxis},

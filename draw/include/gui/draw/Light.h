@@ -21,13 +21,14 @@ struct GUIGL_API Light
         Sun     ///< the model: it comes from one direction
     };
 
-    Kind kind = Kind::Camera;
+    Kind kind = Kind::Camera; ///< see Kind
     /// From the model towards the sun, of any length but 0 (and infinity and NaN), which count as (0, 0, 1).
     glm::dvec3 direction{0, 0, 1};
     td::Color color = td::ColorID::White; ///< its alpha does not count
     /// How bright surfaces are that it does not reach, of what it is, 0 to 1; those that look away from it have half.
     double ambient = 0.3;
 
+    /// White, from a direction. @param direction  from the model towards the sun
     static Light sun(const glm::dvec3& direction) { return {.kind = Kind::Sun, .direction = direction}; }
 
     bool operator==(const Light&) const = default;

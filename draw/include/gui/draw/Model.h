@@ -92,6 +92,7 @@ public:
     std::size_t getNumberOfTriangles() const; ///< that have an area
     std::size_t getNumberOfParts() const;
 
+    /// The camera's own at first.
     void setLight(const Light& light);
 
     /// Lines where faces meet more sharply than Mesh::edgeAngle, at borders, and where a material ended when the mesh
@@ -105,7 +106,8 @@ public:
     void setOutline(const Line& line);
 
     /// How large, in points, triangles of a coarser mesh may be that stand for smaller ones. 0.5 at first; 0 draws the
-    /// mesh itself always. What is not a number of at least 0 counts as 0.
+    /// mesh itself always. What is not a number of at least 0 counts as 0. Edges,
+    /// wires and ids are those of what is drawn.
     void setTolerance(double points);
 
     /// Of one part. A material's texture needs a mesh with texture coordinates.
