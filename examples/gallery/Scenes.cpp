@@ -168,6 +168,11 @@ constexpr SceneInfo cScenes[] = {
      "move it; the wheel goes nearer to what is under the pointer. Click an end of the axes, or press 1 to 7, to look "
      "from a side, P for no perspective, 0 to see all.",
      makeOrbitScene},
+    {"pick3d", "Under the pointer, in space",
+     "A shell of 26,400 triangles. The one under the pointer and its neighbours, with the weights of its corners, in "
+     "the loupe; a ray, and where it goes in and out; what a lasso has caught, which Alt and a drag draw. A drag turns "
+     "the shell, the wheel goes nearer.",
+     makePick3D},
 };
 
 } // namespace

@@ -57,5 +57,6 @@ std::unique_ptr<Scene> makeModel();
 std::unique_ptr<Scene> makeSamples();
 std::unique_ptr<Scene> makeOpening();
 std::unique_ptr<Scene> makeOrbitScene();
+std::unique_ptr<Scene> makePick3D();
 
 } // namespace gallery

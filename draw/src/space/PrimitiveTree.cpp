@@ -18,6 +18,13 @@ struct Bounds
 {
     glm::dvec3 least{std::numeric_limits<double>::infinity()};
     glm::dvec3 greatest{-std::numeric_limits<double>::infinity()};
+
+    double add(const glm::dvec3& p)
+    {
+        least = glm::min(least, p);
+        greatest = glm::max(greatest, p);
+        return p.x;
+    }
 };
 
 } // namespace
@@ -33,6 +40,9 @@ void PrimitiveTree::setFrame(const Box3& bounds)
 void PrimitiveTree::fitNode(const Primitives& primitives, std::size_t index)
 {
     Node& node = nodes[index];
+    const glm::dvec3* const vertices = primitives.vertices.data();
+    const std::uint32_t* const corners = primitives.corners.data();
+    const std::size_t nCorners = primitives.nCorners;
     for (std::size_t i = 0; i < 4; ++i)
     {
         for (std::size_t axis = 0; axis < 3; ++axis)
@@ -55,23 +65,19 @@ void PrimitiveTree::fitNode(const Primitives& primitives, std::size_t index)
             }
             continue;
         }
+        const std::size_t first = node.first[i], end = first + node.count[i];
         Bounds bounds;
-        for (std::size_t p = node.first[i], end = p + node.count[i]; p < end; ++p)
+        // Not a number once a corner can't be used.
+        double sum = 0;
+        for (std::size_t k = first * nCorners; k < end * nCorners; ++k)
+            sum += bounds.add(vertices[corners[k]]);
+        if (sum != sum)
         {
-            Bounds own;
-            double sum = 0;
-            for (std::size_t k = 0; k < primitives.nCorners; ++k)
-            {
-                const glm::dvec3& corner = primitives.corner(p, k);
-                own.least = glm::min(own.least, corner);
-                own.greatest = glm::max(own.greatest, corner);
-                sum += corner.x;
-            }
-            // Not a number once a corner can't be used.
-            if (sum != sum)
-                continue;
-            bounds.least = glm::min(bounds.least, own.least);
-            bounds.greatest = glm::max(bounds.greatest, own.greatest);
+            bounds = {};
+            for (std::size_t p = first; p < end; ++p)
+                if (primitives.isUsable(p))
+                    for (std::size_t k = 0; k < nCorners; ++k)
+                        bounds.add(primitives.corner(p, k));
         }
         if (bounds.least.x > bounds.greatest.x)
             continue;

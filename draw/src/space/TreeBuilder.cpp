@@ -3,6 +3,7 @@
 #include <glm/common.hpp>
 
 #include <bit>
+#include <cmath>
 #include <numeric>
 
 namespace gui::draw
@@ -11,7 +12,8 @@ namespace gui::draw
 namespace
 {
 
-// How many places to either side a cluster looks for the one to merge with.
+// How many places to either side a cluster looks for the one to merge with: in the first rounds, which take most of the
+// time, half as many.
 constexpr std::size_t cMargin = 8;
 // Primitives of a step.
 constexpr std::size_t cStep = 4096;
@@ -27,7 +29,7 @@ constexpr std::size_t cLongRun = 16;
 
 // What it takes to visit half a node, in tests of a primitive.
 constexpr float cVisit = 0.5F;
-constexpr std::size_t cLargestLeaf = 4;
+constexpr std::uint32_t cLargestLeaf = 8;
 
 // 11 bits with two between each.
 std::uint64_t spread(std::uint64_t bits)
@@ -75,10 +77,13 @@ constexpr Places cPlaces;
 
 TreeBuilder::TreeBuilder(const Primitives& primitives, const Box3& bounds)
     : _given(primitives)
-    , _bounds(bounds)
-    , _boxes(primitives.size())
+    , _boxes(primitives.size() + 1)
+    , _isPair(primitives.size())
 {
     _tree.setFrame(bounds);
+    const glm::dvec3 size = bounds.getSize() * (0.5 * _tree.toTree);
+    _half = static_cast<float>(std::max({size.x, size.y, size.z}));
+    _toPlace = _half > 0 ? 1023 / _half : 0;
     _keys.reserve(primitives.size());
     for (std::vector<std::uint32_t>& counts : _counts)
         counts.assign(std::size_t(1) << cDigitBits, 0);
@@ -91,19 +96,19 @@ bool TreeBuilder::step()
     {
     case Stage::Boxes:
         findBoxes(std::min(end, n));
-        if (_at == n)
+        if (_at >= n)
             startSort();
         break;
     case Stage::Sort:
         if (sortSome())
         {
             refineRuns();
-            _tree.nInTree = _n = _nClusters = _keys.size();
+            _n = _nClusters = _keys.size();
             for (std::size_t i = 0; i < 6; ++i)
                 _sides[i].assign(_n + 2 * cMargin, i < 3 ? -1e12F : 1e12F);
             _costs.resize(_n);
             _ids.resize(_n);
-            _sizes.assign(_n, 1);
+            _sizes.resize(_n);
             _partners.resize(_n);
             _merged.reserve(_n);
             go(Stage::Gather);
@@ -181,7 +186,7 @@ double TreeBuilder::getProgress() const
     case Stage::Merge:
         return 0.35 + 0.35 * (1 - share(_nClusters, _n));
     case Stage::Collapse:
-        return 0.7 + 0.1 * share(_order.size(), _n);
+        return 0.7 + 0.1 * share(_order.size(), _tree.nInTree);
     case Stage::Order:
         return 0.8 + 0.1 * share(_at, _given.size());
     case Stage::Vertices:
@@ -206,36 +211,85 @@ void TreeBuilder::go(Stage stage)
     _nNext = 0;
 }
 
+// @return false when a corner can't be used
+bool TreeBuilder::findBox(std::size_t i, Box& box) const
+{
+    const glm::dvec3 center = _tree.center;
+    const double toTree = _tree.toTree;
+    glm::dvec3 least = _given.corner(i, 0), greatest = least;
+    double sum = least.x;
+    for (std::size_t k = 1; k < _given.nCorners; ++k)
+    {
+        const glm::dvec3& corner = _given.corner(i, k);
+        least = glm::min(least, corner);
+        greatest = glm::max(greatest, corner);
+        sum += corner.x;
+    }
+    least = (least - center) * toTree;
+    greatest = (greatest - center) * toTree;
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        box.least[axis] = static_cast<float>(least[axis]);
+        box.greatest[axis] = static_cast<float>(greatest[axis]);
+    }
+    return !std::isnan(sum);
+}
+
+// Whether two triangles share an edge, and fit into one box well.
+bool TreeBuilder::isPair(std::size_t i, const Box& box, const Box& next) const
+{
+    if (_given.nCorners != 3)
+        return false;
+    const std::uint32_t *const a = &_given.corners[3 * i], *const b = a + 3;
+    const auto isIn = [b](std::uint32_t corner) { return corner == b[0] || corner == b[1] || corner == b[2]; };
+    if (int(isIn(a[0])) + int(isIn(a[1])) + int(isIn(a[2])) < 2)
+        return false;
+    const auto extent = [](const Box& from, const Box& to, std::size_t axis)
+    { return std::max(from.greatest[axis], to.greatest[axis]) - std::min(from.least[axis], to.least[axis]); };
+    const auto area = [&](const Box& from, const Box& to)
+    { return areaOf(extent(from, to, 0), extent(from, to, 1), extent(from, to, 2)); };
+    return area(box, next) <= 0.75F * (area(box, box) + area(next, next));
+}
+
+void TreeBuilder::addKey(std::size_t i)
+{
+    const Box& box = _boxes[i];
+    std::uint64_t code = 0;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+    {
+        const float place = (box.least[axis] + box.greatest[axis]) * 0.5F;
+        code |= spread(static_cast<std::uint64_t>((place + _half) * _toPlace)) << axis;
+    }
+    _keys.push_back(code << cNumberBits | i);
+    for (std::size_t k = 0; k < 3; ++k)
+        ++_counts[k][code >> (k * cDigitBits) & cDigitMask];
+}
+
 void TreeBuilder::findBoxes(std::size_t end)
 {
-    const glm::dvec3 size = _bounds.getSize() * (0.5 * _tree.toTree);
-    const auto half = static_cast<float>(std::max({size.x, size.y, size.z}));
-    const float toPlace = half > 0 ? 1023 / half : 0;
-    for (; _at < end; ++_at)
+    while (_at < end)
     {
-        if (!_given.isUsable(_at))
+        const std::size_t i = _at++;
+        Box& box = _boxes[i];
+        if (!findBox(i, box))
         {
-            _unusable.push_back(static_cast<std::uint32_t>(_at));
+            _unusable.push_back(static_cast<std::uint32_t>(i));
             continue;
         }
-        glm::dvec3 least = _given.corner(_at, 0), greatest = least;
-        for (std::size_t k = 1; k < _given.nCorners; ++k)
+        ++_tree.nInTree;
+        Box& next = _boxes[i + 1];
+        if (_at < _given.size() && findBox(_at, next) && isPair(i, box, next))
         {
-            least = glm::min(least, _given.corner(_at, k));
-            greatest = glm::max(greatest, _given.corner(_at, k));
+            for (std::size_t axis = 0; axis < 3; ++axis)
+            {
+                box.least[axis] = std::min(box.least[axis], next.least[axis]);
+                box.greatest[axis] = std::max(box.greatest[axis], next.greatest[axis]);
+            }
+            _isPair[i] = 1;
+            ++_tree.nInTree;
+            ++_at;
         }
-        Box& box = _boxes[_at];
-        std::uint64_t code = 0;
-        for (int axis = 0; axis < 3; ++axis)
-        {
-            box.least[axis] = static_cast<float>((least[axis] - _tree.center[axis]) * _tree.toTree);
-            box.greatest[axis] = static_cast<float>((greatest[axis] - _tree.center[axis]) * _tree.toTree);
-            const float place = (box.least[axis] + box.greatest[axis]) * 0.5F;
-            code |= spread(static_cast<std::uint64_t>((place + half) * toPlace)) << axis;
-        }
-        _keys.push_back(code << cNumberBits | _at);
-        for (std::size_t i = 0; i < 3; ++i)
-            ++_counts[i][code >> (i * cDigitBits) & cDigitMask];
+        addKey(i);
     }
 }
 
@@ -337,20 +391,24 @@ void TreeBuilder::gather(std::size_t end)
 void TreeBuilder::pair(std::size_t end)
 {
     constexpr std::size_t cBlocks[] = {0, 4, cMargin + 1, cMargin + 5};
+    const bool isEarly = _nClusters > _n / 2;
+    const float* sides[6];
+    for (std::size_t i = 0; i < 6; ++i)
+        sides[i] = _sides[i].data();
     for (; _at < end; ++_at)
     {
         FourFloats own[6];
         for (std::size_t i = 0; i < 6; ++i)
-            own[i] = allFour(_sides[i][_at + cMargin]);
+            own[i] = allFour(sides[i][_at + cMargin]);
         const std::size_t isOdd = _at % 2;
         FourFloats best = allFour(std::numeric_limits<float>::max());
-        for (std::size_t block = 0; block < 4; ++block)
+        for (std::size_t block = isEarly ? 1 : 0; block < (isEarly ? 3U : 4U); ++block)
         {
             const std::size_t from = _at + cBlocks[block];
             FourFloats size[3];
             for (std::size_t axis = 0; axis < 3; ++axis)
-                size[axis] = largerOf(own[axis + 3], loadFour(&_sides[axis + 3][from])) -
-                             smallerOf(own[axis], loadFour(&_sides[axis][from]));
+                size[axis] = largerOf(own[axis + 3], loadFour(sides[axis + 3] + from)) -
+                             smallerOf(own[axis], loadFour(sides[axis] + from));
             FourMasks codes;
             std::memcpy(&codes, cPlaces.codes[isOdd] + 4 * block, sizeof codes);
             const auto area = reinterpret_cast<FourMasks>(areaOf(size[0], size[1], size[2]));
@@ -364,37 +422,42 @@ void TreeBuilder::pair(std::size_t end)
 
 void TreeBuilder::merge(std::size_t end)
 {
+    float* sides[6];
+    for (std::size_t i = 0; i < 6; ++i)
+        sides[i] = _sides[i].data() + cMargin;
+    float* const costs = _costs.data();
+    std::uint32_t *const ids = _ids.data(), *const sizes = _sizes.data();
+    const std::uint32_t* const partners = _partners.data();
     for (; _at < end; ++_at)
     {
-        std::size_t partner = _isForced ? _at ^ 1 : _partners[_at];
-        if (partner >= _nClusters || (!_isForced && _partners[partner] != _at))
-            partner = _at;
-        if (partner < _at)
+        const std::size_t at = _at;
+        std::size_t partner = _isForced ? at ^ 1 : partners[at];
+        if (partner >= _nClusters || (!_isForced && partners[partner] != at))
+            partner = at;
+        if (partner < at)
             continue;
         const std::size_t to = _nNext++;
         for (std::size_t axis = 0; axis < 3; ++axis)
         {
-            std::vector<float>&least = _sides[axis], &greatest = _sides[axis + 3];
-            least[to + cMargin] = std::min(least[_at + cMargin], least[partner + cMargin]);
-            greatest[to + cMargin] = std::max(greatest[_at + cMargin], greatest[partner + cMargin]);
+            sides[axis][to] = std::min(sides[axis][at], sides[axis][partner]);
+            sides[axis + 3][to] = std::max(sides[axis + 3][at], sides[axis + 3][partner]);
         }
-        if (partner == _at)
+        if (partner == at)
         {
-            _ids[to] = _ids[_at];
-            _costs[to] = _costs[_at];
-            _sizes[to] = _sizes[_at];
+            ids[to] = ids[at];
+            costs[to] = costs[at];
+            sizes[to] = sizes[at];
             continue;
         }
-        const auto extent = [&](std::size_t axis)
-        { return _sides[axis + 3][to + cMargin] - _sides[axis][to + cMargin]; };
-        const float area = areaOf(extent(0), extent(1), extent(2));
-        const std::size_t size = std::size_t(_sizes[_at]) + _sizes[partner];
-        const float apart = cVisit * area + _costs[_at] + _costs[partner], asLeaf = area * static_cast<float>(size);
+        const float area =
+            areaOf(sides[3][to] - sides[0][to], sides[4][to] - sides[1][to], sides[5][to] - sides[2][to]);
+        const std::uint32_t size = sizes[at] + sizes[partner];
+        const float apart = cVisit * area + costs[at] + costs[partner], asLeaf = area * static_cast<float>(size);
         const bool isLeaf = size <= cLargestLeaf && asLeaf <= apart;
-        _merged.push_back({_ids[_at], _ids[partner], area, isLeaf ? static_cast<std::uint32_t>(size) : 0});
-        _ids[to] = static_cast<std::uint32_t>(_n + _merged.size() - 1);
-        _costs[to] = isLeaf ? asLeaf : apart;
-        _sizes[to] = static_cast<std::uint8_t>(std::min(size, cLargestLeaf + 1));
+        _merged.push_back({ids[at], ids[partner], area, isLeaf ? size : 0});
+        ids[to] = static_cast<std::uint32_t>(_n + _merged.size() - 1);
+        costs[to] = isLeaf ? asLeaf : apart;
+        sizes[to] = std::min(size, cLargestLeaf + 1);
     }
 }
 
@@ -420,7 +483,7 @@ void TreeBuilder::collapseSome()
     if (_order.empty() && _n > 0)
     {
         _order.reserve(_given.size());
-        _tree.nodes.reserve(_n / 2);
+        _tree.nodes.reserve(_n / 4);
         _tree.nodes.emplace_back();
         _pending.push_back({_ids[0], 0, 1});
     }
@@ -471,7 +534,10 @@ void TreeBuilder::addLeaf(std::uint32_t id)
 {
     if (id < _n)
     {
-        _order.push_back(static_cast<std::uint32_t>(_keys[id] & cNumberMask));
+        const auto i = static_cast<std::uint32_t>(_keys[id] & cNumberMask);
+        _order.push_back(i);
+        if (_isPair[i] != 0)
+            _order.push_back(i + 1);
         return;
     }
     addLeaf(_merged[id - _n].left);

@@ -97,8 +97,8 @@ bool TriangleIndex::Impl::set(Kind newKind, std::span<const Vector> vertices, st
     const auto isOut = [&](std::uint32_t index) { return index >= vertices.size(); };
     if (const auto out = std::find_if(indices.begin(), indices.end(), isOut); out != indices.end())
     {
-        vo::dbgLog("Error! TriangleIndex: index %u, at %td, of %zu vertices", *out, out - indices.begin(),
-                   vertices.size());
+        vo::dbgLog("Error! TriangleIndex: index %u, at %zu, of %zu vertices", *out,
+                   static_cast<std::size_t>(out - indices.begin()), vertices.size());
         return false;
     }
     Primitives given;
@@ -123,8 +123,12 @@ bool TriangleIndex::Impl::set(Kind newKind, std::span<const Vector> vertices, st
 void TriangleIndex::Impl::build(Build when)
 {
     bounds = {};
+    std::vector<std::uint8_t> isCorner(primitives.vertices.size());
     for (const std::uint32_t corner : primitives.corners)
-        widen(bounds, primitives.vertices[corner]);
+        isCorner[corner] = 1;
+    for (std::size_t i = 0; i < isCorner.size(); ++i)
+        if (isCorner[i] != 0)
+            widen(bounds, primitives.vertices[i]);
     isBuilt = false;
     pBuilder = std::make_unique<TreeBuilder>(primitives, bounds);
     if (when == Build::InPieces)
@@ -417,7 +421,7 @@ std::size_t TriangleIndex::getMemory() const
     const auto bytes = [](const auto& list) { return list.capacity() * sizeof list[0]; };
     const Primitives& p = _pImpl->primitives;
     return sizeof(Impl) + bytes(p.vertices) + bytes(p.corners) + bytes(p.numbers) + bytes(p.originals) +
-           bytes(_pImpl->tree.nodes);
+           _pImpl->tree.nodes.size() * sizeof(PrimitiveTree::Node);
 }
 
 std::optional<TriangleIndex::Hit> TriangleIndex::getNearest(const Ray& ray, const Reach& reach,

@@ -47,6 +47,7 @@
 #include "TextPlacement.h"
 #include "TextStyle.h"
 #include "Ticks.h"
+#include "TriangleIndex.h"
 #include "Typeface.h"
 #include "Unit.h"
 #include "Upload.h"
