@@ -67,7 +67,8 @@ install(DIRECTORY ${guigl_SOURCE_DIR}/tests/references
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/tests
     COMPONENT documentation
     FILES_MATCHING PATTERN "hello.png" PATTERN "plane.png" PATTERN "sphere.png"
-        PATTERN "tour-*.png" PATTERN "guide-*.png" PATTERN "cad-*.png")
+        PATTERN "tour-*.png" PATTERN "guide-*.png" PATTERN "cad-*.png"
+        PATTERN "meshview-*.png")
 # All of them to read; those of examples/first have CMake lines of their own and build by themselves.
 install(DIRECTORY ${guigl_SOURCE_DIR}/examples
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
