@@ -346,7 +346,7 @@ TEST_F(PlotTest, FarCoordinatesStayExact)
     EXPECT_GT(darkness(120, 300), 250);
 }
 
-// Where a marker, a marker of very many and a line are seen, against exact arithmetic, at places and zooms of all sizes.
+// Where a marker, one of very many and a line are seen, against exact arithmetic, at places and zooms of all sizes.
 TEST_F(PlotTest, NothingIsSeenAnywhereElse)
 {
     constexpr int nPlaces = 60;
