@@ -1,0 +1,81 @@
+#include "Orbiting.h"
+
+#include "Stage.h"
+
+#include <gui/InputDevice.h>
+#include <gui/Key.h>
+
+namespace gallery
+{
+
+void Orbiting::enter(Stage& stage)
+{
+    _pStage = &stage;
+    _control.setOnChange([&stage] { stage.redraw(); });
+    _control.setPick(
+        [this](const td::Point<double>& point) -> std::optional<glm::dvec3>
+        {
+            const auto hit = _index.getNearest(_eye.getRay(point));
+            return hit ? std::optional(hit->point) : std::nullopt;
+        });
+}
+
+void Orbiting::onPointer(PointerEvent event, const gui::InputDevice& device)
+{
+    constexpr unsigned int cNotForTheCamera = 1 | 16; // Shift and Ctrl together
+    if ((device.getKeyboardModifiers() & cNotForTheCamera) == cNotForTheCamera)
+        return;
+    switch (event)
+    {
+    case PointerEvent::Pressed:
+    case PointerEvent::SecondaryPressed:
+        _control.onPressed(device);
+        break;
+    case PointerEvent::Released:
+    case PointerEvent::SecondaryReleased:
+        _control.onReleased(device);
+        break;
+    case PointerEvent::Dragged:
+        _control.onDragged(device);
+        break;
+    case PointerEvent::DoubleClicked:
+        _control.onDoubleClick(device);
+        break;
+    case PointerEvent::Moved:
+        _control.onMoved(device);
+        break;
+    case PointerEvent::Exited:
+        _control.onExited();
+        break;
+    case PointerEvent::Scrolled:
+        _control.onScroll(device);
+        break;
+    case PointerEvent::Zoomed:
+        _control.onZoom(device);
+        break;
+    default:
+        break;
+    }
+}
+
+bool Orbiting::onKey(const gui::Key& key, bool isDown) { return isDown && key.isASCII() && _control.onKey(key); }
+
+bool Orbiting::setPickable(const gui::draw::Mesh& mesh) { return _index.setTriangles(mesh.positions, mesh.indices); }
+
+gui::draw::Eye Orbiting::prepare(const Frame& frame)
+{
+    // A flight goes on by itself, from frame to frame; at rest there is none.
+    if (_control.advance())
+        _pStage->redraw();
+    _camera.setSize(frame.size);
+    return _eye = _canvas.getEye(_camera, frame.scale);
+}
+
+void Orbiting::turn(double seconds, double degreesPerSecond)
+{
+    if (_seconds != 0)
+        _camera.turn(_camera.getTarget(), degreesPerSecond * (seconds - _seconds), 0);
+    _seconds = seconds;
+}
+
+} // namespace gallery
