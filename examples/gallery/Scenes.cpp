@@ -173,6 +173,11 @@ constexpr SceneInfo cScenes[] = {
      "the loupe; a ray, and where it goes in and out; what a lasso has caught, which Alt and a drag draw. A drag turns "
      "the shell, the wheel goes nearer.",
      makePick3D},
+    {"horizon", "A car on a globe",
+     "Four metres of car on 6,400 kilometres of globe, in metres from the middle of the earth: nothing shakes, and the "
+     "shadow, four millimetres above the ground, does not flicker. The wheel goes from its lamps out into space, 0 "
+     "shows all of it.",
+     makeHorizon},
 };
 
 } // namespace

@@ -58,5 +58,6 @@ std::unique_ptr<Scene> makeSamples();
 std::unique_ptr<Scene> makeOpening();
 std::unique_ptr<Scene> makeOrbitScene();
 std::unique_ptr<Scene> makePick3D();
+std::unique_ptr<Scene> makeHorizon();
 
 } // namespace gallery
