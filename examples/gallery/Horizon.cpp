@@ -1,5 +1,5 @@
-// Look for: a car that neither shakes nor flickers, with stripes of three millimetres and a shadow four above the ground,
-// 6,400 kilometres from the origin; mountains that begin below the horizon; 0, and the wheel, out into space.
+// Look for: a car that neither shakes nor flickers, stripes of three millimetres on it, and a shadow four above the
+// ground, 6,400 kilometres from the origin; mountains that begin below the horizon; 0, and the wheel, out into space.
 
 #include "Car.h"
 #include "Globe.h"
