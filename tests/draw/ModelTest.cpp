@@ -173,15 +173,18 @@ TEST_F(ModelTest, FarAwayItIsThePictureOfNearTheOrigin)
             EXPECT_GT(nOther(picture, drawn(coarse, eyeAt(from + far, far)), 2), 500);
         }
     }
-    // The size of a globe, seen at a metre's distance, where floats are half a metre apart: a step on it.
+    // The size of a globe, seen from inside its bounds at a metre's distance, where floats are half a metre apart: a
+    // step on it.
+    constexpr double cHeight = 6.4e6 + 0.3;
     Mesh globe;
-    globe.positions = {{6.4e6, -1, -1}, {6.4e6, 1, -1}, {6.4e6, 1, 1}, {6.4e6, -1, 1}, {-6.4e6, 0, 0}, {-6.4e6, 0, 1}};
+    globe.positions = {{cHeight, -1, -1}, {cHeight, 1, -1}, {cHeight, 1, 1}, {cHeight, -1, 1},
+                       {-6.4e6, 9e6, 0},  {-6.4e6, 9e6, 1}, {6.5e6, 9e6, 0}};
     globe.positions[1].x += 0.01;
     globe.positions[2].x += 0.01;
-    globe.indices = {0, 1, 2, 0, 2, 3, 4, 5, 0};
+    globe.indices = {0, 1, 2, 0, 2, 3, 4, 5, 6};
     Model patch;
     ASSERT_TRUE(patch.setMesh(globe));
-    const Eye close = eyeAt({6.4e6 + 3, 0, 0}, {6.4e6, 0, 0});
+    const Eye close = eyeAt({cHeight + 3, 0, 0}, {cHeight, 0, 0});
     const Picture picture = drawn(patch, close);
     for (const glm::dvec3& corner : {globe.positions[0], globe.positions[2]})
     {

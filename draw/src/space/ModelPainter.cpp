@@ -232,7 +232,13 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
     glm::dvec3 nearest = place;
     if (eye.isOrthographic())
         nearest += glm::dot((low + high) / 2.0 - place, eye.getDirection()) * eye.getDirection();
-    _sight.reference = glm::dvec3(glm::vec3(glm::clamp(nearest, low, high)));
+    nearest = glm::clamp(nearest, low, high);
+    for (int k = 0; k < 3; ++k)
+    {
+        // Volatile for the reason that MeshSurface has: it has to be the very number that shaders get.
+        const volatile float rounded = static_cast<float>(nearest[k]);
+        _sight.reference[k] = static_cast<double>(rounded);
+    }
     _sight.toClip = eye.getMatrix(_origin + _sight.reference);
     _sight.viewer =
         eye.isOrthographic() ? glm::vec4(-eye.getDirection(), 0) : glm::vec4(glm::vec3(place - _sight.reference), 1);
