@@ -96,7 +96,7 @@ vec3 saltAt(const vec2& where)
     const vec3 metres = place.onPlain(1);
     if (metres.x < -1.2F && std::abs(std::abs(metres.z) - 0.74F) < 0.11F)
         color *= 0.86F;
-    for (const double unit : {5.0, 60.0, 900.0, 9000.0})
+    for (const double unit : {5.0, 300.0})
         color *= 1 + 0.07F * (examples::clouds(place.onPlain(unit) + 3.0F, 3) - 0.5F);
     return glm::mix(color, vec3(0.86F, 0.90F, 0.95F), static_cast<float>(risen(60, 3500, place.distance)));
 }
@@ -127,16 +127,19 @@ using Coordinates = std::function<vec2(const Spot& place, double height)>;
 
 Mesh makeRings(const std::vector<double>& distances, const Coordinates& coordinatesOf)
 {
+    std::vector<double> heights;
+    for (const double distance : distances)
+        for (int sector = 0; sector < cGlobeSectors; ++sector)
+            heights.push_back(mountains({distance, glm::two_pi<double>() * sector / cGlobeSectors}));
     Mesh mesh;
     const auto add = [&](std::size_t ring, int sector)
     {
-        Spot place{distances[ring], glm::two_pi<double>() * (sector % cGlobeSectors) / cGlobeSectors};
-        const double height = mountains(place);
-        const glm::dvec3 up = place.up();
+        const int around = sector % cGlobeSectors;
+        const double height = heights[ring * cGlobeSectors + static_cast<std::size_t>(around)];
+        const glm::dvec3 up = Spot{distances[ring], glm::two_pi<double>() * around / cGlobeSectors}.up();
         mesh.positions.push_back((cGlobeRadius + height) * up);
         mesh.normals.push_back(height > 0 ? vec3(0) : vec3(up));
-        place.angle = glm::two_pi<double>() * sector / cGlobeSectors;
-        vec2 at = coordinatesOf(place, height);
+        vec2 at = coordinatesOf({distances[ring], glm::two_pi<double>() * sector / cGlobeSectors}, height);
         // Not the long way round where the picture ends.
         if (mesh.positions.size() % 4 != 1)
             at.x += std::round(mesh.textureCoordinates[(mesh.positions.size() - 1) / 4 * 4].x - at.x);
@@ -179,14 +182,14 @@ Mesh makeGlobe()
                     std::log(std::max(place.distance, cSaltFrom) / cSaltFrom) / std::log(cSaltTo / cSaltFrom));
     };
     globe.add(makeRings(stepsOut(0, cSaltTo, 0.15, cSaltFrom, cSaltTo), onSalt),
-              {.texture = Image(examples::paint(1024, 1024, saltAt)), .shininess = 0});
+              {.texture = Image(examples::paint(768, 768, saltAt)), .shininess = 0});
     const auto onRock = [](const Spot& place, double height)
     {
         return vec2(glm::clamp((place.distance - cSaltTo) / (cLandFrom - cSaltTo), 0.002, 0.998),
                     glm::clamp(height / 3400, 0.01, 0.99));
     };
     globe.add(makeRings(stepsOut(cSaltTo, cLandFrom, 0, 900, 900), onRock),
-              {.texture = Image(examples::paint(256, 256, rockAt)), .shininess = 0});
+              {.texture = Image(examples::paint(96, 192, rockAt)), .shininess = 0});
     const auto onLand = [](const Spot& place, double) { return onEarth(place.up()); };
     globe.add(makeRings(stepsOut(cLandFrom, glm::pi<double>() * cGlobeRadius, 0.2, 0, 2e5), onLand),
               {.texture = Image(std::move(picture)), .shininess = 0});
