@@ -12,7 +12,7 @@ namespace test
 /// Whether a scene computes for seconds where nothing is optimised.
 inline bool isSlow(const gallery::SceneInfo& scene)
 {
-    constexpr std::string_view cNames[] = {"blueprint", "camera", "coastline", "instances",
+    constexpr std::string_view cNames[] = {"blueprint", "camera", "coastline", "horizon", "instances",
                                            "labels",    "meshes", "scatter",   "sky"};
     return std::ranges::find(cNames, scene.name) != std::end(cNames);
 }
