@@ -166,12 +166,13 @@ private:
 
     void layOut(const Frame& frame)
     {
-        constexpr float cMargin = 24, cGap = 16, cWidth = 272;
+        constexpr float cMargin = 24, cGap = 16;
         const auto width = static_cast<float>(frame.size.width), height = static_cast<float>(frame.size.height);
-        const float left = width - cMargin - cWidth, inner = height - 2 * cMargin;
+        const float side = std::min(272.0F, 0.3F * width); // of the panels at the right
+        const float left = width - cMargin - side, inner = height - 2 * cMargin;
         _view = {cMargin, cMargin, left - cGap - cMargin, inner};
-        _loupe = {left, cMargin, cWidth, std::min(1.25F * cWidth, 0.65F * inner)};
-        _list = {left, cMargin + _loupe.height + cGap, cWidth, inner - cGap - _loupe.height};
+        _loupe = {left, cMargin, side, std::min(1.25F * side, 0.65F * inner)};
+        _list = {left, cMargin + _loupe.height + cGap, side, inner - cGap - _loupe.height};
         _camera.setSize({_view.width, _view.height});
         _eye = _camera.getEye(frame.scale);
         if (!_isPlaced)
