@@ -66,7 +66,7 @@ macro(guigl_host_packages host toolkit headers)
             "libguigl-${host}-${abi} (= ${guigl_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libguigl-dev, ${headers}")
     endif()
 endmacro()
-guigl_host_packages(qt6 "Qt 6" qt6-base-dev)
+guigl_host_packages(qt6 "Qt 6" "qt6-base-dev, libqt6opengl6-dev | qt6-base-dev (>= 6.7)")
 guigl_host_packages(gtk4 "GTK 4" libgtk-4-dev)
 
 include(CPack)

@@ -175,6 +175,8 @@ configure()
     command -v ccache > /dev/null && launcher=ccache
     # Whoever builds it gets a library whatever a new compiler warns about; the check of a change takes no warning.
     [[ -z ${CI:-} ]] || strict=(-DGUIGL_WERROR=ON)
+    # Tests of what is not built would be missed by nobody.
+    [[ $tool != test ]] || strict+=(-DGUIGL_EVERY_HOST=ON)
     # What is measured is what others build.
     [[ $preset != bench ]] || unity=OFF
     # CMake refuses a build folder that was copied or moved here with the tree.
