@@ -7,7 +7,6 @@
 #include <gui/Application.h>
 #include <gui/Key.h>
 #include <gui/Window.h>
-#include <gui/draw/TriangleIndex.h>
 #include <gui/draw/draw.h>
 
 #include <glm/geometric.hpp>
