@@ -93,7 +93,7 @@ public:
         const glm::dmat4 place = glm::translate(glm::dmat4(1), {0, cGlobeRadius, 0});
         world.add(makeShadow(car), {.color = "#8f9aae", .shininess = 0}, 0, place);
         world.add(car, place);
-        if (globe.isEmpty() || !_model.setMesh(world) || !setPickable(world) || !_air.link())
+        if (globe.isEmpty() || !setMesh(world) || !_air.link())
             return false;
         const float corners[] = {-1, -1, 1, -1, -1, 1, 1, 1};
         _quad.appendVertices(corners, 4);
@@ -110,19 +110,6 @@ public:
         return true;
     }
 
-    void draw(const Frame& frame) override
-    {
-        const Eye eye = prepare(frame);
-        {
-            gui::draw::DepthCanvas::Frame picture(_canvas, eye);
-            Context::clear(Context::Clear::Color, "#000000");
-            _air.draw(eye, _quad);
-            while (const Eye* const pEye = picture.next())
-                _model.draw(*pEye);
-        }
-        _control.drawGizmo(eye);
-    }
-
     bool prepareNextFrame(double seconds) override
     {
         turn(seconds, 5);
@@ -130,7 +117,12 @@ public:
     }
 
 private:
-    gui::draw::Model _model;
+    void drawBackground(const Eye& eye) override
+    {
+        Context::clear(Context::Clear::Color, "#000000");
+        _air.draw(eye, _quad);
+    }
+
     AirProgram _air;
     Buffer _quad{DataType::Vec2};
 };

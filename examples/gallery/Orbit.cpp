@@ -4,7 +4,6 @@
 #include "Orbiting.h"
 #include "Scenes.h"
 
-#include <gui/draw/Model.h>
 #include <gui/gl/Context.h>
 
 namespace gallery
@@ -20,26 +19,13 @@ class OrbitScene : public Orbiting
 public:
     bool init() override
     {
-        const gui::draw::Mesh wheel = makeImpeller();
         _model.setEdges({.width = 1, .color = "#202830"});
         _camera.setDirection(32, 42);
-        if (!_model.setMesh(wheel) || !setPickable(wheel))
+        if (!setMesh(makeImpeller()))
             return false;
         _camera.setBounds(_model.getBounds());
         // It is round: the corners of its bounds may be out of sight.
         return _camera.fit({{-0.7, -0.25, -0.7}, {0.7, 1.2, 0.7}}, 20);
-    }
-
-    void draw(const Frame& frame) override
-    {
-        const gui::draw::Eye eye = prepare(frame);
-        {
-            gui::draw::DepthCanvas::Frame picture(_canvas, eye);
-            Context::clear(Context::Clear::Color, "#202a36");
-            while (const gui::draw::Eye* const pEye = picture.next())
-                _model.draw(*pEye);
-        }
-        _control.drawGizmo(eye);
     }
 
     bool prepareNextFrame(double seconds) override
@@ -49,7 +35,7 @@ public:
     }
 
 private:
-    gui::draw::Model _model;
+    void drawBackground(const gui::draw::Eye&) override { Context::clear(Context::Clear::Color, "#202a36"); }
 };
 
 } // namespace

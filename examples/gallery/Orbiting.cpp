@@ -60,15 +60,25 @@ void Orbiting::onPointer(PointerEvent event, const gui::InputDevice& device)
 
 bool Orbiting::onKey(const gui::Key& key, bool isDown) { return isDown && key.isASCII() && _control.onKey(key); }
 
-bool Orbiting::setPickable(const gui::draw::Mesh& mesh) { return _index.setTriangles(mesh.positions, mesh.indices); }
+bool Orbiting::setMesh(const gui::draw::Mesh& mesh)
+{
+    return _model.setMesh(mesh) && _index.setTriangles(mesh.positions, mesh.indices);
+}
 
-gui::draw::Eye Orbiting::prepare(const Frame& frame)
+void Orbiting::draw(const Frame& frame)
 {
     // A flight goes on by itself, from frame to frame; at rest there is none.
     if (_control.advance())
         _pStage->redraw();
     _camera.setSize(frame.size);
-    return _eye = _canvas.getEye(_camera, frame.scale);
+    _eye = _canvas.getEye(_camera, frame.scale);
+    {
+        gui::draw::DepthCanvas::Frame picture(_canvas, _eye);
+        drawBackground(_eye);
+        while (const gui::draw::Eye* const pEye = picture.next())
+            _model.draw(*pEye);
+    }
+    _control.drawGizmo(_eye);
 }
 
 void Orbiting::turn(double seconds, double degreesPerSecond)

@@ -1,7 +1,7 @@
 // Shows a mesh from any file that assimp reads: a click says which triangle is there, and where.
 //     meshview bearing.obj [picture.png]  or, with the name of a picture, saves it as that
-// W wires, E edges, O with perspective or without, S saves a picture, F1 to F7 look from the sides; all else is
-// OrbitView's.
+// W wires, E edges, S saves a picture; all else is OrbitView's: 1 to 7 look from the sides, P is with perspective or
+// without.
 #include "Load.h"
 
 #include <gui/Application.h>
@@ -66,10 +66,7 @@ private:
     }
     bool onKeyPressed(const gui::Key& key) override
     {
-        const int side = static_cast<int>(key.getVirtual()) - static_cast<int>(gui::Key::Virtual::F1);
-        if (side >= 0 && side <= static_cast<int>(OrbitCamera::Side::Corner))
-            flyTo(static_cast<OrbitCamera::Side>(side));
-        else if (key.getChar() == 'w')
+        if (key.getChar() == 'w')
             _model.setWires(static_cast<Model::Wires>((static_cast<int>(_model.getWires(0)) + 1) % 3));
         else if (key.getChar() == 'e')
             _model.setEdges(_edges = {.width = 1 - _edges.width});
@@ -81,7 +78,7 @@ private:
             std::puts(savePicture(name.c_str()) ? name.c_str() : "not saved");
         }
         else
-            return OrbitView::onKeyPressed(key.getChar() == 'o' ? gui::Key('p', 0, 1, 0) : key);
+            return OrbitView::onKeyPressed(key);
         reDraw();
         return true;
     }

@@ -185,6 +185,58 @@ Eye eyeAt(const Box3& box, const glm::dvec3& way, double distance, bool isOrthog
     return {box.getCenter() + distance * radius * back, glm::transpose(rows), projection, {400, 400}};
 }
 
+// What a lasso takes of both is the same, and what a rectangle takes is what corners say.
+void compareSelections(const TriangleIndex& tree, const TriangleIndex& plain, const SpaceMesh& mesh,
+                       std::mt19937& random)
+{
+    const auto kind = tree.getKind();
+    for (int i = 0; i < (test::cIsThorough ? 30 : 6); ++i)
+    {
+        // Also from within, where much is behind the eye.
+        const Eye eye = eyeAt(plain.getBounds(), randomIn(random, glm::dvec3(-1), glm::dvec3(1)),
+                              i % 3 == 0 ? 0.3 : 2.2, i % 4 == 1);
+        std::vector<td::Point<double>> lasso;
+        for (std::size_t k = 3 + random() % 20; k > 0; --k)
+            lasso.emplace_back(double(random() % 500) - 50, double(random() % 500) - 50);
+        for (const auto take : {TriangleIndex::Take::Touched, TriangleIndex::Take::Whole})
+            for (const FillRule rule : {FillRule::NonZero, FillRule::EvenOdd})
+                ASSERT_EQ(tree.getWithin(eye, lasso, take, rule), plain.getWithin(eye, lasso, take, rule));
+        // In a rectangle, whole is what has all of its corners there; what has one there is touched, and what
+        // has all of them beyond one side is not.
+        const td::RectNormalized<double> rect(lasso[0].x, lasso[0].y, lasso[1].x, lasso[1].y);
+        const auto touched = tree.getWithin(eye, rect), whole = tree.getWithin(eye, rect, TriangleIndex::Take::Whole);
+        const std::size_t nCorners = kind == TriangleIndex::Kind::Triangles ? 3
+                                     : kind == TriangleIndex::Kind::Lines   ? 2
+                                                                            : 1;
+        for (std::size_t k = 0; k < tree.size() && eye.isValid(); ++k)
+        {
+            std::size_t nIn = 0, nSeen = 0, beyond[4] = {};
+            glm::dvec3 corners[3];
+            for (std::size_t c = 0; c < nCorners; ++c)
+            {
+                corners[c] = mesh.vertices[nCorners == 1 ? k : mesh.indices[k * nCorners + c]];
+                const auto at = eye.project(corners[c]);
+                if (!at || at->z < eye.getNearest() || !(glm::length(corners[c]) < 1e100))
+                    continue;
+                ++nSeen;
+                const bool isBeyond[] = {at->x<rect.left, at->x> rect.right, at->y<rect.top, at->y> rect.bottom};
+                for (int side = 0; side < 4; ++side)
+                    beyond[side] += isBeyond[side] ? 1 : 0;
+                nIn += std::find(isBeyond, isBeyond + 4, true) == isBeyond + 4 ? 1 : 0;
+            }
+            const bool isFlat =
+                nCorners == 3 && glm::cross(corners[1] - corners[0], corners[2] - corners[0]) == glm::dvec3(0);
+            const bool isTouched = std::binary_search(touched.begin(), touched.end(), k);
+            ASSERT_EQ(std::binary_search(whole.begin(), whole.end(), k), nIn == nCorners && !isFlat);
+            if (nSeen == nCorners)
+            {
+                ASSERT_TRUE(isTouched || nIn == 0 || isFlat);
+                ASSERT_FALSE(isTouched && *std::max_element(beyond, beyond + 4) == nCorners);
+            }
+        }
+    }
+}
+
 TEST(TriangleIndexTest, FindsWhatAPlainSearchFinds)
 {
     std::mt19937 random(1);
@@ -198,6 +250,7 @@ TEST(TriangleIndexTest, FindsWhatAPlainSearchFinds)
             ASSERT_TRUE(tree.isBuilt() && (mesh.indices.empty() || !plain.isBuilt()));
             EXPECT_EQ(tree.getBounds(), plain.getBounds());
             compare(tree, plain, mesh, random, test::cIsThorough ? 400 : 60);
+            compareSelections(tree, plain, mesh, random);
             // In pieces, and after its vertices went elsewhere and came back, a few of them to nowhere.
             int nPieces = 0;
             for (double progress = -1; !plain.buildSome(0); ++nPieces)
@@ -277,66 +330,6 @@ TEST(TriangleIndexTest, NoRaySlipsThroughAnEdgeOrACorner)
         }
         ASSERT_EQ(depth, 0);
     }
-}
-
-TEST(TriangleIndexTest, TakesWhatIsWithinALasso)
-{
-    std::mt19937 random(4);
-    for (const auto& [name, mesh] : makeMeshes())
-        for (const auto kind :
-             {TriangleIndex::Kind::Triangles, TriangleIndex::Kind::Lines, TriangleIndex::Kind::Points})
-        {
-            SCOPED_TRACE(name);
-            TriangleIndex tree, plain;
-            ASSERT_TRUE(set(tree, kind, mesh, Now) && set(plain, kind, mesh, InPieces));
-            for (int i = 0; i < (test::cIsThorough ? 30 : 6); ++i)
-            {
-                // Also from within, where much is behind the eye.
-                const Eye eye = eyeAt(plain.getBounds(), randomIn(random, glm::dvec3(-1), glm::dvec3(1)),
-                                      i % 3 == 0 ? 0.3 : 2.2, i % 4 == 1);
-                std::vector<td::Point<double>> lasso;
-                for (std::size_t k = 3 + random() % 20; k > 0; --k)
-                    lasso.emplace_back(double(random() % 500) - 50, double(random() % 500) - 50);
-                for (const auto take : {TriangleIndex::Take::Touched, TriangleIndex::Take::Whole})
-                    for (const FillRule rule : {FillRule::NonZero, FillRule::EvenOdd})
-                        ASSERT_EQ(tree.getWithin(eye, lasso, take, rule), plain.getWithin(eye, lasso, take, rule));
-                // In a rectangle, whole is what has all of its corners there; what has one there is touched, and what
-                // has all of them beyond one side is not.
-                const td::RectNormalized<double> rect(lasso[0].x, lasso[0].y, lasso[1].x, lasso[1].y);
-                const auto touched = tree.getWithin(eye, rect),
-                           whole = tree.getWithin(eye, rect, TriangleIndex::Take::Whole);
-                const std::size_t nCorners = kind == TriangleIndex::Kind::Triangles ? 3
-                                             : kind == TriangleIndex::Kind::Lines   ? 2
-                                                                                    : 1;
-                for (std::size_t k = 0; k < tree.size() && eye.isValid(); ++k)
-                {
-                    std::size_t nIn = 0, nSeen = 0, beyond[4] = {};
-                    glm::dvec3 corners[3];
-                    for (std::size_t c = 0; c < nCorners; ++c)
-                    {
-                        corners[c] = mesh.vertices[nCorners == 1 ? k : mesh.indices[k * nCorners + c]];
-                        const auto at = eye.project(corners[c]);
-                        if (!at || at->z < eye.getNearest() || !(glm::length(corners[c]) < 1e100))
-                            continue;
-                        ++nSeen;
-                        const bool isBeyond[] = {at->x<rect.left, at->x> rect.right,
-                                                 at->y<rect.top, at->y> rect.bottom};
-                        for (int side = 0; side < 4; ++side)
-                            beyond[side] += isBeyond[side] ? 1 : 0;
-                        nIn += std::find(isBeyond, isBeyond + 4, true) == isBeyond + 4 ? 1 : 0;
-                    }
-                    const bool isFlat =
-                        nCorners == 3 && glm::cross(corners[1] - corners[0], corners[2] - corners[0]) == glm::dvec3(0);
-                    const bool isTouched = std::binary_search(touched.begin(), touched.end(), k);
-                    ASSERT_EQ(std::binary_search(whole.begin(), whole.end(), k), nIn == nCorners && !isFlat);
-                    if (nSeen == nCorners)
-                    {
-                        ASSERT_TRUE(isTouched || nIn == 0 || isFlat);
-                        ASSERT_FALSE(isTouched && *std::max_element(beyond, beyond + 4) == nCorners);
-                    }
-                }
-            }
-        }
 }
 
 // Lines and points are hit as far beside them as their reach on the screen says, near by and far away.

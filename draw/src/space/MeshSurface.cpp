@@ -1,5 +1,7 @@
 #include "MeshSurface.h"
 
+#include "NearestFloat.h"
+
 #include <glm/geometric.hpp>
 #include <glm/trigonometric.hpp>
 
@@ -265,10 +267,8 @@ private:
         const glm::dvec3 distance = _mesh.positions[index] - _surface.origin;
         for (int k = 0; k < 3; ++k)
         {
-            // Volatile since GCC 12 takes the float for the double that it was made of, where it does two at a time.
-            const volatile float nearest = static_cast<float>(distance[k]);
-            position[k] = nearest;
-            rest[k] = static_cast<float>(distance[k] - static_cast<double>(nearest));
+            position[k] = nearestFloat(distance[k]);
+            rest[k] = static_cast<float>(distance[k] - static_cast<double>(position[k]));
         }
         _surface.hasRests = _surface.hasRests || rest != glm::vec3(0);
     }

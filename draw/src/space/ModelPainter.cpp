@@ -1,5 +1,7 @@
 #include "ModelPainter.h"
 
+#include "NearestFloat.h"
+
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 #include <gui/gl/Textures.h>
@@ -82,7 +84,7 @@ void ModelPainter::setGeometry(ModelGeometry&& geometry, bool hasTextureCoordina
     _hasRests = geometry.hasRests;
     _hasTextureCoordinates = hasTextureCoordinates;
     _vertices.clear();
-    _vertices.reserve(geometry.vertices.size() * (6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U)));
+    _vertices.reserve(geometry.vertices.size() * getFloatsPerVertex());
     for (const MeshSurface::Vertex& vertex : geometry.vertices)
     {
         const std::array<float, 2> normal = packedNormal(vertex.normal);
@@ -146,11 +148,8 @@ bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
     buffer.setKeptForRestore(false);
     using gl::DataType;
     using Layout = std::initializer_list<DataType>;
-    const auto init = [&](const Layout& layout)
-    {
-        const std::size_t nBytes = std::size_t(4) * (6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U));
-        return buffer.init(0, _vertices.size() * 4 / nBytes, _indices.size(), layout);
-    };
+    const std::size_t nVertices = _vertices.size() / getFloatsPerVertex();
+    const auto init = [&](const Layout& layout) { return buffer.init(0, nVertices, _indices.size(), layout); };
     if (_hasTextureCoordinates && _hasRests)
         init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2, DataType::Vec3});
     else if (_hasTextureCoordinates)
@@ -159,7 +158,7 @@ bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
         init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec3});
     else
         init({DataType::Vec3, DataType::NormShort4, DataType::Float});
-    buffer.appendVertices(_vertices.data(), _vertices.size() * sizeof(float) / buffer.getVertexStride());
+    buffer.appendVertices(_vertices.data(), nVertices);
     buffer.appendIndices(_indices.data(), _indices.size());
     if (!buffer.commit() || !buffer.isCommitted())
     {
@@ -234,11 +233,7 @@ bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
         nearest += glm::dot((low + high) / 2.0 - place, eye.getDirection()) * eye.getDirection();
     nearest = glm::clamp(nearest, low, high);
     for (int k = 0; k < 3; ++k)
-    {
-        // Volatile for the reason that MeshSurface has: it has to be the very number that shaders get.
-        const volatile float rounded = static_cast<float>(nearest[k]);
-        _sight.reference[k] = static_cast<double>(rounded);
-    }
+        _sight.reference[k] = static_cast<double>(nearestFloat(nearest[k]));
     _sight.toClip = eye.getMatrix(_origin + _sight.reference);
     _sight.viewer =
         eye.isOrthographic() ? glm::vec4(-eye.getDirection(), 0) : glm::vec4(glm::vec3(place - _sight.reference), 1);
@@ -540,14 +535,21 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
     return _pGL->pPrograms->getQuads().draw(std::span(&one, 1)) || fail("there is no vertex array");
 }
 
+// @return whether there is something to draw; else what to answer is in isDone
+bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone)
+{
+    isDone = gl::CurrentContext::isThere("Model::draw");
+    if (!isDone || !lookFrom(eye, look))
+        return false;
+    isDone = prepare(parts);
+    return isDone;
+}
+
 bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images)
 {
-    if (!gl::CurrentContext::isThere("Model::draw"))
-        return false;
-    if (!lookFrom(eye, look))
-        return true;
-    if (!prepare(parts))
-        return false;
+    bool isDone = false;
+    if (!begin(eye, look, parts, isDone))
+        return isDone;
     const gl::StateGuard guard;
     const Level& level = chooseLevel(eye, look.tolerance);
     const float edgeWidth = level.edgeCells.empty() ? 0 : lineWidthOf(look.edges, _sight.scale);
@@ -568,12 +570,9 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
 bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
                             unsigned int features, td::Color color, std::uint32_t firstId)
 {
-    if (!gl::CurrentContext::isThere("Model::draw"))
-        return false;
-    if (!lookFrom(eye, look))
-        return true;
-    if (!prepare(parts))
-        return false;
+    bool isDone = false;
+    if (!begin(eye, look, parts, isDone))
+        return isDone;
     const gl::StateGuard guard;
     beginSurfaces(0);
     ModelProgram* pProgram = activate(features, look);

@@ -115,6 +115,8 @@ private:
     using Level = ModelGeometry::Level;
 
     bool fail(const char* reason);
+    std::size_t getFloatsPerVertex() const { return 6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U); }
+    bool begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone);
     bool prepare(const std::vector<ModelPart>& parts);
     bool uploadParts(const std::vector<ModelPart>& parts);
     bool uploadEdges();

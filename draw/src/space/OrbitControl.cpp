@@ -409,8 +409,10 @@ bool OrbitControl::onKey(const Key& key)
         if (key.isShiftPressed())
             impl.move(-cKeyMove * x, cKeyMove * y);
         else
+        {
             impl.camera.turn(impl.camera.getTarget(), cKeyTurn * x, cKeyTurn * y);
-        impl.changed();
+            impl.changed();
+        }
     }
     else if (character == '+' || character == '=' || code == Virtual::KeypadPlus)
         impl.zoomInMiddle(factor);
