@@ -10,6 +10,9 @@ in Surface
     vec2 inPicture;
 #endif
 #endif
+#ifdef CLIPPED
+    vec3 cutPlace;
+#endif
     flat vec4 paint;
 }
 surface;
@@ -69,6 +72,10 @@ void main()
     int flags = int(surface.paint.a + 0.5);
     if ((flags & 2) == 0 && !gl_FrontFacing)
         discard;
+#ifdef CLIPPED
+    if (isInNotch(surface.cutPlace))
+        discard;
+#endif
 #if defined(PLAIN)
     color = plainColor;
 #elif defined(IDS)

@@ -10,6 +10,9 @@ in Surface
 #ifdef TEXTURED
     vec2 inPicture;
 #endif
+#ifdef CLIPPED
+    vec3 cutPlace;
+#endif
     flat vec4 paint;
 }
 corners[];
@@ -21,6 +24,9 @@ out Surface
     flat vec2 polish;
 #ifdef TEXTURED
     vec2 inPicture;
+#endif
+#ifdef CLIPPED
+    vec3 cutPlace;
 #endif
     flat vec4 paint;
 }
@@ -39,6 +45,10 @@ void main()
         surface.inPicture = corners[i].inPicture;
 #endif
         surface.paint = corners[i].paint;
+#ifdef CLIPPED
+        clipAt(corners[i].cutPlace);
+        surface.cutPlace = corners[i].cutPlace;
+#endif
         opposite = vec3(i == 0, i == 1, i == 2);
         EmitVertex();
     }

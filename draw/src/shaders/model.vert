@@ -28,6 +28,9 @@ out Surface
     vec2 inPicture;
 #endif
 #endif
+#ifdef CLIPPED
+    vec3 cutPlace;
+#endif
     flat vec4 paint;  // its linear colour, and whether both sides are seen (2), with a texture (4)
 }
 surface;
@@ -39,6 +42,10 @@ void main()
     place += rest;
 #endif
     gl_Position = toClip * vec4(place, 1.0);
+#ifdef CLIPPED
+    clipAt(place);
+    surface.cutPlace = place;
+#endif
     int part = int(partNumber + 0.5);
     surface.paint = texelFetch(parts, 2 * part);
 #ifdef IDS

@@ -6,6 +6,11 @@ uniform float lineWidth;
 uniform float leastCover; // of a pixel that is drawn
 uniform vec2 halfSize;
 uniform vec2 corner; // of the viewport
+#ifdef CLIPPED
+flat in vec3 cutBegin;
+flat in vec3 cutEnd;
+flat in vec2 inverseW;
+#endif
 out vec4 color;
 
 void main()
@@ -17,6 +22,11 @@ void main()
     float covered = clamp(lineWidth / 2.0 - d + 0.5, 0.0, 1.0) - clamp(-lineWidth / 2.0 - d + 0.5, 0.0, 1.0);
     if (covered <= leastCover)
         discard;
+#ifdef CLIPPED
+    // What is linear on the screen is a place over its w.
+    if (isCutAway(mix(cutBegin, cutEnd, share) / mix(inverseW.x, inverseW.y, share)))
+        discard;
+#endif
     color = lineColor * covered;
     // Around an end it is as far as the end: what a short edge goes on to is somewhere else.
     gl_FragDepth = mix(depths.x, depths.y, share);

@@ -8,6 +8,11 @@ uniform float lineWidth; // in pixels, as all of these
 uniform vec2 toDepth; // from clip space z to the depth buffer's: times, plus
 flat out vec4 ends;
 flat out vec2 depths; // there
+#ifdef CLIPPED
+flat out vec3 cutBegin; // the ends' places times 1 / w, and that
+flat out vec3 cutEnd;
+flat out vec2 inverseW;
+#endif
 
 bool isVisible(float part) { return (int(texelFetch(parts, 2 * int(part + 0.5)).a + 0.5) & 1) != 0; }
 
@@ -17,6 +22,10 @@ void main()
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
     ends = vec4(0.0);
     depths = vec2(0.0);
+#ifdef CLIPPED
+    cutBegin = cutEnd = vec3(0.0);
+    inverseW = vec2(1.0);
+#endif
 #ifdef RESTS
     edge *= 4;
 #else
@@ -51,6 +60,11 @@ void main()
     float reach = lineWidth / 2.0 + 1.0, size = length(t - s);
     vec2 along = size > 1e-6 ? (t - s) / size : vec2(1.0, 0.0);
     vec2 across = vec2(-along.y, along.x) * ((corner & 2) == 0 ? reach : -reach);
+#ifdef CLIPPED
+    inverseW = 1.0 / vec2(begin.w, end.w);
+    cutBegin = mix(p, q, from) * inverseW.x;
+    cutEnd = mix(p, q, to) * inverseW.y;
+#endif
     bool isEnd = (corner & 1) != 0;
     ends = vec4(s, t);
     depths = vec2(begin.z / begin.w, end.z / end.w) * toDepth.x + toDepth.y;

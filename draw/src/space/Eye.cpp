@@ -174,7 +174,7 @@ double Eye::getSizeAt(const glm::dvec3& point) const
 
 bool Eye::sees(const Box3& box) const
 {
-    if (!_isValid || box.isEmpty())
+    if (!_isValid || !_clipping.isSeen(box))
         return false;
     if (!box.isFinite())
         return true;
@@ -210,7 +210,9 @@ Eye Eye::getPart(const td::RectNormalized<double>& rect) const
     toPart[0][0] = sx;
     toPart[1][1] = sy;
     toPart[3] = glm::dvec4(-sx * x, -sy * y, 0, 1);
-    return {_position, _rotation, toPart * _projection, size, _scale, _depth};
+    Eye part(_position, _rotation, toPart * _projection, size, _scale, _depth);
+    part._clipping = _clipping;
+    return part;
 }
 
 Eye Eye::getBetween(double nearest, double farthest) const
@@ -231,7 +233,9 @@ Eye Eye::getBetween(double nearest, double farthest) const
         a = slope * sum - (std::isfinite(farthest) ? 2 * _projection[3][3] / (farthest - nearest) : 0);
         b = a * nearest - w;
     }
-    return {_position, _rotation, projection, _size, _scale, _depth == Depth::Sliced ? Depth::Usual : _depth};
+    Eye part(_position, _rotation, projection, _size, _scale, _depth == Depth::Sliced ? Depth::Usual : _depth);
+    part._clipping = _clipping;
+    return part;
 }
 
 gl::DepthBuffer::Function Eye::getNearer() const

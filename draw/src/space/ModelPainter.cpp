@@ -1,7 +1,5 @@
 #include "ModelPainter.h"
 
-#include "NearestFloat.h"
-
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 #include <gui/gl/Textures.h>
@@ -52,12 +50,6 @@ void beginBlending()
 
 double inUnit(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
 
-float lineWidthOf(const Model::Line& line, float scale)
-{
-    const double width = line.width * static_cast<double>(scale);
-    return line.color.alpha() > 0 && width > 0 ? static_cast<float>(std::min(width, 1000.0)) : 0;
-}
-
 // Four numbers of 16 bits as NormShort4 has them, in two floats.
 std::array<float, 2> packedNormal(const glm::vec3& normal)
 {
@@ -65,12 +57,6 @@ std::array<float, 2> packedNormal(const glm::vec3& normal)
     for (std::size_t i = 0; i < 3; ++i)
         shorts[i] = static_cast<std::int16_t>(std::lround(normal[static_cast<int>(i)] * 32767.0F));
     return std::bit_cast<std::array<float, 2>>(shorts);
-}
-
-glm::dvec3 directionOf(const glm::dvec3& v)
-{
-    const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
-    return largest > 0 && std::isfinite(largest) ? glm::normalize(v / largest) : glm::dvec3(0, 0, 1);
 }
 
 } // namespace
@@ -212,65 +198,6 @@ bool ModelPainter::uploadEdges()
     return true;
 }
 
-// @return false when there is nothing to see
-bool ModelPainter::lookFrom(const Eye& eye, const ModelLook& look)
-{
-    std::array<GLint, 4> viewport{};
-    glGetIntegerv(GL_VIEWPORT, viewport.data());
-    if (getNumberOfTriangles() == 0 || !eye.isValid() || viewport[2] <= 0 || viewport[3] <= 0)
-        return false;
-    const Light& light = look.light;
-    _sight.halfSize = glm::vec2(viewport[2], viewport[3]) / 2.0F;
-    _sight.corner = {viewport[0], viewport[1]};
-    _sight.scale = static_cast<float>(eye.getScale());
-    _sight.isReversed = eye.getDepth() == Eye::Depth::Reversed;
-    _sight.nearer = eye.getNearerOrEqual();
-
-    // Shaders begin with the distance from a reference, which floats have exactly near there: at what is seen largest.
-    const glm::dvec3 place = eye.getPosition() - _origin, low = _bounds.min - _origin, high = _bounds.max - _origin;
-    glm::dvec3 nearest = place;
-    if (eye.isOrthographic())
-        nearest += glm::dot((low + high) / 2.0 - place, eye.getDirection()) * eye.getDirection();
-    nearest = glm::clamp(nearest, low, high);
-    for (int k = 0; k < 3; ++k)
-        _sight.reference[k] = static_cast<double>(nearestFloat(nearest[k]));
-    _sight.toClip = eye.getMatrix(_origin + _sight.reference);
-    _sight.viewer =
-        eye.isOrthographic() ? glm::vec4(-eye.getDirection(), 0) : glm::vec4(glm::vec3(place - _sight.reference), 1);
-    const glm::dvec3 toLight = light.kind == Light::Kind::Sun
-                                   ? directionOf(light.direction)
-                                   : glm::normalize(0.55 * eye.getUp() - 0.4 * eye.getRight() - eye.getDirection());
-    _sight.toLight = glm::vec3(toLight);
-    _sight.up = glm::vec3(light.kind == Light::Kind::Sun ? toLight : eye.getUp());
-
-    // What is seen has x and y of clip space from -w to w, w above 0, and z from -w to w, or from w to 0. Lines reach
-    // into it from outside.
-    const double reach = 1 + static_cast<double>(std::max(lineWidthOf(look.edges, _sight.scale),
-                                                          2 * lineWidthOf(look.outline, _sight.scale))) /
-                                 2;
-    const glm::dvec2 size = 1.0 + reach / glm::dvec2(_sight.halfSize);
-    glm::dmat4 view(eye.getRotation());
-    view[3] = glm::dvec4(eye.getRotation() * -place, 1);
-    const glm::dmat4 toClip = eye.getProjection() * view;
-    const auto row = [&](int i) { return glm::dvec4(toClip[0][i], toClip[1][i], toClip[2][i], toClip[3][i]); };
-    const std::array<glm::dvec4, 7> planes{size.x * row(3) + row(0),
-                                           size.x * row(3) - row(0),
-                                           size.y * row(3) + row(1),
-                                           size.y * row(3) - row(1),
-                                           row(3),
-                                           row(3) - row(2),
-                                           _sight.isReversed ? row(2) : row(3) + row(2)};
-    for (std::size_t i = 0; i < planes.size(); ++i)
-    {
-        const double length = glm::length(glm::dvec3(planes[i]));
-        // A far plane may be infinitely far.
-        const glm::dvec4 plane = length > 0 ? planes[i] / length : glm::dvec4(0, 0, 0, 1);
-        _sight.planes[i] = {glm::vec3(plane), static_cast<float>(plane.w)};
-    }
-    const glm::dvec3 middle = (low + high) / 2.0;
-    return isSeen({glm::vec3(middle), glm::vec3(high - middle) * 1.000001F, 0, 0, 0});
-}
-
 const ModelGeometry::Level& ModelPainter::chooseLevel(const Eye& eye, double tolerance) const
 {
     std::size_t level = 0;
@@ -285,22 +212,6 @@ const ModelGeometry::Level& ModelPainter::chooseLevel(const Eye& eye, double tol
     return _levels[level];
 }
 
-// Whether some of its box may be. Floats are a little less exact than the planes: far from them by that.
-// @param isBetween  whether it has to be in the eye's depth too
-bool ModelPainter::isSeen(const ModelCell& cell, bool isBetween) const
-{
-    for (const Plane& plane : std::span(_sight.planes).first(isBetween ? 7 : 5))
-    {
-        const float middle = glm::dot(plane.normal, cell.center);
-        const float reach = glm::dot(glm::abs(plane.normal), cell.halfSize);
-        const float slack =
-            1e-6F * (glm::dot(glm::abs(plane.normal), glm::abs(cell.center)) + reach + std::abs(plane.distance));
-        if (middle + plane.distance + reach + slack < 0)
-            return false;
-    }
-    return true;
-}
-
 ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& look)
 {
     const bool isSurface = (features & (ModelProgram::Edges | ModelProgram::Outline)) == 0;
@@ -308,6 +219,8 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
         features |= ModelProgram::Textured;
     if (_hasRests && (features & ModelProgram::Outline) == 0)
         features |= ModelProgram::Rests;
+    if (!_sight.clipping.isEmpty() && (features & ModelProgram::Outline) == 0)
+        features |= ModelProgram::Clipped;
     ModelProgram* pProgram = _pGL->pPrograms->find(features);
     if (pProgram == nullptr)
     {
@@ -321,6 +234,8 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
     program.setUniformValue(program.at(ModelProgram::ToClip), _sight.toClip);
     program.setUniformValue(program.at(ModelProgram::Reference), glm::vec3(_sight.reference));
     program.setUniformValue(program.at(ModelProgram::HalfSize), _sight.halfSize);
+    if ((features & ModelProgram::Clipped) != 0)
+        _sight.setClipUniforms(program.getClipLocations());
     if (isSurface && (features & (ModelProgram::Plain | ModelProgram::Ids)) == 0)
     {
         program.setUniformValue(program.at(ModelProgram::Viewer), _sight.viewer);
@@ -375,7 +290,7 @@ bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWa
     for (const ModelCell& cell : level.cells)
     {
         const State& state = _states[cell.part];
-        if (!state.isVisible || !isWanted(state) || !isSeen(cell, isBetween))
+        if (!state.isVisible || !isWanted(state) || !_sight.isSeen(cell, isBetween))
             continue;
         const bool isOther = pImages != nullptr && state.texture != 0 && state.texture != texture;
         if (cell.first != end || isOther)
@@ -404,7 +319,7 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
 {
     _ranges.clear();
     for (const ModelCell& cell : level.edgeCells)
-        if (isSeen(cell))
+        if (_sight.isSeen(cell))
         {
             if (!_ranges.empty() && _ranges.back().first + _ranges.back().count == cell.first)
                 _ranges.back().count += cell.count;
@@ -419,7 +334,7 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
     if (pProgram == nullptr)
         return false;
     pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.edges.color));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), lineWidthOf(look.edges, _sight.scale));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), ModelSight::getWidth(look.edges, _sight.scale));
     pProgram->setUniformValue(pProgram->at(ModelProgram::LeastCover), 0.0F);
     pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
     pProgram->setUniformValue(pProgram->at(ModelProgram::ToDepth),
@@ -441,7 +356,7 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
 
 bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images)
 {
-    const float width = lineWidthOf(look.wires, _sight.scale);
+    const float width = ModelSight::getWidth(look.wires, _sight.scale);
     const bool areAlone = wires == Model::Wires::Alone;
     if (!(areAlone ? _kinds.areAlone && width > 0 : _kinds.areOver))
         return true;
@@ -463,7 +378,7 @@ glm::vec4 ModelPainter::findSelected(const Level& level) const
     for (const ModelCell& cell : level.cells)
     {
         const State& state = _states[cell.part];
-        if (!state.isVisible || !state.isSelected || !isSeen(cell, false))
+        if (!state.isVisible || !state.isSelected || !_sight.isSeen(cell, false))
             continue;
         for (unsigned int i = 0; i < 8; ++i)
         {
@@ -482,7 +397,7 @@ glm::vec4 ModelPainter::findSelected(const Level& level) const
 bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
 {
     using gl::Context;
-    const float width = std::min(lineWidthOf(look.outline, _sight.scale), cLargestOutline);
+    const float width = std::min(ModelSight::getWidth(look.outline, _sight.scale), cLargestOutline);
     const glm::vec2 reach = (width + 1) / _sight.halfSize;
     const glm::vec4 box = findSelected(level) + glm::vec4(-reach, reach);
     if (box.x > box.z)
@@ -539,7 +454,10 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
 bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone)
 {
     isDone = gl::CurrentContext::isThere("Model::draw");
-    if (!isDone || !lookFrom(eye, look))
+    const auto scale = static_cast<float>(eye.getScale());
+    const float reach =
+        std::max(ModelSight::getWidth(look.edges, scale), 2 * ModelSight::getWidth(look.outline, scale));
+    if (!isDone || getNumberOfTriangles() == 0 || !_sight.look(eye, look.light, _origin, _bounds, reach))
         return false;
     isDone = prepare(parts);
     return isDone;
@@ -551,8 +469,9 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     if (!begin(eye, look, parts, isDone))
         return isDone;
     const gl::StateGuard guard;
+    const ClipState clip(_sight.clipping);
     const Level& level = chooseLevel(eye, look.tolerance);
-    const float edgeWidth = level.edgeCells.empty() ? 0 : lineWidthOf(look.edges, _sight.scale);
+    const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
     beginSurfaces(edgeWidth);
     if (activate(0, look) == nullptr ||
         !drawCells(level, &images, [](const State& state) { return state.wires == Model::Wires::None; }))
@@ -561,7 +480,7 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     if (!drawWires(Model::Wires::Over, level, look, images) || (edgeWidth > 0 && !drawEdges(level, look)) ||
         !drawWires(Model::Wires::Alone, level, look, images))
         return false;
-    if (_kinds.areSelected && lineWidthOf(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
+    if (_kinds.areSelected && ModelSight::getWidth(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
         return false;
     _lastFailure = nullptr;
     return true;
@@ -574,6 +493,7 @@ bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::ve
     if (!begin(eye, look, parts, isDone))
         return isDone;
     const gl::StateGuard guard;
+    const ClipState clip(_sight.clipping);
     beginSurfaces(0);
     ModelProgram* pProgram = activate(features, look);
     if (pProgram == nullptr)

@@ -3,6 +3,7 @@
 #include "../drawing/ImageStore.h"
 #include "ModelGeometry.h"
 #include "ModelPrograms.h"
+#include "ModelSight.h"
 
 #include <gui/draw/Eye.h>
 #include <gui/draw/Light.h>
@@ -91,27 +92,6 @@ private:
     {
         bool areOver = false, areAlone = false, areSelected = false, areTwoSided = false;
     };
-    /// A plane of which what is seen is on the side that it points to, from the model's origin.
-    struct Plane
-    {
-        glm::vec3 normal;
-        float distance;
-    };
-    /// A frame's eye, as shaders and cells are told of it.
-    struct Sight
-    {
-        glm::mat4 toClip;            // from the reference
-        glm::dvec3 reference{0};     // from the origin
-        std::array<Plane, 7> planes; // those of the depth at the end
-        glm::vec4 viewer{0};  // where the eye is from the reference, and 1; or where it is seen from everywhere, and 0
-        glm::vec3 toLight{0}; // of length 1
-        glm::vec3 up{0};
-        glm::vec2 halfSize{0}; // of the viewport, in pixels
-        glm::vec2 corner{0};   // its lower left one
-        float scale = 1;       // pixels per point
-        bool isReversed = false;
-        gl::DepthBuffer::Function nearer = gl::DepthBuffer::Function::LessOrEqual;
-    };
     using Level = ModelGeometry::Level;
 
     bool fail(const char* reason);
@@ -120,9 +100,7 @@ private:
     bool prepare(const std::vector<ModelPart>& parts);
     bool uploadParts(const std::vector<ModelPart>& parts);
     bool uploadEdges();
-    bool lookFrom(const Eye& eye, const ModelLook& look);
     const Level& chooseLevel(const Eye& eye, double tolerance) const;
-    bool isSeen(const ModelCell& cell, bool isBetween = true) const;
     ModelProgram* activate(unsigned int features, const ModelLook& look);
     void beginSurfaces(float lineWidth);
     void collectStates(const std::vector<ModelPart>& parts);
@@ -143,7 +121,7 @@ private:
     std::vector<std::uint32_t> _indices;
     std::vector<glm::vec4> _edges;
 
-    Sight _sight;
+    ModelSight _sight;
     std::unique_ptr<InGL> _pGL;
     gl::CommandList _commands; // those of a frame
     std::vector<gl::Quads::Range> _ranges;

@@ -12,7 +12,8 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::array<const char*, 7> cModelFeatures{"TEXTURED", "RESTS", "WIRES", "PLAIN", "IDS", "EDGES", "OUTLINE"};
+constexpr std::array<const char*, 8> cModelFeatures{"TEXTURED", "RESTS", "WIRES",   "PLAIN",
+                                                    "IDS",      "EDGES", "OUTLINE", "CLIPPED"};
 
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
@@ -30,18 +31,21 @@ bool ModelProgram::link(unsigned int features)
     const char* name = (features & Edges) != 0     ? ":draw/modeledge"
                        : (features & Outline) != 0 ? ":draw/modeloutline"
                                                    : ":draw/model";
-    const auto source = [&](const char* stage)
-    { return head + gui::getResText((std::string(name) + stage).c_str()).c_str(); };
-    const std::string vertex = source(".vert"), fragment = source(".frag");
+    const std::string clipping = (features & Clipped) != 0 ? gui::getResText(":draw/clipping.glsl").c_str() : "";
+    const auto source = [&](const char* stage, const char* define = "")
+    { return head + define + clipping + gui::getResText((std::string(name) + stage).c_str()).c_str(); };
+    const char* clips = (features & Edges) == 0 ? "#define CLIPS\n" : "";
+    const std::string vertex = source(".vert", clips), fragment = source(".frag");
     if ((features & Wires) == 0)
         return Program::link(vertex.c_str(), fragment.c_str());
-    return Program::link(vertex.c_str(), fragment.c_str(), source(".geom").c_str());
+    return Program::link(vertex.c_str(), fragment.c_str(), source(".geom", clips).c_str());
 }
 
 void ModelProgram::onLinked()
 {
     std::transform(cUniformNames.begin(), cUniformNames.end(), _uniforms.begin(),
                    [this](const char* name) { return getUniformLocation(name); });
+    _clipLocations = {getUniformLocation("clipPlanes"), getUniformLocation("clipKind")};
     activate();
     const auto setUnit = [this](const char* name, gl::Texture::Unit unit)
     { setUniformValue(static_cast<unsigned int>(getUniformLocation(name)), static_cast<int>(unit)); };

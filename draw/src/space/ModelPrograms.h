@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ClipState.h"
+
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Quads.h>
@@ -25,7 +27,8 @@ public:
         Plain = 8,    ///< one colour
         Ids = 16,     ///< the part's number as a colour
         Edges = 32,   ///< quads about edges
-        Outline = 64  ///< the outline of a mask
+        Outline = 64, ///< the outline of a mask
+        Clipped = 128 ///< with planes that cut something away
     };
     enum Uniform : std::size_t
     {
@@ -49,6 +52,7 @@ public:
     };
 
     bool link(unsigned int features);
+    const ClipState::Locations& getClipLocations() const { return _clipLocations; }
     unsigned int at(Uniform uniform) const { return static_cast<unsigned int>(_uniforms[uniform]); }
 
     static constexpr gl::Texture::Unit cPartsUnit = gl::Texture::Unit::T0, cEdgesUnit = gl::Texture::Unit::T1;
@@ -59,6 +63,7 @@ protected:
 
 private:
     std::array<int, cUniforms> _uniforms{};
+    ClipState::Locations _clipLocations;
 };
 
 /// What all models of a context draw with.

@@ -149,11 +149,22 @@ void OrbitView::flyTo(OrbitCamera::Side side, double seconds)
     _control.begin();
 }
 
-Eye OrbitView::getEye() const { return _canvas.getEye(_camera, static_cast<double>(getPixelHiDPIScale())); }
+Eye OrbitView::getEye() const
+{
+    Eye eye = _canvas.getEye(_camera, static_cast<double>(getPixelHiDPIScale()));
+    eye.setClipping(_clipping);
+    return eye;
+}
 
 void OrbitView::setDepth(Eye::Depth depth)
 {
     _canvas.setDepth(depth);
+    reRender();
+}
+
+void OrbitView::setClipping(const Clipping& clipping)
+{
+    _clipping = clipping;
     reRender();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Box3.h"
+#include "Clipping.h"
 #include "Ray.h"
 
 #include <gui/gl/Context.h>
@@ -91,6 +92,10 @@ public:
     const td::Size<double>& getSize() const { return _size; }
     double getScale() const { return _scale; }
     Depth getDepth() const { return _depth; } ///< see Depth
+    /// What is cut away of all that it sees; nothing at first. It is the model's: for pictures that show the model as
+    /// the eye does, and for its parts too (getPart, getBetween).
+    const Clipping& getClipping() const { return _clipping; }
+    void setClipping(const Clipping& clipping) { _clipping = clipping; } ///< see getClipping
     /// What a fragment passes the depth test with that is nearer than what is there: Less, or Greater where the depth
     /// is reversed; and with one as near.
     gl::DepthBuffer::Function getNearer() const;
@@ -130,7 +135,7 @@ public:
     double getSizeAt(const glm::dvec3& point) const;
 
     /// Whether some of a box may be seen: true whenever it is, and now and then when it is just beside the view. False
-    /// for an empty box.
+    /// for an empty box, and one that is cut away.
     bool sees(const Box3& box) const;
 
     /// The eye that sees a rectangle of this one's view, and nothing else: for a lasso's frustum, the picture of a few
@@ -149,6 +154,7 @@ private:
     glm::dmat3 _rotation{1};
     glm::dmat4 _projection{1};
     td::Size<double> _size;
+    Clipping _clipping;
     double _scale = 1;
     Depth _depth = Depth::Usual;
     bool _isValid = false;

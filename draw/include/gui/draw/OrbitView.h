@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Clipping.h"
 #include "DepthCanvas.h"
 #include "Eye.h"
 #include "OrbitCamera.h"
@@ -87,6 +88,10 @@ public:
     /// globe: see DepthCanvas, which says too what takes its place where GL hasn't got it. Best before createContext.
     void setDepth(Eye::Depth depth);
 
+    /// What is cut away of the model; nothing at first. What is drawn with the eye that drawScene gets keeps to it.
+    void setClipping(const Clipping& clipping);
+    const Clipping& getClipping() const { return _clipping; } ///< see setClipping
+
     /// What the model is before: one colour, or one at the top that goes over into another. "#f4f6f8" and "#c8d0d8" at
     /// first.
     void setBackground(td::Color color);
@@ -146,6 +151,7 @@ private:
     OrbitControl _control;
     std::unique_ptr<Background> _pBackground;
     DepthCanvas _canvas;
+    Clipping _clipping;
     gl::Framebuffer _pickBuffer;
     std::optional<td::Point<double>> _pointer;
     OrbitCamera::Pose _drawn;

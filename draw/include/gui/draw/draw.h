@@ -7,6 +7,7 @@
 #include "Axes.h"
 #include "Axis.h"
 #include "Box3.h"
+#include "Clipping.h"
 #include "ColorMap.h"
 #include "DepthCanvas.h"
 #include "Drawing.h"

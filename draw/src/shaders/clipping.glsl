@@ -1,0 +1,35 @@
+// Planes that cut away what is behind one of them (clipKind 0), or behind all of them (1). Places are distances from
+// the reference.
+#ifdef CLIPPED
+uniform vec4 clipPlanes[6];
+uniform int clipKind;
+
+float distanceOfPlane(int i, vec3 place) { return dot(clipPlanes[i].xyz, place) + clipPlanes[i].w; }
+
+// For a fragment: whether it lies in a notch. What planes cut off never becomes one.
+bool isInNotch(vec3 place)
+{
+    bool isBehind = clipKind == 1;
+    for (int i = 0; i < 6; ++i)
+        isBehind = isBehind && distanceOfPlane(i, place) < 0.0;
+    return isBehind;
+}
+
+// For a point: whether it is cut away in one way or the other.
+bool isCutAway(vec3 place)
+{
+    bool isBehindOne = false;
+    for (int i = 0; i < 6; ++i)
+        isBehindOne = isBehindOne || distanceOfPlane(i, place) < 0.0;
+    return clipKind == 1 ? isInNotch(place) : isBehindOne;
+}
+#ifdef CLIPS
+// For a vertex, where CLIPS is defined: what GL cuts triangles by.
+out float gl_ClipDistance[6];
+void clipAt(vec3 place)
+{
+    for (int i = 0; i < 6; ++i)
+        gl_ClipDistance[i] = clipKind == 1 ? 1.0 : distanceOfPlane(i, place);
+}
+#endif
+#endif

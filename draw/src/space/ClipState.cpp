@@ -1,0 +1,70 @@
+#include "ClipState.h"
+
+#include <glm/vec4.hpp>
+
+#include <epoxy/gl.h>
+
+namespace gui::draw
+{
+
+namespace
+{
+
+using Equations = std::array<glm::vec4, Clipping::cMostPlanes>;
+
+void setClipUniforms(const ClipState::Locations& at, const Equations& equations, bool isNotch)
+{
+    glUniform4fv(at.planes, Clipping::cMostPlanes, &equations[0].x);
+    glUniform1i(at.kind, isNotch ? 1 : 0);
+}
+
+} // namespace
+
+ClipState::ClipState(const Clipping& clipping, What what)
+{
+    // What a notch takes from a model has no convex rest: it is left out pixel by pixel.
+    const bool isByDistance = what == What::Face || clipping.getKind() == Clipping::Kind::Cut;
+    for (std::size_t i = 0; i < clipping.getNumberOfPlanes() && isByDistance; ++i)
+    {
+        const GLenum distance = GL_CLIP_DISTANCE0 + static_cast<GLenum>(i);
+        _wasOff[i] = glIsEnabled(distance) == GL_FALSE;
+        glEnable(distance);
+    }
+}
+
+ClipState::~ClipState()
+{
+    for (std::size_t i = 0; i < _wasOff.size(); ++i)
+        if (_wasOff[i])
+            glDisable(GL_CLIP_DISTANCE0 + static_cast<GLenum>(i));
+}
+
+void ClipState::setUniforms(const Clipping& clipping, const Locations& at, const glm::dvec3& reference, double slack)
+{
+    if (clipping.isEmpty())
+        return;
+    const bool isNotch = clipping.getKind() == Clipping::Kind::Notch;
+    // Of the planes that there are not, everything is before or, in a notch, behind.
+    Equations equations;
+    equations.fill({0, 0, 0, isNotch ? -1 : 1});
+    for (std::size_t i = 0; i < clipping.getNumberOfPlanes(); ++i)
+    {
+        equations[i] = clipping.getEquation(i, reference);
+        equations[i].w -= static_cast<float>(slack);
+    }
+    setClipUniforms(at, equations, isNotch);
+}
+
+void ClipState::setFaceUniforms(const Clipping& clipping, std::size_t plane, const Locations& at,
+                                const glm::dvec3& reference)
+{
+    const float side = clipping.getKind() == Clipping::Kind::Notch ? -1.0F : 1.0F;
+    Equations equations;
+    equations.fill({0, 0, 0, 1});
+    for (std::size_t i = 0; i < clipping.getNumberOfPlanes(); ++i)
+        if (i != plane)
+            equations[i] = side * clipping.getEquation(i, reference);
+    setClipUniforms(at, equations, false);
+}
+
+} // namespace gui::draw
