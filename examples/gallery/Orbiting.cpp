@@ -12,12 +12,7 @@ void Orbiting::enter(Stage& stage)
 {
     _pStage = &stage;
     _control.setOnChange([&stage] { stage.redraw(); });
-    _control.setPick(
-        [this](const td::Point<double>& point) -> std::optional<glm::dvec3>
-        {
-            const auto hit = _index.getNearest(_eye.getRay(point));
-            return hit ? std::optional(hit->point) : std::nullopt;
-        });
+    _control.setPick([this](const td::Point<double>& point) { return pick(_eye.getRay(point)); });
 }
 
 void Orbiting::onPointer(PointerEvent event, const gui::InputDevice& device)
@@ -65,6 +60,14 @@ bool Orbiting::setMesh(const gui::draw::Mesh& mesh)
     return _model.setMesh(mesh) && _index.setTriangles(mesh.positions, mesh.indices);
 }
 
+std::optional<glm::dvec3> Orbiting::pick(const gui::draw::Ray& ray) const
+{
+    for (const auto& hit : _index.getAll(ray))
+        if (_clipping.isSeen(hit.point))
+            return hit.point;
+    return std::nullopt;
+}
+
 void Orbiting::draw(const Frame& frame)
 {
     // A flight goes on by itself, from frame to frame; at rest there is none.
@@ -72,11 +75,12 @@ void Orbiting::draw(const Frame& frame)
         _pStage->redraw();
     _camera.setSize(frame.size);
     _eye = _canvas.getEye(_camera, frame.scale);
+    _eye.setClipping(_clipping);
     {
         gui::draw::DepthCanvas::Frame picture(_canvas, _eye);
         drawBackground(_eye);
         while (const gui::draw::Eye* const pEye = picture.next())
-            _model.draw(*pEye);
+            drawModel(*pEye);
     }
     _control.drawGizmo(_eye);
 }

@@ -8,6 +8,8 @@
 #include <gui/draw/OrbitControl.h>
 #include <gui/draw/TriangleIndex.h>
 
+#include <optional>
+
 namespace gallery
 {
 
@@ -15,6 +17,11 @@ namespace gallery
 class Orbiting : public Scene
 {
 public:
+    explicit Orbiting(gui::draw::OrbitCamera::Up up = gui::draw::OrbitCamera::Up::Y)
+        : _camera(up)
+    {
+    }
+
     void enter(Stage& stage) override;
     void draw(const Frame& frame) final;
     /// Drags with both Shift and Ctrl are the gallery's.
@@ -28,6 +35,10 @@ protected:
     bool setMesh(const gui::draw::Mesh& mesh);
     /// What the model is before.
     virtual void drawBackground(const gui::draw::Eye& eye) = 0;
+    /// What there is to see: the mesh's model.
+    virtual void drawModel(const gui::draw::Eye& eye) { _model.draw(eye); }
+    /// What is cut away of it, and not picked.
+    void setClipping(const gui::draw::Clipping& clipping) { _clipping = clipping; }
     /// While time runs: goes round the target.
     void turn(double seconds, double degreesPerSecond);
 
@@ -35,6 +46,9 @@ protected:
     gui::draw::Model _model;
 
 private:
+    std::optional<glm::dvec3> pick(const gui::draw::Ray& ray) const;
+
+    gui::draw::Clipping _clipping;
     gui::draw::OrbitControl _control{_camera};
     gui::draw::DepthCanvas _canvas{gui::draw::Eye::Depth::Reversed}; // and smooth edges
     gui::draw::TriangleIndex _index;

@@ -178,6 +178,10 @@ constexpr SceneInfo cScenes[] = {
      "shadow, four millimetres above the ground, does not flicker. The wheel goes from its lamps out into space, 0 "
      "shows all of it.",
      makeHorizon},
+    {"section", "An engine, cut open",
+     "A quarter is cut out of its housing, and the cut is closed: every part is hatched to its own side. Crankshaft, rod "
+     "and plug are left whole. Drags turn it, the wheel goes nearer.",
+     makeSection},
 };
 
 } // namespace

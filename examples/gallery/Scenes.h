@@ -59,5 +59,6 @@ std::unique_ptr<Scene> makeOpening();
 std::unique_ptr<Scene> makeOrbitScene();
 std::unique_ptr<Scene> makePick3D();
 std::unique_ptr<Scene> makeHorizon();
+std::unique_ptr<Scene> makeSection();
 
 } // namespace gallery

@@ -47,7 +47,7 @@ void main()
     surface.cutPlace = place;
 #endif
     int part = int(partNumber + 0.5);
-    surface.paint = texelFetch(parts, 2 * part);
+    surface.paint = texelFetch(parts, 4 * part);
 #ifdef IDS
     uint id = uint(firstId) + uint(part);
     surface.paint.rgb = vec3((uvec3(id) >> uvec3(0u, 8u, 16u)) & 255u);
@@ -55,7 +55,7 @@ void main()
 #elif !defined(PLAIN)
     surface.place = place;
     surface.normal = vertexNormal.xyz;
-    surface.polish = texelFetch(parts, 2 * part + 1).xy;
+    surface.polish = texelFetch(parts, 4 * part + 1).xy;
 #ifdef TEXTURED
     surface.inPicture = textureCoordinate;
 #endif

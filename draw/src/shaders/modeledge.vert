@@ -14,7 +14,7 @@ flat out vec3 cutEnd;
 flat out vec2 inverseW;
 #endif
 
-bool isVisible(float part) { return (int(texelFetch(parts, 2 * int(part + 0.5)).a + 0.5) & 1) != 0; }
+bool isVisible(float part) { return (int(texelFetch(parts, 4 * int(part + 0.5)).a + 0.5) & 1) != 0; }
 
 void main()
 {

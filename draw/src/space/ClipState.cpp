@@ -55,6 +55,13 @@ void ClipState::setUniforms(const Clipping& clipping, const Locations& at, const
     setClipUniforms(at, equations, isNotch);
 }
 
+void ClipState::setNoUniforms(const Locations& at)
+{
+    Equations equations;
+    equations.fill({0, 0, 0, 1});
+    setClipUniforms(at, equations, false);
+}
+
 void ClipState::setFaceUniforms(const Clipping& clipping, std::size_t plane, const Locations& at,
                                 const glm::dvec3& reference)
 {

@@ -43,6 +43,8 @@ public:
     /// Tells the active program of the face in a plane, which the other planes bound.
     static void setFaceUniforms(const Clipping& clipping, std::size_t plane, const Locations& at,
                                 const glm::dvec3& reference);
+    /// Tells it that nothing is cut away.
+    static void setNoUniforms(const Locations& at);
 
 private:
     std::array<bool, Clipping::cMostPlanes> _wasOff{};

@@ -90,6 +90,12 @@ void Model::setWireLine(const Line& line) { _pImpl->look.wires = line; }
 
 void Model::setOutline(const Line& line) { _pImpl->look.outline = line; }
 
+void Model::setSection(const Section& section)
+{
+    _pImpl->look.section = section;
+    _pImpl->painter.markChanged(true);
+}
+
 void Model::setTolerance(double points) { _pImpl->look.tolerance = points > 0 ? points : 0; }
 
 bool Model::setMaterial(std::size_t part, const Material& material)
@@ -130,6 +136,14 @@ bool Model::setWires(std::size_t part, Wires wires)
     return true;
 }
 
+bool Model::setHatch(std::size_t part, const Hatch& hatch)
+{
+    ModelPart* pPart = _pImpl->change(part);
+    if (pPart != nullptr)
+        pPart->hatch = hatch;
+    return pPart != nullptr;
+}
+
 void Model::setWires(Wires wires)
 {
     for (ModelPart& part : _pImpl->parts)
@@ -158,12 +172,13 @@ bool Model::draw(const Eye& eye) { return _pImpl->painter.draw(eye, _pImpl->look
 
 bool Model::drawColor(const Eye& eye, td::Color color)
 {
-    return _pImpl->painter.drawFlat(eye, _pImpl->look, _pImpl->parts, ModelProgram::Plain, color, 0);
+    const glm::vec4 components = glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F;
+    return _pImpl->painter.drawFlat(eye, _pImpl->look, _pImpl->parts, {ModelProgram::Plain, components, 0});
 }
 
 bool Model::drawIds(const Eye& eye, std::uint32_t first)
 {
-    return _pImpl->painter.drawFlat(eye, _pImpl->look, _pImpl->parts, ModelProgram::Ids, td::Color(), first);
+    return _pImpl->painter.drawFlat(eye, _pImpl->look, _pImpl->parts, {ModelProgram::Ids, {}, first});
 }
 
 } // namespace gui::draw

@@ -23,7 +23,7 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::size_t cTexelsPerPart = 2;
+constexpr std::size_t cTexelsPerPart = 4;
 constexpr float cLargestOutline = 24; // pixels, all of which the shader looks through
 
 float linearOf(unsigned int channel)
@@ -34,18 +34,18 @@ float linearOf(unsigned int channel)
 
 glm::vec3 linearOf(td::Color color) { return {linearOf(color.red()), linearOf(color.green()), linearOf(color.blue())}; }
 
-glm::vec4 premultipliedOf(td::Color color)
-{
-    const glm::vec4 c = glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F;
-    return {glm::vec3(c) * c.a, c.a};
-}
-
 // Of colours times their alpha.
 void beginBlending()
 {
     glBlendEquation(GL_FUNC_ADD);
     gl::Context::enable(gl::Context::Flag::Blend);
     gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
+}
+
+// A length in points; 0 for what is none.
+float inPixels(double points, float scale)
+{
+    return points > 0 ? static_cast<float>(std::min(points * static_cast<double>(scale), 1e6)) : 0;
 }
 
 double inUnit(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
@@ -90,6 +90,7 @@ void ModelPainter::setGeometry(ModelGeometry&& geometry, bool hasTextureCoordina
             _edges.emplace_back(edge.rests[i], 0);
     }
     _pGL.reset();
+    _section.setChanged();
     markChanged(true);
 }
 
@@ -118,12 +119,13 @@ void ModelPainter::collectStates(const std::vector<ModelPart>& parts)
     _areStatesChanged = false;
 }
 
-bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
+bool ModelPainter::prepare(const ModelLook& look, const std::vector<ModelPart>& parts)
 {
+    _arePartsChanged = _arePartsChanged || _scale != _sight.scale;
     if (_areStatesChanged)
         collectStates(parts);
     if (_pGL && _pGL->contextID == gl::CurrentContext::getID() && _pGL->triangles.isCommitted())
-        return !_arePartsChanged || uploadParts(parts);
+        return !_arePartsChanged || uploadParts(parts, look.section.hatch, _sight.scale);
     // What another context has goes when that is current.
     _pGL = std::make_unique<InGL>();
     _pGL->contextID = gl::CurrentContext::getID();
@@ -153,10 +155,10 @@ bool ModelPainter::prepare(const std::vector<ModelPart>& parts)
     }
     _partTexels.clear();
     _arePartsChanged = true; // until they are there
-    return uploadParts(parts);
+    return uploadParts(parts, look.section.hatch, _sight.scale);
 }
 
-bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts)
+bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts, const Model::Hatch& hatch, float scale)
 {
     std::vector<glm::vec4> texels;
     texels.reserve(cTexelsPerPart * parts.size());
@@ -168,6 +170,12 @@ bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts)
         texels.emplace_back(linearOf(part.material.color), static_cast<float>(flags));
         // Blinn's exponent from 4 to 2048; below a quarter the reflection itself goes.
         texels.emplace_back(std::exp2(2 + 9 * polish), std::min(4 * polish, 1.0), 0, 0);
+        const Model::Hatch& lines = part.hatch ? *part.hatch : hatch;
+        const double side = part.hatch || texels.size() % (2 * cTexelsPerPart) < cTexelsPerPart ? 1 : -1;
+        const double angle = std::isfinite(lines.angle) ? side * glm::radians(lines.angle) : 0;
+        texels.push_back(ModelProgram::premultiplied(lines.color));
+        texels.emplace_back(-std::sin(angle), std::cos(angle), inPixels(lines.spacing, scale),
+                            inPixels(lines.width, scale));
     }
     if (_pGL->parts.getSize() != texels.size())
     {
@@ -185,6 +193,7 @@ bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts)
         _pGL->parts.write(first, texels.data() + first, last - first);
     _partTexels = std::move(texels);
     _arePartsChanged = false;
+    _scale = scale;
     return true;
 }
 
@@ -214,7 +223,8 @@ const ModelGeometry::Level& ModelPainter::chooseLevel(const Eye& eye, double tol
 
 ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& look)
 {
-    const bool isSurface = (features & (ModelProgram::Edges | ModelProgram::Outline)) == 0;
+    const bool isFace = (features & ModelProgram::Faces) != 0;
+    const bool isSurface = !isFace && (features & (ModelProgram::Edges | ModelProgram::Outline)) == 0;
     if (isSurface && _hasTextureCoordinates)
         features |= ModelProgram::Textured;
     if (_hasRests && (features & ModelProgram::Outline) == 0)
@@ -227,7 +237,7 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
         fail("its program does not link");
         return nullptr;
     }
-    pProgram->setBuffer(isSurface ? &_pGL->triangles : nullptr);
+    pProgram->setBuffer(isSurface ? &_pGL->triangles : isFace ? &_pGL->section.triangles : nullptr);
     pProgram->activate();
     pProgram->setBuffer(nullptr);
     ModelProgram& program = *pProgram;
@@ -333,13 +343,19 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
     ModelProgram* pProgram = activate(ModelProgram::Edges, look);
     if (pProgram == nullptr)
         return false;
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.edges.color));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), ModelSight::getWidth(look.edges, _sight.scale));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LeastCover), 0.0F);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::ToDepth),
-                              _sight.isReversed ? glm::vec2(1, 0) : glm::vec2(0.5, 0.5));
-    _pGL->edges.bind(ModelProgram::cEdgesUnit);
+    return drawLines(*pProgram, _pGL->edges, look.edges);
+}
+
+// Those of _ranges.
+bool ModelPainter::drawLines(ModelProgram& program, const gl::BufferTexture& lines, const Model::Line& line)
+{
+    program.setUniformValue(program.at(ModelProgram::LineColor), ModelProgram::premultiplied(line.color));
+    program.setUniformValue(program.at(ModelProgram::LineWidth), ModelSight::getWidth(line, _sight.scale));
+    program.setUniformValue(program.at(ModelProgram::LeastCover), 0.0F);
+    program.setUniformValue(program.at(ModelProgram::Corner), _sight.corner);
+    program.setUniformValue(program.at(ModelProgram::ToDepth),
+                            _sight.isReversed ? glm::vec2(1, 0) : glm::vec2(0.5, 0.5));
+    lines.bind(ModelProgram::cEdgesUnit);
     beginBlending();
     gl::Context::disable(gl::Context::Flag::CullFace);
     // Where lines meet, the rim of one must not keep the other away; what is drawn later must know of both.
@@ -348,7 +364,7 @@ bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
         return fail("there is no vertex array");
     gl::Context::maskDepthBuffer(true);
     gl::Context::maskColorBuffer(false, false, false, false);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LeastCover), 0.5F);
+    program.setUniformValue(program.at(ModelProgram::LeastCover), 0.5F);
     _pGL->pPrograms->getQuads().draw(_ranges);
     gl::Context::maskColorBuffer(true, true, true, true);
     return true;
@@ -363,7 +379,7 @@ bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const Model
     ModelProgram* pProgram = activate(ModelProgram::Wires, look);
     if (pProgram == nullptr)
         return false;
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.wires.color));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), ModelProgram::premultiplied(look.wires.color));
     pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), width);
     pProgram->setUniformValue(pProgram->at(ModelProgram::WiresAlone), areAlone ? 1 : 0);
     if (areAlone)
@@ -429,8 +445,9 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
         // Of a slice of the depth, what is before and behind it too: it has no outline there.
         const bool isClamped = glIsEnabled(GL_DEPTH_CLAMP) == GL_TRUE;
         glEnable(GL_DEPTH_CLAMP);
-        drawCells(
-            level, nullptr, [](const State& state) { return state.isSelected; }, false);
+        const auto isSelected = [](const State& state) { return state.isSelected; };
+        drawCells(level, nullptr, isSelected, false);
+        drawFaces({ModelProgram::Plain, glm::vec4(1)}, look, isSelected);
         if (!isClamped)
             glDisable(GL_DEPTH_CLAMP);
     }
@@ -440,7 +457,7 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
     if (pProgram == nullptr)
         return false;
     gl::Textures::bindToSamplerUnit(mask.getTextureID(), ModelProgram::cMaskUnit, gl::Texture::Type::Tex2D);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), premultipliedOf(look.outline.color));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), ModelProgram::premultiplied(look.outline.color));
     pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), width);
     pProgram->setUniformValue(pProgram->at(ModelProgram::Box), glm::clamp(box, -1.0F, 1.0F));
     pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
@@ -456,10 +473,11 @@ bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vecto
     isDone = gl::CurrentContext::isThere("Model::draw");
     const auto scale = static_cast<float>(eye.getScale());
     const float reach =
-        std::max(ModelSight::getWidth(look.edges, scale), 2 * ModelSight::getWidth(look.outline, scale));
+        std::max({ModelSight::getWidth(look.edges, scale), ModelSight::getWidth(look.section.outline, scale),
+                  2 * ModelSight::getWidth(look.outline, scale)});
     if (!isDone || getNumberOfTriangles() == 0 || !_sight.look(eye, look.light, _origin, _bounds, reach))
         return false;
-    isDone = prepare(parts);
+    isDone = prepare(look, parts) && cutSection();
     return isDone;
 }
 
@@ -472,13 +490,15 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     const ClipState clip(_sight.clipping);
     const Level& level = chooseLevel(eye, look.tolerance);
     const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
-    beginSurfaces(edgeWidth);
-    if (activate(0, look) == nullptr ||
-        !drawCells(level, &images, [](const State& state) { return state.wires == Model::Wires::None; }))
+    const float sectionWidth = _sight.clipping.isEmpty() ? 0 : ModelSight::getWidth(look.section.outline, _sight.scale);
+    beginSurfaces(std::max(edgeWidth, sectionWidth));
+    const auto isSolid = [](const State& state) { return state.wires == Model::Wires::None; };
+    if (activate(0, look) == nullptr || !drawCells(level, &images, isSolid) ||
+        !drawFaces({}, look, [](const State& state) { return state.wires != Model::Wires::Alone; }))
         return false;
     // Wires that one looks through come last: they cover pixels in part.
     if (!drawWires(Model::Wires::Over, level, look, images) || (edgeWidth > 0 && !drawEdges(level, look)) ||
-        !drawWires(Model::Wires::Alone, level, look, images))
+        !drawSectionLines(look) || !drawWires(Model::Wires::Alone, level, look, images))
         return false;
     if (_kinds.areSelected && ModelSight::getWidth(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
         return false;
@@ -486,8 +506,16 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     return true;
 }
 
+void ModelPainter::Flat::tell(ModelProgram& program) const
+{
+    if ((features & ModelProgram::Ids) != 0)
+        program.setUniformValue(program.at(ModelProgram::FirstId), std::bit_cast<int>(firstId));
+    if ((features & ModelProgram::Plain) != 0)
+        program.setUniformValue(program.at(ModelProgram::PlainColor), color);
+}
+
 bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
-                            unsigned int features, td::Color color, std::uint32_t firstId)
+                            const Flat& flat)
 {
     bool isDone = false;
     if (!begin(eye, look, parts, isDone))
@@ -495,15 +523,12 @@ bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::ve
     const gl::StateGuard guard;
     const ClipState clip(_sight.clipping);
     beginSurfaces(0);
-    ModelProgram* pProgram = activate(features, look);
+    ModelProgram* pProgram = activate(flat.features, look);
     if (pProgram == nullptr)
         return false;
-    if ((features & ModelProgram::Ids) != 0)
-        pProgram->setUniformValue(pProgram->at(ModelProgram::FirstId), std::bit_cast<int>(firstId));
-    else
-        pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor),
-                                  glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F);
-    if (!drawCells(chooseLevel(eye, look.tolerance), nullptr, [](const State&) { return true; }))
+    const auto isAny = [](const State&) { return true; };
+    flat.tell(*pProgram);
+    if (!drawCells(chooseLevel(eye, look.tolerance), nullptr, isAny) || !drawFaces(flat, look, isAny))
         return false;
     _lastFailure = nullptr;
     return true;

@@ -3,6 +3,7 @@
 #include "../drawing/ImageStore.h"
 #include "ModelGeometry.h"
 #include "ModelPrograms.h"
+#include "ModelSection.h"
 #include "ModelSight.h"
 
 #include <gui/draw/Eye.h>
@@ -21,6 +22,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace gui::draw
@@ -34,7 +36,8 @@ struct ModelPart
     bool isVisible = true;
     bool isSelected = false;
     Model::Wires wires = Model::Wires::None;
-    std::uint32_t texture = 0; ///< in the image store; 0 for none
+    std::uint32_t texture = 0;           ///< in the image store; 0 for none
+    std::optional<Model::Hatch> hatch{}; ///< its own
 };
 
 /// How a model looks as a whole.
@@ -44,6 +47,7 @@ struct ModelLook
     Model::Line edges{.width = 0};
     Model::Line wires{.width = 0.5, .color = td::Color(0, 0, 0, 255)};
     Model::Line outline{.width = 2.5, .color = td::Color(255, 144, 32, 255)};
+    Model::Section section;
     double tolerance = 0.5;
 };
 
@@ -58,9 +62,17 @@ public:
 
     /// All that a frame shows.
     bool draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images);
-    /// Surfaces alone. @param features  ModelProgram::Plain or Ids
-    bool drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, unsigned int features,
-                  td::Color color, std::uint32_t firstId);
+    /// Surfaces without light.
+    struct Flat
+    {
+        unsigned int features = 0; ///< ModelProgram::Plain or Ids
+        glm::vec4 color{0};        ///< of all, with Plain
+        std::uint32_t firstId = 0; ///< of the first part, with Ids
+
+        void tell(ModelProgram& program) const;
+    };
+    /// Surfaces alone.
+    bool drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, const Flat& flat);
     /// For parts that are drawn in another way from now on.
     /// @param isLook  whether what shaders know of them is another
     void markChanged(bool isLook)
@@ -79,6 +91,7 @@ private:
         gl::BufferTexture parts{gl::BufferTexture::Format::Float4};
         gl::BufferTexture edges{gl::BufferTexture::Format::Float4};
         gl::Framebuffer mask;
+        ModelSection::InGL section;
     };
     /// What decides how a part's cells are drawn.
     struct State
@@ -97,8 +110,8 @@ private:
     bool fail(const char* reason);
     std::size_t getFloatsPerVertex() const { return 6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U); }
     bool begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone);
-    bool prepare(const std::vector<ModelPart>& parts);
-    bool uploadParts(const std::vector<ModelPart>& parts);
+    bool prepare(const ModelLook& look, const std::vector<ModelPart>& parts);
+    bool uploadParts(const std::vector<ModelPart>& parts, const Model::Hatch& hatch, float scale);
     bool uploadEdges();
     const Level& chooseLevel(const Eye& eye, double tolerance) const;
     ModelProgram* activate(unsigned int features, const ModelLook& look);
@@ -108,6 +121,11 @@ private:
     bool drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted, bool isBetween = true);
     void flush(std::uint32_t first, std::uint32_t end);
     bool drawEdges(const Level& level, const ModelLook& look);
+    bool drawLines(ModelProgram& program, const gl::BufferTexture& lines, const Model::Line& line);
+    bool cutSection();
+    bool drawFaces(const Flat& flat, const ModelLook& look, bool (*isWanted)(const State&));
+    float getPixelSizeOn(const SectionPlane& plane) const;
+    bool drawSectionLines(const ModelLook& look);
     bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images);
     glm::vec4 findSelected(const Level& level) const;
     bool drawOutline(const Level& level, const ModelLook& look);
@@ -122,6 +140,8 @@ private:
     std::vector<glm::vec4> _edges;
 
     ModelSight _sight;
+    ModelSection _section;
+    float _scale = 0; // pixels per point that the parts were uploaded for
     std::unique_ptr<InGL> _pGL;
     gl::CommandList _commands; // those of a frame
     std::vector<gl::Quads::Range> _ranges;

@@ -2,6 +2,8 @@
 
 #include <gui/Res.h>
 
+#include <glm/vec3.hpp>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -12,15 +14,22 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::array<const char*, 8> cModelFeatures{"TEXTURED", "RESTS", "WIRES",   "PLAIN",
-                                                    "IDS",      "EDGES", "OUTLINE", "CLIPPED"};
+constexpr std::array<const char*, 9> cModelFeatures{"TEXTURED", "RESTS",   "WIRES",   "PLAIN", "IDS",
+                                                    "EDGES",    "OUTLINE", "CLIPPED", "FACES"};
 
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
-    "toClip",     "reference", "viewer",  "toLight",    "lightColor", "up",         "lineColor", "lineWidth",
-    "leastCover", "halfSize",  "toDepth", "plainColor", "firstId",    "wiresAlone", "corner",    "box"};
+    "toClip",    "reference",  "viewer",   "toLight", "lightColor", "up",       "lineColor",
+    "lineWidth", "leastCover", "halfSize", "toDepth", "plainColor", "firstId",  "wiresAlone",
+    "corner",    "box",        "faceU",    "faceV",   "faceColor",  "pixelSize"};
 
 } // namespace
+
+glm::vec4 ModelProgram::premultiplied(td::Color color)
+{
+    const glm::vec4 c = glm::vec4(color.red(), color.green(), color.blue(), color.alpha()) / 255.0F;
+    return {glm::vec3(c) * c.a, c.a};
+}
 
 bool ModelProgram::link(unsigned int features)
 {
@@ -29,6 +38,7 @@ bool ModelProgram::link(unsigned int features)
         if ((features >> i & 1U) != 0)
             head += std::string("#define ") + cModelFeatures[i] + '\n';
     const char* name = (features & Edges) != 0     ? ":draw/modeledge"
+                       : (features & Faces) != 0   ? ":draw/modelface"
                        : (features & Outline) != 0 ? ":draw/modeloutline"
                                                    : ":draw/model";
     const std::string clipping = (features & Clipped) != 0 ? gui::getResText(":draw/clipping.glsl").c_str() : "";

@@ -6,6 +6,10 @@
 #include <gui/gl/Program.h>
 #include <gui/gl/Quads.h>
 
+#include <td/Color.h>
+
+#include <glm/vec4.hpp>
+
 #include <array>
 #include <cstdint>
 #include <map>
@@ -21,14 +25,15 @@ public:
     /// The shaders' names for these are in the source, in the same order.
     enum Feature : unsigned int
     {
-        Textured = 1, ///< vertices have texture coordinates
-        Rests = 2,    ///< and what floats lack of their positions
-        Wires = 4,    ///< triangles with their sides
-        Plain = 8,    ///< one colour
-        Ids = 16,     ///< the part's number as a colour
-        Edges = 32,   ///< quads about edges
-        Outline = 64, ///< the outline of a mask
-        Clipped = 128 ///< with planes that cut something away
+        Textured = 1,  ///< vertices have texture coordinates
+        Rests = 2,     ///< and what floats lack of their positions
+        Wires = 4,     ///< triangles with their sides
+        Plain = 8,     ///< one colour
+        Ids = 16,      ///< the part's number as a colour
+        Edges = 32,    ///< quads about edges
+        Outline = 64,  ///< the outline of a mask
+        Clipped = 128, ///< with planes that cut something away
+        Faces = 256    ///< faces of cuts
     };
     enum Uniform : std::size_t
     {
@@ -48,8 +53,15 @@ public:
         WiresAlone,
         Corner,
         Box,
+        FaceU,
+        FaceV,
+        FaceColor,
+        PixelSize,
         cUniforms
     };
+
+    /// A colour times its alpha.
+    static glm::vec4 premultiplied(td::Color color);
 
     bool link(unsigned int features);
     const ClipState::Locations& getClipLocations() const { return _clipLocations; }

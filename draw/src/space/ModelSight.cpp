@@ -34,13 +34,14 @@ float ModelSight::getWidth(const Model::Line& line, float scale)
     return line.color.alpha() > 0 && width > 0 ? static_cast<float>(std::min(width, 1000.0)) : 0;
 }
 
-bool ModelSight::look(const Eye& eye, const Light& light, const glm::dvec3& modelOrigin, const Box3& bounds,
+bool ModelSight::look(const Eye& from, const Light& light, const glm::dvec3& modelOrigin, const Box3& bounds,
                       float lineWidth)
 {
     std::array<GLint, 4> viewport{};
     glGetIntegerv(GL_VIEWPORT, viewport.data());
-    if (bounds.isEmpty() || !eye.isValid() || viewport[2] <= 0 || viewport[3] <= 0)
+    if (bounds.isEmpty() || !from.isValid() || viewport[2] <= 0 || viewport[3] <= 0)
         return false;
+    eye = from;
     origin = modelOrigin;
     halfSize = glm::vec2(viewport[2], viewport[3]) / 2.0F;
     corner = {viewport[0], viewport[1]};

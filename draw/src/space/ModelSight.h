@@ -40,12 +40,13 @@ struct ModelSight
     float scale = 1;       ///< pixels per point
     bool isReversed = false;
     gl::DepthBuffer::Function nearer = gl::DepthBuffer::Function::LessOrEqual;
-    Clipping clipping;
-    double slack = 0; ///< by which more is cut off: what lies in a plane goes, and the face of the cut takes its place
+    Eye eye;
+    Clipping clipping; ///< its
+    double slack = 0;  ///< by which more is cut off: what lies in a plane goes, and the face of the cut takes its place
 
     /// Looks, with the viewport that there is, at what is in bounds. @param lineWidth  in pixels, of what reaches out
     /// @return false when nothing of it is seen
-    bool look(const Eye& eye, const Light& light, const glm::dvec3& modelOrigin, const Box3& bounds, float lineWidth);
+    bool look(const Eye& from, const Light& light, const glm::dvec3& modelOrigin, const Box3& bounds, float lineWidth);
 
     /// Whether some of its box may be. @param isBetween  whether it has to be in the eye's depth too
     bool isSeen(const ModelCell& cell, bool isBetween = true) const;
