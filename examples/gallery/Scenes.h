@@ -60,5 +60,6 @@ std::unique_ptr<Scene> makeOrbitScene();
 std::unique_ptr<Scene> makePick3D();
 std::unique_ptr<Scene> makeHorizon();
 std::unique_ptr<Scene> makeSection();
+std::unique_ptr<Scene> makeGlass();
 
 } // namespace gallery

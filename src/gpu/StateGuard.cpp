@@ -59,7 +59,9 @@ StateGuard::~StateGuard()
         _isEnabled[i] ? glEnable(cFlags[i]) : glDisable(cFlags[i]);
     glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(_polygonMode));
     setCurrentProgram(nullptr);
-    glUseProgram(static_cast<GLuint>(_program));
+    // One that was deleted while it was in use is gone as soon as another is.
+    const auto program = static_cast<GLuint>(_program);
+    glUseProgram(glIsProgram(program) == GL_TRUE ? program : 0);
     glBindVertexArray(static_cast<GLuint>(_vertexArray));
     s_activeBuffer = std::bit_cast<ActiveBuffer>(_activeBuffer);
     glActiveTexture(static_cast<GLenum>(_activeTexture));

@@ -5,7 +5,7 @@ in Surface
 #if !defined(PLAIN) && !defined(IDS)
     vec3 place;
     vec3 normal;
-    flat vec2 polish;
+    flat vec3 polish;
 #ifdef TEXTURED
     vec2 inPicture;
 #endif
@@ -17,6 +17,44 @@ in Surface
 }
 surface;
 out vec4 color;
+#ifdef GLASS
+// Layers are told apart by how near they are, from 0 on; 0 is none.
+#ifdef SAMPLES
+uniform sampler2DMS nearness;
+uniform int sampleCount;
+#else
+uniform sampler2D nearness;
+#endif
+uniform int glassPass; // 0: finds the nearest layer; 1: finds the one behind; 2: draws it; 3: the rest; 4: everything
+uniform bool isReversed;
+
+bool isWanted(float here, float layer)
+{
+    return layer > 0.0 && (glassPass == 1 ? here < layer : glassPass == 2 ? here == layer : here <= layer);
+}
+
+// Leaves out the samples that are not in the pass.
+void choose(float here)
+{
+#ifdef SAMPLES
+    gl_SampleMask[0] = -1;
+#endif
+    if (glassPass == 0 || glassPass == 4)
+        return;
+    ivec2 at = ivec2(gl_FragCoord.xy);
+#ifdef SAMPLES
+    int mask = 0;
+    for (int i = 0; i < sampleCount; ++i)
+        mask |= isWanted(here, texelFetch(nearness, at, i).r) ? 1 << i : 0;
+    gl_SampleMask[0] = mask;
+    if (mask == 0)
+        discard;
+#else
+    if (!isWanted(here, texelFetch(nearness, at, 0).r))
+        discard;
+#endif
+}
+#endif
 
 #if defined(PLAIN)
 uniform vec4 plainColor;
@@ -48,6 +86,10 @@ vec3 unit(vec3 v)
     return v * inversesqrt(max(dot(v, v), 1e-37));
 }
 
+#ifdef GLASS
+float shine = 0.0; // what is reflected of the light itself
+#endif
+
 vec3 lit(vec3 base)
 {
     vec3 across = cross(unit(dFdx(surface.place)), unit(dFdy(surface.place)));
@@ -63,7 +105,12 @@ vec3 lit(vec3 base)
     // A smooth surface reflects 4 % of light that falls on it.
     float towards = max(dot(normal, unit(toLight + toEye)), 0.0);
     float gloss = 0.04 * (surface.polish.x + 8.0) / 8.0 * pow(towards, surface.polish.x) * surface.polish.y;
+#ifdef GLASS
+    shine = gloss * share;
+    return result * lightColor.rgb;
+#else
     return (result + vec3(gloss * share)) * lightColor.rgb;
+#endif
 }
 #endif
 
@@ -76,7 +123,13 @@ void main()
     if (isInNotch(surface.cutPlace))
         discard;
 #endif
-#if defined(PLAIN)
+#ifdef GLASS
+    float here = isReversed ? gl_FragCoord.z : 1.0 - gl_FragCoord.z;
+    choose(here);
+#endif
+#if defined(GLASS) && defined(PLAIN)
+    color = vec4(here, 0.0, 0.0, 0.0);
+#elif defined(PLAIN)
     color = plainColor;
 #elif defined(IDS)
     color = vec4(surface.paint.rgb, float(flags >> 3)) / 255.0;
@@ -87,7 +140,12 @@ void main()
     if ((flags & 4) != 0)
         base *= toLinear(texel.rgb / max(texel.a, 1e-3));
 #endif
+#ifdef GLASS
+    color = vec4(toScreen(lit(base)) * surface.polish.z, surface.polish.z);
+    color.rgb += toScreen(vec3(shine)) * lightColor.rgb;
+#else
     color = vec4(toScreen(lit(base)), 1.0);
+#endif
 #ifdef WIRES
     // Near a side, how far it is in pixels. (Drivers have been seen to interpolate without perspective wrongly where
     // triangles are clipped.)

@@ -6,7 +6,7 @@ in Surface
 {
     vec3 place;
     vec3 normal;
-    flat vec2 polish;
+    flat vec3 polish;
 #ifdef TEXTURED
     vec2 inPicture;
 #endif
@@ -21,7 +21,7 @@ out Surface
 {
     vec3 place;
     vec3 normal;
-    flat vec2 polish;
+    flat vec3 polish;
 #ifdef TEXTURED
     vec2 inPicture;
 #endif

@@ -23,7 +23,7 @@ out Surface
 #if !defined(PLAIN) && !defined(IDS)
     vec3 place;
     vec3 normal;
-    flat vec2 polish; // Blinn's exponent, and how much of it there is
+    flat vec3 polish; // Blinn's exponent, how much of it there is, and how much is not seen through
 #ifdef TEXTURED
     vec2 inPicture;
 #endif
@@ -55,7 +55,7 @@ void main()
 #elif !defined(PLAIN)
     surface.place = place;
     surface.normal = vertexNormal.xyz;
-    surface.polish = texelFetch(parts, 4 * part + 1).xy;
+    surface.polish = texelFetch(parts, 4 * part + 1).xyz;
 #ifdef TEXTURED
     surface.inPicture = textureCoordinate;
 #endif

@@ -1,5 +1,7 @@
 #include <gui/draw/DepthCanvas.h>
 
+#include "SpaceLayers.h"
+
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/Textures.h>
@@ -119,6 +121,7 @@ void DepthCanvas::end()
 
 DepthCanvas::Frame::Frame(DepthCanvas& canvas, const Eye& eye, bool isAside)
     : _canvas(canvas)
+    , _pLayers(std::make_shared<SpaceLayers>(isAside))
     , _eyes(slicesOf(eye))
     , _isReversed(eye.getDepth() == Depth::Reversed)
 {
@@ -129,9 +132,11 @@ DepthCanvas::Frame::Frame(DepthCanvas& canvas, const Eye& eye, bool isAside)
 const Eye* DepthCanvas::Frame::next()
 {
     using gl::Context;
+    flush();
     if (_eyes.empty())
         return nullptr;
     _eye = _eyes.back();
+    _eye._pLayers = _pLayers;
     _eyes.pop_back();
     if (_isReversed)
     {
@@ -145,9 +150,17 @@ const Eye* DepthCanvas::Frame::next()
     return &_eye;
 }
 
+// Where no context is any more, there is nothing to draw into.
+void DepthCanvas::Frame::flush()
+{
+    if (gl::CurrentContext::getID() != 0)
+        _pLayers->flush();
+}
+
 DepthCanvas::Frame::~Frame()
 {
     using gl::Context;
+    flush();
     Context::disable(Context::Flag::DepthTest);
     if (_isReversed)
     {

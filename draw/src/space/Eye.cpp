@@ -212,6 +212,7 @@ Eye Eye::getPart(const td::RectNormalized<double>& rect) const
     toPart[3] = glm::dvec4(-sx * x, -sy * y, 0, 1);
     Eye part(_position, _rotation, toPart * _projection, size, _scale, _depth);
     part._clipping = _clipping;
+    part._pLayers = _pLayers;
     return part;
 }
 
@@ -235,6 +236,7 @@ Eye Eye::getBetween(double nearest, double farthest) const
     }
     Eye part(_position, _rotation, projection, _size, _scale, _depth == Depth::Sliced ? Depth::Usual : _depth);
     part._clipping = _clipping;
+    part._pLayers = _pLayers;
     return part;
 }
 

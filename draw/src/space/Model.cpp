@@ -168,7 +168,10 @@ Model::Wires Model::getWires(std::size_t part) const { return _pImpl->get(part).
 
 std::uint64_t Model::getTag(std::size_t part) const { return _pImpl->get(part).tag; }
 
-bool Model::draw(const Eye& eye) { return _pImpl->painter.draw(eye, _pImpl->look, _pImpl->parts, _pImpl->images); }
+bool Model::draw(const Eye& eye)
+{
+    return _pImpl->painter.draw(eye, _pImpl->look, _pImpl->parts, _pImpl->images, eye._pLayers.lock());
+}
 
 bool Model::drawColor(const Eye& eye, td::Color color)
 {

@@ -61,6 +61,12 @@ std::array<float, 2> packedNormal(const glm::vec3& normal)
 
 } // namespace
 
+ModelPainter::~ModelPainter()
+{
+    if (const std::shared_ptr<SpaceLayers> pLayers = _pLayers.lock())
+        pLayers->remove(this);
+}
+
 void ModelPainter::setGeometry(ModelGeometry&& geometry, bool hasTextureCoordinates)
 {
     _bounds = geometry.bounds;
@@ -108,11 +114,16 @@ void ModelPainter::collectStates(const std::vector<ModelPart>& parts)
     _kinds = {};
     for (const ModelPart& part : parts)
     {
-        _states.push_back({_hasTextureCoordinates ? part.texture : 0, part.wires, part.isVisible, part.isSelected});
+        const bool isGlass = part.material.color.alpha() < 255 && part.wires != Model::Wires::Alone;
+        _states.push_back(
+            {_hasTextureCoordinates ? part.texture : 0, part.wires, part.isVisible, part.isSelected, isGlass});
         if (!part.isVisible)
             continue;
-        _kinds.areOver = _kinds.areOver || part.wires == Model::Wires::Over;
-        _kinds.areAlone = _kinds.areAlone || part.wires == Model::Wires::Alone;
+        // Wires on what is translucent are by themselves, before it.
+        _kinds.areOver = _kinds.areOver || (part.wires == Model::Wires::Over && !isGlass);
+        _kinds.areAlone =
+            _kinds.areAlone || part.wires == Model::Wires::Alone || (part.wires == Model::Wires::Over && isGlass);
+        _kinds.areGlass = _kinds.areGlass || isGlass;
         _kinds.areSelected = _kinds.areSelected || part.isSelected;
         _kinds.areTwoSided = _kinds.areTwoSided || part.material.isTwoSided;
     }
@@ -169,7 +180,8 @@ bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts, const Model:
                           (part.texture != 0 && _hasTextureCoordinates ? 4 : 0);
         texels.emplace_back(linearOf(part.material.color), static_cast<float>(flags));
         // Blinn's exponent from 4 to 2048; below a quarter the reflection itself goes.
-        texels.emplace_back(std::exp2(2 + 9 * polish), std::min(4 * polish, 1.0), 0, 0);
+        texels.emplace_back(std::exp2(2 + 9 * polish), std::min(4 * polish, 1.0),
+                            static_cast<float>(part.material.color.alpha()) / 255.0F, 0);
         const Model::Hatch& lines = part.hatch ? *part.hatch : hatch;
         const double side = part.hatch || texels.size() % (2 * cTexelsPerPart) < cTexelsPerPart ? 1 : -1;
         const double angle = std::isfinite(lines.angle) ? side * glm::radians(lines.angle) : 0;
@@ -384,7 +396,12 @@ bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const Model
     pProgram->setUniformValue(pProgram->at(ModelProgram::WiresAlone), areAlone ? 1 : 0);
     if (areAlone)
         beginBlending();
-    return drawCells(level, &images, [wires](const State& state) { return state.wires == wires; });
+    return drawCells(level, &images,
+                     [=](const State& state)
+                     {
+                         const bool isOver = state.wires == Model::Wires::Over;
+                         return areAlone ? state.wires == wires || (isOver && state.isGlass) : isOver && !state.isGlass;
+                     });
 }
 
 // Around what is selected of what is seen, in clip space: its least x and y, and its largest ones.
@@ -481,7 +498,8 @@ bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vecto
     return isDone;
 }
 
-bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images)
+bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images,
+                        const std::shared_ptr<SpaceLayers>& pLayers)
 {
     bool isDone = false;
     if (!begin(eye, look, parts, isDone))
@@ -490,9 +508,10 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     const ClipState clip(_sight.clipping);
     const Level& level = chooseLevel(eye, look.tolerance);
     const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
-    const float sectionWidth = _sight.clipping.isEmpty() ? 0 : ModelSight::getWidth(look.section.outline, _sight.scale);
-    beginSurfaces(std::max(edgeWidth, sectionWidth));
-    const auto isSolid = [](const State& state) { return state.wires == Model::Wires::None; };
+    beginSurfaces(getLineWidth(level, look));
+    const bool hasGlass = _kinds.areGlass && !(pLayers && pLayers->isSolid());
+    const auto isSolid = [=](const State& state)
+    { return state.wires == Model::Wires::None && !(hasGlass && state.isGlass); };
     if (activate(0, look) == nullptr || !drawCells(level, &images, isSolid) ||
         !drawFaces({}, look, [](const State& state) { return state.wires != Model::Wires::Alone; }))
         return false;
@@ -502,8 +521,56 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
         return false;
     if (_kinds.areSelected && ModelSight::getWidth(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
         return false;
+    if (hasGlass)
+    {
+        GlassCanvas::Source source = [this, eye, &look, &parts, &images](const GlassCanvas::Pass& pass)
+        { drawGlass(eye, look, parts, images, pass); };
+        _pGL->pGlass = GlassCanvas::get();
+        _pLayers = pLayers;
+        if (pLayers)
+            pLayers->add(this, std::move(source));
+        else
+            _pGL->pGlass->draw(std::span(&source, 1));
+    }
     _lastFailure = nullptr;
     return true;
+}
+
+// Its translucent parts, one time of many.
+void ModelPainter::drawGlass(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
+                             ImageStore& images, const GlassCanvas::Pass& pass)
+{
+    bool isDone = false;
+    if (!begin(eye, look, parts, isDone))
+        return;
+    const Level& level = chooseLevel(eye, look.tolerance);
+    const ClipState clip(_sight.clipping);
+    beginSurfaces(getLineWidth(level, look));
+    gl::Context::maskDepthBuffer(false);
+    gl::Context::enable(gl::Context::Flag::Blend);
+    using Kind = GlassCanvas::Pass::Kind;
+    unsigned int features = ModelProgram::Glass;
+    if (pass.kind == Kind::Nearest || pass.kind == Kind::Next)
+        features |= ModelProgram::Plain;
+    if (pass.nSamples > 1 && pass.kind != Kind::Unsorted)
+        features |= ModelProgram::Samples;
+    ModelProgram* pProgram = activate(features, look);
+    if (pProgram == nullptr)
+        return;
+    pProgram->setUniformValue(pProgram->at(ModelProgram::SampleCount), pass.nSamples);
+    pProgram->setUniformValue(pProgram->at(ModelProgram::GlassPass), static_cast<int>(pass.kind));
+    pProgram->setUniformValue(pProgram->at(ModelProgram::IsReversed), _sight.isReversed ? 1 : 0);
+    GlassCanvas::bind(pass);
+    drawCells(level, &images, [](const State& state) { return state.isGlass; });
+    gl::Context::maskDepthBuffer(true);
+}
+
+// Of what lies on the surfaces, in pixels.
+float ModelPainter::getLineWidth(const Level& level, const ModelLook& look) const
+{
+    const float edges = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
+    const float section = _sight.clipping.isEmpty() ? 0 : ModelSight::getWidth(look.section.outline, _sight.scale);
+    return std::max(edges, section);
 }
 
 void ModelPainter::Flat::tell(ModelProgram& program) const

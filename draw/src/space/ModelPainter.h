@@ -1,10 +1,12 @@
 #pragma once
 
 #include "../drawing/ImageStore.h"
+#include "GlassCanvas.h"
 #include "ModelGeometry.h"
 #include "ModelPrograms.h"
 #include "ModelSection.h"
 #include "ModelSight.h"
+#include "SpaceLayers.h"
 
 #include <gui/draw/Eye.h>
 #include <gui/draw/Light.h>
@@ -55,13 +57,19 @@ struct ModelLook
 class ModelPainter
 {
 public:
+    ModelPainter() = default;
+    ~ModelPainter();
+    ModelPainter(const ModelPainter&) = delete;
+    ModelPainter& operator=(const ModelPainter&) = delete;
+
     /// Takes what is drawn from now on. Needs no context.
     void setGeometry(ModelGeometry&& geometry, bool hasTextureCoordinates);
     const Box3& getBounds() const { return _bounds; }
     std::size_t getNumberOfTriangles() const { return _levels.empty() ? 0 : _levels.front().nTriangles; }
 
-    /// All that a frame shows.
-    bool draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images);
+    /// All that a frame shows. @param pLayers  where what is translucent waits; null when it is drawn at once
+    bool draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images,
+              const std::shared_ptr<SpaceLayers>& pLayers);
     /// Surfaces without light.
     struct Flat
     {
@@ -92,18 +100,19 @@ private:
         gl::BufferTexture edges{gl::BufferTexture::Format::Float4};
         gl::Framebuffer mask;
         ModelSection::InGL section;
+        std::shared_ptr<GlassCanvas> pGlass; // which is kept from frame to frame
     };
     /// What decides how a part's cells are drawn.
     struct State
     {
         std::uint32_t texture;
         Model::Wires wires;
-        bool isVisible, isSelected;
+        bool isVisible, isSelected, isGlass;
     };
     /// Whether there are parts of a kind that are visible.
     struct Kinds
     {
-        bool areOver = false, areAlone = false, areSelected = false, areTwoSided = false;
+        bool areOver = false, areAlone = false, areSelected = false, areTwoSided = false, areGlass = false;
     };
     using Level = ModelGeometry::Level;
 
@@ -123,7 +132,10 @@ private:
     bool drawEdges(const Level& level, const ModelLook& look);
     bool drawLines(ModelProgram& program, const gl::BufferTexture& lines, const Model::Line& line);
     bool cutSection();
+    float getLineWidth(const Level& level, const ModelLook& look) const;
     bool drawFaces(const Flat& flat, const ModelLook& look, bool (*isWanted)(const State&));
+    void drawGlass(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images,
+                   const GlassCanvas::Pass& pass);
     float getPixelSizeOn(const SectionPlane& plane) const;
     bool drawSectionLines(const ModelLook& look);
     bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images);
@@ -141,7 +153,8 @@ private:
 
     ModelSight _sight;
     ModelSection _section;
-    float _scale = 0; // pixels per point that the parts were uploaded for
+    std::weak_ptr<SpaceLayers> _pLayers; // where it waits
+    float _scale = 0;                    // pixels per point that the parts were uploaded for
     std::unique_ptr<InGL> _pGL;
     gl::CommandList _commands; // those of a frame
     std::vector<gl::Quads::Range> _ranges;

@@ -1,5 +1,7 @@
 #include "ModelPrograms.h"
 
+#include "GlassCanvas.h"
+
 #include <gui/Res.h>
 
 #include <glm/vec3.hpp>
@@ -14,14 +16,14 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::array<const char*, 9> cModelFeatures{"TEXTURED", "RESTS",   "WIRES",   "PLAIN", "IDS",
-                                                    "EDGES",    "OUTLINE", "CLIPPED", "FACES"};
+constexpr std::array<const char*, 11> cModelFeatures{"TEXTURED", "RESTS",   "WIRES", "PLAIN", "IDS",    "EDGES",
+                                                     "OUTLINE",  "CLIPPED", "FACES", "GLASS", "SAMPLES"};
 
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
-    "toClip",    "reference",  "viewer",   "toLight", "lightColor", "up",       "lineColor",
-    "lineWidth", "leastCover", "halfSize", "toDepth", "plainColor", "firstId",  "wiresAlone",
-    "corner",    "box",        "faceU",    "faceV",   "faceColor",  "pixelSize"};
+    "toClip",     "reference", "viewer",    "toLight",    "lightColor", "up",         "lineColor",  "lineWidth",
+    "leastCover", "halfSize",  "toDepth",   "plainColor", "firstId",    "wiresAlone", "corner",     "box",
+    "faceU",      "faceV",     "faceColor", "pixelSize",  "glassPass",  "isReversed", "sampleCount"};
 
 } // namespace
 
@@ -34,6 +36,8 @@ glm::vec4 ModelProgram::premultiplied(td::Color color)
 bool ModelProgram::link(unsigned int features)
 {
     std::string head = "#version 330 core\n";
+    if ((features & Samples) != 0)
+        head += "#extension GL_ARB_sample_shading : enable\n";
     for (std::size_t i = 0; i < cModelFeatures.size(); ++i)
         if ((features >> i & 1U) != 0)
             head += std::string("#define ") + cModelFeatures[i] + '\n';
@@ -63,6 +67,7 @@ void ModelProgram::onLinked()
     setUnit("edges", cEdgesUnit);
     setUnit("picture", cTextureUnit);
     setUnit("mask", cMaskUnit);
+    setUnit("nearness", GlassCanvas::cUnit);
 }
 
 std::shared_ptr<ModelPrograms> ModelPrograms::get()

@@ -33,7 +33,9 @@ public:
         Edges = 32,    ///< quads about edges
         Outline = 64,  ///< the outline of a mask
         Clipped = 128, ///< with planes that cut something away
-        Faces = 256    ///< faces of cuts
+        Faces = 256,   ///< faces of cuts
+        Glass = 512,   ///< translucent, for a GlassCanvas
+        Samples = 1024 ///< several of a pixel
     };
     enum Uniform : std::size_t
     {
@@ -57,6 +59,9 @@ public:
         FaceV,
         FaceColor,
         PixelSize,
+        GlassPass,
+        IsReversed,
+        SampleCount,
         cUniforms
     };
 

@@ -49,8 +49,8 @@ public:
     void setChanged() { _isCut = false; }
     /// @param origin  the model's  @param slack  by how much behind each plane it is cut, as the model is: what lies in
     /// a plane is cut off  @param hasRests  whether positions have what floats lack of them, as the source's
-    void cut(const Clipping& clipping, const SectionCutter::Source& source, const glm::dvec3& origin,
-             double slack, bool hasRests);
+    void cut(const Clipping& clipping, const SectionCutter::Source& source, const glm::dvec3& origin, double slack,
+             bool hasRests);
     /// @return false when GL has no room
     bool upload(InGL& gl) const;
 

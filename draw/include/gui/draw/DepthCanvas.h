@@ -43,6 +43,9 @@ namespace gui::draw
 /// Where Reversed is not to be had, Sliced takes its place, with one log line: "Warning! DepthCanvas: no reversed depth
 /// here, the scene is drawn in slices".
 ///
+/// Translucent surfaces of models are drawn when next is called again, so that they are over all that was drawn before,
+/// in whatever order that came.
+///
 /// While a Frame draws with reversed depth, GL's clip space has z from 0 to w: what goes by the screen, such as a
 /// Drawing, is drawn after the frame. Programs that set a depth function take Eye::getNearer for it.
 class GUIGL_API DepthCanvas
@@ -74,7 +77,8 @@ public:
     public:
         /// @param canvas  not owned  @param eye  as its getEye gave it, or a part of that (Eye::getPart)
         /// @param isAside  whether to draw into what is bound in any case, which has to have a depth buffer of floats
-        ///                 then if the eye's depth is reversed: for small pictures that nobody sees
+        ///                 then if the eye's depth is reversed: for small pictures that nobody sees. Nothing is
+        ///                 translucent in them
         Frame(DepthCanvas& canvas, const Eye& eye, bool isAside = false);
         ~Frame();
         Frame(const Frame&) = delete;
@@ -86,8 +90,11 @@ public:
         const Eye* next();
 
     private:
+        void flush();
+
         DepthCanvas& _canvas;
-        std::vector<Eye> _eyes; // the last one first
+        std::shared_ptr<SpaceLayers> _pLayers; // what is translucent waits there
+        std::vector<Eye> _eyes;                // the last one first
         Eye _eye;
         bool _isReversed;
         bool _isBound = false; // the canvas' own framebuffer

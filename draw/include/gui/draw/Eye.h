@@ -16,6 +16,7 @@
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 
+#include <memory>
 #include <optional>
 
 namespace gui::gl
@@ -25,6 +26,8 @@ class CameraView;
 
 namespace gui::draw
 {
+
+class SpaceLayers;
 
 /// How a camera sees at one moment: what is drawn, hidden, picked and left out follows from it. A value without GL.
 ///
@@ -148,6 +151,9 @@ public:
     Eye getBetween(double nearest, double farthest) const;
 
 private:
+    friend class DepthCanvas;
+    friend class Model;
+
     glm::dvec3 toEye(const glm::dvec3& point) const { return _rotation * (point - _position); }
 
     glm::dvec3 _position{0};
@@ -155,6 +161,7 @@ private:
     glm::dmat4 _projection{1};
     td::Size<double> _size;
     Clipping _clipping;
+    std::weak_ptr<SpaceLayers> _pLayers; // what waits until all else is drawn, in a DepthCanvas::Frame
     double _scale = 1;
     Depth _depth = Depth::Usual;
     bool _isValid = false;

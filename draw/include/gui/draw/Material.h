@@ -15,7 +15,7 @@ namespace gui::draw
 /// Colours are those that one sees: what light does to them is computed in linear space.
 struct GUIGL_API Material
 {
-    /// Its alpha does not count: surfaces are opaque.
+    /// With an alpha below 255 one sees through it: see Model.
     td::Color color{200, 204, 212, 255};
     /// Times the colour, where the mesh has texture coordinates; none for the colour alone. (0, 0) is the picture's
     /// upper left corner, (1, 1) its lower right one; beyond it repeats. Its alpha does not count.

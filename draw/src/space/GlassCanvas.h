@@ -1,0 +1,93 @@
+#pragma once
+
+#include <gui/gl/ContextResource.h>
+#include <gui/gl/Program.h>
+#include <gui/gl/Quads.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <span>
+
+namespace gui::draw
+{
+
+/// Puts translucent surfaces over what is bound in the order in which they are seen, pixel by pixel and sample by
+/// sample, whatever order they are drawn in: they are drawn once for each layer, from the nearest on, each time with
+/// what is not behind the layer before left out (depth peeling, Everitt, 2001; the nearest depth is found by blending,
+/// as Bavoil and Myers do, 2008, so that samples of a pixel need not be drawn one by one). What lies behind the last layer is blended in the order of drawing. A layer that
+/// nothing is in ends it, which the GPU finds out by itself.
+class GlassCanvas
+{
+public:
+    /// One drawing of all surfaces.
+    struct Pass
+    {
+        enum class Kind
+        {
+            Nearest, ///< finds the nearest layer
+            Next,    ///< finds the one behind a layer
+            Layer,   ///< draws a layer
+            Rest,    ///< draws a layer and all that is behind it
+            Unsorted ///< draws everything, where layers can't be told apart
+        };
+        Kind kind;
+        int nSamples;          ///< of a pixel
+        unsigned int nearness; ///< a texture with a layer, of as many samples
+    };
+    /// Draws some surfaces, with the blending that there is.
+    using Source = std::function<void(const Pass& pass)>;
+
+    static constexpr int cLayers = 16; ///< that are in order
+    /// Of textures that a pass has.
+    static constexpr gl::Texture::Unit cUnit = gl::Texture::Unit::T4;
+
+    /// The current context's, made when there is none yet.
+    static std::shared_ptr<GlassCanvas> get();
+
+    GlassCanvas() = default;
+    ~GlassCanvas() { release(); }
+    GlassCanvas(const GlassCanvas&) = delete;
+    GlassCanvas& operator=(const GlassCanvas&) = delete;
+
+    /// Draws into the framebuffer and viewport that are bound, behind what is there already.
+    void draw(std::span<const Source> sources);
+
+    /// Makes a pass' texture known to a program's sampler. The program must be active.
+    static void bind(const Pass& pass);
+
+private:
+    /// What is bound where it is drawn at last.
+    struct Target
+    {
+        int framebuffer = 0;
+        std::array<int, 4> viewport{};
+        int nSamples = 0;
+        unsigned int depthFormat = 0;
+        bool hasStencil = false;
+
+        static Target getBound();
+        bool operator==(const Target&) const = default;
+    };
+    class CompositeProgram;
+
+    bool prepare(const Target& target);
+    unsigned int makeTexture(unsigned int format) const;
+    void copyDepth(const Target& target) const;
+    void drawLayers(const Target& target, std::span<const Source> sources);
+    void composite(const Target& target);
+    void release();
+
+    // Two for layers that are found in turn, and one for what is drawn.
+    std::array<unsigned int, 3> _framebuffers{}, _textures{};
+    unsigned int _depth = 0;
+    std::array<unsigned int, cLayers + 1> _queries{};
+    Target _made; // what they are for; of a place only the size counts
+    bool _isRefused = false, _isSaid = false;
+    std::shared_ptr<CompositeProgram> _pComposite;
+    gl::Quads _quads;
+    gl::ContextResource _home{
+        [](void* pThis, gl::ContextResource::Event) { static_cast<GlassCanvas*>(pThis)->release(); }, this};
+};
+
+} // namespace gui::draw
