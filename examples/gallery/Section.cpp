@@ -1,4 +1,5 @@
-// Look for: faces of the cut closed and hatched, each part to its own side; lines about them; shaft, rod and plug whole.
+// Look for: faces of the cut closed and hatched, each part to its own side; lines about them; shaft, rod and plug
+// whole.
 
 #include "Engine.h"
 #include "Orbiting.h"

@@ -15,8 +15,8 @@ namespace gui::draw
 /// Puts translucent surfaces over what is bound in the order in which they are seen, pixel by pixel and sample by
 /// sample, whatever order they are drawn in: they are drawn once for each layer, from the nearest on, each time with
 /// what is not behind the layer before left out (depth peeling, Everitt, 2001; the nearest depth is found by blending,
-/// as Bavoil and Myers do, 2008, so that samples of a pixel need not be drawn one by one). What lies behind the last layer is blended in the order of drawing. A layer that
-/// nothing is in ends it, which the GPU finds out by itself.
+/// as Bavoil and Myers do, 2008, so that samples of a pixel need not be drawn one by one). What lies behind the last
+/// layer is blended in the order of drawing. A layer that nothing is in ends it, which the GPU finds out by itself.
 class GlassCanvas
 {
 public:

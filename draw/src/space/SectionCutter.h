@@ -34,8 +34,8 @@ struct SectionPlane
 /// A triangle's corner that lies in the plane counts as behind it. So each triangle gives a segment or none, segments
 /// of neighbours have the same end to the bit, and those of a closed surface are rings. What is inside, the non-zero
 /// rule says: shells of a part that overlap are one, hollows stay hollow. Where triangles don't turn the same way as
-/// their neighbours, the even-odd rule does. Where open chains end near where others begin, or they themselves, they are
-/// joined; what stays open has lines but no face.
+/// their neighbours, the even-odd rule does. Where open chains end near where others begin, or they themselves, they
+/// are joined; what stays open has lines but no face.
 class SectionCutter
 {
 public:
