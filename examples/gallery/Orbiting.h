@@ -39,6 +39,8 @@ protected:
     virtual void drawModel(const gui::draw::Eye& eye) { _model.draw(eye); }
     /// What is cut away of it, and not picked.
     void setClipping(const gui::draw::Clipping& clipping) { _clipping = clipping; }
+    /// What it casts upon itself.
+    void setShadows(const gui::draw::Shadows& shadows) { _canvas.setShadows(shadows, _camera.getBounds()); }
     /// While time runs: goes round the target.
     void turn(double seconds, double degreesPerSecond);
 

@@ -188,6 +188,10 @@ constexpr SceneInfo cScenes[] = {
      "every "
      "side and without anybody sorting them. Drags turn it, Space lets it turn.",
      makeGlass},
+    {"shadow", "A town in the evening",
+     "The shadows of a sun, and the dark of corners, eaves and lanes that little light gets into: one line of the "
+     "program. Drags turn it, the wheel goes nearer, Space lets it turn.",
+     makeShadow},
 };
 
 } // namespace

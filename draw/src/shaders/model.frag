@@ -90,6 +90,30 @@ vec3 unit(vec3 v)
 float shine = 0.0; // what is reflected of the light itself
 #endif
 
+#ifdef SHADOWED
+uniform mat4 toShadowMap; // from places
+uniform sampler2DShadow shadowMap;
+// Of a texel in model units and in the map, and half a side of the square of texels that count, without the middle.
+uniform vec3 shadowSize;
+
+// How much of the sun gets there: 0 in the shadow.
+float sunAt(vec3 place, vec3 normal)
+{
+    // Away from the surface by what a texel of it falls, so that it does not shade itself.
+    float slope = clamp(1.0 - dot(normal, toLight), 0.0, 1.0);
+    vec4 at = toShadowMap * vec4(place + normal * shadowSize.x * (0.7 + 1.5 * slope) * (1.0 + shadowSize.z), 1.0);
+    if (any(lessThan(at.xyz, vec3(0.0))) || any(greaterThan(at.xyz, vec3(1.0))))
+        return 1.0;
+    int radius = int(shadowSize.z);
+    float sum = 0.0;
+    for (int y = -radius; y <= radius; ++y)
+        for (int x = -radius; x <= radius; ++x)
+            sum += texture(shadowMap, vec3(at.xy + vec2(x, y) * shadowSize.y, at.z));
+    float side = float(2 * radius + 1);
+    return sum / (side * side);
+}
+#endif
+
 vec3 lit(vec3 base)
 {
     vec3 across = cross(unit(dFdx(surface.place)), unit(dFdy(surface.place)));
@@ -101,6 +125,10 @@ vec3 lit(vec3 base)
     else
         normal = unit(dot(across, toEye) < 0.0 ? -across : across);
     float share = max(dot(normal, toLight), 0.0);
+#ifdef SHADOWED
+    if (share > 0.0)
+        share *= sunAt(surface.place, normal);
+#endif
     vec3 result = base * (lightColor.a * (0.75 + 0.25 * dot(normal, up)) + (1.0 - lightColor.a) * share);
     // A smooth surface reflects 4 % of light that falls on it.
     float towards = max(dot(normal, unit(toLight + toEye)), 0.0);

@@ -1,6 +1,10 @@
 #include <gui/draw/DepthCanvas.h>
 
+#include "Occlusion.h"
+#include "ShadowMap.h"
 #include "SpaceLayers.h"
+
+#include <gui/gl/StateGuard.h>
 
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Context.h>
@@ -12,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace gui::draw
 {
@@ -58,6 +63,12 @@ DepthCanvas::DepthCanvas(Depth depth)
 DepthCanvas::~DepthCanvas() = default;
 
 void DepthCanvas::setDepth(Depth depth) { _depth = depth; }
+
+void DepthCanvas::setShadows(const Shadows& shadows, const Box3& bounds)
+{
+    _shadows = shadows;
+    _bounds = bounds;
+}
 
 void DepthCanvas::setSamples(int n)
 {
@@ -121,18 +132,53 @@ void DepthCanvas::end()
 
 DepthCanvas::Frame::Frame(DepthCanvas& canvas, const Eye& eye, bool isAside)
     : _canvas(canvas)
-    , _pLayers(std::make_shared<SpaceLayers>(isAside))
+    , _pLayers(std::make_shared<SpaceLayers>(isAside ? SpaceLayers::What::Solid : SpaceLayers::What::All))
     , _eyes(slicesOf(eye))
+    , _eye(eye)
     , _isReversed(eye.getDepth() == Depth::Reversed)
+    , _isAside(isAside)
 {
     if (_isReversed && !isAside)
         _isBound = canvas.begin();
 }
 
+// The sun's, when it casts shadows.
+const Eye* DepthCanvas::Frame::beginShadows()
+{
+    using gl::Context;
+    const Shadows& shadows = _canvas._shadows;
+    if (shadows.quality == Shadows::Quality::None || _isAside || gl::CurrentContext::getID() == 0)
+        return nullptr;
+    if (_canvas._pShadowMap == nullptr)
+        _canvas._pShadowMap = std::make_unique<ShadowMap>();
+    ShadowMap& map = *_canvas._pShadowMap;
+    if (!map.look(shadows, _canvas._bounds, _eye) || !map.begin())
+        return nullptr;
+    _isInShadows = true;
+    _pLayers->setWhat(SpaceLayers::What::Shadows);
+    Context::maskDepthBuffer(true);
+    Context::clear(Context::Clear::Depth);
+    Context::enable(Context::Flag::DepthTest);
+    Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
+    _eye = map.getEye();
+    _eye._pLayers = _pLayers;
+    return &_eye;
+}
+
 const Eye* DepthCanvas::Frame::next()
 {
     using gl::Context;
-    flush();
+    if (!std::exchange(_hasBegun, true))
+        if (const Eye* const pSun = beginShadows())
+            return pSun;
+    if (std::exchange(_isInShadows, false))
+    {
+        _canvas._pShadowMap->end();
+        _pLayers->setWhat(SpaceLayers::What::All);
+        _pLayers->setShadowMap(_canvas._pShadowMap.get());
+    }
+    else
+        flush();
     if (_eyes.empty())
         return nullptr;
     _eye = _eyes.back();
@@ -147,19 +193,31 @@ const Eye* DepthCanvas::Frame::next()
     Context::clear(Context::Clear::Depth);
     Context::enable(Context::Flag::DepthTest);
     Context::setDepthBufferFunction(_eye.getNearer());
+    _isDrawn = true;
     return &_eye;
 }
 
 // Where no context is any more, there is nothing to draw into.
 void DepthCanvas::Frame::flush()
 {
-    if (gl::CurrentContext::getID() != 0)
-        _pLayers->flush();
+    const Shadows& shadows = _canvas._shadows;
+    if (gl::CurrentContext::getID() == 0 || !std::exchange(_isDrawn, false))
+        return;
+    const double radius = _canvas._bounds.getRadius(), reach = shadows.reach > 0 ? shadows.reach : radius / 20;
+    if (shadows.quality != Shadows::Quality::None && !_isAside && shadows.occlusion > 0 && reach > 0)
+    {
+        if (_canvas._pOcclusion == nullptr)
+            _canvas._pOcclusion = std::make_unique<Occlusion>();
+        _canvas._pOcclusion->draw(_eye, shadows, reach);
+    }
+    _pLayers->flush();
 }
 
 DepthCanvas::Frame::~Frame()
 {
     using gl::Context;
+    if (_isInShadows)
+        _canvas._pShadowMap->end();
     flush();
     Context::disable(Context::Flag::DepthTest);
     if (_isReversed)

@@ -35,16 +35,6 @@ bool hasFeature(int version, const char* extension)
 
 GLenum targetOf(int nSamples) { return nSamples > 1 ? GL_TEXTURE_2D_MULTISAMPLE : GL_TEXTURE_2D; }
 
-GLint attachmentSize(GLenum attachment, GLenum what)
-{
-    GLint type = GL_NONE, value = 0;
-    glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, attachment, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE,
-                                          &type);
-    if (type != GL_NONE)
-        glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, attachment, what, &value);
-    return value;
-}
-
 } // namespace
 
 /// Puts layers over what they are seen before.
@@ -86,30 +76,6 @@ std::shared_ptr<GlassCanvas> GlassCanvas::get()
     return pNew;
 }
 
-GlassCanvas::Target GlassCanvas::Target::getBound()
-{
-    Target target;
-    target.framebuffer = glInteger(GL_DRAW_FRAMEBUFFER_BINDING);
-    glGetIntegerv(GL_VIEWPORT, target.viewport.data());
-    target.nSamples = glInteger(GL_SAMPLES);
-    const bool isFrame = target.framebuffer == 0;
-    const GLenum depth = isFrame ? GL_DEPTH : GL_DEPTH_ATTACHMENT,
-                 stencil = isFrame ? GL_STENCIL : GL_STENCIL_ATTACHMENT;
-    const int nBits = attachmentSize(depth, GL_FRAMEBUFFER_ATTACHMENT_DEPTH_SIZE);
-    target.hasStencil = attachmentSize(stencil, GL_FRAMEBUFFER_ATTACHMENT_STENCIL_SIZE) > 0;
-    const bool isFloat = nBits > 0 && attachmentSize(depth, GL_FRAMEBUFFER_ATTACHMENT_COMPONENT_TYPE) == GL_FLOAT;
-    // Depth is copied between buffers of one format only.
-    if (isFloat)
-        target.depthFormat = target.hasStencil ? GL_DEPTH32F_STENCIL8 : GL_DEPTH_COMPONENT32F;
-    else if (nBits == 24)
-        target.depthFormat = target.hasStencil ? GL_DEPTH24_STENCIL8 : GL_DEPTH_COMPONENT24;
-    else if (nBits == 16 && !target.hasStencil)
-        target.depthFormat = GL_DEPTH_COMPONENT16;
-    else if (nBits == 32 && !target.hasStencil)
-        target.depthFormat = GL_DEPTH_COMPONENT32;
-    return target;
-}
-
 // Attaches it too, to the framebuffer that is bound.
 unsigned int GlassCanvas::makeTexture(unsigned int format) const
 {
@@ -131,9 +97,9 @@ unsigned int GlassCanvas::makeTexture(unsigned int format) const
 }
 
 // @return false when there is no place for layers, or no way to tell them apart
-bool GlassCanvas::prepare(const Target& target)
+bool GlassCanvas::prepare(const BoundTarget& target)
 {
-    Target wanted = target;
+    BoundTarget wanted = target;
     wanted.framebuffer = wanted.viewport[0] = wanted.viewport[1] = 0;
     if (_made == wanted)
         return !_isRefused;
@@ -197,15 +163,7 @@ void GlassCanvas::bind(const Pass& pass)
     glBindTexture(targetOf(pass.nSamples), pass.nearness);
 }
 
-void GlassCanvas::copyDepth(const Target& target) const
-{
-    const auto& [x, y, width, height] = target.viewport;
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(target.framebuffer));
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, _framebuffers[0]);
-    glBlitFramebuffer(x, y, x + width, y + height, 0, 0, width, height, GL_DEPTH_BUFFER_BIT, GL_NEAREST);
-}
-
-void GlassCanvas::drawLayers(const Target& target, std::span<const Source> sources)
+void GlassCanvas::drawLayers(const BoundTarget& target, std::span<const Source> sources)
 {
     constexpr std::array<float, 4> cNothing{};
     const auto bindFramebuffer = [&](std::size_t i)
@@ -255,7 +213,7 @@ void GlassCanvas::drawLayers(const Target& target, std::span<const Source> sourc
     drawFound(cLayers, Pass::Kind::Rest);
 }
 
-void GlassCanvas::composite(const Target& target)
+void GlassCanvas::composite(const BoundTarget& target)
 {
     if (_pComposite == nullptr || _pComposite->nSamplesOfIt != target.nSamples)
     {
@@ -282,12 +240,12 @@ void GlassCanvas::composite(const Target& target)
 void GlassCanvas::draw(std::span<const Source> sources)
 {
     const gl::StateGuard guard;
-    const Target target = Target::getBound();
-    if (target.viewport[2] <= 0 || target.viewport[3] <= 0)
+    const BoundTarget target = BoundTarget::get();
+    if (target.isEmpty())
         return;
     if (!prepare(target))
     {
-        glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(target.framebuffer));
+        target.bind();
         gl::Context::enable(gl::Context::Flag::Blend);
         glBlendEquation(GL_FUNC_ADD);
         gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
@@ -298,10 +256,9 @@ void GlassCanvas::draw(std::span<const Source> sources)
     // Of what is aside all is drawn.
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
     gl::Context::disable(gl::Context::Flag::ScissorTest);
-    copyDepth(target);
+    target.copyDepth(_framebuffers[0]);
     drawLayers(target, sources);
-    glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(target.framebuffer));
-    glViewport(target.viewport[0], target.viewport[1], target.viewport[2], target.viewport[3]);
+    target.bind();
     if (isScissored)
         gl::Context::enable(gl::Context::Flag::ScissorTest);
     composite(target);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BoundTarget.h"
+
 #include <gui/gl/ContextResource.h>
 #include <gui/gl/Program.h>
 #include <gui/gl/Quads.h>
@@ -57,32 +59,19 @@ public:
     static void bind(const Pass& pass);
 
 private:
-    /// What is bound where it is drawn at last.
-    struct Target
-    {
-        int framebuffer = 0;
-        std::array<int, 4> viewport{};
-        int nSamples = 0;
-        unsigned int depthFormat = 0;
-        bool hasStencil = false;
-
-        static Target getBound();
-        bool operator==(const Target&) const = default;
-    };
     class CompositeProgram;
 
-    bool prepare(const Target& target);
+    bool prepare(const BoundTarget& target);
     unsigned int makeTexture(unsigned int format) const;
-    void copyDepth(const Target& target) const;
-    void drawLayers(const Target& target, std::span<const Source> sources);
-    void composite(const Target& target);
+    void drawLayers(const BoundTarget& target, std::span<const Source> sources);
+    void composite(const BoundTarget& target);
     void release();
 
     // Two for layers that are found in turn, and one for what is drawn.
     std::array<unsigned int, 3> _framebuffers{}, _textures{};
     unsigned int _depth = 0;
     std::array<unsigned int, cLayers + 1> _queries{};
-    Target _made; // what they are for; of a place only the size counts
+    BoundTarget _made; // what they are for; of a place only the size counts
     bool _isRefused = false, _isSaid = false;
     std::shared_ptr<CompositeProgram> _pComposite;
     gl::Quads _quads;

@@ -1,5 +1,7 @@
 #include "ModelPainter.h"
 
+#include "ShadowMap.h"
+
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 #include <gui/gl/Textures.h>
@@ -241,6 +243,9 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
         features |= ModelProgram::Textured;
     if (_hasRests && (features & ModelProgram::Outline) == 0)
         features |= ModelProgram::Rests;
+    const bool isLit = isSurface && (features & (ModelProgram::Plain | ModelProgram::Ids)) == 0;
+    if (isLit && _sight.pShadowMap != nullptr)
+        features |= ModelProgram::Shadowed;
     if (!_sight.clipping.isEmpty() && (features & ModelProgram::Outline) == 0)
         features |= ModelProgram::Clipped;
     ModelProgram* pProgram = _pGL->pPrograms->find(features);
@@ -258,13 +263,21 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
     program.setUniformValue(program.at(ModelProgram::HalfSize), _sight.halfSize);
     if ((features & ModelProgram::Clipped) != 0)
         _sight.setClipUniforms(program.getClipLocations());
-    if (isSurface && (features & (ModelProgram::Plain | ModelProgram::Ids)) == 0)
+    if (isLit)
     {
         program.setUniformValue(program.at(ModelProgram::Viewer), _sight.viewer);
         program.setUniformValue(program.at(ModelProgram::ToLight), _sight.toLight);
         program.setUniformValue(program.at(ModelProgram::Up), _sight.up);
         program.setUniformValue(program.at(ModelProgram::LightColor),
                                 glm::vec4(linearOf(look.light.color), inUnit(look.light.ambient)));
+    }
+    if ((features & ModelProgram::Shadowed) != 0)
+    {
+        const ShadowMap& map = *_sight.pShadowMap;
+        program.setUniformValue(program.at(ModelProgram::ToShadowMap), map.getMatrix(_origin + _sight.reference));
+        program.setUniformValue(program.at(ModelProgram::ShadowSize),
+                                glm::vec3(map.getTexelSize(), 1 / map.getEye().getSize().width, map.getRadius()));
+        gl::Textures::bindToSamplerUnit(map.getTexture(), ModelProgram::cShadowUnit, gl::Texture::Type::Tex2D);
     }
     _pGL->parts.bind(ModelProgram::cPartsUnit);
     return pProgram;
@@ -492,6 +505,7 @@ bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vecto
     const float reach =
         std::max({ModelSight::getWidth(look.edges, scale), ModelSight::getWidth(look.section.outline, scale),
                   2 * ModelSight::getWidth(look.outline, scale)});
+    _sight.pShadowMap = nullptr;
     if (!isDone || getNumberOfTriangles() == 0 || !_sight.look(eye, look.light, _origin, _bounds, reach))
         return false;
     isDone = prepare(look, parts) && cutSection();
@@ -504,12 +518,15 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     bool isDone = false;
     if (!begin(eye, look, parts, isDone))
         return isDone;
+    if (pLayers && pLayers->getWhat() == SpaceLayers::What::Shadows)
+        return drawShadows(eye, look);
+    _sight.pShadowMap = pLayers && look.light.kind == Light::Kind::Sun ? pLayers->getShadowMap() : nullptr;
     const gl::StateGuard guard;
     const ClipState clip(_sight.clipping);
     const Level& level = chooseLevel(eye, look.tolerance);
     const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
     beginSurfaces(getLineWidth(level, look));
-    const bool hasGlass = _kinds.areGlass && !(pLayers && pLayers->isSolid());
+    const bool hasGlass = _kinds.areGlass && !(pLayers && pLayers->getWhat() == SpaceLayers::What::Solid);
     const auto isSolid = [=](const State& state)
     { return state.wires == Model::Wires::None && !(hasGlass && state.isGlass); };
     if (activate(0, look) == nullptr || !drawCells(level, &images, isSolid) ||
@@ -523,8 +540,9 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
         return false;
     if (hasGlass)
     {
-        GlassCanvas::Source source = [this, eye, &look, &parts, &images](const GlassCanvas::Pass& pass)
-        { drawGlass(eye, look, parts, images, pass); };
+        const ShadowMap* const pShadowMap = _sight.pShadowMap;
+        GlassCanvas::Source source = [this, pShadowMap, eye, &look, &parts, &images](const GlassCanvas::Pass& pass)
+        { drawGlass(eye, look, parts, images, pass, pShadowMap); };
         _pGL->pGlass = GlassCanvas::get();
         _pLayers = pLayers;
         if (pLayers)
@@ -536,13 +554,32 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     return true;
 }
 
+// What casts shadows, into a depth buffer alone.
+bool ModelPainter::drawShadows(const Eye& eye, const ModelLook& look)
+{
+    const gl::StateGuard guard;
+    const ClipState clip(_sight.clipping);
+    beginSurfaces(0);
+    // Surfaces do not shade themselves: they lie a little deeper than they are.
+    gl::Context::setPolygonOffset(1.5F, 2);
+    gl::Context::enable(gl::Context::Flag::PolygonOffset);
+    const auto castsShadow = [](const State& state) { return !state.isGlass && state.wires != Model::Wires::Alone; };
+    if (activate(ModelProgram::Plain, look) == nullptr ||
+        !drawCells(chooseLevel(eye, look.tolerance), nullptr, castsShadow) ||
+        !drawFaces({ModelProgram::Plain, glm::vec4(1), 0}, look, castsShadow))
+        return false;
+    _lastFailure = nullptr;
+    return true;
+}
+
 // Its translucent parts, one time of many.
 void ModelPainter::drawGlass(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
-                             ImageStore& images, const GlassCanvas::Pass& pass)
+                             ImageStore& images, const GlassCanvas::Pass& pass, const ShadowMap* pShadowMap)
 {
     bool isDone = false;
     if (!begin(eye, look, parts, isDone))
         return;
+    _sight.pShadowMap = pShadowMap;
     const Level& level = chooseLevel(eye, look.tolerance);
     const ClipState clip(_sight.clipping);
     beginSurfaces(getLineWidth(level, look));

@@ -135,7 +135,8 @@ private:
     float getLineWidth(const Level& level, const ModelLook& look) const;
     bool drawFaces(const Flat& flat, const ModelLook& look, bool (*isWanted)(const State&));
     void drawGlass(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images,
-                   const GlassCanvas::Pass& pass);
+                   const GlassCanvas::Pass& pass, const ShadowMap* pShadowMap);
+    bool drawShadows(const Eye& eye, const ModelLook& look);
     float getPixelSizeOn(const SectionPlane& plane) const;
     bool drawSectionLines(const ModelLook& look);
     bool drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images);

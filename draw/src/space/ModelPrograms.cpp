@@ -16,14 +16,15 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::array<const char*, 11> cModelFeatures{"TEXTURED", "RESTS",   "WIRES", "PLAIN", "IDS",    "EDGES",
-                                                     "OUTLINE",  "CLIPPED", "FACES", "GLASS", "SAMPLES"};
+constexpr std::array<const char*, 12> cModelFeatures{"TEXTURED", "RESTS",   "WIRES", "PLAIN", "IDS",     "EDGES",
+                                                     "OUTLINE",  "CLIPPED", "FACES", "GLASS", "SAMPLES", "SHADOWED"};
 
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
-    "toClip",     "reference", "viewer",    "toLight",    "lightColor", "up",         "lineColor",  "lineWidth",
-    "leastCover", "halfSize",  "toDepth",   "plainColor", "firstId",    "wiresAlone", "corner",     "box",
-    "faceU",      "faceV",     "faceColor", "pixelSize",  "glassPass",  "isReversed", "sampleCount"};
+    "toClip",     "reference",   "viewer",      "toLight",   "lightColor", "up",        "lineColor",
+    "lineWidth",  "leastCover",  "halfSize",    "toDepth",   "plainColor", "firstId",   "wiresAlone",
+    "corner",     "box",         "faceU",       "faceV",     "faceColor",  "pixelSize", "glassPass",
+    "isReversed", "sampleCount", "toShadowMap", "shadowSize"};
 
 } // namespace
 
@@ -68,6 +69,7 @@ void ModelProgram::onLinked()
     setUnit("picture", cTextureUnit);
     setUnit("mask", cMaskUnit);
     setUnit("nearness", GlassCanvas::cUnit);
+    setUnit("shadowMap", cShadowUnit);
 }
 
 std::shared_ptr<ModelPrograms> ModelPrograms::get()

@@ -25,17 +25,18 @@ public:
     /// The shaders' names for these are in the source, in the same order.
     enum Feature : unsigned int
     {
-        Textured = 1,  ///< vertices have texture coordinates
-        Rests = 2,     ///< and what floats lack of their positions
-        Wires = 4,     ///< triangles with their sides
-        Plain = 8,     ///< one colour
-        Ids = 16,      ///< the part's number as a colour
-        Edges = 32,    ///< quads about edges
-        Outline = 64,  ///< the outline of a mask
-        Clipped = 128, ///< with planes that cut something away
-        Faces = 256,   ///< faces of cuts
-        Glass = 512,   ///< translucent, for a GlassCanvas
-        Samples = 1024 ///< several of a pixel
+        Textured = 1,   ///< vertices have texture coordinates
+        Rests = 2,      ///< and what floats lack of their positions
+        Wires = 4,      ///< triangles with their sides
+        Plain = 8,      ///< one colour
+        Ids = 16,       ///< the part's number as a colour
+        Edges = 32,     ///< quads about edges
+        Outline = 64,   ///< the outline of a mask
+        Clipped = 128,  ///< with planes that cut something away
+        Faces = 256,    ///< faces of cuts
+        Glass = 512,    ///< translucent, for a GlassCanvas
+        Samples = 1024, ///< several of a pixel
+        Shadowed = 2048 ///< by a ShadowMap
     };
     enum Uniform : std::size_t
     {
@@ -62,6 +63,8 @@ public:
         GlassPass,
         IsReversed,
         SampleCount,
+        ToShadowMap,
+        ShadowSize,
         cUniforms
     };
 
@@ -74,6 +77,7 @@ public:
 
     static constexpr gl::Texture::Unit cPartsUnit = gl::Texture::Unit::T0, cEdgesUnit = gl::Texture::Unit::T1;
     static constexpr gl::Texture::Unit cTextureUnit = gl::Texture::Unit::T2, cMaskUnit = gl::Texture::Unit::T3;
+    static constexpr gl::Texture::Unit cShadowUnit = gl::Texture::Unit::T5;
 
 protected:
     void onLinked() override;

@@ -20,13 +20,13 @@ namespace
 // Of a model's size: a few times what floats are wrong by in its shaders.
 constexpr double cClipSlack = 5e-7;
 
-glm::dvec3 directionOf(const glm::dvec3& v)
+} // namespace
+
+glm::dvec3 ModelSight::getDirection(const glm::dvec3& v)
 {
     const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
     return largest > 0 && std::isfinite(largest) ? glm::normalize(v / largest) : glm::dvec3(0, 0, 1);
 }
-
-} // namespace
 
 float ModelSight::getWidth(const Model::Line& line, float scale)
 {
@@ -62,7 +62,7 @@ bool ModelSight::look(const Eye& from, const Light& light, const glm::dvec3& mod
     toClip = eye.getMatrix(origin + reference);
     viewer = eye.isOrthographic() ? glm::vec4(-eye.getDirection(), 0) : glm::vec4(glm::vec3(place - reference), 1);
     const glm::dvec3 shining = light.kind == Light::Kind::Sun
-                                   ? directionOf(light.direction)
+                                   ? getDirection(light.direction)
                                    : glm::normalize(0.55 * eye.getUp() - 0.4 * eye.getRight() - eye.getDirection());
     toLight = glm::vec3(shining);
     up = glm::vec3(light.kind == Light::Kind::Sun ? shining : eye.getUp());

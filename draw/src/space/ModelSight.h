@@ -18,6 +18,8 @@
 namespace gui::draw
 {
 
+class ShadowMap;
+
 /// A frame's eye, as a model's shaders and cells are told of it.
 struct ModelSight
 {
@@ -40,6 +42,7 @@ struct ModelSight
     float scale = 1;       ///< pixels per point
     bool isReversed = false;
     gl::DepthBuffer::Function nearer = gl::DepthBuffer::Function::LessOrEqual;
+    const ShadowMap* pShadowMap = nullptr; ///< of the frame; null for a light that casts no shadows
     Eye eye;
     Clipping clipping; ///< its
     double slack = 0;  ///< by which more is cut off: what lies in a plane goes, and the face of the cut takes its place
@@ -55,6 +58,9 @@ struct ModelSight
     {
         ClipState::setUniforms(clipping, at, origin + reference, slack);
     }
+
+    /// Of length 1; (0, 0, 1) for what has none.
+    static glm::dvec3 getDirection(const glm::dvec3& v);
 
     /// In pixels; 0 for a line that is not seen.
     static float getWidth(const Model::Line& line, float scale);

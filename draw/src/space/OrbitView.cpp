@@ -168,6 +168,12 @@ void OrbitView::setClipping(const Clipping& clipping)
     reRender();
 }
 
+void OrbitView::setShadows(const Shadows& shadows)
+{
+    _shadows = shadows;
+    reRender();
+}
+
 void OrbitView::setBackground(td::Color color) { setBackground(color, color); }
 
 void OrbitView::setBackground(td::Color top, td::Color bottom)
@@ -192,6 +198,7 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     if (std::exchange(_drawn, _camera.getPose()) != _camera.getPose())
         onCameraMoved();
     const Eye eye = getEye();
+    _canvas.setShadows(_shadows, _camera.getBounds());
     {
         DepthCanvas::Frame frame(_canvas, eye);
         _pBackground->draw();

@@ -2,6 +2,7 @@
 
 #include "Eye.h"
 #include "OrbitCamera.h"
+#include "Shadows.h"
 
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/Framebuffer.h>
@@ -21,6 +22,9 @@ class Buffer;
 
 namespace gui::draw
 {
+
+class Occlusion;
+class ShadowMap;
 
 /// What a scene in space is drawn into, so that its depth tells apart what is near and what is far: from a tenth of a
 /// metre to the ends of a planet. OrbitView has one (see OrbitView::setDepth); in views of other kinds:
@@ -66,6 +70,12 @@ public:
     /// Per pixel, of the framebuffer that Reversed makes: 1, 2, 4 (at first), 8 or 16.
     void setSamples(int n);
 
+    /// What the scene casts upon itself, from the next frame on; nothing at first. A frame begins with the sun's eye
+    /// then: the scene is drawn once more.
+    /// @param bounds  around all that casts and gets shadows
+    void setShadows(const Shadows& shadows, const Box3& bounds);
+    const Shadows& getShadows() const { return _shadows; } ///< see setShadows
+
     /// How a camera sees into it. @param scale  device pixels per point
     Eye getEye(const OrbitCamera& camera, double scale) const { return camera.getEye(scale, getDepth()); }
 
@@ -91,6 +101,7 @@ public:
 
     private:
         void flush();
+        const Eye* beginShadows();
 
         DepthCanvas& _canvas;
         std::shared_ptr<SpaceLayers> _pLayers; // what is translucent waits there
@@ -98,6 +109,9 @@ public:
         Eye _eye;
         bool _isReversed;
         bool _isBound = false; // the canvas' own framebuffer
+        bool _isAside, _hasBegun = false;
+        bool _isInShadows = false; // the sun's eye is out
+        bool _isDrawn = false;     // with the eye that is out
     };
 
 private:
@@ -108,6 +122,10 @@ private:
     int _nSamples = 4;
     gl::Framebuffer _framebuffer;
     gl::Texture2DProgram _program;
+    Shadows _shadows;
+    Box3 _bounds; // of what casts them
+    std::unique_ptr<ShadowMap> _pShadowMap;
+    std::unique_ptr<Occlusion> _pOcclusion;
     std::unique_ptr<gl::Buffer> _pBuffer;
     // Of the context that was asked last.
     mutable gl::CurrentContext::ID _asked = 0;

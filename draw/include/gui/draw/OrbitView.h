@@ -5,6 +5,7 @@
 #include "Eye.h"
 #include "OrbitCamera.h"
 #include "OrbitControl.h"
+#include "Shadows.h"
 
 #include <gui/gl/Framebuffer.h>
 #include <gui/gl/View.h>
@@ -92,6 +93,9 @@ public:
     void setClipping(const Clipping& clipping);
     const Clipping& getClipping() const { return _clipping; } ///< see setClipping
 
+    /// What the scene casts upon itself; nothing at first. Its bounds are the camera's (see OrbitCamera::setBounds).
+    void setShadows(const Shadows& shadows);
+
     /// What the model is before: one colour, or one at the top that goes over into another. "#f4f6f8" and "#c8d0d8" at
     /// first.
     void setBackground(td::Color color);
@@ -152,6 +156,7 @@ private:
     std::unique_ptr<Background> _pBackground;
     DepthCanvas _canvas;
     Clipping _clipping;
+    Shadows _shadows;
     gl::Framebuffer _pickBuffer;
     std::optional<td::Point<double>> _pointer;
     OrbitCamera::Pose _drawn;

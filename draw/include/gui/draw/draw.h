@@ -41,6 +41,7 @@
 #include "Scale.h"
 #include "Series.h"
 #include "SeriesStyle.h"
+#include "Shadows.h"
 #include "Stroke.h"
 #include "TextEditor.h"
 #include "TextLayout.h"
