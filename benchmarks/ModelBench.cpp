@@ -164,6 +164,27 @@ void main() { color = paint * dot(normalize(place), toLight); })"));
 }
 BENCHMARK(TurningPlain)->Unit(benchmark::kMicrosecond);
 
+/// A plane goes through the million: its face and the lines about it are made and uploaded for each frame. The plane's
+/// way is at most as long as the waves on the ball are high, so that all frames cut as much.
+void Cutting(benchmark::State& state)
+{
+    gui::gl::OffscreenContext context({1000, 1000}, settings());
+    Model model;
+    model.setMesh(ball());
+    model.setTolerance(0);
+    Eye eye = eyeAt(40, 0);
+    model.draw(eye); // uploads
+    const WithoutTriangles without;
+    double place = 0;
+    for (auto _ : state)
+    {
+        place = place > 0.2 ? 0 : place + 0.001;
+        eye.setClipping({{0, 0, place}, {0.3, 0.2, -1}});
+        model.draw(eye);
+    }
+}
+BENCHMARK(Cutting)->Unit(benchmark::kMillisecond);
+
 /// A mesh becomes what is drawn: welding, normals, edges, cells and coarser meshes.
 void SetMesh(benchmark::State& state)
 {
