@@ -36,6 +36,7 @@
 #include "PlotStyle.h"
 #include "PlotView.h"
 #include "Polylines.h"
+#include "Polylines3.h"
 #include "Ray.h"
 #include "Samples.h"
 #include "Scale.h"
