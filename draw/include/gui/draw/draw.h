@@ -35,6 +35,7 @@
 #include "Plot.h"
 #include "PlotStyle.h"
 #include "PlotView.h"
+#include "Points3.h"
 #include "Polylines.h"
 #include "Polylines3.h"
 #include "Ray.h"
