@@ -19,6 +19,7 @@
 #include "GlyphImage.h"
 #include "HeatMap.h"
 #include "Image.h"
+#include "Instances.h"
 #include "Labels.h"
 #include "Light.h"
 #include "Marker.h"
