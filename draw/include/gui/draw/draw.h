@@ -18,6 +18,7 @@
 #include "FontTag.h"
 #include "GlyphImage.h"
 #include "HeatMap.h"
+#include "IdPicker.h"
 #include "Image.h"
 #include "Instances.h"
 #include "Labels.h"
