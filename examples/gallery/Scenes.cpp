@@ -188,6 +188,11 @@ constexpr SceneInfo cScenes[] = {
      "every "
      "side and without anybody sorting them. Drags turn it, Space lets it turn.",
      makeGlass},
+    {"swarm", "A hundred thousand rocks",
+     "The ring of a planet: one mesh a hundred thousand times, each with a place, a turn and a colour of its own. The "
+     "one under the pointer shows its orbit; a click leaves a trail behind it. Moons and stars are points, and nothing "
+     "is uploaded while all of it turns.",
+     makeSwarm},
 };
 
 } // namespace

@@ -61,5 +61,6 @@ std::unique_ptr<Scene> makePick3D();
 std::unique_ptr<Scene> makeHorizon();
 std::unique_ptr<Scene> makeSection();
 std::unique_ptr<Scene> makeGlass();
+std::unique_ptr<Scene> makeSwarm();
 
 } // namespace gallery
