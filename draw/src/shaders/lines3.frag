@@ -11,7 +11,7 @@ flat in vec4 firstColor;
 flat in vec4 secondColor;
 uniform vec2 halfSize;
 uniform vec2 corner; // of the viewport
-uniform int stage;
+uniform int stage; // what is drawn: the core, the rims, the depth of these; or all, without a rim
 #ifdef CLIPPED
 flat in vec3 firstPlace;
 flat in vec3 secondPlace;
@@ -71,9 +71,16 @@ void main()
     float dash = dashed(mix(track.x, track.y, along), perPixel);
     bool isCore = d <= max(radius - 0.5, min(radius, 0.35)) && dash > 0.99;
     covered *= dash;
-    if (stage == 0 ? !isCore : stage == 1 ? isCore : stage == 2 ? isCore || covered < 0.5 : dash < 0.5 || d > max(radius, 0.5))
-        discard;
-    if (covered <= 0.0 && stage != 3)
+    bool isDrawn = covered > 0.0;
+    if (stage == 0)
+        isDrawn = isDrawn && isCore;
+    else if (stage == 1)
+        isDrawn = isDrawn && !isCore;
+    else if (stage == 2)
+        isDrawn = covered >= 0.5 && !isCore;
+    else
+        isDrawn = dash >= 0.5 && d <= max(radius, 0.5);
+    if (!isDrawn)
         discard;
 #if defined(PLAIN)
     color = plainColor;

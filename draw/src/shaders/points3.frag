@@ -12,7 +12,7 @@ uniform vec2 toDepth;
 #endif
 flat in vec4 paint;
 flat in float opacity;
-uniform int stage;
+uniform int stage; // what is drawn: the core, the rims; or all, without a rim
 #ifdef PLAIN
 uniform vec4 plainColor;
 #endif

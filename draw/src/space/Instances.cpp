@@ -222,8 +222,8 @@ struct Instances::Impl
     {
         for (const gl::Quads::Range& range : ranges)
         {
-            const std::size_t last = (range.first + range.count - 1) / SpaceBlocks::cThings;
-            for (std::size_t block = range.first / SpaceBlocks::cThings; block <= last;)
+            const std::size_t last = blocks.getBlockOf(range.first + range.count - 1);
+            for (std::size_t block = blocks.getBlockOf(range.first); block <= last;)
             {
                 const std::size_t level = levelFor(eye, blocks.getBox(block));
                 gl::Quads::Range alike = blocks.getRange(block++);
@@ -295,7 +295,7 @@ struct Instances::Impl
     double largestScale = 0;
     bool isMirrored = false;
     TexelStore things{gl::BufferTexture::Format::UInt4, 4};
-    SpaceBlocks blocks; // of slots
+    SpaceBlocks blocks{512}; // of slots
     Light light;
     double tolerance = 0.5;
     std::unique_ptr<InGL> pGL;

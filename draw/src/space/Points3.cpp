@@ -137,7 +137,7 @@ struct Points3::Impl
     }
 
     TexelStore points{gl::BufferTexture::Format::UInt4, 4};
-    SpaceBlocks blocks;
+    SpaceBlocks blocks{4096};
     glm::dvec3 origin{0}; // one of the places
     Look look;
     Light light;

@@ -170,7 +170,7 @@ struct Polylines3::Impl
     TexelStore colors{gl::BufferTexture::Format::UInt, 1}; // none as long as all lines have one each
     std::vector<Line> all;
     std::size_t nPoints = 0;
-    SpaceBlocks blocks;
+    SpaceBlocks blocks{4096};
     glm::dvec3 origin{0}; // the first point's place
     double bias = 0, widest = 0;
     bool isWidestKnown = true;

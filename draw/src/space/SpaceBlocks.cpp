@@ -8,12 +8,12 @@ void SpaceBlocks::resize(std::size_t nThings)
     if (nThings == _nThings)
         return;
     const std::size_t before = std::min(nThings, _nThings);
-    _blocks.resize((nThings + cThings - 1) / cThings);
+    _blocks.resize((nThings + _nThingsOfOne - 1) / _nThingsOfOne);
     _nThings = nThings;
     _isChanged = true;
     // The last one that stays has more or fewer.
-    if (before / cThings < _blocks.size())
-        _blocks[before / cThings].isChanged = true;
+    if (before / _nThingsOfOne < _blocks.size())
+        _blocks[before / _nThingsOfOne].isChanged = true;
     if (nThings > 0)
         _blocks.back().isChanged = true;
 }
@@ -21,7 +21,7 @@ void SpaceBlocks::resize(std::size_t nThings)
 void SpaceBlocks::markChanged(std::size_t first, std::size_t n)
 {
     const std::size_t end = std::min(first + n, _nThings);
-    for (std::size_t i = first / cThings; i * cThings < end; ++i)
+    for (std::size_t i = first / _nThingsOfOne; i * _nThingsOfOne < end; ++i)
         _blocks[i].isChanged = true;
     _isChanged = true;
 }

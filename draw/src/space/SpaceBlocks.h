@@ -12,11 +12,14 @@
 namespace gui::draw
 {
 
-/// Boxes about things that follow each other in a list, some hundreds in each: what is drawn or left out together.
+/// Boxes about things that follow each other in a list, so many in each: what is drawn or left out together.
 class SpaceBlocks
 {
 public:
-    static constexpr std::size_t cThings = 512; ///< of a block
+    explicit SpaceBlocks(std::size_t nThingsOfOne)
+        : _nThingsOfOne(nThingsOfOne)
+    {
+    }
 
     /// There are so many now; those that are new have changed.
     void resize(std::size_t nThings);
@@ -35,20 +38,20 @@ public:
         {
             Block& block = _blocks[i];
             if (block.isChanged)
-                block = {boxOf(i * cThings, endOf(i)), false};
+                block = {boxOf(i * _nThingsOfOne, endOf(i)), false};
             _bounds.add(block.box);
         }
     }
 
     /// Around everything, since the last update.
     const Box3& getBounds() const { return _bounds; }
-    std::size_t getNumberOfBlocks() const { return _blocks.size(); }
+    std::size_t getBlockOf(std::size_t thing) const { return thing / _nThingsOfOne; }
     const Box3& getBox(std::size_t block) const { return _blocks[block].box; }
     /// Which things a block has: count is 0 for none.
     gl::Quads::Range getRange(std::size_t block) const
     {
-        return {static_cast<std::uint32_t>(block * cThings),
-                static_cast<std::uint32_t>(endOf(block) - block * cThings)};
+        return {static_cast<std::uint32_t>(block * _nThingsOfOne),
+                static_cast<std::uint32_t>(endOf(block) - block * _nThingsOfOne)};
     }
 
     /// The things of blocks that may be seen, in a row as far as they follow each other.
@@ -62,8 +65,9 @@ private:
         bool isChanged = true;
     };
 
-    std::size_t endOf(std::size_t block) const { return std::min((block + 1) * cThings, _nThings); }
+    std::size_t endOf(std::size_t block) const { return std::min((block + 1) * _nThingsOfOne, _nThings); }
 
+    std::size_t _nThingsOfOne;
     std::vector<Block> _blocks;
     std::size_t _nThings = 0;
     Box3 _bounds;
