@@ -12,6 +12,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -109,6 +110,33 @@ TEST_F(Polylines3Test, ShortPiecesAreOneLine)
         EXPECT_LE(nOther(picture, drawn([&] { return fine.draw(test::eyeAbove()); }), 4), 6);
         EXPECT_GT(at(picture, 50, 0).red, 60) << "it is closed";
     }
+}
+
+TEST_F(Polylines3Test, EndsAndDots)
+{
+    using gui::draw::Cap;
+    struct Case
+    {
+        Cap cap;
+        double ends, dot; // the areas beyond both ends, and of a line of one point
+    };
+    const double width = 20, disc = M_PI * width * width / 4;
+    for (const Case& c : {Case{Cap::Round, disc, disc}, Case{Cap::Butt, 0, 0}, Case{Cap::Square, 400, 400}})
+        for (const double angle : {0.0, 0.3, 1.2})
+        {
+            const glm::dvec3 half = 30.0 * glm::dvec3(std::cos(angle), std::sin(angle), 0);
+            const std::vector<glm::dvec3> line{-half, half}, dot{{3, 1, 0}};
+            for (const auto& [points, area] : {std::pair(line, 60 * width + c.ends), std::pair(dot, c.dot)})
+            {
+                Polylines3 lines;
+                ASSERT_TRUE(lines.add(points, {.width = width, .color = "#ffffff", .cap = c.cap}));
+                double sum = 0;
+                const Picture picture = drawn([&] { return lines.draw(test::eyeAbove()); });
+                for (std::size_t i = 0; i < picture.size(); i += 4)
+                    sum += picture[i] / 255.0;
+                EXPECT_NEAR(sum, area, 0.01 * area + 0.5) << int(c.cap) << " " << angle;
+            }
+        }
 }
 
 // Lines on a box and behind it: the same in every kind of depth, and drawn whole with a bias.

@@ -1,12 +1,13 @@
-// As much of a pixel as the line covers, with round ends and joins. Of two segments that meet, the one that is nearer
-// to the pixel colours it, and the first one where both are as near: none is coloured twice, so that joins are no
-// darker where the colour is translucent, and rims of short segments no wider.
+// As much of a pixel as the line covers, with round joins, and round ends or straight ones. Of two segments that meet,
+// the one that is nearer to the pixel colours it, and the first one where both are as near: none is coloured twice, so
+// that joins are no darker where the colour is translucent, and rims of short segments no wider.
 flat in vec4 ends;
 flat in vec4 before;
 flat in vec4 after;
 flat in vec2 depths;
 flat in vec4 track;
 flat in vec4 look;
+flat in vec2 caps;
 flat in vec4 firstColor;
 flat in vec4 secondColor;
 uniform vec2 halfSize;
@@ -58,7 +59,22 @@ void main()
     float square = squareTo(p, ends, share);
     if (!(square < squareTo(p, before, other)) || !(square <= squareTo(p, after, other)))
         discard;
-    float d = sqrt(square), radius = look.x / 2.0;
+    float radius = look.x / 2.0, inside = 1.0;
+    if (max(caps.x, caps.y) >= 0.0)
+    {
+        vec2 way = ends.zw - ends.xy;
+        float size = length(way);
+        vec2 ahead = size > 1e-6 ? way / size : vec2(1.0, 0.0);
+        float fromBegin = dot(p - ends.xy, ahead), fromEnd = dot(p - ends.zw, ahead);
+        float side = dot(p - ends.xy, vec2(-ahead.y, ahead.x));
+        if (caps.x >= 0.0)
+            inside = clamp(fromBegin + caps.x + 0.5, 0.0, 1.0);
+        if (caps.y >= 0.0)
+            inside *= clamp(caps.y - fromEnd + 0.5, 0.0, 1.0);
+        if ((caps.x >= 0.0 && fromBegin < 0.0) || (caps.y >= 0.0 && fromEnd > 0.0))
+            square = side * side;
+    }
+    float d = sqrt(square);
     float covered = clamp(radius - d + 0.5, 0.0, 1.0) - clamp(-radius - d + 0.5, 0.0, 1.0);
     // With perspective, equal steps on the screen are none on the line.
     float middle = mix(track.z, track.w, share), along = share * track.w / middle;
@@ -69,8 +85,8 @@ void main()
     float perPixel = abs(track.y - track.x) * track.z * track.w /
                      (middle * middle * max(length(ends.zw - ends.xy), 1e-3));
     float dash = dashed(mix(track.x, track.y, along), perPixel);
-    bool isCore = d <= max(radius - 0.5, min(radius, 0.35)) && dash > 0.99;
-    covered *= dash;
+    bool isCore = d <= max(radius - 0.5, min(radius, 0.35)) && dash * inside > 0.99;
+    covered *= dash * inside;
     bool isDrawn = covered > 0.0;
     if (stage == 0)
         isDrawn = isDrawn && isCore;
@@ -79,7 +95,7 @@ void main()
     else if (stage == 2)
         isDrawn = covered >= 0.5 && !isCore;
     else
-        isDrawn = dash >= 0.5 && d <= max(radius, 0.5);
+        isDrawn = dash * inside >= 0.5 && d <= max(radius, 0.5);
     if (!isDrawn)
         discard;
 #if defined(PLAIN)

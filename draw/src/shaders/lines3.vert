@@ -18,6 +18,7 @@ flat out vec4 after;
 flat out vec2 depths;       // at the ends
 flat out vec4 track;        // the arc lengths there, and 1 / w
 flat out vec4 look;         // width in pixels, dash, gap, offset
+flat out vec2 caps;         // how far it goes on beyond a straight end; below 0 where that is round or none
 flat out vec4 firstColor;
 flat out vec4 secondColor;
 
@@ -75,6 +76,7 @@ void main()
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
     ends = before = after = cNowhere;
     depths = vec2(0.0);
+    caps = vec2(-1.0);
 #ifdef CLIPPED
     firstPlace = secondPlace = vec3(0.0);
 #endif
@@ -99,6 +101,16 @@ void main()
         before = onScreen(clipOf(point > first ? point - 1 : last), a, look.x);
     if (next < last || isClosed)
         after = onScreen(b, clipOf(next < last ? next + 1 : first), look.x);
+    if ((head.w & 24u) != 0u)
+    {
+        float beyond = (head.w & 16u) != 0u ? look.x / 2.0 : 0.0;
+        if (beyond == 0.0 && first == last)
+            return;
+        if (point == first && !isClosed && part.x == 0.0)
+            caps.x = beyond;
+        if (next == last && !isClosed && part.y == 1.0)
+            caps.y = beyond;
+    }
     vec4 begin = mix(a, b, part.x), end = mix(a, b, part.y);
     depths = vec2(begin.z / begin.w, end.z / end.w) * toDepth.x + toDepth.y;
     // Of the segment that closes a line, the end's arc length is in the texel of its line.

@@ -26,7 +26,7 @@ constexpr std::size_t cMostLinePoints = std::size_t(1) << 28;
 constexpr std::size_t cTexelsPerPoint = 2, cTexelsPerLine = 2;
 constexpr double cWidestLine = 1000; // in points
 // Of a line's flags, as shaders know them.
-constexpr std::uint32_t cJoined = 1, cShown = 2, cColored = 4;
+constexpr std::uint32_t cJoined = 1, cShown = 2, cColored = 4, cButt = 8, cSquare = 16;
 
 // @return the first that has a coordinate that is not finite; their number when none has
 std::size_t findBadPlace(std::span<const glm::dvec3> places)
@@ -66,8 +66,9 @@ struct Polylines3::Impl
     void writeHead(std::size_t number)
     {
         const Line& line = all[number];
+        const std::uint32_t cap = line.look.cap == Cap::Butt ? cButt : line.look.cap == Cap::Square ? cSquare : 0;
         const std::uint32_t words[] = {static_cast<std::uint32_t>(line.first), static_cast<std::uint32_t>(line.count),
-                                       wordOf(line.look.color), line.flags};
+                                       wordOf(line.look.color), line.flags | cap};
         std::copy(std::begin(words), std::end(words), lines.change(cTexelsPerLine * number, 1));
     }
 
@@ -125,9 +126,9 @@ struct Polylines3::Impl
         updateBounds();
         SpaceSight sight;
         const double reach = findWidest() / 2 + 1 / eye.getScale();
-        if (!sight.look(eye, {}, origin, blocks.getBounds(), reach * eye.getScale(), bias))
+        if (!sight.look(eye, {}, origin, blocks.getBounds(), 1.5 * reach * eye.getScale(), bias))
             return true;
-        blocks.findSeen(eye, reach, 0, ranges);
+        blocks.findSeen(eye, 1.5 * reach, 0, ranges); // square ends have corners
         if (ranges.empty())
             return true;
         const bool isFlat = features != 0;

@@ -83,7 +83,7 @@ public:
     bool setColor(std::size_t point, td::Color color);
     bool setSize(std::size_t point, double size); ///< in sizes of the look
 
-    void setLook(const Look& look);
+    void setLook(const Look& look); ///< uploads nothing
     /// Of spheres: the camera's own at first.
     void setLight(const Light& light);
     /// How much nearer all points count than they are, in points: see Polylines3::setBias.

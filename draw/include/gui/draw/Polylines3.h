@@ -2,6 +2,7 @@
 
 #include "Box3.h"
 #include "Eye.h"
+#include "Stroke.h"
 
 #include <td/Color.h>
 #include <td/Export.h>
@@ -23,9 +24,9 @@ namespace gui::draw
 ///     ...
 ///     void drawScene(const draw::Eye& eye) override { _lines.draw(eye); }
 ///
-/// A line is as wide on the screen wherever it is, with round ends and joins, and smooth in contexts with and without
-/// samples. What is before it hides it; draw surfaces first, since its rims are mixed with what is there. A line of
-/// one point is a dot. Parts that are behind the eye, or nearer than it sees, are left out.
+/// A line is as wide on the screen wherever it is, with round joins, and smooth in contexts with and without samples.
+/// What is before it hides it; draw surfaces first, since its rims are mixed with what is there. A line of one point is
+/// a dot, a square with Cap::Square, and nothing with Cap::Butt. Parts that are behind the eye, or nearer than it sees, are left out.
 ///
 /// Lines have numbers, from 0 on, in the order in which they were added. Operations on a line that there is not change
 /// nothing and return false. Coordinates are double, and drawn as exactly far from the origin as near it: see Eye.
@@ -38,13 +39,14 @@ public:
     /// What a line looks like.
     struct Look
     {
-        double width = 1.5; ///< in points; what is not above 0 is not seen
-        td::Color color{28, 32, 40, 255};
+        double width = 1.5;               ///< in points; what is not above 0 is not seen
+        td::Color color{28, 32, 40, 255}; ///< its alpha counts
         /// Lengths of dashes and of gaps, in model units along the line: they lie on it as it is turned. Solid unless
         /// both are above 0. Where they would be smaller than pixels, the line becomes fainter instead.
         double dash = 0;
         double gap = 0;        ///< see dash
         double dashOffset = 0; ///< where in the first dash, or gap, the line begins
+        Cap cap = Cap::Round;  ///< of its ends, as they are seen; dashes are cut off
 
         bool operator==(const Look&) const = default;
     };
@@ -52,7 +54,7 @@ public:
     /// Whether the last point is joined with the first, which is not repeated for that.
     enum class Ends : td::BYTE
     {
-        Open,
+        Open,  ///< the line ends there
         Joined ///< from three points on
     };
 
@@ -89,7 +91,7 @@ public:
     std::size_t getNumberOfLines() const;
     std::size_t getNumberOfPoints() const;       ///< of all lines
     const Look& getLook(std::size_t line) const; ///< of none that there is: what a line has at first
-    bool isVisible(std::size_t line) const;
+    bool isVisible(std::size_t line) const;      ///< false when there is no such line
     /// Around all points, of lines that are not visible too; empty when there are none. A little larger than that, by
     /// the rounding of floats.
     const Box3& getBounds() const;
