@@ -18,9 +18,9 @@
 #include <utility>
 #include <vector>
 
-// A hundred thousand instances, a million points, a thousand lines of a thousand points that turn: what a frame costs in
-// the library, beside the calls that one would write by hand for instances. What the driver does for triangles is left
-// out: its calls for them go nowhere meanwhile.
+// A hundred thousand instances, a million points, a thousand lines of a thousand points that turn: what a frame costs
+// in the library, beside the calls that one would write by hand for instances. What the driver does for triangles is
+// left out: its calls for them go nowhere meanwhile.
 
 namespace
 {

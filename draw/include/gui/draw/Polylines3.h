@@ -26,7 +26,8 @@ namespace gui::draw
 ///
 /// A line is as wide on the screen wherever it is, with round joins, and smooth in contexts with and without samples.
 /// What is before it hides it; draw surfaces first, since its rims are mixed with what is there. A line of one point is
-/// a dot, a square with Cap::Square, and nothing with Cap::Butt. Parts that are behind the eye, or nearer than it sees, are left out.
+/// a dot, a square with Cap::Square, and nothing with Cap::Butt. Parts that are behind the eye, or nearer than it sees,
+/// are left out.
 ///
 /// Lines have numbers, from 0 on, in the order in which they were added. Operations on a line that there is not change
 /// nothing and return false. Coordinates are double, and drawn as exactly far from the origin as near it: see Eye.
