@@ -15,10 +15,21 @@ void Orbiting::enter(Stage& stage)
     _control.setPick([this](const td::Point<double>& point) { return pick(_eye.getRay(point)); });
 }
 
+void Orbiting::redraw()
+{
+    if (_pStage != nullptr)
+        _pStage->redraw();
+}
+
+bool Orbiting::isForGallery(const gui::InputDevice& device)
+{
+    constexpr unsigned int cBoth = 1 | 16; // Shift and Ctrl together
+    return (device.getKeyboardModifiers() & cBoth) == cBoth;
+}
+
 void Orbiting::onPointer(PointerEvent event, const gui::InputDevice& device)
 {
-    constexpr unsigned int cNotForTheCamera = 1 | 16; // Shift and Ctrl together
-    if ((device.getKeyboardModifiers() & cNotForTheCamera) == cNotForTheCamera)
+    if (isForGallery(device))
         return;
     switch (event)
     {
@@ -82,6 +93,7 @@ void Orbiting::draw(const Frame& frame)
         while (const gui::draw::Eye* const pEye = picture.next())
             drawModel(*pEye);
     }
+    drawOver(frame, _eye);
     _control.drawGizmo(_eye);
 }
 

@@ -24,7 +24,7 @@ public:
 
     void enter(Stage& stage) override;
     void draw(const Frame& frame) final;
-    /// Drags with both Shift and Ctrl are the gallery's.
+    /// But what isForGallery.
     void onPointer(PointerEvent event, const gui::InputDevice& device) override;
     /// The arrows go from scene to scene.
     bool onKey(const gui::Key& key, bool isDown) override;
@@ -41,6 +41,13 @@ protected:
     void setClipping(const gui::draw::Clipping& clipping) { _clipping = clipping; }
     /// What it casts upon itself.
     void setShadows(const gui::draw::Shadows& shadows) { _canvas.setShadows(shadows, _camera.getBounds()); }
+    /// What goes by the screen, when all of that is drawn.
+    virtual void drawOver(const Frame& /*frame*/, const gui::draw::Eye& /*eye*/) {}
+    /// What a drag turns about. This one asks the mesh.
+    virtual std::optional<glm::dvec3> pick(const gui::draw::Ray& ray) const;
+    /// What has both Shift and Ctrl is the gallery's.
+    static bool isForGallery(const gui::InputDevice& device);
+    void redraw(); ///< asks for another frame
     /// While time runs: goes round the target.
     void turn(double seconds, double degreesPerSecond);
 
@@ -48,8 +55,6 @@ protected:
     gui::draw::Model _model;
 
 private:
-    std::optional<glm::dvec3> pick(const gui::draw::Ray& ray) const;
-
     gui::draw::Clipping _clipping;
     gui::draw::OrbitControl _control{_camera};
     gui::draw::DepthCanvas _canvas{gui::draw::Eye::Depth::Reversed}; // and smooth edges

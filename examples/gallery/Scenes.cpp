@@ -192,6 +192,11 @@ constexpr SceneInfo cScenes[] = {
      "The shadows of a sun, and the dark of corners, eaves and lanes that little light gets into: one line of the "
      "program. Drags turn it, the wheel goes nearer, Space lets it turn.",
      makeShadow},
+    {"swarm", "A hundred thousand rocks",
+     "The ring of a planet: one mesh a hundred thousand times, each with a place, a turn and a colour of its own. The "
+     "one under the pointer shows its orbit; a click leaves a trail behind it. Moons and stars are points, and nothing "
+     "is uploaded while all of it turns.",
+     makeSwarm},
 };
 
 } // namespace

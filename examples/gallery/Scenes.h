@@ -62,5 +62,6 @@ std::unique_ptr<Scene> makeHorizon();
 std::unique_ptr<Scene> makeSection();
 std::unique_ptr<Scene> makeGlass();
 std::unique_ptr<Scene> makeShadow();
+std::unique_ptr<Scene> makeSwarm();
 
 } // namespace gallery

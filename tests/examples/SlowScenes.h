@@ -13,7 +13,7 @@ namespace test
 inline bool isSlow(const gallery::SceneInfo& scene)
 {
     constexpr std::string_view cNames[] = {"blueprint", "camera", "coastline", "horizon", "instances",
-                                           "labels",    "meshes", "scatter",   "sky"};
+                                           "labels",    "meshes", "scatter",   "sky",     "swarm"};
     return std::ranges::find(cNames, scene.name) != std::end(cNames);
 }
 
