@@ -7,6 +7,7 @@
 
 #include <epoxy/gl.h>
 
+#include <glm/geometric.hpp>
 #include <glm/gtc/type_ptr.hpp>
 
 #include <algorithm>
@@ -23,6 +24,7 @@ namespace
 
 constexpr double cSkin = 3;                        // in points: of what is before a point and does not hide it
 constexpr double cHalfSquare = 1.5;                // in pixels
+constexpr double cJumpCosine = 0.985;              // of ten degrees that the eye turns from one frame to the next
 constexpr double cFarOff = 100;                    // in points: an answer from there is worth nothing here
 constexpr std::size_t cMostBatches = 3;            // frames that the GPU may be behind
 constexpr std::size_t cSquaresAtOnce = 64;         // as in the shader
@@ -163,7 +165,6 @@ void DepthProbe::begin(const Eye& eye)
         _isBehind = true;
         return;
     }
-    _eye = eye;
     Batch batch;
     std::size_t nUseless = 0;
     const td::Size<double>& size = eye.getSize();
@@ -171,7 +172,7 @@ void DepthProbe::begin(const Eye& eye)
     {
         const auto seen = point.isAsked ? eye.project(point.at) : std::nullopt;
         if (!seen || seen->x < 0 || seen->y < 0 || seen->x > size.width || seen->y > size.height ||
-            seen->z < eye.getNearest() || seen->z > eye.getFarthest() || !eye.getClipping().isSeen(point.at))
+            !eye.getClipping().isSeen(point.at))
             continue;
         const td::Point<double> place(seen->x, seen->y);
         nUseless += point.isAnswered && std::abs(place.x - point.place.x) < cFarOff &&
@@ -187,7 +188,10 @@ void DepthProbe::begin(const Eye& eye)
     }
     if (batch.questions.empty())
         return;
-    _isJump = 2 * nUseless > batch.questions.size();
+    const glm::dvec3 turned(glm::dot(eye.getRight(), _eye.getRight()), glm::dot(eye.getUp(), _eye.getUp()),
+                            glm::dot(eye.getDirection(), _eye.getDirection()));
+    _isJump = 2 * nUseless > batch.questions.size() || std::min({turned.x, turned.y, turned.z}) < cJumpCosine;
+    _eye = eye;
     _isOpen = true;
     _batches.push_back(std::move(batch));
 }

@@ -1,6 +1,7 @@
 #include <gui/draw/Labels3.h>
 
 #include "../drawing/LabelRoom.h"
+#include "ScreenSigns.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,16 +15,9 @@ namespace gui::draw
 namespace
 {
 
-constexpr double cLeaderGap = 3;     // in points, between a leader and a text without a frame
-constexpr double cMoreToCome = 3;    // in points: room around a label that was not shown
-constexpr double cJump = 100;        // in points: what was shown that far off does not count
-constexpr double cArrowWidth = 0.36; // of its length
-constexpr double cApart = 1e5;       // in points: shapes are made beside each other, not one upon another
-
-bool isFinite(const glm::dvec3& point)
-{
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
+constexpr double cLeaderGap = 3;  // in points, between a leader and a text without a frame
+constexpr double cMoreToCome = 3; // in points: room around a label that was not shown
+constexpr double cJump = 100;     // in points: what was shown that far off does not count
 
 Anchor anchorOf(const Label3& look)
 {
@@ -69,13 +63,6 @@ td::RectNormalized<double> boxOf(const TextLayout& layout, const Label3& look)
     return {left, top, left + width, top + height};
 }
 
-// From the line between (0, 0) and (1, 0) to that between two points.
-Affine between(const td::Point<double>& from, const td::Point<double>& to)
-{
-    const double x = to.x - from.x, y = to.y - from.y;
-    return {x, y, -y, x, from.x, from.y};
-}
-
 } // namespace
 
 Labels3::Labels3() { setFaintness(_faintness); }
@@ -107,7 +94,7 @@ Labels3::ID Labels3::add(const glm::dvec3& at, std::string_view text, const Text
 
 Labels3::ID Labels3::add(const glm::dvec3& at, const TextLayout& layout, const Label3& look)
 {
-    if (!isFinite(at) || !std::isfinite(look.offset.x) || !std::isfinite(look.offset.y))
+    if (!ScreenSigns::isFinite(at) || !std::isfinite(look.offset.x) || !std::isfinite(look.offset.y))
         return 0;
     Label label{.id = ++_lastID, .at = at, .look = look, .box = {}, .shapes = {}, .place = {}};
     if (std::isnan(look.priority))
@@ -127,8 +114,7 @@ void Labels3::addShapes(Label& label, const TextLayout& layout)
     const Label3& look = label.look;
     const td::Point<double> padding = paddingOf(layout, look);
     label.box = boxOf(layout, look);
-    // Where nothing else is: fills that share an edge would be looked at as neighbours.
-    const Affine aside = Affine::translation(cApart * static_cast<double>(label.id % 100'000), 0);
+    const Affine aside = ScreenSigns::aside(label.id);
     for (std::size_t i = 0; i < (look.behind == Behind::Fade ? 2 : 1); ++i)
     {
         Drawing& drawing = _drawings[i];
@@ -152,12 +138,7 @@ void Labels3::addShapes(Label& label, const TextLayout& layout)
             shapes.end = drawing.stroke(Path().moveTo({0, 0}).lineTo({0, 0}),
                                         {.width = leader.endSize, .cap = Cap::Round}, leader.paint);
         else if (leader.end == Leader::End::Arrow)
-        {
-            const double length = 2 * leader.endSize, half = cArrowWidth / 2 * length;
-            shapes.end = drawing.beginGroup(aside);
-            drawing.fill(Path().moveTo({0, 0}).lineTo({length, -half}).lineTo({length, half}).close(), leader.paint);
-            drawing.endGroup();
-        }
+            shapes.end = ScreenSigns::addArrow(drawing, 2 * leader.endSize, leader.paint, aside);
         shapes.leader = drawing.stroke(Path().moveTo({0, 0}).lineTo({1, 0}), {.width = leader.width}, leader.paint);
         // Below all texts, the line first.
         for (const Drawing::ID id : {shapes.end, shapes.leader})
@@ -180,7 +161,7 @@ void Labels3::removeShapes(Label& label)
 bool Labels3::move(ID id, const glm::dvec3& at)
 {
     Label* const pLabel = find(id);
-    if (pLabel == nullptr || !isFinite(at))
+    if (pLabel == nullptr || !ScreenSigns::isFinite(at))
         return false;
     pLabel->at = at;
     if (_pProbe != nullptr)
@@ -300,14 +281,13 @@ void Labels3::show(Label& label, State state, const td::Point<double>& place, do
     if (shapes.leader != 0)
     {
         const td::Point<double> tip(whole.x + label.look.offset.x, whole.y + label.look.offset.y);
-        const Affine along = between(place, tip);
+        const Affine along = ScreenSigns::between(place, tip);
         const double length = std::hypot(along.a, along.b);
         const bool isArrow = label.look.leader.end == Leader::End::Arrow && length > 0;
         // A line would make the arrow's tip blunt.
         const double from = isArrow ? std::min(label.look.leader.endSize, length) / length : 0;
-        drawing.setTransform(shapes.leader, between(along.map({from, 0}), tip));
-        drawing.setTransform(shapes.end, isArrow ? Affine{along.a / length, along.b / length, along.c / length,
-                                                          along.d / length, place.x, place.y}
+        drawing.setTransform(shapes.leader, ScreenSigns::between(along.map({from, 0}), tip));
+        drawing.setTransform(shapes.end, isArrow ? ScreenSigns::arrowAt(place, {along.a / length, along.b / length})
                                                  : Affine::translation(place.x, place.y));
     }
     if (before != state)
@@ -326,7 +306,7 @@ bool Labels3::draw(const Eye& eye)
         const Label& label = _labels[i];
         const auto seen = label.isWanted ? eye.project(label.at) : std::nullopt;
         if (seen && seen->x >= 0 && seen->y >= 0 && seen->x <= size.width && seen->y <= size.height &&
-            seen->z >= eye.getNearest() && seen->z <= eye.getFarthest() && eye.getClipping().isSeen(label.at))
+            eye.getClipping().isSeen(label.at))
             _candidates.push_back({i, {seen->x, seen->y}, State::Away});
     }
     LabelRoom room(_candidates.size());

@@ -48,7 +48,8 @@ namespace gui::draw
 /// there (an occlusion query). That is chosen over reading depths back because it goes wherever the scene goes: depth
 /// of any format, with any number of samples, usual, reversed or in slices, in framebuffers that nobody can read or
 /// copy the depth of. It has been part of every OpenGL that the library runs on. What is nearer to a point than three
-/// points of the screen does not hide it, so a point on a surface is not hidden by that surface.
+/// points of the screen does not hide it, so a point on a surface is not hidden by that surface. What is out of view, or
+/// cut away (Eye::getClipping), is not asked for.
 ///
 /// Nothing waits for the GPU while the camera moves: answers are those of the frame before, and come in between frames.
 /// Where they are others than before, the view is asked for one more frame; then it is at rest. The first frame, and
@@ -147,7 +148,7 @@ private:
     std::vector<unsigned int> _free;
     std::unique_ptr<ProbeProgram> _pProgram;
     gl::Quads _quads;
-    Eye _eye;
+    Eye _eye; // that was asked for last
     std::chrono::steady_clock::time_point _asked;
     std::uint64_t _version = 0;
     bool _isOpen = false;   // between begin and settle

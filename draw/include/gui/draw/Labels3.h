@@ -84,8 +84,8 @@ struct Label3
 ///
 /// While the camera turns, a label that is shown stays as long as it has room, and one that is not needs some more to
 /// come: two that touch do not flicker. Texts stand on whole pixels. A thousand labels take some milliseconds in a frame
-/// that moves them, and nothing is uploaded in one that does not. Labels whose point is out of view, behind the eye, nearer
-/// or farther than what is seen, or cut away (Eye::getClipping) are not shown.
+/// that moves them, and nothing is uploaded in one that does not. Labels whose point is out of view, behind the eye or
+/// cut away (Eye::getClipping) are not shown.
 ///
 /// What is before a point, a DepthProbe finds out from the scene that was drawn; setIsHidden asks a function of yours.
 /// Not copyable. GUI thread only; only draw needs a context.

@@ -12,6 +12,7 @@
 #include "ColorMap.h"
 #include "DepthCanvas.h"
 #include "DepthProbe.h"
+#include "Dimensions3.h"
 #include "Drawing.h"
 #include "DrawingView.h"
 #include "Eye.h"
