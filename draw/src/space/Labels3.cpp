@@ -16,8 +16,8 @@ namespace
 {
 
 constexpr double cLeaderGap = 3;  // in points, between a leader and a text without a frame
-constexpr double cMoreToCome = 3; // in points: room around a label that was not shown
-constexpr double cJump = 100;     // in points: what was shown that far off does not count
+constexpr double cMoreToCome = 3; // in points: room around a label that had none
+constexpr double cJump = 100;     // in points: what was seen that far off does not count
 
 Anchor anchorOf(const Label3& look)
 {
@@ -28,10 +28,9 @@ Anchor anchorOf(const Label3& look)
     return look.offset.y < 0 ? Anchor::Bottom : look.offset.y > 0 ? Anchor::Top : Anchor::Center;
 }
 
-bool hasLeader(const Label3& look)
-{
-    return look.leader.width > 0 && std::isfinite(look.leader.width) && (look.offset.x != 0 || look.offset.y != 0);
-}
+bool isLine(const Label3& look) { return look.leader && look.leader->width > 0 && std::isfinite(look.leader->width); }
+
+bool hasEnd(const Label3& look) { return look.leader && look.leader->end != Leader::End::None; }
 
 double haloOf(const TextLayout& layout)
 {
@@ -47,7 +46,7 @@ td::Point<double> paddingOf(const TextLayout& layout, const Label3& look)
     if (look.frame)
         return {std::round(look.frame->padding), std::round(look.frame->padding / 2)};
     const double halo = haloOf(layout);
-    return {hasLeader(look) ? std::max(halo, cLeaderGap) : halo, halo};
+    return {isLine(look) ? std::max(halo, cLeaderGap) : halo, halo};
 }
 
 // About the label's point; of whole points, so that edges are sharp.
@@ -96,7 +95,7 @@ Labels3::ID Labels3::add(const glm::dvec3& at, const TextLayout& layout, const L
 {
     if (!ScreenSigns::isFinite(at) || !std::isfinite(look.offset.x) || !std::isfinite(look.offset.y))
         return 0;
-    Label label{.id = ++_lastID, .at = at, .look = look, .box = {}, .shapes = {}, .place = {}};
+    Label label{.id = ++_lastID, .at = at, .words = {}, .look = look, .box = {}, .shapes = {}, .place = {}};
     if (std::isnan(look.priority))
         label.look.priority = -std::numeric_limits<double>::infinity();
     if (_pProbe != nullptr && look.behind != Behind::Show)
@@ -114,6 +113,8 @@ void Labels3::addShapes(Label& label, const TextLayout& layout)
     const Label3& look = label.look;
     const td::Point<double> padding = paddingOf(layout, look);
     label.box = boxOf(layout, look);
+    label.words = layout.getText();
+    label.width = layout.getSize().width;
     const Affine aside = ScreenSigns::aside(label.id);
     for (std::size_t i = 0; i < (look.behind == Behind::Fade ? 2 : 1); ++i)
     {
@@ -131,15 +132,16 @@ void Labels3::addShapes(Label& label, const TextLayout& layout)
             drawing.text({label.box.left + padding.x, label.box.top + padding.y}, layout, {.anchor = Anchor::TopLeft});
         drawing.endGroup();
         drawing.setVisible(shapes.box, false);
-        if (!hasLeader(look))
+        if (!look.leader)
             continue;
-        const Leader& leader = look.leader;
+        const Leader& leader = *look.leader;
         if (leader.end == Leader::End::Dot)
             shapes.end = drawing.stroke(Path().moveTo({0, 0}).lineTo({0, 0}),
                                         {.width = leader.endSize, .cap = Cap::Round}, leader.paint);
         else if (leader.end == Leader::End::Arrow)
             shapes.end = ScreenSigns::addArrow(drawing, 2 * leader.endSize, leader.paint, aside);
-        shapes.leader = drawing.stroke(Path().moveTo({0, 0}).lineTo({1, 0}), {.width = leader.width}, leader.paint);
+        if (isLine(look))
+            shapes.leader = drawing.stroke(Path().moveTo({0, 0}).lineTo({1, 0}), {.width = leader.width}, leader.paint);
         // Below all texts, the line first.
         for (const Drawing::ID id : {shapes.end, shapes.leader})
         {
@@ -271,21 +273,21 @@ void Labels3::show(Label& label, State state, const td::Point<double>& place, do
     const State before = std::exchange(label.state, state);
     if (before != state && before != State::Away)
         setVisible(before, false);
+    label.place = place;
     if (state == State::Away)
         return;
-    label.place = place;
     const Shapes shapes = shapesOf(state);
     Drawing& drawing = drawingOf(state);
     const td::Point<double> whole(std::round(place.x * scale) / scale, std::round(place.y * scale) / scale);
     drawing.setTransform(shapes.box, Affine::translation(whole.x, whole.y));
-    if (shapes.leader != 0)
+    if (label.look.leader)
     {
         const td::Point<double> tip(whole.x + label.look.offset.x, whole.y + label.look.offset.y);
         const Affine along = ScreenSigns::between(place, tip);
         const double length = std::hypot(along.a, along.b);
-        const bool isArrow = label.look.leader.end == Leader::End::Arrow && length > 0;
+        const bool isArrow = label.look.leader->end == Leader::End::Arrow && length > 0;
         // A line would make the arrow's tip blunt.
-        const double from = isArrow ? std::min(label.look.leader.endSize, length) / length : 0;
+        const double from = isArrow ? std::min(label.look.leader->endSize, length) / length : 0;
         drawing.setTransform(shapes.leader, ScreenSigns::between(along.map({from, 0}), tip));
         drawing.setTransform(shapes.end, isArrow ? ScreenSigns::arrowAt(place, {along.a / length, along.b / length})
                                                  : Affine::translation(place.x, place.y));
@@ -306,7 +308,8 @@ bool Labels3::draw(const Eye& eye)
         const Label& label = _labels[i];
         const auto seen = label.isWanted ? eye.project(label.at) : std::nullopt;
         if (seen && seen->x >= 0 && seen->y >= 0 && seen->x <= size.width && seen->y <= size.height &&
-            eye.getClipping().isSeen(label.at))
+            eye.getClipping().isSeen(label.at) &&
+            (!(label.look.extent > 0) || label.look.extent >= eye.getSizeAt(label.at) * label.width))
             _candidates.push_back({i, {seen->x, seen->y}, State::Away});
     }
     LabelRoom room(_candidates.size());
@@ -319,16 +322,15 @@ bool Labels3::draw(const Eye& eye)
     {
         if (_margin < 0)
             return true;
-        const bool wasShown = label.state != State::Away && std::abs(place.x - label.place.x) < cJump &&
-                              std::abs(place.y - label.place.y) < cJump;
-        const double margin = _margin / 2, more = margin + (wasShown ? 0 : cMoreToCome);
-        const double r = std::clamp(label.look.leader.endSize / 2, 0.0, cJump);
-        const bool hasEnd = hasLeader(label.look) && label.look.leader.end != Leader::End::None;
+        const bool hadNoRoom = label.isInView && label.state == State::Away &&
+                               std::abs(place.x - label.place.x) < cJump && std::abs(place.y - label.place.y) < cJump;
+        const double margin = _margin / 2, more = margin + (hadNoRoom ? cMoreToCome : 0);
+        const double r = hasEnd(label.look) ? std::clamp(label.look.leader->endSize / 2, 0.0, cJump) : 0;
         if (!room.isFree(around(place, label.box, more)) ||
-            (hasEnd && !room.isFree(around(place, {-r, -r, r, r}, margin))))
+            (r > 0 && !room.isFree(around(place, {-r, -r, r, r}, margin))))
             return false;
         room.take(around(place, label.box, margin));
-        if (hasEnd)
+        if (r > 0)
             room.take(around(place, {-r, -r, r, r}, margin));
         return true;
     };
@@ -350,6 +352,7 @@ bool Labels3::draw(const Eye& eye)
     for (const std::uint32_t i : _order)
     {
         const bool isThere = next < _candidates.size() && _candidates[next].label == i;
+        _labels[i].isInView = isThere;
         const Candidate candidate = isThere ? _candidates[next++] : Candidate{i, {}, State::Away};
         show(_labels[i], candidate.state, candidate.place, eye.getScale());
         _nShown += candidate.state == State::Away ? 0 : 1;
@@ -369,6 +372,12 @@ bool Labels3::isFaint(ID id) const
 {
     const Label* const pLabel = find(id);
     return pLabel != nullptr && pLabel->state == State::Faint;
+}
+
+std::string Labels3::getText(ID id) const
+{
+    const Label* const pLabel = find(id);
+    return pLabel == nullptr ? std::string() : pLabel->words;
 }
 
 std::optional<td::RectNormalized<double>> Labels3::getRect(ID id) const

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -33,7 +34,7 @@ struct Leader
         None
     };
 
-    double width = 0; ///< in points; none when it is not above 0
+    double width = 1; ///< in points; where it is not above 0 there is no line, but its end
     Paint paint = "#303840";
     End end = End::Dot;
     double endSize = 5; ///< a dot's diameter, or an arrow's length is twice that, in points
@@ -59,7 +60,10 @@ struct Label3
     /// offset.
     std::optional<Anchor> anchor{};
     double priority = 0; ///< the higher one is shown; of equal ones the one that was added first
-    Leader leader{};     ///< `{1}` for a thin line with a dot
+    /// Of what it names, in model units: where the whole text is longer than that is seen, it is not shown. 0 for
+    /// everywhere.
+    double extent = 0;
+    std::optional<Leader> leader{}; ///< `Leader()` for a thin line with a dot, `Leader{.width = 0}` for the dot alone
     std::optional<LabelFrame> frame{};
     Behind behind = Behind::Hide; ///< what becomes of it when something is before its point
     /// What is that near before the point, in model units, does not hide it: for points inside of a thing.
@@ -76,13 +80,13 @@ struct Label3
 ///         void onInit() override
 ///         {
 ///             ...
-///             _labels.add({0, 1, 0}, "Nozzle", {.size = 13}, {.offset = {24, -18}, .leader = {1}});
+///             _labels.add({0, 1, 0}, "Nozzle", {.size = 13}, {.offset = {24, -18}, .leader = Leader()});
 ///         }
 ///         void drawScene(const gui::draw::Eye& eye) override { _model.draw(eye); }
 ///         void drawOver(const gui::draw::Eye& eye) override { _labels.draw(eye); }
 ///     };
 ///
-/// While the camera turns, a label that is shown stays as long as it has room, and one that is not needs some more to
+/// While the camera turns, a label that is shown stays as long as it has room, and one that had none needs some more to
 /// come: two that touch do not flicker. Texts stand on whole pixels. A thousand labels take some milliseconds in a frame
 /// that moves them, and nothing is uploaded in one that does not. Labels whose point is out of view, behind the eye or
 /// cut away (Eye::getClipping) are not shown.
@@ -136,6 +140,8 @@ public:
     bool isShown(ID id) const;
     /// Whether it shines through what is before it.
     bool isFaint(ID id) const;
+    /// What it says; empty for an id that names nothing.
+    std::string getText(ID id) const;
     /// Where a label's text, with its frame, was drawn last, in points; empty when it was not.
     std::optional<td::RectNormalized<double>> getRect(ID id) const;
     /// The label whose text was drawn at a point of the view, in points; 0 when there is none.
@@ -162,13 +168,16 @@ private:
     {
         ID id;
         glm::dvec3 at;
+        std::string words;
         Label3 look;
         td::RectNormalized<double> box; // text and frame, or halo, in points from the label's point
+        double width = 0;               // of the text alone, in points
         std::array<Shapes, 2> shapes;   // clear, faint
         DepthProbe::ID probe = 0;
         bool isWanted = true;
         State state = State::Away;
-        td::Point<double> place; // of the point on the screen, when it was drawn last
+        bool isInView = false;
+        td::Point<double> place; // of the point on the screen, when it was last in view
     };
 
     /// A label in view.
