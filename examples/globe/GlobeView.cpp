@@ -28,12 +28,12 @@ constexpr double cDegreesPerSecond = 6;        // of the sun, westwards
 constexpr double cLongestFrame = 0.1;          // seconds, after a frame that came late
 constexpr double cFlight = 1.6;                // seconds
 
-// Where a ray meets a sphere about the earth's middle.
-std::optional<glm::dvec3> meet(const Ray& ray, double radius)
+// Where a ray meets the ground.
+std::optional<glm::dvec3> meet(const Ray& ray)
 {
     const double nearest = -glm::dot(ray.origin, ray.direction);
     const glm::dvec3 beside = ray.at(nearest);
-    const double rest = radius * radius - glm::dot(beside, beside);
+    const double rest = 1 - glm::dot(beside, beside);
     return rest >= 0 && nearest > 0 ? std::optional(ray.at(nearest - std::sqrt(rest))) : std::nullopt;
 }
 
@@ -83,14 +83,14 @@ void GlobeView::drawOver(const Eye& eye)
 
 std::optional<glm::dvec3> GlobeView::pick(const Ray& ray)
 {
-    const std::optional<glm::dvec3> point = meet(ray, 1);
+    const std::optional<glm::dvec3> point = meet(ray);
     const bool isNear = _isGoingNearer || glm::length(getEye().getPosition()) < 1 + cNear;
     return point && !isNear ? glm::dvec3(0) : point;
 }
 
 void GlobeView::onPointed(const std::optional<Ray>& ray)
 {
-    const std::optional<glm::dvec3> point = ray ? meet(*ray, 1) : std::nullopt;
+    const std::optional<glm::dvec3> point = ray ? meet(*ray) : std::nullopt;
     const examples::TopoJSON::Area* const pBefore =
         std::exchange(_pPointed, point ? _countries.find(placeOf(*point)) : nullptr);
     if (pBefore == nullptr && _pPointed == nullptr)

@@ -25,8 +25,8 @@ struct Outlook
 extern const Outlook cOutlooks[3];
 
 /// The earth in space, to turn and to go nearer to: see gui::draw::OrbitControl for what the pointer does. The country
-/// under it is outlined and told. Digits fly to an outlook, Space starts and stops time, B and L hide borders and names,
-/// Escape ends the program.
+/// under it is outlined and told. Digits fly to an outlook, Space starts and stops time, B and L hide borders and
+/// names, Escape ends the program.
 class GlobeView : public gui::draw::OrbitView
 {
 public:

@@ -14,6 +14,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <thread>
 #include <utility>
 
 namespace gui::draw
@@ -22,13 +23,14 @@ namespace gui::draw
 namespace
 {
 
-constexpr double cSkin = 3;                        // in points: of what is before a point and does not hide it
-constexpr double cHalfSquare = 1.5;                // in pixels
-constexpr double cJumpCosine = 0.985;              // of ten degrees that the eye turns from one frame to the next
-constexpr double cFarOff = 100;                    // in points: an answer from there is worth nothing here
-constexpr std::size_t cMostBatches = 3;            // frames that the GPU may be behind
-constexpr std::size_t cSquaresAtOnce = 64;         // as in the shader
-constexpr std::chrono::milliseconds cPatience(10); // until a look between frames waits
+constexpr double cSkin = 3;                         // in points: of what is before a point and does not hide it
+constexpr double cHalfSquare = 1.5;                 // in pixels
+constexpr double cJumpCosine = 0.985;               // of ten degrees that the eye turns from one frame to the next
+constexpr double cFarOff = 100;                     // in points: an answer from there is worth nothing here
+constexpr std::size_t cMostBatches = 3;             // frames that the GPU may be behind
+constexpr std::size_t cSquaresAtOnce = 64;          // as in the shader
+constexpr std::chrono::milliseconds cPause(1);      // between two looks
+constexpr std::chrono::milliseconds cPatience(100); // until a look waits
 
 GLenum queryTarget()
 {
@@ -159,12 +161,8 @@ void DepthProbe::begin(const Eye& eye)
     _isOpen = _isJump = false;
     if (_points.empty() || !eye.isValid() || !prepare())
         return;
-    collect(false);
-    if (_batches.size() >= cMostBatches)
-    {
-        _isBehind = true;
-        return;
-    }
+    // A GPU that is that far behind is waited for.
+    collect(_batches.size() < cMostBatches ? 0 : _batches.size() + 1 - cMostBatches);
     Batch batch;
     std::size_t nUseless = 0;
     const td::Size<double>& size = eye.getSize();
@@ -261,14 +259,14 @@ void DepthProbe::settle()
 {
     if (!std::exchange(_isOpen, false))
         return;
-    collect(_isJump || _isWaiting);
+    collect(_isJump || _isWaiting ? _batches.size() : 0);
     _asked = std::chrono::steady_clock::now();
     if (!_batches.empty())
         schedule();
 }
 
-// Takes answers, those of the oldest frame first.
-void DepthProbe::collect(bool waits)
+// Takes answers, those of the oldest frame first. @param nWaits  frames to wait for
+void DepthProbe::collect(std::size_t nWaits)
 {
     const auto isThere = [](const Query& query)
     {
@@ -280,7 +278,7 @@ void DepthProbe::collect(bool waits)
     for (Batch& batch : _batches)
     {
         // Whoever asks for the last one hardly waits for those before.
-        if (!waits && !batch.queries.empty() && !isThere(batch.queries.back()))
+        if (nDone >= nWaits && !batch.queries.empty() && !isThere(batch.queries.back()))
             break;
         std::vector<bool> isBehind(batch.questions.size(), false);
         for (const Query& query : batch.queries)
@@ -333,11 +331,13 @@ void DepthProbe::poll()
     if (_home.getID() != gl::CurrentContext::getID())
         return;
     const std::uint64_t version = _version;
-    collect(std::chrono::steady_clock::now() - _asked > cPatience);
-    if (_version != version || (_batches.empty() && std::exchange(_isBehind, false)))
+    collect(std::chrono::steady_clock::now() - _asked > cPatience ? _batches.size() : 0);
+    if (_version != version)
         _pView->reRender();
-    if (!_batches.empty())
-        schedule();
+    if (_batches.empty())
+        return;
+    std::this_thread::sleep_for(cPause);
+    schedule();
 }
 
 } // namespace gui::draw

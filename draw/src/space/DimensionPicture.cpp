@@ -198,8 +198,9 @@ void layAngle(DimensionPicture& picture, const Eye& eye, const DimensionShape& s
     if (length < cLeast)
         return;
     picture.isShown = true;
-    for (const glm::dvec3& end : shape.ends)
-        addExtension(picture, eye, shape.apex, end, 0, style.overshoot);
+    if (shape.hasExtensions)
+        for (const glm::dvec3& end : shape.ends)
+            addExtension(picture, eye, shape.apex, end, 0, style.overshoot);
     const auto at = [&](double way)
     {
         const std::vector<ScreenPoint> piece = pieceOf(arc, std::max(way - 1e-3, 0.0), way);

@@ -115,7 +115,7 @@ Dimensions3::ID Dimensions3::addLinearAlong(const glm::dvec3& from, const glm::d
     dimension.style = style;
     dimension.shape.measured = {from, to};
     dimension.shape.ends = {from + offset, from + offset + measured * way};
-    dimension.shape.hasExtensions = true;
+    dimension.shape.hasExtensions = style.hasExtensions;
     return add(std::move(dimension), {from + offset + measured / 2 * way});
 }
 
@@ -168,6 +168,7 @@ Dimensions3::ID Dimensions3::addAngle(const glm::dvec3& apex, const glm::dvec3& 
     Dimension dimension;
     DimensionShape& shape = dimension.shape;
     shape.isAngle = true;
+    shape.hasExtensions = style.hasExtensions;
     shape.angle = std::atan2(sine, glm::dot(last, first));
     shape.apex = apex;
     shape.first = radius * first;

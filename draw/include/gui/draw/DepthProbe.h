@@ -48,8 +48,8 @@ namespace gui::draw
 /// there (an occlusion query). That is chosen over reading depths back because it goes wherever the scene goes: depth
 /// of any format, with any number of samples, usual, reversed or in slices, in framebuffers that nobody can read or
 /// copy the depth of. It has been part of every OpenGL that the library runs on. What is nearer to a point than three
-/// points of the screen does not hide it, so a point on a surface is not hidden by that surface. What is out of view, or
-/// cut away (Eye::getClipping), is not asked for.
+/// points of the screen does not hide it, so a point on a surface is not hidden by that surface. What is out of view,
+/// or cut away (Eye::getClipping), is not asked for.
 ///
 /// Nothing waits for the GPU while the camera moves: answers are those of the frame before, and come in between frames.
 /// Where they are others than before, the view is asked for one more frame; then it is at rest. The first frame, and
@@ -135,7 +135,7 @@ private:
 
     bool prepare();
     void draw(std::span<const glm::vec4> squares, std::span<const std::uint32_t> questions);
-    void collect(bool waits);
+    void collect(std::size_t nWaits);
     void poll();
     void schedule();
     void forget();
@@ -151,9 +151,8 @@ private:
     Eye _eye; // that was asked for last
     std::chrono::steady_clock::time_point _asked;
     std::uint64_t _version = 0;
-    bool _isOpen = false;   // between begin and settle
-    bool _isJump = false;   // most answers are of no use any more
-    bool _isBehind = false; // a frame had to go without asking
+    bool _isOpen = false; // between begin and settle
+    bool _isJump = false; // most answers are of no use any more
     bool _isWaiting = false;
     bool _isRefused = false;         // by the driver, which said so
     std::shared_ptr<bool> _pPolling; // what functions that are under way know it is there by

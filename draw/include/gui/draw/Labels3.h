@@ -87,9 +87,9 @@ struct Label3
 ///     };
 ///
 /// While the camera turns, a label that is shown stays as long as it has room, and one that had none needs some more to
-/// come: two that touch do not flicker. Texts stand on whole pixels. A thousand labels take some milliseconds in a frame
-/// that moves them, and nothing is uploaded in one that does not. Labels whose point is out of view, behind the eye or
-/// cut away (Eye::getClipping) are not shown.
+/// come: two that touch do not flicker. Texts stand on whole pixels. A thousand labels take half a millisecond in a
+/// frame that moves them, and nothing is uploaded in one that does not. Labels whose point is out of view, behind the
+/// eye or cut away (Eye::getClipping) are not shown.
 ///
 /// What is before a point, a DepthProbe finds out from the scene that was drawn; setIsHidden asks a function of yours.
 /// Not copyable. GUI thread only; only draw needs a context.
@@ -125,8 +125,8 @@ public:
     void setMargin(double points);
     /// How much of a label with Behind::Fade is seen when something is before it; 0.3 at first.
     void setFaintness(double opacity);
-    /// Says exactly which points are hidden, in place of the probe: a TriangleIndex may know. It is called for points in
-    /// view, with the eye that draw got. @param isHidden  empty for the probe again
+    /// Says exactly which points are hidden, in place of the probe: a TriangleIndex may know. It is called for points
+    /// in view, with the eye that draw got. @param isHidden  empty for the probe again
     void setIsHidden(std::function<bool(const glm::dvec3& point, const Eye& eye)> isHidden);
 
     /// Places the labels and draws them: in OrbitView::drawOver, or else where the depth test is off.
