@@ -99,7 +99,10 @@ Labels3::ID Labels3::add(const glm::dvec3& at, const TextLayout& layout, const L
     if (std::isnan(look.priority))
         label.look.priority = -std::numeric_limits<double>::infinity();
     if (_pProbe != nullptr && look.behind != Behind::Show)
+    {
         label.probe = _pProbe->add(at, look.tolerance);
+        _pProbe->setAsked(label.probe, !_isHidden);
+    }
     addShapes(label, layout);
     _indices.emplace(label.id, _labels.size());
     _labels.push_back(std::move(label));

@@ -80,7 +80,7 @@ public:
     bool move(ID id, const glm::dvec3& at);
     /// Whether it is to be asked for; each one is at first. One that is not keeps its answer.
     bool setAsked(ID id, bool isAsked);
-    bool remove(ID id);
+    bool remove(ID id); ///< see move
 
     /// Begins a frame. @param eye  the whole view's, not that of a slice
     void begin(const Eye& eye);

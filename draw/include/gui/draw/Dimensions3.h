@@ -31,14 +31,14 @@ struct DimensionStyle
         AboveLine ///< turned as the line is, readable from below or from the right, above it
     };
 
-    TextStyle text{};          ///< in points, whatever its unit says
-    Paint paint = "#202830";   ///< of lines and arrows
-    double width = 1;          ///< of lines, in points
-    double arrow = 9;          ///< the length of arrows, in points; without any where it is not above 0
-    double gap = 3;            ///< between what is measured and the extension lines, in points
-    double overshoot = 4;      ///< of extension lines beyond the dimension line, in points
-    bool hasExtensions = true; ///< whether there are extension lines; of an angle they come from its apex
-    Text place = Text::InLine;
+    TextStyle text{};             ///< in points, whatever its unit says
+    Paint paint = "#202830";      ///< of lines and arrows
+    double width = 1;             ///< of lines, in points
+    double arrow = 9;             ///< the length of arrows, in points; without any where it is not above 0
+    double gap = 3;               ///< between what is measured and the extension lines, in points
+    double overshoot = 4;         ///< of extension lines beyond the dimension line, in points
+    bool hasExtensions = true;    ///< whether there are extension lines; of an angle they come from its apex
+    Text place = Text::InLine;    ///< see Text
     double factor = 1;            ///< of lengths: 1000 tells millimetres of a model in metres
     int decimals = 2;             ///< at most, 0 to 12
     bool keepsZeros = false;      ///< whether 12.5 is 12.50
@@ -113,7 +113,7 @@ public:
     /// Whether it may be shown at all, as it may at first. @return false for an id that names nothing
     bool setWanted(ID id, bool isWanted);
     bool remove(ID id); ///< likewise
-    void clear();
+    void clear();       ///< removes all
 
     /// How much of a dimension with Behind::Fade is seen when something is before it; 0.3 at first.
     void setFaintness(double opacity);
@@ -123,9 +123,9 @@ public:
     /// @return false, with a log line, when Drawing::draw could not
     bool draw(const Eye& eye);
 
-    std::size_t getNumberOfDimensions() const;
-    bool isShown(ID id) const; ///< whether it was drawn last, faint ones included
-    bool isFaint(ID id) const; ///< whether it shone through something
+    std::size_t getNumberOfDimensions() const; ///< shown or not
+    bool isShown(ID id) const;                 ///< whether it was drawn last, faint ones included
+    bool isFaint(ID id) const;                 ///< whether it shone through something
     /// What is measured, in model units or degrees; 0 for an id that names nothing.
     double getValue(ID id) const;
     /// What it says; empty for an id that names nothing.

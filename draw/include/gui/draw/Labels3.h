@@ -29,25 +29,25 @@ struct Leader
     /// What is at the point.
     enum class End : td::BYTE
     {
-        Dot,
-        Arrow,
-        None
+        Dot,   ///< a disc
+        Arrow, ///< the head of one, which points to it
+        None   ///< the line alone
     };
 
-    double width = 1; ///< in points; where it is not above 0 there is no line, but its end
-    Paint paint = "#303840";
-    End end = End::Dot;
-    double endSize = 5; ///< a dot's diameter, or an arrow's length is twice that, in points
+    double width = 1;        ///< in points; where it is not above 0 there is no line, but its end
+    Paint paint = "#303840"; ///< of the line and its end
+    End end = End::Dot;      ///< see End
+    double endSize = 5;      ///< a dot's diameter, or an arrow's length is twice that, in points
 };
 
 /// What is behind a label's text.
 struct LabelFrame
 {
     Paint fill = "#ffffffe0"; ///< Paint() for none
-    Paint line = "#8090a0";
-    double width = 0;   ///< of the line around it, in points; none when it is not above 0
-    double padding = 4; ///< between text and frame at the left and right, in points; above and below half of that
-    double radius = 3;  ///< of the corners, in points
+    Paint line = "#8090a0";   ///< of the line around it
+    double width = 0;         ///< of the line around it, in points; none when it is not above 0
+    double padding = 4;       ///< between text and frame at the left and right, in points; above and below half of that
+    double radius = 3;        ///< of the corners, in points
 };
 
 /// How a label stands at its point.
@@ -64,8 +64,8 @@ struct Label3
     /// everywhere.
     double extent = 0;
     std::optional<Leader> leader{}; ///< `Leader()` for a thin line with a dot, `Leader{.width = 0}` for the dot alone
-    std::optional<LabelFrame> frame{};
-    Behind behind = Behind::Hide; ///< what becomes of it when something is before its point
+    std::optional<LabelFrame> frame{}; ///< behind the text; none for none
+    Behind behind = Behind::Hide;      ///< what becomes of it when something is before its point
     /// What is that near before the point, in model units, does not hide it: for points inside of a thing.
     double tolerance = 0;
 };
@@ -111,15 +111,16 @@ public:
     /// @param layout  in points; see TextStyle::unit
     /// @return 0, with nothing added, for a point that is not finite
     ID add(const glm::dvec3& at, const TextLayout& layout, const Label3& look = {});
+    /// The same with a text of one style.
     ID add(const glm::dvec3& at, std::string_view text, const TextStyle& style = {}, const Label3& look = {});
     /// Changes of a label. @return false, with nothing changed, for an id that names nothing or a point that is not
     /// finite
     bool move(ID id, const glm::dvec3& at);
-    bool setText(ID id, const TextLayout& layout);
+    bool setText(ID id, const TextLayout& layout); ///< see move
     /// Whether it may be shown at all, as it may at first.
     bool setWanted(ID id, bool isWanted);
-    bool remove(ID id);
-    void clear();
+    bool remove(ID id); ///< see move
+    void clear();       ///< removes all
 
     /// How far labels keep from each other, in points; 2 at first. Below 0 they may overlap.
     void setMargin(double points);
@@ -134,10 +135,10 @@ public:
     /// @return false, with a log line, when Drawing::draw could not
     bool draw(const Eye& eye);
 
-    std::size_t getNumberOfLabels() const { return _labels.size(); }
+    std::size_t getNumberOfLabels() const { return _labels.size(); } ///< shown or not
     /// As drawn last, faint ones included.
     std::size_t getNumberOfShown() const { return _nShown; }
-    bool isShown(ID id) const;
+    bool isShown(ID id) const; ///< as drawn last; false for an id that names nothing
     /// Whether it shines through what is before it.
     bool isFaint(ID id) const;
     /// What it says; empty for an id that names nothing.
