@@ -102,6 +102,8 @@ TEST_F(SignsInSpaceTest, WhatIsBehindSomethingIsHiddenWithEveryKindOfDepth)
             canvas.setDepth(depth);
             if (depth == Eye::Depth::Reversed)
                 canvas.setSamples(nSamples);
+            canvas.setShadows({.quality = nSamples == 4 ? Shadows::Quality::Low : Shadows::Quality::None},
+                              {glm::dvec3(-2), glm::dvec3(2)});
             gui::gl::Framebuffer framebuffer;
             ASSERT_TRUE(
                 framebuffer.create({cSide, cSide}, {.depth = gui::gl::DepthBuffer::Size::Bits24, .samples = nSamples}));

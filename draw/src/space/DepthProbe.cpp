@@ -196,7 +196,9 @@ void DepthProbe::begin(const Eye& eye)
 
 void DepthProbe::ask(const Eye& eye)
 {
-    if (!_isOpen || _home.getID() != gl::CurrentContext::getID())
+    // The sun's eye, which shadows are drawn with, looks from elsewhere.
+    if (!_isOpen || _home.getID() != gl::CurrentContext::getID() || eye.getPosition() != _eye.getPosition() ||
+        eye.getRotation() != _eye.getRotation())
         return;
     using Flag = gl::Context::Flag;
     const gl::StateGuard guard;

@@ -85,7 +85,8 @@ public:
     /// Begins a frame. @param eye  the whole view's, not that of a slice
     void begin(const Eye& eye);
     /// After the scene was drawn, in the framebuffer that has its depth. GL's state is as before.
-    /// @param eye  what it was drawn with: begin's, or one of its slices, from the farthest to the nearest
+    /// @param eye  what it was drawn with: begin's, or one of its slices, from the farthest to the nearest. One that
+    ///             looks from elsewhere, such as the sun's, is left out
     void ask(const Eye& eye);
     /// Takes the answers that are there. Call it once the scene is drawn, before isHidden; more often does nothing.
     void settle();
