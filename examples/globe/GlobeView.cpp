@@ -1,21 +1,19 @@
 #include "GlobeView.h"
 
 #include <gui/Application.h>
-#include <gui/Res.h>
-#include <gui/gl/Context.h>
-#include <td/ToLower.h>
+#include <gui/Key.h>
 
 #include <glm/geometric.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <limits>
+#include <utility>
 
 namespace globe
 {
 
-using namespace gui::gl;
+using namespace gui::draw;
 
 const Outlook cOutlooks[3] = {{"earth", {12, 18}, 2.05, {6, 14}, {-38, 20}},
                               {"mediterranean", {13, 17}, 0.42, {17, 40}, {60, 22}},
@@ -24,155 +22,155 @@ const Outlook cOutlooks[3] = {{"earth", {12, 18}, 2.05, {6, 14}, {-38, 20}},
 namespace
 {
 
-constexpr float cHeightsPerSecond = 0.8F;
-constexpr double cDegreesPerSecond = 6; // of the sun, westwards
-constexpr double cLongestFrame = 0.1;   // seconds, after a frame that came late
+constexpr double cLowest = 1.14, cHighest = 9; // radii
+constexpr double cNear = 0.6;                  // radii above the ground: turning is about what is there
+constexpr double cDegreesPerSecond = 6;        // of the sun, westwards
+constexpr double cLongestFrame = 0.1;          // seconds, after a frame that came late
+constexpr double cFlight = 1.6;                // seconds
+
+// Where a ray meets the ground.
+std::optional<glm::dvec3> meet(const Ray& ray)
+{
+    const double nearest = -glm::dot(ray.origin, ray.direction);
+    const glm::dvec3 beside = ray.at(nearest);
+    const double rest = 1 - glm::dot(beside, beside);
+    return rest >= 0 && nearest > 0 ? std::optional(ray.at(nearest - std::sqrt(rest))) : std::nullopt;
+}
 
 } // namespace
 
 GlobeView::GlobeView(gui::Window* pWindow)
     : _pWindow(pWindow)
 {
-    constexpr float cMax = std::numeric_limits<float>::max();
-    _eye.setYawLimits(-cMax, cMax);
-    _eye.setZoomFactorLimits(0.7F, 20);
-    _eye.setLimiter(&_orbit);
-    setDepthRange(0.02F, 40);
-    setCamera(&_eye);
-    createContext({DepthBuffer::Size::Bits24, StencilBuffer::Size::None, Context::Profile::Core41});
+    control().setGizmo(OrbitControl::Corner::None);
+    setBackground(td::ColorID::Black);
+    camera().setFieldOfView(45);
+    constexpr double cAir = Earth::cAirRadius;
+    camera().setBounds({{-cAir, -cAir, -cAir}, {cAir, cAir, cAir}});
+    camera().setDistanceLimits(0.1, cHighest);
+    createContext();
 }
-
-GlobeView::~GlobeView() = default;
 
 void GlobeView::onInit()
 {
-    examples::TopoJSON countries;
-    const td::String json = gui::getResText("globe/countries-50m.json");
-    _isOk = countries.load({json.c_str(), json.length()}, "countries") && _earth.init() && _borders.init(countries) &&
-            _sky.init(_perspective, _eye);
-    _pLabels = std::make_unique<Labels>(countries);
+    _isOk = _countries.init() && _earth.init(_countries.getShapes());
     show(cOutlooks[0]);
 }
 
-void GlobeView::show(const Outlook& outlook)
+void GlobeView::show(const Outlook& outlook, double seconds)
 {
-    const glm::vec3 position = directionOf(outlook.over) * static_cast<float>(1 + outlook.height);
-    const Camera there(position, directionOf(outlook.towards));
-    _eye.place(position, there.getYaw(), there.getPitch());
+    OrbitCamera there = camera();
+    there.look(directionOf(outlook.over) * (1 + outlook.height), directionOf(outlook.towards));
+    if (outlook.height > cNear)
+        there.focus({0, 0, 0});
+    camera().flyTo(there.getPose(), seconds);
     _sun = outlook.sun;
+    reRender();
+}
+
+void GlobeView::drawScene(const Eye& eye)
+{
+    if (_isOk)
+        _earth.draw(eye, directionOf(_sun), _hasBorders);
+}
+
+void GlobeView::drawOver(const Eye& eye)
+{
+    if (_hasNames)
+        _countries.drawNames(eye);
+    _note.draw(eye);
+}
+
+std::optional<glm::dvec3> GlobeView::pick(const Ray& ray)
+{
+    const std::optional<glm::dvec3> point = meet(ray);
+    const bool isNear = _isGoingNearer || glm::length(getEye().getPosition()) < 1 + cNear;
+    return point && !isNear ? glm::dvec3(0) : point;
+}
+
+void GlobeView::onPointed(const std::optional<Ray>& ray)
+{
+    const std::optional<glm::dvec3> point = ray ? meet(*ray) : std::nullopt;
+    const examples::TopoJSON::Area* const pBefore =
+        std::exchange(_pPointed, point ? _countries.find(placeOf(*point)) : nullptr);
+    if (pBefore == nullptr && _pPointed == nullptr)
+        return;
+    makeCurrentContext();
+    if (_pPointed != pBefore)
+        _earth.point(_pPointed);
+    _note.clear();
+    if (_pPointed != nullptr)
+        _note.add(
+            *point, _pPointed->name, {.size = 15, .paint = "#ffd45a"},
+            {.offset = {18, -22}, .leader = Leader{1, "#ffd45a"}, .frame = LabelFrame{"#0a1428d8", "#ffd45a60", 1, 8}});
     showTitle();
     reRender();
 }
 
-float GlobeView::getHeight() const { return glm::length(_eye.getPosition()) - 1; }
-
-void GlobeView::onDraw(const td::RectNormalized<double>&)
+// Not into the air.
+void GlobeView::onCameraMoved()
 {
-    Context::clear({Context::Clear::Color, Context::Clear::Depth});
-    if (!_isOk)
-        return;
-    const Sight sight{_perspective * getCameraMatrix(), _eye.getPosition(), directionOf(_sun)};
-    Context::enable(Context::Flag::DepthTest);
-    _earth.drawSurface(sight);
-    if (_hasBorders)
-        _borders.draw(sight);
-    _sky.draw();
-    _earth.drawAir(sight);
-    if (_hasLabels)
+    OrbitCamera::Pose pose = camera().getPose();
+    const glm::dvec3 position = getEye().getPosition();
+    const double radius = glm::length(position);
+    if (radius > 0 && (radius < cLowest || radius > cHighest))
     {
-        td::Size<double> size;
-        getSize(size);
-        _pLabels->draw(sight, size, getPixelHiDPIScale());
+        pose.target += position * (std::clamp(radius, cLowest, cHighest) / radius - 1);
+        camera().setPose(pose);
     }
-    Context::disable(Context::Flag::DepthTest);
+    showTitle();
 }
 
 bool GlobeView::prepareNextFrame()
 {
-    move();
-    return _hasTime || !_heldKeys.empty();
-}
-
-// Since the last frame.
-void GlobeView::move()
-{
     const Clock::time_point now = Clock::now();
-    const double seconds = std::min(std::chrono::duration<double>(now - _lastFrame).count(), cLongestFrame);
-    _lastFrame = now;
+    const double seconds = std::chrono::duration<double>(now - std::exchange(_lastFrame, now)).count();
     if (_hasTime)
-        _sun.longitude -= cDegreesPerSecond * seconds;
-    if (_heldKeys.empty())
-        return;
-    _eye.setSpeed(getHeight() * cHeightsPerSecond * static_cast<float>(seconds));
-    _eye.updatePosition(_turns);
-    showTitle();
-}
-
-bool GlobeView::onKeyPressed(const gui::Key& key)
-{
-    const auto code = key.isASCII() ? static_cast<unsigned int>(td::toLower(key.getChar())) : key.getCode();
-    if (_heldKeys.count(code) != 0) // it repeats
-        return true;
-    _turns = key.isAltPressed();
-    _eye.setSpeed(getHeight() / 50);
-    if (CameraView::onKeyPressed(key))
-    {
-        _heldKeys.insert(code);
-        _lastFrame = Clock::now();
-        startAnimation();
-        return true;
-    }
-    const char character = key.getChar();
-    if (character >= '1' && character <= '3')
-        show(cOutlooks[character - '1']);
-    else if (character == ' ')
-    {
-        _hasTime = !_hasTime;
-        _lastFrame = Clock::now();
-        if (_hasTime)
-            startAnimation();
-    }
-    else if (character == 'b' || character == 'B')
-        _hasBorders = !_hasBorders;
-    else if (character == 'l' || character == 'L')
-        _hasLabels = !_hasLabels;
-    else if (key.getVirtual() == gui::Key::Virtual::Escape)
-        gui::Application::quit();
-    else
-        return false;
-    reRender();
-    return true;
-}
-
-bool GlobeView::onKeyReleased(const gui::Key& key)
-{
-    // Shift may have gone down meanwhile: the key must not stay held for that. An arrow comes up with its key code
-    // shifted.
-    const unsigned int alt = key.getModifiers() & static_cast<unsigned int>(gui::KeyModifier::Alt);
-    const auto code = key.isASCII() ? static_cast<unsigned int>(td::toLower(key.getChar())) : key.getCode();
-    _heldKeys.erase(key.isASCII() ? code : code >> 8);
-    _eye.setSpeed(0);
-    const bool isUsed = CameraView::onKeyReleased(gui::Key(code, alt, 1, 0));
-    showTitle();
-    return isUsed;
+        _sun.longitude -= cDegreesPerSecond * std::min(seconds, cLongestFrame);
+    return OrbitView::prepareNextFrame() || _hasTime;
 }
 
 bool GlobeView::onScroll(const gui::InputDevice& device)
 {
-    const bool isUsed = CameraView::onScroll(device);
-    showTitle();
+    _isGoingNearer = true;
+    const bool isUsed = OrbitView::onScroll(device);
+    _isGoingNearer = false;
     return isUsed;
+}
+
+bool GlobeView::onKeyPressed(const gui::Key& key)
+{
+    const char character = key.getChar();
+    if (character >= '1' && character <= '3')
+        show(cOutlooks[character - '1'], cFlight);
+    else if (character == ' ')
+    {
+        _hasTime = !_hasTime;
+        startAnimation();
+    }
+    else if (character == 'b' || character == 'B')
+        _hasBorders = !_hasBorders;
+    else if (character == 'l' || character == 'L')
+        _hasNames = !_hasNames;
+    else if (key.getVirtual() == gui::Key::Virtual::Escape)
+        gui::Application::quit();
+    else
+        return OrbitView::onKeyPressed(key);
+    reRender();
+    return true;
 }
 
 void GlobeView::showTitle()
 {
     if (_pWindow == nullptr)
         return;
-    const Place place = placeOf(_eye.getPosition());
-    char title[80];
-    std::snprintf(title, sizeof title, "Globe - over %.1f\u00b0 %c %.1f\u00b0 %c, %.0f km high",
-                  std::abs(place.latitude), place.latitude < 0 ? 'S' : 'N', std::abs(place.longitude),
-                  place.longitude < 0 ? 'W' : 'E', static_cast<double>(getHeight()) * cKilometres);
+    const glm::dvec3 position = getEye().getPosition();
+    const auto [longitude, latitude] = placeOf(position);
+    char title[120];
+    std::snprintf(title, sizeof title, "Globe - over %.1f\u00b0 %c %.1f\u00b0 %c, %.0f km high%s%s", std::abs(latitude),
+                  latitude < 0 ? 'S' : 'N', std::abs(longitude), longitude < 0 ? 'W' : 'E',
+                  (glm::length(position) - 1) * cKilometres, _pPointed != nullptr ? " - " : "",
+                  _pPointed != nullptr ? _pPointed->name.c_str() : "");
     _pWindow->setTitle(title);
 }
 

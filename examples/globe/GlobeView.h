@@ -1,19 +1,12 @@
 #pragma once
 
-#include "Borders.h"
+#include "Countries.h"
 #include "Earth.h"
-#include "Geography.h"
-#include "Labels.h"
-#include "Orbit.h"
-#include "StarrySky.h"
 
 #include <gui/Window.h>
-#include <gui/gl/Camera.h>
-#include <gui/gl/CameraView.h>
+#include <gui/draw/OrbitView.h>
 
 #include <chrono>
-#include <memory>
-#include <set>
 
 namespace globe
 {
@@ -31,52 +24,49 @@ struct Outlook
 /// The first one is where the view begins.
 extern const Outlook cOutlooks[3];
 
-/// The earth in space, to fly around. Keys, wheel, pinch and Shift-drags: see gui::gl::Camera; the nearer the earth the
-/// slower. Digits choose an outlook, Space starts and stops time, B and L hide borders and labels, Escape ends the
-/// program.
-class GlobeView : public gui::gl::CameraView
+/// The earth in space, to turn and to go nearer to: see gui::draw::OrbitControl for what the pointer does. The country
+/// under it is outlined and told. Digits fly to an outlook, Space starts and stops time, B and L hide borders and
+/// names, Escape ends the program.
+class GlobeView : public gui::draw::OrbitView
 {
 public:
     /// @param pWindow  gets a title that says where the eye is, and must outlive the view; null for none
     explicit GlobeView(gui::Window* pWindow);
-    ~GlobeView() override;
 
     /// Whether all that it draws is there.
     bool isOk() const { return _isOk; }
 
-    void show(const Outlook& outlook);
-
-    const gui::gl::Camera& getEye() const { return _eye; }
+    /// @param seconds  of a flight there; 0 for none
+    void show(const Outlook& outlook, double seconds = 0);
 
 protected:
     void onInit() override;
-    void onDraw(const td::RectNormalized<double>& rect) override;
+    void drawScene(const gui::draw::Eye& eye) override;
+    void drawOver(const gui::draw::Eye& eye) override;
+    std::optional<glm::dvec3> pick(const gui::draw::Ray& ray) override;
+    void onPointed(const std::optional<gui::draw::Ray>& ray) override;
+    void onClicked(const gui::draw::Ray& ray) override { onPointed(ray); }
+    void onCameraMoved() override;
     bool prepareNextFrame() override;
-    bool onKeyPressed(const gui::Key& key) override;
-    bool onKeyReleased(const gui::Key& key) override;
     bool onScroll(const gui::InputDevice& device) override;
+    bool onKeyPressed(const gui::Key& key) override;
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    float getHeight() const;
-    void move();
     void showTitle();
 
-    gui::Window* _pWindow; // whose title says where it is; null for none
-    Orbit _orbit;
-    gui::gl::Camera _eye;
+    gui::Window* _pWindow;
     Earth _earth;
-    Borders _borders;
-    StarrySky _sky;
-    std::unique_ptr<Labels> _pLabels;
+    Countries _countries;
+    gui::draw::Labels3 _note; // at the pointer
+    const examples::TopoJSON::Area* _pPointed = nullptr;
     Place _sun;
-    std::set<unsigned int> _heldKeys;
     Clock::time_point _lastFrame;
-    bool _turns = false; // keys turn the eye instead of moving it
+    bool _isGoingNearer = false;
     bool _hasTime = false;
     bool _hasBorders = true;
-    bool _hasLabels = true;
+    bool _hasNames = true;
     bool _isOk = false;
 };
 

@@ -2,8 +2,6 @@
 
 #include <common/Paint.h>
 
-#include <gui/gl/Context.h>
-
 #include <glm/common.hpp>
 #include <glm/geometric.hpp>
 
@@ -15,10 +13,7 @@ namespace globe
 namespace
 {
 
-using namespace gui::gl;
 using glm::vec3;
-
-constexpr int cFaceSize = 768;
 
 // Stars of one size: a grid around the eye whose cells have one or none.
 struct Stars
@@ -30,26 +25,22 @@ struct Stars
 
 constexpr Stars cStars[] = {{150, 0.030F, 0.40F}, {100, 0.012F, 0.75F}, {62, 0.006F, 1.5F}};
 
-vec3 starColor(float heat) // 0 to 1
-{
-    return heat < 0.5F ? glm::mix(vec3(1, 0.72F, 0.5F), vec3(1, 0.97F, 0.92F), 2 * heat)
-                       : glm::mix(vec3(1, 0.97F, 0.92F), vec3(0.66F, 0.78F, 1), 2 * heat - 1);
-}
-
 vec3 starlight(const vec3& direction, const Stars& stars, float crowd)
 {
-    const vec3 place = stars.cellsPerRadian * direction;
-    const glm::ivec3 cell(glm::floor(place));
-    if (examples::scatter(cell) > stars.share * crowd)
+    using examples::scatter;
+    const glm::ivec3 cell(glm::floor(stars.cellsPerRadian * direction));
+    if (scatter(cell) > stars.share * crowd)
         return vec3(0);
-    const vec3 middle = vec3(cell) + 0.35F +
-                        0.3F * vec3(examples::scatter(cell, 1), examples::scatter(cell, 2), examples::scatter(cell, 3));
+    const vec3 middle = vec3(cell) + 0.35F + 0.3F * vec3(scatter(cell, 1), scatter(cell, 2), scatter(cell, 3));
     // Seen on the sphere around the eye, not in the depth of the grid.
     const float distance = glm::length(direction - glm::normalize(middle)) * stars.cellsPerRadian;
-    const float size = examples::scatter(cell, 4);
-    const float light = stars.brightness * (0.15F + size * size * size) * std::exp(-distance * distance * 26);
-    return starColor(examples::scatter(cell, 5)) * light;
+    const float size = scatter(cell, 4), heat = 2 * scatter(cell, 5) - 1;
+    const vec3 color =
+        glm::mix(vec3(1, 0.97F, 0.92F), heat < 0 ? vec3(1, 0.72F, 0.5F) : vec3(0.66F, 0.78F, 1), glm::abs(heat));
+    return stars.brightness * (0.15F + size * size * size) * std::exp(-distance * distance * 26) * color;
 }
+
+} // namespace
 
 // The Milky Way lies along a circle, with dark dust in its middle.
 vec3 starrySky(const vec3& direction)
@@ -70,20 +61,6 @@ vec3 starrySky(const vec3& direction)
     for (const Stars& stars : cStars)
         color += starlight(direction, stars, 0.6F + 1.6F * band);
     return color;
-}
-
-} // namespace
-
-bool StarrySky::init(const glm::mat4& projection, const Camera& camera)
-{
-    return _sky.init(&projection, &camera, cFaceSize, starrySky);
-}
-
-void StarrySky::draw()
-{
-    Context::setDepthBufferFunction(DepthBuffer::Function::LessOrEqual);
-    _sky.render(false);
-    Context::setDepthBufferFunction(DepthBuffer::Function::Less);
 }
 
 } // namespace globe

@@ -1,4 +1,4 @@
-// The earth in space, to fly around, or pictures of it.
+// The earth in space, to turn and to go nearer to, or pictures of it.
 
 #include "GlobeView.h"
 
@@ -21,13 +21,14 @@ constexpr const char* cHelp = R"(Usage: globe [--out FOLDER] | --help
 
 Shows the earth in space. The window's title tells where the eye is.
 
-  W, S, A, D, arrow keys     fly
-  the same with Alt, wheel   turn
-  pointer with Shift         move across
-  wheel with Ctrl, pinch     zoom
-  1, 2, 3                    outlooks
+  drag, arrow keys           turn
+  wheel, pinch, plus, minus  nearer and away
+  drag with Shift            move along
+  double click               fly there; beside the earth, to where all is seen
+  pointer                    tells the country
+  1, 2, 3                    fly to an outlook
   Space                      time goes on, or stops
-  B, L                       borders, labels
+  B, L                       borders, names
   Escape                     end
 
   --out FOLDER   draw the three outlooks into a folder instead, without a window;

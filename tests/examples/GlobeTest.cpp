@@ -1,18 +1,10 @@
-#include "examples/globe/Borders.h"
+#include "examples/globe/Countries.h"
 #include "examples/globe/Earth.h"
-#include "examples/globe/Geography.h"
-#include "examples/globe/Labels.h"
-#include "examples/globe/Orbit.h"
 
 #include "support/OffscreenGL.h"
 
-#include <gui/Res.h>
+#include <gui/draw/OrbitCamera.h>
 #include <gui/gl/Context.h>
-
-#include <glm/ext/matrix_clip_space.hpp>
-#include <glm/ext/matrix_transform.hpp>
-#include <glm/geometric.hpp>
-#include <glm/trigonometric.hpp>
 
 #include <algorithm>
 #include <string>
@@ -21,7 +13,7 @@ namespace
 {
 
 using namespace globe;
-using glm::vec3;
+using gui::draw::Eye;
 using test::Pixel;
 
 constexpr int cSize = 256;
@@ -37,20 +29,31 @@ protected:
     void SetUp() override
     {
         OffscreenGL::SetUp();
-        const td::String json = gui::getResText("globe/countries-50m.json");
-        ASSERT_TRUE(countries.load({json.c_str(), json.length()}, "countries"));
-        gui::gl::Context::enable(gui::gl::Context::Flag::DepthTest);
+        ASSERT_TRUE(countries.init() && earth.init(countries.getShapes()));
     }
 
-    /// North is up, the place in the middle. @param sun  where it is noon
-    static Sight lookAt(const Place& place, const Place& sun, float distance = 3)
+    /// North is up, the place in the middle.
+    static Eye lookAt(const Place& place, double distance = 3, double size = cSize)
     {
-        const vec3 eye = distance * directionOf(place);
-        const glm::mat4 projection = glm::perspective(glm::radians(45.0F), 1.0F, 0.1F, 20.0F);
-        return {projection * glm::lookAt(eye, vec3(0), vec3(0, 1, 0)), eye, directionOf(sun)};
+        gui::draw::OrbitCamera camera;
+        camera.setFieldOfView(45);
+        camera.setSize({size, size});
+        camera.setBounds({glm::dvec3(-1.1), glm::dvec3(1.1)});
+        camera.look(distance * directionOf(place), {0, 0, 0});
+        return camera.getEye();
     }
 
-    examples::TopoJSON countries;
+    /// @param sun  where it is noon
+    Pixel middleOf(const Place& place, const Place& sun, double distance = 3, bool hasBorders = false)
+    {
+        clear();
+        gui::gl::Context::enable(gui::gl::Context::Flag::DepthTest);
+        earth.draw(lookAt(place, distance), directionOf(sun), hasBorders);
+        return pixel(cSize / 2, cSize / 2);
+    }
+
+    Countries countries;
+    Earth earth;
 };
 
 bool isSand(const Pixel& p) { return p.red > p.green && p.green > p.blue && p.red > 150; }
@@ -59,96 +62,78 @@ bool isIce(const Pixel& p) { return std::min({p.red, p.green, p.blue}) > 185; }
 bool isForest(const Pixel& p) { return p.green > p.red + 3 && p.green > p.blue + 10; }
 bool isDark(const Pixel& p) { return std::max({p.red, p.green, p.blue}) < 20; }
 
-// A texture that hangs the wrong way round, or begins at another meridian, shows another place.
+// A texture that hangs the wrong way round, or begins at another meridian, shows another place; so does a map that is
+// asked at another one.
 TEST_F(GlobeTest, PlacesLieWhereTheyAre)
 {
     const struct
     {
-        const char* name;
+        const char* country; // null for none
         Place place;
         bool (*isRight)(const Pixel&);
     } cases[] = {
-        {"Sahara", {10, 24}, isSand},     {"Australia", {128, -24}, isSand},    {"South Pacific", {-128, -24}, isWater},
-        {"Congo", {22, -1}, isForest},    {"mid-Atlantic", {-22, -1}, isWater}, {"Greenland", {-42, 74}, isIce},
+        {"Algeria", {5, 26}, isSand},     {"Australia", {128, -24}, isSand},
+        {nullptr, {-128, -24}, isWater},  {"Dem. Rep. Congo", {22, -1}, isForest},
+        {nullptr, {-22, -1}, isWater},    {"Greenland", {-42, 74}, isIce},
         {"Antarctica", {60, -82}, isIce},
     };
-    Earth earth;
-    ASSERT_TRUE(earth.init());
     for (const auto& c : cases)
     {
-        clear();
-        earth.drawSurface(lookAt(c.place, c.place));
-        EXPECT_TRUE(c.isRight(pixel(cSize / 2, cSize / 2))) << c.name << ": " << pixel(cSize / 2, cSize / 2);
-        clear();
-        earth.drawSurface(lookAt(c.place, {c.place.longitude + 180, -c.place.latitude}));
-        EXPECT_TRUE(isDark(pixel(cSize / 2, cSize / 2))) << c.name << " at midnight";
+        const Pixel day = middleOf(c.place, c.place);
+        const std::string name = c.country != nullptr ? c.country : "water";
+        EXPECT_TRUE(c.isRight(day)) << name << ": " << day;
+        EXPECT_TRUE(isDark(middleOf(c.place, {c.place.longitude + 180, -c.place.latitude}))) << name << " at midnight";
+        const examples::TopoJSON::Area* const pCountry = countries.find(c.place);
+        EXPECT_EQ(pCountry != nullptr ? pCountry->name : "water", name);
+        const Place again = placeOf(directionOf(c.place));
+        EXPECT_NEAR(again.longitude, c.place.longitude, 1e-9);
+        EXPECT_NEAR(again.latitude, c.place.latitude, 1e-9);
     }
-    // The air is around the rim, and nothing beyond.
-    clear();
-    earth.drawSurface(lookAt({0, 0}, {0, 0}));
-    earth.drawAir(lookAt({0, 0}, {0, 0}));
-    EXPECT_TRUE(isWater(pixel(cSize / 2 - 40, cSize / 2)));
-    EXPECT_TRUE(isDark(pixel(3, 3)));
+    // A country on both sides of the map's edge.
+    for (const double longitude : {178.0, -179.9})
+        EXPECT_EQ(countries.find({longitude, longitude > 0 ? -17.8 : -16.8})->name, "Fiji") << longitude;
 }
 
+// Lines that are drawn through the earth, or below its surface, or an outline that stays.
 TEST_F(GlobeTest, BordersShowOnTheNearSideOnly)
 {
-    Earth earth;
-    Borders borders;
-    ASSERT_TRUE(earth.init() && borders.init(countries));
     // Along 25 degrees east, between Libya and Egypt; from behind, that is over the Pacific.
     for (const bool isNear : {true, false})
-    {
-        const Sight sight = lookAt(isNear ? Place{25, 26} : Place{-155, -26}, {isNear ? 25.0 : -155.0, 0}, 1.5F);
-        int difference = 0;
-        clear();
-        earth.drawSurface(sight);
-        const Pixel without = pixel(cSize / 2, cSize / 2);
-        borders.draw(sight);
-        for (int x = cSize / 2 - 2; x <= cSize / 2 + 2; ++x)
-            difference = std::max(difference, pixel(x, cSize / 2).blue - without.blue);
-        EXPECT_EQ(difference > 8, isNear) << difference;
-    }
+        for (const bool isPointed : {false, true})
+        {
+            const Place place = isNear ? Place{25, 26} : Place{-155, -26};
+            const Place sun{place.longitude + 70, 0}; // low: sand is as bright as lines at noon
+            earth.point(nullptr);
+            const Pixel without = middleOf(place, sun, 1.5);
+            if (isPointed)
+                earth.point(countries.find({17, 27}));
+            middleOf(place, sun, 1.5, !isPointed);
+            int difference = 0;
+            for (int x = cSize / 2 - 2; x <= cSize / 2 + 2; ++x)
+                difference = std::max(difference, std::abs(pixel(x, cSize / 2).green - without.green));
+            EXPECT_EQ(difference > 8, isNear) << difference << isPointed;
+        }
 }
 
+// Names that are behind the earth, or of what is too small from there.
 TEST_F(GlobeTest, LargeCountriesInFrontHaveNames)
 {
-    Labels labels(countries);
     const auto isShown = [&](const std::string& name)
     {
-        const auto found =
-            std::find_if(countries.getAreas().begin(), countries.getAreas().end(),
-                         [&name](const examples::TopoJSON::Area& country) { return country.name == name; });
-        return labels.isShown(static_cast<std::size_t>(found - countries.getAreas().begin()));
+        for (int x = 0; x < 900; x += 4)
+            for (int y = 0; y < 900; y += 4)
+                if (countries.getNames().getText(countries.getNames().pick({double(x), double(y)})) == name)
+                    return true;
+        return false;
     };
-    labels.draw(lookAt({18, 8}, {18, 8}, 2.6F), {900, 900}, 1);
+    countries.drawNames(lookAt({18, 8}, 2.6, 900));
     for (const char* name : {"Algeria", "Niger", "Chad", "Sudan", "Angola"})
         EXPECT_TRUE(isShown(name)) << name;
-    for (const char* name : {"Brazil", "Australia", "China", "Canada", "Luxembourg"}) // behind, or too small
+    for (const char* name : {"Brazil", "Australia", "China", "Canada", "Luxembourg", "Berlin"})
         EXPECT_FALSE(isShown(name)) << name;
-    labels.draw(lookAt({6, 50}, {6, 50}, 1.15F), {900, 900}, 1); // nearer
-    EXPECT_TRUE(isShown("Belgium"));
+    countries.drawNames(lookAt({6, 50}, 1.15, 900)); // nearer
+    EXPECT_TRUE(isShown("Belgium") && isShown("Paris"));
     EXPECT_FALSE(isShown("Niger"));
-}
-
-TEST(OrbitTest, EyesStayOutsideOfTheAirAndInSight)
-{
-    Orbit orbit;
-    const struct
-    {
-        vec3 before, after;
-        float radius;
-    } cases[] = {
-        {{0, 0, 2}, {0, 0, 1.9F}, 1.9F},         {{0, 0, 1.2F}, {0, 0, 1.05F}, Orbit::cLowest},
-        {{0, 0, 2}, {0, 0, -2}, Orbit::cLowest}, {{0, 8, 3}, {0, 12, 3}, Orbit::cHighest},
-        {{0, 0, 1.5F}, {0, 0, 0}, 1.5F},         {{2, 0, 1}, {-2, 0, 1}, Orbit::cLowest},
-    };
-    for (const auto& c : cases)
-    {
-        const vec3 limited = orbit.limit(c.before, c.after);
-        EXPECT_NEAR(glm::length(limited), c.radius, 1e-4F);
-        EXPECT_GT(glm::dot(limited, c.before), 0); // on the side it came from
-    }
 }
 
 } // namespace

@@ -350,6 +350,11 @@ void Drawing::clear()
 
 void Drawing::setTolerance(double tolerance) { _pImpl->tolerance = tolerance; }
 
+void Drawing::setOpacity(double opacity)
+{
+    _pImpl->painter.setOpacity(opacity >= 0 && opacity <= 1 ? static_cast<float>(opacity) : 1);
+}
+
 std::size_t Drawing::getNumberOfShapes() const { return _pImpl->nShapes; }
 
 std::optional<Drawing::Rect> Drawing::getBounds() const

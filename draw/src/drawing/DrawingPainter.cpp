@@ -126,11 +126,13 @@ public:
     bool link() { return Program::link(":draw/layer.vert", ":draw/layer.frag"); }
 
     int corner = -1;
+    int opacity = -1;
 
 protected:
     void onLinked() override
     {
         corner = getUniformLocation("corner");
+        opacity = getUniformLocation("opacity");
         activate();
         setUniformValue(static_cast<unsigned int>(getUniformLocation("layer")), static_cast<int>(cLayerUnit));
     }
@@ -430,6 +432,7 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     gl::Textures::bindToSamplerUnit(_layers[_shown].getTextureID(), cLayerUnit, gl::Texture::Type::Tex2D);
     _pComposite->activate();
     _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->corner), glm::vec2(viewport[0], viewport[1]));
+    _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->opacity), _opacity);
     const gl::Quads::Range one{0, 1};
     if (!_quads.draw(std::span(&one, 1)))
         return fail("there is no vertex array");

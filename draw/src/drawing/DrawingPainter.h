@@ -57,6 +57,9 @@ public:
     bool draw(ShapeTables& tables, DrawList& list, GlyphStore& glyphs, ImageStore& images, const Sight& sight,
               bool isChanged);
 
+    /// Of the whole layer, 0 to 1.
+    void setOpacity(float opacity) { _opacity = opacity; }
+
 private:
     class ShapeProgram;
     class LayerProgram;
@@ -86,6 +89,7 @@ private:
     gl::Quads _quads;
     Sight _sight; // of the layer, to a fraction of a pixel what was asked for
     Sight _asked;
+    float _opacity = 1;
     bool _isLayerValid = false;
     bool _isLayerLost = false; // with its context, since it was last drawn
     gl::ContextResource _home{[](void* pThis, gl::ContextResource::Event event)

@@ -1,12 +1,12 @@
 #include <gui/draw/Labels.h>
 
+#include "LabelRoom.h"
 #include "TextAnchor.h"
 
 #include <gui/gl/OrthoView.h>
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -24,9 +24,6 @@ constexpr double cStepsPerOctave = 4;
 
 /// How much of its length an axis of the plane may differ and still point the same way.
 constexpr double cSameDirection = 1e-6;
-
-/// Of the squares in which boxes are looked up, in points: about as large as labels are.
-constexpr double cSquare = 64;
 
 // Around a layout, with its halos, from the point where its anchor stands.
 Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
@@ -51,71 +48,6 @@ Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
 }
 
 } // namespace
-
-class Labels::Room
-{
-public:
-    explicit Room(std::size_t nLabels)
-        : _squares(std::bit_ceil(std::max<std::size_t>(nLabels, 64)), cNone)
-    {
-    }
-
-    /// Whether no part of a box is taken.
-    bool isFree(const Drawing::Rect& box) const
-    {
-        const auto [left, top, right, bottom] = squaresOf(box);
-        for (std::int64_t y = top; y <= bottom; ++y)
-            for (std::int64_t x = left; x <= right; ++x)
-                for (std::uint32_t i = _squares[indexOf(x, y)]; i != cNone; i = _places[i].next)
-                    if (const Drawing::Rect& other = _places[i].box; box.left < other.right && box.right > other.left &&
-                                                                     box.top < other.bottom && box.bottom > other.top)
-                        return false;
-        return true;
-    }
-
-    void take(const Drawing::Rect& box)
-    {
-        const auto [left, top, right, bottom] = squaresOf(box);
-        for (std::int64_t y = top; y <= bottom; ++y)
-            for (std::int64_t x = left; x <= right; ++x)
-            {
-                std::uint32_t& first = _squares[indexOf(x, y)];
-                _places.push_back({box, first});
-                first = static_cast<std::uint32_t>(_places.size()) - 1;
-            }
-    }
-
-private:
-    static constexpr std::uint32_t cNone = UINT32_MAX;
-
-    struct Place
-    {
-        Drawing::Rect box;
-        std::uint32_t next; // in the same square
-    };
-
-    struct Squares
-    {
-        std::int64_t left, top, right, bottom;
-    };
-
-    static Squares squaresOf(const Drawing::Rect& box)
-    {
-        const auto square = [](double x) { return static_cast<std::int64_t>(std::floor(x / cSquare)); };
-        return {square(box.left), square(box.top), square(box.right), square(box.bottom)};
-    }
-
-    // Many squares of the plane share one of these: boxes are compared all the same.
-    std::size_t indexOf(std::int64_t x, std::int64_t y) const
-    {
-        const std::uint64_t hash =
-            (static_cast<std::uint64_t>(x) * 0x9e3779b97f4a7c15U ^ static_cast<std::uint64_t>(y) * 0xc2b2ae3d27d4eb4fU);
-        return static_cast<std::size_t>(hash >> 20U) & (_squares.size() - 1);
-    }
-
-    std::vector<std::uint32_t> _squares; // as many as a power of two
-    std::vector<Place> _places;
-};
 
 Labels::Labels(Drawing& drawing)
     : _drawing(drawing)
@@ -251,7 +183,7 @@ void Labels::place(const Affine& modelToView)
     // The smallest zoom of the step: at the others, labels are farther apart.
     const double zoom = std::exp2(step / cStepsPerOctave);
     const Affine toPoints = Affine::scaling(zoom) * direction;
-    Room room(_nLabels);
+    LabelRoom room(_nLabels);
     const auto isWithin = [&](const Label& label)
     {
         // Farther away than this, and wider, nobody looks.

@@ -202,8 +202,12 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     {
         DepthCanvas::Frame frame(_canvas, eye);
         _pBackground->draw();
+        _probe.begin(eye);
         while (const Eye* const pEye = eye.isValid() ? frame.next() : nullptr)
+        {
             drawScene(*pEye);
+            _probe.ask(*pEye);
+        }
     }
     if (!eye.isValid())
         return;

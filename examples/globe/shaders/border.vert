@@ -1,6 +1,5 @@
 #version 330 core
 uniform mat4 mvp;
-uniform mat4 model;
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec4 lineColor;
 out vec3 place;
@@ -8,6 +7,6 @@ out vec4 color;
 void main()
 {
     gl_Position = mvp * vec4(position, 1.0);
-    place = vec3(model * vec4(position, 1.0));
+    place = position;
     color = lineColor;
 }

@@ -1,13 +1,14 @@
 #version 330 core
 uniform mat4 mvp;
-uniform mat4 model;
+uniform float radius;
 layout(location = 0) in vec3 position;
 layout(location = 2) in vec2 textureCoordinate;
 out vec3 place;
 out vec2 coordinate;
 void main()
 {
-    gl_Position = mvp * vec4(position, 1.0);
-    place = vec3(model * vec4(position, 1.0));
+    // A generated sphere has its pole on the z axis, and its texture's left edge, 180 degrees west, on the x axis.
+    place = radius * vec3(-position.y, position.z, -position.x);
+    gl_Position = mvp * vec4(place, 1.0);
     coordinate = textureCoordinate;
 }

@@ -179,6 +179,10 @@ public:
     /// 1/4096 of its own size. For paths that are added or set from now on.
     void setTolerance(double tolerance);
 
+    /// How much of all that it draws is seen, as if it were one picture: 1 at first, 0 for nothing. What is not within,
+    /// or no number, counts as 1. Changes nothing else, and uploads nothing.
+    void setOpacity(double opacity);
+
     /// Shapes, not groups.
     std::size_t getNumberOfShapes() const;
     /// Around all visible shapes with their strokes' widths, those in points left out, as is the size of texts in

@@ -166,9 +166,6 @@ private:
     Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
                        const LabelRule& rule, bool isAlternative);
 
-    /// The boxes that are taken, in squares of the plane.
-    class Room;
-
     Drawing& _drawing;
     std::vector<Label> _labels;
     std::unordered_map<Drawing::ID, std::size_t> _indices; // of labels

@@ -2,6 +2,7 @@
 
 #include "Clipping.h"
 #include "DepthCanvas.h"
+#include "DepthProbe.h"
 #include "Eye.h"
 #include "OrbitCamera.h"
 #include "OrbitControl.h"
@@ -82,6 +83,8 @@ public:
     /// What input does, and the axes in the corner.
     OrbitControl& control() { return _control; }
     const OrbitControl& control() const { return _control; }
+    /// Tells what is behind the scene, for Labels3 and Dimensions3: `draw::Labels3 _labels{depthProbe()};`
+    DepthProbe& depthProbe() { return _probe; }
     /// How it sees now, for rays and places outside of drawScene.
     Eye getEye() const;
 
@@ -157,6 +160,7 @@ private:
     DepthCanvas _canvas;
     Clipping _clipping;
     Shadows _shadows;
+    DepthProbe _probe{this};
     gl::Framebuffer _pickBuffer;
     std::optional<td::Point<double>> _pointer;
     OrbitCamera::Pose _drawn;
