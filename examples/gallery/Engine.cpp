@@ -19,10 +19,10 @@ using gui::draw::Mesh;
 using gui::draw::Path;
 
 constexpr int cSectors = 120;
-constexpr double cRod = 86, cCrank = Engine::cStroke / 2, cAngle = 48; // degrees after the top
+constexpr double cRod = 86, cCrank = Engine::cStroke / 2, cAngle = Engine::cAngle;
 const double cPinY = -cCrank * std::sin(glm::radians(cAngle)), cPinZ = cCrank * std::cos(glm::radians(cAngle));
 const double cPistonZ = cPinZ + std::sqrt(cRod * cRod - cPinY * cPinY);
-constexpr double cRadius = Engine::cBore / 2, cDeck = 128; // where the head begins
+constexpr double cRadius = Engine::cBore / 2, cDeck = Engine::cDeck;
 
 using Profile = std::vector<glm::dvec2>;
 
@@ -163,7 +163,7 @@ Mesh makeCrankshaft()
         crank.add(extrude(webOutline(), from, from + 10), along({0, 0, 0}) * turn);
         crank.add(side > 0 ? makeShaft(10, 21.5, 86) : makeShaft(10, -86, -21.5), along({0, 0, 0}));
     }
-    crank.add(makeShaft(8, -13, 13), along({0, cPinY, cPinZ}));
+    crank.add(makeShaft(8, -13, 13), along(Engine::getCrankPin()));
     crank.parts.clear();
     return crank;
 }
@@ -192,6 +192,10 @@ Mesh makeInsulator()
 
 } // namespace
 
+glm::dvec3 Engine::getCrankPin() { return {0, cPinY, cPinZ}; }
+
+glm::dvec3 Engine::getPistonPin() { return {0, 0, cPistonZ}; }
+
 Mesh Engine::makeHousing()
 {
     const Material cast{.color = "#9fb0c4", .shininess = 0.2}, steel{.color = "#7f8da3", .shininess = 0.5};
@@ -218,8 +222,8 @@ Mesh Engine::makeTrain()
     train.add(makeCrankshaft(), steel);
     const double tilt = std::asin(cPinY / cRod);
     train.add(extrude(rodOutline(), -9, 9), red, 0,
-              along({0, cPinY, cPinZ}) * glm::rotate(glm::dmat4(1), tilt, {0, 0, 1}));
-    train.add(makeShaft(6.5, -20, 20), dark, 0, along({0, 0, cPistonZ}));
+              along(Engine::getCrankPin()) * glm::rotate(glm::dmat4(1), tilt, {0, 0, 1}));
+    train.add(makeShaft(6.5, -20, 20), dark, 0, along(Engine::getPistonPin()));
     train.add(makePlug(), dark);
     train.add(makeInsulator(), white);
     return train;

@@ -11,6 +11,7 @@ namespace gallery
 void Orbiting::enter(Stage& stage)
 {
     _pStage = &stage;
+    _probe.setWaiting(true); // each picture is one of its own
     _control.setOnChange([&stage] { stage.redraw(); });
     _control.setPick([this](const td::Point<double>& point) { return pick(_eye.getRay(point)); });
 }
@@ -90,8 +91,12 @@ void Orbiting::draw(const Frame& frame)
     {
         gui::draw::DepthCanvas::Frame picture(_canvas, _eye);
         drawBackground(_eye);
+        _probe.begin(_eye);
         while (const gui::draw::Eye* const pEye = picture.next())
+        {
             drawModel(*pEye);
+            _probe.ask(*pEye);
+        }
     }
     drawOver(frame, _eye);
     _control.drawGizmo(_eye);

@@ -3,6 +3,7 @@
 #include "Scene.h"
 
 #include <gui/draw/DepthCanvas.h>
+#include <gui/draw/DepthProbe.h>
 #include <gui/draw/Model.h>
 #include <gui/draw/OrbitCamera.h>
 #include <gui/draw/OrbitControl.h>
@@ -53,6 +54,7 @@ protected:
 
     gui::draw::OrbitCamera _camera;
     gui::draw::Model _model;
+    gui::draw::DepthProbe _probe;
 
 private:
     gui::draw::Clipping _clipping;
