@@ -179,8 +179,8 @@ constexpr SceneInfo cScenes[] = {
      "shows all of it.",
      makeHorizon},
     {"section", "An engine, cut open",
-     "A quarter is cut out of its housing, and the cut is closed: every part is hatched to its own side. Dimensions and "
-     "names keep to their places while it turns. Crankshaft, rod and plug are left whole.",
+     "A quarter is cut out of its housing, and the cut is closed: every part is hatched to its own side. Dimensions "
+     "and names keep to their places while it turns. Crankshaft, rod and plug are left whole.",
      makeSection},
     {"glass", "Through glass",
      "Bottles behind bottles: up to thirty surfaces lie over each other, in the order in which they are seen, from "

@@ -51,10 +51,10 @@ namespace gui::draw
 /// Parts whose material has an alpha below 255 are translucent: each surface hides that much of what is behind it, and
 /// all are put over each other in the order in which they are seen, sample by sample, sixteen of them; those behind are
 /// blended in any order. They are drawn after everything else, of all models of a frame together, when the scene of an
-/// OrbitView or a DepthCanvas::Frame has been drawn, and at once without. The depth buffer does not have them afterwards;
-/// OrbitView::pick meets them as if they were solid. With several samples it needs OpenGL 4.0 or ARB_sample_shading;
-/// without, they are blended in any order, which the log says once: "Warning! Model::draw: no layers here, translucent
-/// surfaces are blended as they are drawn".
+/// OrbitView or a DepthCanvas::Frame has been drawn, and at once without. The depth buffer does not have them
+/// afterwards; OrbitView::pick meets them as if they were solid. With several samples it needs OpenGL 4.0 or
+/// ARB_sample_shading; without, they are blended in any order, which the log says once: "Warning! Model::draw: no
+/// layers here, translucent surfaces are blended as they are drawn".
 ///
 /// Parts have numbers, in the order that they have in the mesh; a mesh without parts has one, number 0. Operations on a
 /// part that there is not do nothing and return false.
