@@ -109,6 +109,13 @@ TEST_F(Polylines3Test, ShortPiecesAreOneLine)
         const Picture picture = drawn([&] { return coarse.draw(test::eyeAbove()); });
         EXPECT_LE(nOther(picture, drawn([&] { return fine.draw(test::eyeAbove()); }), 4), 6);
         EXPECT_GT(at(picture, 50, 0).red, 60) << "it is closed";
+        // Nor where some of them lie at the same place.
+        std::vector<glm::dvec3> twice;
+        for (const glm::dvec3& point : circle(400))
+            twice.insert(twice.end(), 1 + twice.size() % 4, point);
+        coarse.clear();
+        ASSERT_TRUE(coarse.add(twice, {.width = width, .color = "#ffffffa0"}, Polylines3::Ends::Joined));
+        EXPECT_EQ(drawn([&] { return coarse.draw(test::eyeAbove()); }), picture);
     }
 }
 

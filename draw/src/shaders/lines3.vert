@@ -93,22 +93,31 @@ void main()
         return;
     int next = point < last ? point + 1 : first;
     vec4 a = clipOf(point), b = clipOf(next);
+    // Points that lie where the one before does are passed over, as far as there are not too many.
+    vec4 previous = a, following = b;
+    for (int i = 1; i <= 64 && previous == a && (isClosed || point - i >= first); ++i)
+        previous = clipOf(point - i >= first ? point - i : max(point - i + last + 1 - first, first));
+    for (int i = 1; i <= 64 && following == b && (isClosed || next + i <= last); ++i)
+        following = clipOf(next + i <= last ? next + i : min(next + i - last - 1 + first, last));
+    bool isBegin = previous == a, isEnd = following == b;
+    if (a == b && last > first && !(point == first && isBegin && isEnd))
+        return;
     vec2 part = kept(a, b, look.x);
     ends = onScreen(a, b, look.x);
     if (part.x > part.y || ends == cNowhere)
         return;
-    if (point > first || isClosed)
-        before = onScreen(clipOf(point > first ? point - 1 : last), a, look.x);
-    if (next < last || isClosed)
-        after = onScreen(b, clipOf(next < last ? next + 1 : first), look.x);
+    if (!isBegin)
+        before = onScreen(previous, a, look.x);
+    if (!isEnd)
+        after = onScreen(b, following, look.x);
     if ((head.w & 24u) != 0u)
     {
         float beyond = (head.w & 16u) != 0u ? look.x / 2.0 : 0.0;
-        if (beyond == 0.0 && first == last)
+        if (beyond == 0.0 && a == b)
             return;
-        if (point == first && !isClosed && part.x == 0.0)
+        if (isBegin && part.x == 0.0)
             caps.x = beyond;
-        if (next == last && !isClosed && part.y == 1.0)
+        if (isEnd && part.y == 1.0)
             caps.y = beyond;
     }
     vec4 begin = mix(a, b, part.x), end = mix(a, b, part.y);
@@ -142,8 +151,8 @@ void main()
     float reach = max(look.x, 1.0) / 2.0 + 1.0, size = length(t - s);
     vec2 along = size > 1e-6 ? (t - s) / size : vec2(1.0, 0.0);
     vec2 across = vec2(-along.y, along.x) * ((corner & 2) == 0 ? reach : -reach);
-    bool isEnd = (corner & 1) != 0;
-    vec2 pixel = (isEnd ? t + reach * along : s - reach * along) + across;
-    vec4 at = isEnd ? end : begin;
+    bool isAhead = (corner & 1) != 0;
+    vec2 pixel = (isAhead ? t + reach * along : s - reach * along) + across;
+    vec4 at = isAhead ? end : begin;
     gl_Position = vec4(pixel / halfSize * at.w, at.zw);
 }
