@@ -131,6 +131,25 @@ void InstancesTurn(benchmark::State& state)
 }
 BENCHMARK(InstancesTurn)->Args({60, 0})->Args({3, 0})->Args({60, 1})->Unit(benchmark::kMicrosecond);
 
+/// All of them are elsewhere in each frame, which sends all that there is.
+void InstancesMove(benchmark::State& state)
+{
+    gui::gl::OffscreenContext context({1000, 1000}, settings());
+    std::vector<Instances::Placement> all = placements();
+    Instances instances;
+    instances.setMesh(pyramid());
+    instances.set(all);
+    const WithoutTriangles without;
+    for (auto _ : state)
+    {
+        for (Instances::Placement& placement : all)
+            placement.position.z += 0.001;
+        instances.setPlacements(0, all);
+        instances.draw(eyeAt(60, 0));
+    }
+}
+BENCHMARK(InstancesMove)->Unit(benchmark::kMillisecond);
+
 /// The least that one would write: places, turns and colours as attributes of instances, two uniforms, one call for
 /// everything.
 void InstancesTurnPlain(benchmark::State& state)

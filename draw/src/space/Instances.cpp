@@ -55,6 +55,9 @@ void sayBad(const char* operation, std::size_t placement)
 glm::dquat turnOf(const Instances::Placement& placement)
 {
     const glm::dquat& q = placement.rotation;
+    const double square = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
+    if (square > 1e-200 && square < 1e200)
+        return q * (1 / std::sqrt(square));
     const double largest = std::max({std::abs(q.x), std::abs(q.y), std::abs(q.z), std::abs(q.w)});
     return glm::normalize(q / largest);
 }
@@ -170,10 +173,14 @@ struct Instances::Impl
         {
             const Placement& placement = all[owners[slot]].placement;
             const glm::dvec3 size = glm::abs(placement.scale);
-            const glm::dvec3 middle = placement.position + turnOf(placement) * (placement.scale * meshMiddle);
-            const double radius = meshRadius * std::max({size.x, size.y, size.z});
-            box.add(middle - radius);
-            box.add(middle + radius);
+            const std::uint32_t* q = things.at(cTexelsPerInstance * slot + 2);
+            const auto number = [q](std::size_t i) { return static_cast<double>(std::bit_cast<float>(q[i])); };
+            const glm::dvec3 middle = placement.position + glm::dquat(number(3), number(0), number(1), number(2)) *
+                                                               (placement.scale * meshMiddle);
+            // A little more, for floats.
+            const double radius = meshReach * std::max({size.x, size.y, size.z});
+            box.min = glm::min(box.min, middle - radius);
+            box.max = glm::max(box.max, middle + radius);
         }
         return box;
     }
@@ -286,7 +293,7 @@ struct Instances::Impl
     std::vector<std::uint32_t> indices;
     std::vector<Level> levels;
     glm::dvec3 meshOrigin{0}, meshMiddle{0};
-    double meshRadius = 0;
+    double meshReach = 0; // from the middle
     bool isTwoSided = false;
 
     std::vector<Instance> all;
@@ -326,7 +333,7 @@ bool Instances::setMesh(const Mesh& mesh)
         materials.push_back(part.material);
     const ModelGeometry geometry = ModelGeometry::make(mesh, std::vector<std::uint32_t>(materials.size()));
     impl.vertices.clear();
-    impl.meshRadius = 0;
+    impl.meshReach = 0;
     const glm::dvec3 middle = geometry.bounds.getCenter();
     for (const MeshSurface::Vertex& vertex : geometry.vertices)
     {
@@ -339,14 +346,14 @@ bool Instances::setMesh(const Mesh& mesh)
         td::Color color = material.color;
         color.setAlpha(material.isTwoSided ? 255 : 0);
         made.color = wordOf(color);
-        impl.meshRadius =
-            std::max(impl.meshRadius, glm::length(geometry.origin + glm::dvec3(vertex.position) - middle) * (1 + 1e-6));
+        impl.meshReach = std::max(impl.meshReach, glm::length(geometry.origin + glm::dvec3(vertex.position) - middle));
     }
     impl.indices = geometry.indices;
     impl.levels.clear();
     for (const ModelGeometry::Level& level : geometry.levels)
         if (level.nTriangles > 0)
             impl.levels.push_back({level.step, level.cells.front().first, 3 * level.nTriangles});
+    impl.meshReach += 1e-6 * (impl.meshReach + glm::length(middle));
     impl.meshOrigin = geometry.origin;
     impl.meshMiddle = middle;
     impl.isTwoSided = std::any_of(materials.begin(), materials.end(), [](const Material& m) { return m.isTwoSided; });
@@ -437,15 +444,30 @@ bool Instances::setPlacement(std::size_t instance, const Placement& placement)
 
 bool Instances::setPlacements(std::size_t first, std::span<const Placement> placements)
 {
-    if (first > size() || placements.size() > size() - first)
+    Impl& impl = *_pImpl;
+    const std::size_t n = placements.size();
+    if (first > size() || n > size() - first)
         return false;
-    if (const std::size_t bad = findBadPlacement(placements); bad < placements.size())
+    if (const std::size_t bad = findBadPlacement(placements); bad < n)
     {
         sayBad("setPlacements", first + bad);
         return false;
     }
-    for (std::size_t i = 0; i < placements.size(); ++i)
-        setPlacement(first + i, placements[i]);
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        impl.all[first + i].placement = placements[i];
+        impl.note(placements[i]);
+    }
+    // Many are sent in one piece, with those between them, in the order of their slots.
+    const bool areMany = n > 1000 && n > size() / 2;
+    if (areMany)
+        impl.things.change(0, impl.things.getSize());
+    for (std::size_t k = 0; k < (areMany ? size() : n); ++k)
+    {
+        const std::size_t i = areMany ? impl.owners[k] : first + k;
+        if (i >= first && i - first < n)
+            impl.write(i, false);
+    }
     return true;
 }
 
