@@ -1,7 +1,7 @@
 // Shows a mesh from any file that assimp reads: a click says which triangle is there, and where.
 //     meshview bearing.obj [picture.png]  or, with the name of a picture, saves it as that
-// W wires, E edges, S saves a picture; all else is OrbitView's: 1 to 7 look from the sides, P is with perspective or
-// without.
+// W wires, E edges, C cuts it open, comma and full stop move the cut, S saves a picture; all else is OrbitView's: 1 to 7
+// look from the sides, P is with perspective or without.
 #include "Load.h"
 
 #include <gui/Application.h>
@@ -9,10 +9,9 @@
 #include <gui/Window.h>
 #include <gui/draw/draw.h>
 
-#include <glm/geometric.hpp>
-
+#include <array>
 #include <cstdio>
-#include <filesystem>
+#include <ctime>
 
 using namespace gui::draw;
 
@@ -26,43 +25,41 @@ public:
         setBackground("#ffffff", "#c4cfdb");
         _model.setMesh(_loaded.mesh);
         _model.setEdges(_edges);
+        _marks.setBias(2);
         _index.setTriangles(_loaded.mesh.positions, _loaded.mesh.indices);
         fit(_model.getBounds(), 10);
         createContext();
     }
 
 private:
-    void drawScene(const Eye& eye) override { _model.draw(eye); }
-    std::optional<glm::dvec3> pick(const Ray& ray) override
+    void drawScene(const Eye& eye) override
     {
-        const auto hit = _index.getNearest(ray);
-        return hit ? std::optional(hit->point) : std::nullopt;
+        _model.draw(eye);
+        _marks.draw(eye);
     }
+    void drawOver(const Eye& eye) override { _notes.draw(eye); }
     void onClicked(const Ray& ray) override
     {
-        _hit = _index.getNearest(ray);
+        _marks.clear();
+        _notes.clear();
+        const double step = 1e-3 * _model.getBounds().getRadius();
+        if (const auto point = pick(ray))
+            note(_index.getNearest({*point - step * ray.direction, ray.direction}, {}, 2 * step));
         reDraw();
     }
-    void drawOver(const Eye& eye) override
+    void note(const std::optional<TriangleIndex::Hit>& hit)
     {
-        const auto seen = _hit ? eye.project(_hit->point) : std::nullopt;
-        if (!seen)
-            return;
-        const Ray ray = eye.getRay({seen->x, seen->y});
-        const double distance = glm::distance(ray.origin, _hit->point) * (1 - 1e-6);
-        const td::Color color = _index.getNearest(ray, {}, distance) ? "#d0402060" : "#d04020"; // hidden or not
-        Path triangle;
+        if (!hit)
+            return; // the face of a cut is none of its triangles
+        std::array<glm::dvec3, 3> corners;
         for (std::size_t i = 0; i < 3; ++i)
-            if (const auto at = eye.project(_loaded.mesh.positions[_loaded.mesh.indices[3 * _hit->index + i]]))
-                i == 0 ? triangle.moveTo({at->x, at->y}) : triangle.lineTo({at->x, at->y});
+            corners[i] = _loaded.mesh.positions[_loaded.mesh.indices[3 * hit->index + i]];
         char text[120];
-        std::snprintf(text, sizeof text, "%.40s, triangle %u\n%.6g, %.6g, %.6g", _loaded.nameOf(_hit->index).c_str(),
-                      _hit->index, _hit->point.x, _hit->point.y, _hit->point.z);
-        _notes.clear();
-        _notes.stroke(triangle.close(), {.width = 1.5, .join = Join::Round}, color);
-        _notes.fill(Path().addCircle({seen->x, seen->y}, 3.5), color);
-        _notes.text({seen->x, seen->y}, text, {.size = 14, .halo = {3}}, {Anchor::Left, {10, 0}});
-        _notes.draw(Affine(), eye.getScale());
+        std::snprintf(text, sizeof text, "%.40s, triangle %u\n%.6g, %.6g, %.6g", _loaded.nameOf(hit->index).c_str(),
+                      hit->index, hit->point.x, hit->point.y, hit->point.z);
+        _marks.add(corners, {.color = "#d04020"}, Polylines3::Ends::Joined);
+        _notes.add(hit->point, text, {.size = 14, .halo = {3}},
+                   {.offset = {40, -30}, .leader = Leader(), .behind = Behind::Fade});
     }
     bool onKeyPressed(const gui::Key& key) override
     {
@@ -70,11 +67,18 @@ private:
             _model.setWires(static_cast<Model::Wires>((static_cast<int>(_model.getWires(0)) + 1) % 3));
         else if (key.getChar() == 'e')
             _model.setEdges(_edges = {.width = 1 - _edges.width});
+        else if (key.getChar() == 'c')
+            setClipping(getClipping().isEmpty() ? Clipping(_model.getBounds().getCenter(), getEye().getDirection())
+                                                : Clipping());
+        else if (key.getChar() == ',' || key.getChar() == '.')
+        {
+            Clipping clipping = getClipping();
+            clipping.move(0, (key.getChar() == ',' ? -0.02 : 0.02) * _model.getBounds().getRadius());
+            setClipping(clipping);
+        }
         else if (key.getChar() == 's')
         {
-            std::string name = "mesh.png";
-            for (int n = 2; std::filesystem::exists(name); ++n)
-                name = "mesh-" + std::to_string(n) + ".png";
+            const std::string name = "mesh-" + std::to_string(std::time(nullptr)) + ".png";
             std::puts(savePicture(name.c_str()) ? name.c_str() : "not saved");
         }
         else
@@ -86,8 +90,8 @@ private:
     Loaded _loaded;
     Model _model;
     TriangleIndex _index;
-    std::optional<TriangleIndex::Hit> _hit;
-    Drawing _notes;
+    Polylines3 _marks;
+    Labels3 _notes{depthProbe()};
     Model::Line _edges{.width = 1};
 };
 
