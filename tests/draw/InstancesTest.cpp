@@ -2,13 +2,17 @@
 #include "SpacePicture.h"
 #include "support/CapturedLog.h"
 
+#include <gui/draw/DepthCanvas.h>
 #include <gui/draw/Instances.h>
 #include <gui/draw/Model.h>
+#include <gui/draw/Points3.h>
+#include <gui/draw/Polylines3.h>
 
 #include <glm/ext/matrix_transform.hpp>
 #include <glm/gtc/quaternion.hpp>
 
 #include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -99,6 +103,55 @@ TEST_F(InstancesTest, TheyAreThePictureOfOneMesh)
         EXPECT_LE(nOther(expected, drawn([&] { return instances.draw(eye); }), 6), 25) << i;
         EXPECT_LE(glm::length(instances.getBounds().getCenter() - model.getBounds().getCenter()), 3.0);
     }
+}
+
+// Instances and spheres cast shadows, and get them, as models do; lines cast none.
+TEST_F(InstancesTest, ShadowsAreThoseOfModels)
+{
+    Model ground, whole;
+    Instances boxes;
+    gui::draw::Points3 balls;
+    gui::draw::Polylines3 lines;
+    Mesh all = test::makeBox({-9, -9, -1}, {9, 9, 0});
+    ASSERT_TRUE(ground.setMesh(all) && boxes.setMesh(test::makeBox({-0.5, -0.5, 0}, {0.5, 0.5, 3})));
+    std::vector<glm::dvec3> places;
+    for (int i = 0; i < 5; ++i)
+    {
+        const Instances::Placement placement{{-4 + 2 * i, -3 + i % 2, 0}};
+        ASSERT_TRUE(boxes.add(placement));
+        all.add(test::makeBox({-0.5, -0.5, 0}, {0.5, 0.5, 3}), matrixOf(placement));
+        places.emplace_back(-4 + 2 * i, 1 + i % 2, 1 + 0.5 * i);
+        all.add(test::makeSphere(0.8, 100), glm::translate(glm::dmat4(1), places.back()));
+    }
+    const td::Color color = gui::draw::Material().color;
+    ASSERT_TRUE(whole.setMesh(all) && balls.set(places, {{color}}) && lines.add(places, {.width = 1e-9}));
+    balls.setLook({.shape = gui::draw::Points3::Shape::Sphere, .size = 1.6, .unit = gui::draw::Unit::Model});
+    const gui::draw::Light sun = gui::draw::Light::sun({0.8, -3, 1.3});
+    for (Model* pModel : {&ground, &whole})
+        pModel->setLight(sun);
+    boxes.setLight(sun);
+    balls.setLight(sun);
+    gui::draw::DepthCanvas canvas;
+    const auto draw = [&](const std::function<void(const Eye&)>& drawScene)
+    {
+        {
+            gui::draw::DepthCanvas::Frame frame(canvas, test::eyeAt({9, -4, 6}, {0, 0, 1}));
+            gui::gl::Context::clear(gui::gl::Context::Clear::Color, "#000000");
+            while (const Eye* pEye = frame.next())
+                drawScene(*pEye);
+        }
+        return read();
+    };
+    const auto drawWhole = [&](const Eye& eye) { whole.draw(eye); };
+    const auto drawThem = [&](const Eye& eye)
+    { EXPECT_TRUE(ground.draw(eye) && boxes.draw(eye) && balls.draw(eye) && lines.draw(eye)); };
+    const Picture clear = draw(drawWhole);
+    canvas.setShadows({.quality = gui::draw::Shadows::Quality::High, .direction = {0.8, -3, 1.3}, .occlusion = 0},
+                      all.getBounds());
+    const Picture shaded = draw(drawWhole);
+    EXPECT_GT(nOther(clear, shaded, 30), 400);
+    // At outlines, and where a shadow ends on a mesh's sphere.
+    EXPECT_LT(nOther(shaded, draw(drawThem), 30), 50);
 }
 
 // What an eye of a part of the view draws is that part of what the whole eye draws, with blocks left out and coarser

@@ -43,6 +43,11 @@ void main()
     vec3 n = isFront ? normal : -normal;
     float largest = max(max(abs(n.x), abs(n.y)), abs(n.z));
     n = largest > 0.0 ? unit(n) : unit(dot(across, towardsEye) < 0.0 ? -across : across);
-    color = vec4(litColor(paint.rgb, n, towardsEye, polish), 1.0);
+    float sun = 1.0, slope = clamp(1.0 - dot(n, toLight), 0.0, 1.0);
+#ifdef SHADOWED
+    if (slope < 1.0)
+        sun = sunAt(place, n, slope);
+#endif
+    color = vec4(litColor(paint.rgb, n, towardsEye, polish, sun), 1.0);
 #endif
 }

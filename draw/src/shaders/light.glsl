@@ -9,10 +9,34 @@ vec3 toScreen(vec3 c)
     return mix(12.92 * c, 1.055 * pow(max(c, vec3(0.0031308)), vec3(1.0 / 2.4)) - 0.055, step(vec3(0.0031308), c));
 }
 
-// polish: Blinn's exponent, and how much of it there is
-vec3 litColor(vec3 base, vec3 normal, vec3 towardsEye, vec2 polish)
+#ifdef SHADOWED
+uniform mat4 toShadowMap; // from places
+uniform sampler2DShadow shadowMap;
+// Of a texel in model units and in the map, and half a side of the square of texels that count, without the middle.
+uniform vec3 shadowSize;
+
+// How much of the sun gets to a place: 0 in the shadow. slope: 0 where the surface is turned to the sun, to 1
+float sunAt(vec3 place, vec3 normal, float slope)
 {
-    float share = max(dot(normal, toLight), 0.0);
+    // Away from the surface by what a texel of it falls, so that it does not shade itself.
+    vec4 at = toShadowMap * vec4(place + normal * shadowSize.x * (0.7 + 1.5 * slope) * (1.0 + shadowSize.z), 1.0);
+    if (any(lessThan(at.xyz, vec3(0.0))) || any(greaterThan(at.xyz, vec3(1.0))))
+        return 1.0;
+    int radius = int(shadowSize.z);
+    float sum = 0.0;
+    for (int y = -radius; y <= radius; ++y)
+        for (int x = -radius; x <= radius; ++x)
+            sum += texture(shadowMap, vec3(at.xy + vec2(x, y) * shadowSize.y, at.z));
+    float side = float(2 * radius + 1);
+    return sum / (side * side);
+}
+#endif
+
+// polish: Blinn's exponent, and how much of it there is
+// @param sun  how much of the light gets there
+vec3 litColor(vec3 base, vec3 normal, vec3 towardsEye, vec2 polish, float sun)
+{
+    float share = max(dot(normal, toLight), 0.0) * sun;
     vec3 result = base * (lightColor.a * (0.75 + 0.25 * dot(normal, up)) + (1.0 - lightColor.a) * share);
     // A smooth surface reflects 4 % of light that falls on it.
     vec3 middle = toLight + towardsEye;

@@ -2,7 +2,11 @@
 in vec3 sight;
 flat in vec3 centre;
 flat in float ballRadius;
+flat in vec3 centrePlace; // from the reference
 uniform mat4 projection;
+#ifdef SHADOWED
+uniform mat4 toEye;
+#endif
 uniform vec2 toDepth;
 uniform vec2 polish;
 #else
@@ -57,7 +61,15 @@ void main()
 #else
     vec4 c = paint;
 #ifdef SPHERES
-    c.rgb = litColor(toLinear(c.rgb), (hit - centre) / ballRadius, -direction, polish);
+    vec3 normal = (hit - centre) / ballRadius;
+    float sun = 1.0, slope = clamp(1.0 - dot(normal, toLight), 0.0, 1.0);
+#ifdef SHADOWED
+    // The eye's axes are turned back to the model's.
+    vec3 outwards = normal * mat3(toEye);
+    if (slope < 1.0)
+        sun = sunAt(centrePlace + ballRadius * outwards, outwards, slope);
+#endif
+    c.rgb = litColor(toLinear(c.rgb), normal, -direction, polish, sun);
 #endif
     color = vec4(c.rgb * c.a, c.a) * covered * opacity;
 #endif

@@ -15,6 +15,7 @@ uniform int firstId;
 out vec3 sight;       // from the eye to the pixel; without a perspective, where it is
 flat out vec3 centre; // in the eye's axes
 flat out float ballRadius;
+flat out vec3 centrePlace; // from the reference
 #else
 out vec2 way; // from the middle, in pixels
 flat out float pixels; // its radius
@@ -44,7 +45,7 @@ void main()
     paint = unpacked(placed.w);
 #endif
 #ifdef SPHERES
-    sight = centre = vec3(0.0);
+    sight = centre = centrePlace = vec3(0.0);
     ballRadius = 0.0;
 #else
     way = vec2(0.0);
@@ -58,6 +59,7 @@ void main()
 #endif
 #ifdef SPHERES
     centre = (toEye * place).xyz;
+    centrePlace = place.xyz;
     ballRadius = drawn / toPixels;
     float pixel = 1.5 / toPixels;
     vec2 low = centre.xy - ballRadius - pixel, high = centre.xy + ballRadius + pixel;

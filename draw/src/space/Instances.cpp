@@ -255,6 +255,9 @@ struct Instances::Impl
         SpaceSight sight;
         if (levels.empty() || !sight.look(eye, light, origin, blocks.getBounds(), 0, 0))
             return true;
+        SpacePainter::askForShadows(eye, light, sight);
+        if (sight.isOfSun)
+            features = SpaceProgram::Plain;
         blocks.findSeen(eye, 0, 0, ranges);
         if (ranges.empty())
             return true;
@@ -265,6 +268,12 @@ struct Instances::Impl
         if (!things.upload())
             return painter.fail("GL has no room for its instances");
         sight.beginDrawing();
+        if (sight.isOfSun)
+        {
+            // Surfaces do not shade themselves: they lie a little deeper than they are.
+            gl::Context::setPolygonOffset(1.5F, 2);
+            gl::Context::enable(gl::Context::Flag::PolygonOffset);
+        }
         // What is not drawn anyway need not be found out for each of its pixels.
         if (!isTwoSided && !isMirrored)
             gl::Context::enable(gl::Context::Flag::CullFace);

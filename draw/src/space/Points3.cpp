@@ -96,6 +96,11 @@ struct Points3::Impl
         if (radius == 0 ||
             !sight.look(eye, light, origin, {places.min - grown, places.max + grown}, reach * eye.getScale(), bias))
             return true;
+        SpacePainter::askForShadows(eye, light, sight);
+        if (sight.isOfSun && look.shape == Shape::Disc)
+            return true; // which is turned to the viewer
+        if (sight.isOfSun)
+            features = SpaceProgram::Plain;
         blocks.findSeen(eye, reach, grown, ranges);
         if (ranges.empty())
             return true;

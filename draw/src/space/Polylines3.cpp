@@ -128,6 +128,9 @@ struct Polylines3::Impl
         const double reach = findWidest() / 2 + 1 / eye.getScale();
         if (!sight.look(eye, {}, origin, blocks.getBounds(), 1.5 * reach * eye.getScale(), bias))
             return true;
+        SpacePainter::askForShadows(eye, {}, sight);
+        if (sight.isOfSun)
+            return true; // as wide as it is seen, it would cast another one at each distance
         blocks.findSeen(eye, 1.5 * reach, 0, ranges); // square ends have corners
         if (ranges.empty())
             return true;

@@ -1,5 +1,10 @@
 #include "SpacePainter.h"
 
+#include "ShadowMap.h"
+#include "SpaceLayers.h"
+
+#include <gui/gl/Textures.h>
+
 #include <vo/Log.h>
 
 namespace gui::draw
@@ -13,11 +18,24 @@ bool SpacePainter::fail(const char* reason)
     return false;
 }
 
+void SpacePainter::askForShadows(const Eye& eye, const Light& light, SpaceSight& sight)
+{
+    const std::shared_ptr<SpaceLayers> pLayers = eye._pLayers.lock();
+    sight.isOfSun = pLayers && pLayers->getWhat() == SpaceLayers::What::Shadows;
+    // The map is the frame's, as the eye is.
+    const bool isUnder = pLayers && !sight.isOfSun && light.kind == Light::Kind::Sun;
+    sight.pShadowMap = isUnder ? pLayers->getShadowMap() : nullptr;
+}
+
 SpaceProgram* SpacePainter::activate(SpaceProgram::Kind kind, unsigned int features, const SpaceSight& sight,
                                      gl::Buffer* pBuffer)
 {
     if (!_pPrograms || _pPrograms->getContext() != gl::CurrentContext::getID())
         _pPrograms = SpacePrograms::get();
+    const bool isLit = (kind == SpaceProgram::Kind::Instances || (features & SpaceProgram::Spheres) != 0) &&
+                       (features & (SpaceProgram::Plain | SpaceProgram::Ids)) == 0;
+    if (isLit && sight.pShadowMap != nullptr)
+        features |= SpaceProgram::Shadowed;
     if (!sight.clipping.isEmpty())
         features |= SpaceProgram::Clipped;
     SpaceProgram* pProgram = _pPrograms->find(kind, features);
@@ -30,6 +48,15 @@ SpaceProgram* SpacePainter::activate(SpaceProgram::Kind kind, unsigned int featu
     pProgram->activate();
     pProgram->setBuffer(nullptr);
     sight.tell(*pProgram);
+    if ((features & SpaceProgram::Shadowed) != 0)
+    {
+        const ShadowMap& map = *sight.pShadowMap;
+        pProgram->setUniformValue(pProgram->at(SpaceProgram::ToShadowMap),
+                                  map.getMatrix(sight.origin + sight.reference));
+        pProgram->setUniformValue(pProgram->at(SpaceProgram::ShadowSize),
+                                  glm::vec3(map.getTexelSize(), 1 / map.getEye().getSize().width, map.getRadius()));
+        gl::Textures::bindToSamplerUnit(map.getTexture(), SpaceProgram::cShadowUnit, gl::Texture::Type::Tex2D);
+    }
     return pProgram;
 }
 

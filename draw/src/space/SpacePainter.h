@@ -31,6 +31,8 @@ public:
         return true;
     }
 
+    /// After the sight has looked: finds out whether that is for a sun's shadows, or under them.
+    static void askForShadows(const Eye& eye, const Light& light, SpaceSight& sight);
     /// @return null after a failure; else a program in use, which knows the sight
     SpaceProgram* activate(SpaceProgram::Kind kind, unsigned int features, const SpaceSight& sight,
                            gl::Buffer* pBuffer = nullptr);

@@ -13,16 +13,16 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::array<const char*, 5> cSpaceFeatures{"COLORS", "SPHERES", "PLAIN", "IDS", "CLIPPED"};
+constexpr std::array<const char*, 6> cSpaceFeatures{"COLORS", "SPHERES", "PLAIN", "IDS", "CLIPPED", "SHADOWED"};
 
 // By SpaceProgram::Kind.
 constexpr std::array<const char*, 3> cSpaceShaders{":draw/lines3", ":draw/points3", ":draw/instances"};
 
 // By SpaceProgram::Uniform.
 constexpr std::array<const char*, SpaceProgram::cUniforms> cSpaceUniforms{
-    "toClip",      "toEye",      "projection", "reference", "halfSize", "corner",     "scale",
-    "pixelsAtOne", "toDepth",    "nearSide",   "viewer",    "toLight",  "lightColor", "up",
-    "stage",       "plainColor", "firstId",    "first",     "size",     "polish"};
+    "toClip",  "toEye",    "projection", "reference", "halfSize",    "corner",    "scale", "pixelsAtOne",
+    "toDepth", "nearSide", "viewer",     "toLight",   "lightColor",  "up",        "stage", "plainColor",
+    "firstId", "first",    "size",       "polish",    "toShadowMap", "shadowSize"};
 
 } // namespace
 
@@ -66,6 +66,7 @@ void SpaceProgram::onLinked()
     setUnit("things", cThingsUnit);
     setUnit("lines", cLinesUnit);
     setUnit("colors", cColorsUnit);
+    setUnit("shadowMap", cShadowUnit);
 }
 
 std::shared_ptr<SpacePrograms> SpacePrograms::get()

@@ -29,11 +29,12 @@ public:
     /// The shaders' names for these are in the source, in the same order.
     enum Feature : unsigned int
     {
-        Colors = 1,  ///< of each point of a line
-        Spheres = 2, ///< points as such
-        Plain = 4,   ///< one colour
-        Ids = 8,     ///< the thing's number as a colour
-        Clipped = 16 ///< with planes that cut something away
+        Colors = 1,   ///< of each point of a line
+        Spheres = 2,  ///< points as such
+        Plain = 4,    ///< one colour
+        Ids = 8,      ///< the thing's number as a colour
+        Clipped = 16, ///< with planes that cut something away
+        Shadowed = 32 ///< what is lit, under a sun's shadows
     };
     enum Uniform : std::size_t
     {
@@ -57,6 +58,8 @@ public:
         First,
         Size,
         Polish,
+        ToShadowMap,
+        ShadowSize,
         cUniforms
     };
     /// What a draw of lines or points does to a pixel.
@@ -76,7 +79,7 @@ public:
     void setFlat(td::Color color, std::uint32_t firstId);
 
     static constexpr gl::Texture::Unit cThingsUnit = gl::Texture::Unit::T0, cLinesUnit = gl::Texture::Unit::T1;
-    static constexpr gl::Texture::Unit cColorsUnit = gl::Texture::Unit::T2;
+    static constexpr gl::Texture::Unit cColorsUnit = gl::Texture::Unit::T2, cShadowUnit = gl::Texture::Unit::T3;
 
 protected:
     void onLinked() override;

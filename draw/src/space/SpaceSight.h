@@ -17,6 +17,7 @@ struct SpaceSight : ModelSight
     glm::mat4 toEye{1}; ///< from the reference
     glm::mat4 projection{1};
     float pixelsAtOne = 0;       ///< how many a model unit has where w of clip space is 1
+    bool isOfSun = false;        ///< whether this is what the sun sees, for its shadows
     glm::vec2 toDepth{0.5, 0.5}; ///< from z / w to the depth buffer's: times, plus
 
     /// @param start  the origin  @param places  about what is seen  @param reach  how far it goes on beyond, in pixels

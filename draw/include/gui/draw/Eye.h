@@ -153,6 +153,7 @@ public:
 private:
     friend class DepthCanvas;
     friend class Model;
+    friend class SpacePainter;
 
     glm::dvec3 toEye(const glm::dvec3& point) const { return _rotation * (point - _position); }
 

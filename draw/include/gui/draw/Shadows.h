@@ -14,8 +14,9 @@ namespace gui::draw
 ///     setShadows({.quality = Shadows::Quality::Medium, .direction = {1, -2, 3}}); // of an OrbitView
 ///     _model.setLight(Light::sun({1, -2, 3}));
 ///
-/// The sun's shadows fall from all that drawScene draws, whatever program draws it, upon models whose light is a sun;
-/// give them the same direction. What is translucent casts none. The dark of corners falls upon all.
+/// The sun's shadows fall from all that drawScene draws, whatever program draws it, upon models, instances and spheres
+/// whose light is a sun; give them the same direction. Lines and discs, which have no size in the model, cast none, nor
+/// does what is translucent. The dark of corners falls upon all.
 struct GUIGL_API Shadows
 {
     /// How fine they are, and how much they cost.
