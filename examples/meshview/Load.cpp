@@ -117,6 +117,12 @@ void add(Loaded& to, const aiScene& scene, const aiNode& node, const aiMatrix4x4
 
 } // namespace
 
+std::array<glm::dvec3, 3> Loaded::cornersOf(std::size_t triangle) const
+{
+    const auto corner = [&](std::size_t i) { return mesh.positions[mesh.indices[3 * triangle + i]]; };
+    return {corner(0), corner(1), corner(2)};
+}
+
 const std::string& Loaded::nameOf(std::size_t triangle) const
 {
     std::size_t part = 0;

@@ -3,6 +3,7 @@
 #include <gui/draw/Mesh.h>
 #include <gui/draw/OrbitCamera.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct Loaded
 
     /// The name of the part that a triangle belongs to.
     const std::string& nameOf(std::size_t triangle) const;
+    std::array<glm::dvec3, 3> cornersOf(std::size_t triangle) const;
 };
 
 /// Reads triangles, materials and pictures from a file of any format that assimp knows. Lines and points are left out.

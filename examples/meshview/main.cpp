@@ -9,7 +9,6 @@
 #include <gui/Window.h>
 #include <gui/draw/draw.h>
 
-#include <array>
 #include <cstdio>
 #include <ctime>
 
@@ -51,13 +50,10 @@ private:
     {
         if (!hit)
             return; // the face of a cut is none of its triangles
-        std::array<glm::dvec3, 3> corners;
-        for (std::size_t i = 0; i < 3; ++i)
-            corners[i] = _loaded.mesh.positions[_loaded.mesh.indices[3 * hit->index + i]];
         char text[120];
         std::snprintf(text, sizeof text, "%.40s, triangle %u\n%.6g, %.6g, %.6g", _loaded.nameOf(hit->index).c_str(),
                       hit->index, hit->point.x, hit->point.y, hit->point.z);
-        _marks.add(corners, {.color = "#d04020"}, Polylines3::Ends::Joined);
+        _marks.add(_loaded.cornersOf(hit->index), {.color = "#d04020"}, Polylines3::Ends::Joined);
         _notes.add(hit->point, text, {.size = 14, .halo = {3}},
                    {.offset = {40, -30}, .leader = Leader(), .behind = Behind::Fade});
     }

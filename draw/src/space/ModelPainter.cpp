@@ -475,6 +475,7 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
         // Of a slice of the depth, what is before and behind it too: it has no outline there.
         const bool isClamped = glIsEnabled(GL_DEPTH_CLAMP) == GL_TRUE;
         glEnable(GL_DEPTH_CLAMP);
+        const ClipState clip(_sight.clipping);
         const auto isSelected = [](const State& state) { return state.isSelected; };
         drawCells(level, nullptr, isSelected, false);
         drawFaces({ModelProgram::Plain, glm::vec4(1)}, look, isSelected);
@@ -522,20 +523,28 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
         return drawShadows(eye, look);
     _sight.pShadowMap = pLayers && look.light.kind == Light::Kind::Sun ? pLayers->getShadowMap() : nullptr;
     const gl::StateGuard guard;
-    const ClipState clip(_sight.clipping);
     const Level& level = chooseLevel(eye, look.tolerance);
     const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
     beginSurfaces(getLineWidth(level, look));
     const bool hasGlass = _kinds.areGlass && !(pLayers && pLayers->getWhat() == SpaceLayers::What::Solid);
     const auto isSolid = [=](const State& state)
     { return state.wires == Model::Wires::None && !(hasGlass && state.isGlass); };
-    if (activate(0, look) == nullptr || !drawCells(level, &images, isSolid) ||
-        !drawFaces({}, look, [](const State& state) { return state.wires != Model::Wires::Alone; }))
+    {
+        // Of programs that say nothing of clip distances, as those of lines do, nobody knows what is clipped.
+        const ClipState clip(_sight.clipping);
+        if (activate(0, look) == nullptr || !drawCells(level, &images, isSolid) ||
+            !drawFaces({}, look, [](const State& state) { return state.wires != Model::Wires::Alone; }) ||
+            !drawWires(Model::Wires::Over, level, look, images))
+            return false;
+    }
+    if ((edgeWidth > 0 && !drawEdges(level, look)) || !drawSectionLines(look))
         return false;
-    // Wires that one looks through come last: they cover pixels in part.
-    if (!drawWires(Model::Wires::Over, level, look, images) || (edgeWidth > 0 && !drawEdges(level, look)) ||
-        !drawSectionLines(look) || !drawWires(Model::Wires::Alone, level, look, images))
-        return false;
+    {
+        // Wires that one looks through come last: they cover pixels in part.
+        const ClipState clip(_sight.clipping);
+        if (!drawWires(Model::Wires::Alone, level, look, images))
+            return false;
+    }
     if (_kinds.areSelected && ModelSight::getWidth(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
         return false;
     if (hasGlass)
