@@ -32,15 +32,24 @@ float sunAt(vec3 place, vec3 normal, float slope)
 }
 #endif
 
-// polish: Blinn's exponent, and how much of it there is
-// @param sun  how much of the light gets there
-vec3 litColor(vec3 base, vec3 normal, vec3 towardsEye, vec2 polish, float sun)
+// What a surface throws back of all light, and what it mirrors of the sun or lamp itself.
+// @param sun     how much of that gets there
+// @param polish  Blinn's exponent, and how much of it there is
+vec3 diffuseOf(vec3 base, vec3 normal, float sun)
 {
     float share = max(dot(normal, toLight), 0.0) * sun;
-    vec3 result = base * (lightColor.a * (0.75 + 0.25 * dot(normal, up)) + (1.0 - lightColor.a) * share);
+    return base * (lightColor.a * (0.75 + 0.25 * dot(normal, up)) + (1.0 - lightColor.a) * share);
+}
+
+float glossOf(vec3 normal, vec3 towardsEye, vec2 polish, float sun)
+{
     // A smooth surface reflects 4 % of light that falls on it.
     vec3 middle = toLight + towardsEye;
     float towards = max(dot(normal, middle * inversesqrt(max(dot(middle, middle), 1e-12))), 0.0);
-    float gloss = 0.04 * (polish.x + 8.0) / 8.0 * pow(towards, polish.x) * polish.y;
-    return toScreen((result + vec3(gloss * share)) * lightColor.rgb);
+    return 0.04 * (polish.x + 8.0) / 8.0 * pow(towards, polish.x) * polish.y * max(dot(normal, toLight), 0.0) * sun;
+}
+
+vec3 litColor(vec3 base, vec3 normal, vec3 towardsEye, vec2 polish, float sun)
+{
+    return toScreen((diffuseOf(base, normal, sun) + vec3(glossOf(normal, towardsEye, polish, sun))) * lightColor.rgb);
 }

@@ -60,9 +60,6 @@ void choose(float here)
 uniform vec4 plainColor;
 #elif !defined(IDS)
 uniform vec4 viewer; // where the eye is, and 1; or the direction to it, and 0
-uniform vec3 toLight;
-uniform vec4 lightColor; // with the share that is everywhere
-uniform vec3 up;
 #ifdef TEXTURED
 uniform sampler2D picture;
 #endif
@@ -74,11 +71,6 @@ uniform bool wiresAlone;
 #endif
 
 vec3 toLinear(vec3 c) { return mix(c / 12.92, pow((c + 0.055) / 1.055, vec3(2.4)), step(vec3(0.04045), c)); }
-vec3 toScreen(vec3 c)
-{
-    return mix(12.92 * c, 1.055 * pow(max(c, vec3(0.0031308)), vec3(1.0 / 2.4)) - 0.055, step(vec3(0.0031308), c));
-}
-
 vec3 unit(vec3 v)
 {
     // Squares of very large and very small numbers are none.
@@ -86,59 +78,15 @@ vec3 unit(vec3 v)
     return v * inversesqrt(max(dot(v, v), 1e-37));
 }
 
-#ifdef GLASS
-float shine = 0.0; // what is reflected of the light itself
-#endif
-
-#ifdef SHADOWED
-uniform mat4 toShadowMap; // from places
-uniform sampler2DShadow shadowMap;
-// Of a texel in model units and in the map, and half a side of the square of texels that count, without the middle.
-uniform vec3 shadowSize;
-
-// How much of the sun gets there: 0 in the shadow.
-float sunAt(vec3 place, vec3 normal)
-{
-    // Away from the surface by what a texel of it falls, so that it does not shade itself.
-    float slope = clamp(1.0 - dot(normal, toLight), 0.0, 1.0);
-    vec4 at = toShadowMap * vec4(place + normal * shadowSize.x * (0.7 + 1.5 * slope) * (1.0 + shadowSize.z), 1.0);
-    if (any(lessThan(at.xyz, vec3(0.0))) || any(greaterThan(at.xyz, vec3(1.0))))
-        return 1.0;
-    int radius = int(shadowSize.z);
-    float sum = 0.0;
-    for (int y = -radius; y <= radius; ++y)
-        for (int x = -radius; x <= radius; ++x)
-            sum += texture(shadowMap, vec3(at.xy + vec2(x, y) * shadowSize.y, at.z));
-    float side = float(2 * radius + 1);
-    return sum / (side * side);
-}
-#endif
-
-vec3 lit(vec3 base)
+// The normal towards the eye, of length 1; that of the triangle where the vertices have none.
+vec3 getNormal(vec3 towardsEye)
 {
     vec3 across = cross(unit(dFdx(surface.place)), unit(dFdy(surface.place)));
-    vec3 toEye = unit(viewer.w > 0.5 ? viewer.xyz - surface.place : viewer.xyz);
     vec3 normal = gl_FrontFacing ? surface.normal : -surface.normal;
     float size = dot(normal, normal);
     if (size > 1e-6)
-        normal *= inversesqrt(size);
-    else
-        normal = unit(dot(across, toEye) < 0.0 ? -across : across);
-    float share = max(dot(normal, toLight), 0.0);
-#ifdef SHADOWED
-    if (share > 0.0)
-        share *= sunAt(surface.place, normal);
-#endif
-    vec3 result = base * (lightColor.a * (0.75 + 0.25 * dot(normal, up)) + (1.0 - lightColor.a) * share);
-    // A smooth surface reflects 4 % of light that falls on it.
-    float towards = max(dot(normal, unit(toLight + toEye)), 0.0);
-    float gloss = 0.04 * (surface.polish.x + 8.0) / 8.0 * pow(towards, surface.polish.x) * surface.polish.y;
-#ifdef GLASS
-    shine = gloss * share;
-    return result * lightColor.rgb;
-#else
-    return (result + vec3(gloss * share)) * lightColor.rgb;
-#endif
+        return normal * inversesqrt(size);
+    return unit(dot(across, towardsEye) < 0.0 ? -across : across);
 }
 #endif
 
@@ -168,11 +116,20 @@ void main()
     if ((flags & 4) != 0)
         base *= toLinear(texel.rgb / max(texel.a, 1e-3));
 #endif
+    vec3 towardsEye = unit(viewer.w > 0.5 ? viewer.xyz - surface.place : viewer.xyz), normal = getNormal(towardsEye);
+    float sun = 1.0;
+#ifdef SHADOWED
+    float slope = clamp(1.0 - dot(normal, toLight), 0.0, 1.0);
+    if (slope < 1.0)
+        sun = sunAt(surface.place, normal, slope);
+#endif
 #ifdef GLASS
-    color = vec4(toScreen(lit(base)) * surface.polish.z, surface.polish.z);
-    color.rgb += toScreen(vec3(shine)) * lightColor.rgb;
+    // What is mirrored of the light is as bright on glass as on a wall.
+    float opaque = surface.polish.z, gloss = glossOf(normal, towardsEye, surface.polish.xy, sun);
+    color = vec4(toScreen(diffuseOf(base, normal, sun) * lightColor.rgb) * opaque, opaque);
+    color.rgb += toScreen(vec3(gloss)) * lightColor.rgb;
 #else
-    color = vec4(toScreen(lit(base)), 1.0);
+    color = vec4(litColor(base, normal, towardsEye, surface.polish.xy, sun), 1.0);
 #endif
 #ifdef WIRES
     // Near a side, how far it is in pixels. (Drivers have been seen to interpolate without perspective wrongly where

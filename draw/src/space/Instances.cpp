@@ -351,7 +351,7 @@ bool Instances::setMesh(const Mesh& mesh)
         made.position = vertex.position;
         for (std::size_t k = 0; k < 3; ++k)
             made.normal[k] = static_cast<std::int16_t>(std::lround(vertex.normal[static_cast<int>(k)] * 32767.0F));
-        made.normal[3] = static_cast<std::int16_t>(std::lround(clampedShare(material.shininess) * 32767));
+        made.normal[3] = static_cast<std::int16_t>(std::lround(ModelSight::getShare(material.shininess) * 32767));
         td::Color color = material.color;
         color.setAlpha(material.isTwoSided ? 255 : 0);
         made.color = wordOf(color);

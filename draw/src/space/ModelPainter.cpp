@@ -26,31 +26,12 @@ namespace
 {
 
 constexpr std::size_t cTexelsPerPart = 4;
-constexpr float cLargestOutline = 24; // pixels, all of which the shader looks through
-
-float linearOf(unsigned int channel)
-{
-    const double c = channel / 255.0;
-    return static_cast<float>(c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4));
-}
-
-glm::vec3 linearOf(td::Color color) { return {linearOf(color.red()), linearOf(color.green()), linearOf(color.blue())}; }
-
-// Of colours times their alpha.
-void beginBlending()
-{
-    glBlendEquation(GL_FUNC_ADD);
-    gl::Context::enable(gl::Context::Flag::Blend);
-    gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
-}
 
 // A length in points; 0 for what is none.
 float inPixels(double points, float scale)
 {
     return points > 0 ? static_cast<float>(std::min(points * static_cast<double>(scale), 1e6)) : 0;
 }
-
-double inUnit(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
 
 // Four numbers of 16 bits as NormShort4 has them, in two floats.
 std::array<float, 2> packedNormal(const glm::vec3& normal)
@@ -177,10 +158,10 @@ bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts, const Model:
     texels.reserve(cTexelsPerPart * parts.size());
     for (const ModelPart& part : parts)
     {
-        const double polish = inUnit(part.material.shininess);
+        const double polish = ModelSight::getShare(part.material.shininess);
         const int flags = (part.isVisible ? 1 : 0) | (part.material.isTwoSided ? 2 : 0) |
                           (part.texture != 0 && _hasTextureCoordinates ? 4 : 0);
-        texels.emplace_back(linearOf(part.material.color), static_cast<float>(flags));
+        texels.emplace_back(ModelSight::getLinear(part.material.color), static_cast<float>(flags));
         // Blinn's exponent from 4 to 2048; below a quarter the reflection itself goes.
         texels.emplace_back(std::exp2(2 + 9 * polish), std::min(4 * polish, 1.0),
                             static_cast<float>(part.material.color.alpha()) / 255.0F, 0);
@@ -268,8 +249,9 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
         program.setUniformValue(program.at(ModelProgram::Viewer), _sight.viewer);
         program.setUniformValue(program.at(ModelProgram::ToLight), _sight.toLight);
         program.setUniformValue(program.at(ModelProgram::Up), _sight.up);
-        program.setUniformValue(program.at(ModelProgram::LightColor),
-                                glm::vec4(linearOf(look.light.color), inUnit(look.light.ambient)));
+        program.setUniformValue(
+            program.at(ModelProgram::LightColor),
+            glm::vec4(ModelSight::getLinear(look.light.color), ModelSight::getShare(look.light.ambient)));
     }
     if ((features & ModelProgram::Shadowed) != 0)
     {
@@ -287,14 +269,7 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
 void ModelPainter::beginSurfaces(float lineWidth)
 {
     using gl::Context;
-    for (const Context::Flag flag :
-         {Context::Flag::StencilTest, Context::Flag::PolygonOffset, Context::Flag::CullFace, Context::Flag::Blend})
-        Context::disable(flag);
-    Context::setPolygonMode(Context::PolygonMode::Fill);
-    Context::maskColorBuffer(true, true, true, true);
-    Context::enable(Context::Flag::DepthTest);
-    Context::maskDepthBuffer(true);
-    Context::setDepthBufferFunction(_sight.nearer);
+    _sight.beginDrawing();
     if (lineWidth > 0)
     {
         const float sign = _sight.isReversed ? -1.0F : 1.0F;
@@ -317,7 +292,6 @@ void ModelPainter::flush(std::uint32_t first, std::uint32_t end)
 
 // Cells that follow each other are drawn together.
 // @param pImages  null where textures don't matter
-template <typename IsWanted>
 bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted, bool isBetween)
 {
     _commands.reset();
@@ -348,154 +322,6 @@ bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWa
     flush(first, end);
     _commands.execute();
     return true;
-}
-
-bool ModelPainter::drawEdges(const Level& level, const ModelLook& look)
-{
-    _ranges.clear();
-    for (const ModelCell& cell : level.edgeCells)
-        if (_sight.isSeen(cell))
-        {
-            if (!_ranges.empty() && _ranges.back().first + _ranges.back().count == cell.first)
-                _ranges.back().count += cell.count;
-            else
-                _ranges.push_back({cell.first, cell.count});
-        }
-    if (_ranges.empty())
-        return true;
-    if (!uploadEdges())
-        return false;
-    ModelProgram* pProgram = activate(ModelProgram::Edges, look);
-    if (pProgram == nullptr)
-        return false;
-    return drawLines(*pProgram, _pGL->edges, look.edges);
-}
-
-// Those of _ranges.
-bool ModelPainter::drawLines(ModelProgram& program, const gl::BufferTexture& lines, const Model::Line& line)
-{
-    program.setUniformValue(program.at(ModelProgram::LineColor), ModelProgram::premultiplied(line.color));
-    program.setUniformValue(program.at(ModelProgram::LineWidth), ModelSight::getWidth(line, _sight.scale));
-    program.setUniformValue(program.at(ModelProgram::LeastCover), 0.0F);
-    program.setUniformValue(program.at(ModelProgram::Corner), _sight.corner);
-    program.setUniformValue(program.at(ModelProgram::ToDepth),
-                            _sight.isReversed ? glm::vec2(1, 0) : glm::vec2(0.5, 0.5));
-    lines.bind(ModelProgram::cEdgesUnit);
-    beginBlending();
-    gl::Context::disable(gl::Context::Flag::CullFace);
-    // Where lines meet, the rim of one must not keep the other away; what is drawn later must know of both.
-    gl::Context::maskDepthBuffer(false);
-    if (!_pGL->pPrograms->getQuads().draw(_ranges))
-        return fail("there is no vertex array");
-    gl::Context::maskDepthBuffer(true);
-    gl::Context::maskColorBuffer(false, false, false, false);
-    program.setUniformValue(program.at(ModelProgram::LeastCover), 0.5F);
-    _pGL->pPrograms->getQuads().draw(_ranges);
-    gl::Context::maskColorBuffer(true, true, true, true);
-    return true;
-}
-
-bool ModelPainter::drawWires(Model::Wires wires, const Level& level, const ModelLook& look, ImageStore& images)
-{
-    const float width = ModelSight::getWidth(look.wires, _sight.scale);
-    const bool areAlone = wires == Model::Wires::Alone;
-    if (!(areAlone ? _kinds.areAlone && width > 0 : _kinds.areOver))
-        return true;
-    ModelProgram* pProgram = activate(ModelProgram::Wires, look);
-    if (pProgram == nullptr)
-        return false;
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), ModelProgram::premultiplied(look.wires.color));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), width);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::WiresAlone), areAlone ? 1 : 0);
-    if (areAlone)
-        beginBlending();
-    return drawCells(level, &images,
-                     [=](const State& state)
-                     {
-                         const bool isOver = state.wires == Model::Wires::Over;
-                         return areAlone ? state.wires == wires || (isOver && state.isGlass) : isOver && !state.isGlass;
-                     });
-}
-
-// Around what is selected of what is seen, in clip space: its least x and y, and its largest ones.
-glm::vec4 ModelPainter::findSelected(const Level& level) const
-{
-    glm::vec2 low(9), high(-9); // none
-    for (const ModelCell& cell : level.cells)
-    {
-        const State& state = _states[cell.part];
-        if (!state.isVisible || !state.isSelected || !_sight.isSeen(cell, false))
-            continue;
-        for (unsigned int i = 0; i < 8; ++i)
-        {
-            const glm::vec3 side((i & 1U) != 0 ? 1 : -1, (i & 2U) != 0 ? 1 : -1, (i & 4U) != 0 ? 1 : -1);
-            const glm::vec3 corner = cell.center + side * cell.halfSize - glm::vec3(_sight.reference);
-            const glm::vec4 clip = _sight.toClip * glm::vec4(corner, 1);
-            if (!(clip.w > 0))
-                return {-1, -1, 1, 1};
-            low = glm::min(low, glm::vec2(clip) / clip.w);
-            high = glm::max(high, glm::vec2(clip) / clip.w);
-        }
-    }
-    return {low, high};
-}
-
-bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
-{
-    using gl::Context;
-    const float width = std::min(ModelSight::getWidth(look.outline, _sight.scale), cLargestOutline);
-    const glm::vec2 reach = (width + 1) / _sight.halfSize;
-    const glm::vec4 box = findSelected(level) + glm::vec4(-reach, reach);
-    if (box.x > box.z)
-        return true;
-    const td::Size<int> size(static_cast<int>(2 * _sight.halfSize.x), static_cast<int>(2 * _sight.halfSize.y));
-    gl::Framebuffer& mask = _pGL->mask;
-    if (!(mask.getSize() == size))
-    {
-        // The unit of its texture loses what is bound to it.
-        Context::setActiveTextureUnit(ModelProgram::cMaskUnit);
-        if (!mask.create(size, {.color = gl::Framebuffer::Color::R8, .samples = 4}))
-            return fail("there is no framebuffer of the viewport's size");
-    }
-    Context::disable(Context::Flag::DepthTest);
-    Context::disable(Context::Flag::PolygonOffset);
-    Context::disable(Context::Flag::Blend);
-    const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
-    {
-        const gl::Framebuffer::Drawing drawing(mask);
-        if (!drawing)
-            return fail("its mask cannot be drawn into");
-        Context::disable(Context::Flag::ScissorTest);
-        glClearColor(0, 0, 0, 0);
-        Context::clear(Context::Clear::Color);
-        ModelProgram* pProgram = activate(ModelProgram::Plain, look);
-        if (pProgram == nullptr)
-            return false;
-        pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor), glm::vec4(1));
-        // Of a slice of the depth, what is before and behind it too: it has no outline there.
-        const bool isClamped = glIsEnabled(GL_DEPTH_CLAMP) == GL_TRUE;
-        glEnable(GL_DEPTH_CLAMP);
-        const ClipState clip(_sight.clipping);
-        const auto isSelected = [](const State& state) { return state.isSelected; };
-        drawCells(level, nullptr, isSelected, false);
-        drawFaces({ModelProgram::Plain, glm::vec4(1)}, look, isSelected);
-        if (!isClamped)
-            glDisable(GL_DEPTH_CLAMP);
-    }
-    if (isScissored)
-        Context::enable(Context::Flag::ScissorTest);
-    ModelProgram* pProgram = activate(ModelProgram::Outline, look);
-    if (pProgram == nullptr)
-        return false;
-    gl::Textures::bindToSamplerUnit(mask.getTextureID(), ModelProgram::cMaskUnit, gl::Texture::Type::Tex2D);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineColor), ModelProgram::premultiplied(look.outline.color));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::LineWidth), width);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::Box), glm::clamp(box, -1.0F, 1.0F));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::Corner), _sight.corner);
-    Context::disable(Context::Flag::CullFace);
-    beginBlending();
-    const gl::Quads::Range one{0, 1};
-    return _pGL->pPrograms->getQuads().draw(std::span(&one, 1)) || fail("there is no vertex array");
 }
 
 // @return whether there is something to draw; else what to answer is in isDone
@@ -563,88 +389,12 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     return true;
 }
 
-// What casts shadows, into a depth buffer alone.
-bool ModelPainter::drawShadows(const Eye& eye, const ModelLook& look)
-{
-    const gl::StateGuard guard;
-    const ClipState clip(_sight.clipping);
-    beginSurfaces(0);
-    // Surfaces do not shade themselves: they lie a little deeper than they are.
-    gl::Context::setPolygonOffset(1.5F, 2);
-    gl::Context::enable(gl::Context::Flag::PolygonOffset);
-    const auto castsShadow = [](const State& state) { return !state.isGlass && state.wires != Model::Wires::Alone; };
-    if (activate(ModelProgram::Plain, look) == nullptr ||
-        !drawCells(chooseLevel(eye, look.tolerance), nullptr, castsShadow) ||
-        !drawFaces({ModelProgram::Plain, glm::vec4(1), 0}, look, castsShadow))
-        return false;
-    _lastFailure = nullptr;
-    return true;
-}
-
-// Its translucent parts, one time of many.
-void ModelPainter::drawGlass(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
-                             ImageStore& images, const GlassCanvas::Pass& pass, const ShadowMap* pShadowMap)
-{
-    bool isDone = false;
-    if (!begin(eye, look, parts, isDone))
-        return;
-    _sight.pShadowMap = pShadowMap;
-    const Level& level = chooseLevel(eye, look.tolerance);
-    const ClipState clip(_sight.clipping);
-    beginSurfaces(getLineWidth(level, look));
-    gl::Context::maskDepthBuffer(false);
-    gl::Context::enable(gl::Context::Flag::Blend);
-    using Kind = GlassCanvas::Pass::Kind;
-    unsigned int features = ModelProgram::Glass;
-    if (pass.kind == Kind::Nearest || pass.kind == Kind::Next)
-        features |= ModelProgram::Plain;
-    if (pass.nSamples > 1 && pass.kind != Kind::Unsorted)
-        features |= ModelProgram::Samples;
-    ModelProgram* pProgram = activate(features, look);
-    if (pProgram == nullptr)
-        return;
-    pProgram->setUniformValue(pProgram->at(ModelProgram::SampleCount), pass.nSamples);
-    pProgram->setUniformValue(pProgram->at(ModelProgram::GlassPass), static_cast<int>(pass.kind));
-    pProgram->setUniformValue(pProgram->at(ModelProgram::IsReversed), _sight.isReversed ? 1 : 0);
-    GlassCanvas::bind(pass);
-    drawCells(level, &images, [](const State& state) { return state.isGlass; });
-    gl::Context::maskDepthBuffer(true);
-}
-
 // Of what lies on the surfaces, in pixels.
 float ModelPainter::getLineWidth(const Level& level, const ModelLook& look) const
 {
     const float edges = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
     const float section = _sight.clipping.isEmpty() ? 0 : ModelSight::getWidth(look.section.outline, _sight.scale);
     return std::max(edges, section);
-}
-
-void ModelPainter::Flat::tell(ModelProgram& program) const
-{
-    if ((features & ModelProgram::Ids) != 0)
-        program.setUniformValue(program.at(ModelProgram::FirstId), std::bit_cast<int>(firstId));
-    if ((features & ModelProgram::Plain) != 0)
-        program.setUniformValue(program.at(ModelProgram::PlainColor), color);
-}
-
-bool ModelPainter::drawFlat(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts,
-                            const Flat& flat)
-{
-    bool isDone = false;
-    if (!begin(eye, look, parts, isDone))
-        return isDone;
-    const gl::StateGuard guard;
-    const ClipState clip(_sight.clipping);
-    beginSurfaces(0);
-    ModelProgram* pProgram = activate(flat.features, look);
-    if (pProgram == nullptr)
-        return false;
-    const auto isAny = [](const State&) { return true; };
-    flat.tell(*pProgram);
-    if (!drawCells(chooseLevel(eye, look.tolerance), nullptr, isAny) || !drawFaces(flat, look, isAny))
-        return false;
-    _lastFailure = nullptr;
-    return true;
 }
 
 } // namespace gui::draw

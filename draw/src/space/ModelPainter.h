@@ -23,6 +23,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -126,14 +127,14 @@ private:
     ModelProgram* activate(unsigned int features, const ModelLook& look);
     void beginSurfaces(float lineWidth);
     void collectStates(const std::vector<ModelPart>& parts);
-    template <typename IsWanted>
+    using IsWanted = std::function<bool(const State&)>;
     bool drawCells(const Level& level, ImageStore* pImages, const IsWanted& isWanted, bool isBetween = true);
     void flush(std::uint32_t first, std::uint32_t end);
     bool drawEdges(const Level& level, const ModelLook& look);
     bool drawLines(ModelProgram& program, const gl::BufferTexture& lines, const Model::Line& line);
     bool cutSection();
     float getLineWidth(const Level& level, const ModelLook& look) const;
-    bool drawFaces(const Flat& flat, const ModelLook& look, bool (*isWanted)(const State&));
+    bool drawFaces(const Flat& flat, const ModelLook& look, const IsWanted& isWanted);
     void drawGlass(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images,
                    const GlassCanvas::Pass& pass, const ShadowMap* pShadowMap);
     bool drawShadows(const Eye& eye, const ModelLook& look);

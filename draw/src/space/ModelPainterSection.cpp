@@ -29,7 +29,7 @@ bool ModelPainter::cutSection()
     return _section.upload(_pGL->section) || fail("GL has no room for its section");
 }
 
-bool ModelPainter::drawFaces(const Flat& flat, const ModelLook& look, bool (*isWanted)(const State&))
+bool ModelPainter::drawFaces(const Flat& flat, const ModelLook& look, const IsWanted& isWanted)
 {
     if (_sight.clipping.isEmpty() || !look.section.isClosed || !_pGL->section.triangles.isCommitted())
         return true;

@@ -47,10 +47,12 @@ bool ModelProgram::link(unsigned int features)
                        : (features & Outline) != 0 ? ":draw/modeloutline"
                                                    : ":draw/model";
     const std::string clipping = (features & Clipped) != 0 ? gui::getResText(":draw/clipping.glsl").c_str() : "";
-    const auto source = [&](const char* stage, const char* define = "")
-    { return head + define + clipping + gui::getResText((std::string(name) + stage).c_str()).c_str(); };
-    const char* clips = (features & Edges) == 0 ? "#define CLIPS\n" : "";
-    const std::string vertex = source(".vert", clips), fragment = source(".frag");
+    const std::string light =
+        (features & (Plain | Ids | Edges | Outline | Faces)) == 0 ? gui::getResText(":draw/light.glsl").c_str() : "";
+    const auto source = [&](const char* stage, const std::string& before)
+    { return head + before + gui::getResText((std::string(name) + stage).c_str()).c_str(); };
+    const std::string clips = ((features & Edges) == 0 ? "#define CLIPS\n" : "") + clipping;
+    const std::string vertex = source(".vert", clips), fragment = source(".frag", clipping + light);
     if ((features & Wires) == 0)
         return Program::link(vertex.c_str(), fragment.c_str());
     return Program::link(vertex.c_str(), fragment.c_str(), source(".geom", clips).c_str());

@@ -2,6 +2,8 @@
 
 #include "NearestFloat.h"
 
+#include <gui/gl/Context.h>
+
 #include <glm/common.hpp>
 #include <glm/geometric.hpp>
 
@@ -21,6 +23,36 @@ namespace
 constexpr double cClipSlack = 5e-7;
 
 } // namespace
+
+glm::vec3 ModelSight::getLinear(td::Color color)
+{
+    const auto linear = [](unsigned int channel)
+    {
+        const double c = channel / 255.0;
+        return static_cast<float>(c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4));
+    };
+    return {linear(color.red()), linear(color.green()), linear(color.blue())};
+}
+
+void ModelSight::beginDrawing() const
+{
+    using gl::Context;
+    for (const Context::Flag flag :
+         {Context::Flag::StencilTest, Context::Flag::PolygonOffset, Context::Flag::CullFace, Context::Flag::Blend})
+        Context::disable(flag);
+    Context::setPolygonMode(Context::PolygonMode::Fill);
+    Context::maskColorBuffer(true, true, true, true);
+    Context::enable(Context::Flag::DepthTest);
+    Context::maskDepthBuffer(true);
+    Context::setDepthBufferFunction(nearer);
+}
+
+void ModelSight::beginBlending()
+{
+    glBlendEquation(GL_FUNC_ADD);
+    gl::Context::enable(gl::Context::Flag::Blend);
+    gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
+}
 
 glm::dvec3 ModelSight::getDirection(const glm::dvec3& v)
 {

@@ -59,6 +59,15 @@ struct ModelSight
         ClipState::setUniforms(clipping, at, origin + reference, slack);
     }
 
+    /// GL's state to draw it with: no flag set but the depth test, and everything written.
+    void beginDrawing() const;
+    /// Blending of colours that are times their alpha.
+    static void beginBlending();
+
+    /// A colour as light is added up, from 0 to 1.
+    static glm::vec3 getLinear(td::Color color);
+    /// From 0 to 1, where NaN is 0.
+    static double getShare(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
     /// Of length 1; (0, 0, 1) for what has none.
     static glm::dvec3 getDirection(const glm::dvec3& v);
 

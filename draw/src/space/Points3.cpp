@@ -125,7 +125,7 @@ struct Points3::Impl
         }
         if (areSpheres)
         {
-            const double polish = clampedShare(look.shininess);
+            const double polish = ModelSight::getShare(look.shininess);
             sight.tellLight(*pProgram, light, true);
             // Blinn's exponent from 4 to 2048; below a quarter the reflection itself goes.
             pProgram->setUniformValue(pProgram->at(U::Polish),

@@ -18,21 +18,6 @@
 namespace gui::draw
 {
 
-namespace
-{
-
-glm::vec3 linearColorOf(td::Color color)
-{
-    const auto linear = [](unsigned int channel)
-    {
-        const double c = channel / 255.0;
-        return static_cast<float>(c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4));
-    };
-    return {linear(color.red()), linear(color.green()), linear(color.blue())};
-}
-
-} // namespace
-
 bool SpaceSight::look(const Eye& from, const Light& light, const glm::dvec3& start, const Box3& places, double reach,
                       double bias)
 {
@@ -79,27 +64,7 @@ void SpaceSight::tellLight(SpaceProgram& program, const Light& light, bool areEy
     program.setUniformValue(program.at(U::ToLight), turn * toLight);
     program.setUniformValue(program.at(U::Up), turn * up);
     program.setUniformValue(program.at(U::LightColor),
-                            glm::vec4(linearColorOf(light.color), static_cast<float>(clampedShare(light.ambient))));
-}
-
-void SpaceSight::beginDrawing() const
-{
-    using gl::Context;
-    for (const Context::Flag flag :
-         {Context::Flag::StencilTest, Context::Flag::PolygonOffset, Context::Flag::CullFace, Context::Flag::Blend})
-        Context::disable(flag);
-    Context::setPolygonMode(Context::PolygonMode::Fill);
-    Context::maskColorBuffer(true, true, true, true);
-    Context::enable(Context::Flag::DepthTest);
-    Context::maskDepthBuffer(true);
-    Context::setDepthBufferFunction(nearer);
-}
-
-void SpaceSight::beginBlending()
-{
-    glBlendEquation(GL_FUNC_ADD);
-    gl::Context::enable(gl::Context::Flag::Blend);
-    gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
+                            glm::vec4(getLinear(light.color), static_cast<float>(getShare(light.ambient))));
 }
 
 void writePlace(const glm::dvec3& place, const glm::dvec3& origin, std::uint32_t* pPlace, std::uint32_t* pRest)
@@ -139,7 +104,5 @@ std::uint32_t wordOf(td::Color color)
     return std::uint32_t(color.red()) | std::uint32_t(color.green()) << 8 | std::uint32_t(color.blue()) << 16 |
            std::uint32_t(color.alpha()) << 24;
 }
-
-double clampedShare(double value) { return value >= 1 ? 1 : value > 0 ? value : 0; }
 
 } // namespace gui::draw

@@ -29,11 +29,6 @@ struct SpaceSight : ModelSight
     void tell(SpaceProgram& program) const;
     /// Those of the light. @param areEyeAxes  whether directions are in the eye's axes instead of the model's
     void tellLight(SpaceProgram& program, const Light& light, bool areEyeAxes) const;
-
-    /// GL's state to draw it with: no flag set but the depth test, and everything written.
-    void beginDrawing() const;
-    /// Blending of colours that are times their alpha.
-    static void beginBlending();
 };
 
 /// A place as shaders have it: the nearest floats to its distance from the origin, and what they lack of it, in three
@@ -48,7 +43,4 @@ bool isPlace(const glm::dvec3& place);
 
 /// Red in the lowest byte, alpha in the highest.
 std::uint32_t wordOf(td::Color color);
-/// From 0 to 1, where NaN is 0.
-double clampedShare(double value);
-
 } // namespace gui::draw
