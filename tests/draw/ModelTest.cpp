@@ -22,8 +22,10 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace
@@ -310,6 +312,16 @@ TEST_F(ModelTest, IdsColorsTexturesAndVisibility)
     EXPECT_TRUE(model.setMesh({})) << "nothing is a mesh too";
     EXPECT_EQ(drawn(model, eye), drawn([] { return true; }));
     EXPECT_TRUE(model.getBounds().isEmpty());
+    // Made ready on another thread it is the same, with its images; what was handed over is nothing.
+    Model other;
+    ASSERT_TRUE(other.setMesh(row));
+    other.setLight({.kind = Light::Kind::Sun, .direction = {std::sqrt(3), 0, 1}, .ambient = 0});
+    std::optional<gui::draw::PreparedMesh> prepared;
+    std::thread([&] { prepared.emplace(row); }).join();
+    EXPECT_TRUE(model.setMesh(std::move(*prepared)));
+    EXPECT_EQ(drawn(model, eye), drawn(other, eye));
+    EXPECT_TRUE(model.setMesh(std::move(*prepared)));
+    EXPECT_EQ(model.getNumberOfParts(), 0U);
 }
 
 TEST_F(ModelTest, BadMeshesAreRefusedAndChangeNothing)

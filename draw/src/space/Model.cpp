@@ -1,6 +1,7 @@
 #include <gui/draw/Model.h>
 
 #include "ModelPainter.h"
+#include "PreparedMeshImpl.h"
 
 #include <vo/Log.h>
 
@@ -40,38 +41,30 @@ Model::Model()
 
 Model::~Model() = default;
 
-bool Model::setMesh(const Mesh& mesh)
+bool Model::setMesh(const Mesh& mesh) { return setMesh(PreparedMesh(mesh)); }
+
+bool Model::setMesh(PreparedMesh&& mesh)
 {
-    if (const std::string fault = mesh.findFault(); !fault.empty())
+    if (const std::string& fault = mesh.getFault(); !fault.empty())
     {
         vo::dbgLog("Error! Model::setMesh: %s!", fault.c_str());
         return false;
     }
-    std::vector<ModelPart> parts;
-    if (mesh.parts.empty())
-        parts.push_back({.material = mesh.material});
-    for (const Mesh::Part& part : mesh.parts)
-        parts.push_back({.material = part.material, .tag = part.tag});
-    ImageStore images;
-    std::vector<std::uint32_t> ranks;
-    for (ModelPart& part : parts)
-        ranks.push_back(part.texture = images.take(part.material.texture));
-    // Those of one texture behind each other, each by itself.
-    std::vector<std::uint32_t> order(parts.size());
-    for (std::uint32_t i = 0; i < order.size(); ++i)
-        order[i] = i;
-    std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) { return ranks[a] < ranks[b]; });
-    for (std::uint32_t i = 0; i < order.size(); ++i)
-        ranks[order[i]] = i;
-    _pImpl->painter.setGeometry(ModelGeometry::make(mesh, ranks), !mesh.textureCoordinates.empty());
-    _pImpl->parts = std::move(parts);
-    _pImpl->images = std::move(images);
+    const std::unique_ptr<PreparedMesh::Impl> pTaken = std::move(mesh._pImpl);
+    if (!pTaken)
+    {
+        clear();
+        return true;
+    }
+    _pImpl->painter.setData(std::move(pTaken->data));
+    _pImpl->parts = std::move(pTaken->parts);
+    _pImpl->images = std::move(pTaken->images);
     return true;
 }
 
 void Model::clear()
 {
-    _pImpl->painter.setGeometry({}, false);
+    _pImpl->painter.setData({});
     _pImpl->parts.clear();
     _pImpl->images.clear();
 }

@@ -33,15 +33,6 @@ float inPixels(double points, float scale)
     return points > 0 ? static_cast<float>(std::min(points * static_cast<double>(scale), 1e6)) : 0;
 }
 
-// Four numbers of 16 bits as NormShort4 has them, in two floats.
-std::array<float, 2> packedNormal(const glm::vec3& normal)
-{
-    std::array<std::int16_t, 4> shorts{};
-    for (std::size_t i = 0; i < 3; ++i)
-        shorts[i] = static_cast<std::int16_t>(std::lround(normal[static_cast<int>(i)] * 32767.0F));
-    return std::bit_cast<std::array<float, 2>>(shorts);
-}
-
 } // namespace
 
 ModelPainter::~ModelPainter()
@@ -50,34 +41,9 @@ ModelPainter::~ModelPainter()
         pLayers->remove(this);
 }
 
-void ModelPainter::setGeometry(ModelGeometry&& geometry, bool hasTextureCoordinates)
+void ModelPainter::setData(ModelData&& data)
 {
-    _bounds = geometry.bounds;
-    _origin = geometry.origin;
-    _levels = std::move(geometry.levels);
-    _indices = std::move(geometry.indices);
-    _hasRests = geometry.hasRests;
-    _hasTextureCoordinates = hasTextureCoordinates;
-    _vertices.clear();
-    _vertices.reserve(geometry.vertices.size() * getFloatsPerVertex());
-    for (const MeshSurface::Vertex& vertex : geometry.vertices)
-    {
-        const std::array<float, 2> normal = packedNormal(vertex.normal);
-        _vertices.insert(_vertices.end(), {vertex.position.x, vertex.position.y, vertex.position.z, normal[0],
-                                           normal[1], static_cast<float>(vertex.part)});
-        if (_hasTextureCoordinates)
-            _vertices.insert(_vertices.end(), {vertex.textureCoordinate.x, vertex.textureCoordinate.y});
-        if (_hasRests)
-            _vertices.insert(_vertices.end(), {vertex.rest.x, vertex.rest.y, vertex.rest.z});
-    }
-    _edges.clear();
-    for (const MeshSurface::Edge& edge : geometry.edges)
-    {
-        for (std::size_t i = 0; i < 2; ++i)
-            _edges.emplace_back(edge.positions[i], static_cast<float>(edge.parts[i]));
-        for (std::size_t i = 0; i < 2 && _hasRests; ++i)
-            _edges.emplace_back(edge.rests[i], 0);
-    }
+    _data = std::move(data);
     _pGL.reset();
     _section.setChanged();
     markChanged(true);
@@ -99,7 +65,7 @@ void ModelPainter::collectStates(const std::vector<ModelPart>& parts)
     {
         const bool isGlass = part.material.color.alpha() < 255 && part.wires != Model::Wires::Alone;
         _states.push_back(
-            {_hasTextureCoordinates ? part.texture : 0, part.wires, part.isVisible, part.isSelected, isGlass});
+            {_data.hasTextureCoordinates ? part.texture : 0, part.wires, part.isVisible, part.isSelected, isGlass});
         if (!part.isVisible)
             continue;
         // Wires on what is translucent are by themselves, before it.
@@ -130,18 +96,18 @@ bool ModelPainter::prepare(const ModelLook& look, const std::vector<ModelPart>& 
     buffer.setKeptForRestore(false);
     using gl::DataType;
     using Layout = std::initializer_list<DataType>;
-    const std::size_t nVertices = _vertices.size() / getFloatsPerVertex();
-    const auto init = [&](const Layout& layout) { return buffer.init(0, nVertices, _indices.size(), layout); };
-    if (_hasTextureCoordinates && _hasRests)
+    const std::size_t nVertices = _data.vertices.size() / _data.getFloatsPerVertex();
+    const auto init = [&](const Layout& layout) { return buffer.init(0, nVertices, _data.indices.size(), layout); };
+    if (_data.hasTextureCoordinates && _data.hasRests)
         init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2, DataType::Vec3});
-    else if (_hasTextureCoordinates)
+    else if (_data.hasTextureCoordinates)
         init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2});
-    else if (_hasRests)
+    else if (_data.hasRests)
         init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec3});
     else
         init({DataType::Vec3, DataType::NormShort4, DataType::Float});
-    buffer.appendVertices(_vertices.data(), nVertices);
-    buffer.appendIndices(_indices.data(), _indices.size());
+    buffer.appendVertices(_data.vertices.data(), nVertices);
+    buffer.appendIndices(_data.indices.data(), _data.indices.size());
     if (!buffer.commit() || !buffer.isCommitted())
     {
         _pGL.reset();
@@ -160,7 +126,7 @@ bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts, const Model:
     {
         const double polish = ModelSight::getShare(part.material.shininess);
         const int flags = (part.isVisible ? 1 : 0) | (part.material.isTwoSided ? 2 : 0) |
-                          (part.texture != 0 && _hasTextureCoordinates ? 4 : 0);
+                          (part.texture != 0 && _data.hasTextureCoordinates ? 4 : 0);
         texels.emplace_back(ModelSight::getLinear(part.material.color), static_cast<float>(flags));
         // Blinn's exponent from 4 to 2048; below a quarter the reflection itself goes.
         texels.emplace_back(std::exp2(2 + 9 * polish), std::min(4 * polish, 1.0),
@@ -194,11 +160,11 @@ bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts, const Model:
 
 bool ModelPainter::uploadEdges()
 {
-    if (_pGL->edges.getSize() == _edges.size())
+    if (_pGL->edges.getSize() == _data.edges.size())
         return true;
-    if (!_pGL->edges.resize(_edges.size()))
+    if (!_pGL->edges.resize(_data.edges.size()))
         return fail("GL has no room for its edges");
-    _pGL->edges.write(0, _edges.data(), _edges.size());
+    _pGL->edges.write(0, _data.edges.data(), _data.edges.size());
     return true;
 }
 
@@ -207,22 +173,22 @@ const ModelGeometry::Level& ModelPainter::chooseLevel(const Eye& eye, double tol
     std::size_t level = 0;
     double nearest = std::numeric_limits<double>::infinity();
     for (unsigned int i = 0; i < 8; ++i)
-        nearest = std::min(nearest, eye.getDistance(_bounds.getCorner(i)));
+        nearest = std::min(nearest, eye.getDistance(_data.bounds.getCorner(i)));
     if (!eye.isOrthographic() && !(nearest > eye.getNearest()))
-        return _levels.front();
+        return _data.levels.front();
     const double step = eye.getSizeAt(eye.getPosition() + nearest * eye.getDirection()) * tolerance;
-    while (level + 1 < _levels.size() && _levels[level + 1].step <= step)
+    while (level + 1 < _data.levels.size() && _data.levels[level + 1].step <= step)
         ++level;
-    return _levels[level];
+    return _data.levels[level];
 }
 
 ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& look)
 {
     const bool isFace = (features & ModelProgram::Faces) != 0;
     const bool isSurface = !isFace && (features & (ModelProgram::Edges | ModelProgram::Outline)) == 0;
-    if (isSurface && _hasTextureCoordinates)
+    if (isSurface && _data.hasTextureCoordinates)
         features |= ModelProgram::Textured;
-    if (_hasRests && (features & ModelProgram::Outline) == 0)
+    if (_data.hasRests && (features & ModelProgram::Outline) == 0)
         features |= ModelProgram::Rests;
     const bool isLit = isSurface && (features & (ModelProgram::Plain | ModelProgram::Ids)) == 0;
     if (isLit && _sight.pShadowMap != nullptr)
@@ -256,7 +222,7 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
     if ((features & ModelProgram::Shadowed) != 0)
     {
         const ShadowMap& map = *_sight.pShadowMap;
-        program.setUniformValue(program.at(ModelProgram::ToShadowMap), map.getMatrix(_origin + _sight.reference));
+        program.setUniformValue(program.at(ModelProgram::ToShadowMap), map.getMatrix(_data.origin + _sight.reference));
         program.setUniformValue(program.at(ModelProgram::ShadowSize),
                                 glm::vec3(map.getTexelSize(), 1 / map.getEye().getSize().width, map.getRadius()));
         gl::Textures::bindToSamplerUnit(map.getTexture(), ModelProgram::cShadowUnit, gl::Texture::Type::Tex2D);
@@ -333,7 +299,7 @@ bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vecto
         std::max({ModelSight::getWidth(look.edges, scale), ModelSight::getWidth(look.section.outline, scale),
                   2 * ModelSight::getWidth(look.outline, scale)});
     _sight.pShadowMap = nullptr;
-    if (!isDone || getNumberOfTriangles() == 0 || !_sight.look(eye, look.light, _origin, _bounds, reach))
+    if (!isDone || getNumberOfTriangles() == 0 || !_sight.look(eye, look.light, _data.origin, _data.bounds, reach))
         return false;
     isDone = prepare(look, parts) && cutSection();
     return isDone;

@@ -2,7 +2,7 @@
 
 #include "../drawing/ImageStore.h"
 #include "GlassCanvas.h"
-#include "ModelGeometry.h"
+#include "ModelData.h"
 #include "ModelPrograms.h"
 #include "ModelSection.h"
 #include "ModelSight.h"
@@ -31,18 +31,6 @@
 namespace gui::draw
 {
 
-/// How a part of a model looks now.
-struct ModelPart
-{
-    Material material;
-    std::uint64_t tag = 0;
-    bool isVisible = true;
-    bool isSelected = false;
-    Model::Wires wires = Model::Wires::None;
-    std::uint32_t texture = 0;           ///< in the image store; 0 for none
-    std::optional<Model::Hatch> hatch{}; ///< its own
-};
-
 /// How a model looks as a whole.
 struct ModelLook
 {
@@ -64,9 +52,9 @@ public:
     ModelPainter& operator=(const ModelPainter&) = delete;
 
     /// Takes what is drawn from now on. Needs no context.
-    void setGeometry(ModelGeometry&& geometry, bool hasTextureCoordinates);
-    const Box3& getBounds() const { return _bounds; }
-    std::size_t getNumberOfTriangles() const { return _levels.empty() ? 0 : _levels.front().nTriangles; }
+    void setData(ModelData&& data);
+    const Box3& getBounds() const { return _data.bounds; }
+    std::size_t getNumberOfTriangles() const { return _data.getNumberOfTriangles(); }
 
     /// All that a frame shows. @param pLayers  where what is translucent waits; null when it is drawn at once
     bool draw(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, ImageStore& images,
@@ -118,7 +106,6 @@ private:
     using Level = ModelGeometry::Level;
 
     bool fail(const char* reason);
-    std::size_t getFloatsPerVertex() const { return 6U + (_hasTextureCoordinates ? 2U : 0U) + (_hasRests ? 3U : 0U); }
     bool begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone);
     bool prepare(const ModelLook& look, const std::vector<ModelPart>& parts);
     bool uploadParts(const std::vector<ModelPart>& parts, const Model::Hatch& hatch, float scale);
@@ -144,14 +131,7 @@ private:
     glm::vec4 findSelected(const Level& level) const;
     bool drawOutline(const Level& level, const ModelLook& look);
 
-    Box3 _bounds;
-    glm::dvec3 _origin{0};
-    std::vector<Level> _levels;
-    bool _hasRests = false, _hasTextureCoordinates = false;
-    // What is uploaded; it stays for other contexts.
-    std::vector<float> _vertices;
-    std::vector<std::uint32_t> _indices;
-    std::vector<glm::vec4> _edges;
+    ModelData _data; // it stays for other contexts
 
     ModelSight _sight;
     ModelSection _section;

@@ -23,9 +23,10 @@ bool ModelPainter::cutSection()
 {
     if (_sight.clipping.isEmpty())
         return true;
-    const SectionCutter::Source source{_vertices, getFloatsPerVertex(), _hasRests ? getFloatsPerVertex() - 3 : 0,
-                                       _indices, _levels.front().cells};
-    _section.cut(_sight.clipping, source, _origin, _sight.slack, _hasRests);
+    const SectionCutter::Source source{_data.vertices, _data.getFloatsPerVertex(),
+                                       _data.hasRests ? _data.getFloatsPerVertex() - 3 : 0, _data.indices,
+                                       _data.levels.front().cells};
+    _section.cut(_sight.clipping, source, _data.origin, _sight.slack, _data.hasRests);
     return _section.upload(_pGL->section) || fail("GL has no room for its section");
 }
 
@@ -52,7 +53,7 @@ bool ModelPainter::drawFaces(const Flat& flat, const ModelLook& look, const IsWa
         const auto axis = [&](const glm::dvec3& along) {
             return glm::vec4(glm::vec3(along), static_cast<float>(glm::dot(_sight.reference - face.plane.base, along)));
         };
-        ClipState::setFaceUniforms(_sight.clipping, i, pProgram->getClipLocations(), _origin + _sight.reference);
+        ClipState::setFaceUniforms(_sight.clipping, i, pProgram->getClipLocations(), _data.origin + _sight.reference);
         pProgram->setUniformValue(pProgram->at(ModelProgram::FaceU), axis(face.plane.u));
         pProgram->setUniformValue(pProgram->at(ModelProgram::FaceV), axis(face.plane.v));
         pProgram->setUniformValue(pProgram->at(ModelProgram::PixelSize), getPixelSizeOn(face.plane));
@@ -82,7 +83,7 @@ bool ModelPainter::drawSectionLines(const ModelLook& look)
     };
     for (std::size_t i = 0; i < _section.getFaces().size(); ++i)
     {
-        ClipState::setFaceUniforms(_sight.clipping, i, pProgram->getClipLocations(), _origin + _sight.reference);
+        ClipState::setFaceUniforms(_sight.clipping, i, pProgram->getClipLocations(), _data.origin + _sight.reference);
         if (!drawRange(_section.getFaces()[i].lines))
             return false;
     }
@@ -93,12 +94,12 @@ bool ModelPainter::drawSectionLines(const ModelLook& look)
 // Model units in a pixel, about where a plane is seen.
 float ModelPainter::getPixelSizeOn(const SectionPlane& plane) const
 {
-    const glm::dvec3 middle = _bounds.getCenter();
-    glm::dvec3 place = middle - glm::dot(middle - _origin - plane.base, plane.normal) * plane.normal;
+    const glm::dvec3 middle = _data.bounds.getCenter();
+    glm::dvec3 place = middle - glm::dot(middle - _data.origin - plane.base, plane.normal) * plane.normal;
     const Ray ray = _sight.eye.getRay({_sight.eye.getSize().width / 2, _sight.eye.getSize().height / 2});
     const double towards = glm::dot(ray.direction, plane.normal);
-    const double way = glm::dot(_origin + plane.base - ray.origin, plane.normal) / towards;
-    if (std::abs(towards) > 1e-6 && way > 0 && _bounds.contains(ray.at(way)))
+    const double way = glm::dot(_data.origin + plane.base - ray.origin, plane.normal) / towards;
+    if (std::abs(towards) > 1e-6 && way > 0 && _data.bounds.contains(ray.at(way)))
         place = ray.at(way);
     const double size = _sight.eye.getSizeAt(place) / _sight.eye.getScale();
     return size > 0 ? static_cast<float>(size) : 1;

@@ -5,6 +5,7 @@
 #include "Light.h"
 #include "Material.h"
 #include "Mesh.h"
+#include "PreparedMesh.h"
 
 #include <td/Color.h>
 #include <td/Export.h>
@@ -114,6 +115,9 @@ public:
     /// @return false, with what was shown as it was, when the mesh has a fault: the log has "Error! Model::setMesh: "
     ///         and Mesh::findFault
     bool setMesh(const Mesh& mesh);
+    /// The same with one that is ready, maybe on another thread; nothing is left in it.
+    /// @return as above, with the mesh as it was when it has a fault
+    bool setMesh(PreparedMesh&& mesh);
     /// Shows nothing.
     void clear();
 

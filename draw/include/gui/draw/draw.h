@@ -44,6 +44,7 @@
 #include "Points3.h"
 #include "Polylines.h"
 #include "Polylines3.h"
+#include "PreparedMesh.h"
 #include "Ray.h"
 #include "Samples.h"
 #include "Scale.h"
