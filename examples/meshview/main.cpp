@@ -1,7 +1,7 @@
 // Shows a mesh from any file that assimp reads: a click says which triangle is there, and where.
 //     meshview bearing.obj [picture.png]  or, with the name of a picture, saves it as that
-// W wires, E edges, C cuts it open, comma and full stop move the cut, S saves a picture; all else is OrbitView's: 1 to 7
-// look from the sides, P is with perspective or without.
+// W wires, E edges, C cuts it open, comma and full stop move the cut, S saves a picture; all else is OrbitView's: 1 to
+// 7 look from the sides, P is with perspective or without.
 #include "Load.h"
 
 #include <gui/Application.h>

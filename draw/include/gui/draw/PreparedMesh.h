@@ -28,7 +28,8 @@ namespace gui::draw
 ///         });
 ///     }
 ///
-/// Movable, not copyable; one that was moved on has nothing. It needs no context; one object must not be used from two threads at once.
+/// Movable, not copyable; one that was moved on has nothing. It needs no context; one object must not be used from two
+/// threads at once.
 class GUIGL_API PreparedMesh
 {
 public:
