@@ -1,8 +1,10 @@
 #include "../native/GLViewFixture.h"
+#include "Solids.h"
 #include "support/OffscreenGL.h"
 
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
+#include <gui/draw/Model.h>
 #include <gui/draw/OrbitView.h>
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Lit3DProgram.h>
@@ -270,6 +272,38 @@ TEST_F(OrbitViewGLTest, PicksWhatIsDrawn)
     view.onPrimaryButtonReleased(at({20, 25}));
     ASSERT_EQ(view.clicks.size(), 1U);
     EXPECT_LT(off(view.camera(), view.clicks[0].at(1), {20, 25}), 1e-5);
+}
+
+class GlassCubeView : public OrbitView
+{
+public:
+    using OrbitView::onResize, OrbitView::pick;
+
+    GlassCubeView()
+    {
+        Mesh cube = test::makeBox({-1, -1, -1}, {1, 1, 1});
+        cube.material.color = td::Color(200, 220, 240, 60);
+        model.setMesh(cube);
+        model.setEdges({.width = 6});
+    }
+    void drawScene(const Eye& eye) override { model.draw(eye); }
+
+    Model model;
+};
+
+// What is seen through is met, and lines on steep faces move nothing.
+TEST_F(OrbitViewGLTest, PicksFacesWhereTheyAre)
+{
+    GlassCubeView view;
+    view.onResize({64, 64});
+    for (const double azimuth : {0.0, 40.0, 84.0})
+    {
+        view.camera().setDirection(azimuth, 3);
+        ASSERT_TRUE(view.fit({{-1, -1, -1}, {1, 1, 1}}, 4));
+        const std::optional<glm::dvec3> found = view.pick(view.getEye().getRay({33, 31}));
+        ASSERT_TRUE(found);
+        EXPECT_NEAR(std::max({std::abs(found->x), std::abs(found->y), std::abs(found->z)}), 1, 1e-4);
+    }
 }
 
 class Nothing : public OrbitView

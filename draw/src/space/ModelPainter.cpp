@@ -316,9 +316,11 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     _sight.pShadowMap = pLayers && look.light.kind == Light::Kind::Sun ? pLayers->getShadowMap() : nullptr;
     const gl::StateGuard guard;
     const Level& level = chooseLevel(eye, look.tolerance);
+    // Where only depth counts there are no lines, before which surfaces would lie behind where they are.
+    const bool hasLines = !pLayers || pLayers->getWhat() != SpaceLayers::What::Solid;
     const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
-    beginSurfaces(getLineWidth(level, look));
-    const bool hasGlass = _kinds.areGlass && !(pLayers && pLayers->getWhat() == SpaceLayers::What::Solid);
+    beginSurfaces(hasLines ? getLineWidth(level, look) : 0);
+    const bool hasGlass = _kinds.areGlass && hasLines;
     const auto isSolid = [=](const State& state)
     { return state.wires == Model::Wires::None && !(hasGlass && state.isGlass); };
     {
@@ -329,7 +331,7 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
             !drawWires(Model::Wires::Over, level, look, images))
             return false;
     }
-    if ((edgeWidth > 0 && !drawEdges(level, look)) || !drawSectionLines(look))
+    if (hasLines && ((edgeWidth > 0 && !drawEdges(level, look)) || !drawSectionLines(look)))
         return false;
     {
         // Wires that one looks through come last: they cover pixels in part.
@@ -337,7 +339,8 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
         if (!drawWires(Model::Wires::Alone, level, look, images))
             return false;
     }
-    if (_kinds.areSelected && ModelSight::getWidth(look.outline, _sight.scale) > 0 && !drawOutline(level, look))
+    if (hasLines && _kinds.areSelected && ModelSight::getWidth(look.outline, _sight.scale) > 0 &&
+        !drawOutline(level, look))
         return false;
     if (hasGlass)
     {
