@@ -402,7 +402,7 @@ void Font::draw(Program* prog)
 void Font::reset()
 {
     if (_pMemo != nullptr)
-        _pMemo->restart(_commands.size(), _vertices.capacity());
+        _pMemo->restart(_commands.size());
     _vertices.reset();
     _commands.reset();
     _committed = false;

@@ -241,14 +241,21 @@ private:
     bool isEmpty() const { return _pTable == nullptr; }
     FontMetrics metrics() const;
     bool canLayOut(const char* begin, const char* end) const;
-    bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
+    bool isLaidOut(const char* begin, const char* end) const;
+    void measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
     template <bool tellsSpacesApart>
     void addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
-    bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
-    void recordString(std::size_t firstVertex, const _format& format);
-    bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
+    void addGrowing(const td::Point<float>& pos, const char* begin, const char* end, float scale,
+                    td::Size<float>& size);
+    void addPrecisely(const td::Point<float>& pos, const char* begin, const char* end, float scale,
+                      td::Size<float>& size);
+    void addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
+    void recordString(std::size_t firstVertex, std::size_t nVertices, const _format& format);
+    void addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
+                        td::Size<float>& size);
+    void addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
                     const _format& format, td::Size<float>& size);
-    bool addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
+    void addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
                   td::Size<float>& size);
 
     std::shared_ptr<Scratch> _pUTF32; // of the Text that made it; a font that has none lays nothing out
