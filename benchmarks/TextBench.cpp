@@ -298,6 +298,23 @@ void addAgain(benchmark::State& state, Again what)
     count(state, cManyStrings);
 }
 
+/// One of many strings is another one in each frame, as a counter is.
+void replaceOne(benchmark::State& state)
+{
+    Fixture fixture;
+    if (!fixture.check(state))
+        return;
+    addAll(fixture.font(), texts(cManyStrings, cLabel, false, 1));
+    fixture.font().commit();
+    unsigned int round = 0;
+    for (auto _ : state)
+    {
+        const std::string number = std::to_string(++round % 1000);
+        fixture.font().replaceString(cManyStrings / 2, {10, 20}, number.data(), number.size(), formatOf(Font::cLeft));
+        fixture.font().commit();
+    }
+}
+
 void draw(benchmark::State& state)
 {
     Fixture fixture;
@@ -361,6 +378,7 @@ BENCHMARK(addThreeTimes)->Name("ThreeAdditions/labels");
 BENCHMARK_CAPTURE(addAgain, one, Again::OneLetter)->Name("Again/one of 10000 changes");
 BENCHMARK_CAPTURE(addAgain, length, Again::OneLength)->Name("Again/one of 10000 changes its length");
 BENCHMARK_CAPTURE(addAgain, all, Again::All)->Name("Again/all change");
+BENCHMARK(replaceOne)->Name("Replace/one of 10000");
 BENCHMARK(draw)->Name("Draw/10000 strings");
 BENCHMARK(drawByHand)->Name("Draw/byHand");
 

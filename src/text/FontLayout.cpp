@@ -24,7 +24,7 @@ constexpr std::size_t cVerticesAtFirst = 1024;
 } // namespace
 
 // Whether a text can be laid out: asserts where it can't.
-inline bool Font::canLayOut(const char* begin, const char* end) const
+bool Font::canLayOut(const char* begin, const char* end) const
 {
     return (_pUTF32 != nullptr && _pTable->areAllEdgesOrdered()) || begin >= end || isLaidOut(begin, end);
 }
@@ -216,6 +216,14 @@ void Font::addLines(const td::Point<float>& pos, const char* str, std::size_t le
     }
 }
 
+void Font::setLooks(_cmd& cmd, const _format& format)
+{
+    cmd.z = format.z;
+    cmd.colorID = format.colorID;
+    cmd.hasColor = format.color.has_value();
+    cmd.color = format.color.value_or(td::Color());
+}
+
 // Its vertices are those from firstVertex on.
 inline void Font::recordString(std::size_t firstVertex, std::size_t nVertices, const _format& format)
 {
@@ -223,10 +231,7 @@ inline void Font::recordString(std::size_t firstVertex, std::size_t nVertices, c
     _cmd& cmd = _commands.push_back();
     cmd.firstVertex = static_cast<unsigned int>(firstVertex);
     cmd.vertexCount = static_cast<unsigned int>(nVertices);
-    cmd.z = format.z;
-    cmd.colorID = format.colorID;
-    cmd.hasColor = format.color.has_value();
-    cmd.color = format.color.value_or(td::Color());
+    setLooks(cmd, format);
 }
 
 td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, unsigned long len, const _format& format)
@@ -259,7 +264,7 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
         return {};
     LayoutMemo::Entry* const pEntry = _pMemo->remember(number, {str, len}, style);
     td::Size<float> size;
-    if (format.hAlignment == cLeft)
+    if (format.hAlignment == cLeft) [[likely]]
         addPiece(pos, str, str + len, format.scale, size);
     else
         addAlignedText(pos, str, len, format, size);

@@ -3,11 +3,12 @@
 #include <td/Point.h>
 #include <td/Size.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -91,7 +92,14 @@ public:
     void moved() { _nKnown = 0; }
 
     /// Tells that vertices before this one, though not in use, were written over.
-    void overwrote(std::size_t end) { _overwrittenEnd = end; }
+    void overwrote(std::size_t end) { _overwrittenEnd = std::max(_overwrittenEnd, end); }
+
+    /// Tells that a string is another one.
+    void forgetString(std::size_t number)
+    {
+        if (number < _entries.size())
+            _entries[number].firstVertex = cNowhere;
+    }
 
     /// Tells that strings are added again, from the first one on.
     /// @param nStrings  how many there were
@@ -101,6 +109,8 @@ public:
     void forget() { *this = {}; }
 
 private:
+    static constexpr std::size_t cNowhere = std::numeric_limits<std::size_t>::max();
+
     // A few bytes by their ends, which overlap: a call takes longer than that.
     template <typename Word>
     static bool isSameByEnds(const char* a, const char* b, std::size_t n)
@@ -150,7 +160,7 @@ private:
     bool makeRoom(std::size_t number, std::size_t textLength) noexcept;
 
     std::vector<Entry> _entries;
-    std::string _texts;
+    std::vector<char> _texts; // which a string would not free
     std::size_t _nWasted = 0; // bytes of _texts that belong to no entry
     std::size_t _nKnown = 0;  // entries that have vertices
     std::size_t _overwrittenEnd = 0;
