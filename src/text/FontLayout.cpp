@@ -38,7 +38,7 @@ bool Font::canLayOut(const char* begin, const char* end) const
     {
         Taken taken{p + 1, _pTable->numberOfByte(*p)};
         if (!GlyphTable::hasEntry(taken.number))
-            taken = takeOther(*_pTable, p, pEnd, taken.number);
+            taken = takeOtherApart(*_pTable, p, pEnd, taken.number);
         p = taken.pNext;
         if (taken.number == GlyphTable::cSpace || taken.number == GlyphTable::cLineBreak)
             continue;
@@ -145,7 +145,7 @@ void Font::measurePiece(const char* begin, const char* end, td::Size<float>& siz
     {
         Taken taken{p + 1, table.numberOfByte(*p)};
         if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
-            taken = takeOther(table, p, pEnd, taken.number);
+            taken = takeOtherApart(table, p, pEnd, taken.number);
         p = taken.pNext;
         if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
         {

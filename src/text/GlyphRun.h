@@ -47,7 +47,7 @@ struct Taken
 }
 
 // A character of several bytes. Apart, to leave the loops the registers; what calls another function is apart of that.
-[[gnu::noinline]] Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
+[[gnu::always_inline]] inline Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
 {
     char32_t codePoint = 0;
     if (!vo::UTFConverter::nextWellFormed(p, end, codePoint)) [[unlikely]]
@@ -60,6 +60,13 @@ inline Taken takeOther(const GlyphTable& table, const unsigned char* p, const un
                        GlyphTable::Number number)
 {
     return number == GlyphTable::cLead ? takeLong(table, p, end) : Taken{p + 1, number};
+}
+
+// Where the registers are worth more than a call.
+[[gnu::noinline]] Taken takeOtherApart(const GlyphTable& table, const unsigned char* p, const unsigned char* end,
+                                       GlyphTable::Number number)
+{
+    return takeOther(table, p, end, number);
 }
 
 // Half an entry, from its first field on.
