@@ -35,12 +35,9 @@ td::Size<float> Font::replaceString(std::size_t index, const td::Point<float>& p
 
     // Behind all others, where a space at its end writes over nothing that is in use.
     const std::size_t end = _vertices.size();
-    td::Size<float> size;
-    if (format.hAlignment == cLeft)
-        size = addGlyphs(pos, reinterpret_cast<const unsigned char*>(str),
-                         reinterpret_cast<const unsigned char*>(str + len), format.scale);
-    else
-        addAlignedText(pos, str, len, format, size);
+    const auto* const pText = reinterpret_cast<const unsigned char*>(str);
+    const td::Size<float> size = format.hAlignment == cLeft ? addGlyphs(pos, pText, pText + len, format.scale)
+                                                            : addAlignedText(pos, str, len, format);
     const std::size_t n = _vertices.size() - end;
     _pMemo->forgetString(index);
     if (n <= room)

@@ -51,25 +51,27 @@ bool Font::canLayOut(const char* begin, const char* end) const
 
 // A call more would be felt in short texts.
 template <bool tellsSpacesApart>
-[[gnu::always_inline]] inline void Font::addRun(const td::Point<float>& pos, const char* begin, const char* end,
-                                                float scale, td::Size<float>& size)
+[[gnu::always_inline]] inline td::Size<float> Font::addRun(const td::Point<float>& pos, const char* begin,
+                                                           const char* end, float scale)
 {
     const auto* p = reinterpret_cast<const unsigned char*>(begin);
     const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
     // A character has a byte at least.
-    if (_vertices.capacity() - _vertices.size() < static_cast<std::size_t>(pEnd - p) * cQuadVertices) [[unlikely]]
-        return addGrowing(pos, begin, end, scale, size);
+    _vd* const pTo = _vertices.end();
+    if (static_cast<std::size_t>(_vertices.getEndPos() - pTo) < static_cast<std::size_t>(pEnd - p) * cQuadVertices)
+        [[unlikely]]
+        return addGrowing(pos, begin, end, scale);
     Run<tellsSpacesApart> run(*_pTable, pos, scale);
-    run.add(p, pEnd, pEnd, _vertices.end());
-    _vertices.pushSlots(run.nVertices());
+    run.add(p, pEnd, pEnd, pTo);
+    _vertices.useTo(run.end());
     if (run.hasSpilled())
         _pMemo->overwrote(_vertices.size() + cQuadVertices);
-    size = run.pen().size(pos, scale * _lineSpacing);
+    return run.pen().size(pos, scale * _lineSpacing);
 }
 
 // What may not find room. Spaces are told apart, which is always right.
-[[gnu::noinline]] void Font::addGrowing(const td::Point<float>& pos, const char* begin, const char* end, float scale,
-                                        td::Size<float>& size)
+[[gnu::noinline]] td::Size<float> Font::addGrowing(const td::Point<float>& pos, const char* begin, const char* end,
+                                                   float scale)
 {
     if (_vertices.capacity() == 0)
         _vertices.reserve(cVerticesAtFirst);
@@ -84,43 +86,41 @@ template <bool tellsSpacesApart>
         const auto nBytes = static_cast<std::size_t>(pEnd - p);
         p = run.add(p, p + std::clamp<std::size_t>(room, 1, nBytes), pEnd, room != 0 ? _vertices.end() : quad);
         if (room != 0) [[likely]]
-            _vertices.pushSlots(run.nVertices());
+            _vertices.useTo(run.end());
         else
-            _vertices.push_back(quad, run.nVertices()); // which grows if it is a glyph
+            _vertices.push_back(quad, static_cast<std::size_t>(run.end() - quad)); // which grows if it is a glyph
     } while (p < pEnd);
-    size = run.pen().size(pos, scale * _lineSpacing);
+    return run.pen().size(pos, scale * _lineSpacing);
 }
 
 // Apart: there is hardly ever one.
-[[gnu::noinline]] void Font::addPrecisely(const td::Point<float>& pos, const char* begin, const char* end, float scale,
-                                          td::Size<float>& size)
+[[gnu::noinline]] td::Size<float> Font::addPrecisely(const td::Point<float>& pos, const char* begin, const char* end,
+                                                     float scale)
 {
-    addRun<true>(pos, begin, end, scale, size);
+    return addRun<true>(pos, begin, end, scale);
 }
 
 // Of a text that can be laid out.
-[[gnu::always_inline]] inline void Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end,
-                                                  float scale, td::Size<float>& size)
+[[gnu::always_inline]] inline td::Size<float> Font::addPiece(const td::Point<float>& pos, const char* begin,
+                                                             const char* end, float scale)
 {
     if (begin >= end) [[unlikely]]
-        return;
+        return {};
     const bool isMinusZero = std::bit_cast<unsigned int>(pos.x) == std::bit_cast<unsigned int>(-0.0f);
     // Numbers so large that their sum is none are told from infinite ones in vain, but rightly.
     if (!_pTable->isFinite() || isMinusZero || !std::isfinite(pos.x + pos.y + scale)) [[unlikely]]
-        addPrecisely(pos, begin, end, scale, size);
-    else
-        addRun<false>(pos, begin, end, scale, size);
+        return addPrecisely(pos, begin, end, scale);
+    return addRun<false>(pos, begin, end, scale);
 }
 
 td::Size<float> Font::addGlyphs(const td::Point<float>& pos, const unsigned char* begin, const unsigned char* end,
                                 float scale)
 {
-    td::Size<float> size;
     const char* const pFirst = reinterpret_cast<const char*>(begin);
     const char* const pEnd = reinterpret_cast<const char*>(end);
-    if (!isEmpty() && canLayOut(pFirst, pEnd))
-        addPiece(pos, pFirst, pEnd, scale, size);
-    return size;
+    if (isEmpty() || !canLayOut(pFirst, pEnd))
+        return {};
+    return addPiece(pos, pFirst, pEnd, scale);
 }
 
 // Of a text that can be laid out.
@@ -169,30 +169,29 @@ void Font::measurePiece(const char* begin, const char* end, td::Size<float>& siz
 }
 
 // One line, or a text without line feeds, of the scaled width that it was measured to have.
-void Font::addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
-                      const _format& format, td::Size<float>& size)
+td::Size<float> Font::addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
+                                 const _format& format)
 {
     const float shift = format.hAlignment == cRight ? measuredWidth : measuredWidth / 2;
-    addPiece({pos.x - shift, pos.y}, begin, end, format.scale, size);
+    return addPiece({pos.x - shift, pos.y}, begin, end, format.scale);
 }
 
 // Aligned text of len bytes, with line feeds or without.
-void Font::addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
-                          td::Size<float>& size)
+td::Size<float> Font::addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len,
+                                     const _format& format)
 {
     if (std::memchr(str, '\n', len) != nullptr)
-        return addLines(pos, str, len, format, size);
+        return addLines(pos, str, len, format);
     td::Size<float> measured;
     measurePiece(str, str + len, measured);
-    addAligned(pos, str, str + len, measured.width * format.scale, format, size);
+    return addAligned(pos, str, str + len, measured.width * format.scale, format);
 }
 
 // Aligned text with line feeds: every line is placed on its own, one below the other, and empty ones are left out.
-void Font::addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
-                    td::Size<float>& size)
+td::Size<float> Font::addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format)
 {
     float y = pos.y;
-    size = {};
+    td::Size<float> size;
     for (std::size_t start = 0; start < len;)
     {
         const std::ptrdiff_t d = td::findFromLeft(str, '\n', start, len);
@@ -209,11 +208,11 @@ void Font::addLines(const td::Point<float>& pos, const char* str, std::size_t le
             break;
         size.width = std::max(size.width, lineSize.width);
         size.height += lineSize.height;
-        td::Size<float> laidOut;
-        addAligned({pos.x, y}, str + start, str + lineEnd, lineSize.width, format, laidOut);
+        addAligned({pos.x, y}, str + start, str + lineEnd, lineSize.width, format);
         y += lineSize.height;
         start = d > 0 ? lineEnd + 1 : len;
     }
+    return size;
 }
 
 void Font::setLooks(_cmd& cmd, const _format& format)
@@ -263,11 +262,8 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
     if (!canLayOut(str, str + len)) [[unlikely]]
         return {};
     LayoutMemo::Entry* const pEntry = _pMemo->remember(number, {str, len}, style);
-    td::Size<float> size;
-    if (format.hAlignment == cLeft) [[likely]]
-        addPiece(pos, str, str + len, format.scale, size);
-    else
-        addAlignedText(pos, str, len, format, size);
+    const td::Size<float> size = format.hAlignment == cLeft ? addPiece(pos, str, str + len, format.scale)
+                                                            : addAlignedText(pos, str, len, format);
     const std::size_t nVertices = _vertices.size() - nBefore;
     recordString(nBefore, nVertices, format);
     if (pEntry != nullptr) [[likely]]

@@ -103,8 +103,8 @@ public:
 
     const Pen& pen() const { return _pen; }
 
-    /// How many vertices the last call added.
-    std::size_t nVertices() const { return _nVertices; }
+    /// Behind the vertices that the last call added.
+    Font::_vd* end() const { return _pOut; }
 
     /// Whether a space was laid out behind the last glyph.
     bool hasSpilled() const { return _pLast != nullptr && _pLast->nQuads == 0; }
@@ -116,7 +116,7 @@ private:
     const float _scale;
     const Addends _addends[2];                 // by the number of quads
     const GlyphTable::Entry* _pLast = nullptr; // what was laid out
-    std::size_t _nVertices = 0;
+    Font::_vd* _pOut = nullptr;
 };
 
 template <bool tellsSpacesApart>
@@ -125,8 +125,7 @@ inline const unsigned char* Run<tellsSpacesApart>::add(const unsigned char* p, c
 {
     const GlyphTable& table = _table;
     const float s = _scale;
-    float* const pFirst = &pOut->x;
-    float* pTo = pFirst;
+    float* pTo = &pOut->x;
     const GlyphTable::Entry* pEntry = _pLast;
     bool isLineBreak = false;
     do
@@ -187,7 +186,7 @@ inline const unsigned char* Run<tellsSpacesApart>::add(const unsigned char* p, c
         }
     } while (isLineBreak);
     _pLast = pEntry;
-    _nVertices = static_cast<std::size_t>(pTo - pFirst) / 4;
+    _pOut = reinterpret_cast<Font::_vd*>(pTo);
     return p;
 }
 

@@ -271,22 +271,19 @@ private:
     bool isLaidOut(const char* begin, const char* end) const;
     void measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
     template <bool tellsSpacesApart>
-    void addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
-    void addGrowing(const td::Point<float>& pos, const char* begin, const char* end, float scale,
-                    td::Size<float>& size);
-    void addPrecisely(const td::Point<float>& pos, const char* begin, const char* end, float scale,
-                      td::Size<float>& size);
-    void addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
+    td::Size<float> addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    td::Size<float> addGrowing(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    td::Size<float> addPrecisely(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    td::Size<float> addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale);
     static void setLooks(_cmd& cmd, const _format& format);
     bool uploadEdits();
     void describeVertices() const;
     void recordString(std::size_t firstVertex, std::size_t nVertices, const _format& format);
-    void addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
-                        td::Size<float>& size);
-    void addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
-                    const _format& format, td::Size<float>& size);
-    void addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
-                  td::Size<float>& size);
+    td::Size<float> addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len,
+                                   const _format& format);
+    td::Size<float> addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
+                               const _format& format);
+    td::Size<float> addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format);
 
     std::shared_ptr<Scratch> _pUTF32; // of the Text that made it; a font that has none lays nothing out
     cnt::SafeFullVector<_glyph, false> _glyphs;
