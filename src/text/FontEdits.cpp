@@ -42,21 +42,21 @@ td::Size<float> Font::replaceString(std::size_t index, const td::Point<float>& p
     _pMemo->forgetString(index);
     if (n <= room)
     {
+        if (_committed && n != 0)
+            _pEdits->vertices.pieces.change(cmd.firstVertex, n);
         _pMemo->overwrote(end + n);
         std::copy_n(_vertices.begin() + end, n, _vertices.begin() + cmd.firstVertex);
-        _vertices.reset();
-        _vertices.pushSlots(end);
-        if (_committed)
-            _pEdits->vertices.pieces.change(cmd.firstVertex, n);
+        _vertices.useTo(_vertices.begin() + end);
     }
     else
     {
         const std::size_t spare = n / 2;
+        _pMemo->moved(); // if there is no room for the spare ones
         std::fill_n(_vertices.pushSlots(spare), spare, _vd{});
-        room = n + spare;
-        cmd.firstVertex = static_cast<unsigned int>(end);
         if (_committed)
             _pEdits->vertices.pieces.extendTo(_vertices.size());
+        room = n + spare;
+        cmd.firstVertex = static_cast<unsigned int>(end);
     }
     cmd.vertexCount = static_cast<unsigned int>(n);
     setLooks(cmd, format);

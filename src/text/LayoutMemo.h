@@ -72,7 +72,7 @@ public:
         return isSame ? &entry : nullptr;
     }
 
-    /// Remembers a string before it is laid out, while its style is at hand. What layout makes of it, the caller enters.
+    /// Remembers a string before it is laid out, while its style is at hand. The caller enters the layout.
     /// @return its entry, valid until the next call; null without memory to remember it, whereupon all is forgotten
     Entry* remember(std::size_t number, std::string_view text, const Style& style) noexcept
     {

@@ -118,7 +118,7 @@ TEST_F(TextGLTest, DepthDecidesUnlessItsTestIsOff)
     EXPECT_EQ(glIsEnabled(GL_DEPTH_TEST), GL_FALSE);
 }
 
-// A string that was replaced must look as if it had been added so, leave its neighbours alone, and be forgotten by reset.
+// A string that was replaced must look as if it had been added so, and leave its neighbours alone, after a reset too.
 TEST_F(TextGLTest, ReplacedStringsAreDrawnInTheirPlace)
 {
     const auto render = [&]
