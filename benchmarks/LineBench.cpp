@@ -124,6 +124,20 @@ void thickLine(benchmark::State& state, const Line& line)
         benchmark::DoNotOptimize(make());
 }
 
+// Into lists that have nothing yet.
+void firstThickLine(benchmark::State& state, const Line& line)
+{
+    const Outline outline = outlineOf(state, line);
+    Triang2D triang(1);
+    for (auto _ : state)
+    {
+        Triang2D::Points vertices;
+        Triang2D::Indices indices;
+        benchmark::DoNotOptimize(triang.triangulateLine(outline.data(), static_cast<unsigned int>(outline.size()),
+                                                        line.width, line.closed, vertices, indices));
+    }
+}
+
 void thickLinePlainly(benchmark::State& state, const Line& line)
 {
     const Outline outline = outlineOf(state, line);
@@ -225,6 +239,8 @@ void recycledLine(benchmark::State& state, Order order)
         for (const int n : {2, 16, 256, 4096, 65536})
         {
             benchmark::RegisterBenchmark(name.c_str(), thickLine, line)->Arg(n);
+            if (n >= 256)
+                benchmark::RegisterBenchmark((name + "/first").c_str(), firstThickLine, line)->Arg(n);
             // It inserts bevels into the vertices.
             if (n <= 4096)
                 benchmark::RegisterBenchmark((name + "/plain").c_str(), thickLinePlainly, line)->Arg(n);

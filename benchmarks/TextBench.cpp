@@ -96,13 +96,27 @@ enum class Kind
 {
     Labels,
     Mixed,
-    Paragraphs
+    Paragraphs,
+    Letters, ///< marks of an axis and cells of a table: 1, 2 and 5 characters
+    Pairs,
+    Figures
 };
 
-/// Texts of a kind. Two seeds make texts that differ from the first word on: what is the same as before is not laid
-/// out.
+std::size_t lengthOfShort(Kind kind) { return kind == Kind::Letters ? 1 : kind == Kind::Pairs ? 2 : 5; }
+
+bool isShort(Kind kind) { return kind >= Kind::Letters; }
+
+/// Texts of a kind. Two seeds make texts that differ from the first word on, the short ones all from their first
+/// letter: what is the same as before is not laid out.
 Strings textsOf(Kind kind, unsigned int seed)
 {
+    if (isShort(kind))
+    {
+        Strings strings = texts(cLabels, lengthOfShort(kind), false, seed);
+        for (std::string& string : strings)
+            string[0] = static_cast<char>('a' + seed);
+        return strings;
+    }
     return kind == Kind::Paragraphs ? texts(cParagraphs, cParagraph, false, seed)
                                     : texts(cLabels, cLabel, kind == Kind::Mixed, seed);
 }
@@ -161,7 +175,12 @@ void count(benchmark::State& state, std::size_t nPerIteration)
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(nPerIteration));
 }
 
-std::size_t charactersOf(Kind kind) { return kind == Kind::Paragraphs ? cParagraphs * cParagraph : cLabels * cLabel; }
+std::size_t charactersOf(Kind kind)
+{
+    if (isShort(kind))
+        return cLabels; // the time is that of a string
+    return kind == Kind::Paragraphs ? cParagraphs * cParagraph : cLabels * cLabel;
+}
 
 Font::_format formatOf(td::BYTE alignment) { return {.scale = 1.25f, .hAlignment = alignment}; }
 
@@ -248,7 +267,14 @@ void addAll(Font& font, const Strings& strings)
         font.addString({10, static_cast<float>(i)}, strings[i].data(), strings[i].size(), colorOf(i), 1.0f);
 }
 
-void addAgain(benchmark::State& state, bool isAllNew)
+enum class Again
+{
+    OneLetter,
+    OneLength,
+    All
+};
+
+void addAgain(benchmark::State& state, Again what)
 {
     Fixture fixture;
     if (!fixture.check(state))
@@ -258,8 +284,10 @@ void addAgain(benchmark::State& state, bool isAllNew)
     const auto add = [&]
     {
         ++round;
-        Strings& now = strings[isAllNew ? round % 2 : 0];
+        Strings& now = strings[what == Again::All ? round % 2 : 0];
         now[cManyStrings / 2][0] = static_cast<char>('a' + round % 26);
+        if (what == Again::OneLength)
+            now[cManyStrings / 10].resize(cLabel - round % 2, 'a');
         fixture.font().reset();
         addAll(fixture.font(), now);
     };
@@ -268,6 +296,23 @@ void addAgain(benchmark::State& state, bool isAllNew)
     for (auto _ : state)
         add();
     count(state, cManyStrings);
+}
+
+/// One of many strings is another one in each frame, as a counter is.
+void replaceOne(benchmark::State& state)
+{
+    Fixture fixture;
+    if (!fixture.check(state))
+        return;
+    addAll(fixture.font(), texts(cManyStrings, cLabel, false, 1));
+    fixture.font().commit();
+    unsigned int round = 0;
+    for (auto _ : state)
+    {
+        const std::string number = std::to_string(++round % 1000);
+        fixture.font().replaceString(cManyStrings / 2, {10, 20}, number.data(), number.size(), formatOf(Font::cLeft));
+        fixture.font().commit();
+    }
 }
 
 void draw(benchmark::State& state)
@@ -319,6 +364,10 @@ BENCHMARK_CAPTURE(layOut, labels, Kind::Labels, Font::cLeft)->Name("Layout/label
 BENCHMARK_CAPTURE(layOut, mixed, Kind::Mixed, Font::cLeft)->Name("Layout/mixed");
 BENCHMARK_CAPTURE(layOut, paragraphs, Kind::Paragraphs, Font::cLeft)->Name("Layout/paragraphs");
 BENCHMARK_CAPTURE(layOut, centred, Kind::Labels, Font::cCentre)->Name("Layout/centred");
+BENCHMARK_CAPTURE(layOut, letters, Kind::Letters, Font::cLeft)->Name("Layout/letters");
+BENCHMARK_CAPTURE(layOut, pairs, Kind::Pairs, Font::cLeft)->Name("Layout/pairs");
+BENCHMARK_CAPTURE(layOut, figures, Kind::Figures, Font::cLeft)->Name("Layout/figures");
+BENCHMARK_CAPTURE(layOut, centredFigures, Kind::Figures, Font::cCentre)->Name("Layout/figures centred");
 BENCHMARK_CAPTURE(layOutPlainly, labels, Kind::Labels, Font::cLeft)->Name("Layout/labels/plain");
 BENCHMARK_CAPTURE(layOutPlainly, mixed, Kind::Mixed, Font::cLeft)->Name("Layout/mixed/plain");
 BENCHMARK_CAPTURE(layOutPlainly, paragraphs, Kind::Paragraphs, Font::cLeft)->Name("Layout/paragraphs/plain");
@@ -326,8 +375,10 @@ BENCHMARK_CAPTURE(layOutPlainly, centred, Kind::Labels, Font::cCentre)->Name("La
 BENCHMARK_CAPTURE(measure, labels, Kind::Labels)->Name("Measure/labels");
 BENCHMARK_CAPTURE(measure, mixed, Kind::Mixed)->Name("Measure/mixed");
 BENCHMARK(addThreeTimes)->Name("ThreeAdditions/labels");
-BENCHMARK_CAPTURE(addAgain, one, false)->Name("Again/one of 10000 changes");
-BENCHMARK_CAPTURE(addAgain, all, true)->Name("Again/all change");
+BENCHMARK_CAPTURE(addAgain, one, Again::OneLetter)->Name("Again/one of 10000 changes");
+BENCHMARK_CAPTURE(addAgain, length, Again::OneLength)->Name("Again/one of 10000 changes its length");
+BENCHMARK_CAPTURE(addAgain, all, Again::All)->Name("Again/all change");
+BENCHMARK(replaceOne)->Name("Replace/one of 10000");
 BENCHMARK(draw)->Name("Draw/10000 strings");
 BENCHMARK(drawByHand)->Name("Draw/byHand");
 

@@ -2,7 +2,7 @@
 
 #include "DynamicBuffer.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace gui::gl
 {
@@ -23,7 +23,16 @@ void Buffer::Appender::handOver()
 {
     // Its slots have their values already.
     if (_pEnd != nullptr)
-        _buffer._vertexData.pushSlots(static_cast<std::size_t>(_pEnd - _buffer._vertexData.end()));
+        _buffer._vertexData.pushSlots(
+            static_cast<std::size_t>(reinterpret_cast<float*>(_pEnd) - _buffer._vertexData.end()));
+}
+
+void Buffer::Appender::appendGrowing(const void* data, std::size_t nBytes)
+{
+    if (!grow(nBytes / sizeof(float)))
+        return;
+    std::memcpy(_pEnd, data, nBytes);
+    _pEnd += nBytes;
 }
 
 bool Buffer::Appender::grow(std::size_t nFloats)
@@ -43,8 +52,8 @@ bool Buffer::Appender::grow(std::size_t nFloats)
         data.reset();
         data.pushSlots(size);
     }
-    _pEnd = data.end();
-    _pLimit = data.getEndPos();
+    _pEnd = reinterpret_cast<char*>(data.end());
+    _pLimit = reinterpret_cast<char*>(data.getEndPos());
     return true;
 }
 

@@ -47,6 +47,14 @@ bool ChangingArray::update(unsigned int& name, unsigned int before, const Source
     return true;
 }
 
+void ChangingArray::adopt(std::size_t n)
+{
+    *this = {};
+    _capacity = n;
+    pieces.extendTo(n);
+    pieces.settle(0);
+}
+
 bool ChangingArray::append(unsigned int name, const void* data, std::size_t n, std::size_t elementBytes)
 {
     if (name == 0 || pieces.size() == 0 || !pieces.isSettled())

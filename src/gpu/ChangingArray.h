@@ -36,6 +36,9 @@ public:
     /// @return false when GL has no name to give: all is as before
     bool update(unsigned int& name, unsigned int before, const Source& source, const ContextResource& home);
 
+    /// Tells that a buffer, which was made elsewhere, has n elements, and room for no more.
+    void adopt(std::size_t n);
+
     /// Sends n elements that come behind the last, if GL has all others and room for these. @return false when not
     bool append(unsigned int name, const void* data, std::size_t n, std::size_t elementBytes);
 

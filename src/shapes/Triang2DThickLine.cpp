@@ -5,6 +5,9 @@
 #include <gui/gl/Buffer.h>
 #include <td/Assert.h>
 
+#include <bit>
+#include <cstddef>
+
 namespace gui::gl
 {
 
@@ -14,14 +17,29 @@ namespace
 class ListBand : public Band
 {
 public:
-    ListBand(Triang2D::Points& vertices, Triang2D::Indices& indices)
+    /// @param nPoints  of the line
+    ListBand(Triang2D::Points& vertices, Triang2D::Indices& indices, std::size_t nPoints)
         : Band(bandLoops(), vertices.size())
         , _vertices(vertices)
         , _indices(indices)
     {
+        makeRoom(_vertices, cVerticesPerPoint * nPoints);
+        makeRoom(_indices, cIndicesPerPoint * nPoints);
     }
 
 private:
+    // What a line without bevels has. Pieces would have the lists grow a dozen times.
+    static constexpr std::size_t cVerticesPerPoint = 2;
+    static constexpr std::size_t cIndicesPerPoint = 6;
+
+    // Of a list that has none; as much as growing would make of it.
+    template <typename List>
+    static void makeRoom(List& list, std::size_t n)
+    {
+        if (list.capacity() == 0)
+            list.reserve(std::bit_ceil(n));
+    }
+
     void append(std::span<const td::Point<float>> vertices, std::span<const unsigned int> indices) override
     {
         _vertices.push_back(vertices.data(), vertices.size());
@@ -60,7 +78,7 @@ std::tuple<Primitive, unsigned int, unsigned int> Triang2D::triangulateLine(cons
     constexpr std::tuple<Primitive, unsigned int, unsigned int> nothing{Primitive::Triangles, 0, 0};
     if (n < 2)
         TD_ASSERT(false, nothing);
-    ListBand band(vertices, indices);
+    ListBand band(vertices, indices, n);
     band.add({points, n}, width, closed);
     return {Primitive::Triangles, band.getNoOfVertices(), band.getNoOfIndices()};
 }

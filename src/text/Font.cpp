@@ -3,6 +3,7 @@
 #include "../context/Restoration.h"
 #include "../context/TextureBinding.h"
 #include "../gpu/KeptTexture.h"
+#include "FontEdits.h"
 #include "GlyphTable.h"
 #include "LayoutMemo.h"
 
@@ -110,6 +111,7 @@ Font::Font(Font&& other) noexcept
     , _committed(std::exchange(other._committed, false))
     , _pTable(std::move(other._pTable))
     , _pMemo(std::move(other._pMemo))
+    , _pEdits(std::move(other._pEdits))
     , _isKept(other._isKept)
     , _isTextureLost(other._isTextureLost)
     , _isMipmapped(other._isMipmapped)
@@ -304,6 +306,7 @@ void Font::reserve(unsigned long nGlyphs)
 {
     if (_pMemo != nullptr)
         _pMemo->forget();
+    _pEdits.reset();
     _vertices.reserve(cVerticesPerGlyph * nGlyphs);
     _commands.reserve(cCommandsReserved);
 }
@@ -322,10 +325,12 @@ void Font::forgetDead()
 bool Font::commit()
 {
     forgetDead();
-    if (_committed)
+    if (_committed && _pEdits == nullptr) [[likely]]
         return true;
     if (!CurrentContext::isThere("Font::commit"))
         return false;
+    if (_committed)
+        return uploadEdits();
     deleteBuffers();
     _bufferHome.set(CurrentContext::getID());
     return _committed = upload();
@@ -350,13 +355,22 @@ bool Font::upload()
     glBindBuffer(GL_ARRAY_BUFFER, _vbo);
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(_vertices.size() * sizeof(_vd)), _vertices.begin(),
                  GL_STATIC_DRAW);
+    if (_pEdits != nullptr)
+        _pEdits->vertices.adopt(_vertices.size());
+    describeVertices();
+    return true;
+}
+
+// To the vertex array that is bound, which is none afterwards.
+void Font::describeVertices() const
+{
+    glBindBuffer(GL_ARRAY_BUFFER, _vbo);
     glEnableVertexAttribArray(0);
     glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, sizeof(_vd), reinterpret_cast<const void*>(offsetof(_vd, x)));
     glEnableVertexAttribArray(1);
     glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, sizeof(_vd), reinterpret_cast<const void*>(offsetof(_vd, u)));
     glBindVertexArray(0);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
-    return true;
 }
 
 void Font::draw(Program* prog)
@@ -402,7 +416,8 @@ void Font::draw(Program* prog)
 void Font::reset()
 {
     if (_pMemo != nullptr)
-        _pMemo->restart(_commands.size(), _vertices.capacity());
+        _pMemo->restart(_commands.size());
+    _pEdits.reset();
     _vertices.reset();
     _commands.reset();
     _committed = false;
@@ -413,6 +428,7 @@ void Font::release()
     deleteBuffers();
     if (_pMemo != nullptr)
         _pMemo->forget();
+    _pEdits.reset();
     _vertices.release();
     _commands.release();
 }

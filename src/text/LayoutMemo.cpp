@@ -34,12 +34,12 @@ catch (const std::bad_alloc&)
     return false;
 }
 
-void LayoutMemo::restart(std::size_t nStrings, std::size_t capacity)
+void LayoutMemo::restart(std::size_t nStrings)
 {
-    _capacity = capacity;
     _overwrittenEnd = 0;
     for (; _entries.size() > nStrings; _entries.pop_back())
         _nWasted += _entries.back().textLength;
+    _nKnown = _entries.size();
     if (_nWasted > _texts.size() / 2 + cWasteAlwaysTaken)
         forget();
 }

@@ -54,6 +54,8 @@ public:
                 disturb(_strings[i]);
             add(_strings[i]);
         }
+        if (disturbed >= cStrings)
+            replaceAndBack(disturbed - cStrings);
         require(font().commit(), "vertices are uploaded");
         const std::vector<float> vertices = trace.lastBuffer<float>(GL_ARRAY_BUFFER);
         require(vertices.size() == _plain.vertices.size(), "six vertices for each glyph");
@@ -174,6 +176,17 @@ private:
         const auto& [text, pos, format] = string;
         const td::Size<float> size = font().addString(pos, exact(text).data(), text.size(), format);
         require(isSame(size, _plain.addString(pos, text, format)), "the size");
+    }
+
+    /// By spaces, whose vertices nobody may see, and by itself again, which has its old room.
+    void replaceAndBack(std::size_t index)
+    {
+        const auto& [text, pos, format] = _strings[index];
+        font().replaceString(index, pos, "  ", 2, format);
+        const td::Size<float> size = font().replaceString(index, pos, exact(text).data(), text.size(), format);
+        const std::size_t n = _plain.vertices.size();
+        require(isSame(size, _plain.addString(pos, text, format)), "the size of what is replaced");
+        _plain.vertices.resize(n);
     }
 
     void measure(const std::string& text, unsigned int start, unsigned int count)

@@ -207,4 +207,42 @@ TEST_F(FontTest, MovesWithAllItHas)
     gui::gl::CurrentContext::died(&other);
 }
 
+// All strings of a font are megabytes. What was laid out is FontLayoutTest's, how it looks TextGLTest's.
+TEST_F(FontTest, ReplacedStringsAreUploadedAlone)
+{
+    ASSERT_TRUE(load(FontFile(U"ab")));
+    for (const char* const text : {"aaaa", "b", "aaaa"})
+        font().addString({}, text, 0, td::ColorID::Red, 1);
+    ASSERT_TRUE(font().commit());
+    const auto commit = [&]
+    {
+        trace.clear();
+        return font().commit();
+    };
+    const Format black;
+    font().replaceString(0, {}, "bb ", 0, black);
+    font().setColor(1, td::ColorID::Blue);
+    font().setColor(2, td::Color("#204060"));
+    ASSERT_TRUE(commit());
+    EXPECT_TRUE(trace.only({"glBindBuffer(0x8f37, 1)", "glBufferSubData(0x8f37, 0, 192, ptr)"}));
+    // Two glyphs where there was one: behind all others, in a larger buffer, into which GL copies the rest.
+    font().replaceString(1, {}, "aa", 0, black);
+    ASSERT_TRUE(commit());
+    EXPECT_EQ(trace.count("glBufferSubData"), 1u);
+    EXPECT_TRUE(trace.inOrder({"glCopyBufferSubData(0x8f36, 0x8f37, 0, 0, 864)",
+                               "glBufferSubData(0x8f37, 864, 288, ptr)", "glBindVertexArray(1)",
+                               "glBindBuffer(0x8892, 2)", "glVertexAttribPointer(0, 2, 0x1406, 0, 16, 0)"}));
+    font().replaceString(1, {}, "aba", 0, black); // has room now
+    ASSERT_TRUE(commit());
+    EXPECT_TRUE(trace.only({"glBindBuffer(0x8f37, 2)", "glBufferSubData(0x8f37, 864, 288, ptr)"}));
+    ASSERT_TRUE(commit());
+    EXPECT_TRUE(trace.only({}));
+    font().replaceString(3, {}, "a", 0, black);
+    EXPECT_TRUE(asserts.caught("index < _commands.size()"));
+    font().setColor(3, td::ColorID::Blue);
+    EXPECT_TRUE(asserts.caught("index < _commands.size()"));
+    EXPECT_EQ(font().getNoOfStrings(), 3u);
+    EXPECT_TRUE(trace.only({}));
+}
+
 } // namespace

@@ -10,6 +10,8 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -114,6 +116,40 @@ TEST_F(TextGLTest, DepthDecidesUnlessItsTestIsOff)
     text.render(Text::Ctrl::NoDepthTest);
     EXPECT_EQ(at(12, 8), (Pixel{0, 255, 0}));
     EXPECT_EQ(glIsEnabled(GL_DEPTH_TEST), GL_FALSE);
+}
+
+// A string that was replaced must look as if it had been added so, and leave its neighbours alone, after a reset too.
+TEST_F(TextGLTest, ReplacedStringsAreDrawnInTheirPlace)
+{
+    const auto render = [&]
+    {
+        clear(cBack);
+        text.render(Text::Ctrl::BlendNoDepthTest);
+        std::vector<unsigned char> pixels(64 * 64 * 4);
+        glReadPixels(0, 0, 64, 64, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        return pixels;
+    };
+    const auto addAll = [&](const char* second, float x)
+    {
+        add("F", 0, 0, {.colorID = td::ColorID::Red});
+        add(second, x, 16, {.colorID = td::ColorID::Lime});
+        add("T", 0, 24, {.colorID = td::ColorID::White}); // over the second one
+    };
+    Font& font = *text.getFont(0);
+    addAll("FT", 0);
+    const auto before = render();
+    for (const auto& [second, x] : {std::pair("T ", 16.0f), {"TFT", 8.0f}, {"", 0.0f}, {"T TF", 0.0f}})
+    {
+        font.replaceString(1, {x, 16}, second, 0, {.colorID = td::ColorID::Blue});
+        font.setColor(1, td::ColorID::Lime);
+        const auto replaced = render();
+        font.reset();
+        addAll(second, x);
+        EXPECT_TRUE(replaced == render()) << second;
+        font.reset();
+        addAll("FT", 0);
+        EXPECT_TRUE(render() == before) << second;
+    }
 }
 
 } // namespace

@@ -383,7 +383,7 @@ public:
     Appender& operator=(const Appender&) = delete;
 
     /// @param data  nVertices times the floats of a vertex
-    void append(const float* data, std::size_t nVertices) { appendFloats(data, nVertices * _nFloats); }
+    void append(const float* data, std::size_t nVertices) { appendBytes(data, nVertices * _nFloats * sizeof(float)); }
     /// The same by structures of the layout's size (an assertion), which is faster: how much is copied is known when
     /// it is compiled.
     template <typename Record>
@@ -404,21 +404,23 @@ private:
         static_assert(std::is_trivially_copyable_v<Record> && sizeof(Record) % sizeof(float) == 0);
         constexpr std::size_t cFloats = sizeof(Record) / sizeof(float);
         TD_ASSERT(cFloats == _nFloats || _nFloats == 0);
-        appendFloats(records, cRecords * cFloats);
+        appendBytes(records, cRecords * sizeof(Record));
     }
-    void appendFloats(const void* data, std::size_t n)
+    void appendBytes(const void* data, std::size_t n)
     {
-        if (n >= static_cast<std::size_t>(_pLimit - _pEnd) && !grow(n)) [[unlikely]]
-            return;
-        std::memcpy(_pEnd, data, n * sizeof(float));
-        _pEnd += n;
+        char* const pEnd = _pEnd;
+        if (n >= static_cast<std::size_t>(_pLimit - pEnd)) [[unlikely]]
+            return appendGrowing(data, n);
+        _pEnd = pEnd + n;
+        std::memcpy(pEnd, data, n);
     }
+    void appendGrowing(const void* data, std::size_t nBytes);
     bool grow(std::size_t nFloats);
     void handOver();
 
     Buffer& _buffer;
-    float* _pEnd = nullptr;   // of what was appended
-    float* _pLimit = nullptr; // of the room for it
+    char* _pEnd = nullptr;    // of what was appended
+    char* _pLimit = nullptr;  // of the room for it
     std::size_t _nFloats = 0; // of a vertex; 0 when nothing may be appended
 };
 

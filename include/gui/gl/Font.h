@@ -36,6 +36,7 @@ namespace gui::gl
 
 class GlyphTable;
 class LayoutMemo;
+struct FontEdits;
 class Program;
 struct FontMetrics;
 
@@ -43,8 +44,8 @@ struct FontMetrics;
 ///
 /// load a font file, add strings, and they are drawn: each glyph is a textured quad, each string one draw call in a
 /// colour and at a depth of its own. Fonts are members of a Text, which draws them (Text::getFont, Text::loadFont); a
-/// font of its own, outside of any Text, loads but refuses to lay out. To replace the text: reset, then add strings
-/// again.
+/// font of its own, outside of any Text, loads but refuses to lay out. To replace all text: reset, then add strings
+/// again; to replace some, replaceString and setColor.
 ///
 /// Text is UTF-8; malformed bytes count as U+FFFD (see vo::UTFConverter). Coordinates are the pixels of the frame, y
 /// growing downwards, and a string's position is the top left corner of its first line (or the top right one or the
@@ -182,6 +183,32 @@ public:
                               float scale);
     td::Size<float> addString(const td::Point<float>& pos, const td::StringBase& str, td::Color color, float scale);
 
+    /// How many strings there are. They are numbered from 0 in the order in which they were added, until reset:
+    /// @code
+    /// const std::size_t clock = font.getNoOfStrings();
+    /// font.addString({10, 10}, "00:00", 0, td::ColorID::Black, 1);
+    /// // and later, before any frame
+    /// font.replaceString(clock, {10, 10}, now, {.scale = 1});
+    /// font.setColor(clock, td::ColorID::Red);
+    /// @endcode
+    std::size_t getNoOfStrings() const { return _commands.size(); }
+
+    /// Puts another text, or the same elsewhere or in other looks, in the place of a string: drawn when that one was,
+    /// laid out as by addString. It may be called on committed content too, of which the next commit uploads the
+    /// string's own vertices and nothing else. A string that has grown gets new room, half as much again as it takes,
+    /// and its old one is free only after reset: keep strings that grow without end in a font of their own.
+    /// @param index  below getNoOfStrings() ("index < _commands.size()")
+    /// @return as addString. What that refuses leaves the string as it was
+    td::Size<float> replaceString(std::size_t index, const td::Point<float>& pos, const char* str, unsigned long len,
+                                  const _format& format);
+    td::Size<float> replaceString(std::size_t index, const td::Point<float>& pos, const td::StringBase& str,
+                                  const _format& format);
+
+    /// Another colour for a string, on committed content too. Nothing is uploaded.
+    /// @param index  below getNoOfStrings() ("index < _commands.size()")
+    void setColor(std::size_t index, td::ColorID colorID);
+    void setColor(std::size_t index, td::Color color);
+
     /// The size of a piece of a string in font units: multiply by the scale. It differs from what addString returns
     /// where lines break (each adds the additional space to the height) and where a line or the piece begins with a
     /// space or a break (only the piece's very first code point is pulled left).
@@ -241,15 +268,22 @@ private:
     bool isEmpty() const { return _pTable == nullptr; }
     FontMetrics metrics() const;
     bool canLayOut(const char* begin, const char* end) const;
-    bool measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
+    bool isLaidOut(const char* begin, const char* end) const;
+    void measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
     template <bool tellsSpacesApart>
-    void addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
-    bool addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size);
-    void recordString(std::size_t firstVertex, const _format& format);
-    bool addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
-                    const _format& format, td::Size<float>& size);
-    bool addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format,
-                  td::Size<float>& size);
+    td::Size<float> addRun(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    td::Size<float> addGrowing(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    td::Size<float> addPrecisely(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    td::Size<float> addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale);
+    static void setLooks(_cmd& cmd, const _format& format);
+    bool uploadEdits();
+    void describeVertices() const;
+    void recordString(std::size_t firstVertex, std::size_t nVertices, const _format& format);
+    td::Size<float> addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len,
+                                   const _format& format);
+    td::Size<float> addAligned(const td::Point<float>& pos, const char* begin, const char* end, float measuredWidth,
+                               const _format& format);
+    td::Size<float> addLines(const td::Point<float>& pos, const char* str, std::size_t len, const _format& format);
 
     std::shared_ptr<Scratch> _pUTF32; // of the Text that made it; a font that has none lays nothing out
     cnt::SafeFullVector<_glyph, false> _glyphs;
@@ -270,6 +304,7 @@ private:
     bool _committed = false;
     std::unique_ptr<GlyphTable> _pTable; // glyphs and their map once more, for layout; null as long as there are none
     std::unique_ptr<LayoutMemo> _pMemo;  // null as long as the table is
+    std::unique_ptr<FontEdits> _pEdits;  // null as long as no string was replaced
     bool _isKept = true;
     bool _isTextureLost = false; // with its context, and not kept
     bool _isMipmapped = false;

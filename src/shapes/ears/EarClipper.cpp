@@ -81,6 +81,7 @@ void EarClipper::setSize(unsigned int n)
     grown(_places, n);
     _slots.reserve(n);
     _slotCorners.reserve(n);
+    _isKept.reserve(n);
 
     const Levels<CornerSet::cMaxLevels> words(n, 64);
     grown(_candidates, words.size);

@@ -112,6 +112,10 @@ public:
         return _pData + sz;
     }
 
+    /// Takes into use all slots up to one, which the caller has filled already.
+    /// @param pEnd  from end() to getEndPos()
+    void useTo(T* pEnd) { _pEnd = pEnd; }
+
     /// Inserts a copy of a value before the element at pos; a pos of size() or beyond appends it.
     void insert(std::size_t pos, const T& value)
     {

@@ -1,22 +1,20 @@
-// Font's layout and measure: one pass over the bytes, in which pen and vertices are computed by the prescribed
+#pragma once
+
+// Layout and measure: one pass over the bytes, in which pen and vertices are computed by the prescribed
 // operations in their order, so that they are the same to the bit on every machine. What takes time is that of one
 // position of the pen to the next: three additions, each of which waits for the one before.
 //
 // A space is laid out as a glyph without bearing, padding or width, whose vertices are overwritten by those of the
 // glyph behind it. That adds zeros to the pen, which change nothing as long as it is not at -0, and it gets there from
 // nowhere else; and an infinite scale would make of zero no number. Where one of these can be, spaces are told apart.
-#include <gui/gl/Font.h>
-
 #include "../simd/Lanes.h"
 #include "GlyphTable.h"
-#include "LayoutMemo.h"
 #include "Pen.h"
 
-#include <td/Assert.h>
 #include <vo/UTFConverter.h>
 
-#include <bit>
 #include <cmath>
+#include <cstddef>
 #include <memory>
 
 namespace gui::gl
@@ -27,7 +25,6 @@ namespace
 
 static_assert(sizeof(Font::_vd) == sizeof(Record));
 constexpr std::size_t cQuadVertices = 6;
-constexpr std::size_t cVerticesAtFirst = 1024;
 
 /// What a space or a quad adds beside its own metrics.
 struct Addends
@@ -50,7 +47,7 @@ struct Taken
 }
 
 // A character of several bytes. Apart, to leave the loops the registers; what calls another function is apart of that.
-[[gnu::noinline]] Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
+[[gnu::always_inline]] inline Taken takeLong(const GlyphTable& table, const unsigned char* p, const unsigned char* end)
 {
     char32_t codePoint = 0;
     if (!vo::UTFConverter::nextWellFormed(p, end, codePoint)) [[unlikely]]
@@ -63,6 +60,13 @@ inline Taken takeOther(const GlyphTable& table, const unsigned char* p, const un
                        GlyphTable::Number number)
 {
     return number == GlyphTable::cLead ? takeLong(table, p, end) : Taken{p + 1, number};
+}
+
+// Where the registers are worth more than a call.
+[[gnu::noinline]] Taken takeOtherApart(const GlyphTable& table, const unsigned char* p, const unsigned char* end,
+                                       GlyphTable::Number number)
+{
+    return takeOther(table, p, end, number);
 }
 
 // Half an entry, from its first field on.
@@ -79,8 +83,9 @@ template <bool tellsSpacesApart>
 class Run
 {
 public:
-    Run(const GlyphTable& table, const td::Point<float>& pos, float scale, const Pen& pen)
-        : _pen(pen)
+    // The pen is put together in place: a copy of one that was just written, read as a block, waits for memory.
+    Run(const GlyphTable& table, const td::Point<float>& pos, float scale)
+        : _pen{.x = pos.x, .top = pos.y, .bottom = pos.y + scale * table.metrics().lineHeight}
         , _table(table)
         , _left(pos.x)
         , _scale(scale)
@@ -98,8 +103,8 @@ public:
 
     const Pen& pen() const { return _pen; }
 
-    /// How many vertices the last call added.
-    std::size_t nVertices() const { return _nVertices; }
+    /// Behind the vertices that the last call added.
+    Font::_vd* end() const { return _pOut; }
 
     /// Whether a space was laid out behind the last glyph.
     bool hasSpilled() const { return _pLast != nullptr && _pLast->nQuads == 0; }
@@ -111,7 +116,7 @@ private:
     const float _scale;
     const Addends _addends[2];                 // by the number of quads
     const GlyphTable::Entry* _pLast = nullptr; // what was laid out
-    std::size_t _nVertices = 0;
+    Font::_vd* _pOut = nullptr;
 };
 
 template <bool tellsSpacesApart>
@@ -120,8 +125,7 @@ inline const unsigned char* Run<tellsSpacesApart>::add(const unsigned char* p, c
 {
     const GlyphTable& table = _table;
     const float s = _scale;
-    float* const pFirst = &pOut->x;
-    float* pTo = pFirst;
+    float* pTo = &pOut->x;
     const GlyphTable::Entry* pEntry = _pLast;
     bool isLineBreak = false;
     do
@@ -182,128 +186,10 @@ inline const unsigned char* Run<tellsSpacesApart>::add(const unsigned char* p, c
         }
     } while (isLineBreak);
     _pLast = pEntry;
-    _nVertices = static_cast<std::size_t>(pTo - pFirst) / 4;
+    _pOut = reinterpret_cast<Font::_vd*>(pTo);
     return p;
 }
 
 } // namespace
-
-// Whether a text can be laid out: asserts where it can't.
-bool Font::canLayOut(const char* begin, const char* end) const
-{
-    if (begin >= end)
-        return true;
-    TD_ASSERT(_pUTF32, false);
-    const auto* p = reinterpret_cast<const unsigned char*>(begin);
-    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
-    while (p < pEnd)
-    {
-        Taken taken{p + 1, _pTable->numberOfByte(*p)};
-        if (!GlyphTable::hasEntry(taken.number))
-            taken = takeOther(*_pTable, p, pEnd, taken.number);
-        p = taken.pNext;
-        if (taken.number == GlyphTable::cSpace || taken.number == GlyphTable::cLineBreak)
-            continue;
-        const float tx = _pTable->entry(taken.number).left;
-        const float nextTx = _pTable->entry(taken.number).right;
-        TD_ASSERT(nextTx > tx, false);
-    }
-    return true;
-}
-
-// A call more would be felt in short texts.
-template <bool tellsSpacesApart>
-[[gnu::always_inline]] inline void Font::addRun(const td::Point<float>& pos, const char* begin, const char* end,
-                                                float scale, td::Size<float>& size)
-{
-    if (_vertices.capacity() == 0)
-        _vertices.reserve(cVerticesAtFirst);
-
-    Run<tellsSpacesApart> run(*_pTable, pos, scale, {.x = pos.x, .top = pos.y, .bottom = pos.y + scale * _lineHeight});
-    const auto* p = reinterpret_cast<const unsigned char*>(begin);
-    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
-    do
-    {
-        // A character has a byte at least.
-        const std::size_t room = _vertices.capacity() - _vertices.size();
-        const bool isRoom = room >= cQuadVertices;
-        const unsigned char* pStop = pEnd;
-        if (room < static_cast<std::size_t>(pEnd - p) * cQuadVertices) [[unlikely]]
-            pStop = p + (isRoom ? room / cQuadVertices : 1);
-        _vd quad[cQuadVertices];
-        p = run.add(p, pStop, pEnd, isRoom ? _vertices.end() : quad);
-        if (isRoom) [[likely]]
-        {
-            _vertices.pushSlots(run.nVertices());
-            if (run.hasSpilled())
-                _pMemo->overwrote(_vertices.size() + cQuadVertices);
-        }
-        else
-            _vertices.push_back(quad, run.nVertices()); // which grows if it is a glyph
-    } while (p < pEnd);
-    size = run.pen().size(pos, scale * _lineSpacing);
-}
-
-bool Font::addPiece(const td::Point<float>& pos, const char* begin, const char* end, float scale, td::Size<float>& size)
-{
-    if (begin >= end)
-        return true;
-    if ((_pUTF32 == nullptr || !_pTable->areAllEdgesOrdered()) && !canLayOut(begin, end)) [[unlikely]]
-        return false;
-    const bool isMinusZero = std::bit_cast<unsigned int>(pos.x) == std::bit_cast<unsigned int>(-0.0f);
-    // Numbers so large that their sum is none are told from infinite ones in vain, but rightly.
-    if (!_pTable->isFinite() || isMinusZero || !std::isfinite(pos.x + pos.y + scale)) [[unlikely]]
-        addRun<true>(pos, begin, end, scale, size);
-    else
-        addRun<false>(pos, begin, end, scale, size);
-    return true;
-}
-
-bool Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
-{
-    if (begin >= end)
-        return true;
-    if ((_pUTF32 == nullptr || !_pTable->areAllEdgesOrdered()) && !canLayOut(begin, end)) [[unlikely]]
-        return false;
-    const GlyphTable& table = *_pTable;
-
-    const FontMetrics& metrics = table.metrics();
-    const Addends addends[2]{{0, 0}, {metrics.glyphPadding / 2, metrics.additionalSpace}};
-    // To add nothing takes its time too.
-    const bool isSpaced = metrics.additionalSpace != 0;
-    float x = 0;
-    float y = 0;
-    float bottom = metrics.lineHeight;
-    float widest = 0;
-    float bearingSign = -1;
-    const auto* p = reinterpret_cast<const unsigned char*>(begin);
-    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
-    while (p < pEnd)
-    {
-        Taken taken{p + 1, table.numberOfByte(*p)};
-        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
-            taken = takeOther(table, p, pEnd, taken.number);
-        p = taken.pNext;
-        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
-        {
-            widest = std::max(widest, x);
-            x = 0;
-            y += metrics.lineHeight + metrics.lineSpacing + metrics.additionalSpace;
-            bottom = y + metrics.lineHeight;
-            bearingSign = 1;
-            continue;
-        }
-        // Unlike layout: nothing behind the piece's first code point is pulled left, be it the first of its line.
-        const GlyphTable::Entry& entry = table.entry(taken.number);
-        x += bearingSign * entry.bearing;
-        bearingSign = 1;
-        x -= addends[entry.nQuads].halfPadding;
-        x += entry.advance;
-        if (isSpaced)
-            x += addends[entry.nQuads].additionalSpace;
-    }
-    size = {std::max(widest, x), bottom + metrics.lineSpacing};
-    return true;
-}
 
 } // namespace gui::gl
