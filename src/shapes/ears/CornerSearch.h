@@ -3,6 +3,8 @@
 #include "CornerTree.h"
 #include "EarTriangle.h"
 
+#include <limits>
+
 namespace gui::gl
 {
 
@@ -23,7 +25,7 @@ public:
         : _tree(tree)
         , _triangle(a, b, c)
         , _bounds(a, b, c, turnArea(a, b, c))
-        , _isBounded(_bounds.isProven && tree.isBounded)
+        , _isBounded(_bounds.isProven && (tree.isBounded || _bounds.isSmall()))
         , _own{u, v, w}
     {
     }
@@ -31,6 +33,8 @@ public:
     /// A slot; cNone when there is none. From v's leaf upwards: what is in the way is near most of the time.
     unsigned int find()
     {
+        if (!_isBounded && _triangle.isEmpty())
+            return cNone;
         const unsigned int leaf = _own[1] / cFan;
         const unsigned int inside = insideLeaf(leaf);
         if (inside != 0)
@@ -112,6 +116,8 @@ private:
         if (children != 0)
             children &= edgesBits(boxes, children);
         if (!_isBounded && children != 0)
+            children &= infiniteEdgesBits(boxes, children);
+        if (!_isBounded && children != 0)
             children &= stripEdgesBits(boxes, children);
         return children;
     }
@@ -170,6 +176,27 @@ private:
                                    (sideOf(_triangle.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
                                    (sideOf(_triangle.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
             outside |= bits(isOutside) << i;
+        }
+        return ~outside;
+    }
+
+    // Where numbers are infinite, or their products: an edge's value is a difference of two products. One that is NaN,
+    // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
+    [[gnu::noinline]] unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        constexpr float cMost = std::numeric_limits<float>::max();
+        unsigned int outside = 0;
+        for (const EarTriangle::Edge& edge : _triangle.edges)
+        {
+            const float* const x = edge.y < 0 ? boxes.maxX : boxes.minX;
+            const float* const y = edge.x > 0 ? boxes.maxY : boxes.minY;
+            // 0 times infinity tells nothing of others.
+            const Mask isX = all(edge.y) != 0, isY = all(edge.x) != 0;
+            for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
+            {
+                const Floats most = edge.x * (load(y + i) - edge.y0), least = edge.y * (load(x + i) - edge.x0);
+                outside |= bits((isY & ~(most >= -cMost)) | (isX & ~(least <= cMost))) << i;
+            }
         }
         return ~outside;
     }
