@@ -117,7 +117,8 @@ private:
             children &= edgesBits(boxes, children);
         if (!_isBounded && children != 0)
             children &= infiniteEdgesBits(boxes, children);
-        if (!_isBounded && children != 0)
+        // Where many are left, if only outlines cross the boxes: in another order strips are wide.
+        if (_isBounded ? __builtin_popcount(children) > 4 && _tree.pSlots == nullptr : children != 0)
             children &= stripEdgesBits(boxes, children);
         return children;
     }
@@ -201,10 +202,10 @@ private:
         return ~outside;
     }
 
-    // For slivers, which have no bounds: the edges once more, with what is both in the box and in its strip. Let a
-    // corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a * (s + t) + (b
-    // - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead, signs change.
-    // The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
+    // For slivers, which have no bounds, and for needles: the edges once more, with what is both in the box and in its
+    // strip. Let a corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a *
+    // (s + t) + (b - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead,
+    // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
     [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         unsigned int outside = 0;
