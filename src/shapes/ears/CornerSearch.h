@@ -115,11 +115,9 @@ private:
             children &= stripBits(boxes, children);
         if (children != 0)
             children &= edgesBits(boxes, children);
-        if (!_isBounded && children != 0)
-            children &= infiniteEdgesBits(boxes, children);
         // Where many are left, if only outlines cross the boxes: in another order strips are wide.
-        if (_isBounded ? __builtin_popcount(children) > 4 && _tree.pSlots == nullptr : children != 0)
-            children &= stripEdgesBits(boxes, children);
+        if (_isBounded ? __builtin_popcount(children) > 7 && _tree.pSlots == nullptr : children != 0)
+            children &= furtherBits(boxes, children);
         return children;
     }
 
@@ -181,9 +179,17 @@ private:
         return ~outside;
     }
 
+    // What takes longer, and apart from the rest.
+    [[gnu::noinline]] unsigned int furtherBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        if (!_isBounded)
+            children &= infiniteEdgesBits(boxes, children);
+        return children & stripEdgesBits(boxes, children);
+    }
+
     // Where numbers are infinite, or their products: an edge's value is a difference of two products. One that is NaN,
     // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
-    [[gnu::noinline]] unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         constexpr float cMost = std::numeric_limits<float>::max();
         unsigned int outside = 0;
@@ -206,7 +212,7 @@ private:
     // strip. Let a corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a *
     // (s + t) + (b - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead,
     // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
-    [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
