@@ -89,7 +89,8 @@ struct EarBounds
         const float minX = smallest(a.x, b.x, c.x), maxX = largest(a.x, b.x, c.x), width = maxX - minX;
         const float minY = smallest(a.y, b.y, c.y), maxY = largest(a.y, b.y, c.y), height = maxY - minY;
         margin = width * height / area * 0x1p-18f;
-        margin = margin > 1 ? 2 * margin : margin;
+        if (margin > 1) [[unlikely]]
+            margin *= 2;
         left = minX - margin * width;
         right = maxX + margin * width;
         bottom = minY - margin * height;
