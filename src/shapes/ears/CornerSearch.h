@@ -115,8 +115,10 @@ private:
             children &= stripBits(boxes, children);
         if (children != 0)
             children &= edgesBits(boxes, children);
-        // Where many are left, if only outlines cross the boxes: in another order strips are wide.
-        if (_isBounded ? __builtin_popcount(children) > 7 && _tree.pSlots == nullptr : children != 0)
+        // Where many are left, if only outlines cross the boxes: in another order strips are wide. Once there is a
+        // corner inside, the next one is found as soon.
+        const bool isDear = __builtin_popcount(children) > 7 && _tree.pSlots == nullptr && !_picksAny;
+        if (_isBounded ? isDear : children != 0)
             children &= furtherBits(boxes, children);
         return children;
     }
