@@ -247,6 +247,10 @@ BENCHMARK(fillFan)->Name("Fan")->Arg(16)->Arg(1024);
         for (const test::Family& family : families)
             benchmark::RegisterBenchmark(("Growth/" + std::string(family.name)).c_str(), grow, family)
                 ->Unit(benchmark::kMillisecond);
+    for (const test::Family& family : {test::simpleFamilies()[0], test::hostileFamilies()[4]})
+        benchmark::RegisterBenchmark(("Million/" + std::string(family.name)).c_str(),
+                                     [family](benchmark::State& state) { clip(state, {makeOutline(family, 1000000)}); })
+            ->Unit(benchmark::kMillisecond);
     return true;
 }();
 

@@ -296,6 +296,51 @@ Outline makeNoise(Random& random, std::size_t n)
     return outline;
 }
 
+// A band in 64 turns, and back beside itself.
+Outline makeCoil(Random&, std::size_t n)
+{
+    const std::size_t half = n / 2 + 1;
+    const auto onCoil = [&](std::size_t i, double off)
+    { return onCircle(64 * double(i) / double(half), 0.1 + 0.9 * double(i) / double(half) + off / 64); };
+    Outline outline = collect(half, [&](std::size_t i) { return onCoil(i, 0); });
+    for (std::size_t i = half; i-- > 0;)
+        outline.push_back(onCoil(i, 0.45));
+    return outline;
+}
+
+// Every other corner is near the middle.
+Outline makeSpikes(Random& random, std::size_t n)
+{
+    return collect(n, [&](std::size_t i)
+                   { return onCircle(double(i) / double(n), i % 2 == 1 ? 1 : random.between(0.01f, 0.1f)); });
+}
+
+// A circle with some corners where others are.
+Outline makeDuplicates(Random& random, std::size_t n)
+{
+    Outline outline = makeCircle(random, n);
+    for (Point& p : outline)
+        p = random.isOneIn(100) ? outline[random.below(static_cast<unsigned int>(n))] : p;
+    return outline;
+}
+
+Outline makeScrambled(Random& random, std::size_t n)
+{
+    Outline outline = makeStar(random, n);
+    for (std::size_t i = n; i > 1; --i)
+        std::swap(outline[i - 1], outline[random.below(static_cast<unsigned int>(i))]);
+    return outline;
+}
+
+Outline makeNaN(Random& random, std::size_t n)
+{
+    constexpr float cNaN = std::numeric_limits<float>::quiet_NaN();
+    Outline outline = makeStar(random, n);
+    for (Point& p : outline)
+        p = random.isOneIn(10) ? Point{cNaN, cNaN} : p;
+    return outline;
+}
+
 constexpr Family cSimpleFamilies[] = {{"star", makeStar},     {"circle", makeCircle}, {"comb", makeComb},
                                       {"spiral", makeSpiral}, {"curve", makeCurve},   {"meander", makeMeander},
                                       {"coast", makeCoast}};
@@ -303,8 +348,15 @@ constexpr Family cWildFamilies[] = {{"long runs", makeLongRuns}, {"blocks", make
                                     {"grid walk", makeGridWalk}, {"steps", makeSteps},   {"clusters", makeClusters},
                                     {"sliver", makeSliver},      {"turns", makeTurns}};
 
-constexpr Family cHostileFamilies[] = {
-    {"needles", makeNeedles}, {"crossed needles", makeCrossedNeedles}, {"blocked", makeBlocked}, {"noise", makeNoise}};
+constexpr Family cHostileFamilies[] = {{"needles", makeNeedles},
+                                       {"crossed needles", makeCrossedNeedles},
+                                       {"blocked", makeBlocked},
+                                       {"noise", makeNoise},
+                                       {"coil", makeCoil},
+                                       {"spikes", makeSpikes},
+                                       {"duplicates", makeDuplicates},
+                                       {"scrambled", makeScrambled},
+                                       {"NaN", makeNaN}};
 
 float poison(Random& random)
 {

@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <vector>
 
 namespace gui::draw
 {
@@ -32,7 +31,7 @@ struct PrimitiveTree
         bool isNone(std::size_t i) const { return first[i] == 0 && count[i] == 0; }
     };
 
-    std::vector<Node> nodes;  // a node before what is below it
+    LargeVector<Node> nodes;  // a node before what is below it
     std::size_t nInTree = 0;  // the first so many primitives
     glm::dvec3 center{0};     // of the boxes' coordinates
     double toTree = 1;        // from model units, a power of two

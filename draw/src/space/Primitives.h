@@ -1,11 +1,12 @@
 #pragma once
 
+#include "LargeVector.h"
+
 #include <glm/vec3.hpp>
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace gui::draw
 {
@@ -14,12 +15,13 @@ namespace gui::draw
 struct Primitives
 {
     std::size_t nCorners = 3;             // of each: 3, 2 or 1
-    std::vector<glm::dvec3> vertices;     // not a number in all three where they are of no use
-    std::vector<std::uint32_t> corners;   // nCorners for each, of vertices
-    std::vector<std::uint32_t> numbers;   // what each is called outside
-    std::vector<std::uint32_t> originals; // what each vertex is called outside; empty while they are the same
+    LargeVector<glm::dvec3> vertices;     // not a number in all three where they are of no use
+    LargeVector<std::uint32_t> corners;   // nCorners for each, of vertices
+    LargeVector<std::uint32_t> numbers;   // what each is called outside; empty while they are the same
+    LargeVector<std::uint32_t> originals; // what each vertex is called outside; empty while they are the same
 
-    std::size_t size() const { return numbers.size(); }
+    std::size_t size() const { return corners.size() / nCorners; }
+    std::uint32_t number(std::size_t i) const { return numbers.empty() ? static_cast<std::uint32_t>(i) : numbers[i]; }
     const glm::dvec3& corner(std::size_t i, std::size_t k) const { return vertices[corners[i * nCorners + k]]; }
 
     /// Whether all corners can be used.

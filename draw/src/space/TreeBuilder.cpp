@@ -27,9 +27,8 @@ constexpr std::uint64_t cDigitMask = (1 << cDigitBits) - 1;
 // So many that have the same place on the curve are sorted once more, by themselves.
 constexpr std::size_t cLongRun = 16;
 
-// What it takes to visit half a node, in tests of a primitive.
-constexpr float cVisit = 0.5F;
-constexpr std::uint32_t cLargestLeaf = 8;
+// A bit that no primitive's number has.
+constexpr std::uint32_t cIsPair = 0x80000000;
 
 // 11 bits with two between each.
 std::uint64_t spread(std::uint64_t bits)
@@ -77,13 +76,13 @@ constexpr Places cPlaces;
 
 TreeBuilder::TreeBuilder(const Primitives& primitives, const Box3& bounds)
     : _given(primitives)
-    , _boxes(primitives.size() + 1)
-    , _isPair(primitives.size())
 {
     _tree.setFrame(bounds);
     const glm::dvec3 size = bounds.getSize() * (0.5 * _tree.toTree);
     _half = static_cast<float>(std::max({size.x, size.y, size.z}));
     _toPlace = _half > 0 ? 1023 / _half : 0;
+    _boxes.reserve(primitives.size());
+    _firsts.reserve(primitives.size());
     _keys.reserve(primitives.size());
     for (std::vector<std::uint32_t>& counts : _counts)
         counts.assign(std::size_t(1) << cDigitBits, 0);
@@ -106,9 +105,7 @@ bool TreeBuilder::step()
             _n = _nClusters = _keys.size();
             for (std::size_t i = 0; i < 6; ++i)
                 _sides[i].assign(_n + 2 * cMargin, i < 3 ? -1e12F : 1e12F);
-            _costs.resize(_n);
             _ids.resize(_n);
-            _sizes.resize(_n);
             _partners.resize(_n);
             _merged.reserve(_n);
             go(Stage::Gather);
@@ -137,10 +134,15 @@ bool TreeBuilder::step()
         collapseSome();
         if (_pending.empty())
         {
+            _keys = {};
+            _firsts = {};
+            _ids = {};
+            _merged = {};
             _order.insert(_order.end(), _unusable.begin(), _unusable.end());
             _ordered.nCorners = _given.nCorners;
             _ordered.corners.reserve(_given.corners.size());
             _ordered.numbers.reserve(n);
+            _ordered.originals.reserve(std::min(_given.vertices.size(), _given.corners.size()));
             _names.assign(_given.vertices.size(), cNone);
             go(Stage::Order);
         }
@@ -251,16 +253,16 @@ bool TreeBuilder::isPair(std::size_t i, const Box& box, const Box& next) const
     return area(box, next) <= 0.75F * (area(box, box) + area(next, next));
 }
 
-void TreeBuilder::addKey(std::size_t i)
+void TreeBuilder::addKey(const Box& box)
 {
-    const Box& box = _boxes[i];
     std::uint64_t code = 0;
     for (std::size_t axis = 0; axis < 3; ++axis)
     {
         const float place = (box.least[axis] + box.greatest[axis]) * 0.5F;
         code |= spread(static_cast<std::uint64_t>((place + _half) * _toPlace)) << axis;
     }
-    _keys.push_back(code << cNumberBits | i);
+    _keys.push_back(code << cNumberBits | _boxes.size());
+    _boxes.push_back(box);
     for (std::size_t k = 0; k < 3; ++k)
         ++_counts[k][code >> (k * cDigitBits) & cDigitMask];
 }
@@ -270,14 +272,14 @@ void TreeBuilder::findBoxes(std::size_t end)
     while (_at < end)
     {
         const std::size_t i = _at++;
-        Box& box = _boxes[i];
+        Box box, next;
         if (!findBox(i, box))
         {
             _unusable.push_back(static_cast<std::uint32_t>(i));
             continue;
         }
         ++_tree.nInTree;
-        Box& next = _boxes[i + 1];
+        std::uint32_t first = static_cast<std::uint32_t>(i);
         if (_at < _given.size() && findBox(_at, next) && isPair(i, box, next))
         {
             for (std::size_t axis = 0; axis < 3; ++axis)
@@ -285,11 +287,12 @@ void TreeBuilder::findBoxes(std::size_t end)
                 box.least[axis] = std::min(box.least[axis], next.least[axis]);
                 box.greatest[axis] = std::max(box.greatest[axis], next.greatest[axis]);
             }
-            _isPair[i] = 1;
+            first |= cIsPair;
             ++_tree.nInTree;
             ++_at;
         }
-        addKey(i);
+        _firsts.push_back(first);
+        addKey(box);
     }
 }
 
@@ -382,8 +385,6 @@ void TreeBuilder::gather(std::size_t end)
             _sides[axis][_at + cMargin] = box.least[axis];
             _sides[axis + 3][_at + cMargin] = box.greatest[axis];
         }
-        _costs[_at] =
-            areaOf(box.greatest[0] - box.least[0], box.greatest[1] - box.least[1], box.greatest[2] - box.least[2]);
         _ids[_at] = static_cast<std::uint32_t>(_at);
     }
 }
@@ -425,8 +426,7 @@ void TreeBuilder::merge(std::size_t end)
     float* sides[6];
     for (std::size_t i = 0; i < 6; ++i)
         sides[i] = _sides[i].data() + cMargin;
-    float* const costs = _costs.data();
-    std::uint32_t *const ids = _ids.data(), *const sizes = _sizes.data();
+    std::uint32_t* const ids = _ids.data();
     const std::uint32_t* const partners = _partners.data();
     for (; _at < end; ++_at)
     {
@@ -445,19 +445,12 @@ void TreeBuilder::merge(std::size_t end)
         if (partner == at)
         {
             ids[to] = ids[at];
-            costs[to] = costs[at];
-            sizes[to] = sizes[at];
             continue;
         }
         const float area =
             areaOf(sides[3][to] - sides[0][to], sides[4][to] - sides[1][to], sides[5][to] - sides[2][to]);
-        const std::uint32_t size = sizes[at] + sizes[partner];
-        const float apart = cVisit * area + costs[at] + costs[partner], asLeaf = area * static_cast<float>(size);
-        const bool isLeaf = size <= cLargestLeaf && asLeaf <= apart;
-        _merged.push_back({ids[at], ids[partner], area, isLeaf ? size : 0});
+        _merged.push_back({ids[at], ids[partner], area});
         ids[to] = static_cast<std::uint32_t>(_n + _merged.size() - 1);
-        costs[to] = isLeaf ? asLeaf : apart;
-        sizes[to] = std::min(size, cLargestLeaf + 1);
     }
 }
 
@@ -472,9 +465,7 @@ void TreeBuilder::endMerge()
     if (_nClusters > 1)
         return go(_isForced ? Stage::Merge : Stage::Pair);
     _sides = {};
-    _costs = {};
     _partners = {};
-    _sizes = {};
     go(Stage::Collapse);
 }
 
@@ -483,11 +474,12 @@ void TreeBuilder::collapseSome()
     if (_order.empty() && _n > 0)
     {
         _order.reserve(_given.size());
-        _tree.nodes.reserve(_n / 4);
+        // Some more than what most trees take.
+        _tree.nodes.reserve(_n / 16 * 9);
         _tree.nodes.emplace_back();
         _pending.push_back({_ids[0], 0, 1});
     }
-    const auto isLeaf = [this](std::uint32_t id) { return id < _n || _merged[id - _n].nInLeaf != 0; };
+    const auto isLeaf = [this](std::uint32_t id) { return id < _n; };
     for (std::size_t i = 0; i < cStep / 4 && !_pending.empty(); ++i)
     {
         const Pending pending = _pending.back();
@@ -532,16 +524,10 @@ void TreeBuilder::collapseSome()
 
 void TreeBuilder::addLeaf(std::uint32_t id)
 {
-    if (id < _n)
-    {
-        const auto i = static_cast<std::uint32_t>(_keys[id] & cNumberMask);
-        _order.push_back(i);
-        if (_isPair[i] != 0)
-            _order.push_back(i + 1);
-        return;
-    }
-    addLeaf(_merged[id - _n].left);
-    addLeaf(_merged[id - _n].right);
+    const std::uint32_t first = _firsts[_keys[id] & cNumberMask], i = first & ~cIsPair;
+    _order.push_back(i);
+    if (first != i)
+        _order.push_back(i + 1);
 }
 
 void TreeBuilder::order(std::size_t end)
@@ -549,7 +535,7 @@ void TreeBuilder::order(std::size_t end)
     for (; _at < end; ++_at)
     {
         const std::size_t i = _order[_at];
-        _ordered.numbers.push_back(_given.numbers[i]);
+        _ordered.numbers.push_back(_given.number(i));
         for (std::size_t k = 0; k < _given.nCorners; ++k)
         {
             const std::uint32_t vertex = _given.corners[i * _given.nCorners + k];

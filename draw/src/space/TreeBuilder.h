@@ -59,7 +59,6 @@ private:
         std::uint32_t left;
         std::uint32_t right;
         float area;
-        std::uint32_t nInLeaf; // 0 if it is not to be a leaf
     };
 
     /// A node of four to be filled with what is below one of two.
@@ -74,7 +73,7 @@ private:
     void findBoxes(std::size_t end);
     bool findBox(std::size_t i, Box& box) const;
     bool isPair(std::size_t i, const Box& box, const Box& next) const;
-    void addKey(std::size_t i);
+    void addKey(const Box& box);
     void startSort();
     bool sortSome();
     void refineRuns();
@@ -97,28 +96,26 @@ private:
     std::size_t _at = 0; // within the stage
     std::size_t _n = 0;  // primitives that can be used, and pairs of such
 
-    std::vector<Box> _boxes;            // of primitives as given; a pair is where its first one is
-    std::vector<std::uint8_t> _isPair;  // of primitives as given
-    std::vector<std::uint64_t> _keys;   // place on the curve, and primitive, or a pair's first
-    std::vector<std::uint64_t> _sorted; // the other half of each pass
+    LargeVector<Box> _boxes;            // of primitives and pairs, in the order of the first ones
+    LargeVector<std::uint32_t> _firsts; // of the same: the primitive, or a pair's first one and cIsPair
+    LargeVector<std::uint64_t> _keys;   // place on the curve, and which of the same
+    LargeVector<std::uint64_t> _sorted; // the other half of each pass
     std::array<std::vector<std::uint32_t>, 3> _counts;
     std::size_t _pass = 0;
     std::vector<std::uint32_t> _unusable;
 
     // Of clusters, the first cMargin and the last cMargin of them boxes that nothing merges with.
-    std::array<std::vector<float>, 6> _sides;
-    std::vector<float> _costs;
-    std::vector<std::uint32_t> _ids;
-    std::vector<std::uint32_t> _sizes; // primitives, as far as they fit into a leaf
-    std::vector<std::uint32_t> _partners;
+    std::array<LargeVector<float>, 6> _sides;
+    LargeVector<std::uint32_t> _ids;
+    LargeVector<std::uint32_t> _partners;
     std::size_t _nClusters = 0;
     std::size_t _nNext = 0; // that are merged already
     bool _isForced = false; // the neighbours themselves merge
-    std::vector<Merged> _merged;
+    LargeVector<Merged> _merged;
 
     std::vector<Pending> _pending;
-    std::vector<std::uint32_t> _order; // of primitives, as in the tree
-    std::vector<std::uint32_t> _names; // in the order, of vertices
+    LargeVector<std::uint32_t> _order; // of primitives, as in the tree
+    LargeVector<std::uint32_t> _names; // in the order, of vertices
 };
 
 } // namespace gui::draw

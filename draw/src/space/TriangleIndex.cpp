@@ -105,12 +105,11 @@ bool TriangleIndex::Impl::set(Kind newKind, std::span<const Vector> vertices, st
     given.nCorners = nCorners;
     given.vertices.resize(vertices.size());
     std::transform(vertices.begin(), vertices.end(), given.vertices.begin(), usableOf<Vector>);
-    given.numbers.resize(n);
-    std::iota(given.numbers.begin(), given.numbers.end(), 0U);
+    given.corners.resize(n * nCorners);
     if (newKind == Kind::Points)
-        given.corners = given.numbers;
+        std::iota(given.corners.begin(), given.corners.end(), 0U);
     else
-        given.corners.assign(indices.begin(), indices.end());
+        std::copy(indices.begin(), indices.end(), given.corners.begin());
     pBuilder.reset();
     kind = newKind;
     primitives = std::move(given);
@@ -153,7 +152,7 @@ bool TriangleIndex::Impl::move(std::span<const Vector> vertices)
         vo::dbgLog("Error! TriangleIndex::move: %zu vertices, not %zu", vertices.size(), nVertices);
         return false;
     }
-    std::vector<glm::dvec3>& own = primitives.vertices;
+    LargeVector<glm::dvec3>& own = primitives.vertices;
     if (primitives.originals.empty())
         std::transform(vertices.begin(), vertices.end(), own.begin(), usableOf<Vector>);
     else
@@ -234,14 +233,14 @@ TriangleIndex::Hit TriangleIndex::Impl::hitOf(std::size_t i, const RayTriangle::
     const glm::dvec3& w = meeting.weights;
     const glm::dvec3 point =
         w.x * primitives.corner(i, 0) + w.y * primitives.corner(i, 1) + w.z * primitives.corner(i, 2);
-    return {primitives.numbers[i], meeting.distance, point, w, meeting.isFront, 0};
+    return {primitives.number(i), meeting.distance, point, w, meeting.isFront, 0};
 }
 
 TriangleIndex::Hit TriangleIndex::Impl::hitOf(std::size_t i, const RayReach::Meeting& meeting) const
 {
     const glm::dvec3 weights(1 - meeting.weight, meeting.weight, 0), from = primitives.corner(i, 0);
     const glm::dvec3 point = kind == Kind::Lines ? from + meeting.weight * (primitives.corner(i, 1) - from) : from;
-    return {primitives.numbers[i], meeting.distance, point, weights, true, meeting.aside};
+    return {primitives.number(i), meeting.distance, point, weights, true, meeting.aside};
 }
 
 /// What is within a region of the screen.
@@ -263,7 +262,7 @@ struct TriangleIndex::Impl::Selection
         const Primitives& p = index.primitives;
         if (p.isUsable(i) && (p.nCorners < 3 || glm::cross(p.corner(i, 1) - p.corner(i, 0),
                                                            p.corner(i, 2) - p.corner(i, 0)) != glm::dvec3(0)))
-            isTaken[p.numbers[i]] = true;
+            isTaken[p.number(i)] = true;
     }
 
     void addSome(std::size_t first, std::size_t end, ScreenRegion::Edges edges)
@@ -433,7 +432,7 @@ std::optional<TriangleIndex::Hit> TriangleIndex::getNearest(const Ray& ray, cons
     const auto take = [&](std::size_t i, const auto& meeting)
     {
         if (!best || meeting.distance < distance ||
-            (meeting.distance == distance && impl.primitives.numbers[i] < best->index))
+            (meeting.distance == distance && impl.primitives.number(i) < best->index))
         {
             best = impl.hitOf(i, meeting);
             distance = meeting.distance;

@@ -3,6 +3,8 @@
 #include "CornerTree.h"
 #include "EarTriangle.h"
 
+#include <limits>
+
 namespace gui::gl
 {
 
@@ -23,7 +25,7 @@ public:
         : _tree(tree)
         , _triangle(a, b, c)
         , _bounds(a, b, c, turnArea(a, b, c))
-        , _isBounded(_bounds.isProven && tree.isBounded)
+        , _isBounded(_bounds.isProven && (tree.isBounded || _bounds.isSmall()))
         , _own{u, v, w}
     {
     }
@@ -31,6 +33,8 @@ public:
     /// A slot; cNone when there is none. From v's leaf upwards: what is in the way is near most of the time.
     unsigned int find()
     {
+        if (!_isBounded && _triangle.isEmpty())
+            return cNone;
         const unsigned int leaf = _own[1] / cFan;
         const unsigned int inside = insideLeaf(leaf);
         if (inside != 0)
@@ -111,8 +115,11 @@ private:
             children &= stripBits(boxes, children);
         if (children != 0)
             children &= edgesBits(boxes, children);
-        if (!_isBounded && children != 0)
-            children &= stripEdgesBits(boxes, children);
+        // Where many are left, if only outlines cross the boxes: in another order strips are wide. Once there is a
+        // corner inside, the next one is found as soon.
+        const bool isDear = __builtin_popcount(children) > 7 && _tree.pSlots == nullptr && !_picksAny;
+        if (_isBounded ? isDear : children != 0)
+            children &= furtherBits(boxes, children);
         return children;
     }
 
@@ -174,11 +181,40 @@ private:
         return ~outside;
     }
 
-    // For slivers, which have no bounds: the edges once more, with what is both in the box and in its strip. Let a
-    // corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a * (s + t) + (b
-    // - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead, signs change.
-    // The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
-    [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    // What takes longer, and apart from the rest.
+    [[gnu::noinline]] unsigned int furtherBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        if (!_isBounded)
+            children &= infiniteEdgesBits(boxes, children);
+        return children & stripEdgesBits(boxes, children);
+    }
+
+    // Where numbers are infinite, or their products: an edge's value is a difference of two products. One that is NaN,
+    // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
+    unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        constexpr float cMost = std::numeric_limits<float>::max();
+        unsigned int outside = 0;
+        for (const EarTriangle::Edge& edge : _triangle.edges)
+        {
+            const float* const x = edge.y < 0 ? boxes.maxX : boxes.minX;
+            const float* const y = edge.x > 0 ? boxes.maxY : boxes.minY;
+            // 0 times infinity tells nothing of others.
+            const Mask isX = all(edge.y) != 0, isY = all(edge.x) != 0;
+            for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
+            {
+                const Floats most = edge.x * (load(y + i) - edge.y0), least = edge.y * (load(x + i) - edge.x0);
+                outside |= bits((isY & ~(most >= -cMost)) | (isX & ~(least <= cMost))) << i;
+            }
+        }
+        return ~outside;
+    }
+
+    // For slivers, which have no bounds, and for needles: the edges once more, with what is both in the box and in its
+    // strip. Let a corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a *
+    // (s + t) + (b - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead,
+    // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
+    unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)

@@ -12,6 +12,9 @@ namespace
 constexpr unsigned int cNone = ManyEars::cNone;
 constexpr unsigned int cFan = CornerTree::cFan;
 
+// For how many visits of boxes for each corner a new order is on trial.
+constexpr long long cVisitsOnTrial = 2;
+
 template <typename T>
 T* grown(std::vector<T>& list, std::size_t size)
 {
@@ -127,7 +130,8 @@ void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool i
     CornerTree& tree = _many.tree;
     tree.pSlots = tree.pCorners = nullptr;
     tree.random = 1;
-    tree.nVisitsLeft = static_cast<long long>(_nVisitsPerCorner) * n;
+    _nVisitsPerCorner = _nVisitsAtFirst;
+    allow(_nVisitsPerCorner);
     buildTree(tree, n);
     _loops.findCandidates(_many);
 }
@@ -141,7 +145,7 @@ bool EarClipper::cutMany()
         if (result == EarLoops::Result::NoEar)
             return false;
         if (result == EarLoops::Result::Crowded)
-            sort();
+            changeOrder();
         else if (_many.nLeft > FewEars::cMaxCorners)
             pack();
         else
@@ -149,8 +153,8 @@ bool EarClipper::cutMany()
     }
 }
 
-// Closes the gaps between the corners left, and makes the boxes as small as what is in them.
-void EarClipper::pack()
+// Closes the gaps between the corners left. @return how many these are
+unsigned int EarClipper::closeGaps()
 {
     const unsigned int n = _many.nPlaces;
     unsigned int nKept = 0;
@@ -179,9 +183,16 @@ void EarClipper::pack()
             _corners[first].previousWaiting = i;
         first = i;
     }
-    packSlots(nKept);
-    setSize(nKept);
-    buildTree(_many.tree, nKept);
+    return nKept;
+}
+
+// Closes the gaps, and makes the boxes as small as what is in them.
+void EarClipper::pack()
+{
+    const unsigned int n = closeGaps();
+    packSlots(n);
+    setSize(n);
+    buildTree(_many.tree, n);
     _loops.findCandidates(_many);
 }
 
@@ -211,11 +222,42 @@ void EarClipper::packSlots(unsigned int nKept)
         _slots[_slotCorners[slot]] = slot;
 }
 
-// The outline is not near itself along itself: its corners are put in another order for the tree.
+// Searches go through many boxes. That may be since the outline is not near itself along itself, or since ears are
+// needles, which are worse in any other order. So each order is on trial, the outline's for longer each time.
+void EarClipper::changeOrder()
+{
+    CornerTree& tree = _many.tree;
+    const double earsPerVisit = (_nBefore - _many.nLeft) / std::max(1.0, static_cast<double>(_nVisits));
+    if (tree.pSlots == nullptr)
+    {
+        _earsPerVisit = earsPerVisit;
+        _nVisitsPerCorner *= 2;
+        sort();
+        allow(cVisitsOnTrial);
+        return;
+    }
+    if (earsPerVisit < _earsPerVisit)
+    {
+        tree.pSlots = tree.pCorners = nullptr;
+        pack();
+        allow(_nVisitsPerCorner);
+    }
+    else
+        tree.nVisitsLeft = std::numeric_limits<long long>::max();
+}
+
+// Lets searches go through so many boxes for each corner left.
+void EarClipper::allow(long long nVisitsPerCorner)
+{
+    _nBefore = _many.nLeft;
+    _many.tree.nVisitsLeft = _nVisits = nVisitsPerCorner * _nBefore;
+}
+
 void EarClipper::sort()
 {
-    pack();
-    const unsigned int n = _many.nPlaces;
+    const unsigned int n = closeGaps();
+    setSize(n);
+    _loops.findCandidates(_many);
     const std::span<ZOrder::Item> items = _order.take(n);
     for (unsigned int i = 0; i < n; ++i)
         items[i] = {_corners[i].x, _corners[i].y, i, 0};
@@ -231,7 +273,6 @@ void EarClipper::sort()
     }
     _many.tree.pSlots = _slots.data();
     _many.tree.pCorners = _slotCorners.data();
-    _many.tree.nVisitsLeft = std::numeric_limits<long long>::max(); // no better order is known
     buildTree(_many.tree, n);
 }
 

@@ -20,13 +20,13 @@ namespace gui::gl
 class EarClipper
 {
 public:
-    /// How many boxes searches may go through for each corner, beside those around the corner that is tried, before the
-    /// outline's order is found wanting.
-    static constexpr unsigned int cVisitsPerCorner = 32;
+    /// How many boxes searches may go through for each corner, beside those around the corner that is tried, before
+    /// another order than the outline's is tried.
+    static constexpr unsigned int cVisitsPerCorner = 4;
 
     explicit EarClipper(const EarLoops& loops = earLoops(), unsigned int nVisitsPerCorner = cVisitsPerCorner)
         : _loops(loops)
-        , _nVisitsPerCorner(nVisitsPerCorner)
+        , _nVisitsAtFirst(nVisitsPerCorner)
     {
     }
 
@@ -43,16 +43,23 @@ public:
 private:
     void fillMany(const td::Point<float>* points, unsigned int n, bool isReversed);
     bool cutMany();
+    unsigned int closeGaps();
     void pack();
+    void changeOrder();
+    void allow(long long nVisitsPerCorner);
     void sort();
     void packSlots(unsigned int nKept);
     void makeFew();
     void setSize(unsigned int n);
 
     const EarLoops& _loops;
-    const long long _nVisitsPerCorner;
+    const long long _nVisitsAtFirst;
     FewEars _few{};
     ManyEars _many{};
+    long long _nVisitsPerCorner = 0; // in the outline's order, the next time
+    long long _nVisits = 0;          // allowed since there were
+    unsigned int _nBefore = 0;       // corners left
+    double _earsPerVisit = 0;        // in the outline's order, the last time
 
     // What _many points into, kept from one use to the next.
     std::vector<ManyEars::Corner> _corners;

@@ -38,6 +38,15 @@ struct EarTriangle
     {
     }
 
+    /// Whether NaN keeps every point outside.
+    bool isEmpty() const
+    {
+        bool isEmpty = false;
+        for (const Edge& edge : edges)
+            isEmpty = isEmpty || edge.x != edge.x || edge.y != edge.y;
+        return isEmpty;
+    }
+
     Edge edges[3];
 };
 
@@ -68,7 +77,10 @@ inline unsigned int insideBits(const EarTriangle& triangle, const float* x, cons
 /// the triangle's size in some direction, some edge has a value of -D * m / 2 at most, while rounding errors of an
 /// edge's value come to 8 * u * W * H * (1 + m) at most, m being the one for x or y. So the point is found outside if m
 /// is above 16 * u * r / (1 - 16 * u * r). With r up to 2^18, whose own error is an eighth then, 64 * u * r is twice as
-/// much. Underflow is far below D, which is 1e-10 at least; there must be no overflow.
+/// much. With r up to 2^19, which may be 4 / 3 as large then, 128 * u * r is. Underflow is far below D, which is 1e-10
+/// at least. There must be no overflow, or the triangle must be small: then no difference to a finite point overflows,
+/// products that do have the right sign, and so has what is made of two of them, unless it is NaN, which is outside. So
+/// are points at infinity: since the edges' directions sum up to 0, some edge's value is -infinity or NaN.
 struct EarBounds
 {
     /// @param area  the doubled one, as computed
@@ -77,12 +89,21 @@ struct EarBounds
         const float minX = smallest(a.x, b.x, c.x), maxX = largest(a.x, b.x, c.x), width = maxX - minX;
         const float minY = smallest(a.y, b.y, c.y), maxY = largest(a.y, b.y, c.y), height = maxY - minY;
         margin = width * height / area * 0x1p-18f;
+        if (margin > 1) [[unlikely]]
+            margin *= 2;
         left = minX - margin * width;
         right = maxX + margin * width;
         bottom = minY - margin * height;
         top = maxY + margin * height;
         // Nothing of the kind is true of NaN.
-        isProven = width * height < 0x1p+120f && margin <= 1;
+        isProven = width * height < 0x1p+120f && margin <= 4;
+    }
+
+    /// Whether overflow doesn't matter.
+    bool isSmall() const
+    {
+        constexpr float cSmall = 0x1p+100f;
+        return left >= -cSmall && right <= cSmall && bottom >= -cSmall && top <= cSmall;
     }
 
     static float smallest(float a, float b, float c)
@@ -97,7 +118,7 @@ struct EarBounds
         return ab > c ? ab : c;
     }
 
-    float margin; ///< 64 * u * r
+    float margin; ///< 64 * u * r, or 128 * u * r
     float left, right, bottom, top;
     bool isProven; ///< of finite coordinates whose differences are finite
 };

@@ -21,17 +21,19 @@ struct KeyRange
     float high = -std::numeric_limits<float>::infinity();
     double scale = 0;
 
+    // Infinite numbers are in the first or the last step.
     void add(float f)
     {
-        low = f < low ? f : low;
-        high = f > high ? f : high;
+        constexpr float cMost = std::numeric_limits<float>::max();
+        low = f < low && f >= -cMost ? f : low;
+        high = f > high && f <= cMost ? f : high;
     }
 
-    // Infinite and equal numbers have no scale: all of them are in the first or the last step.
+    // Equal numbers have no scale: all of them are in the first step.
     void finish()
     {
         const double width = double(high) - low;
-        scale = width > 0 && width <= 2 * double(std::numeric_limits<float>::max()) ? 0xffff / width : 0;
+        scale = width > 0 ? 0xffff / width : 0;
     }
 
     std::uint32_t step(float f) const
