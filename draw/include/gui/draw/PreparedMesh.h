@@ -33,11 +33,11 @@ namespace gui::draw
 class GUIGL_API PreparedMesh
 {
 public:
-    /// @param mesh  read during the call only
+    /// Reads the mesh during the call only.
     explicit PreparedMesh(const Mesh& mesh);
     ~PreparedMesh();
-    PreparedMesh(PreparedMesh&& other) noexcept;
-    PreparedMesh& operator=(PreparedMesh&& other) noexcept;
+    PreparedMesh(PreparedMesh&& other) noexcept;            ///< takes what the other one has
+    PreparedMesh& operator=(PreparedMesh&& other) noexcept; ///< likewise
 
     /// What is wrong with the mesh, as Mesh::findFault has it: then there is nothing to show.
     const std::string& getFault() const;
