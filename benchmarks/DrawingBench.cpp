@@ -1,3 +1,5 @@
+#include "WithoutDraws.h"
+
 #include <gui/draw/Drawing.h>
 #include <gui/draw/FillTessellator.h>
 #include <gui/gl/Context.h>
@@ -63,24 +65,6 @@ gui::gl::Context settings()
     return {DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41};
 }
 
-void drawNothing(GLenum, const GLsizei*, GLenum, const void* const*, GLsizei, const GLint*) {}
-
-/// The driver's call for the shapes goes nowhere while it lives.
-class WithoutShapes
-{
-public:
-    WithoutShapes()
-        : _call(std::exchange(epoxy_glMultiDrawElementsBaseVertex, drawNothing))
-    {
-    }
-    ~WithoutShapes() { epoxy_glMultiDrawElementsBaseVertex = _call; }
-    WithoutShapes(const WithoutShapes&) = delete;
-    WithoutShapes& operator=(const WithoutShapes&) = delete;
-
-private:
-    PFNGLMULTIDRAWELEMENTSBASEVERTEXPROC _call;
-};
-
 void BuildTriangles(benchmark::State& state)
 {
     FillTessellator fill;
@@ -128,7 +112,7 @@ void Frame(benchmark::State& state)
     const auto mode = state.range(0);
     Affine view = mode == 2 ? Affine::translation(-4500, -4500) : Affine::scaling(0.1);
     drawing.draw(Affine::translation(-1e6, 0)); // uploads, and shows none
-    const WithoutShapes without;
+    const bench::WithoutDraws without;
     drawing.draw(view);
     unsigned int n = 0;
     for (auto _ : state)

@@ -1,3 +1,5 @@
+#include "WithoutDraws.h"
+
 #include <gui/draw/Model.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/OffscreenContext.h>
@@ -65,31 +67,6 @@ gui::gl::Context settings()
     return {DepthBuffer::Size::Bits24, StencilBuffer::Size::None, Context::Profile::Core41};
 }
 
-void drawNothing(GLenum, GLsizei, GLenum, const void*) {}
-void drawNoRanges(GLenum, const GLsizei*, GLenum, const void* const*, GLsizei, const GLint*) {}
-
-/// The driver's calls for triangles go nowhere while it lives.
-class WithoutTriangles
-{
-public:
-    WithoutTriangles()
-        : _draw(std::exchange(epoxy_glDrawElements, drawNothing))
-        , _drawRanges(std::exchange(epoxy_glMultiDrawElementsBaseVertex, drawNoRanges))
-    {
-    }
-    ~WithoutTriangles()
-    {
-        epoxy_glDrawElements = _draw;
-        epoxy_glMultiDrawElementsBaseVertex = _drawRanges;
-    }
-    WithoutTriangles(const WithoutTriangles&) = delete;
-    WithoutTriangles& operator=(const WithoutTriangles&) = delete;
-
-private:
-    PFNGLDRAWELEMENTSPROC _draw;
-    PFNGLMULTIDRAWELEMENTSBASEVERTEXPROC _drawRanges;
-};
-
 /// All in view, from 40 units; or a part of it, from 11.
 void Turning(benchmark::State& state)
 {
@@ -101,7 +78,7 @@ void Turning(benchmark::State& state)
         model.setEdges({});
     const auto distance = static_cast<double>(state.range(0));
     model.draw(eyeAt(distance, 0)); // uploads
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     double angle = 0;
     for (auto _ : state)
         model.draw(eyeAt(distance, angle += 0.01));
@@ -147,7 +124,7 @@ void main() { color = paint * dot(normalize(place), toLight); })"));
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[1]);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(ball().indices.size() * sizeof(std::uint32_t)),
                  ball().indices.data(), GL_STATIC_DRAW);
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     double angle = 0;
     for (auto _ : state)
     {
@@ -174,7 +151,7 @@ void Cutting(benchmark::State& state)
     model.setTolerance(0);
     Eye eye = eyeAt(40, 0);
     model.draw(eye); // uploads
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     double place = 0;
     for (auto _ : state)
     {

@@ -1,6 +1,8 @@
 // Names and dimensions in space while the camera turns: what a frame costs in the library, and what asking the depth
 // buffer does. The driver's calls that draw go nowhere meanwhile.
 
+#include "WithoutDraws.h"
+
 #include <gui/draw/Dimensions3.h>
 #include <gui/draw/Labels3.h>
 #include <gui/draw/OrbitCamera.h>
@@ -19,8 +21,6 @@ namespace
 
 using namespace gui::draw;
 
-void drawNothing(GLenum, const GLsizei*, GLenum, const void* const*, GLsizei, const GLint*) {}
-
 /// A context whose draw calls go nowhere, and a camera that turns about a ball.
 class Stage
 {
@@ -31,11 +31,7 @@ public:
     {
         _camera.setSize({1000, 700});
         _camera.fit({{-1, -1, -1}, {1, 1, 1}});
-        _draw = std::exchange(epoxy_glMultiDrawElementsBaseVertex, drawNothing);
     }
-    ~Stage() { epoxy_glMultiDrawElementsBaseVertex = _draw; }
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
 
     Eye turn()
     {
@@ -46,7 +42,7 @@ public:
 private:
     gui::gl::OffscreenContext _context;
     OrbitCamera _camera;
-    decltype(epoxy_glMultiDrawElementsBaseVertex) _draw;
+    bench::WithoutDraws _without;
 };
 
 // On a ball, spread evenly.

@@ -1,3 +1,5 @@
+#include "WithoutDraws.h"
+
 #include <gui/draw/Instances.h>
 #include <gui/draw/Points3.h>
 #include <gui/draw/Polylines3.h>
@@ -85,31 +87,6 @@ std::vector<std::vector<glm::dvec3>> spirals()
     return all;
 }
 
-void drawNothing(GLenum, GLsizei, GLenum, const void*, GLsizei) {}
-void drawNoRanges(GLenum, const GLsizei*, GLenum, const void* const*, GLsizei, const GLint*) {}
-
-/// The driver's calls for triangles go nowhere while it lives.
-class WithoutTriangles
-{
-public:
-    WithoutTriangles()
-        : _draw(std::exchange(epoxy_glDrawElementsInstanced, drawNothing))
-        , _drawRanges(std::exchange(epoxy_glMultiDrawElementsBaseVertex, drawNoRanges))
-    {
-    }
-    ~WithoutTriangles()
-    {
-        epoxy_glDrawElementsInstanced = _draw;
-        epoxy_glMultiDrawElementsBaseVertex = _drawRanges;
-    }
-    WithoutTriangles(const WithoutTriangles&) = delete;
-    WithoutTriangles& operator=(const WithoutTriangles&) = delete;
-
-private:
-    PFNGLDRAWELEMENTSINSTANCEDPROC _draw;
-    PFNGLMULTIDRAWELEMENTSBASEVERTEXPROC _drawRanges;
-};
-
 /// All in view, from 60 units; or a part of it, from 3. With 1 one changes its colour in each frame.
 void InstancesTurn(benchmark::State& state)
 {
@@ -119,7 +96,7 @@ void InstancesTurn(benchmark::State& state)
     instances.set(placements());
     const auto distance = static_cast<double>(state.range(0));
     instances.draw(eyeAt(distance, 0)); // uploads
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     double angle = 0;
     std::size_t changed = 0;
     for (auto _ : state)
@@ -139,7 +116,7 @@ void InstancesMove(benchmark::State& state)
     Instances instances;
     instances.setMesh(pyramid());
     instances.set(all);
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     for (auto _ : state)
     {
         for (Instances::Placement& placement : all)
@@ -215,7 +192,7 @@ void main() { color = tint * toLight.z; })"));
         offset += sizeof(float) * static_cast<std::size_t>(sizes[i - 1]);
     }
     upload(GL_ELEMENT_ARRAY_BUFFER, buffers[2], mesh.indices);
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     double angle = 0;
     for (auto _ : state)
     {
@@ -236,7 +213,7 @@ void PointsTurn(benchmark::State& state)
     gui::gl::OffscreenContext context({1000, 1000}, settings());
     Points3 points;
     points.set(scattered(cPoints));
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     points.draw(eyeAt(60, 0));
     double angle = 0;
     for (auto _ : state)
@@ -250,7 +227,7 @@ void LinesTurn(benchmark::State& state)
     Polylines3 lines;
     for (const std::vector<glm::dvec3>& line : spirals())
         lines.add(line);
-    const WithoutTriangles without;
+    const bench::WithoutDraws without;
     lines.draw(eyeAt(60, 0));
     double angle = 0;
     for (auto _ : state)

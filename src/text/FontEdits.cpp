@@ -22,7 +22,7 @@ td::Size<float> Font::replaceString(std::size_t index, const td::Point<float>& p
     TD_ASSERT(index < _commands.size(), {});
     if (len == 0)
         len = std::strlen(str);
-    if (isEmpty() || !canLayOut(str, str + len))
+    if (isEmpty() || !canLayOut(str, len, format))
         return {};
     if (_pEdits == nullptr)
     {

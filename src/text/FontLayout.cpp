@@ -29,6 +29,15 @@ bool Font::canLayOut(const char* begin, const char* end) const
     return (_pUTF32 != nullptr && _pTable->areAllEdgesOrdered()) || begin >= end || isLaidOut(begin, end);
 }
 
+// The same of a string. Of aligned ones empty lines are left out, and nothing is asked for their sake.
+bool Font::canLayOut(const char* str, std::size_t len, const _format& format) const
+{
+    const char* const end = str + len;
+    while (format.hAlignment != cLeft && str != end && *str == '\n')
+        ++str;
+    return canLayOut(str, end);
+}
+
 [[gnu::noinline]] bool Font::isLaidOut(const char* begin, const char* end) const
 {
     TD_ASSERT(_pUTF32, false);
@@ -259,7 +268,7 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
         _vertices.pushSlots(pKnown->nVertices);
         return pKnown->size;
     }
-    if (!canLayOut(str, str + len)) [[unlikely]]
+    if (!canLayOut(str, len, format)) [[unlikely]]
         return {};
     LayoutMemo::Entry* const pEntry = _pMemo->remember(number, {str, len}, style);
     const td::Size<float> size = format.hAlignment == cLeft ? addPiece(pos, str, str + len, format.scale)

@@ -291,16 +291,17 @@ public:
     Model model;
 };
 
-// What is seen through is met, and lines on steep faces move nothing.
+// What is seen through is met, with its triangles shown too, and lines on steep faces move nothing.
 TEST_F(OrbitViewGLTest, PicksFacesWhereTheyAre)
 {
     GlassCubeView view;
-    view.onResize({64, 64});
+    view.onResize({400, 400}); // no line is near
     for (const double azimuth : {0.0, 40.0, 84.0})
     {
+        view.model.setWires(azimuth > 0 ? Model::Wires::Over : Model::Wires::None);
         view.camera().setDirection(azimuth, 3);
         ASSERT_TRUE(view.fit({{-1, -1, -1}, {1, 1, 1}}, 4));
-        const std::optional<glm::dvec3> found = view.pick(view.getEye().getRay({33, 31}));
+        const std::optional<glm::dvec3> found = view.pick(view.getEye().getRay({210, 170}));
         ASSERT_TRUE(found);
         EXPECT_NEAR(std::max({std::abs(found->x), std::abs(found->y), std::abs(found->z)}), 1, 1e-4);
     }

@@ -105,6 +105,8 @@ TEST_F(FontLayoutTest, RefusesWithoutATextAndWithoutGrowingEdges)
     EXPECT_TRUE(asserts.caught("_pUTF32"));
     EXPECT_EQ(loose.measure("z", 0, {}), nothing);
     EXPECT_TRUE(asserts.caught("_pUTF32"));
+    EXPECT_EQ(loose.addString({}, "\n\n", 0, centred), nothing); // lines that are left out
+    EXPECT_EQ(loose.getNoOfStrings(), 1U);
     EXPECT_EQ(loose.addString({}, nullptr, 0, centred), nothing);
     EXPECT_TRUE(asserts.caught("str != nullptr"));
 

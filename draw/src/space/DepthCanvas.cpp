@@ -4,8 +4,6 @@
 #include "ShadowMap.h"
 #include "SpaceLayers.h"
 
-#include <gui/gl/StateGuard.h>
-
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/Textures.h>

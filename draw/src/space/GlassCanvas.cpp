@@ -1,5 +1,7 @@
 #include "GlassCanvas.h"
 
+#include "SharedInContext.h"
+
 #include <gui/Res.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
@@ -11,7 +13,6 @@
 
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace gui::draw
 {
@@ -63,18 +64,7 @@ protected:
     }
 };
 
-std::shared_ptr<GlassCanvas> GlassCanvas::get()
-{
-    static std::vector<std::weak_ptr<GlassCanvas>> s_all;
-    std::erase_if(s_all, [](const auto& pCanvas) { return pCanvas.expired(); });
-    for (const auto& pCanvas : s_all)
-        if (auto pThere = pCanvas.lock(); pThere->_home.getID() == gl::CurrentContext::getID())
-            return pThere;
-    auto pNew = std::make_shared<GlassCanvas>();
-    pNew->_home.set(gl::CurrentContext::getID());
-    s_all.push_back(pNew);
-    return pNew;
-}
+std::shared_ptr<GlassCanvas> GlassCanvas::get() { return getSharedInContext<GlassCanvas>(); }
 
 // Attaches it too, to the framebuffer that is bound.
 unsigned int GlassCanvas::makeTexture(unsigned int format) const

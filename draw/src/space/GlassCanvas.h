@@ -47,10 +47,13 @@ public:
     /// The current context's, made when there is none yet.
     static std::shared_ptr<GlassCanvas> get();
 
-    GlassCanvas() = default;
+    /// In the current context.
+    GlassCanvas() { _home.set(gl::CurrentContext::getID()); }
     ~GlassCanvas() { release(); }
     GlassCanvas(const GlassCanvas&) = delete;
     GlassCanvas& operator=(const GlassCanvas&) = delete;
+
+    gl::CurrentContext::ID getContext() const { return _home.getID(); }
 
     /// Draws into the framebuffer and viewport that are bound, behind what is there already.
     void draw(std::span<const Source> sources);

@@ -220,13 +220,8 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
             glm::vec4(ModelSight::getLinear(look.light.color), ModelSight::getShare(look.light.ambient)));
     }
     if ((features & ModelProgram::Shadowed) != 0)
-    {
-        const ShadowMap& map = *_sight.pShadowMap;
-        program.setUniformValue(program.at(ModelProgram::ToShadowMap), map.getMatrix(_data.origin + _sight.reference));
-        program.setUniformValue(program.at(ModelProgram::ShadowSize),
-                                glm::vec3(map.getTexelSize(), 1 / map.getEye().getSize().width, map.getRadius()));
-        gl::Textures::bindToSamplerUnit(map.getTexture(), ModelProgram::cShadowUnit, gl::Texture::Type::Tex2D);
-    }
+        _sight.pShadowMap->tell(program, program.at(ModelProgram::ToShadowMap), program.at(ModelProgram::ShadowSize),
+                                ModelProgram::cShadowUnit, _data.origin + _sight.reference);
     _pGL->parts.bind(ModelProgram::cPartsUnit);
     return pProgram;
 }
@@ -321,8 +316,9 @@ bool ModelPainter::draw(const Eye& eye, const ModelLook& look, const std::vector
     const float edgeWidth = level.edgeCells.empty() ? 0 : ModelSight::getWidth(look.edges, _sight.scale);
     beginSurfaces(hasLines ? getLineWidth(level, look) : 0);
     const bool hasGlass = _kinds.areGlass && hasLines;
+    // Wires on glass are by themselves: where it counts as solid, it is drawn below them all the same.
     const auto isSolid = [=](const State& state)
-    { return state.wires == Model::Wires::None && !(hasGlass && state.isGlass); };
+    { return state.isGlass ? !hasGlass : state.wires == Model::Wires::None; };
     {
         // Of programs that say nothing of clip distances, as those of lines do, nobody knows what is clipped.
         const ClipState clip(_sight.clipping);

@@ -1,6 +1,7 @@
 #include "ModelPrograms.h"
 
 #include "GlassCanvas.h"
+#include "SharedInContext.h"
 
 #include <gui/Res.h>
 
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 namespace gui::draw
 {
@@ -74,18 +74,7 @@ void ModelProgram::onLinked()
     setUnit("shadowMap", cShadowUnit);
 }
 
-std::shared_ptr<ModelPrograms> ModelPrograms::get()
-{
-    static std::vector<std::weak_ptr<ModelPrograms>> s_all;
-    std::erase_if(s_all, [](const auto& pPrograms) { return pPrograms.expired(); });
-    for (const auto& pPrograms : s_all)
-        if (auto pThere = pPrograms.lock(); pThere->getContext() == gl::CurrentContext::getID())
-            return pThere;
-    auto pNew = std::make_shared<ModelPrograms>();
-    pNew->_home.set(gl::CurrentContext::getID());
-    s_all.push_back(pNew);
-    return pNew;
-}
+std::shared_ptr<ModelPrograms> ModelPrograms::get() { return getSharedInContext<ModelPrograms>(); }
 
 ModelProgram* ModelPrograms::find(unsigned int features)
 {

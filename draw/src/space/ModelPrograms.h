@@ -94,6 +94,9 @@ public:
     /// Those of the current context, made when there are none yet.
     static std::shared_ptr<ModelPrograms> get();
 
+    /// In the current context.
+    ModelPrograms() { _home.set(gl::CurrentContext::getID()); }
+
     /// @return null when it does not link, which is tried once
     ModelProgram* find(unsigned int features);
     gl::Quads& getQuads() { return _quads; }

@@ -13,6 +13,7 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
+#include <array>
 #include <span>
 #include <string>
 
@@ -40,19 +41,38 @@ public:
         const std::string fragment = head + gui::getResText(":draw/occlusion.frag").c_str();
         return gl::Program::link(vertex.c_str(), fragment.c_str());
     }
-    template <typename Value>
-    void set(const char* name, const Value& value)
+    /// Those that it has.
+    enum Uniform : std::size_t
     {
-        if (const int location = getUniformLocation(name); location >= 0)
-            setUniformValue(static_cast<unsigned int>(location), value);
+        Picture,
+        Reach,
+        Corner,
+        Projection,
+        Size,
+        IsReversed,
+        Looks,
+        Strength,
+        cUniforms
+    };
+    template <typename Value>
+    void set(Uniform uniform, const Value& value)
+    {
+        setUniformValue(static_cast<unsigned int>(_uniforms[uniform]), value);
     }
 
 protected:
     void onLinked() override
     {
+        constexpr std::array<const char*, cUniforms> cNames{"picture", "reach",      "corner", "projection",
+                                                            "size",    "isReversed", "looks",  "strength"};
+        std::transform(cNames.begin(), cNames.end(), _uniforms.begin(),
+                       [this](const char* name) { return getUniformLocation(name); });
         activate();
-        set("picture", static_cast<int>(gl::Texture::Unit::T5));
+        set(Picture, static_cast<int>(gl::Texture::Unit::T5));
     }
+
+private:
+    std::array<int, cUniforms> _uniforms{};
 };
 
 // @return false when there is no place for it
@@ -140,19 +160,19 @@ void Occlusion::draw(const Eye& eye, const Shadows& shadows, double reach)
     glBindFramebuffer(GL_FRAMEBUFFER, _lightBuffer);
     glViewport(0, 0, target.viewport[2], target.viewport[3]);
     begin(*_pLook, _depth);
-    _pLook->set("projection", glm::mat4(eye.getProjection()));
-    _pLook->set("size", glm::vec2(target.viewport[2], target.viewport[3]));
-    _pLook->set("isReversed", eye.getDepth() == Eye::Depth::Reversed ? 1 : 0);
-    _pLook->set("reach", static_cast<float>(reach));
-    _pLook->set("looks", looksOf(shadows.quality));
-    _pLook->set("strength", static_cast<float>(std::clamp(shadows.occlusion, 0.0, 1.0)));
+    _pLook->set(Program::Projection, glm::mat4(eye.getProjection()));
+    _pLook->set(Program::Size, glm::vec2(target.viewport[2], target.viewport[3]));
+    _pLook->set(Program::IsReversed, eye.getDepth() == Eye::Depth::Reversed ? 1 : 0);
+    _pLook->set(Program::Reach, static_cast<float>(reach));
+    _pLook->set(Program::Looks, looksOf(shadows.quality));
+    _pLook->set(Program::Strength, static_cast<float>(std::clamp(shadows.occlusion, 0.0, 1.0)));
     _quads.draw(std::span(&all, 1));
     target.bind();
     if (isScissored)
         Context::enable(Context::Flag::ScissorTest);
     begin(*_pBlur, _light);
-    _pBlur->set("corner", glm::vec2(target.viewport[0], target.viewport[1]));
-    _pBlur->set("reach", static_cast<float>(reach));
+    _pBlur->set(Program::Corner, glm::vec2(target.viewport[0], target.viewport[1]));
+    _pBlur->set(Program::Reach, static_cast<float>(reach));
     Context::enable(Context::Flag::Blend);
     glBlendEquation(GL_FUNC_ADD);
     glBlendFuncSeparate(GL_ZERO, GL_SRC_COLOR, GL_ZERO, GL_ONE);

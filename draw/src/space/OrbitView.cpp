@@ -170,7 +170,7 @@ void OrbitView::setClipping(const Clipping& clipping)
 
 void OrbitView::setShadows(const Shadows& shadows)
 {
-    _shadows = shadows;
+    _canvas.setShadows(shadows, _camera.getBounds());
     reRender();
 }
 
@@ -198,7 +198,7 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     if (std::exchange(_drawn, _camera.getPose()) != _camera.getPose())
         onCameraMoved();
     const Eye eye = getEye();
-    _canvas.setShadows(_shadows, _camera.getBounds());
+    _canvas.setShadows(_canvas.getShadows(), _camera.getBounds()); // which may be others since
     {
         DepthCanvas::Frame frame(_canvas, eye);
         _pBackground->draw();

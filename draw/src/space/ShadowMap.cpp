@@ -3,6 +3,7 @@
 #include "ModelSight.h"
 
 #include <gui/gl/Context.h>
+#include <gui/gl/Textures.h>
 
 #include <vo/Log.h>
 
@@ -150,11 +151,15 @@ void ShadowMap::end()
     glViewport(_viewportBefore[0], _viewportBefore[1], _viewportBefore[2], _viewportBefore[3]);
 }
 
-glm::mat4 ShadowMap::getMatrix(const glm::dvec3& origin) const
+void ShadowMap::tell(gl::Program& program, unsigned int toShadowMap, unsigned int shadowSize, gl::Texture::Unit unit,
+                     const glm::dvec3& origin) const
 {
+    // From clip space to three numbers from 0 to 1.
     glm::mat4 toMap(0.5F);
     toMap[3] = {0.5F, 0.5F, 0.5F, 1};
-    return toMap * _eye.getMatrix(origin);
+    program.setUniformValue(toShadowMap, toMap * _eye.getMatrix(origin));
+    program.setUniformValue(shadowSize, glm::vec3(_texelSize, 1.0 / _size, _radius));
+    gl::Textures::bindToSamplerUnit(_texture, unit, gl::Texture::Type::Tex2D);
 }
 
 void ShadowMap::release()

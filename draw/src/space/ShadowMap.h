@@ -4,8 +4,7 @@
 #include <gui/draw/Shadows.h>
 
 #include <gui/gl/ContextResource.h>
-
-#include <glm/mat4x4.hpp>
+#include <gui/gl/Program.h>
 
 namespace gui::draw
 {
@@ -29,20 +28,18 @@ public:
     bool begin();
     void end();
 
-    unsigned int getTexture() const { return _texture; }
-    /// From distances from an origin to the map: three numbers from 0 to 1.
-    glm::mat4 getMatrix(const glm::dvec3& origin) const;
-    /// Of a texel, in model units.
-    double getTexelSize() const { return _texelSize; }
-    /// Half a side of the square of texels that shaders look at, without the one in the middle.
-    int getRadius() const { return _radius; }
+    /// Tells the active program, whose fragment shader begins with light.glsl and has SHADOWED defined.
+    /// @param toShadowMap, shadowSize  locations  @param unit  of shadowMap  @param origin  of the shader's places
+    void tell(gl::Program& program, unsigned int toShadowMap, unsigned int shadowSize, gl::Texture::Unit unit,
+              const glm::dvec3& origin) const;
 
 private:
     void release();
 
     Eye _eye;
-    double _texelSize = 0;
-    int _radius = 0, _size = 0, _made = 0;
+    double _texelSize = 0; // in model units
+    int _radius = 0;       // half a side of the square of texels that shaders look at, without the one in the middle
+    int _size = 0, _made = 0;
     unsigned int _texture = 0, _framebuffer = 0;
     int _drawBefore = 0, _readBefore = 0;
     int _viewportBefore[4] = {};

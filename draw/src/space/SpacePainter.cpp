@@ -3,8 +3,6 @@
 #include "ShadowMap.h"
 #include "SpaceLayers.h"
 
-#include <gui/gl/Textures.h>
-
 #include <vo/Log.h>
 
 namespace gui::draw
@@ -49,14 +47,9 @@ SpaceProgram* SpacePainter::activate(SpaceProgram::Kind kind, unsigned int featu
     pProgram->setBuffer(nullptr);
     sight.tell(*pProgram);
     if ((features & SpaceProgram::Shadowed) != 0)
-    {
-        const ShadowMap& map = *sight.pShadowMap;
-        pProgram->setUniformValue(pProgram->at(SpaceProgram::ToShadowMap),
-                                  map.getMatrix(sight.origin + sight.reference));
-        pProgram->setUniformValue(pProgram->at(SpaceProgram::ShadowSize),
-                                  glm::vec3(map.getTexelSize(), 1 / map.getEye().getSize().width, map.getRadius()));
-        gl::Textures::bindToSamplerUnit(map.getTexture(), SpaceProgram::cShadowUnit, gl::Texture::Type::Tex2D);
-    }
+        sight.pShadowMap->tell(*pProgram, pProgram->at(SpaceProgram::ToShadowMap),
+                               pProgram->at(SpaceProgram::ShadowSize), SpaceProgram::cShadowUnit,
+                               sight.origin + sight.reference);
     return pProgram;
 }
 

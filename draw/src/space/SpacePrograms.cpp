@@ -1,11 +1,12 @@
 #include "SpacePrograms.h"
 
+#include "SharedInContext.h"
+
 #include <gui/Res.h>
 
 #include <algorithm>
 #include <bit>
 #include <string>
-#include <vector>
 
 namespace gui::draw
 {
@@ -69,18 +70,7 @@ void SpaceProgram::onLinked()
     setUnit("shadowMap", cShadowUnit);
 }
 
-std::shared_ptr<SpacePrograms> SpacePrograms::get()
-{
-    static std::vector<std::weak_ptr<SpacePrograms>> s_all;
-    std::erase_if(s_all, [](const auto& pPrograms) { return pPrograms.expired(); });
-    for (const auto& pPrograms : s_all)
-        if (auto pThere = pPrograms.lock(); pThere->getContext() == gl::CurrentContext::getID())
-            return pThere;
-    auto pNew = std::make_shared<SpacePrograms>();
-    pNew->_home.set(gl::CurrentContext::getID());
-    s_all.push_back(pNew);
-    return pNew;
-}
+std::shared_ptr<SpacePrograms> SpacePrograms::get() { return getSharedInContext<SpacePrograms>(); }
 
 SpaceProgram* SpacePrograms::find(SpaceProgram::Kind kind, unsigned int features)
 {

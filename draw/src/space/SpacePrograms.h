@@ -96,6 +96,9 @@ public:
     /// Those of the current context, made when there are none yet.
     static std::shared_ptr<SpacePrograms> get();
 
+    /// In the current context.
+    SpacePrograms() { _home.set(gl::CurrentContext::getID()); }
+
     /// @return null when it does not link, which is tried once
     SpaceProgram* find(SpaceProgram::Kind kind, unsigned int features);
     gl::Quads& getQuads() { return _quads; }

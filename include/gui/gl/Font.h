@@ -268,6 +268,7 @@ private:
     bool isEmpty() const { return _pTable == nullptr; }
     FontMetrics metrics() const;
     bool canLayOut(const char* begin, const char* end) const;
+    bool canLayOut(const char* str, std::size_t len, const _format& format) const;
     bool isLaidOut(const char* begin, const char* end) const;
     void measurePiece(const char* begin, const char* end, td::Size<float>& size) const;
     template <bool tellsSpacesApart>

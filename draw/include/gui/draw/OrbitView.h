@@ -159,7 +159,6 @@ private:
     std::unique_ptr<Background> _pBackground;
     DepthCanvas _canvas;
     Clipping _clipping;
-    Shadows _shadows;
     DepthProbe _probe{this};
     gl::Framebuffer _pickBuffer;
     std::optional<td::Point<double>> _pointer;
