@@ -1,50 +1,12 @@
 #include "Earth.h"
 
-#include "Geography.h"
-#include "StarrySky.h"
-
 #include <gui/Texture.h>
 #include <gui/gl/Context.h>
-
-#include <algorithm>
-#include <cmath>
 
 namespace globe
 {
 
 using namespace gui::gl;
-
-namespace
-{
-
-constexpr int cSkySize = 768; // pixels along a face
-constexpr double cLineRadius = 1.0015;
-// Longer lines would run below the surface, which is round.
-constexpr double cLongestStep = 1.5; // degrees
-
-constexpr glm::vec4 cCoast(1, 1, 1, 0.45F), cBorder(1, 0.95F, 0.85F, 0.9F), cPointed(1, 0.83F, 0.35F, 2);
-
-void addLine(Buffer& buffer, const examples::TopoJSON::Line& line, const glm::vec4& color)
-{
-    // Where maps end there are lines in the data, and none on the earth.
-    const auto isAtEdge = [](const td::Point<double>& a, const td::Point<double>& b)
-    { return std::min(std::abs(a.x), std::abs(b.x)) > 179.99 || std::min(std::abs(a.y), std::abs(b.y)) > 89.99; };
-    for (std::size_t i = 1; i < line.size(); ++i)
-    {
-        const td::Point<double> from = line[i - 1], to = line[i];
-        const double east = std::remainder(to.x - from.x, 360), north = to.y - from.y; // the short way around
-        const double n = isAtEdge(from, to) ? 0 : std::max(1.0, std::ceil(std::hypot(east, north) / cLongestStep));
-        for (double end = 1; end <= n; ++end)
-            for (const double part : {(end - 1) / n, end / n})
-            {
-                const glm::vec3 p = cLineRadius * directionOf({from.x + part * east, from.y + part * north});
-                const float vertex[] = {p.x, p.y, p.z, color.r, color.g, color.b, color.a};
-                buffer.appendVertices(vertex, 1);
-            }
-    }
-}
-
-} // namespace
 
 void Earth::Layer::draw(Buffer& buffer, const gui::draw::Eye& eye, const glm::vec3& sun, double radius)
 {
@@ -56,7 +18,7 @@ void Earth::Layer::draw(Buffer& buffer, const gui::draw::Eye& eye, const glm::ve
     Program::draw(buffer, eye.getMatrix());
 }
 
-bool Earth::init(const examples::TopoJSON& countries)
+bool Earth::init()
 {
     // Given as an image, not as a file: the first row is then t = 0, which is a generated sphere's north.
     gui::Texture relief;
@@ -65,46 +27,27 @@ bool Earth::init(const examples::TopoJSON& countries)
     _sphere.addSphere(1, 256, 128, Texture::Type::Tex2D)->setTexture(Textures::Unit::T0, 0);
     for (Layer* pLayer : {&_surface, &_air})
         pLayer->setTextures(&_textures);
-    for (const examples::TopoJSON::Line& coast : countries.getCoasts())
-        addLine(_borders, coast, cCoast);
-    for (const examples::TopoJSON::Border& border : countries.getBorders())
-        addLine(_borders, border.line, cBorder);
-    _borders.createCommand()->createDrawAll(Primitive::Lines);
     return _surface.link(":globe/planet.vert", ":globe/surface.frag") &&
-           _air.link(":globe/planet.vert", ":globe/air.frag") &&
-           _lines.link(":globe/border.vert", ":globe/border.frag") && _sky.init(&_toSky, nullptr, cSkySize, starrySky);
+           _air.link(":globe/planet.vert", ":globe/air.frag") && _sky.init(&_toSky, nullptr, 768, paintSky);
 }
 
-void Earth::point(const examples::TopoJSON::Area* pCountry)
-{
-    _outline.reset();
-    _isPointed = pCountry != nullptr;
-    if (!_isPointed)
-        return;
-    for (const examples::TopoJSON::Polygon& polygon : pCountry->polygons)
-        for (examples::TopoJSON::Ring ring : polygon)
-        {
-            ring.push_back(ring.front());
-            addLine(_outline, ring, cPointed);
-        }
-    _outline.createCommand()->createDrawAll(Primitive::Lines);
-}
-
-void Earth::draw(const gui::draw::Eye& eye, const glm::vec3& sun, bool hasBorders)
+void Earth::draw(const gui::draw::Eye& eye, const glm::vec3& sun)
 {
     _toSky = glm::mat4(eye.getProjection() * glm::dmat4(eye.getRotation()));
     _sky.render(true);
     Context::enable(Context::Flag::DepthTest);
     _surface.draw(_sphere, eye, sun, 1);
+}
+
+void Earth::drawAir(const gui::draw::Eye& eye, const glm::vec3& sun)
+{
     Context::maskDepthBuffer(false);
+    Context::disable(Context::Flag::DepthTest);
+    Context::enable(Context::Flag::CullFace);
     Context::enable(Context::Flag::Blend);
     Context::setBlendFunction(Blend::Factor::SrcAlpha, Blend::Factor::OneMinusSrcAlpha);
-    if (hasBorders)
-        _lines.draw(_borders, eye, sun, 1);
-    if (_isPointed)
-        _lines.draw(_outline, eye, sun, 1);
-    // Each line of sight meets the air twice: the far side is left out.
-    Context::enable(Context::Flag::CullFace);
+    _surface.draw(_sphere, eye, sun, 1.003); // over lines at the rim, too, which are a pixel wide
+    Context::enable(Context::Flag::DepthTest);
     Context::setBlendFunction(Blend::Factor::One, Blend::Factor::One);
     _air.draw(_sphere, eye, sun, cAirRadius);
     Context::disable(Context::Flag::CullFace);

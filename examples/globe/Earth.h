@@ -1,7 +1,5 @@
 #pragma once
 
-#include <common/TopoJSON.h>
-
 #include <gui/draw/Eye.h>
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Program.h>
@@ -11,23 +9,24 @@
 namespace globe
 {
 
-/// The earth's surface in the light of the sun, its borders, the air around it, and the stars.
+/// The earth's surface in the light of the sun, the air around it, and the stars.
 class Earth
 {
 public:
     static constexpr double cAirRadius = 1.1; ///< the eye must stay outside
 
-    /// @param countries  read during the call only
     /// @return false, after a line in the log, when it can't be drawn
-    [[nodiscard]] bool init(const examples::TopoJSON& countries);
-
-    /// Outlines a country. @param pCountry  read during the call only; null for none
-    void point(const examples::TopoJSON::Area* pCountry);
+    [[nodiscard]] bool init();
 
     /// Needs the depth test. @param sun  from the earth towards it, a unit vector
-    void draw(const gui::draw::Eye& eye, const glm::vec3& sun, bool hasBorders = true);
+    void draw(const gui::draw::Eye& eye, const glm::vec3& sun);
+    /// The rest, after lines on the ground: they fade by night, and before the rim.
+    void drawAir(const gui::draw::Eye& eye, const glm::vec3& sun);
 
 private:
+    /// Stars and the Milky Way: what is seen in a direction, a unit vector.
+    static glm::vec3 paintSky(const glm::vec3& direction);
+
     /// A program that depends on sun and eye, and draws a buffer about the earth's middle.
     class Layer : public gui::gl::Program
     {
@@ -38,14 +37,11 @@ private:
         void onLinked() override { _matrixLocation = getUniformLocation("mvp"); }
     };
 
-    Layer _surface, _air, _lines;
+    Layer _surface, _air;
     gui::gl::Buffer _sphere{gui::gl::DataType::Vec3, gui::gl::DataType::Vec3, gui::gl::DataType::Vec2};
-    gui::gl::Buffer _borders{gui::gl::DataType::Vec3, gui::gl::DataType::Vec4};
-    gui::gl::Buffer _outline{gui::gl::DataType::Vec3, gui::gl::DataType::Vec4};
     gui::gl::Textures _textures;
     gui::gl::SkyBox _sky;
     glm::mat4 _toSky{1};
-    bool _isPointed = false;
 };
 
 } // namespace globe

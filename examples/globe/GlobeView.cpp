@@ -53,7 +53,7 @@ GlobeView::GlobeView(gui::Window* pWindow)
 
 void GlobeView::onInit()
 {
-    _isOk = _countries.init() && _earth.init(_countries.getShapes());
+    _isOk = _countries.init() && _earth.init();
     show(cOutlooks[0]);
 }
 
@@ -70,16 +70,15 @@ void GlobeView::show(const Outlook& outlook, double seconds)
 
 void GlobeView::drawScene(const Eye& eye)
 {
-    if (_isOk)
-        _earth.draw(eye, directionOf(_sun), _hasBorders);
+    if (!_isOk)
+        return;
+    const glm::vec3 sun = directionOf(_sun);
+    _earth.draw(eye, sun);
+    _countries.drawLines(eye, _hasBorders);
+    _earth.drawAir(eye, sun);
 }
 
-void GlobeView::drawOver(const Eye& eye)
-{
-    if (_hasNames)
-        _countries.drawNames(eye);
-    _note.draw(eye);
-}
+void GlobeView::drawOver(const Eye& eye) { _countries.drawNames(eye, _hasNames); }
 
 std::optional<glm::dvec3> GlobeView::pick(const Ray& ray)
 {
@@ -90,21 +89,12 @@ std::optional<glm::dvec3> GlobeView::pick(const Ray& ray)
 
 void GlobeView::onPointed(const std::optional<Ray>& ray)
 {
-    const std::optional<glm::dvec3> point = ray ? meet(*ray) : std::nullopt;
-    const examples::TopoJSON::Area* const pBefore =
-        std::exchange(_pPointed, point ? _countries.find(placeOf(*point)) : nullptr);
-    if (pBefore == nullptr && _pPointed == nullptr)
-        return;
     makeCurrentContext();
-    if (_pPointed != pBefore)
-        _earth.point(_pPointed);
-    _note.clear();
-    if (_pPointed != nullptr)
-        _note.add(
-            *point, _pPointed->name, {.size = 15, .paint = "#ffd45a"},
-            {.offset = {18, -22}, .leader = Leader{1, "#ffd45a"}, .frame = LabelFrame{"#0a1428d8", "#ffd45a60", 1, 8}});
-    showTitle();
-    reRender();
+    if (_countries.point(ray ? meet(*ray) : std::nullopt))
+    {
+        showTitle();
+        reRender();
+    }
 }
 
 // Not into the air.
@@ -123,7 +113,7 @@ void GlobeView::onCameraMoved()
 
 bool GlobeView::prepareNextFrame()
 {
-    const Clock::time_point now = Clock::now();
+    const auto now = std::chrono::steady_clock::now();
     const double seconds = std::chrono::duration<double>(now - std::exchange(_lastFrame, now)).count();
     if (_hasTime)
         _sun.longitude -= cDegreesPerSecond * std::min(seconds, cLongestFrame);
@@ -166,11 +156,12 @@ void GlobeView::showTitle()
         return;
     const glm::dvec3 position = getEye().getPosition();
     const auto [longitude, latitude] = placeOf(position);
+    const examples::TopoJSON::Area* const pCountry = _countries.getPointed();
     char title[120];
     std::snprintf(title, sizeof title, "Globe - over %.1f\u00b0 %c %.1f\u00b0 %c, %.0f km high%s%s", std::abs(latitude),
                   latitude < 0 ? 'S' : 'N', std::abs(longitude), longitude < 0 ? 'W' : 'E',
-                  (glm::length(position) - 1) * cKilometres, _pPointed != nullptr ? " - " : "",
-                  _pPointed != nullptr ? _pPointed->name.c_str() : "");
+                  (glm::length(position) - 1) * cKilometres, pCountry != nullptr ? " - " : "",
+                  pCountry != nullptr ? pCountry->name.c_str() : "");
     _pWindow->setTitle(title);
 }
 

@@ -52,17 +52,13 @@ protected:
     bool onKeyPressed(const gui::Key& key) override;
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     void showTitle();
 
     gui::Window* _pWindow;
     Earth _earth;
     Countries _countries;
-    gui::draw::Labels3 _note; // at the pointer
-    const examples::TopoJSON::Area* _pPointed = nullptr;
     Place _sun;
-    Clock::time_point _lastFrame;
+    std::chrono::steady_clock::time_point _lastFrame;
     bool _isGoingNearer = false;
     bool _hasTime = false;
     bool _hasBorders = true;

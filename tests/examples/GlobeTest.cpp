@@ -29,7 +29,7 @@ protected:
     void SetUp() override
     {
         OffscreenGL::SetUp();
-        ASSERT_TRUE(countries.init() && earth.init(countries.getShapes()));
+        ASSERT_TRUE(countries.init() && earth.init());
     }
 
     /// North is up, the place in the middle.
@@ -48,7 +48,9 @@ protected:
     {
         clear();
         gui::gl::Context::enable(gui::gl::Context::Flag::DepthTest);
-        earth.draw(lookAt(place, distance), directionOf(sun), hasBorders);
+        earth.draw(lookAt(place, distance), directionOf(sun));
+        countries.drawLines(lookAt(place, distance), hasBorders);
+        earth.drawAir(lookAt(place, distance), directionOf(sun));
         return pixel(cSize / 2, cSize / 2);
     }
 
@@ -103,10 +105,10 @@ TEST_F(GlobeTest, BordersShowOnTheNearSideOnly)
         {
             const Place place = isNear ? Place{25, 26} : Place{-155, -26};
             const Place sun{place.longitude + 70, 0}; // low: sand is as bright as lines at noon
-            earth.point(nullptr);
+            countries.point(std::nullopt);
             const Pixel without = middleOf(place, sun, 1.5);
             if (isPointed)
-                earth.point(countries.find({17, 27}));
+                countries.point(directionOf({17, 27}));
             middleOf(place, sun, 1.5, !isPointed);
             int difference = 0;
             for (int x = cSize / 2 - 2; x <= cSize / 2 + 2; ++x)

@@ -25,5 +25,6 @@ void main()
     surface += vec3(1.0, 0.9, 0.75) * 0.28 * glitter * water * day;
     float rim = pow(1.0 - max(dot(up, toEye), 0.0), 3.2);
     surface = mix(surface, vec3(0.42, 0.66, 1.0) * day, 0.72 * rim);
-    fragColor = vec4(surface, 1.0);
+    // Drawn once more, over lines, it leaves of them what is seen: little by night, and nothing at the rim.
+    fragColor = vec4(surface, 1.0 - smoothstep(0.0, 0.35, dot(up, toEye)) * mix(0.22, 1.0, day));
 }

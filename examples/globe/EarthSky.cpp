@@ -1,4 +1,4 @@
-#include "StarrySky.h"
+#include "Earth.h"
 
 #include <common/Paint.h>
 
@@ -16,34 +16,25 @@ namespace
 using glm::vec3;
 
 // Stars of one size: a grid around the eye whose cells have one or none.
-struct Stars
-{
-    float cellsPerRadian;
-    float share; // of the cells
-    float brightness;
-};
-
-constexpr Stars cStars[] = {{150, 0.030F, 0.40F}, {100, 0.012F, 0.75F}, {62, 0.006F, 1.5F}};
-
-vec3 starlight(const vec3& direction, const Stars& stars, float crowd)
+vec3 starlight(const vec3& direction, float cellsPerRadian, float share)
 {
     using examples::scatter;
-    const glm::ivec3 cell(glm::floor(stars.cellsPerRadian * direction));
-    if (scatter(cell) > stars.share * crowd)
+    const glm::ivec3 cell(glm::floor(cellsPerRadian * direction));
+    if (scatter(cell) > share)
         return vec3(0);
     const vec3 middle = vec3(cell) + 0.35F + 0.3F * vec3(scatter(cell, 1), scatter(cell, 2), scatter(cell, 3));
     // Seen on the sphere around the eye, not in the depth of the grid.
-    const float distance = glm::length(direction - glm::normalize(middle)) * stars.cellsPerRadian;
+    const float distance = glm::length(direction - glm::normalize(middle)) * cellsPerRadian;
     const float size = scatter(cell, 4), heat = 2 * scatter(cell, 5) - 1;
     const vec3 color =
         glm::mix(vec3(1, 0.97F, 0.92F), heat < 0 ? vec3(1, 0.72F, 0.5F) : vec3(0.66F, 0.78F, 1), glm::abs(heat));
-    return stars.brightness * (0.15F + size * size * size) * std::exp(-distance * distance * 26) * color;
+    return (0.15F + size * size * size) * std::exp(-distance * distance * 26) * color;
 }
 
 } // namespace
 
 // The Milky Way lies along a circle, with dark dust in its middle.
-vec3 starrySky(const vec3& direction)
+glm::vec3 Earth::paintSky(const vec3& direction)
 {
     const vec3 pole = glm::normalize(vec3(0.48F, 0.62F, 0.62F)), center = glm::normalize(vec3(-0.8F, 0.6F, 0.02F));
     const float aside = glm::dot(direction, pole);
@@ -58,9 +49,9 @@ vec3 starrySky(const vec3& direction)
         const float light = band * glm::smoothstep(0.28F, 0.80F, clouds) * bulge * (1 - 0.85F * lane);
         color += 0.45F * light * glm::mix(vec3(0.62F, 0.70F, 1), vec3(1, 0.84F, 0.70F), band * bulge);
     }
-    for (const Stars& stars : cStars)
-        color += starlight(direction, stars, 0.6F + 1.6F * band);
-    return color;
+    const float crowd = 0.6F + 1.6F * band;
+    return color + 0.40F * starlight(direction, 150, 0.030F * crowd) +
+           0.75F * starlight(direction, 100, 0.012F * crowd) + 1.5F * starlight(direction, 62, 0.006F * crowd);
 }
 
 } // namespace globe
