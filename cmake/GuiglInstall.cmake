@@ -70,4 +70,5 @@ foreach(name IN ITEMS guigl guigl-draw)
         COMPONENT development)
 endforeach()
 
+include(GuiglBill)
 include(GuiglDocs)

@@ -22,7 +22,11 @@ function(guigl_settings target)
     if(GUIGL_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
+    guigl_harden(${target})
 endfunction()
+
+file(CONFIGURE OUTPUT ${guigl_BINARY_DIR}/guigl.symbols @ONLY
+    CONTENT "GUIGL_@guigl_VERSION_MAJOR@.@guigl_VERSION_MINOR@ { global: *; };\n")
 
 # guigl_library(<name> [COMPONENT <component>] <sources>...): the shared library guigl_<name>, known as guigl::<name>.
 # It is installed with the others, or as a component of its own.
@@ -40,6 +44,10 @@ function(guigl_library name)
     # outside.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,-Bsymbolic-functions)
+    # Each function is known by its name and the version of the interface: two of them can be in one process, and what
+    # was linked to another one says so when it starts.
+    target_link_options(${target} PRIVATE -Wl,--version-script=${guigl_BINARY_DIR}/guigl.symbols)
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${guigl_BINARY_DIR}/guigl.symbols)
     if(GUIGL_INSTALL)
         set(export guigl)
         set(runtime runtime)
