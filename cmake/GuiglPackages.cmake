@@ -69,4 +69,7 @@ endmacro()
 guigl_host_packages(qt6 "Qt 6" "qt6-base-dev, libqt6opengl6-dev | qt6-base-dev (>= 6.7)")
 guigl_host_packages(gtk4 "GTK 4" libgtk-4-dev)
 
+# With their files in an order of their own, not in that of the folders they were in: the same bytes on any machine.
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian/sort.cmake)
+
 include(CPack)

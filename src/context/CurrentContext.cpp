@@ -3,6 +3,7 @@
 #include "Restoration.h"
 
 #include <gui/gl/ContextResource.h>
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -99,6 +100,9 @@ std::map<CurrentContext::ID, LivingContext>::iterator find(CurrentContext::Handl
 void CurrentContext::set(Handle handle)
 {
     State& s = state();
+    if (handle != nullptr && s.living.empty())
+        td::GUIThread::claim();
+    TD_ASSERT_GUI_THREAD();
     auto it = s.living.end();
     if (handle != nullptr)
     {
@@ -120,6 +124,7 @@ void CurrentContext::set(Handle handle)
 
 void CurrentContext::died(Handle handle)
 {
+    TD_ASSERT_GUI_THREAD();
     State& s = state();
     const auto it = find(handle);
     if (it == s.living.end())
@@ -201,6 +206,7 @@ void CurrentContext::deleteName(ID owner, Kind kind, unsigned int name)
 
 bool CurrentContext::isThere(const char* operation)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (state().current != 0)
         return true;
     vo::dbgLog("Error! %s without a current GL context!", operation);

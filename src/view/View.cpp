@@ -7,6 +7,7 @@
 #include <gui/gl/Program.h>
 #include <gui/gl/port/Zav.h>
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -31,6 +32,7 @@ View::~View()
 
 void View::createContext(const Context& context)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(_handle == nullptr);
     const td::PointAndSize<double> geometry({0, 0}, {400, 400});
     const std::weak_ptr<View*> self = _self;
@@ -44,6 +46,7 @@ void View::createContext(const Context& context)
 void View::createContext(const Context& context, const std::initializer_list<gui::InputDevice::Event>& events,
                          const td::PointAndSize<double>* geometry)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(_handle == nullptr);
     const std::weak_ptr<View*> self = _self;
     gui::NativeObject* const pNative = zav::createGLView(this, geometry, events, context);
@@ -53,25 +56,43 @@ void View::createContext(const Context& context, const std::initializer_list<gui
     TD_ASSERT(_handle != nullptr);
 }
 
-void View::makeCurrentContext() const { zav::makeCurrentContext(this); }
+void View::makeCurrentContext() const
+{
+    TD_ASSERT_GUI_THREAD();
+    zav::makeCurrentContext(this);
+}
 
-void View::reRender() const { zav::reRender(this); }
+void View::reRender() const
+{
+    TD_ASSERT_GUI_THREAD();
+    zav::reRender(this);
+}
 
 void View::startAnimation()
 {
+    TD_ASSERT_GUI_THREAD();
     _isContRenderMode = true;
     zav::setAnimationMode(this, 1);
 }
 
 void View::stopAnimation()
 {
+    TD_ASSERT_GUI_THREAD();
     _isContRenderMode = false;
     zav::setAnimationMode(this, 0);
 }
 
-void View::setCursor(gui::Cursor::Type type, bool globally) const { zav::setCursor(this, type, globally); }
+void View::setCursor(gui::Cursor::Type type, bool globally) const
+{
+    TD_ASSERT_GUI_THREAD();
+    zav::setCursor(this, type, globally);
+}
 
-void View::startTextInput() const { zav::setTextInput(this, true); }
+void View::startTextInput() const
+{
+    TD_ASSERT_GUI_THREAD();
+    zav::setTextInput(this, true);
+}
 
 void View::stopTextInput() const { zav::setTextInput(this, false); }
 
@@ -103,6 +124,7 @@ void View::loseContext() const { zav::loseContext(this); }
 
 void View::readFrameFrameBuffer(gui::Texture& texture, const std::function<void()>& callback)
 {
+    TD_ASSERT_GUI_THREAD();
     constexpr int cBytesPerPixel = 4;
     td::Size<double> size;
     getSize(size);
@@ -124,6 +146,7 @@ void View::readFrameFrameBuffer(gui::Texture& texture, const std::function<void(
 
 bool View::savePicture(const char* path)
 {
+    TD_ASSERT_GUI_THREAD(false);
     TD_ASSERT(path != nullptr, false);
     gui::Texture picture;
     if (zav::drawInto(this, picture))

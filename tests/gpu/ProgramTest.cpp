@@ -93,6 +93,53 @@ TEST_F(ProgramTest, FailuresAreNamedAndLeaveNothing)
     EXPECT_TRUE(log.said("OpenGL FragmentShader compilation failed! Info='bad'. FileName=gl/flat2d.frag"));
 }
 
+// Logs as drivers write them: Mesa's, and those of the three large makers of graphics cards, AMD's in both of its forms.
+TEST_F(ProgramTest, CompileErrorsShowTheirLineInEveryDriversLog)
+{
+    const char* const source = "#version 330 core\nout vec4 color;\n\tvoid main() { color = vec4(tint, 1); }\n";
+    const std::string shown = "  3 | \tvoid main() { color = vec4(tint, 1); }";
+    const struct
+    {
+        const char* log;
+        std::vector<std::string> lines;
+    } cases[] = {
+        {"0:3(29): error: `tint' undeclared\n0:3(24): error: cannot construct `vec4'\n",
+         {"0:3(29): error: `tint' undeclared", shown, "    | \t" + std::string(27, ' ') + "^",
+          "0:3(24): error: cannot construct `vec4'", shown, "    | \t" + std::string(22, ' ') + "^"}},
+        {"0:1(10): preprocessor error: syntax error, unexpected NEWLINE\n",
+         {"0:1(10): preprocessor error: syntax error, unexpected NEWLINE", "  1 | #version 330 core",
+          "    |          ^"}},
+        {"0(3) : error C1503: undefined variable \"tint\"\n0(2) : warning C7022: unrecognized profile\n",
+         {"0(3) : error C1503: undefined variable \"tint\"", shown, "0(2) : warning C7022: unrecognized profile",
+          "  2 | out vec4 color;"}},
+        {"Fragment shader failed to compile with the following errors:\nERROR: 0:3: error(#143) Undeclared identifier: "
+         "tint\nERROR: error(#273) 1 compilation errors.  No code generated\n\n",
+         {"ERROR: 0:3: error(#143) Undeclared identifier: tint", shown}},
+        {"ERROR: 0:3: 'tint' : undeclared identifier \nERROR: 0:3: '' : compilation terminated \nERROR: 2 compilation "
+         "errors.  No code generated.\n",
+         {"ERROR: 0:3: 'tint' : undeclared identifier ", shown, "ERROR: 0:3: '' : compilation terminated ", shown}},
+        {"ERROR: 0:3: 'tint' : undeclared identifier \r\nERROR: 0:3: 'constructor' : not enough data provided for "
+         "construction \r\n",
+         {"ERROR: 0:3: 'tint' : undeclared identifier ", shown,
+          "ERROR: 0:3: 'constructor' : not enough data provided for construction ", shown}},
+        // None that there is.
+        {"0(99) : error\n0:2147483648(1): error\nERROR: 0:-1: error\n0:3\n", {}},
+    };
+    for (const auto& c : cases)
+    {
+        TestProgram program;
+        trace.compileAndLinkAll();
+        trace.failCompilation(GL_FRAGMENT_SHADER, c.log);
+        log.take();
+        EXPECT_FALSE(program.link(":gl/flat2d.vert", source));
+        std::vector<std::string> lines = log.take();
+        ASSERT_FALSE(lines.empty());
+        lines.erase(lines.begin()); // with all of the driver's text
+        EXPECT_EQ(lines, c.lines) << c.log;
+    }
+    newErrors();
+}
+
 TEST_F(ProgramTest, MisuseIsRefusedBeforeGLIsTouched)
 {
     TestProgram program;

@@ -5,6 +5,7 @@
 #include <gui/Window.h>
 #include <gui/port/RunLoop.h>
 #include <gui/port/WindowSystem.h>
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <cstdlib>
@@ -26,6 +27,7 @@ RunLoop& runLoop() { return WindowSystem::instance().getRunLoop(); }
 
 Application::Application(int, char**)
 {
+    td::GUIThread::claim();
     runLoop().restart();
     _pSignals =
         std::make_unique<TerminationSignals>([](int number) { runLoop().closeWindows(cExitOfSignal + number); });
@@ -34,7 +36,11 @@ Application::Application(int, char**)
 
 Application::~Application() = default;
 
-int Application::run() { return runLoop().run(); }
+int Application::run()
+{
+    TD_ASSERT_GUI_THREAD(1);
+    return runLoop().run();
+}
 
 int Application::run(ZavObject& view, const char* title, const td::Size<double>& size)
 {
@@ -42,9 +48,17 @@ int Application::run(ZavObject& view, const char* title, const td::Size<double>&
     return window.show(view) ? run() : 1;
 }
 
-bool Application::step(double seconds) { return runLoop().step(seconds); }
+bool Application::step(double seconds)
+{
+    TD_ASSERT_GUI_THREAD(false);
+    return runLoop().step(seconds);
+}
 
-void Application::quit(int code) { runLoop().quit(code); }
+void Application::quit(int code)
+{
+    TD_ASSERT_GUI_THREAD();
+    runLoop().quit(code);
+}
 
 ColorScheme Application::getColorScheme()
 {

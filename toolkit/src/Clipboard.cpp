@@ -1,6 +1,7 @@
 #include <gui/Clipboard.h>
 
 #include <gui/port/WindowSystem.h>
+#include <td/GUIThread.h>
 #include <vo/UTFConverter.h>
 
 namespace gui
@@ -8,6 +9,7 @@ namespace gui
 
 bool Clipboard::setText(std::string_view text, Kind kind)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (text.find('\0') != std::string_view::npos || !vo::UTFConverter::isWellFormed(text))
         return false;
     return WindowSystem::instance().setClipboardText(kind, std::string(text));
@@ -15,6 +17,7 @@ bool Clipboard::setText(std::string_view text, Kind kind)
 
 std::string Clipboard::getText(Kind kind)
 {
+    TD_ASSERT_GUI_THREAD({});
     return vo::UTFConverter::toWellFormed(WindowSystem::instance().getClipboardText(kind).c_str());
 }
 

@@ -1,6 +1,7 @@
 #include <gui/Frame.h>
 
 #include <gui/NativeObject.h>
+#include <td/GUIThread.h>
 
 namespace gui
 {
@@ -15,6 +16,7 @@ void Frame::getSize(td::Size<double>& size) const
 
 void Frame::reDraw()
 {
+    TD_ASSERT_GUI_THREAD();
     if (_handle != nullptr)
         _handle->reDraw();
 }

@@ -6,6 +6,7 @@
 #include <gui/port/RunLoop.h>
 #include <gui/port/WindowSystem.h>
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <utility>
@@ -43,6 +44,7 @@ Window::~Window() { close(); }
 
 bool Window::show(ZavObject& view)
 {
+    TD_ASSERT_GUI_THREAD(false);
     auto* const pNativeView = dynamic_cast<NativeView*>(view.getHandle());
     if (pNativeView == nullptr)
     {
@@ -120,12 +122,14 @@ void NativeView::closeWindow()
 
 void Window::setTitle(const char* title)
 {
+    TD_ASSERT_GUI_THREAD();
     if (_pPeer != nullptr && title != nullptr)
         _pPeer->setTitle(title);
 }
 
 void Window::setSize(const td::Size<double>& size)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(size.width >= 1 && size.height >= 1);
     if (_pPeer != nullptr)
         _pPeer->setSize(size);

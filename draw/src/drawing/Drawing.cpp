@@ -7,6 +7,7 @@
 #include <gui/gl/StateGuard.h>
 
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -68,6 +69,7 @@ Drawing::~Drawing() = default;
 
 Drawing::ID Drawing::fill(const Path& path, const Paint& paint, FillRule rule)
 {
+    TD_ASSERT_GUI_THREAD(0);
     const ID id = _pImpl->addShape(Impl::Kind::Fill, paint);
     Impl::Item& item = *_pImpl->find(id);
     item.rule = rule;
@@ -76,6 +78,7 @@ Drawing::ID Drawing::fill(const Path& path, const Paint& paint, FillRule rule)
 
 Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, const Paint& paint)
 {
+    TD_ASSERT_GUI_THREAD(0);
     const ID id = _pImpl->addShape(Impl::Kind::Stroke, paint);
     Impl::Item& item = *_pImpl->find(id);
     item.pLine = std::make_unique<Impl::Line>();
@@ -85,6 +88,7 @@ Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, const Paint&
 
 Drawing::ID Drawing::text(Point at, const TextLayout& layout, const TextPlacement& placement)
 {
+    TD_ASSERT_GUI_THREAD(0);
     return _pImpl->addText(at, layout, placement);
 }
 
@@ -95,6 +99,7 @@ Drawing::ID Drawing::text(Point at, std::string_view text, const TextStyle& styl
 
 Drawing::ID Drawing::textOn(const Path& path, const TextLayout& layout, const TextOnPath& placement)
 {
+    TD_ASSERT_GUI_THREAD(0);
     return _pImpl->addTextOn(path, layout, placement);
 }
 
@@ -129,6 +134,7 @@ bool Drawing::setText(ID text, const TextLayout& layout)
 
 Drawing::ID Drawing::image(const Rect& rect, const Image& image)
 {
+    TD_ASSERT_GUI_THREAD(0);
     const ID id = _pImpl->addShape(Impl::Kind::Fill, Paint());
     Impl::Item& item = *_pImpl->find(id);
     item.imageRect = rect;
@@ -148,6 +154,7 @@ bool Drawing::setImage(ID shape, const Image& image)
 
 Drawing::ID Drawing::beginGroup(const Affine& transform)
 {
+    TD_ASSERT_GUI_THREAD(0);
     const std::uint32_t slot = _pImpl->add(Impl::Kind::Group);
     Impl::Item& item = _pImpl->items[slot];
     if (isFinite(transform))
@@ -165,6 +172,7 @@ void Drawing::endGroup()
 
 bool Drawing::setColor(ID id, const Paint& paint)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl::Item* pItem = _pImpl->find(id);
     if (pItem == nullptr)
         return false;
@@ -232,6 +240,7 @@ std::uint64_t Drawing::getTag(ID id) const
 
 bool Drawing::setPath(ID shape, const Path& path)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl::Item* pItem = _pImpl->findShape(shape);
     if (pItem == nullptr || (pItem->kind == Impl::Kind::Text && !pItem->pLetters->pRoute))
         return false;
@@ -255,6 +264,7 @@ bool Drawing::setStroke(ID shape, const Stroke& stroke)
 
 bool Drawing::setTransform(ID id, const Affine& transform)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl::Item* pItem = _pImpl->find(id);
     if (pItem == nullptr || !isFinite(transform))
         return false;
@@ -271,6 +281,7 @@ bool Drawing::setTransform(ID id, const Affine& transform)
 
 bool Drawing::remove(ID id)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl& impl = *_pImpl;
     Impl::Item* pItem = impl.find(id);
     if (pItem == nullptr)
@@ -320,6 +331,7 @@ bool Drawing::lower(ID id)
 
 void Drawing::clear()
 {
+    TD_ASSERT_GUI_THREAD();
     Impl& impl = *_pImpl;
     for (std::uint32_t slot = 0; slot < impl.items.size(); ++slot)
         if (impl.items[slot].kind != Impl::Kind::None)

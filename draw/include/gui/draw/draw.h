@@ -2,6 +2,10 @@
 
 // All public headers of guigl::draw: what is drawn in the plane and in space, above gui::gl. Begin with Path, or
 // with OrbitView.
+//
+// Threads: views, and classes whose comment says "GUI thread only", are for the GUI thread (td/GUIThread.h), which
+// builds with assertions check. All others are values and tools: any thread may use them, one object on one thread at a
+// time; two threads may read one object that no other changes.
 
 #include "Affine.h"
 #include "Axes.h"
