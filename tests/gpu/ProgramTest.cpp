@@ -93,7 +93,7 @@ TEST_F(ProgramTest, FailuresAreNamedAndLeaveNothing)
     EXPECT_TRUE(log.said("OpenGL FragmentShader compilation failed! Info='bad'. FileName=gl/flat2d.frag"));
 }
 
-// Logs as drivers write them: Mesa's, and those of the three large makers of graphics cards, AMD's in both of its forms.
+// Logs as drivers write them: Mesa's, and those of the three large makers of graphics cards, of one in both its forms.
 TEST_F(ProgramTest, CompileErrorsShowTheirLineInEveryDriversLog)
 {
     const char* const source = "#version 330 core\nout vec4 color;\n\tvoid main() { color = vec4(tint, 1); }\n";

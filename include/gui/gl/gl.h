@@ -22,8 +22,8 @@
 /// What it does not do: it keeps no scene, fills no polygon with holes and smooths edges by samples alone
 /// (Context::setSamples), all of which gui::draw::Drawing does for the plane (gui/draw/draw.h, in a library above this
 /// one); it lays out text from left to right without kerning, ligatures or letters that join; it has no buttons, menus
-/// or layout of widgets; and all of it is for one thread, the GUI thread (td/GUIThread.h), but for classes whose comment
-/// says otherwise, and for plain values: each thread may have its own of these.
+/// or layout of widgets; and all of it is for one thread, the GUI thread (td/GUIThread.h), but for classes whose
+/// comment says otherwise, and for plain values: each thread may have its own of these.
 
 #include "Buffer.h"
 #include "BufferTexture.h"

@@ -26,9 +26,9 @@ public:
 
 } // namespace td
 
-/// Checks that the GUI thread is the calling one: TD_ASSERT_GUI_THREAD(result...). When it is not, the assertion handler
-/// gets a report whose condition is GUIThread::describe's text, on the thread that called, and the enclosing function
-/// returns `result`. With NDEBUG there is no check.
+/// Checks that the GUI thread is the calling one: TD_ASSERT_GUI_THREAD(result...). When it is not, the assertion
+/// handler gets a report whose condition is GUIThread::describe's text, on the thread that called, and the enclosing
+/// function returns `result`. With NDEBUG there is no check.
 #ifdef NDEBUG
 #define TD_ASSERT_GUI_THREAD(...) static_cast<void>(0)
 #else
