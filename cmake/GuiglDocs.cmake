@@ -55,6 +55,7 @@ endfunction()
 
 guigl_install_page(README.md)
 guigl_install_page(CHANGELOG.md)
+guigl_install_page(SECURITY.md)
 file(GLOB pages RELATIVE ${guigl_SOURCE_DIR} CONFIGURE_DEPENDS ${guigl_SOURCE_DIR}/docs/*.md)
 foreach(page IN LISTS pages)
     guigl_install_page(${page})
