@@ -36,9 +36,6 @@ GalleryView::~GalleryView()
 {
     makeCurrentContext();
     _pScene.reset();
-    if (_pCostPanel != nullptr)
-        gui::gl::FrameLedger::stop();
-    _pCostPanel.reset();
 }
 
 void GalleryView::onInit() { showScene(_nthScene); }
@@ -86,12 +83,6 @@ void GalleryView::onDraw(const td::RectNormalized<double>&)
         gui::gl::Context::clear(td::ColorID::Maroon);
         gui::gl::Context::clear(gui::gl::Context::Clear::Color);
     }
-    if (_pCostPanel != nullptr)
-    {
-        gui::gl::FrameLedger::end();
-        const gui::gl::FrameLedger::Pause pause;
-        _pCostPanel->draw(frame, gui::gl::FrameLedger::getLast());
-    }
     ++_nDraws;
     if (_nDraws == _nFrames)
         gui::Application::quit();
@@ -104,22 +95,6 @@ void GalleryView::showTitle()
     if (!_note.empty())
         title += " - " + _note;
     _window.setTitle(title.c_str());
-}
-
-void GalleryView::toggleCost()
-{
-    if (_pCostPanel != nullptr)
-    {
-        gui::gl::FrameLedger::stop();
-        makeCurrentContext();
-        _pCostPanel.reset();
-    }
-    else
-    {
-        gui::gl::FrameLedger::start();
-        _pCostPanel = std::make_unique<CostPanel>();
-    }
-    reRender();
 }
 
 void GalleryView::grab(gui::Texture& image, const std::function<void()>& callback)
@@ -189,7 +164,10 @@ bool GalleryView::onKeyPressed(const gui::Key& key)
     else if (character == ' ')
         toggleTime();
     else if (character == 'f' || character == 'F')
-        toggleCost();
+    {
+        _inspector.setShown(!_inspector.isShown());
+        reRender();
+    }
     else if (key.getVirtual() == Virtual::F11)
         _window.setFullScreen(!_window.isFullScreen());
     else if (key.getVirtual() == Virtual::Escape && _window.isFullScreen())

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "CostPanel.h"
 #include "Scenes.h"
 #include "Stage.h"
 
 #include <gui/Window.h>
+#include <gui/draw/Inspector.h>
 #include <gui/gl/View.h>
 
 #include <chrono>
@@ -14,8 +14,8 @@
 namespace gallery
 {
 
-/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F shows what
-/// a frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
+/// Shows one scene after the other in a window: digits and arrow keys choose, Space starts and stops time, F, or F12,
+/// shows what a frame costs, F11 fills the screen, Escape leaves it, and the program. Time stands still when a scene is
 /// shown, unless the scene moves by itself.
 class GalleryView : public gui::gl::View, private Stage
 {
@@ -52,11 +52,7 @@ protected:
     bool onKeyReleased(const gui::Key& key) override;
     void onTextInput(std::string_view text) override;
     void onTextComposition(const gui::TextComposition& composition) override;
-    void cleanResources() override
-    {
-        _pScene.reset();
-        _pCostPanel.reset();
-    }
+    void cleanResources() override { _pScene.reset(); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -77,7 +73,6 @@ private:
     double secondsSinceFrame(Clock::time_point now) const;
     void advanceTime();
     void showTitle();
-    void toggleCost();
 
     gui::Window& _window;
     std::unique_ptr<Scene> _pScene;
@@ -87,7 +82,7 @@ private:
     double _seconds; // on the scene's clock
     Clock::time_point _lastFrame;
     bool _hasFocus = false;
-    std::unique_ptr<CostPanel> _pCostPanel; // while it is shown
+    gui::draw::Inspector _inspector;
     int _nDraws = 0;
 };
 

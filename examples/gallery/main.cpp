@@ -39,7 +39,7 @@ constexpr const char* cHelp = R"(Usage: gallery [--scene NAME] [--frames N]
        gallery --list | --help
 
 Shows the gallery in a window. Digits and arrow keys choose a scene, Space starts and
-stops time, F shows what a frame costs, F11 fills the screen, Escape ends.
+stops time, F or F12 shows what a frame costs, F11 fills the screen, Escape ends.
 Without a display, or with --out, it draws every scene into a folder instead: NAME.png,
 NAME@2x.png for screens with two pixels per point (GUIGL_SCALE=1 or 2 leaves out the other),
 and index.html, which shows them all.

@@ -21,7 +21,7 @@ using examples::TopoJSON;
 namespace
 {
 
-constexpr double cNameRadius = 1.002;
+constexpr double cNameRadius = 1.002, cCoarse = 0.3; // a radius, degrees
 
 constexpr td::Color cYellow("#ffd45a");
 const Halo cHalo{1.5, "#0a1428a0"};
@@ -32,12 +32,16 @@ bool isAtEdge(const td::Point<double>& a, const td::Point<double>& b)
     return std::min(std::abs(a.x), std::abs(b.x)) > 179.99 || std::min(std::abs(a.y), std::abs(b.y)) > 89.99;
 }
 
-void addLine(Polylines3& lines, const TopoJSON::Line& line, const Polylines3::Look& look)
+// Without points that are nearer than the grain, in degrees, to the one before.
+void addLine(Polylines3& lines, const TopoJSON::Line& line, const Polylines3::Look& look, double grain = 0)
 {
     std::vector<glm::dvec3> points;
-    for (std::size_t i = 0; i + 1 < line.size(); ++i)
+    td::Point<double> from = line[0];
+    for (std::size_t i = 0; i + 1 < line.size(); from = line[++i])
     {
-        const td::Point<double> from = line[i], to = line[i + 1];
+        while (i + 2 < line.size() && std::hypot(line[i + 1].x - from.x, line[i + 1].y - from.y) < grain)
+            ++i;
+        const td::Point<double> to = line[i + 1];
         if (!isAtEdge(from, to))
         {
             // The short way around, in steps of a degree: longer ones would run below the ground, which is round.
@@ -58,15 +62,19 @@ bool Countries::init()
     // What lies at the rim is as good as hidden.
     _names.setIsHidden([](const glm::dvec3& point, const Eye& eye)
                        { return glm::dot(glm::normalize(eye.getPosition() - point), point) < 0.2; });
-    _borders.setBias(2);
     _outline.setBias(3);
     const td::String json = gui::getResText("globe/countries-50m.json");
     if (!_shapes.load({json.c_str(), json.length()}, "countries"))
         return false;
-    for (const TopoJSON::Line& coast : _shapes.getCoasts())
-        addLine(_borders, coast, {.width = 0.8, .color = "#ffffff80"});
-    for (const TopoJSON::Border& border : _shapes.getBorders())
-        addLine(_borders, border.line, {.width = 1, .color = "#fff2d9c0"});
+    for (const double grain : {0.0, cCoarse})
+    {
+        Polylines3& lines = grain > 0 ? _coarseBorders : _borders;
+        lines.setBias(2);
+        for (const TopoJSON::Line& coast : _shapes.getCoasts())
+            addLine(lines, coast, {.width = 0.8, .color = "#ffffff80"}, grain);
+        for (const TopoJSON::Border& border : _shapes.getBorders())
+            addLine(lines, border.line, {.width = 1, .color = "#fff2d9c0"}, grain);
+    }
     for (std::uint64_t tag = 0; const TopoJSON::Area& area : _shapes.getAreas())
     {
         Path outline;

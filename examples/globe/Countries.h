@@ -31,8 +31,9 @@ public:
     /// Lines on the ground. @param hasBorders  whether there are more than the outline of what is pointed at
     void drawLines(const gui::draw::Eye& eye, bool hasBorders = true)
     {
+        const bool isNear = glm::length(eye.getPosition()) < 2.5;
         if (hasBorders)
-            _borders.draw(eye);
+            (isNear ? _borders : _coarseBorders).draw(eye);
         _outline.draw(eye);
     }
     /// @param hasNames  whether there are more than that of what is pointed at
@@ -47,7 +48,7 @@ public:
 private:
     examples::TopoJSON _shapes;
     gui::draw::Drawing _map; // in degrees, to be asked only: each country has its index, plus one, as its tag
-    gui::draw::Polylines3 _borders, _outline;
+    gui::draw::Polylines3 _borders, _coarseBorders, _outline;
     gui::draw::Labels3 _names, _note;
     const examples::TopoJSON::Area* _pPointed = nullptr;
 };

@@ -5,6 +5,7 @@
 #include <common/CommandLine.h>
 #include <common/SavePicture.h>
 #include <gui/Application.h>
+#include <gui/draw/Inspector.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -55,6 +56,7 @@ int main(int argc, char** argv)
     if (asked.exitStatus)
         return *asked.exitStatus;
     gui::Application app(argc, argv);
+    const gui::draw::Inspector inspector; // F12 shows it
     gui::Window window("Globe", cSize);
     GlobeView view(&window);
     if (!view.isOk() || !window.show(view))

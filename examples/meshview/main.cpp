@@ -7,6 +7,7 @@
 #include <gui/Application.h>
 #include <gui/Key.h>
 #include <gui/Window.h>
+#include <gui/draw/Inspector.h>
 #include <gui/draw/draw.h>
 
 #include <cstdio>
@@ -97,6 +98,7 @@ try
     if (argc > 2)
         setenv("GUIGL_WINDOW_SYSTEM", "offscreen", 1);
     gui::Application app(argc, argv);
+    const gui::draw::Inspector inspector; // F12 shows it
     gui::Window window("Mesh", {960, 680});
     MeshView view(load(argc > 1 ? argv[1] : "mesh.obj"));
     return window.show(view) && (argc > 2 ? view.savePicture(argv[2]) : app.run() == 0) ? 0 : 1;

@@ -5,8 +5,7 @@
 #include <common/CommandLine.h>
 #include <common/SavePicture.h>
 #include <gui/Application.h>
-
-#include <cstdlib>
+#include <gui/draw/Inspector.h>
 
 namespace
 {
@@ -47,17 +46,18 @@ int main(int argc, char** argv)
     if (asked.exitStatus)
         return *asked.exitStatus;
     gui::Application app(argc, argv);
+    const gui::draw::Inspector inspector; // F12 shows it
     worldmap::Countries countries;
     if (!countries.load())
-        return EXIT_FAILURE;
+        return 1;
     gui::Window window("World map", {1080, 580});
     worldmap::MapView view(window, countries);
     if (!window.show(view))
-        return EXIT_FAILURE;
+        return 1;
     if (asked.folder.empty())
         return app.run();
     const bool isDrawn = drawPicture(view, asked.folder / "world.png", Projection::Equirectangular) &&
                          drawPicture(view, asked.folder / "europe.png", Projection::Mercator, 14, {14, 51}) &&
                          drawPicture(view, asked.folder / "italy.png", Projection::Mercator, 60, {12.2, 42.9});
-    return isDrawn ? EXIT_SUCCESS : EXIT_FAILURE;
+    return isDrawn ? 0 : 1;
 }

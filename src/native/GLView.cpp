@@ -16,6 +16,7 @@
 #include <gui/Texture.h>
 #include <gui/gl/FrameLedger.h>
 #include <gui/gl/View.h>
+#include <gui/gl/port/FrameObserver.h>
 #include <td/Assert.h>
 #include <vo/UTFConverter.h>
 
@@ -236,9 +237,23 @@ void GLView::drawNow()
 
 void GLView::onFrameTick()
 {
+    if (isHeld())
+        return;
     td::Size<double> size;
     getSize(size);
     drawRect({0, 0, size.width, size.height});
+}
+
+bool GLView::isHeld() const
+{
+    FrameObserver* const pObserver = FrameObserver::get();
+    return pObserver != nullptr && _pCppView != nullptr && pObserver->isHeld(*_pCppView);
+}
+
+FrameObserver::Frame GLView::observedFrame() const
+{
+    return {*_pCppView, _screenFrameBufferID, _pSurface->getDrawableSize(),
+            static_cast<double>(_pSurface->getBackingScale())};
 }
 
 bool GLView::drawInto(gui::Texture& picture)
@@ -275,16 +290,20 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     if (!hasFrameContext())
         return;
     updateScreenFramebuffer();
-    if (_continuousRender && !ViewHelper(_pCppView).prepareNextFrame())
+    if (_continuousRender && !isHeld() && !ViewHelper(_pCppView).prepareNextFrame())
         setContinuousMode(false);
     if (_pCppView == nullptr || !beginFrame())
         return;
+    if (FrameObserver* const pObserver = FrameObserver::get())
+        pObserver->frameBegins(observedFrame());
     FrameLedger::begin();
     ViewHelper(_pCppView).onDraw(rect);
     FrameLedger::end();
     // A view that came or went in there took the current context with it.
     if (_pCppView == nullptr || !beginFrame())
         return;
+    if (FrameObserver* const pObserver = FrameObserver::get())
+        pObserver->frameEnds(observedFrame());
     readGrabbedFrame();
     if (_pPicture != nullptr && readFrame(_screenFrameBufferID, _pSurface->getDrawableSize(), *_pPicture))
         _pPicture = nullptr;
@@ -522,9 +541,13 @@ void GLView::onMagnification(const MagnificationEvent& event)
 
 bool GLView::onKey(const KeyEvent& event)
 {
+    const Busy busy(*this);
+    FrameObserver* const pObserver = event.isDown ? FrameObserver::get() : nullptr;
+    if (pObserver != nullptr && _pCppView != nullptr && makeCurrentContext() &&
+        pObserver->keyPressed(*_pCppView, createKey(event)))
+        return true;
     if (!has(InputDevice::Event::Keyboard) || !makeCurrentContext())
         return false;
-    const Busy busy(*this);
     ViewHelper helper(_pCppView);
     return event.isDown ? helper.onKeyPressed(createKey(event)) : helper.onKeyReleased(createReleasedKey(event));
 }

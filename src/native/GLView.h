@@ -7,6 +7,7 @@
 #include <gui/InputDevice.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/CurrentContext.h>
+#include <gui/gl/port/FrameObserver.h>
 #include <gui/gl/port/NativeSurface.h>
 #include <gui/gl/port/PixelFormat.h>
 #include <td/Export.h>
@@ -120,6 +121,8 @@ private:
     bool updateGeometry();
     void tellScale();
     void drawRect(const td::RectNormalized<double>& rect);
+    bool isHeld() const;
+    FrameObserver::Frame observedFrame() const;
     void readGrabbedFrame();
     td::Point<double> toView(const td::Point<double>& windowPoint) const;
     gui::InputDevice pointerRecord(const td::Point<double>& windowPoint, unsigned int modifiers,

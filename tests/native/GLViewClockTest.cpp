@@ -1,5 +1,9 @@
 #include "GLViewFixture.h"
 
+#include <gui/gl/port/FrameObserver.h>
+
+#include <string>
+
 namespace
 {
 
@@ -75,6 +79,40 @@ TEST_F(GLViewClockTest, NothingStartsItAgainAfterCleanUp)
     pNative->enteredWindow();
     EXPECT_TRUE(journal.said({}));
     EXPECT_FALSE(pNative->hasFrameClock());
+}
+
+// An animation that goes on while it is held, or stands still when it is not; a key that both get; a view that is told of
+// a frame out of turn.
+TEST_F(GLViewClockTest, AnObserverSeesFramesAndHoldsAnimations)
+{
+    struct Observer : gui::gl::FrameObserver
+    {
+        ~Observer() override { set(nullptr); }
+        void frameBegins(const Frame& frame) override { told += frame.size.width == 200 ? "begins " : "? "; }
+        void frameEnds(const Frame&) override { told += "ends "; }
+        bool keyPressed(gui::gl::View&, const gui::Key& key) override { return key.getChar() == 'a'; }
+        bool isHeld(const gui::gl::View&) override { return holds; }
+
+        std::string told;
+        bool holds = false;
+    } observer;
+    gui::gl::FrameObserver::set(&observer);
+    RecordingView view(window);
+    GLView* const pNative = show(view, 0x100, true);
+    view.in["onDraw"] = [&] { observer.told += "onDraw "; };
+    pNative->onFrameTick();
+    EXPECT_TRUE(journal.said({"prepareNextFrame", "onDraw 0 0 200 100", "flush"}));
+    EXPECT_EQ(observer.told, "begins onDraw ends ");
+    observer.holds = true;
+    pNative->onFrameTick();
+    EXPECT_TRUE(journal.said({}));
+    pNative->drawNow();
+    EXPECT_TRUE(journal.said({"onDraw 0 0 200 100", "flush"}));
+    EXPECT_TRUE(view.isAnimated());
+    EXPECT_TRUE(pNative->onKey({true, 0, 'a', 0}));
+    EXPECT_TRUE(journal.said({}));
+    pNative->onKey({true, 0, 'b', 0});
+    EXPECT_TRUE(journal.said({"key 'b'"}));
 }
 
 } // namespace

@@ -27,6 +27,7 @@
 #include "HeatMap.h"
 #include "IdPicker.h"
 #include "Image.h"
+#include "Inspector.h"
 #include "Instances.h"
 #include "Labels.h"
 #include "Labels3.h"
