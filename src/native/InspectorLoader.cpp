@@ -38,7 +38,7 @@ void loadWantedInspector()
     if (start != nullptr)
         start();
     else
-        vo::dbgLog("WARNING! GUIGL_INSPECT: there is no inspector: %s", dlerror());
+        vo::dbgLog("Warning! GUIGL_INSPECT is set, but there is no inspector: %s", dlerror());
 }
 
 } // namespace gui::gl

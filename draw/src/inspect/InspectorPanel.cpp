@@ -26,7 +26,7 @@ constexpr double cBeat = 1000.0 / 60;   // milliseconds
 constexpr auto cBetweenLooks = std::chrono::milliseconds(500);
 
 // In points.
-constexpr double cLeft = 12, cTop = 12, cWidth = 372, cHeight = 282, cMargin = 12, cNames = 78, cPitch = 17;
+constexpr double cLeft = 12, cTop = 12, cWidth = 372, cHeight = 266, cMargin = 12, cNames = 78, cPitch = 17;
 constexpr double cGraphHeight = 64;
 
 constexpr td::Color cGround("#10141ce0"), cFrame("#ffffff30"), cName("#9fb4cc"), cValue("#ffffff"), cHere("#5ab4ff"),
@@ -102,14 +102,19 @@ void InspectorPanel::addRow(double& baseline, const char* name, const std::strin
     baseline += cPitch;
 }
 
-// Newest at the right; a line where a display of 60 frames a second wants the next one.
+// Newest at the right; a line where a display of 60 frames a second wants the next one. A few that took much longer than
+// the others, the first one as a rule, are cut off.
 void InspectorPanel::addGraph(const td::RectNormalized<double>& rect)
 {
-    double most = cBeat;
+    std::vector<double> longest;
     for (const Times& times : _times)
-        most = std::max({most, times.cpu, times.gpu});
+        longest.push_back(std::max(times.cpu, times.gpu));
+    const auto nearlyAll = longest.begin() + static_cast<std::ptrdiff_t>((longest.size() - 1) * 9 / 10);
+    std::ranges::nth_element(longest, nearlyAll);
+    const double most = 1.25 * std::max(cBeat, *nearlyAll);
     const double width = (rect.right - rect.left) / cMostTimes;
-    const auto y = [&](double time) { return rect.bottom - (rect.bottom - rect.top) * std::max(time, 0.0) / most; };
+    const auto y = [&](double time)
+    { return rect.bottom - (rect.bottom - rect.top) * std::clamp(time / most, 0.0, 1.0); };
     Path here, inGL;
     double x = rect.right - width * static_cast<double>(_times.size());
     for (const Times& times : _times)
@@ -124,7 +129,7 @@ void InspectorPanel::addGraph(const td::RectNormalized<double>& rect)
     Path beat;
     beat.moveTo({rect.left, y(cBeat)}).lineTo({rect.right, y(cBeat)});
     _drawing.stroke(beat, {.width = 1, .dashes = {3, 3}}, "#ffffff60");
-    _drawing.text({rect.left, y(cBeat) + 3}, "16.7 ms", textOf("#ffffff90", 9), {.anchor = Anchor::TopLeft});
+    _drawing.text({rect.left, y(cBeat) - 2}, "16.7 ms", textOf("#ffffff90", 9), {.anchor = Anchor::BottomLeft});
 }
 
 void InspectorPanel::addTextures(const std::vector<TextureSheet::Place>& places)
