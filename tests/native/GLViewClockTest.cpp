@@ -81,8 +81,8 @@ TEST_F(GLViewClockTest, NothingStartsItAgainAfterCleanUp)
     EXPECT_FALSE(pNative->hasFrameClock());
 }
 
-// An animation that goes on while it is held, or stands still when it is not; a key that both get; a view that is told of
-// a frame out of turn.
+// An animation that goes on while it is held, or stands still when it is not; a key that both get; a view that is
+// told of a frame out of turn.
 TEST_F(GLViewClockTest, AnObserverSeesFramesAndHoldsAnimations)
 {
     struct Observer : gui::gl::FrameObserver

@@ -10,8 +10,8 @@
 namespace gui::draw
 {
 
-/// What the GL objects of the current context were asked for. Names are given out from 1 on; it stops looking after some
-/// hundred that are none.
+/// What the GL objects of the current context were asked for. Names are given out from 1 on; it stops looking after
+/// some hundred that are none.
 struct GLMemory
 {
     enum class Kind

@@ -102,8 +102,8 @@ void InspectorPanel::addRow(double& baseline, const char* name, const std::strin
     baseline += cPitch;
 }
 
-// Newest at the right; a line where a display of 60 frames a second wants the next one. A few that took much longer than
-// the others, the first one as a rule, are cut off.
+// Newest at the right; a line where a display of 60 frames a second wants the next one. A few that took much longer
+// than the others, the first one as a rule, are cut off.
 void InspectorPanel::addGraph(const td::RectNormalized<double>& rect)
 {
     std::vector<double> longest;

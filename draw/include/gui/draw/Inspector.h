@@ -9,8 +9,9 @@
 namespace gui::draw
 {
 
-/// Shows over any view what its frames cost: times of the last frames as a graph, draws, state and uploads, the memory of
-/// what is in the context; and, by keys, its textures, its triangles as wires, and how often each pixel is drawn.
+/// Shows over any view what its frames cost: times of the last frames as a graph, draws, state and uploads, the
+/// memory of what is in the context; and, by keys, its textures, its triangles as wires, and how often each pixel is
+/// drawn.
 ///
 /// In a program of yours it is one line of main, and F12 shows it:
 ///

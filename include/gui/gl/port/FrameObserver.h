@@ -40,8 +40,8 @@ public:
     /// Called when a key goes down in a view's window, whatever events the view asked for, with the context current.
     /// @return whether it was for the observer; the view does not get it then
     virtual bool keyPressed(View& view, const Key& key) = 0;
-    /// Asked at each beat of a view's animation, and before its other frames. @return whether the animation is held: the
-    /// beat draws nothing, and other frames show the view without asking it to go on (View::prepareNextFrame)
+    /// Asked at each beat of a view's animation, and before its other frames. @return whether the animation is held:
+    /// the beat draws nothing, and other frames show the view without asking it to go on (View::prepareNextFrame)
     virtual bool isHeld(const View& view) = 0;
 
     /// @param pObserver  not owned; null for none. Who goes takes itself back before
