@@ -3,6 +3,7 @@
 // Fails when memory or the number of open files grows after the first round, or when anything is in the log.
 
 #include "examples/SlowScenes.h"
+#include "sdl/Weston.h"
 #include "sdl/XServer.h"
 #include "src/native/GLView.h"
 #include "support/OpenFiles.h"
@@ -226,14 +227,17 @@ int run(double seconds, unsigned int seed)
             std::printf("the log says: %s\n", line);
         });
     const char* const windowSystem = std::getenv("GUIGL_WINDOW_SYSTEM");
-    const bool isOffscreen = windowSystem == nullptr || std::string_view(windowSystem) != "x11";
+    const std::string_view wanted = windowSystem != nullptr ? windowSystem : "offscreen";
+    const bool isOffscreen = wanted == "offscreen";
     // What the heap may have more after a round than after the first one: the loader keeps some sixty bytes of each
     // context, on X11 a window leaves 150, as it does in a program of SDL alone, and libX11 keeps the memory of as many
     // events as ever waited at once.
     const std::size_t allowedGrowth = isOffscreen ? 200'000 : 2'000'000;
-    const auto pServer = isOffscreen ? nullptr : std::make_unique<test::XServer>();
+    const auto pServer = wanted == "x11" ? std::make_unique<test::XServer>() : nullptr;
+    const auto pCompositor = wanted == "wayland" ? std::make_unique<test::Weston>("us") : nullptr;
     worldmap::Countries countries;
-    if ((pServer != nullptr && !pServer->isOk()) || !countries.load())
+    if ((pServer != nullptr && !pServer->isOk()) || (pCompositor != nullptr && !pCompositor->isOk()) ||
+        !countries.load())
         return 2;
 
     Random random(seed);
