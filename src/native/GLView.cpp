@@ -4,6 +4,7 @@
 #include "GLDebug.h"
 #include "GLViewBusy.h"
 
+#include "../capture/Capture.h"
 #include "../context/FrameReader.h"
 #include "../context/ResetStatus.h"
 #include "../context/Samples.h"
@@ -279,12 +280,14 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         setContinuousMode(false);
     if (_pCppView == nullptr || !beginFrame())
         return;
+    Capture::beginFrame();
     FrameLedger::begin();
     ViewHelper(_pCppView).onDraw(rect);
     FrameLedger::end();
     // A view that came or went in there took the current context with it.
     if (_pCppView == nullptr || !beginFrame())
         return;
+    Capture::endFrame(_screenFrameBufferID, _pSurface->getDrawableSize());
     readGrabbedFrame();
     if (_pPicture != nullptr && readFrame(_screenFrameBufferID, _pSurface->getDrawableSize(), *_pPicture))
         _pPicture = nullptr;
