@@ -21,7 +21,7 @@ public:
     template <typename... Parameters, typename... Values>
     void call(void (**slot)(Parameters...), Values... values)
     {
-        const std::array<CallArgument, sizeof...(Values) + 1> arguments{toArgument(static_cast<Parameters>(values))...,
+        const std::array<CallArgument, sizeof...(Values) + 1> arguments{toArgument<Parameters>(values)...,
                                                                         CallArgument{}};
         write(GLCall::of(slot), {arguments.data(), sizeof...(Values)});
     }
@@ -32,16 +32,16 @@ public:
     const std::string& bytes() const { return _bytes.bytes(); }
 
 private:
-    template <typename T>
-    static CallArgument toArgument(T value)
+    template <typename Parameter, typename Value>
+    static CallArgument toArgument(Value value)
     {
         CallArgument argument;
-        if constexpr (std::is_pointer_v<T>)
+        if constexpr (std::is_pointer_v<Parameter>)
             argument.pointer = value;
-        else if constexpr (std::is_floating_point_v<T>)
-            argument.real = static_cast<double>(value);
+        else if constexpr (std::is_floating_point_v<Parameter>)
+            argument.real = static_cast<double>(static_cast<Parameter>(value));
         else
-            argument.integer = static_cast<std::int64_t>(value);
+            argument.integer = static_cast<std::int64_t>(static_cast<Parameter>(value));
         return argument;
     }
 

@@ -84,22 +84,24 @@ std::string callsText()
 
 } // namespace
 
+bool FrameFile::write(std::FILE* pFile, const Info& info, const std::array<std::string, 3>& parts)
+{
+    ByteWriter head;
+    head.number(cVersion);
+    head.number(std::uint32_t(0));
+    return std::fwrite(cMagic.data(), 1, cMagic.size(), pFile) == cMagic.size() &&
+           std::fwrite(head.bytes().data(), 1, head.bytes().size(), pFile) == head.bytes().size() &&
+           writeChunk(pFile, cChunks[0], infoText(info)) && writeChunk(pFile, cChunks[1], callsText()) &&
+           writeChunk(pFile, cChunks[2], parts[0]) && writeChunk(pFile, cChunks[3], parts[1]) &&
+           writeChunk(pFile, cChunks[4], parts[2]) && std::fflush(pFile) == 0;
+}
+
 std::string FrameFile::write(const std::string& path, const Info& info, const std::array<std::string, 3>& parts)
 {
     const File file(std::fopen(path.c_str(), "wb"), std::fclose);
     if (!file)
         return reason();
-    ByteWriter head;
-    head.number(cVersion);
-    head.number(std::uint32_t(0));
-    const std::string infoBytes = infoText(info), calls = callsText();
-    const bool isWritten =
-        std::fwrite(cMagic.data(), 1, cMagic.size(), file.get()) == cMagic.size() &&
-        std::fwrite(head.bytes().data(), 1, head.bytes().size(), file.get()) == head.bytes().size() &&
-        writeChunk(file.get(), cChunks[0], infoBytes) && writeChunk(file.get(), cChunks[1], calls) &&
-        writeChunk(file.get(), cChunks[2], parts[0]) && writeChunk(file.get(), cChunks[3], parts[1]) &&
-        writeChunk(file.get(), cChunks[4], parts[2]) && std::fflush(file.get()) == 0;
-    if (isWritten)
+    if (write(file.get(), info, parts))
         return {};
     const std::string error = reason();
     std::remove(path.c_str()); // half a file helps nobody
@@ -143,7 +145,8 @@ std::string FrameFile::read(std::vector<unsigned char> bytes)
     if (reader.isOk() && version != cVersion)
         return "of version " + std::to_string(version) + ", where this program reads version " +
                std::to_string(cVersion);
-    reader.number<std::uint32_t>();
+    if (reader.number<std::uint32_t>() != 0)
+        return "damaged: its head is another";
     std::array<ByteSpan, cChunks.size()> chunks;
     for (std::size_t i = 0; i < chunks.size(); ++i)
     {

@@ -4,6 +4,7 @@
 #include "GLCalls.h"
 
 #include <array>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,7 @@ public:
 
     /// Writes a file. @return what is wrong, in words; empty when nothing is
     static std::string write(const std::string& path, const Info& info, const std::array<std::string, 3>& parts);
+    static bool write(std::FILE* pFile, const Info& info, const std::array<std::string, 3>& parts);
 
     /// Takes a file's bytes. All is checked but the calls, which are as they are read. @return what is wrong
     std::string read(std::vector<unsigned char> bytes);

@@ -352,6 +352,10 @@ void ObjectCapture::writeUniforms(unsigned int name)
     glGetProgramiv(name, GL_LINK_STATUS, &isLinked);
     if (isLinked == GL_FALSE)
         return;
+    GLint nBlocks = 0;
+    glGetProgramiv(name, GL_ACTIVE_UNIFORM_BLOCKS, &nBlocks);
+    if (nBlocks > 0)
+        setMissing("a program with uniform blocks");
     _writer.call(&glUseProgram, name);
     constexpr std::array cFloats{&glUniform1fv, &glUniform2fv, &glUniform3fv, &glUniform4fv};
     constexpr std::array cInts{&glUniform1iv, &glUniform2iv, &glUniform3iv, &glUniform4iv};

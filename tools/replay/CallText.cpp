@@ -2,8 +2,11 @@
 
 #include "Names.h"
 
+#include <epoxy/gl.h>
+
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 
 namespace replay
 {
@@ -46,10 +49,27 @@ std::string argumentText(char letter, const gui::gl::CallArgument& argument)
     }
 }
 
+// How many indices each of many draws takes: as the library calls it, mostly one.
+std::string countsText(const gui::gl::CallArgument& argument)
+{
+    constexpr std::uint64_t cMost = 4;
+    std::string text = "{";
+    for (std::uint64_t i = 0; i < argument.nBytes / 4 && i < cMost; ++i)
+    {
+        std::int32_t n = 0;
+        std::memcpy(&n, static_cast<const char*>(argument.pointer) + 4 * i, sizeof n);
+        text += (i > 0 ? ", " : "") + std::to_string(n);
+    }
+    return text + (argument.nBytes / 4 > cMost ? ", ...}" : "}");
+}
+
 } // namespace
 
 std::string textOf(const GLCall& call, CallArguments arguments)
 {
+    if (call.slot == &glMultiDrawElementsBaseVertex)
+        return std::string(call.name) + "(" + nameOfMode(arguments[0].integer) + ", " + countsText(arguments[1]) +
+               ", " + nameOf(arguments[2].integer) + ", " + std::to_string(arguments[4].integer) + ")";
     std::string text = std::string(call.name) + "(";
     for (std::size_t i = 0; i < arguments.size(); ++i)
         text += (i > 0 ? ", " : "") + argumentText(call.signature[i], arguments[i]);

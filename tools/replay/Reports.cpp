@@ -20,19 +20,23 @@ std::string targetText(const gui::gl::FrameFile::Info& info, unsigned int frameb
     return framebuffer == info.framebuffer ? "screen" : "framebuffer " + std::to_string(framebuffer);
 }
 
-// From the inside to the outside in one line, without what is this library's.
+// In one line, from what the application called to where it began; what the libraries do inside says little.
 std::string callersText(const std::string& callers)
 {
-    std::string text;
+    std::string text, called;
     for (std::size_t begin = 0; begin < callers.size();)
     {
         const std::size_t end = std::min(callers.find('\n', begin), callers.size());
         const std::string line = callers.substr(begin, end - begin);
-        if (!line.empty() && !line.starts_with("libguigl_"))
-            text += (text.empty() ? "" : " < ") + line;
         begin = end + 1;
+        const std::size_t open = line.find('('), plus = line.rfind('+');
+        const bool isNamed = open != std::string::npos && plus != std::string::npos && open < plus;
+        if (!line.starts_with("libguigl_"))
+            text += line.empty() ? "" : " < " + line;
+        else if (text.empty() && isNamed)
+            called = line.substr(open + 1, plus - open - 1);
     }
-    return text;
+    return called + text;
 }
 
 class Changes : public Player::Watcher
