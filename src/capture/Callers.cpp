@@ -53,7 +53,7 @@ std::string describe(void* address)
 
 std::string callersText()
 {
-    constexpr std::size_t cMost = 16;
+    constexpr std::size_t cMost = 64;
     constexpr std::size_t cOwn = 4; // this, the recording, the listener, the entry point's place
     static std::map<void*, std::string> s_known;
     std::array<void*, cMost> addresses{};

@@ -182,7 +182,6 @@ Picture Picture::read(unsigned int framebuffer, const td::Size<int>& screenSize)
         return {};
     picture.pixels.resize(4 * static_cast<std::size_t>(picture.size.width) *
                           static_cast<std::size_t>(picture.size.height));
-    picture.isDepth = !hasColors;
     if (!hasColors)
         readDepth(picture);
     else if (hasSamples)

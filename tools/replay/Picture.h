@@ -15,7 +15,6 @@ struct Picture
 {
     td::Size<int> size;
     std::vector<unsigned char> pixels; ///< four bytes each, the lowest row first
-    bool isDepth = false;
 
     /// Reads a framebuffer, whatever is set in GL, and leaves all as it was. Empty for one that has nothing to read.
     /// @param screenSize  of framebuffers that belong to no texture

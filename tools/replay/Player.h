@@ -44,7 +44,6 @@ public:
     GLuint drawFramebuffer() const;
     /// Where the frame ends.
     GLuint screen() const;
-    bool isScreen(GLuint framebuffer) const { return framebuffer == screen(); }
 
     td::Size<int> screenSize() const;
     const FrameModel& model() const { return *_pModel; }

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "Player.h"
+#include "Options.h"
+
+#include <capture/FrameFile.h>
 
 #include <gui/Window.h>
 #include <gui/draw/Drawing.h>
@@ -12,13 +14,14 @@
 namespace replay
 {
 
-/// Shows the picture after one of a frame's draws, and goes from draw to draw.
+/// Shows the picture after one of a frame's draws, and goes from draw to draw. Each picture is drawn by another process,
+/// as --out has it: one window system's contexts and EGL's don't go together in one thread, and whatever a file does to
+/// a driver leaves the window alone.
 class ReplayView : public gui::gl::OrthoView
 {
 public:
-    /// @param file, player  not owned  @param seconds  that a picture may take; 0 for as long as it likes
-    ReplayView(gui::Window& window, const std::string& path, const gui::gl::FrameFile& file, Player& player,
-               std::size_t to, unsigned int seconds);
+    /// @param file  read during the call only
+    ReplayView(gui::Window& window, const Options& options, const gui::gl::FrameFile& file);
 
 private:
     void onDraw(const td::RectNormalized<double>& rect) override;
@@ -27,13 +30,10 @@ private:
     void takePicture();
 
     gui::Window& _window;
-    std::string _path;
-    Player& _player;
+    const Options _options;
     std::vector<std::string> _draws; // in words
     std::size_t _draw;
-    unsigned int _seconds;
     bool _isNew = true;
-    td::Size<int> _size;
     gui::draw::Drawing _drawing;
 };
 

@@ -36,7 +36,7 @@ std::string callersText(const std::string& callers)
         else if (text.empty() && isNamed)
             called = line.substr(open + 1, plus - open - 1);
     }
-    return called + text;
+    return called.empty() && !text.empty() ? text.substr(3) : called + text;
 }
 
 class Changes : public Player::Watcher
@@ -67,7 +67,10 @@ public:
             std::printf("      OpenGL error %x\n", error);
         for (const auto& [what, text] : _now)
             if (const auto it = _before.find(what); it == _before.end())
-                std::printf("      %s: %s\n", what.c_str(), text.c_str());
+            {
+                if (text != "off")
+                    std::printf("      %s: %s\n", what.c_str(), text.c_str());
+            }
             else if (it->second != text)
                 std::printf("      %s: %s, was %s\n", what.c_str(), text.c_str(), it->second.c_str());
         for (const auto& [what, text] : _before)

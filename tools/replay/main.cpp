@@ -61,10 +61,10 @@ void report(const gui::gl::FrameFile& file, const Options& options)
 
 int show(gui::Application& app, const gui::gl::FrameFile& file, const Options& options)
 {
-    Player player(file);
     gui::Window window("guigl-replay",
                        {static_cast<double>(file.info().width), static_cast<double>(file.info().height)});
-    ReplayView view(window, options.file, file, player, options.to, options.timeout);
+    ReplayView view(window, options, file);
+    watch(options.file, 0);
     return window.show(view) ? app.run() : 1;
 }
 
