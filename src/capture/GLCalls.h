@@ -59,7 +59,8 @@ struct GLCall
     const char* name;
     /// A letter for each parameter. e: enumeration; m: mode of a draw; c: buffers to clear; i: integer; u: without a
     /// sign; h: number in hexadecimal, masks and bits; b: on or off; f, d: real; z: size; o: offset; l: location of a
-    /// uniform; B, A, T, R, F, P: name by kind; n: names, as many as the argument before says; p: data; q: data or null.
+    /// uniform; B, A, T, R, F, P: name by kind; n: names, as many as the argument before says; p: data; q: data or
+    /// null.
     const char* signature;
     Role role;
     Kind kind; ///< of the names that are generated or deleted

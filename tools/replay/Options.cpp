@@ -20,6 +20,7 @@ first and the last, Escape ends. Without a display it writes a picture.
       --changes            print what is other at each draw than at the one before, and
                            how many pixels it changed
       --buffer N           print what a buffer holds
+      --program N          print a program's shaders
       --times              print how long the GPU took for each draw
       --overdraw FILE.png  write how often each pixel was drawn: blue once, green
                            twice, yellow 4, red 8, white 16 times and more
@@ -65,6 +66,8 @@ Options parseOptions(std::span<const char* const> arguments)
         }
         else if (option == "--buffer")
             options.buffer = numberOf(option, value());
+        else if (option == "--program")
+            options.program = numberOf(option, value());
         else if (option == "--timeout")
             options.timeout = numberOf(option, value());
         else if (option == "--list")

@@ -16,13 +16,17 @@ struct Options
     std::string overdraw; ///< to write; empty for none
     std::size_t to = SIZE_MAX;
     std::optional<unsigned int> buffer;
+    std::optional<unsigned int> program;
     unsigned int timeout = 60; ///< seconds; 0 for none
     bool list = false;
     bool changes = false;
     bool times = false;
     bool help = false;
 
-    bool isAnythingAsked() const { return !picture.empty() || !overdraw.empty() || buffer || list || changes || times; }
+    bool isAnythingAsked() const
+    {
+        return !picture.empty() || !overdraw.empty() || buffer || program || list || changes || times;
+    }
 };
 
 /// Throws an Error that says what is wrong with the command line.

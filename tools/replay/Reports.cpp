@@ -2,6 +2,7 @@
 
 #include "CallText.h"
 #include "Error.h"
+#include "Names.h"
 #include "Picture.h"
 #include "StateTexts.h"
 
@@ -242,6 +243,32 @@ void printBuffer(const gui::gl::FrameFile& file, unsigned int name)
             if (attribute.buffer == name && attribute.pBuffer == it->second && attribute.type == GL_FLOAT)
                 return printVertices(buffer, vertexArray, name);
     printIndices(buffer, 1);
+}
+
+void printProgram(const gui::gl::FrameFile& file, unsigned int name)
+{
+    FrameModel model;
+    gui::gl::ByteSpan bytes;
+    walk(file, model,
+         [&](const Step& step)
+         {
+             if (std::strcmp(step.call.name, "guiglProgram") == 0 && step.arguments[0].integer == name)
+                 bytes = {static_cast<const unsigned char*>(step.arguments[1].pointer), step.arguments[1].nBytes};
+             return true;
+         });
+    if (bytes.empty())
+        throw Error("there is no program " + std::to_string(name) + "; --list names those that draw");
+    gui::gl::ByteReader reader(bytes);
+    for (auto n = reader.number<std::uint32_t>(); n > 0 && reader.isOk(); --n)
+    {
+        const auto type = reader.number<std::uint32_t>();
+        std::string text(reader.text());
+        // What a terminal would take for orders.
+        for (char& letter : text)
+            if (static_cast<unsigned char>(letter) < ' ' && letter != '\n' && letter != '\t')
+                letter = '?';
+        std::printf("// %s\n%s\n", nameOf(type).c_str(), text.c_str());
+    }
 }
 
 } // namespace replay

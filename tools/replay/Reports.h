@@ -22,4 +22,7 @@ void printTimes(Player& player);
 /// Error when there is none of this name.
 void printBuffer(const gui::gl::FrameFile& file, unsigned int name);
 
+/// The shaders of a program, as it is at the end of the frame. Throws an Error when there is none of this name.
+void printProgram(const gui::gl::FrameFile& file, unsigned int name);
+
 } // namespace replay

@@ -45,6 +45,8 @@ void report(const gui::gl::FrameFile& file, const Options& options)
         printDraws(file);
     if (options.buffer)
         printBuffer(file, *options.buffer);
+    if (options.program)
+        printProgram(file, *options.program);
     if (options.changes || options.times || !options.picture.empty())
     {
         Player player(file);
