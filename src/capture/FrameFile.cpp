@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 namespace gui::gl
@@ -104,7 +105,10 @@ std::string FrameFile::write(const std::string& path, const Info& info, const st
     if (write(file.get(), info, parts))
         return {};
     const std::string error = reason();
-    std::remove(path.c_str()); // half a file helps nobody
+    // Half a file helps nobody; a device or a pipe is somebody else's.
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored))
+        std::filesystem::remove(path, ignored);
     return error;
 }
 

@@ -15,8 +15,8 @@ namespace replay
 {
 
 /// Shows the picture after one of a frame's draws, and goes from draw to draw. Each picture is drawn by another
-/// process, as --out has it: one window system's contexts and EGL's don't go together in one thread, and whatever a file
-/// does to a driver leaves the window alone.
+/// process, as --out has it: one window system's contexts and EGL's don't go together in one thread, and whatever a
+/// file does to a driver leaves the window alone.
 class ReplayView : public gui::gl::OrthoView
 {
 public:
