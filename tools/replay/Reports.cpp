@@ -24,16 +24,21 @@ std::string targetText(const gui::gl::FrameFile::Info& info, unsigned int frameb
 // In one line, from what the application called to where it began; what the libraries do inside says little.
 std::string callersText(const std::string& callers)
 {
+    constexpr int cMost = 6; // toolkits call deeply
+    int n = 0;
     std::string text, called;
-    for (std::size_t begin = 0; begin < callers.size();)
+    for (std::size_t begin = 0; begin < callers.size() && n < cMost;)
     {
         const std::size_t end = std::min(callers.find('\n', begin), callers.size());
         const std::string line = callers.substr(begin, end - begin);
         begin = end + 1;
         const std::size_t open = line.find('('), plus = line.rfind('+');
         const bool isNamed = open != std::string::npos && plus != std::string::npos && open < plus;
-        if (!line.starts_with("libguigl_"))
-            text += line.empty() ? "" : " < " + line;
+        if (!line.starts_with("libguigl_") && !line.empty())
+        {
+            text += " < " + line;
+            ++n;
+        }
         else if (text.empty() && isNamed)
             called = line.substr(open + 1, plus - open - 1);
     }
