@@ -27,7 +27,7 @@ public:
         std::string program;  ///< that drew it
         std::string renderer; ///< of GL
         std::string glVersion;
-        std::uint32_t frame = 1; ///< the how manieth
+        std::uint32_t frame = 1; ///< its number, from 1
         std::uint32_t width = 0, height = 0;
         std::uint32_t samples = 1;     ///< of the framebuffer 0
         std::uint32_t framebuffer = 0; ///< that the frame ended in
