@@ -2,6 +2,9 @@
 
 #include <epoxy/gl.h>
 
+#include <initializer_list>
+#include <optional>
+
 namespace gui::gl
 {
 

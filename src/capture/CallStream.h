@@ -4,7 +4,9 @@
 #include "GLCalls.h"
 
 #include <array>
+#include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace gui::gl

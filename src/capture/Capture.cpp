@@ -9,10 +9,12 @@
 
 #include <epoxy/gl.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include <unistd.h>
 

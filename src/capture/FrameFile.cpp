@@ -1,11 +1,13 @@
 #include "FrameFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
 namespace gui::gl
 {

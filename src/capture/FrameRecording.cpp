@@ -8,6 +8,8 @@
 
 #include <epoxy/gl.h>
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace gui::gl

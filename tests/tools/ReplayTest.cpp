@@ -8,9 +8,12 @@
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -6,9 +6,12 @@
 #include "Picture.h"
 #include "StateTexts.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 namespace replay
 {

@@ -8,6 +8,8 @@
 
 #include <array>
 #include <cstdio>
+#include <initializer_list>
+#include <utility>
 
 namespace replay
 {

@@ -4,6 +4,7 @@
 
 #include <capture/CallStream.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace replay
