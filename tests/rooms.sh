@@ -21,6 +21,7 @@ done << 'END'
 simd nothing
 context nothing
 gpu context|simd
+capture gpu|context|simd
 shapes gpu|context|simd
 text gpu|context|simd
 view text|shapes|gpu|context|simd

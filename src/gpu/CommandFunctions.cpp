@@ -2,6 +2,7 @@
 
 #include "ActiveBuffer.h"
 #include "CommandCounter.h"
+#include "CommandListener.h"
 #include "CountedGL.h"
 #include "ProgHelper.h"
 #include "UniformPacking.h"
@@ -366,6 +367,8 @@ bool Command::execute() const
         vo::dbgLog("Error! Command not encoded!");
         TD_ASSERT(false, false);
     }
+    if (CommandListener::s_pCurrent != nullptr) [[unlikely]]
+        CommandListener::s_pCurrent->onCommand(this);
     if (CommandCounter::s_pCurrent != nullptr) [[unlikely]]
         return executeCounted().isDone;
     return _fn(this, this + 1).isDone;
@@ -373,10 +376,10 @@ bool Command::execute() const
 
 void Command::execute(const Command* p, const Command* pEnd)
 {
-    const bool isCounted = CommandCounter::s_pCurrent != nullptr;
+    const bool isWatched = CommandCounter::s_pCurrent != nullptr || CommandListener::s_pCurrent != nullptr;
     while (p != pEnd)
     {
-        if (p->_fn == nullptr || isCounted) [[unlikely]]
+        if (p->_fn == nullptr || isWatched) [[unlikely]]
             p++->execute();
         else
             p = p->_fn(p, pEnd).pNext;

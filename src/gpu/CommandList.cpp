@@ -1,5 +1,7 @@
 #include <gui/gl/CommandList.h>
 
+#include "CommandListener.h"
+
 #include <td/Assert.h>
 
 #include <algorithm>
@@ -45,12 +47,14 @@ bool CommandList::remove(Command*)
     return true;
 }
 
-void CommandList::execute() { Command::execute(_commands.begin(), _commands.end()); }
+void CommandList::execute() { execute(0, size()); }
 
 void CommandList::execute(std::size_t first, std::size_t count)
 {
     const std::size_t begin = std::min(first, size());
     const std::size_t end = begin + std::min(count, size() - begin);
+    if (CommandListener::s_pCurrent != nullptr) [[unlikely]]
+        CommandListener::s_list = {this, _commands.begin(), size()};
     Command::execute(_commands.begin() + begin, _commands.begin() + end);
 }
 

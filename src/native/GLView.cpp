@@ -4,6 +4,7 @@
 #include "GLDebug.h"
 #include "GLViewBusy.h"
 
+#include "../capture/Capture.h"
 #include "../context/FrameReader.h"
 #include "../context/ResetStatus.h"
 #include "../context/Samples.h"
@@ -296,12 +297,14 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         return;
     if (FrameObserver* const pObserver = FrameObserver::get())
         pObserver->frameBegins(observedFrame());
+    Capture::beginFrame();
     FrameLedger::begin();
     ViewHelper(_pCppView).onDraw(rect);
     FrameLedger::end();
     // A view that came or went in there took the current context with it.
     if (_pCppView == nullptr || !beginFrame())
         return;
+    Capture::endFrame(_screenFrameBufferID, _pSurface->getDrawableSize());
     if (FrameObserver* const pObserver = FrameObserver::get())
         pObserver->frameEnds(observedFrame());
     readGrabbedFrame();

@@ -1,5 +1,6 @@
 #include <gui/gl/OffscreenContext.h>
 
+#include "../capture/Capture.h"
 #include "../context/FrameReader.h"
 #include "../context/ResetStatus.h"
 
@@ -205,6 +206,7 @@ bool OffscreenContext::Impl::replace()
     CurrentContext::restoreFrom(lost);
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer.getID());
     glViewport(0, 0, size.width, size.height);
+    Capture::beginFrame();
     return true;
 }
 
@@ -242,6 +244,7 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFor
     is41 = sizes.is41;
     isDebugged = debug;
     addSamples(sizes, got);
+    Capture::beginFrame();
     return true;
 }
 
@@ -374,7 +377,10 @@ bool OffscreenContext::readPixels(gui::Texture& picture)
         vo::dbgLog("Error! OffscreenContext::readPixels without a context");
         return false;
     }
-    return readFrame(getDefaultFramebuffer(), _pImpl->size, picture);
+    Capture::endFrame(getDefaultFramebuffer(), _pImpl->size);
+    const bool isRead = readFrame(getDefaultFramebuffer(), _pImpl->size, picture);
+    Capture::beginFrame();
+    return isRead;
 }
 
 bool OffscreenContext::savePicture(const char* path)

@@ -117,7 +117,8 @@ void DepthCanvas::end()
     if (_pBuffer == nullptr)
     {
         constexpr float cCorners[] = {-1, -1, 0, 0, 3, -1, 2, 0, -1, 3, 0, 2}; // one triangle over all of it
-        _pBuffer = std::make_unique<gl::Buffer>(std::initializer_list{gl::DataType::Vec2, gl::DataType::Vec2});
+        _pBuffer =
+            std::make_unique<gl::Buffer>(std::initializer_list<gl::DataType>{gl::DataType::Vec2, gl::DataType::Vec2});
         _pBuffer->appendVertices(cCorners, 3);
         _pBuffer->createCommand()->createDrawAll(gl::Primitive::Triangles);
     }

@@ -79,7 +79,8 @@ public:
             const std::array<float, 4> t = componentsOf(_top), b = componentsOf(_bottom);
             const float corners[] = {-1, 1, t[0], t[1], t[2], 1, -1, -1, b[0], b[1], b[2], 1,
                                      1,  1, t[0], t[1], t[2], 1, 1,  -1, b[0], b[1], b[2], 1};
-            _pBuffer = std::make_unique<gl::Buffer>(std::initializer_list{gl::DataType::Vec2, gl::DataType::Vec4});
+            _pBuffer = std::make_unique<gl::Buffer>(
+                std::initializer_list<gl::DataType>{gl::DataType::Vec2, gl::DataType::Vec4});
             _pBuffer->appendVertices(corners, 4);
             _pBuffer->createCommand()->createDrawAll(gl::Primitive::TriangleStrip);
         }
