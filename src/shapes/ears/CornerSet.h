@@ -71,6 +71,83 @@ inline unsigned int findFrom(const CornerSet& set, unsigned int i)
     return CornerSet::cNone;
 }
 
+/// Takes members out of a set, one after the other and round again. The word where it is stays in registers until
+/// putBack(), and what is put in behind is kept apart: the next member is found without waiting for it.
+class CornerTaker
+{
+public:
+    explicit CornerTaker(const CornerSet& set)
+        : _set(set)
+        , _behind(set.pWords[0][0])
+    {
+    }
+
+    /// Takes the first member from where skipTo() went, or from 0 when there is none.
+    /// @return cNone when there are no more
+    unsigned int take(unsigned int from)
+    {
+        if (_ahead == 0)
+        {
+            putBack();
+            unsigned int member = findFrom(_set, from);
+            if (member == CornerSet::cNone)
+                member = findFrom(_set, 0);
+            if (member == CornerSet::cNone)
+                return member;
+            _number = member / 64;
+            const std::uint64_t word = _set.pWords[0][_number];
+            _reach = ~std::uint64_t(0) << member % 64;
+            _ahead = word & _reach;
+            _behind = word & ~_reach;
+        }
+        const unsigned int member = _number * 64 + firstBit(_ahead);
+        _ahead &= _ahead - 1;
+        return member;
+    }
+
+    /// The next is taken behind a number, which is not a member.
+    void skipTo(unsigned int i)
+    {
+        _reach = i / 64 == _number ? ~std::uint64_t(0) << i % 64 << 1 : 0;
+        _behind |= _ahead & ~_reach;
+        _ahead &= _reach;
+    }
+
+    void insert(unsigned int i)
+    {
+        if (i / 64 != _number)
+            setMember(_set, i, true);
+        else if ((_reach >> i % 64 & 1) != 0)
+            _ahead |= bit(i % 64);
+        else
+            _behind |= bit(i % 64);
+    }
+
+    /// Of a number that the last one skipped to, or one before it.
+    void setBehind(unsigned int i, bool isMember)
+    {
+        if (i / 64 != _number)
+            setMember(_set, i, isMember);
+        else
+            _behind = (_behind & ~bit(i % 64)) | std::uint64_t(isMember) << i % 64;
+    }
+
+    void putBack()
+    {
+        std::uint64_t& word = _set.pWords[0][_number];
+        const bool hadAny = word != 0;
+        word = _ahead | _behind;
+        if ((word != 0) != hadAny)
+            setWord(_set, _number, !hadAny);
+    }
+
+private:
+    const CornerSet& _set;
+    unsigned int _number = 0; // of the word
+    std::uint64_t _ahead = 0, _behind;
+    std::uint64_t _reach = 0; // bits of what is ahead
+};
+
 } // namespace
 
 } // namespace gui::gl

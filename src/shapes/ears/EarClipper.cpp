@@ -131,6 +131,7 @@ void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool i
     tree.pSlots = tree.pCorners = nullptr;
     tree.random = 1;
     _nVisitsPerCorner = _nVisitsAtFirst;
+    _many.nVisitsPerEar = cVisitsPerEar * _nVisitsAtFirst;
     allow(_nVisitsPerCorner);
     buildTree(tree, n);
     _loops.findCandidates(_many);
@@ -227,7 +228,9 @@ void EarClipper::packSlots(unsigned int nKept)
 void EarClipper::changeOrder()
 {
     CornerTree& tree = _many.tree;
-    const double earsPerVisit = (_nBefore - _many.nLeft) / std::max(1.0, static_cast<double>(_nVisits));
+    const unsigned int nEars = _nBefore - _many.nLeft;
+    const long long nVisits = _nVisits + nEars * _many.nVisitsPerEar - tree.nVisitsLeft;
+    const double earsPerVisit = nEars / std::max(1.0, static_cast<double>(nVisits));
     if (tree.pSlots == nullptr)
     {
         _earsPerVisit = earsPerVisit;
@@ -243,7 +246,7 @@ void EarClipper::changeOrder()
         allow(_nVisitsPerCorner);
     }
     else
-        tree.nVisitsLeft = std::numeric_limits<long long>::max();
+        tree.nVisitsLeft = std::numeric_limits<long long>::max() / 2;
 }
 
 // Lets searches go through so many boxes for each corner left.

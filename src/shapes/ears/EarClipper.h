@@ -21,8 +21,9 @@ class EarClipper
 {
 public:
     /// How many boxes searches may go through for each corner, beside those around the corner that is tried, before
-    /// another order than the outline's is tried.
-    static constexpr unsigned int cVisitsPerCorner = 4;
+    /// another order than the outline's is tried; and how many times that for each ear. Where the outline's order is
+    /// best, an ear takes up to 8; elsewhere, 20 and more.
+    static constexpr unsigned int cVisitsPerCorner = 1, cVisitsPerEar = 12;
 
     explicit EarClipper(const EarLoops& loops = earLoops(), unsigned int nVisitsPerCorner = cVisitsPerCorner)
         : _loops(loops)

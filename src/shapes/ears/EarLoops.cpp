@@ -216,56 +216,68 @@ inline void removeFromTree(CornerTree& tree, unsigned int slot)
 EarLoops::Result cutMany(ManyEars& ears)
 {
     Corner* const corners = ears.pCorners;
+    const unsigned int* const numbers = ears.pNumbers;
     CornerTree& tree = ears.tree;
-    const auto slotOf = [&tree](unsigned int place) { return tree.pSlots != nullptr ? tree.pSlots[place] : place; };
-    const auto areaOf = [corners](unsigned int i)
-    {
-        const Corner& corner = corners[i];
-        return turnArea(pointOf(corners[corner.previous]), pointOf(corner), pointOf(corners[corner.next]));
-    };
+    const unsigned int* const slots = tree.pSlots;
+    const float epsilon = ears.epsilon;
+    const unsigned int nEnough = ears.nEnough;
+    const long long nVisitsPerEar = ears.nVisitsPerEar;
+    unsigned int nLeft = ears.nLeft, from = ears.from;
+    unsigned int* pIndices = ears.pIndices;
+    CornerTaker candidates(ears.candidates);
+    EarLoops::Result result = EarLoops::Result::Enough;
+    const auto slotOf = [slots](unsigned int place) { return slots != nullptr ? slots[place] : place; };
 
-    while (ears.nLeft > ears.nEnough)
+    while (nLeft > nEnough)
     {
         if (tree.nVisitsLeft < 0)
-            return EarLoops::Result::Crowded;
-        unsigned int v = findFrom(ears.candidates, ears.from);
+        {
+            result = EarLoops::Result::Crowded;
+            break;
+        }
+        const unsigned int v = candidates.take(from);
         if (v == CornerSet::cNone)
-            v = findFrom(ears.candidates, 0);
-        if (v == CornerSet::cNone)
-            return EarLoops::Result::NoEar;
-        setMember(ears.candidates, v, false);
+        {
+            result = EarLoops::Result::NoEar;
+            break;
+        }
         const unsigned int u = corners[v].previous, w = corners[v].next;
-        CornerSearch search(tree, pointOf(corners[u]), pointOf(corners[v]), pointOf(corners[w]), slotOf(u), slotOf(v),
-                            slotOf(w));
-        const unsigned int found = search.find();
+        const EarPoint a = pointOf(corners[u]), b = pointOf(corners[v]), c = pointOf(corners[w]);
+        const unsigned int found = CornerSearch(tree, a, b, c, slotOf(u), slotOf(v), slotOf(w)).find();
         if (found != CornerSearch::cNone)
         {
-            wait(corners, v, tree.pSlots != nullptr ? tree.pCorners[found] : found);
-            ears.from = v + 1;
+            wait(corners, v, slots != nullptr ? tree.pCorners[found] : found);
+            from = v + 1;
             continue;
         }
-        ears.pIndices[0] = ears.pNumbers[u];
-        ears.pIndices[1] = ears.pNumbers[v];
-        ears.pIndices[2] = ears.pNumbers[w];
-        ears.pIndices += 3;
+        pIndices[0] = numbers[u];
+        pIndices[1] = numbers[v];
+        pIndices[2] = numbers[w];
+        pIndices += 3;
         corners[u].next = w;
         corners[w].previous = u;
         corners[v].next = ManyEars::cNone;
         removeFromTree(tree, slotOf(v));
-        --ears.nLeft;
+        --nLeft;
+        tree.nVisitsLeft += nVisitsPerEar;
+        // The corner behind w is tried next, and w last.
+        from = w + 1;
+        candidates.skipTo(w);
         for (unsigned int i = corners[v].firstWaiting; i != ManyEars::cNone; i = corners[i].nextWaiting)
         {
             corners[i].waitsFor = ManyEars::cNone;
-            setMember(ears.candidates, i, true);
+            candidates.insert(i);
         }
         unhook(corners, u);
-        setMember(ears.candidates, u, isEarArea(areaOf(u), ears.epsilon));
+        candidates.setBehind(u, isEarArea(turnArea(pointOf(corners[corners[u].previous]), a, c), epsilon));
         unhook(corners, w);
-        setMember(ears.candidates, w, isEarArea(areaOf(w), ears.epsilon));
-        // The corner behind w is tried next, and w last.
-        ears.from = w + 1;
+        candidates.setBehind(w, isEarArea(turnArea(a, c, pointOf(corners[corners[w].next])), epsilon));
     }
-    return EarLoops::Result::Enough;
+    candidates.putBack();
+    ears.nLeft = nLeft;
+    ears.from = from;
+    ears.pIndices = pIndices;
+    return result;
 }
 
 } // namespace

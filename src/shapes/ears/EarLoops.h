@@ -46,6 +46,7 @@ struct ManyEars
     unsigned int nPlaces, nLeft;
     unsigned int nEnough; ///< corners left with which cutting stops
     unsigned int from;
+    long long nVisitsPerEar; ///< by which tree.nVisitsLeft grows
     float epsilon;
     unsigned int* pIndices;
 };
