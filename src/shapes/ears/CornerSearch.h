@@ -19,9 +19,9 @@ public:
     static constexpr unsigned int cNone = ~0U;
     static constexpr unsigned int cFan = CornerTree::cFan;
 
-    /// @param u, v, w  the slots of a, b and c
-    CornerSearch(CornerTree& tree, const EarPoint& a, const EarPoint& b, const EarPoint& c, unsigned int u,
-                 unsigned int v, unsigned int w)
+    /// @param a, b, c  points in the first two lanes, with zeros behind
+    /// @param u, v, w  their slots
+    CornerSearch(CornerTree& tree, Record a, Record b, Record c, unsigned int u, unsigned int v, unsigned int w)
         : _tree(tree)
         , _a(a)
         , _b(b)
@@ -29,7 +29,7 @@ public:
         , _u(u)
         , _v(v)
         , _w(w)
-        , _bounds(a, b, c, turnArea(a, b, c))
+        , _bounds(a, b, c)
         , _isBounded(_bounds.isProven && (tree.isBounded || _bounds.isSmall()))
     {
     }
@@ -124,7 +124,7 @@ private:
         return cNone;
     }
 
-    EarTriangle triangle() const { return {_a, _b, _c}; }
+    EarTriangle triangle() const { return {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
 
     // Bits of the corners of a leaf that are inside.
     unsigned int insideLeaf(unsigned int leaf) const
@@ -181,11 +181,12 @@ private:
 
     unsigned int boundsBits(const CornerTree::Boxes& boxes) const
     {
+        const float left = _bounds.low[0], right = _bounds.high[0], bottom = _bounds.low[1], top = _bounds.high[1];
         unsigned int inside = 0;
         for (unsigned int i = 0; i < cFan; i += cLanes)
         {
-            const Mask isNear = (load(boxes.minX + i) <= _bounds.right) & (load(boxes.maxX + i) >= _bounds.left) &
-                                (load(boxes.minY + i) <= _bounds.top) & (load(boxes.maxY + i) >= _bounds.bottom);
+            const Mask isNear = (load(boxes.minX + i) <= right) & (load(boxes.maxX + i) >= left) &
+                                (load(boxes.minY + i) <= top) & (load(boxes.maxY + i) >= bottom);
             inside |= bits(isNear) << i;
         }
         return inside;
@@ -196,13 +197,13 @@ private:
     // off by four times as much, for which 32 * u * (2 + S) is enough. Of infinite numbers and NaN nothing is apart.
     unsigned int stripBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const float width = _bounds.right - _bounds.left, height = _bounds.top - _bounds.bottom;
+        const float width = _bounds.high[0] - _bounds.low[0], height = _bounds.high[1] - _bounds.low[1];
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
             const Floats minX = load(boxes.minX + i), minY = load(boxes.minY + i);
             const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
-            const auto place = [&](const EarPoint& p) { return (p.x - minX) * scaleX + (p.y - minY) * scaleY; };
+            const auto place = [&](Record p) { return (p[0] - minX) * scaleX + (p[1] - minY) * scaleY; };
             const Floats a = place(_a), b = place(_b), c = place(_c);
             const Floats low = smaller(smaller(a, b), c), high = larger(larger(a, b), c);
             const Floats size = width * scaleX + absolute(height * scaleY);
@@ -311,7 +312,7 @@ private:
     }
 
     CornerTree& _tree;
-    const EarPoint _a, _b, _c;
+    const Record _a, _b, _c;
     const unsigned int _u, _v, _w;
     const EarBounds _bounds;
     const bool _isBounded;

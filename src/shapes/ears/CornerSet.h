@@ -42,6 +42,23 @@ constexpr std::uint64_t firstBits(unsigned int n) { return n < 64 ? bit(n) - 1 :
     }
 }
 
+/// Makes the upper levels what the first one is.
+inline void fillUpperWords(const CornerSet& set)
+{
+    unsigned int n = set.nWords;
+    for (unsigned int level = 1; level < set.nLevels; ++level)
+    {
+        for (unsigned int i = 0; i < n; i += 64)
+        {
+            std::uint64_t word = 0;
+            for (unsigned int j = 0; j < 64 && i + j < n; ++j)
+                word |= std::uint64_t(set.pWords[level - 1][i + j] != 0) << j;
+            set.pWords[level][i / 64] = word;
+        }
+        n = (n + 63) / 64;
+    }
+}
+
 /// Inserts a number or takes it out.
 inline void setMember(const CornerSet& set, unsigned int i, bool isOne)
 {
@@ -82,24 +99,29 @@ public:
     {
     }
 
-    /// Takes the first member from where skipTo() went, or from 0 when there is none.
-    /// @return cNone when there are no more
-    unsigned int take(unsigned int from)
+    /// Whether the next member is in another word.
+    bool isAtEnd() const { return _ahead == 0; }
+
+    /// Goes to the first member from a number on, or from 0 on when there is none. @return false when there are no more
+    bool goOn(unsigned int from)
     {
-        if (_ahead == 0)
-        {
-            putBack();
-            unsigned int member = findFrom(_set, from);
-            if (member == CornerSet::cNone)
-                member = findFrom(_set, 0);
-            if (member == CornerSet::cNone)
-                return member;
-            _number = member / 64;
-            const std::uint64_t word = _set.pWords[0][_number];
-            _reach = ~std::uint64_t(0) << member % 64;
-            _ahead = word & _reach;
-            _behind = word & ~_reach;
-        }
+        putBack();
+        unsigned int member = findFrom(_set, from);
+        if (member == CornerSet::cNone)
+            member = findFrom(_set, 0);
+        if (member == CornerSet::cNone)
+            return false;
+        _number = member / 64;
+        const std::uint64_t word = _set.pWords[0][_number];
+        _reach = ~std::uint64_t(0) << member % 64;
+        _ahead = word & _reach;
+        _behind = word & ~_reach;
+        return true;
+    }
+
+    /// Takes the next member, which is in this word.
+    unsigned int take()
+    {
         const unsigned int member = _number * 64 + firstBit(_ahead);
         _ahead &= _ahead - 1;
         return member;

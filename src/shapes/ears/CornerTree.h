@@ -36,7 +36,4 @@ struct CornerTree
     long long nVisitsLeft; ///< below 0 when searches have gone through more boxes than they should
 };
 
-/// Puts boxes around the corners of n slots, all of them left.
-void buildTree(CornerTree& tree, unsigned int n);
-
 } // namespace gui::gl

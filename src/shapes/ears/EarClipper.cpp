@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace gui::gl
 {
@@ -133,8 +134,9 @@ void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool i
     _nVisitsPerCorner = _nVisitsAtFirst;
     _many.nVisitsPerEar = cVisitsPerEar * _nVisitsAtFirst;
     allow(_nVisitsPerCorner);
-    buildTree(tree, n);
+    _loops.buildTree(tree, n);
     _loops.findCandidates(_many);
+    fillUpperWords(_many.candidates);
 }
 
 // Cuts ears until few corners are left. @return false when there is none
@@ -154,35 +156,50 @@ bool EarClipper::cutMany()
     }
 }
 
-// Closes the gaps between the corners left. @return how many these are
+// Closes the gaps between the corners left, in what is known of them and in the candidates. @return how many these are
 unsigned int EarClipper::closeGaps()
 {
-    const unsigned int n = _many.nPlaces;
-    unsigned int nKept = 0;
-    _isKept.resize(n);
-    for (unsigned int i = 0; i < n; ++i)
-    {
-        const ManyEars::Corner corner = _corners[i];
-        _places[i] = nKept;
-        _numbers[nKept] = _numbers[i];
-        _corners[nKept] = {corner.x, corner.y, nKept - 1, nKept + 1, corner.waitsFor, cNone, cNone, cNone};
-        _isKept[i] = corner.next != cNone;
-        nKept += _isKept[i];
-    }
-    _corners[0].previous = nKept - 1;
-    _corners[nKept - 1].next = 0;
-    _many.from = _many.from < n ? _places[_many.from] : 0;
+    const unsigned int nKept = _many.nLeft, from = _many.from;
+    const bool isSorted = _many.tree.pSlots != nullptr;
+    ManyEars::Corner* const corners = _corners.data();
+    unsigned int *const numbers = _numbers.data(), *const places = _places.data();
+    std::uint64_t* const words = _many.candidates.pWords[0];
+    if (isSorted)
+        _isKept.assign(_many.nPlaces, 0);
+    unsigned char* const isKept = _isKept.data();
+    unsigned int place = 0, nBefore = 0;
+    while (corners[place].next == cNone)
+        ++place;
+    std::uint64_t word = 0;
     for (unsigned int i = 0; i < nKept; ++i)
     {
-        ManyEars::Corner& corner = _corners[i];
-        if (corner.waitsFor == cNone)
+        const ManyEars::Corner corner = corners[place];
+        nBefore += place < from ? 1 : 0;
+        word |= (words[place / 64] >> place % 64 & 1) << i % 64;
+        if (i % 64 == 63)
+            words[i / 64] = std::exchange(word, 0);
+        places[place] = i;
+        numbers[i] = numbers[place];
+        corners[i] = {corner.x, corner.y, i - 1, i + 1, corner.waitsFor, cNone, cNone, cNone};
+        if (isSorted)
+            isKept[place] = 1;
+        place = corner.next;
+    }
+    if (nKept % 64 != 0)
+        words[nKept / 64] = word;
+    corners[0].previous = nKept - 1;
+    corners[nKept - 1].next = 0;
+    _many.from = nBefore;
+    for (unsigned int i = 0; i < nKept; ++i)
+    {
+        if (corners[i].waitsFor == cNone)
             continue;
-        corner.waitsFor = _places[corner.waitsFor];
-        unsigned int& first = _corners[corner.waitsFor].firstWaiting;
-        corner.nextWaiting = first;
-        if (first != cNone)
-            _corners[first].previousWaiting = i;
-        first = i;
+        ManyEars::Corner& blocker = corners[places[corners[i].waitsFor]];
+        corners[i].waitsFor = places[corners[i].waitsFor];
+        corners[i].nextWaiting = blocker.firstWaiting;
+        if (blocker.firstWaiting != cNone)
+            corners[blocker.firstWaiting].previousWaiting = i;
+        blocker.firstWaiting = i;
     }
     return nKept;
 }
@@ -190,28 +207,25 @@ unsigned int EarClipper::closeGaps()
 // Closes the gaps, and makes the boxes as small as what is in them.
 void EarClipper::pack()
 {
-    const unsigned int n = closeGaps();
-    packSlots(n);
-    setSize(n);
-    buildTree(_many.tree, n);
-    _loops.findCandidates(_many);
-}
-
-// The tree's order stays; _places tells the new places of corners.
-void EarClipper::packSlots(unsigned int nKept)
-{
-    CornerTree& tree = _many.tree;
-    if (tree.pSlots == nullptr)
-    {
-        for (unsigned int i = 0; i < nKept; ++i)
+    const unsigned int nBefore = _many.nPlaces, n = closeGaps();
+    if (_many.tree.pSlots != nullptr)
+        packSlots(nBefore, n);
+    else
+        for (unsigned int i = 0; i < n; ++i)
         {
             _x[i] = _corners[i].x;
             _y[i] = _corners[i].y;
         }
-        return;
-    }
+    setSize(n);
+    fillUpperWords(_many.candidates);
+    _loops.buildTree(_many.tree, n);
+}
+
+// The tree's order stays; _places tells the new places of corners.
+void EarClipper::packSlots(unsigned int nBefore, unsigned int nKept)
+{
     unsigned int packed = 0;
-    for (unsigned int slot = 0; slot < _many.nPlaces; ++slot)
+    for (unsigned int slot = 0; slot < nBefore; ++slot)
     {
         const unsigned int corner = _slotCorners[slot];
         _x[packed] = _x[slot];
@@ -260,7 +274,7 @@ void EarClipper::sort()
 {
     const unsigned int n = closeGaps();
     setSize(n);
-    _loops.findCandidates(_many);
+    fillUpperWords(_many.candidates);
     const std::span<ZOrder::Item> items = _order.take(n);
     for (unsigned int i = 0; i < n; ++i)
         items[i] = {_corners[i].x, _corners[i].y, i, 0};
@@ -276,7 +290,7 @@ void EarClipper::sort()
     }
     _many.tree.pSlots = _slots.data();
     _many.tree.pCorners = _slotCorners.data();
-    buildTree(_many.tree, n);
+    _loops.buildTree(_many.tree, n);
 }
 
 // Few corners are left.

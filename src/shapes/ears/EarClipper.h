@@ -49,7 +49,7 @@ private:
     void changeOrder();
     void allow(long long nVisitsPerCorner);
     void sort();
-    void packSlots(unsigned int nKept);
+    void packSlots(unsigned int nBefore, unsigned int nKept);
     void makeFew();
     void setSize(unsigned int n);
 

@@ -4,6 +4,7 @@
 #include "CornerSearch.h"
 #include "CornerSet.h"
 #include "EarTriangle.h"
+#include "TreeBuilder.h"
 
 // Compiled once for any machine and once for AVX2.
 
@@ -148,31 +149,37 @@ bool cutFew(FewEars& ears)
 
 // Many corners.
 
-inline EarPoint pointOf(const Corner& corner) { return {corner.x, corner.y}; }
+inline Record pointOf(const Corner& corner) { return loadPair(&corner.x); }
+
+void buildTree(CornerTree& tree, unsigned int n) { TreeBuilder(tree).build(n); }
+
+// Bits of the corners from a place on that turn left far enough, as many as there are lanes, with one at each end.
+inline unsigned int earAreaBits(const float* x, const float* y, float epsilon)
+{
+    const Floats ax = load(x - 1), ay = load(y - 1);
+    const Floats area = (load(x) - ax) * (load(y + 1) - ay) - (load(y) - ay) * (load(x + 1) - ax);
+    return bits(~(epsilon > area));
+}
 
 void findCandidates(ManyEars& ears)
 {
-    const Corner* const corners = ears.pCorners;
-    for (unsigned int level = 1, nWords = ears.candidates.nWords; level < ears.candidates.nLevels; ++level)
+    const unsigned int n = ears.nPlaces;
+    const float *const x = ears.tree.pX, *const y = ears.tree.pY;
+    const auto isCandidate = [&](unsigned int i)
     {
-        nWords = (nWords + 63) / 64;
-        for (unsigned int i = 0; i < nWords; ++i)
-            ears.candidates.pWords[level][i] = 0;
-    }
-    for (unsigned int i = 0; i < ears.nPlaces; i += 64)
+        const unsigned int u = i > 0 ? i - 1 : n - 1, w = i + 1 < n ? i + 1 : 0;
+        return isEarArea(turnArea({x[u], y[u]}, {x[i], y[i]}, {x[w], y[w]}), ears.epsilon);
+    };
+    for (unsigned int first = 0; first < n; first += 64)
     {
         std::uint64_t word = 0;
-        const unsigned int n = ears.nPlaces - i < 64 ? ears.nPlaces - i : 64;
-        for (unsigned int j = 0; j < n; ++j)
+        for (unsigned int i = first; i < n && i < first + 64;)
         {
-            const Corner& corner = corners[i + j];
-            const float area =
-                turnArea(pointOf(corners[corner.previous]), pointOf(corner), pointOf(corners[corner.next]));
-            word |= std::uint64_t(isEarArea(area, ears.epsilon) & (corner.waitsFor == ManyEars::cNone)) << j;
+            const bool isInside = i > 0 && i + cLanes < n;
+            word |= std::uint64_t(isInside ? earAreaBits(x + i, y + i, ears.epsilon) : isCandidate(i)) << i % 64;
+            i += isInside ? static_cast<unsigned int>(cLanes) : 1;
         }
-        ears.candidates.pWords[0][i / 64] = word;
-        if (word != 0)
-            setWord(ears.candidates, i / 64, true);
+        ears.candidates.pWords[0][first / 64] = word;
     }
 }
 
@@ -221,28 +228,32 @@ EarLoops::Result cutMany(ManyEars& ears)
     const unsigned int* const slots = tree.pSlots;
     const float epsilon = ears.epsilon;
     const unsigned int nEnough = ears.nEnough;
-    const long long nVisitsPerEar = ears.nVisitsPerEar;
-    unsigned int nLeft = ears.nLeft, from = ears.from;
+    const unsigned int nFirst = ears.nLeft;
+    unsigned int nLeft = nFirst, from = ears.from;
     unsigned int* pIndices = ears.pIndices;
     CornerTaker candidates(ears.candidates);
     EarLoops::Result result = EarLoops::Result::Enough;
+    const auto nAllowed = [nFirst, nPerEar = ears.nVisitsPerEar](unsigned int n) { return nPerEar * (nFirst - n); };
     const auto slotOf = [slots](unsigned int place) { return slots != nullptr ? slots[place] : place; };
 
     while (nLeft > nEnough)
     {
-        if (tree.nVisitsLeft < 0)
+        if (candidates.isAtEnd())
         {
-            result = EarLoops::Result::Crowded;
-            break;
+            if (tree.nVisitsLeft + nAllowed(nLeft) < 0)
+            {
+                result = EarLoops::Result::Crowded;
+                break;
+            }
+            if (!candidates.goOn(from))
+            {
+                result = EarLoops::Result::NoEar;
+                break;
+            }
         }
-        const unsigned int v = candidates.take(from);
-        if (v == CornerSet::cNone)
-        {
-            result = EarLoops::Result::NoEar;
-            break;
-        }
+        const unsigned int v = candidates.take();
         const unsigned int u = corners[v].previous, w = corners[v].next;
-        const EarPoint a = pointOf(corners[u]), b = pointOf(corners[v]), c = pointOf(corners[w]);
+        const Record a = pointOf(corners[u]), b = pointOf(corners[v]), c = pointOf(corners[w]);
         const unsigned int found = CornerSearch(tree, a, b, c, slotOf(u), slotOf(v), slotOf(w)).find();
         if (found != CornerSearch::cNone)
         {
@@ -259,7 +270,6 @@ EarLoops::Result cutMany(ManyEars& ears)
         corners[v].next = ManyEars::cNone;
         removeFromTree(tree, slotOf(v));
         --nLeft;
-        tree.nVisitsLeft += nVisitsPerEar;
         // The corner behind w is tried next, and w last.
         from = w + 1;
         candidates.skipTo(w);
@@ -274,6 +284,7 @@ EarLoops::Result cutMany(ManyEars& ears)
         candidates.setBehind(w, isEarArea(turnArea(a, c, pointOf(corners[corners[w].next])), epsilon));
     }
     candidates.putBack();
+    tree.nVisitsLeft += nAllowed(nLeft);
     ears.nLeft = nLeft;
     ears.from = from;
     ears.pIndices = pIndices;
@@ -284,11 +295,11 @@ EarLoops::Result cutMany(ManyEars& ears)
 
 #ifdef __AVX2__
 
-const EarLoops cEarLoopsAVX2{fillFew, cutFew, findCandidates, cutMany};
+const EarLoops cEarLoopsAVX2{fillFew, cutFew, buildTree, findCandidates, cutMany};
 
 #else
 
-const EarLoops cEarLoops{fillFew, cutFew, findCandidates, cutMany};
+const EarLoops cEarLoops{fillFew, cutFew, buildTree, findCandidates, cutMany};
 
 const EarLoops& earLoops() { return bestLoops<EarLoops, cEarLoops, cEarLoopsAVX2>(); }
 

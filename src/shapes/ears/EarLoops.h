@@ -61,7 +61,11 @@ struct EarLoops
     /// @return false when there is no ear and more than two corners are left
     bool (*cutFew)(FewEars& ears);
 
-    /// Makes every corner a candidate that turns left far enough and waits for none.
+    /// Puts boxes around the corners of n slots, all of them left.
+    void (*buildTree)(CornerTree& tree, unsigned int n);
+
+    /// Makes every corner a candidate that turns left far enough, in the first level of the set. None is cut yet, and
+    /// the tree is in the outline's order.
     void (*findCandidates)(ManyEars& ears);
 
     enum class Result
