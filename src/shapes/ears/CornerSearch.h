@@ -21,7 +21,10 @@ public:
 
     /// @param a, b, c  points in the first two lanes, with zeros behind
     /// @param u, v, w  their slots
-    CornerSearch(CornerTree& tree, Record a, Record b, Record c, unsigned int u, unsigned int v, unsigned int w)
+    /// @param picksAny  whether any corner that is inside is found, each as likely as the others. Were it always the
+    ///                  first, then an ear that many corners lie in could be tried once for each of them.
+    CornerSearch(CornerTree& tree, Record a, Record b, Record c, unsigned int u, unsigned int v, unsigned int w,
+                 bool picksAny)
         : _tree(tree)
         , _a(a)
         , _b(b)
@@ -29,6 +32,7 @@ public:
         , _u(u)
         , _v(v)
         , _w(w)
+        , _picksAny(picksAny)
         , _bounds(a, b, c)
         , _isBounded(_bounds.isProven && (tree.isBounded || _bounds.isSmall()))
     {
@@ -64,7 +68,7 @@ private:
         const unsigned int inside = insideLeaf(leaf);
         if (inside != 0)
             return leaf * cFan + pick(inside);
-        return findAbove(1, leaf) != cNone ? findAny() : cNone;
+        return findAbove(1, leaf);
     }
 
     // From a node on whose children reach into the bounds.
@@ -74,14 +78,7 @@ private:
         unsigned int found = children != 0 ? findInChildren(level, node, children) : cNone;
         if (found == cNone)
             found = findAbove(level + 1, node);
-        return found != cNone ? findAny() : cNone;
-    }
-
-    // Were it always the first, then an ear that many corners lie in could be tried once for each of them.
-    unsigned int findAny()
-    {
-        _picksAny = true;
-        return findAbove(1, _v / cFan);
+        return found;
     }
 
     unsigned int findAbove(unsigned int level, unsigned int node)
@@ -103,7 +100,7 @@ private:
         _tree.nVisitsLeft -= 2;
         while (children != 0)
         {
-            const unsigned int child = _picksAny ? pick(children) : static_cast<unsigned int>(__builtin_ctz(children));
+            const unsigned int child = pick(children);
             const unsigned int below = node * cFan + child;
             children &= ~(1U << child);
             if (level == 1)
@@ -172,10 +169,13 @@ private:
         if (__builtin_popcount(children) <= 2)
             return children;
         children &= edgesBits(boxes, children);
-        // Where many are left, if only outlines cross the boxes: in another order strips are wide. Once there is a
-        // corner inside, the next one is found as soon.
-        if (__builtin_popcount(children) > 7 && _tree.pSlots == nullptr && !_picksAny)
+        // Where many are left, if only outlines cross the boxes: in another order strips are wide. It takes as
+        // long as five visits.
+        if (__builtin_popcount(children) > 7 && _tree.pSlots == nullptr)
+        {
+            _tree.nVisitsLeft -= 5;
             children &= furtherBits(boxes, children);
+        }
         return children;
     }
 
@@ -298,10 +298,10 @@ private:
 
     static Floats absolute(Floats a) { return a < 0 ? -a : a; }
 
-    // One of the bits, each as likely as the others.
+    // The first of the bits, or any.
     unsigned int pick(unsigned int bits)
     {
-        if ((bits & (bits - 1)) != 0)
+        if (_picksAny && (bits & (bits - 1)) != 0)
         {
             _tree.random = 1664525 * _tree.random + 1013904223;
             const auto n = static_cast<unsigned int>(__builtin_popcount(bits));
@@ -314,9 +314,9 @@ private:
     CornerTree& _tree;
     const Record _a, _b, _c;
     const unsigned int _u, _v, _w;
+    const bool _picksAny;
     const EarBounds _bounds;
     const bool _isBounded;
-    bool _picksAny = false;
 };
 
 } // namespace

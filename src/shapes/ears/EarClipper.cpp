@@ -13,7 +13,7 @@ namespace
 constexpr unsigned int cNone = ManyEars::cNone;
 constexpr unsigned int cFan = CornerTree::cFan;
 
-// For how many visits of boxes for each corner a new order is on trial.
+// How many visits of boxes for each corner a new order has at first.
 constexpr long long cVisitsOnTrial = 2;
 
 template <typename T>
@@ -132,8 +132,7 @@ void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool i
     tree.pSlots = tree.pCorners = nullptr;
     tree.random = 1;
     _nVisitsPerCorner = _nVisitsAtFirst;
-    _many.nVisitsPerEar = cVisitsPerEar * _nVisitsAtFirst;
-    allow(_nVisitsPerCorner);
+    allow(_nVisitsPerCorner, cVisitsPerEar * _nVisitsAtFirst);
     _loops.buildTree(tree, n);
     _loops.findCandidates(_many);
     fillUpperWords(_many.candidates);
@@ -238,7 +237,8 @@ void EarClipper::packSlots(unsigned int nBefore, unsigned int nKept)
 }
 
 // Searches go through many boxes. That may be since the outline is not near itself along itself, or since ears are
-// needles, which are worse in any other order. So each order is on trial, the outline's for longer each time.
+// needles, which are worse in any other order. So each order is on trial, the outline's for longer each time, and until
+// ears take twice as many boxes as before.
 void EarClipper::changeOrder()
 {
     CornerTree& tree = _many.tree;
@@ -250,22 +250,23 @@ void EarClipper::changeOrder()
         _earsPerVisit = earsPerVisit;
         _nVisitsPerCorner *= 2;
         sort();
-        allow(cVisitsOnTrial);
+        allow(cVisitsOnTrial, cVisitsPerEar * _nVisitsAtFirst);
         return;
     }
     if (earsPerVisit < _earsPerVisit)
     {
         tree.pSlots = tree.pCorners = nullptr;
         pack();
-        allow(_nVisitsPerCorner);
+        allow(_nVisitsPerCorner, static_cast<long long>(2 / _earsPerVisit) * _nVisitsAtFirst);
     }
     else
         tree.nVisitsLeft = std::numeric_limits<long long>::max() / 2;
 }
 
-// Lets searches go through so many boxes for each corner left.
-void EarClipper::allow(long long nVisitsPerCorner)
+// Lets searches go through so many boxes for each corner left, and for each ear that is cut.
+void EarClipper::allow(long long nVisitsPerCorner, long long nVisitsPerEar)
 {
+    _many.nVisitsPerEar = nVisitsPerEar;
     _nBefore = _many.nLeft;
     _many.tree.nVisitsLeft = _nVisits = nVisitsPerCorner * _nBefore;
 }
@@ -275,7 +276,7 @@ void EarClipper::sort()
     const unsigned int n = closeGaps();
     setSize(n);
     fillUpperWords(_many.candidates);
-    const std::span<ZOrder::Item> items = _order.take(n);
+    const std::span<CurveOrder::Item> items = _order.take(n);
     for (unsigned int i = 0; i < n; ++i)
         items[i] = {_corners[i].x, _corners[i].y, i, 0};
     _order.sort();

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "CurveOrder.h"
 #include "EarLoops.h"
-#include "ZOrder.h"
 
 #include <cnt/PushBackVector.h>
 #include <td/Point.h>
@@ -22,7 +22,7 @@ class EarClipper
 public:
     /// How many boxes searches may go through for each corner, beside those around the corner that is tried, before
     /// another order than the outline's is tried; and how many times that for each ear. Where the outline's order is
-    /// best, an ear takes up to 8; elsewhere, 20 and more.
+    /// best, an ear takes up to 10; elsewhere, 20 and more.
     static constexpr unsigned int cVisitsPerCorner = 1, cVisitsPerEar = 12;
 
     explicit EarClipper(const EarLoops& loops = earLoops(), unsigned int nVisitsPerCorner = cVisitsPerCorner)
@@ -47,7 +47,7 @@ private:
     unsigned int closeGaps();
     void pack();
     void changeOrder();
-    void allow(long long nVisitsPerCorner);
+    void allow(long long nVisitsPerCorner, long long nVisitsPerEar);
     void sort();
     void packSlots(unsigned int nBefore, unsigned int nKept);
     void makeFew();
@@ -71,7 +71,7 @@ private:
     std::vector<CornerTree::Boxes> _boxes;
     std::vector<std::uint16_t> _alive;
     std::vector<unsigned int> _slots, _slotCorners; // once the tree is sorted
-    ZOrder _order;
+    CurveOrder _order;
 };
 
 } // namespace gui::gl

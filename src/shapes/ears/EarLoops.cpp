@@ -186,14 +186,16 @@ void findCandidates(ManyEars& ears)
 inline void unhook(Corner* corners, unsigned int v)
 {
     Corner& corner = corners[v];
+    const unsigned int previous = corner.previousWaiting;
+    corner.previousWaiting = ManyEars::cNone;
     if (corner.waitsFor == ManyEars::cNone)
         return;
-    if (corner.previousWaiting != ManyEars::cNone)
-        corners[corner.previousWaiting].nextWaiting = corner.nextWaiting;
+    if (previous != ManyEars::cNone)
+        corners[previous].nextWaiting = corner.nextWaiting;
     else
         corners[corner.waitsFor].firstWaiting = corner.nextWaiting;
     if (corner.nextWaiting != ManyEars::cNone)
-        corners[corner.nextWaiting].previousWaiting = corner.previousWaiting;
+        corners[corner.nextWaiting].previousWaiting = previous;
     corner.waitsFor = ManyEars::cNone;
 }
 
@@ -254,7 +256,8 @@ EarLoops::Result cutMany(ManyEars& ears)
         const unsigned int v = candidates.take();
         const unsigned int u = corners[v].previous, w = corners[v].next;
         const Record a = pointOf(corners[u]), b = pointOf(corners[v]), c = pointOf(corners[w]);
-        const unsigned int found = CornerSearch(tree, a, b, c, slotOf(u), slotOf(v), slotOf(w)).find();
+        const bool isAgain = corners[v].previousWaiting == ManyEars::cAgain;
+        const unsigned int found = CornerSearch(tree, a, b, c, slotOf(u), slotOf(v), slotOf(w), isAgain).find();
         if (found != CornerSearch::cNone)
         {
             wait(corners, v, slots != nullptr ? tree.pCorners[found] : found);
@@ -276,6 +279,7 @@ EarLoops::Result cutMany(ManyEars& ears)
         for (unsigned int i = corners[v].firstWaiting; i != ManyEars::cNone; i = corners[i].nextWaiting)
         {
             corners[i].waitsFor = ManyEars::cNone;
+            corners[i].previousWaiting = ManyEars::cAgain;
             candidates.insert(i);
         }
         unhook(corners, u);

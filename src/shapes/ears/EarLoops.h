@@ -28,7 +28,7 @@ struct FewEars
 /// The same for any number of corners. Places are numbers.
 struct ManyEars
 {
-    static constexpr unsigned int cNone = ~0U;
+    static constexpr unsigned int cNone = ~0U, cAgain = cNone - 1;
 
     struct Corner
     {
@@ -37,6 +37,7 @@ struct ManyEars
         unsigned int waitsFor;                     ///< the one in its way
         unsigned int firstWaiting;                 ///< of those that wait for it
         unsigned int previousWaiting, nextWaiting; ///< of those that wait for the same
+        /// previousWaiting is cAgain of one that waits no more, until its neighbours change.
     };
 
     Corner* pCorners;
