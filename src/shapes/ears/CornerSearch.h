@@ -97,7 +97,7 @@ private:
 
     unsigned int findInChildren(unsigned int level, unsigned int node, unsigned int children)
     {
-        _tree.nVisitsLeft -= 2;
+        _tree.nVisits += 2;
         while (children != 0)
         {
             const unsigned int child = pick(children);
@@ -105,7 +105,7 @@ private:
             children &= ~(1U << child);
             if (level == 1)
             {
-                --_tree.nVisitsLeft;
+                ++_tree.nVisits;
                 const unsigned int inside = insideLeaf(below);
                 if (inside != 0)
                     return below * cFan + pick(inside);
@@ -173,7 +173,7 @@ private:
         // long as five visits.
         if (__builtin_popcount(children) > 7 && _tree.pSlots == nullptr)
         {
-            _tree.nVisitsLeft -= 5;
+            _tree.nVisits += 5;
             children &= furtherBits(boxes, children);
         }
         return children;

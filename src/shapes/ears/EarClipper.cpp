@@ -243,8 +243,7 @@ void EarClipper::changeOrder()
 {
     CornerTree& tree = _many.tree;
     const unsigned int nEars = _nBefore - _many.nLeft;
-    const long long nVisits = _nVisits + nEars * _many.nVisitsPerEar - tree.nVisitsLeft;
-    const double earsPerVisit = nEars / std::max(1.0, static_cast<double>(nVisits));
+    const double earsPerVisit = nEars / std::max(1.0, static_cast<double>(tree.nVisits));
     if (tree.pSlots == nullptr)
     {
         _earsPerVisit = earsPerVisit;
@@ -260,15 +259,18 @@ void EarClipper::changeOrder()
         allow(_nVisitsPerCorner, static_cast<long long>(2 / _earsPerVisit) * _nVisitsAtFirst);
     }
     else
-        tree.nVisitsLeft = std::numeric_limits<long long>::max() / 2;
+        _many.nVisitsAllowed = std::numeric_limits<long long>::max() / 2;
 }
 
-// Lets searches go through so many boxes for each corner left, and for each ear that is cut.
+// Lets searches go through so many boxes for each corner left, for each ear that is cut, and fewer for failures.
 void EarClipper::allow(long long nVisitsPerCorner, long long nVisitsPerEar)
 {
     _many.nVisitsPerEar = nVisitsPerEar;
+    // Where hardly anything is an ear, searches end soon in any order.
+    _many.nVisitsPerFailure = nVisitsPerEar / 3;
     _nBefore = _many.nLeft;
-    _many.tree.nVisitsLeft = _nVisits = nVisitsPerCorner * _nBefore;
+    _many.tree.nVisits = 0;
+    _many.nVisitsAllowed = nVisitsPerCorner * _nBefore;
 }
 
 void EarClipper::sort()

@@ -58,7 +58,6 @@ private:
     FewEars _few{};
     ManyEars _many{};
     long long _nVisitsPerCorner = 0; // in the outline's order, the next time
-    long long _nVisits = 0;          // allowed since there were
     unsigned int _nBefore = 0;       // corners left
     double _earsPerVisit = 0;        // in the outline's order, the last time
 

@@ -235,14 +235,16 @@ EarLoops::Result cutMany(ManyEars& ears)
     unsigned int* pIndices = ears.pIndices;
     CornerTaker candidates(ears.candidates);
     EarLoops::Result result = EarLoops::Result::Enough;
-    const auto nAllowed = [nFirst, nPerEar = ears.nVisitsPerEar](unsigned int n) { return nPerEar * (nFirst - n); };
+    const auto nAllowed = [&ears, nFirst](unsigned int n, long long nFailed)
+    { return ears.nVisitsAllowed + ears.nVisitsPerEar * (nFirst - n) + ears.nVisitsPerFailure * nFailed; };
+    long long nFailed = 0;
     const auto slotOf = [slots](unsigned int place) { return slots != nullptr ? slots[place] : place; };
 
     while (nLeft > nEnough)
     {
         if (candidates.isAtEnd())
         {
-            if (tree.nVisitsLeft + nAllowed(nLeft) < 0)
+            if (tree.nVisits > nAllowed(nLeft, nFailed))
             {
                 result = EarLoops::Result::Crowded;
                 break;
@@ -262,6 +264,7 @@ EarLoops::Result cutMany(ManyEars& ears)
         {
             wait(corners, v, slots != nullptr ? tree.pCorners[found] : found);
             from = v + 1;
+            ++nFailed;
             continue;
         }
         pIndices[0] = numbers[u];
@@ -288,7 +291,7 @@ EarLoops::Result cutMany(ManyEars& ears)
         candidates.setBehind(w, isEarArea(turnArea(a, c, pointOf(corners[corners[w].next])), epsilon));
     }
     candidates.putBack();
-    tree.nVisitsLeft += nAllowed(nLeft);
+    ears.nVisitsAllowed = nAllowed(nLeft, nFailed);
     ears.nLeft = nLeft;
     ears.from = from;
     ears.pIndices = pIndices;

@@ -47,7 +47,7 @@ struct ManyEars
     unsigned int nPlaces, nLeft;
     unsigned int nEnough; ///< corners left with which cutting stops
     unsigned int from;
-    long long nVisitsPerEar; ///< by which tree.nVisitsLeft grows
+    long long nVisitsAllowed, nVisitsPerEar, nVisitsPerFailure; ///< by these it grows with ears and failed searches
     float epsilon;
     unsigned int* pIndices;
 };
