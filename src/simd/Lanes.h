@@ -38,12 +38,37 @@ inline Record loadRecord(const float* p) { return *reinterpret_cast<const Record
 inline void store(float* p, Floats v) { *reinterpret_cast<FloatsInMemory*>(p) = v; }
 inline void storeRecord(float* p, Record v) { *reinterpret_cast<RecordInMemory*>(p) = v; }
 
+/// Two floats that lie side by side in memory, and two zeros.
+inline Record loadPair(const float* p)
+{
+    using Doubles [[gnu::vector_size(2 * sizeof(double))]] = double;
+    double pair;
+    __builtin_memcpy(&pair, p, sizeof(pair));
+    return reinterpret_cast<Record>(Doubles{pair, 0});
+}
+
 /// The same number in all lanes, the sign of a 0 included.
 inline Floats all(float f) { return f - Floats{}; }
 
 /// The second where the first is NaN.
 inline Floats smaller(Floats a, Floats b) { return a < b ? a : b; }
 inline Floats larger(Floats a, Floats b) { return a > b ? a : b; }
+
+/// Of all lanes, none of which is NaN.
+inline float smallestOf(Floats v)
+{
+#ifdef __AVX2__
+    v = smaller(v, __builtin_shufflevector(v, v, 4, 5, 6, 7, 0, 1, 2, 3));
+    v = smaller(v, __builtin_shufflevector(v, v, 2, 3, 0, 1, 6, 7, 4, 5));
+    v = smaller(v, __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6));
+#else
+    v = smaller(v, __builtin_shufflevector(v, v, 2, 3, 0, 1));
+    v = smaller(v, __builtin_shufflevector(v, v, 1, 0, 3, 2));
+#endif
+    return v[0];
+}
+
+inline float largestOf(Floats v) { return -smallestOf(-v); }
 
 inline Floats squareRoot(Floats v)
 {

@@ -19,41 +19,72 @@ public:
     static constexpr unsigned int cNone = ~0U;
     static constexpr unsigned int cFan = CornerTree::cFan;
 
-    /// @param u, v, w  the slots of a, b and c
-    CornerSearch(CornerTree& tree, const EarPoint& a, const EarPoint& b, const EarPoint& c, unsigned int u,
-                 unsigned int v, unsigned int w)
+    /// @param a, b, c  points in the first two lanes, with zeros behind
+    /// @param u, v, w  their slots
+    /// @param picksAny  whether any corner that is inside is found, each as likely as the others. Were it always the
+    ///                  first, then an ear that many corners lie in could be tried once for each of them.
+    CornerSearch(CornerTree& tree, Record a, Record b, Record c, unsigned int u, unsigned int v, unsigned int w,
+                 bool picksAny)
         : _tree(tree)
-        , _triangle(a, b, c)
-        , _bounds(a, b, c, turnArea(a, b, c))
+        , _a(a)
+        , _b(b)
+        , _c(c)
+        , _u(u)
+        , _v(v)
+        , _w(w)
+        , _picksAny(picksAny)
+        , _bounds(a, b, c)
         , _isBounded(_bounds.isProven && (tree.isBounded || _bounds.isSmall()))
-        , _own{u, v, w}
     {
     }
 
     /// A slot; cNone when there is none. From v's leaf upwards: what is in the way is near most of the time.
     unsigned int find()
     {
-        if (!_isBounded && _triangle.isEmpty())
-            return cNone;
-        const unsigned int leaf = _own[1] / cFan;
+        if (!_isBounded) [[unlikely]]
+            return findUnbounded();
+        // Most triangles have nothing else within their bounds.
+        const unsigned int leaf = _v / cFan;
         const unsigned int inside = insideLeaf(leaf);
         if (inside != 0)
             return leaf * cFan + pick(inside);
-        unsigned int found = findAbove(leaf);
-        // Were it always the first, then an ear that many corners lie in could be tried once for each of them.
-        if (found != cNone)
+        for (unsigned int level = 1, node = leaf; level < _tree.nLevels; ++level)
         {
-            _picksAny = true;
-            found = findAbove(leaf);
+            const unsigned int child = node % cFan;
+            node /= cFan;
+            const unsigned int children = childrenInBounds(level, node, _tree.pAlive[level][node] & ~(1U << child));
+            if (children != 0)
+                return findFrom(level, node, children);
         }
-        return found;
+        return cNone;
     }
 
 private:
-    unsigned int findAbove(unsigned int node)
+    [[gnu::noinline]] unsigned int findUnbounded()
+    {
+        if (triangle().isEmpty())
+            return cNone;
+        const unsigned int leaf = _v / cFan;
+        const unsigned int inside = insideLeaf(leaf);
+        if (inside != 0)
+            return leaf * cFan + pick(inside);
+        return findAbove(1, leaf);
+    }
+
+    // From a node on whose children reach into the bounds.
+    [[gnu::noinline]] unsigned int findFrom(unsigned int level, unsigned int node, unsigned int children)
+    {
+        children = narrowed(_tree.pBoxes[level][node], children);
+        unsigned int found = children != 0 ? findInChildren(level, node, children) : cNone;
+        if (found == cNone)
+            found = findAbove(level + 1, node);
+        return found;
+    }
+
+    unsigned int findAbove(unsigned int level, unsigned int node)
     {
         unsigned int found = cNone;
-        for (unsigned int level = 1; found == cNone && level < _tree.nLevels; ++level)
+        for (; found == cNone && level < _tree.nLevels; ++level)
         {
             const unsigned int child = node % cFan;
             node /= cFan;
@@ -66,15 +97,15 @@ private:
 
     unsigned int findInChildren(unsigned int level, unsigned int node, unsigned int children)
     {
-        _tree.nVisitsLeft -= 2;
+        _tree.nVisits += 2;
         while (children != 0)
         {
-            const unsigned int child = _picksAny ? pick(children) : static_cast<unsigned int>(__builtin_ctz(children));
+            const unsigned int child = pick(children);
             const unsigned int below = node * cFan + child;
             children &= ~(1U << child);
             if (level == 1)
             {
-                --_tree.nVisitsLeft;
+                ++_tree.nVisits;
                 const unsigned int inside = insideLeaf(below);
                 if (inside != 0)
                     return below * cFan + pick(inside);
@@ -90,37 +121,75 @@ private:
         return cNone;
     }
 
+    EarTriangle triangle() const { return {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
+
     // Bits of the corners of a leaf that are inside.
     unsigned int insideLeaf(unsigned int leaf) const
     {
         const float* const x = _tree.pX + leaf * cFan;
         const float* const y = _tree.pY + leaf * cFan;
-        unsigned int inside = _tree.pAlive[0][leaf];
-        for (const unsigned int own : _own)
-            inside &= ~((own / cFan == leaf ? 1U : 0U) << own % cFan);
+        // Beyond the leaf it is none of its bits.
+        const auto bitOf = [leaf](unsigned int slot)
+        {
+            const unsigned int i = slot - leaf * cFan;
+            return 1U << (i < 31 ? i : 31);
+        };
+        unsigned int inside = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
         if (_isBounded)
             inside &= insideBits<cFan>(_bounds, x, y);
         if (inside != 0)
-            inside &= insideBits<cFan>(_triangle, x, y);
+            inside &= insideBits<cFan>(triangle(), x, y);
         return inside;
     }
 
     // Of some children of a node, those whose boxes may hold corners that are inside.
     unsigned int childrenInside(unsigned int level, unsigned int node, unsigned int children) const
     {
-        const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         if (_isBounded)
-            children &= boundsBits(boxes, children);
-        if (_isBounded && children != 0)
-            children &= stripBits(boxes, children);
+            return narrowed(_tree.pBoxes[level][node], childrenInBounds(level, node, children));
+        const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         if (children != 0)
             children &= edgesBits(boxes, children);
-        // Where many are left, if only outlines cross the boxes: in another order strips are wide. Once there is a
-        // corner inside, the next one is found as soon.
-        const bool isDear = __builtin_popcount(children) > 7 && _tree.pSlots == nullptr && !_picksAny;
-        if (_isBounded ? isDear : children != 0)
-            children &= furtherBits(boxes, children);
+        return children != 0 ? children & furtherBits(boxes, children) : 0;
+    }
+
+    // Of some children of a node, those whose strips reach into the bounds.
+    unsigned int childrenInBounds(unsigned int level, unsigned int node, unsigned int children) const
+    {
+        const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
+        children &= boundsBits(boxes);
+        if (children != 0)
+            children &= stripBits(boxes, children);
         return children;
+    }
+
+    // Of children in the bounds, those that may hold corners that are inside. Of few, it takes no longer to look into.
+    unsigned int narrowed(const CornerTree::Boxes& boxes, unsigned int children) const
+    {
+        if (__builtin_popcount(children) <= 2)
+            return children;
+        children &= edgesBits(boxes, children);
+        // Where many are left, if only outlines cross the boxes: in another order strips are wide. It takes as
+        // long as five visits.
+        if (__builtin_popcount(children) > 7 && _tree.pSlots == nullptr)
+        {
+            _tree.nVisits += 5;
+            children &= furtherBits(boxes, children);
+        }
+        return children;
+    }
+
+    unsigned int boundsBits(const CornerTree::Boxes& boxes) const
+    {
+        const float left = _bounds.low[0], right = _bounds.high[0], bottom = _bounds.low[1], top = _bounds.high[1];
+        unsigned int inside = 0;
+        for (unsigned int i = 0; i < cFan; i += cLanes)
+        {
+            const Mask isNear = (load(boxes.minX + i) <= right) & (load(boxes.maxX + i) >= left) &
+                                (load(boxes.minY + i) <= top) & (load(boxes.maxY + i) >= bottom);
+            inside |= bits(isNear) << i;
+        }
+        return inside;
     }
 
     // What EarBounds says of the bounds is true of any other direction. With the bounds S boxes wide and high together,
@@ -128,17 +197,14 @@ private:
     // off by four times as much, for which 32 * u * (2 + S) is enough. Of infinite numbers and NaN nothing is apart.
     unsigned int stripBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarPoint corners[] = {{_triangle.edges[0].x0, _triangle.edges[0].y0},
-                                    {_triangle.edges[1].x0, _triangle.edges[1].y0},
-                                    {_triangle.edges[2].x0, _triangle.edges[2].y0}};
-        const float width = _bounds.right - _bounds.left, height = _bounds.top - _bounds.bottom;
+        const float width = _bounds.high[0] - _bounds.low[0], height = _bounds.high[1] - _bounds.low[1];
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
             const Floats minX = load(boxes.minX + i), minY = load(boxes.minY + i);
             const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
-            const auto place = [&](const EarPoint& p) { return (p.x - minX) * scaleX + (p.y - minY) * scaleY; };
-            const Floats a = place(corners[0]), b = place(corners[1]), c = place(corners[2]);
+            const auto place = [&](Record p) { return (p[0] - minX) * scaleX + (p[1] - minY) * scaleY; };
+            const Floats a = place(_a), b = place(_b), c = place(_c);
             const Floats low = smaller(smaller(a, b), c), high = larger(larger(a, b), c);
             const Floats size = width * scaleX + absolute(height * scaleY);
             const Floats margin = (high - low) * _bounds.margin + (size + 2.0f) * 0x1p-19f;
@@ -147,35 +213,24 @@ private:
         return ~outside;
     }
 
-    unsigned int boundsBits(const CornerTree::Boxes& boxes, unsigned int children) const
-    {
-        unsigned int inside = 0;
-        for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
-        {
-            const Mask isNear = (load(boxes.minX + i) <= _bounds.right) & (load(boxes.maxX + i) >= _bounds.left) &
-                                (load(boxes.minY + i) <= _bounds.top) & (load(boxes.maxY + i) >= _bounds.bottom);
-            inside |= bits(isNear) << i;
-        }
-        return inside;
-    }
-
     // Every operation is monotone, rounded as it is: an edge's value grows with x, or falls, and so with y. So no
     // corner in a box is further on the inside than the box's best corner, computed in the same operations. NaN is not
     // below 0 and proves nothing.
     unsigned int edgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
+        const EarTriangle t = triangle();
         const float *x[3], *y[3];
         for (unsigned int i = 0; i < 3; ++i)
         {
-            x[i] = _triangle.edges[i].y < 0 ? boxes.maxX : boxes.minX;
-            y[i] = _triangle.edges[i].x > 0 ? boxes.maxY : boxes.minY;
+            x[i] = t.edges[i].y < 0 ? boxes.maxX : boxes.minX;
+            y[i] = t.edges[i].x > 0 ? boxes.maxY : boxes.minY;
         }
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
-            const Mask isOutside = (sideOf(_triangle.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
-                                   (sideOf(_triangle.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
-                                   (sideOf(_triangle.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
+            const Mask isOutside = (sideOf(t.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
+                                   (sideOf(t.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
+                                   (sideOf(t.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
             outside |= bits(isOutside) << i;
         }
         return ~outside;
@@ -193,9 +248,10 @@ private:
     // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
     unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
+        const EarTriangle t = triangle();
         constexpr float cMost = std::numeric_limits<float>::max();
         unsigned int outside = 0;
-        for (const EarTriangle::Edge& edge : _triangle.edges)
+        for (const EarTriangle::Edge& edge : t.edges)
         {
             const float* const x = edge.y < 0 ? boxes.maxX : boxes.minX;
             const float* const y = edge.x > 0 ? boxes.maxY : boxes.minY;
@@ -216,6 +272,7 @@ private:
     // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
     unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
+        const EarTriangle t = triangle();
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
@@ -224,7 +281,7 @@ private:
             const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
             const Floats low = load(boxes.low + i), high = load(boxes.high + i);
             const Mask hasStrip = (scaleX != 0) & (scaleY != 0);
-            for (const EarTriangle::Edge& edge : _triangle.edges)
+            for (const EarTriangle::Edge& edge : t.edges)
             {
                 const Floats dx = minX - edge.x0, dy = minY - edge.y0;
                 const Floats a = -edge.y * width, b = edge.x * height;
@@ -241,10 +298,10 @@ private:
 
     static Floats absolute(Floats a) { return a < 0 ? -a : a; }
 
-    // One of the bits, each as likely as the others.
+    // The first of the bits, or any.
     unsigned int pick(unsigned int bits)
     {
-        if ((bits & (bits - 1)) != 0)
+        if (_picksAny && (bits & (bits - 1)) != 0)
         {
             _tree.random = 1664525 * _tree.random + 1013904223;
             const auto n = static_cast<unsigned int>(__builtin_popcount(bits));
@@ -255,11 +312,11 @@ private:
     }
 
     CornerTree& _tree;
-    const EarTriangle _triangle;
+    const Record _a, _b, _c;
+    const unsigned int _u, _v, _w;
+    const bool _picksAny;
     const EarBounds _bounds;
     const bool _isBounded;
-    const unsigned int _own[3];
-    bool _picksAny = false;
 };
 
 } // namespace

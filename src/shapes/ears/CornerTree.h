@@ -33,10 +33,7 @@ struct CornerTree
     const unsigned int* pCorners; ///< by slot
     bool isBounded;               ///< whether all differences of coordinates are finite
     unsigned int random;
-    long long nVisitsLeft; ///< below 0 when searches have gone through more boxes than they should
+    long long nVisits; ///< of boxes, that searches have made
 };
-
-/// Puts boxes around the corners of n slots, all of them left.
-void buildTree(CornerTree& tree, unsigned int n);
 
 } // namespace gui::gl

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace gui::gl
 {
@@ -12,7 +13,7 @@ namespace
 constexpr unsigned int cNone = ManyEars::cNone;
 constexpr unsigned int cFan = CornerTree::cFan;
 
-// For how many visits of boxes for each corner a new order is on trial.
+// How many visits of boxes for each corner a new order has at first.
 constexpr long long cVisitsOnTrial = 2;
 
 template <typename T>
@@ -131,9 +132,10 @@ void EarClipper::fillMany(const td::Point<float>* points, unsigned int n, bool i
     tree.pSlots = tree.pCorners = nullptr;
     tree.random = 1;
     _nVisitsPerCorner = _nVisitsAtFirst;
-    allow(_nVisitsPerCorner);
-    buildTree(tree, n);
+    allow(_nVisitsPerCorner, cVisitsPerEar * _nVisitsAtFirst);
+    _loops.buildTree(tree, n);
     _loops.findCandidates(_many);
+    fillUpperWords(_many.candidates);
 }
 
 // Cuts ears until few corners are left. @return false when there is none
@@ -153,35 +155,50 @@ bool EarClipper::cutMany()
     }
 }
 
-// Closes the gaps between the corners left. @return how many these are
+// Closes the gaps between the corners left, in what is known of them and in the candidates. @return how many these are
 unsigned int EarClipper::closeGaps()
 {
-    const unsigned int n = _many.nPlaces;
-    unsigned int nKept = 0;
-    _isKept.resize(n);
-    for (unsigned int i = 0; i < n; ++i)
-    {
-        const ManyEars::Corner corner = _corners[i];
-        _places[i] = nKept;
-        _numbers[nKept] = _numbers[i];
-        _corners[nKept] = {corner.x, corner.y, nKept - 1, nKept + 1, corner.waitsFor, cNone, cNone, cNone};
-        _isKept[i] = corner.next != cNone;
-        nKept += _isKept[i];
-    }
-    _corners[0].previous = nKept - 1;
-    _corners[nKept - 1].next = 0;
-    _many.from = _many.from < n ? _places[_many.from] : 0;
+    const unsigned int nKept = _many.nLeft, from = _many.from;
+    const bool isSorted = _many.tree.pSlots != nullptr;
+    ManyEars::Corner* const corners = _corners.data();
+    unsigned int *const numbers = _numbers.data(), *const places = _places.data();
+    std::uint64_t* const words = _many.candidates.pWords[0];
+    if (isSorted)
+        _isKept.assign(_many.nPlaces, 0);
+    unsigned char* const isKept = _isKept.data();
+    unsigned int place = 0, nBefore = 0;
+    while (corners[place].next == cNone)
+        ++place;
+    std::uint64_t word = 0;
     for (unsigned int i = 0; i < nKept; ++i)
     {
-        ManyEars::Corner& corner = _corners[i];
-        if (corner.waitsFor == cNone)
+        const ManyEars::Corner corner = corners[place];
+        nBefore += place < from ? 1 : 0;
+        word |= (words[place / 64] >> place % 64 & 1) << i % 64;
+        if (i % 64 == 63)
+            words[i / 64] = std::exchange(word, 0);
+        places[place] = i;
+        numbers[i] = numbers[place];
+        corners[i] = {corner.x, corner.y, i - 1, i + 1, corner.waitsFor, cNone, cNone, cNone};
+        if (isSorted)
+            isKept[place] = 1;
+        place = corner.next;
+    }
+    if (nKept % 64 != 0)
+        words[nKept / 64] = word;
+    corners[0].previous = nKept - 1;
+    corners[nKept - 1].next = 0;
+    _many.from = nBefore;
+    for (unsigned int i = 0; i < nKept; ++i)
+    {
+        if (corners[i].waitsFor == cNone)
             continue;
-        corner.waitsFor = _places[corner.waitsFor];
-        unsigned int& first = _corners[corner.waitsFor].firstWaiting;
-        corner.nextWaiting = first;
-        if (first != cNone)
-            _corners[first].previousWaiting = i;
-        first = i;
+        ManyEars::Corner& blocker = corners[places[corners[i].waitsFor]];
+        corners[i].waitsFor = places[corners[i].waitsFor];
+        corners[i].nextWaiting = blocker.firstWaiting;
+        if (blocker.firstWaiting != cNone)
+            corners[blocker.firstWaiting].previousWaiting = i;
+        blocker.firstWaiting = i;
     }
     return nKept;
 }
@@ -189,28 +206,25 @@ unsigned int EarClipper::closeGaps()
 // Closes the gaps, and makes the boxes as small as what is in them.
 void EarClipper::pack()
 {
-    const unsigned int n = closeGaps();
-    packSlots(n);
-    setSize(n);
-    buildTree(_many.tree, n);
-    _loops.findCandidates(_many);
-}
-
-// The tree's order stays; _places tells the new places of corners.
-void EarClipper::packSlots(unsigned int nKept)
-{
-    CornerTree& tree = _many.tree;
-    if (tree.pSlots == nullptr)
-    {
-        for (unsigned int i = 0; i < nKept; ++i)
+    const unsigned int nBefore = _many.nPlaces, n = closeGaps();
+    if (_many.tree.pSlots != nullptr)
+        packSlots(nBefore, n);
+    else
+        for (unsigned int i = 0; i < n; ++i)
         {
             _x[i] = _corners[i].x;
             _y[i] = _corners[i].y;
         }
-        return;
-    }
+    setSize(n);
+    fillUpperWords(_many.candidates);
+    _loops.buildTree(_many.tree, n);
+}
+
+// The tree's order stays; _places tells the new places of corners.
+void EarClipper::packSlots(unsigned int nBefore, unsigned int nKept)
+{
     unsigned int packed = 0;
-    for (unsigned int slot = 0; slot < _many.nPlaces; ++slot)
+    for (unsigned int slot = 0; slot < nBefore; ++slot)
     {
         const unsigned int corner = _slotCorners[slot];
         _x[packed] = _x[slot];
@@ -223,42 +237,48 @@ void EarClipper::packSlots(unsigned int nKept)
 }
 
 // Searches go through many boxes. That may be since the outline is not near itself along itself, or since ears are
-// needles, which are worse in any other order. So each order is on trial, the outline's for longer each time.
+// needles, which are worse in any other order. So each order is on trial, the outline's for longer each time, and until
+// ears take twice as many boxes as before.
 void EarClipper::changeOrder()
 {
     CornerTree& tree = _many.tree;
-    const double earsPerVisit = (_nBefore - _many.nLeft) / std::max(1.0, static_cast<double>(_nVisits));
+    const unsigned int nEars = _nBefore - _many.nLeft;
+    const double earsPerVisit = nEars / std::max(1.0, static_cast<double>(tree.nVisits));
     if (tree.pSlots == nullptr)
     {
         _earsPerVisit = earsPerVisit;
         _nVisitsPerCorner *= 2;
         sort();
-        allow(cVisitsOnTrial);
+        allow(cVisitsOnTrial, cVisitsPerEar * _nVisitsAtFirst);
         return;
     }
     if (earsPerVisit < _earsPerVisit)
     {
         tree.pSlots = tree.pCorners = nullptr;
         pack();
-        allow(_nVisitsPerCorner);
+        allow(_nVisitsPerCorner, static_cast<long long>(2 / _earsPerVisit) * _nVisitsAtFirst);
     }
     else
-        tree.nVisitsLeft = std::numeric_limits<long long>::max();
+        _many.nVisitsAllowed = std::numeric_limits<long long>::max() / 2;
 }
 
-// Lets searches go through so many boxes for each corner left.
-void EarClipper::allow(long long nVisitsPerCorner)
+// Lets searches go through so many boxes for each corner left, for each ear that is cut, and fewer for failures.
+void EarClipper::allow(long long nVisitsPerCorner, long long nVisitsPerEar)
 {
+    _many.nVisitsPerEar = nVisitsPerEar;
+    // Where hardly anything is an ear, searches end soon in any order.
+    _many.nVisitsPerFailure = nVisitsPerEar / 3;
     _nBefore = _many.nLeft;
-    _many.tree.nVisitsLeft = _nVisits = nVisitsPerCorner * _nBefore;
+    _many.tree.nVisits = 0;
+    _many.nVisitsAllowed = nVisitsPerCorner * _nBefore;
 }
 
 void EarClipper::sort()
 {
     const unsigned int n = closeGaps();
     setSize(n);
-    _loops.findCandidates(_many);
-    const std::span<ZOrder::Item> items = _order.take(n);
+    fillUpperWords(_many.candidates);
+    const std::span<CurveOrder::Item> items = _order.take(n);
     for (unsigned int i = 0; i < n; ++i)
         items[i] = {_corners[i].x, _corners[i].y, i, 0};
     _order.sort();
@@ -273,7 +293,7 @@ void EarClipper::sort()
     }
     _many.tree.pSlots = _slots.data();
     _many.tree.pCorners = _slotCorners.data();
-    buildTree(_many.tree, n);
+    _loops.buildTree(_many.tree, n);
 }
 
 // Few corners are left.

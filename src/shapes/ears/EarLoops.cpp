@@ -4,6 +4,7 @@
 #include "CornerSearch.h"
 #include "CornerSet.h"
 #include "EarTriangle.h"
+#include "TreeBuilder.h"
 
 // Compiled once for any machine and once for AVX2.
 
@@ -148,45 +149,53 @@ bool cutFew(FewEars& ears)
 
 // Many corners.
 
-inline EarPoint pointOf(const Corner& corner) { return {corner.x, corner.y}; }
+inline Record pointOf(const Corner& corner) { return loadPair(&corner.x); }
+
+void buildTree(CornerTree& tree, unsigned int n) { TreeBuilder(tree).build(n); }
+
+// Bits of the corners from a place on that turn left far enough, as many as there are lanes, with one at each end.
+inline unsigned int earAreaBits(const float* x, const float* y, float epsilon)
+{
+    const Floats ax = load(x - 1), ay = load(y - 1);
+    const Floats area = (load(x) - ax) * (load(y + 1) - ay) - (load(y) - ay) * (load(x + 1) - ax);
+    return bits(~(epsilon > area));
+}
 
 void findCandidates(ManyEars& ears)
 {
-    const Corner* const corners = ears.pCorners;
-    for (unsigned int level = 1, nWords = ears.candidates.nWords; level < ears.candidates.nLevels; ++level)
+    const unsigned int n = ears.nPlaces;
+    const float *const x = ears.tree.pX, *const y = ears.tree.pY;
+    const auto isCandidate = [&](unsigned int i)
     {
-        nWords = (nWords + 63) / 64;
-        for (unsigned int i = 0; i < nWords; ++i)
-            ears.candidates.pWords[level][i] = 0;
-    }
-    for (unsigned int i = 0; i < ears.nPlaces; i += 64)
+        const unsigned int u = i > 0 ? i - 1 : n - 1, w = i + 1 < n ? i + 1 : 0;
+        return isEarArea(turnArea({x[u], y[u]}, {x[i], y[i]}, {x[w], y[w]}), ears.epsilon);
+    };
+    for (unsigned int first = 0; first < n; first += 64)
     {
         std::uint64_t word = 0;
-        const unsigned int n = ears.nPlaces - i < 64 ? ears.nPlaces - i : 64;
-        for (unsigned int j = 0; j < n; ++j)
+        for (unsigned int i = first; i < n && i < first + 64;)
         {
-            const Corner& corner = corners[i + j];
-            const float area =
-                turnArea(pointOf(corners[corner.previous]), pointOf(corner), pointOf(corners[corner.next]));
-            word |= std::uint64_t(isEarArea(area, ears.epsilon) & (corner.waitsFor == ManyEars::cNone)) << j;
+            const bool isInside = i > 0 && i + cLanes < n;
+            word |= std::uint64_t(isInside ? earAreaBits(x + i, y + i, ears.epsilon) : isCandidate(i)) << i % 64;
+            i += isInside ? static_cast<unsigned int>(cLanes) : 1;
         }
-        ears.candidates.pWords[0][i / 64] = word;
-        if (word != 0)
-            setWord(ears.candidates, i / 64, true);
+        ears.candidates.pWords[0][first / 64] = word;
     }
 }
 
 inline void unhook(Corner* corners, unsigned int v)
 {
     Corner& corner = corners[v];
+    const unsigned int previous = corner.previousWaiting;
+    corner.previousWaiting = ManyEars::cNone;
     if (corner.waitsFor == ManyEars::cNone)
         return;
-    if (corner.previousWaiting != ManyEars::cNone)
-        corners[corner.previousWaiting].nextWaiting = corner.nextWaiting;
+    if (previous != ManyEars::cNone)
+        corners[previous].nextWaiting = corner.nextWaiting;
     else
         corners[corner.waitsFor].firstWaiting = corner.nextWaiting;
     if (corner.nextWaiting != ManyEars::cNone)
-        corners[corner.nextWaiting].previousWaiting = corner.previousWaiting;
+        corners[corner.nextWaiting].previousWaiting = previous;
     corner.waitsFor = ManyEars::cNone;
 }
 
@@ -216,67 +225,88 @@ inline void removeFromTree(CornerTree& tree, unsigned int slot)
 EarLoops::Result cutMany(ManyEars& ears)
 {
     Corner* const corners = ears.pCorners;
+    const unsigned int* const numbers = ears.pNumbers;
     CornerTree& tree = ears.tree;
-    const auto slotOf = [&tree](unsigned int place) { return tree.pSlots != nullptr ? tree.pSlots[place] : place; };
-    const auto areaOf = [corners](unsigned int i)
-    {
-        const Corner& corner = corners[i];
-        return turnArea(pointOf(corners[corner.previous]), pointOf(corner), pointOf(corners[corner.next]));
-    };
+    const unsigned int* const slots = tree.pSlots;
+    const float epsilon = ears.epsilon;
+    const unsigned int nEnough = ears.nEnough;
+    const unsigned int nFirst = ears.nLeft;
+    unsigned int nLeft = nFirst, from = ears.from;
+    unsigned int* pIndices = ears.pIndices;
+    CornerTaker candidates(ears.candidates);
+    EarLoops::Result result = EarLoops::Result::Enough;
+    const auto nAllowed = [&ears, nFirst](unsigned int n, long long nFailed)
+    { return ears.nVisitsAllowed + ears.nVisitsPerEar * (nFirst - n) + ears.nVisitsPerFailure * nFailed; };
+    long long nFailed = 0;
+    const auto slotOf = [slots](unsigned int place) { return slots != nullptr ? slots[place] : place; };
 
-    while (ears.nLeft > ears.nEnough)
+    while (nLeft > nEnough)
     {
-        if (tree.nVisitsLeft < 0)
-            return EarLoops::Result::Crowded;
-        unsigned int v = findFrom(ears.candidates, ears.from);
-        if (v == CornerSet::cNone)
-            v = findFrom(ears.candidates, 0);
-        if (v == CornerSet::cNone)
-            return EarLoops::Result::NoEar;
-        setMember(ears.candidates, v, false);
+        if (candidates.isAtEnd())
+        {
+            if (tree.nVisits > nAllowed(nLeft, nFailed))
+            {
+                result = EarLoops::Result::Crowded;
+                break;
+            }
+            if (!candidates.goOn(from))
+            {
+                result = EarLoops::Result::NoEar;
+                break;
+            }
+        }
+        const unsigned int v = candidates.take();
         const unsigned int u = corners[v].previous, w = corners[v].next;
-        CornerSearch search(tree, pointOf(corners[u]), pointOf(corners[v]), pointOf(corners[w]), slotOf(u), slotOf(v),
-                            slotOf(w));
-        const unsigned int found = search.find();
+        const Record a = pointOf(corners[u]), b = pointOf(corners[v]), c = pointOf(corners[w]);
+        const bool isAgain = corners[v].previousWaiting == ManyEars::cAgain;
+        const unsigned int found = CornerSearch(tree, a, b, c, slotOf(u), slotOf(v), slotOf(w), isAgain).find();
         if (found != CornerSearch::cNone)
         {
-            wait(corners, v, tree.pSlots != nullptr ? tree.pCorners[found] : found);
-            ears.from = v + 1;
+            wait(corners, v, slots != nullptr ? tree.pCorners[found] : found);
+            from = v + 1;
+            ++nFailed;
             continue;
         }
-        ears.pIndices[0] = ears.pNumbers[u];
-        ears.pIndices[1] = ears.pNumbers[v];
-        ears.pIndices[2] = ears.pNumbers[w];
-        ears.pIndices += 3;
+        pIndices[0] = numbers[u];
+        pIndices[1] = numbers[v];
+        pIndices[2] = numbers[w];
+        pIndices += 3;
         corners[u].next = w;
         corners[w].previous = u;
         corners[v].next = ManyEars::cNone;
         removeFromTree(tree, slotOf(v));
-        --ears.nLeft;
+        --nLeft;
+        // The corner behind w is tried next, and w last.
+        from = w + 1;
+        candidates.skipTo(w);
         for (unsigned int i = corners[v].firstWaiting; i != ManyEars::cNone; i = corners[i].nextWaiting)
         {
             corners[i].waitsFor = ManyEars::cNone;
-            setMember(ears.candidates, i, true);
+            corners[i].previousWaiting = ManyEars::cAgain;
+            candidates.insert(i);
         }
         unhook(corners, u);
-        setMember(ears.candidates, u, isEarArea(areaOf(u), ears.epsilon));
+        candidates.setBehind(u, isEarArea(turnArea(pointOf(corners[corners[u].previous]), a, c), epsilon));
         unhook(corners, w);
-        setMember(ears.candidates, w, isEarArea(areaOf(w), ears.epsilon));
-        // The corner behind w is tried next, and w last.
-        ears.from = w + 1;
+        candidates.setBehind(w, isEarArea(turnArea(a, c, pointOf(corners[corners[w].next])), epsilon));
     }
-    return EarLoops::Result::Enough;
+    candidates.putBack();
+    ears.nVisitsAllowed = nAllowed(nLeft, nFailed);
+    ears.nLeft = nLeft;
+    ears.from = from;
+    ears.pIndices = pIndices;
+    return result;
 }
 
 } // namespace
 
 #ifdef __AVX2__
 
-const EarLoops cEarLoopsAVX2{fillFew, cutFew, findCandidates, cutMany};
+const EarLoops cEarLoopsAVX2{fillFew, cutFew, buildTree, findCandidates, cutMany};
 
 #else
 
-const EarLoops cEarLoops{fillFew, cutFew, findCandidates, cutMany};
+const EarLoops cEarLoops{fillFew, cutFew, buildTree, findCandidates, cutMany};
 
 const EarLoops& earLoops() { return bestLoops<EarLoops, cEarLoops, cEarLoopsAVX2>(); }
 

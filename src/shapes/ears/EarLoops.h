@@ -28,7 +28,7 @@ struct FewEars
 /// The same for any number of corners. Places are numbers.
 struct ManyEars
 {
-    static constexpr unsigned int cNone = ~0U;
+    static constexpr unsigned int cNone = ~0U, cAgain = cNone - 1;
 
     struct Corner
     {
@@ -37,6 +37,7 @@ struct ManyEars
         unsigned int waitsFor;                     ///< the one in its way
         unsigned int firstWaiting;                 ///< of those that wait for it
         unsigned int previousWaiting, nextWaiting; ///< of those that wait for the same
+        /// previousWaiting is cAgain of one that waits no more, until its neighbours change.
     };
 
     Corner* pCorners;
@@ -46,6 +47,7 @@ struct ManyEars
     unsigned int nPlaces, nLeft;
     unsigned int nEnough; ///< corners left with which cutting stops
     unsigned int from;
+    long long nVisitsAllowed, nVisitsPerEar, nVisitsPerFailure; ///< by these it grows with ears and failed searches
     float epsilon;
     unsigned int* pIndices;
 };
@@ -60,7 +62,11 @@ struct EarLoops
     /// @return false when there is no ear and more than two corners are left
     bool (*cutFew)(FewEars& ears);
 
-    /// Makes every corner a candidate that turns left far enough and waits for none.
+    /// Puts boxes around the corners of n slots, all of them left.
+    void (*buildTree)(CornerTree& tree, unsigned int n);
+
+    /// Makes every corner a candidate that turns left far enough, in the first level of the set. None is cut yet, and
+    /// the tree is in the outline's order.
     void (*findCandidates)(ManyEars& ears);
 
     enum class Result

@@ -20,6 +20,14 @@ inline float turnArea(const EarPoint& a, const EarPoint& b, const EarPoint& c)
     return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
 
+/// The same of points in the first two lanes.
+inline float turnArea(Record a, Record b, Record c)
+{
+    const Record ab = b - a, ac = c - a;
+    const Record products = ab * __builtin_shufflevector(ac, ac, 1, 0, 3, 2);
+    return products[0] - products[1];
+}
+
 /// NaN is not too small.
 inline bool isEarArea(float area, float epsilon) { return !(epsilon > area); }
 
@@ -83,55 +91,46 @@ inline unsigned int insideBits(const EarTriangle& triangle, const float* x, cons
 /// are points at infinity: since the edges' directions sum up to 0, some edge's value is -infinity or NaN.
 struct EarBounds
 {
-    /// @param area  the doubled one, as computed
-    EarBounds(const EarPoint& a, const EarPoint& b, const EarPoint& c, float area)
+    /// @param a, b, c  points in the first two lanes, with zeros behind
+    EarBounds(Record a, Record b, Record c)
     {
-        const float minX = smallest(a.x, b.x, c.x), maxX = largest(a.x, b.x, c.x), width = maxX - minX;
-        const float minY = smallest(a.y, b.y, c.y), maxY = largest(a.y, b.y, c.y), height = maxY - minY;
-        margin = width * height / area * 0x1p-18f;
+        const auto lower = [](Record p, Record q) { return p < q ? p : q; };
+        const auto upper = [](Record p, Record q) { return p > q ? p : q; };
+        low = lower(lower(a, b), c);
+        high = upper(upper(a, b), c);
+        const Record size = high - low;
+        const float product = size[0] * size[1];
+        margin = product / turnArea(a, b, c) * 0x1p-18f;
         if (margin > 1) [[unlikely]]
             margin *= 2;
-        left = minX - margin * width;
-        right = maxX + margin * width;
-        bottom = minY - margin * height;
-        top = maxY + margin * height;
+        low -= margin * size;
+        high += margin * size;
         // Nothing of the kind is true of NaN.
-        isProven = width * height < 0x1p+120f && margin <= 4;
+        isProven = product < 0x1p+120f && margin <= 4;
     }
 
     /// Whether overflow doesn't matter.
     bool isSmall() const
     {
         constexpr float cSmall = 0x1p+100f;
-        return left >= -cSmall && right <= cSmall && bottom >= -cSmall && top <= cSmall;
+        return low[0] >= -cSmall && high[0] <= cSmall && low[1] >= -cSmall && high[1] <= cSmall;
     }
 
-    static float smallest(float a, float b, float c)
-    {
-        const float ab = a < b ? a : b;
-        return ab < c ? ab : c;
-    }
-
-    static float largest(float a, float b, float c)
-    {
-        const float ab = a > b ? a : b;
-        return ab > c ? ab : c;
-    }
-
-    float margin; ///< 64 * u * r, or 128 * u * r
-    float left, right, bottom, top;
-    bool isProven; ///< of finite coordinates whose differences are finite
+    Record low, high; ///< x and y
+    float margin;     ///< 64 * u * r, or 128 * u * r
+    bool isProven;    ///< of finite coordinates whose differences are finite
 };
 
 /// Bits of the points in the bounds.
 template <unsigned int n>
 inline unsigned int insideBits(const EarBounds& bounds, const float* x, const float* y)
 {
+    const float left = bounds.low[0], right = bounds.high[0], bottom = bounds.low[1], top = bounds.high[1];
     unsigned int inside = 0;
     for (unsigned int i = 0; i < n; i += cLanes)
     {
         const Floats px = load(x + i), py = load(y + i);
-        inside |= bits((px >= bounds.left) & (px <= bounds.right) & (py >= bounds.bottom) & (py <= bounds.top)) << i;
+        inside |= bits((px >= left) & (px <= right) & (py >= bottom) & (py <= top)) << i;
     }
     return inside;
 }

@@ -10,7 +10,7 @@ namespace gui::gl
 
 /// Sorts points along a curve that fills the plane, cell after cell of a grid, so that those near each other in the
 /// order are mostly near each other in the plane. The points in a crowded cell get a grid of their own.
-class ZOrder
+class CurveOrder
 {
 public:
     struct Item
