@@ -147,6 +147,14 @@ bool SDLContext::replace()
     destroyContext();
     setAttributes(_sizes);
     _context = createContext(_pWindow);
+    if (_context == nullptr && gui::sdl::isOnWayland())
+    {
+        // SDL makes contexts for the frame buffers that it chose last, for whichever window: choose these again.
+        SDL_Window* const pChosen = gui::sdl::createWindow({1, 1}, _sizes.isTransparent);
+        _context = createContext(_pWindow);
+        if (pChosen != nullptr)
+            SDL_DestroyWindow(pChosen);
+    }
     if (_context == nullptr)
         return false;
     CurrentContext::set(_context);
