@@ -23,10 +23,10 @@ set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${guigl_DESCRIPTION} - shared libraries")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     ${guigl_BINARY_DIR}/toolkit ${guigl_BINARY_DIR}/src ${guigl_BINARY_DIR}/draw)
-# The loader of GL's functions opens the first three when a context is made; the last draws the frames of windows on
-# Wayland where the compositor leaves that to programs.
+# The loader of GL's functions opens the first three when a context is made, the fourth for OpenGL ES; the last draws
+# the frames of windows on Wayland where the compositor leaves that to programs.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS
-    "libegl1, libgl1, libgl1-mesa-dri, libdecor-0-plugin-1-cairo | libdecor-0-plugin-1")
+    "libegl1, libgl1, libgl1-mesa-dri, libgles2, libdecor-0-plugin-1-cairo | libdecor-0-plugin-1")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libguigl-dev)

@@ -1,6 +1,8 @@
 #include <gui/gl/Context.h>
 
+#include "Features.h"
 #include "Samples.h"
+#include "StateOfES.h"
 #include "TextureBinding.h"
 
 #include <gui/gl/Color.h>
@@ -134,6 +136,15 @@ void Context::setPreferredFrameRateRange(float min, float max)
     _maxFrameRate = max;
 }
 
+bool Context::isES() { return Features::get().isES; }
+
+bool Context::isAtLeast(int version, int versionES)
+{
+    const Features& features = Features::get();
+    const int wanted = features.isES ? versionES : version;
+    return wanted > 0 && features.version >= wanted;
+}
+
 void Context::clear(Clear what)
 {
     const GLbitfield bit = toClearBit(what);
@@ -179,6 +190,14 @@ void Context::clear(td::Color color)
     glm::vec4 rgba;
     Color::get(color, rgba);
     glClearColor(rgba.r, rgba.g, rgba.b, rgba.a);
+}
+
+void Context::setClearDepth(float depth)
+{
+    if (isES())
+        glClearDepthf(depth);
+    else
+        glClearDepth(static_cast<GLdouble>(depth));
 }
 
 void Context::setActiveTextureUnit(Texture::Unit unit) { activateUnit(unit); }
@@ -250,14 +269,14 @@ void Context::maskColorBuffer(bool red, bool green, bool blue, bool alpha)
     glColorMask(toGL(red), toGL(green), toGL(blue), toGL(alpha));
 }
 
-void Context::setPointSize(float size) { glPointSize(size); }
+void Context::setPointSize(float size) { gl::setPointSize(size); }
 
 void Context::setPolygonMode(PolygonMode mode)
 {
     const auto index = static_cast<std::size_t>(mode);
     if (index >= cPolygonModes.size())
         TD_ASSERT(false);
-    glPolygonMode(GL_FRONT_AND_BACK, cPolygonModes[index]);
+    gl::setPolygonMode(cPolygonModes[index]);
 }
 
 } // namespace gui::gl

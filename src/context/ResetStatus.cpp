@@ -2,6 +2,8 @@
 
 #include "GLNumber.h"
 
+#include <gui/gl/Context.h>
+
 #include <epoxy/gl.h>
 
 namespace gui::gl
@@ -10,13 +12,15 @@ namespace gui::gl
 namespace
 {
 
-constexpr int cVersionWithStatus = 45; // of GL
+// Of OpenGL, and of OpenGL ES.
+constexpr int cVersionWithStatus = 45, cESVersionWithStatus = 32;
 
 // What has the function, of its several origins; its name is the same.
 bool hasStatus()
 {
     const int version = 10 * glNumber(GL_MAJOR_VERSION) + glNumber(GL_MINOR_VERSION);
-    return version >= cVersionWithStatus || (version > 0 && epoxy_has_gl_extension("GL_KHR_robustness"));
+    return version >= (Context::isES() ? cESVersionWithStatus : cVersionWithStatus) ||
+           (version > 0 && epoxy_has_gl_extension("GL_KHR_robustness"));
 }
 
 } // namespace

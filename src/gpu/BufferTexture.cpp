@@ -1,5 +1,6 @@
 #include <gui/gl/BufferTexture.h>
 
+#include "../context/Features.h"
 #include "../context/Restoration.h"
 
 #include <gui/gl/Textures.h>
@@ -44,6 +45,11 @@ bool BufferTexture::resize(std::size_t nTexels)
 {
     if (!CurrentContext::isThere("BufferTexture::resize"))
         return false;
+    if (!Features::get().hasTextureBuffers)
+    {
+        vo::dbgLog("Error! BufferTexture::resize: this OpenGL ES has no texture buffers!");
+        return false;
+    }
     GLint most = 0;
     glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most);
     if (nTexels > static_cast<std::size_t>(most))

@@ -1,9 +1,11 @@
 #include <gui/gl/Command.h>
 
+#include "../context/StateOfES.h"
 #include "ActiveBuffer.h"
 #include "CommandCounter.h"
 #include "CommandListener.h"
 #include "CountedGL.h"
+#include "OutlinedDraw.h"
 #include "ProgHelper.h"
 #include "UniformPacking.h"
 
@@ -87,6 +89,9 @@ bool sendTexture(td::BYTE unit, td::BYTE index, unsigned short key)
 
 } // namespace
 
+// Programs that are not current get it when they are activated.
+[[maybe_unused]] const bool s_sendsPointSize = (s_onPointSizeOfES = ProgHelper::setPointSize, true);
+
 void setCurrentProgram(Program* pProgram)
 {
     s_pCurrentProgram = pProgram;
@@ -103,9 +108,14 @@ struct Command::Functions
 
     static GLenum mode(const Command* c) { return cModes[c->_drawData._primitive]; }
 
+    static GLsizei count(const Command* c) { return static_cast<GLsizei>(c->_drawData._count); }
+    static GLsizei nInstances(const Command* c) { return static_cast<GLsizei>(c->_drawData._nInstances); }
+
     static bool drawArrays(const Command* c) { return drawArrays(c, mode(c)); }
     static bool drawArrays(const Command* c, GLenum mode)
     {
+        if (s_trianglesAs != 0 && isOfTriangles(mode)) [[unlikely]]
+            return drawOutlined({mode, static_cast<GLint>(c->_drawData._first), count(c)});
         glDrawArrays(mode, static_cast<GLint>(c->_drawData._first), static_cast<GLsizei>(c->_drawData._count));
         return true;
     }
@@ -113,6 +123,8 @@ struct Command::Functions
     static bool drawElements(const Command* c) { return drawElements(c, mode(c)); }
     static bool drawElements(const Command* c, GLenum mode)
     {
+        if (s_trianglesAs != 0 && isOfTriangles(mode)) [[unlikely]]
+            return drawOutlined({mode, 0, count(c), true, s_activeBuffer.indexType, indexOffset(c->_drawData._first)});
         glDrawElements(mode, static_cast<GLsizei>(c->_drawData._count), s_activeBuffer.indexType,
                        indexOffset(c->_drawData._first));
         return true;
@@ -120,6 +132,11 @@ struct Command::Functions
 
     static bool drawArraysInstanced(const Command* c)
     {
+        if (s_trianglesAs != 0 && isOfTriangles(mode(c)) && nInstances(c) > 0) [[unlikely]]
+            return drawOutlined({.mode = mode(c),
+                                 .first = static_cast<GLint>(c->_drawData._first),
+                                 .count = count(c),
+                                 .nInstances = nInstances(c)});
         glDrawArraysInstanced(mode(c), static_cast<GLint>(c->_drawData._first),
                               static_cast<GLsizei>(c->_drawData._count),
                               static_cast<GLsizei>(c->_drawData._nInstances));
@@ -127,6 +144,9 @@ struct Command::Functions
     }
     static bool drawElementsInstanced(const Command* c)
     {
+        if (s_trianglesAs != 0 && isOfTriangles(mode(c)) && nInstances(c) > 0) [[unlikely]]
+            return drawOutlined({mode(c), 0, count(c), true, s_activeBuffer.indexType, indexOffset(c->_drawData._first),
+                                 nInstances(c)});
         glDrawElementsInstanced(mode(c), static_cast<GLsizei>(c->_drawData._count), s_activeBuffer.indexType,
                                 indexOffset(c->_drawData._first), static_cast<GLsizei>(c->_drawData._nInstances));
         return true;
@@ -134,12 +154,12 @@ struct Command::Functions
 
     static bool drawArraysPointsWithSize(const Command* c)
     {
-        glPointSize(c->_drawData._pointSize);
+        setPointSize(c->_drawData._pointSize);
         return drawArrays(c, GL_POINTS);
     }
     static bool drawElementPointsWithSize(const Command* c)
     {
-        glPointSize(c->_drawData._pointSize);
+        setPointSize(c->_drawData._pointSize);
         return drawElements(c, GL_POINTS);
     }
     static bool drawArraysPatchesWithSize(const Command* c)
@@ -161,14 +181,17 @@ struct Command::Functions
         if (first >= nAll || buffer.nInstances == 0)
             return true;
         const bool isInstanced = buffer.nInstances != ActiveBuffer::cNotInstanced;
-        const auto n = static_cast<GLsizei>(nAll - first), nInstances = static_cast<GLsizei>(buffer.nInstances);
+        const auto n = static_cast<GLsizei>(nAll - first), nDrawn = static_cast<GLsizei>(buffer.nInstances);
         const auto begin = static_cast<GLint>(first);
-        if (isIndexed && isInstanced)
-            glDrawElementsInstanced(mode(c), n, buffer.indexType, indexOffset(first), nInstances);
+        if (s_trianglesAs != 0 && isOfTriangles(mode(c))) [[unlikely]]
+            drawOutlined({mode(c), begin, n, isIndexed, buffer.indexType, isIndexed ? indexOffset(first) : nullptr,
+                          isInstanced ? nDrawn : 0});
+        else if (isIndexed && isInstanced)
+            glDrawElementsInstanced(mode(c), n, buffer.indexType, indexOffset(first), nDrawn);
         else if (isIndexed)
             glDrawElements(mode(c), n, buffer.indexType, indexOffset(first));
         else if (isInstanced)
-            glDrawArraysInstanced(mode(c), begin, n, nInstances);
+            glDrawArraysInstanced(mode(c), begin, n, nDrawn);
         else
             glDrawArrays(mode(c), begin, n);
         return true;

@@ -1,9 +1,13 @@
 #include "ContextState.h"
 
+#include "../context/Features.h"
 #include "../context/GLNumber.h"
 #include "../context/Restoration.h"
+#include "../context/StateOfES.h"
 #include "ActiveBuffer.h"
 #include "ProgHelper.h"
+
+#include <gui/gl/Context.h>
 
 #include <epoxy/gl.h>
 
@@ -15,37 +19,30 @@ namespace gui::gl
 namespace
 {
 
-constexpr std::array<GLenum, 22> cStateFlags{GL_BLEND,
-                                             GL_COLOR_LOGIC_OP,
+constexpr std::array<GLenum, 10> cStateFlags{GL_BLEND,
                                              GL_CULL_FACE,
-                                             GL_DEPTH_CLAMP,
                                              GL_DEPTH_TEST,
                                              GL_DITHER,
-                                             GL_FRAMEBUFFER_SRGB,
-                                             GL_LINE_SMOOTH,
-                                             GL_MULTISAMPLE,
                                              GL_POLYGON_OFFSET_FILL,
-                                             GL_POLYGON_OFFSET_LINE,
-                                             GL_POLYGON_OFFSET_POINT,
-                                             GL_POLYGON_SMOOTH,
-                                             GL_PRIMITIVE_RESTART,
-                                             GL_PROGRAM_POINT_SIZE,
                                              GL_RASTERIZER_DISCARD,
                                              GL_SAMPLE_ALPHA_TO_COVERAGE,
-                                             GL_SAMPLE_ALPHA_TO_ONE,
                                              GL_SAMPLE_COVERAGE,
                                              GL_SCISSOR_TEST,
-                                             GL_STENCIL_TEST,
-                                             GL_TEXTURE_CUBE_MAP_SEAMLESS};
+                                             GL_STENCIL_TEST};
+// What OpenGL ES has not.
+constexpr std::array<GLenum, 12> cDesktopFlags{
+    GL_COLOR_LOGIC_OP,    GL_DEPTH_CLAMP,         GL_FRAMEBUFFER_SRGB,     GL_LINE_SMOOTH,
+    GL_MULTISAMPLE,       GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT, GL_POLYGON_SMOOTH,
+    GL_PRIMITIVE_RESTART, GL_PROGRAM_POINT_SIZE,  GL_SAMPLE_ALPHA_TO_ONE,  GL_TEXTURE_CUBE_MAP_SEAMLESS};
 constexpr GLenum cClipDistances = 6; // that every driver has
 
-constexpr std::array<GLenum, 12> cPixelStore{GL_PACK_ALIGNMENT,     GL_PACK_IMAGE_HEIGHT,   GL_PACK_ROW_LENGTH,
-                                             GL_PACK_SKIP_IMAGES,   GL_PACK_SKIP_PIXELS,    GL_PACK_SKIP_ROWS,
-                                             GL_UNPACK_ALIGNMENT,   GL_UNPACK_IMAGE_HEIGHT, GL_UNPACK_ROW_LENGTH,
-                                             GL_UNPACK_SKIP_IMAGES, GL_UNPACK_SKIP_PIXELS,  GL_UNPACK_SKIP_ROWS};
+constexpr std::array<GLenum, 10> cPixelStore{
+    GL_PACK_ALIGNMENT,      GL_PACK_ROW_LENGTH,   GL_PACK_SKIP_PIXELS,   GL_PACK_SKIP_ROWS,     GL_UNPACK_ALIGNMENT,
+    GL_UNPACK_IMAGE_HEIGHT, GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_IMAGES, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_ROWS};
+constexpr std::array<GLenum, 2> cDesktopPixelStore{GL_PACK_IMAGE_HEIGHT, GL_PACK_SKIP_IMAGES};
 
-constexpr int cVersionWithPatches = 40; // of GL
-constexpr int cMostUnits = 32;          // that the library has names for
+constexpr int cVersionWithPatches = 40, cESVersionWithPatches = 32;
+constexpr int cMostUnits = 32; // that the library has names for
 
 GLuint renamed(CurrentContext::Kind kind, int name) { return Restoration::getNew(kind, static_cast<GLuint>(name)); }
 
@@ -65,11 +62,16 @@ void ContextState::read()
     _flags.clear();
     for (const GLenum flag : cStateFlags)
         _flags.emplace_back(flag, glIsEnabled(flag) == GL_TRUE);
-    for (GLenum i = 0; i < cClipDistances; ++i)
+    const bool isES = Context::isES();
+    for (std::size_t i = 0; i < cDesktopFlags.size() && !isES; ++i)
+        _flags.emplace_back(cDesktopFlags[i], glIsEnabled(cDesktopFlags[i]) == GL_TRUE);
+    for (GLenum i = 0; i < cClipDistances && (!isES || Features::get().hasClipDistances); ++i)
         _flags.emplace_back(GL_CLIP_DISTANCE0 + i, glIsEnabled(GL_CLIP_DISTANCE0 + i) == GL_TRUE);
     _pixelStore.clear();
     for (const GLenum name : cPixelStore)
         _pixelStore.emplace_back(name, glNumber(name));
+    for (std::size_t i = 0; i < cDesktopPixelStore.size() && !isES; ++i)
+        _pixelStore.emplace_back(cDesktopPixelStore[i], glNumber(cDesktopPixelStore[i]));
     for (std::size_t i = 0; i < _faces.size(); ++i)
     {
         const bool isBack = i == 1;
@@ -95,16 +97,20 @@ void ContextState::read()
     glGetBooleanv(GL_DEPTH_WRITEMASK, &_depthMask);
     glGetFloatv(GL_DEPTH_CLEAR_VALUE, &_clearDepth);
     glGetFloatv(GL_LINE_WIDTH, &_lineWidth);
-    glGetFloatv(GL_POINT_SIZE, &_pointSize);
+    _pointSize = getPointSize();
+    _polygonMode = getPolygonMode();
     _clearStencil = glNumber(GL_STENCIL_CLEAR_VALUE);
     _depthFunction = glNumber(GL_DEPTH_FUNC);
     _cullFace = glNumber(GL_CULL_FACE_MODE);
     _frontFace = glNumber(GL_FRONT_FACE);
-    _polygonMode = glNumber(GL_POLYGON_MODE);
-    _restartIndex = glNumber(GL_PRIMITIVE_RESTART_INDEX);
-    _provokingVertex = glNumber(GL_PROVOKING_VERTEX);
-    _logicOp = glNumber(GL_LOGIC_OP_MODE);
-    _patchVertices = epoxy_gl_version() >= cVersionWithPatches ? glNumber(GL_PATCH_VERTICES) : 0;
+    if (!isES)
+    {
+        _restartIndex = glNumber(GL_PRIMITIVE_RESTART_INDEX);
+        _provokingVertex = glNumber(GL_PROVOKING_VERTEX);
+        _logicOp = glNumber(GL_LOGIC_OP_MODE);
+    }
+    const bool hasPatches = Context::isAtLeast(cVersionWithPatches, cESVersionWithPatches);
+    _patchVertices = hasPatches ? glNumber(GL_PATCH_VERTICES) : 0;
     _vertexArray = glNumber(GL_VERTEX_ARRAY_BINDING);
     _program = glNumber(GL_CURRENT_PROGRAM);
     readUnits();
@@ -121,7 +127,7 @@ void ContextState::readUnits()
         glActiveTexture(unit++);
         bound = {static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_2D)),
                  static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_CUBE_MAP)),
-                 static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_BUFFER))};
+                 Features::get().hasTextureBuffers ? static_cast<GLuint>(glNumber(GL_TEXTURE_BINDING_BUFFER)) : 0};
     }
     glActiveTexture(static_cast<GLenum>(_activeTexture));
 }
@@ -136,7 +142,8 @@ void ContextState::applyUnits() const
             glActiveTexture(unit);
             glBindTexture(GL_TEXTURE_2D, renamed(CurrentContext::Kind::Texture, bound.name2D));
             glBindTexture(GL_TEXTURE_CUBE_MAP, renamed(CurrentContext::Kind::Texture, bound.nameCube));
-            glBindTexture(GL_TEXTURE_BUFFER, renamed(CurrentContext::Kind::Texture, bound.nameBuffer));
+            if (bound.nameBuffer != 0)
+                glBindTexture(GL_TEXTURE_BUFFER, renamed(CurrentContext::Kind::Texture, bound.nameBuffer));
         }
         ++unit;
     }
@@ -163,7 +170,10 @@ void ContextState::apply() const
     }
     glClearColor(_clearColor[0], _clearColor[1], _clearColor[2], _clearColor[3]);
     glBlendColor(_blendColor[0], _blendColor[1], _blendColor[2], _blendColor[3]);
-    glDepthRange(static_cast<GLdouble>(_depthRange[0]), static_cast<GLdouble>(_depthRange[1]));
+    if (Context::isES())
+        glDepthRangef(_depthRange[0], _depthRange[1]);
+    else
+        glDepthRange(static_cast<GLdouble>(_depthRange[0]), static_cast<GLdouble>(_depthRange[1]));
     glPolygonOffset(_polygonOffset[0], _polygonOffset[1]);
     glViewport(_viewport[0], _viewport[1], _viewport[2], _viewport[3]);
     glScissor(_scissor[0], _scissor[1], _scissor[2], _scissor[3]);
@@ -172,17 +182,20 @@ void ContextState::apply() const
     glBlendEquationSeparate(static_cast<GLenum>(_blendEquations[0]), static_cast<GLenum>(_blendEquations[1]));
     glColorMask(_colorMask[0], _colorMask[1], _colorMask[2], _colorMask[3]);
     glDepthMask(_depthMask);
-    glClearDepth(static_cast<GLdouble>(_clearDepth));
+    Context::setClearDepth(_clearDepth);
     glLineWidth(_lineWidth);
-    glPointSize(_pointSize);
+    setPointSize(_pointSize);
+    setPolygonMode(_polygonMode);
     glClearStencil(_clearStencil);
     glDepthFunc(static_cast<GLenum>(_depthFunction));
     glCullFace(static_cast<GLenum>(_cullFace));
     glFrontFace(static_cast<GLenum>(_frontFace));
-    glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(_polygonMode));
-    glPrimitiveRestartIndex(static_cast<GLuint>(_restartIndex));
-    glProvokingVertex(static_cast<GLenum>(_provokingVertex));
-    glLogicOp(static_cast<GLenum>(_logicOp));
+    if (!Context::isES())
+    {
+        glPrimitiveRestartIndex(static_cast<GLuint>(_restartIndex));
+        glProvokingVertex(static_cast<GLenum>(_provokingVertex));
+        glLogicOp(static_cast<GLenum>(_logicOp));
+    }
     if (_patchVertices > 0)
         glPatchParameteri(GL_PATCH_VERTICES, _patchVertices);
     applyUnits();

@@ -46,8 +46,9 @@ private:
     std::array<int, 2> _blendEquations{};
     std::array<unsigned char, 4> _colorMask{};
     float _clearDepth = 1, _lineWidth = 1, _pointSize = 1;
-    int _clearStencil = 0, _depthFunction = 0, _cullFace = 0, _frontFace = 0, _polygonMode = 0, _restartIndex = 0,
-        _provokingVertex = 0, _patchVertices = 0, _logicOp = 0, _activeTexture = 0, _vertexArray = 0, _program = 0;
+    unsigned int _polygonMode = 0;
+    int _clearStencil = 0, _depthFunction = 0, _cullFace = 0, _frontFace = 0, _restartIndex = 0, _provokingVertex = 0,
+        _patchVertices = 0, _logicOp = 0, _activeTexture = 0, _vertexArray = 0, _program = 0;
     unsigned char _depthMask = 1;
 };
 

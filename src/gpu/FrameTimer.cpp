@@ -1,5 +1,7 @@
 #include "FrameTimer.h"
 
+#include "../context/Features.h"
+
 #include <epoxy/gl.h>
 
 #include <utility>
@@ -10,7 +12,6 @@ namespace gui::gl
 namespace
 {
 
-constexpr int cFirstVersion = 33; // of GL, with time stamps
 constexpr std::size_t cMaxPending = 8;
 constexpr double cPerMillisecond = 1e6;
 
@@ -38,7 +39,7 @@ FrameTimer::Timed& FrameTimer::current()
     const auto [it, isNew] = _contexts.try_emplace(CurrentContext::getID());
     if (isNew && it->first != 0)
     {
-        it->second.isMeasured = epoxy_gl_version() >= cFirstVersion;
+        it->second.isMeasured = Features::get().hasTimeStamps;
         std::erase_if(_contexts,
                       [](const auto& timed) { return timed.first != 0 && !CurrentContext::isAlive(timed.first); });
     }
@@ -86,14 +87,19 @@ FrameTimer::Result FrameTimer::takeFinished()
     while (!timed.pending.empty())
     {
         const Stamps stamps = timed.pending.front();
-        GLint isThere = GL_FALSE;
-        glGetQueryObjectiv(stamps.end, GL_QUERY_RESULT_AVAILABLE, &isThere);
+        GLuint isThere = GL_FALSE;
+        glGetQueryObjectuiv(stamps.end, GL_QUERY_RESULT_AVAILABLE, &isThere);
         if (isThere == GL_FALSE)
             break;
         GLuint64 begin = 0, end = 0;
         glGetQueryObjectui64v(stamps.begin, GL_QUERY_RESULT, &begin);
         glGetQueryObjectui64v(stamps.end, GL_QUERY_RESULT, &end);
-        timed.finished = {stamps.number, static_cast<double>(end - begin) / cPerMillisecond};
+        // Of OpenGL ES, a clock that was changed meanwhile.
+        GLint isDisjoint = 0;
+        if (Features::get().isES)
+            glGetIntegerv(GL_GPU_DISJOINT_EXT, &isDisjoint);
+        if (isDisjoint == 0)
+            timed.finished = {stamps.number, static_cast<double>(end - begin) / cPerMillisecond};
         timed.pending.pop_front();
         timed.unused.push_back(stamps);
     }

@@ -7,6 +7,11 @@
 #include "../context/TextureBinding.h"
 
 #include <gui/Texture.h>
+#include <gui/gl/Context.h>
+#include <gui/gl/Program.h>
+#include <gui/gl/Quads.h>
+#include <gui/gl/StateGuard.h>
+#include <gui/gl/Textures.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
 
@@ -14,7 +19,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -29,11 +36,14 @@ struct ColorFormat
     GLenum internal;
     GLenum components;
     std::size_t nComponents;
+    GLenum type; // that OpenGL ES takes it as
 };
 
 // By Framebuffer::Color.
-constexpr std::array<ColorFormat, 4> cColorFormats{
-    {{GL_RGBA8, GL_RGBA, 4}, {GL_R8, GL_RED, 1}, {GL_R16F, GL_RED, 1}, {GL_RGBA16F, GL_RGBA, 4}}};
+constexpr std::array<ColorFormat, 4> cColorFormats{{{GL_RGBA8, GL_RGBA, 4, GL_UNSIGNED_BYTE},
+                                                    {GL_R8, GL_RED, 1, GL_UNSIGNED_BYTE},
+                                                    {GL_R16F, GL_RED, 1, GL_FLOAT},
+                                                    {GL_RGBA16F, GL_RGBA, 4, GL_FLOAT}}};
 static_assert(cColorFormats.size() == std::size_t(Framebuffer::Color::RGBA16F) + 1);
 
 const ColorFormat& colorFormat(Framebuffer::Color color) { return cColorFormats[std::size_t(color)]; }
@@ -79,7 +89,7 @@ unsigned int attachTexture(Framebuffer::Color color, const td::Size<int>& size, 
     bindTexture(Texture::Type::Tex2D, name);
     const ColorFormat& format = colorFormat(color);
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format.internal), size.width, size.height, 0, format.components,
-                 GL_UNSIGNED_BYTE, nullptr);
+                 format.type, nullptr);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -87,6 +97,87 @@ unsigned int attachTexture(Framebuffer::Color color, const td::Size<int>& size, 
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, name, 0);
     bindTexture(Texture::Type::Tex2D, 0);
     return name;
+}
+
+// Of the texture that is bound: rows from the lowest on.
+void uploadValues(const td::Size<int>& size, const ColorFormat& format, const std::vector<float>& rows)
+{
+    if (!Context::isES() || format.type == GL_FLOAT)
+    {
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width, size.height, format.components, GL_FLOAT, rows.data());
+        return;
+    }
+    // Rows begin at multiples of 4 bytes.
+    const std::size_t rowLength = static_cast<std::size_t>(size.width) * format.nComponents;
+    const std::size_t paddedLength = (rowLength + 3) / 4 * 4;
+    std::vector<unsigned char> bytes(paddedLength * static_cast<std::size_t>(size.height));
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        bytes[i / rowLength * paddedLength + i % rowLength] =
+            static_cast<unsigned char>(std::lround(std::clamp(rows[i], 0.0F, 1.0F) * 255));
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width, size.height, format.components, GL_UNSIGNED_BYTE, bytes.data());
+}
+
+// Of the framebuffer that is bound, rows from the lowest on. OpenGL ES gives four components, and bytes of bytes.
+void readRows(const td::Size<int>& size, const ColorFormat& format, std::vector<float>& rows)
+{
+    if (!Context::isES())
+    {
+        glReadPixels(0, 0, size.width, size.height, format.components, GL_FLOAT, rows.data());
+        return;
+    }
+    constexpr std::size_t cAll = 4;
+    const std::size_t nPixels = rows.size() / format.nComponents;
+    std::vector<float> floats(format.type == GL_FLOAT ? cAll * nPixels : 0);
+    std::vector<unsigned char> bytes(format.type == GL_FLOAT ? 0 : cAll * nPixels);
+    glReadPixels(0, 0, size.width, size.height, GL_RGBA, format.type,
+                 format.type == GL_FLOAT ? static_cast<void*>(floats.data()) : bytes.data());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+    {
+        const std::size_t from = i / format.nComponents * cAll + i % format.nComponents;
+        rows[i] = format.type == GL_FLOAT ? floats[from] : static_cast<float>(bytes[from]) / 255;
+    }
+}
+
+/// A texture's pixels, where OpenGL ES copies none to several samples.
+class CopyProgram final : public Program
+{
+public:
+    bool link()
+    {
+        return Program::link("#version 330 core\n"
+                             "void main()\n"
+                             "{\n"
+                             "    vec2 corner = vec2(gl_VertexID % 2, gl_VertexID / 2);\n"
+                             "    gl_Position = vec4(2.0 * corner - 1.0, 0.0, 1.0);\n"
+                             "}\n",
+                             "#version 330 core\n"
+                             "uniform sampler2D image;\n"
+                             "out vec4 color;\n"
+                             "void main() { color = texelFetch(image, ivec2(gl_FragCoord.xy), 0); }\n");
+    }
+
+protected:
+    void onLinked() override {}
+};
+
+// To the framebuffer of the same size that is bound.
+void drawCopy(unsigned int texture, const td::Size<int>& size)
+{
+    const StateGuard guard;
+    CopyProgram program;
+    if (!program.link())
+        return;
+    for (const Context::Flag flag : {Context::Flag::DepthTest, Context::Flag::CullFace, Context::Flag::StencilTest,
+                                     Context::Flag::Blend, Context::Flag::ScissorTest})
+        Context::disable(flag);
+    Context::maskColorBuffer(true, true, true, true);
+    glViewport(0, 0, size.width, size.height);
+    program.activate();
+    Textures::bindToSamplerUnit(texture, Textures::Unit::T0, Texture::Type::Tex2D);
+    Quads quads;
+    const Quads::Range all{0, 1};
+    quads.draw(std::span(&all, 1));
+    Textures::bindToSamplerUnit(0, Textures::Unit::T0, Texture::Type::Tex2D);
 }
 
 bool isComplete(unsigned int& status)
@@ -344,10 +435,12 @@ void Framebuffer::makeAgain()
             rows.insert(rows.end(), row, row + static_cast<std::ptrdiff_t>(rowLength));
         }
         bindTexture(Texture::Type::Tex2D, _names.texture);
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, _size.width, _size.height, format.components, GL_FLOAT, rows.data());
+        uploadValues(_size, format, rows);
         bindTexture(Texture::Type::Tex2D, 0);
         // What is drawn on is of several samples: each has their mean.
-        if (_names.resolved != 0)
+        if (_names.resolved != 0 && Context::isES())
+            drawCopy(_names.texture, _size);
+        else if (_names.resolved != 0)
             resolveColors(_names.resolved, _names.framebuffer, _size);
         if (_isKept)
             _kept = values;
@@ -373,7 +466,7 @@ bool Framebuffer::readValues(std::vector<float>& values)
     std::vector<float> read(rowLength * static_cast<std::size_t>(_size.height));
     {
         const BoundForReading bound(readable(), _size);
-        glReadPixels(0, 0, _size.width, _size.height, format.components, GL_FLOAT, read.data());
+        readRows(_size, format, read);
     }
     float* pLow = read.data();
     for (float* pHigh = pLow + read.size() - rowLength; pLow < pHigh; pLow += rowLength, pHigh -= rowLength)

@@ -44,6 +44,13 @@ public:
             s_pCurrentProgram->setColor4(color);
     }
 
+    /// On OpenGL ES, to the uniform that stands for the state.
+    static void setPointSize(float size)
+    {
+        if (s_pCurrentProgram != nullptr && s_pCurrentProgram->_pointSizeLocation >= 0)
+            glUniform1f(s_pCurrentProgram->_pointSizeLocation, size);
+    }
+
     /// @return false, after a log line and an assertion, when the program has no texture set
     static bool setTexture(Textures::Unit unit, unsigned char index)
     {

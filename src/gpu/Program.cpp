@@ -1,13 +1,16 @@
 #include <gui/gl/Program.h>
 
 #include "../context/Restoration.h"
+#include "../context/StateOfES.h"
 #include "ActiveBuffer.h"
 #include "ProgHelper.h"
 #include "ShaderLog.h"
+#include "ShaderText.h"
 
 #include <gui/Res.h>
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Color.h>
+#include <gui/gl/Context.h>
 #include <td/Assert.h>
 #include <vo/Log.h>
 
@@ -49,6 +52,8 @@ public:
     Shaders(const Shaders&) = delete;
     Shaders& operator=(const Shaders&) = delete;
 
+    std::vector<UniformValue> uniforms; // that a text gives, on OpenGL ES
+
     GLuint add(GLSL::Type type, GLuint shader) { return _shaders[static_cast<std::size_t>(type)] = shader; }
 
 private:
@@ -65,6 +70,15 @@ Shaders::~Shaders()
         if (shader != 0)
             glDeleteShader(shader);
     }
+}
+
+bool hasStage(GLSL::Type type)
+{
+    constexpr int cFirstES = 32;
+    if (type <= GLSL::Type::FragmentShader || !Context::isES() || Context::isAtLeast(0, cFirstES))
+        return true;
+    const std::string name = type == GLSL::Type::GeometryShader ? "geometry_shader" : "tessellation_shader";
+    return epoxy_has_gl_extension(("GL_EXT_" + name).c_str()) || epoxy_has_gl_extension(("GL_OES_" + name).c_str());
 }
 
 // The length that GL gives counts the terminating zero; a driver may give 0.
@@ -96,9 +110,10 @@ std::optional<std::string> programInfoLog(GLuint program)
 } // namespace
 
 // Compiles one stage. @return the shader; 0 after a failure, with nothing left behind
-unsigned int Program::compile(GLSL::Type type, const char* resID)
+// @param isLast  before the fragment shader
+unsigned int Program::compile(GLSL::Type type, const char* resID, bool isLast, std::vector<UniformValue>& uniforms)
 {
-    const GLuint shader = glCreateShader(cShaderTypes[static_cast<std::size_t>(type)]);
+    const GLuint shader = hasStage(type) ? glCreateShader(cShaderTypes[static_cast<std::size_t>(type)]) : 0;
     if (shader == 0)
     {
         s_progErrors << "OpenGL " << GLSL::toString(type) << " cannot be created!\n";
@@ -107,7 +122,15 @@ unsigned int Program::compile(GLSL::Type type, const char* resID)
     }
     const td::String resource = isResource(resID) ? gui::getResText(nameOf(resID)) : td::String();
     const char* const source = isResource(resID) ? resource.c_str() : resID;
-    glShaderSource(shader, 1, &source, nullptr);
+    if (Context::isES())
+    {
+        const ShaderText made = toES(source, type == GLSL::Type::VertexShader && isLast);
+        const char* const text = made.text.c_str();
+        glShaderSource(shader, 1, &text, nullptr);
+        uniforms.insert(uniforms.end(), made.uniforms.begin(), made.uniforms.end());
+    }
+    else
+        glShaderSource(shader, 1, &source, nullptr);
     glCompileShader(shader);
     return isCompilationOK(type, shader, nameOf(resID), source) ? shader : 0;
 }
@@ -156,11 +179,14 @@ unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, 
         return 0;
 
     Shaders shaders;
-    const GLuint vertexShader = shaders.add(GLSL::Type::VertexShader, compile(GLSL::Type::VertexShader, vertexResID));
+    const bool isTessellated = tessCtrlResID != nullptr && tessEvalResID != nullptr;
+    const bool isVertexLast = !isTessellated && geometryResID == nullptr;
+    const auto add = [&](GLSL::Type type, const char* resID)
+    { return shaders.add(type, compile(type, resID, isVertexLast, shaders.uniforms)); };
+    const GLuint vertexShader = add(GLSL::Type::VertexShader, vertexResID);
     if (vertexShader == 0)
         return 0;
-    const GLuint fragmentShader =
-        shaders.add(GLSL::Type::FragmentShader, compile(GLSL::Type::FragmentShader, fragmentResID));
+    const GLuint fragmentShader = add(GLSL::Type::FragmentShader, fragmentResID);
     if (fragmentShader == 0)
         return 0;
 
@@ -179,7 +205,6 @@ unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, 
         GLSL::Type type;
         const char* resID;
     };
-    const bool isTessellated = tessCtrlResID != nullptr && tessEvalResID != nullptr;
     const Stage furtherStages[] = {{GLSL::Type::TessellationCtrlShader, isTessellated ? tessCtrlResID : nullptr},
                                    {GLSL::Type::TessellationEvalShader, isTessellated ? tessEvalResID : nullptr},
                                    {GLSL::Type::GeometryShader, geometryResID}};
@@ -187,7 +212,7 @@ unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, 
     {
         if (stage.resID == nullptr)
             continue;
-        const GLuint shader = shaders.add(stage.type, compile(stage.type, stage.resID));
+        const GLuint shader = add(stage.type, stage.resID);
         if (shader == 0)
         {
             glDeleteProgram(program);
@@ -197,7 +222,10 @@ unsigned int Program::_link(const char* vertexResID, const char* fragmentResID, 
     }
 
     glLinkProgram(program);
-    return isLinkingOK(program, nameOf(vertexResID), nameOf(fragmentResID)) ? program : 0;
+    if (!isLinkingOK(program, nameOf(vertexResID), nameOf(fragmentResID)))
+        return 0;
+    setUniforms(program, shaders.uniforms);
+    return program;
 }
 
 Program::~Program() { release(); }
@@ -225,6 +253,7 @@ bool Program::finishLink(unsigned int programID, const Sources& sources)
         return false;
     }
     _home.set(CurrentContext::getID());
+    findPointSize();
     if (_isKept)
     {
         _pKept = std::make_unique<Kept>();
@@ -235,6 +264,11 @@ bool Program::finishLink(unsigned int programID, const Sources& sources)
     _hasSaidNotLinked = _hasSaidColor = false;
     onLinked();
     return true;
+}
+
+void Program::findPointSize()
+{
+    _pointSizeLocation = Context::isES() ? glGetUniformLocation(_programID, cPointSizeUniform) : -1;
 }
 
 void Program::setKeptForRestore(bool isKept)
@@ -275,6 +309,7 @@ void Program::linkAgain()
         onError();
         return;
     }
+    findPointSize();
     for (Uniform& uniform : _pKept->uniforms)
     {
         const int location =
@@ -425,6 +460,8 @@ void Program::activate() const
     if (_pTextures != nullptr)
         _pTextures->forgetDead();
     glUseProgram(getID());
+    if (_pointSizeLocation >= 0)
+        glUniform1f(_pointSizeLocation, getPointSize());
 }
 
 void Program::deActivate() const

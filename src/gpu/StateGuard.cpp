@@ -1,8 +1,10 @@
 #include <gui/gl/StateGuard.h>
 
 #include "../context/GLNumber.h"
+#include "../context/StateOfES.h"
 #include "ActiveBuffer.h"
 
+#include <gui/gl/Context.h>
 #include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
@@ -35,7 +37,7 @@ StateGuard::StateGuard()
     _drawFramebuffer = glNumber(GL_DRAW_FRAMEBUFFER_BINDING);
     _readFramebuffer = glNumber(GL_READ_FRAMEBUFFER_BINDING);
     _depthFunction = glNumber(GL_DEPTH_FUNC);
-    _polygonMode = glNumber(GL_POLYGON_MODE);
+    _polygonMode = getPolygonMode();
     _vertexArray = glNumber(GL_VERTEX_ARRAY_BINDING);
     _program = glNumber(GL_CURRENT_PROGRAM);
     _activeBuffer = std::bit_cast<decltype(_activeBuffer)>(s_activeBuffer);
@@ -48,7 +50,7 @@ StateGuard::~StateGuard()
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(_readFramebuffer));
     glViewport(_viewport[0], _viewport[1], _viewport[2], _viewport[3]);
     glClearColor(_clearColor[0], _clearColor[1], _clearColor[2], _clearColor[3]);
-    glClearDepth(static_cast<GLdouble>(_clearDepth));
+    Context::setClearDepth(_clearDepth);
     glColorMask(_colorMask[0], _colorMask[1], _colorMask[2], _colorMask[3]);
     glDepthMask(_depthMask);
     glDepthFunc(static_cast<GLenum>(_depthFunction));
@@ -57,7 +59,7 @@ StateGuard::~StateGuard()
     glBlendEquationSeparate(static_cast<GLenum>(_blendEquations[0]), static_cast<GLenum>(_blendEquations[1]));
     for (std::size_t i = 0; i < cFlags.size(); ++i)
         _isEnabled[i] ? glEnable(cFlags[i]) : glDisable(cFlags[i]);
-    glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(_polygonMode));
+    setPolygonMode(_polygonMode);
     setCurrentProgram(nullptr);
     // One that was deleted while it was in use is gone as soon as another is.
     const auto program = static_cast<GLuint>(_program);

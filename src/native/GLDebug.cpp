@@ -1,5 +1,6 @@
 #include "GLDebug.h"
 
+#include <gui/gl/Context.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -49,7 +50,7 @@ void logGLDebugMessages()
 {
     if (!isGLDebugWanted())
         return;
-    if (epoxy_gl_version() < 43 && !epoxy_has_gl_extension("GL_KHR_debug"))
+    if (!Context::isAtLeast(43, 32) && !epoxy_has_gl_extension("GL_KHR_debug"))
     {
         vo::dbgLog("Warning! GUIGL_GL_DEBUG is set, but this OpenGL has no debug output");
         return;

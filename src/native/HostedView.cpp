@@ -1,5 +1,6 @@
 #include <gui/gl/port/HostedView.h>
 
+#include <gui/gl/Context.h>
 #include <gui/gl/CurrentContext.h>
 #include <gui/gl/View.h>
 #include <gui/gl/port/Zav.h>
@@ -34,13 +35,15 @@ void makeOpaque(unsigned int framebuffer)
     const unsigned int framebufferBefore = boundFramebuffer();
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) != 0;
     GLboolean mask[4]{};
-    glGetBooleani_v(GL_COLOR_WRITEMASK, 0, mask);
+    // OpenGL ES 3.1 has one mask for all.
+    const bool isES = Context::isES();
+    isES ? glGetBooleanv(GL_COLOR_WRITEMASK, mask) : glGetBooleani_v(GL_COLOR_WRITEMASK, 0, mask);
     constexpr GLfloat cOpaque[]{0, 0, 0, 1};
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
     glDisable(GL_SCISSOR_TEST);
-    glColorMaski(0, GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    isES ? glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE) : glColorMaski(0, GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
     glClearBufferfv(GL_COLOR, 0, cOpaque);
-    glColorMaski(0, mask[0], mask[1], mask[2], mask[3]);
+    isES ? glColorMask(mask[0], mask[1], mask[2], mask[3]) : glColorMaski(0, mask[0], mask[1], mask[2], mask[3]);
     enable(GL_SCISSOR_TEST, isScissored);
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebufferBefore);
 }

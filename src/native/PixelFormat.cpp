@@ -34,6 +34,7 @@ enum Attribute : unsigned int
 
 constexpr unsigned int cCore32 = 0x3200;
 constexpr unsigned int cCore41 = 0x4100;
+constexpr unsigned int cES31 = 0xE310;
 
 bool hasValue(unsigned int attribute)
 {
@@ -45,7 +46,8 @@ void take(PixelFormatSizes& sizes, unsigned int attribute, unsigned int value)
     switch (attribute)
     {
     case OpenGLProfile:
-        sizes.is41 = value != cCore32;
+        sizes.isES = value == cES31;
+        sizes.is41 = !sizes.isES && value != cCore32;
         break;
     case ColorSize:
         sizes.colorBits = static_cast<int>(value);
@@ -70,20 +72,25 @@ void take(PixelFormatSizes& sizes, unsigned int attribute, unsigned int value)
     }
 }
 
-} // namespace
+bool isESWanted()
+{
+    const char* const text = std::getenv("GUIGL_ES");
+    return text != nullptr && *text != '\0' && std::strcmp(text, "0") != 0;
+}
 
-PixelFormat buildPixelFormat(const Context& context)
+// @param nSamples  in the place of the context's
+PixelFormat build(const Context& context, int nSamples, bool isES)
 {
     const auto [colorBits, alphaBits] = context.getRGBSize();
-    const unsigned int profile = context.getProfile() == Context::Profile::Core32 ? cCore32 : cCore41;
+    const unsigned int profile = isES ? cES31 : context.getProfile() == Context::Profile::Core32 ? cCore32 : cCore41;
     PixelFormat format{OpenGLProfile, profile,
                        ColorSize,     colorBits,
                        AlphaSize,     alphaBits,
                        DepthSize,     context.getDepthBufferSize(),
                        StencilSize,   context.getStencilBufferSize()};
     std::size_t n = 10;
-    if (context.getSamples() > 1)
-        for (const unsigned int word : {+SampleBuffers, 1U, +Samples, static_cast<unsigned int>(context.getSamples())})
+    if (nSamples > 1)
+        for (const unsigned int word : {+SampleBuffers, 1U, +Samples, static_cast<unsigned int>(nSamples)})
             format[n++] = word;
     if (context.isTransparent())
         for (const unsigned int word : {+SurfaceOpacity, 0U})
@@ -93,11 +100,18 @@ PixelFormat buildPixelFormat(const Context& context)
     return format;
 }
 
+bool isES(const Context& context) { return context.getProfile() == Context::Profile::ES31; }
+
+} // namespace
+
+PixelFormat buildPixelFormat(const Context& context) { return build(context, context.getSamples(), isES(context)); }
+
 PixelFormat requestPixelFormat(const Context& context)
 {
+    const bool wantsES = isES(context) || isESWanted();
     const char* const text = std::getenv("GUIGL_SAMPLES");
     if (text == nullptr || *text == '\0')
-        return buildPixelFormat(context);
+        return build(context, context.getSamples(), wantsES);
     const char* const pEnd = text + std::strlen(text);
     int nSamples = 0;
     const auto result = std::from_chars(text, pEnd, nSamples);
@@ -106,11 +120,14 @@ PixelFormat requestPixelFormat(const Context& context)
         static bool s_isSaid = false;
         if (!std::exchange(s_isSaid, true))
             vo::dbgLog("Warning! GUIGL_SAMPLES=%s is none of 1, 2, 4, 8, 16 and will be ignored", text);
-        return buildPixelFormat(context);
+        nSamples = context.getSamples();
     }
-    Context settings = context;
-    settings.setSamples(nSamples);
-    return buildPixelFormat(settings);
+    return build(context, nSamples, wantsES);
+}
+
+const char* nameOfOpenGL(const PixelFormatSizes& sizes)
+{
+    return sizes.isES ? "OpenGL ES 3.1" : sizes.is41 ? "OpenGL 4.1 core" : "OpenGL 3.2 core";
 }
 
 PixelFormatSizes decodePixelFormat(const PixelFormat& format)

@@ -14,8 +14,8 @@
 #include <epoxy/gl.h>
 
 #include <array>
-#include <iterator>
 #include <utility>
+#include <vector>
 
 namespace gui::gl
 {
@@ -67,12 +67,16 @@ EGLDisplay theDisplay()
     return display;
 }
 
+// Of EGL's APIs, the thread's choice decides what eglCreateContext makes; somebody else may have chosen since.
+void bindAPI(bool isES) { eglBindAPI(isES ? EGL_OPENGL_ES_API : EGL_OPENGL_API); }
+
 // @return null when the system has no such configuration
 EGLConfig findConfig(EGLDisplay display, const PixelFormatSizes& sizes)
 {
     const EGLint channelBits = sizes.colorBits / 3;
+    const EGLint renderable = sizes.isES ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_BIT;
     const EGLint attributes[] = {
-        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,    EGL_RED_SIZE,   channelBits,
+        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, renderable,        EGL_RED_SIZE,   channelBits,
         EGL_GREEN_SIZE,   channelBits,     EGL_BLUE_SIZE,       channelBits,       EGL_ALPHA_SIZE, sizes.alphaBits,
         EGL_DEPTH_SIZE,   sizes.depthBits, EGL_STENCIL_SIZE,    sizes.stencilBits, EGL_NONE};
     EGLConfig config = nullptr;
@@ -103,29 +107,27 @@ EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked, P
     return nullptr;
 }
 
-EGLContext createContext(EGLDisplay display, EGLConfig config, bool is41, bool debug)
+EGLContext createContext(EGLDisplay display, EGLConfig config, const PixelFormatSizes& sizes, bool debug)
 {
+    bindAPI(sizes.isES);
+    std::vector<EGLint> attributes{EGL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3,
+                                   EGL_CONTEXT_MINOR_VERSION, sizes.is41 || sizes.isES ? 1 : 2,
+                                   EGL_CONTEXT_OPENGL_DEBUG,  debug ? EGL_TRUE : EGL_FALSE};
+    // OpenGL ES has no profiles.
+    if (!sizes.isES)
+        attributes.insert(attributes.end(), {EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT});
     // What tells of resets comes last: not every driver has it.
-    EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
-                           is41 ? 4 : 3,
-                           EGL_CONTEXT_MINOR_VERSION,
-                           is41 ? 1 : 2,
-                           EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                           EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
-                           EGL_CONTEXT_OPENGL_DEBUG,
-                           debug ? EGL_TRUE : EGL_FALSE,
-                           EGL_CONTEXT_OPENGL_RESET_NOTIFICATION_STRATEGY,
-                           EGL_LOSE_CONTEXT_ON_RESET,
-                           EGL_NONE};
-    EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+    attributes.insert(attributes.end(),
+                      {EGL_CONTEXT_OPENGL_RESET_NOTIFICATION_STRATEGY, EGL_LOSE_CONTEXT_ON_RESET, EGL_NONE});
+    EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes.data());
     if (context == EGL_NO_CONTEXT)
     {
-        attributes[std::size(attributes) - 3] = EGL_NONE;
-        context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+        attributes[attributes.size() - 3] = EGL_NONE;
+        context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes.data());
     }
     if (context == EGL_NO_CONTEXT)
-        vo::dbgLog("ERROR! OffscreenContext cannot create an OpenGL %s core context (EGL error %x)",
-                   is41 ? "4.1" : "3.2", eglGetError());
+        vo::dbgLog("ERROR! OffscreenContext cannot create an %s context (EGL error %x)", nameOfOpenGL(sizes),
+                   eglGetError());
     return context;
 }
 
@@ -156,7 +158,7 @@ struct OffscreenContext::Impl
     EGLContext context = EGL_NO_CONTEXT;
     EGLSurface surface = EGL_NO_SURFACE;
     CurrentContext::ID id = 0; // of the context
-    bool is41 = false;
+    PixelFormatSizes sizes{};  // as asked for
     bool isDebugged = false;
     td::Size<int> size;
     // Of several samples, drawn into in the place of the surface: Mesa 25 offers surfaces with several samples that
@@ -171,7 +173,7 @@ struct OffscreenContext::Impl
     Impl& operator=(const Impl&) = delete;
     ~Impl();
 
-    bool create(const td::Size<int>& newSize, const PixelFormatSizes& sizes, bool debug);
+    bool create(const td::Size<int>& newSize, const PixelFormatSizes& asked, bool debug);
     bool makeCurrent(EGLSurface newSurface);
     bool replace();
     void destroyContext();
@@ -196,8 +198,7 @@ bool OffscreenContext::Impl::replace()
     if (context != EGL_NO_CONTEXT && makeCurrent(surface) && !(tellsResets() && isReset()))
         CurrentContext::retire();
     destroyContext();
-    eglBindAPI(EGL_OPENGL_API);
-    context = gl::createContext(display, config, is41, isDebugged);
+    context = gl::createContext(display, config, sizes, isDebugged);
     const CurrentContext::ID lost = id;
     if (context == EGL_NO_CONTEXT || !makeCurrent(surface))
         return false;
@@ -217,7 +218,7 @@ OffscreenContext::Impl::~Impl()
         eglDestroySurface(display, surface);
 }
 
-bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFormatSizes& sizes, bool debug)
+bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFormatSizes& asked, bool debug)
 {
     display = theDisplay();
     if (display == EGL_NO_DISPLAY)
@@ -225,8 +226,8 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFor
         vo::dbgLog("ERROR! OffscreenContext needs EGL with a surfaceless or a device platform, and there is none");
         return false;
     }
-    // Of EGL's APIs, the thread's choice decides what eglCreateContext makes; somebody else may have chosen since.
-    eglBindAPI(EGL_OPENGL_API);
+    sizes = asked;
+    bindAPI(sizes.isES);
     PixelFormatSizes got = sizes;
     config = findConfigInSteps(display, sizes, got);
     if (config == nullptr)
@@ -234,14 +235,13 @@ bool OffscreenContext::Impl::create(const td::Size<int>& newSize, const PixelFor
     surface = createSurface(display, config, newSize);
     if (surface == EGL_NO_SURFACE)
         return false;
-    context = createContext(display, config, sizes.is41, debug);
+    context = createContext(display, config, sizes, debug);
     if (context == EGL_NO_CONTEXT)
         return false;
     size = newSize;
     if (!makeCurrent(surface))
         return false;
     id = CurrentContext::getID();
-    is41 = sizes.is41;
     isDebugged = debug;
     addSamples(sizes, got);
     Capture::beginFrame();
@@ -282,7 +282,7 @@ bool OffscreenContext::Impl::resizeFramebuffer(const td::Size<int>& newSize)
 
 bool OffscreenContext::Impl::makeCurrent(EGLSurface newSurface)
 {
-    eglBindAPI(EGL_OPENGL_API);
+    bindAPI(sizes.isES);
     if (context == EGL_NO_CONTEXT)
         return false;
     // Making a context current again costs a flush.

@@ -19,8 +19,6 @@ namespace gui::gl
 namespace
 {
 
-const char* versionOf(const PixelFormatSizes& sizes) { return sizes.is41 ? "4.1" : "3.2"; }
-
 void setAttributes(const PixelFormatSizes& sizes)
 {
     constexpr int cChannels = 3;
@@ -36,9 +34,9 @@ void setAttributes(const PixelFormatSizes& sizes)
         {SDL_GL_MULTISAMPLESAMPLES, sizes.nSamples > 1 ? sizes.nSamples : 0},
         {SDL_GL_DOUBLEBUFFER, 1},
         {SDL_GL_SHARE_WITH_CURRENT_CONTEXT, 0},
-        {SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE},
+        {SDL_GL_CONTEXT_PROFILE_MASK, sizes.isES ? SDL_GL_CONTEXT_PROFILE_ES : SDL_GL_CONTEXT_PROFILE_CORE},
         {SDL_GL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3},
-        {SDL_GL_CONTEXT_MINOR_VERSION, sizes.is41 ? 1 : 2},
+        {SDL_GL_CONTEXT_MINOR_VERSION, sizes.is41 || sizes.isES ? 1 : 2},
         {SDL_GL_CONTEXT_FLAGS, isGLDebugWanted() ? SDL_GL_CONTEXT_DEBUG_FLAG : 0},
     };
     for (const auto& [attribute, value] : attributes)
@@ -101,9 +99,9 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
         context = tryToCreate(sizes, size);
     }
     if (context == nullptr)
-        vo::dbgLog("ERROR! SDLContext cannot have an OpenGL %s core context with %d colour, %d alpha, %d depth and %d "
+        vo::dbgLog("ERROR! SDLContext cannot have an %s context with %d colour, %d alpha, %d depth and %d "
                    "stencil bits (%s); the system has %s",
-                   versionOf(asked), asked.colorBits, asked.alphaBits, asked.depthBits, asked.stencilBits,
+                   nameOfOpenGL(asked), asked.colorBits, asked.alphaBits, asked.depthBits, asked.stencilBits,
                    error.c_str(), describeSystem().c_str());
     else if (sizes.depthBits != asked.depthBits || sizes.stencilBits != asked.stencilBits)
         vo::dbgLog("Warning! SDLContext asked for %d depth and %d stencil bits, got %d and %d", asked.depthBits,

@@ -189,7 +189,7 @@ TEST_F(ClippingTest, EachPixelShowsWhatItsRayMeets)
         eye.setClipping(clipping);
         const std::vector<int> ids = drawIds(model, eye);
         std::vector<float> depths(ids.size());
-        glReadPixels(0, 0, cSide, cSide, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+        readDepths(cSide, cSide, depths.data());
         std::vector<CutSolids::Seen> seen;
         for (int y = 0; y < cSide; ++y)
             for (int x = 0; x < cSide; ++x)
@@ -268,9 +268,7 @@ TEST_F(ClippingTest, WhatIsNotClosedOrNotTurnedAlike)
         Model model;
         EXPECT_TRUE(model.setMesh(mesh));
         drawIds(model, eye);
-        float depth = 1;
-        glReadPixels(cSide / 2, cSide / 2, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
-        return eye.getDistanceOfDepth(static_cast<double>(depth));
+        return eye.getDistanceOfDepth(static_cast<double>(depthAt(cSide / 2, cSide / 2)));
     };
     const double face = depthOf(box);
     EXPECT_NEAR(depthOf(turned), face, 1e-3);

@@ -40,7 +40,7 @@ TEST_F(Points3Test, SpheresAreSpheresToThePixel)
         points.setLight({.ambient = 1});
         const Picture picture = drawn([&] { return points.draw(eye); });
         std::vector<float> depths(std::size_t(cPictureSize) * cPictureSize);
-        glReadPixels(0, 0, cPictureSize, cPictureSize, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+        readDepths(cPictureSize, cPictureSize, depths.data());
         int nWrong = 0;
         for (int y = 0; y < cPictureSize; ++y)
             for (int x = 0; x < cPictureSize; ++x)

@@ -72,12 +72,12 @@ TEST_F(FramebufferGLTest, EachFormatHoldsItsNumbersAndItsDepth)
                 {
                     const Framebuffer::Drawing drawing(aside);
                     glClearColor(2, -0.5f, 0.25f, 0.5f);
-                    glClearDepth(0.25);
+                    gui::gl::Context::setClearDepth(0.25F);
                     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
                     glEnable(GL_DEPTH_TEST);
                     half.draw(); // at 0.5: behind, where there is a depth
                     glDisable(GL_DEPTH_TEST);
-                    glClearDepth(1);
+                    gui::gl::Context::setClearDepth(1);
                 }
                 ASSERT_TRUE(aside.readValues(values));
                 const bool isFloat = color == Framebuffer::Color::R16F || color == Framebuffer::Color::RGBA16F;

@@ -2,6 +2,8 @@
 #include "support/GLTrace.h"
 #include "support/OffscreenGL.h"
 
+#include <gui/gl/Context.h>
+#include <gui/gl/OffscreenContext.h>
 #include <gui/gl/Program.h>
 
 #include <epoxy/gl.h>
@@ -96,6 +98,51 @@ TEST_F(ProgramGLTest, BrokenStagesAreNamedWithTheirLine)
         EXPECT_FALSE(takeErrors().empty()); // the driver says it in its own way, too
         EXPECT_NE(std::string(Program::getLastError().c_str()).find(lines[0] + "\n"), std::string::npos);
     }
+}
+
+// What OpenGL ES has not in its shaders: values of uniforms, sizes of points from outside. And lines of errors stay.
+TEST(ProgramES, TextOfOpenGLIsTaken)
+{
+    using gui::gl::Context;
+    gui::gl::OffscreenContext context(
+        {16, 16}, {gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::ES31});
+    ASSERT_TRUE(context.isOk() && Context::isES());
+    struct Plain : gui::gl::Program
+    {
+        void onLinked() override {}
+    } program, broken;
+    const char* const vertex = "// A point.\n#version 330 core\n"
+                               "uniform vec2 place = vec2(1.0, -1) /* times */, half_ = vec2(.5f);\n"
+                               "void main() { gl_Position = vec4(place * half_, 0.0, 1.0); }\n";
+    const char* const fragment = "#version 410 core\n#extension GL_ARB_none : enable\n"
+                                 "uniform mat4 turn = mat4(1.0);\nuniform vec4 paint = vec4(vec2(0, 1), 0.0, 1);\n"
+                                 "out vec4 color;\nvoid main() { color = turn * paint; }\n";
+    ASSERT_TRUE(program.link(vertex, fragment));
+    Context::clear(Context::Clear::Color, td::ColorID::Black);
+    Context::setPointSize(4);
+    GLuint array = 0;
+    glGenVertexArrays(1, &array);
+    glBindVertexArray(array);
+    program.activate();
+    glDrawArrays(GL_POINTS, 0, 1);
+    std::vector<unsigned char> picture(std::size_t{4} * 16 * 16);
+    glReadPixels(0, 0, 16, 16, GL_RGBA, GL_UNSIGNED_BYTE, picture.data());
+    int nGreen = 0;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x)
+        {
+            const unsigned char* const pPixel = picture.data() + 4 * (16 * y + x);
+            const bool isInside = x >= 10 && x < 14 && y >= 2 && y < 6;
+            nGreen += isInside && pPixel[0] == 0 && pPixel[1] == 255 ? 1 : isInside || pPixel[1] != 0 ? -1000 : 0;
+        }
+    EXPECT_EQ(nGreen, 16);
+    test::CapturedLog log;
+    EXPECT_FALSE(broken.link("#version 330 core\nvoid main()\n{\n    gl_Position = nothing;\n}\n", fragment));
+    const std::vector<std::string> lines = log.take();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "  4 |     gl_Position = nothing;"), 1);
+    program.deActivate();
+    glDeleteVertexArrays(1, &array);
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
 }
 
 } // namespace

@@ -127,7 +127,8 @@ TEST_F(Programs3DGLTest, CubeMapsAreSeenFromOutside)
         const unsigned char bytes[] = {static_cast<unsigned char>(40 * i), 0, 99, 255};
         glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + i, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, bytes);
     }
-    glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+        glTexParameteri(GL_TEXTURE_CUBE_MAP, filter, GL_NEAREST);
     CubeMap3DProgram program;
     Buffer cube{DataType::Vec3};
     Command* const pCommand = cube.addCube(2, gui::gl::Texture::Type::CubeMap);

@@ -22,10 +22,22 @@ protected:
     /// The pixels of level 0 of what is bound, rows packed.
     static std::vector<unsigned char> readBack(GLenum target, int bytesPerPixel, std::size_t n)
     {
-        std::vector<unsigned char> bytes(n);
-        glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        glGetTexImage(target, 0, bytesPerPixel == 4 ? GL_RGBA : GL_RGB, GL_UNSIGNED_BYTE, bytes.data());
-        glPixelStorei(GL_PACK_ALIGNMENT, 4);
+        const bool isFace = target != GL_TEXTURE_2D;
+        GLint texture = 0, width = 0;
+        glGetIntegerv(isFace ? GL_TEXTURE_BINDING_CUBE_MAP : GL_TEXTURE_BINDING_2D, &texture);
+        glGetTexLevelParameteriv(target, 0, GL_TEXTURE_WIDTH, &width);
+        GLuint framebuffer = 0;
+        glGenFramebuffers(1, &framebuffer);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
+        glFramebufferTexture2D(GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, target, static_cast<GLuint>(texture), 0);
+        const std::size_t nPixels = n / static_cast<std::size_t>(bytesPerPixel);
+        std::vector<unsigned char> pixels(4 * nPixels), bytes;
+        glReadPixels(0, 0, width, static_cast<GLsizei>(nPixels) / width, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+        glDeleteFramebuffers(1, &framebuffer);
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            if (i % 4 < static_cast<std::size_t>(bytesPerPixel))
+                bytes.push_back(pixels[i]);
         return bytes;
     }
 

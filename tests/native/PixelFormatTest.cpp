@@ -15,8 +15,9 @@ using gui::gl::StencilBuffer;
 
 bool operator==(const PixelFormatSizes& a, const PixelFormatSizes& b)
 {
-    return a.is41 == b.is41 && a.colorBits == b.colorBits && a.alphaBits == b.alphaBits && a.depthBits == b.depthBits &&
-           a.stencilBits == b.stencilBits && a.nSamples == b.nSamples && a.isTransparent == b.isTransparent;
+    return a.is41 == b.is41 && a.isES == b.isES && a.colorBits == b.colorBits && a.alphaBits == b.alphaBits &&
+           a.depthBits == b.depthBits && a.stencilBits == b.stencilBits && a.nSamples == b.nSamples &&
+           a.isTransparent == b.isTransparent;
 }
 
 TEST(PixelFormat, SaysWhatTheContextAsksForAndIsReadBack)

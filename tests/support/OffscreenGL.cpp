@@ -90,4 +90,20 @@ Pixel OffscreenGL::pixel(int x, int y)
     return {bytes[0], bytes[1], bytes[2], bytes[3]};
 }
 
+// OpenGL ES, where it reads depths at all, gives no floats of others.
+void OffscreenGL::readDepths(int width, int height, float* pDepths)
+{
+    std::vector<GLuint> depths(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    glReadPixels(0, 0, width, height, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, depths.data());
+    for (std::size_t i = 0; i < depths.size(); ++i)
+        pDepths[i] = static_cast<float>(depths[i] / 4294967295.0);
+}
+
+float OffscreenGL::depthAt(int x, int y)
+{
+    GLuint depth = 0;
+    glReadPixels(x, y, 1, 1, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, &depth);
+    return static_cast<float>(depth / 4294967295.0);
+}
+
 } // namespace test

@@ -46,6 +46,9 @@ protected:
 
     /// Read from the framebuffer that is bound. y counts from the bottom, as GL does.
     static Pixel pixel(int x, int y);
+    static float depthAt(int x, int y);
+    /// From the bottom left corner.
+    static void readDepths(int width, int height, float* pDepths);
 
 private:
     td::Size<int> _size;

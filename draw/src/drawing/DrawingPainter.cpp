@@ -352,7 +352,7 @@ bool DrawingPainter::drawRegion(const ShapeTables& tables, DrawList& list, Image
     gl::Context::enable(Flag::ScissorTest);
     gl::Context::maskDepthBuffer(true);
     glClearColor(0, 0, 0, 0);
-    glClearDepth(1);
+    gl::Context::setClearDepth(1);
     gl::Context::clear({gl::Context::Clear::Color, gl::Context::Clear::Depth});
     // Each shape is nearer than those before, and so passes over them, but not over itself.
     gl::Context::enable(Flag::DepthTest);

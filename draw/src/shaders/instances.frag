@@ -30,7 +30,7 @@ void main()
     if ((bits & 1) == 0 && !isFront)
         discard;
 #ifdef CLIPPED
-    if (isInNotch(place))
+    if (isLeftOut(place))
         discard;
 #endif
 #if defined(PLAIN)

@@ -1,21 +1,17 @@
 // A surface in the light: Lambert's and Blinn's, with the light of the surroundings stronger from above. All in linear
 // colours, made those of the screen at the end.
-in Surface
-{
 #if !defined(PLAIN) && !defined(IDS)
-    vec3 place;
-    vec3 normal;
-    flat vec3 polish;
+in vec3 surfacePlace;
+in vec3 surfaceNormal;
+flat in vec3 surfacePolish;
 #ifdef TEXTURED
-    vec2 inPicture;
+in vec2 surfaceInPicture;
 #endif
 #endif
 #ifdef CLIPPED
-    vec3 cutPlace;
+in vec3 surfaceCutPlace;
 #endif
-    flat vec4 paint;
-}
-surface;
+flat in vec4 surfacePaint;
 out vec4 color;
 #ifdef GLASS
 // Layers are told apart by how near they are, from 0 on; 0 is none.
@@ -27,6 +23,18 @@ uniform sampler2D nearness;
 #endif
 uniform int glassPass; // 0: finds the nearest layer; 1: finds the one behind; 2: draws it; 3: the rest; 4: everything
 uniform bool isReversed;
+
+#ifdef PACKED
+vec4 bytesOf(float here) { return vec4((uvec4(floatBitsToUint(here)) >> uvec4(0u, 8u, 16u, 24u)) & 255u) / 255.0; }
+float nearnessOf(vec4 texel)
+{
+    uvec4 bytes = uvec4(texel * 255.0 + 0.5);
+    return uintBitsToFloat(bytes.x | bytes.y << 8 | bytes.z << 16 | bytes.w << 24);
+}
+#else
+vec4 bytesOf(float here) { return vec4(here, 0.0, 0.0, 0.0); }
+float nearnessOf(vec4 texel) { return texel.r; }
+#endif
 
 bool isWanted(float here, float layer)
 {
@@ -45,12 +53,12 @@ void choose(float here)
 #ifdef SAMPLES
     int mask = 0;
     for (int i = 0; i < sampleCount; ++i)
-        mask |= isWanted(here, texelFetch(nearness, at, i).r) ? 1 << i : 0;
+        mask |= isWanted(here, nearnessOf(texelFetch(nearness, at, i))) ? 1 << i : 0;
     gl_SampleMask[0] = mask;
     if (mask == 0)
         discard;
 #else
-    if (!isWanted(here, texelFetch(nearness, at, 0).r))
+    if (!isWanted(here, nearnessOf(texelFetch(nearness, at, 0))))
         discard;
 #endif
 }
@@ -81,8 +89,8 @@ vec3 unit(vec3 v)
 // The normal towards the eye, of length 1; that of the triangle where the vertices have none.
 vec3 getNormal(vec3 towardsEye)
 {
-    vec3 across = cross(unit(dFdx(surface.place)), unit(dFdy(surface.place)));
-    vec3 normal = gl_FrontFacing ? surface.normal : -surface.normal;
+    vec3 across = cross(unit(dFdx(surfacePlace)), unit(dFdy(surfacePlace)));
+    vec3 normal = gl_FrontFacing ? surfaceNormal : -surfaceNormal;
     float size = dot(normal, normal);
     if (size > 1e-6)
         return normal * inversesqrt(size);
@@ -92,11 +100,11 @@ vec3 getNormal(vec3 towardsEye)
 
 void main()
 {
-    int flags = int(surface.paint.a + 0.5);
+    int flags = int(surfacePaint.a + 0.5);
     if ((flags & 2) == 0 && !gl_FrontFacing)
         discard;
 #ifdef CLIPPED
-    if (isInNotch(surface.cutPlace))
+    if (isLeftOut(surfaceCutPlace))
         discard;
 #endif
 #ifdef GLASS
@@ -104,32 +112,32 @@ void main()
     choose(here);
 #endif
 #if defined(GLASS) && defined(PLAIN)
-    color = vec4(here, 0.0, 0.0, 0.0);
+    color = bytesOf(here);
 #elif defined(PLAIN)
     color = plainColor;
 #elif defined(IDS)
-    color = vec4(surface.paint.rgb, float(flags >> 3)) / 255.0;
+    color = vec4(surfacePaint.rgb, float(flags >> 3)) / 255.0;
 #else
-    vec3 base = surface.paint.rgb;
+    vec3 base = surfacePaint.rgb;
 #ifdef TEXTURED
-    vec4 texel = texture(picture, surface.inPicture);
+    vec4 texel = texture(picture, surfaceInPicture);
     if ((flags & 4) != 0)
         base *= toLinear(texel.rgb / max(texel.a, 1e-3));
 #endif
-    vec3 towardsEye = unit(viewer.w > 0.5 ? viewer.xyz - surface.place : viewer.xyz), normal = getNormal(towardsEye);
+    vec3 towardsEye = unit(viewer.w > 0.5 ? viewer.xyz - surfacePlace : viewer.xyz), normal = getNormal(towardsEye);
     float sun = 1.0;
 #ifdef SHADOWED
     float slope = clamp(1.0 - dot(normal, toLight), 0.0, 1.0);
     if (slope < 1.0)
-        sun = sunAt(surface.place, normal, slope);
+        sun = sunAt(surfacePlace, normal, slope);
 #endif
 #ifdef GLASS
     // What is mirrored of the light is as bright on glass as on a wall.
-    float opaque = surface.polish.z, gloss = glossOf(normal, towardsEye, surface.polish.xy, sun);
+    float opaque = surfacePolish.z, gloss = glossOf(normal, towardsEye, surfacePolish.xy, sun);
     color = vec4(toScreen(diffuseOf(base, normal, sun) * lightColor.rgb) * opaque, opaque);
     color.rgb += toScreen(vec3(gloss)) * lightColor.rgb;
 #else
-    color = vec4(litColor(base, normal, towardsEye, surface.polish.xy, sun), 1.0);
+    color = vec4(litColor(base, normal, towardsEye, surfacePolish.xy, sun), 1.0);
 #endif
 #ifdef WIRES
     // Near a side, how far it is in pixels. (Drivers have been seen to interpolate without perspective wrongly where

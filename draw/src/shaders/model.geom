@@ -2,35 +2,27 @@
 layout(triangles) in;
 layout(triangle_strip, max_vertices = 3) out;
 
-in Surface
-{
-    vec3 place;
-    vec3 normal;
-    flat vec3 polish;
+in vec3 cornerPlace[];
+in vec3 cornerNormal[];
+flat in vec3 cornerPolish[];
 #ifdef TEXTURED
-    vec2 inPicture;
+in vec2 cornerInPicture[];
 #endif
 #ifdef CLIPPED
-    vec3 cutPlace;
+in vec3 cornerCutPlace[];
 #endif
-    flat vec4 paint;
-}
-corners[];
+flat in vec4 cornerPaint[];
 
-out Surface
-{
-    vec3 place;
-    vec3 normal;
-    flat vec3 polish;
+out vec3 surfacePlace;
+out vec3 surfaceNormal;
+flat out vec3 surfacePolish;
 #ifdef TEXTURED
-    vec2 inPicture;
+out vec2 surfaceInPicture;
 #endif
 #ifdef CLIPPED
-    vec3 cutPlace;
+out vec3 surfaceCutPlace;
 #endif
-    flat vec4 paint;
-}
-surface;
+flat out vec4 surfacePaint;
 out vec3 opposite; // 1 at a corner, 0 on the side across
 
 void main()
@@ -38,16 +30,16 @@ void main()
     for (int i = 0; i < 3; ++i)
     {
         gl_Position = gl_in[i].gl_Position;
-        surface.place = corners[i].place;
-        surface.normal = corners[i].normal;
-        surface.polish = corners[i].polish;
+        surfacePlace = cornerPlace[i];
+        surfaceNormal = cornerNormal[i];
+        surfacePolish = cornerPolish[i];
 #ifdef TEXTURED
-        surface.inPicture = corners[i].inPicture;
+        surfaceInPicture = cornerInPicture[i];
 #endif
-        surface.paint = corners[i].paint;
+        surfacePaint = cornerPaint[i];
 #ifdef CLIPPED
-        clipAt(corners[i].cutPlace);
-        surface.cutPlace = corners[i].cutPlace;
+        clipAt(cornerCutPlace[i]);
+        surfaceCutPlace = cornerCutPlace[i];
 #endif
         opposite = vec3(i == 0, i == 1, i == 2);
         EmitVertex();

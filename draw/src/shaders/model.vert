@@ -18,22 +18,29 @@ uniform vec3 reference;
 uniform samplerBuffer parts;
 uniform int firstId;
 
-out Surface
-{
+#ifdef GEOMETRY
+// Between here and the fragment shader there is another.
+#define surfacePlace cornerPlace
+#define surfaceNormal cornerNormal
+#define surfacePolish cornerPolish
+#define surfaceInPicture cornerInPicture
+#define surfaceCutPlace cornerCutPlace
+#define surfacePaint cornerPaint
+#elif defined(WIRES)
+out vec3 opposite; // 1 at a corner, 0 on the side across
+#endif
 #if !defined(PLAIN) && !defined(IDS)
-    vec3 place;
-    vec3 normal;
-    flat vec3 polish; // Blinn's exponent, how much of it there is, and how much is not seen through
+out vec3 surfacePlace;
+out vec3 surfaceNormal;
+flat out vec3 surfacePolish; // Blinn's exponent, how much of it there is, and how much is not seen through
 #ifdef TEXTURED
-    vec2 inPicture;
+out vec2 surfaceInPicture;
 #endif
 #endif
 #ifdef CLIPPED
-    vec3 cutPlace;
+out vec3 surfaceCutPlace;
 #endif
-    flat vec4 paint;  // its linear colour, and whether both sides are seen (2), with a texture (4)
-}
-surface;
+flat out vec4 surfacePaint; // its linear colour, and whether both sides are seen (2), with a texture (4)
 
 void main()
 {
@@ -42,22 +49,29 @@ void main()
     place += rest;
 #endif
     gl_Position = toClip * vec4(place, 1.0);
+#ifdef MASK
+    gl_Position.z = 0.0; // neither too near nor too far
+#endif
+#if defined(WIRES) && !defined(GEOMETRY)
+    int corner = gl_VertexID % 3;
+    opposite = vec3(corner == 0, corner == 1, corner == 2);
+#endif
 #ifdef CLIPPED
     clipAt(place);
-    surface.cutPlace = place;
+    surfaceCutPlace = place;
 #endif
     int part = int(partNumber + 0.5);
-    surface.paint = texelFetch(parts, 4 * part);
+    surfacePaint = texelFetch(parts, 4 * part);
 #ifdef IDS
     uint id = uint(firstId) + uint(part);
-    surface.paint.rgb = vec3((uvec3(id) >> uvec3(0u, 8u, 16u)) & 255u);
-    surface.paint.a += 8.0 * float(id >> 24);
+    surfacePaint.rgb = vec3((uvec3(id) >> uvec3(0u, 8u, 16u)) & 255u);
+    surfacePaint.a += 8.0 * float(id >> 24);
 #elif !defined(PLAIN)
-    surface.place = place;
-    surface.normal = vertexNormal.xyz;
-    surface.polish = texelFetch(parts, 4 * part + 1).xyz;
+    surfacePlace = place;
+    surfaceNormal = vertexNormal.xyz;
+    surfacePolish = texelFetch(parts, 4 * part + 1).xyz;
 #ifdef TEXTURED
-    surface.inPicture = textureCoordinate;
+    surfaceInPicture = textureCoordinate;
 #endif
 #endif
 }

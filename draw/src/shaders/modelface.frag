@@ -1,5 +1,8 @@
 // A face that a clipping cuts, with the lines across it.
 flat in vec4 paint;
+#ifdef CLIPPED
+in vec3 cutPlace;
+#endif
 out vec4 color;
 
 #if !defined(PLAIN) && !defined(IDS)
@@ -24,6 +27,10 @@ float cover(float way, float grain, float step, float width)
 
 void main()
 {
+#ifdef CLIPPED
+    if (isLeftOut(cutPlace))
+        discard;
+#endif
 #if defined(PLAIN) || defined(IDS)
     color = paint;
 #else

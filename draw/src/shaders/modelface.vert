@@ -15,6 +15,9 @@ uniform vec2 faceColor; // how much lighter than the material, and whether it ha
 uniform vec4 plainColor;
 
 flat out vec4 paint;
+#ifdef CLIPPED
+out vec3 cutPlace;
+#endif
 #if !defined(PLAIN) && !defined(IDS)
 flat out vec4 hatchColor; // times its alpha
 flat out vec2 hatchSize;  // from line to line, and a line's width, in pixels
@@ -28,8 +31,12 @@ void main()
     place += rest;
 #endif
     gl_Position = toClip * vec4(place, 1.0);
+#ifdef MASK
+    gl_Position.z = 0.0; // neither too near nor too far
+#endif
 #ifdef CLIPPED
     clipAt(place);
+    cutPlace = place;
 #endif
     int part = int(partNumber + 0.5);
 #if defined(IDS)

@@ -1,5 +1,7 @@
 #include "BoundTarget.h"
 
+#include <gui/gl/Context.h>
+
 #include <epoxy/gl.h>
 
 namespace gui::draw
@@ -38,9 +40,26 @@ BoundTarget BoundTarget::get()
         target.depthFormat = target.hasStencil ? GL_DEPTH24_STENCIL8 : GL_DEPTH_COMPONENT24;
     else if (nBits == 16 && !target.hasStencil)
         target.depthFormat = GL_DEPTH_COMPONENT16;
-    else if (nBits == 32 && !target.hasStencil)
+    else if (nBits == 32 && !target.hasStencil && !gl::Context::isES())
         target.depthFormat = GL_DEPTH_COMPONENT32;
     return target;
+}
+
+void BoundTarget::attachDepthTexture(unsigned int texture) const
+{
+    // What each format is given as does not matter where nothing is given, but in OpenGL ES.
+    const bool isFloat = depthFormat == GL_DEPTH32F_STENCIL8 || depthFormat == GL_DEPTH_COMPONENT32F;
+    const GLenum type = hasStencil ? isFloat ? GL_FLOAT_32_UNSIGNED_INT_24_8_REV : GL_UNSIGNED_INT_24_8
+                        : isFloat  ? GL_FLOAT
+                        : depthFormat == GL_DEPTH_COMPONENT16 ? GL_UNSIGNED_SHORT
+                                                              : GL_UNSIGNED_INT;
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(depthFormat), viewport[2], viewport[3], 0,
+                 hasStencil ? GL_DEPTH_STENCIL : GL_DEPTH_COMPONENT, type, nullptr);
+    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+        glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
+                           GL_TEXTURE_2D, texture, 0);
 }
 
 void BoundTarget::copyDepth(unsigned int to) const

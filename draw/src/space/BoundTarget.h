@@ -17,6 +17,9 @@ struct BoundTarget
     /// What is bound now.
     static BoundTarget get();
     bool isEmpty() const { return viewport[2] <= 0 || viewport[3] <= 0; }
+    /// Makes a texture one of its depth's format and the viewport's size, which attaches it to the framebuffer that is
+    /// bound, and stays bound itself.
+    void attachDepthTexture(unsigned int texture) const;
     /// Copies its depth to a framebuffer of the viewport's size, which is bound for drawing afterwards, as this is for
     /// reading.
     void copyDepth(unsigned int framebuffer) const;

@@ -1,5 +1,8 @@
 #include "ClipState.h"
 
+#include <gui/gl/Context.h>
+#include <gui/gl/CurrentContext.h>
+
 #include <glm/vec4.hpp>
 
 #include <epoxy/gl.h>
@@ -18,13 +21,27 @@ void setClipUniforms(const ClipState::Locations& at, const Equations& equations,
     glUniform1i(at.kind, isNotch ? 1 : 0);
 }
 
+// Asked of the driver once for each context.
+bool hasDistances()
+{
+    static gl::CurrentContext::ID s_asked = 0;
+    static bool s_areThere = true;
+    const gl::CurrentContext::ID id = gl::CurrentContext::getID();
+    if (id != s_asked)
+        s_areThere = !gl::Context::isES() || epoxy_has_gl_extension("GL_EXT_clip_cull_distance");
+    s_asked = id;
+    return s_areThere;
+}
+
 } // namespace
 
 ClipState::ClipState(const Clipping& clipping, What what)
 {
     // What a notch takes from a model has no convex rest: it is left out pixel by pixel.
     const bool isByDistance = what == What::Face || clipping.getKind() == Clipping::Kind::Cut;
-    for (std::size_t i = 0; i < clipping.getNumberOfPlanes() && isByDistance; ++i)
+    if (!isByDistance || clipping.isEmpty() || !hasDistances())
+        return;
+    for (std::size_t i = 0; i < clipping.getNumberOfPlanes(); ++i)
     {
         const GLenum distance = GL_CLIP_DISTANCE0 + static_cast<GLenum>(i);
         _wasOff[i] = glIsEnabled(distance) == GL_FALSE;

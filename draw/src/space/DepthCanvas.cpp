@@ -29,7 +29,8 @@ constexpr double cOverlap = 1.001; // of slices, so that nothing falls between
 bool hasReversedDepth()
 {
     constexpr int cFirstVersion = 45;
-    return epoxy_gl_version() >= cFirstVersion || epoxy_has_gl_extension("GL_ARB_clip_control");
+    return gl::Context::isAtLeast(cFirstVersion, 0) ||
+           epoxy_has_gl_extension(gl::Context::isES() ? "GL_EXT_clip_control" : "GL_ARB_clip_control");
 }
 
 // From the nearest slice to the farthest one.
@@ -186,7 +187,7 @@ const Eye* DepthCanvas::Frame::next()
     if (_isReversed)
     {
         glClipControl(GL_LOWER_LEFT, GL_ZERO_TO_ONE);
-        glClearDepth(0);
+        Context::setClearDepth(0);
     }
     Context::maskDepthBuffer(true);
     Context::clear(Context::Clear::Depth);
@@ -222,7 +223,7 @@ DepthCanvas::Frame::~Frame()
     if (_isReversed)
     {
         glClipControl(GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE);
-        glClearDepth(1);
+        Context::setClearDepth(1);
         Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
     }
     if (_isBound)

@@ -34,8 +34,8 @@ constexpr std::chrono::milliseconds cPatience(100); // until a look waits
 
 GLenum queryTarget()
 {
-    constexpr int cFirstVersion = 33;
-    return epoxy_gl_version() >= cFirstVersion || epoxy_has_gl_extension("GL_ARB_occlusion_query2")
+    constexpr int cFirstVersion = 33, cFirstES = 30;
+    return gl::Context::isAtLeast(cFirstVersion, cFirstES) || epoxy_has_gl_extension("GL_ARB_occlusion_query2")
                ? GL_ANY_SAMPLES_PASSED
                : GL_SAMPLES_PASSED;
 }

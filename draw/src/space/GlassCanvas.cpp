@@ -29,9 +29,43 @@ int glInteger(GLenum name)
     return value;
 }
 
-bool hasFeature(int version, const char* extension)
+bool hasSampleVariables()
 {
-    return epoxy_gl_version() >= version || epoxy_has_gl_extension(extension);
+    constexpr int cFirst = 40, cFirstES = 32;
+    return gl::Context::isAtLeast(cFirst, cFirstES) ||
+           epoxy_has_gl_extension(gl::Context::isES() ? "GL_OES_sample_variables" : "GL_ARB_sample_shading");
+}
+
+// Whether the nearest of floats is found by blending.
+bool blendsFloats()
+{
+    constexpr int cFirstES = 32;
+    return !gl::Context::isES() ||
+           (epoxy_has_gl_extension("GL_EXT_float_blend") &&
+            (gl::Context::isAtLeast(0, cFirstES) || epoxy_has_gl_extension("GL_EXT_color_buffer_float")));
+}
+
+// Whether there are framebuffers of half floats, which say more than bytes.
+bool drawsHalfFloats()
+{
+    constexpr int cFirstES = 32;
+    return !gl::Context::isES() || gl::Context::isAtLeast(0, cFirstES) ||
+           epoxy_has_gl_extension("GL_EXT_color_buffer_float") ||
+           epoxy_has_gl_extension("GL_EXT_color_buffer_half_float");
+}
+
+// The renderbuffer that the framebuffer has its depth in; 0 for none, or a texture.
+unsigned int depthOf(const BoundTarget& target)
+{
+    if (target.framebuffer == 0)
+        return 0;
+    GLint type = GL_NONE, name = 0;
+    glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                                          GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE, &type);
+    if (type == GL_RENDERBUFFER)
+        glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                                              GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &name);
+    return static_cast<unsigned int>(name);
 }
 
 GLenum targetOf(int nSamples) { return nSamples > 1 ? GL_TEXTURE_2D_MULTISAMPLE : GL_TEXTURE_2D; }
@@ -75,10 +109,16 @@ unsigned int GlassCanvas::makeTexture(unsigned int format) const
     glBindTexture(target, name);
     const int width = _made.viewport[2], height = _made.viewport[3];
     if (_made.nSamples > 1)
-        glTexImage2DMultisample(target, _made.nSamples, format, width, height, GL_TRUE);
+    {
+        if (gl::Context::isES())
+            glTexStorage2DMultisample(target, _made.nSamples, format, width, height, GL_TRUE);
+        else
+            glTexImage2DMultisample(target, _made.nSamples, format, width, height, GL_TRUE);
+    }
     else
     {
-        glTexImage2D(target, 0, static_cast<GLint>(format), width, height, 0, GL_RED, GL_FLOAT, nullptr);
+        glTexImage2D(target, 0, static_cast<GLint>(format), width, height, 0, format == GL_R32F ? GL_RED : GL_RGBA,
+                     format == GL_RGBA8 ? GL_UNSIGNED_BYTE : GL_FLOAT, nullptr);
         glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
         glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     }
@@ -86,18 +126,52 @@ unsigned int GlassCanvas::makeTexture(unsigned int format) const
     return name;
 }
 
-// @return false when there is no place for layers, or no way to tell them apart
-bool GlassCanvas::prepare(const BoundTarget& target)
+// What layers are like over a target.
+BoundTarget GlassCanvas::find(const BoundTarget& target)
 {
     BoundTarget wanted = target;
     wanted.framebuffer = wanted.viewport[0] = wanted.viewport[1] = 0;
+    _isPacked = !blendsFloats();
+    _sharedDepth = 0;
+    if (target.nSamples <= 1 || !gl::Context::isES())
+        return wanted;
+    _sharedDepth = _isPacked || !hasSampleVariables() ? 0 : depthOf(target);
+    if (_sharedDepth == 0)
+        wanted.nSamples = 0;
+    else // places are those of the target
+        wanted.viewport = {0, 0, target.viewport[0] + target.viewport[2], target.viewport[1] + target.viewport[3]};
+    return wanted;
+}
+
+void GlassCanvas::attachDepth(unsigned int renderbuffer) const
+{
+    for (const unsigned int framebuffer : _framebuffers)
+    {
+        glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+        glFramebufferRenderbuffer(GL_FRAMEBUFFER, _made.hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
+                                  GL_RENDERBUFFER, renderbuffer);
+    }
+}
+
+// OpenGL ES has no drawing on condition.
+bool GlassCanvas::isEmpty(std::size_t layer) const
+{
+    if (!gl::Context::isES())
+        return false;
+    GLuint passed = 0;
+    glGetQueryObjectuiv(_queries[layer], GL_QUERY_RESULT, &passed);
+    return passed == 0;
+}
+
+// @return false when there is no place for layers, or no way to tell them apart
+bool GlassCanvas::prepare(const BoundTarget& wanted)
+{
     if (_made == wanted)
         return !_isRefused;
     release();
     _made = wanted;
     _isRefused = true;
-    constexpr int cFirstVersion = 40;
-    if (wanted.depthFormat == 0 || (wanted.nSamples > 1 && !hasFeature(cFirstVersion, "GL_ARB_sample_shading")))
+    if (wanted.depthFormat == 0 || (wanted.nSamples > 1 && !hasSampleVariables()))
     {
         if (!std::exchange(_isSaid, true))
             vo::dbgLog("Warning! Model::draw: no layers here, translucent surfaces are blended as they are drawn");
@@ -111,11 +185,12 @@ bool GlassCanvas::prepare(const BoundTarget& target)
                                      wanted.viewport[2], wanted.viewport[3]);
     glBindRenderbuffer(GL_RENDERBUFFER, renderbufferBefore);
     glGenFramebuffers(static_cast<GLsizei>(_framebuffers.size()), _framebuffers.data());
+    const GLenum drawn = drawsHalfFloats() ? GL_RGBA16F : GL_RGBA8;
     bool isComplete = true;
     for (std::size_t i = 0; i < _framebuffers.size(); ++i)
     {
         glBindFramebuffer(GL_FRAMEBUFFER, _framebuffers[i]);
-        _textures[i] = makeTexture(i == cDrawn ? GL_RGBA16F : GL_R32F);
+        _textures[i] = makeTexture(i == cDrawn ? drawn : _isPacked ? GL_RGBA8 : GL_R32F);
         glFramebufferRenderbuffer(GL_FRAMEBUFFER, wanted.hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
                                   GL_RENDERBUFFER, _depth);
         isComplete = isComplete && glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
@@ -156,31 +231,47 @@ void GlassCanvas::bind(const Pass& pass)
 void GlassCanvas::drawLayers(const BoundTarget& target, std::span<const Source> sources)
 {
     constexpr std::array<float, 4> cNothing{};
-    const auto bindFramebuffer = [&](std::size_t i)
+    const GLenum question = gl::Context::isES() ? GL_ANY_SAMPLES_PASSED : GL_SAMPLES_PASSED;
+    const auto [x, y, width, height] = target.viewport;
+    const bool isShared = _sharedDepth != 0;
+    const auto bindFramebuffer = [&, x = x, y = y, width = width, height = height](std::size_t i)
     {
+        // The depth test that finds a layer leaves its depths.
+        if (_isPacked)
+            target.copyDepth(_framebuffers[i]);
         glBindFramebuffer(GL_FRAMEBUFFER, _framebuffers[i]);
-        glViewport(0, 0, target.viewport[2], target.viewport[3]);
+        glViewport(isShared ? x : 0, isShared ? y : 0, width, height);
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     };
     const auto drawAll = [&](Pass::Kind kind, std::size_t layer)
     {
         gl::Context::enable(gl::Context::Flag::Blend);
         for (const Source& source : sources)
-            source({kind, target.nSamples, kind == Pass::Kind::Nearest ? 0 : _textures[layer]});
+            source({kind, _made.nSamples, kind == Pass::Kind::Nearest ? 0 : _textures[layer], _isPacked});
+    };
+    const auto beginIf = [](unsigned int query)
+    {
+        if (!gl::Context::isES())
+            glBeginConditionalRender(query, GL_QUERY_WAIT);
+    };
+    const auto endIf = []
+    {
+        if (!gl::Context::isES())
+            glEndConditionalRender();
     };
     // Of what is found in a pixel the nearest stays.
-    const auto find = [&](std::size_t i)
+    const auto findLayer = [&](std::size_t i)
     {
         bindFramebuffer(i % 2);
         glClearBufferfv(GL_COLOR, 0, cNothing.data());
         glBlendEquation(GL_MAX);
         if (i > 0)
-            glBeginConditionalRender(_queries[i - 1], GL_QUERY_WAIT);
-        glBeginQuery(GL_SAMPLES_PASSED, _queries[i]);
+            beginIf(_queries[i - 1]);
+        glBeginQuery(question, _queries[i]);
         drawAll(i == 0 ? Pass::Kind::Nearest : Pass::Kind::Next, (i + 1) % 2);
-        glEndQuery(GL_SAMPLES_PASSED);
+        glEndQuery(question);
         if (i > 0)
-            glEndConditionalRender();
+            endIf();
     };
     // What is drawn goes behind what is there.
     const auto drawFound = [&](std::size_t i, Pass::Kind kind)
@@ -188,34 +279,36 @@ void GlassCanvas::drawLayers(const BoundTarget& target, std::span<const Source> 
         bindFramebuffer(cDrawn);
         glBlendEquation(GL_FUNC_ADD);
         gl::Context::setBlendFunction(gl::Blend::Factor::OneMinusDstAlpha, gl::Blend::Factor::One);
-        glBeginConditionalRender(_queries[i], GL_QUERY_WAIT);
+        beginIf(_queries[i]);
         drawAll(kind, i % 2);
-        glEndConditionalRender();
+        endIf();
     };
     bindFramebuffer(cDrawn);
     glClearBufferfv(GL_COLOR, 0, cNothing.data());
     for (std::size_t i = 0; i < cLayers; ++i)
     {
-        find(i);
+        findLayer(i);
+        if (isEmpty(i))
+            return;
         drawFound(i, Pass::Kind::Layer);
     }
-    find(cLayers);
+    findLayer(cLayers);
     drawFound(cLayers, Pass::Kind::Rest);
 }
 
 void GlassCanvas::composite(const BoundTarget& target)
 {
-    if (_pComposite == nullptr || _pComposite->nSamplesOfIt != target.nSamples)
+    if (_pComposite == nullptr || _pComposite->nSamplesOfIt != _made.nSamples)
     {
         _pComposite = std::make_shared<CompositeProgram>();
-        _pComposite->link(target.nSamples);
+        _pComposite->link(_made.nSamples);
     }
     if (!_pComposite->isOK())
         return;
     _pComposite->activate();
     _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->corner),
-                                 glm::vec2(target.viewport[0], target.viewport[1]));
-    bind({Pass::Kind::Rest, target.nSamples, _textures[cDrawn]});
+                                 _sharedDepth != 0 ? glm::vec2(0) : glm::vec2(target.viewport[0], target.viewport[1]));
+    bind({Pass::Kind::Rest, _made.nSamples, _textures[cDrawn]});
     using gl::Context;
     for (const Context::Flag flag : {Context::Flag::DepthTest, Context::Flag::CullFace, Context::Flag::StencilTest})
         Context::disable(flag);
@@ -233,7 +326,7 @@ void GlassCanvas::draw(std::span<const Source> sources)
     const BoundTarget target = BoundTarget::get();
     if (target.isEmpty())
         return;
-    if (!prepare(target))
+    if (!prepare(find(target)))
     {
         target.bind();
         gl::Context::enable(gl::Context::Flag::Blend);
@@ -246,14 +339,20 @@ void GlassCanvas::draw(std::span<const Source> sources)
     // Of what is aside all is drawn.
     const bool isScissored = glIsEnabled(GL_SCISSOR_TEST) == GL_TRUE;
     gl::Context::disable(gl::Context::Flag::ScissorTest);
-    target.copyDepth(_framebuffers[0]);
+    if (_sharedDepth != 0)
+        attachDepth(_sharedDepth);
+    else
+        target.copyDepth(_framebuffers[0]);
     drawLayers(target, sources);
+    // It goes with the framebuffer that it is of.
+    if (_sharedDepth != 0)
+        attachDepth(_depth);
     target.bind();
     if (isScissored)
         gl::Context::enable(gl::Context::Flag::ScissorTest);
     composite(target);
     gl::Context::setActiveTextureUnit(cUnit);
-    glBindTexture(targetOf(target.nSamples), 0);
+    glBindTexture(targetOf(_made.nSamples), 0);
 }
 
 } // namespace gui::draw

@@ -7,6 +7,7 @@
 #include <gui/gl/Quads.h>
 
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <span>
@@ -19,6 +20,10 @@ namespace gui::draw
 /// what is not behind the layer before left out (depth peeling, Everitt, 2001; the nearest depth is found by blending,
 /// as Bavoil and Myers do, 2008, so that samples of a pixel need not be drawn one by one). What lies behind the last
 /// layer is blended in the order of drawing. A layer that nothing is in ends it, which the GPU finds out by itself.
+///
+/// OpenGL ES asks the GPU whether a layer has something in it, and copies no depth of several samples: there layers
+/// have the depth buffer of what is drawn into, or one sample, where that is a frame. Where it blends no floats, the
+/// nearest depth is found by the depth test, and written as the bytes of its bits.
 class GlassCanvas
 {
 public:
@@ -36,6 +41,7 @@ public:
         Kind kind;
         int nSamples;          ///< of a pixel
         unsigned int nearness; ///< a texture with a layer, of as many samples
+        bool isPacked = false; ///< which has bytes, and is found by the depth test
     };
     /// Draws some surfaces, with the blending that there is.
     using Source = std::function<void(const Pass& pass)>;
@@ -64,8 +70,11 @@ public:
 private:
     class CompositeProgram;
 
-    bool prepare(const BoundTarget& target);
+    BoundTarget find(const BoundTarget& target);
+    bool prepare(const BoundTarget& wanted);
     unsigned int makeTexture(unsigned int format) const;
+    void attachDepth(unsigned int renderbuffer) const;
+    bool isEmpty(std::size_t layer) const;
     void drawLayers(const BoundTarget& target, std::span<const Source> sources);
     void composite(const BoundTarget& target);
     void release();
@@ -76,6 +85,8 @@ private:
     std::array<unsigned int, cLayers + 1> _queries{};
     BoundTarget _made; // what they are for; of a place only the size counts
     bool _isRefused = false, _isSaid = false;
+    bool _isPacked = false;        // see Pass
+    unsigned int _sharedDepth = 0; // of what is drawn into, where that is used; else 0
     std::shared_ptr<CompositeProgram> _pComposite;
     gl::Quads _quads;
     gl::ContextResource _home{

@@ -1,6 +1,9 @@
 #include <gui/draw/IdPicker.h>
 
+#include "DepthReader.h"
+
 #include <gui/draw/DepthCanvas.h>
+#include <gui/gl/Context.h>
 #include <gui/gl/ContextResource.h>
 #include <gui/gl/Framebuffer.h>
 #include <gui/gl/StateGuard.h>
@@ -13,6 +16,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 namespace gui::draw
@@ -30,7 +34,7 @@ constexpr int cMostFrames = 16;
 bool hasFences()
 {
     constexpr int cFirstVersion = 32;
-    return epoxy_gl_version() >= cFirstVersion || epoxy_has_gl_extension("GL_ARB_sync");
+    return gl::Context::isAtLeast(cFirstVersion, 30) || epoxy_has_gl_extension("GL_ARB_sync");
 }
 
 } // namespace
@@ -135,13 +139,13 @@ struct IdPicker::Impl
     }
 
     // Ids, and depths behind them, to where a slice has them in the buffer.
-    void copySlice(int nPixels, std::size_t slice) const
+    void copySlice(int nPixels, std::size_t slice)
     {
         const auto at = [](std::size_t offset) { return reinterpret_cast<void*>(offset); };
         const std::size_t n = nIdBytes(nPixels), first = slice * 2 * n;
         glBindBuffer(GL_PIXEL_PACK_BUFFER, buffer);
         glReadPixels(0, 0, nPixels, nPixels, GL_RGBA, GL_UNSIGNED_BYTE, at(first));
-        glReadPixels(0, 0, nPixels, nPixels, GL_DEPTH_COMPONENT, GL_FLOAT, at(first + n));
+        depths.read(nPixels, nPixels, at(first + n));
         glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     }
 
@@ -195,7 +199,12 @@ struct IdPicker::Impl
         const auto n = static_cast<std::size_t>(got.nPixels * got.nPixels);
         std::vector<std::uint32_t> words(2 * n * got.eyes.size());
         glBindBuffer(GL_PIXEL_PACK_BUFFER, buffer);
-        glGetBufferSubData(GL_PIXEL_PACK_BUFFER, 0, static_cast<GLsizeiptr>(4 * words.size()), words.data());
+        const auto size = static_cast<GLsizeiptr>(4 * words.size());
+        if (const void* const pBytes = glMapBufferRange(GL_PIXEL_PACK_BUFFER, 0, size, GL_MAP_READ_BIT))
+        {
+            std::memcpy(words.data(), pBytes, static_cast<std::size_t>(size));
+            glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
+        }
         glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
         Answer answer{.point = got.point, .id = 0, .place = std::nullopt};
         const int middle = got.nPixels / 2;
@@ -254,6 +263,7 @@ struct IdPicker::Impl
     std::optional<Sent> sent;
     DepthCanvas canvas; // whose frames draw into what is bound
     gl::Framebuffer framebuffer;
+    DepthReader depths;
     unsigned int buffer = 0;
     std::size_t nBytes = 0;
     GLsync fence = nullptr;

@@ -95,18 +95,8 @@ bool ModelPainter::prepare(const ModelLook& look, const std::vector<ModelPart>& 
         pTable->setKeptForRestore(false);
     gl::Buffer& buffer = _pGL->triangles;
     buffer.setKeptForRestore(false);
-    using gl::DataType;
-    using Layout = std::initializer_list<DataType>;
     const std::size_t nVertices = _data.vertices.size() / _data.getFloatsPerVertex();
-    const auto init = [&](const Layout& layout) { return buffer.init(0, nVertices, _data.indices.size(), layout); };
-    if (_data.hasTextureCoordinates && _data.hasRests)
-        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2, DataType::Vec3});
-    else if (_data.hasTextureCoordinates)
-        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2});
-    else if (_data.hasRests)
-        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec3});
-    else
-        init({DataType::Vec3, DataType::NormShort4, DataType::Float});
+    initBuffer(buffer, nVertices, _data.indices.size());
     buffer.appendVertices(_data.vertices.data(), nVertices);
     buffer.appendIndices(_data.indices.data(), _data.indices.size());
     if (!buffer.commit() || !buffer.isCommitted())
@@ -117,6 +107,35 @@ bool ModelPainter::prepare(const ModelLook& look, const std::vector<ModelPart>& 
     _partTexels.clear();
     _arePartsChanged = true; // until they are there
     return uploadParts(parts, look.section.hatch, _sight.scale);
+}
+
+void ModelPainter::initBuffer(gl::Buffer& buffer, std::size_t nVertices, std::size_t nIndices) const
+{
+    using gl::DataType;
+    using Layout = std::initializer_list<DataType>;
+    const auto init = [&](const Layout& layout) { return buffer.init(0, nVertices, nIndices, layout); };
+    if (_data.hasTextureCoordinates && _data.hasRests)
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2, DataType::Vec3});
+    else if (_data.hasTextureCoordinates)
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec2});
+    else if (_data.hasRests)
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float, DataType::Vec3});
+    else
+        init({DataType::Vec3, DataType::NormShort4, DataType::Float});
+}
+
+// Without geometry shaders: each triangle has corners of its own.
+bool ModelPainter::uploadCorners()
+{
+    gl::Buffer& corners = _pGL->corners;
+    if (corners.isCommitted())
+        return true;
+    corners.setKeptForRestore(false);
+    initBuffer(corners, _data.indices.size(), 0);
+    const std::size_t nFloats = _data.getFloatsPerVertex();
+    for (const std::uint32_t index : _data.indices)
+        corners.appendVertices(_data.vertices.data() + nFloats * index, 1);
+    return (corners.commit() && corners.isCommitted()) || fail("GL has no room for its wires");
 }
 
 bool ModelPainter::uploadParts(const std::vector<ModelPart>& parts, const Model::Hatch& hatch, float scale)
@@ -202,7 +221,13 @@ ModelProgram* ModelPainter::activate(unsigned int features, const ModelLook& loo
         fail("its program does not link");
         return nullptr;
     }
-    pProgram->setBuffer(isSurface ? &_pGL->triangles : isFace ? &_pGL->section.triangles : nullptr);
+    _hasCorners = (features & ModelProgram::Wires) != 0 && gl::Context::isES();
+    if (_hasCorners && !uploadCorners())
+        return nullptr;
+    pProgram->setBuffer(_hasCorners ? &_pGL->corners
+                        : isSurface ? &_pGL->triangles
+                        : isFace    ? &_pGL->section.triangles
+                                    : nullptr);
     pProgram->activate();
     pProgram->setBuffer(nullptr);
     ModelProgram& program = *pProgram;
@@ -248,7 +273,10 @@ void ModelPainter::flush(std::uint32_t first, std::uint32_t end)
     if (first >= end)
         return;
     gl::Command* pCommand = _commands.get();
-    pCommand->createDrawElements(gl::Primitive::Triangles, first, end - first);
+    if (_hasCorners)
+        pCommand->createDrawArrays(gl::Primitive::Triangles, first, end - first);
+    else
+        pCommand->createDrawElements(gl::Primitive::Triangles, first, end - first);
     _commands.encode(pCommand);
 }
 

@@ -85,6 +85,7 @@ private:
         gl::CurrentContext::ID contextID = 0;
         std::shared_ptr<ModelPrograms> pPrograms;
         gl::Buffer triangles;
+        gl::Buffer corners; ///< of triangles with wires, on OpenGL ES
         gl::BufferTexture parts{gl::BufferTexture::Format::Float4};
         gl::BufferTexture edges{gl::BufferTexture::Format::Float4};
         gl::Framebuffer mask;
@@ -109,6 +110,8 @@ private:
     bool begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone);
     bool prepare(const ModelLook& look, const std::vector<ModelPart>& parts);
     bool uploadParts(const std::vector<ModelPart>& parts, const Model::Hatch& hatch, float scale);
+    void initBuffer(gl::Buffer& buffer, std::size_t nVertices, std::size_t nIndices) const;
+    bool uploadCorners();
     bool uploadEdges();
     const Level& chooseLevel(const Eye& eye, double tolerance) const;
     ModelProgram* activate(unsigned int features, const ModelLook& look);
@@ -136,6 +139,7 @@ private:
     ModelSight _sight;
     ModelSection _section;
     std::weak_ptr<SpaceLayers> _pLayers; // where it waits
+    bool _hasCorners = false;            // what is drawn now
     float _scale = 0;                    // pixels per point that the parts were uploaded for
     std::unique_ptr<InGL> _pGL;
     gl::CommandList _commands; // those of a frame

@@ -16,6 +16,9 @@ namespace gui::draw
 namespace
 {
 
+// Of a slice of the depth, what is before and behind it too: it has no outline there.
+constexpr unsigned int cMask = ModelProgram::Plain | ModelProgram::Mask;
+
 constexpr float cLargestOutline = 24; // pixels, all of which the shader looks through
 
 } // namespace
@@ -138,19 +141,14 @@ bool ModelPainter::drawOutline(const Level& level, const ModelLook& look)
         Context::disable(Context::Flag::ScissorTest);
         glClearColor(0, 0, 0, 0);
         Context::clear(Context::Clear::Color);
-        ModelProgram* pProgram = activate(ModelProgram::Plain, look);
+        ModelProgram* pProgram = activate(cMask, look);
         if (pProgram == nullptr)
             return false;
         pProgram->setUniformValue(pProgram->at(ModelProgram::PlainColor), glm::vec4(1));
-        // Of a slice of the depth, what is before and behind it too: it has no outline there.
-        const bool isClamped = glIsEnabled(GL_DEPTH_CLAMP) == GL_TRUE;
-        glEnable(GL_DEPTH_CLAMP);
         const ClipState clip(_sight.clipping);
         const auto isSelected = [](const State& state) { return state.isSelected; };
         drawCells(level, nullptr, isSelected, false);
-        drawFaces({ModelProgram::Plain, glm::vec4(1)}, look, isSelected);
-        if (!isClamped)
-            glDisable(GL_DEPTH_CLAMP);
+        drawFaces({cMask, glm::vec4(1)}, look, isSelected);
     }
     if (isScissored)
         Context::enable(Context::Flag::ScissorTest);

@@ -47,6 +47,13 @@ void ModelPainter::drawGlass(const Eye& eye, const ModelLook& look, const std::v
         features |= ModelProgram::Plain;
     if (pass.nSamples > 1 && pass.kind != Kind::Unsorted)
         features |= ModelProgram::Samples;
+    if (pass.isPacked)
+        features |= ModelProgram::Packed;
+    if (pass.isPacked && (features & ModelProgram::Plain) != 0)
+    {
+        gl::Context::maskDepthBuffer(true);
+        gl::Context::disable(gl::Context::Flag::Blend);
+    }
     ModelProgram* pProgram = activate(features, look);
     if (pProgram == nullptr)
         return;

@@ -4,6 +4,7 @@
 #include "SharedInContext.h"
 
 #include <gui/Res.h>
+#include <gui/gl/Context.h>
 
 #include <glm/vec3.hpp>
 
@@ -16,8 +17,9 @@ namespace gui::draw
 namespace
 {
 
-constexpr std::array<const char*, 12> cModelFeatures{"TEXTURED", "RESTS",   "WIRES", "PLAIN", "IDS",     "EDGES",
-                                                     "OUTLINE",  "CLIPPED", "FACES", "GLASS", "SAMPLES", "SHADOWED"};
+constexpr std::array<const char*, 14> cModelFeatures{"TEXTURED", "RESTS",    "WIRES",   "PLAIN", "IDS",
+                                                     "EDGES",    "OUTLINE",  "CLIPPED", "FACES", "GLASS",
+                                                     "SAMPLES",  "SHADOWED", "MASK",    "PACKED"};
 
 // By ModelProgram::Uniform.
 constexpr std::array<const char*, ModelProgram::cUniforms> cUniformNames{
@@ -42,6 +44,10 @@ bool ModelProgram::link(unsigned int features)
     for (std::size_t i = 0; i < cModelFeatures.size(); ++i)
         if ((features >> i & 1U) != 0)
             head += std::string("#define ") + cModelFeatures[i] + '\n';
+    // OpenGL ES may have no such shaders, and slow ones: there each triangle has corners of its own.
+    const bool hasGeometry = (features & Wires) != 0 && !gl::Context::isES();
+    if (hasGeometry)
+        head += "#define GEOMETRY\n";
     const char* name = (features & Edges) != 0     ? ":draw/modeledge"
                        : (features & Faces) != 0   ? ":draw/modelface"
                        : (features & Outline) != 0 ? ":draw/modeloutline"
@@ -53,7 +59,7 @@ bool ModelProgram::link(unsigned int features)
     { return head + before + gui::getResText((std::string(name) + stage).c_str()).c_str(); };
     const std::string clips = ((features & Edges) == 0 ? "#define CLIPS\n" : "") + clipping;
     const std::string vertex = source(".vert", clips), fragment = source(".frag", clipping + light);
-    if ((features & Wires) == 0)
+    if (!hasGeometry)
         return Program::link(vertex.c_str(), fragment.c_str());
     return Program::link(vertex.c_str(), fragment.c_str(), source(".geom", clips).c_str());
 }

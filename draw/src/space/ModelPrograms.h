@@ -25,18 +25,20 @@ public:
     /// The shaders' names for these are in the source, in the same order.
     enum Feature : unsigned int
     {
-        Textured = 1,   ///< vertices have texture coordinates
-        Rests = 2,      ///< and what floats lack of their positions
-        Wires = 4,      ///< triangles with their sides
-        Plain = 8,      ///< one colour
-        Ids = 16,       ///< the part's number as a colour
-        Edges = 32,     ///< quads about edges
-        Outline = 64,   ///< the outline of a mask
-        Clipped = 128,  ///< with planes that cut something away
-        Faces = 256,    ///< faces of cuts
-        Glass = 512,    ///< translucent, for a GlassCanvas
-        Samples = 1024, ///< several of a pixel
-        Shadowed = 2048 ///< by a ShadowMap
+        Textured = 1,    ///< vertices have texture coordinates
+        Rests = 2,       ///< and what floats lack of their positions
+        Wires = 4,       ///< triangles with their sides
+        Plain = 8,       ///< one colour
+        Ids = 16,        ///< the part's number as a colour
+        Edges = 32,      ///< quads about edges
+        Outline = 64,    ///< the outline of a mask
+        Clipped = 128,   ///< with planes that cut something away
+        Faces = 256,     ///< faces of cuts
+        Glass = 512,     ///< translucent, for a GlassCanvas
+        Samples = 1024,  ///< several of a pixel
+        Shadowed = 2048, ///< by a ShadowMap
+        Mask = 4096,     ///< for the mask of an outline, at any depth
+        Packed = 8192    ///< how near glass is, as bytes
     };
     enum Uniform : std::size_t
     {

@@ -75,6 +75,31 @@ private:
     std::array<int, cUniforms> _uniforms{};
 };
 
+bool Occlusion::makeDepth(const BoundTarget& wanted)
+{
+    glGenTextures(1, &_depth);
+    glGenFramebuffers(1, &_depthBuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, _depthBuffer);
+    wanted.attachDepthTexture(_depth);
+    constexpr GLenum cNone = GL_NONE;
+    glDrawBuffers(1, &cNone);
+    glReadBuffer(GL_NONE);
+    return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+}
+
+bool Occlusion::makeLight(const BoundTarget& wanted)
+{
+    glGenTextures(1, &_light);
+    glBindTexture(GL_TEXTURE_2D, _light);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RG16F, wanted.viewport[2], wanted.viewport[3], 0, GL_RG, GL_FLOAT, nullptr);
+    for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+        glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
+    glGenFramebuffers(1, &_lightBuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, _lightBuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, _light, 0);
+    return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+}
+
 // @return false when there is no place for it
 bool Occlusion::prepare(const BoundTarget& target)
 {
@@ -85,34 +110,8 @@ bool Occlusion::prepare(const BoundTarget& target)
     release();
     _home.set(gl::CurrentContext::getID());
     _made = wanted;
-    const auto make = [&](unsigned int& texture, unsigned int& framebuffer, GLenum format, GLenum components,
-                          GLenum type, GLenum attachment)
-    {
-        glGenTextures(1, &texture);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format), wanted.viewport[2], wanted.viewport[3], 0,
-                     components, type, nullptr);
-        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
-            glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
-        glGenFramebuffers(1, &framebuffer);
-        glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-        glFramebufferTexture2D(GL_FRAMEBUFFER, attachment, GL_TEXTURE_2D, texture, 0);
-        const GLenum buffer = attachment == GL_COLOR_ATTACHMENT0 ? GL_COLOR_ATTACHMENT0 : GL_NONE;
-        glDrawBuffer(buffer);
-        glReadBuffer(buffer);
-        return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
-    };
     gl::Context::setActiveTextureUnit(gl::Texture::Unit::T5);
-    GLenum components = GL_DEPTH_COMPONENT, type = GL_FLOAT;
-    if (wanted.hasStencil)
-    {
-        components = GL_DEPTH_STENCIL;
-        type = wanted.depthFormat == GL_DEPTH24_STENCIL8 ? GL_UNSIGNED_INT_24_8 : GL_FLOAT_32_UNSIGNED_INT_24_8_REV;
-    }
-    _isRefused = wanted.depthFormat == 0 ||
-                 !make(_depth, _depthBuffer, wanted.depthFormat, components, type,
-                       wanted.hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT) ||
-                 !make(_light, _lightBuffer, GL_RG16F, GL_RG, GL_FLOAT, GL_COLOR_ATTACHMENT0);
+    _isRefused = wanted.depthFormat == 0 || !makeDepth(wanted) || !makeLight(wanted);
     glBindTexture(GL_TEXTURE_2D, 0);
     if (!_isRefused && _pLook == nullptr)
     {

@@ -30,6 +30,8 @@ private:
     class Program;
 
     bool prepare(const BoundTarget& target);
+    bool makeDepth(const BoundTarget& wanted);
+    bool makeLight(const BoundTarget& wanted);
     void release();
 
     BoundTarget _made; // what it is for; of a place only the size counts

@@ -1,12 +1,12 @@
 #include <gui/draw/OrbitView.h>
 
+#include "DepthReader.h"
+
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Color2DProgram.h>
 #include <gui/gl/StateGuard.h>
-
-#include <epoxy/gl.h>
 
 #include <array>
 #include <cstddef>
@@ -34,11 +34,12 @@ struct PickedDepth
 };
 
 // What is in the middle of what was drawn, or nearest to it.
-std::optional<PickedDepth> readDepth(const Eye& eye)
+std::optional<PickedDepth> readDepth(DepthReader& reader, const Eye& eye)
 {
     constexpr int cMiddle = cPickPixels / 2;
     std::array<float, std::size_t{cPickPixels} * cPickPixels> depths{};
-    glReadPixels(0, 0, cPickPixels, cPickPixels, GL_DEPTH_COMPONENT, GL_FLOAT, depths.data());
+    if (!reader.read(cPickPixels, cPickPixels, depths.data()))
+        return std::nullopt;
     const float nothing = eye.getDepth() == Eye::Depth::Reversed ? 0 : 1;
     std::optional<PickedDepth> found;
     int nearest = cPickPixels * cPickPixels;
@@ -237,6 +238,8 @@ std::optional<glm::dvec3> OrbitView::pick(const Ray& ray)
          {gl::Context::Flag::CullFace, gl::Context::Flag::StencilTest, gl::Context::Flag::Blend,
           gl::Context::Flag::ScissorTest, gl::Context::Flag::PolygonOffset})
         gl::Context::disable(flag);
+    if (_pDepthReader == nullptr)
+        _pDepthReader = std::make_unique<DepthReader>();
     std::optional<glm::dvec3> found;
     int nearest = cPickPixels * cPickPixels;
     DepthCanvas::Frame frame(_canvas, part, true);
@@ -245,7 +248,7 @@ std::optional<glm::dvec3> OrbitView::pick(const Ray& ray)
     while (const Eye* const pEye = frame.next())
     {
         drawScene(*pEye);
-        const std::optional<PickedDepth> depth = readDepth(*pEye);
+        const std::optional<PickedDepth> depth = readDepth(*_pDepthReader, *pEye);
         if (!depth || depth->dx * depth->dx + depth->dy * depth->dy > nearest)
             continue;
         nearest = depth->dx * depth->dx + depth->dy * depth->dy;

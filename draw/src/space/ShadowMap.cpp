@@ -118,7 +118,8 @@ bool ShadowMap::begin()
         glGenTextures(1, &_texture);
         gl::Context::setActiveTextureUnit(gl::Texture::Unit::T5);
         glBindTexture(GL_TEXTURE_2D, _texture);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, _size, _size, 0, GL_DEPTH_COMPONENT, GL_FLOAT, nullptr);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, _size, _size, 0, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT,
+                     nullptr);
         for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
             glTexParameteri(GL_TEXTURE_2D, filter, GL_LINEAR);
         for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
@@ -129,7 +130,8 @@ bool ShadowMap::begin()
         glGenFramebuffers(1, &_framebuffer);
         glBindFramebuffer(GL_FRAMEBUFFER, _framebuffer);
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, _texture, 0);
-        glDrawBuffer(GL_NONE);
+        constexpr GLenum cNone = GL_NONE;
+        glDrawBuffers(1, &cNone);
         glReadBuffer(GL_NONE);
         _made = _size;
     }

@@ -13,17 +13,27 @@
 namespace gui::gtk
 {
 
+namespace
+{
+
+struct Request
+{
+    GdkGLAPI api;
+    int major, minor;
+};
+
+} // namespace
+
 AreaHost::AreaHost(GtkGLArea* pArea, gui::gl::HostedView::Maker make, const gui::gl::Context& context)
     : _pArea(pArea)
     , _pWidget(GTK_WIDGET(pArea))
-    , _is41(context.getProfile() == gui::gl::Context::Profile::Core41)
+    , _sizes(gui::gl::decodePixelFormat(gui::gl::requestPixelFormat(context)))
     , _view(*this, std::move(make))
     , _input(_pWidget, _view)
 {
     GtkHost::use();
-    const gui::gl::PixelFormatSizes sizes = gui::gl::decodePixelFormat(gui::gl::buildPixelFormat(context));
-    gtk_gl_area_set_has_depth_buffer(pArea, sizes.depthBits > 0);
-    gtk_gl_area_set_has_stencil_buffer(pArea, sizes.stencilBits > 0);
+    gtk_gl_area_set_has_depth_buffer(pArea, _sizes.depthBits > 0);
+    gtk_gl_area_set_has_stencil_buffer(pArea, _sizes.stencilBits > 0);
     gtk_widget_set_focusable(_pWidget, TRUE);
 }
 
@@ -43,7 +53,7 @@ void AreaHost::close()
 
 void AreaHost::fail(const char* why)
 {
-    vo::dbgLog("ERROR! %s needs OpenGL 3.2, and GTK says: %s", getName(), why);
+    vo::dbgLog("ERROR! %s needs OpenGL 3.2 or OpenGL ES 3.1, and GTK says: %s", getName(), why);
     GError* const pError = g_error_new_literal(GDK_GL_ERROR, GDK_GL_ERROR_NOT_AVAILABLE, why);
     gtk_gl_area_set_error(_pArea, pError);
     g_error_free(pError);
@@ -58,16 +68,18 @@ GdkGLContext* AreaHost::createContext()
         _view.contextLost();
         g_clear_object(&_pContext);
     }
-    for (const int major : {4, 3})
+    // OpenGL ES where there is nothing else, too.
+    for (const Request& request : {Request{GDK_GL_API_GL, 4, 1}, {GDK_GL_API_GL, 3, 2}, {GDK_GL_API_GLES, 3, 1}})
     {
-        if (_pContext != nullptr || (major == 4 && !_is41))
+        const bool isES = request.api == GDK_GL_API_GLES;
+        if (_pContext != nullptr || (_sizes.isES && !isES) || (request.major == 4 && !_sizes.is41))
             continue;
         g_clear_error(&pError);
         GdkGLContext* pContext = gdk_display_create_gl_context(gtk_widget_get_display(_pWidget), &pError);
         if (pContext == nullptr)
             break;
-        gdk_gl_context_set_allowed_apis(pContext, GDK_GL_API_GL);
-        gdk_gl_context_set_required_version(pContext, major, major == 4 ? 1 : 2);
+        gdk_gl_context_set_allowed_apis(pContext, request.api);
+        gdk_gl_context_set_required_version(pContext, request.major, request.minor);
         if (gdk_gl_context_realize(pContext, &pError) != FALSE)
             std::swap(_pContext, pContext);
         g_clear_object(&pContext);
@@ -79,9 +91,11 @@ GdkGLContext* AreaHost::createContext()
     int major = 0, minor = 0;
     if (_pContext != nullptr && makeContextCurrent())
         gdk_gl_context_get_version(_pContext, &major, &minor);
-    if (_pContext != nullptr && std::pair(major, minor) < std::pair(3, 2))
+    const bool isES = _pContext != nullptr && gdk_gl_context_get_api(_pContext) == GDK_GL_API_GLES;
+    if (_pContext != nullptr && std::pair(major, minor) < (isES ? std::pair(3, 1) : std::pair(3, 2)))
     {
-        fail(("OpenGL " + std::to_string(major) + '.' + std::to_string(minor)).c_str());
+        fail((std::string(isES ? "OpenGL ES " : "OpenGL ") + std::to_string(major) + '.' + std::to_string(minor))
+                 .c_str());
         g_clear_object(&_pContext);
     }
     return _pContext != nullptr ? GDK_GL_CONTEXT(g_object_ref(_pContext)) : nullptr;

@@ -4,6 +4,7 @@
 
 #include <gui/gl/Context.h>
 #include <gui/gl/port/HostedView.h>
+#include <gui/gl/port/PixelFormat.h>
 
 #include <gtk/gtk.h>
 
@@ -51,7 +52,7 @@ private:
 
     GtkGLArea* _pArea;
     GtkWidget* _pWidget;
-    bool _is41;
+    gui::gl::PixelFormatSizes _sizes;
     GdkGLContext* _pContext = nullptr; // for as long as the area is on its display
     gui::gl::HostedView _view;
     GtkInput _input;

@@ -38,9 +38,9 @@ QSurfaceFormat toFormat(const gui::gl::Context& context)
 {
     const gui::gl::PixelFormatSizes sizes = gui::gl::decodePixelFormat(gui::gl::requestPixelFormat(context));
     QSurfaceFormat format;
-    format.setRenderableType(QSurfaceFormat::OpenGL);
-    format.setProfile(QSurfaceFormat::CoreProfile);
-    format.setVersion(sizes.is41 ? 4 : 3, sizes.is41 ? 1 : 2);
+    format.setRenderableType(sizes.isES ? QSurfaceFormat::OpenGLES : QSurfaceFormat::OpenGL);
+    format.setProfile(sizes.isES ? QSurfaceFormat::NoProfile : QSurfaceFormat::CoreProfile);
+    format.setVersion(sizes.is41 ? 4 : 3, sizes.is41 || sizes.isES ? 1 : 2);
     format.setDepthBufferSize(sizes.depthBits);
     format.setStencilBufferSize(sizes.stencilBits);
     format.setSamples(sizes.nSamples > 1 ? sizes.nSamples : 0);
@@ -67,9 +67,9 @@ void ViewHost::initialize()
 {
     QOpenGLContext* const pContext = getQtContext();
     const QSurfaceFormat format = pContext->format();
-    if (pContext->isOpenGLES() || format.version() < std::pair(3, 2))
+    if (format.version() < (pContext->isOpenGLES() ? std::pair(3, 1) : std::pair(3, 2)))
     {
-        vo::dbgLog("ERROR! %s needs OpenGL 3.2, and Qt has OpenGL%s %d.%d", getName(),
+        vo::dbgLog("ERROR! %s needs OpenGL 3.2 or OpenGL ES 3.1, and Qt has OpenGL%s %d.%d", getName(),
                    pContext->isOpenGLES() ? " ES" : "", format.majorVersion(), format.minorVersion());
         return;
     }

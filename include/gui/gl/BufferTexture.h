@@ -45,7 +45,8 @@ public:
     /// @return false, with what was there kept and a log line, without a current context ("Error!
     ///         BufferTexture::resize without a current GL context!"), when the driver has no room for so many texels
     ///         ("Error! BufferTexture::resize: N texels, the driver has M at most!"), or no names to give ("Error!
-    ///         BufferTexture::resize cannot create its buffer and its texture!")
+    ///         BufferTexture::resize cannot create its buffer and its texture!"), or on an OpenGL ES 3.1 whose driver
+    ///         has no texture buffers ("Error! BufferTexture::resize: this OpenGL ES has no texture buffers!")
     bool resize(std::size_t nTexels);
     /// The texels there is room for; 0 after the death of the context.
     std::size_t getSize() const { return _home.isAlive() ? _nTexels : 0; }

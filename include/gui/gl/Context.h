@@ -129,7 +129,8 @@ public:
     enum class Profile : td::BYTE
     {
         Core32, ///< OpenGL 3.2 core
-        Core41  ///< OpenGL 4.1 core
+        Core41, ///< OpenGL 4.1 core
+        ES31    ///< OpenGL ES 3.1, with texture buffers where the driver has them; what it lacks stands in docs/es.md
     };
 
     /// A buffer to clear.
@@ -198,6 +199,12 @@ public:
     /// Minimum, maximum.
     std::tuple<float, float> getPreferredFrameRateRange() const { return {_minFrameRate, _maxFrameRate}; }
 
+    /// Whether the context that is current is one of OpenGL ES. False without a context that CurrentContext knows.
+    static bool isES();
+    /// Whether the context that is current has a version at least: ten times the major number, and the minor one.
+    /// @param version  of OpenGL, 33 for OpenGL 3.3  @param versionES  of OpenGL ES; 0 for none
+    static bool isAtLeast(int version, int versionES);
+
     /// Clears one buffer.
     static void clear(Clear what);
     /// Clears one buffer after setting the colour that the colour buffer is cleared to.
@@ -209,6 +216,8 @@ public:
     static void clear(td::ColorID color);
     /// The same with the colour's own alpha: clear("#204060"), clear(td::Color(32, 64, 96, 128)).
     static void clear(td::Color color);
+    /// Sets the depth that the depth buffer is cleared to, from 0 to 1; 1 in a new context.
+    static void setClearDepth(float depth);
 
     /// What the next bind of a texture is for.
     static void setActiveTextureUnit(Texture::Unit unit);
@@ -247,9 +256,12 @@ public:
     static void setPolygonOffset(float factor, float units);
     /// Which channels are written, by clearing too; all in a new context. It stays from frame to frame.
     static void maskColorBuffer(bool red, bool green, bool blue, bool alpha);
+    /// On OpenGL ES, it reaches programs whose vertex shader says nothing of gl_PointSize.
     /// @param size  in device pixels
     static void setPointSize(float size);
-    /// For front and back faces alike.
+    /// For front and back faces alike. OpenGL ES fills triangles and nothing else: there it is commands that draw the
+    /// sides or corners of their triangles instead, those of culled faces too, and more slowly; GL calls of others
+    /// fill.
     static void setPolygonMode(PolygonMode mode);
 
 private:

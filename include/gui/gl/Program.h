@@ -37,6 +37,7 @@ namespace gui::gl
 {
 
 class Buffer;
+struct UniformValue;
 
 /// A linked GL program: stages compiled from text or resources, uniforms, and the commands recorded into it.
 ///
@@ -217,12 +218,13 @@ private:
     void sayColorGoesNowhere(int nComponents);
     static unsigned int _link(const char* vertexResID, const char* fragmentResID, const char* tessCtrlResID,
                               const char* tessEvalResID, const char* geometryResID, unsigned int before = 0);
-    static unsigned int compile(GLSL::Type type, const char* resID);
+    static unsigned int compile(GLSL::Type type, const char* resID, bool isLast, std::vector<UniformValue>& uniforms);
     static bool isCompilationOK(GLSL::Type type, unsigned int shader, const char* name, const char* source);
     static bool isLinkingOK(unsigned int program, const char* vertexName, const char* fragmentName);
     bool finishLink(unsigned int programID, const Sources& sources);
     void onContext(ContextResource::Event event);
     void linkAgain();
+    void findPointSize();
     void moveLocation(int& location) const;
     void sendUniforms() const;
     void remember(unsigned int loc, UniformKind kind, const void* pValue) const;
@@ -249,6 +251,7 @@ protected:
     int _matrixLocation = -1;
 
 private:
+    int _pointSizeLocation = -1; // on OpenGL ES alone
     // Since the last link, once each.
     bool _hasSaidNotLinked = false;
     bool _hasSaidColor = false;

@@ -5,6 +5,7 @@
 #include <td/Export.h>
 
 #include <cstdint>
+#include <map>
 #include <span>
 #include <vector>
 
@@ -40,10 +41,14 @@ public:
 
 private:
     bool prepare();
+    void drawPieces() const;
+    void drawPages(std::span<const Range> ranges);
+    unsigned int getPage(std::uint32_t page);
     void onContext(ContextResource::Event event);
 
     unsigned int _vao = 0;
     unsigned int _ebo = 0;
+    std::map<std::uint32_t, unsigned int> _pages; // indices of some quads each, where there are no base vertices
     // What is here for all quads is made when it is needed.
     ContextResource _home{
         [](void* pThis, ContextResource::Event event) { static_cast<Quads*>(pThis)->onContext(event); }, this};

@@ -38,7 +38,7 @@ private:
     int _drawFramebuffer = 0;
     int _readFramebuffer = 0;
     int _depthFunction = 0;
-    int _polygonMode = 0;
+    unsigned int _polygonMode = 0;
     int _vertexArray = 0;
     int _program = 0;
     int _activeTexture = 0;

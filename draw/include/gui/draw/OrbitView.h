@@ -23,6 +23,8 @@
 namespace gui::draw
 {
 
+class DepthReader;
+
 /// A view of a model to turn, to go nearer to and to click: viewers of meshes, parts, buildings, globes. A whole
 /// program:
 ///
@@ -161,6 +163,7 @@ private:
     Clipping _clipping;
     DepthProbe _probe{this};
     gl::Framebuffer _pickBuffer;
+    std::unique_ptr<DepthReader> _pDepthReader;
     std::optional<td::Point<double>> _pointer;
     OrbitCamera::Pose _drawn;
 };

@@ -58,7 +58,8 @@ using Maker = std::function<gui::gl::View*()>;
 ///                 OrthoView::createContext(bool)
 /// @param context  version, and whether there are buffers for depth and stencil, of GTK's sizes. The view's own should
 ///                 not ask for more. GTK has no samples: when more than one was asked for the log has "Warning!
-///                 ViewArea asked for 4 samples, got 1". Where there is no OpenGL 3.2 the view is not made, and the
+///                 ViewArea asked for 4 samples, got 1". OpenGL ES 3.1 is taken where there is nothing else. Where
+///                 there is neither that nor OpenGL 3.2 the view is not made, and the
 ///                 widget says so (gtk_gl_area_get_error), as does the log
 /// @return a floating reference, as GTK's functions of this kind give; for C++ wrap it (Glib::wrap)
 GUIGL_API GtkWidget* newViewArea(Maker make, const gui::gl::Context& context = getDefaultContext());
