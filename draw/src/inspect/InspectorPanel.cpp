@@ -4,6 +4,7 @@
 #include <gui/draw/Path.h>
 #include <gui/draw/Stroke.h>
 #include <gui/draw/TextStyle.h>
+#include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 
 #include <epoxy/gl.h>
@@ -82,7 +83,7 @@ void InspectorPanel::begin(const Modes& modes)
     _hasNoStencil = modes.isOverdraw && !_overdraw.begin();
     _isWired = modes.isWireframe;
     if (_isWired)
-        glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+        gl::Context::setPolygonMode(gl::Context::PolygonMode::Line);
 }
 
 void InspectorPanel::lookAtMemory()
@@ -152,7 +153,7 @@ void InspectorPanel::addTextures(const std::vector<TextureSheet::Place>& places)
 void InspectorPanel::end(const gl::FrameObserver::Frame& frame, const Modes& modes)
 {
     if (std::exchange(_isWired, false))
-        glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+        gl::Context::setPolygonMode(gl::Context::PolygonMode::Fill);
     const FrameLedger::Pause pause;
     const gl::StateGuard guard;
     glBindFramebuffer(GL_FRAMEBUFFER, frame.framebuffer);
@@ -161,7 +162,7 @@ void InspectorPanel::end(const gl::FrameObserver::Frame& frame, const Modes& mod
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_STENCIL_TEST);
     glDisable(GL_CULL_FACE);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    gl::Context::setPolygonMode(gl::Context::PolygonMode::Fill);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 
     const GLMemory::Names before = GLMemory::getNames();

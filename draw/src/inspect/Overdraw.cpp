@@ -1,5 +1,6 @@
 #include "Overdraw.h"
 
+#include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 
 #include <td/Color.h>
@@ -90,7 +91,7 @@ void Overdraw::paint()
     glDisable(GL_CULL_FACE);
     glDisable(GL_SCISSOR_TEST);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    gl::Context::setPolygonMode(gl::Context::PolygonMode::Fill);
     glEnable(GL_STENCIL_TEST);
     glStencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
     _program.activate();
