@@ -9,7 +9,6 @@
 //     text X Y HEIGHT ANGLE WORDS  about the point, in the pen's colour
 #include <gui/Application.h>
 #include <gui/draw/DrawingView.h>
-#include <gui/draw/Inspector.h>
 
 #include <cstdio>
 #include <fstream>
@@ -131,7 +130,6 @@ int main(int argc, char** argv)
 try
 {
     gui::Application app(argc, argv);
-    const gui::draw::Inspector inspector; // F12 shows it
     CadView view(argc > 1 ? argv[1] : "drawing.cad");
     return argc > 2 ? !view.saveAll(argv[2]) : app.run(view, "Drawing", {1100, 760});
 }

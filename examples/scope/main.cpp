@@ -4,7 +4,6 @@
 // Space stops and goes on, [ and ] move the level, the plot itself pans and zooms.
 #include <gui/Application.h>
 #include <gui/Key.h>
-#include <gui/draw/Inspector.h>
 #include <gui/draw/PlotView.h>
 
 #include <fcntl.h>
@@ -114,7 +113,6 @@ public:
 int main(int argc, char** argv)
 {
     gui::Application app(argc, argv);
-    const gui::draw::Inspector inspector; // F12 shows it
     const double rate = argc > 1 ? std::atof(argv[1]) : 0;
     Scope scope(rate > 0 ? rate : 48000, rate > 0);
     return app.run(scope, "Scope", {900, 500});

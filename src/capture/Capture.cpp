@@ -4,6 +4,7 @@
 #include "../context/Samples.h"
 #include "FrameRecording.h"
 
+#include <gui/gl/Context.h>
 #include <gui/gl/CurrentContext.h>
 #include <vo/Log.h>
 
@@ -218,7 +219,16 @@ void Capture::want(const std::string& path, int frame)
         s_pListener = new Listener(path, frame);
 }
 
-void Capture::begin() { s_pListener->begin(); }
+void Capture::begin()
+{
+    if (!Context::isES())
+    {
+        s_pListener->begin();
+        return;
+    }
+    vo::dbgLog("Warning! GUIGL_CAPTURE captures no frames of OpenGL ES");
+    want({});
+}
 
 void Capture::end(unsigned int framebuffer, const td::Size<int>& size)
 {

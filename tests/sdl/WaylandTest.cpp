@@ -1,6 +1,7 @@
 // Windows on Wayland: input from another process, scales, contexts.
 
 #include "DesktopTest.h"
+#include "KeptView.h"
 #include "Weston.h"
 
 #include <epoxy/gl.h>
@@ -93,27 +94,27 @@ TEST_F(WaylandTest, MoveToAnotherScale)
     EXPECT_FALSE(view.isWrong);
 }
 
+class Clear : public gui::gl::View
+{
+public:
+    explicit Clear(bool isTransparent)
+    {
+        Context context(gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None, Context::Profile::Core41);
+        context.setTransparent(isTransparent);
+        createContext(context);
+    }
+
+private:
+    void onDraw(const td::RectNormalized<double>&) override
+    {
+        glClearColor(0.5F, 0, 0, 0.5F);
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
+};
+
 // The compositor's ground shows through a window that asks for it alone.
 TEST_F(WaylandTest, TheGroundShowsThroughAnAlpha)
 {
-    class Clear : public gui::gl::View
-    {
-    public:
-        explicit Clear(bool isTransparent)
-        {
-            Context context(gui::gl::DepthBuffer::Size::None, gui::gl::StencilBuffer::Size::None,
-                            Context::Profile::Core41);
-            context.setTransparent(isTransparent);
-            createContext(context);
-        }
-
-    private:
-        void onDraw(const td::RectNormalized<double>&) override
-        {
-            glClearColor(0.5F, 0, 0, 0.5F);
-            glClear(GL_COLOR_BUFFER_BIT);
-        }
-    };
     const auto isSeen = [](bool isTransparent, std::uint32_t color)
     {
         Clear view(isTransparent);
@@ -131,6 +132,24 @@ TEST_F(WaylandTest, TheGroundShowsThroughAnAlpha)
     // Half of 0x303030, over which there is half a red; or that red alone.
     EXPECT_TRUE(isSeen(true, 0x981818) || isSeen(true, 0x971818));
     EXPECT_TRUE(isSeen(false, 0x800000) || isSeen(false, 0x7F0000));
+}
+
+// SDL makes contexts for the frame buffers of the window that was made last, which another window can't use.
+TEST_F(WaylandTest, ALostContextIsReplacedWhateverWindowCameLast)
+{
+    KeptView view;
+    view.create();
+    gui::Window window("Kept", {200, 150});
+    ASSERT_TRUE(window.show(view));
+    ASSERT_TRUE(waitInLoop([&] { return view.nFrames > 0; }));
+    const std::vector<td::BYTE> before = view.picture();
+    const Clear other(true);
+    view.loseContext();
+    const int nFrames = view.nFrames;
+    view.reRender();
+    ASSERT_TRUE(waitInLoop([&] { return view.nFrames > nFrames; }));
+    EXPECT_EQ(view.nContexts, 2);
+    EXPECT_EQ(view.picture(), before);
 }
 
 TEST_F(WaylandTest, TheFrameHasAButtonThatCloses)
