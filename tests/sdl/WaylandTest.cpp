@@ -140,8 +140,9 @@ TEST_F(WaylandTest, ALostContextIsReplacedWhateverWindowCameLast)
     KeptView view;
     view.create();
     gui::Window window("Kept", {200, 150});
+    desktop().goTo(0);
     ASSERT_TRUE(window.show(view));
-    ASSERT_TRUE(waitInLoop([&] { return view.nFrames > 0; }));
+    ASSERT_TRUE(waitInLoop([&] { return view.nFrames > 0 && view.getPixelHiDPISizeScale() == 1; }));
     const std::vector<td::BYTE> before = view.picture();
     const Clear other(true);
     view.loseContext();
@@ -150,6 +151,7 @@ TEST_F(WaylandTest, ALostContextIsReplacedWhateverWindowCameLast)
     ASSERT_TRUE(waitInLoop([&] { return view.nFrames > nFrames; }));
     EXPECT_EQ(view.nContexts, 2);
     EXPECT_EQ(view.picture(), before);
+    EXPECT_EQ(log.take().size(), 1U); // of the other context
 }
 
 TEST_F(WaylandTest, TheFrameHasAButtonThatCloses)
