@@ -108,14 +108,9 @@ struct Command::Functions
 
     static GLenum mode(const Command* c) { return cModes[c->_drawData._primitive]; }
 
-    static GLsizei count(const Command* c) { return static_cast<GLsizei>(c->_drawData._count); }
-    static GLsizei nInstances(const Command* c) { return static_cast<GLsizei>(c->_drawData._nInstances); }
-
     static bool drawArrays(const Command* c) { return drawArrays(c, mode(c)); }
     static bool drawArrays(const Command* c, GLenum mode)
     {
-        if (s_trianglesAs != 0 && isOfTriangles(mode)) [[unlikely]]
-            return drawOutlined({mode, static_cast<GLint>(c->_drawData._first), count(c)});
         glDrawArrays(mode, static_cast<GLint>(c->_drawData._first), static_cast<GLsizei>(c->_drawData._count));
         return true;
     }
@@ -123,8 +118,6 @@ struct Command::Functions
     static bool drawElements(const Command* c) { return drawElements(c, mode(c)); }
     static bool drawElements(const Command* c, GLenum mode)
     {
-        if (s_trianglesAs != 0 && isOfTriangles(mode)) [[unlikely]]
-            return drawOutlined({mode, 0, count(c), true, s_activeBuffer.indexType, indexOffset(c->_drawData._first)});
         glDrawElements(mode, static_cast<GLsizei>(c->_drawData._count), s_activeBuffer.indexType,
                        indexOffset(c->_drawData._first));
         return true;
@@ -132,11 +125,6 @@ struct Command::Functions
 
     static bool drawArraysInstanced(const Command* c)
     {
-        if (s_trianglesAs != 0 && isOfTriangles(mode(c)) && nInstances(c) > 0) [[unlikely]]
-            return drawOutlined({.mode = mode(c),
-                                 .first = static_cast<GLint>(c->_drawData._first),
-                                 .count = count(c),
-                                 .nInstances = nInstances(c)});
         glDrawArraysInstanced(mode(c), static_cast<GLint>(c->_drawData._first),
                               static_cast<GLsizei>(c->_drawData._count),
                               static_cast<GLsizei>(c->_drawData._nInstances));
@@ -144,9 +132,6 @@ struct Command::Functions
     }
     static bool drawElementsInstanced(const Command* c)
     {
-        if (s_trianglesAs != 0 && isOfTriangles(mode(c)) && nInstances(c) > 0) [[unlikely]]
-            return drawOutlined({mode(c), 0, count(c), true, s_activeBuffer.indexType, indexOffset(c->_drawData._first),
-                                 nInstances(c)});
         glDrawElementsInstanced(mode(c), static_cast<GLsizei>(c->_drawData._count), s_activeBuffer.indexType,
                                 indexOffset(c->_drawData._first), static_cast<GLsizei>(c->_drawData._nInstances));
         return true;
@@ -181,20 +166,51 @@ struct Command::Functions
         if (first >= nAll || buffer.nInstances == 0)
             return true;
         const bool isInstanced = buffer.nInstances != ActiveBuffer::cNotInstanced;
-        const auto n = static_cast<GLsizei>(nAll - first), nDrawn = static_cast<GLsizei>(buffer.nInstances);
+        const auto n = static_cast<GLsizei>(nAll - first), nInstances = static_cast<GLsizei>(buffer.nInstances);
         const auto begin = static_cast<GLint>(first);
-        if (s_trianglesAs != 0 && isOfTriangles(mode(c))) [[unlikely]]
-            drawOutlined({mode(c), begin, n, isIndexed, buffer.indexType, isIndexed ? indexOffset(first) : nullptr,
-                          isInstanced ? nDrawn : 0});
-        else if (isIndexed && isInstanced)
-            glDrawElementsInstanced(mode(c), n, buffer.indexType, indexOffset(first), nDrawn);
+        if (isIndexed && isInstanced)
+            glDrawElementsInstanced(mode(c), n, buffer.indexType, indexOffset(first), nInstances);
         else if (isIndexed)
             glDrawElements(mode(c), n, buffer.indexType, indexOffset(first));
         else if (isInstanced)
-            glDrawArraysInstanced(mode(c), begin, n, nDrawn);
+            glDrawArraysInstanced(mode(c), begin, n, nInstances);
         else
             glDrawArrays(mode(c), begin, n);
         return true;
+    }
+
+    // The same in the sides or corners of triangles, for OpenGL ES.
+    template <Draw draw>
+    static bool outline(const Command* c)
+    {
+        if (!isOfTriangles(mode(c)))
+            return draw(c);
+        constexpr Draw cElements = drawElements; // of two of the name
+        const ActiveBuffer& buffer = s_activeBuffer;
+        TriangleDraw triangles{mode(c), 0, static_cast<GLsizei>(c->_drawData._count)};
+        triangles.indexType = buffer.indexType;
+        triangles.isIndexed =
+            draw == cElements || draw == &drawElementsInstanced || (draw == &drawAll && buffer.isIndexed != 0);
+        if (draw == &drawArraysInstanced || draw == &drawElementsInstanced)
+        {
+            triangles.nInstances = static_cast<GLsizei>(c->_drawData._nInstances);
+            if (triangles.nInstances == 0)
+                return draw(c);
+        }
+        if (draw == &drawAll)
+        {
+            const unsigned int nAll = triangles.isIndexed ? buffer.nIndices : buffer.nVertices;
+            if (c->_drawData._first >= nAll || buffer.nInstances == 0)
+                return true;
+            triangles.count = static_cast<GLsizei>(nAll - c->_drawData._first);
+            if (buffer.nInstances != ActiveBuffer::cNotInstanced)
+                triangles.nInstances = static_cast<GLsizei>(buffer.nInstances);
+        }
+        if (triangles.isIndexed)
+            triangles.offset = indexOffset(c->_drawData._first);
+        else
+            triangles.first = static_cast<GLint>(c->_drawData._first);
+        return drawOutlined(triangles);
     }
 
     static bool s_setUniformMatrix(const Command* c)
@@ -257,6 +273,20 @@ struct Command::Functions
                                       cRow<drawElementPatchesWithSize>,
                                       cRow<s_setUniformMatrix>,
                                       cRow<drawAll>};
+
+    // Of triangles as sides or corners, in the same order.
+    static constexpr std::array cOutlinedRows{cRow<outline<drawArrays>>,          cRow<outline<drawElements>>,
+                                              cRow<outline<drawArraysInstanced>>, cRow<outline<drawElementsInstanced>>,
+                                              cRow<drawArraysPointsWithSize>,     cRow<drawElementPointsWithSize>,
+                                              cRow<drawArraysPatchesWithSize>,    cRow<drawElementPatchesWithSize>,
+                                              cRow<s_setUniformMatrix>,           cRow<outline<drawAll>>};
+    static Function outlined(Function fn)
+    {
+        for (std::size_t i = 0; i < cRows.size(); ++i)
+            if (const auto it = std::ranges::find(cRows[i], fn); it != cRows[i].end())
+                return cOutlinedRows[i][static_cast<std::size_t>(it - cRows[i].begin())];
+        return fn;
+    }
 
     // A primitive that is none cannot be encoded.
     static const Row* encodeDrawArrays(td::BYTE primitive)
@@ -367,12 +397,19 @@ void Command::chooseForSubType()
         }
 }
 
+// What OpenGL ES has no state for is asked for once a list, not for each draw.
+Command::Progress Command::executeAlone() const
+{
+    const Function fn = s_trianglesAs != 0 ? Functions::outlined(_fn) : _fn;
+    return fn(this, this + 1);
+}
+
 // Executes one command for somebody who counts.
 Command::Progress Command::executeCounted() const
 {
     CommandCounter& counter = *CommandCounter::s_pCurrent;
     const unsigned int nBefore = CountedGL::counts().nStates;
-    const Progress progress = _fn(this, this + 1);
+    const Progress progress = executeAlone();
     const Type type = getType();
     ++counter.nCommands[std::min<std::size_t>(_type, counter.nCommands.size() - 1)];
     // Points and patches set their size each time.
@@ -394,12 +431,13 @@ bool Command::execute() const
         CommandListener::s_pCurrent->onCommand(this);
     if (CommandCounter::s_pCurrent != nullptr) [[unlikely]]
         return executeCounted().isDone;
-    return _fn(this, this + 1).isDone;
+    return executeAlone().isDone;
 }
 
 void Command::execute(const Command* p, const Command* pEnd)
 {
-    const bool isWatched = CommandCounter::s_pCurrent != nullptr || CommandListener::s_pCurrent != nullptr;
+    const bool isWatched =
+        CommandCounter::s_pCurrent != nullptr || CommandListener::s_pCurrent != nullptr || s_trianglesAs != 0;
     while (p != pEnd)
     {
         if (p->_fn == nullptr || isWatched) [[unlikely]]

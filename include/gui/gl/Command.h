@@ -196,6 +196,7 @@ private:
 
     void createDraw(Type type, Primitive primitive, std::size_t first, unsigned int count);
     void chooseForSubType();
+    Progress executeAlone() const;
     Progress executeCounted() const;
     static void execute(const Command* p, const Command* pEnd);
 
