@@ -1,6 +1,7 @@
 # What distributions build their packages with, so that an error of memory ends the program and is no way into it:
 # lengths that are checked where the compiler knows the object's, guarded returns and stacks, and tables of functions
-# that are read-only once the program has begun. For what is released; sanitizers do more.
+# that are read-only once the program has begun. For what is released; sanitizers do more. It costs 2 % where text is
+# laid out, and up to 6 % where commands of all kinds are replayed, so that it is for packages.
 
 set(guigl_hardening_options "")
 set(guigl_hardening_link_options "")

@@ -1,6 +1,6 @@
-# Debian packages: `cpack --preset debian` after a release build makes one for each component of the installation. They
-# hold what a distribution's packages would: the libraries by their ABI version, so that two of them can live side by
-# side.
+# Debian packages: `cpack --preset debian` after a build of the preset package makes one for each component of the
+# installation. They hold what a distribution's packages would: the libraries by their ABI version, so that two of
+# them can live side by side.
 
 set(CPACK_PACKAGE_NAME guigl)
 set(CPACK_PACKAGE_VENDOR "the GuiGL maintainers")
