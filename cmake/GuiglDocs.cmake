@@ -74,4 +74,4 @@ install(DIRECTORY ${guigl_SOURCE_DIR}/tests/references
 install(DIRECTORY ${guigl_SOURCE_DIR}/examples
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT examples
-    FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h" REGEX "/first/[a-z]+/CMakeLists\\.txt$")
+    FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h" REGEX "/examples/first/[a-z]+/CMakeLists\\.txt$")
