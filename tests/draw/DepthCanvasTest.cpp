@@ -14,7 +14,9 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -122,19 +124,30 @@ TEST_F(DepthCanvasTest, ShowsTheNearerOfTwoAtAllDistances)
 // A vertex shader's places, and what they would be without any rounding: right to a tenth of a pixel, wherever it is.
 TEST_F(DepthCanvasTest, VerticesAreWhereTheyShouldBeFarOut)
 {
-    if (gui::gl::Context::isES())
-        GTEST_SKIP() << "OpenGL ES links no vertex shader alone";
     constexpr int cVertices = 500;
     constexpr double cPixels = 2000; // of a side of the view
-    const GLuint shader = glCreateShader(GL_VERTEX_SHADER), program = glCreateProgram();
-    const char* const source = "#version 330 core\nuniform mat4 mvp;\nin vec3 position;\nout vec4 place;\n"
-                               "void main() { gl_Position = place = mvp * vec4(position, 1.0); }";
+    const GLuint program = glCreateProgram();
     const char* const captured = "place";
-    glShaderSource(shader, 1, &source, nullptr);
-    glCompileShader(shader);
-    glAttachShader(program, shader);
+    const char* const version = Context::isES() ? "#version 310 es\n" : "#version 330 core\n";
+    // OpenGL ES links no vertex shader alone.
+    for (const auto& [stage, text] :
+         {std::pair{GL_VERTEX_SHADER, "uniform mat4 mvp;\nin vec3 position;\nout vec4 place;\n"
+                                      "void main() { gl_Position = place = mvp * "
+                                      "vec4(position, 1.0); }"},
+          std::pair{GL_FRAGMENT_SHADER, "void main() {}"}})
+    {
+        const GLuint shader = glCreateShader(static_cast<GLenum>(stage));
+        const char* const texts[] = {version, text};
+        glShaderSource(shader, 2, texts, nullptr);
+        glCompileShader(shader);
+        glAttachShader(program, shader);
+        glDeleteShader(shader);
+    }
     glTransformFeedbackVaryings(program, 1, &captured, GL_INTERLEAVED_ATTRIBS);
     glLinkProgram(program);
+    GLint isLinked = GL_FALSE;
+    glGetProgramiv(program, GL_LINK_STATUS, &isLinked);
+    ASSERT_EQ(isLinked, GL_TRUE);
     glUseProgram(program);
     GLuint array = 0, buffers[2] = {};
     glGenVertexArrays(1, &array);
@@ -162,12 +175,15 @@ TEST_F(DepthCanvasTest, VerticesAreWhereTheyShouldBeFarOut)
                 eye.unproject({in(0, cPixels), in(0, cPixels)}, camera.getDistance() * in(0.7, 1.5)) - origin));
         glBufferData(GL_ARRAY_BUFFER, cVertices * sizeof(glm::vec3), vertices.data(), GL_STREAM_DRAW);
         const glm::mat4 matrix = eye.getMatrix(origin);
-        glUniformMatrix4fv(0, 1, GL_FALSE, &matrix[0][0]);
+        glUniformMatrix4fv(glGetUniformLocation(program, "mvp"), 1, GL_FALSE, &matrix[0][0]);
         glBeginTransformFeedback(GL_POINTS);
         glDrawArrays(GL_POINTS, 0, cVertices);
         glEndTransformFeedback();
         std::array<glm::vec4, cVertices> places{};
-        glGetBufferSubData(GL_TRANSFORM_FEEDBACK_BUFFER, 0, sizeof places, places.data());
+        const void* const pPlaces = glMapBufferRange(GL_TRANSFORM_FEEDBACK_BUFFER, 0, sizeof places, GL_MAP_READ_BIT);
+        ASSERT_NE(pPlaces, nullptr);
+        std::memcpy(places.data(), pPlaces, sizeof places);
+        glUnmapBuffer(GL_TRANSFORM_FEEDBACK_BUFFER);
         for (std::size_t k = 0; k < cVertices; ++k)
         {
             Rational seen[3] = {};
@@ -188,7 +204,6 @@ TEST_F(DepthCanvasTest, VerticesAreWhereTheyShouldBeFarOut)
     glUseProgram(0);
     glDeleteBuffers(2, buffers);
     glDeleteVertexArrays(1, &array);
-    glDeleteShader(shader);
     glDeleteProgram(program);
 }
 

@@ -116,6 +116,8 @@ bool GLMemory::isTold()
 GLMemory::Names GLMemory::getNames()
 {
     Names names;
+    if (!isTold())
+        return names;
     collect(names, Kind::Buffer, [](GLuint name) { return glIsBuffer(name); });
     collect(names, Kind::Texture, [](GLuint name) { return glIsTexture(name); });
     collect(names, Kind::Renderbuffer, [](GLuint name) { return glIsRenderbuffer(name); });
@@ -125,8 +127,6 @@ GLMemory::Names GLMemory::getNames()
 GLMemory GLMemory::ask(const Names& without)
 {
     GLMemory memory;
-    if (!isTold())
-        return memory;
     for (const auto& name : getNames())
     {
         if (without.contains(name))

@@ -41,7 +41,7 @@ struct GLMemory
 
     /// Whether the driver tells it without anything being bound.
     static bool isTold();
-    /// Those in use.
+    /// Those in use; none where it is not told.
     static Names getNames();
     /// Asks for each name in use. @param without  names that are left out
     static GLMemory ask(const Names& without);

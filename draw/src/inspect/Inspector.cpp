@@ -93,31 +93,23 @@ bool Inspector::keyPressed(gl::View& view, const Key& key)
 {
     using Virtual = Key::Virtual;
     InspectorPanel::Modes& modes = _pImpl->modes;
-    const auto turn = [](bool& mode) { mode = !mode; };
-    switch (key.getVirtual())
-    {
-    case Virtual::F12:
+    const Virtual pressed = key.getVirtual();
+    if (pressed == Virtual::F12)
         setShown(!_pImpl->isShown);
-        break;
-    case Virtual::F6:
-    case Virtual::F7:
-    case Virtual::F8:
-    case Virtual::F9:
-    case Virtual::F10:
-        if (!_pImpl->isShown)
-            return false;
-        if (key.getVirtual() == Virtual::F6)
-            turn(modes.hasTextures);
-        else if (key.getVirtual() == Virtual::F8)
-            _pImpl->isStepWanted = modes.isHeld;
-        else if (key.getVirtual() == Virtual::F9)
-            turn(modes.isHeld);
-        else
-            turn(key.getVirtual() == Virtual::F10 ? modes.isOverdraw : modes.isWireframe);
-        break;
-    default:
+    else if (!_pImpl->isShown)
         return false;
-    }
+    else if (pressed == Virtual::F6)
+        modes.hasTextures = !modes.hasTextures;
+    else if (pressed == Virtual::F7)
+        modes.isWireframe = !modes.isWireframe;
+    else if (pressed == Virtual::F8)
+        _pImpl->isStepWanted = modes.isHeld;
+    else if (pressed == Virtual::F9)
+        modes.isHeld = !modes.isHeld;
+    else if (pressed == Virtual::F10)
+        modes.isOverdraw = !modes.isOverdraw;
+    else
+        return false;
     view.reDraw();
     return true;
 }
