@@ -121,7 +121,6 @@ TEST_P(DesktopTest, KeysFollowTheLayout)
         {"de", "keydown 21 keyup 21 keydown 26 keyup 26", {"key 180", "up key 42496", "key 'e'", "up key 'e'"}, "é"},
         {"de", "keydown shift keydown 47 keyup 47 keyup shift", {"key 214+Shift", "up key 43776+Shift"}, "Ö"},
     };
-    // Of other buttons' clicks those of the test before may count too.
     xdo("click 2");
     ASSERT_TRUE(view.hasHeard({"press3 40,30", "release3 40,30"}));
     for (const auto& c : cases)
