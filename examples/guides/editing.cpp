@@ -3,11 +3,11 @@
 #include <gui/Clipboard.h>
 #include <gui/Key.h>
 #include <gui/TextComposition.h>
+#include <gui/Timer.h>
 #include <gui/draw/draw.h>
 #include <gui/gl/gl.h>
 
 #include <cctype>
-#include <chrono>
 
 using namespace gui::draw;
 using gui::InputDevice;
@@ -23,9 +23,8 @@ public:
     Page()
     {
         using namespace gui::gl;
-        Context context(Context::Animation::On, DepthBuffer::Size::None, StencilBuffer::Size::None,
-                        Context::Profile::Core41);
-        context.setPreferredFrameRateRange(3, 5); // the caret's
+        const Context context(Context::Animation::Off, DepthBuffer::Size::None, StencilBuffer::Size::None,
+                              Context::Profile::Core41);
         using Event = InputDevice::Event;
         createContext(context, {Event::PrimaryClicks, Event::CursorDrag, Event::OtherClicks, Event::Keyboard});
         setCursor(gui::Cursor::Type::Text, false);
@@ -95,11 +94,8 @@ private:
         _editor.setWidth(size.width - 2 * cMargin);
         show();
     }
-    bool prepareNextFrame() override { return true; }
     void onDraw(const td::RectNormalized<double>&) override
     {
-        using namespace std::chrono;
-        const bool isCaretOn = (steady_clock::now() - _shownAt) % seconds(1) < milliseconds(500);
         gui::gl::Context::clear(gui::gl::Context::Clear::Color, td::ColorID::White);
         _drawing.clear();
         for (const TextEditor::Rect& rect : _editor.getSelectionRects())
@@ -107,7 +103,7 @@ private:
         _drawing.text({cMargin, cMargin}, _editor.getLayout(), {.anchor = Anchor::TopLeft});
         for (const TextEditor::Rect& rect : _editor.getCompositionRects())
             fill(rect, "#2050a0");
-        if (isCaretOn)
+        if (_isCaretOn)
             fill(_editor.getCaretRect(1.5), "#2050a0");
         _drawing.draw(Affine(), double(getPixelHiDPIScale()));
     }
@@ -120,14 +116,20 @@ private:
     // With the caret on from now, and candidates of an input method beside it.
     void show()
     {
-        _shownAt = std::chrono::steady_clock::now();
+        _isCaretOn = true;
+        _blink.start(0.5);
         setTextInputRect(toView(_editor.getCaretRect()));
         reRender();
     }
 
     TextEditor _editor{{.face = Typeface::named("DejaVu Sans"), .size = 18}, {.lineHeight = 1.5}};
     Drawing _drawing;
-    std::chrono::steady_clock::time_point _shownAt;
+    bool _isCaretOn = true;
+    gui::Timer _blink{[this]
+                      {
+                          _isCaretOn = !_isCaretOn;
+                          reDraw();
+                      }};
 };
 
 } // namespace

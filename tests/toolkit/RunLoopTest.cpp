@@ -1,9 +1,17 @@
+#include "support/CaughtAsserts.h"
+
 #include <gui/NativeView.h>
+#include <gui/Timer.h>
 #include <gui/port/RunLoop.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <memory>
 #include <optional>
+#include <string>
+#include <thread>
 
 namespace
 {
@@ -67,6 +75,73 @@ TEST(RunLoop, ClocksBeatWithTheDisplayWithinTheirRange)
         EXPECT_GE(*loop.end, before + period) << min << " to " << max << " at " << displayRate;
         EXPECT_LE(*loop.end, after + period) << min << " to " << max << " at " << displayRate;
     }
+}
+
+// A loop that sleeps as long as it says.
+class SleepingLoop : public Loop
+{
+protected:
+    void wait(const std::optional<Time>& until) override { std::this_thread::sleep_until(*until); }
+};
+
+TEST(RunLoop, TimersMayStopStartAndDeleteEachOther)
+{
+    SleepingLoop loop;
+    std::string calls;
+    auto pDeleted = std::make_unique<gui::Timer>([&] { calls += '!'; });
+    gui::Timer stopped([&] { calls += '!'; });
+    gui::Timer again([&] { calls += 'c'; });
+    gui::Timer once(
+        [&]
+        {
+            calls += 'a';
+            pDeleted.reset();
+            stopped.stop();
+            again.startOnce(0.002);
+        });
+    std::unique_ptr<gui::Timer> pItself;
+    pItself = std::make_unique<gui::Timer>(
+        [&]
+        {
+            calls += 'b';
+            if (calls.size() > 4)
+                pItself.reset();
+        });
+    // Longest first: the calls are in the order of their times, also where the machine was busy and all are due.
+    pDeleted->start(0.004);
+    stopped.start(0.004);
+    again.startOnce(0.003);
+    pItself->start(0.002);
+    once.startOnce(0.001);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    loop.step(0);
+    EXPECT_EQ(calls, "ab") << "each once, however late";
+    EXPECT_FALSE(once.isRunning() || stopped.isRunning());
+    while (pItself || again.isRunning())
+        loop.step(1);
+    EXPECT_EQ(std::ranges::count(calls, 'c'), 1);
+    EXPECT_EQ(std::ranges::count(calls, '!'), 0);
+    EXPECT_FALSE(loop.getNextDue());
+}
+
+TEST(RunLoop, TimersRefuseWhatIsNoTime)
+{
+    Loop loop;
+    gui::Timer timer([] {});
+    timer.start(1000);
+    const auto due = loop.getNextDue();
+    ASSERT_TRUE(due);
+    test::CaughtAsserts asserts;
+    timer.start(0);
+    timer.start(std::nan(""));
+    timer.startOnce(-1);
+    gui::Timer empty(nullptr);
+    EXPECT_TRUE(asserts.caught({"interval > 0", "interval > 0", "delay >= 0", "fn != nullptr"}));
+    empty.start(1);
+    EXPECT_FALSE(empty.isRunning());
+    EXPECT_EQ(loop.getNextDue(), due);
+    timer.startOnce(INFINITY);
+    EXPECT_GT(*loop.getNextDue(), *due);
 }
 
 } // namespace

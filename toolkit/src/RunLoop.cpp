@@ -1,6 +1,7 @@
 #include <gui/port/RunLoop.h>
 
 #include "AsyncQueue.h"
+#include "TimerQueue.h"
 
 #include <gui/NativeView.h>
 #include <gui/Window.h>
@@ -82,6 +83,8 @@ bool RunLoop::step(double seconds)
     dispatchEvents();
     if (!hasQuit())
         AsyncQueue::instance().runPending();
+    if (!hasQuit())
+        TimerQueue::instance().runDue();
     if (!hasQuit())
         runTicks();
     if (!hasQuit())
@@ -194,7 +197,7 @@ bool RunLoop::isSomethingDue() const
 
 std::optional<RunLoop::Time> RunLoop::getNextTick() const
 {
-    std::optional<Time> next;
+    std::optional<Time> next = TimerQueue::instance().getNextDue();
     for (const Entry& entry : _entries)
         if (entry.hasClock && entry.isVisible && (!next || entry.nextTick < *next))
             next = entry.nextTick;

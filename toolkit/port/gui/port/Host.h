@@ -20,7 +20,7 @@ class NativeView;
 ///
 /// The host's loop drives the library's: whenever it is about to sleep it asks
 /// `WindowSystem::instance().getRunLoop().getNextDue()`, and calls `step(0)` of that loop when the time has come.
-/// That runs what asyncCall queued, and frame clocks. A gui::Application in such a program works as well: its turns
+/// That runs what asyncCall queued, timers, and frame clocks. A gui::Application in such a program works as well: its turns
 /// serve the host's events.
 ///
 /// Views that are in no widget draw offscreen, and so do those that a gui::Window shows, which nobody sees.
