@@ -104,26 +104,31 @@ TEST_F(WindowSystemTest, CompositorWithoutSeat)
     EXPECT_TRUE(said("runs on window system: x11")) << text;
 }
 
-// The program must not live on without a window, and its view cleans up.
+// The program must not live on without a window, and its view cleans up. That it shows another window in that moment is
+// the one case in which nothing can be cleaned up.
 TEST_F(WindowSystemTest, CompositorThatDies)
 {
-    auto weston = std::make_unique<Weston>("us");
-    ASSERT_TRUE(weston->isOk());
-    Variables variables = completed({});
-    variables.erase("XDG_RUNTIME_DIR");
     const std::string file = folder + "/output";
-    Process program({"sh", "-c", "exec \"$0\" stays > \"$1\" 2>&1", GUIGL_WINDOW_PROGRAM, file}, variables);
     const auto isSaid = [&](const char* words)
     {
         std::ifstream stream(file);
         text.assign(std::istreambuf_iterator<char>(stream), {});
         return said(words);
     };
-    ASSERT_TRUE(waitFor([&] { return isSaid("window system: wayland") && text.ends_with("wayland"); }));
-    weston.reset();
-    EXPECT_EQ(program.wait(cPatience), 1);
-    EXPECT_TRUE(isSaid("ERROR! Application lost its display and ends")) << text;
-    EXPECT_TRUE(said("cleaned up")) << text;
+    for (const char* what : {"stays", "shows"})
+    {
+        auto weston = std::make_unique<Weston>("us");
+        ASSERT_TRUE(weston->isOk());
+        Variables variables = completed({});
+        variables.erase("XDG_RUNTIME_DIR");
+        Process program({"sh", "-c", "exec \"$0\" \"$2\" > \"$1\" 2>&1", GUIGL_WINDOW_PROGRAM, file, what}, variables);
+        ASSERT_TRUE(waitFor([&] { return isSaid("window system: wayland") && text.ends_with("wayland"); }));
+        weston.reset();
+        EXPECT_EQ(program.wait(cPatience), 1) << what;
+        EXPECT_TRUE(isSaid("ERROR! Application lost its display ")) << what << text;
+        EXPECT_TRUE(said("cleaned up") || said("while it showed a window")) << what << text;
+        std::filesystem::remove(file);
+    }
 }
 
 TEST_F(WindowSystemTest, TextsGoFromProgramToProgram)

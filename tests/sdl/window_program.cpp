@@ -1,5 +1,5 @@
 // Shows a window, draws two frames of it and ends; with the argument "stays" it stays, and says when its view is
-// cleaned up. A second argument is what it copies, and selects; a first one that is "asks" makes it say what there is
+// cleaned up; with "shows" it then waits until the compositor's socket is gone, and shows another. A second argument is what it copies, and selects; a first one that is "asks" makes it say what there is
 // and what becomes of texts of its own. Writes the window system to standard output.
 
 #include <gui/Application.h>
@@ -9,8 +9,12 @@
 #include <td/Assert.h>
 #include <vo/Log.h>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <thread>
 
 namespace
 {
@@ -51,6 +55,13 @@ void tellClipboard()
     std::printf("%d %d %s\n", isRefused, isSet, Clipboard::getText().c_str());
 }
 
+void waitForEndOfCompositor()
+{
+    const std::filesystem::path folder = std::getenv("XDG_RUNTIME_DIR");
+    while (exists(folder / std::getenv("WAYLAND_DISPLAY")))
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -58,9 +69,11 @@ int main(int argc, char** argv)
     td::setAssertHandler([](const td::AssertReport&) {});
     gui::Application application(argc, argv);
     const std::string what = argc > 1 ? argv[1] : "";
-    View view(what == "stays");
-    view.createContext(gui::gl::Context(gui::gl::DepthBuffer::Size::Bits32, gui::gl::StencilBuffer::Size::Bits16,
-                                        gui::gl::Context::Profile::Core41));
+    View view(what == "stays" || what == "shows");
+    View other(true);
+    const gui::gl::Context context(gui::gl::DepthBuffer::Size::Bits32, gui::gl::StencilBuffer::Size::Bits16,
+                                   gui::gl::Context::Profile::Core41);
+    view.createContext(context);
     if (view.getHandle() == nullptr)
         return 2;
     gui::Window window("Program", {200, 150});
@@ -72,5 +85,12 @@ int main(int argc, char** argv)
         tellClipboard();
     std::printf("%s", gui::Application::getWindowSystem());
     std::fflush(stdout);
+    gui::Window second("Other", {200, 150});
+    if (what == "shows")
+    {
+        other.createContext(context);
+        waitForEndOfCompositor();
+        second.show(other);
+    }
     return application.run();
 }

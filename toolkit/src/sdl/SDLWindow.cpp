@@ -1,5 +1,6 @@
 #include "SDLWindow.h"
 
+#include "CompositorWatch.h"
 #include "SDLRunLoop.h"
 #include "X11Hints.h"
 
@@ -64,7 +65,10 @@ void SDLWindow::show(NativeView* pView)
         const State state = std::exchange(_state, State::Normal);
         if (state == State::FullScreen)
             SDLWindow::setState(state);
-        SDL_ShowWindow(_pWindow);
+        {
+            const CompositorWatch watch(_pWindow);
+            SDL_ShowWindow(_pWindow);
+        }
         _isPlacePending = _position.has_value();
         if (state != State::FullScreen)
             SDLWindow::setState(state);
