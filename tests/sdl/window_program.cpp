@@ -1,6 +1,7 @@
 // Shows a window, draws two frames of it and ends; with the argument "stays" it stays, and says when its view is
-// cleaned up; with "shows" it then waits until the compositor's socket is gone, and shows another. A second argument is what it copies, and selects; a first one that is "asks" makes it say what there is
-// and what becomes of texts of its own. Writes the window system to standard output.
+// cleaned up; with "shows" it then waits until the compositor's socket is gone, and shows another. A second
+// argument is what it copies, and selects; a first one that is "asks" makes it say what there is and what becomes of
+// texts of its own. Writes the window system to standard output.
 
 #include <gui/Application.h>
 #include <gui/Clipboard.h>

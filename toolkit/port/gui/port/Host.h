@@ -20,8 +20,8 @@ class NativeView;
 ///
 /// The host's loop drives the library's: whenever it is about to sleep it asks
 /// `WindowSystem::instance().getRunLoop().getNextDue()`, and calls `step(0)` of that loop when the time has come.
-/// That runs what asyncCall queued, timers, and frame clocks. A gui::Application in such a program works as well: its turns
-/// serve the host's events.
+/// That runs what asyncCall queued, timers, and frame clocks. A gui::Application in such a program works as well: its
+/// turns serve the host's events.
 ///
 /// Views that are in no widget draw offscreen, and so do those that a gui::Window shows, which nobody sees.
 /// GUI thread only, but for wakeUp.

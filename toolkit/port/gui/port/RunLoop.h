@@ -13,8 +13,8 @@ class NativeView;
 class Window;
 
 /// One turn after the other: the window system's events, functions from asyncCall, due timers and frame ticks, redraws.
-/// It sleeps when nothing is due. What is the same on every window system is here; a window system waits and dispatches.
-/// GUI thread only, but for wakeUp.
+/// It sleeps when nothing is due. What is the same on every window system is here; a window system waits and
+/// dispatches. GUI thread only, but for wakeUp.
 class GUIGL_API RunLoop
 {
 public:
