@@ -36,7 +36,8 @@ public:
 
     /// Serves events, functions from asyncCall, timers, frame ticks and redraws until quit is called or the last open
     /// window closes. It sleeps while there is nothing to do. It can be called again, with other windows: one after the
-    /// other, or inside a handler. Without a window it serves until quit; once the last of its windows has closed it returns.
+    /// other, or inside a handler. Without a window it serves until quit; once the last of its windows has closed it
+    /// returns.
     /// @return the code given to quit; 0 when the last window closed; 128 and the signal's number when one ended it;
     ///         1, after a log line, when the display was lost
     int run();
