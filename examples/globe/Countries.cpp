@@ -2,10 +2,8 @@
 
 #include <common/FlatRing.h>
 #include <gui/Res.h>
-#include <gui/draw/Labels.h>
 
 #include <glm/geometric.hpp>
-#include <glm/trigonometric.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -67,17 +65,13 @@ void Countries::addCountry(const TopoJSON::Area& country)
             outline.addPolygon(examples::FlatRing(ring, 0).points);
     const std::ptrdiff_t index = &country - _shapes.getAreas().data();
     _map.setTag(_map.fill(outline, td::ColorID::Black, FillRule::EvenOdd), static_cast<std::uint64_t>(index + 1));
-    const std::optional<Drawing::Rect> main = Labels::findMain(outline);
-    const std::optional<Drawing::Rect> room = main ? Labels::findRoom(outline, *main) : std::nullopt;
+    const std::optional<Globe::Room> room = _globe.findRoom(outline);
     if (!room || country.name.empty())
         return;
-    const Place place((room->left + room->right) / 2, (room->top + room->bottom) / 2);
-    const double width = (main->right - main->left) * std::cos(glm::radians(place.y));
-    const double extent = glm::radians(std::sqrt(width * (main->bottom - main->top)));
     // Longer than a country may be its name.
-    _names.add(_globe.getPoint(place, cNameHeight), country.name,
-               {.size = extent > 0.35 ? 15.0 : 13.0, .paint = "#ffffff", .halo = cHalo},
-               {.priority = extent, .extent = 1.7 * extent});
+    _names.add(_globe.getPoint(room->place, cNameHeight), country.name,
+               {.size = room->extent > 0.35 ? 15.0 : 13.0, .paint = "#ffffff", .halo = cHalo},
+               {.priority = room->extent, .extent = 1.7 * room->extent});
 }
 
 void Countries::addCities()

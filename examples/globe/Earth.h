@@ -27,4 +27,7 @@ private:
     gui::gl::Textures _textures;
 };
 
+/// The stars and the Milky Way around it: what is seen in a direction, a unit vector.
+glm::vec3 starsIn(const glm::vec3& direction);
+
 } // namespace globe

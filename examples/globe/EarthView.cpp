@@ -1,7 +1,5 @@
 #include "EarthView.h"
 
-#include "Stars.h"
-
 #include <gui/Application.h>
 #include <gui/Key.h>
 

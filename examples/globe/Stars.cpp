@@ -1,4 +1,4 @@
-#include "Stars.h"
+#include "Earth.h"
 
 #include <common/Paint.h>
 

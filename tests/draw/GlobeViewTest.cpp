@@ -2,6 +2,7 @@
 
 #include <gui/InputDevice.h>
 #include <gui/draw/GlobeView.h>
+#include <gui/draw/Path.h>
 #include <gui/draw/Program3.h>
 #include <gui/gl/Buffer.h>
 
@@ -54,6 +55,15 @@ TEST(Globe, KnowsPlacesPointsAndLines)
     for (std::size_t i = 0; i + 1 < line.size(); ++i)
         EXPECT_GT(glm::length(line[i] + line[i + 1]) / 2, 6371) << i;
     EXPECT_TRUE(globe.getLine({}).empty());
+
+    // A land about 60 degrees north, and an island.
+    const Path land = Path().addRect({170, 55, 190, 65}).addRect({0, 0, 12, 3});
+    const std::optional<Globe::Room> room = globe.findRoom(land);
+    ASSERT_TRUE(room);
+    EXPECT_NEAR(room->place.x, 180, 1);
+    EXPECT_NEAR(room->place.y, 60, 5);
+    EXPECT_NEAR(room->extent, 111.19 * 10, 60); // 20 degrees of half the length, and 10
+    EXPECT_FALSE(globe.findRoom(Path()));
 
     EXPECT_EQ(Globe::getText({8.54, 47.37}), "47.4\u00b0 N 8.5\u00b0 E");
     EXPECT_EQ(Globe::getText({-0.004, -0.004}, 2), "0.00\u00b0 N 0.00\u00b0 E");

@@ -1,5 +1,7 @@
 #include <gui/draw/Globe.h>
 
+#include <gui/draw/Labels.h>
+
 #include <glm/geometric.hpp>
 #include <glm/trigonometric.hpp>
 
@@ -63,6 +65,17 @@ std::optional<glm::dvec3> Globe::meet(const Ray& ray) const
     const double rest = radius * radius - glm::dot(beside, beside);
     const double distance = nearest - std::sqrt(std::max(rest, 0.0));
     return rest >= 0 && distance >= 0 ? std::optional(ray.at(distance)) : std::nullopt;
+}
+
+std::optional<Globe::Room> Globe::findRoom(const Path& area) const
+{
+    const std::optional<Drawing::Rect> main = Labels::findMain(area);
+    const std::optional<Drawing::Rect> room = main ? Labels::findRoom(area, *main) : std::nullopt;
+    if (!room)
+        return std::nullopt;
+    const Place place((room->left + room->right) / 2, (room->top + room->bottom) / 2);
+    const double width = (main->right - main->left) * std::cos(glm::radians(latitudeOf(place)));
+    return Room{place, radius * glm::radians(std::sqrt(width * (main->bottom - main->top)))};
 }
 
 std::string Globe::getText(const Place& place, int decimals)

@@ -15,6 +15,8 @@
 namespace gui::draw
 {
 
+class Path;
+
 /// A ball with places on it: the earth, the moon, what is measured all around. A value without GL:
 ///
 ///     const draw::Globe earth{6371}; // in kilometres
@@ -46,6 +48,18 @@ struct GUIGL_API Globe
 
     /// The point of the ground that a ray from outside meets first; empty when it goes by, and from inside.
     std::optional<glm::dvec3> meet(const Ray& ray) const;
+
+    /// Where the name of an area, such as a country, stands.
+    struct Room
+    {
+        Place place;   ///< in the middle of where it has most room
+        double extent; ///< how large the area is about there, in model units: for Label3::extent
+    };
+
+    /// Where in an area a name has most room: in the largest of its parts, as Labels::findMain and findRoom have it.
+    /// @param area  in degrees, filled by the even-odd rule; it goes on past 180 degrees where it crosses them
+    /// @return empty for an area without any
+    std::optional<Room> findRoom(const Path& area) const;
 
     /// What people read: "47.4° N 8.5° E". @param decimals  0 to 9
     static std::string getText(const Place& place, int decimals = 1);
