@@ -67,6 +67,12 @@ void EarthView::onPlacePointed(const std::optional<Place>& place)
     reRender();
 }
 
+void EarthView::onCameraMoved()
+{
+    GlobeView::onCameraMoved();
+    showTitle();
+}
+
 bool EarthView::onAnimate(double seconds)
 {
     if (_hasTime)

@@ -42,7 +42,7 @@ protected:
     void drawScene(const gui::draw::Eye& eye) override;
     void drawOver(const gui::draw::Eye& eye) override;
     void onPlacePointed(const std::optional<Place>& place) override;
-    void onCameraMoved() override { showTitle(); }
+    void onCameraMoved() override;
     bool onAnimate(double seconds) override;
     bool onKeyPressed(const gui::Key& key) override;
 

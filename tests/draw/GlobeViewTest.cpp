@@ -75,8 +75,8 @@ class BareGlobe : public GlobeView
 {
 public:
     using GlobeView::GlobeView, GlobeView::onResize, GlobeView::onDraw, GlobeView::onScroll, GlobeView::onClicked,
-        GlobeView::onPrimaryButtonPressed, GlobeView::onCursorDragged, GlobeView::onPrimaryButtonReleased,
-        GlobeView::onPrimaryButtonDblClick;
+        GlobeView::onCursorMoved, GlobeView::onPrimaryButtonPressed, GlobeView::onCursorDragged,
+        GlobeView::onPrimaryButtonReleased, GlobeView::onPrimaryButtonDblClick;
 
     void drawScene(const Eye&) override {}
     void onPlacePointed(const std::optional<Point>& place) override { pointed = place; }
@@ -186,6 +186,11 @@ TEST_F(GlobeViewGLTest, SkiesStandStill)
     view.setSky(64, nullptr);
     view.onDraw({});
     EXPECT_EQ(pixel(32, 32), (Pixel{0, 0, 0, 255}));
+    // The globe moves under the pointer.
+    view.onCursorMoved(pointerAt({32, 32}));
+    ASSERT_TRUE(view.look({-70, 5}, 2, {-70, 5}));
+    view.onDraw({});
+    EXPECT_NEAR(view.pointed.value_or(Point()).x, -70, 1e-6);
 }
 
 // What one draw leaves behind changes how the next one looks.

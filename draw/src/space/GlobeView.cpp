@@ -66,6 +66,12 @@ void GlobeView::onPointed(const std::optional<Ray>& ray)
 
 void GlobeView::onClicked(const Ray& ray) { onPointed(ray); }
 
+void GlobeView::onCameraMoved()
+{
+    if (getPointer())
+        onPointed(getEye().getRay(*getPointer()));
+}
+
 // Not on as it looks now: at the rim it would then look past the globe.
 void GlobeView::onPrimaryButtonDblClick(const InputDevice& device)
 {

@@ -67,14 +67,16 @@ public:
     bool look(const Globe::Place& over, double height, const Globe::Place& towards, double seconds = 0);
 
 protected:
-    /// Called when the pointer has moved, with what is under it; empty in the sky, and when it has left. A click calls
-    /// it too, since fingers have no other way to point.
+    /// Called with what is under the pointer, when that has moved, or the globe has moved under it: then with the next
+    /// frame, before that is drawn. Empty in the sky, and when the pointer has left. A click calls it too, since
+    /// fingers have no other way to point.
     virtual void onPlacePointed(const std::optional<Globe::Place>& place);
 
     /// Knows the ground; override it where there are mountains.
     std::optional<glm::dvec3> pick(const Ray& ray) override;
     void onPointed(const std::optional<Ray>& ray) override;
     void onClicked(const Ray& ray) override;
+    void onCameraMoved() override;
     void onPrimaryButtonDblClick(const InputDevice& device) override;
     bool onScroll(const InputDevice& device) override;
     bool onZoom(const InputDevice& device) override;
