@@ -27,7 +27,10 @@ void Program3::draw(gl::Buffer& buffer, const Eye& eye, const State& state, cons
     }
     if (isOK())
         set("eye", glm::vec3(eye.getPosition() - origin));
-    Program::draw(buffer, eye.getMatrix(origin));
+    if (isOK() && _matrixLocation < 0)
+        Program::draw(buffer);
+    else
+        Program::draw(buffer, eye.getMatrix(origin));
     Context::disable(Context::Flag::Blend);
     Context::disable(Context::Flag::CullFace);
     Context::enable(Context::Flag::DepthTest);
