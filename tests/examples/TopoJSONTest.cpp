@@ -51,6 +51,10 @@ TEST(TopoJSON, SharedArcsAreReadBothWays)
     EXPECT_EQ(two.getCoasts()[0].line, (TopoJSON::Line{{10, 20.5}, {10, 20}, {10.5, 20}}));
     EXPECT_EQ(two.getCoasts()[1].areas, std::vector<std::size_t>{1});
     EXPECT_EQ(two.getCoasts()[1].line, (TopoJSON::Line{{10, 20.5}, {10.5, 20.5}, {10.5, 20}}));
+    // What lies along the edge of a map is no coast.
+    TopoJSON atEdge;
+    ASSERT_TRUE(atEdge.load(replaced("[10, 20]", "[179.5, 20]"), "areas"));
+    EXPECT_EQ(atEdge.getCoasts()[1].line, (TopoJSON::Line{{179.5, 20.5}, {180, 20.5}}));
     EXPECT_EQ(two.color(6), (std::vector<std::size_t>{0, 1}));
     // Of a coast with a zigzag of half degrees, what is left are points a degree apart and its ends.
     const std::string zigzag =

@@ -50,7 +50,7 @@ public:
     explicit GlobeView(const Globe& globe = {});
     ~GlobeView() override;
 
-    const Globe& getGlobe() const { return _globe; }
+    const Globe& getGlobe() const { return _globe; } ///< as it was given
 
     /// How high the eye may be, 0 < lowest <= highest (an assertion), in model units: a hundredth of the radius and
     /// eight radii at first.

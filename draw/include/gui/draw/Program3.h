@@ -52,10 +52,10 @@ public:
     /// How it is drawn.
     struct State
     {
-        Blending blending = Blending::None;
-        bool isHidden = true;    ///< by what is before it
-        bool isHiding = true;    ///< what is drawn after it, and behind it
-        bool isOneSided = false; ///< seen only where triangles turn against the clock
+        Blending blending = Blending::None; ///< see Blending
+        bool isHidden = true;               ///< by what is before it
+        bool isHiding = true;               ///< what is drawn after it, and behind it
+        bool isOneSided = false;            ///< seen only where triangles turn against the clock
     };
 
     /// Gives a uniform a value that it keeps: a float, an int, a vector, a matrix, or what else setUniformValue takes.
