@@ -1,7 +1,9 @@
 #include "Paint.h"
 
 #include <glm/common.hpp>
+#include <glm/geometric.hpp>
 
+#include <cmath>
 #include <cstdint>
 
 namespace examples
@@ -70,6 +72,21 @@ float clouds(const glm::vec3& place, int nOctaves)
         scaled = 2.0F * scaled + 17.3F; // no grid lies on the one before
     }
     return sum / weights;
+}
+
+glm::vec3 starlight(const glm::vec3& direction, float cellsPerRadian, float share)
+{
+    using glm::vec3;
+    const glm::ivec3 cell(glm::floor(cellsPerRadian * direction));
+    if (scatter(cell) > share)
+        return vec3(0);
+    const vec3 middle = vec3(cell) + 0.35F + 0.3F * vec3(scatter(cell, 1), scatter(cell, 2), scatter(cell, 3));
+    // Seen on the sphere around the eye, not in the depth of the grid.
+    const float distance = glm::length(direction - glm::normalize(middle)) * cellsPerRadian;
+    const float size = scatter(cell, 4), heat = 2 * scatter(cell, 5) - 1;
+    const vec3 color =
+        glm::mix(vec3(1, 0.97F, 0.92F), heat < 0 ? vec3(1, 0.72F, 0.5F) : vec3(0.66F, 0.78F, 1), glm::abs(heat));
+    return (0.15F + size * size * size) * std::exp(-distance * distance * 26) * color;
 }
 
 } // namespace examples

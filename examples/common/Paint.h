@@ -22,4 +22,10 @@ float scatter(const glm::ivec3& point, int kind = 0);
 /// @param nOctaves  how many sizes of detail, each half of the one before
 float clouds(const glm::vec3& place, int nOctaves);
 
+/// Stars of about one size: the light of one, if any, that is seen in a direction.
+/// @param direction       a unit vector
+/// @param cellsPerRadian  how small they are: the sky is a grid of cells, which have one star or none
+/// @param share           of the cells that have one, 0 to 1
+glm::vec3 starlight(const glm::vec3& direction, float cellsPerRadian, float share);
+
 } // namespace examples

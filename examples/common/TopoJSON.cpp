@@ -25,6 +25,9 @@ constexpr std::size_t cMaxPoints = 10'000'000;
 // Quantised coordinates end up this much beyond the edges of the globe at most, by rounding.
 constexpr double cDegreeTolerance = 1e-6;
 
+// What is beyond these follows the edge of a map: by as much as files have it beside that.
+constexpr double cEdgeLongitude = 179.99, cEdgeLatitude = 89.99;
+
 struct Broken : std::runtime_error
 {
     using std::runtime_error::runtime_error;
@@ -116,12 +119,13 @@ public:
         return borders;
     }
 
-    std::vector<TopoJSON::Line> findCoasts() const
+    std::vector<TopoJSON::Border> findCoasts() const
     {
-        std::vector<TopoJSON::Line> coasts;
+        std::vector<TopoJSON::Border> coasts;
         for (std::size_t arc = 0; arc < _arcs.size(); ++arc)
             if (_areas[arc].size() == 1)
-                coasts.push_back(_arcs[arc]);
+                for (TopoJSON::Line& line : withoutEdges(_arcs[arc]))
+                    coasts.push_back({_areas[arc], std::move(line)});
         return coasts;
     }
 
@@ -134,6 +138,23 @@ private:
                 kept.push_back(arc[i]);
         kept.push_back(arc.back());
         return kept.size() < 4 ? arc : kept;
+    }
+
+    static std::vector<TopoJSON::Line> withoutEdges(const TopoJSON::Line& arc)
+    {
+        std::vector<TopoJSON::Line> lines;
+        for (std::size_t i = 1; i < arc.size(); ++i)
+        {
+            const td::Point<double>&from = arc[i - 1], &to = arc[i];
+            const double east = std::min(std::abs(from.x), std::abs(to.x));
+            const double north = std::min(std::abs(from.y), std::abs(to.y));
+            if (east > cEdgeLongitude || north > cEdgeLatitude)
+                continue;
+            if (lines.empty() || lines.back().back() != from)
+                lines.push_back({from});
+            lines.back().push_back(to);
+        }
+        return lines;
     }
 
     TopoJSON::Ring decode(const json& arc, const std::string& where) const
@@ -218,7 +239,7 @@ struct Map
 {
     std::vector<TopoJSON::Area> areas;
     std::vector<TopoJSON::Border> borders;
-    std::vector<TopoJSON::Line> coasts;
+    std::vector<TopoJSON::Border> coasts;
 };
 
 Map readMap(std::string_view text, const std::string& object, double grain)

@@ -23,15 +23,15 @@ public:
     /// An outline, then the holes in it.
     using Polygon = std::vector<Ring>;
 
-    /// A line that areas share: an arc that they name. One that is closed ends with its first point.
-    struct Border
-    {
-        std::vector<std::size_t> areas; ///< two or more places in getAreas, in ascending order
-        std::vector<td::Point<double>> line;
-    };
-
     /// Points of a line.
     using Line = std::vector<td::Point<double>>;
+
+    /// A line around areas: an arc that they name. One that is closed ends with its first point.
+    struct Border
+    {
+        std::vector<std::size_t> areas; ///< whose it is: places in getAreas, in ascending order
+        Line line;
+    };
 
     struct Area
     {
@@ -51,10 +51,11 @@ public:
     [[nodiscard]] bool load(std::string_view json, const std::string& object, double grain = 0);
 
     const std::vector<Area>& getAreas() const { return _areas; }
-    /// In the order of the file's arcs.
+    /// Those that two areas or more share, each once, in the order of the file's arcs.
     const std::vector<Border>& getBorders() const { return _borders; }
-    /// The lines that only one area has, each once, in the same order.
-    const std::vector<Line>& getCoasts() const { return _coasts; }
+    /// Those that only one area has, in the same order, but for what lies along the edge of a map of the world: the
+    /// poles and 180 degrees east or west, where areas are cut and nothing ends.
+    const std::vector<Border>& getCoasts() const { return _coasts; }
 
     std::size_t getNoOfRings() const;
 
@@ -65,7 +66,7 @@ public:
 private:
     std::vector<Area> _areas;
     std::vector<Border> _borders;
-    std::vector<Line> _coasts;
+    std::vector<Border> _coasts;
 };
 
 } // namespace examples

@@ -7,6 +7,7 @@
 #include "Scenes.h"
 
 #include <gui/draw/Model.h>
+#include <gui/draw/Program3.h>
 #include <gui/gl/gl.h>
 
 #include <glm/ext/matrix_transform.hpp>
@@ -27,43 +28,6 @@ using gui::draw::Eye;
 using gui::draw::Mesh;
 
 const glm::dvec3 cToSun = glm::normalize(glm::dvec3(0.74, 0.66, 0.44)); // towards it
-
-/// What one sees of the air, wherever the eye is: behind everything.
-class AirProgram : public Program
-{
-public:
-    bool link() { return Program::link(":gallery/horizon.vert", ":gallery/horizon.frag"); }
-
-    void draw(const Eye& eye, Buffer& quad)
-    {
-        const glm::dvec3 ahead = eye.getDirection();
-        // To the middle of an edge, as far ahead as the middle.
-        const auto toEdge = [&](double x, double y)
-        {
-            const glm::dvec3 edge = eye.getRay({x * eye.getSize().width, y * eye.getSize().height}).direction;
-            return glm::vec3(edge / glm::dot(edge, ahead) - ahead);
-        };
-        const double fromMiddle = glm::length(eye.getPosition());
-        activate();
-        setUniformValue(at(0), glm::mat3(toEdge(1, 0.5), toEdge(0.5, 0), glm::vec3(ahead)));
-        setUniformValue(at(1), glm::vec3(eye.getPosition() / fromMiddle));
-        setUniformValue(at(2), glm::vec3(cToSun));
-        setUniformValue(at(3), static_cast<float>(std::max(fromMiddle - cGlobeRadius, 0.1)));
-        Program::draw(quad);
-    }
-
-protected:
-    void onLinked() override
-    {
-        reserveUniforms(4);
-        const char* const names[] = {"sight", "zenith", "sun", "height"};
-        for (std::size_t i = 0; i < 4; ++i)
-            _uniformLocations[i] = getUniformLocation(names[i]);
-    }
-
-private:
-    unsigned int at(std::size_t i) const { return static_cast<unsigned int>(_uniformLocations[i]); }
-};
 
 // On the ground, which is as good as flat there.
 Mesh makeShadow(Mesh thing)
@@ -93,7 +57,7 @@ public:
         const glm::dmat4 place = glm::translate(glm::dmat4(1), {0, cGlobeRadius, 0});
         world.add(makeShadow(car), {.color = "#8f9aae", .shininess = 0}, 0, place);
         world.add(car, place);
-        if (globe.isEmpty() || !setMesh(world) || !_air.link())
+        if (globe.isEmpty() || !setMesh(world) || !_air.link(":gallery/horizon.vert", ":gallery/horizon.frag"))
             return false;
         const float corners[] = {-1, -1, 1, -1, -1, 1, 1, 1};
         _quad.appendVertices(corners, 4);
@@ -120,10 +84,23 @@ private:
     void drawBackground(const Eye& eye) override
     {
         Context::clear(Context::Clear::Color, "#000000");
-        _air.draw(eye, _quad);
+        const glm::dvec3 ahead = eye.getDirection();
+        // To the middle of an edge, as far ahead as the middle.
+        const auto toEdge = [&](double x, double y)
+        {
+            const glm::dvec3 edge = eye.getRay({x * eye.getSize().width, y * eye.getSize().height}).direction;
+            return glm::vec3(edge / glm::dot(edge, ahead) - ahead);
+        };
+        const double fromMiddle = glm::length(eye.getPosition());
+        _air.set("sight", glm::mat3(toEdge(1, 0.5), toEdge(0.5, 0), glm::vec3(ahead)));
+        _air.set("zenith", glm::vec3(eye.getPosition() / fromMiddle));
+        _air.set("sun", glm::vec3(cToSun));
+        _air.set("height", static_cast<float>(std::max(fromMiddle - cGlobeRadius, 0.1)));
+        _air.draw(_quad, eye, {.isHidden = false, .isHiding = false});
     }
 
-    AirProgram _air;
+    // What one sees of the air, wherever the eye is: behind everything.
+    gui::draw::Program3 _air;
     Buffer _quad{DataType::Vec2};
 };
 

@@ -219,8 +219,8 @@ private:
         }
         for (const TopoJSON::Border& border : world.getBorders())
             examples::layOnMap(border.line, false, cMapMiddle, borders);
-        for (const TopoJSON::Line& coast : world.getCoasts())
-            examples::layOnMap(coast, false, cMapMiddle, coasts);
+        for (const TopoJSON::Border& coast : world.getCoasts())
+            examples::layOnMap(coast.line, false, cMapMiddle, coasts);
         for (const TopoJSON::Line& line : borders)
             _ground.stroke(pathOf(line), {.width = 1, .dashes = {4, 2.5}}, cBorder);
         for (const TopoJSON::Line& line : coasts)

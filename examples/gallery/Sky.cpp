@@ -36,18 +36,6 @@ vec3 sunDirection() { return glm::normalize(vec3(0.34F, 0.085F, -1)); }
 
 float between(float low, float high, float value) { return glm::smoothstep(low, high, value); }
 
-// Stars lie in the cells of a grid around the eye; one cell in a hundred has one.
-vec3 starlight(const vec3& direction)
-{
-    const vec3 place = 90.0F * direction;
-    const vec3 cell = glm::floor(place);
-    if (examples::scatter(glm::ivec3(cell)) > 0.012F)
-        return vec3(0);
-    const float size = examples::scatter(glm::ivec3(cell), 1);
-    const float distance = glm::length(place - cell - 0.5F);
-    return vec3(0.9F, 0.95F, 1) * (0.25F + 0.75F * size) * between(0.32F, 0.05F, distance);
-}
-
 // The air above the horizon, at dusk.
 vec3 air(const vec3& direction)
 {
@@ -59,7 +47,7 @@ vec3 air(const vec3& direction)
     const vec3 high(0.06F, 0.10F, 0.26F);
     vec3 color = glm::mix(low, middle, between(0, 0.22F, height));
     color = glm::mix(color, high, between(0.1F, 0.75F, height));
-    color += starlight(direction) * between(0.25F, 0.7F, height);
+    color += examples::starlight(direction, 90, 0.02F) * between(0.25F, 0.7F, height);
     color += vec3(1.0F, 0.45F, 0.15F) * 0.45F * std::pow(toSun, 24.0F) +
              vec3(1, 0.8F, 0.5F) * 0.6F * std::pow(toSun, 400.0F);
 

@@ -1,15 +1,13 @@
 #pragma once
 
-#include <gui/draw/Eye.h>
+#include <gui/draw/Program3.h>
 #include <gui/gl/Buffer.h>
-#include <gui/gl/Program.h>
-#include <gui/gl/SkyBox.h>
 #include <gui/gl/Textures.h>
 
 namespace globe
 {
 
-/// The earth's surface in the light of the sun, the air around it, and the stars.
+/// The earth's surface in the light of the sun, and the air around it. Its radius is 1.
 class Earth
 {
 public:
@@ -24,24 +22,12 @@ public:
     void drawAir(const gui::draw::Eye& eye, const glm::vec3& sun);
 
 private:
-    /// Stars and the Milky Way: what is seen in a direction, a unit vector.
-    static glm::vec3 paintSky(const glm::vec3& direction);
-
-    /// A program that depends on sun and eye, and draws a buffer about the earth's middle.
-    class Layer : public gui::gl::Program
-    {
-    public:
-        void draw(gui::gl::Buffer& buffer, const gui::draw::Eye& eye, const glm::vec3& sun, double radius);
-
-    protected:
-        void onLinked() override { _matrixLocation = getUniformLocation("mvp"); }
-    };
-
-    Layer _surface, _air;
+    gui::draw::Program3 _surface, _air;
     gui::gl::Buffer _sphere{gui::gl::DataType::Vec3, gui::gl::DataType::Vec3, gui::gl::DataType::Vec2};
     gui::gl::Textures _textures;
-    gui::gl::SkyBox _sky;
-    glm::mat4 _toSky{1};
 };
+
+/// The stars and the Milky Way around it: what is seen in a direction, a unit vector.
+glm::vec3 starsIn(const glm::vec3& direction);
 
 } // namespace globe

@@ -1,6 +1,6 @@
 // The earth in space, to turn and to go nearer to, or pictures of it.
 
-#include "GlobeView.h"
+#include "EarthView.h"
 
 #include <common/CommandLine.h>
 #include <common/SavePicture.h>
@@ -8,13 +8,10 @@
 #include <gui/draw/Inspector.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 namespace
 {
-
-using namespace globe;
 
 constexpr td::Size<double> cSize{1080, 720};
 
@@ -36,18 +33,6 @@ Shows the earth in space. The window's title tells where the eye is.
                  GUIGL_SCALE=2 draws two pixels per point
 )";
 
-// @return the program's exit status
-int drawPictures(GlobeView& view, const std::filesystem::path& folder)
-{
-    for (const Outlook& outlook : cOutlooks)
-    {
-        view.show(outlook);
-        if (!examples::savePicture(view, folder / (std::string(outlook.name) + ".png")))
-            return EXIT_FAILURE;
-    }
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -58,8 +43,16 @@ int main(int argc, char** argv)
     gui::Application app(argc, argv);
     const gui::draw::Inspector inspector; // F12 shows it
     gui::Window window("Globe", cSize);
-    GlobeView view(&window);
+    globe::EarthView view(&window);
     if (!view.isOk() || !window.show(view))
         return EXIT_FAILURE;
-    return asked.folder.empty() ? app.run() : drawPictures(view, asked.folder);
+    if (asked.folder.empty())
+        return app.run();
+    for (const globe::Outlook& outlook : globe::cOutlooks)
+    {
+        view.show(outlook);
+        if (!examples::savePicture(view, asked.folder / (std::string(outlook.name) + ".png")))
+            return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
 }

@@ -25,8 +25,8 @@ bool Countries::load()
             for (auto& rings = pOutlines->countries.emplace_back(); const TopoJSON::Polygon& polygon : area.polygons)
                 for (const TopoJSON::Ring& ring : polygon)
                     examples::layOnMap(ring, true, cMiddleLongitude, rings);
-        for (const Line& coast : world.getCoasts())
-            examples::layOnMap(coast, false, cMiddleLongitude, pOutlines->coasts);
+        for (const TopoJSON::Border& coast : world.getCoasts())
+            examples::layOnMap(coast.line, false, cMiddleLongitude, pOutlines->coasts);
         for (const TopoJSON::Border& border : world.getBorders())
             examples::layOnMap(border.line, false, cMiddleLongitude, pOutlines->borders);
     }

@@ -2,6 +2,8 @@
 
 #include "Names.h"
 
+#include <gui/draw/Globe.h>
+
 #include <cstdio>
 
 namespace worldmap
@@ -23,24 +25,12 @@ constexpr double cBarBottom = 30.5;
 
 constexpr double cKilometresPerDegree = 111.2; // on a sphere as large as the earth
 
-std::string format(const char* pattern, auto... values)
-{
-    char text[80];
-    std::snprintf(text, sizeof text, pattern, values...);
-    return text;
-}
-
 std::string placeText(Projection projection, const Point& point)
 {
     const Rect sheet = sheetOf(projection);
     if (point.x < sheet.left || point.x > sheet.right || point.y < sheet.top || point.y > sheet.bottom)
         return {};
-    // What is rounded to 0 is neither west nor south.
-    const auto rounded = [](double value) { return std::round(value * 100) / 100; };
-    const Point degrees = unproject(projection, point);
-    const double longitude = rounded(std::remainder(degrees.x, 360)), latitude = rounded(degrees.y);
-    return format("%.2f\u00b0 %c  %.2f\u00b0 %c", std::abs(longitude), longitude < 0 ? 'W' : 'E', std::abs(latitude),
-                  latitude < 0 ? 'S' : 'N');
+    return gui::draw::Globe::getText(unproject(projection, point), 2);
 }
 
 } // namespace
@@ -73,7 +63,9 @@ void Legend::draw(const SheetView& map, const std::optional<Point>& pointer, con
     const double kilometres = roundLength(cBarLength * kilometresPerPoint), length = kilometres / kilometresPerPoint;
     const Point start(cLeft, -cBarBottom), end(cLeft + length, -cBarBottom);
     const Path bar = Path().moveTo({start.x, start.y - 6}).lineTo(start).lineTo(end).lineTo({end.x, end.y - 6});
-    _scaleText = format("%g km", kilometres);
+    char text[40];
+    std::snprintf(text, sizeof text, "%g km", kilometres);
+    _scaleText = text;
     _placeText = pointer ? placeText(map.getMapProjection(), map.getModelPoint(*pointer)) : "";
     _drawing.setTransform(_all, Affine::translation(0, (seen.bottom - seen.top) * zoom));
     _drawing.setTransform(_band, Affine::scaling((seen.right - seen.left) * zoom, 1));

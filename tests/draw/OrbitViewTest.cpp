@@ -313,8 +313,13 @@ public:
     Nothing() { control().setGizmo(OrbitControl::Corner::None); }
     void drawScene(const Eye&) override { ++nDraws; }
     std::optional<glm::dvec3> pick(const Ray&) override { return std::nullopt; }
+    bool onAnimate(double seconds) override
+    {
+        EXPECT_TRUE(seconds >= 0 && seconds <= 0.1);
+        return --nToMove > 0;
+    }
 
-    int nDraws = 0;
+    int nDraws = 0, nToMove = 0;
 };
 
 using OrbitViewTest = test::GLViewFixture;
@@ -349,6 +354,12 @@ TEST_F(OrbitViewTest, RestsWhenAFlightHasEnded)
         pNative->onFrameTick();
     EXPECT_NE(std::find(last.begin(), last.end(), "clock stops"), last.end());
     EXPECT_EQ(std::find(last.begin(), last.end(), "needs display"), last.end());
+    // What moves in the model does so without a flight.
+    view.nDraws = 0;
+    view.nToMove = 5;
+    for (view.startAnimation(); view.isAnimated() && view.nDraws < 100;)
+        pNative->onFrameTick();
+    EXPECT_EQ(view.nDraws, 5);
 }
 
 } // namespace

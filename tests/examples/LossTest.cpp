@@ -5,7 +5,7 @@
 
 #include <gallery/PictureStage.h>
 #include <gallery/Scenes.h>
-#include <globe/GlobeView.h>
+#include <globe/EarthView.h>
 #include <worldmap/MapView.h>
 
 #include <gui/Application.h>
@@ -96,7 +96,7 @@ TEST(LossTest, AMapAndAGlobeLookTheSameAfterEachLoss)
     ASSERT_TRUE(window.show(map));
     looksTheSameAfterLosses(map);
     gui::Window second("Globe", {400, 300});
-    globe::GlobeView globe(&second);
+    globe::EarthView globe(&second);
     ASSERT_TRUE(globe.isOk() && second.show(globe));
     looksTheSameAfterLosses(globe);
 }

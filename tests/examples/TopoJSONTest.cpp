@@ -47,14 +47,20 @@ TEST(TopoJSON, SharedArcsAreReadBothWays)
     ASSERT_EQ(two.getBorders().size(), 1U);
     EXPECT_EQ(two.getBorders()[0].areas, (std::vector<std::size_t>{0, 1}));
     EXPECT_EQ(two.getBorders()[0].line, (TopoJSON::Ring{{10.5, 20}, {10, 20.5}}));
-    EXPECT_EQ(two.getCoasts(), (std::vector<TopoJSON::Line>{{{10, 20.5}, {10, 20}, {10.5, 20}},
-                                                            {{10, 20.5}, {10.5, 20.5}, {10.5, 20}}}));
+    ASSERT_EQ(two.getCoasts().size(), 2U);
+    EXPECT_EQ(two.getCoasts()[0].line, (TopoJSON::Line{{10, 20.5}, {10, 20}, {10.5, 20}}));
+    EXPECT_EQ(two.getCoasts()[1].areas, std::vector<std::size_t>{1});
+    EXPECT_EQ(two.getCoasts()[1].line, (TopoJSON::Line{{10, 20.5}, {10.5, 20.5}, {10.5, 20}}));
+    // What lies along the edge of a map is no coast.
+    TopoJSON atEdge;
+    ASSERT_TRUE(atEdge.load(replaced("[10, 20]", "[179.5, 20]"), "areas"));
+    EXPECT_EQ(atEdge.getCoasts()[1].line, (TopoJSON::Line{{179.5, 20.5}, {180, 20.5}}));
     EXPECT_EQ(two.color(6), (std::vector<std::size_t>{0, 1}));
     // Of a coast with a zigzag of half degrees, what is left are points a degree apart and its ends.
     const std::string zigzag =
         replaced("[[0, 1], [0, -1], [1, 0]]", "[[0, 1], [-1, 0], [-1, 0], [-1, 0], [0, -1], [0, -1], [1, 0], [3, 1]]");
     ASSERT_TRUE(two.load(zigzag, "areas", 1));
-    EXPECT_EQ(two.getCoasts()[0], (TopoJSON::Line{{10, 20.5}, {9, 20.5}, {8.5, 19.5}, {10.5, 20}}));
+    EXPECT_EQ(two.getCoasts()[0].line, (TopoJSON::Line{{10, 20.5}, {9, 20.5}, {8.5, 19.5}, {10.5, 20}}));
 }
 
 TEST(TopoJSON, RefusesWhatIsBrokenAndKeepsWhatItHas)

@@ -167,10 +167,10 @@ TEST_F(WorldmapGLTest, TheLegendTellsLengthsAndPlaces)
         const char* length; // of at most 120 points, a degree of the equator being 111.2 km
         const char* place;
     } cases[] = {
-        {Projection::Equirectangular, 1.7, {11, 0}, "5000 km", "11.00\u00b0 E  0.00\u00b0 N"},
-        {Projection::Equirectangular, 60, {28.2, -29.5}, "100 km", "28.20\u00b0 E  29.50\u00b0 S"},
-        {Projection::Mercator, 60, {-20, 64}, "50 km", "20.00\u00b0 W  64.00\u00b0 N"},
-        {Projection::Mercator, 390, {190, 0}, "20 km", "170.00\u00b0 W  0.00\u00b0 N"},
+        {Projection::Equirectangular, 1.7, {11, 0}, "5000 km", "0.00\u00b0 N 11.00\u00b0 E"},
+        {Projection::Equirectangular, 60, {28.2, -29.5}, "100 km", "29.50\u00b0 S 28.20\u00b0 E"},
+        {Projection::Mercator, 60, {-20, 64}, "50 km", "64.00\u00b0 N 20.00\u00b0 W"},
+        {Projection::Mercator, 390, {190, 0}, "20 km", "0.00\u00b0 N 170.00\u00b0 W"},
         {Projection::Equirectangular, 10, {0, 95}, "100 km", ""},
     };
     worldmap::Legend legend;

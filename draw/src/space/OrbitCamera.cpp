@@ -113,6 +113,21 @@ OrbitCamera::Pose OrbitCamera::within(Pose pose) const
         if (elevation != angles.elevation)
             pose.rotation = rotationOf({angles.azimuth, elevation});
     }
+    return withEyeWithin(pose);
+}
+
+OrbitCamera::Pose OrbitCamera::withEyeWithin(Pose pose) const
+{
+    if (!_eyeLimits)
+        return pose;
+    constexpr double cRounding = 1e-9; // what was put at a limit is there
+    const auto& [center, limits] = *_eyeLimits;
+    const glm::dvec3 back = glm::transpose(pose.rotation)[2];
+    const glm::dvec3 away = pose.target + pose.distance * back - center;
+    const double distance = glm::length(away);
+    if (distance < limits.min * (1 - cRounding) || distance > limits.max * (1 + cRounding))
+        pose.target +=
+            (std::clamp(distance, limits.min, limits.max) - distance) * (distance > 0 ? away / distance : back);
     return pose;
 }
 
@@ -401,6 +416,13 @@ void OrbitCamera::setElevationLimits(double min, double max)
 void OrbitCamera::setTargetLimits(const Box3& box)
 {
     _targetLimits = box;
+    _pose = within(_pose);
+}
+
+void OrbitCamera::setEyeLimits(const glm::dvec3& center, double min, double max)
+{
+    TD_ASSERT(isFiniteVector(center) && min >= 0 && min <= max && std::isfinite(max));
+    _eyeLimits = {center, {min, max}};
     _pose = within(_pose);
 }
 

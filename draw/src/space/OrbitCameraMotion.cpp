@@ -83,7 +83,7 @@ OrbitCamera::Pose OrbitCamera::poseInFlight(double part) const
     else
         pose.rotation =
             glm::mat3_cast(glm::slerp(glm::quat_cast(flight.from.rotation), glm::quat_cast(flight.to.rotation), part));
-    return pose;
+    return withEyeWithin(pose);
 }
 
 void OrbitCamera::glide(const glm::dvec3& pivot, double right, double up)

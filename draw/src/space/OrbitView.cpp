@@ -6,9 +6,15 @@
 #include <gui/Key.h>
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Color2DProgram.h>
+#include <gui/gl/SkyBox.h>
 #include <gui/gl/StateGuard.h>
 
+#include <glm/mat4x4.hpp>
+#include <glm/trigonometric.hpp>
+
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -18,7 +24,8 @@ namespace gui::draw
 namespace
 {
 
-constexpr int cPickPixels = 9; // a side of what is drawn to see what is under the pointer; odd
+constexpr double cLongestFrame = 0.1; // seconds, after one that came late
+constexpr int cPickPixels = 9;        // a side of what is drawn to see what is under the pointer; odd
 
 std::array<float, 4> componentsOf(td::Color color)
 {
@@ -60,19 +67,30 @@ std::optional<PickedDepth> readDepth(DepthReader& reader, const Eye& eye)
 
 } // namespace
 
-// A colour at the top that goes over into another.
+// A colour at the top that goes over into another, or a sky.
 class OrbitView::Background
 {
 public:
+    using Sky = std::function<glm::vec3(const glm::vec3&)>;
+
     Background(td::Color top, td::Color bottom)
         : _top(top)
         , _bottom(bottom)
     {
     }
 
-    void draw()
+    Background(int faceSize, Sky sky)
+        : _top(td::ColorID::Black)
+        , _bottom(td::ColorID::Black)
+        , _sky(std::move(sky))
+        , _faceSize(faceSize)
+    {
+    }
+
+    void draw(const OrbitCamera& camera)
     {
         gl::Context::clear(gl::Context::Clear::Color, _top);
+        drawSky(camera);
         if (_top == _bottom)
             return;
         if (_pBuffer == nullptr)
@@ -94,8 +112,30 @@ public:
     }
 
 private:
+    // Where things are deep does not matter: the box sets its own depth.
+    void drawSky(const OrbitCamera& camera)
+    {
+        if (_sky && !_isRefused)
+        {
+            _pSkyBox = std::make_unique<gl::SkyBox>();
+            _isRefused = !_pSkyBox->init(&_toSky, nullptr, _faceSize, std::exchange(_sky, nullptr));
+        }
+        if (_pSkyBox == nullptr || _isRefused || !(camera.getSize().width > 0))
+            return;
+        glm::dmat4 projection(0);
+        projection[1][1] = 1 / std::tan(glm::radians(camera.getFieldOfView()) / 2);
+        projection[0][0] = projection[1][1] * camera.getSize().height / camera.getSize().width;
+        projection[2][3] = -1;
+        _toSky = glm::mat4(projection * glm::dmat4(camera.getPose().rotation));
+        _pSkyBox->render(true);
+    }
+
     td::Color _top;
     td::Color _bottom;
+    Sky _sky; // until it is painted
+    int _faceSize = 0;
+    glm::mat4 _toSky{1};
+    std::unique_ptr<gl::SkyBox> _pSkyBox;
     gl::Color2DProgram _program;
     std::unique_ptr<gl::Buffer> _pBuffer;
     bool _isRefused = false; // by the driver, which said so
@@ -185,6 +225,13 @@ void OrbitView::setBackground(td::Color top, td::Color bottom)
     reRender();
 }
 
+void OrbitView::setSky(int faceSize, std::function<glm::vec3(const glm::vec3& direction)> color)
+{
+    makeCurrentContext();
+    _pBackground = std::make_unique<Background>(faceSize, std::move(color));
+    reRender();
+}
+
 void OrbitView::drawOver(const Eye&) {}
 
 void OrbitView::onPointed(const std::optional<Ray>&) {}
@@ -203,7 +250,7 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     _canvas.setShadows(_canvas.getShadows(), _camera.getBounds()); // which may be others since
     {
         DepthCanvas::Frame frame(_canvas, eye);
-        _pBackground->draw();
+        _pBackground->draw(_camera);
         _probe.begin(eye);
         while (const Eye* const pEye = eye.isValid() ? frame.next() : nullptr)
         {
@@ -260,7 +307,15 @@ std::optional<glm::dvec3> OrbitView::pick(const Ray& ray)
 
 void OrbitView::onResize(const td::Size<double>& size) { _camera.setSize(size); }
 
-bool OrbitView::prepareNextFrame() { return _control.advance(); }
+bool OrbitView::onAnimate(double) { return false; }
+
+bool OrbitView::prepareNextFrame()
+{
+    const auto now = std::chrono::steady_clock::now();
+    const std::chrono::duration<double> since = now - std::exchange(_lastFrame, now);
+    const bool isMoving = _control.advance();
+    return onAnimate(std::min(since.count(), cLongestFrame)) || isMoving;
+}
 
 void OrbitView::drag(const InputDevice& device)
 {

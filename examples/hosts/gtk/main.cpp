@@ -3,7 +3,7 @@
 
 #include "../AreaPlot.h"
 
-#include <globe/GlobeView.h>
+#include <globe/EarthView.h>
 #include <gtk/gtk.h>
 #include <gui/gtk/ViewArea.h>
 #include <worldmap/SheetView.h>
@@ -23,7 +23,7 @@ struct Program
     std::vector<std::string> names; // in the list's order
     AreaPlot plot{countries};
     std::unique_ptr<worldmap::SheetView> map;
-    std::unique_ptr<globe::GlobeView> globe;
+    std::unique_ptr<globe::EarthView> globe;
 };
 
 GtkWidget* paned(GtkOrientation orientation, GtkWidget* pStart, GtkWidget* pEnd, int position)
@@ -67,7 +67,7 @@ void activate(GtkApplication* pApp, Program* pProgram)
         pProgram->map = std::make_unique<worldmap::SheetView>(pProgram->countries, worldmap::Projection::Mercator);
         return pProgram->map.get();
     };
-    const auto makeGlobe = [pProgram] { return (pProgram->globe = std::make_unique<globe::GlobeView>(nullptr)).get(); };
+    const auto makeGlobe = [pProgram] { return (pProgram->globe = std::make_unique<globe::EarthView>(nullptr)).get(); };
     GtkWidget* const pTabs = gtk_notebook_new();
     gtk_notebook_append_page(GTK_NOTEBOOK(pTabs), gui::gtk::newViewArea(makeMap), gtk_label_new("Map"));
     gtk_notebook_append_page(GTK_NOTEBOOK(pTabs), gui::gtk::newViewArea(makeGlobe), gtk_label_new("Globe"));

@@ -8,7 +8,7 @@
 #include <QListWidget>
 #include <QMainWindow>
 #include <QTabWidget>
-#include <globe/GlobeView.h>
+#include <globe/EarthView.h>
 #include <gui/qt/ViewWidget.h>
 #include <worldmap/SheetView.h>
 
@@ -22,7 +22,7 @@ int main(int argc, char** argv)
     if (!countries.load())
         return EXIT_FAILURE;
     std::unique_ptr<worldmap::SheetView> map;
-    std::unique_ptr<globe::GlobeView> globe;
+    std::unique_ptr<globe::EarthView> globe;
     AreaPlot plot(countries);
 
     auto* const pList = new QListWidget;
@@ -45,7 +45,7 @@ int main(int argc, char** argv)
         map = std::make_unique<worldmap::SheetView>(countries, worldmap::Projection::Mercator);
         return map.get();
     };
-    const auto makeGlobe = [&] { return (globe = std::make_unique<globe::GlobeView>(nullptr)).get(); };
+    const auto makeGlobe = [&] { return (globe = std::make_unique<globe::EarthView>(nullptr)).get(); };
     pTabs->addTab(new ViewWidget(makeMap), "Map");
     pTabs->addTab(new ViewWidget(makeGlobe), "Globe");
 

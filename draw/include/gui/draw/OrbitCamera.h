@@ -189,6 +189,10 @@ public:
     void setElevationLimits(double min, double max);
     /// Where the target may be; anywhere with an empty box, as at first.
     void setTargetLimits(const Box3& box);
+    /// How near to a point of the model and how far from it the eye may be, 0 <= min <= max (an assertion);
+    /// anywhere at first. Outside of a globe, say, or inside a room. A flight goes around what is too near. Where other
+    /// limits are against it, it has the last word.
+    void setEyeLimits(const glm::dvec3& center, double min, double max);
 
 private:
     struct Fit
@@ -222,6 +226,11 @@ private:
         double min;
         double max;
     };
+    struct EyeLimits
+    {
+        glm::dvec3 center;
+        Range distance;
+    };
 
     glm::dmat3 rotationOf(const Angles& angles) const;
     Angles anglesOf(const glm::dmat3& rotation) const;
@@ -230,6 +239,7 @@ private:
     static bool isPose(const Pose& pose);
     Pose taken(const Pose& pose) const;
     Pose within(Pose pose) const;
+    Pose withEyeWithin(Pose pose) const;
     void fitAgain();
     Range distanceLimits() const;
     Range seenDistances(const glm::dvec3& position, Eye::Depth depth) const;
@@ -245,6 +255,7 @@ private:
     Box3 _targetLimits;
     Range _elevationLimits{-90, 90};
     std::optional<Range> _distanceLimits;
+    std::optional<EyeLimits> _eyeLimits;
     std::optional<Fit> _fit; // also one that waits for a size
     std::optional<Flight> _flight;
     std::optional<Glide> _glide;

@@ -17,6 +17,8 @@
 
 #include <glm/vec3.hpp>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -105,6 +107,12 @@ public:
     /// first.
     void setBackground(td::Color color);
     void setBackground(td::Color top, td::Color bottom); ///< see the form above
+    /// A sky in place of them, all around the model: it turns with it and never comes nearer. Without perspective it is
+    /// seen as with it.
+    /// @param faceSize  pixels along a quarter of the horizon; see gl::Textures::appendCubeMap
+    /// @param color     what is seen in a direction of the model, a unit vector: red, green and blue, 0 to 1. Called
+    ///                  before the next frame, and not again; an empty one for black
+    void setSky(int faceSize, std::function<glm::vec3(const glm::vec3& direction)> color);
 
     /// Where the pointer is, in points; empty when it is elsewhere, or has not moved yet.
     const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
@@ -133,7 +141,13 @@ protected:
     void onDraw(const td::RectNormalized<double>& rect) override;
     /// An empty size changes nothing.
     void onResize(const td::Size<double>& size) override;
-    /// Goes on with flights and glides. A view with an animation of its own calls it from its prepareNextFrame.
+    /// Called before each frame of an animation, such as a flight, or one that was begun with startAnimation for what
+    /// moves in the model.
+    /// @param seconds  since the last time; a tenth at most, for the first one and after one that came late
+    /// @return whether there is more to come; flights and glides go on without it
+    virtual bool onAnimate(double seconds);
+
+    /// Goes on with flights and glides, and calls onAnimate.
     bool prepareNextFrame() override;
     void onPrimaryButtonPressed(const InputDevice& device) override;
     void onPrimaryButtonReleased(const InputDevice& device) override;
@@ -166,6 +180,7 @@ private:
     std::unique_ptr<DepthReader> _pDepthReader;
     std::optional<td::Point<double>> _pointer;
     OrbitCamera::Pose _drawn;
+    std::chrono::steady_clock::time_point _lastFrame; // of an animation
 };
 
 } // namespace gui::draw

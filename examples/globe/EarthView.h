@@ -4,9 +4,7 @@
 #include "Earth.h"
 
 #include <gui/Window.h>
-#include <gui/draw/OrbitView.h>
-
-#include <chrono>
+#include <gui/draw/GlobeView.h>
 
 namespace globe
 {
@@ -24,14 +22,14 @@ struct Outlook
 /// The first one is where the view begins.
 extern const Outlook cOutlooks[3];
 
-/// The earth in space, to turn and to go nearer to: see gui::draw::OrbitControl for what the pointer does. The country
+/// The earth in space, to turn and to go nearer to: see gui::draw::GlobeView for what the pointer does. The country
 /// under it is outlined and told. Digits fly to an outlook, Space starts and stops time, B and L hide borders and
 /// names, Escape ends the program.
-class GlobeView : public gui::draw::OrbitView
+class EarthView : public gui::draw::GlobeView
 {
 public:
     /// @param pWindow  gets a title that says where the eye is, and must outlive the view; null for none
-    explicit GlobeView(gui::Window* pWindow);
+    explicit EarthView(gui::Window* pWindow);
 
     /// Whether all that it draws is there.
     bool isOk() const { return _isOk; }
@@ -43,12 +41,9 @@ protected:
     void onInit() override;
     void drawScene(const gui::draw::Eye& eye) override;
     void drawOver(const gui::draw::Eye& eye) override;
-    std::optional<glm::dvec3> pick(const gui::draw::Ray& ray) override;
-    void onPointed(const std::optional<gui::draw::Ray>& ray) override;
-    void onClicked(const gui::draw::Ray& ray) override { onPointed(ray); }
+    void onPlacePointed(const std::optional<Place>& place) override;
     void onCameraMoved() override;
-    bool prepareNextFrame() override;
-    bool onScroll(const gui::InputDevice& device) override;
+    bool onAnimate(double seconds) override;
     bool onKeyPressed(const gui::Key& key) override;
 
 private:
@@ -58,8 +53,6 @@ private:
     Earth _earth;
     Countries _countries;
     Place _sun;
-    std::chrono::steady_clock::time_point _lastFrame;
-    bool _isGoingNearer = false;
     bool _hasTime = false;
     bool _hasBorders = true;
     bool _hasNames = true;
