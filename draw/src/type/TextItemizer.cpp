@@ -272,6 +272,7 @@ std::vector<ShapedRun> TextItemizer::findRuns(const Levels& levels)
                             .style = style,
                             .firstGlyph = 0,
                             .nGlyphs = 0,
+                            .firstCluster = 0,
                             .script = script,
                             .face = *pNextFace,
                             .kind = kind,
