@@ -1,5 +1,6 @@
 #include "TextBreaks.h"
 
+#include <td/Types.h>
 #include <vo/Log.h>
 #include <vo/UTFConverter.h>
 
@@ -79,6 +80,21 @@ void forBreaks(std::string_view text, UBreakIteratorType type, const std::string
     utext_close(&uText);
 }
 
+// ICU's property, which most letters are asked for more than once.
+int graphemeBreakOf(char32_t c)
+{
+    const auto ask = [](char32_t which) { return u_getIntPropertyValue(UChar32(which), UCHAR_GRAPHEME_CLUSTER_BREAK); };
+    constexpr std::size_t cFirst = 0x1000;
+    static const auto s_first = [&ask]
+    {
+        std::array<td::BYTE, cFirst> first{};
+        for (std::size_t i = 0; i < cFirst; ++i)
+            first[i] = static_cast<td::BYTE>(ask(char32_t(i)));
+        return first;
+    }();
+    return c < cFirst ? s_first[c] : ask(c);
+}
+
 } // namespace
 
 std::vector<LineBreak> findLineBreaks(std::string_view text, const std::string& language)
@@ -131,13 +147,16 @@ char32_t characterBefore(std::string_view text, std::size_t offset)
 
 bool mayBeOneLetter(std::string_view text, std::size_t offset)
 {
-    const auto breakOf = [](char32_t c) { return u_getIntPropertyValue(UChar32(c), UCHAR_GRAPHEME_CLUSTER_BREAK); };
-    if (offset == 0 || offset >= text.size())
-        return false;
-    const int before = breakOf(characterBefore(text, offset));
+    return offset > 0 && offset < text.size() &&
+           mayBeOneLetter(characterBefore(text, offset), characterAt(text, offset));
+}
+
+bool mayBeOneLetter(char32_t first, char32_t second)
+{
+    const int before = graphemeBreakOf(first), after = graphemeBreakOf(second);
     if (before == U_GCB_PREPEND || before == U_GCB_ZWJ)
         return true;
-    switch (breakOf(characterAt(text, offset)))
+    switch (after)
     {
     case U_GCB_OTHER:
         return false;
