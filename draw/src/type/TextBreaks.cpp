@@ -118,8 +118,8 @@ Plain plainOf(char32_t c)
     return c < cFirst ? s_first[c] : Plain::None;
 }
 
-// A part of a text that ends where a line may end: behind a word, signs and spaces, and before a letter (rules 9, 13, 18
-// and 28), or at the text's end. From such a place on, breaks don't depend on what is before.
+// A part of a text that ends where a line may end: behind a word, signs and spaces, and before a letter (rules 9, 13,
+// 18 and 28), or at the text's end. From such a place on, breaks don't depend on what is before.
 struct Chunk
 {
     std::uint32_t end;

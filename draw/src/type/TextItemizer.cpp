@@ -32,9 +32,9 @@ bool mayHaveLevel(char32_t c)
                           (c >= 0x1E800 && c < 0x1F000));
 }
 
-// What stands between letters of one direction has that direction too (Unicode's report 9, rules W1, W6 and N1), and all
-// rules before leave it alone, unless it is a bracket, a number or a control. FriBidi takes as long as there are pieces
-// of different types, so that a text of words is best told to it as one.
+// What stands between letters of one direction has that direction too (Unicode's report 9, rules W1, W6 and N1), and
+// all rules before leave it alone, unless it is a bracket, a number or a control. FriBidi takes as long as there are
+// pieces of different types, so that a text of words is best told to it as one.
 std::vector<FriBidiCharType> joinLetters(const std::vector<FriBidiCharType>& types,
                                          const std::vector<FriBidiBracketType>& brackets)
 {

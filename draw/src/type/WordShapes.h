@@ -21,9 +21,9 @@ namespace gui::draw
 {
 
 /// Words that a font has shaped, each with the spaces behind it. A text says most of its words more than once, and
-/// HarfBuzz knows which words look the same whatever is beside them: those are shaped once. Text of which many words are
-/// new is shaped as a whole, which takes less time than to shape its words; they are remembered when they come again.
-/// For any thread.
+/// HarfBuzz knows which words look the same whatever is beside them: those are shaped once. Text of which many words
+/// are new is shaped as a whole, which takes less time than to shape its words; they are remembered when they come
+/// again. For any thread.
 class WordShapes
 {
 public:
