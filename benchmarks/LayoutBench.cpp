@@ -63,7 +63,8 @@ std::string makeText()
 struct Fonts
 {
     Typeface face;
-    std::map<std::uint64_t, hb_font_t*> byID;
+    std::map<std::uint64_t, std::size_t> indices; // by the faces' IDs
+    std::vector<hb_font_t*> fonts;
 
     Fonts()
     {
@@ -73,13 +74,17 @@ struct Fonts
             {
                 hb_blob_t* const pBlob = hb_blob_create_from_file(file);
                 hb_face_t* const pFace = hb_face_create(pBlob, 0);
-                byID[opened.getID()] = hb_font_create(pFace);
+                indices[opened.getID()] = fonts.size();
+                fonts.push_back(hb_font_create(pFace));
                 hb_face_destroy(pFace);
                 hb_blob_destroy(pBlob);
                 faces.push_back(opened);
             }
         face = faces.front().withFallbacks({faces.begin() + 1, faces.end()}, false);
     }
+    ~Fonts() { std::ranges::for_each(fonts, hb_font_destroy); }
+    Fonts(const Fonts&) = delete;
+    Fonts& operator=(const Fonts&) = delete;
 };
 
 const Fonts& fonts()
@@ -91,7 +96,7 @@ const Fonts& fonts()
 struct ShapeRun
 {
     std::size_t begin, end;
-    hb_font_t* pFont;
+    std::size_t font;
     hb_segment_properties_t properties;
 };
 
@@ -104,7 +109,7 @@ std::vector<ShapeRun> runsOf(const TextLayout& layout)
         const auto first = std::ranges::min_element(run.glyphs, {}, &TextLayout::Glyph::offset);
         runs.push_back({run.text + first->offset,
                         0,
-                        fonts().byID.at(run.face.getID()),
+                        fonts().indices.at(run.face.getID()),
                         {run.isRightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR, HB_SCRIPT_COMMON,
                          hb_language_get_default(), nullptr, nullptr}});
     }
@@ -124,30 +129,61 @@ std::vector<ShapeRun> runsOf(const TextLayout& layout)
     return runs;
 }
 
+std::size_t shapeByHarfBuzz(const std::string& text, const std::vector<ShapeRun>& runs, const Fonts& fonts)
+{
+    static hb_buffer_t* const s_pBuffer = hb_buffer_create();
+    std::size_t nGlyphs = 0;
+    for (const ShapeRun& run : runs)
+    {
+        hb_buffer_clear_contents(s_pBuffer);
+        hb_buffer_add_utf8(s_pBuffer, text.data(), int(text.size()), static_cast<unsigned int>(run.begin),
+                           int(run.end - run.begin));
+        hb_buffer_set_segment_properties(s_pBuffer, &run.properties);
+        hb_shape(fonts.fonts[run.font], s_pBuffer, nullptr, 0);
+        nGlyphs += hb_buffer_get_length(s_pBuffer);
+    }
+    return nGlyphs;
+}
+
 void HarfBuzzAlone(benchmark::State& state)
 {
     const std::string text = makeText();
     const std::vector<ShapeRun> runs = runsOf(TextLayout(text, {.face = fonts().face}));
-    hb_buffer_t* const pBuffer = hb_buffer_create();
     std::size_t nGlyphs = 0;
     for (auto _ : state)
-    {
-        nGlyphs = 0;
-        for (const ShapeRun& run : runs)
-        {
-            hb_buffer_clear_contents(pBuffer);
-            hb_buffer_add_utf8(pBuffer, text.data(), int(text.size()), static_cast<unsigned int>(run.begin),
-                               int(run.end - run.begin));
-            hb_buffer_set_segment_properties(pBuffer, &run.properties);
-            hb_shape(run.pFont, pBuffer, nullptr, 0);
-            nGlyphs += hb_buffer_get_length(pBuffer);
-        }
-    }
-    hb_buffer_destroy(pBuffer);
+        nGlyphs = shapeByHarfBuzz(text, runs, fonts());
     state.counters["glyphs"] = double(nGlyphs);
     state.counters["runs"] = double(runs.size());
 }
 BENCHMARK(HarfBuzzAlone)->Unit(benchmark::kMillisecond);
+
+// The first text of a program: fonts that have not shaped any.
+void HarfBuzzAloneInNewFonts(benchmark::State& state)
+{
+    const std::string text = makeText();
+    const std::vector<ShapeRun> runs = runsOf(TextLayout(text, {.face = fonts().face}));
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        const Fonts opened;
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(shapeByHarfBuzz(text, runs, opened));
+    }
+}
+BENCHMARK(HarfBuzzAloneInNewFonts)->Unit(benchmark::kMillisecond)->Iterations(30);
+
+void LayoutFirstInNewFonts(benchmark::State& state)
+{
+    const std::string text = makeText();
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        const Fonts opened;
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(TextLayout(text, {.face = opened.face}, {.width = 400}));
+    }
+}
+BENCHMARK(LayoutFirstInNewFonts)->Unit(benchmark::kMillisecond)->Iterations(30);
 
 // Each time in a size that there wasn't.
 void LayoutFirst(benchmark::State& state)

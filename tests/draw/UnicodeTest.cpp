@@ -9,13 +9,16 @@
 
 #include <gtest/gtest.h>
 
+#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
+#include <unicode/utext.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <fstream>
 #include <map>
+#include <random>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -123,6 +126,39 @@ TEST(UnicodeTest, LineBreaks)
         EXPECT_FALSE(isSameUnicode) << which.line;
     }
     EXPECT_LT(nOthers, 20U);
+}
+
+// A word that is taken at once though something in it, or before it, breaks otherwise.
+TEST(UnicodeTest, LineBreaksAmongWordsAreIcus)
+{
+    const std::array<std::string, 24> pieces{
+        "a",      "Wort",   "\u0416", "\u05D0", "\u0628\u064B", "e\u0301", " ",  "  ", ",",      ".",
+        ":",      "-",      "(",      ")",      "\"",           "1",       "\t", "$",  "\u00AD", "\u200B",
+        "\u3001", "\u4E00", "/",      " \u0301"};
+    std::mt19937 random(3);
+    for (const char* const language : {"", "ja", "fi"})
+    {
+        UErrorCode error = U_ZERO_ERROR;
+        UBreakIterator* const pIterator = ubrk_open(UBRK_LINE, language, nullptr, 0, &error);
+        ASSERT_TRUE(U_SUCCESS(error));
+        for (int i = 0; i < 5000; ++i)
+        {
+            std::string text;
+            for (std::size_t k = random() % 30; k < 30; ++k)
+                text += pieces[random() % (random() % 3 == 0 ? pieces.size() : 9)];
+            UText uText = UTEXT_INITIALIZER;
+            utext_openUTF8(&uText, text.data(), std::int64_t(text.size()), &error);
+            ubrk_setUText(pIterator, &uText, &error);
+            std::vector<std::uint32_t> expected, found;
+            for (int at = ubrk_next(pIterator); at != UBRK_DONE; at = ubrk_next(pIterator))
+                expected.push_back(static_cast<std::uint32_t>(at));
+            for (const LineBreak& each : findLineBreaks(text, language))
+                found.push_back(each.offset);
+            utext_close(&uText);
+            ASSERT_EQ(found, expected) << text;
+        }
+        ubrk_close(pIterator);
+    }
 }
 
 /// Lays out characters and looks at the order in which those are that have glyphs of their own.

@@ -117,11 +117,15 @@ void UTFConverter::appendWellFormed(std::string& text, std::string_view more)
     { text.append(reinterpret_cast<const char*>(kept), static_cast<std::size_t>(to - kept)); };
     while (p < end)
     {
-        if (*p < 0x80)
-        {
+        // Most text is words of such letters.
+        while (p < end && *p < 0x80)
             ++p;
+        while (end - p >= 2 && *p >= 0xC2 && *p <= 0xDF && isTrail(p[1]))
+            p += 2;
+        while (end - p >= 3 && *p > 0xE0 && *p < 0xED && isTrail(p[1]) && isTrail(p[2]))
+            p += 3;
+        if (p == end || *p < 0x80)
             continue;
-        }
         const auto* const at = p;
         if (next(p, end) == cReplacement && !isReplacement(at, p))
         {

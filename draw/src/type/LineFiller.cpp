@@ -14,18 +14,12 @@ namespace
 
 using Kind = ShapedRun::Kind;
 
-constexpr std::string_view cSoftHyphen = "\u00AD", cHyphen = "\u2010", cPlainHyphen = "-";
+constexpr std::string_view cHyphen = "\u2010", cPlainHyphen = "-";
 
 double scaleOf(const ShapedRun& run, const ShapeStyle& style)
 {
     const double unitsPerEm = run.face.getMetrics().unitsPerEm;
     return unitsPerEm > 0 ? style.size / unitsPerEm : 0;
-}
-
-// Spaces at which lines break, and which may stand out then (UAX 14's classes SP and, of BA, the spaces).
-bool isHangingSpace(char32_t c)
-{
-    return c == ' ' || c == 0x1680 || (c >= 0x2000 && c <= 0x200A && c != 0x2007) || c == 0x205F || c == 0x3000;
 }
 
 } // namespace
@@ -36,19 +30,14 @@ std::size_t LaidParagraph::getBytes() const
            glyphs.capacity() * sizeof(TextLayout::Glyph);
 }
 
-thread_local std::vector<LineFiller::Cluster> LineFiller::s_spareClusters;
-
 LineFiller::LineFiller(std::shared_ptr<const ShapedParagraph> pShaped, const LineSettings& settings)
     : _pShaped(std::move(pShaped))
     , _settings(settings)
     , _hasLimit(settings.width > 0 && std::isfinite(settings.width))
+    , _limit(_hasLimit ? settings.width * (1 + cSlack) : std::numeric_limits<double>::infinity())
+    , _clusters(_pShaped->getClusters())
 {
     const std::vector<ShapedRun>& runs = _pShaped->getRuns();
-    _clusters.swap(s_spareClusters);
-    _clusters.clear();
-    _clusters.reserve(_pShaped->getGlyphs().size() + runs.size());
-    for (const ShapedRun& run : runs)
-        addClusters(run, run.begin, run.end, _pShaped->glyphsOf(run), _clusters);
     const bool hasInvisible = std::ranges::find(runs, Kind::Invisible, &ShapedRun::kind) != runs.end();
     if ((_hasLimit && _settings.wraps) || hasInvisible)
         _breaks = _pShaped->getLineBreaks();
@@ -62,49 +51,21 @@ LineFiller::LineFiller(std::shared_ptr<const ShapedParagraph> pShaped, const Lin
         _tabDistance = std::max(style.size, 1e-3);
 }
 
-LineFiller::~LineFiller() { s_spareClusters.swap(_clusters); }
-
-void LineFiller::addClusters(const ShapedRun& run, std::uint32_t begin, std::uint32_t end,
-                             std::span<const ShapedGlyph> glyphs, std::vector<Cluster>& clusters) const
-{
-    const std::string& text = _pShaped->getText();
-    const auto runIndex = static_cast<std::uint32_t>(&run - _pShaped->getRuns().data());
-    if (run.kind != Kind::Text)
-    {
-        if (begin < end)
-            clusters.push_back({begin, runIndex, 0, 0, 0, true, false, run.kind == Kind::Tab, false});
-        return;
-    }
-    const ShapeStyle& style = _pShaped->getStyles()[run.style];
-    const double scale = scaleOf(run, style);
-    const std::size_t n = glyphs.size();
-    for (std::size_t i = 0; i < n;)
-    {
-        // Runs from right to left begin at their last glyph.
-        const auto at = [&](std::size_t k) -> const ShapedGlyph&
-        { return glyphs[run.isRightToLeft() ? n - 1 - k : k]; };
-        std::size_t next = i;
-        double advance = 0;
-        bool isUnsafe = false;
-        for (; next < n && at(next).cluster == at(i).cluster; ++next)
-        {
-            advance += at(next).advance;
-            isUnsafe = isUnsafe || at(next).isUnsafeToBreak;
-        }
-        const std::uint32_t offset = at(i).cluster;
-        const char first = text[offset];
-        const char32_t c = first >= 0 ? char32_t(first) : characterAt(text, offset);
-        clusters.push_back({offset, runIndex, static_cast<std::uint32_t>(run.isRightToLeft() ? n - next : i),
-                            static_cast<std::uint32_t>(next - i), advance * scale + style.letterSpacing,
-                            isHangingSpace(c), c == ' ' || c == 0xA0, false, isUnsafe});
-        i = next;
-    }
-}
-
 std::uint32_t LineFiller::beginOf(std::size_t cluster) const
 {
     return cluster < _clusters.size() ? _clusters[cluster].begin
                                       : static_cast<std::uint32_t>(_pShaped->getText().size());
+}
+
+const ShapedRun& LineFiller::runOf(std::size_t cluster) const
+{
+    const std::vector<ShapedRun>& runs = _pShaped->getRuns();
+    return *std::prev(std::ranges::upper_bound(runs, cluster, {}, &ShapedRun::firstCluster));
+}
+
+std::size_t LineFiller::endOf(const ShapedRun& run) const
+{
+    return &run == &_pShaped->getRuns().back() ? _clusters.size() : (&run)[1].firstCluster;
 }
 
 bool LineFiller::isGrapheme(std::size_t cluster) const
@@ -160,41 +121,50 @@ std::size_t LineFiller::findOverflow(std::size_t first, std::size_t at) const
 
 LineFiller::Line LineFiller::findLine(std::size_t first, bool wraps)
 {
-    double x = 0;
+    double x = 0, visible = 0, visibleOfCandidate = 0;
     std::size_t candidate = first;
-    auto next = std::ranges::upper_bound(_breaks, beginOf(first), {}, &LineBreak::offset);
-    for (std::size_t i = first; i < _clusters.size(); ++i)
+    const double limit = wraps ? _limit : std::numeric_limits<double>::infinity();
+    auto next = std::ranges::upper_bound(_breaks, first, {}, &ClusterBreak::cluster);
+    for (std::size_t i = first;;)
     {
-        const Cluster& cluster = _clusters[i];
-        while (next != _breaks.end() && next->offset < cluster.begin)
-            ++next;
-        if (next != _breaks.end() && next->offset == cluster.begin && i > first)
+        const std::size_t end = next != _breaks.end() ? next->cluster : _clusters.size();
+        for (; i < end; ++i)
         {
-            if (next->isHard)
-                return {first, i, false, false};
-            if (!endsInSoftHyphen(first, i) ||
-                !isTooWide(x + widthOfOther(_pShaped->getRuns()[_clusters[i - 1].run],
-                                            hyphenFor(_pShaped->getRuns()[_clusters[i - 1].run]))))
-                candidate = i;
+            const Cluster& cluster = _clusters[i];
+            const double right = x + widthOf(cluster, x);
+            if (right > limit && i > first && (!cluster.hangs || cluster.isTab))
+            {
+                if (candidate > first)
+                    return {first, candidate, true, false, visibleOfCandidate};
+                return {first, findOverflow(first, i), true, false};
+            }
+            x = right;
+            visible = cluster.hangs ? visible : x;
         }
-        const double width = widthOf(cluster, x);
-        if (wraps && !(cluster.hangs && !cluster.isTab) && i > first && isTooWide(x + width))
-            return {first, candidate > first ? candidate : findOverflow(first, i), true, false};
-        x += width;
+        if (next == _breaks.end())
+            return {first, _clusters.size(), false, false, visible};
+        if (next->isHard)
+            return {first, i, false, false, visible};
+        const auto hasHyphenTooWide = [&]
+        {
+            const ShapedRun& run = runOf(i - 1);
+            return isTooWide(x + widthOfOther(run, hyphenFor(run)));
+        };
+        if (!next->isAfterSoftHyphen || !hasHyphenTooWide())
+        {
+            candidate = i;
+            visibleOfCandidate = visible;
+        }
+        ++next;
     }
-    return {first, _clusters.size(), false, false};
 }
 
 // The place to break before the one that a line has; the line's beginning when there is none.
 std::size_t LineFiller::findEarlier(const Line& line) const
 {
-    auto next = std::ranges::lower_bound(_breaks, beginOf(line.last), {}, &LineBreak::offset);
-    while (next != _breaks.begin() && (--next)->offset > beginOf(line.first))
-    {
-        const auto found = std::ranges::lower_bound(_clusters, next->offset, {}, &Cluster::begin);
-        if (found != _clusters.end() && found->begin == next->offset)
-            return static_cast<std::size_t>(found - _clusters.begin());
-    }
+    const auto next = std::ranges::lower_bound(_breaks, line.last, {}, &ClusterBreak::cluster);
+    if (next != _breaks.begin() && std::prev(next)->cluster > line.first)
+        return std::prev(next)->cluster;
     for (std::size_t i = line.last - 1; i > line.first; --i)
         if (isGrapheme(i))
             return i;
@@ -208,7 +178,7 @@ void LineFiller::cutLine(Line& line)
     const Line whole = findLine(first, false);
     double room = _settings.width;
     if (_hasLimit && first < _clusters.size())
-        room -= widthOfOther(_pShaped->getRuns()[_clusters[first].run], _settings.ellipsis);
+        room -= widthOfOther(runOf(first), _settings.ellipsis);
     double x = 0;
     std::size_t last = first;
     for (; last < whole.last; ++last)
@@ -241,17 +211,17 @@ void LineFiller::addOther(const ShapedRun& run, std::uint32_t at, FriBidiLevel l
         advance += glyph.advance;
     }
     const ShapeStyle& style = _pShaped->getStyles()[run.style];
-    const Cluster cluster{at,
-                          0,
+    const Cluster cluster{advance * scaleOf(own, style) + style.letterSpacing,
+                          at,
                           0,
                           static_cast<std::uint32_t>(glyphs.size()),
-                          advance * scaleOf(own, style) + style.letterSpacing,
                           false,
                           false,
                           false,
                           false};
     const auto& clusters = _ownClusters.emplace_back(1, cluster);
     _pieces.push_back({&own, at, at, clusters, glyphs.data(), level, true});
+    _isPlain = false;
 }
 
 void LineFiller::takePieces(const Line& line)
@@ -260,12 +230,11 @@ void LineFiller::takePieces(const Line& line)
     _ownClusters.clear();
     _ownGlyphs.clear();
     _ownRuns.clear();
+    _isPlain = true;
     for (std::size_t i = line.first; i < line.last;)
     {
-        const ShapedRun& run = _pShaped->getRuns()[_clusters[i].run];
-        std::size_t next = i;
-        while (next < line.last && _clusters[next].run == _clusters[i].run)
-            ++next;
+        const ShapedRun& run = runOf(i);
+        const std::size_t next = std::min(line.last, endOf(run));
         Piece piece{&run,
                     beginOf(i),
                     std::min(run.end, beginOf(next)),
@@ -279,11 +248,12 @@ void LineFiller::takePieces(const Line& line)
         {
             const auto& glyphs = _ownGlyphs.emplace_back(_pShaped->shapePart(run, piece.begin, piece.end));
             auto& clusters = _ownClusters.emplace_back();
-            addClusters(run, piece.begin, piece.end, glyphs, clusters);
+            _pShaped->addClusters(run, piece.begin, piece.end, glyphs, clusters);
             piece.clusters = clusters;
             piece.pGlyphs = glyphs.data();
             piece.isOwn = true;
         }
+        _isPlain = _isPlain && !piece.isOwn && run.kind != Kind::Tab;
         _pieces.push_back(piece);
         i = next;
     }
@@ -294,16 +264,17 @@ void LineFiller::takePieces(const Line& line)
     }
     if (line.isCut && !_pShaped->getRuns().empty())
     {
-        const ShapedRun& run = _pieces.empty()
-                                   ? _pShaped->getRuns()[_clusters[std::min(line.first, _clusters.size() - 1)].run]
-                                   : *_pieces.back().pRun;
+        const ShapedRun& run =
+            _pieces.empty() ? runOf(std::min(line.first, _clusters.size() - 1)) : *_pieces.back().pRun;
         addOther(run, beginOf(line.last), FriBidiLevel(_pShaped->isRightToLeft()), _settings.ellipsis);
     }
 }
 
 // Up to the last letter.
-double LineFiller::getVisibleWidth() const
+double LineFiller::getVisibleWidth(const Line& line) const
 {
+    if (_isPlain && line.visible)
+        return *line.visible;
     double x = 0, width = 0;
     for (const Piece& piece : _pieces)
         for (const Cluster& cluster : piece.clusters)
@@ -315,41 +286,35 @@ double LineFiller::getVisibleWidth() const
     return width;
 }
 
-// The spaces at a line's end have its paragraph's level, whichever run they are in.
 void LineFiller::splitByLevels(const Line& line)
 {
     if (!_pShaped->hasLevels())
         return;
-    _pShaped->getLineLevels(beginOf(line.first), beginOf(line.last), _offsets, _levels);
-    std::vector<Piece> split;
-    std::size_t at = 0;
-    for (const Piece& piece : _pieces)
+    const auto level = FriBidiLevel(_pShaped->isRightToLeft());
+    const std::uint32_t from = _pShaped->findSpacesAtEnd(beginOf(line.first), beginOf(line.last));
+    for (std::size_t i = _pieces.size(); i-- > 0;)
     {
-        if (piece.begin == piece.end)
+        Piece& piece = _pieces[i];
+        if (piece.begin == piece.end || piece.level == level)
+            continue;
+        const auto found = std::ranges::lower_bound(piece.clusters, from, {}, &Cluster::begin);
+        const auto nBefore = static_cast<std::size_t>(found - piece.clusters.begin());
+        if (nBefore == piece.clusters.size())
+            break;
+        if (nBefore == 0)
         {
-            split.push_back(piece);
+            piece.level = level;
             continue;
         }
-        for (std::size_t i = 0; i < piece.clusters.size(); ++i)
-        {
-            const std::uint32_t begin = piece.clusters[i].begin;
-            while (at + 1 < _offsets.size() && _offsets[at] < begin)
-                ++at;
-            if (i > 0 && split.back().level == _levels[at])
-                continue;
-            if (i > 0)
-            {
-                Piece& before = split.back();
-                before.end = begin;
-                before.clusters = before.clusters.first(before.clusters.size() - (piece.clusters.size() - i));
-            }
-            split.push_back(piece);
-            split.back().begin = i > 0 ? begin : piece.begin;
-            split.back().clusters = piece.clusters.subspan(i);
-            split.back().level = _levels[at];
-        }
+        Piece behind = piece;
+        behind.begin = found->begin;
+        behind.clusters = piece.clusters.subspan(nBefore);
+        behind.level = level;
+        piece.end = found->begin;
+        piece.clusters = piece.clusters.first(nBefore);
+        _pieces.insert(_pieces.begin() + std::ptrdiff_t(i) + 1, behind);
+        break;
     }
-    _pieces.swap(split);
 }
 
 // Rule L2 of Unicode's report 9: from the highest level to the lowest odd one, what is at it or above is turned round.
@@ -404,15 +369,71 @@ void LineFiller::measureHeight(std::uint32_t begin, LaidLine& laid) const
     }
 }
 
+LaidRun& LineFiller::addRun(const Piece& piece, std::size_t span, std::uint32_t begin, std::uint32_t end, double x)
+{
+    return _laid.runs.emplace_back(LaidRun{.face = piece.pRun->face,
+                                           .size = _pShaped->getStyles()[piece.pRun->style].size,
+                                           .span = static_cast<std::uint32_t>(span),
+                                           .begin = begin,
+                                           .end = end,
+                                           .firstGlyph = static_cast<std::uint32_t>(_laid.glyphs.size()),
+                                           .nGlyphs = 0,
+                                           .left = x,
+                                           .right = x,
+                                           .isRightToLeft = piece.pRun->isRightToLeft()});
+}
+
+// Those of a piece without tabs and wider spaces, from a place on; where they end.
+double LineFiller::addGlyphs(const Piece& piece, double x)
+{
+    const ShapedRun& run = *piece.pRun;
+    const double scale = scaleOf(run, _pShaped->getStyles()[run.style]);
+    const bool isReversed = run.isRightToLeft();
+    const Cluster& left = isReversed ? piece.clusters.back() : piece.clusters.front();
+    const Cluster& right = isReversed ? piece.clusters.front() : piece.clusters.back();
+    const ShapedGlyph* pGlyph = piece.pGlyphs + left.firstGlyph;
+    const std::size_t before = _laid.glyphs.size();
+    _laid.glyphs.resize(before + right.firstGlyph + right.nGlyphs - left.firstGlyph);
+    TextLayout::Glyph* pLaid = _laid.glyphs.data() + before;
+    const auto add = [&](double pen, double advance)
+    {
+        const ShapedGlyph& glyph = *pGlyph++;
+        *pLaid++ = {glyph.glyph, glyph.cluster, float(pen + glyph.xOffset * scale), float(-glyph.yOffset * scale),
+                    float(advance)};
+    };
+    const std::size_t n = piece.clusters.size();
+    const Cluster* pCluster = &left;
+    for (std::size_t k = 0; k < n; ++k, isReversed ? --pCluster : ++pCluster)
+    {
+        const double end = x + pCluster->advance;
+        for (std::uint32_t i = 1; i < pCluster->nGlyphs; ++i)
+        {
+            const double advance = pGlyph->advance * scale;
+            add(x, advance);
+            x += advance;
+        }
+        if (pCluster->nGlyphs > 0)
+            add(x, end - x);
+        x = end;
+    }
+    return x;
+}
+
 void LineFiller::addPiece(const Piece& piece, double& x, double extra, std::uint32_t spacesFrom, std::uint32_t spacesTo)
 {
     const ShapedRun& run = *piece.pRun;
-    const ShapeStyle& style = _pShaped->getStyles()[run.style];
-    const double scale = scaleOf(run, style);
     const auto& spans = _pShaped->getSpans();
     const std::size_t n = piece.clusters.size();
     std::size_t span = spanAt(piece.begin);
     const bool isOneSpan = spans[span].end >= piece.end;
+    if (n > 0 && isOneSpan && !(extra > 0) && run.kind == Kind::Text)
+    {
+        LaidRun& laid = addRun(piece, span, piece.clusters.front().begin, piece.end, x);
+        laid.right = x = addGlyphs(piece, x);
+        laid.nGlyphs = static_cast<std::uint32_t>(_laid.glyphs.size()) - laid.firstGlyph;
+        return;
+    }
+    const double scale = scaleOf(run, _pShaped->getStyles()[run.style]);
     const auto isReversed = run.isRightToLeft();
     LaidRun* pLaid = nullptr;
     for (std::size_t k = 0; k < n; ++k)
@@ -423,18 +444,7 @@ void LineFiller::addPiece(const Piece& piece, double& x, double extra, std::uint
         if (!isOneSpan)
             span = spanAt(cluster.begin);
         if (pLaid == nullptr || pLaid->span != span)
-        {
-            pLaid = &_laid.runs.emplace_back(LaidRun{.face = run.face,
-                                                     .size = style.size,
-                                                     .span = static_cast<std::uint32_t>(span),
-                                                     .begin = cluster.begin,
-                                                     .end = end,
-                                                     .firstGlyph = static_cast<std::uint32_t>(_laid.glyphs.size()),
-                                                     .nGlyphs = 0,
-                                                     .left = x,
-                                                     .right = x,
-                                                     .isRightToLeft = isReversed});
-        }
+            pLaid = &addRun(piece, span, cluster.begin, end, x);
         pLaid->begin = std::min(pLaid->begin, cluster.begin);
         pLaid->end = std::max(pLaid->end, end);
         const double right =
@@ -469,7 +479,7 @@ void LineFiller::addLine(const Line& line, bool isLast)
                   .isCut = line.isCut,
                   .isSoft = line.isSoft};
     measureHeight(laid.begin, laid);
-    double visible = getVisibleWidth();
+    double visible = getVisibleWidth(line);
 
     double extra = 0;
     std::uint32_t spacesFrom = laid.begin, spacesTo = laid.begin;
@@ -500,14 +510,15 @@ void LineFiller::addLine(const Line& line, bool isLast)
     // Tabs are as wide as what stands before them in the text makes them.
     _tabWidths.clear();
     double x = 0;
-    for (const Piece& piece : _pieces)
-        for (const Cluster& cluster : piece.clusters)
-        {
-            const double width = widthOf(cluster, x);
-            x += width;
-            if (cluster.isTab)
-                _tabWidths.emplace(cluster.begin, width);
-        }
+    if (std::ranges::find(_pieces, Kind::Tab, [](const Piece& piece) { return piece.pRun->kind; }) != _pieces.end())
+        for (const Piece& piece : _pieces)
+            for (const Cluster& cluster : piece.clusters)
+            {
+                const double width = widthOf(cluster, x);
+                x += width;
+                if (cluster.isTab)
+                    _tabWidths.emplace(cluster.begin, width);
+            }
     splitByLevels(line);
     reorder();
     x = 0;
@@ -531,7 +542,7 @@ LaidParagraph LineFiller::fill()
         const bool isLastAllowed = _settings.maxLines > 0 && _laid.lines.size() + 1 == _settings.maxLines;
         const bool hasMore = next < _clusters.size() || _settings.goesOnBehind;
         takePieces(line);
-        while (wraps && isTooWide(getVisibleWidth()) &&
+        while (wraps && isTooWide(getVisibleWidth(line)) &&
                std::ranges::find(_pieces, true, &Piece::isOwn) != _pieces.end())
         {
             const std::size_t earlier = findEarlier(line);
@@ -541,7 +552,7 @@ LaidParagraph LineFiller::fill()
             takePieces(line);
         }
         first = line.last;
-        if (!_settings.ellipsis.empty() && ((isLastAllowed && hasMore) || (!wraps && isTooWide(getVisibleWidth()))))
+        if (!_settings.ellipsis.empty() && ((isLastAllowed && hasMore) || (!wraps && isTooWide(getVisibleWidth(line)))))
         {
             cutLine(line);
             takePieces(line);

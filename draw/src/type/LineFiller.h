@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,26 +20,13 @@ class LineFiller
 {
 public:
     LineFiller(std::shared_ptr<const ShapedParagraph> pShaped, const LineSettings& settings);
-    ~LineFiller();
     LineFiller(const LineFiller&) = delete;
     LineFiller& operator=(const LineFiller&) = delete;
 
     LaidParagraph fill();
 
 private:
-    // Glyphs that belong together, in the text's order.
-    struct Cluster
-    {
-        std::uint32_t begin; // of its text
-        std::uint32_t run;
-        std::uint32_t firstGlyph; // of the run's, from left to right
-        std::uint32_t nGlyphs;
-        double advance;   // with letter spacing; a tab's is known in its line
-        bool hangs;       // may stand out at a line's end
-        bool isWordSpace; // is wider in a justified line
-        bool isTab;
-        bool isUnsafeToBreak;
-    };
+    using Cluster = ShapedCluster;
 
     // A part of a run in a line.
     struct Piece
@@ -58,14 +45,15 @@ private:
         std::size_t first, last;
         bool isSoft; // ended for lack of room
         bool isCut;
+        std::optional<double> visible{}; // how wide it is up to the last letter, where that is known
     };
 
-    void addClusters(const ShapedRun& run, std::uint32_t begin, std::uint32_t end, std::span<const ShapedGlyph> glyphs,
-                     std::vector<Cluster>& clusters) const;
     std::uint32_t beginOf(std::size_t cluster) const;
     bool isGrapheme(std::size_t cluster) const;
     double widthOf(const Cluster& cluster, double x) const;
-    bool isTooWide(double width) const { return _hasLimit && width > _settings.width * (1 + cSlack); }
+    bool isTooWide(double width) const { return width > _limit; }
+    const ShapedRun& runOf(std::size_t cluster) const;
+    std::size_t endOf(const ShapedRun& run) const;
 
     Line findLine(std::size_t first, bool wraps);
     std::size_t findOverflow(std::size_t first, std::size_t at) const;
@@ -77,34 +65,34 @@ private:
     void takePieces(const Line& line);
     void addOther(const ShapedRun& run, std::uint32_t at, FriBidiLevel level, std::string_view text);
     std::string_view hyphenFor(const ShapedRun& run) const;
-    double getVisibleWidth() const;
+    double getVisibleWidth(const Line& line) const;
     void splitByLevels(const Line& line);
     void reorder();
     void addLine(const Line& line, bool isLast);
+    LaidRun& addRun(const Piece& piece, std::size_t span, std::uint32_t begin, std::uint32_t end, double x);
+    double addGlyphs(const Piece& piece, double x);
     void addPiece(const Piece& piece, double& x, double extra, std::uint32_t spacesFrom, std::uint32_t spacesTo);
     void measureHeight(std::uint32_t begin, LaidLine& laid) const;
     std::size_t spanAt(std::uint32_t offset) const;
 
-    // Memory that the thread's next one has again.
-    static thread_local std::vector<Cluster> s_spareClusters;
     // Sums of the same numbers in another order differ.
     static constexpr double cSlack = 1e-9;
 
     std::shared_ptr<const ShapedParagraph> _pShaped;
     const LineSettings& _settings;
     bool _hasLimit;
-    std::vector<Cluster> _clusters; // of the whole paragraph
-    std::span<const LineBreak> _breaks;
+    double _limit;                         // how wide a line is at most; infinite for none
+    const std::vector<Cluster>& _clusters; // of the whole paragraph
+    std::span<const ClusterBreak> _breaks;
     double _tabDistance = 0;
     LaidParagraph _laid;
 
     // Of the line at hand.
     std::vector<Piece> _pieces;
-    std::deque<std::vector<Cluster>> _ownClusters;
-    std::deque<std::vector<ShapedGlyph>> _ownGlyphs;
-    std::deque<ShapedRun> _ownRuns;
-    std::vector<std::uint32_t> _offsets;
-    std::vector<FriBidiLevel> _levels;
+    bool _isPlain = true; // has no tab, and no piece is its own
+    std::list<std::vector<Cluster>> _ownClusters;
+    std::list<std::vector<ShapedGlyph>> _ownGlyphs;
+    std::list<ShapedRun> _ownRuns;
     std::map<std::uint32_t, double> _tabWidths; // by where the tabs are
 };
 

@@ -57,8 +57,8 @@ OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> p
     , _pWordShapes(std::make_unique<WordShapes>())
 {
     hb_face_collect_unicodes(getFace(), _pCharacters.get());
-    for (unsigned int i = 0; i < _hasFirst.size(); ++i)
-        _hasFirst[i] = hb_set_has(_pCharacters.get(), i) != 0;
+    for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(_pCharacters.get(), &c) != 0 && c < _hasFirst.size();)
+        _hasFirst[c] = true;
     hb_font_make_immutable(_pFont);
     readMetrics();
     readCoordinates();

@@ -94,7 +94,7 @@ private:
     Typeface::Metrics _metrics;
     std::vector<float> _coordinates;
     std::unique_ptr<hb_set_t, Release<hb_set_destroy>> _pCharacters;
-    std::bitset<0x500> _hasFirst; // of these characters, which most texts consist of
+    std::bitset<0x10000> _hasFirst; // of these characters, which most texts consist of
     std::unique_ptr<WordShapes> _pWordShapes;
 };
 

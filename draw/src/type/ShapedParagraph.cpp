@@ -14,6 +14,12 @@ namespace gui::draw
 namespace
 {
 
+// Spaces at which lines break, and which may stand out then (UAX 14's classes SP and, of BA, the spaces).
+bool isHangingSpace(char32_t c)
+{
+    return c == ' ' || c == 0x1680 || (c >= 0x2000 && c <= 0x200A && c != 0x2007) || c == 0x205F || c == 0x3000;
+}
+
 hb_language_t languageOf(const ShapeStyle& style)
 {
     return style.language.empty() ? hb_language_get_default()
@@ -57,14 +63,10 @@ ShapedParagraph::ShapedParagraph(const ParagraphText& paragraph)
     TextItemizer itemizer(_text, _spans, _styles);
     TextItemizer::Levels levels = itemizer.findLevels(paragraph.direction);
     _runs = itemizer.findRuns(levels);
-    _direction = levels.direction;
-    _isRightToLeft = FRIBIDI_IS_RTL(_direction);
-    if (!levels.levels.empty())
-    {
-        _offsets = itemizer.getOffsets();
-        _types = std::move(levels.types);
-        _levels = std::move(levels.levels);
-    }
+    _isRightToLeft = FRIBIDI_IS_RTL(levels.direction);
+    _hasLevels = !levels.levels.empty();
+    if (_hasLevels)
+        findSpaces(levels.types, itemizer.getOffsets());
     _glyphs.reserve(itemizer.getOffsets().size());
     for (ShapedRun& run : _runs)
     {
@@ -72,6 +74,12 @@ ShapedParagraph::ShapedParagraph(const ParagraphText& paragraph)
         if (run.kind == ShapedRun::Kind::Text)
             shapeRun(run);
         run.nGlyphs = static_cast<std::uint32_t>(_glyphs.size()) - run.firstGlyph;
+    }
+    _clusters.reserve(_glyphs.size() + _runs.size());
+    for (ShapedRun& run : _runs)
+    {
+        run.firstCluster = static_cast<std::uint32_t>(_clusters.size());
+        addClusters(run, run.begin, run.end, glyphsOf(run), _clusters);
     }
 }
 
@@ -101,24 +109,81 @@ std::vector<ShapedGlyph> ShapedParagraph::shapeOther(ShapedRun& run, std::string
     return glyphs;
 }
 
-void ShapedParagraph::getLineLevels(std::uint32_t begin, std::uint32_t end, std::vector<std::uint32_t>& offsets,
-                                    std::vector<FriBidiLevel>& levels) const
+void ShapedParagraph::addClusters(const ShapedRun& run, std::uint32_t begin, std::uint32_t end,
+                                  std::span<const ShapedGlyph> glyphs, std::vector<ShapedCluster>& clusters) const
 {
-    const auto first = std::ranges::lower_bound(_offsets, begin) - _offsets.begin();
-    const auto last = std::ranges::lower_bound(_offsets, end) - _offsets.begin();
-    offsets.assign(_offsets.begin() + first, _offsets.begin() + last);
-    levels.assign(_levels.begin() + first, _levels.begin() + last);
-    // It wants the levels of the whole paragraph, but looks at the line's alone.
-    if (last > first && fribidi_reorder_line(FRIBIDI_FLAGS_DEFAULT, _types.data() + first, int(last - first), 0,
-                                             _direction, levels.data(), nullptr, nullptr) == 0)
-        std::ranges::fill(levels, FriBidiLevel(_isRightToLeft));
+    if (run.kind != ShapedRun::Kind::Text)
+    {
+        if (begin < end)
+            clusters.push_back({0, begin, 0, 0, true, false, run.kind == ShapedRun::Kind::Tab, false});
+        return;
+    }
+    const ShapeStyle& style = _styles[run.style];
+    const double unitsPerEm = run.face.getMetrics().unitsPerEm;
+    const double scale = unitsPerEm > 0 ? style.size / unitsPerEm : 0, spacing = style.letterSpacing;
+    const std::size_t n = glyphs.size();
+    // Runs from right to left begin at their last glyph.
+    const bool isReversed = run.isRightToLeft();
+    const ShapedGlyph* pGlyph = isReversed ? glyphs.data() + n : glyphs.data();
+    for (std::size_t i = 0; i < n;)
+    {
+        const ShapedGlyph& first = isReversed ? *--pGlyph : *pGlyph++;
+        double advance = first.advance;
+        bool isUnsafe = first.isUnsafeToBreak;
+        std::size_t next = i + 1;
+        for (; next < n && (isReversed ? pGlyph[-1] : *pGlyph).cluster == first.cluster; ++next)
+        {
+            const ShapedGlyph& glyph = isReversed ? *--pGlyph : *pGlyph++;
+            advance += glyph.advance;
+            isUnsafe = isUnsafe || glyph.isUnsafeToBreak;
+        }
+        const char letter = _text[first.cluster];
+        const char32_t c = letter >= 0 ? char32_t(letter) : characterAt(_text, first.cluster);
+        clusters.push_back({advance * scale + spacing, first.cluster,
+                            static_cast<std::uint32_t>(isReversed ? n - next : i), static_cast<std::uint32_t>(next - i),
+                            isHangingSpace(c), c == ' ' || c == 0xA0, false, isUnsafe});
+        i = next;
+    }
 }
 
-const std::vector<LineBreak>& ShapedParagraph::getLineBreaks() const
+// Those that rule L1 of Unicode's report 9 sets to the paragraph's level where they are the last ones of a line.
+void ShapedParagraph::findSpaces(std::span<const FriBidiCharType> types, std::span<const std::uint32_t> offsets)
+{
+    for (std::size_t i = 0; i < types.size();)
+    {
+        std::size_t end = i;
+        while (end < types.size() && FRIBIDI_IS_EXPLICIT_OR_BN_OR_WS(types[end]))
+            ++end;
+        if (end > i)
+            _spaces.push_back(
+                {offsets[i], end < types.size() ? offsets[end] : static_cast<std::uint32_t>(_text.size())});
+        i = end + 1;
+    }
+}
+
+std::uint32_t ShapedParagraph::findSpacesAtEnd(std::uint32_t begin, std::uint32_t end) const
+{
+    const auto found = std::ranges::lower_bound(_spaces, end, {}, &Spaces::end);
+    return found != _spaces.end() && found->begin < end ? std::max(found->begin, begin) : end;
+}
+
+const std::vector<ClusterBreak>& ShapedParagraph::getLineBreaks() const
 {
     const std::lock_guard lock(_mutex);
-    if (!_lineBreaks)
-        _lineBreaks = findLineBreaks(_text, _styles.empty() ? std::string() : _styles.front().language);
+    if (_lineBreaks)
+        return *_lineBreaks;
+    const std::vector<LineBreak> found =
+        findLineBreaks(_text, _styles.empty() ? std::string() : _styles.front().language);
+    _lineBreaks.emplace().reserve(found.size());
+    auto at = _clusters.begin();
+    for (const LineBreak& each : found)
+    {
+        while (at != _clusters.end() && at->begin < each.offset)
+            ++at;
+        if (at != _clusters.end() && at->begin == each.offset)
+            _lineBreaks->push_back({static_cast<std::uint32_t>(at - _clusters.begin()), each.isHard,
+                                    std::string_view(_text).substr(0, each.offset).ends_with(cSoftHyphen)});
+    }
     return *_lineBreaks;
 }
 
@@ -150,7 +215,8 @@ const std::vector<std::uint32_t>& ShapedParagraph::getWords() const
 std::size_t ShapedParagraph::getBytes() const
 {
     return sizeof *this + _text.capacity() + _glyphs.capacity() * sizeof(ShapedGlyph) +
-           _runs.capacity() * sizeof(ShapedRun) + _offsets.capacity() * (4 + sizeof(FriBidiCharType) + 1);
+           _clusters.capacity() * sizeof(ShapedCluster) + _runs.capacity() * sizeof(ShapedRun) +
+           _spaces.capacity() * sizeof(Spaces);
 }
 
 } // namespace gui::draw

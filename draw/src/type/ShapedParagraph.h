@@ -21,6 +21,9 @@
 namespace gui::draw
 {
 
+/// Shown where a line ends behind it.
+constexpr std::string_view cSoftHyphen = "\u00AD";
+
 /// What of a style decides which glyphs there are, and where.
 struct ShapeStyle
 {
@@ -81,12 +84,34 @@ struct ShapedRun
     std::uint32_t begin, end; // in bytes
     std::uint32_t style;
     std::uint32_t firstGlyph, nGlyphs; // of the paragraph's, from left to right
+    std::uint32_t firstCluster;        // of the paragraph's; the next run's is where its own end
     hb_script_t script;
     Typeface face;
     Kind kind;
     FriBidiLevel level;
 
     bool isRightToLeft() const { return (level & 1) != 0; }
+};
+
+/// Glyphs that belong together.
+struct ShapedCluster
+{
+    double advance;           // with letter spacing; a tab's is known in its line
+    std::uint32_t begin;      // of its text
+    std::uint32_t firstGlyph; // of the run's, from left to right
+    std::uint32_t nGlyphs;
+    bool hangs;       // may stand out at a line's end
+    bool isWordSpace; // is wider in a justified line
+    bool isTab;
+    bool isUnsafeToBreak;
+};
+
+/// A cluster before which a line may end, or has to.
+struct ClusterBreak
+{
+    std::uint32_t cluster;
+    bool isHard;
+    bool isAfterSoftHyphen;
 };
 
 /// A paragraph's glyphs, whatever the width of its lines will be. Unchanged once it is made; for any thread.
@@ -105,17 +130,20 @@ public:
     {
         return std::span(_glyphs).subspan(run.firstGlyph, run.nGlyphs);
     }
+    /// In the text's order, those of one run after those of another.
+    const std::vector<ShapedCluster>& getClusters() const { return _clusters; }
+    /// Those of a part of a run that was shaped anew.
+    void addClusters(const ShapedRun& run, std::uint32_t begin, std::uint32_t end, std::span<const ShapedGlyph> glyphs,
+                     std::vector<ShapedCluster>& clusters) const;
     bool isRightToLeft() const { return _isRightToLeft; }
 
-    /// Whether characters have levels of their own; else all have 0.
-    bool hasLevels() const { return !_levels.empty(); }
-    /// The levels of a line's characters, each with its offset, after the spaces at the line's end have got the
-    /// paragraph's level.
-    void getLineLevels(std::uint32_t begin, std::uint32_t end, std::vector<std::uint32_t>& offsets,
-                       std::vector<FriBidiLevel>& levels) const;
+    /// Whether runs have levels of their own; else all have 0.
+    bool hasLevels() const { return _hasLevels; }
+    /// Where the spaces at a line's end begin, which have the paragraph's level, whichever run they are in.
+    std::uint32_t findSpacesAtEnd(std::uint32_t begin, std::uint32_t end) const;
 
     /// These are found when they are first asked for.
-    const std::vector<LineBreak>& getLineBreaks() const;
+    const std::vector<ClusterBreak>& getLineBreaks() const;
     const std::vector<std::uint32_t>& getGraphemes() const; ///< the beginning too
     const std::vector<std::uint32_t>& getWords() const;     ///< the beginning too
 
@@ -130,21 +158,25 @@ public:
 
 private:
     void shapeRun(ShapedRun& run);
+    void findSpaces(std::span<const FriBidiCharType> types, std::span<const std::uint32_t> offsets);
 
     std::string _text;
     std::vector<ParagraphText::Span> _spans;
     std::vector<ShapeStyle> _styles;
     std::vector<ShapedRun> _runs;
     std::vector<ShapedGlyph> _glyphs;
-    // Of each character, where directions differ.
-    std::vector<std::uint32_t> _offsets;
-    std::vector<FriBidiCharType> _types;
-    std::vector<FriBidiLevel> _levels;
-    FriBidiParType _direction = FRIBIDI_PAR_LTR;
+    std::vector<ShapedCluster> _clusters;
+    // Spaces, and what counts as such at a line's end, where directions differ.
+    struct Spaces
+    {
+        std::uint32_t begin, end;
+    };
+    std::vector<Spaces> _spaces;
+    bool _hasLevels = false;
     bool _isRightToLeft = false;
 
     mutable std::mutex _mutex; // of the three below
-    mutable std::optional<std::vector<LineBreak>> _lineBreaks;
+    mutable std::optional<std::vector<ClusterBreak>> _lineBreaks;
     mutable std::optional<std::vector<std::uint32_t>> _graphemes;
     mutable std::optional<std::vector<std::uint32_t>> _words;
 };

@@ -1,5 +1,6 @@
 #include "TextBreaks.h"
 
+#include <td/Types.h>
 #include <vo/Log.h>
 #include <vo/UTFConverter.h>
 
@@ -79,17 +80,134 @@ void forBreaks(std::string_view text, UBreakIteratorType type, const std::string
     utext_close(&uText);
 }
 
+// What there is in words, of Unicode's report 14.
+enum class Plain : td::BYTE
+{
+    None,
+    Letter, // AL, HL
+    Mark,   // CM
+    Sign,   // IS
+    Space
+};
+
+Plain plainOf(char32_t c)
+{
+    constexpr std::size_t cFirst = 0xE00;
+    static const auto s_first = []
+    {
+        std::array<Plain, cFirst> first{};
+        for (std::size_t i = 0; i < cFirst; ++i)
+            switch (u_getIntPropertyValue(UChar32(i), UCHAR_LINE_BREAK))
+            {
+            case U_LB_ALPHABETIC:
+            case U_LB_HEBREW_LETTER:
+                first[i] = Plain::Letter;
+                break;
+            case U_LB_COMBINING_MARK:
+                first[i] = Plain::Mark;
+                break;
+            case U_LB_INFIX_NUMERIC:
+                first[i] = Plain::Sign;
+                break;
+            default:
+                break;
+            }
+        first[' '] = Plain::Space;
+        return first;
+    }();
+    return c < cFirst ? s_first[c] : Plain::None;
+}
+
+// A part of a text that ends where a line may end: behind a word, signs and spaces, and before a letter (rules 9, 13,
+// 18 and 28), or at the text's end. From such a place on, breaks don't depend on what is before.
+struct Chunk
+{
+    std::uint32_t end;
+    bool isPlain; // a word, signs and spaces: there is no other break in it
+};
+
+void findChunks(std::string_view text, std::vector<Chunk>& chunks)
+{
+    chunks.clear();
+    const auto* const begin = reinterpret_cast<const unsigned char*>(text.data());
+    const unsigned char* const end = begin + text.size();
+    bool isPlain = true;
+    // What the characters up to here end in: a word, signs behind one, spaces behind these, or anything else.
+    Plain state = Plain::None;
+    for (const unsigned char* p = begin; p < end;)
+    {
+        const unsigned char* const at = p;
+        const Plain plain = plainOf(vo::UTFConverter::next(p, end));
+        if (plain == Plain::Letter)
+        {
+            if (state == Plain::Space)
+            {
+                chunks.push_back({static_cast<std::uint32_t>(at - begin), isPlain});
+                isPlain = true;
+            }
+            else if (state == Plain::Sign || (state == Plain::None && at > begin))
+                isPlain = false;
+            state = Plain::Letter;
+        }
+        else if ((plain == Plain::Mark && state == Plain::Letter) || (plain == Plain::Space && state == Plain::Space))
+            continue;
+        else if ((plain == Plain::Sign || plain == Plain::Space) && (state == Plain::Letter || state == Plain::Sign))
+            state = plain;
+        else
+        {
+            isPlain = false;
+            state = Plain::None;
+        }
+    }
+    if (!text.empty())
+        chunks.push_back({static_cast<std::uint32_t>(text.size()), isPlain});
+}
+
+// ICU's property, which most letters are asked for more than once.
+int graphemeBreakOf(char32_t c)
+{
+    const auto ask = [](char32_t which) { return u_getIntPropertyValue(UChar32(which), UCHAR_GRAPHEME_CLUSTER_BREAK); };
+    constexpr std::size_t cFirst = 0x1000;
+    static const auto s_first = [&ask]
+    {
+        std::array<td::BYTE, cFirst> first{};
+        for (std::size_t i = 0; i < cFirst; ++i)
+            first[i] = static_cast<td::BYTE>(ask(char32_t(i)));
+        return first;
+    }();
+    return c < cFirst ? s_first[c] : ask(c);
+}
+
 } // namespace
 
 std::vector<LineBreak> findLineBreaks(std::string_view text, const std::string& language)
 {
     std::vector<LineBreak> breaks;
     breaks.reserve(text.size() / 6);
-    // ICU's own word on whether a line has to end also goes for the places that its dictionaries find before there.
-    forBreaks(text, UBRK_LINE, language,
-              [&](std::uint32_t at) {
-                  breaks.push_back({at, endsInLineEnd(text.substr(0, at))});
-              });
+    thread_local std::vector<Chunk> s_chunks;
+    findChunks(text, s_chunks);
+    for (std::size_t i = 0; i < s_chunks.size();)
+    {
+        if (s_chunks[i].isPlain)
+        {
+            breaks.push_back({s_chunks[i++].end, false});
+            continue;
+        }
+        const std::uint32_t begin = i > 0 ? s_chunks[i - 1].end : 0;
+        // To start and end ICU takes as long as some words do.
+        constexpr std::uint32_t cFewBytes = 48;
+        std::size_t last = i;
+        for (std::size_t k = i + 1; k < s_chunks.size() && s_chunks[k - 1].end <= s_chunks[last].end + cFewBytes; ++k)
+            if (!s_chunks[k].isPlain)
+                last = k;
+        const std::uint32_t end = s_chunks[last].end;
+        // ICU's own word on whether a line has to end also goes for the places that its dictionaries find before there.
+        forBreaks(text.substr(begin, end - begin), UBRK_LINE, language,
+                  [&](std::uint32_t at) {
+                      breaks.push_back({begin + at, endsInLineEnd(text.substr(0, begin + at))});
+                  });
+        i = last + 1;
+    }
     return breaks;
 }
 
@@ -131,13 +249,16 @@ char32_t characterBefore(std::string_view text, std::size_t offset)
 
 bool mayBeOneLetter(std::string_view text, std::size_t offset)
 {
-    const auto breakOf = [](char32_t c) { return u_getIntPropertyValue(UChar32(c), UCHAR_GRAPHEME_CLUSTER_BREAK); };
-    if (offset == 0 || offset >= text.size())
-        return false;
-    const int before = breakOf(characterBefore(text, offset));
+    return offset > 0 && offset < text.size() &&
+           mayBeOneLetter(characterBefore(text, offset), characterAt(text, offset));
+}
+
+bool mayBeOneLetter(char32_t first, char32_t second)
+{
+    const int before = graphemeBreakOf(first), after = graphemeBreakOf(second);
     if (before == U_GCB_PREPEND || before == U_GCB_ZWJ)
         return true;
-    switch (breakOf(characterAt(text, offset)))
+    switch (after)
     {
     case U_GCB_OTHER:
         return false;

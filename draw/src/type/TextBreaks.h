@@ -31,5 +31,6 @@ char32_t characterAt(std::string_view text, std::size_t offset);
 char32_t characterBefore(std::string_view text, std::size_t offset);
 /// Whether what stands around an offset may be one letter; quick, and true more often than it has to be.
 bool mayBeOneLetter(std::string_view text, std::size_t offset);
+bool mayBeOneLetter(char32_t before, char32_t after);
 
 } // namespace gui::draw

@@ -8,6 +8,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 
 namespace gui::draw
 {
@@ -31,12 +32,52 @@ bool mayHaveLevel(char32_t c)
                           (c >= 0x1E800 && c < 0x1F000));
 }
 
+// What stands between letters of one direction has that direction too (Unicode's report 9, rules W1, W6 and N1), and
+// all rules before leave it alone, unless it is a bracket, a number or a control. FriBidi takes as long as there are
+// pieces of different types, so that a text of words is best told to it as one.
+std::vector<FriBidiCharType> joinLetters(const std::vector<FriBidiCharType>& types,
+                                         const std::vector<FriBidiBracketType>& brackets)
+{
+    std::vector<FriBidiCharType> joined = types;
+    for (std::size_t i = 0; i < joined.size();)
+    {
+        const FriBidiCharType letter = joined[i++];
+        if (!FRIBIDI_IS_LETTER(letter))
+            continue;
+        while (i < joined.size() && joined[i] == FRIBIDI_TYPE_NSM)
+            joined[i++] = letter;
+        std::size_t next = i;
+        while (next < joined.size() && brackets[next] == FRIBIDI_NO_BRACKET &&
+               (joined[next] == FRIBIDI_TYPE_WS || joined[next] == FRIBIDI_TYPE_CS || joined[next] == FRIBIDI_TYPE_ES ||
+                joined[next] == FRIBIDI_TYPE_ON))
+            ++next;
+        if (next < joined.size() && FRIBIDI_IS_LETTER(joined[next]) &&
+            FRIBIDI_IS_RTL(joined[next]) == FRIBIDI_IS_RTL(letter))
+            std::fill(joined.begin() + std::ptrdiff_t(i), joined.begin() + std::ptrdiff_t(next), letter);
+        i = next;
+    }
+    return joined;
+}
+
 ShapedRun::Kind kindOf(char32_t c)
 {
     if (c == '\t')
         return ShapedRun::Kind::Tab;
     return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029 ? ShapedRun::Kind::Invisible
                                                                              : ShapedRun::Kind::Text;
+}
+
+hb_script_t findScript(char32_t c)
+{
+    constexpr std::size_t cFirst = 0x800;
+    static const auto s_first = []
+    {
+        std::array<hb_script_t, cFirst> first{};
+        for (std::size_t i = 0; i < cFirst; ++i)
+            first[i] = hb_unicode_script(hb_unicode_funcs_get_default(), hb_codepoint_t(i));
+        return first;
+    }();
+    return c < cFirst ? s_first[c] : hb_unicode_script(hb_unicode_funcs_get_default(), c);
 }
 
 bool isIgnorable(char32_t c)
@@ -75,8 +116,13 @@ bool showsAll(const TypefaceImpl& face, std::span<const char32_t> cluster)
     return true;
 }
 
+// Chinese characters and Korean syllables, of which texts have many, and none of which is or becomes an emoji.
+bool isIdeograph(char32_t c) { return (c >= 0x3400 && c < 0xA000) || (c >= 0xAC00 && c < 0xD7A4); }
+
 bool wantsEmoji(std::span<const char32_t> cluster)
 {
+    if (cluster.size() == 1 && isIdeograph(cluster[0]))
+        return false;
     if (std::ranges::find(cluster, cEmojiSelector) != cluster.end())
         return true;
     return cluster[0] >= 0x231A && u_hasBinaryProperty(UChar32(cluster[0]), UCHAR_EMOJI_PRESENTATION) != 0 &&
@@ -130,8 +176,9 @@ TextItemizer::Levels TextItemizer::findLevels(TextDirection direction) const
     result.levels.resize(_characters.size());
     fribidi_get_bidi_types(characters.data(), n, result.types.data());
     fribidi_get_bracket_types(characters.data(), n, result.types.data(), brackets.data());
+    const std::vector<FriBidiCharType> types = joinLetters(result.types, brackets);
     // Without memory all is read from left to right.
-    if (fribidi_get_par_embedding_levels_ex(result.types.data(), brackets.data(), n, &result.direction,
+    if (fribidi_get_par_embedding_levels_ex(types.data(), brackets.data(), n, &result.direction,
                                             result.levels.data()) == 0)
         return {};
     if (result.direction == FRIBIDI_PAR_ON)
@@ -143,6 +190,8 @@ TextItemizer::Levels TextItemizer::findLevels(TextDirection direction) const
 // behind, and a closing bracket that of the opening one.
 hb_script_t TextItemizer::scriptOf(char32_t c)
 {
+    if (c >= 0x4E00 && c < 0x9FA6)
+        return _script = HB_SCRIPT_HAN;
     if (c < 0x80)
     {
         if ((c | 0x20U) >= 'a' && (c | 0x20U) <= 'z')
@@ -150,7 +199,7 @@ hb_script_t TextItemizer::scriptOf(char32_t c)
         if (c != '(' && c != ')' && c != '[' && c != ']' && c != '{' && c != '}')
             return _script;
     }
-    const hb_script_t script = hb_unicode_script(hb_unicode_funcs_get_default(), c);
+    const hb_script_t script = findScript(c);
     if (script != HB_SCRIPT_COMMON && script != HB_SCRIPT_INHERITED)
         return _script = script;
     const int bracket = u_getIntPropertyValue(UChar32(c), UCHAR_BIDI_PAIRED_BRACKET_TYPE);
@@ -195,40 +244,58 @@ const Typeface* TextItemizer::faceFor(std::span<const char32_t> cluster, const S
     return pFirst != nullptr ? pFirst : &style.face;
 }
 
-void TextItemizer::findFaces()
+bool TextItemizer::needsOtherFaces() const
 {
-    // Most paragraphs need no other face, and so no clusters.
-    const auto needsAny = [this]
+    std::size_t at = 0;
+    for (const ParagraphText::Span& span : _spans)
     {
-        std::size_t span = 0;
-        for (std::size_t i = 0; i < _characters.size(); ++i)
+        const TypefaceImpl* const pFace = TypefaceImpl::of(_styles[span.style].face);
+        for (; at < _characters.size() && _offsets[at] < span.end; ++at)
         {
-            while (_offsets[i] >= _spans[span].end)
-                ++span;
-            const TypefaceImpl* const pFace = TypefaceImpl::of(_styles[_spans[span].style].face);
-            const char32_t c = _characters[i];
+            const char32_t c = _characters[at];
             if (pFace != nullptr && kindOf(c) == ShapedRun::Kind::Text &&
                 (!pFace->has(c) || c == cEmojiSelector || (c >= 0x231A && wantsEmoji({&c, 1}))))
                 return true;
         }
-        return false;
-    };
-    if (!needsAny())
+    }
+    return false;
+}
+
+void TextItemizer::findFaces()
+{
+    // Most paragraphs need no other face, and so no clusters.
+    if (!needsOtherFaces())
         return;
     _faces.resize(_characters.size());
+    // Of single characters that were looked for lately.
+    struct Known
+    {
+        const ShapeStyle* pStyle;
+        char32_t character;
+        const Typeface* pFace;
+    };
+    std::array<Known, 64> known{};
     std::size_t span = 0;
     for (std::size_t begin = 0, end = 0; begin < _characters.size(); begin = end)
     {
         // What may be one letter has one face; whether it is one doesn't matter.
         end = begin + 1;
         while (end < _characters.size() && end - begin < cLongestCluster && _characters[end] >= cFirstMark &&
-               mayBeOneLetter(_text, _offsets[end]))
+               mayBeOneLetter(_characters[end - 1], _characters[end]))
             ++end;
         while (_offsets[begin] >= _spans[span].end)
             ++span;
         const ShapeStyle& style = _styles[_spans[span].style];
-        const Typeface* const pFace =
-            style.face ? faceFor(std::span(_characters).subspan(begin, end - begin), style) : &style.face;
+        const Typeface* pFace = &style.face;
+        if (end - begin == 1 && style.face)
+        {
+            Known& found = known[_characters[begin] % known.size()];
+            if (found.pStyle != &style || found.character != _characters[begin])
+                found = {&style, _characters[begin], faceFor({&_characters[begin], 1}, style)};
+            pFace = found.pFace;
+        }
+        else if (style.face)
+            pFace = faceFor(std::span(_characters).subspan(begin, end - begin), style);
         std::fill(_faces.begin() + std::ptrdiff_t(begin), _faces.begin() + std::ptrdiff_t(end), pFace);
     }
     // Spaces between words of another face are that face's too, so that the words are one run; not between emoji, whose
@@ -272,6 +339,7 @@ std::vector<ShapedRun> TextItemizer::findRuns(const Levels& levels)
                             .style = style,
                             .firstGlyph = 0,
                             .nGlyphs = 0,
+                            .firstCluster = 0,
                             .script = script,
                             .face = *pNextFace,
                             .kind = kind,

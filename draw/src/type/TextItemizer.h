@@ -47,6 +47,7 @@ private:
     };
 
     void findFaces();
+    bool needsOtherFaces() const;
     const Typeface* faceFor(std::span<const char32_t> cluster, const ShapeStyle& style) const;
     hb_script_t scriptOf(char32_t character);
 

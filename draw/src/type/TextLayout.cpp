@@ -31,14 +31,28 @@ std::size_t paragraphEndAt(std::string_view text, std::size_t at)
     return rest.starts_with("\u2029") ? 3 : rest.starts_with("\u0085") ? 2 : 0;
 }
 
+// Whether a byte may begin what ends a paragraph.
+bool mayEndParagraph(char byte) { return byte == '\n' || byte == '\r' || byte == '\xC2' || byte == '\xE2'; }
+
 // Where a paragraph ends that begins here.
 std::size_t findParagraphEnd(std::string_view text, std::size_t begin)
 {
-    for (std::size_t at = begin; at < text.size(); ++at)
+    // Compilers look at all bytes of a block at once.
+    constexpr std::size_t cBlock = 32;
+    for (std::size_t at = begin; at < text.size();)
     {
-        const auto c = static_cast<unsigned char>(text[at]);
-        if ((c == '\n' || c == '\r' || c == 0xC2 || c == 0xE2) && paragraphEndAt(text, at) > 0)
-            return at;
+        std::size_t end = std::min(at + cBlock, text.size());
+        if (end - at == cBlock)
+        {
+            unsigned char mayEnd = 0;
+            for (std::size_t i = 0; i < cBlock; ++i)
+                mayEnd = static_cast<unsigned char>(mayEnd | static_cast<unsigned char>(mayEndParagraph(text[at + i])));
+            if (mayEnd == 0)
+                at = end;
+        }
+        for (; at < end; ++at)
+            if (mayEndParagraph(text[at]) && paragraphEndAt(text, at) > 0)
+                return at;
     }
     return text.size();
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace gui::draw
 {
@@ -19,6 +20,9 @@ namespace
 constexpr std::uint32_t cLongestWord = 64;
 constexpr std::size_t cMostGlyphs = std::size_t(1) << 16;
 constexpr std::size_t cMostTables = 32;
+constexpr std::size_t cMostSeen = std::size_t(1) << 12;
+// Shaping a word on its own, and remembering it, takes some four times as long as shaping it as a part of a text.
+constexpr std::size_t cWholeFrom = 4;
 // A font whose words often don't stand alone is not asked again; some don't in every font.
 constexpr std::size_t cMostRefused = 16;
 
@@ -142,7 +146,7 @@ WordShapes::Table& WordShapes::tableFor(const Plan& plan)
 
 // The word between spaces. It stands alone where HarfBuzz has looked no farther than the nearest of these, in vain or
 // not, and where the first one and the word leave each other as they are. What comes of a space behind it is its own.
-void WordShapes::Table::add(const Plan& plan, std::string_view word)
+const WordShapes::Word& WordShapes::Table::add(const Plan& plan, std::string_view word)
 {
     // Two more spaces than there may be in the text: HarfBuzz marks what it looks at together, from the first to the
     // last, and with one alone, to look at it would be to look at the end.
@@ -185,14 +189,25 @@ void WordShapes::Table::add(const Plan& plan, std::string_view word)
     }
     else
         ++nRefused;
-    words.emplace(word, entry);
+    return words.emplace(word, entry).first->second;
+}
+
+// Whether a word was seen before, unless too many were since then.
+bool WordShapes::Table::see(std::string_view word)
+{
+    seen.resize(cMostSeen);
+    const std::size_t hash = Hash()(word);
+    const auto rest = static_cast<std::uint32_t>(hash / cMostSeen | 1);
+    return std::exchange(seen[hash % cMostSeen], rest) == rest;
 }
 
 bool WordShapes::shape(const Plan& plan, std::string_view text, std::uint32_t begin, std::uint32_t end,
                        std::vector<ShapedGlyph>& glyphs)
 {
     thread_local std::vector<Piece> s_pieces;
-    if (!findPieces(text, begin, end, s_pieces))
+    // Against its script's direction, HarfBuzz goes by whether there are numbers, but no letters, in the whole run.
+    const hb_direction_t native = hb_script_get_horizontal_direction(plan.script);
+    if ((native != HB_DIRECTION_INVALID && native != plan.direction) || !findPieces(text, begin, end, s_pieces))
         return false;
     // From left to right.
     if (HB_DIRECTION_IS_BACKWARD(plan.direction))
@@ -201,26 +216,43 @@ bool WordShapes::shape(const Plan& plan, std::string_view text, std::uint32_t be
     Table& table = tableFor(plan);
     if (!table.mayStandAlone || table.nRefused > cMostRefused + table.words.size() / 16)
         return false;
-    const std::size_t before = glyphs.size();
+    thread_local std::vector<const Word*> s_words;
+    s_words.clear();
+    std::size_t nNew = 0;
+    const auto wordOf = [text](const Piece& piece) { return text.substr(piece.begin, piece.end - piece.begin); };
     for (const Piece& piece : s_pieces)
     {
-        const std::string_view word = text.substr(piece.begin, piece.end - piece.begin);
-        auto found = table.words.find(word);
-        if (found == table.words.end())
-        {
-            table.add(plan, word);
-            found = table.words.find(word);
-        }
-        if (found->second.nGlyphs == 0)
-        {
-            glyphs.resize(before);
+        const auto found = table.words.find(wordOf(piece));
+        s_words.push_back(found != table.words.end() ? &found->second : nullptr);
+        nNew += found == table.words.end();
+        if (found != table.words.end() && found->second.nGlyphs == 0)
             return false;
+    }
+    if (nNew * cWholeFrom > s_pieces.size())
+    {
+        std::size_t nUnseen = 0;
+        for (std::size_t i = 0; i < s_pieces.size(); ++i)
+            nUnseen += s_words[i] == nullptr && !table.see(wordOf(s_pieces[i]));
+        if (nUnseen * cWholeFrom > s_pieces.size())
+            return false;
+    }
+    for (std::size_t i = 0; nNew > 0 && i < s_pieces.size(); ++i)
+        if (s_words[i] == nullptr)
+        {
+            // It may have come twice.
+            const std::string_view word = wordOf(s_pieces[i]);
+            const auto found = table.words.find(word);
+            s_words[i] = found != table.words.end() ? &found->second : &table.add(plan, word);
+            if (s_words[i]->nGlyphs == 0)
+                return false;
         }
-        const auto from = table.glyphs.begin() + std::ptrdiff_t(found->second.first);
-        std::transform(from, from + std::ptrdiff_t(found->second.nGlyphs), std::back_inserter(glyphs),
-                       [&](ShapedGlyph glyph)
+    for (std::size_t i = 0; i < s_pieces.size(); ++i)
+    {
+        const auto from = table.glyphs.begin() + std::ptrdiff_t(s_words[i]->first);
+        std::transform(from, from + std::ptrdiff_t(s_words[i]->nGlyphs), std::back_inserter(glyphs),
+                       [begin = s_pieces[i].begin](ShapedGlyph glyph)
                        {
-                           glyph.cluster = (glyph.cluster + piece.begin) & 0x7FFFFFFFU;
+                           glyph.cluster = (glyph.cluster + begin) & 0x7FFFFFFFU;
                            return glyph;
                        });
     }

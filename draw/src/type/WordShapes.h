@@ -21,7 +21,9 @@ namespace gui::draw
 {
 
 /// Words that a font has shaped, each with the spaces behind it. A text says most of its words more than once, and
-/// HarfBuzz knows which words look the same whatever is beside them: those are shaped once. For any thread.
+/// HarfBuzz knows which words look the same whatever is beside them: those are shaped once. Text of which many words
+/// are new is shaped as a whole, which takes less time than to shape its words; they are remembered when they come
+/// again. For any thread.
 class WordShapes
 {
 public:
@@ -61,13 +63,15 @@ private:
     {
         std::unordered_map<std::string, Word, Hash, std::equal_to<>> words;
         std::vector<ShapedGlyph> glyphs; // clusters count from the word's beginning
+        std::vector<std::uint32_t> seen; // hashes of words that came once, each where it has its place
         std::size_t nRefused = 0;
         bool mayStandAlone = false;
 
         std::uint32_t space = 0; // the glyph
         std::int32_t spaceAdvance = 0;
 
-        void add(const Plan& plan, std::string_view word);
+        const Word& add(const Plan& plan, std::string_view word);
+        bool see(std::string_view word);
     };
     using Key = std::tuple<std::uint32_t, int, hb_language_t, std::string>;
 
