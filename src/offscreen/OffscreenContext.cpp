@@ -14,6 +14,7 @@
 #include <epoxy/gl.h>
 
 #include <array>
+#include <atomic>
 #include <utility>
 #include <vector>
 
@@ -144,7 +145,10 @@ EGLContext createContext(EGLDisplay display, EGLConfig config, PixelFormatSizes&
         context = tryToCreateContext(display, config, older, debug);
         if (context != EGL_NO_CONTEXT)
         {
-            vo::dbgLog("Warning! OffscreenContext asked for %s, got %s", nameOfOpenGL(sizes), nameOfOpenGL(older));
+            // Once: it is the same for every context.
+            static std::atomic<bool> s_isSaid = false;
+            if (!s_isSaid.exchange(true))
+                vo::dbgLog("Warning! OffscreenContext asked for %s, got %s", nameOfOpenGL(sizes), nameOfOpenGL(older));
             sizes = older;
         }
     }

@@ -109,7 +109,8 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
     else if (sizes.depthBits != asked.depthBits || sizes.stencilBits != asked.stencilBits)
         vo::dbgLog("Warning! SDLContext asked for %d depth and %d stencil bits, got %d and %d", asked.depthBits,
                    asked.stencilBits, sizes.depthBits, sizes.stencilBits);
-    if (context != nullptr && sizes.is41 != asked.is41)
+    static bool s_isVersionSaid = false; // it is the same for every context
+    if (context != nullptr && sizes.is41 != asked.is41 && !std::exchange(s_isVersionSaid, true))
         vo::dbgLog("Warning! SDLContext asked for %s, got %s", nameOfOpenGL(asked), nameOfOpenGL(sizes));
     if (context != nullptr && asked.nSamples > 1)
         if (const int nSamples = samplesOf(0); nSamples != asked.nSamples)

@@ -44,6 +44,9 @@ protected:
     /// Colour, depth and stencil buffer; depth 1, stencil 0.
     static void clear(const Pixel& color = {0, 0, 0, 0});
 
+    /// The samples per pixel that the driver has at most; 1 where it has no more.
+    static int mostSamples();
+
     /// Read from the framebuffer that is bound. y counts from the bottom, as GL does.
     static Pixel pixel(int x, int y);
     static float depthAt(int x, int y);
