@@ -8,6 +8,7 @@
 #include <gui/Texture.h>
 #include <gui/gl/FrameLedger.h>
 
+#include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -206,6 +207,10 @@ TEST_F(PlotTest, DenseErrorBarsShowTheirEnds)
 // Long lines in no order that are not drawn, or whose parts out of sight and small parts are missed.
 TEST_F(PlotTest, LongLinesMayGoAnywhere)
 {
+    GLint most = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most);
+    if (most < 300'000)
+        GTEST_SKIP() << "these lines need larger texture buffers than the driver's " << most << " texels";
     std::vector<double> x, y;
     for (int i = 0; i < 700'000; ++i)
     {
