@@ -76,6 +76,11 @@ std::vector<std::string> OffscreenGL::takeErrors()
     return std::exchange(_errors, {});
 }
 
+bool OffscreenGL::isDriver(std::string_view name)
+{
+    return std::string_view(reinterpret_cast<const char*>(glGetString(GL_RENDERER))).starts_with(name);
+}
+
 int OffscreenGL::mostSamples()
 {
     GLint most = 1;
