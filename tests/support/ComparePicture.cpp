@@ -1,6 +1,6 @@
 // compare_picture FILE REFERENCE: whether a program drew what tests/references holds.
-// compare_picture FILE OTHER --measure: how far two pictures are from each other: the mean and the largest difference of
-// channels, of 255, and the share of pixels that differ by more than 8, in thousandths.
+// compare_picture FILE OTHER --measure: how far two pictures are from each other: the mean and the largest difference
+// of channels, of 255, and how many of 1,000 pixels differ by more than 8.
 
 #include "Pictures.h"
 

@@ -129,8 +129,8 @@ public:
     enum class Profile : td::BYTE
     {
         Core32, ///< OpenGL 3.2 core
-        Core41, ///< OpenGL 4.1 core; where the driver is older, 3.2 or what follows it, with one log line in a program: "Warning!
-                ///< OffscreenContext asked for OpenGL 4.1 core, got OpenGL 3.2 core", or SDLContext for a window
+        Core41, ///< OpenGL 4.1 core; where the driver is older, 3.2 or what follows it, and one log line in a program:
+                ///< "Warning! OffscreenContext asked for OpenGL 4.1 core, got OpenGL 3.2 core", for a window SDLContext
         ES31    ///< OpenGL ES 3.1, with texture buffers where the driver has them; what it lacks stands in docs/es.md
     };
 
