@@ -42,7 +42,10 @@ public:
         record(6, Primitive::TriangleStrip, makeRibbon());
         _program.setBuffer(&_buffer);
         recordPatch();
-        return _backdrop.init() && _program.link() && _patchProgram.link() && _buffer.commit() && _patch.commit();
+        // Tessellation came with OpenGL 4.0; before, the last cell stays empty.
+        _hasPatch = Context::isAtLeast(41, 31);
+        return _backdrop.init() && _program.link() && (!_hasPatch || _patchProgram.link()) && _buffer.commit() &&
+               _patch.commit();
     }
 
     void draw(const Frame& frame) override
@@ -56,7 +59,8 @@ public:
         _points.execute();
         _program.execute();
         _program.deActivate();
-        drawPatch();
+        if (_hasPatch)
+            drawPatch();
     }
 
 private:
@@ -137,6 +141,7 @@ private:
     PatchProgram _patchProgram;
     Buffer _buffer;
     Buffer _patch;
+    bool _hasPatch = false;
     CommandList _points;
     std::array<Range, std::size(cPointSizes)> _rings{};
     std::array<glm::mat4, 8> _matrices{}; // of the cells

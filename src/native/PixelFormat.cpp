@@ -163,4 +163,6 @@ bool fallBackSamples(PixelFormatSizes& sizes)
     return true;
 }
 
+bool fallBackVersion(PixelFormatSizes& sizes) { return !sizes.isES && std::exchange(sizes.is41, false); }
+
 } // namespace gui::gl

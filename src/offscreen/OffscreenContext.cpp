@@ -14,6 +14,7 @@
 #include <epoxy/gl.h>
 
 #include <array>
+#include <atomic>
 #include <utility>
 #include <vector>
 
@@ -107,15 +108,20 @@ EGLConfig findConfigInSteps(EGLDisplay display, const PixelFormatSizes& asked, P
     return nullptr;
 }
 
-EGLContext createContext(EGLDisplay display, EGLConfig config, const PixelFormatSizes& sizes, bool debug)
+constexpr int cEGLWithDebug = 15;
+
+EGLContext tryToCreateContext(EGLDisplay display, EGLConfig config, const PixelFormatSizes& sizes, bool debug)
 {
-    bindAPI(sizes.isES);
-    std::vector<EGLint> attributes{EGL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3,
-                                   EGL_CONTEXT_MINOR_VERSION, sizes.is41 || sizes.isES ? 1 : 2,
-                                   EGL_CONTEXT_OPENGL_DEBUG,  debug ? EGL_TRUE : EGL_FALSE};
+    std::vector<EGLint> attributes{EGL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3, //
+                                   EGL_CONTEXT_MINOR_VERSION, sizes.is41 || sizes.isES ? 1 : 2};
     // OpenGL ES has no profiles.
     if (!sizes.isES)
         attributes.insert(attributes.end(), {EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT});
+    // EGL 1.4 knows debug contexts by a flag alone, and refuses the attribute whatever its value.
+    if (debug && epoxy_egl_version(display) >= cEGLWithDebug)
+        attributes.insert(attributes.end(), {EGL_CONTEXT_OPENGL_DEBUG, EGL_TRUE});
+    else if (debug)
+        attributes.insert(attributes.end(), {EGL_CONTEXT_FLAGS_KHR, EGL_CONTEXT_OPENGL_DEBUG_BIT_KHR});
     // What tells of resets comes last: not every driver has it.
     attributes.insert(attributes.end(),
                       {EGL_CONTEXT_OPENGL_RESET_NOTIFICATION_STRATEGY, EGL_LOSE_CONTEXT_ON_RESET, EGL_NONE});
@@ -125,9 +131,29 @@ EGLContext createContext(EGLDisplay display, EGLConfig config, const PixelFormat
         attributes[attributes.size() - 3] = EGL_NONE;
         context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes.data());
     }
+    return context;
+}
+
+// @param sizes  as asked for; of OpenGL 3.2 afterwards if that is all there is
+EGLContext createContext(EGLDisplay display, EGLConfig config, PixelFormatSizes& sizes, bool debug)
+{
+    bindAPI(sizes.isES);
+    EGLContext context = tryToCreateContext(display, config, sizes, debug);
+    const EGLint error = eglGetError();
+    if (PixelFormatSizes older = sizes; context == EGL_NO_CONTEXT && fallBackVersion(older))
+    {
+        context = tryToCreateContext(display, config, older, debug);
+        if (context != EGL_NO_CONTEXT)
+        {
+            // Once: it is the same for every context.
+            static std::atomic<bool> s_isSaid = false;
+            if (!s_isSaid.exchange(true))
+                vo::dbgLog("Warning! OffscreenContext asked for %s, got %s", nameOfOpenGL(sizes), nameOfOpenGL(older));
+            sizes = older;
+        }
+    }
     if (context == EGL_NO_CONTEXT)
-        vo::dbgLog("ERROR! OffscreenContext cannot create an %s context (EGL error %x)", nameOfOpenGL(sizes),
-                   eglGetError());
+        vo::dbgLog("ERROR! OffscreenContext cannot create an %s context (EGL error %x)", nameOfOpenGL(sizes), error);
     return context;
 }
 
@@ -158,7 +184,7 @@ struct OffscreenContext::Impl
     EGLContext context = EGL_NO_CONTEXT;
     EGLSurface surface = EGL_NO_SURFACE;
     CurrentContext::ID id = 0; // of the context
-    PixelFormatSizes sizes{};  // as asked for
+    PixelFormatSizes sizes{};  // as asked for, of the OpenGL that there is
     bool isDebugged = false;
     td::Size<int> size;
     // Of several samples, drawn into in the place of the surface: Mesa 25 offers surfaces with several samples that

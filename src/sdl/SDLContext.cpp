@@ -92,9 +92,12 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
     std::unique_ptr<SDLContext> context = tryToCreate(sizes, size);
     const std::string error = SDL_GetError();
     PixelFormatSizes samples = asked;
-    while (context == nullptr && (fallBack(sizes) || fallBackSamples(samples)))
+    PixelFormatSizes version = asked;
+    while (context == nullptr && (fallBack(sizes) || fallBackSamples(samples) || fallBackVersion(version)))
     {
-        if (sizes.nSamples != samples.nSamples)
+        if (sizes.is41 != version.is41)
+            sizes = samples = version;
+        else if (sizes.nSamples != samples.nSamples)
             sizes = samples;
         context = tryToCreate(sizes, size);
     }
@@ -106,6 +109,9 @@ std::unique_ptr<SDLContext> SDLContext::create(const PixelFormatSizes& asked, co
     else if (sizes.depthBits != asked.depthBits || sizes.stencilBits != asked.stencilBits)
         vo::dbgLog("Warning! SDLContext asked for %d depth and %d stencil bits, got %d and %d", asked.depthBits,
                    asked.stencilBits, sizes.depthBits, sizes.stencilBits);
+    static bool s_isVersionSaid = false; // it is the same for every context
+    if (context != nullptr && sizes.is41 != asked.is41 && !std::exchange(s_isVersionSaid, true))
+        vo::dbgLog("Warning! SDLContext asked for %s, got %s", nameOfOpenGL(asked), nameOfOpenGL(sizes));
     if (context != nullptr && asked.nSamples > 1)
         if (const int nSamples = samplesOf(0); nSamples != asked.nSamples)
             vo::dbgLog("Warning! SDLContext asked for %d samples, got %d", asked.nSamples, nSamples);

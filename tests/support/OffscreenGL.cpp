@@ -76,6 +76,18 @@ std::vector<std::string> OffscreenGL::takeErrors()
     return std::exchange(_errors, {});
 }
 
+bool OffscreenGL::isDriver(std::string_view name)
+{
+    return std::string_view(reinterpret_cast<const char*>(glGetString(GL_RENDERER))).starts_with(name);
+}
+
+int OffscreenGL::mostSamples()
+{
+    GLint most = 1;
+    glGetIntegerv(GL_MAX_SAMPLES, &most);
+    return most > 1 ? most : 1;
+}
+
 void OffscreenGL::clear(const Pixel& color)
 {
     const auto channel = [](int value) { return static_cast<float>(value) / 255; };

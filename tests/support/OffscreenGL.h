@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace test
@@ -43,6 +44,12 @@ protected:
 
     /// Colour, depth and stencil buffer; depth 1, stencil 0.
     static void clear(const Pixel& color = {0, 0, 0, 0});
+
+    /// Whether it is the driver of that name; for faults of a driver, which docs/drivers.md lists.
+    static bool isDriver(std::string_view name);
+
+    /// The samples per pixel that the driver has at most; 1 where it has no more.
+    static int mostSamples();
 
     /// Read from the framebuffer that is bound. y counts from the bottom, as GL does.
     static Pixel pixel(int x, int y);

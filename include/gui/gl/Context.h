@@ -125,11 +125,12 @@ public:
         Off ///< frames are drawn on request
     };
 
-    /// The OpenGL to ask for. A newer one that has it may come.
+    /// The OpenGL to ask for. A newer one that has it may come; View::getOpenGLVersion says what came.
     enum class Profile : td::BYTE
     {
         Core32, ///< OpenGL 3.2 core
-        Core41, ///< OpenGL 4.1 core
+        Core41, ///< OpenGL 4.1 core; where the driver is older, 3.2 or what follows it, and one log line in a program:
+                ///< "Warning! OffscreenContext asked for OpenGL 4.1 core, got OpenGL 3.2 core", for a window SDLContext
         ES31    ///< OpenGL ES 3.1, with texture buffers where the driver has them; what it lacks stands in docs/es.md
     };
 

@@ -52,4 +52,8 @@ GUIGL_API bool fallBack(PixelFormatSizes& sizes);
 /// sizes is unchanged then
 GUIGL_API bool fallBackSamples(PixelFormatSizes& sizes);
 
+/// One step down in versions: OpenGL 3.2 instead of 4.1. Try the steps in sizes and samples before. @return false when
+/// there is none; sizes is unchanged then
+GUIGL_API bool fallBackVersion(PixelFormatSizes& sizes);
+
 } // namespace gui::gl

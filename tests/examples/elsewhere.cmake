@@ -1,0 +1,16 @@
+# Whether a scene's picture is the same with a setting of the environment: on OpenGL ES, or another driver.
+# cmake -DGALLERY=… -DCOMPARE=… -DFOLDER=… -DSCENE=… -DSETTING=NAME=VALUE -P elsewhere.cmake
+foreach(here plain set)
+    set(command ${GALLERY} --out ${FOLDER}/${here} --scene ${SCENE})
+    if(here STREQUAL set)
+        list(PREPEND command ${CMAKE_COMMAND} -E env ${SETTING})
+    endif()
+    execute_process(COMMAND ${command} RESULT_VARIABLE result ERROR_VARIABLE log OUTPUT_QUIET)
+    if(NOT result EQUAL 0 OR log MATCHES "ERROR!|Error!")
+        message(FATAL_ERROR "${SCENE}, ${here}, ${SETTING}: ${result} ${log}")
+    endif()
+endforeach()
+execute_process(COMMAND ${COMPARE} ${FOLDER}/set/${SCENE}.png ${FOLDER}/plain/${SCENE}.png RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${SCENE} is another picture with ${SETTING}")
+endif()
