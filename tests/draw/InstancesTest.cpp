@@ -100,7 +100,7 @@ TEST_F(InstancesTest, TheyAreThePictureOfOneMesh)
         const Picture expected = drawn([&] { return model.draw(eye); });
         EXPECT_GT(nOther(expected, drawn([] { return true; })), 300);
         // At edges, a rounding decides now and then.
-        const int nMost = isDriver("softpipe") ? 200 : 25; // it rounds cuts otherwise
+        const int nMost = isDriver("softpipe") ? 200 : 25; // see docs/drivers.md
         EXPECT_LE(nOther(expected, drawn([&] { return instances.draw(eye); }), 6), nMost) << i;
         EXPECT_LE(glm::length(instances.getBounds().getCenter() - model.getBounds().getCenter()), 3.0);
     }

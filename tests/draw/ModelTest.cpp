@@ -123,7 +123,7 @@ Mesh makeHeap(std::mt19937& random, int n, double size)
 TEST_F(ModelTest, CullingDropsNothingThatIsSeen)
 {
     if (isDriver("zink"))
-        GTEST_SKIP() << "lines that leave the view have another width";
+        GTEST_SKIP() << "lines that leave the view have another width, see docs/drivers.md";
     std::mt19937 random(3);
     const auto uniform = [&](double low, double high) { return std::uniform_real_distribution<>(low, high)(random); };
     Model model;

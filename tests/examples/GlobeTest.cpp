@@ -7,6 +7,8 @@
 #include <gui/draw/OrbitCamera.h>
 #include <gui/gl/Context.h>
 
+#include <epoxy/gl.h>
+
 #include <algorithm>
 #include <string>
 
@@ -97,6 +99,10 @@ TEST_F(GlobeTest, PlacesLieWhereTheyAre)
 // Lines that are drawn through the earth, or below its surface, or an outline that stays.
 TEST_F(GlobeTest, BordersShowOnTheNearSideOnly)
 {
+    GLint most = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_BUFFER_SIZE, &most);
+    if (most < 200'000)
+        GTEST_SKIP() << "the borders need larger texture buffers than the driver's " << most << " texels";
     // Along 25 degrees east, between Libya and Egypt; from behind, that is over the Pacific.
     for (const bool isNear : {true, false})
         for (const bool isPointed : {false, true})
