@@ -2,6 +2,7 @@
 
 #include <epoxy/gl.h>
 
+#include <cstdint>
 #include <initializer_list>
 #include <optional>
 

@@ -6,6 +6,7 @@
 #include <vo/Log.h>
 
 #include <algorithm>
+#include <climits>
 
 // What buffers do whose data changes, and of which memory has only what GL lacks.
 

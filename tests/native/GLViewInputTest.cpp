@@ -3,6 +3,7 @@
 #include <gui/gl/port/Zav.h>
 
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>

@@ -6,6 +6,7 @@
 
 #include <epoxy/gl.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>

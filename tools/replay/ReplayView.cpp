@@ -9,6 +9,7 @@
 #include <gui/gl/Context.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include <spawn.h>

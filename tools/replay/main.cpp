@@ -11,6 +11,7 @@
 #include <gui/Application.h>
 #include <gui/Window.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <exception>

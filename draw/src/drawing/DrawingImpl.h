@@ -13,6 +13,7 @@
 #include <gui/draw/Drawing.h>
 
 #include <cmath>
+#include <cstdint>
 #include <functional>
 
 namespace gui::draw
