@@ -70,4 +70,13 @@ void layOnMap(const TopoJSON::Line& line, bool isRing, double middle, std::vecto
                 point.x += shift;
 }
 
+std::vector<TopoJSON::Line> layOnMap(const TopoJSON::Area& area, double middle)
+{
+    std::vector<TopoJSON::Line> rings;
+    for (const TopoJSON::Polygon& polygon : area.polygons)
+        for (const TopoJSON::Ring& ring : polygon)
+            layOnMap(ring, true, middle, rings);
+    return rings;
+}
+
 } // namespace examples

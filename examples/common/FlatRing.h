@@ -28,4 +28,7 @@ struct FlatRing
 /// @param middle  the longitude in the map's middle
 void layOnMap(const TopoJSON::Line& line, bool isRing, double middle, std::vector<TopoJSON::Line>& lines);
 
+/// The rings of an area, its holes too, laid out on such a map.
+std::vector<TopoJSON::Line> layOnMap(const TopoJSON::Area& area, double middle);
+
 } // namespace examples

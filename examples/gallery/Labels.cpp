@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -205,15 +206,11 @@ private:
                 path.lineTo({static_cast<double>(point.x), static_cast<double>(point.y)});
             _ground.stroke(path, {.width = 1}, cNet);
         }
-        std::vector<TopoJSON::Line> rings, borders, coasts;
+        std::vector<TopoJSON::Line> borders, coasts;
         for (const TopoJSON::Area& country : world.getAreas())
         {
-            rings.clear();
-            for (const TopoJSON::Polygon& polygon : country.polygons)
-                for (const TopoJSON::Ring& ring : polygon)
-                    examples::layOnMap(ring, true, cMapMiddle, rings);
             Path path;
-            for (const TopoJSON::Line& ring : rings)
+            for (const TopoJSON::Line& ring : examples::layOnMap(country, cMapMiddle))
                 path.addPath(pathOf(ring).close());
             _ground.fill(path, cLand, gui::draw::FillRule::EvenOdd);
         }

@@ -61,10 +61,7 @@ void giveMap(std::string_view file, auto& to)
     std::iota(order.begin(), order.end(), std::size_t(0));
     for (const std::size_t i : order)
     {
-        std::vector<TopoJSON::Line> rings;
-        for (const TopoJSON::Polygon& polygon : countries[i].polygons)
-            for (const TopoJSON::Ring& ring : polygon)
-                examples::layOnMap(ring, true, cMeridian, rings);
+        const std::vector<TopoJSON::Line> rings = examples::layOnMap(countries[i], cMeridian);
         for (const TopoJSON::Line& ring : rings)
             outlines[i].addPath(pathOnMap(ring).close());
         // By its largest part: some have islands everywhere.

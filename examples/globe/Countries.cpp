@@ -60,9 +60,8 @@ bool Countries::init()
 void Countries::addCountry(const TopoJSON::Area& country)
 {
     Path outline;
-    for (const TopoJSON::Polygon& polygon : country.polygons)
-        for (const TopoJSON::Ring& ring : polygon)
-            outline.addPolygon(examples::FlatRing(ring, 0).points);
+    for (const TopoJSON::Line& ring : examples::layOnMap(country, 0))
+        outline.addPolygon(ring);
     const std::ptrdiff_t index = &country - _shapes.getAreas().data();
     _map.setTag(_map.fill(outline, td::ColorID::Black, FillRule::EvenOdd), static_cast<std::uint64_t>(index + 1));
     const std::optional<Globe::Room> room = _globe.findRoom(outline);
@@ -89,10 +88,8 @@ void Countries::addCities()
 
 const TopoJSON::Area* Countries::find(const Place& place) const
 {
-    for (const double turn : {0.0, 360.0, -360.0}) // some go on past the map's edge
-        if (const std::uint64_t tag = _map.getTag(_map.pick({place.x + turn, place.y})); tag != 0)
-            return &_shapes.getAreas()[tag - 1];
-    return nullptr;
+    const std::uint64_t tag = _map.getTag(_map.pick(place));
+    return tag != 0 ? &_shapes.getAreas()[tag - 1] : nullptr;
 }
 
 bool Countries::point(const std::optional<Place>& place)

@@ -29,7 +29,8 @@ EarthView::EarthView(gui::Window* pWindow)
     : _pWindow(pWindow)
 {
     camera().setFieldOfView(45);
-    camera().setBounds({glm::dvec3(-Earth::cAirRadius), glm::dvec3(Earth::cAirRadius)});
+    constexpr double cAir = 1 + GlobeSurface::cAirHeight;
+    camera().setBounds({glm::dvec3(-cAir), glm::dvec3(cAir)});
     setHeightLimits(cLowest, cHighest);
     setSky(768, starsIn);
     createContext();
@@ -37,24 +38,23 @@ EarthView::EarthView(gui::Window* pWindow)
 
 void EarthView::onInit()
 {
-    _isOk = _countries.init() && _earth.init();
+    _isOk = _countries.init() && _earth.init(":globe/earth-720x360.png");
     show(cOutlooks[0]);
 }
 
 void EarthView::show(const Outlook& outlook, double seconds)
 {
     look(outlook.over, outlook.height, outlook.towards, seconds);
-    _sun = outlook.sun;
+    _earth.setSun(outlook.sun);
 }
 
 void EarthView::drawScene(const Eye& eye)
 {
     if (!_isOk)
         return;
-    const glm::vec3 sun = getGlobe().getPoint(_sun);
-    _earth.draw(eye, sun);
+    _earth.draw(eye);
     _countries.drawLines(eye, _hasBorders);
-    _earth.drawAir(eye, sun);
+    _earth.drawOver(eye);
 }
 
 void EarthView::drawOver(const Eye& eye) { _countries.drawNames(eye, _hasNames); }
@@ -75,8 +75,9 @@ void EarthView::onCameraMoved()
 
 bool EarthView::onAnimate(double seconds)
 {
+    const Place sun = _earth.getSun().value_or(Place());
     if (_hasTime)
-        _sun.x -= cDegreesPerSecond * seconds;
+        _earth.setSun(Place(sun.x - cDegreesPerSecond * seconds, sun.y));
     return _hasTime;
 }
 

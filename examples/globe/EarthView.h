@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Countries.h"
-#include "Earth.h"
 
 #include <gui/Window.h>
+#include <gui/draw/GlobeSurface.h>
 #include <gui/draw/GlobeView.h>
 
 namespace globe
@@ -18,6 +18,9 @@ struct Outlook
     Place towards;    ///< on the surface
     Place sun;        ///< where the sun is at the zenith
 };
+
+/// The stars and the Milky Way around the earth: what is seen in a direction, a unit vector.
+glm::vec3 starsIn(const glm::vec3& direction);
 
 /// The first one is where the view begins.
 extern const Outlook cOutlooks[3];
@@ -50,9 +53,8 @@ private:
     void showTitle();
 
     gui::Window* _pWindow;
-    Earth _earth;
+    gui::draw::GlobeSurface _earth;
     Countries _countries;
-    Place _sun;
     bool _hasTime = false;
     bool _hasBorders = true;
     bool _hasNames = true;

@@ -1,4 +1,4 @@
-#include "Earth.h"
+#include "EarthView.h"
 
 #include <common/Paint.h>
 

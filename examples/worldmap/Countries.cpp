@@ -22,9 +22,7 @@ bool Countries::load()
         if (!world.load(json, "countries", pOutlines == &fine ? 0 : cGrain))
             return false;
         for (const TopoJSON::Area& area : world.getAreas())
-            for (auto& rings = pOutlines->countries.emplace_back(); const TopoJSON::Polygon& polygon : area.polygons)
-                for (const TopoJSON::Ring& ring : polygon)
-                    examples::layOnMap(ring, true, cMiddleLongitude, rings);
+            pOutlines->countries.push_back(examples::layOnMap(area, cMiddleLongitude));
         for (const TopoJSON::Border& coast : world.getCoasts())
             examples::layOnMap(coast.line, false, cMiddleLongitude, pOutlines->coasts);
         for (const TopoJSON::Border& border : world.getBorders())

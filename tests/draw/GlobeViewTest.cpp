@@ -1,6 +1,8 @@
 #include "support/OffscreenGL.h"
 
 #include <gui/InputDevice.h>
+#include <gui/Texture.h>
+#include <gui/draw/GlobeSurface.h>
 #include <gui/draw/GlobeView.h>
 #include <gui/draw/Path.h>
 #include <gui/draw/Program3.h>
@@ -10,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -191,6 +194,51 @@ TEST_F(GlobeViewGLTest, SkiesStandStill)
     ASSERT_TRUE(view.look({-70, 5}, 2, {-70, 5}));
     view.onDraw({});
     EXPECT_NEAR(view.pointed.value_or(Point()).x, -70, 1e-6);
+}
+
+// Ground and air of a large globe that are not those of a small one; air where there is none.
+TEST_F(GlobeViewGLTest, SurfacesAreTheSameInAnyUnit)
+{
+    gui::Texture picture;
+    gui::TextureHelper helper(&picture);
+    const td::BYTE eastIsBlue[] = {200, 80, 40, 40, 80, 200};
+    helper.reserve(sizeof(eastIsBlue));
+    std::ranges::copy(eastIsBlue, picture.getBytes());
+    helper.updateInfo(2, 1, 3);
+    std::vector<Pixel> seen[2];
+    for (const double radius : {1.0, 6371.0})
+    {
+        GlobeSurface surface(Globe{radius});
+        GlobeSurface moon(Globe{radius}, {.hasAir = false, .hasWater = false});
+        surface.draw(Eye());
+        ASSERT_TRUE(surface.init(picture) && moon.init(picture));
+        BareGlobe view(Globe{radius});
+        view.onResize({64, 64});
+        ASSERT_TRUE(view.look({0, 0}, 4 * radius, {0, 0}));
+        gui::gl::Context::enable(gui::gl::Context::Flag::DepthTest);
+        for (GlobeSurface* pSurface : {&surface, &moon})
+            for (const std::optional<Point>& sun : {std::optional<Point>(), std::optional<Point>({100, 0})})
+            {
+                clear();
+                pSurface->setSun(sun);
+                pSurface->draw(view.getEye());
+                pSurface->drawOver(view.getEye());
+                for (int x = 0; x < 64; ++x)
+                    seen[radius == 1 ? 0 : 1].push_back(pixel(x, 32));
+            }
+    }
+    const auto at = [&](int row, int x) { return seen[0][static_cast<std::size_t>(64 * row + x)]; };
+    int rim = 0;
+    while (at(2, rim).red == 0)
+        ++rim;
+    EXPECT_GT(at(0, rim - 1).blue, 20) << "air beside the earth";
+    EXPECT_EQ(at(2, rim - 1), (Pixel{0, 0, 0, 0})) << "none beside the moon";
+    EXPECT_GT(at(2, 16).red, at(2, 16).blue + 30);
+    EXPECT_GT(at(2, 48).blue, at(2, 48).red + 30);
+    EXPECT_LT(at(3, 16).red, 20) << "night, where the sun is east";
+    for (std::size_t i = 0; i < seen[0].size(); ++i)
+        for (const auto channel : {&Pixel::red, &Pixel::green, &Pixel::blue})
+            EXPECT_NEAR(seen[0][i].*channel, seen[1][i].*channel, 2) << i;
 }
 
 // What one draw leaves behind changes how the next one looks.

@@ -1,9 +1,8 @@
 #include "examples/globe/Countries.h"
-#include "examples/globe/Earth.h"
 
 #include "support/OffscreenGL.h"
 
-#include <gui/draw/Globe.h>
+#include <gui/draw/GlobeSurface.h>
 #include <gui/draw/OrbitCamera.h>
 #include <gui/gl/Context.h>
 
@@ -32,7 +31,7 @@ protected:
     void SetUp() override
     {
         OffscreenGL::SetUp();
-        ASSERT_TRUE(countries.init() && earth.init());
+        ASSERT_TRUE(countries.init() && earth.init(":globe/earth-720x360.png"));
     }
 
     /// North is up, the place in the middle.
@@ -51,14 +50,15 @@ protected:
     {
         clear();
         gui::gl::Context::enable(gui::gl::Context::Flag::DepthTest);
-        earth.draw(lookAt(place, distance), gui::draw::Globe().getPoint(sun));
+        earth.setSun(sun);
+        earth.draw(lookAt(place, distance));
         countries.drawLines(lookAt(place, distance), hasBorders);
-        earth.drawAir(lookAt(place, distance), gui::draw::Globe().getPoint(sun));
+        earth.drawOver(lookAt(place, distance));
         return pixel(cSize / 2, cSize / 2);
     }
 
     Countries countries;
-    Earth earth;
+    gui::draw::GlobeSurface earth;
 };
 
 bool isSand(const Pixel& p) { return p.red > p.green && p.green > p.blue && p.red > 150; }

@@ -200,7 +200,7 @@ check_length(examples/scope/main.cpp 120)
 check_length(examples/cad/main.cpp 140)
 # A hundred of code.
 check_length(examples/meshview/main.cpp 110)
-check_code(examples/globe 408)
+check_code(examples/globe 364)
 check_code(examples/worldmap 593)
 check_length(examples/first/plane/CMakeLists.txt 6)
 check_length(examples/first/sphere/CMakeLists.txt 5)

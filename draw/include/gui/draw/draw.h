@@ -24,6 +24,7 @@
 #include "FillTessellator.h"
 #include "FontTag.h"
 #include "Globe.h"
+#include "GlobeSurface.h"
 #include "GlobeView.h"
 #include "GlyphImage.h"
 #include "HeatMap.h"
