@@ -16,6 +16,11 @@ void push(SDL_Event event) { SDL_PushEvent(&event); }
 
 std::uint32_t focused() { return SDL_GetWindowID(SDL_GetKeyboardFocus()); }
 
+void setDoubleClickTime(int milliseconds)
+{
+    SDL_SetHint(SDL_HINT_MOUSE_DOUBLE_CLICK_TIME, milliseconds != 0 ? std::to_string(milliseconds).c_str() : nullptr);
+}
+
 #if GUIGL_SDL == 3
 
 bool isTextInputActive()

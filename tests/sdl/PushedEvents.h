@@ -10,6 +10,8 @@ namespace test::pushed
 /// The window with the keyboard; 0 when none has it.
 std::uint32_t focused();
 bool isTextInputActive();
+/// Which the user has set; 0 for nothing.
+void setDoubleClickTime(int milliseconds);
 
 /// What a finger does.
 enum class Finger

@@ -36,6 +36,8 @@ void SDLEventQueue::append(SDLEvent event)
     // Keys that the input method takes, a letter behind a dead key say, come without the X11 event.
     event.xKeyCode = isKey ? std::exchange(_xKeyCode, 0) : 0;
     event.xState = isKey ? _xState : 0;
+    if (event.type == Type::ButtonDown || event.type == Type::ButtonUp)
+        countClick(event);
     SDLEvent* const pPrevious = _events.empty() ? nullptr : &_events.back();
     // SDL tells the text of a key right behind the key, in several pieces where it is long.
     if (event.type == Type::Text)
@@ -48,6 +50,18 @@ void SDLEventQueue::append(SDLEvent event)
     _events.push_back(std::move(event));
     if (_events.size() >= 2 && _events.back().type == Type::Motion)
         mergeLastMotions();
+}
+
+// SDL's time on X11 is when the program came to look. SDL makes buttons of fingers, too, which have no such event.
+void SDLEventQueue::countClick(SDLEvent& event)
+{
+    const std::uint32_t xTime = std::exchange(_xTime, 0);
+    if (xTime != 0 && !event.isOfTouch)
+    {
+        event.time = std::chrono::milliseconds(xTime);
+        event.isServerTime = true;
+    }
+    event.nClicks = _clicks.count(event);
 }
 
 void SDLEventQueue::mergeLastMotions()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SDLClicks.h"
+
 #include <gui/port/sdl/SDLEvent.h>
 
 #include <deque>
@@ -35,10 +37,13 @@ public:
     void endDrop(SDLEvent event);
     /// The X11 event that comes right before what SDL makes of it.
     void rememberXKey(unsigned int keyCode, unsigned int state);
+    /// The same of a button. @param time  of the server, in milliseconds
+    void rememberXButton(unsigned long time) { _xTime = static_cast<std::uint32_t>(time); }
     /// Any other.
-    void forgetXKey() { _xKeyCode = 0; }
+    void forgetXEvent() { _xKeyCode = _xTime = 0; }
 
 private:
+    void countClick(SDLEvent& event);
     void mergeLastMotions();
 
     std::deque<SDLEvent> _events;
@@ -46,6 +51,8 @@ private:
     std::string _droppedText;
     unsigned int _xKeyCode = 0;
     unsigned int _xState = 0;
+    std::uint32_t _xTime = 0;
+    SDLClicks _clicks;
 };
 
 namespace sdl

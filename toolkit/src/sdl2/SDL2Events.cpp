@@ -103,7 +103,7 @@ void takePointer(SDLEvent& event, const SDL_Event& sdlEvent)
         event.windowID = sdlEvent.button.windowID;
         event.mouse = toPoint(sdlEvent.button.x, sdlEvent.button.y);
         event.button = sdlEvent.button.button;
-        event.nClicks = sdlEvent.button.clicks;
+        event.time = std::chrono::milliseconds(sdlEvent.button.timestamp);
         event.isOfTouch = sdlEvent.button.which == SDL_TOUCH_MOUSEID;
     }
 }
@@ -212,7 +212,7 @@ int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent)
         take(queue, *pEvent);
         return 1;
     }
-    queue.forgetXKey();
+    queue.forgetXEvent();
 #ifdef SDL_VIDEO_DRIVER_X11
     const SDL_SysWMmsg* const pMessage = pEvent->syswm.msg;
     if (pMessage->subsystem == SDL_SYSWM_X11)
@@ -220,6 +220,8 @@ int SDLCALL onEvent(void* pQueue, SDL_Event* pEvent)
         const XEvent& xEvent = pMessage->msg.x11.event;
         if (xEvent.type == KeyPress || xEvent.type == KeyRelease)
             queue.rememberXKey(xEvent.xkey.keycode, xEvent.xkey.state);
+        else if (xEvent.type == ButtonPress || xEvent.type == ButtonRelease)
+            queue.rememberXButton(xEvent.xbutton.time);
     }
 #endif
     return 0;

@@ -6,6 +6,7 @@
 #include <gui/port/sdl/SDLPort.h>
 
 #include <X11/Xlib.h>
+#include <X11/extensions/XInput2.h>
 
 #include <algorithm>
 #include <utility>
@@ -70,27 +71,13 @@ void takeFinger(SDLEvent& event, const SDL_TouchFingerEvent& finger)
                     toPoint(finger.x, finger.y)};
 }
 
-// SDL3 goes on counting in another window, where a click at the same place is the first one.
-unsigned short countClicks(const SDL_MouseButtonEvent& button)
-{
-    static SDL_WindowID s_windowID = 0;
-    static int s_nElsewhere = 0;
-    const int nClicks = button.clicks;
-    if (button.down && button.windowID != s_windowID)
-        s_nElsewhere = nClicks - 1;
-    else if (button.down && nClicks == 1)
-        s_nElsewhere = 0;
-    s_windowID = button.windowID;
-    return static_cast<unsigned short>(std::max(1, nClicks - s_nElsewhere));
-}
-
 void takeButton(SDLEvent& event, const SDL_MouseButtonEvent& button)
 {
     event.type = button.type == SDL_EVENT_MOUSE_BUTTON_DOWN ? Type::ButtonDown : Type::ButtonUp;
     event.windowID = button.windowID;
     event.mouse = toPoint(button.x, button.y);
     event.button = button.button;
-    event.nClicks = countClicks(button);
+    event.time = std::chrono::milliseconds(static_cast<std::uint32_t>(SDL_NS_TO_MS(button.timestamp)));
     event.isOfTouch = button.which == SDL_TOUCH_MOUSEID;
 }
 
@@ -233,12 +220,29 @@ bool SDLCALL onEvent(void* pQueue, SDL_Event* pEvent)
     return true;
 }
 
+// The input extension's event of a button, which SDL listens to where there is that extension; null when it is another.
+const XIDeviceEvent* buttonEventOf(const XEvent& event)
+{
+    if (event.type != GenericEvent || event.xcookie.data == nullptr)
+        return nullptr;
+    int code = 0, firstEvent = 0, firstError = 0;
+    const bool isButton = event.xcookie.evtype == XI_ButtonPress || event.xcookie.evtype == XI_ButtonRelease;
+    if (!isButton || XQueryExtension(event.xcookie.display, "XInputExtension", &code, &firstEvent, &firstError) == 0 ||
+        code != event.xcookie.extension)
+        return nullptr;
+    return static_cast<const XIDeviceEvent*>(event.xcookie.data);
+}
+
 bool SDLCALL onXEvent(void* pQueue, XEvent* pEvent)
 {
     auto& queue = *static_cast<SDLEventQueue*>(pQueue);
-    queue.forgetXKey();
+    queue.forgetXEvent();
     if (pEvent->type == KeyPress || pEvent->type == KeyRelease)
         queue.rememberXKey(pEvent->xkey.keycode, pEvent->xkey.state);
+    else if (pEvent->type == ButtonPress || pEvent->type == ButtonRelease)
+        queue.rememberXButton(pEvent->xbutton.time);
+    else if (const XIDeviceEvent* const pButton = buttonEventOf(*pEvent))
+        queue.rememberXButton(pButton->time);
     return true;
 }
 

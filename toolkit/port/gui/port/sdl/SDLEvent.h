@@ -5,6 +5,7 @@
 #include <td/Size.h>
 #include <td/Types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -74,6 +75,8 @@ struct SDLEvent
     td::Point<double> wheel;       ///< notches, to the right and away from the user
     double magnification = 0;      ///< of a pinch since it began, less 1
     Finger finger;
+    std::chrono::milliseconds time{}; ///< of a button: of the window system's clock, or of SDL's, in 32 bits
+    bool isServerTime = false;        ///< which of them
     std::string text; ///< typed, composed, or dropped
     int start = 0;    ///< of a composition: in characters; -1 for no caret
     int nSelected = 0;
