@@ -16,7 +16,9 @@ namespace
 {
 
 constexpr double cNone = std::numeric_limits<double>::quiet_NaN();
-constexpr std::size_t cAhead = 12;         // edges of ranges, that memory is asked for
+constexpr std::size_t cAtOnce = 32;        // edges of ranges, whose memory is asked for together
+constexpr std::size_t cInCache = 1 << 18;  // numbers that stay there by themselves
+constexpr std::size_t cLine = 64;          // bytes of the cache's lines
 constexpr std::size_t cFirstCapacity = 64; // numbers that a block of its own has room for at first
 
 } // namespace
@@ -236,32 +238,47 @@ struct Samples::Blocks final : public Column
         return bounds;
     }
 
-    /// Asks for what stands at an edge of a range: most of the time would be spent waiting for it.
-    void prefetch(std::size_t index) const
+    /// Reads what stands at an edge of a range: most of the time would be spent waiting for it, and reads that need
+    /// nothing of each other wait together. Mere prefetches of pages that were not used lately bring nothing.
+    void touch(std::size_t index) const
     {
         const std::size_t place = std::clamp(index, first, size) - first;
         if (place / Block::cSize >= blocks.size())
             return;
         const Block& block = blocks[place / Block::cSize];
-        // Each edge is within a group of 16 at each level, which is two lines of the cache or less.
         std::size_t at = place % Block::cSize;
         if (block.data != nullptr)
-            __builtin_prefetch(block.data + at);
-        for (const std::vector<Bounds>& level : block.levels)
+            touchGroup(std::span(block.data, block.size), at);
+        // All of the levels above these two is in the cache.
+        for (std::size_t level = 0; level < 2; ++level)
         {
             at /= Block::cFanOut;
-            const Bounds* const pGroup = level.data() + at / Block::cFanOut * Block::cFanOut;
-            __builtin_prefetch(pGroup);
-            __builtin_prefetch(pGroup + Block::cFanOut / 2);
+            touchGroup(std::span<const Bounds>(block.levels[level]), at);
         }
+    }
+
+    /// Of a group of 16, both sides of an edge matter.
+    template <typename Value>
+    static void touchGroup(std::span<const Value> values, std::size_t at)
+    {
+        const std::size_t begin = at / Block::cFanOut * Block::cFanOut;
+        const std::size_t end = std::min(begin + Block::cFanOut, values.size());
+        if (begin >= end)
+            return;
+        const auto* const bytes = reinterpret_cast<const volatile char*>(values.data());
+        for (std::size_t i = begin * sizeof(Value); i < end * sizeof(Value); i += cLine)
+            static_cast<void>(bytes[i]);
+        static_cast<void>(bytes[end * sizeof(Value) - 1]);
     }
 
     void getRanges(std::span<const std::size_t> edges, std::span<Range> ranges) const override
     {
+        const bool areFar = edges.back() - edges.front() > cInCache;
         for (std::size_t i = 0; i < ranges.size(); ++i)
         {
-            if (i + cAhead < edges.size())
-                prefetch(edges[i + cAhead]);
+            if (areFar && i % cAtOnce == 0)
+                for (const std::size_t edge : edges.subspan(i, std::min(cAtOnce + 1, edges.size() - i)))
+                    touch(edge);
             const std::size_t from = std::clamp(edges[i], first, size) - first;
             const std::size_t end = std::clamp(edges[i + 1], first + from, size) - first;
             const Bounds bounds = boundsOf(from, end);
