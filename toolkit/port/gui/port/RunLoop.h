@@ -85,9 +85,9 @@ protected:
     void updateFrameClock(NativeView* pView);
 
     /// The display showed a frame of the view at this time, and goes on to the next every so often: the ticks of its
-    /// clock lie a little after the display's beat from now on and keep to it, however the two clocks differ. The period
-    /// may be off by a quarter: how often frames are seen tells better. Nothing changes without a clock, or for a period
-    /// that is unknown, which is 0, or no display's: beyond 1 millisecond to 1 second.
+    /// clock lie a little after the display's beat from now on and keep to it, however the two clocks differ. The
+    /// period may be off by a quarter: how often frames are seen tells better. Nothing changes without a clock, or for
+    /// a period that is unknown, which is 0, or no display's: beyond 1 millisecond to 1 second.
     void alignFrameClock(NativeView* pView, Time shown, Clock::duration refresh);
 
     /// The derived constructor and destructor call these: the wake-up needs the whole object.
