@@ -4,6 +4,7 @@
 #include "SDLContext.h"
 #include "SDLEvents.h"
 
+#include <gui/port/sdl/Presentation.h>
 #include <gui/port/sdl/SDL.h>
 #include <gui/port/sdl/SDLPort.h>
 
@@ -35,7 +36,11 @@ public:
     bool makeCurrent() override { return _pContext->makeCurrent(); }
     bool beginFrame() override { return _pContext->beginFrame(); }
     bool replaceContext() override { return _pContext->replace(); }
-    void flush() override { SDL_GL_SwapWindow(window()); }
+    void flush() override
+    {
+        gui::awaitPresentation(window());
+        SDL_GL_SwapWindow(window());
+    }
 
     td::Size<double> getSize() const override
     {

@@ -37,6 +37,8 @@ public:
 class Loop : public gui::RunLoop
 {
 public:
+    using RunLoop::alignFrameClock;
+
     double displayRate = 60;
     std::optional<Time> end;
 
@@ -83,6 +85,89 @@ class SleepingLoop : public Loop
 protected:
     void wait(const std::optional<Time>& until) override { std::this_thread::sleep_until(*until); }
 };
+
+using std::chrono::duration_cast, std::chrono::microseconds;
+using Time = gui::RunLoop::Time;
+
+// How far a time is from the nearest of the places where ticks belong: an eighth of a beat behind each beat.
+double offBeat(Time time, Time shown, microseconds beat)
+{
+    const double beats = std::chrono::duration<double>(time - shown) / beat - 1.0 / 8;
+    return std::abs(beats - std::round(beats));
+}
+
+// Ticks that drift against the display are seen twice or never; those that hop from beat to beat as well.
+TEST(RunLoop, ClocksKeepToTheBeatOfTheirDisplay)
+{
+    const struct
+    {
+        microseconds said, real; // between two frames
+        float min, max;
+        int nBeats; // from one tick to the next
+    } cases[] = {
+        {microseconds(16667), microseconds(16667), 0, 0, 1},
+        {microseconds(16667), microseconds(16690), 0, 0, 1}, // a clock that is off
+        {microseconds(16667), microseconds(19670), 0, 0, 1}, // a compositor with a beat of its own
+        {microseconds(6944), microseconds(6950), 30, 60, 3},
+    };
+    for (const auto& [said, real, min, max, nBeats] : cases)
+    {
+        SleepingLoop loop;
+        View view;
+        loop.displayRate = 1e6 / static_cast<double>(said.count());
+        loop.startFrameClock(&view, min, max);
+        const Time first = *loop.getNextDue();
+        // Enough frames for what was measured to be seen, of which some were missed.
+        Time shown = first - real * 400;
+        for (int i = 0; i < 400; ++i, shown += real)
+            if (i % 7 != 3)
+                loop.alignFrameClock(&view, shown, said);
+        shown -= real;
+        const Time tick = *loop.getNextDue();
+        EXPECT_LT(offBeat(tick, shown, real), 0.01) << real.count();
+        // However late the turn is.
+        loop.step(1);
+        const double beats = std::chrono::duration<double>(*loop.getNextDue() - tick) / real;
+        EXPECT_LT(std::abs(beats / nBeats - std::round(beats / nBeats)), 0.01) << real.count() << ": " << beats;
+        EXPECT_GT(beats, nBeats - 0.5);
+
+        // The display begins anew somewhere else; then it does not know any more.
+        shown += real + real / 3;
+        const Time before = *loop.getNextDue();
+        loop.alignFrameClock(&view, shown, said);
+        EXPECT_LT(offBeat(*loop.getNextDue(), shown, real), 0.01) << real.count();
+        EXPECT_LE(std::chrono::abs(*loop.getNextDue() - before), real / 2 + microseconds(1));
+        const Time after = *loop.getNextDue();
+        loop.alignFrameClock(&view, shown + real / 2, microseconds(0));
+        loop.alignFrameClock(&view, shown + real / 2, std::chrono::hours(1));
+        EXPECT_EQ(*loop.getNextDue(), after);
+    }
+}
+
+TEST(RunLoop, EachClockKeepsToItsOwnDisplay)
+{
+    Loop loop;
+    View at60, at75, without;
+    loop.startFrameClock(&at60, 0, 0);
+    loop.displayRate = 75;
+    loop.startFrameClock(&at75, 0, 0);
+    const Time now = gui::RunLoop::Clock::now();
+    constexpr microseconds c60(16667), c75(13333);
+    for (int i = 0; i < 10; ++i)
+    {
+        loop.alignFrameClock(&at75, now + c75 * i, c75);
+        loop.alignFrameClock(&at60, now + microseconds(5000) + c60 * i, c60);
+        loop.alignFrameClock(&without, now, c60);
+    }
+    EXPECT_FALSE(loop.hasFrameClock(&without));
+    loop.setVisible(&at75, false);
+    EXPECT_LT(offBeat(*loop.getNextDue(), now + microseconds(5000), c60), 0.01);
+    loop.stopFrameClock(&at60);
+    EXPECT_FALSE(loop.getNextDue());
+    loop.setVisible(&at75, true); // at once, and on the beat from the next frame on
+    loop.alignFrameClock(&at75, now + c75 * 10, c75);
+    EXPECT_LT(offBeat(*loop.getNextDue(), now, c75), 0.01);
+}
 
 TEST(RunLoop, TimersMayStopStartAndDeleteEachOther)
 {

@@ -18,6 +18,14 @@ namespace
 
 constexpr double cDefaultDisplayRate = 60;
 
+// What a display may have between two refreshes.
+constexpr RunLoop::Clock::duration cShortestRefresh = std::chrono::milliseconds(1);
+constexpr RunLoop::Clock::duration cLongestRefresh = std::chrono::seconds(1);
+// Ticks are this part of a beat behind it: late enough for times that jitter, with the rest of the beat to draw in.
+constexpr int cAfterBeat = 8;
+// How many times the measured beat of frames counts for less than what was known of it.
+constexpr int cSlowness = 16;
+
 // What a caller may ask for, of a sleep or between two ticks, without the time overflowing.
 constexpr double cLongestSleepInSeconds = 1e6;
 
@@ -146,6 +154,47 @@ void RunLoop::updateFrameClock(NativeView* pView)
 {
     if (Entry* const pEntry = find(pView); pEntry != nullptr && pEntry->hasClock)
         startFrameClock(pView, pEntry->minFPS, pEntry->maxFPS);
+}
+
+void RunLoop::alignFrameClock(NativeView* pView, Time shown, Clock::duration refresh)
+{
+    Entry* const pEntry = find(pView);
+    if (pEntry == nullptr || !pEntry->hasClock || refresh < cShortestRefresh || refresh > cLongestRefresh)
+        return;
+    Entry& entry = *pEntry;
+    measure(entry, shown, refresh);
+    const Clock::duration beat = entry.measured;
+    const double rate = 1 / std::chrono::duration<double>(beat).count();
+    const double nBeats = rate / frameRate(rate, entry.minFPS, entry.maxFPS);
+    const auto n = static_cast<Clock::rep>(std::lround(std::min(nBeats, cLongestSleepInSeconds)));
+    constexpr double cRounding = 1e-6;
+    // A rate that no beat divides into stays what it is.
+    if (std::abs(nBeats - static_cast<double>(n)) > cRounding)
+        return;
+    entry.period = beat * n;
+    // To the place behind a beat that is nearest: a beat is neither left out nor taken twice where the times jitter.
+    const Clock::duration ahead = (entry.nextTick - (shown + beat / cAfterBeat)) % beat;
+    const Clock::duration after = ahead < Clock::duration::zero() ? ahead + beat : ahead;
+    entry.nextTick -= after > beat / 2 ? after - beat : after;
+}
+
+// Compositors have periods of their own: that of a display's mode is not always what it is shown at.
+void RunLoop::measure(Entry& entry, Time shown, Clock::duration refresh)
+{
+    const Clock::duration since = shown - entry.shown;
+    if (entry.refresh != refresh)
+    {
+        entry.refresh = refresh;
+        entry.measured = refresh;
+    }
+    else if (since > Clock::duration::zero() && since < cLongestRefresh)
+    {
+        const auto n = std::max<Clock::rep>(1, (since + entry.measured / 2) / entry.measured);
+        const Clock::duration beat = since / n;
+        if (std::chrono::abs(beat - refresh) <= refresh / 4)
+            entry.measured += (beat - entry.measured) / cSlowness;
+    }
+    entry.shown = shown;
 }
 
 void RunLoop::stopFrameClock(NativeView* pView)

@@ -5,6 +5,7 @@
 #include <gui/NativeView.h>
 #include <gui/Window.h>
 #include <gui/port/WindowSystem.h>
+#include <gui/port/sdl/Presentation.h>
 #include <gui/port/sdl/SDL.h>
 #include <gui/port/sdl/SDLPort.h>
 #include <vo/Log.h>
@@ -23,6 +24,8 @@ constexpr char cSinkKey[] = "gui::SDLEventSink";
 
 using Type = SDLEvent::Type;
 
+SDLRunLoop* s_pRunLoop = nullptr;
+
 NativeView* viewOf(SDL_Window* pWindow) { return static_cast<NativeView*>(sdl::getData(pWindow, cViewKey)); }
 
 SDLEventSink* sinkOf(SDL_Window* pWindow) { return static_cast<SDLEventSink*>(sdl::getData(pWindow, cSinkKey)); }
@@ -32,10 +35,15 @@ SDLEventSink* sinkOf(SDL_Window* pWindow) { return static_cast<SDLEventSink*>(sd
 SDLRunLoop::SDLRunLoop()
     : _wakeUpType(SDL_RegisterEvents(1))
 {
+    s_pRunLoop = this;
     connect();
 }
 
-SDLRunLoop::~SDLRunLoop() { disconnect(); }
+SDLRunLoop::~SDLRunLoop()
+{
+    disconnect();
+    s_pRunLoop = nullptr;
+}
 
 void SDLRunLoop::setView(SDL_Window* pWindow, NativeView* pView) { sdl::setData(pWindow, cViewKey, pView); }
 
@@ -46,6 +54,32 @@ void SDLRunLoop::tellShow(SDL_Window* pWindow, const td::Size<int>& size)
 }
 
 void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink) { sdl::setData(pWindow, cSinkKey, pSink); }
+
+void awaitPresentation(SDL_Window* pWindow)
+{
+    if (s_pRunLoop != nullptr && sdl::isOnWayland())
+        s_pRunLoop->await(pWindow);
+}
+
+void SDLRunLoop::await(SDL_Window* pWindow)
+{
+    // For clocks alone: of other frames it makes no difference when they are seen.
+    const NativeView* const pView = viewOf(pWindow);
+    wl_surface* const pSurface = pView != nullptr && hasFrameClock(pView) ? sdl::getWaylandSurface(pWindow) : nullptr;
+    if (pSurface == nullptr)
+        return;
+    if (_pPresentation == nullptr)
+    {
+        const auto onShown = [this](std::uint32_t windowID, Time shown, Clock::duration refresh)
+        {
+            SDL_Window* const pShown = SDL_GetWindowFromID(windowID);
+            if (NativeView* const pShownView = pShown != nullptr ? viewOf(pShown) : nullptr)
+                alignFrameClock(pShownView, shown, refresh);
+        };
+        _pPresentation = std::make_unique<WaylandPresentation>(sdl::getWayland(pWindow), onShown);
+    }
+    _pPresentation->await(pSurface, SDL_GetWindowID(pWindow));
+}
 
 void SDLRunLoop::wait(const std::optional<Time>& until)
 {
@@ -84,6 +118,8 @@ void SDLRunLoop::dispatchEvents()
 {
     _isWakeUpPosted = false;
     _events.pump();
+    if (_pPresentation != nullptr)
+        _pPresentation->dispatch();
     SDLEvent event;
     while (!hasQuit() && isEventDue() && _events.take(event))
         dispatch(event);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "SDLEventQueue.h"
+#include "WaylandPresentation.h"
 
 #include <gui/port/RunLoop.h>
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 namespace gui
 {
@@ -23,6 +25,8 @@ public:
     static void setView(SDL_Window* pWindow, NativeView* pView);
     /// Tells the window's sink, see SDLEventSink::onShow.
     static void tellShow(SDL_Window* pWindow, const td::Size<int>& size);
+    /// See gui::awaitPresentation.
+    void await(SDL_Window* pWindow);
 
 protected:
     void wait(const std::optional<Time>& until) override;
@@ -40,6 +44,7 @@ private:
     bool onWindowEvent(SDL_Window* pWindow, NativeView* pView, SDLEvent::Type type);
 
     SDLEventQueue _events;
+    std::unique_ptr<WaylandPresentation> _pPresentation; // from the first frame on, on Wayland
     Time _nextMotion{};
     std::uint32_t _wakeUpType;
     std::atomic<bool> _isWakeUpPosted = false;

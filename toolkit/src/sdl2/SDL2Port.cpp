@@ -188,6 +188,15 @@ wl_display* getWayland(SDL_Window* pWindow)
     return info.info.wl.display;
 }
 
+wl_surface* getWaylandSurface(SDL_Window* pWindow)
+{
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
+        return nullptr;
+    return info.info.wl.surface;
+}
+
 bool makeCurrent(SDL_Window* pWindow, void* context) { return SDL_GL_MakeCurrent(pWindow, context) == 0; }
 
 void deleteContext(void* context) { SDL_GL_DeleteContext(context); }

@@ -200,6 +200,12 @@ wl_display* getWayland(SDL_Window* pWindow)
         SDL_GetPointerProperty(SDL_GetWindowProperties(pWindow), SDL_PROP_WINDOW_WAYLAND_DISPLAY_POINTER, nullptr));
 }
 
+wl_surface* getWaylandSurface(SDL_Window* pWindow)
+{
+    return static_cast<wl_surface*>(
+        SDL_GetPointerProperty(SDL_GetWindowProperties(pWindow), SDL_PROP_WINDOW_WAYLAND_SURFACE_POINTER, nullptr));
+}
+
 bool makeCurrent(SDL_Window* pWindow, void* context)
 {
     return SDL_GL_MakeCurrent(pWindow, static_cast<SDL_GLContext>(context));

@@ -84,6 +84,12 @@ protected:
     /// The view's display, or its rate, may have changed: its clock goes on at the new rate.
     void updateFrameClock(NativeView* pView);
 
+    /// The display showed a frame of the view at this time, and goes on to the next every so often: the ticks of its
+    /// clock lie a little after the display's beat from now on and keep to it, however the two clocks differ. The
+    /// period may be off by a quarter: how often frames are seen tells better. Nothing changes without a clock, or for
+    /// a period that is unknown, which is 0, or no display's: beyond 1 millisecond to 1 second.
+    void alignFrameClock(NativeView* pView, Time shown, Clock::duration refresh);
+
     /// The derived constructor and destructor call these: the wake-up needs the whole object.
     void connect();
     void disconnect();
@@ -99,8 +105,12 @@ private:
         float maxFPS = 0;
         Clock::duration period{};
         Time nextTick{};
+        Time shown{};               // last
+        Clock::duration refresh{};  // as the display has it; 0 for unknown
+        Clock::duration measured{}; // as frames are seen
     };
 
+    static void measure(Entry& entry, Time shown, Clock::duration refresh);
     Entry& entryOf(NativeView* pView);
     Entry* find(const NativeView* pView);
     const Entry* find(const NativeView* pView) const;

@@ -16,6 +16,7 @@ struct SDL_Rect;
 struct SDL_Window;
 struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's name
 struct wl_display;
+struct wl_surface;
 
 /// What SDL2 and SDL3 do each in its own way. The rest of SDL goes by the same names in both, and is called by them.
 namespace gui::sdl
@@ -73,6 +74,7 @@ struct X11Window
 };
 GUIGL_API std::optional<X11Window> getX11(SDL_Window* pWindow); ///< nothing on other window systems
 GUIGL_API wl_display* getWayland(SDL_Window* pWindow);          ///< null on other window systems
+wl_surface* getWaylandSurface(SDL_Window* pWindow);             ///< the same
 
 /// The context, an SDL_GLContext, may be null. @return whether it is current
 GUIGL_API bool makeCurrent(SDL_Window* pWindow, void* context);
