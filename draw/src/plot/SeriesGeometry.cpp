@@ -53,8 +53,8 @@ double SeriesGeometry::clampY(double y) const
     return std::clamp(y, _pView->area.top - cSeriesBeyond, _pView->area.bottom + cSeriesBeyond);
 }
 
-// Of samples at even distances this goes by the distance, and not by what is seen: where some of it is beyond their end,
-// the others look as they did.
+// Of samples at even distances this goes by the distance, and not by what is seen: where a part of that is beyond their
+// end, the rest looks as it did.
 bool SeriesGeometry::areDense(const Extent& extent) const
 {
     const std::size_t n = extent.end - extent.first;
