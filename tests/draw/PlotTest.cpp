@@ -11,7 +11,10 @@
 #include <epoxy/gl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <functional>
 #include <limits>
 #include <random>
 #include <vector>
@@ -236,6 +239,67 @@ TEST_F(PlotTest, LongLinesMayGoAnywhere)
             }
         }
         EXPECT_EQ(darkness(20, 390), 0);
+    }
+}
+
+// Pieces that lean otherwise where their ends are out of sight, samples that are thinned where others are beyond their
+// end, paths that get coarser as soon as more of them is seen.
+TEST_F(PlotTest, WhatMovesByWholePixelsStaysAsItIs)
+{
+    std::mt19937 random(3);
+    std::vector<double> noise(20'000), pathX, pathY;
+    for (double& value : noise)
+        value = 1e-3 * static_cast<double>(random() % 2001) - 1;
+    // Rows of zigzags, four times as narrow in the left half.
+    for (int row = 0; row < 100; ++row)
+        for (int i = 0; i < 3200; ++i)
+        {
+            pathX.push_back(i < 2560 ? 0.25 * i : i - 1920.0);
+            pathY.push_back(4 * row + i % 2 * 2);
+        }
+    struct Move
+    {
+        std::function<Series()> make;
+        double left, perPixelX, bottom, perPixelY;
+        int x, y; // pixels
+    };
+    const SeriesStyle style{.width = 1};
+    const std::vector<Move> moves{
+        {[&] { return Series::line(noise, style); }, 3000, 20, -0.2, 1e-3, 30, 70},
+        {[&] { return Series::line(noise, style); }, 19'000 - 640 * 4.5, 4.5, -1, 5e-3, -500, 0},
+        {[&] { return Series::line(pathX, pathY, style); }, 640, 1, 0, 1, 320, 0},
+    };
+    for (std::size_t i = 0; i < moves.size(); ++i)
+    {
+        const Move& move = moves[i];
+        Plot plot;
+        makeBare(plot);
+        plot.axes().x().setGrid(false);
+        plot.axes().y().setGrid(false);
+        plot.add(move.make());
+        const auto drawAt = [&](int x, int y)
+        {
+            const double left = move.left - x * move.perPixelX, bottom = move.bottom + y * move.perPixelY;
+            plot.axes().x().setRange(left, left + cSize.width * move.perPixelX);
+            plot.axes().y().setRange(bottom, bottom + cSize.height * move.perPixelY);
+            draw(plot);
+        };
+        drawAt(0, 0);
+        std::vector<int> before;
+        for (int y = 0; y < 400; ++y)
+            for (int x = 0; x < 640; ++x)
+                before.push_back(darkness(x, y));
+        drawAt(move.x, move.y);
+        int nOthers = 0, nDark = 0;
+        for (int y = std::max(3, 3 - move.y); y < std::min(397, 397 - move.y); ++y)
+            for (int x = std::max(3, 3 - move.x); x < std::min(637, 637 - move.x); ++x)
+            {
+                const int here = before[static_cast<std::size_t>(640 * y + x)];
+                nDark += here > 100 ? 1 : 0;
+                nOthers += std::abs(here - darkness(x + move.x, y + move.y)) > 3 ? 1 : 0;
+            }
+        EXPECT_GT(nDark, 1000) << i;
+        EXPECT_LT(nOthers, nDark / 100) << i;
     }
 }
 

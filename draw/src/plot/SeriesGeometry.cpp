@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace gui::draw
@@ -13,6 +14,7 @@ namespace
 
 // So many samples in a column of pixels are drawn one by one; of more there are four numbers.
 constexpr double cFewPerColumn = 4;
+constexpr std::size_t cFew = 16;
 constexpr std::size_t cManyMarkers = 4000;
 
 } // namespace
@@ -51,10 +53,19 @@ double SeriesGeometry::clampY(double y) const
     return std::clamp(y, _pView->area.top - cSeriesBeyond, _pView->area.bottom + cSeriesBeyond);
 }
 
+// Of samples at even distances this goes by the distance, and not by what is seen: where a part of that is beyond their
+// end, the rest looks as it did.
 bool SeriesGeometry::areDense(const Extent& extent) const
 {
+    const std::size_t n = extent.end - extent.first;
+    if (!_pSeries->hasX() && !_pView->x.isLogarithmic)
+    {
+        const std::size_t first = _pSeries->getFirst(), last = _pSeries->size() - 1;
+        const double length = (_pSeries->getX(last) - _pSeries->getX(first)) * _pView->x.perPlace;
+        return n > cFew && cFewPerColumn * length < static_cast<double>(last - first);
+    }
     const double width = _pView->area.right - _pView->area.left;
-    return _pSeries->isSorted() && static_cast<double>(extent.end - extent.first) > cFewPerColumn * width + 16;
+    return _pSeries->isSorted() && static_cast<double>(n) > cFewPerColumn * width + cFew;
 }
 
 void SeriesGeometry::readColumn(const Samples& samples, const Extent& extent, bool isX,
@@ -293,6 +304,8 @@ bool SeriesGeometry::addCloud(PlotScene& scene)
 void SeriesGeometry::finish()
 {
     std::erase_if(_clouds, [](auto& entry) { return !std::exchange(entry.second->isUsed, false); });
+    for (auto i = _thinnings.begin(); i != _thinnings.end();)
+        i = std::exchange(i->second.isUsed, false) ? std::next(i) : _thinnings.erase(i);
 }
 
 // Closer than three pixels they have no caps, and the closer the fainter they are; closer than one, each column of

@@ -38,7 +38,7 @@ public:
     };
 
     void add(const Series& series, const View& view, PlotScene& scene);
-    /// Forgets the clouds of series that were not added since the last call.
+    /// Forgets what it keeps of series that were not added since the last call.
     void finish();
 
     /// Which samples a part of the x axis has. Of samples in no order: all.
@@ -68,7 +68,7 @@ private:
     void joinPoints(std::size_t first, std::size_t stretch);
     void joinColumns();
     void joinParts(const Extent& extent);
-    bool joinPart(const Extent& part, std::size_t size, Walk& walk);
+    bool joinPart(const Extent& part, std::size_t size, std::size_t nMost, Walk& walk);
     void addSegment(Point a, Point b, double along = 0);
     void addLineAndMarkers(const Extent& extent, PlotScene& scene);
     void addArea(const Extent& extent, const Samples* pOther, PlotScene& scene);
@@ -96,6 +96,14 @@ private:
         bool isUsed = true;
     };
     std::unordered_map<std::uint64_t, std::unique_ptr<KeptCloud>> _clouds;
+    /// Of a line that goes anywhere: every so manieth sample, as long as it is only moved.
+    struct Thinning
+    {
+        double perPlaceX = 0, perPlaceY = 0;
+        std::size_t step = 1;
+        bool isUsed = true;
+    };
+    std::unordered_map<std::uint64_t, Thinning> _thinnings;
 };
 
 } // namespace gui::draw

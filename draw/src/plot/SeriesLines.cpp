@@ -19,6 +19,7 @@ namespace
 // Dashes begin anew at samples so far apart, in pixels.
 constexpr double cDashedStretch = 4096;
 constexpr std::size_t cMostInStretch = 16'384;
+constexpr double cFarAway = 1e9; // pixels
 // Of lines that go anywhere.
 constexpr std::size_t cMostOneByOne = 100'000; // samples
 constexpr std::size_t cMostPieces = 100'000;
@@ -123,7 +124,9 @@ void SeriesGeometry::joinColumns()
     const auto toY = [this](double value)
     {
         const double y = _pView->y.toPixel(value);
-        return std::isnan(y) || !std::isfinite(value) ? std::numeric_limits<double>::quiet_NaN() : clampY(y);
+        // So far that what is seen of a line to there is the same: pieces are cut where they leave what is seen.
+        return std::isnan(y) || !std::isfinite(value) ? std::numeric_limits<double>::quiet_NaN()
+                                                      : std::clamp(y, -cFarAway, cFarAway);
     };
     Point last{0, std::numeric_limits<double>::quiet_NaN()};
     for (std::size_t i = 0; i < _ranges.size(); ++i)
@@ -215,27 +218,40 @@ private:
 
 // Lines that go anywhere, of many samples: parts out of sight are left out, and parts that are smaller than half a
 // pixel are drawn from end to end. Where that leaves too many pieces, every second sample or fourth, and so on, will
-// do.
+// do; a line that only moves stays as coarse as it is until they are twice as many or next to none.
 void SeriesGeometry::joinParts(const Extent& extent)
 {
-    for (std::size_t step = 1;; step *= 2)
+    Thinning& thinning = _thinnings[_pSeries->getID()];
+    thinning.isUsed = true;
+    const auto isSame = [](double a, double b) { return std::abs(a - b) <= 1e-9 * std::abs(a); };
+    const bool isOnlyMoved =
+        isSame(_pView->x.perPlace, thinning.perPlaceX) && isSame(_pView->y.perPlace, thinning.perPlaceY);
+    if (!isOnlyMoved)
+        thinning = {_pView->x.perPlace, _pView->y.perPlace};
+    const std::size_t kept = thinning.step;
+    bool mayBeFiner = true;
+    for (std::size_t step = kept;;)
     {
         _segments.clear();
         Walk walk(*this);
         walk.step = step;
         bool isDone = true;
+        const std::size_t nMost = isOnlyMoved && step == kept ? 2 * cMostPieces : cMostPieces;
         for (std::size_t at = extent.first; at < extent.end && isDone; at += cLargestPart)
-            isDone = joinPart({at, std::min(at + cLargestPart, extent.end)}, cLargestPart, walk);
+            isDone = joinPart({at, std::min(at + cLargestPart, extent.end)}, cLargestPart, nMost, walk);
         walk.end();
-        if (isDone || step >= cLargestPart)
+        thinning.step = step;
+        mayBeFiner = mayBeFiner && isDone && step > 1 && _segments.size() < cMostPieces / 16;
+        if (!mayBeFiner && (isDone || step >= cLargestPart))
             return;
+        step = mayBeFiner ? step / 2 : step * 2;
     }
 }
 
 // @return whether there are few enough
-bool SeriesGeometry::joinPart(const Extent& part, std::size_t size, Walk& walk)
+bool SeriesGeometry::joinPart(const Extent& part, std::size_t size, std::size_t nMost, Walk& walk)
 {
-    if (_segments.size() > cMostPieces)
+    if (_segments.size() > nMost)
         return false;
     if (size <= cFanOut * walk.step)
     {
@@ -277,7 +293,7 @@ bool SeriesGeometry::joinPart(const Extent& part, std::size_t size, Walk& walk)
             walk.add(first);
             walk.add(last);
         }
-        else if (!joinPart({edges[i], edges[i + 1]}, size, walk))
+        else if (!joinPart({edges[i], edges[i + 1]}, size, nMost, walk))
             return false;
     }
     return true;
