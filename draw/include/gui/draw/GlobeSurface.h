@@ -48,7 +48,7 @@ public:
     static constexpr double cAirHeight = 0.1;
 
     explicit GlobeSurface(const Globe& globe = {}); ///< with air and water
-    GlobeSurface(const Globe& globe, const Look& look);
+    GlobeSurface(const Globe& globe, const Look& look); ///< with what the look says
     ~GlobeSurface();
     GlobeSurface(const GlobeSurface&) = delete;
     GlobeSurface& operator=(const GlobeSurface&) = delete;
