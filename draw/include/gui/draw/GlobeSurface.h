@@ -47,7 +47,7 @@ public:
     /// How high the air is, in radii above the ground: within it the glow is not seen, so an eye is to stay above.
     static constexpr double cAirHeight = 0.1;
 
-    explicit GlobeSurface(const Globe& globe = {}); ///< with air and water
+    explicit GlobeSurface(const Globe& globe = {});     ///< with air and water
     GlobeSurface(const Globe& globe, const Look& look); ///< with what the look says
     ~GlobeSurface();
     GlobeSurface(const GlobeSurface&) = delete;
