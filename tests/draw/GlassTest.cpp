@@ -158,7 +158,7 @@ TEST_F(GlassTest, SheetsAreSeenInTheirOrder)
             const Difference d =
                 compare(drawn(samples, [&] { EXPECT_TRUE(model.draw(glassEye())); }), composed(sheets));
             // Depths are rounded: once in a while two sheets are equally near in a pixel.
-            EXPECT_LE(d.nOther, 3) << n << " sheets, " << samples << " samples";
+            EXPECT_LE(d.nOther, isDriver("llvmpipe") ? 0 : 3) << n << " sheets, " << samples << " samples";
         }
     double worst = 0;
     for (int round = 0; round < 6; ++round)

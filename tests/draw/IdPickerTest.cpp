@@ -71,7 +71,7 @@ TEST_F(IdPickerTest, TellsWhatAndWhereInEveryDepth)
             nFar += glm::length(*answer->place - corner) < 3 ? 0 : 1;
         }
         // Of a side that is seen from its edge, the pixel beside the corner may be far behind it.
-        EXPECT_LE(nFar, 1);
+        EXPECT_LE(nFar, isDriver("llvmpipe") ? 0 : 1);
         const auto none = ask(eye, {1.5, 1.5});
         ASSERT_TRUE(none);
         EXPECT_TRUE(none->id == 0 && !none->place && none->point == td::Point<double>(1.5, 1.5));

@@ -434,7 +434,7 @@ TEST(SignsInViewTest, ComesToRest)
     view.hasWall = false;
     view.reDraw();
     const int nFrames = rest(); // one that finds it out, one that shows it; a driver may be as quick as the first
-    EXPECT_TRUE(nFrames == 1 || nFrames == 2) << nFrames;
+    EXPECT_TRUE(nFrames == 2 || (nFrames == 1 && !test::OffscreenGL::isDriver("llvmpipe"))) << nFrames;
     EXPECT_TRUE(view.labels.isShown(label));
     view.camera().turn({0, 0, 0}, 1, 0);
     view.reDraw();

@@ -21,9 +21,11 @@ protected:
         glFinish();
     }
 
-    static bool isOneOf(std::uint64_t first, std::uint64_t last)
+    // Whether the last time is that of a frame, or on drivers that may have times sooner of one up to another.
+    static bool isTimeOf(std::uint64_t frame, std::uint64_t latest)
     {
-        return FrameLedger::getLast().gpuNumber >= first && FrameLedger::getLast().gpuNumber <= last;
+        const std::uint64_t number = FrameLedger::getLast().gpuNumber;
+        return number == frame || (number > frame && number <= latest && !isDriver("llvmpipe"));
     }
 };
 
@@ -40,7 +42,7 @@ TEST_F(FrameLedgerGLTest, TimesOfGLArriveWithinAFewFrames)
     EXPECT_GE(first.gpuTime, 0);
     EXPECT_LT(first.gpuTime, 10'000);
     EXPECT_GT(first.gpuNumber, 10u);
-    EXPECT_LE(first.gpuNumber, 20u);
+    EXPECT_LE(first.gpuNumber, isDriver("llvmpipe") ? 19u : 20u);
 
     // Another context has times of its own, and a frame that changes contexts has none.
     context().makeCurrent();
@@ -53,15 +55,13 @@ TEST_F(FrameLedgerGLTest, TimesOfGLArriveWithinAFewFrames)
         FrameLedger::end();
         drawFrame(td::ColorID::Blue);
         drawFrame(td::ColorID::Blue);
-        // The driver says when it has one.
-        EXPECT_TRUE(isOneOf(22, 23));
+        EXPECT_TRUE(isTimeOf(22, 23));
     }
     context().makeCurrent();
     drawFrame(td::ColorID::Green);
-    EXPECT_TRUE(isOneOf(first.gpuNumber, 20) || isOneOf(24, 24));
+    EXPECT_TRUE(isTimeOf(20, 24));
     drawFrame(td::ColorID::Green);
-    drawFrame(td::ColorID::Green);
-    EXPECT_TRUE(isOneOf(24, 26));
+    EXPECT_TRUE(isTimeOf(24, 25));
     EXPECT_EQ(test::OffscreenGL::pixel(1, 1), (test::Pixel{0, 128, 0, 255}));
     FrameLedger::stop();
 }

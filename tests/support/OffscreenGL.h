@@ -30,6 +30,10 @@ std::ostream& operator<<(std::ostream& stream, const Pixel& pixel);
 /// messages are printed.
 class OffscreenGL : public testing::Test
 {
+public:
+    /// Whether the context that is current is of the driver of that name; for what docs/drivers.md lists.
+    static bool isDriver(std::string_view name);
+
 protected:
     explicit OffscreenGL(const td::Size<int>& size = {64, 64});
     ~OffscreenGL() override;
@@ -44,9 +48,6 @@ protected:
 
     /// Colour, depth and stencil buffer; depth 1, stencil 0.
     static void clear(const Pixel& color = {0, 0, 0, 0});
-
-    /// Whether it is the driver of that name; for faults of a driver, which docs/drivers.md lists.
-    static bool isDriver(std::string_view name);
 
     /// The samples per pixel that the driver has at most; 1 where it has no more.
     static int mostSamples();

@@ -58,11 +58,13 @@ double SeriesGeometry::clampY(double y) const
 bool SeriesGeometry::areDense(const Extent& extent) const
 {
     const std::size_t n = extent.end - extent.first;
+    if (n <= cFew)
+        return false;
     if (!_pSeries->hasX() && !_pView->x.isLogarithmic)
     {
         const std::size_t first = _pSeries->getFirst(), last = _pSeries->size() - 1;
         const double length = (_pSeries->getX(last) - _pSeries->getX(first)) * _pView->x.perPlace;
-        return n > cFew && cFewPerColumn * length < static_cast<double>(last - first);
+        return cFewPerColumn * length < static_cast<double>(last - first);
     }
     const double width = _pView->area.right - _pView->area.left;
     return _pSeries->isSorted() && static_cast<double>(n) > cFewPerColumn * width + cFew;

@@ -5,8 +5,9 @@
 #include <gui/gl/Buffer.h>
 #include <gui/gl/Textures.h>
 
-#include <glm/geometric.hpp>
 #include <glm/vec3.hpp>
+
+#include <utility>
 
 namespace gui::draw
 {
@@ -25,13 +26,9 @@ struct GlobeSurface::Impl
     gl::Buffer sphere{gl::DataType::Vec3, gl::DataType::Vec3, gl::DataType::Vec2};
     gl::Textures textures;
 
-    /// @param shell  its radius, in the globe's
-    void draw(Program3& program, const Eye& eye, double radius, const glm::vec3& sun, float shell,
-              const Program3::State& state)
+    void draw(Program3& program, const Eye& eye, const glm::vec3& sun, const Program3::State& state)
     {
         program.set("sun", sun);
-        program.set("radius", static_cast<float>(radius));
-        program.set("shell", shell);
         program.draw(sphere, eye, state);
     }
 };
@@ -69,6 +66,9 @@ bool GlobeSurface::init(gui::Texture& picture)
     if (!pImpl->ground.link(":draw/globe.vert", ":draw/globe.frag") ||
         !pImpl->air.link(":draw/globe.vert", ":draw/globeair.frag"))
         return false;
+    for (Program3* pProgram : {&pImpl->ground, &pImpl->air})
+        pProgram->set("radius", static_cast<float>(_globe.radius));
+    pImpl->air.set("shell", static_cast<float>(1 + cAirHeight));
     pImpl->ground.set("hasAir", _look.hasAir ? 1.0F : 0.0F);
     pImpl->ground.set("hasWater", _look.hasWater ? 1.0F : 0.0F);
     _pImpl = std::move(pImpl);
@@ -77,8 +77,10 @@ bool GlobeSurface::init(gui::Texture& picture)
 
 void GlobeSurface::draw(const Eye& eye)
 {
-    if (_pImpl != nullptr)
-        _pImpl->draw(_pImpl->ground, eye, _globe.radius, sunFor(eye), 1, {});
+    if (_pImpl == nullptr)
+        return;
+    _pImpl->ground.set("shell", 1.0F);
+    _pImpl->draw(_pImpl->ground, eye, sunFor(eye), {});
 }
 
 void GlobeSurface::drawOver(const Eye& eye)
@@ -87,11 +89,11 @@ void GlobeSurface::drawOver(const Eye& eye)
     if (_pImpl == nullptr)
         return;
     const glm::vec3 sun = sunFor(eye);
-    _pImpl->draw(_pImpl->ground, eye, _globe.radius, sun, cOver,
+    _pImpl->ground.set("shell", cOver);
+    _pImpl->draw(_pImpl->ground, eye, sun,
                  {.blending = Blending::Over, .isHidden = false, .isHiding = false, .isOneSided = true});
     if (_look.hasAir)
-        _pImpl->draw(_pImpl->air, eye, _globe.radius, sun, static_cast<float>(1 + cAirHeight),
-                     {.blending = Blending::Add, .isHiding = false, .isOneSided = true});
+        _pImpl->draw(_pImpl->air, eye, sun, {.blending = Blending::Add, .isHiding = false, .isOneSided = true});
 }
 
 glm::vec3 GlobeSurface::sunFor(const Eye& eye) const

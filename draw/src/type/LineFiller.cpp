@@ -16,12 +16,6 @@ using Kind = ShapedRun::Kind;
 
 constexpr std::string_view cHyphen = "\u2010", cPlainHyphen = "-";
 
-double scaleOf(const ShapedRun& run, const ShapeStyle& style)
-{
-    const double unitsPerEm = run.face.getMetrics().unitsPerEm;
-    return unitsPerEm > 0 ? style.size / unitsPerEm : 0;
-}
-
 } // namespace
 
 std::size_t LaidParagraph::getBytes() const
@@ -104,7 +98,7 @@ double LineFiller::widthOfOther(const ShapedRun& run, std::string_view text)
     for (const ShapedGlyph& glyph : _pShaped->shapeOther(other, text))
         advance += glyph.advance;
     const ShapeStyle& style = _pShaped->getStyles()[run.style];
-    return advance * scaleOf(other, style) + style.letterSpacing;
+    return advance * other.scaleIn(style) + style.letterSpacing;
 }
 
 // Where a line ends that has no room for the cluster and no place to break before it: between letters.
@@ -211,7 +205,7 @@ void LineFiller::addOther(const ShapedRun& run, std::uint32_t at, FriBidiLevel l
         advance += glyph.advance;
     }
     const ShapeStyle& style = _pShaped->getStyles()[run.style];
-    const Cluster cluster{advance * scaleOf(own, style) + style.letterSpacing,
+    const Cluster cluster{advance * own.scaleIn(style) + style.letterSpacing,
                           at,
                           0,
                           static_cast<std::uint32_t>(glyphs.size()),
@@ -387,7 +381,7 @@ LaidRun& LineFiller::addRun(const Piece& piece, std::size_t span, std::uint32_t 
 double LineFiller::addGlyphs(const Piece& piece, double x)
 {
     const ShapedRun& run = *piece.pRun;
-    const double scale = scaleOf(run, _pShaped->getStyles()[run.style]);
+    const double scale = run.scaleIn(_pShaped->getStyles()[run.style]);
     const bool isReversed = run.isRightToLeft();
     const Cluster& left = isReversed ? piece.clusters.back() : piece.clusters.front();
     const Cluster& right = isReversed ? piece.clusters.front() : piece.clusters.back();
@@ -433,7 +427,7 @@ void LineFiller::addPiece(const Piece& piece, double& x, double extra, std::uint
         laid.nGlyphs = static_cast<std::uint32_t>(_laid.glyphs.size()) - laid.firstGlyph;
         return;
     }
-    const double scale = scaleOf(run, _pShaped->getStyles()[run.style]);
+    const double scale = run.scaleIn(_pShaped->getStyles()[run.style]);
     const auto isReversed = run.isRightToLeft();
     LaidRun* pLaid = nullptr;
     for (std::size_t k = 0; k < n; ++k)

@@ -119,8 +119,7 @@ void ShapedParagraph::addClusters(const ShapedRun& run, std::uint32_t begin, std
         return;
     }
     const ShapeStyle& style = _styles[run.style];
-    const double unitsPerEm = run.face.getMetrics().unitsPerEm;
-    const double scale = unitsPerEm > 0 ? style.size / unitsPerEm : 0, spacing = style.letterSpacing;
+    const double scale = run.scaleIn(style), spacing = style.letterSpacing;
     const std::size_t n = glyphs.size();
     // Runs from right to left begin at their last glyph.
     const bool isReversed = run.isRightToLeft();

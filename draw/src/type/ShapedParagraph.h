@@ -91,6 +91,12 @@ struct ShapedRun
     FriBidiLevel level;
 
     bool isRightToLeft() const { return (level & 1) != 0; }
+    /// From the face's units, which may be another one than the style's.
+    double scaleIn(const ShapeStyle& shapeStyle) const
+    {
+        const double unitsPerEm = face.getMetrics().unitsPerEm;
+        return unitsPerEm > 0 ? shapeStyle.size / unitsPerEm : 0;
+    }
 };
 
 /// Glyphs that belong together.

@@ -11,9 +11,23 @@
 #include <SDL_syswm.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace gui::sdl
 {
+
+namespace
+{
+
+// Nothing on another window system.
+std::optional<SDL_SysWMinfo> infoOf(SDL_Window* pWindow, SDL_SYSWM_TYPE system)
+{
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    return SDL_GetWindowWMInfo(pWindow, &info) && info.subsystem == system ? std::optional(info) : std::nullopt;
+}
+
+} // namespace
 
 bool start(const char* driver)
 {
@@ -172,29 +186,20 @@ void setIcon(SDL_Window* pWindow, const td::Size<int>& size, unsigned char* byte
 
 std::optional<X11Window> getX11(SDL_Window* pWindow)
 {
-    SDL_SysWMinfo info;
-    SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_X11)
-        return std::nullopt;
-    return X11Window{info.info.x11.display, info.info.x11.window};
+    const std::optional<SDL_SysWMinfo> info = infoOf(pWindow, SDL_SYSWM_X11);
+    return info ? std::optional(X11Window{info->info.x11.display, info->info.x11.window}) : std::nullopt;
 }
 
 wl_display* getWayland(SDL_Window* pWindow)
 {
-    SDL_SysWMinfo info;
-    SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
-        return nullptr;
-    return info.info.wl.display;
+    const std::optional<SDL_SysWMinfo> info = infoOf(pWindow, SDL_SYSWM_WAYLAND);
+    return info ? info->info.wl.display : nullptr;
 }
 
 wl_surface* getWaylandSurface(SDL_Window* pWindow)
 {
-    SDL_SysWMinfo info;
-    SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(pWindow, &info) || info.subsystem != SDL_SYSWM_WAYLAND)
-        return nullptr;
-    return info.info.wl.surface;
+    const std::optional<SDL_SysWMinfo> info = infoOf(pWindow, SDL_SYSWM_WAYLAND);
+    return info ? info->info.wl.surface : nullptr;
 }
 
 bool makeCurrent(SDL_Window* pWindow, void* context) { return SDL_GL_MakeCurrent(pWindow, context) == 0; }
