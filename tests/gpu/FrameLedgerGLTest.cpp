@@ -61,7 +61,9 @@ TEST_F(FrameLedgerGLTest, TimesOfGLArriveWithinAFewFrames)
     drawFrame(td::ColorID::Green);
     EXPECT_TRUE(isTimeOf(20, 24));
     drawFrame(td::ColorID::Green);
-    EXPECT_TRUE(isTimeOf(24, 25));
+    if (!isDriver("llvmpipe"))
+        drawFrame(td::ColorID::Green); // it may have them later, too
+    EXPECT_TRUE(isTimeOf(24, 26));
     EXPECT_EQ(test::OffscreenGL::pixel(1, 1), (test::Pixel{0, 128, 0, 255}));
     FrameLedger::stop();
 }
