@@ -1,10 +1,21 @@
 // Text laid out: 100 kB in ten languages and seven scripts, wrapped; beside it HarfBuzz alone, which shapes the same
-// runs.
+// runs, and Pango and Qt, which lay out the same paragraphs in the same faces.
 
 #include <gui/draw/TextLayout.h>
 
 #include <benchmark/benchmark.h>
 #include <hb.h>
+
+#ifdef BENCH_PANGO
+#include <fontconfig/fontconfig.h>
+#include <pango/pangocairo.h>
+#include <pango/pangofc-fontmap.h>
+#endif
+#ifdef BENCH_QT
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QTextLayout>
+#endif
 
 #include <algorithm>
 #include <array>
@@ -236,5 +247,126 @@ void LayoutAfterAKey(benchmark::State& state)
     }
 }
 BENCHMARK(LayoutAfterAKey)->Unit(benchmark::kMillisecond)->Iterations(100);
+
+#ifdef BENCH_PANGO
+// With fonts that have shaped the same words before, as above.
+class Pango
+{
+public:
+    Pango()
+        : _pFonts(pango_cairo_font_map_new())
+    {
+        FcConfig* const pConfig = FcConfigCreate();
+        for (const char* const file : cFiles)
+            FcConfigAppFontAddFile(pConfig, reinterpret_cast<const FcChar8*>(file));
+        pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(_pFonts), pConfig);
+        FcConfigDestroy(pConfig);
+        _pContext = pango_font_map_create_context(_pFonts);
+        pango_cairo_context_set_resolution(_pContext, 72);
+        _pFont = pango_font_description_from_string("DejaVu Sans 12");
+    }
+    ~Pango()
+    {
+        for (PangoLayout* const pLayout : layouts)
+            g_object_unref(pLayout);
+        pango_font_description_free(_pFont);
+        g_object_unref(_pContext);
+        g_object_unref(_pFonts);
+    }
+    Pango(const Pango&) = delete;
+    Pango& operator=(const Pango&) = delete;
+
+    void add(const std::string& text)
+    {
+        for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + 1)
+        {
+            end = std::min(text.find('\n', begin), text.size());
+            PangoLayout* const pLayout = pango_layout_new(_pContext);
+            pango_layout_set_font_description(pLayout, _pFont);
+            pango_layout_set_wrap(pLayout, PANGO_WRAP_WORD_CHAR);
+            pango_layout_set_text(pLayout, text.data() + begin, static_cast<int>(end - begin));
+            layouts.push_back(pLayout);
+        }
+    }
+    std::size_t layOut(double width)
+    {
+        std::size_t nLines = 0;
+        for (PangoLayout* const pLayout : layouts)
+        {
+            pango_layout_set_width(pLayout, static_cast<int>(width * PANGO_SCALE));
+            nLines += static_cast<std::size_t>(pango_layout_get_line_count(pLayout));
+        }
+        return nLines;
+    }
+
+    std::vector<PangoLayout*> layouts;
+
+private:
+    PangoFontMap* _pFonts;
+    PangoContext* _pContext = nullptr;
+    PangoFontDescription* _pFont = nullptr;
+};
+
+void LayoutByPango(benchmark::State& state)
+{
+    const std::string text = makeText();
+    Pango pango;
+    std::size_t nLines = 0;
+    for (auto _ : state)
+    {
+        pango.add(text);
+        nLines = pango.layOut(400);
+        state.PauseTiming();
+        for (PangoLayout* const pLayout : pango.layouts)
+            g_object_unref(pLayout);
+        pango.layouts.clear();
+        state.ResumeTiming();
+    }
+    state.counters["lines"] = double(nLines);
+}
+BENCHMARK(LayoutByPango)->Unit(benchmark::kMillisecond);
+
+void LayoutInAnotherWidthByPango(benchmark::State& state)
+{
+    Pango pango;
+    pango.add(makeText());
+    double width = 400;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(pango.layOut(width = width == 400 ? 410 : 400));
+}
+BENCHMARK(LayoutInAnotherWidthByPango)->Unit(benchmark::kMillisecond);
+#endif
+
+#ifdef BENCH_QT
+void LayoutByQt(benchmark::State& state)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int nArguments = 1;
+    std::array<char, 6> name{"bench"};
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    const QGuiApplication application(nArguments, arguments.data());
+    QStringList families;
+    for (const char* const file : cFiles)
+        families += QFontDatabase::applicationFontFamilies(QFontDatabase::addApplicationFont(file)).value(0);
+    QFont font(families);
+    font.setPixelSize(12);
+    const QStringList paragraphs = QString::fromStdString(makeText()).split('\n', Qt::SkipEmptyParts);
+    std::size_t nLines = 0;
+    for (auto _ : state)
+    {
+        nLines = 0;
+        for (const QString& paragraph : paragraphs)
+        {
+            QTextLayout layout(paragraph, font);
+            layout.beginLayout();
+            for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine(), ++nLines)
+                line.setLineWidth(400);
+            layout.endLayout();
+        }
+    }
+    state.counters["lines"] = double(nLines);
+}
+BENCHMARK(LayoutByQt)->Unit(benchmark::kMillisecond);
+#endif
 
 } // namespace
