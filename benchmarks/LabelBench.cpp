@@ -1,5 +1,5 @@
 // Ten thousand labels, each with a dot and three other places: adding them, finding out which have room, and frames of
-// theirs, with what the driver does.
+// theirs, with what the driver does; beside a scene of Qt's with as many texts in view.
 
 #include <gui/draw/Labels.h>
 #include <gui/gl/FrameLedger.h>
@@ -8,6 +8,15 @@
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
 
+#ifdef BENCH_QT
+#include <QApplication>
+#include <QGraphicsScene>
+#include <QGraphicsSimpleTextItem>
+#include <QImage>
+#include <QPainter>
+#endif
+
+#include <array>
 #include <cmath>
 #include <memory>
 #include <random>
@@ -123,5 +132,42 @@ BENCHMARK_CAPTURE(LabelFrame, Rest, Motion::Rest)->Unit(benchmark::kMillisecond)
 BENCHMARK_CAPTURE(LabelFrame, Pan, Motion::Pan)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK_CAPTURE(LabelFrame, Zoom, Motion::Zoom)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK_CAPTURE(LabelFrame, Replace, Motion::Replace)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+#ifdef BENCH_QT
+// 10,000 texts of which some 500 are in view, without halos, dots or a search for room.
+void LabelPanByQt(benchmark::State& state)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int nArguments = 1;
+    std::array<char, 6> name{"bench"};
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    const QApplication application(nArguments, arguments.data());
+    QGraphicsScene scene;
+    std::mt19937 random(7);
+    const auto below = [&random](double n) { return std::uniform_real_distribution<>(0, n)(random); };
+    for (int i = 0; i < cLabels; ++i)
+    {
+        QString text(QChar('A' + int(below(26))));
+        for (int k = 3 + int(below(7)); k > 0; --k)
+            text += QChar('a' + int(below(26)));
+        QGraphicsSimpleTextItem* const pItem = scene.addSimpleText(text);
+        pItem->setPos(below(4500), below(4500));
+        pItem->setFlag(QGraphicsItem::ItemIgnoresTransformations);
+    }
+    QImage image(cFrame, cFrame, QImage::Format_ARGB32_Premultiplied);
+    const auto frame = [&](int n)
+    {
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        scene.render(&painter, QRectF(0, 0, cFrame, cFrame), QRectF(1000 + n % cLoop * 7, 1000, cFrame, cFrame));
+    };
+    int n = 0;
+    frame(n);
+    for (auto _ : state)
+        frame(++n);
+}
+BENCHMARK(LabelPanByQt)->Unit(benchmark::kMillisecond)->UseRealTime();
+#endif
 
 } // namespace
