@@ -196,6 +196,10 @@ constexpr SceneInfo cScenes[] = {
      "one under the pointer shows its orbit; a click leaves a trail behind it. Moons and stars are points, and nothing "
      "is uploaded while all of it turns.",
      makeSwarm},
+    {"flights", "Day and night",
+     "A picture of the earth laid around a globe, its air, and the sun over Arabia. Flights between twelve cities, "
+     "the shortest way, as arcs. Drags turn it, the wheel goes nearer.",
+     makeFlights},
 };
 
 } // namespace

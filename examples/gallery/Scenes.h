@@ -58,6 +58,7 @@ std::unique_ptr<Scene> makeSamples();
 std::unique_ptr<Scene> makeOpening();
 std::unique_ptr<Scene> makeOrbitScene();
 std::unique_ptr<Scene> makePick3D();
+std::unique_ptr<Scene> makeFlights();
 std::unique_ptr<Scene> makeHorizon();
 std::unique_ptr<Scene> makeSection();
 std::unique_ptr<Scene> makeGlass();
