@@ -184,7 +184,11 @@ TEST_F(ColorGlyphTest, HostilePaintsEnd)
         const auto image = face.getImage(glyph, {.pixelsPerEm = 100});
         EXPECT_TRUE(image && !image->isColor && image->width == 80);
     }
-    EXPECT_TRUE(face.getImage(face.getGlyph('L'), {.pixelsPerEm = 4096}));
+    const GlyphImage& large = drawn('D', 4096);
+    for (const int y : {10, 1638, 3266})
+        expectColor(large, 1638, y, cRed);
+    expectColor(large, 10, 10, cClear);
+    expectColor(large, 3266, 3266, cClear);
 }
 
 } // namespace

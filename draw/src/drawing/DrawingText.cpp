@@ -94,9 +94,13 @@ void Drawing::Impl::recolor(Item& item, td::Color foreground)
             isRecolored = true;
         }
     }
+    if (!isRecolored)
+        return;
     double noTime = 0;
-    if (isRecolored && lookAtPictures(item, noTime, false, nullptr))
+    if (lookAtPictures(item, noTime, false, nullptr))
         await(item);
+    if (glyphs.getNumberOfSized() > sweepAt)
+        sweepGlyphs();
 }
 
 double Drawing::Impl::reachOf(const Rect& ink)

@@ -18,8 +18,8 @@ namespace gui::draw
 namespace
 {
 
-// Of a band: a megabyte for each layer.
-constexpr std::size_t cBandPixels = std::size_t(1) << 16;
+// Of all layers of a band, in pixels: 32 MiB.
+constexpr std::size_t cBandPixels = std::size_t(1) << 21;
 
 // A box's edge on a pixel's may be off by rounding.
 constexpr double cSlack = 1.0 / 256;
@@ -33,6 +33,20 @@ void putOver(const PremultipliedColor& source, float coverage, PremultipliedColo
     const float rest = 1 - coverage * source[3];
     for (std::size_t i = 0; i < 4; ++i)
         to[i] = coverage * source[i] + rest * to[i];
+}
+
+// How many layers there are at once beside the one that a paint is drawn into.
+std::size_t layersOf(const ColorPaint& paint)
+{
+    if (paint.parts.empty())
+        return 0;
+    if (paint.kind == ColorPaint::Kind::Composite)
+        return std::max(1 + layersOf(paint.parts[0]), 2 + layersOf(paint.parts[1]));
+    std::size_t n = 0;
+    for (const ColorPaint& part : paint.parts)
+        n = std::max(n, layersOf(part));
+    const bool isLayer = paint.kind != ColorPaint::Kind::Layers && paint.parts.front().kind != ColorPaint::Kind::Fill;
+    return n + (isLayer ? 1 : 0);
 }
 
 bool areClose(const PremultipliedColor& a, const PremultipliedColor& b)
@@ -137,7 +151,7 @@ void ColorPicture::draw(const ColorPaint& whole, GlyphImage& image)
         return;
     }
     image.pixels.reserve(4 * box.getSize());
-    const int nRows = std::max(1, static_cast<int>(cBandPixels / box.getWidth()));
+    const int nRows = std::max(1, static_cast<int>(cBandPixels / (1 + layersOf(whole)) / box.getWidth()));
     for (int top = box.top; top < box.bottom; top += nRows)
     {
         Layer band({box.left, top, box.right, std::min(top + nRows, box.bottom)});

@@ -140,8 +140,7 @@ def pinwheel():
     hole = translated(400, 400, clipped("dot", solid(WHITE)))
     inner = moved(P.PaintScaleUniformAroundCenter, clipped("disc", sweep(around, 400, 400, 0, 360)), scale=0.9,
                   centerX=400, centerY=400)
-    return layers(composite(CompositeMode.SRC_OUT, clipped("disc", solid(TEXT)), hole),
-                  composite(CompositeMode.SRC_OUT, inner, hole))
+    return composite(CompositeMode.SRC_OUT, layers(clipped("disc", solid(TEXT)), inner), hole)
 
 
 # What varies along the axis: a delta for each number, which the numbers' indices lead to through a map.
