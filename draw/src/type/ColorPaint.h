@@ -60,6 +60,7 @@ struct ColorPaint
     std::array<td::Point<double>, 4> corners{}; // of a box, on the target
     BlendMode mode = BlendMode::SourceOver;
     std::vector<ColorPaint> parts;
+    double drawnArea = 0; // of a whole one: how much there is to draw, those over each other counted each
 };
 
 /// A glyph of a font in font units of 26.6 bits, in FreeType's slot until another one is loaded; null when it has no
@@ -73,9 +74,9 @@ class ColorPaintReader
 public:
     /// A paint that uses more than this is none: others paint themselves, or are made to take hours.
     static constexpr int cMostDepth = 64;
-    static constexpr std::size_t cMostPaints = 4096;
-    static constexpr double cMostOverEachOther = 64;                 // on average
-    static constexpr std::size_t cMostPoints = std::size_t(1) << 18; // of outlines, and numbers of gradients
+    static constexpr std::size_t cMostPaints = 16384;
+    static constexpr double cMostOverEachOther = 256;                // on average
+    static constexpr std::size_t cMostPoints = std::size_t(1) << 20; // of outlines, and numbers of gradients
 
     /// @param table  the font's COLR, not owned
     /// @param coordinates  of a variable font: normalised, -1 to 1, not owned

@@ -28,6 +28,8 @@ namespace
 // A font may ask for any amount. The largest glyph that getImage promises takes 64 MiB in colour.
 constexpr std::size_t cMostFontBytes = std::size_t(256) << 20;
 constexpr double cMaxPixels = 4096;
+// Of a paint, with those over each other: some seconds.
+constexpr double cMostPaintedPixels = 1 << 30;
 
 // Blocks begin with their size, as FreeType doesn't say it when it frees one.
 constexpr std::size_t cHeader = alignof(std::max_align_t);
@@ -355,6 +357,8 @@ const char* FreeTypeFace::paint(std::uint32_t glyph, const GlyphPaint& paint, co
         ColorPaintReader(_pFace, _paintTable, _place, request.foreground).read(glyph, Affine::scaling(scale, -scale));
     if (!inPixels)
         return textOf(FT_Err_Invalid_Table);
+    if (inPixels->drawnArea > cMostPaintedPixels)
+        return "too many layers";
     ColorPicture(_pLibrary, _pFace).draw(*inPixels, image);
     return nullptr;
 }
