@@ -10,8 +10,8 @@
 namespace gui::draw
 {
 
-/// What a part of a glyph in colour is filled with, of COLR's version 1: a colour, or one of a gradient's at each place.
-/// Between stops the four components are mixed as they are; where a gradient says no colour there is none.
+/// What a part of a glyph is filled with, of COLR's version 1: a colour, or one of a gradient's at each place. Between
+/// stops the four components are mixed as they are; where a gradient says no colour there is none.
 class ColorFill
 {
 public:

@@ -12,8 +12,9 @@ struct FT_LibraryRec_;
 namespace gui::draw
 {
 
-/// Draws what a glyph is painted with into pixels. What is seen through an outline or a mode is drawn for itself and then
-/// put over what is there, so that edges are covered once. Large pictures are drawn in bands, which bounds the memory.
+/// Draws what a glyph is painted with into pixels. What is seen through an outline or a mode is drawn for itself and
+/// then put over what is there, so that edges are covered once. Large pictures are drawn in bands, which bounds the
+/// memory.
 class ColorPicture
 {
 public:

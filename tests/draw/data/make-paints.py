@@ -115,7 +115,8 @@ def transforms():
         moved(P.PaintScaleAroundCenter, translated(300, 300, cell()), scaleX=-1, scaleY=1, centerX=350, centerY=0),
         moved(P.PaintRotate, translated(300, -700, cell()), angle=90),
         moved(P.PaintRotateAroundCenter, translated(0, 600, cell()), angle=180, centerX=50, centerY=650),
-        moved(P.PaintSkewAroundCenter, translated(300, 600, cell()), xSkewAngle=45, ySkewAngle=0, centerX=0, centerY=650),
+        moved(P.PaintSkewAroundCenter, translated(300, 600, cell()), xSkewAngle=45, ySkewAngle=0, centerX=0,
+              centerY=650),
         moved(P.PaintTransform, cell(),
               Transform={"xx": 1, "yx": 0, "xy": 1, "yy": 1, "dx": 600, "dy": 600}),
         translated(900, 0, moved(P.PaintSkew, clipped("cell", moved(P.PaintScaleUniformAroundCenter, linear(
@@ -136,7 +137,8 @@ def flower():
 
 def pinwheel():
     """Something to look at: all around in colours, a hole in the middle, and a rim in the text's colour."""
-    around = line(Extend.PAD, (0, RED), (0.167, SUN), (0.333, GREEN), (0.5, SEA), (0.667, BLUE), (0.833, PLUM), (1, RED))
+    around = line(Extend.PAD, (0, RED), (0.167, SUN), (0.333, GREEN), (0.5, SEA), (0.667, BLUE), (0.833, PLUM),
+                  (1, RED))
     hole = translated(400, 400, clipped("dot", solid(WHITE)))
     inner = moved(P.PaintScaleUniformAroundCenter, clipped("disc", sweep(around, 400, 400, 0, 360)), scale=0.9,
                   centerX=400, centerY=400)
@@ -144,7 +146,8 @@ def pinwheel():
 
 
 # What varies along the axis: a delta for each number, which the numbers' indices lead to through a map.
-DELTAS = [300, 100, -8192, 8192, 4096]  # of a place, an alpha, and a stop's offset and alpha; the last ones in 2.14 bits
+# Of a place, an alpha, and a stop's offset and alpha, the last three in 2.14 bits.
+DELTAS = [300, 100, -8192, 8192, 4096]
 MOVE, ALPHA, STOP, NOTHING = 0, 2, 3, 0xFFFFFFFF
 
 
@@ -212,8 +215,8 @@ def main():
     builder.setupGlyphOrder(names)
     builder.setupCharacterMap(characters)
     builder.setupGlyf(glyphs)
-    builder.setupHorizontalMetrics({name: (1000, builder.font["glyf"][name].xMin if glyphs[name].numberOfContours else 0)
-                                    for name in names})
+    left = lambda name: builder.font["glyf"][name].xMin if glyphs[name].numberOfContours else 0
+    builder.setupHorizontalMetrics({name: (1000, left(name)) for name in names})
     builder.setupHorizontalHeader(ascent=900, descent=-100)
     builder.setupNameTable({"familyName": "Paints", "styleName": "Regular"})
     builder.setupOS2(sTypoAscender=900, sTypoDescender=-100, usWinAscent=900, usWinDescent=100)
@@ -225,8 +228,8 @@ def main():
     indices = {delta: store.storeDeltas([delta]) for delta in sorted(DELTAS)}
     index_map = otTables.DeltaSetIndexMap()
     index_map.mapping = [indices[delta] for delta in DELTAS]
-    builder.font["COLR"] = buildCOLR(PAINTS, version=1, glyphMap=builder.font.getReverseGlyphMap(), clipBoxes=CLIP_BOXES,
-                                     varStore=store.finish(), varIndexMap=index_map)
+    builder.font["COLR"] = buildCOLR(PAINTS, version=1, glyphMap=builder.font.getReverseGlyphMap(),
+                                     clipBoxes=CLIP_BOXES, varStore=store.finish(), varIndexMap=index_map)
     builder.font["CPAL"] = buildCPAL([[tuple(int(c[i:i + 2], 16) / 255 for i in (0, 2, 4)) + (1,) for c in PALETTE]])
     builder.font["head"].created = builder.font["head"].modified = 0
     builder.font.recalcTimestamp = False

@@ -47,12 +47,12 @@ class TypefaceImpl;
 /// Fonts are hostile input. A font that is broken in parts shows nothing there, and takes no more memory than 300 MiB
 /// beside its file. The file is mapped into memory: it has to stay as it is while the face lives.
 ///
-/// Colours come from pictures (CBDT, sbix), layers (COLR, version 0) and paints (COLR, version 1: gradients, transforms
-/// and composites, of a variable font too). Layers are as sharp as letters. A paint is drawn in the size that it is seen
-/// in, up to 240 pixels in width and height in a Drawing's texts in points and 128 pixels per em in those in model units;
-/// beyond that it is enlarged. Between a gradient's stops the four components are mixed as they are. Glyphs in SVG are
-/// drawn as their outline, and so are those whose paint is broken, has no bounds or no end, or more than 16384
-/// parts, 64 within each other, or 256 over each other.
+/// Colours come from pictures (CBDT, sbix), layers (COLR, version 0) and paints (COLR, version 1: gradients,
+/// transforms and composites, of a variable font too). Layers are as sharp as letters. A Drawing shows a paint in
+/// just the size that is seen, up to 240 pixels in width and height, in texts in points, and with 128 pixels per em
+/// in those in model units; beyond that it is enlarged. Between a gradient's stops the four components are mixed as
+/// they are. Glyphs in SVG are drawn as their outline, and so are those whose paint is broken, has no bounds or no
+/// end, or more than 16384 parts, 64 within each other, or 256 over each other.
 ///
 /// All of it can be used on several threads at once, but for making faces of resources and setLogSink, which belong to
 /// the GUI thread. What draws a glyph waits for others that draw of the same font.
@@ -187,8 +187,8 @@ public:
     /// else how far each pixel is covered.
     /// @return empty, with a log line, when it can't be drawn:
     ///         "ERROR! Typeface::getImage cannot draw glyph %u of %s at %g pixels (%s)": what FreeType finds wrong with
-    ///         it, "larger than 4096 pixels", "too many layers" of a large picture, or "no such size" for one that isn't
-    ///         above 0 and at most 4096.
+    ///         it, "larger than 4096 pixels", "too many layers" of a large picture, or "no such size" for one that
+    ///         isn't above 0 and at most 4096.
     ///         For no face it is empty without a line
     std::optional<GlyphImage> getImage(std::uint32_t glyph, const GlyphRequest& request) const;
 
