@@ -98,10 +98,10 @@ public:
                 add(*p, 0.25f, mean);
             return mean;
         }
-        for (int sample = 0; sample < 16; ++sample)
-            add(_fill.at(
-                    {_left + static_cast<double>(i) + 0.125 + 0.25 * (sample % 4), _y + 0.125 + 0.25 * (sample / 4)}),
-                1.0f / 16, mean);
+        for (int row = 0; row < 4; ++row)
+            for (int column = 0; column < 4; ++column)
+                add(_fill.at({_left + static_cast<double>(i) + 0.125 + 0.25 * column, _y + 0.125 + 0.25 * row}),
+                    1.0f / 16, mean);
         return mean;
     }
 
@@ -159,7 +159,7 @@ void ColorPicture::draw(const ColorPaint& whole, GlyphImage& image)
         for (const PremultipliedColor& color : band.pixels)
         {
             const auto byte = [](float value)
-            { return static_cast<td::BYTE>(std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f); };
+            { return static_cast<td::BYTE>(std::clamp(value * 255 + 0.5f, 0.0f, 255.0f)); };
             const td::BYTE alpha = byte(color[3]);
             for (std::size_t i = 0; i < 3; ++i)
                 image.pixels.push_back(std::min(byte(color[i]), alpha));
