@@ -188,14 +188,18 @@ TEST_F(DrawingTextTest, GlyphsHaveTheirColors)
         char32_t character;
         const char* text;
         double size, mean;
-    } const cases[] = {{"truetype/noto/NotoColorEmoji.ttf", 0x1f600, "😀", 109, .6},
+    } const cases[] = {{"/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf", 0x1f600, "😀", 109, .6},
                        // From a picture of 64 pixels, of which the half is between two smaller copies.
-                       {"truetype/noto/NotoColorEmoji.ttf", 0x1f389, "🎉", 40, 8},
-                       {"opentype/fonts-hosny-amiri/AmiriQuranColored.ttf", 0x6dd, "\u06dd", 60, 1.5}};
+                       {"/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf", 0x1f389, "🎉", 40, 8},
+                       {"/usr/share/fonts/opentype/fonts-hosny-amiri/AmiriQuranColored.ttf", 0x6dd, "\u06dd", 60, 1.5},
+                       // Painted in just this size, and as large as there is room.
+                       {":type/paints.ttf", U'f', "f", 21.3, .01},
+                       {":type/paints.ttf", U'f', "f", 200, .01},
+                       {":type/paints.ttf", U'f', "f", 330, 1}};
     for (const auto& each : cases)
     {
         SCOPED_TRACE(each.file);
-        const Typeface face = Typeface::fromFile(("/usr/share/fonts/" + std::string(each.file)).c_str());
+        const Typeface face = Typeface::fromFile(each.file);
         ASSERT_TRUE(face);
         const std::uint32_t glyph = face.getGlyph(each.character);
         ASSERT_TRUE(face.isColorGlyph(glyph));
@@ -218,6 +222,31 @@ TEST_F(DrawingTextTest, GlyphsHaveTheirColors)
             }
         EXPECT_LE(difference / (3.0 * image->width * image->height), each.mean);
     }
+}
+
+// A picture whose parts have the text's colour is another one when that changes, and the old one when it comes back; a
+// text's transparency is all of its picture's.
+TEST_F(DrawingTextTest, PicturesTakeTheColorOfTheirText)
+{
+    const Typeface face = Typeface::fromFile(":type/paints.ttf");
+    Drawing drawing;
+    const Drawing::ID text = drawing.text({100, 300}, "B", {.face = face, .size = 100, .paint = "#ff8000"});
+    // To the left half of it on half blue on green, to the right green.
+    const auto expectLeft = [&](const Paint& paint, int red, int green, int blue, int atRight)
+    {
+        drawing.setColor(text, paint);
+        clear({255, 255, 255});
+        ASSERT_TRUE(drawing.draw(Affine()));
+        const test::Pixel left = pixel(120, cTextPicture - 270), right = pixel(170, cTextPicture - 270);
+        EXPECT_NEAR(left.red, red, 1);
+        EXPECT_NEAR(left.green, green, 1);
+        EXPECT_NEAR(left.blue, blue, 1);
+        EXPECT_NEAR(right.red, atRight, 1);
+    };
+    expectLeft("#ff8000", 128, 128, 64, 0);
+    expectLeft("#0000ff", 0, 64, 191, 0);
+    expectLeft(LinearGradient{{0, 0}, {0, 1}, {{0, "#ffffff"}, {1, "#000000"}}}, 128, 191, 191, 0);
+    expectLeft(td::Color(255, 128, 0, 128), 191, 191, 159, 127);
 }
 
 // Texts and shapes that alternate often are drawn by one program, and each over the one before all the same.

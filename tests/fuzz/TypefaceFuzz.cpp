@@ -5,6 +5,7 @@
 #include <gui/draw/TextLayout.h>
 #include <gui/draw/Typeface.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace fuzz::typeface
@@ -45,6 +46,9 @@ void run(const std::uint8_t* bytes, std::size_t n)
                                 std::size_t(image->width) * image->height * (image->isColor ? 4 : 1),
                             "a picture has its pixels");
         }
+    for (std::uint32_t glyph = 0; glyph < std::min(nGlyphs, 100U); ++glyph)
+        if (moved.isColorGlyph(glyph))
+            (void) moved.getImage(glyph, {.pixelsPerEm = 20, .foreground = "#ff8000"});
     const gui::draw::TextLayout layout("Text office 12 \u05D0\u0628\u0915\u094D\u0937 e\u0301",
                                        {.face = face, .size = 10}, {.width = 40});
     (void) layout.getInkBounds();

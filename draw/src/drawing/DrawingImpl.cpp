@@ -94,6 +94,8 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
         tables.setPaint(item.places, paint, item.origin, item.step);
     if (item.kind == Kind::Glyphs && item.hasBounds && wasGradient != paint.isGradient())
         enlist(item); // gradients are drawn by outlines
+    if (item.kind == Kind::Glyphs && item.pLetters && item.pLetters->hasColors)
+        recolor(item, foregroundOf(paint));
     isChanged = true;
 }
 

@@ -164,6 +164,9 @@ struct Drawing::Impl
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
     void setOutline(Item& item, const Path& path);
     void setElements(Item& glyphs, double strokeStep);
+    /// What has the text's colour in its pictures gets it.
+    void recolor(Item& glyphs, td::Color foreground);
+    static td::Color foregroundOf(const Paint& paint); // the first one of a gradient
     /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time.
     void renewPictures(const Sight& sight);
     /// Looks which glyphs have pictures, and draws more while there is time. @param mayDraw  whatever time it takes,

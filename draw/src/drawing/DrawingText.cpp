@@ -74,6 +74,35 @@ std::vector<Part> partsOf(const TextLayout& layout)
 
 } // namespace
 
+td::Color Drawing::Impl::foregroundOf(const Paint& paint)
+{
+    if (!paint.isGradient())
+        return paint.getColor();
+    const std::vector<GradientStop>& stops = paint.getGradient().stops;
+    return stops.empty() ? td::Color(td::ColorID::Black) : stops.front().color;
+}
+
+void Drawing::Impl::recolor(Item& item, td::Color foreground)
+{
+    bool isRecolored = false;
+    for (std::uint32_t i = 0; i < item.places.elements.count; ++i)
+    {
+        const std::uint32_t old = tables.getElements()[item.places.elements.first + i].points[0];
+        if (const std::uint32_t number = glyphs.recolored(old, foreground, tables); number != old)
+        {
+            tables.setGlyph(item.places, i, number);
+            isRecolored = true;
+        }
+    }
+    if (!isRecolored)
+        return;
+    double noTime = 0;
+    if (lookAtPictures(item, noTime, false, nullptr))
+        await(item);
+    if (glyphs.getNumberOfSized() > sweepAt)
+        sweepGlyphs();
+}
+
 double Drawing::Impl::reachOf(const Rect& ink)
 {
     return std::hypot(std::max(std::abs(ink.left), std::abs(ink.right)),
@@ -176,6 +205,7 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
     letters.turns.clear();
     letters.mayHavePictures = pRoute == nullptr && letters.style.isInPoints && letters.style.cosine == 1;
     letters.hasColors = false;
+    const td::Color foreground = foregroundOf(layout.getStyle(style).paint);
     elements.clear();
     for (std::size_t iRun = 0; iRun < layout.getRuns().size(); ++iRun)
     {
@@ -192,8 +222,8 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
             {
                 // They are as heavy as they are.
                 if (lineWidth == 0 || letters.isHalo)
-                    glyphs.getColored(run.face, placed.glyph, letters.style.isInPoints ? size : 0, lineWidth > 0,
-                                      builder, tables, numbers);
+                    glyphs.getColored(run.face, placed.glyph, letters.style.isInPoints ? size : 0, foreground,
+                                      lineWidth > 0, builder, tables, numbers);
                 letters.hasColors = true;
             }
             else if (const GlyphStore::Glyph glyph =

@@ -14,8 +14,14 @@ constexpr double cTolerance = 1.0 / 20000;
 /// The widest lines that are drawn into pictures, in pixels.
 constexpr double cWidest = 16;
 
-/// Of pictures in colour, in pixels per em.
+/// Of pictures in colour, in pixels per em; and the widest and highest, in pixels.
 constexpr double cLargestColored = 128;
+constexpr unsigned int cMostColored = 240;
+/// That FreeTypeFace draws, in pixels per em.
+constexpr double cLargestDrawn = 4096;
+
+/// A picture's transparency is the text's anyway.
+std::uint32_t opaque(td::Color color) { return color.rgba() | 0xff000000U; }
 
 } // namespace
 
@@ -43,7 +49,7 @@ GlyphPicture GlyphStore::beginningOf(const Sized& sized) const
 {
     if (sized.isColored)
         return {GlyphPicture::cIsColored | GlyphPicture::cIsWaited, 0};
-    const auto [face, glyph, size, lineWidth] = sized.key;
+    const auto [face, glyph, size, lineWidth, foreground] = sized.key;
     const bool isSmall = size * _scale <= cLargest && lineWidth * _scale <= cWidest;
     return {isSmall && _scale > 0 ? GlyphPicture::cIsWaited : 0, 0};
 }
@@ -51,7 +57,7 @@ GlyphPicture GlyphStore::beginningOf(const Sized& sized) const
 GlyphStore::Glyph GlyphStore::getSized(const Typeface& face, std::uint32_t number, double size, double lineWidth,
                                        ShapeBuilder& builder, ShapeTables& tables)
 {
-    const Key key{face.getID(), number, static_cast<float>(size), static_cast<float>(lineWidth)};
+    const Key key{face.getID(), number, static_cast<float>(size), static_cast<float>(lineWidth), 0};
     if (const auto found = _numbers.find(key); found != _numbers.end())
         return {found->second, false};
     Glyph glyph = get(face, number, lineWidth > 0, builder, tables);
@@ -64,10 +70,13 @@ GlyphStore::Glyph GlyphStore::getSized(const Typeface& face, std::uint32_t numbe
     return glyph;
 }
 
-void GlyphStore::getColored(const Typeface& face, std::uint32_t glyph, double size, bool isStroked,
-                            ShapeBuilder& builder, ShapeTables& tables, std::vector<std::uint32_t>& numbers)
+void GlyphStore::getColored(const Typeface& face, std::uint32_t glyph, double size, td::Color foreground,
+                            bool isStroked, ShapeBuilder& builder, ShapeTables& tables,
+                            std::vector<std::uint32_t>& numbers)
 {
-    const std::vector<OpenFont::Layer> layers = TypefaceImpl::of(face)->font().getLayers(glyph);
+    const OpenFont& font = TypefaceImpl::of(face)->font();
+    const std::optional<GlyphPaint> paint = font.getPaint(glyph);
+    const std::vector<OpenFont::Layer> layers = paint ? std::vector<OpenFont::Layer>() : font.getLayers(glyph);
     for (const OpenFont::Layer& layer : layers)
     {
         const Glyph outline = get(face, layer.glyph, isStroked, builder, tables);
@@ -90,14 +99,31 @@ void GlyphStore::getColored(const Typeface& face, std::uint32_t glyph, double si
     if (!layers.empty() || isStroked)
         return;
     // A width that no line has.
-    const Key key{face.getID(), glyph, static_cast<float>(size), -1.0F};
+    numbers.push_back(getColoredPicture(
+        face,
+        {face.getID(), glyph, static_cast<float>(size), -1.0F, paint && paint->usesForeground ? opaque(foreground) : 0},
+        tables));
+}
+
+std::uint32_t GlyphStore::getColoredPicture(const Typeface& face, const Key& key, ShapeTables& tables)
+{
     const auto [found, isNew] = _numbers.try_emplace(key);
     if (isNew)
     {
         found->second = tables.addColoredGlyph();
         _sized.insert_or_assign(found->second, Sized{face, key, true});
     }
-    numbers.push_back(found->second);
+    return found->second;
+}
+
+std::uint32_t GlyphStore::recolored(std::uint32_t number, td::Color foreground, ShapeTables& tables)
+{
+    const auto found = _sized.find(number);
+    if (found == _sized.end() || std::get<4>(found->second.key) == 0)
+        return number;
+    Key key = found->second.key;
+    std::get<4>(key) = opaque(foreground);
+    return getColoredPicture(Typeface(found->second.face), key, tables);
 }
 
 void GlyphStore::makeWait(std::span<const std::uint32_t> numbers, ShapeTables& tables)
@@ -107,19 +133,29 @@ void GlyphStore::makeWait(std::span<const std::uint32_t> numbers, ShapeTables& t
                           {GlyphPicture::cIsWaited | (tables.getPicture(number).place & GlyphPicture::cIsColored), 0});
 }
 
-// In one of a few sizes that is not smaller than on the screen, or where that is not known, as large as there is.
+// Pictures in one of a few sizes that is not smaller than on the screen, or where that is not known, as large as there
+// is; paints in exactly that size, as far as there is room.
 GlyphStore::Result GlyphStore::drawColored(std::uint32_t number, const Sized& sized, ShapeTables& tables,
                                            std::vector<std::uint32_t>* pEvicted)
 {
-    const auto [face, glyph, size, lineWidth] = sized.key;
+    const auto [face, glyph, size, lineWidth, foreground] = sized.key;
     double pixelsPerEm = cLargestColored;
     while (size > 0 && pixelsPerEm > 16 && pixelsPerEm / 2 >= size * _scale)
         pixelsPerEm /= 2;
+    const OpenFont& font = TypefaceImpl::of(sized.face)->font();
+    if (const std::optional<GlyphPaint> paint = font.getPaint(glyph))
+    {
+        if (size > 0 && _scale > 0)
+            pixelsPerEm = size * _scale;
+        // A pixel more where its edges are none of pixels.
+        const double most = std::max({paint->width, paint->height, 1.0}) / font.getMetrics().unitsPerEm;
+        pixelsPerEm = std::min({pixelsPerEm, (cMostColored - 1) / most, cLargestDrawn});
+    }
     GlyphImage image;
-    const char* const cause =
-        TypefaceImpl::of(sized.face)->font().getFreeType().getImage(glyph, true, {.pixelsPerEm = pixelsPerEm}, image);
-    if (cause != nullptr || !image.isColor || image.width == 0 || image.height == 0 || image.width > 240 ||
-        image.height > 240)
+    const char* const cause = font.getFreeType().getImage(
+        glyph, true, {.pixelsPerEm = pixelsPerEm, .foreground = td::Color(foreground)}, image);
+    if (cause != nullptr || !image.isColor || image.width == 0 || image.height == 0 || image.width > cMostColored ||
+        image.height > cMostColored)
     {
         tables.setPicture(number, {GlyphPicture::cIsColored, 0});
         return Result::Impossible;
@@ -161,7 +197,7 @@ GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& ta
         cost = 0; // there is nothing to draw instead
         return drawColored(number, sized, tables, pEvicted);
     }
-    const auto [face, glyph, size, lineWidth] = sized.key;
+    const auto [face, glyph, size, lineWidth, foreground] = sized.key;
     const FreeTypeFace& freeType = TypefaceImpl::of(sized.face)->font().getFreeType();
     const std::optional<GlyphCoverage> coverage =
         lineWidth > 0 ? freeType.getStrokeCoverage(glyph, size * _scale, lineWidth * _scale)

@@ -39,8 +39,11 @@ public:
                    ShapeTables& tables);
 
     /// The parts of a glyph in colour: its layers, or a picture. @param size  in points; 0 when it is none of these
-    void getColored(const Typeface& face, std::uint32_t glyph, double size, bool isStroked, ShapeBuilder& builder,
-                    ShapeTables& tables, std::vector<std::uint32_t>& numbers);
+    /// @param foreground  of what has the text's colour in a picture
+    void getColored(const Typeface& face, std::uint32_t glyph, double size, td::Color foreground, bool isStroked,
+                    ShapeBuilder& builder, ShapeTables& tables, std::vector<std::uint32_t>& numbers);
+    /// The same glyph where the text has another colour; the same number where that makes no difference.
+    std::uint32_t recolored(std::uint32_t number, td::Color foreground, ShapeTables& tables);
 
     /// Whether the scale is another one than before: then there is no picture any more.
     bool setScale(double pixelsPerPoint, ShapeTables& tables);
@@ -66,7 +69,8 @@ public:
     void clear();
 
 private:
-    using Key = std::tuple<std::uint64_t, std::uint32_t, float, float>; // face, glyph, size and line width
+    // Face, glyph, size, line width, and the foreground of a picture that has it, else 0.
+    using Key = std::tuple<std::uint64_t, std::uint32_t, float, float, std::uint32_t>;
 
     struct Sized
     {
@@ -75,6 +79,7 @@ private:
         bool isColored;
     };
 
+    std::uint32_t getColoredPicture(const Typeface& face, const Key& key, ShapeTables& tables);
     Result drawColored(std::uint32_t number, const Sized& sized, ShapeTables& tables,
                        std::vector<std::uint32_t>* pEvicted);
     static void makeWait(std::span<const std::uint32_t> numbers, ShapeTables& tables);

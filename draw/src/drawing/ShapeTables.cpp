@@ -264,6 +264,13 @@ void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elemen
     _records.set(places.record, std::span(&record, 1));
 }
 
+void ShapeTables::setGlyph(const ShapePlaces& places, std::uint32_t i, std::uint32_t glyph)
+{
+    Element element = _elements[places.elements.first + i];
+    element.points[0] = glyph;
+    _elements.set(places.elements.first + i, std::span(&element, 1));
+}
+
 void ShapeTables::setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
                                   double step, std::span<const float> turns,
                                   std::span<const std::vector<std::int32_t>> neighbours)

@@ -176,6 +176,8 @@ public:
     {
         _numbers.set(places.numbers.first, turns);
     }
+    /// Draws another glyph in the place of one of a text's. @param i  which of the text's
+    void setGlyph(const ShapePlaces& places, std::uint32_t i, std::uint32_t glyph);
     void setFlag(const ShapePlaces& places, ShapeFlag flag, bool isOn);
     void setOrder(const ShapePlaces& places, std::uint32_t order);
     /// Where the shape is: its origin, moved by a transform. @return false when the units are too small for that

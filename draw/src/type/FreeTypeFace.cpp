@@ -1,5 +1,7 @@
 #include "FreeTypeFace.h"
 
+#include "ColorPaint.h"
+#include "ColorPicture.h"
 #include "ScaledPicture.h"
 #include "StrokeRows.h"
 
@@ -26,6 +28,8 @@ namespace
 // A font may ask for any amount. The largest glyph that getImage promises takes 64 MiB in colour.
 constexpr std::size_t cMostFontBytes = std::size_t(256) << 20;
 constexpr double cMaxPixels = 4096;
+// Of a paint, with those over each other: some seconds.
+constexpr double cMostPaintedPixels = 1 << 30;
 
 // Blocks begin with their size, as FreeType doesn't say it when it frees one.
 constexpr std::size_t cHeader = alignof(std::max_align_t);
@@ -247,6 +251,9 @@ void FreeTypeFace::setCoordinates(std::span<const float> coordinates)
     for (const float value : coordinates)
         values.push_back(static_cast<FT_Fixed>(std::lround(std::clamp(value, -32767.0f, 32767.0f) * 65536.0)));
     FT_Set_Var_Design_Coordinates(_pFace, static_cast<FT_UInt>(values.size()), values.data());
+    if (FT_Get_Var_Blend_Coordinates(_pFace, static_cast<FT_UInt>(values.size()), values.data()) == 0)
+        for (const FT_Fixed value : values)
+            _place.push_back(static_cast<float>(value) / 65536);
 }
 
 Path FreeTypeFace::getOutline(std::uint32_t glyph) const
@@ -317,6 +324,45 @@ std::optional<GlyphCoverage> FreeTypeFace::getCoverage(std::uint32_t glyph, doub
     return result;
 }
 
+std::optional<GlyphPaint> FreeTypeFace::findPaint(std::uint32_t glyph) const
+{
+    const auto [found, isNew] = _paints.try_emplace(glyph);
+    if (isNew)
+    {
+        ColorPaintReader reader(_pFace, _paintTable, _place, td::ColorID::Black);
+        if (const std::optional<ColorPaint> paint = reader.read(glyph, Affine()))
+        {
+            const PaintBounds& bounds = paint->bounds;
+            found->second = {std::max(bounds.right - bounds.left, 0.0), std::max(bounds.bottom - bounds.top, 0.0),
+                             reader.usesForeground()};
+        }
+    }
+    return found->second;
+}
+
+std::optional<GlyphPaint> FreeTypeFace::getPaint(std::uint32_t glyph) const
+{
+    const std::lock_guard lock(_mutex);
+    return findPaint(glyph);
+}
+
+const char* FreeTypeFace::paint(std::uint32_t glyph, const GlyphPaint& paint, const GlyphRequest& request,
+                                GlyphImage& image) const
+{
+    const double scale = request.pixelsPerEm / std::max<double>(_pFace->units_per_EM, 1);
+    if (std::max(paint.width, paint.height) * scale > cMaxPixels)
+        return textOf(FT_Err_Raster_Overflow);
+    image.pixelsPerEm = request.pixelsPerEm;
+    const std::optional<ColorPaint> inPixels =
+        ColorPaintReader(_pFace, _paintTable, _place, request.foreground).read(glyph, Affine::scaling(scale, -scale));
+    if (!inPixels)
+        return textOf(FT_Err_Invalid_Table);
+    if (inPixels->drawnArea > cMostPaintedPixels)
+        return "too many layers";
+    ColorPicture(_pLibrary, _pFace).draw(*inPixels, image);
+    return nullptr;
+}
+
 // The glyph in the face's slot, as an outline or a picture.
 const char* FreeTypeFace::loadSized(std::uint32_t glyph, bool isColor, const GlyphRequest& request,
                                     double& pixelsPerEm) const
@@ -355,6 +401,8 @@ const char* FreeTypeFace::getImage(std::uint32_t glyph, bool isColor, const Glyp
     if (!(request.pixelsPerEm > 0 && request.pixelsPerEm <= cMaxPixels))
         return textOf(FT_Err_Invalid_Pixel_Size);
     const std::lock_guard lock(_mutex);
+    if (const std::optional<GlyphPaint> found = isColor ? findPaint(glyph) : std::nullopt)
+        return paint(glyph, *found, request, image);
     if (isColor)
     {
         FT_Palette_Select(_pFace, 0, nullptr);

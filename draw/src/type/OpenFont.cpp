@@ -26,6 +26,14 @@ std::span<const td::BYTE> bytesOf(hb_blob_t* pBlob)
     return {reinterpret_cast<const td::BYTE*>(bytes), n};
 }
 
+// The table of colours where it is of version 1 or newer.
+Blob paintsOf(hb_face_t* pFace)
+{
+    Blob pTable(hb_face_reference_table(pFace, HB_TAG('C', 'O', 'L', 'R')));
+    const std::span<const td::BYTE> bytes = bytesOf(pTable.get());
+    return bytes.size() >= 2 && (bytes[0] != 0 || bytes[1] != 0) ? std::move(pTable) : nullptr;
+}
+
 } // namespace
 
 std::shared_ptr<const OpenFont> OpenFont::open(Blob pBlob, unsigned int index, std::string& cause)
@@ -51,6 +59,7 @@ OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> p
     , _pFreeType(std::move(pFreeType))
     , _index(index)
     , _id(newID())
+    , _pPaints(paintsOf(getFace()))
     , _hasPictures(hb_ot_color_has_png(getFace()) != 0)
     , _hasLayers(hb_ot_color_has_layers(getFace()) != 0)
     , _pCharacters(hb_set_create())
@@ -60,6 +69,8 @@ OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> p
     for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(_pCharacters.get(), &c) != 0 && c < _hasFirst.size();)
         _hasFirst[c] = true;
     hb_font_make_immutable(_pFont);
+    if (_pPaints != nullptr)
+        _pFreeType->setPaints(bytesOf(_pPaints.get()));
     readMetrics();
     readCoordinates();
 }
@@ -207,6 +218,8 @@ std::vector<OpenFont::Layer> OpenFont::getLayers(std::uint32_t glyph) const
 
 bool OpenFont::isColorGlyph(std::uint32_t glyph) const
 {
+    if (getPaint(glyph))
+        return true;
     if (_hasLayers && hb_ot_color_glyph_get_layers(getFace(), glyph, 0, nullptr, nullptr) > 0)
         return true;
     if (!_hasPictures)

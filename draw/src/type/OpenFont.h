@@ -59,6 +59,11 @@ public:
     std::span<const float> getCoordinates() const { return _coordinates; }
     std::string getName(unsigned int preferredID, unsigned int nameID) const;
     bool isColorGlyph(std::uint32_t glyph) const;
+    /// Of COLR's version 1, which goes before layers and pictures; none for a glyph without.
+    std::optional<GlyphPaint> getPaint(std::uint32_t glyph) const
+    {
+        return _pPaints != nullptr ? _pFreeType->getPaint(glyph) : std::nullopt;
+    }
 
     /// A part of a glyph in colour.
     struct Layer
@@ -74,8 +79,8 @@ public:
     {
         return character < _hasFirst.size() ? _hasFirst[character] : hb_set_has(_pCharacters.get(), character) != 0;
     }
-    /// Whether it has pictures or layers in colour at all.
-    bool isColored() const { return _hasPictures || _hasLayers; }
+    /// Whether it has pictures, layers or paints in colour at all.
+    bool isColored() const { return _hasPictures || _hasLayers || _pPaints != nullptr; }
 
 private:
     OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index);
@@ -89,6 +94,7 @@ private:
     std::unique_ptr<FreeTypeFace> _pFreeType;
     unsigned int _index;
     std::uint64_t _id;
+    Blob _pPaints; // its table of paints; null for none
     bool _hasPictures;
     bool _hasLayers;
     Typeface::Metrics _metrics;

@@ -44,9 +44,15 @@ class TypefaceImpl;
 /// face, and is asked for nothing else: of it all numbers are 0 and all pictures empty. Lengths are in the font's own
 /// units (getMetrics says how many make an em), unhinted, so that a text is as wide at one size as at any other.
 ///
-/// Fonts are hostile input. A font that is broken in parts shows nothing there, and takes no more memory than 256 MiB
-/// beside its file. The file is mapped into memory: it has to stay as it is while the face lives. Colours come from
-/// pictures (CBDT, sbix) and layers (COLR, version 0); glyphs in SVG or of COLR's version 1 are drawn as their outline.
+/// Fonts are hostile input. A font that is broken in parts shows nothing there, and takes no more memory than 300 MiB
+/// beside its file. The file is mapped into memory: it has to stay as it is while the face lives.
+///
+/// Colours come from pictures (CBDT, sbix), layers (COLR, version 0) and paints (COLR, version 1: gradients,
+/// transforms and composites, of a variable font too). Layers are as sharp as letters. A Drawing shows a paint in
+/// just the size that is seen, up to 240 pixels in width and height, in texts in points, and with 128 pixels per em
+/// in those in model units; beyond that it is enlarged. Between a gradient's stops the four components are mixed as
+/// they are. Glyphs in SVG are drawn as their outline, and so are those whose paint is broken, has no bounds or no
+/// end, or more than 16384 parts, 64 within each other, or 256 over each other.
 ///
 /// All of it can be used on several threads at once, but for making faces of resources and setLogSink, which belong to
 /// the GUI thread. What draws a glyph waits for others that draw of the same font.
@@ -174,13 +180,15 @@ public:
     /// picture, and a glyph that there isn't or that is broken.
     Path getOutline(std::uint32_t glyph) const;
 
-    /// Whether a glyph is a picture or layers in colour; its outline may be empty or poorer then.
+    /// Whether a glyph is a picture, layers or a paint in colour; its outline may be empty or poorer then.
     bool isColorGlyph(std::uint32_t glyph) const;
 
-    /// A glyph as pixels, by FreeType: in colour where isColorGlyph says so, else how far each pixel is covered.
+    /// A glyph as pixels, by FreeType but for paints: in colour where isColorGlyph says so, unhinted if it is painted,
+    /// else how far each pixel is covered.
     /// @return empty, with a log line, when it can't be drawn:
     ///         "ERROR! Typeface::getImage cannot draw glyph %u of %s at %g pixels (%s)": what FreeType finds wrong with
-    ///         it, "larger than 4096 pixels", or "no such size" for one that isn't above 0 and at most 4096.
+    ///         it, "larger than 4096 pixels", "too many layers" of a large picture, or "no such size" for one that
+    ///         isn't above 0 and at most 4096.
     ///         For no face it is empty without a line
     std::optional<GlyphImage> getImage(std::uint32_t glyph, const GlyphRequest& request) const;
 
