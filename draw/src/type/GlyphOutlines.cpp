@@ -63,6 +63,21 @@ hb_draw_funcs_t* pathWriter()
     return s_pWriter;
 }
 
+// More parts no glyph has that is meant to be seen.
+constexpr int cMostParts = 1024;
+
+std::span<const td::BYTE> bytesIn(hb_blob_t* pBlob)
+{
+    unsigned int n = 0;
+    const char* const bytes = hb_blob_get_data(pBlob, &n);
+    return {reinterpret_cast<const td::BYTE*>(bytes), n};
+}
+
+unsigned int bigEndian16(std::span<const td::BYTE> bytes, std::size_t at)
+{
+    return at + 2 <= bytes.size() ? bytes[at] << 8U | bytes[at + 1] : 0;
+}
+
 // Up to so many pixels wide and high, pictures for the four places of the pen.
 constexpr int cMostCoverage = 255;
 
@@ -99,7 +114,58 @@ GlyphCoverage coverageOf(std::span<const td::BYTE> quarters, int left, int top, 
 
 GlyphOutlines::GlyphOutlines(hb_font_t* pFont)
     : _pFont(pFont)
+    , _pPlaces(hb_face_reference_table(hb_font_get_face(pFont), HB_TAG('l', 'o', 'c', 'a')))
+    , _pGlyphs(hb_face_reference_table(hb_font_get_face(pFont), HB_TAG('g', 'l', 'y', 'f')))
 {
+    hb_blob_t* const pHead = hb_face_reference_table(hb_font_get_face(pFont), HB_TAG('h', 'e', 'a', 'd'));
+    _hasLongPlaces = bigEndian16(bytesIn(pHead), 50) != 0;
+    hb_blob_destroy(pHead);
+}
+
+GlyphOutlines::~GlyphOutlines()
+{
+    hb_blob_destroy(_pPlaces);
+    hb_blob_destroy(_pGlyphs);
+}
+
+std::span<const td::BYTE> GlyphOutlines::bytesOf(std::uint32_t glyph) const
+{
+    const std::span<const td::BYTE> places = bytesIn(_pPlaces), glyphs = bytesIn(_pGlyphs);
+    const auto placeOf = [&](std::size_t i)
+    {
+        return _hasLongPlaces
+                   ? std::size_t(bigEndian16(places, 4 * i)) << 16U | std::size_t(bigEndian16(places, 4 * i + 2))
+                   : std::size_t(2) * bigEndian16(places, 2 * i);
+    };
+    const std::size_t begin = placeOf(glyph), end = placeOf(std::size_t(glyph) + 1);
+    return begin < end && end <= glyphs.size() ? glyphs.subspan(begin, end - begin) : std::span<const td::BYTE>();
+}
+
+// Counts down for each part of a glyph and of its parts. @return whether that was enough
+bool GlyphOutlines::hasFewParts(std::uint32_t glyph, int& nMost) const
+{
+    // A head of ten bytes, of which the first say how many contours there are; then parts, each its flags, its glyph, its
+    // place, and how it is scaled.
+    const std::span<const td::BYTE> bytes = bytesOf(glyph);
+    if ((bigEndian16(bytes, 0) & 0x8000U) == 0)
+        return true;
+    std::size_t at = 10;
+    unsigned int flags = 0;
+    do
+    {
+        flags = bigEndian16(bytes, at);
+        if (--nMost < 0 || !hasFewParts(bigEndian16(bytes, at + 2), nMost))
+            return false;
+        at += (flags & 1U) != 0 ? 8 : 6;
+        at += (flags & 8U) != 0 ? 2 : (flags & 0x40U) != 0 ? 4 : (flags & 0x80U) != 0 ? 8 : 0;
+    } while ((flags & 0x20U) != 0);
+    return true;
+}
+
+bool GlyphOutlines::isFinite(std::uint32_t glyph) const
+{
+    int nMost = cMostParts;
+    return hasFewParts(glyph, nMost);
 }
 
 double GlyphOutlines::getUnitsPerEm() const { return std::max(hb_face_get_upem(hb_font_get_face(_pFont)), 1U); }
@@ -107,6 +173,8 @@ double GlyphOutlines::getUnitsPerEm() const { return std::max(hb_face_get_upem(h
 Path GlyphOutlines::get(std::uint32_t glyph) const
 {
     Path path;
+    if (!isFinite(glyph))
+        return path;
 #if HB_VERSION_ATLEAST(7, 0, 0)
     hb_font_draw_glyph(_pFont, glyph, pathWriter(), &path);
 #else

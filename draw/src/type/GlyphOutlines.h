@@ -7,8 +7,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
+struct hb_blob_t;
 struct hb_font_t;
 
 namespace gui::draw
@@ -37,6 +39,13 @@ public:
     /// @param pFont  not owned; doesn't change any more
     explicit GlyphOutlines(hb_font_t* pFont);
 
+    ~GlyphOutlines();
+    GlyphOutlines(const GlyphOutlines&) = delete;
+    GlyphOutlines& operator=(const GlyphOutlines&) = delete;
+
+    /// Whether a glyph is not made of parts of parts without end: HarfBuzz and FreeType, asked for it, might never come
+    /// back.
+    bool isFinite(std::uint32_t glyph) const;
     /// In font units, y downwards; empty when there is none.
     Path get(std::uint32_t glyph) const;
     /// How an outline covers pixels, for the four places that the pen may have in one. @param pixelsPerEm  above 0
@@ -50,8 +59,13 @@ public:
 
 private:
     double getUnitsPerEm() const;
+    std::span<const td::BYTE> bytesOf(std::uint32_t glyph) const;
+    bool hasFewParts(std::uint32_t glyph, int& nMost) const;
 
     hb_font_t* _pFont;
+    hb_blob_t* _pPlaces; // in the glyphs' table, of TrueType's outlines; empty for others
+    hb_blob_t* _pGlyphs;
+    bool _hasLongPlaces;
 };
 
 } // namespace gui::draw

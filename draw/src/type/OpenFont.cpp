@@ -207,10 +207,12 @@ const char* OpenFont::getImage(std::uint32_t glyph, const GlyphRequest& request,
         return "no such glyph";
     if (!(request.pixelsPerEm > 0 && request.pixelsPerEm <= GlyphOutlines::cMostPixels))
         return "no such size";
+    if (!_outlines.isFinite(glyph))
+        return "broken composite";
     const bool isColor = isColorGlyph(glyph);
     if (_pFreeType != nullptr)
         return _pFreeType->getImage(glyph, isColor, request, image);
-    return isColor ? "in colour, which baked faces have no images of" : _outlines.getImage(glyph, request, image);
+    return isColor ? "in colour, which needs FreeType" : _outlines.getImage(glyph, request, image);
 }
 
 std::vector<OpenFont::Layer> OpenFont::getLayers(std::uint32_t glyph) const

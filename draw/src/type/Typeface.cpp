@@ -207,7 +207,8 @@ double Typeface::getAdvance(std::uint32_t glyph) const
 std::optional<Typeface::Rect> Typeface::getBounds(std::uint32_t glyph) const
 {
     hb_glyph_extents_t extents;
-    if (!_pImpl || hb_font_get_glyph_extents(_pImpl->font().getFont(), glyph, &extents) == 0 || extents.width == 0 ||
+    if (!_pImpl || !_pImpl->font().getOutlines().isFinite(glyph) ||
+        hb_font_get_glyph_extents(_pImpl->font().getFont(), glyph, &extents) == 0 || extents.width == 0 ||
         extents.height == 0)
         return std::nullopt;
     return Rect(extents.x_bearing, -double(extents.y_bearing), double(extents.x_bearing) + extents.width,

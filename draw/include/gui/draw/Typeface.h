@@ -196,8 +196,7 @@ public:
     /// @return empty, with a log line, when it can't be drawn:
     ///         "ERROR! Typeface::getImage cannot draw glyph %u of %s at %g pixels (%s)": what FreeType finds wrong with
     ///         it, "larger than 4096 pixels", "no such size" for one that isn't above 0 and at most 4096, or "in colour,
-    ///         which baked faces have no images of".
-    ///         For no face it is empty without a line
+    ///         which needs FreeType" of a baked face. For no face it is empty without a line
     std::optional<GlyphImage> getImage(std::uint32_t glyph, const GlyphRequest& request) const;
 
     /// Whether both are copies of one handle. Two from the same file aren't, unless both are from named.
