@@ -1,5 +1,5 @@
-// Texts in a face that was baked when the program was built: bakedface.png, or the file that the argument names. Neither
-// FreeType nor fontconfig are asked for anything.
+// Texts in a face that was baked when the program was built: bakedface.png, or the file that the argument names.
+// Neither FreeType nor fontconfig are asked for anything.
 #include <gui/draw/draw.h>
 #include <gui/gl/gl.h>
 

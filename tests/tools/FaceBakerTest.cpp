@@ -120,8 +120,8 @@ protected:
     }
 };
 
-// Tables that were left out, glyphs that are others, a way that goes by FreeType still: what is measured is the same, and
-// what is drawn to the pixel, at sizes that have pictures and that have none, with halos and heavier letters.
+// Tables that were left out, glyphs that are others, a way that goes by FreeType still: what is measured is the same,
+// and what is drawn to the pixel, at sizes that have pictures and that have none, with halos and heavier letters.
 TEST_F(BakedFaceTest, TextsAreThoseOfTheFontItself)
 {
     for (const FaceCase& each : cFaceCases)

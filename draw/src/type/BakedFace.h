@@ -11,7 +11,8 @@
 namespace gui::draw
 {
 
-/// The file of a face that fontbake has made for drawings. Numbers are little-endian, so that a file is for any machine:
+/// The file of a face that fontbake has made for drawings. Numbers are little-endian, so that a file is for any
+/// machine:
 ///
 ///     from byte  bytes
 ///             0      8  "GuiGLFac"
@@ -20,8 +21,8 @@ namespace gui::draw
 ///            16      8  their checksum, which checksumOf explains
 ///            24      n  a font as OpenType has them, big-endian
 ///
-/// The font has the characters that were asked for, in whatever order of glyphs, and all tables that measure,
-/// shape and outline them; none for hinting, and no pictures: these are made of the outlines, at whatever size is drawn.
+/// The font has the characters that were asked for, in whatever order of glyphs, and all tables that measure, shape and
+/// outline them; none for hinting, and no pictures: these are made of the outlines, at whatever size is drawn.
 ///
 /// The checksum is against damage, not against malice: what it holds is read as carefully as any font.
 class BakedFace
@@ -41,9 +42,9 @@ public:
     /// What stands before a font in the file.
     static std::array<td::BYTE, cHeaderSize> headerOf(std::span<const td::BYTE> font);
 
-    /// Begins with the number of bytes. For each eight of them, the last ones filled up with zeros: the exclusive or with
-    /// them as a little-endian number, times 2^64 / the golden ratio (odd); then the upper half onto the lower one by
-    /// exclusive or. So damage to one of these eights is found for certain.
+    /// Begins with the number of bytes. For each eight of them, the last ones filled up with zeros: the exclusive or
+    /// with them as a little-endian number, times 2^64 / the golden ratio (odd); then the upper half onto the lower one
+    /// by exclusive or. So damage to one of these eights is found for certain.
     static std::uint64_t checksumOf(std::span<const td::BYTE> bytes);
 };
 

@@ -21,8 +21,8 @@ double areaUpTo(double t, double x0, double x1)
     return t < x1 ? (t - x0) * (t - x0) / (2 * (x1 - x0)) : t - (x0 + x1) / 2;
 }
 
-// Adds how the cells of a row change from one to the next by an edge in it. @param height  of the edge, below 0 where it
-// goes upwards
+// Adds how the cells of a row change from one to the next by an edge in it.
+// @param height  of the edge, below 0 where it goes upwards
 void addEdge(float* row, int width, double x0, double x1, double height)
 {
     if (x0 > x1)
@@ -67,7 +67,7 @@ FillRows::FillRows(const Path& path, int mostWidth, int mostHeight)
         if (direction < 0)
             std::swap(a, b);
         const double slope = (b.x - a.x) / (b.y - a.y);
-        const auto [lowest, highest] = std::minmax(a.x, b.x);
+        const double lowest = std::min(a.x, b.x), highest = std::max(a.x, b.x);
         for (int row = static_cast<int>(a.y); row < height && a.y < b.y; ++row)
         {
             Path::Point next = b;

@@ -157,6 +157,8 @@ FreeTypeFace::~FreeTypeFace()
         FT_Done_Library(_pLibrary);
 }
 
+bool FreeTypeFace::isThere() { return true; }
+
 std::unique_ptr<FreeTypeFace> FreeTypeFace::open(std::span<const td::BYTE> bytes, unsigned int index,
                                                  std::string& cause)
 {

@@ -23,6 +23,8 @@ namespace gui::draw
 class FreeTypeFace
 {
 public:
+    /// Whether the library was built with FreeType; without it no face can be opened.
+    static bool isThere();
     /// @param bytes  not owned: they must be there as long as the face
     /// @param cause  set when there is no such face
     /// @return null then

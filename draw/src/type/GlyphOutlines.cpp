@@ -75,7 +75,7 @@ std::span<const td::BYTE> bytesIn(hb_blob_t* pBlob)
 
 unsigned int bigEndian16(std::span<const td::BYTE> bytes, std::size_t at)
 {
-    return at + 2 <= bytes.size() ? bytes[at] << 8U | bytes[at + 1] : 0;
+    return at + 2 <= bytes.size() ? unsigned(bytes[at]) << 8U | bytes[at + 1] : 0;
 }
 
 // Up to so many pixels wide and high, pictures for the four places of the pen.
@@ -144,8 +144,8 @@ std::span<const td::BYTE> GlyphOutlines::bytesOf(std::uint32_t glyph) const
 // Counts down for each part of a glyph and of its parts. @return whether that was enough
 bool GlyphOutlines::hasFewParts(std::uint32_t glyph, int& nMost) const
 {
-    // A head of ten bytes, of which the first say how many contours there are; then parts, each its flags, its glyph, its
-    // place, and how it is scaled.
+    // A head of ten bytes, of which the first say how many contours there are; then parts, each its flags, its glyph,
+    // its place, and how it is scaled.
     const std::span<const td::BYTE> bytes = bytesOf(glyph);
     if ((bigEndian16(bytes, 0) & 0x8000U) == 0)
         return true;

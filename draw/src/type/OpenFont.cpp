@@ -58,7 +58,7 @@ std::shared_ptr<const OpenFont> OpenFont::make(Blob pBlob, hb_font_t* pFont, uns
                                                std::string& cause)
 {
     std::unique_ptr<FreeTypeFace> pFreeType;
-    if (!isBaked)
+    if (!isBaked && FreeTypeFace::isThere())
     {
         pFreeType = FreeTypeFace::open(bytesOf(pBlob.get()), index, cause);
         if (pFreeType == nullptr)
@@ -70,15 +70,17 @@ std::shared_ptr<const OpenFont> OpenFont::make(Blob pBlob, hb_font_t* pFont, uns
         if (const float* const coordinates = hb_font_get_var_coords_design(pFont, &n))
             pFreeType->setCoordinates({coordinates, n});
     }
-    return std::shared_ptr<const OpenFont>(new OpenFont(std::move(pBlob), pFont, std::move(pFreeType), index));
+    return std::shared_ptr<const OpenFont>(new OpenFont(std::move(pBlob), pFont, std::move(pFreeType), index, isBaked));
 }
 
-OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index)
+OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index,
+                   bool isBaked)
     : _pBlob(std::move(pBlob))
     , _pFont(pFont)
     , _outlines(pFont)
     , _pFreeType(std::move(pFreeType))
     , _index(index)
+    , _isBaked(isBaked)
     , _id(newID())
     , _hasPictures(hb_ot_color_has_png(getFace()) != 0)
     , _hasLayers(hb_ot_color_has_layers(getFace()) != 0)

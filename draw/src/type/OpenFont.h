@@ -35,8 +35,8 @@ using Blob = std::unique_ptr<hb_blob_t, Release<hb_blob_destroy>>;
 using Face = std::unique_ptr<hb_face_t, Release<hb_face_destroy>>;
 
 /// A font at a place on its axes, for all handles that share it: opened by HarfBuzz, which measures, shapes and has the
-/// outlines, and, unless it is a baked face, by FreeType, which makes images. Unchanged from then on; HarfBuzz's part is
-/// for any number of threads at once.
+/// outlines, and, unless it is a baked face, by FreeType, which makes images. Unchanged from then on; HarfBuzz's part
+/// is for any number of threads at once.
 class OpenFont
 {
 public:
@@ -57,8 +57,8 @@ public:
     const GlyphOutlines& getOutlines() const { return _outlines; }
     /// For Typeface::getImage, and for glyphs that are pictures. @return null, or else what is wrong
     const char* getImage(std::uint32_t glyph, const GlyphRequest& request, GlyphImage& image) const;
-    /// Whether it was made ahead, and does without FreeType.
-    bool isBaked() const { return _pFreeType == nullptr; }
+    /// Whether it was made ahead.
+    bool isBaked() const { return _isBaked; }
     WordShapes& getWordShapes() const { return *_pWordShapes; }
     const Typeface::Metrics& getMetrics() const { return _metrics; }
     /// The coordinate on each axis, in the axes' units.
@@ -84,7 +84,7 @@ public:
     bool isColored() const { return _hasPictures || _hasLayers; }
 
 private:
-    OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index);
+    OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index, bool isBaked);
 
     // Takes the font. Null when FreeType can't open it.
     static std::shared_ptr<const OpenFont> make(Blob pBlob, hb_font_t* pFont, unsigned int index, bool isBaked,
@@ -96,8 +96,9 @@ private:
     Blob _pBlob;
     hb_font_t* _pFont;
     GlyphOutlines _outlines;
-    std::unique_ptr<FreeTypeFace> _pFreeType; // null for a baked face
+    std::unique_ptr<FreeTypeFace> _pFreeType; // null for a baked face, and where the library has no FreeType
     unsigned int _index;
+    bool _isBaked;
     std::uint64_t _id;
     bool _hasPictures;
     bool _hasLayers;

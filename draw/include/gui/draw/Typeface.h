@@ -61,6 +61,9 @@ class TypefaceImpl;
 /// Its file is "GuiGLFac", the format's version (now 1), how many bytes follow the header, and their checksum: 8, 4, 4
 /// and 8 bytes, little-endian; then an OpenType font. Each of these is checked, and the font is read as any other is.
 ///
+/// Where the library is built with GUIGL_FREETYPE=OFF, no face has a name, and what getImage makes of a baked face it
+/// makes of all.
+///
 /// All of it can be used on several threads at once, but for making faces of resources and setLogSink, which belong to
 /// the GUI thread. getImage waits for others that make images of the same font.
 class GUIGL_API Typeface
@@ -195,8 +198,8 @@ public:
     /// baked face never hinted, and none in colour.
     /// @return empty, with a log line, when it can't be drawn:
     ///         "ERROR! Typeface::getImage cannot draw glyph %u of %s at %g pixels (%s)": what FreeType finds wrong with
-    ///         it, "larger than 4096 pixels", "no such size" for one that isn't above 0 and at most 4096, or "in colour,
-    ///         which needs FreeType" of a baked face. For no face it is empty without a line
+    ///         it, "larger than 4096 pixels", "no such size" for one that isn't above 0 and at most 4096, or, of a
+    ///         baked face, "in colour, which needs FreeType". For no face it is empty without a line
     std::optional<GlyphImage> getImage(std::uint32_t glyph, const GlyphRequest& request) const;
 
     /// Whether both are copies of one handle. Two from the same file aren't, unless both are from named.
