@@ -1,4 +1,4 @@
-# Font files baked of TrueType and OpenType fonts while a project is built.
+# Font files and faces baked of TrueType and OpenType fonts while a project is built.
 
 set(GUIGL_FONT_FOLDERS "/usr/share/fonts;/usr/local/share/fonts;$ENV{HOME}/.local/share/fonts"
     CACHE STRING "Where guigl_bake_font looks for fonts that are given by their bare file names")
@@ -22,25 +22,13 @@ function(guigl_find_font variable file)
     set(${variable} "${path}" PARENT_SCOPE)
 endfunction()
 
-# guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>]
-#                 [CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])
-#
-# Bakes a font with fontbake and compiles it into the target as the resource "<prefix>/<name>", for Font::load for
-# instance. FONT is found as guigl_find_font does. CHARS are ranges such as 32-126 U+400-U+45F; TEXT is a file whose
-# characters are baked instead; without both it is Latin-1. OPTIONS are handed on to fontbake, whose --help explains
-# them. Relative files are meant from the current source folder. The target must link guigl::gui, directly or not.
-function(guigl_bake_font target name)
-    cmake_parse_arguments(PARSE_ARGV 2 ARG "" "FONT;SIZE;PREFIX;TEXT" "CHARS;OPTIONS")
-    if(NOT TARGET ${target} OR NOT ARG_FONT OR NOT ARG_SIZE OR ARG_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>] "
-            "[CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])")
-    endif()
+# What the two functions below share: target, name and ARG_... are theirs; more arguments of fontbake follow the font.
+macro(guigl_bake font_file)
     if(NOT TARGET guigl::fontbake)
-        message(FATAL_ERROR "guigl_bake_font: there is no fontbake; configure guigl with GUIGL_TOOLS=ON")
+        message(FATAL_ERROR "${CMAKE_CURRENT_FUNCTION}: there is no fontbake; configure guigl with GUIGL_TOOLS=ON")
     endif()
-
-    guigl_find_font(font "${ARG_FONT}")
-    set(arguments --size ${ARG_SIZE})
+    guigl_find_font(font "${font_file}")
+    set(arguments ${ARGN})
     if(ARG_CHARS)
         list(JOIN ARG_CHARS "," ranges)
         list(APPEND arguments --chars ${ranges})
@@ -60,4 +48,33 @@ function(guigl_bake_font target name)
     # Make builds a file only for the target that names it.
     target_sources(${target} PRIVATE "${folder}/${name}")
     guigl_add_resources(${target} PREFIX "${ARG_PREFIX}" FILES "${folder}/${name}")
+endmacro()
+
+# guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>]
+#                 [CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])
+#
+# Bakes a font with fontbake and compiles it into the target as the resource "<prefix>/<name>", for Font::load for
+# instance. FONT is found as guigl_find_font does. CHARS are ranges such as 32-126 U+400-U+45F; TEXT is a file whose
+# characters are baked instead; without both it is Latin-1. OPTIONS are handed on to fontbake, whose --help explains
+# them. Relative files are meant from the current source folder. The target must link guigl::gui, directly or not.
+function(guigl_bake_font target name)
+    cmake_parse_arguments(PARSE_ARGV 2 ARG "" "FONT;SIZE;PREFIX;TEXT" "CHARS;OPTIONS")
+    if(NOT TARGET ${target} OR NOT ARG_FONT OR NOT ARG_SIZE OR ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "guigl_bake_font(<target> <name> FONT <file> SIZE <pixels> [PREFIX <prefix>] "
+            "[CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])")
+    endif()
+    guigl_bake("${ARG_FONT}" --size ${ARG_SIZE})
+endfunction()
+
+# guigl_bake_face(<target> <name> FONT <file> [PREFIX <prefix>] [CHARS <ranges>...] [TEXT <file>] [OPTIONS <option>...])
+#
+# Bakes a face for drawings, which needs no FreeType, and compiles it into the target as the resource "<prefix>/<name>",
+# for gui::draw::Typeface::fromFile. Everything else is as with guigl_bake_font; there is no size, as a face is for all.
+function(guigl_bake_face target name)
+    cmake_parse_arguments(PARSE_ARGV 2 ARG "" "FONT;PREFIX;TEXT" "CHARS;OPTIONS")
+    if(NOT TARGET ${target} OR NOT ARG_FONT OR ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "guigl_bake_face(<target> <name> FONT <file> [PREFIX <prefix>] [CHARS <ranges>...] "
+            "[TEXT <file>] [OPTIONS <option>...])")
+    endif()
+    guigl_bake("${ARG_FONT}" --face)
 endfunction()

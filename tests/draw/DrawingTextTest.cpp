@@ -613,11 +613,12 @@ TEST_F(DrawingTextTest, ADrawingIsThereAgainToThePixelAfterALoss)
         const std::vector<td::BYTE> before = picture();
         ASSERT_TRUE(context().replace());
         const std::vector<td::BYTE> after = picture();
-        // Pixels that another triangle of the same plane covers may be rounded otherwise.
+        // Pixels that another triangle of the same plane covers may be rounded otherwise, and so may edges, as the
+        // layer has moved by fractions of pixels.
         int most = 0;
         for (std::size_t k = 0; k < after.size(); ++k)
             most = std::max(most, std::abs(after[k] - before[k]));
-        EXPECT_LE(most, isDriver("llvmpipe") ? 0 : 1);
+        EXPECT_LE(most, 1);
         drawing.fill(Path().addRect({700, 700, 800, 800}), "#c03020");
     }
 }

@@ -1,12 +1,16 @@
-// Any bytes as a font: all that is asked of a face, and a text laid out in it.
+// Any bytes as a font, and as the font in a baked face: all that is asked of a face, and a text laid out in it.
 
 #include "Fuzz.h"
 
 #include <gui/draw/TextLayout.h>
 #include <gui/draw/Typeface.h>
 
+#include <draw/src/type/BakedFace.h>
+
 #include <algorithm>
 #include <cmath>
+#include <span>
+#include <vector>
 
 namespace fuzz::typeface
 {
@@ -16,10 +20,10 @@ using gui::draw::Typeface;
 namespace
 {
 
-void run(const std::uint8_t* bytes, std::size_t n)
+void use(std::span<const std::uint8_t> bytes)
 {
     Quiet quiet;
-    Typeface face = Typeface::fromMemory({bytes, n});
+    Typeface face = Typeface::fromMemory(bytes);
     require(bool(face) == (quiet.nLines == 0), "a line says why there is no face");
     if (!face)
         return;
@@ -53,6 +57,16 @@ void run(const std::uint8_t* bytes, std::size_t n)
                                        {.face = face, .size = 10}, {.width = 40});
     (void) layout.getInkBounds();
     (void) layout.getCaret({5});
+}
+
+void run(const std::uint8_t* bytes, std::size_t n)
+{
+    use({bytes, n});
+    // No input would have the right checksum.
+    const auto header = gui::draw::BakedFace::headerOf({bytes, n});
+    std::vector<std::uint8_t> baked(header.begin(), header.end());
+    baked.insert(baked.end(), bytes, bytes + n);
+    use(baked);
 }
 
 const Target cTarget("typeface", run);

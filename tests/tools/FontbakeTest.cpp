@@ -318,8 +318,12 @@ TEST_F(FontbakeProgram, WritesFontAndPreview)
     ASSERT_EQ(run(GUIGL_SANS " -o czech.font --size 20 --chars 65,U+378-U+37A,U+E000 --skip-missing"), 0) << _output;
     EXPECT_EQ(Baked(contentOf(_folder.path("czech.font"))).glyphs.size(), 3U) << "A, U+37A and the box";
 
+    ASSERT_EQ(run(GUIGL_SANS " --face -o czech.face --text text.txt"), 0) << _output;
+    EXPECT_TRUE(contentOf(_folder.path("czech.face")).starts_with("GuiGLFac"));
+
     ASSERT_EQ(run("--help"), 0);
-    for (const char* option : {"--size", "--chars", "--text", "--spread", "--preview", "--hinting", "--skip-missing"})
+    for (const char* option :
+         {"--size", "--chars", "--text", "--spread", "--preview", "--hinting", "--skip-missing", "--face"})
         EXPECT_NE(_output.find(option), std::string::npos) << option;
 }
 
@@ -334,6 +338,12 @@ TEST_F(FontbakeProgram, RefusesInOneLineAndLeavesNothing)
         {"", "which font?"},
         {GUIGL_SANS, "-o is missing"},
         {GUIGL_SANS " -o x", "--size is missing"},
+        {GUIGL_SANS " -o x --face --size 12", "--face has no --size"},
+        {GUIGL_SANS " -o x --face --index 1", "one font, counted from 0"},
+        {GUIGL_SANS " -o x --face --chars U+E000", "lacks U+E000"},
+        {GUIGL_SANS " -o x --size 12 --index 1", "--index is for --face alone"},
+        {"none.ttf -o x --face", "none.ttf is no TrueType or OpenType font"},
+        {"/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf -o x --face", "has no outlines"},
         {GUIGL_SANS " " GUIGL_SANS " -o x --size 9", "one font at a time"},
         {GUIGL_SANS " -o x --size", "--size wants a value"},
         {GUIGL_SANS " -o x --size 3", "--size wants a number from 4 to 500, not '3'"},

@@ -11,16 +11,23 @@ namespace fontbake
 {
 
 const char* const cHelp = R"(fontbake FONT -o NAME.font --size N [OPTION]...
-Makes a font file of a TrueType or OpenType font: pictures of its characters, and
-how far each moves the pen.
+fontbake FONT -o NAME.face --face [OPTION]...
+Makes of a TrueType or OpenType font a font file for gui::gl (pictures of its
+characters, and how far each moves the pen), or with --face a face for gui::draw
+(their outlines for every size, and all that shaping needs; no FreeType).
 
-  -o, --output FILE   the font file to write
+  -o, --output FILE   the file to write
+      --face          for gui::draw::Typeface::fromFile
+      --index N       which font of a collection, from 0 on; for faces only
       --size N        pixels per em, 4 to 500
       --chars RANGES  the characters, e.g. 32-126,160-255,U+400-U+45F
                       (without this, 32-126,160-255)
       --text FILE     the characters that this UTF-8 text uses instead
       --skip-missing  leave out characters that the font lacks; without this they
                       are an error
+      --help          this text
+
+For font files alone:
       --spread N      blank pixels around each picture, 1 to 64 (1). One keeps
                       neighbours out of filtered text; more makes room for smaller
                       mipmap levels and for shaders that draw outlines or shadows
@@ -28,11 +35,11 @@ how far each moves the pen.
       --hinting KIND  light fits heights to whole pixels (the default), none
                       keeps the font's shapes as they are
       --preview FILE  also draw the characters as PNG
-      --help          this text
 
 A character's picture stands on a whole pixel and moves the pen by whole pixels, so
 text at scale 1 is as sharp as the pictures are; sizes for other scales are baked
 each on its own. The file's last picture is a box for characters it lacks.
+Faces have ASCII and the signs that the library writes besides the characters.
 )";
 
 namespace
@@ -124,6 +131,10 @@ void parse(Reader& reader, const std::string& option, Options& options)
         options.bake.lightOnDark = true;
     else if (option == "--preview")
         options.preview = reader.takeValue(option);
+    else if (option == "--face")
+        options.face = true;
+    else if (option == "--index")
+        options.index = static_cast<unsigned int>(numberOf(option, reader.takeValue(option), 0, 65535));
     else if (option == "--skip-missing")
         options.skipMissing = true;
     else if (option == "--help")
@@ -163,8 +174,13 @@ Options parseOptions(std::span<const char* const> arguments)
         throw Error("which font? Name a TrueType or OpenType file");
     if (options.output.empty())
         throw Error("-o is missing: the font file to write");
-    if (options.bake.size == 0)
-        throw Error("--size is missing: pixels per em");
+    for (const char* const other : {"--size", "--spread", "--light-on-dark", "--hinting", "--preview"})
+        if (options.face && given.contains(other))
+            throw Error(std::string("--face has no ") + other + ": a face is drawn at every size, from outlines");
+    if (!options.face && given.contains("--index"))
+        throw Error("--index is for --face alone");
+    if (!options.face && options.bake.size == 0)
+        throw Error("--size is missing: pixels per em; or --face for drawings");
     if (given.contains("--chars") && given.contains("--text"))
         throw Error("--chars and --text exclude each other");
     if (options.preview == options.output)

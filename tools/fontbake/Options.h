@@ -19,6 +19,8 @@ struct Options
     BakeSettings bake;
     Hinting hinting = Hinting::Light;
     bool skipMissing = false;
+    bool face = false; ///< a face for drawings is wanted, of which the next is
+    unsigned int index = 0;
     bool help = false; ///< the rest means nothing then
 };
 

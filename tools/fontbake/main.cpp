@@ -1,5 +1,6 @@
 #include "BakedFont.h"
 #include "Error.h"
+#include "FaceBaker.h"
 #include "Options.h"
 #include "OutputFile.h"
 #include "Preview.h"
@@ -14,11 +15,12 @@ namespace
 using namespace fontbake;
 
 /// Takes out what the font lacks, or refuses.
-void reduceToFont(CharacterSet& characters, const Rasterizer& rasterizer, const Options& options)
+template <typename Font>
+void reduceToFont(CharacterSet& characters, const Font& font, const Options& options)
 {
     CharacterSet missing;
     for (const char32_t codePoint : characters)
-        if (!rasterizer.has(codePoint))
+        if (!font.has(codePoint))
             missing.push_back(codePoint);
     if (missing.empty())
         return;
@@ -29,13 +31,20 @@ void reduceToFont(CharacterSet& characters, const Rasterizer& rasterizer, const 
                     (nOthers == 0 ? "" : " and " + std::to_string(nOthers) + " other characters") +
                     "; --skip-missing does without");
     }
-    std::erase_if(characters, [&rasterizer](char32_t codePoint) { return !rasterizer.has(codePoint); });
+    std::erase_if(characters, [&font](char32_t codePoint) { return !font.has(codePoint); });
 }
 
 void run(const Options& options)
 {
     CharacterSet characters = options.text.empty() ? charactersOfRanges(options.chars)
                                                    : charactersOfText(contentOf(options.text), options.text);
+    if (options.face)
+    {
+        const FaceBaker baker(options.font, options.index);
+        reduceToFont(characters, baker, options);
+        OutputFile(options.output, baker.bake(characters)).keep();
+        return;
+    }
     const Rasterizer rasterizer(options.font, options.bake.size, options.hinting);
     reduceToFont(characters, rasterizer, options);
     const BakedFont font = bake(rasterizer, characters, options.bake);

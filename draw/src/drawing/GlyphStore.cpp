@@ -152,8 +152,8 @@ GlyphStore::Result GlyphStore::drawColored(std::uint32_t number, const Sized& si
         pixelsPerEm = std::min({pixelsPerEm, (cMostColored - 1) / most, cLargestDrawn});
     }
     GlyphImage image;
-    const char* const cause = font.getFreeType().getImage(
-        glyph, true, {.pixelsPerEm = pixelsPerEm, .foreground = td::Color(foreground)}, image);
+    const char* const cause =
+        font.getImage(glyph, {.pixelsPerEm = pixelsPerEm, .foreground = td::Color(foreground)}, image);
     if (cause != nullptr || !image.isColor || image.width == 0 || image.height == 0 || image.width > cMostColored ||
         image.height > cMostColored)
     {
@@ -198,10 +198,10 @@ GlyphStore::Result GlyphStore::drawPicture(std::uint32_t number, ShapeTables& ta
         return drawColored(number, sized, tables, pEvicted);
     }
     const auto [face, glyph, size, lineWidth, foreground] = sized.key;
-    const FreeTypeFace& freeType = TypefaceImpl::of(sized.face)->font().getFreeType();
+    const GlyphOutlines& outlines = TypefaceImpl::of(sized.face)->font().getOutlines();
     const std::optional<GlyphCoverage> coverage =
-        lineWidth > 0 ? freeType.getStrokeCoverage(glyph, size * _scale, lineWidth * _scale)
-                      : freeType.getCoverage(glyph, size * _scale);
+        lineWidth > 0 ? outlines.getStrokeCoverage(glyph, size * _scale, lineWidth * _scale)
+                      : outlines.getCoverage(glyph, size * _scale);
     cost = (10 + (coverage ? double(coverage->width * coverage->height) / 20 : 0)) * (lineWidth > 0 ? 8 : 1);
     const auto fits = [](int n) { return n >= -128 && n < 128; };
     if (!coverage || !fits(coverage->left) || !fits(coverage->top) || coverage->height > 60)

@@ -63,10 +63,10 @@ void add(const PremultipliedColor& color, float share, PremultipliedColor& sum)
 }
 
 // A fill's rows of pixels, each the mean of its corners: of more where these differ, as a gradient may end abruptly.
-class FillRows
+class PaintRows
 {
 public:
-    FillRows(const ColorFill& fill, int left, int right)
+    PaintRows(const ColorFill& fill, int left, int right)
         : _fill(fill)
         , _left(left)
         , _upper(static_cast<std::size_t>(right - left) + 1, fill.at({}))
@@ -211,7 +211,7 @@ void ColorPicture::paintClipped(const ColorPaint& paint_, const Box& box, Layer&
 
 void ColorPicture::putFill(const ColorFill& fill, const Box& box, const td::BYTE* covered, Layer& layer)
 {
-    FillRows rows(fill, box.left, box.right);
+    PaintRows rows(fill, box.left, box.right);
     for (int y = box.top; y < box.bottom; ++y)
     {
         rows.moveTo(y);

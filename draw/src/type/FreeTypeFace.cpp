@@ -3,7 +3,6 @@
 #include "ColorPaint.h"
 #include "ColorPicture.h"
 #include "ScaledPicture.h"
-#include "StrokeRows.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -53,8 +52,6 @@ const char* textOf(FT_Error error)
         return "larger than 4096 pixels";
     case FT_Err_Invalid_Composite:
         return "broken composite";
-    case FT_Err_Invalid_Pixel_Size:
-        return "no such size";
     default:
         return "broken";
     }
@@ -103,41 +100,6 @@ void* onReallocate(FT_Memory memory, long, long n, void* pMemory)
     return pNew;
 }
 
-// An outline's pieces as they come, turned upside down.
-struct OutlineWriter
-{
-    Path& path;
-    bool isOpen = false;
-
-    static Path::Point point(const FT_Vector* pVector) { return {double(pVector->x), -double(pVector->y)}; }
-    static OutlineWriter& of(void* pUser) { return *static_cast<OutlineWriter*>(pUser); }
-
-    static int moveTo(const FT_Vector* to, void* pUser)
-    {
-        OutlineWriter& writer = of(pUser);
-        if (writer.isOpen)
-            writer.path.close();
-        writer.isOpen = true;
-        writer.path.moveTo(point(to));
-        return 0;
-    }
-    static int lineTo(const FT_Vector* to, void* pUser)
-    {
-        of(pUser).path.lineTo(point(to));
-        return 0;
-    }
-    static int quadTo(const FT_Vector* control, const FT_Vector* to, void* pUser)
-    {
-        of(pUser).path.quadTo(point(control), point(to));
-        return 0;
-    }
-    static int cubicTo(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to, void* pUser)
-    {
-        of(pUser).path.cubicTo(point(control1), point(control2), point(to));
-        return 0;
-    }
-};
-
 // The strike that is as large as what is asked for, or else the largest.
 int strikeFor(FT_Face face, double pixelsPerEm)
 {
@@ -151,33 +113,6 @@ int strikeFor(FT_Face face, double pixelsPerEm)
             best = i;
     }
     return best;
-}
-
-// Up to so many pixels wide and high, the pictures of getCoverage.
-constexpr int cMostCoverage = 255;
-
-// From quarters of pixels to pixels, for each place of the pen. @param quarters  row by row from the top
-void addQuarters(std::span<const td::BYTE> quarters, int left, int nQuarters, GlyphCoverage& result)
-{
-    const auto below = [](int n) { return n >= 0 ? n / 4 : -((3 - n) / 4); };
-    result.left = below(left);
-    result.width = static_cast<unsigned int>(below(left + nQuarters + 2) - result.left + 1);
-    result.pixels.resize(std::size_t(4) * result.width * result.height);
-    std::vector<int> sums(static_cast<std::size_t>(nQuarters) + 1); // of a row up to each quarter
-    for (unsigned int y = 0; y < result.height; ++y)
-    {
-        const std::size_t row = std::size_t(result.height - 1 - y) * static_cast<std::size_t>(nQuarters);
-        for (std::size_t x = 0; x + 1 < sums.size(); ++x)
-            sums[x + 1] = sums[x] + quarters[row + x];
-        td::BYTE* to = &result.pixels[std::size_t(4) * result.width * y];
-        for (int quarter = 0; quarter < 4; ++quarter)
-            for (int x = 0; x < static_cast<int>(result.width); ++x)
-            {
-                const int from = 4 * (result.left + x) - quarter - left;
-                const auto sumAt = [&](int i) { return sums[static_cast<std::size_t>(std::clamp(i, 0, nQuarters))]; };
-                *to++ = static_cast<td::BYTE>((sumAt(from + 4) - sumAt(from) + 2) / 4);
-            }
-    }
 }
 
 // What FreeType has drawn, without the padding of its rows.
@@ -226,6 +161,8 @@ FreeTypeFace::~FreeTypeFace()
         FT_Done_Library(_pLibrary);
 }
 
+bool FreeTypeFace::isThere() { return true; }
+
 std::unique_ptr<FreeTypeFace> FreeTypeFace::open(std::span<const td::BYTE> bytes, unsigned int index,
                                                  std::string& cause)
 {
@@ -254,74 +191,6 @@ void FreeTypeFace::setCoordinates(std::span<const float> coordinates)
     if (FT_Get_Var_Blend_Coordinates(_pFace, static_cast<FT_UInt>(values.size()), values.data()) == 0)
         for (const FT_Fixed value : values)
             _place.push_back(static_cast<float>(value) / 65536);
-}
-
-Path FreeTypeFace::getOutline(std::uint32_t glyph) const
-{
-    const std::lock_guard lock(_mutex);
-    Path path;
-    if (FT_Load_Glyph(_pFace, glyph, FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP) != 0 ||
-        _pFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
-        return path;
-    const FT_Outline_Funcs functions{
-        OutlineWriter::moveTo, OutlineWriter::lineTo, OutlineWriter::quadTo, OutlineWriter::cubicTo, 0, 0};
-    OutlineWriter writer{path};
-    if (FT_Outline_Decompose(&_pFace->glyph->outline, &functions, &writer) != 0)
-        return Path();
-    if (writer.isOpen)
-        path.close();
-    return path;
-}
-
-std::optional<GlyphCoverage> FreeTypeFace::getStrokeCoverage(std::uint32_t glyph, double pixelsPerEm,
-                                                             double lineWidth) const
-{
-    const Path path =
-        getOutline(glyph).transform(Affine::scaling(pixelsPerEm / std::max<double>(_pFace->units_per_EM, 1)));
-    const StrokeRows rows(path, lineWidth, cMostCoverage);
-    if (rows.quarters.empty())
-        return std::nullopt;
-    GlyphCoverage result;
-    result.top = -rows.top;
-    result.height = static_cast<unsigned int>(rows.height);
-    addQuarters(rows.quarters, rows.left, rows.width, result);
-    return result;
-}
-
-std::optional<GlyphCoverage> FreeTypeFace::getCoverage(std::uint32_t glyph, double pixelsPerEm) const
-{
-    const std::lock_guard lock(_mutex);
-    // Four times as wide and as high: so points are where they are to a 256th of a pixel.
-    const auto size = static_cast<FT_F26Dot6>(std::lround(pixelsPerEm * 256));
-    if (!FT_IS_SCALABLE(_pFace) || size < 1 || FT_Set_Char_Size(_pFace, size, size, 72, 72) != 0 ||
-        FT_Load_Glyph(_pFace, glyph, FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING) != 0 ||
-        _pFace->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
-        return std::nullopt;
-    FT_Outline& outline = _pFace->glyph->outline;
-    const FT_Matrix flat{0x10000, 0, 0, 0x4000};
-    FT_Outline_Transform(&outline, &flat);
-    FT_BBox box;
-    FT_Outline_Get_CBox(&outline, &box);
-    box = {box.xMin >> 6, box.yMin >> 6, (box.xMax + 63) >> 6, (box.yMax + 63) >> 6};
-    const FT_Pos width = box.xMax - box.xMin, height = box.yMax - box.yMin;
-    if (width <= 0 || height <= 0 || width > 4 * cMostCoverage - 8 || height > cMostCoverage)
-        return std::nullopt;
-    std::vector<td::BYTE> quarters(static_cast<std::size_t>(width * height));
-    FT_Bitmap bitmap{};
-    bitmap.width = static_cast<unsigned int>(width);
-    bitmap.rows = static_cast<unsigned int>(height);
-    bitmap.pitch = static_cast<int>(width);
-    bitmap.buffer = quarters.data();
-    bitmap.num_grays = 256;
-    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
-    FT_Outline_Translate(&outline, -box.xMin * 64, -box.yMin * 64);
-    if (FT_Outline_Get_Bitmap(_pLibrary, &outline, &bitmap) != 0)
-        return std::nullopt;
-    GlyphCoverage result;
-    result.top = static_cast<int>(box.yMax);
-    result.height = static_cast<unsigned int>(height);
-    addQuarters(quarters, static_cast<int>(box.xMin), static_cast<int>(width), result);
-    return result;
 }
 
 std::optional<GlyphPaint> FreeTypeFace::findPaint(std::uint32_t glyph) const
@@ -396,10 +265,6 @@ const char* FreeTypeFace::loadSized(std::uint32_t glyph, bool isColor, const Gly
 const char* FreeTypeFace::getImage(std::uint32_t glyph, bool isColor, const GlyphRequest& request,
                                    GlyphImage& image) const
 {
-    if (glyph >= static_cast<std::uint32_t>(_pFace->num_glyphs))
-        return textOf(FT_Err_Invalid_Glyph_Index);
-    if (!(request.pixelsPerEm > 0 && request.pixelsPerEm <= cMaxPixels))
-        return textOf(FT_Err_Invalid_Pixel_Size);
     const std::lock_guard lock(_mutex);
     if (const std::optional<GlyphPaint> found = isColor ? findPaint(glyph) : std::nullopt)
         return paint(glyph, *found, request, image);

@@ -1,5 +1,7 @@
 #include "OpenFont.h"
 
+#include "BakedFace.h"
+#include "FreeTypeFace.h"
 #include "WordShapes.h"
 
 #include <hb-ot.h>
@@ -38,28 +40,57 @@ Blob paintsOf(hb_face_t* pFace)
 
 std::shared_ptr<const OpenFont> OpenFont::open(Blob pBlob, unsigned int index, std::string& cause)
 {
+    const bool isBaked = BakedFace::isOne(bytesOf(pBlob.get()));
+    if (isBaked)
+    {
+        const auto size = static_cast<unsigned int>(BakedFace::fontIn(bytesOf(pBlob.get()), cause).size());
+        if (size == 0)
+            return nullptr;
+        pBlob.reset(hb_blob_create_sub_blob(pBlob.get(), BakedFace::cHeaderSize, size));
+    }
     const unsigned int nFaces = hb_face_count(pBlob.get());
     const Face pFace(hb_face_create(pBlob.get(), index));
     if (nFaces == 0 || (index < nFaces && hb_face_get_glyph_count(pFace.get()) == 0))
         cause = "not a TrueType or OpenType font";
     else if (index >= nFaces)
         cause = "no face of index " + std::to_string(index);
-    else if (auto pFreeType = FreeTypeFace::open(bytesOf(pBlob.get()), index, cause))
+    else
     {
         hb_face_make_immutable(pFace.get());
-        return std::shared_ptr<const OpenFont>(
-            new OpenFont(std::move(pBlob), hb_font_create(pFace.get()), std::move(pFreeType), index));
+        return make(std::move(pBlob), hb_font_create(pFace.get()), index, isBaked, cause);
     }
     return nullptr;
 }
 
-OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index)
+std::shared_ptr<const OpenFont> OpenFont::make(Blob pBlob, hb_font_t* pFont, unsigned int index, bool isBaked,
+                                               std::string& cause)
+{
+    std::unique_ptr<FreeTypeFace> pFreeType;
+    if (!isBaked && FreeTypeFace::isThere())
+    {
+        pFreeType = FreeTypeFace::open(bytesOf(pBlob.get()), index, cause);
+        if (pFreeType == nullptr)
+        {
+            hb_font_destroy(pFont);
+            return nullptr;
+        }
+        unsigned int n = 0;
+        if (const float* const coordinates = hb_font_get_var_coords_design(pFont, &n))
+            pFreeType->setCoordinates({coordinates, n});
+    }
+    return std::shared_ptr<const OpenFont>(new OpenFont(std::move(pBlob), pFont, std::move(pFreeType), index, isBaked));
+}
+
+OpenFont::OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index,
+                   bool isBaked)
     : _pBlob(std::move(pBlob))
     , _pFont(pFont)
+    , _outlines(pFont)
     , _pFreeType(std::move(pFreeType))
     , _index(index)
+    , _isBaked(isBaked)
     , _id(newID())
-    , _pPaints(paintsOf(getFace()))
+    , _pPaints(_pFreeType != nullptr ? paintsOf(getFace()) : nullptr)
     , _hasPictures(hb_ot_color_has_png(getFace()) != 0)
     , _hasLayers(hb_ot_color_has_layers(getFace()) != 0)
     , _pCharacters(hb_set_create())
@@ -80,17 +111,7 @@ OpenFont::~OpenFont() { hb_font_destroy(_pFont); }
 std::shared_ptr<const OpenFont> OpenFont::moved(hb_font_t* pFont) const
 {
     std::string cause;
-    auto pFreeType = FreeTypeFace::open(bytesOf(_pBlob.get()), _index, cause);
-    if (pFreeType == nullptr)
-    {
-        hb_font_destroy(pFont);
-        return nullptr;
-    }
-    unsigned int n = 0;
-    if (const float* const coordinates = hb_font_get_var_coords_design(pFont, &n))
-        pFreeType->setCoordinates({coordinates, n});
-    return std::shared_ptr<const OpenFont>(
-        new OpenFont(Blob(hb_blob_reference(_pBlob.get())), pFont, std::move(pFreeType), _index));
+    return make(Blob(hb_blob_reference(_pBlob.get())), pFont, _index, isBaked(), cause);
 }
 
 std::shared_ptr<const OpenFont> OpenFont::withVariations(std::span<const hb_variation_t> variations) const
@@ -193,6 +214,20 @@ std::string OpenFont::getName(unsigned int preferredID, unsigned int nameID) con
     return {};
 }
 
+const char* OpenFont::getImage(std::uint32_t glyph, const GlyphRequest& request, GlyphImage& image) const
+{
+    if (glyph >= hb_face_get_glyph_count(getFace()))
+        return "no such glyph";
+    if (!(request.pixelsPerEm > 0 && request.pixelsPerEm <= GlyphOutlines::cMostPixels))
+        return "no such size";
+    if (!_outlines.isFinite(glyph))
+        return "broken composite";
+    const bool isColor = isColorGlyph(glyph);
+    if (_pFreeType != nullptr)
+        return _pFreeType->getImage(glyph, isColor, request, image);
+    return isColor ? "in colour, which needs FreeType" : _outlines.getImage(glyph, request, image);
+}
+
 std::vector<OpenFont::Layer> OpenFont::getLayers(std::uint32_t glyph) const
 {
     std::vector<Layer> layers;
@@ -214,6 +249,11 @@ std::vector<OpenFont::Layer> OpenFont::getLayers(std::uint32_t glyph) const
                           layer.color_index >= colors.size()});
     }
     return layers;
+}
+
+std::optional<GlyphPaint> OpenFont::getPaint(std::uint32_t glyph) const
+{
+    return _pPaints != nullptr ? _pFreeType->getPaint(glyph) : std::nullopt;
 }
 
 bool OpenFont::isColorGlyph(std::uint32_t glyph) const

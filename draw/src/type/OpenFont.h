@@ -1,6 +1,7 @@
 #pragma once
 
-#include "FreeTypeFace.h"
+#include "GlyphOutlines.h"
+#include "GlyphPaint.h"
 
 #include <gui/draw/Typeface.h>
 
@@ -11,6 +12,7 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -18,6 +20,7 @@
 namespace gui::draw
 {
 
+class FreeTypeFace;
 class WordShapes;
 
 /// Ends what HarfBuzz and others count by reference.
@@ -33,8 +36,9 @@ struct Release
 using Blob = std::unique_ptr<hb_blob_t, Release<hb_blob_destroy>>;
 using Face = std::unique_ptr<hb_face_t, Release<hb_face_destroy>>;
 
-/// A font at a place on its axes, for all handles that share it: opened by HarfBuzz, which measures and shapes, and by
-/// FreeType, which draws. Unchanged from then on; HarfBuzz's part is for any number of threads at once.
+/// A font at a place on its axes, for all handles that share it: opened by HarfBuzz, which measures, shapes and has the
+/// outlines, and, unless it is a baked face, by FreeType, which makes images. Unchanged from then on; HarfBuzz's part
+/// is for any number of threads at once.
 class OpenFont
 {
 public:
@@ -52,7 +56,11 @@ public:
     std::uint64_t getID() const { return _id; }
     hb_font_t* getFont() const { return _pFont; }
     hb_face_t* getFace() const { return hb_font_get_face(_pFont); }
-    const FreeTypeFace& getFreeType() const { return *_pFreeType; }
+    const GlyphOutlines& getOutlines() const { return _outlines; }
+    /// For Typeface::getImage, and for glyphs that are pictures. @return null, or else what is wrong
+    const char* getImage(std::uint32_t glyph, const GlyphRequest& request, GlyphImage& image) const;
+    /// Whether it was made ahead.
+    bool isBaked() const { return _isBaked; }
     WordShapes& getWordShapes() const { return *_pWordShapes; }
     const Typeface::Metrics& getMetrics() const { return _metrics; }
     /// The coordinate on each axis, in the axes' units.
@@ -60,10 +68,7 @@ public:
     std::string getName(unsigned int preferredID, unsigned int nameID) const;
     bool isColorGlyph(std::uint32_t glyph) const;
     /// Of COLR's version 1, which goes before layers and pictures; none for a glyph without.
-    std::optional<GlyphPaint> getPaint(std::uint32_t glyph) const
-    {
-        return _pPaints != nullptr ? _pFreeType->getPaint(glyph) : std::nullopt;
-    }
+    std::optional<GlyphPaint> getPaint(std::uint32_t glyph) const;
 
     /// A part of a glyph in colour.
     struct Layer
@@ -83,18 +88,23 @@ public:
     bool isColored() const { return _hasPictures || _hasLayers || _pPaints != nullptr; }
 
 private:
-    OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index);
+    OpenFont(Blob pBlob, hb_font_t* pFont, std::unique_ptr<FreeTypeFace> pFreeType, unsigned int index, bool isBaked);
 
+    // Takes the font. Null when FreeType can't open it.
+    static std::shared_ptr<const OpenFont> make(Blob pBlob, hb_font_t* pFont, unsigned int index, bool isBaked,
+                                                std::string& cause);
     std::shared_ptr<const OpenFont> moved(hb_font_t* pFont) const;
     void readMetrics();
     void readCoordinates();
 
     Blob _pBlob;
     hb_font_t* _pFont;
-    std::unique_ptr<FreeTypeFace> _pFreeType;
+    GlyphOutlines _outlines;
+    std::unique_ptr<FreeTypeFace> _pFreeType; // null for a baked face, and where the library has no FreeType
     unsigned int _index;
+    bool _isBaked;
     std::uint64_t _id;
-    Blob _pPaints; // its table of paints; null for none
+    Blob _pPaints; // its table of paints; null for none, and for nobody to draw them
     bool _hasPictures;
     bool _hasLayers;
     Typeface::Metrics _metrics;

@@ -10,7 +10,7 @@ namespace gui::draw
 {
 
 /// How a round line along a path covers quarters of pixels, which are four times as high as wide: exactly along x, at
-/// eight heights of each row. What FreeType makes of wide lines along small letters has holes.
+/// eight heights of each row.
 struct StrokeRows
 {
     int left = 0; ///< in quarters

@@ -207,7 +207,8 @@ double Typeface::getAdvance(std::uint32_t glyph) const
 std::optional<Typeface::Rect> Typeface::getBounds(std::uint32_t glyph) const
 {
     hb_glyph_extents_t extents;
-    if (!_pImpl || hb_font_get_glyph_extents(_pImpl->font().getFont(), glyph, &extents) == 0 || extents.width == 0 ||
+    if (!_pImpl || !_pImpl->font().getOutlines().isFinite(glyph) ||
+        hb_font_get_glyph_extents(_pImpl->font().getFont(), glyph, &extents) == 0 || extents.width == 0 ||
         extents.height == 0)
         return std::nullopt;
     return Rect(extents.x_bearing, -double(extents.y_bearing), double(extents.x_bearing) + extents.width,
@@ -216,7 +217,7 @@ std::optional<Typeface::Rect> Typeface::getBounds(std::uint32_t glyph) const
 
 Path Typeface::getOutline(std::uint32_t glyph) const
 {
-    return _pImpl ? _pImpl->font().getFreeType().getOutline(glyph) : Path();
+    return _pImpl ? _pImpl->font().getOutlines().get(glyph) : Path();
 }
 
 bool Typeface::isColorGlyph(std::uint32_t glyph) const { return _pImpl && _pImpl->font().isColorGlyph(glyph); }
@@ -226,7 +227,7 @@ std::optional<GlyphImage> Typeface::getImage(std::uint32_t glyph, const GlyphReq
     if (!_pImpl)
         return std::nullopt;
     GlyphImage image;
-    const char* const cause = _pImpl->font().getFreeType().getImage(glyph, isColorGlyph(glyph), request, image);
+    const char* const cause = _pImpl->font().getImage(glyph, request, image);
     if (cause == nullptr)
         return image;
     vo::dbgLog("ERROR! Typeface::getImage cannot draw glyph %u of %s at %g pixels (%s)", glyph, getFamily().c_str(),

@@ -37,7 +37,11 @@ TypefaceImpl::TypefaceImpl(std::shared_ptr<const OpenFont> pFont, std::vector<Ty
 
 Typeface TypefaceImpl::make(std::shared_ptr<const OpenFont> pFont)
 {
-    return pFont == nullptr ? Typeface() : Typeface(std::make_shared<const TypefaceImpl>(std::move(pFont)));
+    if (pFont == nullptr)
+        return Typeface();
+    // The system's fonts would bring FreeType, and look different on each machine.
+    const bool asksSystem = !pFont->isBaked();
+    return Typeface(std::make_shared<const TypefaceImpl>(std::move(pFont), std::vector<Typeface>(), asksSystem));
 }
 
 const Typeface* TypefaceImpl::fallbackFor(char32_t character, Presentation presentation,

@@ -27,12 +27,11 @@ public:
         Emoji ///< the first face in colour that has it, and else the first one
     };
 
-    explicit TypefaceImpl(std::shared_ptr<const OpenFont> pFont, std::vector<Typeface> fallbacks = {},
-                          bool asksSystem = true);
+    TypefaceImpl(std::shared_ptr<const OpenFont> pFont, std::vector<Typeface> fallbacks, bool asksSystem);
 
     /// Null for no face.
     static const TypefaceImpl* of(const Typeface& face) { return face._pImpl.get(); }
-    /// None for no font.
+    /// None for no font. A baked one doesn't ask the system, another one does.
     static Typeface make(std::shared_ptr<const OpenFont> pFont);
     static Typeface make(std::shared_ptr<const TypefaceImpl> pImpl) { return Typeface(std::move(pImpl)); }
 

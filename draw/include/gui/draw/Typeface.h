@@ -22,8 +22,8 @@ namespace gui::draw
 
 class TypefaceImpl;
 
-/// A face of letters: a TrueType or OpenType font, fixed or variable, with the faces that stand in for characters that
-/// it lacks.
+/// A face of letters: a TrueType or OpenType font, fixed or variable, or a baked face, with the faces that stand in for
+/// characters that it lacks.
 ///
 ///     #include <gui/draw/Typeface.h>
 ///     #include <cstdio>
@@ -54,8 +54,24 @@ class TypefaceImpl;
 /// they are. Glyphs in SVG are drawn as their outline, and so are those whose paint is broken, has no bounds or no
 /// end, or more than 16384 parts, 64 within each other, or 256 over each other.
 ///
+/// A baked face is made ahead by `fontbake FONT --face -o NAME.face`, or in a build by guigl_bake_face of the CMake
+/// package, and opened as font files are. It is a part of the font: a set of characters, all that shapes, measures and
+/// outlines them, a variable font's axes, layers in colour. So drawings show it as they show the font itself, pixel for
+/// pixel, at every size, with halos, heavier letters and features, and ask neither FreeType nor the system's fonts for
+/// anything. What differs:
+///
+/// - What it lacks no other face shows, unless withFallbacks says so: a text shows the sign for a missing glyph.
+/// - Pictures in colour (CBDT, sbix) are left out.
+/// - getImage, which drawings have no use for then, neither hints nor makes images of layers.
+///
+/// Its file is "GuiGLFac", the format's version (now 1), how many bytes follow the header, and their checksum: 8, 4, 4
+/// and 8 bytes, little-endian; then an OpenType font. Each of these is checked, and the font is read as any other is.
+///
+/// Where the library is built with GUIGL_FREETYPE=OFF, no face has a name, and what getImage makes of a baked face it
+/// makes of all.
+///
 /// All of it can be used on several threads at once, but for making faces of resources and setLogSink, which belong to
-/// the GUI thread. What draws a glyph waits for others that draw of the same font.
+/// the GUI thread. getImage waits for others that make images of the same font.
 class GUIGL_API Typeface
 {
 public:
@@ -111,7 +127,8 @@ public:
     /// @return no face, after one of the lines
     ///         "ERROR! Typeface::fromFile cannot open font file: %s" (no resource, no regular file, no right to read)
     ///         "ERROR! Typeface::fromFile cannot use font file: %s (%s)" (what is wrong: "not a TrueType or OpenType
-    ///         font", "no face of index 3", or FreeType's words)
+    ///         font", "no face of index 3", "baked face is cut off", "baked face is damaged",
+    ///         "baked face of version 2, not 1", or FreeType's words)
     static Typeface fromFile(const char* fileName, unsigned int index = 0);
 
     /// A font in memory, which is copied.
@@ -137,7 +154,7 @@ public:
     /// The same face with others for characters that it lacks, in the order in which they are asked. They replace those
     /// of an earlier call; their own are not asked.
     /// @param asksSystem  whether the system's fonts are looked through when none of these has a character, as they are
-    ///                    for a face that nothing was said of
+    ///                    for a face that nothing was said of, unless it is baked
     Typeface withFallbacks(std::vector<Typeface> faces, bool asksSystem = true) const;
 
     /// Whether there is a face.
@@ -184,11 +201,11 @@ public:
     bool isColorGlyph(std::uint32_t glyph) const;
 
     /// A glyph as pixels, by FreeType but for paints: in colour where isColorGlyph says so, unhinted if it is painted,
-    /// else how far each pixel is covered.
+    /// else how far each pixel is covered. Of a baked face never hinted, and none in colour.
     /// @return empty, with a log line, when it can't be drawn:
     ///         "ERROR! Typeface::getImage cannot draw glyph %u of %s at %g pixels (%s)": what FreeType finds wrong with
-    ///         it, "larger than 4096 pixels", "too many layers" of a large picture, or "no such size" for one that
-    ///         isn't above 0 and at most 4096.
+    ///         it, "larger than 4096 pixels", "too many layers" of a large picture, "no such size" for one that isn't
+    ///         above 0 and at most 4096, or, of a baked face, "in colour, which needs FreeType".
     ///         For no face it is empty without a line
     std::optional<GlyphImage> getImage(std::uint32_t glyph, const GlyphRequest& request) const;
 
