@@ -153,7 +153,7 @@ void SDLRunLoop::putOffMotions(SDL_Window* pWindow, const NativeView* pView)
     const std::chrono::duration<double> exactPeriod(1 / (rate > 0 ? rate : cDefaultRate));
     const auto period = std::chrono::duration_cast<Clock::duration>(exactPeriod);
     // Not one that is so near that it may be the same, which was told of anew.
-    if (const std::optional<Time> beat = getNextBeat(pView, now + period / 4))
+    if (const std::optional<Time> beat = getNextBeat(pView, now + period / 8))
         _nextMotion = *beat;
     else
         _nextMotion = now - _nextMotion < period ? _nextMotion + period : now + period;
