@@ -1,11 +1,9 @@
-// Looks at a program's window on an X server from outside, as a user does; at a compositor's, weston-1, for what is shown
-// in there.
+// Looks at a program's window on an X server from outside, as a user does; at a compositor's, weston-1, for what is
+// shown in there.
 //
-//     window_watch PROGRAM frames SECONDS              when there are new pictures in it
-//     window_watch PROGRAM pan MOVES_PER_SECOND SECONDS
-//                                                    the same, while the pointer is dragged about with Shift
-//     window_watch PROGRAM latency N SECONDS_BETWEEN
-//                                                    from N motions until window_view's plain view shows them
+//     window_watch PROGRAM frames SECONDS               when there are new pictures in it
+//     window_watch PROGRAM pan MOVES_PER_SECOND SECONDS the same, while the pointer is dragged about with Shift
+//     window_watch PROGRAM latency N SECONDS_BETWEEN    from N motions until window_view's plain view shows them
 
 #include "Intervals.h"
 

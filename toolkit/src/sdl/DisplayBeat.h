@@ -9,9 +9,9 @@
 namespace gui
 {
 
-/// The beat of a display, from what a server that counts frames tells of it: when frames are, and how far apart. Times
-/// may jitter by some milliseconds, where the server has no display and goes by its own clock. Some servers only pretend
-/// to count: what can be no beat is left out.
+/// The beat of a display, from what a server that counts frames tells of it: when frames are, and how far apart.
+/// Times may jitter by some milliseconds, where the server has no display and goes by its own clock. Some servers only
+/// pretend to count: what can be no beat is left out.
 class GUIGL_API DisplayBeat
 {
 public:
