@@ -91,14 +91,15 @@ TEST_F(OwnWindowTest, FramesKeepToTheDisplaysBeat)
         gui::Window window("Window", {200, 150});
         ASSERT_NO_FATAL_FAILURE(show(window, view, "Window"));
         const auto* const pView = static_cast<const gui::NativeView*>(view.getHandle());
-        int x = 40;
+        // The user moves now and then, and frames go on for a moment.
+        constexpr int cFrames = 16;
+        int nFrames = 0;
         const auto isKnown = [&]
         {
+            if (isMoved && nFrames++ % cFrames == 0)
+                xdo(at(40 + nFrames / cFrames % 100, 30));
             if (isMoved)
-            {
-                xdo(at(x = 80 - x + 1, 30));
                 view.reRender();
-            }
             return loop.getNextBeat(pView, gui::RunLoop::Clock::now()).has_value();
         };
         EXPECT_TRUE(waitInLoop(isKnown)) << isMoved;
