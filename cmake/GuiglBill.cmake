@@ -26,6 +26,7 @@ endmacro()
 
 guigl_bill(SDL "${SDL${GUIGL_SDL_VERSION}_VERSION}" DYNAMIC_LINK)
 guigl_bill(X11 "${X11_VERSION}" DYNAMIC_LINK)
+guigl_bill(xcb "${XCB_xcb_VERSION}" DYNAMIC_LINK)
 guigl_bill(wayland "${WAYLAND_VERSION}" DYNAMIC_LINK)
 guigl_bill(xkbcommon "${XKBCOMMON_VERSION}" DYNAMIC_LINK)
 guigl_bill(epoxy "${EPOXY_VERSION}" DYNAMIC_LINK)

@@ -3,6 +3,10 @@
 #include "DesktopTest.h"
 #include "SampledView.h"
 
+#include <gui/NativeView.h>
+#include <gui/port/RunLoop.h>
+#include <gui/port/WindowSystem.h>
+
 #include <algorithm>
 
 namespace test
@@ -73,6 +77,33 @@ TEST_F(OwnWindowTest, StatesAreTold)
     window.setStateHandler([&window](State) { window.close(); });
     window.setState(State::Maximized);
     EXPECT_TRUE(waitInLoop([&] { return !window.isOpen(); }));
+}
+
+// What the display tells arrives at the view's clock; and for a view that is drawn as the pointer moves.
+TEST_F(OwnWindowTest, FramesKeepToTheDisplaysBeat)
+{
+    const gui::RunLoop& loop = gui::WindowSystem::instance().getRunLoop();
+    for (const Context::Animation animation : {Context::Animation::On, Context::Animation::Off})
+    {
+        const bool isMoved = animation == Context::Animation::Off;
+        RecordingView view;
+        view.create(animation);
+        gui::Window window("Window", {200, 150});
+        ASSERT_NO_FATAL_FAILURE(show(window, view, "Window"));
+        const auto* const pView = static_cast<const gui::NativeView*>(view.getHandle());
+        // The user moves now and then, and frames go on for a moment.
+        constexpr int cFrames = 16;
+        int nFrames = 0;
+        const auto isKnown = [&]
+        {
+            if (isMoved && nFrames++ % cFrames == 0)
+                xdo(at(40 + nFrames / cFrames % 100, 30));
+            if (isMoved)
+                view.reRender();
+            return loop.getNextBeat(pView, gui::RunLoop::Clock::now()).has_value();
+        };
+        EXPECT_TRUE(waitInLoop(isKnown)) << isMoved;
+    }
 }
 
 // The driver of these tests has four samples in a window; or, from Mesa 25 on with X11, none but one.

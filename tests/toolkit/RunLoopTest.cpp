@@ -147,7 +147,7 @@ TEST(RunLoop, ClocksKeepToTheBeatOfTheirDisplay)
 TEST(RunLoop, EachClockKeepsToItsOwnDisplay)
 {
     Loop loop;
-    View at60, at75, without;
+    View at60, at75, without, unknown;
     loop.startFrameClock(&at60, 0, 0);
     loop.displayRate = 75;
     loop.startFrameClock(&at75, 0, 0);
@@ -167,6 +167,18 @@ TEST(RunLoop, EachClockKeepsToItsOwnDisplay)
     loop.setVisible(&at75, true); // at once, and on the beat from the next frame on
     loop.alignFrameClock(&at75, now + c75 * 10, c75);
     EXPECT_LT(offBeat(*loop.getNextDue(), now, c75), 0.01);
+
+    // What else is drawn has no clock to ask.
+    loop.setNeedsDisplay(&without);
+    loop.alignFrameClock(&without, now, c60);
+    for (const Time after : {now, now + c60 * 7 + c60 / 2})
+    {
+        const Time next = loop.getNextBeat(&without, after).value_or(Time());
+        EXPECT_TRUE(next > after && next <= after + c60);
+        EXPECT_LT(offBeat(next, now, c60), 0.01);
+    }
+    EXPECT_FALSE(loop.getNextBeat(&without, now + std::chrono::seconds(2))) << "the display may have slept";
+    EXPECT_FALSE(loop.getNextBeat(&unknown, now));
 }
 
 TEST(RunLoop, TimersMayStopStartAndDeleteEachOther)

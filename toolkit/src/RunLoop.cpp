@@ -35,6 +35,13 @@ RunLoop::Clock::duration toDuration(double seconds)
     return std::chrono::duration_cast<RunLoop::Clock::duration>(sleep);
 }
 
+// How long a time is behind the place that is a little behind a beat.
+RunLoop::Clock::duration sinceBeat(RunLoop::Time time, RunLoop::Time shown, RunLoop::Clock::duration beat)
+{
+    const RunLoop::Clock::duration since = (time - (shown + beat / cAfterBeat)) % beat;
+    return since < RunLoop::Clock::duration::zero() ? since + beat : since;
+}
+
 // The whole divisor of the display's rate that is nearest to the middle of the range, and in it: any other rate limps.
 // The higher one of two. Where there is none, the middle itself, as far as the display can follow.
 double frameRate(double displayRate, float minFPS, float maxFPS)
@@ -159,10 +166,12 @@ void RunLoop::updateFrameClock(NativeView* pView)
 void RunLoop::alignFrameClock(NativeView* pView, Time shown, Clock::duration refresh)
 {
     Entry* const pEntry = find(pView);
-    if (pEntry == nullptr || !pEntry->hasClock || refresh < cShortestRefresh || refresh > cLongestRefresh)
+    if (pEntry == nullptr || refresh < cShortestRefresh || refresh > cLongestRefresh)
         return;
     Entry& entry = *pEntry;
     measure(entry, shown, refresh);
+    if (!entry.hasClock)
+        return;
     const Clock::duration beat = entry.measured;
     const double rate = 1 / std::chrono::duration<double>(beat).count();
     const double nBeats = rate / frameRate(rate, entry.minFPS, entry.maxFPS);
@@ -173,9 +182,17 @@ void RunLoop::alignFrameClock(NativeView* pView, Time shown, Clock::duration ref
         return;
     entry.period = beat * n;
     // To the place behind a beat that is nearest: a beat is neither left out nor taken twice where the times jitter.
-    const Clock::duration ahead = (entry.nextTick - (shown + beat / cAfterBeat)) % beat;
-    const Clock::duration after = ahead < Clock::duration::zero() ? ahead + beat : ahead;
+    const Clock::duration after = sinceBeat(entry.nextTick, shown, beat);
     entry.nextTick -= after > beat / 2 ? after - beat : after;
+}
+
+std::optional<RunLoop::Time> RunLoop::getNextBeat(const NativeView* pView, Time after) const
+{
+    const Entry* const pEntry = find(pView);
+    if (pEntry == nullptr || pEntry->measured == Clock::duration::zero() || after - pEntry->shown > cLongestRefresh)
+        return std::nullopt;
+    const Clock::duration since = sinceBeat(after, pEntry->shown, pEntry->measured);
+    return after + pEntry->measured - since;
 }
 
 // Compositors have periods of their own: that of a display's mode is not always what it is shown at.

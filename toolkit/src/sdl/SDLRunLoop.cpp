@@ -57,28 +57,38 @@ void setEventSink(SDL_Window* pWindow, SDLEventSink* pSink) { sdl::setData(pWind
 
 void awaitPresentation(SDL_Window* pWindow)
 {
-    if (s_pRunLoop != nullptr && sdl::isOnWayland())
+    if (s_pRunLoop != nullptr)
         s_pRunLoop->await(pWindow);
 }
 
 void SDLRunLoop::await(SDL_Window* pWindow)
 {
-    // For clocks alone: of other frames it makes no difference when they are seen.
+    // For what goes on alone, clocks and motions: of other frames it makes no difference when they are seen.
+    constexpr std::chrono::milliseconds cMotion(250);
     const NativeView* const pView = viewOf(pWindow);
-    wl_surface* const pSurface = pView != nullptr && hasFrameClock(pView) ? sdl::getWaylandSurface(pWindow) : nullptr;
-    if (pSurface == nullptr)
+    if (pView == nullptr || !(hasFrameClock(pView) || Clock::now() < _nextMotion + cMotion))
         return;
-    if (_pPresentation == nullptr)
+    const auto handler = [this](std::uint32_t windowID, Time shown, Clock::duration refresh)
+    { onShown(windowID, shown, refresh); };
+    if (wl_surface* const pSurface = sdl::getWaylandSurface(pWindow))
     {
-        const auto onShown = [this](std::uint32_t windowID, Time shown, Clock::duration refresh)
-        {
-            SDL_Window* const pShown = SDL_GetWindowFromID(windowID);
-            if (NativeView* const pShownView = pShown != nullptr ? viewOf(pShown) : nullptr)
-                alignFrameClock(pShownView, shown, refresh);
-        };
-        _pPresentation = std::make_unique<WaylandPresentation>(sdl::getWayland(pWindow), onShown);
+        if (_pWaylandPresentation == nullptr)
+            _pWaylandPresentation = std::make_unique<WaylandPresentation>(sdl::getWayland(pWindow), handler);
+        _pWaylandPresentation->await(pSurface, SDL_GetWindowID(pWindow));
     }
-    _pPresentation->await(pSurface, SDL_GetWindowID(pWindow));
+    else if (const std::optional<sdl::X11Window> x11 = sdl::getX11(pWindow))
+    {
+        if (_pX11Presentation == nullptr)
+            _pX11Presentation = std::make_unique<X11Presentation>(x11->pDisplay, handler);
+        _pX11Presentation->await(*x11, SDL_GetWindowID(pWindow));
+    }
+}
+
+void SDLRunLoop::onShown(std::uint32_t windowID, Time shown, Clock::duration refresh)
+{
+    SDL_Window* const pWindow = SDL_GetWindowFromID(windowID);
+    if (NativeView* const pView = pWindow != nullptr ? viewOf(pWindow) : nullptr)
+        alignFrameClock(pView, shown, refresh);
 }
 
 void SDLRunLoop::wait(const std::optional<Time>& until)
@@ -118,8 +128,10 @@ void SDLRunLoop::dispatchEvents()
 {
     _isWakeUpPosted = false;
     _events.pump();
-    if (_pPresentation != nullptr)
-        _pPresentation->dispatch();
+    if (_pWaylandPresentation != nullptr)
+        _pWaylandPresentation->dispatch();
+    if (_pX11Presentation != nullptr)
+        _pX11Presentation->dispatch();
     SDLEvent event;
     while (!hasQuit() && isEventDue() && _events.take(event))
         dispatch(event);
@@ -130,8 +142,8 @@ bool SDLRunLoop::isEventDue() const
     return !_events.isEmpty() && !(_events.hasOnlyMotion() && Clock::now() < _nextMotion);
 }
 
-// On multiples of the frames' period, so that the rate does not drift.
-void SDLRunLoop::putOffMotions(SDL_Window* pWindow)
+// On the display's beat, or on multiples of the frames' period, so that the rate does not drift.
+void SDLRunLoop::putOffMotions(SDL_Window* pWindow, const NativeView* pView)
 {
     const Time now = Clock::now();
     if (now < _nextMotion)
@@ -140,7 +152,11 @@ void SDLRunLoop::putOffMotions(SDL_Window* pWindow)
     const double rate = sdl::getDisplayRate(pWindow);
     const std::chrono::duration<double> exactPeriod(1 / (rate > 0 ? rate : cDefaultRate));
     const auto period = std::chrono::duration_cast<Clock::duration>(exactPeriod);
-    _nextMotion = now - _nextMotion < period ? _nextMotion + period : now + period;
+    // Not one that is so near that it may be the same, which was told of anew.
+    if (const std::optional<Time> beat = getNextBeat(pView, now + period / 8))
+        _nextMotion = *beat;
+    else
+        _nextMotion = now - _nextMotion < period ? _nextMotion + period : now + period;
 }
 
 double SDLRunLoop::getDisplayRate(const NativeView* pView) const
@@ -170,7 +186,7 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
     const auto isStillThere = [&]
     { return SDL_GetWindowFromID(event.windowID) == pWindow && viewOf(pWindow) == pView; };
     if (event.type == Type::Motion)
-        putOffMotions(pWindow);
+        putOffMotions(pWindow, pView);
     // The frame that Wayland's clients draw around their windows changes with the focus, and shows with what is in it.
     if ((event.type == Type::FocusGained || event.type == Type::FocusLost) && sdl::isOnWayland())
         setNeedsDisplay(pView);

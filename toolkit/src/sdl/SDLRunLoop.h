@@ -2,6 +2,7 @@
 
 #include "SDLEventQueue.h"
 #include "WaylandPresentation.h"
+#include "X11Presentation.h"
 
 #include <gui/port/RunLoop.h>
 
@@ -38,13 +39,15 @@ private:
     /// Whether there is an event that does not wait for the next frame.
     bool isEventDue() const;
     /// One is handed out: the next waits for another frame.
-    void putOffMotions(SDL_Window* pWindow);
+    void putOffMotions(SDL_Window* pWindow, const NativeView* pView);
+    void onShown(std::uint32_t windowID, Time shown, Clock::duration refresh);
     void dispatch(const SDLEvent& event);
     /// @return whether the event is one of those that the window itself sees to
     bool onWindowEvent(SDL_Window* pWindow, NativeView* pView, SDLEvent::Type type);
 
     SDLEventQueue _events;
-    std::unique_ptr<WaylandPresentation> _pPresentation; // from the first frame on, on Wayland
+    std::unique_ptr<WaylandPresentation> _pWaylandPresentation; // from the first frame on that is awaited
+    std::unique_ptr<X11Presentation> _pX11Presentation;         // the same
     Time _nextMotion{};
     std::uint32_t _wakeUpType;
     std::atomic<bool> _isWakeUpPosted = false;

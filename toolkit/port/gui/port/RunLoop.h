@@ -58,6 +58,10 @@ public:
     void stopFrameClock(NativeView* pView);
     bool hasFrameClock(const NativeView* pView) const;
 
+    /// The first time behind this one to draw the view at, as the display goes on: a little behind its beat, where
+    /// ticks of a clock lie. Null where the display has not told of its beat within the last second.
+    std::optional<Time> getNextBeat(const NativeView* pView, Time after) const;
+
     /// A clock of a view that cannot be seen pauses, and goes on when it can.
     void setVisible(NativeView* pView, bool isVisible);
 
@@ -86,8 +90,9 @@ protected:
 
     /// The display showed a frame of the view at this time, and goes on to the next every so often: the ticks of its
     /// clock lie a little after the display's beat from now on and keep to it, however the two clocks differ. The
-    /// period may be off by a quarter: how often frames are seen tells better. Nothing changes without a clock, or for
-    /// a period that is unknown, which is 0, or no display's: beyond 1 millisecond to 1 second.
+    /// period may be off by a quarter: how often frames are seen tells better. Without a clock it is kept for
+    /// getNextBeat. Nothing changes for a period that is unknown, which is 0, or no display's: beyond 1 millisecond to
+    /// 1 second.
     void alignFrameClock(NativeView* pView, Time shown, Clock::duration refresh);
 
     /// The derived constructor and destructor call these: the wake-up needs the whole object.
