@@ -258,6 +258,7 @@ TEST(TextEditorTest, ACompositionIsShownAndNotThere)
     const auto lines = editor.getCompositionRects(), selected = editor.getSelectionRects();
     ASSERT_EQ(lines.size(), 1U);
     ASSERT_EQ(selected.size(), 1U);
+    EXPECT_NEAR(lines[0].left, editor.getLayout().getCaret({4}).top.x, 1e-6);
     EXPECT_LT(lines[0].left, selected[0].left);
     EXPECT_GT(lines[0].right, selected[0].right);
     EXPECT_EQ(editor.getCaretRect().left, selected[0].right);
@@ -271,6 +272,9 @@ TEST(TextEditorTest, ACompositionIsShownAndNotThere)
     EXPECT_EQ(editor.getLayout().getText(), "one 日 three");
     editor.undo();
     EXPECT_EQ(shown(editor), "one [two| three");
+    editor.compose({"に", 0, 0});
+    EXPECT_FALSE(editor.undo() && editor.undo());
+    EXPECT_EQ(editor.getLayout().getText(), editor.getText());
     editor.compose({"に", 9, 4});
     editor.move(Motion::TextStart);
     EXPECT_EQ(editor.getLayout().getText(), "one two three");
