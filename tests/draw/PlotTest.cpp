@@ -622,6 +622,22 @@ TEST_F(PlotTest, WhatIsSetIsDrawnWithTheNextFrame)
         EXPECT_FALSE(before == bytes()) << &change - changes;
     }
     EXPECT_EQ(axes.getArea(), Axes::Rect(0, 0, 480, 100));
+    // Numbers are as exact as the screen.
+    const auto told = [&](double low, double high, double value)
+    {
+        EXPECT_TRUE(axes.x().setRange(low, high));
+        return axes.format(axes.x(), value);
+    };
+    EXPECT_EQ(told(0, 48000, 12345.678), "12\u2009346");
+    EXPECT_EQ(told(0, 6, 1.23456), "1.23");
+    axes.x().setScale(Scale::time());
+    EXPECT_EQ(told(0, 20000, 4000), "1 Jan 1970 01:06:40");
+    EXPECT_EQ(told(0, 80, 65.25), "1 Jan 1970 00:01:05.3");
+    // Where a logarithm has none, what is above zero is shown.
+    plot.axes(1, 1).y().setScale(Scale::logarithmic());
+    plot.axes(1, 1).add(Series::line({0, 0.5, 20, 300}));
+    draw(plot);
+    EXPECT_NEAR(plot.axes(1, 1).y().getRange().low, 0.5, 0.3);
 }
 
 // Series of all kinds under edits and moves of every kind, against a plain model of what they hold; GL errors, numbers
