@@ -313,8 +313,9 @@ private:
         const Point place = toLoupe.map({at->x, at->y}), from = toLoupe.map(_pointer);
         _inLoupe.fill(Path().addCircle(place, 3.5), "#ffffff");
         const double length = std::hypot(place.x - from.x, place.y - from.y) + 1e-9;
-        const Point label(std::clamp(place.x + (place.x - from.x) / length * 26, 20.0, _loupe.width - 20.0),
-                          std::clamp(place.y + (place.y - from.y) / length * 20, 14.0, _loupe.height - 62.0));
+        const Point label(
+            std::clamp(place.x + (place.x - from.x) / length * 26, 20.0, std::max(20.0, _loupe.width - 20.0)),
+            std::clamp(place.y + (place.y - from.y) / length * 20, 14.0, std::max(14.0, _loupe.height - 62.0)));
         char text[16];
         std::snprintf(text, sizeof text, "%.2f", hit.weights[static_cast<int>(corner)]);
         Path plate;

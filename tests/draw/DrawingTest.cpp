@@ -3,6 +3,7 @@
 #include "support/Thorough.h"
 
 #include <gui/draw/Drawing.h>
+#include <gui/gl/Context.h>
 #include <gui/gl/FrameLedger.h>
 
 #include <epoxy/gl.h>
@@ -13,6 +14,7 @@
 #include <functional>
 #include <numbers>
 #include <random>
+#include <vector>
 
 namespace
 {
@@ -126,6 +128,54 @@ protected:
         return test::readCoverage();
     }
 
+    /// Picks at random places, exactly, with a tolerance and in squares: what is covered is found, and nothing else.
+    void expectPicks(const Drawing& drawing, const Coverage& exact, const Setting& setting)
+    {
+        const Affine toModel = *(Affine::scaling(setting.pixelsPerPoint) * setting.view).inverse();
+        const double covered = setting.alpha / 255.0; // what a pixel is that is covered as a whole
+        constexpr int cNear = 12, cTolerance = 8;
+        const double unit = std::hypot(toModel.a, toModel.b); // a pixel's
+        // A tolerance is that of a group which is not larger one way than the other.
+        const Affine map = setting.toPixels();
+        const bool isSkewed = std::abs(map.a * map.c + map.b * map.d) > 1e-9 * (map.a * map.a + map.b * map.b);
+        const bool isUpright = toModel.b == 0 && toModel.c == 0;
+        int nWrong = 0, nFound = 0;
+        for (int i = 0; i < 1000; ++i)
+        {
+            const int x = cNear + below(cSize - 2 * cNear), y = cNear + below(cSize - 2 * cNear);
+            // The nearest that is covered as a whole, and that is touched: round the place, and by rows and columns.
+            double whole = 99, touched = 99, wholeSquare = 99, touchedSquare = 99;
+            bool isInside = true;
+            for (int dy = -cNear; dy <= cNear; ++dy)
+                for (int dx = -cNear; dx <= cNear; ++dx)
+                {
+                    const double there = exact.at(x + dx, y + dy), distance = std::hypot(dx, dy);
+                    const double square = std::max(std::abs(dx), std::abs(dy));
+                    isInside = isInside && (square > 1 || there > covered - 1e-6);
+                    whole = there > covered - 1e-6 ? std::min(whole, distance) : whole;
+                    touched = there > 0 ? std::min(touched, distance) : touched;
+                    wholeSquare = there > covered - 1e-6 ? std::min(wholeSquare, square) : wholeSquare;
+                    touchedSquare = there > 0 ? std::min(touchedSquare, square) : touchedSquare;
+                }
+            const Point place = toModel.map({x + .5, y + .5});
+            const bool isFound = drawing.pick(place) != 0;
+            nFound += isFound ? 1 : 0;
+            nWrong += (isInside && !isFound) || (touched > 1.5 && isFound) ? 1 : 0;
+            const bool isNear = isSkewed || drawing.pick(place, cTolerance * unit) != 0;
+            nWrong += whole < cTolerance - 1 && !isNear ? 1 : 0;
+            nWrong += touched > cTolerance + 1.5 && isNear && !isSkewed ? 1 : 0;
+            if (!isUpright)
+                continue;
+            const Point a = toModel.map({x - 4.0, y - 4.0}), b = toModel.map({x + 5.0, y + 5.0});
+            const bool isIn =
+                !drawing.pickAll({std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)})
+                     .empty();
+            nWrong += (wholeSquare < 4 && !isIn) || (touchedSquare > 5.5 && isIn) ? 1 : 0;
+        }
+        EXPECT_EQ(nWrong, 0);
+        EXPECT_GT(nFound, 30);
+    }
+
     std::mt19937 _random{7};
 };
 
@@ -150,6 +200,7 @@ TEST_F(DrawingTest, FillsCoverTheirArea)
         const Coverage picture = drawn(drawing, setting);
         for (int family = 0; family < 4; ++family)
             EXPECT_TRUE(isClose(picture, exact, {0, family * 256, cSize, family * 256 + 256}, {1, 4, 64})) << family;
+        expectPicks(drawing, exact, setting);
     }
 }
 
@@ -205,7 +256,68 @@ TEST_F(DrawingTest, StrokesCoverWhatTheirBrushGoesOver)
                       setting.alpha / 255.0);
         }
         EXPECT_TRUE(isClose(drawn(drawing, setting), exact, {0, 0, cSize, cSize}, {3.5, 24, 64}));
+        expectPicks(drawing, exact, setting);
     }
+}
+
+// A drawing at the origin in the corner of a view: the view's middle, many times as far away, fits in no unit of its.
+TEST_F(DrawingTest, WhatIsSmallBesideTheViewIsInItsPlace)
+{
+    for (const double size : {0.5, 2.0, 16.0})
+        for (const double zoom : {1e-3, 1.0, 1e9})
+        {
+            Drawing drawing;
+            drawing.fill(Path().addRect({0, 0, size / zoom, size / zoom}), cBlack);
+            Coverage picture = drawn(drawing, {"", Affine::scaling(zoom)});
+            EXPECT_NEAR(picture.at(0, 0), std::min(size * size, 1.0), 0.005) << size << ' ' << zoom;
+            picture = drawn(drawing, {"", Affine::translation(1000, 7) * Affine::scaling(zoom)});
+            EXPECT_NEAR(picture.at(1000, 7), std::min(size * size, 1.0), 0.005) << size << ' ' << zoom;
+            // Larger ones later, and the view far away from all of them.
+            drawing.fill(Path().addRect({0, 20 / zoom, size * 7 / zoom, 20 / zoom + size * 7 / zoom}), cBlack);
+            picture = drawn(drawing, {"", Affine::scaling(zoom)});
+            EXPECT_NEAR(picture.at(0, 0), std::min(size * size, 1.0), 0.005) << size << ' ' << zoom;
+            picture = drawn(drawing, {"", Affine::translation(-1e5, -3e6) * Affine::scaling(zoom)});
+            EXPECT_FALSE(std::ranges::any_of(std::vector{0, 300, 384, 512, 640, 1023},
+                                             [&picture](int i) { return picture.at(i, i) > 0; }));
+        }
+}
+
+// What is set and returns false, or is forgotten; one of four in the wrong place of the order.
+TEST_F(DrawingTest, PicksFollowTheOrderAndWhatIsSet)
+{
+    Drawing drawing;
+    std::array<Drawing::ID, 4> ids{};
+    for (int i = 0; i < 3; ++i)
+        ids[std::size_t(i)] = drawing.fill(Path().addRect({0, 0, 10.0 + i, 10}), cBlack);
+    ids[3] = drawing.stroke(Path().moveTo({0, 5}).lineTo({20, 5}), {.width = 2, .unit = Unit::Model}, cBlack);
+    const auto order = [&]
+    {
+        std::vector<int> found;
+        for (const Drawing::ID id : drawing.pickAll({4, 4, 6, 6}))
+            found.push_back(int(std::ranges::find(ids, id) - ids.begin()));
+        EXPECT_EQ(drawing.pick({5, 5}), ids[std::size_t(found.front())]);
+        return found;
+    };
+    using Order = std::vector<int>;
+    EXPECT_EQ(order(), (Order{3, 2, 1, 0}));
+    EXPECT_TRUE(drawing.lower(ids[2]) && drawing.raise(ids[0]));
+    EXPECT_EQ(order(), (Order{0, 3, 1, 2}));
+    EXPECT_TRUE(drawing.moveAbove(ids[2], ids[1]) && drawing.moveBelow(ids[0], ids[1]));
+    EXPECT_EQ(order(), (Order{3, 2, 1, 0}));
+    EXPECT_TRUE(drawing.setStroke(ids[3], {.width = 2, .unit = Unit::Model})) << "as it is";
+    EXPECT_TRUE(drawing.setPickable(ids[3], false) && drawing.setPickable(ids[1], false));
+    EXPECT_FALSE(drawing.setPickable(99, true));
+    EXPECT_EQ(order(), (Order{2, 0}));
+    EXPECT_EQ(drawing.pick({16, 5}), 0U);
+    drawing.setPickable(ids[3], true);
+    drawing.setVisible(ids[2], false);
+    EXPECT_EQ(order(), (Order{3, 0}));
+    // A program that draws wires sees its drawings whole.
+    gui::gl::Context::setPolygonMode(gui::gl::Context::PolygonMode::Line);
+    const Coverage picture = drawn(drawing);
+    gui::gl::Context::setPolygonMode(gui::gl::Context::PolygonMode::Fill);
+    EXPECT_EQ(picture.at(2, 2), 1);
+    EXPECT_EQ(picture.at(12, 2), 0);
 }
 
 // Squares and lines of some pixels, and lines and edges whose ends are up to 10^11 pixels away.

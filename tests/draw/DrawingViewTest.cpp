@@ -62,7 +62,9 @@ TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
     view.onCursorDragged(at(52, 101));
     view.onPrimaryButtonReleased(at(52, 101));
     view.onPrimaryButtonPressed(at(350, 100));
+    const double before = view.getCenter().x;
     view.onCursorDragged(at(370, 100));
+    EXPECT_EQ(view.getCenter().x, before - 2) << "the plane comes along";
     view.onCursorDragged(at(350, 100));
     view.onPrimaryButtonReleased(at(350, 100));
     view.onPrimaryButtonDblClick(at(52, 100));

@@ -28,7 +28,7 @@ protected:
 
     std::optional<IdPicker::Answer> frame(const Eye& eye)
     {
-        const auto answer = _picker.update(eye, [this](const Eye& part) { _boxes.drawIds(part); });
+        const auto answer = _picker.update(eye, [this](const Eye& part) { _boxes.drawIds(part, firstID); });
         glFinish();
         return answer;
     }
@@ -43,6 +43,7 @@ protected:
         return std::nullopt;
     }
 
+    std::uint32_t firstID = 1;
     Instances _boxes;
     IdPicker _picker{3};
 };
@@ -81,6 +82,8 @@ TEST_F(IdPickerTest, TellsWhatAndWhereInEveryDepth)
     EXPECT_EQ(ask(above, {80 + 6.4, 80.5})->id, 13U);
     EXPECT_EQ(ask(above, {80 + 9.4, 80.5})->id, 0U);
     EXPECT_EQ(ask(above, {-100, 1e9})->id, 0U);
+    firstID = 0x8FFFFFF0U; // of four bytes
+    EXPECT_EQ(ask(above, {80.5, 80.5})->id, firstID + 12);
     GLint framebuffer = 1;
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
     EXPECT_EQ(framebuffer, 0);

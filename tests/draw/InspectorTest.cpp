@@ -1,3 +1,4 @@
+#include "draw/src/inspect/GLMemory.h"
 #include "support/OffscreenGL.h"
 
 #include <gui/Key.h>
@@ -12,7 +13,10 @@
 
 #include <glm/mat4x4.hpp>
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace
@@ -79,6 +83,20 @@ TEST_F(InspectorTest, ShowsTheFrameAndLeavesItsStateAlone)
     const std::vector<td::BYTE> before = picture();
     EXPECT_FALSE(gui::gl::FrameLedger::isOn());
     EXPECT_FALSE(press(inspector, Virtual::F10)) << "the view's, while it is hidden";
+    // Two textures, each red beside green: the larger one first.
+    std::array<GLuint, 2> textures{};
+    glGenTextures(2, textures.data());
+    for (const auto& [name, width, height] : {std::array{textures[0], 16U, 32U}, std::array{textures[1], 64U, 32U}})
+    {
+        std::vector<std::array<td::BYTE, 4>> texels(std::size_t(width) * height);
+        for (std::size_t i = 0; i < texels.size(); ++i)
+            texels[i] = i % width < width / 2 ? std::array<td::BYTE, 4>{255, 0, 0, 255}
+                                              : std::array<td::BYTE, 4>{0, 255, 0, 255};
+        glBindTexture(GL_TEXTURE_2D, name);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, GLsizei(width), GLsizei(height), 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     texels.data());
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
     EXPECT_TRUE(press(inspector, Virtual::F12) && inspector.isShown());
 
     const std::array<GLenum, 14> states{GL_STENCIL_FUNC,       GL_STENCIL_REF,        GL_STENCIL_PASS_DEPTH_PASS,
@@ -110,6 +128,17 @@ TEST_F(InspectorTest, ShowsTheFrameAndLeavesItsStateAlone)
     EXPECT_EQ(pixel(450, 310), (Pixel{0x14, 0x36, 0x7a}));
     EXPECT_EQ(pixel(240, 8), (Pixel{0x14, 0x36, 0x7a}));
     EXPECT_EQ(pixel(300, 8), (Pixel{0x1e, 0x8a, 0x3c}));
+    // Below, from the left: 128 points the longer side, to the texel.
+    const Pixel red{255, 0, 0}, green{0, 255, 0};
+    EXPECT_EQ(pixel(10, 26), red);
+    EXPECT_NE(pixel(11, 24), red);
+    EXPECT_EQ(pixel(73, 27), red);
+    EXPECT_EQ(pixel(74, 27), green);
+    EXPECT_EQ(pixel(137, 27), green);
+    EXPECT_EQ(pixel(149, 27), red);
+    EXPECT_EQ(pixel(211, 27), green);
+    EXPECT_NE(pixel(220, 60), green);
+    glDeleteTextures(2, textures.data());
 
     EXPECT_TRUE(press(inspector, Virtual::F9) && inspector.isHeld(view));
     EXPECT_TRUE(press(inspector, Virtual::F8));
@@ -121,6 +150,57 @@ TEST_F(InspectorTest, ShowsTheFrameAndLeavesItsStateAlone)
     glDisable(GL_STENCIL_TEST);
     drawFrame(inspector);
     EXPECT_EQ(picture(), before);
+}
+
+// What is told too little or too much: levels, faces and samples that are forgotten, another's that is counted.
+TEST_F(InspectorTest, MemoryIsWhatWasAskedFor)
+{
+    if (!GLMemory::isTold())
+        GTEST_SKIP() << "the driver does not tell";
+    const GLMemory::Names others = GLMemory::getNames();
+    std::array<GLuint, 4> textures{};
+    GLuint bytes = 0, multisampled = 0;
+    glGenTextures(4, textures.data());
+    glBindTexture(GL_TEXTURE_2D, textures[0]);
+    for (int level = 0; level < 4; ++level)
+        glTexImage2D(GL_TEXTURE_2D, level, GL_RGBA8, 8 >> level, std::max(4 >> level, 1), 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     nullptr);
+    glBindTexture(GL_TEXTURE_2D, textures[1]);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_R16, 10, 20, 0, GL_RED, GL_UNSIGNED_SHORT, nullptr);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glBindTexture(GL_TEXTURE_CUBE_MAP, textures[2]);
+    for (GLenum face = 0; face < 6; ++face)
+        glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + face, 0, GL_RGBA8, 4, 4, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
+    glBindTexture(GL_TEXTURE_3D, textures[3]);
+    glTexImage3D(GL_TEXTURE_3D, 0, GL_RGBA8, 1, 1, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindTexture(GL_TEXTURE_3D, 0);
+    glGenBuffers(1, &bytes);
+    glBindBuffer(GL_ARRAY_BUFFER, bytes);
+    glBufferData(GL_ARRAY_BUFFER, 1000, nullptr, GL_STATIC_DRAW);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glGenRenderbuffers(1, &multisampled);
+    glBindRenderbuffer(GL_RENDERBUFFER, multisampled);
+    glRenderbufferStorageMultisample(GL_RENDERBUFFER, 4, GL_RGBA8, 10, 5);
+    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+
+    const GLMemory memory = GLMemory::ask(others);
+    std::vector<std::pair<GLuint, std::uint64_t>> told;
+    for (const GLMemory::Object& object : memory.objects)
+        told.emplace_back(object.name, object.nBytes);
+    EXPECT_EQ(told, (std::vector<std::pair<GLuint, std::uint64_t>>{{bytes, 1000},
+                                                                   {multisampled, 800},
+                                                                   {textures[1], 400},
+                                                                   {textures[2], 384},
+                                                                   {textures[0], 4 * (32 + 8 + 2 + 1)},
+                                                                   {textures[3], 12}}));
+    EXPECT_EQ(memory.getBytes(GLMemory::Kind::Texture), 968U);
+    EXPECT_EQ(memory.getCount(GLMemory::Kind::Texture), 4U);
+    EXPECT_EQ(memory.nBytes, 2768U);
+    EXPECT_EQ(toText(999) + toText(1000) + toText(123'456) + toText(5'600'000), "999 bytes1.0 kB123.5 kB5.6 MB");
+    glDeleteTextures(4, textures.data());
+    glDeleteBuffers(1, &bytes);
+    glDeleteRenderbuffers(1, &multisampled);
 }
 
 } // namespace

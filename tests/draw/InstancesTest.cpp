@@ -221,6 +221,17 @@ TEST_F(InstancesTest, OneChangesByItself)
     ASSERT_TRUE(context().replace());
     EXPECT_EQ(drawn(draw), picture);
     EXPECT_EQ(at(drawn([&] { return instances.drawColor(eye, "#12345678"); }), 7, 70), (Pixel{0x12, 0x34, 0x56, 0x78}));
+    // Many at once, and the others stay.
+    Instances many, moved;
+    placements = scattered(1500, {}, 60, false);
+    ASSERT_TRUE(many.setMesh(box) && moved.setMesh(box) && many.set(placements));
+    std::vector<Instances::Placement> others = placements;
+    for (std::size_t i = 200; i < 1400; ++i)
+        others[i].position = -others[i].position;
+    ASSERT_TRUE(moved.set(others));
+    drawn([&] { return many.draw(eye); });
+    EXPECT_TRUE(many.setPlacements(200, std::span(others).subspan(200, 1200)));
+    EXPECT_EQ(drawn([&] { return many.drawIds(eye); }), drawn([&] { return moved.drawIds(eye); }));
 }
 
 TEST_F(InstancesTest, BadInputIsRefusedAndChangesNothing)

@@ -445,6 +445,10 @@ TEST_F(ModelTest, NothingIsUploadedForTurningAndALostContextHeals)
     EXPECT_EQ(static_cast<unsigned int>(name), aside.getID());
     glDepthFunc(GL_LESS);
     glDisable(GL_CULL_FACE);
+    model.clear();
+    EXPECT_TRUE(model.getBounds().isEmpty());
+    Model empty;
+    EXPECT_EQ(drawn(model, eye(0)), drawn(empty, eye(0)));
 }
 
 // Reversed depth and slices show what usual depth does, lines over faces too.

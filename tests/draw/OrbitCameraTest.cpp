@@ -328,6 +328,9 @@ TEST_F(OrbitCameraTest, StaysWithinItsLimits)
     EXPECT_TRUE((Box3{{-1, -1, -1}, {1, 1, 1}}.contains(camera.getTarget())));
     ASSERT_TRUE(camera.fit({{0, 0, 0}, {1e6, 1, 1}}));
     EXPECT_EQ(camera.getDistance(), 20);
+    camera.setElevationLimits(-90, 90);
+    camera.turn({0, 0, 0}, 0, -200);
+    EXPECT_NEAR(camera.getElevation(), -90, 1e-9);
 }
 
 TEST_F(OrbitCameraTest, BadInputChangesNothing)

@@ -201,6 +201,24 @@ TEST_F(OrbitControlTest, AxesTakeClicks)
     EXPECT_TRUE(press('p'));
     EXPECT_TRUE(camera.getEye().isOrthographic());
     EXPECT_FALSE(press('5', 16) || press('x'));
+    for (const auto& [key, isNearer] : {std::pair(gui::Key('+', 0, 1, 0), true),
+                                        {gui::Key('=', 0, 1, 0), true},
+                                        {gui::Key(0, 0, 1, int(gui::Key::Virtual::KeypadPlus)), true},
+                                        {gui::Key('-', 0, 1, 0), false},
+                                        {gui::Key(0, 0, 1, int(gui::Key::Virtual::KeypadMinus)), false}})
+    {
+        const double before = camera.getDistance();
+        EXPECT_TRUE(control.onKey(key));
+        EXPECT_EQ(camera.getDistance() < before, isNearer) << key.getCode();
+    }
+    // A double click beside everything shows the whole.
+    camera.setBounds({{-1, -1, -1}, {1, 1, 1}});
+    camera.pan({0, 0, 0}, {2000, 0});
+    isSomethingThere = false;
+    control.onDoubleClick(at({300, 200}));
+    EXPECT_TRUE(camera.isMoving());
+    arrive();
+    EXPECT_LT(off(camera, {0, 0, 0}, {300, 200}), 1e-6);
     const OrbitCamera::Pose pose = camera.getPose();
     constexpr double cNaN = std::numeric_limits<double>::quiet_NaN();
     for (const double bad : {cNaN, std::numeric_limits<double>::infinity()})

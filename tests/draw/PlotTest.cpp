@@ -1,4 +1,4 @@
-#include <gui/draw/Plot.h>
+#include <gui/draw/PlotView.h>
 
 #include <support/OffscreenGL.h>
 #include <support/Pictures.h>
@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
@@ -49,7 +50,34 @@ protected:
         return 255 - (p[0] + p[1] + p[2]) / 3;
     }
 
+    std::vector<td::BYTE> bytes() const
+    {
+        return {picture.getBytes(), picture.getBytes() + 3 * picture.getWidth() * picture.getHeight()};
+    }
+
+    // The smallest box that holds all pixels which are other ones than these.
+    Axes::Rect differs(const std::vector<td::BYTE>& before) const
+    {
+        double left = 640, top = 400, right = 0, bottom = 0;
+        for (std::size_t i = 0; i < before.size(); ++i)
+            if (before[i] != picture.getBytes()[i])
+            {
+                const double x = double(i / 3 % 640), y = double(i / 3 / 640);
+                left = std::min(left, x), top = std::min(top, y);
+                right = std::max(right, x + 1), bottom = std::max(bottom, y + 1);
+            }
+        return {left, top, right, bottom};
+    }
+
     gui::Texture picture;
+};
+
+// What its view hands on.
+struct Chart : PlotView
+{
+    using PlotView::onCursorDragged, PlotView::onCursorExited, PlotView::onCursorMoved, PlotView::onKeyPressed;
+    using PlotView::onPrimaryButtonDblClick, PlotView::onPrimaryButtonPressed, PlotView::onPrimaryButtonReleased;
+    using PlotView::onScroll, PlotView::PlotView;
 };
 
 InputDevice at(double x, double y, unsigned int modifiers = 0)
@@ -335,7 +363,9 @@ TEST_F(PlotTest, PlotsWithALinkedAxisFollowEachOther)
 // Axes that jump under the pointer, boxes that show something else, ranges that never come back.
 TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
 {
-    Plot plot(2, 1);
+    Chart chart(2, 1);
+    context().makeCurrent();
+    Plot& plot = chart.getPlot();
     plot.linkX();
     plot.add(Series::line(std::vector<float>(1001, 1.0F)));
     plot.axes(1).add(Series::line({1, 5, 2}).setX(0, 500));
@@ -344,9 +374,9 @@ TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
     const Axes::Rect area = axes.getArea();
     const Axes::Point from{area.left + 100, area.top + 50};
     const Axes::Point value = axes.toValues(from);
-    plot.onPressed(at(from.x, from.y));
-    plot.onDragged(at(from.x + 60, from.y + 20));
-    plot.onReleased(at(from.x + 60, from.y + 20));
+    chart.onPrimaryButtonPressed(at(from.x, from.y));
+    chart.onCursorDragged(at(from.x + 60, from.y + 20));
+    chart.onPrimaryButtonReleased(at(from.x + 60, from.y + 20));
     draw(plot);
     EXPECT_NEAR(axes.toPoint(value.x, value.y).x, from.x + 60, 0.01);
     EXPECT_NEAR(axes.toPoint(value.x, value.y).y, from.y + 20, 0.01);
@@ -355,13 +385,13 @@ TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
     InputDevice wheel({0, 15}, {0, 0}, {0, 0}, 0, InputDevice::Type::Mouse, InputDevice::Button::Wheel);
     gui::InputDeviceHelper(&wheel).setPlace(from);
     const Axes::Point kept = axes.toValues(from);
-    ASSERT_TRUE(plot.onScroll(wheel));
+    ASSERT_TRUE(chart.onScroll(wheel));
     draw(plot);
     EXPECT_NEAR(axes.toPoint(kept.x, kept.y).x, from.x, 0.01);
     // On the numbers of y, y alone.
     const Ticks::Range x = axes.x().getRange(), y = axes.y().getRange();
     gui::InputDeviceHelper(&wheel).setPlace({area.left - 20, from.y});
-    ASSERT_TRUE(plot.onScroll(wheel));
+    ASSERT_TRUE(chart.onScroll(wheel));
     EXPECT_EQ(axes.x().getRange(), x);
     EXPECT_FALSE(axes.y().getRange() == y);
 
@@ -369,19 +399,36 @@ TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
     const Axes::Point a = axes.toValues({area.left + 50, area.bottom - 20});
     const Axes::Point b = axes.toValues({area.left + 250, area.top + 10});
     const auto shift = static_cast<unsigned int>(gui::KeyModifier::Shift);
-    plot.onPressed(at(area.left + 50, area.bottom - 20, shift));
-    plot.onDragged(at(area.left + 250, area.top + 10, shift));
+    chart.onPrimaryButtonPressed(at(area.left + 50, area.bottom - 20, shift));
+    chart.onCursorDragged(at(area.left + 250, area.top + 10, shift));
+    const std::vector<td::BYTE> without = bytes();
     draw(plot); // with the box
-    plot.onReleased(at(area.left + 250, area.top + 10, shift));
+    EXPECT_EQ(differs(without), Axes::Rect(area.left + 50, area.top + 10, area.left + 250, area.bottom - 20));
+    chart.onPrimaryButtonReleased(at(area.left + 250, area.top + 10, shift));
     EXPECT_NEAR(axes.x().getRange().low, a.x, 1e-6);
     EXPECT_NEAR(axes.x().getRange().high, b.x, 1e-6);
     EXPECT_NEAR(axes.y().getRange().low, a.y, 1e-9);
     EXPECT_NEAR(axes.y().getRange().high, b.y, 1e-9);
 
-    plot.onDoubleClick(at(from.x, from.y));
+    chart.onPrimaryButtonDblClick(at(from.x, from.y));
+    // The pointer shows what is under it, and takes that along.
+    chart.onCursorExited(at(from.x, from.y));
     draw(plot);
+    const std::vector<td::BYTE> before = bytes();
+    const Axes::Point peak = axes.toPoint(500, 5);
+    chart.onCursorMoved(at(peak.x + 2, peak.y));
+    draw(plot);
+    const Axes::Rect readout = differs(before); // with its ring, below, as there is no room above
+    EXPECT_GE(readout.top, area.top);
+    chart.onCursorExited(at(from.x, from.y));
+    draw(plot);
+    EXPECT_TRUE(bytes() == before);
     EXPECT_EQ(axes.x().getRange(), (Ticks::Range{0, 1000}));
     EXPECT_NEAR(axes.y().getRange().low, 0.8, 1e-9);
+    EXPECT_TRUE(axes.x().pan(0.5));
+    EXPECT_EQ(axes.x().getRange(), (Ticks::Range{500, 1500}));
+    axes.fit();
+    draw(plot);
     const std::optional<Axes::Hit> hit = axes.findNearest(axes.toPoint(501, 4.9), 20);
     ASSERT_TRUE(hit);
     EXPECT_EQ(hit->index, 1U);
@@ -531,6 +578,66 @@ TEST_F(PlotTest, LiveSeriesAskForFramesAndRestCostsNone)
     gui::gl::FrameLedger::end();
     EXPECT_EQ(gui::gl::FrameLedger::getLast().nUploads, 0U);
     gui::gl::FrameLedger::stop();
+}
+
+// What is set and not seen before something else changes.
+TEST_F(PlotTest, WhatIsSetIsDrawnWithTheNextFrame)
+{
+    int nAsked = 0;
+    Plot plot(2, 2);
+    plot.setOnChange([&nAsked] { ++nAsked; });
+    plot.add(Series::line({1, 500, 20}, {.label = "five"}));
+    PlotStyle style;
+    style.minorGrid = "#ff8080";
+    plot.setStyle(style);
+    style.background = "#e0e0ff";
+    Axes& axes = plot.axes();
+    const std::function<void()> changes[] = {
+        [&] {
+            plot.setRowShares(std::array{1.0, 3.0});
+        },
+        [&] {
+            plot.setColumnShares(std::array{3.0, 1.0});
+        },
+        [&] { axes.setLegend(Axes::Legend::None); },
+        [&] { axes.setLegend(Axes::Legend::BottomLeft); },
+        [&] { axes.setTitle("a title"); },
+        [&] { axes.setMinorGrid(true); },
+        [&] { axes.x().setTitle("metres"); },
+        [&] { axes.x().setGrid(false); },
+        [&] { axes.x().setTickDistance(20); },
+        [&] { axes.y().setScale(Scale::logarithmic()); },
+        [&] { axes.setBare(true); },
+        [&] { plot.setStyle(style); },
+    };
+    draw(plot);
+    for (const auto& change : changes)
+    {
+        const std::vector<td::BYTE> before = bytes();
+        nAsked = 0;
+        change();
+        EXPECT_GE(nAsked, 1) << &change - changes;
+        EXPECT_TRUE(plot.isChanged()) << &change - changes;
+        draw(plot);
+        EXPECT_FALSE(before == bytes()) << &change - changes;
+    }
+    EXPECT_EQ(axes.getArea(), Axes::Rect(0, 0, 480, 100));
+    // Numbers are as exact as the screen.
+    const auto told = [&](double low, double high, double value)
+    {
+        EXPECT_TRUE(axes.x().setRange(low, high));
+        return axes.format(axes.x(), value);
+    };
+    EXPECT_EQ(told(0, 48000, 12345.678), "12\u2009346");
+    EXPECT_EQ(told(0, 6, 1.23456), "1.23");
+    axes.x().setScale(Scale::time());
+    EXPECT_EQ(told(0, 20000, 4000), "1 Jan 1970 01:06:40");
+    EXPECT_EQ(told(0, 80, 65.25), "1 Jan 1970 00:01:05.3");
+    // Where a logarithm has none, what is above zero is shown.
+    plot.axes(1, 1).y().setScale(Scale::logarithmic());
+    plot.axes(1, 1).add(Series::line({0, 0.5, 20, 300}));
+    draw(plot);
+    EXPECT_NEAR(plot.axes(1, 1).y().getRange().low, 0.5, 0.3);
 }
 
 // Series of all kinds under edits and moves of every kind, against a plain model of what they hold; GL errors, numbers

@@ -99,6 +99,30 @@ TEST_F(Points3Test, DiscsHaveTheirSizeInPointsAndInModelUnits)
         }
 }
 
+// Blocks of points that are left out though some of theirs are seen.
+TEST_F(Points3Test, NothingIsMissingInPartsOfTheView)
+{
+    std::vector<glm::dvec3> places;
+    for (int i = 0; i < 20'000; ++i)
+        places.emplace_back(i < 10'000 ? uniform(-70, -30) : uniform(30, 70), uniform(-70, 70), uniform(-9, 9));
+    Points3 points;
+    ASSERT_TRUE(points.set(places));
+    points.setLook({.size = 1});
+    const Eye eye = test::eyeAbove();
+    const Picture whole = drawn([&] { return points.draw(eye); });
+    for (const int left : {10, 60, 110})
+    {
+        glViewport(left, 60, 40, 40);
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(left, 60, 40, 40);
+        glClear(GL_DEPTH_BUFFER_BIT);
+        EXPECT_TRUE(points.draw(eye.getPart({double(left), 60, left + 40.0, 100})));
+        glDisable(GL_SCISSOR_TEST);
+        glViewport(0, 0, cPictureSize, cPictureSize);
+        EXPECT_LE(nOther(whole, read(), 24), 12) << left;
+    }
+}
+
 TEST_F(Points3Test, IdsUploadsAndBadInput)
 {
     std::vector<glm::vec3> places;

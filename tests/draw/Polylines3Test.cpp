@@ -264,6 +264,9 @@ TEST_F(Polylines3Test, BadInputIsRefusedAndChangesNothing)
     EXPECT_TRUE(lines.draw(test::eyeAbove()) && lines.draw(test::eyeAt({0, 0, 0}, {1, 1, 1})) && lines.draw(Eye()));
     lines.clear();
     EXPECT_TRUE(lines.getBounds().isEmpty() && lines.draw(test::eyeAbove()));
+    lines.setBias(0);
+    ASSERT_TRUE(lines.add(good, {.width = 4, .color = "#ffffff"}));
+    EXPECT_EQ(drawn([&] { return lines.draw(test::eyeAbove()); }), before) << "nothing of those is left";
 }
 
 } // namespace

@@ -110,6 +110,7 @@ TEST(SVGPathTest, SaysWhereItStopped)
         {"M1 1L2 2 3 4.L", 12, "a number", "M 1 1 L 2 2 L 3 4"},
         {"M1.5.5-3-4e1+5E-1l.5,.5", 17, "a number", "M 1.5 0.5 L -3 -40"},
         {"M1 1L+-1 1", 5, "a number", "M 1 1"},
+        {"M1 1H2 3V", 9, "a number", "M 1 1 L 2 1 L 3 1"},
         {"M1 1z5", 5, "a command", "M 1 1 Z"},
         {"M0 0C1 1 2 2 3", 14, "a number", "M 0 0"},
         {"M0 0L1 1A1 1 0 2 0 3 3", 15, "0 or 1", "M 0 0 L 1 1"},

@@ -206,6 +206,7 @@ TEST_F(SignsInSpaceTest, LabelsAreWhereTheirPointsAreSeen)
     draw();
     EXPECT_FALSE(labels.isShown(before) || labels.isShown(faint) || labels.isShown(shown) || labels.isShown(large));
     EXPECT_TRUE(labels.isShown(hidden));
+    EXPECT_FALSE(labels.remove(shown) || labels.setWanted(shown, true)) << "it is gone";
     EXPECT_TRUE(labels.move(hidden, {0.5, 0.5, -1}) && labels.setText(hidden, TextLayout("A longer one", {})));
     draw();
     const auto rect = labels.getRect(hidden);

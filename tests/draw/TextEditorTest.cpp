@@ -149,6 +149,7 @@ TEST(TextEditorTest, Keys)
         {{0, 0, 1, int(Virtual::Return)}, "o[n|e", "o\n|e"},
         {{'a', cCtrl, 1, 0}, "o|ne", "[one|"},
         {{'e', 0, 1, 0}, "o|ne", "o|ne"}, // its text comes by itself
+        {{' ', 0, 1, 0}, "o|ne", "o|ne"},
         {{'@', cAltGr, 1, 0}, "o|ne", "o|ne"},
         {{'e', cAlt, 1, 0}, "o|ne", "o|ne", false},
         {{'v', cCtrl, 1, 0}, "o|ne", "o|ne", false},
@@ -218,6 +219,12 @@ TEST(TextEditorTest, UndoTakesWordsAndRunsOfDeletions)
     editor.undo();
     editor.insert("y");
     EXPECT_FALSE(editor.canRedo());
+    // Nothing in the place of something, and what is typed then, are one step.
+    editor.select({0, 5});
+    EXPECT_TRUE(editor.insert("") && editor.insert("end"));
+    EXPECT_EQ(editor.getText().substr(0, 4), "end ");
+    editor.undo();
+    EXPECT_EQ(editor.getText().substr(0, 6), "start ");
 }
 
 TEST(TextEditorTest, LimitsLeaveWholeLetters)
@@ -251,9 +258,12 @@ TEST(TextEditorTest, ACompositionIsShownAndNotThere)
     const auto lines = editor.getCompositionRects(), selected = editor.getSelectionRects();
     ASSERT_EQ(lines.size(), 1U);
     ASSERT_EQ(selected.size(), 1U);
+    EXPECT_NEAR(lines[0].left, editor.getLayout().getCaret({4}).top.x, 1e-6);
     EXPECT_LT(lines[0].left, selected[0].left);
     EXPECT_GT(lines[0].right, selected[0].right);
     EXPECT_EQ(editor.getCaretRect().left, selected[0].right);
+    EXPECT_NEAR(lines[0].bottom - lines[0].top, 1, 1e-9);
+    EXPECT_LT(lines[0].bottom, selected[0].bottom);
     editor.compose({});
     EXPECT_EQ(shown(editor), "one [two| three");
     EXPECT_EQ(editor.getCaretRect().left, before);
@@ -262,6 +272,9 @@ TEST(TextEditorTest, ACompositionIsShownAndNotThere)
     EXPECT_EQ(editor.getLayout().getText(), "one 日 three");
     editor.undo();
     EXPECT_EQ(shown(editor), "one [two| three");
+    editor.compose({"に", 0, 0});
+    EXPECT_FALSE(editor.undo() && editor.undo());
+    EXPECT_EQ(editor.getLayout().getText(), editor.getText());
     editor.compose({"に", 9, 4});
     editor.move(Motion::TextStart);
     EXPECT_EQ(editor.getLayout().getText(), "one two three");

@@ -158,6 +158,12 @@ TEST_F(FramebufferGLTest, OthersMayBeBegunInBetweenAndGone)
     EXPECT_EQ(values[2], 0x56 / 255.0f) << "the same size loses nothing";
     ASSERT_TRUE(outer.resize({20, 3}) && outer.readValues(values));
     EXPECT_EQ(values.size(), 240u);
+    // One that ends in the middle of a drawing leaves what was before it.
+    {
+        Framebuffer passing;
+        ASSERT_TRUE(passing.create({4, 4}) && passing.begin());
+    }
+    EXPECT_EQ(bindings()[0], 0);
 }
 
 // A name of another context, or of none, must never reach GL; and a frame must not fill the log.
@@ -208,8 +214,8 @@ TEST_F(FramebufferGLTest, RefusalsAreSaidOnceAndChangeNothing)
     EXPECT_FALSE(aside.create({8, 8}, {.color = Framebuffer::Color(4)}));
     EXPECT_TRUE(asserts.caught("std::size_t(format.color) < cColorFormats.size()"));
     ASSERT_TRUE(aside.begin());
-    EXPECT_FALSE(aside.begin());
-    EXPECT_TRUE(log.said("Error! Framebuffer::begin twice without an end"));
+    EXPECT_FALSE(aside.begin() || aside.begin());
+    EXPECT_EQ(log.take(), std::vector<std::string>{"Error! Framebuffer::begin twice without an end"});
     EXPECT_FALSE(aside.create({4, 4}));
     EXPECT_TRUE(asserts.caught("!_isDrawing || !isOk()"));
     EXPECT_EQ(aside.getID(), name);

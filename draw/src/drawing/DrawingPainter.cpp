@@ -88,8 +88,11 @@ public:
     void activateFor(const ShapeTables& tables, const Sight& sight)
     {
         activate();
-        const std::array<std::uint32_t, 2> x = tables.toUnits(sight.center.x), y = tables.toUnits(sight.center.y);
+        const int coarseness = tables.getCoarseness(sight.center);
+        const std::array<std::uint32_t, 2> x = tables.toUnits(sight.center.x, coarseness),
+                                           y = tables.toUnits(sight.center.y, coarseness);
         setUniformValue(_center, glm::uvec4(x[0], x[1], y[0], y[1]));
+        setUniformValue(_coarseness, coarseness);
         const Affine& map = sight.toPixels;
         setUniformValue(_toPixels, glm::vec4(map.a, map.b, map.c, map.d));
         setUniformValue(_halfSize, glm::vec2(sight.size.width / 2.0, sight.size.height / 2.0));
@@ -101,6 +104,7 @@ protected:
     {
         const auto find = [this](const char* name) { return static_cast<unsigned int>(getUniformLocation(name)); };
         _center = find("center");
+        _coarseness = find("coarseness");
         _toPixels = find("toPixels");
         _halfSize = find("halfSize");
         _pixelsPerPoint = find("pixelsPerPoint");
@@ -115,6 +119,7 @@ protected:
 
 private:
     unsigned int _center = 0;
+    unsigned int _coarseness = 0;
     unsigned int _toPixels = 0;
     unsigned int _halfSize = 0;
     unsigned int _pixelsPerPoint = 0;

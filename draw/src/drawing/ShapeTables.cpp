@@ -348,11 +348,23 @@ bool ShapeTables::makeRoomFor(double largest)
     return true;
 }
 
-std::array<std::uint32_t, 2> ShapeTables::toUnits(double coordinate) const
+namespace
 {
-    constexpr double cMost = 0x1p62;
-    const double units = std::ldexp(coordinate, -_unit);
-    const auto bits = static_cast<std::uint64_t>(std::isnan(units) ? 0 : std::llrint(std::clamp(units, -cMost, cMost)));
+constexpr double cMostUnits = 0x1p62;
+}
+
+int ShapeTables::getCoarseness(td::Point<double> point) const
+{
+    const double units = std::ldexp(std::max(std::abs(point.x), std::abs(point.y)), -_unit);
+    // What is even farther shows no shape, nor does a point that is none.
+    return units > cMostUnits ? std::min(std::isfinite(units) ? std::ilogb(units / cMostUnits) + 1 : 31, 31) : 0;
+}
+
+std::array<std::uint32_t, 2> ShapeTables::toUnits(double coordinate, int coarseness) const
+{
+    const double units = std::ldexp(coordinate, -_unit - coarseness);
+    const auto bits =
+        static_cast<std::uint64_t>(std::isnan(units) ? 0 : std::llrint(std::clamp(units, -cMostUnits, cMostUnits)));
     return {static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
 }
 

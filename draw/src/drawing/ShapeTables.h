@@ -185,8 +185,11 @@ public:
     /// The records of shapes that a fill shares edges with, then of those that it shares corners with.
     void setLinks(ShapePlaces& places, std::span<const std::uint32_t> records, std::size_t nEdges);
 
-    /// A model coordinate in units, held within the room there is: low and high word.
-    std::array<std::uint32_t, 2> toUnits(double coordinate) const;
+    /// By what power of two units must be larger for a point to have room, as the middle of a view does that is much
+    /// farther from the origin than all shapes are; mostly 0.
+    int getCoarseness(td::Point<double> point) const;
+    /// A model coordinate in units, or in so much larger ones, held within the room there is: low and high word.
+    std::array<std::uint32_t, 2> toUnits(double coordinate, int coarseness = 0) const;
 
     /// All that there has been since the last clear, in shapes and in glyphs.
     unsigned int getFeatures() const { return _features; }

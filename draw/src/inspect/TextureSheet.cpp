@@ -84,6 +84,9 @@ void TextureSheet::draw(const std::vector<Place>& places, const td::Size<double>
     _program.activate();
     for (const Place& place : places)
     {
+        // What the context has is asked for now and then.
+        if (glIsTexture(place.texture.name) == GL_FALSE)
+            continue;
         glm::mat4 matrix(1);
         matrix[0].x = static_cast<float>(2 * place.size.width / view.width);
         matrix[1].y = static_cast<float>(-2 * place.size.height / view.height);

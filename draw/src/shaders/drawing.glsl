@@ -9,6 +9,7 @@ uniform usamplerBuffer elements; // what quads are made from
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
 uniform isamplerBuffer nodes;  // boxes around a shape's lines, a tree: two texels each
 uniform ivec4 center;          // the model point in the middle, in units: low and high word of x, then of y
+uniform int coarseness;        // the power of two that units are larger by than those of origins
 uniform vec4 toPixels;         // pixels per model unit, by columns
 uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
@@ -48,6 +49,12 @@ float toFloat(uvec2 n)
     return isNegative ? -f : f;
 }
 
+// An origin in the units that the middle is in.
+uvec2 coarse(uvec2 n)
+{
+    return coarseness == 0 ? n : uvec2(n.x >> coarseness | n.y << (32 - coarseness), uint(int(n.y) >> coarseness));
+}
+
 uvec2 subtract(uvec2 a, uvec2 b) { return uvec2(a.x - b.x, a.y - b.y - (a.x < b.x ? 1u : 0u)); }
 
 // n / 2^shift as a whole number and a fraction of 0 to 1; (0, all of it) where 31 bits are too few.
@@ -82,8 +89,8 @@ Place placeOf(int shape)
     uvec4 origin = texelFetch(shapes, 6 * shape);
     vec4 linear = uintBitsToFloat(texelFetch(shapes, 6 * shape + 1));
     uvec4 state = texelFetch(shapes, 6 * shape + 2);
-    uvec2 x = subtract(uvec2(center.xy), origin.xy), y = subtract(uvec2(center.zw), origin.zw);
-    int shift = int(state.x);
+    uvec2 x = subtract(uvec2(center.xy), coarse(origin.xy)), y = subtract(uvec2(center.zw), coarse(origin.zw));
+    int shift = int(state.x) - coarseness;
     Place place;
     mat2 own = mat2(linear.xy, linear.zw);
     if ((state.z & cMoved) == 0u)

@@ -20,8 +20,10 @@ void main()
     uvec4 text = texelFetch(shapes, 6 * shape + 3);
     uvec4 more = texelFetch(glyphs, 2 * int(element.y) + 1);
     uvec2 picture = more.zw;
-    vec2 way = vec2(toFloat(subtract(origin.xy, uvec2(center.xy))), toFloat(subtract(origin.zw, uvec2(center.zw))));
-    vec2 anchor = mat2(toPixels.xy, toPixels.zw) * (way * (uintBitsToFloat(state.y) * powerOfTwo(-int(state.x)))) +
+    vec2 way = vec2(toFloat(subtract(coarse(origin.xy), uvec2(center.xy))),
+                    toFloat(subtract(coarse(origin.zw), uvec2(center.zw))));
+    float unit = uintBitsToFloat(state.y) * powerOfTwo(coarseness - int(state.x));
+    vec2 anchor = mat2(toPixels.xy, toPixels.zw) * (way * unit) +
                   pixelsPerPoint * uintBitsToFloat(text.zw) * vec2(1.0, -1.0);
     if ((state.z & cVisible) == 0u || int(picture.x) >= 0 || any(greaterThan(abs(anchor), vec2(1e6))))
         return;

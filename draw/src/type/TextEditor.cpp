@@ -218,9 +218,11 @@ bool TextEditor::join(const Step& step)
     if (step.kind == Kind::Typing)
     {
         const auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
-        const bool isNewWord = isSpace(last.inserted.back()) && !isSpace(step.inserted.front());
-        if (!step.removed.empty() || step.at != last.at + last.inserted.size() || isNewWord ||
+        if (!step.removed.empty() || step.at != last.at + last.inserted.size() ||
             step.inserted.find('\n') != std::string::npos)
+            return false;
+        // The last one may have put nothing in the place of what was selected.
+        if (!last.inserted.empty() && isSpace(last.inserted.back()) && !isSpace(step.inserted.front()))
             return false;
         last.inserted += step.inserted;
     }
