@@ -11,7 +11,7 @@ if [ -n "$others" ]; then
     exit 1
 fi
 others=$(cd "$1" && grep -rnE '#include (FT_|<(ft2build|freetype|fontconfig))' --include='*.h' --include='*.cpp' \
-    src toolkit draw include hosts | grep -vE '^draw/src/type/(FreeTypeFace|SystemFonts)\.cpp:')
+    src toolkit draw include hosts | grep -vE '^draw/src/type/(ColorPaint|ColorPicture|FreeTypeFace|SystemFonts)\.cpp:')
 if [ -n "$others" ]; then
     echo "$others"
     exit 1
