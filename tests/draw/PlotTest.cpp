@@ -750,6 +750,55 @@ TEST_F(PlotTest, ARandomWalkKeepsSeriesAsAPlainModelHasThem)
     }
 }
 
+// Bars that stand on something else, stems the wrong way, candles whose wicks are beside them.
+TEST_F(PlotTest, BarsStemsAndCandlesReachTheirNumbers)
+{
+    const std::vector<double> xs{0, 1, 2, 3};
+    const SeriesStyle style{.color = "#000000", .fill = td::Color("#000000")};
+    SeriesStyle marked = style;
+    marked.marker = Marker::Square;
+    marked.markerSize = 20;
+    struct Place
+    {
+        int x, y;
+        bool isDark;
+    };
+    // A sample is 160 pixels, a unit 40, and zero in the middle.
+    const auto look = [&](Series series, const std::vector<Place>& places)
+    {
+        Plot plot;
+        makeBare(plot);
+        plot.add(std::move(series));
+        plot.axes().x().setRange(-0.5, 3.5);
+        plot.axes().y().setRange(-5, 5);
+        draw(plot);
+        for (const auto& [x, y, isDark] : places)
+            EXPECT_EQ(darkness(x, y) > 60, isDark) << x << ' ' << y;
+    };
+    look(Series::bars(xs, {2, -3, cNaN, 4}, marked), {{40, 122, true},
+                                                      {40, 117, false},
+                                                      {80, 112, true},
+                                                      {80, 205, false},
+                                                      {240, 195, false},
+                                                      {290, 317, true},
+                                                      {290, 323, false},
+                                                      {400, 195, false},
+                                                      {560 - 62, 100, true},
+                                                      {560 - 66, 100, false},
+                                                      {560 + 62, 195, true}});
+    look(Series::stems(xs, {2, -3, cNaN, 4}, style),
+         {{80, 160, true}, {80, 230, false}, {240, 260, true}, {240, 190, false}, {560, 42, true}, {120, 160, false}});
+    SeriesStyle falling = style;
+    falling.fill = td::Color("#ffffff");
+    look(Series::candles(xs, {1, 3, 0, 0}, {4, 4, 0, 0}, {-1, -2, 0, 0}, {3, 1, 0, 0}, falling), {{130, 120, true},
+                                                                                                  {130, 76, false},
+                                                                                                  {130, 164, false},
+                                                                                                  {80, 60, true},
+                                                                                                  {80, 220, true},
+                                                                                                  {60, 60, false},
+                                                                                                  {290, 120, false}});
+}
+
 // Cells of other numbers, upside down or none at all; numbers that are set and not sent; lines that are not drawn.
 TEST_F(PlotTest, HeatMapsShowTheirNumbers)
 {
