@@ -279,6 +279,18 @@ TEST_F(DrawingTest, WhatIsSmallBesideTheViewIsInItsPlace)
             picture = drawn(drawing, {"", Affine::translation(-1e5, -3e6) * Affine::scaling(zoom)});
             EXPECT_FALSE(std::ranges::any_of(std::vector{0, 300, 384, 512, 640, 1023},
                                              [&picture](int i) { return picture.at(i, i) > 0; }));
+            Drawing word;
+            word.text({size / zoom, size / zoom}, "H", {.size = 20}, {.anchor = gui::draw::Anchor::TopLeft});
+            picture = drawn(word, {"", Affine::scaling(zoom)});
+            double inCorner = 0, all = 0;
+            for (int y = 0; y < cSize; ++y)
+                for (int x = 0; x < cSize; ++x)
+                {
+                    all += picture.at(x, y);
+                    inCorner += x < 50 && y < 50 ? picture.at(x, y) : 0;
+                }
+            EXPECT_GT(inCorner, 20) << size << ' ' << zoom;
+            EXPECT_EQ(inCorner, all);
         }
 }
 

@@ -750,6 +750,108 @@ TEST_F(PlotTest, ARandomWalkKeepsSeriesAsAPlainModelHasThem)
     }
 }
 
+// Bars that stand on something else, stems the wrong way, candles whose wicks are beside them.
+TEST_F(PlotTest, BarsStemsAndCandlesReachTheirNumbers)
+{
+    const std::vector<double> xs{0, 1, 2, 3};
+    const SeriesStyle style{.color = "#000000", .fill = td::Color("#000000")};
+    SeriesStyle marked = style;
+    marked.marker = Marker::Square;
+    marked.markerSize = 20;
+    struct Place
+    {
+        int x, y;
+        bool isDark;
+    };
+    // A sample is 160 pixels, a unit 40, and zero in the middle.
+    const auto look = [&](Series series, const std::vector<Place>& places)
+    {
+        Plot plot;
+        makeBare(plot);
+        plot.add(std::move(series));
+        plot.axes().x().setRange(-0.5, 3.5);
+        plot.axes().y().setRange(-5, 5);
+        draw(plot);
+        for (const auto& [x, y, isDark] : places)
+            EXPECT_EQ(darkness(x, y) > 60, isDark) << x << ' ' << y;
+    };
+    look(Series::bars(xs, {2, -3, cNaN, 4}, marked), {{40, 122, true},
+                                                      {40, 117, false},
+                                                      {80, 112, true},
+                                                      {80, 205, false},
+                                                      {240, 195, false},
+                                                      {290, 317, true},
+                                                      {290, 323, false},
+                                                      {400, 195, false},
+                                                      {560 - 62, 100, true},
+                                                      {560 - 66, 100, false},
+                                                      {560 + 62, 195, true}});
+    look(Series::stems(xs, {2, -3, cNaN, 4}, style),
+         {{80, 160, true}, {80, 230, false}, {240, 260, true}, {240, 190, false}, {560, 42, true}, {120, 160, false}});
+    SeriesStyle falling = style;
+    falling.fill = td::Color("#ffffff");
+    look(Series::candles(xs, {1, 3, 0, 0}, {4, 4, 0, 0}, {-1, -2, 0, 0}, {3, 1, 0, 0}, falling), {{130, 120, true},
+                                                                                                  {130, 76, false},
+                                                                                                  {130, 164, false},
+                                                                                                  {80, 60, true},
+                                                                                                  {80, 220, true},
+                                                                                                  {60, 60, false},
+                                                                                                  {290, 120, false}});
+}
+
+// Cells of other numbers, upside down or none at all; numbers that are set and not sent; lines that are not drawn.
+TEST_F(PlotTest, HeatMapsShowTheirNumbers)
+{
+    Plot plot;
+    makeBare(plot);
+    const auto colorAt = [&](int x, int y)
+    {
+        const td::BYTE* p = picture.getBytes() + 3 * (y * picture.getWidth() + x);
+        return std::array<int, 3>{p[0], p[1], p[2]};
+    };
+    std::vector<float> values{0, 1, 2, 3, 4, 5, static_cast<float>(cNaN), 7};
+    HeatMap& map = plot.axes().add(HeatMap(4, 2, values, {0, 0, 8, 2}));
+    plot.axes().x().setRange(0, 8);
+    plot.axes().y().setRange(0, 2);
+    for (const bool isOther : {false, true})
+    {
+        if (isOther)
+        {
+            std::ranges::reverse(values);
+            map.setValues(values);
+            EXPECT_TRUE(plot.isChanged());
+        }
+        draw(plot);
+        EXPECT_EQ(map.getLow(), 0);
+        EXPECT_EQ(map.getHigh(), 7);
+        for (int i = 0; i < 8; ++i)
+            for (const int aside : {-70, 0, 70}) // to the cell's edges
+            {
+                const float value = values[std::size_t(i)];
+                const td::Color wanted =
+                    value >= 0 ? map.getColorMap().getColor(double(value) / 7) : td::Color("#ffffff");
+                const std::array<int, 3> color = colorAt(i % 4 * 160 + 80 + aside, 300 - i / 4 * 200 + aside);
+                EXPECT_NEAR(color[0], wanted.red(), 2) << i;
+                EXPECT_NEAR(color[1], wanted.green(), 2) << i;
+                EXPECT_NEAR(color[2], wanted.blue(), 2) << i;
+            }
+    }
+    // A line in the middle, as wide as it should be; none at other levels after others are set.
+    Plot other;
+    makeBare(other);
+    HeatMap& lined = other.axes().add(
+        HeatMap(4, 2, {0, 1, 2, 3, 0, 1, 2, 3}, {0, 0, 8, 2}).setContours(std::vector{1.5}, "#ff0000", 6));
+    other.axes().x().setRange(0, 8);
+    other.axes().y().setRange(0, 2);
+    draw(other);
+    for (const int x : {315, 318, 321, 324})
+        EXPECT_EQ(colorAt(x, 200) == (std::array<int, 3>{255, 0, 0}), x == 318 || x == 321) << x;
+    lined.setValues({0, 0, 0, 3, 0, 0, 0, 3});
+    draw(other);
+    EXPECT_NE(colorAt(321, 200)[0], 255);
+    EXPECT_EQ(colorAt(480, 200)[0], 255);
+}
+
 // Lines that break off at cells of which two corners are higher, or that join two hills which have a pass between them.
 TEST_F(PlotTest, ContoursGoRoundWhatIsHigher)
 {
