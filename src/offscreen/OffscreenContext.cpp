@@ -112,19 +112,25 @@ constexpr int cEGLWithDebug = 15;
 
 EGLContext tryToCreateContext(EGLDisplay display, EGLConfig config, const PixelFormatSizes& sizes, bool debug)
 {
-    std::vector<EGLint> attributes{EGL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3, //
-                                   EGL_CONTEXT_MINOR_VERSION, sizes.is41 || sizes.isES ? 1 : 2};
+    std::vector<EGLint> attributes;
+    const auto add = [&attributes](EGLint name, EGLint value)
+    {
+        attributes.push_back(name);
+        attributes.push_back(value);
+    };
+    add(EGL_CONTEXT_MAJOR_VERSION, sizes.is41 ? 4 : 3);
+    add(EGL_CONTEXT_MINOR_VERSION, sizes.is41 || sizes.isES ? 1 : 2);
     // OpenGL ES has no profiles.
     if (!sizes.isES)
-        attributes.insert(attributes.end(), {EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT});
+        add(EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT);
     // EGL 1.4 knows debug contexts by a flag alone, and refuses the attribute whatever its value.
     if (debug && epoxy_egl_version(display) >= cEGLWithDebug)
-        attributes.insert(attributes.end(), {EGL_CONTEXT_OPENGL_DEBUG, EGL_TRUE});
+        add(EGL_CONTEXT_OPENGL_DEBUG, EGL_TRUE);
     else if (debug)
-        attributes.insert(attributes.end(), {EGL_CONTEXT_FLAGS_KHR, EGL_CONTEXT_OPENGL_DEBUG_BIT_KHR});
+        add(EGL_CONTEXT_FLAGS_KHR, EGL_CONTEXT_OPENGL_DEBUG_BIT_KHR);
     // What tells of resets comes last: not every driver has it.
-    attributes.insert(attributes.end(),
-                      {EGL_CONTEXT_OPENGL_RESET_NOTIFICATION_STRATEGY, EGL_LOSE_CONTEXT_ON_RESET, EGL_NONE});
+    add(EGL_CONTEXT_OPENGL_RESET_NOTIFICATION_STRATEGY, EGL_LOSE_CONTEXT_ON_RESET);
+    attributes.push_back(EGL_NONE);
     EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes.data());
     if (context == EGL_NO_CONTEXT)
     {

@@ -57,8 +57,8 @@ TEST_F(OwnWindowTest, StatesAreTold)
     window.setStateHandler([&told](State state) { told.push_back(state); });
     const td::Size<double> ownSize = window.getSize();
     int nAsked = 0;
-    for (const State state : {State::Maximized, State::FullScreen, State::Normal, State::FullScreen, State::Maximized,
-                              State::Normal})
+    for (const State state :
+         {State::Maximized, State::FullScreen, State::Normal, State::FullScreen, State::Maximized, State::Normal})
     {
         window.setState(state);
         ++nAsked;

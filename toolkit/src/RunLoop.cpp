@@ -73,10 +73,7 @@ void RunLoop::connect()
 
 void RunLoop::disconnect() { AsyncQueue::instance().setWakeUp({}); }
 
-std::optional<RunLoop::Time> RunLoop::getNextDue() const
-{
-    return isSomethingDue() ? Clock::now() : getNextTick();
-}
+std::optional<RunLoop::Time> RunLoop::getNextDue() const { return isSomethingDue() ? Clock::now() : getNextTick(); }
 
 int RunLoop::run()
 {
