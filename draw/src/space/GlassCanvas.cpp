@@ -194,8 +194,8 @@ bool GlassCanvas::prepare(const BoundTarget& wanted)
         glFramebufferRenderbuffer(GL_FRAMEBUFFER, wanted.hasStencil ? GL_DEPTH_STENCIL_ATTACHMENT : GL_DEPTH_ATTACHMENT,
                                   GL_RENDERBUFFER, _depth);
         // With a depth alone it is complete, too.
-        isComplete = isComplete && _textures[i] != 0 &&
-                     glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+        isComplete =
+            isComplete && _textures[i] != 0 && glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
     }
     glBindTexture(targetOf(wanted.nSamples), 0);
     glGenQueries(static_cast<GLsizei>(_queries.size()), _queries.data());
