@@ -1,6 +1,8 @@
 // Ten thousand labels, each with a dot and three other places: adding them, finding out which have room, and frames of
 // theirs, with what the driver does; beside a scene of Qt's with as many texts in view.
 
+#include "QtArguments.h"
+
 #include <gui/draw/Labels.h>
 #include <gui/gl/FrameLedger.h>
 #include <gui/gl/OffscreenContext.h>
@@ -16,7 +18,6 @@
 #include <QPainter>
 #endif
 
-#include <array>
 #include <cmath>
 #include <memory>
 #include <random>
@@ -138,10 +139,8 @@ BENCHMARK_CAPTURE(LabelFrame, Replace, Motion::Replace)->Unit(benchmark::kMillis
 void LabelPanByQt(benchmark::State& state)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    int nArguments = 1;
-    std::array<char, 6> name{"bench"};
-    std::array<char*, 2> arguments{name.data(), nullptr};
-    const QApplication application(nArguments, arguments.data());
+    bench::QtArguments arguments;
+    const QApplication application(arguments.count, arguments.values.data());
     QGraphicsScene scene;
     std::mt19937 random(7);
     const auto below = [&random](double n) { return std::uniform_real_distribution<>(0, n)(random); };

@@ -1,6 +1,8 @@
 // Text laid out: 100 kB in ten languages and seven scripts, wrapped; beside it HarfBuzz alone, which shapes the same
 // runs, and Pango and Qt, which lay out the same paragraphs in the same faces.
 
+#include "QtArguments.h"
+
 #include <gui/draw/TextLayout.h>
 
 #include <benchmark/benchmark.h>
@@ -341,10 +343,8 @@ BENCHMARK(LayoutInAnotherWidthByPango)->Unit(benchmark::kMillisecond);
 void LayoutByQt(benchmark::State& state)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    int nArguments = 1;
-    std::array<char, 6> name{"bench"};
-    std::array<char*, 2> arguments{name.data(), nullptr};
-    const QGuiApplication application(nArguments, arguments.data());
+    bench::QtArguments arguments;
+    const QGuiApplication application(arguments.count, arguments.values.data());
     QStringList families;
     for (const char* const file : cFiles)
         families += QFontDatabase::applicationFontFamilies(QFontDatabase::addApplicationFont(file)).value(0);

@@ -2,6 +2,8 @@
 // processor and on GL, cairo, and Anti-Grain Geometry. Times are those of all threads, with Mesa's software driver for
 // what goes through GL.
 
+#include "QtArguments.h"
+
 #include <gui/draw/Drawing.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/OffscreenContext.h>
@@ -240,15 +242,13 @@ BENCHMARK(SheetByQt)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
 // Where Qt has GL, which its platform without a display has not.
 void SheetByQtOnGL(benchmark::State& state)
 {
-    int nArguments = 1;
-    std::array<char, 6> name{"bench"};
-    std::array<char*, 2> arguments{name.data(), nullptr};
+    bench::QtArguments arguments;
     if (qEnvironmentVariableIsEmpty("DISPLAY"))
     {
         state.SkipWithError("there is no display");
         return;
     }
-    const QGuiApplication application(nArguments, arguments.data());
+    const QGuiApplication application(arguments.count, arguments.values.data());
     QOffscreenSurface surface;
     surface.create();
     QOpenGLContext context;

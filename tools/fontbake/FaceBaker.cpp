@@ -4,12 +4,14 @@
 #include "OutputFile.h"
 
 #include <type/BakedFace.h>
+#include <type/HarfBuzzOwners.h>
 
 #include <hb-aat.h>
 #include <hb-ot.h>
 #include <hb-subset.h>
 
 #include <initializer_list>
+#include <memory>
 #include <span>
 #include <utility>
 #include <vector>
@@ -20,17 +22,9 @@ namespace fontbake
 namespace
 {
 
-template <auto release>
-struct Release
-{
-    template <typename T>
-    void operator()(T* p) const
-    {
-        release(p);
-    }
-};
-using Blob = std::unique_ptr<hb_blob_t, Release<hb_blob_destroy>>;
-using Face = std::unique_ptr<hb_face_t, Release<hb_face_destroy>>;
+using gui::draw::Blob;
+using gui::draw::Face;
+using gui::draw::Release;
 using Input = std::unique_ptr<hb_subset_input_t, Release<hb_subset_input_destroy>>;
 
 constexpr hb_tag_t cKerning = HB_TAG('k', 'e', 'r', 'n');

@@ -17,8 +17,6 @@ constexpr double cWidest = 16;
 /// Of pictures in colour, in pixels per em; and the widest and highest, in pixels.
 constexpr double cLargestColored = 128;
 constexpr unsigned int cMostColored = 240;
-/// That FreeTypeFace draws, in pixels per em.
-constexpr double cLargestDrawn = 4096;
 
 /// A picture's transparency is the text's anyway.
 std::uint32_t opaque(td::Color color) { return color.rgba() | 0xff000000U; }
@@ -149,7 +147,7 @@ GlyphStore::Result GlyphStore::drawColored(std::uint32_t number, const Sized& si
             pixelsPerEm = size * _scale;
         // A pixel more where its edges are none of pixels.
         const double most = std::max({paint->width, paint->height, 1.0}) / font.getMetrics().unitsPerEm;
-        pixelsPerEm = std::min({pixelsPerEm, (cMostColored - 1) / most, cLargestDrawn});
+        pixelsPerEm = std::min({pixelsPerEm, (cMostColored - 1) / most, double(GlyphOutlines::cMostPixels)});
     }
     GlyphImage image;
     const char* const cause =

@@ -2,6 +2,7 @@
 
 #include "GlyphOutlines.h"
 #include "GlyphPaint.h"
+#include "HarfBuzzOwners.h"
 
 #include <gui/draw/Typeface.h>
 
@@ -22,19 +23,6 @@ namespace gui::draw
 
 class FreeTypeFace;
 class WordShapes;
-
-/// Ends what HarfBuzz and others count by reference.
-template <auto release>
-struct Release
-{
-    template <typename T>
-    void operator()(T* p) const
-    {
-        release(p);
-    }
-};
-using Blob = std::unique_ptr<hb_blob_t, Release<hb_blob_destroy>>;
-using Face = std::unique_ptr<hb_face_t, Release<hb_face_destroy>>;
 
 /// A font at a place on its axes, for all handles that share it: opened by HarfBuzz, which measures, shapes and has the
 /// outlines, and, unless it is a baked face, by FreeType, which makes images. Unchanged from then on; HarfBuzz's part

@@ -14,7 +14,7 @@ namespace gui
 {
 
 /// When the display of a window goes on to its next frame, of an X server that tells. It has a connection of its own,
-/// which it looks at and never waits for. GUI thread only.
+/// which it looks at and, once it is made, never waits for. GUI thread only.
 class X11Presentation
 {
 public:
