@@ -1,3 +1,4 @@
+#include <gui/draw/TextLayout.h>
 #include <gui/draw/Typeface.h>
 
 #include "support/CapturedLog.h"
@@ -13,6 +14,7 @@
 #include <iterator>
 #include <numeric>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -164,6 +166,58 @@ TEST(TypefaceTest, TheSystemKnowsFamiliesByWeightAndSlant)
     EXPECT_GT(metrics.strikeoutPosition, 0);
     const auto features = plain.getFeatures();
     EXPECT_NE(std::ranges::find(features, gui::draw::FontTag("kern")), features.end());
+}
+
+// A program's own faces under a name, the nearest of them to a look; and the system's again.
+TEST(TypefaceTest, AProgramBringsItsOwnFaces)
+{
+    using Slant = Typeface::Slant;
+    const Typeface regular = Typeface::fromFile(cDejaVu.c_str());
+    const Typeface bold = Typeface::fromFile("/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf");
+    const Typeface italic = Typeface::named("C059", {.slant = Slant::Italic});
+    const Typeface narrow = Typeface::named("Nimbus Sans Narrow");
+    ASSERT_TRUE(regular && bold);
+    ASSERT_EQ(italic.getFamily(), "C059");
+    ASSERT_EQ(narrow.getFamily(), "Nimbus Sans Narrow");
+    Typeface::provide("Ours", {bold, Typeface(), narrow, italic, regular});
+    const struct
+    {
+        Typeface::Look look;
+        const Typeface& face;
+    } cases[] = {{{}, regular},
+                 {{.weight = 250}, regular},
+                 {{.weight = 480}, regular},
+                 {{.weight = 510}, bold},
+                 {{.weight = 900}, bold},
+                 {{.slant = Slant::Italic}, italic},
+                 {{.weight = 900, .slant = Slant::Oblique}, italic},
+                 {{.width = 60}, narrow},
+                 {{.weight = 700, .slant = Slant::Italic, .width = 80}, narrow},
+                 {{.weight = 700, .width = 150}, bold}};
+    for (const auto& each : cases)
+        EXPECT_EQ(Typeface::named("Ours", each.look), each.face)
+            << each.look.weight << ' ' << int(each.look.slant) << ' ' << each.look.width;
+
+    Typeface::provide("Ours", {Typeface::fromFile(cVariable.c_str())});
+    for (const auto& [wish, weight] : {std::pair(637.0, 637.0), {5000.0, 900.0}, {400.0, 400.0}})
+    {
+        const Typeface face = Typeface::named("Ours", {.weight = wish});
+        const auto places = face.getVariations();
+        const auto found = std::ranges::find(places, gui::draw::FontTag("wght"), &gui::draw::FontVariation::axis);
+        ASSERT_NE(found, places.end());
+        EXPECT_EQ(found->value, weight);
+        EXPECT_EQ(face, Typeface::named("Ours", {.weight = wish}));
+    }
+
+    const Typeface systems = Typeface::named("sans-serif");
+    const auto width = [](const Typeface& face)
+    { return gui::draw::TextLayout("Illimani", {.face = face, .size = 100}).getSize().width; };
+    Typeface::provide("sans-serif", {italic});
+    EXPECT_EQ(width({}), width(italic));
+    Typeface::provide("sans-serif", {});
+    EXPECT_EQ(Typeface::named("sans-serif"), systems);
+    EXPECT_EQ(width({}), width(systems));
+    EXPECT_NE(width({}), width(italic));
 }
 
 // Pictures that are scaled keep their place and colours; layers have the colours of the font and of the text.

@@ -1,7 +1,7 @@
 #include <gui/draw/Typeface.h>
 
+#include "NamedFaces.h"
 #include "OpenFont.h"
-#include "SystemFonts.h"
 #include "TypefaceImpl.h"
 
 #include <gui/Res.h>
@@ -12,8 +12,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
-#include <mutex>
 #include <utility>
 
 namespace gui::draw
@@ -79,15 +77,15 @@ Typeface Typeface::fromMemory(std::span<const td::BYTE> bytes, unsigned int inde
 
 Typeface Typeface::named(const std::string& family, const Look& look)
 {
-    static std::mutex s_mutex;
-    static std::map<SystemFonts::Wish, Typeface>& s_known = *new std::map<SystemFonts::Wish, Typeface>;
-    const std::lock_guard lock(s_mutex);
-    const auto [found, isNew] = s_known.try_emplace({.family = family, .look = look});
-    if (isNew)
-        found->second = SystemFonts::instance().find(found->first);
-    if (!found->second)
+    Typeface face = NamedFaces::instance().find(family, look);
+    if (!face)
         vo::dbgLog("ERROR! Typeface::named finds no font for: %s", family.c_str());
-    return found->second;
+    return face;
+}
+
+void Typeface::provide(const std::string& family, std::vector<Typeface> faces)
+{
+    NamedFaces::instance().provide(family, std::move(faces));
 }
 
 Typeface Typeface::withVariations(std::span<const FontVariation> variations) const

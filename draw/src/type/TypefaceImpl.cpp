@@ -9,23 +9,6 @@
 namespace gui::draw
 {
 
-namespace
-{
-
-Typeface::Look lookOf(hb_font_t* pFont)
-{
-    Typeface::Look look;
-    look.weight = double(hb_style_get_value(pFont, HB_STYLE_TAG_WEIGHT));
-    look.width = double(hb_style_get_value(pFont, HB_STYLE_TAG_WIDTH));
-    if (hb_style_get_value(pFont, HB_STYLE_TAG_ITALIC) != 0)
-        look.slant = Typeface::Slant::Italic;
-    else if (hb_style_get_value(pFont, HB_STYLE_TAG_SLANT_ANGLE) != 0)
-        look.slant = Typeface::Slant::Oblique;
-    return look;
-}
-
-} // namespace
-
 TypefaceImpl::TypefaceImpl(std::shared_ptr<const OpenFont> pFont, std::vector<Typeface> fallbacks, bool asksSystem)
     : _pFont(std::move(pFont))
     , _fallbacks(std::move(fallbacks))
@@ -42,6 +25,19 @@ Typeface TypefaceImpl::make(std::shared_ptr<const OpenFont> pFont)
     // The system's fonts would bring FreeType, and look different on each machine.
     const bool asksSystem = !pFont->isBaked();
     return Typeface(std::make_shared<const TypefaceImpl>(std::move(pFont), std::vector<Typeface>(), asksSystem));
+}
+
+Typeface::Look TypefaceImpl::getLook() const
+{
+    hb_font_t* const pFont = _pFont->getFont();
+    Typeface::Look look;
+    look.weight = double(hb_style_get_value(pFont, HB_STYLE_TAG_WEIGHT));
+    look.width = double(hb_style_get_value(pFont, HB_STYLE_TAG_WIDTH));
+    if (hb_style_get_value(pFont, HB_STYLE_TAG_ITALIC) != 0)
+        look.slant = Typeface::Slant::Italic;
+    else if (hb_style_get_value(pFont, HB_STYLE_TAG_SLANT_ANGLE) != 0)
+        look.slant = Typeface::Slant::Oblique;
+    return look;
 }
 
 const Typeface* TypefaceImpl::fallbackFor(char32_t character, Presentation presentation,
@@ -77,7 +73,7 @@ Typeface TypefaceImpl::searchFor(char32_t character, Presentation presentation, 
     if (!_asksSystem)
         return {};
     const SystemFonts::Wish wish{.family = _pFont->getName(HB_OT_NAME_ID_TYPOGRAPHIC_FAMILY, HB_OT_NAME_ID_FONT_FAMILY),
-                                 .look = lookOf(_pFont->getFont()),
+                                 .look = getLook(),
                                  .language = std::string(language)};
     return SystemFonts::instance().find(wish, character);
 }

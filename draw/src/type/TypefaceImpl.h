@@ -42,6 +42,9 @@ public:
     /// Of this font with these faces to fall back on, never given twice.
     std::uint64_t getID() const { return _id; }
 
+    /// What the font says of itself, a variable one at its place.
+    Typeface::Look getLook() const;
+
     bool has(char32_t character) const { return _pFont->has(character); }
 
     /// The face for a character after the face itself was found to lack it, or to have it in black for an emoji; null

@@ -67,7 +67,7 @@ class TypefaceImpl;
 /// Its file is "GuiGLFac", the format's version (now 1), how many bytes follow the header, and their checksum: 8, 4, 4
 /// and 8 bytes, little-endian; then an OpenType font. Each of these is checked, and the font is read as any other is.
 ///
-/// Where the library is built with GUIGL_FREETYPE=OFF, no face has a name, and what getImage makes of a baked face it
+/// Where the library is built with GUIGL_FREETYPE=OFF, only what is provided has a name, and what getImage makes of a baked face it
 /// makes of all.
 ///
 /// All of it can be used on several threads at once, but for making faces of resources and setLogSink, which belong to
@@ -135,13 +135,25 @@ public:
     /// @return no face, after the line "ERROR! Typeface::fromMemory cannot use font of %zu bytes (%s)"
     static Typeface fromMemory(std::span<const td::BYTE> bytes, unsigned int index = 0);
 
-    /// The face that the system has under this name, or the nearest that fontconfig knows where it has none such:
+    /// The face that the program provides under this name, or else the one that the system has, or the nearest that fontconfig knows where it has none such:
     /// getFamily tells which one came. A variable font is set to the look. Each face is opened once and stays open, so
     /// asking again is quick.
     /// @param family  "DejaVu Sans", or "sans-serif", "serif", "monospace", "emoji" for what the user has chosen
     /// @return no face where there is no font at all: "ERROR! Typeface::named finds no font for: %s"
     static Typeface named(const std::string& family, const Look& look);
     static Typeface named(const std::string& family) { return named(family, Look()); }
+
+    /// Brings the program's own faces under a name: named gives these from then on, and for "sans-serif" every style
+    /// has them that names no face.
+    ///
+    ///     Typeface::provide("sans-serif", {Typeface::fromFile(":text.face"), Typeface::fromFile(":text-bold.face")});
+    ///
+    /// Of several that one comes which is nearest to the look: by width, then slant, then weight, as in CSS Fonts 4; a
+    /// variable one is set to the look as far as its axes go. Texts that are laid out already keep their faces.
+    /// @param family  as it is asked for, capitals and small letters told apart
+    /// @param faces   instead of those of an earlier call; no face among them is passed over, and without any the name
+    ///                is the system's again
+    static void provide(const std::string& family, std::vector<Typeface> faces);
 
     /// The same face elsewhere on its axes. Axes that it lacks are passed over, those that aren't named stay as they
     /// are; a font that isn't variable comes back as it is.
