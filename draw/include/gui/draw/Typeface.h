@@ -67,8 +67,8 @@ class TypefaceImpl;
 /// Its file is "GuiGLFac", the format's version (now 1), how many bytes follow the header, and their checksum: 8, 4, 4
 /// and 8 bytes, little-endian; then an OpenType font. Each of these is checked, and the font is read as any other is.
 ///
-/// Where the library is built with GUIGL_FREETYPE=OFF, only what is provided has a name, and what getImage makes of a baked face it
-/// makes of all.
+/// Where the library is built with GUIGL_FREETYPE=OFF, only what is provided has a name, and what getImage makes of a
+/// baked face it makes of all.
 ///
 /// All of it can be used on several threads at once, but for making faces of resources and setLogSink, which belong to
 /// the GUI thread. getImage waits for others that make images of the same font.
@@ -135,9 +135,9 @@ public:
     /// @return no face, after the line "ERROR! Typeface::fromMemory cannot use font of %zu bytes (%s)"
     static Typeface fromMemory(std::span<const td::BYTE> bytes, unsigned int index = 0);
 
-    /// The face that the program provides under this name, or else the one that the system has, or the nearest that fontconfig knows where it has none such:
-    /// getFamily tells which one came. A variable font is set to the look. Each face is opened once and stays open, so
-    /// asking again is quick.
+    /// The face that the program provides under this name, or else the one that the system has, or the nearest that
+    /// fontconfig knows where it has none such: getFamily tells which one came. A variable font is set to the look.
+    /// Each face is opened once and stays open, so asking again is quick.
     /// @param family  "DejaVu Sans", or "sans-serif", "serif", "monospace", "emoji" for what the user has chosen
     /// @return no face where there is no font at all: "ERROR! Typeface::named finds no font for: %s"
     static Typeface named(const std::string& family, const Look& look);
