@@ -270,7 +270,7 @@ bool Drawing::setTransform(ID id, const Affine& transform)
         return false;
     if (transform == pItem->transform)
         return true;
-    _pImpl->finishLink();
+    _pImpl->findNeighbours();
     pItem->transform = transform;
     // What it shared edges with is elsewhere now.
     for (const std::uint32_t slot : _pImpl->shapesOf(*pItem))
@@ -350,7 +350,6 @@ void Drawing::clear()
     impl.areElementsStale = false;
     impl.staleLinks.clear();
     impl.edges.clear();
-    impl.linking = cNoItem;
     impl.index.clear();
     impl.largestMargin = 0;
     impl.glyphs.clear();

@@ -144,7 +144,7 @@ void Drawing::Impl::setGeometry(Item& item, const Path& path)
     if (!isStroke)
     {
         unlink(item);
-        link(item);
+        item.version = edges.add(slotOf(item), geometry);
     }
     place(item);
     isChanged = true;
@@ -179,7 +179,7 @@ void Drawing::Impl::update(Item& item)
 
 void Drawing::Impl::updateZooms(Item& item)
 {
-    finishLink();
+    findNeighbours();
     item.zooms = item.group == cNoItem ? item.ownZooms : items[item.group].zooms & item.ownZooms;
     for (const std::uint32_t member : item.members)
         updateZooms(items[member]);

@@ -193,10 +193,8 @@ struct Drawing::Impl
     /// After a change of what is around it, or of its own transform or visibility.
     void update(Item& item);
 
-    /// Begins to find the fills around one whose geometry was just made; finishLink goes on with it, with the next
-    /// shape or before anything that asks for neighbours.
-    void link(const Item& item);
-    void finishLink();
+    /// Finds the fills around those whose geometry is new, before anything that asks for neighbours or moves some.
+    void findNeighbours();
     void unlink(Item& item);
     void dropNeighbours(Item& item);
     /// Parts a shape from those that don't move with an item.
@@ -253,7 +251,6 @@ struct Drawing::Impl
     ShapeIndex index;
     double largestMargin = 0; // of strokes whose width is in points
     SharedEdges edges;
-    std::uint32_t linking = cNoItem; // the shape that was begun with
     std::vector<std::uint32_t> staleLinks;
     ShapeBuilder builder;
     ShapeGeometry geometry;
