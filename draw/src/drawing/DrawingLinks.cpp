@@ -124,10 +124,10 @@ bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
 {
     // Either has rounded it to its own grid.
     const double near = a.step + b.step;
-    const double left = std::max(a.bounds.left, b.bounds.left) - near,
-                 top = std::max(a.bounds.top, b.bounds.top) - near,
-                 right = std::min(a.bounds.right, b.bounds.right) + near,
-                 bottom = std::min(a.bounds.bottom, b.bounds.bottom) + near;
+    const Rect boundsA = boundsOfPoints(a), boundsB = boundsOfPoints(b);
+    const double left = std::max(boundsA.left, boundsB.left) - near, top = std::max(boundsA.top, boundsB.top) - near,
+                 right = std::min(boundsA.right, boundsB.right) + near,
+                 bottom = std::min(boundsA.bottom, boundsB.bottom) + near;
     if (left > right || top > bottom)
         return false;
     const auto cornersOf = [&](const Item& item)
