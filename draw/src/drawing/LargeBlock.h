@@ -19,8 +19,7 @@ public:
     void* getMemory() const { return _pMemory; }
     std::size_t getSize() const { return _size; }
 
-    /// Makes it larger; what it held stays, at another address perhaps. Throws std::bad_alloc when there is no room, and
-    /// holds what it held then.
+    /// Makes it larger; what it held stays, at another address perhaps. Throws std::bad_alloc when there is no room.
     void grow(std::size_t nBytes);
 
 private:

@@ -58,7 +58,7 @@ std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
     const bool isLarge = !(largest * inverse < 0x1p50);
     const auto cell = [inverse, isLarge](double n)
     {
-        // To the nearest of what is half a cell less, without a call: sums of this size have no digits behind the point.
+        // The same by rounding to the nearest, without a call: sums of this size have no digits behind the point.
         if (!isLarge)
             return std::bit_cast<std::uint64_t>(n * inverse - 0.118 + cNoFraction);
         return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * inverse + 0.382)));
