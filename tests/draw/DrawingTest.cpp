@@ -421,7 +421,14 @@ TEST_F(DrawingTest, NothingShowsBetweenShapesThatMeet)
         Drawing drawing;
         std::vector<Drawing::ID> ids;
         for (const Path& sector : sectors)
-            ids.push_back(drawing.fill(sector, cBlack));
+        {
+            ids.push_back(drawing.fill(i % 3 == 0 ? sectors[0] : sector, cBlack));
+            if (i % 5 == 0 && ids.size() == 1)
+                drawn(drawing);
+        }
+        // What they were before counts for nothing.
+        for (std::size_t k = 0; k < ids.size(); ++k)
+            drawing.setPath(ids[k], sectors[k]);
         const auto lightest = [&]
         {
             drawn(drawing);
@@ -436,6 +443,16 @@ TEST_F(DrawingTest, NothingShowsBetweenShapesThatMeet)
         EXPECT_GT(lightest(), 100) << n << " shapes";
         drawing.fill(sectors[std::size_t(std::find(ids.begin(), ids.end(), one) - ids.begin())], cBlack);
         EXPECT_EQ(lightest(), 0) << n << " shapes, one of them added again";
+        if (i % 4 == 0)
+        {
+            for (int k = 0; k < 2000; ++k)
+                drawing.fill(Path().addRect({100 + k * 3., 0, 103 + k * 3., 3}), cBlack);
+            drawn(drawing);
+            drawing.remove(ids[std::size_t(n - 1)]);
+            EXPECT_TRUE(one == ids[std::size_t(n - 1)] || lightest() > 100) << n << " shapes and many";
+            drawing.fill(sectors[std::size_t(n - 1)], cBlack);
+            EXPECT_EQ(lightest(), 0) << n << " shapes among many";
+        }
     }
 }
 

@@ -38,11 +38,13 @@ void DrawList::clear()
 
 void DrawList::set(std::size_t place, const Shape& shape)
 {
-    if (_shapes.empty())
+    if (_shapes.size() == 0)
         _base = {shape.bounds.left, shape.bounds.top};
     if (place >= _shapes.size())
     {
-        _shapes.resize(place + 1, Entry{});
+        const std::size_t first = _shapes.size();
+        _shapes.grow(place + 1 - first);
+        std::fill(_shapes.data() + first, _shapes.data() + place, Entry{});
         _chunks.resize(place / cChunk + 1);
     }
     const Rect& bounds = shape.bounds;
@@ -64,7 +66,7 @@ std::size_t DrawList::countRanges() const
 {
     std::size_t n = 0;
     std::uint32_t end = 0;
-    for (const Entry& entry : _shapes)
+    for (const Entry& entry : std::span(_shapes.data(), _shapes.size()))
         if (entry.count != 0)
         {
             n += entry.first != end;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GrowingArray.h"
+
 #include <gui/gl/Quads.h>
 
 #include <td/Point.h>
@@ -135,7 +137,7 @@ private:
     void selectWithin(std::size_t chunk, const Box& seen, bool isSmall, double zoom);
 
     td::Point<double> _base;
-    std::vector<Entry> _shapes;
+    GrowingArray<Entry> _shapes;
     std::vector<Chunk> _chunks;
     std::vector<gl::Quads::Range> _selected, _parts;
     std::vector<Pass> _passes;

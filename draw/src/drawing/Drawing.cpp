@@ -137,7 +137,7 @@ Drawing::ID Drawing::image(const Rect& rect, const Image& image)
     TD_ASSERT_GUI_THREAD(0);
     const ID id = _pImpl->addShape(Impl::Kind::Fill, Paint());
     Impl::Item& item = *_pImpl->find(id);
-    item.imageRect = rect;
+    item.pImageRect = std::make_unique<Rect>(rect);
     _pImpl->setPath(item, Path().addRect(rect));
     _pImpl->setImage(item, image);
     return id;
@@ -146,7 +146,7 @@ Drawing::ID Drawing::image(const Rect& rect, const Image& image)
 bool Drawing::setImage(ID shape, const Image& image)
 {
     Impl::Item* pItem = _pImpl->findShape(shape);
-    if (pItem == nullptr || pItem->kind != Impl::Kind::Fill || pItem->imageRect.right <= pItem->imageRect.left)
+    if (pItem == nullptr || !pItem->pImageRect || pItem->pImageRect->right <= pItem->pImageRect->left)
         return false;
     _pImpl->setImage(*pItem, image);
     return true;
@@ -158,7 +158,7 @@ Drawing::ID Drawing::beginGroup(const Affine& transform)
     const std::uint32_t slot = _pImpl->add(Impl::Kind::Group);
     Impl::Item& item = _pImpl->items[slot];
     if (isFinite(transform))
-        item.transform = transform;
+        item.setTransform(transform);
     _pImpl->update(item);
     _pImpl->group = slot;
     return _pImpl->idOf(slot);
@@ -268,10 +268,10 @@ bool Drawing::setTransform(ID id, const Affine& transform)
     Impl::Item* pItem = _pImpl->find(id);
     if (pItem == nullptr || !isFinite(transform))
         return false;
-    if (transform == pItem->transform)
+    if (transform == pItem->getTransform())
         return true;
-    _pImpl->finishLink();
-    pItem->transform = transform;
+    _pImpl->findNeighbours();
+    pItem->setTransform(transform);
     // What it shared edges with is elsewhere now.
     for (const std::uint32_t slot : _pImpl->shapesOf(*pItem))
         _pImpl->dropOutsiders(_pImpl->items[slot], *pItem);
@@ -350,7 +350,6 @@ void Drawing::clear()
     impl.areElementsStale = false;
     impl.staleLinks.clear();
     impl.edges.clear();
-    impl.linking = cNoItem;
     impl.index.clear();
     impl.largestMargin = 0;
     impl.glyphs.clear();

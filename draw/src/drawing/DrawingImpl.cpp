@@ -105,7 +105,7 @@ void Drawing::Impl::setImage(Item& item, const Image& image)
     setPaint(item, Paint());
     item.image = number;
     if (number != 0)
-        tables.setImage(item.places, item.imageRect, item.origin, item.step);
+        tables.setImage(item.places, *item.pImageRect, item.origin, item.step);
     enlist(item);
 }
 
@@ -128,23 +128,17 @@ void Drawing::Impl::setGeometry(Item& item, const Path& path)
     item.origin = geometry.origin;
     item.step = geometry.step;
     item.hasBounds = !geometry.nodes.empty();
-    if (item.hasBounds)
-    {
-        const std::array<std::int32_t, 4>& box = geometry.nodes.front().box;
-        item.bounds = {item.origin.x + item.step * box[0], item.origin.y + item.step * box[1],
-                       item.origin.x + item.step * box[2], item.origin.y + item.step * box[3]};
-    }
     if (isStroke)
         item.pLine->path = path;
     tables.setGeometry(item.places, geometry, isStroke ? &item.pLine->stroke : nullptr);
     if (item.pGradient)
         tables.setPaint(item.places, *item.pGradient, item.origin, item.step);
     if (item.image != 0)
-        tables.setImage(item.places, item.imageRect, item.origin, item.step);
+        tables.setImage(item.places, *item.pImageRect, item.origin, item.step);
     if (!isStroke)
     {
         unlink(item);
-        link(item);
+        item.version = edges.add(slotOf(item), geometry);
     }
     place(item);
     isChanged = true;
@@ -162,7 +156,7 @@ void Drawing::Impl::place(const Item& item)
 
 void Drawing::Impl::update(Item& item)
 {
-    item.whole = item.group == cNoItem ? item.transform : items[item.group].whole * item.transform;
+    item.whole = item.group == cNoItem ? item.getTransform() : items[item.group].whole * item.getTransform();
     item.isShown = item.isVisible && (item.group == cNoItem || items[item.group].isShown);
     if (hasMembers(item))
         for (const std::uint32_t member : item.members)
@@ -179,7 +173,7 @@ void Drawing::Impl::update(Item& item)
 
 void Drawing::Impl::updateZooms(Item& item)
 {
-    finishLink();
+    findNeighbours();
     item.zooms = item.group == cNoItem ? item.ownZooms : items[item.group].zooms & item.ownZooms;
     for (const std::uint32_t member : item.members)
         updateZooms(items[member]);
@@ -216,6 +210,13 @@ void Drawing::Impl::removeItem(std::uint32_t slot)
     freeSlots.push_back(slot);
 }
 
+Drawing::Rect Drawing::Impl::boundsOfPoints(const Item& item) const
+{
+    const std::array<std::int32_t, 4>& box = tables.getNodes()[item.places.nodes.first].box;
+    return {item.origin.x + item.step * box[0], item.origin.y + item.step * box[1], item.origin.x + item.step * box[2],
+            item.origin.y + item.step * box[3]};
+}
+
 bool Drawing::Impl::boundsOf(const Item& item, Rect& bounds) const
 {
     if (hasMembers(item) || !item.isShown || !item.hasBounds)
@@ -227,7 +228,7 @@ bool Drawing::Impl::boundsOf(const Item& item, Rect& bounds) const
     }
     const bool isWide = item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Model;
     const double margin = isWide ? item.pLine->stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
-    const Rect& rect = item.bounds;
+    const Rect rect = boundsOfPoints(item);
     bool isFirst = true;
     for (const double x : {rect.left - margin, rect.right + margin})
         for (const double y : {rect.top - margin, rect.bottom + margin})

@@ -78,28 +78,31 @@ struct Drawing::Impl
         bool isPickable = true;
         FillRule rule = FillRule::NonZero;
         bool areLinksStale = false;
+        bool hasBounds = false;
         std::uint32_t slot = 0;
         std::uint32_t generation = 0;
         std::uint32_t group = cNoItem;
-        std::uint32_t place = 0; // in the order of drawing, as far as that is up to date
-        Affine transform;
-        Affine whole; // with those of all groups around it
+        std::uint32_t place = 0;                // in the order of drawing, as far as that is up to date
+        std::uint32_t image = 0;                // that a fill is painted with
+        SharedEdges::Version version = cNoItem; // of what it shares
+        Affine whole;                           // with the transforms of all groups around it
         ZoomRange ownZooms;
         ZoomRange zooms; // with those of all groups around it
         std::uint64_t tag = 0;
         td::Point<double> origin;
         double step = 1;
-        bool hasBounds = false;
-        Rect bounds;                       // of its points, as they are kept
+        ShapePlaces places;
+        // There may be a million of these, of which most have none of what follows.
+        std::unique_ptr<Affine> pTransform;
         std::unique_ptr<Line> pLine;       // of a stroke
         std::unique_ptr<Letters> pLetters; // of a text or of glyphs
-        std::uint32_t image = 0;           // that a fill is painted with
-        Rect imageRect;                    // where all of it is
+        std::unique_ptr<Rect> pImageRect;  // where all of an image is
         std::unique_ptr<Paint> pGradient;
-        ShapePlaces places;
-        std::vector<std::uint32_t> members;     // of a group
-        std::vector<std::uint32_t> neighbours;  // fills that share edges with this one
-        SharedEdges::Version version = cNoItem; // of what it shares
+        std::vector<std::uint32_t> members;    // of a group
+        std::vector<std::uint32_t> neighbours; // fills that share edges with this one
+
+        Affine getTransform() const { return pTransform ? *pTransform : Affine(); }
+        void setTransform(const Affine& transform) { pTransform = std::make_unique<Affine>(transform); }
     };
 
     /// What a shape is asked in: its own steps.
@@ -193,10 +196,8 @@ struct Drawing::Impl
     /// After a change of what is around it, or of its own transform or visibility.
     void update(Item& item);
 
-    /// Begins to find the fills around one whose geometry was just made; finishLink goes on with it, with the next
-    /// shape or before anything that asks for neighbours.
-    void link(const Item& item);
-    void finishLink();
+    /// Finds the fills around those whose geometry is new, before anything that asks for neighbours or moves some.
+    void findNeighbours();
     void unlink(Item& item);
     void dropNeighbours(Item& item);
     /// Parts a shape from those that don't move with an item.
@@ -208,6 +209,8 @@ struct Drawing::Impl
     bool haveCorner(const Item& a, const Item& b) const;
     void renewLinks();
 
+    /// Of a shape that has some, as they are kept.
+    Rect boundsOfPoints(const Item& item) const;
     /// What is seen of a shape, with its stroke's width as far as that is known; false when there is nothing.
     bool boundsOf(const Item& item, Rect& bounds) const;
     void widen(std::optional<Rect>& bounds, const Item& item) const;
@@ -253,7 +256,6 @@ struct Drawing::Impl
     ShapeIndex index;
     double largestMargin = 0; // of strokes whose width is in points
     SharedEdges edges;
-    std::uint32_t linking = cNoItem; // the shape that was begun with
     std::vector<std::uint32_t> staleLinks;
     ShapeBuilder builder;
     ShapeGeometry geometry;

@@ -7,33 +7,22 @@
 namespace gui::draw
 {
 
-void Drawing::Impl::link(const Item& item)
+void Drawing::Impl::findNeighbours()
 {
-    finishLink();
-    edges.begin(geometry);
-    linking = slotOf(item);
-}
-
-void Drawing::Impl::finishLink()
-{
-    if (linking == cNoItem)
-        return;
-    const std::uint32_t slot = std::exchange(linking, cNoItem);
-    Item& item = items[slot];
-    item.version = edges.finish(slot, item.neighbours);
-    std::erase_if(item.neighbours, [this, &item](std::uint32_t other) { return items[other].whole != item.whole; });
-    for (const std::uint32_t other : item.neighbours)
+    for (const SharedEdges::Pair& pair : edges.find())
     {
-        items[other].neighbours.push_back(slot);
-        markLinksStale(items[other]);
-    }
-    if (!item.neighbours.empty())
+        Item &item = items[pair.shape], &other = items[pair.other];
+        if (item.whole != other.whole)
+            continue;
+        item.neighbours.push_back(pair.other);
+        other.neighbours.push_back(pair.shape);
+        markLinksStale(other);
         markLinksStale(item);
+    }
 }
 
 void Drawing::Impl::unlink(Item& item)
 {
-    finishLink();
     if (item.version != cNoItem)
         edges.remove(item.version);
     item.version = cNoItem;
@@ -78,7 +67,7 @@ void Drawing::Impl::markLinksStale(Item& item)
 
 void Drawing::Impl::renewLinks()
 {
-    finishLink();
+    findNeighbours();
     std::vector<std::uint32_t> records, corners;
     const std::size_t nChanged = staleLinks.size();
     for (std::size_t i = 0; i < staleLinks.size(); ++i)
@@ -135,10 +124,10 @@ bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
 {
     // Either has rounded it to its own grid.
     const double near = a.step + b.step;
-    const double left = std::max(a.bounds.left, b.bounds.left) - near,
-                 top = std::max(a.bounds.top, b.bounds.top) - near,
-                 right = std::min(a.bounds.right, b.bounds.right) + near,
-                 bottom = std::min(a.bounds.bottom, b.bounds.bottom) + near;
+    const Rect boundsA = boundsOfPoints(a), boundsB = boundsOfPoints(b);
+    const double left = std::max(boundsA.left, boundsB.left) - near, top = std::max(boundsA.top, boundsB.top) - near,
+                 right = std::min(boundsA.right, boundsB.right) + near,
+                 bottom = std::min(boundsA.bottom, boundsB.bottom) + near;
     if (left > right || top > bottom)
         return false;
     const auto cornersOf = [&](const Item& item)

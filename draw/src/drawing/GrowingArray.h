@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LargeBlock.h"
+
 #include <mem/LargePages.h>
 
 #include <algorithm>
@@ -8,13 +10,14 @@
 #include <cstring>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace gui::draw
 {
 
 /// Records in a row, for millions of them: the first touch of each page of memory takes as long as some hundred
-/// records, so large arrays grow to four times what they were, which costs nothing as long as it is not touched, and
-/// ask for large pages.
+/// records, so large arrays are blocks that grow without being copied, to four times what they were, which costs
+/// nothing as long as it is not touched.
 template <typename Record>
 class GrowingArray
 {
@@ -22,9 +25,19 @@ class GrowingArray
 
 public:
     GrowingArray() = default;
-    ~GrowingArray() { std::free(_records); }
+    ~GrowingArray()
+    {
+        if (_block.getMemory() == nullptr)
+            std::free(_records);
+    }
     GrowingArray(const GrowingArray&) = delete;
     GrowingArray& operator=(const GrowingArray&) = delete;
+    GrowingArray(GrowingArray&& other) noexcept { swap(other); }
+    GrowingArray& operator=(GrowingArray&& other) noexcept
+    {
+        GrowingArray(std::move(other)).swap(*this);
+        return *this;
+    }
 
     std::size_t size() const { return _size; }
     Record* data() { return _records; }
@@ -40,33 +53,45 @@ public:
         _size += n;
     }
 
-    /// Keeps the memory.
+    /// Leaves the first n of them, and keeps the memory.
+    void shrink(std::size_t n) { _size = n; }
     void clear() { _size = 0; }
 
 private:
+    void swap(GrowingArray& other) noexcept
+    {
+        std::swap(_block, other._block);
+        std::swap(_records, other._records);
+        std::swap(_size, other._size);
+        std::swap(_capacity, other._capacity);
+    }
+
     void reserve(std::size_t n)
     {
-        // So large that few ever have to move to another place, between two frames.
+        // So large that few ever have to grow again, between two frames.
         constexpr std::size_t cLeast = std::size_t(32) << 20;
-        const bool isLarge = n * sizeof(Record) >= mem::cLargePagesFrom / 4;
-        const std::size_t capacity = isLarge ? std::max(4 * n, cLeast / sizeof(Record)) : n + n / 2;
-        const std::size_t nBytes = capacity * sizeof(Record);
-        constexpr std::size_t cLargePage = std::size_t(2) << 20;
-        void* moved = isLarge ? std::aligned_alloc(cLargePage, (nBytes + cLargePage - 1) / cLargePage * cLargePage)
-                              : std::realloc(static_cast<void*>(_records), nBytes);
-        if (moved == nullptr)
-            throw std::bad_alloc();
-        if (isLarge)
+        if (n * sizeof(Record) >= mem::cLargePagesFrom / 4)
         {
-            mem::adviseLargePages(moved, nBytes);
-            if (_size != 0)
-                std::memcpy(moved, static_cast<const void*>(_records), _size * sizeof(Record));
-            std::free(_records);
+            const bool isFirst = _block.getMemory() == nullptr;
+            _block.grow(std::max(4 * n * sizeof(Record), cLeast));
+            auto* const records = static_cast<Record*>(_block.getMemory());
+            if (isFirst && _size != 0)
+                std::memcpy(static_cast<void*>(records), static_cast<const void*>(_records), _size * sizeof(Record));
+            if (isFirst)
+                std::free(_records);
+            _records = records;
+            _capacity = _block.getSize() / sizeof(Record);
+            return;
         }
-        _records = static_cast<Record*>(moved);
+        const std::size_t capacity = n + n / 2;
+        void* const pMemory = std::realloc(static_cast<void*>(_records), capacity * sizeof(Record));
+        if (pMemory == nullptr)
+            throw std::bad_alloc();
+        _records = static_cast<Record*>(pMemory);
         _capacity = capacity;
     }
 
+    LargeBlock _block; // that the records are in, where there are many
     Record* _records = nullptr;
     std::size_t _size = 0;
     std::size_t _capacity = 0;

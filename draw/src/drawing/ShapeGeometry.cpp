@@ -1,11 +1,13 @@
 #include "ShapeGeometry.h"
 
+#include "TwoDoubles.h"
 #include "ZOrder.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 namespace gui::draw
 {
@@ -18,12 +20,13 @@ namespace
 constexpr std::int32_t cLeaf = 4;
 constexpr std::int32_t cParts = 4;
 
-GridPoint toGrid(td::Point<double> p, const ShapeGeometry& shape)
+// Steps are powers of two, which one divides by as well as one multiplies with their inverse.
+GridPoint toGrid(td::Point<double> p, td::Point<double> origin, double inverse)
 {
     // To the nearest whole number, without a call: sums of this size have no digits behind the point.
     constexpr double cNoFraction = 0x1.8p52;
-    return {static_cast<std::int32_t>((p.x - shape.origin.x) / shape.step + cNoFraction - cNoFraction),
-            static_cast<std::int32_t>((p.y - shape.origin.y) / shape.step + cNoFraction - cNoFraction)};
+    return {static_cast<std::int32_t>((p.x - origin.x) * inverse + cNoFraction - cNoFraction),
+            static_cast<std::int32_t>((p.y - origin.y) * inverse + cNoFraction - cNoFraction)};
 }
 
 // Of vectors between points of the grid, or of length 2 at most: no square is too large, and hypot's care takes longer
@@ -107,7 +110,9 @@ void EdgeNode::setForm(bool isLeaf, double deviation, double turn)
     // One more, at the lowest bit that is left, is not less than the number was.
     constexpr double cLargest = 1e30;
     const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(std::min(deviation, cLargest)));
-    const auto steps = static_cast<std::uint32_t>(std::ceil(std::min(turn, double(cSharpest)) * 64));
+    const double exact = std::min(turn, double(cSharpest)) * 64;
+    const auto below = static_cast<std::uint32_t>(exact);
+    const std::uint32_t steps = below + (below < exact ? 1 : 0);
     form = (bits == 0 ? 0U : (bits & ~255U) + 256U) | steps << 1 | (isLeaf ? 1U : 0U);
 }
 
@@ -124,6 +129,7 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
     const Vector from = at(node.first), to = at(node.last), way(to.x - from.x, to.y - from.y);
     const double length = lengthOf(way.x, way.y);
     const Vector u = length > 0 ? Vector(way.x / length, way.y / length) : Vector(0, 0);
+    constexpr double cMostTurn = EdgeNode::cSharpest;
     double deviation = 0, turn = length > 0 ? 0 : 2, farBefore = 0;
     const auto look = [&](Vector a, Vector b, double ownDeviation, double ownTurn)
     {
@@ -136,6 +142,8 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
                                          : lengthOf(across, beyond);
         deviation = std::max(deviation, std::max(far, farBefore) + ownDeviation);
         farBefore = far;
+        if (turn > cMostTurn)
+            return; // it is told as no more
         const double own = lengthOf(b.x - a.x, b.y - a.y);
         if (own > 0)
             turn = std::max(turn, lengthOf((b.x - a.x) / own - u.x, (b.y - a.y) / own - u.y) + ownTurn);
@@ -148,20 +156,27 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
         }
     else if (node.last - node.first > 1)
     {
-        // The same for lines, which deviate and turn by nothing of their own: the largest square has the largest root.
-        double farSquare = 0, turnSquare = 0;
+        // The same for lines, which deviate and turn by nothing of their own, two at a time: the largest square has the
+        // largest root. The last point again is a line that counts for nothing.
+        const TwoDoubles zero{0, 0};
+        TwoDoubles farSquares = zero, turnSquares = zero;
         Vector a = from;
-        for (std::int32_t i = node.first + 1; i <= node.last; ++i)
+        for (std::int32_t i = node.first; i < node.last; i += 2)
         {
-            const Vector b = at(i);
-            const double x = b.x - from.x, y = b.y - from.y, along = x * u.x + y * u.y, across = x * u.y - y * u.x;
-            const double beyond = std::max({-along, along - length, 0.0});
-            farSquare = std::max(farSquare, length == 0 ? x * x + y * y : across * across + beyond * beyond);
-            const double own = lengthOf(b.x - a.x, b.y - a.y);
-            const double turnX = (b.x - a.x) / own - u.x, turnY = (b.y - a.y) / own - u.y;
-            turnSquare = std::max(turnSquare, own > 0 ? turnX * turnX + turnY * turnY : 0);
-            a = b;
+            const Vector b = at(i + 1), c = at(std::min(i + 2, node.last));
+            const TwoDoubles bx{b.x, c.x}, by{b.y, c.y};
+            const TwoDoubles x = bx - from.x, y = by - from.y, along = x * u.x + y * u.y, across = x * u.y - y * u.x;
+            const TwoDoubles beyond = largerOf(largerOf(-along, along - length), zero);
+            farSquares = largerOf(farSquares, length == 0 ? x * x + y * y : across * across + beyond * beyond);
+            const TwoDoubles wayX = bx - TwoDoubles{a.x, b.x}, wayY = by - TwoDoubles{a.y, b.y};
+            const TwoDoubles own = rootOf(wayX * wayX + wayY * wayY);
+            const TwoDoubles turnX = wayX / own - u.x, turnY = wayY / own - u.y;
+            // What is no number, without a length, is the smaller one.
+            turnSquares = largerOf(turnX * turnX + turnY * turnY, turnSquares);
+            a = c;
         }
+        const double farSquare = std::max(farSquares[0], farSquares[1]);
+        const double turnSquare = std::max(turnSquares[0], turnSquares[1]);
         deviation = std::sqrt(farSquare);
         turn = std::max(turn, std::sqrt(turnSquare));
     }
@@ -239,41 +254,55 @@ void ShapeBuilder::addTriangles(ShapeGeometry& shape)
 // Joins the boundary's edges end to end: which ones, where several meet, makes no difference to what they enclose.
 void ShapeBuilder::linkRings(ShapeGeometry& shape)
 {
-    const std::vector<td::Point<double>>& vertices = _fill.getVertices();
+    constexpr std::uint32_t cNone = UINT32_MAX;
+    const std::size_t n = _fill.getVertices().size();
     const std::vector<FillTessellator::Edge>& edges = _fill.getBoundary();
-    _starts.assign(vertices.size() + 1, 0);
+    _rings.clear();
+    _numbers.assign(n, cNone); // the first point that each vertex became
+    // Where one edge begins at each vertex, as in most fills.
+    _next.assign(n, cNone);
+    const auto isAlone = [this](const FillTessellator::Edge& edge)
+    { return std::exchange(_next[edge.from], edge.to) == cNone; };
+    if (std::all_of(edges.begin(), edges.end(), isAlone))
+    {
+        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+            if (_next[vertex] != cNone && _numbers[vertex] == cNone)
+                linkRing(vertex, shape, [this](std::uint32_t at) { return _next[at]; });
+        return;
+    }
+    _starts.assign(n + 1, 0);
     for (const FillTessellator::Edge& edge : edges)
         ++_starts[edge.from + 1];
     for (std::size_t i = 1; i < _starts.size(); ++i)
         _starts[i] += _starts[i - 1];
     _next.resize(edges.size());
-    _numbers.assign(_starts.begin(), _starts.end() - 1);
+    _ends.assign(_starts.begin(), _starts.end() - 1);
     for (const FillTessellator::Edge& edge : edges)
-        _next[_numbers[edge.from]++] = edge.to;
+        _next[_ends[edge.from]++] = edge.to;
+    // From here on the edges of each vertex that are left end there.
+    for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+        while (_ends[vertex] > _starts[vertex])
+            linkRing(vertex, shape, [this](std::uint32_t at) { return _next[--_ends[at]]; });
+}
 
-    // From here on: the edges of each vertex that are left end at _numbers, and the first point that each became.
-    std::vector<std::uint32_t>& ends = _numbers;
-    std::vector<std::uint32_t>& firstPoints = _firstPoints;
-    firstPoints.assign(vertices.size(), UINT32_MAX);
-    _rings.clear();
-    for (std::uint32_t vertex = 0; vertex < vertices.size(); ++vertex)
-        while (ends[vertex] > _starts[vertex])
-        {
-            const auto first = static_cast<std::int32_t>(shape.points.size());
-            std::uint32_t at = vertex;
-            std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
-            do
-            {
-                const GridPoint p = toGrid(vertices[at], shape);
-                firstPoints[at] = std::min(firstPoints[at], static_cast<std::uint32_t>(shape.points.size()));
-                shape.points.push_back(p);
-                widen(box, {p.x, p.y, p.x, p.y});
-                at = _next[--ends[at]];
-            } while (at != vertex);
-            shape.points.push_back(shape.points[static_cast<std::size_t>(first)]);
-            addRing(first, static_cast<std::int32_t>(shape.points.size()) - 1, box);
-        }
-    std::swap(_numbers, firstPoints);
+template <typename Next>
+void ShapeBuilder::linkRing(std::uint32_t vertex, ShapeGeometry& shape, Next next)
+{
+    const double inverse = 1 / shape.step;
+    const auto first = static_cast<std::uint32_t>(shape.points.size());
+    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    std::uint32_t at = vertex;
+    do
+    {
+        const GridPoint p = toGrid(_fill.getVertices()[at], shape.origin, inverse);
+        _numbers[at] = std::min(_numbers[at], static_cast<std::uint32_t>(shape.points.size()));
+        shape.points.push_back(p);
+        widen(box, {p.x, p.y, p.x, p.y});
+        at = next(at);
+    } while (at != vertex);
+    const GridPoint begin = shape.points[first];
+    shape.points.push_back(begin);
+    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(shape.points.size()) - 1, box);
 }
 
 void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)
@@ -324,13 +353,15 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     _rings.clear();
     _tips.clear();
     addElement(shape, ElementKind::Box);
+    const double inverse = 1 / shape.step;
     for (const Polylines::Line& line : _lines.lines)
     {
         _line.clear();
         _areWithinCurves.clear();
         for (std::size_t i = line.first; i < line.first + line.count; ++i)
             if (isUsable(_lines.points[i]))
-                if (const GridPoint g = toGrid(_lines.points[i], shape); _line.empty() || _line.back() != g)
+                if (const GridPoint g = toGrid(_lines.points[i], shape.origin, inverse);
+                    _line.empty() || _line.back() != g)
                 {
                     _line.push_back(g);
                     _areWithinCurves.push_back(_lines.areWithinCurves[i]);

@@ -94,6 +94,8 @@ public:
 
 private:
     void linkRings(ShapeGeometry& shape);
+    template <typename Next>
+    void linkRing(std::uint32_t vertex, ShapeGeometry& shape, Next next);
     void addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box);
     void addTree(ShapeGeometry& shape, ElementKind kind);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
@@ -112,7 +114,7 @@ private:
 
     FillTessellator _fill;
     Polylines _lines;
-    std::vector<std::uint32_t> _starts, _next, _numbers, _firstPoints;
+    std::vector<std::uint32_t> _starts, _ends, _next, _numbers;
     std::vector<Ring> _rings;
     std::vector<GridPoint> _line;
     std::vector<bool> _areWithinCurves;  // of the points in _line

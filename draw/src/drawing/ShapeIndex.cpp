@@ -39,7 +39,7 @@ void ShapeIndex::set(std::uint32_t number, const Rect& rect)
 {
     if (number >= _rects.size())
     {
-        _rects.resize(number + std::size_t(1));
+        _rects.grow(number + std::size_t(1) - _rects.size());
         _states.resize(number + std::size_t(1), IsAbsent);
     }
     _rects[number] = rect;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GrowingArray.h"
+
 #include <td/RectNormalized.h>
 
 #include <cstdint>
@@ -35,7 +37,7 @@ private:
     void search(std::size_t level, std::size_t first, std::size_t end, const Rect& rect,
                 const std::function<void(std::uint32_t)>& found) const;
 
-    std::vector<Rect> _rects;               // by number
+    GrowingArray<Rect> _rects;              // by number, of those that are there
     std::vector<std::uint8_t> _states;      // by number: not there, in the tree, or changed since
     std::vector<std::uint32_t> _changed;    // may name one twice
     std::vector<std::vector<Node>> _levels; // the lowest first

@@ -338,13 +338,15 @@ void ShapeTables::setOrder(const ShapePlaces& places, std::uint32_t order)
 
 bool ShapeTables::makeRoomFor(double largest)
 {
+    if (largest < _room)
+        return false;
     int exponent = 0;
     std::frexp(largest, &exponent);
-    if (_hasUnit && exponent + 1 - 62 <= _unit)
-        return false;
     // Some room to grow before all places have to be set again.
     _unit = exponent + 4 - 62;
-    _hasUnit = true;
+    _room = std::ldexp(1, _unit + 61);
+    // Where it is a number, which multiplies as ldexp does.
+    _scale = std::abs(_unit) < 1000 ? std::ldexp(1, -_unit) : 0;
     return true;
 }
 
@@ -362,7 +364,8 @@ int ShapeTables::getCoarseness(td::Point<double> point) const
 
 std::array<std::uint32_t, 2> ShapeTables::toUnits(double coordinate, int coarseness) const
 {
-    const double units = std::ldexp(coordinate, -_unit - coarseness);
+    const double units =
+        coarseness == 0 && _scale != 0 ? coordinate * _scale : std::ldexp(coordinate, -_unit - coarseness);
     const auto bits =
         static_cast<std::uint64_t>(std::isnan(units) ? 0 : std::llrint(std::clamp(units, -cMostUnits, cMostUnits)));
     return {static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
@@ -422,7 +425,7 @@ void ShapeTables::clear()
     _numbers.clear();
     _links.clear();
     _glyphs.clear();
-    _hasUnit = false;
+    _room = 0;
     _features = _glyphFeatures = 0;
 }
 

@@ -223,8 +223,9 @@ private:
     Table<float> _numbers;
     Table<std::uint32_t> _links;
     Table<GlyphRecord> _glyphs;
-    int _unit = 0; // a power of two
-    bool _hasUnit = false;
+    int _unit = 0;     // a power of two
+    double _scale = 1; // its inverse, or 0 where that is no number
+    double _room = 0;  // what is smaller has some; 0 while there is no unit
     unsigned int _features = 0;
     unsigned int _glyphFeatures = 0;
     std::vector<Element> _patched;

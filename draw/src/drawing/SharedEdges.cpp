@@ -6,6 +6,8 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <memory>
+#include <utility>
 
 namespace gui::draw
 {
@@ -13,8 +15,11 @@ namespace gui::draw
 namespace
 {
 
-// Edges whose places are fetched into the cache when a shape is begun, and how far ahead those of the others are.
-constexpr std::size_t cFetched = 128, cAhead = 16;
+// How far ahead places are fetched into the cache: tables are larger than that.
+constexpr std::size_t cAhead = 16;
+
+// So many that one in sixteen edges with nothing beside them is looked at nevertheless.
+constexpr std::size_t cBitsPerEdge = 8;
 
 // The same for places of the old table, of which a third or so are taken.
 constexpr std::size_t cMovedAhead = 32;
@@ -24,6 +29,17 @@ std::uint64_t mixed(std::uint64_t n)
     n = (n ^ n >> 32) * 0xd6e8feb86659fd93U;
     n = (n ^ n >> 32) * 0xd6e8feb86659fd93U;
     return n ^ n >> 32;
+}
+
+template <typename Record>
+std::vector<Record> makeTable(std::size_t n)
+{
+    std::vector<Record> table;
+    table.reserve(n);
+    if (n * sizeof(Record) >= mem::cLargePagesFrom)
+        mem::adviseLargePages(table.data(), n * sizeof(Record));
+    table.resize(n);
+    return table;
 }
 
 // The power of two that a number lies below, of which it is half at least.
@@ -37,13 +53,15 @@ std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
     // As far as 64 bits go.
     const int exponent = std::max({exponentOf(size), exponentOf(largest) - 45, -900});
     const auto inverse = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + 16 - exponent) << 52);
-    // Round numbers are to lie within a cell, not where two of them meet.
-    const auto cell = [inverse](double n)
+    // Round numbers are to lie within a cell, not where two of them meet: 0.382 are added, and it is rounded down.
+    constexpr double cNoFraction = 0x1.8p52;
+    const bool isLarge = !(largest * inverse < 0x1p50);
+    const auto cell = [inverse, isLarge](double n)
     {
-        // Rounded down, without a call.
-        const double place = n * inverse + 0.382;
-        const auto whole = static_cast<std::int64_t>(place);
-        return static_cast<std::uint64_t>(whole - (static_cast<double>(whole) > place ? 1 : 0));
+        // The same by rounding to the nearest, without a call: sums of this size have no digits behind the point.
+        if (!isLarge)
+            return std::bit_cast<std::uint64_t>(n * inverse - 0.118 + cNoFraction);
+        return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * inverse + 0.382)));
     };
     const bool isBackward = b.x < a.x || (b.x == a.x && b.y < a.y);
     if (isBackward)
@@ -56,33 +74,8 @@ std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
 
 } // namespace
 
-void SharedEdges::begin(const ShapeGeometry& geometry)
+SharedEdges::Version SharedEdges::add(std::uint32_t shape, const ShapeGeometry& geometry)
 {
-    _keys.clear();
-    const auto toModel = [&geometry](std::uint32_t i)
-    {
-        const GridPoint p = geometry.points[i];
-        return td::Point<double>(geometry.origin.x + geometry.step * p.x, geometry.origin.y + geometry.step * p.y);
-    };
-    for (const Element& element : geometry.elements)
-        if (element.shapeAndKind >> 28 == static_cast<std::uint32_t>(ElementKind::Edge))
-            _keys.push_back(keyOf(toModel(element.points[0]), toModel(element.points[0] + 1)));
-    if ((_nUsed + _keys.size()) * 2 > _entries.size())
-        grow(_keys.size());
-    // Twice as fast as those come that would fill the table.
-    moveSome(4 * _keys.size() + 256);
-    // Not in functions of their own: the compiler takes those that only fetch for ones that do nothing.
-    for (std::size_t i = 0; i < std::min(_keys.size(), cFetched); ++i)
-    {
-        __builtin_prefetch(&_entries[placeIn(_entries, _keys[i])]);
-        if (!_old.empty())
-            __builtin_prefetch(&_old[placeIn(_old, _keys[i])]);
-    }
-}
-
-SharedEdges::Version SharedEdges::finish(std::uint32_t shape, std::vector<std::uint32_t>& neighbours)
-{
-    neighbours.clear();
     auto version = static_cast<Version>(_shapes.size());
     if (_free.empty())
     {
@@ -94,43 +87,32 @@ SharedEdges::Version SharedEdges::finish(std::uint32_t shape, std::vector<std::u
         version = _free.back();
         _free.pop_back();
     }
-    _shapes[version] = shape;
-    _counts[version] = static_cast<std::uint32_t>(_keys.size());
-    const std::size_t mask = _entries.size() - 1;
-    const auto look = [&](const Entry& entry, std::uint32_t key)
+    const std::size_t first = _keys.size();
+    _keys.grow(geometry.points.size());
+    std::uint32_t* pKey = _keys.data() + first;
+    for (const EdgeNode& node : geometry.nodes)
     {
-        if (entry.key != (key ^ 1U))
-            return;
-        if (const std::uint32_t other = _shapes[entry.version];
-            other != UINT32_MAX && other != shape &&
-            std::find(neighbours.begin(), neighbours.end(), other) == neighbours.end())
-            neighbours.push_back(other);
-    };
-    for (std::size_t i = 0; i < _keys.size(); ++i)
-    {
-        if (i + cAhead < _keys.size() && i + cAhead >= cFetched)
+        if (!node.isLeaf())
+            continue;
+        const auto toModel = [&geometry](std::int32_t i)
         {
-            __builtin_prefetch(&_entries[placeIn(_entries, _keys[i + cAhead])]);
-            if (!_old.empty())
-                __builtin_prefetch(&_old[placeIn(_old, _keys[i + cAhead])]);
+            const GridPoint p = geometry.points[static_cast<std::size_t>(i)];
+            return td::Point<double>(geometry.origin.x + geometry.step * p.x, geometry.origin.y + geometry.step * p.y);
+        };
+        td::Point<double> from = toModel(node.first);
+        for (std::int32_t i = node.first + 1; i <= node.last; ++i)
+        {
+            const td::Point<double> to = toModel(i);
+            *pKey++ = keyOf(from, to);
+            from = to;
         }
-        const std::uint32_t key = _keys[i];
-        std::size_t place = placeIn(_entries, key);
-        for (; _entries[place].key != 0; place = (place + 1) & mask)
-            look(_entries[place], key);
-        _entries[place] = {key, version};
-        ++_nUsed;
-        if (!_old.empty())
-            for (place = placeIn(_old, key); _old[place].key != 0; place = (place + 1) & (_old.size() - 1))
-                look(_old[place], key);
     }
+    const auto n = static_cast<std::size_t>(pKey - _keys.data()) - first;
+    _keys.shrink(first + n);
+    _shapes[version] = shape;
+    _counts[version] = static_cast<std::uint32_t>(n);
+    _listed.push_back(version);
     return version;
-}
-
-// Both directions of an edge begin at the same place.
-std::size_t SharedEdges::placeIn(const std::vector<Entry>& entries, std::uint32_t key)
-{
-    return ((key >> 1) * 0x9e3779b97f4a7c15U >> 32) & (entries.size() - 1);
 }
 
 void SharedEdges::remove(Version version)
@@ -138,6 +120,172 @@ void SharedEdges::remove(Version version)
     _shapes[version] = UINT32_MAX;
     _nRemoved += _counts[version];
     _removed.push_back(version);
+}
+
+const std::vector<SharedEdges::Pair>& SharedEdges::find()
+{
+    _pairs.clear();
+    if (_listed.size() == _nKnown)
+        return _pairs;
+    dropRemoved();
+    if (_entries.empty() && _keys.size() - _nKnownKeys > _nKnownKeys)
+        findAtOnce();
+    else
+    {
+        if (_entries.empty())
+            fillTable();
+        findInTable();
+    }
+    return _pairs;
+}
+
+void SharedEdges::look(const Entry& entry, std::uint32_t key, std::uint32_t shape, std::size_t firstPair)
+{
+    if (entry.key != (key ^ 1U))
+        return;
+    const std::uint32_t other = _shapes[entry.version];
+    const auto isIt = [other](const Pair& pair) { return pair.other == other; };
+    if (other != UINT32_MAX && other != shape &&
+        std::none_of(_pairs.begin() + static_cast<std::ptrdiff_t>(firstPair), _pairs.end(), isIt))
+        _pairs.push_back({shape, other});
+}
+
+// Without a table of all: a bit for each edge, by direction, says of most of the others that nothing is beside them.
+void SharedEdges::findAtOnce()
+{
+    const std::size_t n = _keys.size(), nBits = std::bit_ceil(std::max<std::size_t>(cBitsPerEdge * n, 64));
+    // The lowest two bits are the direction and one that is always set.
+    const std::size_t mask = nBits - 1;
+    auto bits = makeTable<std::uint64_t>(nBits / 64 * 2);
+    std::uint64_t* const pBits[] = {bits.data(), bits.data() + nBits / 64};
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const std::size_t bit = _keys[i] >> 2 & mask;
+        pBits[_keys[i] & 1U][bit / 64] |= std::uint64_t(1) << bit % 64;
+    }
+    const auto left = std::make_unique_for_overwrite<std::uint32_t[]>(n);
+    std::size_t nLeft = 0;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const std::size_t bit = _keys[i] >> 2 & mask;
+        left[nLeft] = static_cast<std::uint32_t>(i);
+        nLeft += pBits[~_keys[i] & 1U][bit / 64] >> bit % 64 & 1U;
+    }
+
+    auto entries = makeTable<Entry>(std::bit_ceil(std::max<std::size_t>(2 * nLeft, 16)));
+    std::size_t number = 0, end = _listed.empty() ? 0 : _counts[_listed[0]], firstPair = 0;
+    for (std::size_t i = 0; i < nLeft; ++i)
+    {
+        if (i + cAhead < nLeft)
+            __builtin_prefetch(&entries[placeIn(entries, _keys[left[i + cAhead]])]);
+        while (left[i] >= end)
+        {
+            end += _counts[_listed[++number]];
+            firstPair = _pairs.size();
+        }
+        const std::uint32_t key = _keys[left[i]], shape = _shapes[_listed[number]];
+        std::size_t place = placeIn(entries, key);
+        for (; entries[place].key != 0; place = (place + 1) & (entries.size() - 1))
+            if (number >= _nKnown)
+                look(entries[place], key, shape, firstPair);
+        entries[place] = {key, _listed[number]};
+    }
+    _nKnown = _listed.size();
+    _nKnownKeys = n;
+}
+
+// From the list.
+void SharedEdges::dropRemoved()
+{
+    const auto isRemoved = [this](Version version) { return _shapes[version] == UINT32_MAX; };
+    if (_removed.empty() || std::none_of(_listed.begin(), _listed.end(), isRemoved))
+        return;
+    std::size_t from = 0, to = 0, nVersions = 0;
+    const std::size_t nKnown = std::exchange(_nKnown, 0);
+    _nKnownKeys = 0;
+    for (std::size_t i = 0; i < _listed.size(); ++i)
+    {
+        const Version version = _listed[i];
+        const std::size_t n = _counts[version];
+        if (isRemoved(version))
+        {
+            _nRemoved -= n;
+            _counts[version] = 0;
+        }
+        else
+        {
+            std::copy_n(_keys.data() + from, n, _keys.data() + to);
+            to += n;
+            _listed[nVersions++] = version;
+            _nKnown += i < nKnown ? 1 : 0;
+            _nKnownKeys += i < nKnown ? n : 0;
+        }
+        from += n;
+    }
+    _keys.shrink(to);
+    _listed.resize(nVersions);
+    // What has no keys left is nowhere.
+    const auto end = std::partition(_removed.begin(), _removed.end(), [this](Version v) { return _counts[v] != 0; });
+    _free.insert(_free.end(), end, _removed.end());
+    _removed.erase(end, _removed.end());
+}
+
+// With what is known of the list.
+void SharedEdges::fillTable()
+{
+    grow(_keys.size());
+    std::size_t i = 0;
+    for (std::size_t number = 0; number < _nKnown; ++number)
+        for (const std::size_t end = i + _counts[_listed[number]]; i < end; ++i)
+        {
+            __builtin_prefetch(&_entries[placeIn(_entries, _keys[std::min(i + cAhead, _keys.size() - 1)])]);
+            insert(_entries, {_keys[i], _listed[number]});
+        }
+    _nUsed = i;
+}
+
+// Adds the rest of the list to the table.
+void SharedEdges::findInTable()
+{
+    const std::size_t n = _keys.size();
+    if ((_nUsed + n - _nKnownKeys) * 2 > _entries.size())
+        grow(n - _nKnownKeys);
+    std::size_t i = _nKnownKeys;
+    for (std::size_t number = _nKnown; number < _listed.size(); ++number)
+    {
+        const Version version = _listed[number];
+        const std::uint32_t shape = _shapes[version];
+        const std::size_t end = i + _counts[version], firstPair = _pairs.size();
+        // Twice as fast as those come that would fill the table.
+        moveSome(4 * (end - i) + 256);
+        for (; i < end; ++i)
+        {
+            const std::uint32_t key = _keys[i], ahead = _keys[std::min(i + cAhead, n - 1)];
+            __builtin_prefetch(&_entries[placeIn(_entries, ahead)]);
+            if (!_old.empty())
+                __builtin_prefetch(&_old[placeIn(_old, ahead)]);
+            std::size_t at = placeIn(_entries, key);
+            for (; _entries[at].key != 0; at = (at + 1) & (_entries.size() - 1))
+                look(_entries[at], key, shape, firstPair);
+            _entries[at] = {key, version};
+            ++_nUsed;
+            if (!_old.empty())
+                for (at = placeIn(_old, key); _old[at].key != 0; at = (at + 1) & (_old.size() - 1))
+                    look(_old[at], key, shape, firstPair);
+        }
+    }
+    // That of what was there at first is not needed again.
+    if (_nKnown != 0)
+        _keys = {};
+    _keys.clear();
+    _listed.clear();
+    _nKnown = _nKnownKeys = 0;
+}
+
+// Both directions of an edge begin at the same place.
+std::size_t SharedEdges::placeIn(const std::vector<Entry>& entries, std::uint32_t key)
+{
+    return ((key >> 1) * 0x9e3779b97f4a7c15U >> 32) & (entries.size() - 1);
 }
 
 // Leaves out the edges of shapes that were removed, as moveSome does.
@@ -152,11 +300,7 @@ void SharedEdges::grow(std::size_t nMore)
     _leaving = std::move(_removed);
     _removed.clear();
     _nMoved = 0;
-    _entries = {};
-    _entries.reserve(n);
-    if (n * sizeof(Entry) >= mem::cLargePagesFrom)
-        mem::adviseLargePages(_entries.data(), n * sizeof(Entry));
-    _entries.resize(n);
+    _entries = makeTable<Entry>(n);
 }
 
 void SharedEdges::moveSome(std::size_t nPlaces)
@@ -171,7 +315,7 @@ void SharedEdges::moveSome(std::size_t nPlaces)
         if (const Entry& entry = _old[_nMoved]; entry.key != 0)
         {
             if (_shapes[entry.version] != UINT32_MAX)
-                insert(entry);
+                insert(_entries, entry);
             else
             {
                 --_nUsed;
@@ -186,13 +330,13 @@ void SharedEdges::moveSome(std::size_t nPlaces)
     _leaving.clear();
 }
 
-void SharedEdges::insert(Entry entry)
+void SharedEdges::insert(std::vector<Entry>& entries, Entry entry)
 {
-    const std::size_t mask = _entries.size() - 1;
-    std::size_t place = placeIn(_entries, entry.key);
-    while (_entries[place].key != 0)
+    const std::size_t mask = entries.size() - 1;
+    std::size_t place = placeIn(entries, entry.key);
+    while (entries[place].key != 0)
         place = (place + 1) & mask;
-    _entries[place] = entry;
+    entries[place] = entry;
 }
 
 void SharedEdges::clear() { *this = SharedEdges(); }

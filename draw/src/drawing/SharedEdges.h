@@ -1,9 +1,9 @@
 #pragma once
 
+#include "GrowingArray.h"
 #include "ShapeGeometry.h"
 
 #include <cstdint>
-#include <span>
 #include <vector>
 
 namespace gui::draw
@@ -13,19 +13,27 @@ namespace gui::draw
 ///
 /// It may name a pair that has none, one in a million. Edges are compared as the shapes have them, to some 2^-16 of
 /// their length, since each shape has a grid of its own.
+///
+/// Most drawings are made and stay, and most edges have nothing beside them: what is added first is a list, of which
+/// bits say what has no counterpart. The table in which others are looked up is made when some are added later.
 class SharedEdges
 {
 public:
     /// Names what a shape was when it was added.
     using Version = std::uint32_t;
 
-    /// Adds the edges of a fill, in two steps: the table is larger than the caches, and what is needed of it comes
-    /// there while something else is done, the next shape's triangles best of all. Nothing else may be called in
-    /// between.
-    void begin(const ShapeGeometry& geometry);
-    /// @param shape  any number for it  @param neighbours  becomes the shapes that it shares edges with, each once
-    Version finish(std::uint32_t shape, std::vector<std::uint32_t>& neighbours);
+    struct Pair
+    {
+        std::uint32_t shape; ///< that was added later
+        std::uint32_t other;
+    };
+
+    /// Adds the edges of a fill. @param shape  any number for it
+    Version add(std::uint32_t shape, const ShapeGeometry& geometry);
     void remove(Version version);
+    /// The pairs that came with what was added since it was asked last, each once, in the order in which shapes and
+    /// their edges were added. Valid until it is asked again.
+    const std::vector<Pair>& find();
     void clear();
 
 private:
@@ -35,21 +43,31 @@ private:
         Version version = 0;
     };
 
+    void findAtOnce();
+    void findInTable();
+    void dropRemoved();
+    void fillTable();
+    void look(const Entry& entry, std::uint32_t key, std::uint32_t shape, std::size_t firstPair);
     void grow(std::size_t nMore);
     void moveSome(std::size_t nPlaces);
-    void insert(Entry entry);
+    static void insert(std::vector<Entry>& entries, Entry entry);
     static std::size_t placeIn(const std::vector<Entry>& entries, std::uint32_t key);
 
-    std::vector<Entry> _entries;        // as many as a power of two; the place is the key's, or after it
+    GrowingArray<std::uint32_t> _keys; // in the order in which they were added, of those not in the table
+    std::vector<Version> _listed;      // that these are of
+    std::size_t _nKnown = 0;           // versions of these whose pairs were found
+    std::size_t _nKnownKeys = 0;
+    std::vector<Pair> _pairs;
+
+    std::vector<Entry> _entries;        // the table, of a power of two; the place is the key's, or after it
     std::vector<Entry> _old;            // that not all have been moved from: at once would take longer than a frame has
     std::size_t _nMoved = 0;            // places of these
     std::size_t _nUsed = 0;             // entries in either
     std::vector<std::uint32_t> _shapes; // by version; UINT32_MAX for those removed
-    std::size_t _nRemoved = 0;          // entries of these
-    std::vector<std::uint32_t> _counts; // of entries, by version
-    std::vector<Version> _removed, _free; // with entries still there, and to be given again
+    std::size_t _nRemoved = 0;          // keys of these
+    std::vector<std::uint32_t> _counts; // of keys, by version
+    std::vector<Version> _removed, _free; // with keys still there, and to be given again
     std::vector<Version> _leaving;        // with entries in _old alone
-    std::vector<std::uint32_t> _keys;
 };
 
 } // namespace gui::draw

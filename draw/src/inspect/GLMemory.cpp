@@ -12,7 +12,6 @@ namespace gui::draw
 namespace
 {
 
-using Kind = GLMemory::Kind;
 using Object = GLMemory::Object;
 
 constexpr GLuint cLongestGap = 300; // between two names in use
@@ -38,7 +37,7 @@ std::uint64_t bytesOfLevel(GLuint texture, GLint level)
 
 Object askTexture(GLuint name)
 {
-    Object object{.kind = Kind::Texture, .name = name};
+    Object object{.kind = GLMemory::Kind::Texture, .name = name};
     GLint target = 0;
     glGetTextureParameteriv(name, GL_TEXTURE_TARGET, &target);
     object.target = static_cast<GLenum>(target);
@@ -60,7 +59,7 @@ Object askBuffer(GLuint name)
 {
     GLint64 size = 0;
     glGetNamedBufferParameteri64v(name, GL_BUFFER_SIZE, &size);
-    return {.kind = Kind::Buffer, .name = name, .nBytes = static_cast<std::uint64_t>(size)};
+    return {.kind = GLMemory::Kind::Buffer, .name = name, .nBytes = static_cast<std::uint64_t>(size)};
 }
 
 Object askRenderbuffer(GLuint name)
@@ -75,7 +74,7 @@ Object askRenderbuffer(GLuint name)
     for (const GLenum channel : {GL_RENDERBUFFER_RED_SIZE, GL_RENDERBUFFER_GREEN_SIZE, GL_RENDERBUFFER_BLUE_SIZE,
                                  GL_RENDERBUFFER_ALPHA_SIZE, GL_RENDERBUFFER_DEPTH_SIZE, GL_RENDERBUFFER_STENCIL_SIZE})
         nBits += get(channel);
-    Object object{.kind = Kind::Renderbuffer, .name = name};
+    Object object{.kind = GLMemory::Kind::Renderbuffer, .name = name};
     object.width = get(GL_RENDERBUFFER_WIDTH);
     object.height = get(GL_RENDERBUFFER_HEIGHT);
     object.nBytes = static_cast<std::uint64_t>(object.width) * static_cast<std::uint64_t>(object.height) *
@@ -83,7 +82,7 @@ Object askRenderbuffer(GLuint name)
     return object;
 }
 
-void collect(GLMemory::Names& names, Kind kind, GLboolean (*is)(GLuint))
+void collect(GLMemory::Names& names, GLMemory::Kind kind, GLboolean (*is)(GLuint))
 {
     for (GLuint name = 1, last = 0; name - last <= cLongestGap; ++name)
         if (is(name) != GL_FALSE)

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cmath>
+
+#ifdef __SSE2__
+#include <immintrin.h>
+#endif
+
+namespace gui::draw
+{
+
+/// Two doubles side by side, which every compiler knows how to spread over the machine's registers. Arithmetic is that
+/// of single doubles, to the bit.
+using TwoDoubles [[gnu::vector_size(16)]] = double;
+
+/// The second where one is NaN.
+inline TwoDoubles largerOf(TwoDoubles a, TwoDoubles b)
+{
+#ifdef __SSE2__
+    return _mm_max_pd(a, b);
+#else
+    return a > b ? a : b;
+#endif
+}
+
+inline TwoDoubles rootOf(TwoDoubles v)
+{
+#ifdef __SSE2__
+    return _mm_sqrt_pd(v);
+#else
+    return TwoDoubles{std::sqrt(v[0]), std::sqrt(v[1])};
+#endif
+}
+
+} // namespace gui::draw
