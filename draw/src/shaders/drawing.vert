@@ -9,6 +9,11 @@ flat out uvec4 parts;     // colour, nodes, how many, points
 flat out ivec2 middle;    // the viewport's middle in the shape's steps,
 flat out vec2 toMiddle;   // and what is to be added to a point's distance from it
 flat out vec4 stepsToPixels;
+#ifdef STROKES
+flat out vec4 toBrush; // what its Nib is
+flat out vec4 brushSizes;
+flat out float miterLimit;
+#endif
 
 // Quads from this number on are boxes around whole shapes, by the numbers of their records.
 const int cBoxes = 1 << 28;
@@ -140,6 +145,20 @@ void main()
         if (kind == cNode && sizeOf(texelFetch(nodes, 2 * int(parts.y + element.z)), place) <= cSmallPart)
             return;
     }
+    float straight = 1.0 / 64.0 / stretchOf(place);
+#ifdef STROKES
+    if ((flags & cStroke) != 0u)
+    {
+        Nib nib = nibOf(place, shape, flags);
+        toBrush = vec4(nib.own[0], nib.own[1]);
+        brushSizes = vec4(nib.radius, nib.reach, nib.straight, nib.mostTurn);
+        miterLimit = nib.miterLimit;
+        straight = nib.straight;
+    }
+#endif
+    int form = texelFetch(nodes, 2 * int(parts.y) + 1).w;
+    if (kind == cBox && !isLeaf(form) && deviationOf(form) >= straight && sizeOf(box, place) > 1.0)
+        flags |= cEntered;
     int base = int(parts.w);
     float half_ = 0.0, reach = 1.0;
     if ((flags & cStroke) != 0u)
