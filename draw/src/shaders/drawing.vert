@@ -21,7 +21,10 @@ const int cBoxes = 1 << 28;
 const float cSmall = 16.0;
 // The same for parts of a shape: a box around some lines.
 const float cSmallPart = 8.0;
-const float cBlock = 4.0;
+// Pixels that rasterizers work at together, along either axis.
+const float cBlock = 2.0;
+// Up to which a line's quad is a rectangle of such blocks.
+const float cShort = 4.0;
 // Half of a pixel's side, and of its diagonal, and a little more.
 const float cSide = 0.51, cDiagonal = 0.72;
 
@@ -32,8 +35,8 @@ float sizeOf(ivec4 box, Place place)
     return max(size.x, size.y);
 }
 
-// Of a rectangle, as far as it takes for whole blocks of pixels, which rasterizers work at together. What is looked at
-// once costs nothing when another quad comes there.
+// Of a rectangle, as far as it takes for whole blocks of pixels. What is looked at once costs nothing when another quad
+// comes there.
 vec2 cornerOf(vec2 low, vec2 high, int c)
 {
     vec2 p = vec2((c & 1) == 0 ? low.x : high.x, (c & 2) == 0 ? low.y : high.y) + halfSize;
@@ -247,7 +250,7 @@ void main()
         p = ((c & 1) == 0 ? a - along * extra : b + along * extra) +
             normal * ((c & 2) == 0 ? -across : across);
         // As far as the quad's own corners, for mitres that have no tip of their own.
-        if (kind != cTip && len <= cBlock)
+        if (kind != cTip && len <= cShort)
             p = cornerOf(min(a, b) - half_ * 1.4143 - cDiagonal, max(a, b) + half_ * 1.4143 + cDiagonal, c);
     }
     gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
