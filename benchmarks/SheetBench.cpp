@@ -108,7 +108,7 @@ void makeDrawing(gui::draw::Drawing& drawing)
     using namespace gui::draw;
     for (const Shape& shape : sheet())
     {
-        const td::Color color(shape.rgb);
+        const td::Color color = td::Color::fromRGB(shape.rgb);
         const Point& at = shape.points.front();
         if (shape.kind == Shape::Kind::Circle)
             drawing.stroke(Path().addCircle(at, shape.radius), {.width = cLineWidth}, color);

@@ -15,6 +15,9 @@ namespace
 
 /// As in the vertex shader: up to so many pixels a shape is drawn as a box.
 constexpr double cSmall = 16;
+/// Up to so many it is, where most shapes beside it are so small that together they have no more pixels than such boxes:
+/// the parts of all of them would take longer than what a few boxes look at in vain.
+constexpr double cLargestBox = 64;
 
 constexpr float cInfinity = std::numeric_limits<float>::infinity();
 
@@ -111,10 +114,11 @@ void DrawList::renew(std::size_t number)
     chunk.parts.clear();
     chunk.boxes.clear();
     chunk.box = {cInfinity, cInfinity, -cInfinity, -cInfinity};
-    chunk.size = chunk.margin = 0;
+    chunk.size = chunk.area = chunk.margin = 0;
     chunk.zooms = {cInfinity, 0};
     chunk.shared = {};
     const std::size_t end = std::min((number + 1) * cChunk, _shapes.size());
+    float count = 0;
     for (std::size_t i = number * cChunk; i < end; ++i)
     {
         const Entry& entry = _shapes[i];
@@ -123,7 +127,10 @@ void DrawList::renew(std::size_t number)
         const Box& box = entry.box;
         chunk.box = {std::min(chunk.box.left, box.left), std::min(chunk.box.top, box.top),
                      std::max(chunk.box.right, box.right), std::max(chunk.box.bottom, box.bottom)};
-        chunk.size = std::max({chunk.size, box.right - box.left, box.bottom - box.top});
+        const float size = std::max(box.right - box.left, box.bottom - box.top);
+        chunk.size = std::max(chunk.size, size);
+        // The mean of all so far.
+        chunk.area += (size * size - chunk.area) / ++count;
         chunk.margin = std::max(chunk.margin, entry.margin);
         chunk.zooms = {std::min(chunk.zooms.min, entry.zooms.min), std::max(chunk.zooms.max, entry.zooms.max)};
         chunk.shared = chunk.shared & entry.zooms;
@@ -200,7 +207,8 @@ void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPe
         if (!touches(box, seen))
             continue;
         _largest = std::max(_largest, double(chunk.size));
-        const bool isSmall = chunk.size * pixelsPerUnit <= cSmall;
+        const bool isSmall =
+            chunk.size * pixelsPerUnit <= cLargestBox && chunk.area * pixelsPerUnit * pixelsPerUnit <= cSmall * cSmall;
         if (box.left >= seen.left && box.right <= seen.right && box.top >= seen.top && box.bottom <= seen.bottom &&
             chunk.shared.has(zoom))
             for (const Piece& piece : isSmall ? chunk.boxes : chunk.parts)

@@ -119,6 +119,7 @@ private:
     {
         Box box{};
         float size = 0;          // of the largest
+        float area = 0;          // of a square as large as a shape, on average
         float margin = 0;        // the largest
         ZoomRange zooms, shared; // of any, and of all
         bool isStale = true;

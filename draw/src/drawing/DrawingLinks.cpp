@@ -77,12 +77,13 @@ void Drawing::Impl::renewLinks()
             continue;
         records.clear();
         findCorners(item, corners);
-        // One that is not seen whenever this is would leave a gap.
+        // One that is not seen whenever this is would leave a gap. And edges are known by numbers that a few others
+        // have as well, far away: where there is no real neighbour, shaders need not look for any.
         const auto add = [&](const std::vector<std::uint32_t>& others)
         {
             for (const std::uint32_t other : others)
             {
-                if ((items[other].zooms & item.zooms) == item.zooms)
+                if ((items[other].zooms & item.zooms) == item.zooms && overlapOf(item, items[other]))
                     records.push_back(items[other].places.record);
                 // It has a corner with this one, or is between two that have: none of those knew of the change.
                 if (i < nChanged)
@@ -120,7 +121,7 @@ void Drawing::Impl::findCorners(const Item& item, std::vector<std::uint32_t>& co
     }
 }
 
-bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
+auto Drawing::Impl::overlapOf(const Item& a, const Item& b) -> std::optional<Rect>
 {
     // Either has rounded it to its own grid.
     const double near = a.step + b.step;
@@ -129,6 +130,14 @@ bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
                  right = std::min(boundsA.right, boundsB.right) + near,
                  bottom = std::min(boundsA.bottom, boundsB.bottom) + near;
     if (left > right || top > bottom)
+        return std::nullopt;
+    return Rect(left, top, right, bottom);
+}
+
+bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
+{
+    const std::optional<Rect> overlap = overlapOf(a, b);
+    if (!overlap)
         return false;
     const auto cornersOf = [&](const Item& item)
     {
@@ -137,12 +146,13 @@ bool Drawing::Impl::haveCorner(const Item& a, const Item& b) const
         {
             const GridPoint p = tables.getPoints()[item.places.points.first + i];
             const Point at(item.origin.x + item.step * p.x, item.origin.y + item.step * p.y);
-            if (at.x >= left && at.x <= right && at.y >= top && at.y <= bottom)
+            if (at.x >= overlap->left && at.x <= overlap->right && at.y >= overlap->top && at.y <= overlap->bottom)
                 corners.push_back(at);
         }
         std::sort(corners.begin(), corners.end(), [](const Point& p, const Point& q) { return p.x < q.x; });
         return corners;
     };
+    const double near = a.step + b.step;
     const std::vector<Point> own = cornersOf(a), others = cornersOf(b);
     auto from = own.begin();
     for (const Point& p : others)

@@ -12,6 +12,11 @@ flat in uvec4 parts;
 flat in ivec2 middle;
 flat in vec2 toMiddle;
 flat in vec4 stepsToPixels;
+#ifdef STROKES
+flat in vec4 toBrush; // what its Nib is
+flat in vec4 brushSizes;
+flat in float miterLimit;
+#endif
 #if defined GLYPHS && (defined GRADIENTS || defined HALOS)
 flat in vec4 textPixels;
 flat in vec4 textAnchor;
@@ -29,11 +34,6 @@ in vec3 coloredAt;
 #endif
 
 out vec4 color;
-
-// What the last of a node's numbers tells: see EdgeNode.
-bool isLeaf(int form) { return (form & 1) != 0; }
-float deviationOf(int form) { return intBitsToFloat(form & ~255); }
-float turnOf(int form) { return float(form >> 1 & 127) / 64.0; }
 
 #ifdef FILLS
 // ---- fills: the area by a line integral over their boundary
@@ -60,9 +60,8 @@ float areaLeftOf(vec2 a, vec2 b)
     return (y1 - y0) * meanOfClamped(a.x + (y0 - a.y) * slope + 0.5, a.x + (y1 - a.y) * slope + 0.5);
 }
 
-float areaOfLine(Place place, int from, int to, vec2 pixel)
+float areaOfLine(Place place, ivec2 pa, ivec2 pb, vec2 pixel)
 {
-    ivec2 pa = texelFetch(points, from).xy, pb = texelFetch(points, to).xy;
     vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
     vec2 nearA = a, nearB = b;
     float area = 0.0;
@@ -76,38 +75,35 @@ float areaOfLine(Place place, int from, int to, vec2 pixel)
     return area + areaLeftOf(nearA - pixel, nearB - pixel);
 }
 
-// Each round looks at a node or at a line of a leaf, and takes one line into account: one of a leaf, or the one from
-// first to last point of a node that is as good as that, being too small or to the right with all of it. Software
-// drivers run through the whole body for each of the pixels that they work at together, so there is only one.
-float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
+// The lines of leaves, and of other nodes one from first to last point where that is as good, as they are too small or
+// to the right with all of it.
+float areaOfFill(Place place, uvec4 outline, int first, vec2 pixel)
 {
     mat2 extent = mat2(abs(place.pixels[0]), abs(place.pixels[1])) * 0.5;
     float straight = 1.0 / 64.0 / stretchOf(place);
     float area = 0.0;
-    int base = node, end = node + nNodes;
-    int line = 0, last = 0; // of a leaf, what is left of it
-    while (line < last || node < end)
+    int pointBase = int(outline.w), base = int(outline.y), node = base + first, end = base + int(outline.z);
+    do if (node < end)
     {
-        int from = line, to = line + 1;
-        ++line;
-        if (line > last)
+        ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+        vec2 size = vec2(box.zw - box.xy);
+        vec2 c = place.pixels * (stepsOf(place, box.xy) + 0.5 * size) - pixel, h = extent * size;
+        bool isBeside = abs(c.y) < h.y + 0.5;
+        bool isIn = isBeside && abs(c.x) < h.x + 0.5;
+        bool isSmall = max(h.x, h.y) < 1.0 / 64.0 || deviationOf(info.w) < straight;
+        bool isEntered = isIn && !isSmall;
+        bool isChord = isIn ? isSmall : isBeside && c.x > 0.0;
+        node = isEntered && !isLeaf(info.w) ? node + 1 : base + info.x;
+        int at = pointBase + info.y, to = isChord || isEntered && isLeaf(info.w) ? pointBase + info.z : at;
+        ivec2 from = texelFetch(points, at).xy;
+        do if (at < to)
         {
-            ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
-            vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
-            vec2 c = place.pixels * (low + high) * 0.5 - pixel, h = extent * vec2(box.zw - box.xy);
-            bool isBeside = abs(c.y) < h.y + 0.5;
-            bool isIn = isBeside && abs(c.x) < h.x + 0.5;
-            bool isSmall = max(h.x, h.y) < 1.0 / 64.0 || deviationOf(info.w) < straight;
-            bool isEntered = isIn && !isSmall;
-            from = pointBase + info.y;
-            to = pointBase + info.z;
-            line = from;
-            last = isEntered && isLeaf(info.w) ? to : from;
-            node = isEntered && !isLeaf(info.w) ? node + 1 : base + info.x;
-            to = (isIn ? isSmall : isBeside && c.x > 0.0) ? to : from;
-        }
-        area += areaOfLine(place, from, to, pixel);
-    }
+            at = isChord ? to : at + 1;
+            ivec2 next = texelFetch(points, at).xy;
+            area += areaOfLine(place, from, next, pixel);
+            from = next;
+        } while (at < to);
+    } while (node < end);
     return determinant(place.pixels) < 0.0 ? -area : area;
 }
 
@@ -116,7 +112,7 @@ float areaOfFill(Place place, int node, int nNodes, int pointBase, vec2 pixel)
 // a corner alone count where that makes the pixel full: around a point where many shapes meet.
 float coverageOfFill(Place place, vec2 pixel)
 {
-    float covered = max(areaOfFill(place, int(parts.y), int(parts.z), int(parts.w), pixel), 0.0);
+    float covered = max(areaOfFill(place, parts, (flags & cEntered) != 0u ? 1 : 0, pixel), 0.0);
 #ifdef LINKS
     if ((flags & cLinked) == 0u || covered < 1.0 / 2048.0)
         return min(covered, 1.0);
@@ -125,15 +121,18 @@ float coverageOfFill(Place place, vec2 pixel)
     float alone = covered, together = covered;
     int nEdges = int(more.y & 65535u), nAll = nEdges + int(more.y >> 16);
     // Around a point some of those along edges count before the ones across do.
-    for (int i = 0; i < (covered > alone ? nAll : nEdges) && together < 0.999; ++i)
+    int i = 0, n = nEdges;
+    do if (i < n)
     {
         int other = int(texelFetch(links, int(more.x) + i).x);
         uvec4 state = texelFetch(shapes, 6 * other + 2), own = texelFetch(shapes, 6 * other + 3);
         uint what = state.z & (cVisible | cOpaque | cStroke | cGlyphs);
         if (what == (cVisible | cOpaque) && state.w > order)
-            together += max(areaOfFill(placeOf(other), int(own.y), int(own.z), int(own.w), pixel), 0.0);
+            together += max(areaOfFill(placeOf(other), own, 0, pixel), 0.0);
         covered = i < nEdges ? together : covered;
-    }
+        n = covered > alone ? nAll : nEdges;
+        ++i;
+    } while (i < n && together < 0.999);
     covered = together < 0.999 ? covered : together;
 #endif
     return min(covered, 1.0);
@@ -158,38 +157,20 @@ struct Spans
 };
 
 const vec4 cRows0 = vec4(0.0, 1.0, 2.0, 3.0), cRows1 = vec4(4.0, 5.0, 6.0, 7.0);
-const float cEndless = 1e4;
+const float cEndless = 1e30;
 
 Spans wholeRows() { return Spans(vec4(0.0), vec4(0.0), vec4(7.0), vec4(7.0)); }
 
-// One through the growth of n x from sample to sample; along a row where it does not grow all samples are alike.
-float slowness(Rows rows, vec2 n)
+// Leaves the samples with n x from low to high. Along a row where n x does not grow all samples are alike.
+void cut(inout Spans s, Rows rows, vec2 n, float low, float high)
 {
-    float g = dot(n, rows.way);
-    return 1.0 / (abs(g) < 1e-7 ? 1e-7 : g);
-}
-
-// Leaves the samples whose distance from the line n x = c is half_ at most.
-void cutSlab(inout Spans s, Rows rows, vec2 n, float c, float half_)
-{
-    float by = slowness(rows, n);
-    float m = (c - dot(n, rows.start)) * by, d = -dot(n, rows.step) * by, w = abs(half_ * by);
-    s.low0 = max(s.low0, m - w + cRows0 * d);
-    s.low1 = max(s.low1, m - w + cRows1 * d);
-    s.high0 = min(s.high0, m + w + cRows0 * d);
-    s.high1 = min(s.high1, m + w + cRows1 * d);
-}
-
-// Leaves those with n x <= c.
-void cutHalf(inout Spans s, Rows rows, vec2 n, float c)
-{
-    float by = slowness(rows, n);
-    vec2 m = vec2(c - dot(n, rows.start), -dot(n, rows.step)) * by;
-    vec2 low = by > 0.0 ? vec2(-cEndless, 0.0) : m, high = by > 0.0 ? m : vec2(cEndless, 0.0);
-    s.low0 = max(s.low0, low.x + cRows0 * low.y);
-    s.low1 = max(s.low1, low.x + cRows1 * low.y);
-    s.high0 = min(s.high0, high.x + cRows0 * high.y);
-    s.high1 = min(s.high1, high.x + cRows1 * high.y);
+    float g = dot(n, rows.way), by = 1.0 / (g == 0.0 ? 1e-30 : g), start = dot(n, rows.start);
+    float a = (low - start) * by, b = (high - start) * by, d = -dot(n, rows.step) * by;
+    float first = min(a, b), last = max(a, b);
+    s.low0 = max(s.low0, first + cRows0 * d);
+    s.low1 = max(s.low1, first + cRows1 * d);
+    s.high0 = min(s.high0, last + cRows0 * d);
+    s.high1 = min(s.high1, last + cRows1 * d);
 }
 
 #ifdef ROUND
@@ -237,25 +218,35 @@ float shareOf(uvec2 mask)
 
 struct Brush
 {
+    mat2 own;       // from pixels to the brush's space,
+    mat2 fromSteps; // and from steps
+    vec2 pixel;     // where the pixel's middle is, in pixels
+    vec2 side;      // of the box around the pixel, half of it
+    float diagonal; // of the pixel, half of it at most
     float radius;
     float reach; // of what a line covers, about its own points
-    int cap;     // 0 butt, 1 round, 2 square
-    int join;    // 0 mitre, 1 round, 2 bevel
     float miterLimit;
-    float pixel; // half of the pixel's diagonal at most
-    int dashes;  // where the pattern stands among the numbers; below 0 for none
+    float straight; // what a chord may deviate, in steps, and turn
+    float mostTurn;
+    int cap;    // 0 butt, 1 round, 2 square
+    int join;   // 0 mitre, 1 round, 2 bevel
+    int dashes; // where the pattern stands among the numbers; below 0 for none
     float dashScale;
     int lengths; // of the subpath up to each point, in steps; below 0 where it ends
     float perStep;
 };
 
+// The number of the lowest of 31 bits that is set; -127 where there is none.
+int lowest(uint bits) { return int(floatBitsToUint(float(int(bits & -bits))) >> 23) - 127; }
+
 // A piece of a line with the direction u, between two lengths from a.
 uvec2 bodyMask(Rows rows, Brush brush, vec2 a, vec2 u, float from, float to)
 {
     vec2 n = vec2(-u.y, u.x);
+    float across = dot(n, a), along = dot(u, a);
     Spans s = wholeRows();
-    cutSlab(s, rows, n, dot(n, a), brush.radius);
-    cutSlab(s, rows, u, dot(u, a) + (from + to) / 2.0, (to - from) / 2.0);
+    cut(s, rows, n, across - brush.radius, across + brush.radius);
+    cut(s, rows, u, along + from, along + to);
     return maskOf(s);
 }
 
@@ -285,43 +276,36 @@ uvec2 capMask(Rows rows, Brush brush, vec2 a, vec2 u, float at, float outwards)
 #endif
 }
 
-uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isRound)
+// @param before, after  the lines' ways, of any length
+uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isRound, bool isCap)
 {
-    float turn = before.x * after.y - before.y * after.x;
-    float cosine = dot(before, after);
-    bool isDisc = brush.join == 1 || isRound;
-    if (turn == 0.0 && !(isDisc && cosine < 0.0))
-        return uvec2(0u);
-    vec2 n0 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-before.y, before.x);
-    vec2 n1 = (turn > 0.0 ? -1.0 : 1.0) * vec2(-after.y, after.x);
-    Spans s = wholeRows();
-    cutHalf(s, rows, -before, dot(-before, c));
-    cutHalf(s, rows, after, dot(after, c));
+    float turn = before.x * after.y - before.y * after.x, cosine = dot(before, after);
+    float lenBefore = length(before), lenAfter = length(after), both = lenBefore * lenAfter;
 #ifdef ROUND
-    if (isDisc)
-    {
-        cutDisc(s, rows, c, brush.radius);
-        return maskOf(s);
-    }
+    bool isDisc = brush.join == 1 || isRound || isCap;
+#else
+    const bool isDisc = false;
 #endif
-    // The cosine of half the turn: how far the chord is, and one through the length of the mitre.
-    float halfCosine = sqrt(max((1.0 + cosine) / 2.0, 0.0));
-    if (brush.join == 0 && 1.0 <= brush.miterLimit * halfCosine * 1.000001)
-    {
-        cutHalf(s, rows, n0, dot(n0, c) + brush.radius);
-        cutHalf(s, rows, n1, dot(n1, c) + brush.radius);
-    }
-    else
-    {
-        vec2 m = n0 + n1;
-        float len = length(m);
-        // Lines that turn back on themselves have no corner outside.
-        if (len < 1e-6)
-            return uvec2(0u);
-        m /= len;
-        cutHalf(s, rows, m, dot(m, c) + brush.radius * halfCosine);
-    }
-    return maskOf(s);
+    float outside = turn > 0.0 ? -1.0 : 1.0;
+    vec2 n0 = outside * vec2(-before.y, before.x), n1 = outside * vec2(-after.y, after.x);
+    Spans s = wholeRows();
+    cut(s, rows, before, isCap ? -cEndless : dot(before, c), cEndless);
+    cut(s, rows, after, -cEndless, isCap ? cEndless : dot(after, c));
+#ifdef ROUND
+        cutDisc(s, rows, c, isDisc ? brush.radius : 1e4);
+#endif
+    // A mitre is as long as one through the cosine of half the turn, whose square is half of this.
+    float folded = both + cosine;
+    bool isMiter = brush.join == 0 && 2.0 * both <= brush.miterLimit * brush.miterLimit * folded * 1.000002;
+    vec2 m = n0 * lenAfter + n1 * lenBefore;
+    float chord = dot(m, c) + brush.radius * folded;
+    cut(s, rows, isMiter ? n0 : m, -cEndless,
+        isDisc ? cEndless : isMiter ? dot(n0, c) + brush.radius * lenBefore : chord);
+    cut(s, rows, isMiter ? n1 : m, -cEndless,
+        isDisc ? cEndless : isMiter ? dot(n1, c) + brush.radius * lenAfter : chord);
+    // Lines that turn back on themselves have no corner outside.
+    bool isThere = isDisc ? isCap || turn != 0.0 || cosine < 0.0 : turn != 0.0 && folded > 1e-6 * both;
+    return isThere ? maskOf(s) : uvec2(0u);
 }
 
 #ifdef DASHES
@@ -348,7 +332,7 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
     float sum = texelFetch(numbers, brush.dashes + 1).x * brush.dashScale;
     float offset = texelFetch(numbers, brush.dashes + 2).x * brush.dashScale;
     // Only what is near the pixel, which is at 0, 0.
-    float here = -dot(a, u), near = brush.pixel + (brush.cap == 0 ? 0.0 : brush.radius);
+    float here = -dot(a, u), near = brush.diagonal + (brush.cap == 0 ? 0.0 : brush.radius);
     float from = max(here - near, 0.0), to = min(here + near, len);
     uvec2 mask = uvec2(0u);
     if (from > to)
@@ -386,100 +370,46 @@ uvec2 dashesMask(Rows rows, Brush brush, vec2 a, vec2 u, float len, float start,
 
 #endif
 
-// A line of the stroke, in the brush's space about the pixel.
-struct Line
+// In the brush's space about the pixel.
+vec2 brushPoint(Brush brush, Place place, ivec2 point)
 {
-    int from, to; // its points, or those of a node that is small enough to be one line
-    vec2 a, u;    // where it begins, and its direction
-    float len;
-    bool isNear;  // its body or its caps may reach the pixel,
-    bool mayJoin; // or what joins it to the line before
-};
-
-// A line of no length has no direction, not that of rounding.
-Line lineFrom(Brush brush, Place place, mat2 toBrush, vec2 pixel, int from, int to)
-{
-    Line line;
-    line.from = from;
-    line.to = to;
-    ivec2 pb = strokePoint(from), pc = strokePoint(to);
-    vec2 nearB = pixelOf(place, pb), nearC = pixelOf(place, pc);
-    bool isShort = shorten(place, pb, pc, nearB, nearC);
-    line.a = toBrush * (nearB - pixel);
-    // From whole numbers where it can be.
-    vec2 way = toBrush * (isShort ? nearC - nearB : place.pixels * vec2(pc - pb));
-    line.len = length(way);
-    line.u = line.len > 0.0 ? way / line.len : vec2(1.0, 0.0);
-    float along = -dot(line.a, line.u), across = dot(line.a, vec2(-line.u.y, line.u.x));
-    float reach = brush.radius + brush.pixel;
-    line.isNear = abs(across) <= reach && along >= -reach && along <= line.len + reach;
-    line.mayJoin = dot(line.a, line.a) <= brush.reach * brush.reach;
-    return line;
+    return brush.own * (pixelOf(place, point) - brush.pixel);
 }
 
-// With its join at the beginning and the caps of open ends.
-uvec2 lineMask(Rows rows, Brush brush, Place place, mat2 toBrush, int pointBase, Line line, bool isChord, bool isTiny)
+// Where a line begins, about the pixel, and its way, from whole numbers where that can be.
+void findLine(Brush brush, Place place, ivec2 from, ivec2 to, out vec2 a, out vec2 way)
 {
-    vec2 a = line.a, u = line.u;
-    float len = line.len;
-    ivec2 wayBefore = strokePoint(line.from) - strokePoint(line.from - 1);
-    bool isFirst = wayBefore == ivec2(0), isLast = strokePoint(line.to) == strokePoint(line.to + 1);
-    bool isJoined = !isFirst && !isTiny;
-    uvec2 mask = uvec2(0u);
-#ifdef DASHES
-    if (brush.dashes >= 0)
-    {
-        float start = texelFetch(numbers, brush.lengths + line.from - pointBase).x * brush.perStep;
-        // A subpath's first line joins nothing: its dashes begin and end with caps.
-        isFirst = isFirst || start == 0.0;
-        isLast = isLast || texelFetch(numbers, brush.lengths + line.to - pointBase).x < 0.0;
-        isJoined = !isFirst && isDashAt(brush, start / brush.dashScale);
-        if (line.isNear)
-            mask |= dashesMask(rows, brush, a, u, len, start, isFirst, isLast);
-    }
-    else
-#endif
-    if (line.isNear)
-    {
-        // What is too small to be seen has no joins but what covers most of them.
-        mask |= bodyMask(rows, brush, a, u, isTiny && !isFirst ? -0.7 * brush.radius : 0.0, len);
-        if (isFirst)
-            mask |= capMask(rows, brush, a, u, 0.0, -1.0);
-        if (isLast)
-            mask |= capMask(rows, brush, a, u, len, 1.0);
-    }
-    if (isJoined && line.mayJoin)
-    {
-        vec2 before = normalize(toBrush * (place.pixels * vec2(wayBefore)));
-        // The last line of a curve is turned against the chord before by about as much as against this one.
-        if (isChord && dot(before, u) > 0.9)
-            before = normalize(2.0 * before - u);
-        mask |= joinMask(rows, brush, a, before, u, texelFetch(points, line.from).x != strokePoint(line.from).x);
-    }
-    return mask;
+    vec2 nearA = pixelOf(place, from), nearB = pixelOf(place, to);
+    bool isShort = shorten(place, from, to, nearA, nearB);
+    a = brush.own * (nearA - brush.pixel);
+    way = isShort ? brush.own * (nearB - nearA) : brush.fromSteps * vec2(to - from);
 }
 
-// Bit by bit the samples that are covered, and how much a pattern that is too fine to be seen leaves of that.
-// @param outline  in y to w: nodes, how many, points
-uvec2 strokeMask(Place place, uvec4 outline, vec2 pixel, out float fade)
+Brush brushOf(Place place, Nib nib, vec2 pixel, out float fade)
 {
-    uvec4 style = texelFetch(shapes, 6 * shape + 4), more = texelFetch(shapes, 6 * shape + 5);
-    // In pixels, or where a round brush of model units is round and about as large as in pixels.
-    bool isInPoints = (flags & cWidthInPoints) != 0u;
-    float scale = sqrt(abs(determinant(place.pixels)));
-    mat2 toBrush = isInPoints ? mat2(1.0) : inverse(place.pixels) * scale;
     Brush brush;
-    brush.radius = uintBitsToFloat(style.x) * (isInPoints ? pixelsPerPoint : scale);
-    brush.miterLimit = uintBitsToFloat(style.y);
+    brush.own = nib.own;
+    brush.fromSteps = nib.own * place.pixels;
+    brush.pixel = pixel;
+    brush.side = (abs(nib.own[0]) + abs(nib.own[1])) / 2.0;
+    brush.diagonal = length(brush.side);
+    brush.radius = nib.radius;
+    brush.reach = nib.reach;
+    brush.miterLimit = nib.miterLimit;
+    brush.straight = nib.straight;
+    brush.mostTurn = nib.mostTurn;
     brush.cap = int(flags >> 8 & 3u);
     brush.join = int(flags >> 10 & 3u);
-    brush.dashes = int(style.z);
-    brush.lengths = int(style.w);
-    brush.perStep = scale;
-    brush.dashScale = (flags & cDashesInPoints) != 0u ? pixelsPerPoint : scale * uintBitsToFloat(more.z);
+    brush.dashes = -1;
     // A pattern too fine to be seen makes the line fainter.
     fade = 1.0;
 #ifdef DASHES
+    uvec4 style = texelFetch(shapes, 6 * shape + 4), more = texelFetch(shapes, 6 * shape + 5);
+    brush.dashes = int(style.z);
+    brush.lengths = int(style.w);
+    brush.perStep = sqrt(abs(determinant(place.pixels)));
+    brush.dashScale =
+        (flags & cDashesInPoints) != 0u ? pixelsPerPoint : brush.perStep * uintBitsToFloat(more.z);
     if (brush.dashes >= 0)
     {
         float sum = texelFetch(numbers, brush.dashes + 1).x, on = 0.0;
@@ -493,71 +423,206 @@ uvec2 strokeMask(Place place, uvec4 outline, vec2 pixel, out float fade)
             brush.dashes = -1;
         }
     }
-#else
-    brush.dashes = -1;
 #endif
-    vec2 across = vec2(abs(toBrush[0].x) + abs(toBrush[1].x), abs(toBrush[0].y) + abs(toBrush[1].y)) / 2.0;
-    brush.pixel = length(across);
-    brush.reach = brush.radius * max(uintBitsToFloat(more.w), 1.0) + brush.pixel;
+    return brush;
+}
 
-    Rows rows = Rows(toBrush * vec2(0.5 / 64.0 - 0.5, 7.5 / 64.0 - 0.5), toBrush * vec2(1.0 / 64.0, 1.0 / 8.0),
-                     toBrush * vec2(1.0 / 8.0, -1.0 / 64.0));
+// Lines near the pixel, by the bits of their first points, counted from a window's.
+struct Lines
+{
+    int window;
+    int last;    // point of the last line
+    uint bodies; // of lines that may cover something,
+    uint joins;  // and of joins; of points with caps
+    uint chords; // lines that stand for several,
+    uint dots;   // and those that are too small for their directions to be seen
+    uint ends;   // where lines that were looked at end
+};
 
-    mat2 toBrushFromSteps = toBrush * place.pixels;
-    mat2 extent = mat2(abs(toBrushFromSteps[0]), abs(toBrushFromSteps[1])) * 0.5;
-    vec2 pixelInBrush = toBrush * pixel;
-    vec2 margin = across + brush.radius * max(uintBitsToFloat(more.w), 1.0);
-    int pointBase = int(outline.w);
-    int node = int(outline.y), base = node, end = node + int(outline.z);
-    uvec2 mask = uvec2(0u);
-    // A chord that is as good as what it stands for. Its ends are turned, the more the wider the stroke is; where right
-    // angles don't stay right, turns may be seen the larger for it.
-    float stretch = stretchOf(place);
-    float straight = 1.0 / 32.0 / stretch;
-    float mostTurn = abs(determinant(place.pixels)) / (stretch * stretch) / (12.0 * max(brush.radius, 0.1));
-    // One loop finds leaves, the next one which of their lines may cover something, the last one what they do: software
-    // drivers, which run through each for all of the pixels that they work at together, do dear things seldom.
-    while (node < end && mask != uvec2(0xffffffffu))
+// A leaf's lines, or one in place of a node's.
+void addLines(inout Lines lines, Brush brush, Place place, int from, int to, bool isChord, bool isDot)
+{
+    uint bit = 1u << uint(from - lines.window);
+    lines.last = to;
+    lines.chords |= isChord ? bit : 0u;
+    lines.dots |= isDot ? bit : 0u;
+    ivec2 pa = strokePoint(from - 1), pb = strokePoint(from);
+    vec2 a, way;
+    findLine(brush, place, pa, pb, a, way);
+    float len = length(way), side = brush.diagonal, reach = brush.radius + side;
+    // What joins lines is where the one before has ended and this one has not begun. The one before a chord is another
+    // chord, as it were.
+    bool isJoined = pa != pb, isBeyond = isChord || -dot(a, way) - len * len >= -side * len;
+    int at = from;
+    do if (at < to)
     {
-        int from = 0, to = 0;
-        bool isChord = false, isTiny = false;
-        while (node < end && from == to)
+        int next = isChord ? to : at + 1;
+        pa = pb;
+        pb = strokePoint(next);
+        findLine(brush, place, pa, pb, a, way);
+        len = length(way);
+        float along = -dot(a, way), across = a.x * way.y - a.y * way.x, beyond = along - len * len;
+        float ends = isDot ? reach : side;
+        bool isJoin = isJoined && !isDot && isBeyond && along <= side * len && dot(a, a) <= brush.reach * brush.reach;
+        isBeyond = beyond >= -side * len;
+#ifdef CAPS
+        ends = reach;
+        if (brush.cap == 1 && brush.dashes < 0)
         {
-            ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
-            vec2 low = stepsOf(place, box.xy), high = stepsOf(place, box.zw);
-            vec2 c = toBrushFromSteps * (low + high) * 0.5 - pixelInBrush;
-            vec2 h = extent * vec2(box.zw - box.xy);
-            bool isIn = all(lessThan(abs(c), h + margin));
-            bool isStraight = turnOf(info.w) < mostTurn;
-            isTiny = max(h.x, h.y) < 1.0 / 16.0 && !isStraight;
-            isChord = info.z > info.y + 1 && brush.dashes < 0 &&
-                      (isTiny || isStraight && deviationOf(info.w) < straight);
-            bool isOpened = isIn && !isChord && !isLeaf(info.w);
-            node = isOpened ? node + 1 : base + info.x;
-            from = pointBase + info.y;
-            to = isIn && !isOpened ? pointBase + info.z : from;
+            isJoin = isJoined ? isJoin : dot(a, a) <= reach * reach;
+            bool isLast = strokePoint(next + 1) == pb && dot(a + way, a + way) <= reach * reach;
+            lines.joins |= isLast ? 1u << uint(min(next - lines.window, 30)) : 0u;
         }
-        uint near = 0u;
-        for (int i = from; i < to; i = isChord ? to : i + 1)
-        {
-            Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
-            if (line.isNear || line.mayJoin && !(isChord && isTiny))
-                near |= 1u << uint(i - from);
-        }
-        for (; near != 0u; near &= near - 1u)
-        {
-            int i = from + ((near & 1u) != 0u ? 0 : (near & 2u) != 0u ? 1 : (near & 4u) != 0u ? 2 : 3);
-            Line line = lineFrom(brush, place, toBrush, pixel, i, isChord ? to : i + 1);
-            mask |= lineMask(rows, brush, place, toBrush, pointBase, line, isChord, isChord && isTiny);
-        }
+#endif
+        lines.bodies |= abs(across) <= reach * len && along >= -ends * len && beyond <= ends * len ? bit : 0u;
+        lines.joins |= isJoin ? bit : 0u;
+        lines.ends |= next - lines.window < 31 ? 1u << uint(next - lines.window) : 0u;
+        isJoined = true;
+        at = next;
+        bit <<= 1;
+    } while (at < to);
+}
+
+int endOf(Lines lines, int i)
+{
+    int end = lowest(lines.ends & ~1u << uint(i - lines.window));
+    return end < 0 ? lines.last : lines.window + end;
+}
+
+uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, int i)
+{
+    int next = endOf(lines, i);
+    ivec2 from = strokePoint(i), to = strokePoint(next);
+    vec2 a, way;
+    findLine(brush, place, from, to, a, way);
+    float len = length(way), scale = len;
+    bool isFirst = strokePoint(i - 1) == from;
+#if defined CAPS || defined DASHES
+    bool isLast = strokePoint(next + 1) == to;
+    // A line of no length has no direction, not that of rounding.
+    way = len > 0.0 ? way : vec2(1.0, 0.0);
+    scale = len > 0.0 ? len : 1.0;
+#endif
+#ifdef DASHES
+    if (brush.dashes >= 0)
+    {
+        float start = texelFetch(numbers, brush.lengths + i - pointBase).x * brush.perStep;
+        // A subpath's first line joins nothing: its dashes begin and end with caps.
+        isFirst = isFirst || start == 0.0;
+        isLast = isLast || texelFetch(numbers, brush.lengths + next - pointBase).x < 0.0;
+        return dashesMask(rows, brush, a, way / scale, len, start, isFirst, isLast);
     }
+#endif
+    // What is too small to be seen has no joins but what covers most of them.
+    float before = (lines.dots >> uint(i - lines.window) & 1u) != 0u && !isFirst ? 0.7 * brush.radius : 0.0;
+    float after = 0.0;
+#ifdef CAPS
+    before = isFirst && brush.cap == 2 ? brush.radius : before;
+    after = isLast && brush.cap == 2 ? brush.radius : after;
+#endif
+    vec2 n = vec2(-way.y, way.x);
+    float across = dot(n, a), along = dot(way, a);
+    Spans s = wholeRows();
+    cut(s, rows, n, across - brush.radius * scale, across + brush.radius * scale);
+    cut(s, rows, way, along - before * scale, along + len * len + after * scale);
+    return maskOf(s);
+}
+
+// What joins a line to the one before, or a round cap.
+uvec2 cornerMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, int i)
+{
+    int next = endOf(lines, i);
+    ivec2 pa = strokePoint(i - 1), pb = strokePoint(i), pc = strokePoint(next);
+    vec2 c, before, after;
+    findLine(brush, place, pa, pb, c, before);
+    findLine(brush, place, pb, pc, c, after);
+#ifdef DASHES
+    if (brush.dashes >= 0)
+    {
+        float start = texelFetch(numbers, brush.lengths + i - pointBase).x * brush.perStep;
+        if (start == 0.0 || !isDashAt(brush, start / brush.dashScale))
+            return uvec2(0u);
+    }
+#endif
+#if defined CAPS && defined ROUND
+    bool isCap = pa == pb || pb == strokePoint(i + 1);
+#else
+    const bool isCap = false;
+#endif
+    // The last line of a curve is turned against the chord before by about as much as against this one.
+    float lenBefore = length(before), lenAfter = length(after);
+    if ((lines.chords >> uint(i - lines.window) & 1u) != 0u && dot(before, after) > 0.9 * lenBefore * lenAfter)
+        before = 2.0 * before * lenAfter - after * lenBefore;
+    return joinMask(rows, brush, c, before, after, texelFetch(points, i).x != pb.x, isCap);
+}
+
+// Bit by bit the samples that are covered, and how much a pattern that is too fine to be seen leaves of that.
+// @param outline  in y to w: nodes, how many, points  @param first  the node to begin with
+// One loop finds leaves, the next one which of their lines may cover something, the last ones what they do: software
+// drivers, which run through each for all of the pixels that they work at together, do dear things seldom.
+uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out float fade)
+{
+    Brush brush = brushOf(place, nib, pixel, fade);
+    Rows rows = Rows(nib.own * vec2(0.5 / 64.0 - 0.5, 7.5 / 64.0 - 0.5), nib.own * vec2(1.0 / 64.0, 1.0 / 8.0),
+                     nib.own * vec2(1.0 / 8.0, -1.0 / 64.0));
+    mat2 extent = mat2(abs(brush.fromSteps[0]), abs(brush.fromSteps[1])) * 0.5;
+    vec2 margin = brush.side + brush.reach - brush.diagonal, pixelInBrush = nib.own * pixel;
+    int pointBase = int(outline.w);
+    int base = int(outline.y), node = base + first, end = base + int(outline.z);
+    uvec2 mask = uvec2(0u);
+    do if (node < end)
+    {
+        Lines lines = Lines(0, 0, 0u, 0u, 0u, 0u, 0u);
+        bool isFull = false;
+        do if (node < end)
+        {
+            int from = 0, to = 0, found = node;
+            bool isChord = false, isDot = false;
+            do if (node < end)
+            {
+                found = node;
+                ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
+                vec2 size = vec2(box.zw - box.xy);
+                vec2 c = brush.fromSteps * (stepsOf(place, box.xy) + 0.5 * size) - pixelInBrush, h = extent * size;
+                bool isIn = all(lessThan(abs(c), h + margin));
+                bool isStraight = turnOf(info.w) < brush.mostTurn;
+                isDot = max(h.x, h.y) < 1.0 / 16.0 && !isStraight;
+                // A chord that is as good as what it stands for.
+                isChord = info.z > info.y + 1 && brush.dashes < 0 &&
+                          (isDot || isStraight && deviationOf(info.w) < brush.straight);
+                bool isOpened = isIn && !isChord && !isLeaf(info.w);
+                node = isOpened ? node + 1 : base + info.x;
+                from = pointBase + info.y;
+                to = isIn && !isOpened ? pointBase + info.z : from;
+            } while (node < end && from == to);
+            if ((lines.bodies | lines.joins) == 0u)
+                lines = Lines(from, from, 0u, 0u, 0u, 0u, 0u);
+            isFull = to - lines.window > 29 && lines.last > lines.window;
+            node = isFull ? found : node;
+            if (from < to && !isFull)
+                addLines(lines, brush, place, from, to, isChord, isChord && isDot);
+            isFull = isFull || (lines.bodies | lines.joins) != 0u && lines.last - lines.window > 26;
+        } while (node < end && !isFull);
+        do if (lines.bodies != 0u)
+        {
+            mask |= lineMask(rows, brush, place, pointBase, lines, lines.window + lowest(lines.bodies));
+            lines.bodies &= lines.bodies - 1u;
+        } while (lines.bodies != 0u);
+        do if (lines.joins != 0u)
+        {
+            int i = lowest(lines.joins);
+            mask |= cornerMask(rows, brush, place, pointBase, lines, i < 30 ? lines.window + i : lines.last);
+            lines.joins &= lines.joins - 1u;
+        } while (lines.joins != 0u);
+    } while (node < end && mask != uvec2(0xffffffffu));
     return mask;
 }
 
 float coverageOfStroke(Place place, vec2 pixel)
 {
     float fade;
-    uvec2 mask = strokeMask(place, parts, pixel, fade);
+    Nib nib = Nib(mat2(toBrush.xy, toBrush.zw), brushSizes.x, brushSizes.y, brushSizes.z, brushSizes.w, miterLimit);
+    uvec2 mask = strokeMask(place, nib, parts, (flags & cEntered) != 0u ? 1 : 0, pixel, fade);
     return shareOf(mask) * fade;
 }
 
@@ -602,7 +667,7 @@ float coverageOfHalo(vec2 pixel)
             if (isHere && other >= 0)
             {
                 float fade;
-                mask |= strokeMask(place, uvec4(0u, glyph.xyz), pixel, fade);
+                mask |= strokeMask(place, nibOf(place, shape, flags), uvec4(0u, glyph.xyz), 0, pixel, fade);
             }
         }
         if (isHere && other < 0)

@@ -17,6 +17,7 @@ uniform float pixelsPerPoint;
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPlaced = 7;
 const int cPicture = 8, cColoredPicture = 9;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
+const uint cEntered = 1u << 31; // of a quad: the first node has others, which are to be looked at
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
 // Of a glyph's picture.
 const uint cPaint = 1u << 30, cColored = 1u << 28;
@@ -132,6 +133,43 @@ float stretchOf(Place place)
     float sum = dot(m[0], m[0]) + dot(m[1], m[1]), det = determinant(m);
     return size * sqrt((sum + sqrt(max(sum * sum - 4.0 * det * det, 0.0))) / 2.0);
 }
+
+// What the last of a node's numbers tells: see EdgeNode.
+bool isLeaf(int form) { return (form & 1) != 0; }
+float deviationOf(int form) { return intBitsToFloat(form & ~255); }
+float turnOf(int form) { return float(form >> 1 & 127) / 64.0; }
+
+#ifdef STROKES
+// What a stroke is drawn with: in pixels, or where a round brush of model units is round and about as large as in
+// pixels.
+struct Nib
+{
+    mat2 own; // from pixels
+    float radius;
+    float reach;    // of what a line covers, about its own points, and half of a pixel's diagonal
+    float straight; // how far the points of a chord may be from it, in steps,
+    float mostTurn; // and how far the directions of its lines from its own, as unit vectors
+    float miterLimit;
+};
+
+Nib nibOf(Place place, int shape, uint flags)
+{
+    uvec2 style = texelFetch(shapes, 6 * shape + 4).xy;
+    float reach = uintBitsToFloat(texelFetch(shapes, 6 * shape + 5).w), area = abs(determinant(place.pixels));
+    bool isInPoints = (flags & cWidthInPoints) != 0u;
+    float scale = sqrt(area), stretch = stretchOf(place);
+    Nib nib;
+    nib.own = isInPoints ? mat2(1.0) : inverse(place.pixels) * scale;
+    nib.radius = uintBitsToFloat(style.x) * (isInPoints ? pixelsPerPoint : scale);
+    nib.reach = nib.radius * max(reach, 1.0) + length(abs(nib.own[0]) + abs(nib.own[1])) / 2.0;
+    // Its ends are turned, the more the wider the stroke is; where right angles don't stay right, turns may be seen the
+    // larger for it.
+    nib.straight = 1.0 / 32.0 / stretch;
+    nib.mostTurn = area / (stretch * stretch) / (12.0 * max(nib.radius, 0.1));
+    nib.miterLimit = uintBitsToFloat(style.y);
+    return nib;
+}
+#endif
 
 #ifdef FAR
 uvec2 product(int a, int b)

@@ -9,6 +9,11 @@ flat out uvec4 parts;     // colour, nodes, how many, points
 flat out ivec2 middle;    // the viewport's middle in the shape's steps,
 flat out vec2 toMiddle;   // and what is to be added to a point's distance from it
 flat out vec4 stepsToPixels;
+#ifdef STROKES
+flat out vec4 toBrush; // what its Nib is
+flat out vec4 brushSizes;
+flat out float miterLimit;
+#endif
 
 // Quads from this number on are boxes around whole shapes, by the numbers of their records.
 const int cBoxes = 1 << 28;
@@ -16,7 +21,10 @@ const int cBoxes = 1 << 28;
 const float cSmall = 16.0;
 // The same for parts of a shape: a box around some lines.
 const float cSmallPart = 8.0;
-const float cBlock = 4.0;
+// Pixels that rasterizers work at together, along either axis.
+const float cBlock = 2.0;
+// Up to which a line's quad is a rectangle of such blocks.
+const float cShort = 4.0;
 // Half of a pixel's side, and of its diagonal, and a little more.
 const float cSide = 0.51, cDiagonal = 0.72;
 
@@ -27,8 +35,8 @@ float sizeOf(ivec4 box, Place place)
     return max(size.x, size.y);
 }
 
-// Of a rectangle, as far as it takes for whole blocks of pixels, which rasterizers work at together. What is looked at
-// once costs nothing when another quad comes there.
+// Of a rectangle, as far as it takes for whole blocks of pixels. What is looked at once costs nothing when another quad
+// comes there.
 vec2 cornerOf(vec2 low, vec2 high, int c)
 {
     vec2 p = vec2((c & 1) == 0 ? low.x : high.x, (c & 2) == 0 ? low.y : high.y) + halfSize;
@@ -140,6 +148,20 @@ void main()
         if (kind == cNode && sizeOf(texelFetch(nodes, 2 * int(parts.y + element.z)), place) <= cSmallPart)
             return;
     }
+    float straight = 1.0 / 64.0 / stretchOf(place);
+#ifdef STROKES
+    if ((flags & cStroke) != 0u)
+    {
+        Nib nib = nibOf(place, shape, flags);
+        toBrush = vec4(nib.own[0], nib.own[1]);
+        brushSizes = vec4(nib.radius, nib.reach, nib.straight, nib.mostTurn);
+        miterLimit = nib.miterLimit;
+        straight = nib.straight;
+    }
+#endif
+    int form = texelFetch(nodes, 2 * int(parts.y) + 1).w;
+    if (kind == cBox && !isLeaf(form) && deviationOf(form) >= straight && sizeOf(box, place) > 1.0)
+        flags |= cEntered;
     int base = int(parts.w);
     float half_ = 0.0, reach = 1.0;
     if ((flags & cStroke) != 0u)
@@ -228,7 +250,7 @@ void main()
         p = ((c & 1) == 0 ? a - along * extra : b + along * extra) +
             normal * ((c & 2) == 0 ? -across : across);
         // As far as the quad's own corners, for mitres that have no tip of their own.
-        if (kind != cTip && len <= cBlock)
+        if (kind != cTip && len <= cShort)
             p = cornerOf(min(a, b) - half_ * 1.4143 - cDiagonal, max(a, b) + half_ * 1.4143 + cDiagonal, c);
     }
     gl_Position = vec4(p / halfSize, depthOf(state.w), 1.0);
