@@ -244,8 +244,8 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
                                 double stretch)
 {
     const unsigned int features = tables.getFeatures(), glyphFeatures = tables.getGlyphFeatures();
-    if ((features & HasFills) != 0 && !list.getParts().empty() &&
-        !drawRanges(tables, sight, cCore | (features & HasGradients), list.getParts()))
+    if ((features & HasFills) != 0 && !list.getTriangles().empty() &&
+        !drawRanges(tables, sight, cCore | (features & HasGradients), list.getTriangles()))
         return false;
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
     const std::span<const DrawList::Pass> passes = list.getPasses();

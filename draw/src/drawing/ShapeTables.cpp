@@ -83,6 +83,7 @@ void ShapeTables::giveBackElements(ShapePlaces& places)
 {
     _elements.giveBack(places.elements.first, places.elements.count);
     places.elements = {};
+    places.nTriangles = 0;
 }
 
 void ShapeTables::removeShape(ShapePlaces& places)
@@ -105,6 +106,7 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     places.points = add(_points, geometry.points);
     places.nodes = add(_nodes, geometry.nodes);
     places.elements = {_elements.take(geometry.elements.size()), static_cast<std::uint32_t>(geometry.elements.size())};
+    places.nTriangles = geometry.nTriangles;
     _elements.set(places.elements.first, geometry.elements,
                   [&places](Element& element) { element.shapeAndKind |= places.record; });
 

@@ -129,7 +129,8 @@ struct ShapePlaces
 {
     std::uint32_t record = 0;
     TableRange points, nodes, elements, numbers, links, gradient;
-    TableRange glyphs; // that are its own
+    TableRange glyphs;            // that are its own
+    std::uint32_t nTriangles = 0; // of a fill: the last of its elements
 };
 
 /// Everything that shapes consist of in GL memory, and the same on this side.
