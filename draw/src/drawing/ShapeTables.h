@@ -168,10 +168,10 @@ public:
     void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
     /// The same of glyphs that are turned, or know their neighbours.
     /// @param turns  for each glyph its place, cosine and sine
-    /// @param neighbours  for each: its first word is how many follow, each the number of an element less its own, in
-    /// their order; empty for no halo
+    /// @param neighbours  for each how many follow, and these: each the number of an element less its own, in their
+    /// order; empty for no halo
     void setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step,
-                         std::span<const float> turns, std::span<const std::vector<std::int32_t>> neighbours);
+                         std::span<const float> turns, std::span<const std::uint32_t> neighbours);
     /// @param turns  for each glyph its place, cosine and sine; not shown where both are 0
     void setTurns(const ShapePlaces& places, std::span<const float> turns)
     {
@@ -228,7 +228,7 @@ private:
     bool _hasUnit = false;
     unsigned int _features = 0;
     unsigned int _glyphFeatures = 0;
-    std::vector<Element> _patched;
+    std::vector<Element> _patched, _placed;
     std::vector<float> _values;
 };
 
