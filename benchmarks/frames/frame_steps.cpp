@@ -2,9 +2,9 @@
 //
 //     frame_steps map|SCENE
 //
-// Each step begins with a call of beginStep, which does nothing: the start with all of the first frame, a frame at rest,
-// one that moved, one that zoomed, and one a sixtieth of a second later. Twice each, since the first time may link
-// programs.
+// Each step begins with a call of beginStep, which does nothing: the start with all of the first frame, a frame at
+// rest, one that moved, one that zoomed, and one a sixtieth of a second later. Twice each, since the first time may
+// link programs.
 
 #include <gui/Application.h>
 #include <gui/InputDevice.h>
