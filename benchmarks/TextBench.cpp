@@ -8,6 +8,7 @@
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
 
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -129,7 +130,12 @@ test::FontFile fontFile()
         for (char32_t c = script.first; c <= script.last; ++c)
             characters += c;
     }
-    return test::FontFile(characters);
+    // Whole numbers, as baked fonts have.
+    test::FontFile file(characters);
+    file.spaceWidth = 6;
+    for (test::FontFile::Glyph& glyph : file.glyphs)
+        glyph = {glyph.codePoint, std::round(2 * glyph.bearing), glyph.width, std::round(glyph.advance), glyph.tx};
+    return file;
 }
 
 /// A Text with a font of all the scripts, ready to lay out and, on an empty GL, to draw.

@@ -57,7 +57,7 @@ td::Point<double> pair(const json& value, const std::string& where)
 class Arcs
 {
 public:
-    Arcs(const json& topology, double grain)
+    explicit Arcs(const json& topology)
     {
         const auto transform = topology.find("transform");
         _isQuantised = transform != topology.end();
@@ -69,7 +69,16 @@ public:
         const json& arcs = member(topology, "arcs", json::value_t::array, "file");
         _arcs.reserve(arcs.size());
         for (const json& arc : arcs)
-            _arcs.push_back(thinned(decode(arc, numbered("arc", _arcs.size())), grain));
+            _arcs.push_back(decode(arc, numbered("arc", _arcs.size())));
+        _areas.resize(_arcs.size());
+    }
+
+    /// Those of another one with fewer points, that no areas have named.
+    Arcs(const Arcs& arcs, double grain)
+    {
+        _arcs.reserve(arcs._arcs.size());
+        for (const TopoJSON::Ring& arc : arcs._arcs)
+            _arcs.push_back(thinned(arc, grain));
         _areas.resize(_arcs.size());
     }
 
@@ -130,7 +139,7 @@ public:
     }
 
 private:
-    static TopoJSON::Line thinned(TopoJSON::Line arc, double grain)
+    static TopoJSON::Line thinned(const TopoJSON::Line& arc, double grain)
     {
         TopoJSON::Line kept{arc.front()};
         for (std::size_t i = 1; i + 1 < arc.size(); ++i)
@@ -235,6 +244,17 @@ TopoJSON::Area readArea(const json& geometry, Arcs& arcs, std::size_t index)
     return area;
 }
 
+json parse(std::string_view text)
+{
+    json topology = json::parse(text, nullptr, false);
+    if (topology.is_discarded())
+        fail("no valid JSON");
+    const auto type = topology.find("type");
+    if (type == topology.end() || *type != "Topology")
+        fail("no TopoJSON");
+    return topology;
+}
+
 struct Map
 {
     std::vector<TopoJSON::Area> areas;
@@ -242,17 +262,10 @@ struct Map
     std::vector<TopoJSON::Border> coasts;
 };
 
-Map readMap(std::string_view text, const std::string& object, double grain)
+Map readMap(const json& topology, const std::string& object, Arcs arcs)
 {
-    const json topology = json::parse(text, nullptr, false);
-    if (topology.is_discarded())
-        fail("no valid JSON");
-    const auto type = topology.find("type");
-    if (type == topology.end() || *type != "Topology")
-        fail("no TopoJSON");
     const json& objects = member(topology, "objects", json::value_t::object, "file");
     const json& collection = member(objects, object, json::value_t::object, "file");
-    Arcs arcs(topology, grain);
     Map map;
     for (const json& geometry : member(collection, "geometries", json::value_t::array, "object"))
         map.areas.push_back(readArea(geometry, arcs, map.areas.size()));
@@ -263,14 +276,22 @@ Map readMap(std::string_view text, const std::string& object, double grain)
 
 } // namespace
 
-bool TopoJSON::load(std::string_view json, const std::string& object, double grain)
+bool TopoJSON::load(std::string_view json, const std::string& object, double grain, TopoJSON* pWhole)
 {
+    const auto take = [](TopoJSON& to, Map map)
+    {
+        to._areas = std::move(map.areas);
+        to._borders = std::move(map.borders);
+        to._coasts = std::move(map.coasts);
+    };
     try
     {
-        Map map = readMap(json, object, grain);
-        _areas = std::move(map.areas);
-        _borders = std::move(map.borders);
-        _coasts = std::move(map.coasts);
+        const nlohmann::json topology = parse(json);
+        const Arcs arcs(topology);
+        Map map = readMap(topology, object, grain > 0 ? Arcs(arcs, grain) : arcs);
+        if (pWhole != nullptr)
+            take(*pWhole, readMap(topology, object, arcs));
+        take(*this, std::move(map));
         return true;
     }
     catch (const Broken& broken)

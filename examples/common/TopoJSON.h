@@ -44,11 +44,13 @@ public:
     /// @param object  the object's name, "countries" for instance
     /// @param grain   in degrees: points of an arc that are nearer than that to the one before are left out, but for
     ///                its ends, and not where fewer than four points would be left. Areas still fit together
+    /// @param pWhole  the same without a grain, in one go; null for none
     /// @return true when it was read. Otherwise one line in the log says why ("ERROR! TopoJSON::load cannot read
     ///         object: OBJECT (CAUSE)"), and areas and borders are what they were. Refused is everything the format
     ///         forbids: arcs that don't exist or don't meet, rings that don't close, positions off the globe; and,
     ///         since arcs may be named many times over, what would make more than 10 million points.
-    [[nodiscard]] bool load(std::string_view json, const std::string& object, double grain = 0);
+    [[nodiscard]] bool load(std::string_view json, const std::string& object, double grain = 0,
+                            TopoJSON* pWhole = nullptr);
 
     const std::vector<Area>& getAreas() const { return _areas; }
     /// Those that two areas or more share, each once, in the order of the file's arcs.

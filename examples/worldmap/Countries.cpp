@@ -15,17 +15,18 @@ bool Countries::load()
     std::span<const td::BYTE> file;
     if (!gui::Res::getCompiled(":worldmap/countries-50m.json", file))
         return false;
-    TopoJSON world;
+    const std::string_view json(reinterpret_cast<const char*>(file.data()), file.size());
+    TopoJSON world, thinned;
+    if (!thinned.load(json, "countries", cGrain, &world))
+        return false;
     for (Outlines* pOutlines : {&fine, &coarse})
     {
-        const std::string_view json(reinterpret_cast<const char*>(file.data()), file.size());
-        if (!world.load(json, "countries", pOutlines == &fine ? 0 : cGrain))
-            return false;
-        for (const TopoJSON::Area& area : world.getAreas())
+        const TopoJSON& from = pOutlines == &fine ? world : thinned;
+        for (const TopoJSON::Area& area : from.getAreas())
             pOutlines->countries.push_back(examples::layOnMap(area, cMiddleLongitude));
-        for (const TopoJSON::Border& coast : world.getCoasts())
+        for (const TopoJSON::Border& coast : from.getCoasts())
             examples::layOnMap(coast.line, false, cMiddleLongitude, pOutlines->coasts);
-        for (const TopoJSON::Border& border : world.getBorders())
+        for (const TopoJSON::Border& border : from.getBorders())
             examples::layOnMap(border.line, false, cMiddleLongitude, pOutlines->borders);
     }
     const std::vector<std::size_t> colors = world.color(cNoOfColors);

@@ -24,6 +24,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -52,6 +53,16 @@ bool exceedsGLsLimit(unsigned int width, unsigned int height, GLint& limit)
 std::vector<td::BYTE> widened(const td::BYTE* pFrom, std::size_t nPixels, unsigned int bytesPP)
 {
     std::vector<td::BYTE> pixels(nPixels * 4);
+    if (bytesPP == 1)
+    {
+        // Atlases of fonts, many at once.
+        for (std::size_t i = 0; i < nPixels; ++i)
+        {
+            const std::uint32_t pixel = pFrom[i] * 0x01010101U;
+            std::memcpy(pixels.data() + 4 * i, &pixel, sizeof pixel);
+        }
+        return pixels;
+    }
     for (td::BYTE* pTo = pixels.data(); pTo != pixels.data() + pixels.size(); pTo += 4, pFrom += bytesPP)
     {
         const bool isGrey = bytesPP <= 2;

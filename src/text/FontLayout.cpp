@@ -21,6 +21,88 @@ namespace
 
 constexpr std::size_t cVerticesAtFirst = 1024;
 
+// Where sums have no rounding: a glyph is one addition, and the next one need not wait for three.
+bool measureExactly(const GlyphTable& table, const char* begin, const char* end, td::Size<float>& size)
+{
+    const FontMetrics& metrics = table.metrics();
+    const auto* p = reinterpret_cast<const unsigned char*>(begin);
+    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
+    const auto take = [&table, pEnd](const unsigned char* pAt)
+    {
+        const Taken taken{pAt + 1, table.numberOfByte(*pAt)};
+        return GlyphTable::hasEntry(taken.number) ? taken : takeOtherApart(table, pAt, pEnd, taken.number);
+    };
+    float x = 0, y = 0, bottom = metrics.lineHeight, widest = 0;
+    // The first one is pulled left.
+    if (const Taken first = take(p); GlyphTable::hasEntry(first.number))
+        x -= 2 * table.entry(first.number).bearing;
+    bool hasBreaks = false;
+    while (p < pEnd)
+    {
+        const Taken taken = take(p);
+        p = taken.pNext;
+        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
+        {
+            hasBreaks = true;
+            widest = std::max(widest, x);
+            x = 0;
+            y += metrics.lineHeight + metrics.lineSpacing + metrics.additionalSpace;
+            bottom = y + metrics.lineHeight;
+            continue;
+        }
+        x += table.way(taken.number);
+    }
+    size = {std::max(widest, x), bottom + metrics.lineSpacing};
+    return hasBreaks;
+}
+
+// Of a text that can be laid out. @return whether it may have line breaks
+bool measureText(const GlyphTable& table, const char* begin, const char* end, td::Size<float>& size)
+{
+    if (begin >= end)
+        return false;
+    if (static_cast<std::size_t>(end - begin) <= table.exactLength())
+        return measureExactly(table, begin, end, size);
+
+    const FontMetrics& metrics = table.metrics();
+    const Addends addends[2]{{0, 0}, {metrics.glyphPadding / 2, metrics.additionalSpace}};
+    // To add nothing takes its time too.
+    const bool isSpaced = metrics.additionalSpace != 0;
+    float x = 0;
+    float y = 0;
+    float bottom = metrics.lineHeight;
+    float widest = 0;
+    float bearingSign = -1;
+    const auto* p = reinterpret_cast<const unsigned char*>(begin);
+    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
+    while (p < pEnd)
+    {
+        Taken taken{p + 1, table.numberOfByte(*p)};
+        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
+            taken = takeOtherApart(table, p, pEnd, taken.number);
+        p = taken.pNext;
+        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
+        {
+            widest = std::max(widest, x);
+            x = 0;
+            y += metrics.lineHeight + metrics.lineSpacing + metrics.additionalSpace;
+            bottom = y + metrics.lineHeight;
+            bearingSign = 1;
+            continue;
+        }
+        // Unlike layout: nothing behind the piece's first code point is pulled left, be it the first of its line.
+        const GlyphTable::Entry& entry = table.entry(taken.number);
+        x += bearingSign * entry.bearing;
+        bearingSign = 1;
+        x -= addends[entry.nQuads].halfPadding;
+        x += entry.advance;
+        if (isSpaced)
+            x += addends[entry.nQuads].additionalSpace;
+    }
+    size = {std::max(widest, x), bottom + metrics.lineSpacing};
+    return true;
+}
+
 } // namespace
 
 // Whether a text can be laid out: asserts where it can't.
@@ -135,46 +217,7 @@ td::Size<float> Font::addGlyphs(const td::Point<float>& pos, const unsigned char
 // Of a text that can be laid out.
 void Font::measurePiece(const char* begin, const char* end, td::Size<float>& size) const
 {
-    if (begin >= end)
-        return;
-    const GlyphTable& table = *_pTable;
-
-    const FontMetrics& metrics = table.metrics();
-    const Addends addends[2]{{0, 0}, {metrics.glyphPadding / 2, metrics.additionalSpace}};
-    // To add nothing takes its time too.
-    const bool isSpaced = metrics.additionalSpace != 0;
-    float x = 0;
-    float y = 0;
-    float bottom = metrics.lineHeight;
-    float widest = 0;
-    float bearingSign = -1;
-    const auto* p = reinterpret_cast<const unsigned char*>(begin);
-    const auto* const pEnd = reinterpret_cast<const unsigned char*>(end);
-    while (p < pEnd)
-    {
-        Taken taken{p + 1, table.numberOfByte(*p)};
-        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
-            taken = takeOtherApart(table, p, pEnd, taken.number);
-        p = taken.pNext;
-        if (!GlyphTable::hasEntry(taken.number)) [[unlikely]]
-        {
-            widest = std::max(widest, x);
-            x = 0;
-            y += metrics.lineHeight + metrics.lineSpacing + metrics.additionalSpace;
-            bottom = y + metrics.lineHeight;
-            bearingSign = 1;
-            continue;
-        }
-        // Unlike layout: nothing behind the piece's first code point is pulled left, be it the first of its line.
-        const GlyphTable::Entry& entry = table.entry(taken.number);
-        x += bearingSign * entry.bearing;
-        bearingSign = 1;
-        x -= addends[entry.nQuads].halfPadding;
-        x += entry.advance;
-        if (isSpaced)
-            x += addends[entry.nQuads].additionalSpace;
-    }
-    size = {std::max(widest, x), bottom + metrics.lineSpacing};
+    measureText(*_pTable, begin, end, size);
 }
 
 // One line, or a text without line feeds, of the scaled width that it was measured to have.
@@ -189,10 +232,9 @@ td::Size<float> Font::addAligned(const td::Point<float>& pos, const char* begin,
 td::Size<float> Font::addAlignedText(const td::Point<float>& pos, const char* str, std::size_t len,
                                      const _format& format)
 {
-    if (std::memchr(str, '\n', len) != nullptr)
-        return addLines(pos, str, len, format);
     td::Size<float> measured;
-    measurePiece(str, str + len, measured);
+    if (measureText(*_pTable, str, str + len, measured) && std::memchr(str, '\n', len) != nullptr)
+        return addLines(pos, str, len, format);
     return addAligned(pos, str, str + len, measured.width * format.scale, format);
 }
 
@@ -264,8 +306,8 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
                                   .alignment = format.hAlignment};
     if (const LayoutMemo::Entry* const pKnown = _pMemo->find(number, {str, len}, style, nBefore))
     {
-        recordString(nBefore, pKnown->nVertices, format);
-        _vertices.pushSlots(pKnown->nVertices);
+        recordString(pKnown->firstVertex, pKnown->nVertices, format);
+        _vertices.pushSlots(pKnown->firstVertex - nBefore + pKnown->nVertices);
         return pKnown->size;
     }
     if (!canLayOut(str, len, format)) [[unlikely]]

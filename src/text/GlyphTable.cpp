@@ -30,12 +30,45 @@ GlyphTable::GlyphTable(std::span<const Font::_glyph> glyphs, const cnt::Dictiona
 
 void GlyphTable::setMetrics(const FontMetrics& metrics)
 {
+    const bool isSpacedAlike = !_ways.empty() && metrics.additionalSpace == _metrics.additionalSpace &&
+                               metrics.spaceWidth == _metrics.spaceWidth && _isFinite;
     _metrics = metrics;
     _entries[cSpace] = {};
     _entries[cSpace].advance = metrics.additionalSpace + metrics.spaceWidth;
     _isFinite = _areGlyphsFinite && std::isfinite(metrics.lineHeight) && std::isfinite(metrics.glyphPadding) &&
                 std::isfinite(metrics.spaceWidth) && std::isfinite(metrics.additionalSpace) &&
                 std::isfinite(metrics.lineSpacing);
+    if (!isSpacedAlike || !_isFinite)
+        makeWays();
+}
+
+// Numbers of the same step add up without rounding as long as the sum has no more digits than a float. Baked fonts have
+// whole ones.
+void GlyphTable::makeWays()
+{
+    constexpr float cStep = 1.0F / 64;
+    constexpr float cMost = 0x1p24F; // steps
+    _exactLength = 0;
+    if (!_isFinite)
+        return;
+    const float halfPadding = _metrics.glyphPadding / 2, space = _metrics.additionalSpace;
+    float most = 0;
+    bool isExact = true;
+    const auto look = [&](float number)
+    {
+        const float steps = number / cStep;
+        isExact = isExact && std::abs(steps) < cMost && steps == std::trunc(steps);
+        return std::abs(steps);
+    };
+    const float around = look(halfPadding) + look(space);
+    _ways.clear();
+    for (const Entry& entry : _entries)
+    {
+        most = std::max(most, 2 * look(entry.bearing) + look(entry.advance) + around);
+        _ways.push_back(entry.nQuads == 0 ? entry.advance : entry.bearing - halfPadding + entry.advance + space);
+    }
+    if (isExact)
+        _exactLength = static_cast<std::size_t>(cMost / std::max(2 * most, 1.0F));
 }
 
 GlyphTable::NumberOnPage& GlyphTable::slot(char32_t codePoint)

@@ -55,6 +55,11 @@ public:
     /// Whether right edges of all glyphs are right of the left ones.
     bool areAllEdgesOrdered() const { return _areAllEdgesOrdered; }
 
+    /// Up to how many bytes of a text sums of metrics are exact in any order, unscaled: 0 where they never are.
+    std::size_t exactLength() const { return _exactLength; }
+    /// What a glyph or space that is not the first one moves the pen, as far as sums are exact.
+    float way(Number number) const { return _ways[number]; }
+
     /// Whether all metrics are finite.
     bool isFinite() const { return _isFinite; }
 
@@ -85,16 +90,19 @@ private:
     void numberGlyphs(const cnt::Dictionary<wchar_t, unsigned short>& map);
     void numberBytes();
     void makeEntries(float padding);
+    void makeWays();
 
     std::span<const Font::_glyph> _glyphs;
     std::vector<unsigned short> _pageOf;
     std::vector<NumberOnPage> _pages;
     std::vector<Entry> _entries;
+    std::vector<float> _ways; // of the same
     Number _bytes[256] = {};
     FontMetrics _metrics = {};
     bool _areAllEdgesOrdered = true;
     bool _areGlyphsFinite = true;
     bool _isFinite = false;
+    std::size_t _exactLength = 0;
 };
 
 } // namespace gui::gl

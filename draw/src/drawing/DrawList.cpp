@@ -4,7 +4,6 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <iterator>
 #include <limits>
 
 namespace gui::draw
@@ -18,6 +17,9 @@ constexpr double cSmall = 16;
 /// Up to so many it is, where most shapes beside it are so small that together they have no more pixels than such boxes:
 /// the parts of all of them would take longer than what a few boxes look at in vain.
 constexpr double cLargestBox = 64;
+
+/// Quads between triangles that cost less than another range does.
+constexpr std::uint32_t cBetween = 64;
 
 constexpr float cInfinity = std::numeric_limits<float>::infinity();
 
@@ -53,7 +55,8 @@ void DrawList::set(std::size_t place, const Shape& shape)
     const Rect& bounds = shape.bounds;
     const Box box{below(bounds.left - _base.x), below(bounds.top - _base.y), above(bounds.right - _base.x),
                   above(bounds.bottom - _base.y)};
-    _shapes[place] = {box, shape.margin, shape.first, shape.count, shape.record, shape.ink, shape.zooms};
+    _shapes[place] = {box,          shape.margin, shape.first, shape.count, shape.nTriangles,
+                      shape.record, shape.ink,    shape.zooms};
     _chunks[place / cChunk].isStale = true;
 }
 
@@ -87,6 +90,31 @@ void DrawList::append(std::vector<Piece>& pieces, const Piece& piece)
         pieces.push_back(piece);
 }
 
+void DrawList::append(std::vector<Inside>& insides, const Inside& inside)
+{
+    const gl::Quads::Range& triangles = inside.triangles;
+    if (!insides.empty() && insides.back().end == inside.first)
+    {
+        Inside& last = insides.back();
+        if (triangles.count == 0 || triangles.first - (last.triangles.first + last.triangles.count) <= cBetween)
+        {
+            last.end = inside.end;
+            if (triangles.count != 0)
+                last.triangles.count = triangles.first + triangles.count - last.triangles.first;
+            return;
+        }
+    }
+    if (triangles.count != 0)
+        insides.push_back(inside);
+}
+
+void DrawList::append(std::vector<Inside>& insides, const Entry& entry)
+{
+    const std::uint32_t end = entry.first + entry.count;
+    if (entry.ink == cShapes)
+        append(insides, {entry.first, end, {end - entry.nTriangles, entry.nTriangles}});
+}
+
 void DrawList::select(const Piece& piece)
 {
     if (_passes.empty() || _passes.back().ink != piece.ink)
@@ -113,6 +141,7 @@ void DrawList::renew(std::size_t number)
     chunk.isStale = false;
     chunk.parts.clear();
     chunk.boxes.clear();
+    chunk.insides.clear();
     chunk.box = {cInfinity, cInfinity, -cInfinity, -cInfinity};
     chunk.size = chunk.area = chunk.margin = 0;
     chunk.zooms = {cInfinity, 0};
@@ -135,6 +164,7 @@ void DrawList::renew(std::size_t number)
         chunk.zooms = {std::min(chunk.zooms.min, entry.zooms.min), std::max(chunk.zooms.max, entry.zooms.max)};
         chunk.shared = chunk.shared & entry.zooms;
         append(chunk.parts, {{entry.first, entry.count}, entry.ink});
+        append(chunk.insides, entry);
         // Glyphs' sizes are not those of their shapes' boxes.
         if (areGlyphs(entry.ink))
             append(chunk.boxes, {{entry.first, entry.count}, entry.ink});
@@ -175,7 +205,10 @@ void DrawList::selectWithin(std::size_t number, const Box& seen, bool isSmall, d
                 if (isSmall && !areGlyphs(entry.ink))
                     select({{cBoxes + entry.record, 1}, entry.ink});
                 else
+                {
                     select({{entry.first, entry.count}, entry.ink});
+                    append(_insides, entry);
+                }
             }
     }
 }
@@ -184,7 +217,8 @@ void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPe
 {
     _selected.clear();
     _passes.clear();
-    _parts.clear();
+    _triangles.clear();
+    _insides.clear();
     _largest = 0;
     const double pixel = 1 / pixelsPerUnit;
     Box seen{};
@@ -211,17 +245,18 @@ void DrawList::select(const Rect& visible, double pixelsPerUnit, double pixelsPe
             chunk.size * pixelsPerUnit <= cLargestBox && chunk.area * pixelsPerUnit * pixelsPerUnit <= cSmall * cSmall;
         if (box.left >= seen.left && box.right <= seen.right && box.top >= seen.top && box.bottom <= seen.bottom &&
             chunk.shared.has(zoom))
+        {
             for (const Piece& piece : isSmall ? chunk.boxes : chunk.parts)
                 select(piece);
+            if (!isSmall)
+                for (const Inside& inside : chunk.insides)
+                    append(_insides, inside);
+        }
         else
             selectWithin(c, seen, isSmall, zoom);
     }
-    for (const Pass& pass : _passes)
-        if (pass.ink == cShapes)
-            std::copy_if(_selected.begin() + static_cast<std::ptrdiff_t>(pass.first),
-                         _selected.begin() + static_cast<std::ptrdiff_t>(pass.first + pass.count),
-                         std::back_inserter(_parts),
-                         [](const gl::Quads::Range& range) { return range.first < cBoxes; });
+    for (const Inside& inside : _insides)
+        _triangles.push_back(inside.triangles);
 }
 
 } // namespace gui::draw

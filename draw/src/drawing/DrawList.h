@@ -52,10 +52,11 @@ public:
 
     struct Shape
     {
-        Rect bounds;             // in model units, with a stroke's width if that is in model units
-        float margin = 0;        // in points, around them
-        std::uint32_t first = 0; // its elements
-        std::uint32_t count = 0; // 0 when there is nothing to see
+        Rect bounds;                  // in model units, with a stroke's width if that is in model units
+        float margin = 0;             // in points, around them
+        std::uint32_t first = 0;      // its elements
+        std::uint32_t count = 0;      // 0 when there is nothing to see
+        std::uint32_t nTriangles = 0; // of its elements the last ones, if it is a fill
         std::uint32_t record = 0;
         std::uint32_t ink = cShapes;
         ZoomRange zooms;
@@ -84,8 +85,8 @@ public:
     /// Those selected last, and how they are parted.
     std::span<const gl::Quads::Range> getRanges() const { return _selected; }
     std::span<const Pass> getPasses() const { return _passes; }
-    /// Of the ranges, the ones that are neither boxes alone nor glyphs or images.
-    std::span<const gl::Quads::Range> getParts() const { return _parts; }
+    /// Of fills among them that are neither boxes alone nor images, the triangles, and between these some other quads.
+    std::span<const gl::Quads::Range> getTriangles() const { return _triangles; }
     /// The extent of the largest shape that was selected last, in model units, or more.
     double getLargest() const { return _largest; }
 
@@ -106,7 +107,7 @@ private:
     {
         Box box;
         float margin;
-        std::uint32_t first, count, record;
+        std::uint32_t first, count, nTriangles, record;
         std::uint32_t ink;
         ZoomRange zooms;
     };
@@ -114,6 +115,12 @@ private:
     {
         gl::Quads::Range range;
         std::uint32_t ink;
+    };
+    /// Quads in a row from first to end, and the range that has all triangles among them.
+    struct Inside
+    {
+        std::uint32_t first, end;
+        gl::Quads::Range triangles;
     };
     struct Chunk
     {
@@ -125,6 +132,7 @@ private:
         bool isStale = true;
         Cells cells{};
         std::vector<Piece> parts, boxes;
+        std::vector<Inside> insides; // of parts
     };
 
     static std::int8_t cellOf(float place, float low, float high);
@@ -134,13 +142,16 @@ private:
         return a.left <= b.right && a.right >= b.left && a.top <= b.bottom && a.bottom >= b.top;
     }
     static void append(std::vector<Piece>& pieces, const Piece& piece);
+    static void append(std::vector<Inside>& insides, const Inside& inside);
+    static void append(std::vector<Inside>& insides, const Entry& entry);
     void select(const Piece& piece);
     void selectWithin(std::size_t chunk, const Box& seen, bool isSmall, double zoom);
 
     td::Point<double> _base;
     GrowingArray<Entry> _shapes;
     std::vector<Chunk> _chunks;
-    std::vector<gl::Quads::Range> _selected, _parts;
+    std::vector<gl::Quads::Range> _selected, _triangles;
+    std::vector<Inside> _insides; // of those selected
     std::vector<Pass> _passes;
     double _largest = 0;
 };

@@ -252,6 +252,7 @@ void Drawing::Impl::enlist(const Item& item)
         index.set(slotOf(item), shape.bounds);
         shape.first = item.places.elements.first;
         shape.count = item.places.elements.count;
+        shape.nTriangles = item.places.nTriangles;
         shape.record = item.places.record;
         if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
             shape.margin =

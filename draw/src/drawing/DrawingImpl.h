@@ -162,8 +162,8 @@ struct Drawing::Impl
     /// Replaces a text's glyphs.
     void setText(Item& text, const TextLayout& layout);
     void setGlyphs(Item& glyphs, const TextLayout& layout, std::size_t style, double size, double lineWidth);
-    /// Of the elements of a halo, those that are one with each.
-    std::vector<std::vector<std::int32_t>> neighboursOf(const GlyphStyle& style) const;
+    /// Adds to `neighbours` those of the elements of a halo that are one with each.
+    void findNeighbours(const GlyphStyle& style);
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
     void setOutline(Item& item, const Path& path);
     void setElements(Item& glyphs, double strokeStep);
@@ -265,6 +265,10 @@ struct Drawing::Impl
     GlyphStore glyphs;
     std::vector<std::uint32_t> routedTexts; // some of which may be gone
     std::vector<float> turns;
+    std::vector<Rect> boxes; // of a halo's glyphs
+    std::vector<std::uint32_t> fromLeft;
+    std::vector<std::pair<std::uint32_t, std::int32_t>> pairs;
+    std::vector<std::uint32_t> neighbours;   // see ShapeTables::setPlacedGlyphs
     std::vector<std::uint32_t> waitingTexts; // shapes, some of whose glyphs wait for pictures
     std::vector<std::uint32_t> visited;
     bool isWaitingSeen = false; // whether there were some to draw at the last look

@@ -1,6 +1,5 @@
 #include "DrawingPainter.h"
 
-#include <gui/Res.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 #include <gui/gl/Textures.h>
@@ -12,27 +11,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <string>
 
 namespace gui::draw
 {
 
 namespace
 {
-
-/// The unit behind those of the tables.
-constexpr gl::Texture::Unit cLayerUnit = gl::Texture::Unit::T7;
-constexpr gl::Texture::Unit cImageUnit = gl::Texture::Unit::T8;
-constexpr gl::Texture::Unit cPictureUnit = gl::Texture::Unit::T9;
-constexpr gl::Texture::Unit cColoredUnit = gl::Texture::Unit::T10;
-
-/// The shaders' names for ShapeFeature's bits.
-constexpr std::array<const char*, 14> cFeatures{"FILLS",    "STROKES",   "ROUND",  "CAPS",   "DASHES",
-                                                "LINKS",    "GRADIENTS", "FAR",    "GLYPHS", "IMAGES",
-                                                "PICTURES", "HALOS",     "COLORS", "PLACED"};
-
-/// Beside features: the first pass, of what is inside of opaque fills; and nothing but pictures of glyphs.
-constexpr unsigned int cCore = 1U << 16, cPicturesAlone = 1U << 17;
 
 constexpr std::size_t cManyPrograms = 6;
 
@@ -58,91 +42,6 @@ double stretchOf(const Affine& m)
 
 } // namespace
 
-DrawList::Rect Sight::getVisible() const
-{
-    const Affine toModel = toPixels.inverse().value_or(Affine());
-    const double x = (std::abs(toModel.a) * size.width + std::abs(toModel.c) * size.height) / 2;
-    const double y = (std::abs(toModel.b) * size.width + std::abs(toModel.d) * size.height) / 2;
-    return {center.x - x, center.y - y, center.x + x, center.y + y};
-}
-
-/// Draws shapes of some features, or the inside of opaque fills.
-class DrawingPainter::ShapeProgram final : public gl::Program
-{
-public:
-    bool link(unsigned int features)
-    {
-        std::string head = "#version 330 core\n";
-        for (std::size_t i = 0; i < cFeatures.size(); ++i)
-            if ((features >> i & 1U) != 0)
-                head += std::string("#define ") + cFeatures[i] + '\n';
-        head += gui::getResText(":draw/drawing.glsl").c_str();
-        const std::string name = (features & cCore) != 0            ? ":draw/core"
-                                 : (features & cPicturesAlone) != 0 ? ":draw/picture"
-                                                                    : ":draw/drawing";
-        const std::string vertex = head + gui::getResText((name + ".vert").c_str()).c_str();
-        const std::string fragment = head + gui::getResText((name + ".frag").c_str()).c_str();
-        return Program::link(vertex.c_str(), fragment.c_str());
-    }
-
-    void activateFor(const ShapeTables& tables, const Sight& sight)
-    {
-        activate();
-        const int coarseness = tables.getCoarseness(sight.center);
-        const std::array<std::uint32_t, 2> x = tables.toUnits(sight.center.x, coarseness),
-                                           y = tables.toUnits(sight.center.y, coarseness);
-        setUniformValue(_center, glm::uvec4(x[0], x[1], y[0], y[1]));
-        setUniformValue(_coarseness, coarseness);
-        const Affine& map = sight.toPixels;
-        setUniformValue(_toPixels, glm::vec4(map.a, map.b, map.c, map.d));
-        setUniformValue(_halfSize, glm::vec2(sight.size.width / 2.0, sight.size.height / 2.0));
-        setUniformValue(_pixelsPerPoint, static_cast<float>(sight.pixelsPerPoint));
-    }
-
-protected:
-    void onLinked() override
-    {
-        const auto find = [this](const char* name) { return static_cast<unsigned int>(getUniformLocation(name)); };
-        _center = find("center");
-        _coarseness = find("coarseness");
-        _toPixels = find("toPixels");
-        _halfSize = find("halfSize");
-        _pixelsPerPoint = find("pixelsPerPoint");
-        activate();
-        int unit = 0;
-        setUniformValue(find("image"), static_cast<int>(cImageUnit));
-        setUniformValue(find("pictures"), static_cast<int>(cPictureUnit));
-        setUniformValue(find("coloredPictures"), static_cast<int>(cColoredUnit));
-        for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links", "glyphs"})
-            setUniformValue(find(name), unit++);
-    }
-
-private:
-    unsigned int _center = 0;
-    unsigned int _coarseness = 0;
-    unsigned int _toPixels = 0;
-    unsigned int _halfSize = 0;
-    unsigned int _pixelsPerPoint = 0;
-};
-
-class DrawingPainter::LayerProgram final : public gl::Program
-{
-public:
-    bool link() { return Program::link(":draw/layer.vert", ":draw/layer.frag"); }
-
-    int corner = -1;
-    int opacity = -1;
-
-protected:
-    void onLinked() override
-    {
-        corner = getUniformLocation("corner");
-        opacity = getUniformLocation("opacity");
-        activate();
-        setUniformValue(static_cast<unsigned int>(getUniformLocation("layer")), static_cast<int>(cLayerUnit));
-    }
-};
-
 DrawingPainter::DrawingPainter() = default;
 DrawingPainter::~DrawingPainter() = default;
 
@@ -159,18 +58,15 @@ bool DrawingPainter::prepare()
     if (_home.getID() != gl::CurrentContext::getID())
     {
         _programs.clear();
-        _pComposite.reset();
+        _pShared.reset();
         for (gl::Framebuffer& layer : _layers)
             layer.release();
         _home.set(gl::CurrentContext::getID());
         _isLayerValid = false;
     }
-    if (!_pComposite)
-    {
-        _pComposite = std::make_unique<LayerProgram>();
-        _pComposite->link();
-    }
-    return _pComposite->isOK();
+    if (!_pShared)
+        _pShared = DrawingPrograms::get();
+    return _pShared->getLayer().isOK();
 }
 
 // Programs and framebuffers come back by themselves. What a layer shows is drawn again, so that nobody need read it.
@@ -185,22 +81,20 @@ void DrawingPainter::onContext(gl::ContextResource::Event event)
 
 // One that did not link stays, so that it is not tried in every frame. Where there are many already, one that can do
 // more will do: linking takes as long as some frames.
-DrawingPainter::ShapeProgram* DrawingPainter::programFor(unsigned int features)
+ShapeProgram* DrawingPainter::programFor(unsigned int features)
 {
     auto found = _programs.find(features);
     if (found == _programs.end() && _programs.size() >= cManyPrograms)
         found = std::find_if(_programs.begin(), _programs.end(),
                              [features](const auto& program)
                              {
-                                 return ((program.first ^ features) & (cCore | cPicturesAlone)) == 0 &&
+                                 return ((program.first ^ features) &
+                                         (DrawingPrograms::cCore | DrawingPrograms::cPicturesAlone)) == 0 &&
                                         (program.first & features) == features && program.second->isOK();
                              });
     if (found == _programs.end())
-    {
-        found = _programs.emplace(features, std::make_unique<ShapeProgram>()).first;
-        found->second->link(features);
-    }
-    return found->second->isOK() ? found->second.get() : nullptr;
+        found = _programs.emplace(features, &_pShared->find(features)).first;
+    return found->second->isOK() ? found->second : nullptr;
 }
 
 bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, unsigned int features,
@@ -210,7 +104,7 @@ bool DrawingPainter::drawRanges(const ShapeTables& tables, const Sight& sight, u
     if (pProgram == nullptr)
         return fail("its program does not link");
     pProgram->activateFor(tables, sight);
-    return _quads.draw(ranges) || fail("there is no vertex array");
+    return _pShared->getQuads().draw(ranges) || fail("there is no vertex array");
 }
 
 namespace
@@ -244,8 +138,8 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
                                 double stretch)
 {
     const unsigned int features = tables.getFeatures(), glyphFeatures = tables.getGlyphFeatures();
-    if ((features & HasFills) != 0 && !list.getParts().empty() &&
-        !drawRanges(tables, sight, cCore | (features & HasGradients), list.getParts()))
+    if ((features & HasFills) != 0 && !list.getTriangles().empty() &&
+        !drawRanges(tables, sight, DrawingPrograms::cCore | (features & HasGradients), list.getTriangles()))
         return false;
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
     const std::span<const DrawList::Pass> passes = list.getPasses();
@@ -268,7 +162,7 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
             const unsigned int texture = images.getTexture(ink - DrawList::cImages + 1);
             if (texture == 0)
                 return fail("GL has no room for an image");
-            gl::Textures::bindToSamplerUnit(texture, cImageUnit, gl::Texture::Type::Tex2D);
+            gl::Textures::bindToSamplerUnit(texture, DrawingPrograms::cImageUnit, gl::Texture::Type::Tex2D);
             needed = HasFills | HasImages | far;
             ++pass;
         }
@@ -289,7 +183,8 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
             const bool isMerged = last - pass > 1;
             pass = last;
             if (areGlyphs && ink == DrawList::cPictures && !isMerged)
-                needed = cPicturesAlone | HasPictures | (glyphFeatures & (HasHalos | HasColors | HasPlaced));
+                needed = DrawingPrograms::cPicturesAlone | HasPictures |
+                         (glyphFeatures & (HasHalos | HasColors | HasPlaced));
             else if (areGlyphs)
                 needed = glyphFeatures & ~(ink == DrawList::cGlyphs && !isMerged ? HasPictures | HasColors : 0U);
         }
@@ -304,7 +199,7 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
 bool DrawingPainter::makeLayer(gl::Framebuffer& layer, td::Size<int> size)
 {
     // The unit of the layer's texture loses what is bound to it.
-    gl::Context::setActiveTextureUnit(cLayerUnit);
+    gl::Context::setActiveTextureUnit(DrawingPrograms::cLayerUnit);
     return layer.create(size, {.depth = gl::DepthBuffer::Size::Bits24}) ||
            fail("there is no framebuffer of the viewport's size");
 }
@@ -418,8 +313,8 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
         if (!drawing)
             return fail("its layer cannot be drawn into");
         tables.bind();
-        glyphs.getPictures().bind(cPictureUnit);
-        glyphs.getColoredPictures().bind(cColoredUnit);
+        glyphs.getPictures().bind(DrawingPrograms::cPictureUnit);
+        glyphs.getColoredPictures().bind(DrawingPrograms::cColoredUnit);
         std::array<GLint, 4> scissor{};
         glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
         const bool isDrawn =
@@ -434,12 +329,14 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     }
     isScissored ? gl::Context::enable(Flag::ScissorTest) : gl::Context::disable(Flag::ScissorTest);
     gl::Context::disable(Flag::DepthTest);
-    gl::Textures::bindToSamplerUnit(_layers[_shown].getTextureID(), cLayerUnit, gl::Texture::Type::Tex2D);
-    _pComposite->activate();
-    _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->corner), glm::vec2(viewport[0], viewport[1]));
-    _pComposite->setUniformValue(static_cast<unsigned int>(_pComposite->opacity), _opacity);
+    gl::Textures::bindToSamplerUnit(_layers[_shown].getTextureID(), DrawingPrograms::cLayerUnit,
+                                    gl::Texture::Type::Tex2D);
+    LayerProgram& composite = _pShared->getLayer();
+    composite.activate();
+    composite.setUniformValue(static_cast<unsigned int>(composite.corner), glm::vec2(viewport[0], viewport[1]));
+    composite.setUniformValue(static_cast<unsigned int>(composite.opacity), _opacity);
     const gl::Quads::Range one{0, 1};
-    if (!_quads.draw(std::span(&one, 1)))
+    if (!_pShared->getQuads().draw(std::span(&one, 1)))
         return fail("there is no vertex array");
     _lastFailure = nullptr;
     return true;

@@ -256,8 +256,10 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
                 turns[4 * i + 1] = std::bit_cast<float>(points[2]);
                 turns[4 * i + 2] = 1;
             }
-        tables.setPlacedGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep, turns,
-                               letters.isHalo ? neighboursOf(letters.style) : std::vector<std::vector<std::int32_t>>());
+        neighbours.clear();
+        if (letters.isHalo)
+            findNeighbours(letters.style);
+        tables.setPlacedGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep, turns, neighbours);
     }
     else
         tables.setGlyphs(item.places, elements, letters.style, GlyphStore::cStrokeStep);
@@ -268,11 +270,11 @@ void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t 
 }
 
 // Those whose strokes may touch, as far as their boxes tell: for text along a path as if that were straight.
-std::vector<std::vector<std::int32_t>> Drawing::Impl::neighboursOf(const GlyphStyle& style) const
+void Drawing::Impl::findNeighbours(const GlyphStyle& style)
 {
     // Pictures' boxes end with a pixel.
     const double margin = style.lineWidth / 2 + (style.isInPoints ? 1.5 : 0.1 * style.size);
-    std::vector<Rect> boxes;
+    boxes.clear();
     for (const Element& element : elements)
     {
         const Rect box = tables.getBoxOf(element.points[0]);
@@ -281,26 +283,35 @@ std::vector<std::vector<std::int32_t>> Drawing::Impl::neighboursOf(const GlyphSt
         boxes.emplace_back(finite(x + box.left * style.size - margin), finite(y + box.top * style.size - margin),
                            finite(x + box.right * style.size + margin), finite(y + box.bottom * style.size + margin));
     }
-    std::vector<std::size_t> fromLeft(boxes.size());
-    std::iota(fromLeft.begin(), fromLeft.end(), std::size_t(0));
+    fromLeft.resize(boxes.size());
+    std::iota(fromLeft.begin(), fromLeft.end(), 0U);
     std::sort(fromLeft.begin(), fromLeft.end(),
-              [&boxes](std::size_t a, std::size_t b) { return boxes[a].left < boxes[b].left; });
-    std::vector<std::vector<std::int32_t>> result(boxes.size());
+              [this](std::uint32_t a, std::uint32_t b) { return boxes[a].left < boxes[b].left; });
+    pairs.clear();
     for (std::size_t i = 0; i < fromLeft.size(); ++i)
     {
-        const std::size_t a = fromLeft[i];
-        result[a].push_back(0);
+        const std::uint32_t a = fromLeft[i];
+        pairs.emplace_back(a, 0);
         for (std::size_t k = i + 1; k < fromLeft.size() && boxes[fromLeft[k]].left < boxes[a].right; ++k)
-            if (const std::size_t b = fromLeft[k]; boxes[a].top < boxes[b].bottom && boxes[b].top < boxes[a].bottom)
+            if (const std::uint32_t b = fromLeft[k]; boxes[a].top < boxes[b].bottom && boxes[b].top < boxes[a].bottom)
             {
                 const auto difference = static_cast<std::int32_t>(b) - static_cast<std::int32_t>(a);
-                result[a].push_back(difference);
-                result[b].push_back(-difference);
+                pairs.emplace_back(a, difference);
+                pairs.emplace_back(b, -difference);
             }
     }
-    for (std::vector<std::int32_t>& neighbours : result)
-        std::sort(neighbours.begin(), neighbours.end());
-    return result;
+    std::sort(pairs.begin(), pairs.end());
+    std::size_t count = 0; // stands there
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+    {
+        if (i == 0 || pairs[i].first != pairs[i - 1].first)
+        {
+            count = neighbours.size();
+            neighbours.push_back(0);
+        }
+        ++neighbours[count];
+        neighbours.push_back(static_cast<std::uint32_t>(pairs[i].second));
+    }
 }
 
 // Lines under a text and through it are glyphs of its own. Along a path they are made when the letters are placed.

@@ -6,6 +6,7 @@
 #include <gui/draw/Typeface.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <span>
 #include <tuple>
@@ -72,6 +73,19 @@ private:
     // Face, glyph, size, line width, and the foreground of a picture that has it, else 0.
     using Key = std::tuple<std::uint64_t, std::uint32_t, float, float, std::uint32_t>;
 
+    struct KeyHash
+    {
+        std::size_t operator()(const Key& key) const
+        {
+            const auto [face, glyph, size, lineWidth, foreground] = key;
+            std::size_t hash = face;
+            for (const std::size_t part :
+                 {std::size_t(glyph), std::hash<float>()(size), std::hash<float>()(lineWidth), std::size_t(foreground)})
+                hash = (hash ^ part) * 0x9e3779b97f4a7c15U;
+            return hash ^ hash >> 32U;
+        }
+    };
+
     struct Sized
     {
         Typeface face;
@@ -87,7 +101,7 @@ private:
     GlyphPicture beginningOf(const Sized& sized) const;
 
     std::map<std::tuple<std::uint64_t, std::uint32_t, bool>, Glyph> _glyphs; // by face, glyph and whether stroked
-    std::map<Key, std::uint32_t> _numbers;                                   // of those of one size
+    std::unordered_map<Key, std::uint32_t, KeyHash> _numbers;                // of those of one size
     std::unordered_map<std::uint32_t, Sized> _sized;                         // by number
     double _scale = 0;                                                       // pixels per point
     std::map<std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>, std::uint32_t> _painted; // by colour

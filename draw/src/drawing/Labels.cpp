@@ -253,24 +253,43 @@ std::optional<Drawing::Rect> Labels::findRoom(const Path& shape, const Drawing::
 
     // Where each row's line enters and leaves the shape.
     std::array<std::vector<double>, cNoOfRows + 2> crossings;
+    // A row has what lies at it or below, and not what is above. Rounded up without a call, and NaN is below all.
+    const auto rowFrom = [&](double y)
+    {
+        const double place = (y - within.top) / step;
+        const int whole = place > 0 ? static_cast<int>(std::min(place, cNoOfRows + 1.0)) : 0;
+        return whole + (place > whole && whole <= cNoOfRows ? 1 : 0);
+    };
+    const auto cross = [&](Path::Point from, Path::Point to)
+    {
+        const auto [low, high] = std::minmax(from.y, to.y);
+        for (int row = rowFrom(low), end = rowFrom(high); row < end; ++row)
+        {
+            const double part = (within.top + row * step - from.y) / (to.y - from.y);
+            crossings[static_cast<std::size_t>(row)].push_back(
+                std::clamp(std::lerp(from.x, to.x, part), within.left, within.right));
+        }
+    };
     const Polylines outline = shape.flatten(tolerance);
     for (const Polylines::Line& line : outline.lines)
     {
         const std::span<const Path::Point> points = outline.pointsOf(line);
-        for (std::size_t i = 0; i < points.size(); ++i)
+        // Most stretches of a long line are between two rows.
+        constexpr std::size_t cStretch = 32;
+        for (std::size_t begin = 0; begin + 1 < points.size(); begin += cStretch)
         {
-            const Path::Point from = points[i], to = points[i + 1 < points.size() ? i + 1 : 0];
-            const auto [low, high] = std::minmax(from.y, to.y);
-            // A row has what lies at it or below, and not what is above.
-            const auto rowFrom = [&](double y)
-            { return static_cast<int>(std::clamp(std::ceil((y - within.top) / step), 0.0, cNoOfRows + 1.0)); };
-            for (int row = rowFrom(low); row < rowFrom(high); ++row)
+            const std::size_t end = std::min(begin + cStretch, points.size() - 1);
+            double low = points[begin].y, high = low;
+            for (std::size_t i = begin + 1; i <= end; ++i)
             {
-                const double part = (within.top + row * step - from.y) / (to.y - from.y);
-                crossings[static_cast<std::size_t>(row)].push_back(
-                    std::clamp(std::lerp(from.x, to.x, part), within.left, within.right));
+                low = std::min(low, points[i].y);
+                high = std::max(high, points[i].y);
             }
+            if (rowFrom(low) < rowFrom(high))
+                for (std::size_t i = begin; i < end; ++i)
+                    cross(points[i], points[i + 1]);
         }
+        cross(points.back(), points.front());
     }
 
     // A strip is inside of the shape in its middle row and in those above and below.

@@ -45,6 +45,7 @@ void ShapeGeometry::clear()
     points.clear();
     nodes.clear();
     elements.clear();
+    nTriangles = 0;
     lengths.clear();
     hasRound = false;
     reach = 1;
@@ -237,6 +238,7 @@ void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, S
 void ShapeBuilder::addTriangles(ShapeGeometry& shape)
 {
     const std::vector<std::uint32_t>& indices = _fill.getIndices();
+    shape.nTriangles = static_cast<std::uint32_t>(indices.size() / 3);
     for (std::size_t i = 0; i < indices.size(); i += 3)
     {
         const std::uint32_t a = _numbers[indices[i]], b = _numbers[indices[i + 1]], c = _numbers[indices[i + 2]];

@@ -77,6 +77,7 @@ struct ShapeGeometry
     std::vector<GridPoint> points;
     std::vector<EdgeNode> nodes;
     std::vector<Element> elements; // of shape 0
+    std::uint32_t nTriangles = 0;  // the last of these
     std::vector<float> lengths;    // of a dashed stroke: of the subpath up to each point, in steps, below 0 at its end
     bool hasRound = false;         // corners within curves
     float reach = 1;               // how far from its points a stroke's parts are, in halves of its width

@@ -83,6 +83,7 @@ void ShapeTables::giveBackElements(ShapePlaces& places)
 {
     _elements.giveBack(places.elements.first, places.elements.count);
     places.elements = {};
+    places.nTriangles = 0;
 }
 
 void ShapeTables::removeShape(ShapePlaces& places)
@@ -105,6 +106,7 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     places.points = add(_points, geometry.points);
     places.nodes = add(_nodes, geometry.nodes);
     places.elements = {_elements.take(geometry.elements.size()), static_cast<std::uint32_t>(geometry.elements.size())};
+    places.nTriangles = geometry.nTriangles;
     _elements.set(places.elements.first, geometry.elements,
                   [&places](Element& element) { element.shapeAndKind |= places.record; });
 
@@ -272,30 +274,22 @@ void ShapeTables::setGlyph(const ShapePlaces& places, std::uint32_t i, std::uint
 }
 
 void ShapeTables::setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
-                                  double step, std::span<const float> turns,
-                                  std::span<const std::vector<std::int32_t>> neighbours)
+                                  double step, std::span<const float> turns, std::span<const std::uint32_t> neighbours)
 {
     _numbers.giveBack(places.numbers.first, places.numbers.count);
     _links.giveBack(places.links.first, places.links.count);
     places.numbers = {_numbers.add(turns), static_cast<std::uint32_t>(turns.size())};
-    std::vector<std::uint32_t> links;
-    for (const std::vector<std::int32_t>& list : neighbours)
+    places.links = {_links.add(neighbours), static_cast<std::uint32_t>(neighbours.size())};
+    _placed.assign(elements.begin(), elements.end());
+    std::uint32_t link = 0;
+    for (std::size_t i = 0; i < _placed.size(); ++i)
     {
-        links.push_back(static_cast<std::uint32_t>(list.size()));
-        for (const std::int32_t other : list)
-            links.push_back(static_cast<std::uint32_t>(other));
+        _placed[i].shapeAndKind = static_cast<std::uint32_t>(ElementKind::Placed) << 28;
+        _placed[i].points[1] = places.numbers.first + static_cast<std::uint32_t>(4 * i);
+        _placed[i].points[2] = neighbours.empty() ? 0 : places.links.first + link + 1;
+        link += neighbours.empty() ? 0 : neighbours[link] + 1;
     }
-    places.links = {_links.add(links), static_cast<std::uint32_t>(links.size())};
-    std::vector<Element> placed(elements.begin(), elements.end());
-    std::uint32_t link = places.links.first + 1;
-    for (std::size_t i = 0; i < placed.size(); ++i)
-    {
-        placed[i].shapeAndKind = static_cast<std::uint32_t>(ElementKind::Placed) << 28;
-        placed[i].points[1] = places.numbers.first + static_cast<std::uint32_t>(4 * i);
-        placed[i].points[2] = neighbours.empty() ? 0 : link;
-        link += neighbours.empty() ? 0 : static_cast<std::uint32_t>(neighbours[i].size()) + 1;
-    }
-    setGlyphs(places, placed, style, step);
+    setGlyphs(places, _placed, style, step);
     _glyphFeatures |= HasPlaced | (neighbours.empty() ? 0U : HasHalos);
 }
 

@@ -129,7 +129,8 @@ struct ShapePlaces
 {
     std::uint32_t record = 0;
     TableRange points, nodes, elements, numbers, links, gradient;
-    TableRange glyphs; // that are its own
+    TableRange glyphs;            // that are its own
+    std::uint32_t nTriangles = 0; // of a fill: the last of its elements
 };
 
 /// Everything that shapes consist of in GL memory, and the same on this side.
@@ -167,10 +168,10 @@ public:
     void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
     /// The same of glyphs that are turned, or know their neighbours.
     /// @param turns  for each glyph its place, cosine and sine
-    /// @param neighbours  for each: its first word is how many follow, each the number of an element less its own, in
-    /// their order; empty for no halo
+    /// @param neighbours  for each how many follow, and these: each the number of an element less its own, in their
+    /// order; empty for no halo
     void setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step,
-                         std::span<const float> turns, std::span<const std::vector<std::int32_t>> neighbours);
+                         std::span<const float> turns, std::span<const std::uint32_t> neighbours);
     /// @param turns  for each glyph its place, cosine and sine; not shown where both are 0
     void setTurns(const ShapePlaces& places, std::span<const float> turns)
     {
@@ -228,7 +229,7 @@ private:
     double _room = 0;  // what is smaller has some; 0 while there is no unit
     unsigned int _features = 0;
     unsigned int _glyphFeatures = 0;
-    std::vector<Element> _patched;
+    std::vector<Element> _patched, _placed;
     std::vector<float> _values;
 };
 

@@ -66,9 +66,9 @@ std::string commandsOf(const FrameLedger::Frame& frame)
 
 std::string nameOf(const GLMemory::Object& object)
 {
-    using Kind = GLMemory::Kind;
-    const char* const kind =
-        object.kind == Kind::Buffer ? "buffer " : (object.kind == Kind::Texture ? "texture " : "renderbuffer ");
+    const char* const kind = object.kind == GLMemory::Kind::Buffer
+                                 ? "buffer "
+                                 : (object.kind == GLMemory::Kind::Texture ? "texture " : "renderbuffer ");
     std::string text = kind + std::to_string(object.name);
     if (object.width > 0)
         text += ", " + std::to_string(object.width) + " x " + std::to_string(object.height);
@@ -206,13 +206,13 @@ void InspectorPanel::show(const gl::FrameObserver::Frame& frame, const Modes& mo
     addRow(baseline, "state",
            std::to_string(cost.nStatesSent) + " sent, " + std::to_string(cost.nStatesSaved) + " saved");
     addRow(baseline, "uploads", std::to_string(cost.nUploads) + " of " + toText(cost.nBytesUploaded));
-    using Kind = GLMemory::Kind;
     if (GLMemory::isTold())
     {
         addRow(baseline, "memory",
-               toText(_memory.getBytes(Kind::Buffer)) + " in " + std::to_string(_memory.getCount(Kind::Buffer)) +
-                   " buffers, " + toText(_memory.getBytes(Kind::Texture)) + " in " +
-                   std::to_string(_memory.getCount(Kind::Texture)) + " textures");
+               toText(_memory.getBytes(GLMemory::Kind::Buffer)) + " in " +
+                   std::to_string(_memory.getCount(GLMemory::Kind::Buffer)) + " buffers, " +
+                   toText(_memory.getBytes(GLMemory::Kind::Texture)) + " in " +
+                   std::to_string(_memory.getCount(GLMemory::Kind::Texture)) + " textures");
         for (std::size_t i = 0; i < std::min<std::size_t>(3, _memory.objects.size()); ++i)
             addRow(baseline, i == 0 ? "largest" : "", nameOf(_memory.objects[i]));
     }
