@@ -4,6 +4,7 @@
 #include "KeptView.h"
 
 #include <gui/Clipboard.h>
+#include <gui/Cursor.h>
 #include <gui/Texture.h>
 #include <gui/ZavObject.h>
 #include <gui/gl/OffscreenContext.h>
@@ -182,6 +183,8 @@ TEST_F(ViewAreaTest, AtRestNothingWakesTheLoop)
         g_main_context_iteration(nullptr, TRUE);
     EXPECT_LE(nTurns, 3);
     EXPECT_EQ(view.nFrames, frames);
+    // Others of GTK's have made theirs current since.
+    EXPECT_EQ(gui::gl::CurrentContext::getID(), 0u);
 }
 
 TEST_F(ViewAreaTest, CallsTextsAndSamplesArePassedOn)
@@ -316,11 +319,35 @@ TEST_F(ViewAreaTest, TheKeyboardComesAndGoes)
     xdo(at(20, 20) + " click 3 keydown Super_L key b keyup Super_L");
     EXPECT_TRUE(view.hasHeard(
         {"enter 20,20", "focus", "press2 20,20 x1", "release2 20,20 x1", "key 'b'+Ctrl", "up key 'b'+Ctrl"}));
+    // A dead key that was pressed before waits for no other.
+    ASSERT_TRUE(desktop().setLayouts("de"));
+    view.startTextInput();
+    xdo("key 21");
+    EXPECT_TRUE(view.hasHeard({"composes ´[]"}));
     auto* const pOther = GTK_WINDOW(gtk_window_new());
     gtk_window_present(pOther);
-    EXPECT_TRUE(view.hasHeard({"no focus"}));
+    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "no focus"; }));
+    view.lines.clear();
     gtk_window_destroy(pOther);
     EXPECT_TRUE(view.hasHeard({"focus"}));
+    xdo("key 26");
+    EXPECT_TRUE(view.hasHeard({"key 'e'", "text e", "up key 'e'"}));
+}
+
+TEST_F(ViewAreaTest, ShowsThePointerThatTheViewWants)
+{
+    GtkWidget* const pArea = gui::gtk::newViewArea(make(view));
+    show(pWindow, pArea);
+    ASSERT_TRUE(showsItsFrame(view));
+    for (const auto& [type, name] : {std::pair(gui::Cursor::Type::Text, "text"), {gui::Cursor::Type::Pan, "move"}})
+    {
+        view.setCursor(type, true);
+        GdkCursor* const pCursor = gtk_widget_get_cursor(pArea);
+        ASSERT_NE(pCursor, nullptr) << name;
+        EXPECT_STREQ(gdk_cursor_get_name(pCursor), name);
+    }
+    view.setCursor(gui::Cursor::Type::Default, true);
+    EXPECT_EQ(gtk_widget_get_cursor(pArea), nullptr);
 }
 
 } // namespace
