@@ -312,7 +312,9 @@ TEST_F(DrawingTest, PicksFollowTheOrderAndWhatIsSet)
     };
     using Order = std::vector<int>;
     EXPECT_EQ(order(), (Order{3, 2, 1, 0}));
-    EXPECT_TRUE(drawing.lower(ids[2]) && drawing.raise(ids[0]));
+    EXPECT_TRUE(drawing.lower(ids[2]));
+    EXPECT_EQ(order(), (Order{3, 1, 0, 2}));
+    EXPECT_TRUE(drawing.raise(ids[0]));
     EXPECT_EQ(order(), (Order{0, 3, 1, 2}));
     EXPECT_TRUE(drawing.moveAbove(ids[2], ids[1]) && drawing.moveBelow(ids[0], ids[1]));
     EXPECT_EQ(order(), (Order{3, 2, 1, 0}));
@@ -594,9 +596,20 @@ TEST_F(DrawingTest, ImagesAreUprightAndMixedByAlpha)
     EXPECT_TRUE(drawing.setColor(id, "#102030"));
     ASSERT_TRUE(drawing.draw(Affine()));
     EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{16, 32, 48, 255}));
-    EXPECT_TRUE(drawing.setImage(id, image));
+    for (const auto& paint :
+         {gui::draw::Paint("#102030"),
+          gui::draw::Paint(gui::draw::LinearGradient{{0, 0}, {400, 0}, {{0, "#000"}, {1, "#fff"}}})})
+    {
+        EXPECT_TRUE(drawing.setColor(id, paint) && drawing.setImage(id, image));
+        ASSERT_TRUE(drawing.draw(Affine()));
+        EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{255, 0, 0, 255}));
+    }
+    // Through what is not there, other shapes are seen, also where they share an edge.
+    drawing.lower(drawing.fill(Path().addRect({0, 0, 400, 400}), "#ff8000"));
+    drawing.lower(drawing.fill(Path().addRect({400, 0, 500, 400}), "#ff8000"));
     ASSERT_TRUE(drawing.draw(Affine()));
-    EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{255, 0, 0, 255}));
+    for (const int x : {350, 390, 398})
+        EXPECT_EQ(pixel(x, cSize - 351), (test::Pixel{255, 128, 0, 255})) << x;
     EXPECT_FALSE(drawing.setImage(drawing.fill(Path(), cBlack), image));
 }
 
