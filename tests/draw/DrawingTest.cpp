@@ -326,12 +326,18 @@ TEST_F(DrawingTest, PicksFollowTheOrderAndWhatIsSet)
     drawing.setPickable(ids[3], true);
     drawing.setVisible(ids[2], false);
     EXPECT_EQ(order(), (Order{3, 0}));
+    // What is hidden stays so with another stroke; and lines in points are as wide as they are seen.
+    EXPECT_TRUE(drawing.setVisible(ids[3], false) && drawing.setStroke(ids[3], {.width = 3, .unit = Unit::Model}));
+    EXPECT_EQ(drawn(drawing).at(16, 5), 0);
+    EXPECT_TRUE(drawing.setStroke(ids[3], {.width = 10}) && drawing.setVisible(ids[3], true));
+    drawn(drawing, {"from afar", Affine::scaling(.1)});
+    EXPECT_EQ(drawing.pickAll({4, 40, 6, 42}), (std::vector<Drawing::ID>{ids[3]}));
     // A program that draws wires sees its drawings whole.
     gui::gl::Context::setPolygonMode(gui::gl::Context::PolygonMode::Line);
     const Coverage picture = drawn(drawing);
     gui::gl::Context::setPolygonMode(gui::gl::Context::PolygonMode::Fill);
     EXPECT_EQ(picture.at(2, 2), 1);
-    EXPECT_EQ(picture.at(12, 2), 0);
+    EXPECT_EQ(picture.at(24, 2), 0);
 }
 
 // Squares and lines of some pixels, and lines and edges whose ends are up to 10^11 pixels away.
