@@ -401,8 +401,8 @@ TEST_F(DrawingTextTest, OnlyWhatChangesIsUploaded)
 }
 
 #ifdef __GLIBC__
-// Another path and another part that is seen in each frame, letters of thousands of sizes: a day of it must not fill the
-// memory.
+// Another path and another part that is seen in each frame, letters of thousands of sizes: a day of it must not fill
+// the memory.
 TEST_F(DrawingTextTest, WhatIsReplacedIsGivenBack)
 {
     ASSERT_TRUE(context().resize({16, 16}));
