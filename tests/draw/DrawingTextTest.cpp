@@ -640,6 +640,21 @@ TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)
                  Labels::findRoom(shape, {0, 0, std::numeric_limits<double>::infinity(), 60}));
 }
 
+// What is too large to be seen whole has a name in each of its parts.
+TEST(LabelsTest, PartsHaveNamesOfTheirOwn)
+{
+    Drawing drawing;
+    Labels labels(drawing);
+    const std::array forms{TextLayout("name", {.size = 10})};
+    const std::vector<Drawing::ID> ids = labels.addInside(Path().addRect({0, 0, 100, 20}), {0, 0, 100, 20}, forms,
+                                                          {.largest = 60, .largestInView = 400});
+    ASSERT_EQ(ids.size(), 3U);
+    labels.place(2);
+    EXPECT_TRUE(!labels.isShown(ids[0]) && !labels.isShown(ids[1]) && labels.isShown(ids[2]));
+    labels.place(8);
+    EXPECT_TRUE(labels.isShown(ids[0]) && labels.isShown(ids[1]) && !labels.isShown(ids[2]));
+}
+
 // A layer that has moved stands at fractions of pixels that a new one would not; its programs, tables, pictures of
 // glyphs and images are to be there again.
 TEST_F(DrawingTextTest, ADrawingIsThereAgainToThePixelAfterALoss)
