@@ -328,6 +328,32 @@ TEST_F(ModelTest, IdsColorsTexturesAndVisibility)
     EXPECT_EQ(model.getNumberOfParts(), 0U);
 }
 
+// Where a surface leans half way from the eye to the light.
+TEST_F(ModelTest, HighlightsAreBetweenLightAndEye)
+{
+    Model model;
+    ASSERT_TRUE(model.setMesh(test::makeSphere(40, 100)));
+    model.setMaterial(0, {.color = "#000000", .shininess = 0.9});
+    const Eye eye = eyeAbove();
+    for (const glm::dvec3& light : {glm::dvec3(1, 0, 1), {-1, 1, 0.5}})
+    {
+        model.setLight({.kind = Light::Kind::Sun, .direction = light, .ambient = 0});
+        const Picture picture = drawn(model, eye);
+        double sum = 0, x = 0, y = 0;
+        for (std::size_t i = 0; i < picture.size(); i += 4)
+        {
+            const double bright = std::pow(picture[i], 4);
+            sum += bright;
+            x += bright * (double(i / 4 % cSize) + 0.5);
+            y += bright * (cSize - double(i / 4 / cSize) - 0.5);
+        }
+        ASSERT_GT(sum, 0);
+        const glm::dvec3 there = *eye.project(40.0 * glm::normalize(glm::normalize(light) + glm::dvec3(0, 0, 1)));
+        EXPECT_NEAR(x / sum, there.x, 2);
+        EXPECT_NEAR(y / sum, there.y, 2);
+    }
+}
+
 // With its edges and wires; those of the part that is left are no other part's.
 TEST_F(ModelTest, WithAHiddenPartItIsThePictureOfTheRest)
 {
