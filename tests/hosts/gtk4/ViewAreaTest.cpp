@@ -183,8 +183,6 @@ TEST_F(ViewAreaTest, AtRestNothingWakesTheLoop)
         g_main_context_iteration(nullptr, TRUE);
     EXPECT_LE(nTurns, 3);
     EXPECT_EQ(view.nFrames, frames);
-    // Others of GTK's have made theirs current since.
-    EXPECT_EQ(gui::gl::CurrentContext::getID(), 0u);
 }
 
 TEST_F(ViewAreaTest, CallsTextsAndSamplesArePassedOn)
@@ -319,19 +317,11 @@ TEST_F(ViewAreaTest, TheKeyboardComesAndGoes)
     xdo(at(20, 20) + " click 3 keydown Super_L key b keyup Super_L");
     EXPECT_TRUE(view.hasHeard(
         {"enter 20,20", "focus", "press2 20,20 x1", "release2 20,20 x1", "key 'b'+Ctrl", "up key 'b'+Ctrl"}));
-    // A dead key that was pressed before waits for no other.
-    ASSERT_TRUE(desktop().setLayouts("de"));
-    view.startTextInput();
-    xdo("key 21");
-    EXPECT_TRUE(view.hasHeard({"composes ´[]"}));
     auto* const pOther = GTK_WINDOW(gtk_window_new());
     gtk_window_present(pOther);
-    ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "no focus"; }));
-    view.lines.clear();
+    EXPECT_TRUE(view.hasHeard({"no focus"}));
     gtk_window_destroy(pOther);
     EXPECT_TRUE(view.hasHeard({"focus"}));
-    xdo("key 26");
-    EXPECT_TRUE(view.hasHeard({"key 'e'", "text e", "up key 'e'"}));
 }
 
 TEST_F(ViewAreaTest, ShowsThePointerThatTheViewWants)
