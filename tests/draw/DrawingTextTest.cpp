@@ -252,6 +252,28 @@ TEST_F(DrawingTextTest, PicturesTakeTheColorOfTheirText)
 }
 
 // Texts and shapes that alternate often are drawn by one program, and each over the one before all the same.
+// A style that comes first takes no other one's place, and none is drawn twice.
+TEST_F(DrawingTextTest, EachStyleIsDrawnOnce)
+{
+    const TextStyle red{.size = 60, .paint = "#ff000080"}, blue{.size = 60, .paint = "#0000ff80"};
+    Drawing drawing;
+    drawing.text({100, 100}, TextLayout({{"MM", red}, {"MM", blue}, {"MM", red}}));
+    clear({255, 255, 255});
+    ASSERT_TRUE(drawing.draw(Affine()));
+    int nRed = 0, nBlue = 0, least = 255;
+    for (int y = cTextPicture - 200; y < cTextPicture - 20; ++y)
+        for (int x = 90; x < 500; ++x)
+        {
+            const test::Pixel p = pixel(x, y);
+            nRed += p.red == 255 && p.blue < 140 ? 1 : 0;
+            nBlue += p.blue == 255 && p.red < 140 ? 1 : 0;
+            least = std::min<int>(least, p.green);
+        }
+    EXPECT_GT(nBlue, 300);
+    EXPECT_NEAR(nRed, 2 * nBlue, nBlue / 4);
+    EXPECT_NEAR(least, 127, 1);
+}
+
 TEST_F(DrawingTextTest, TextsStandInTheirOrder)
 {
     for (const int n : {2, 12})
