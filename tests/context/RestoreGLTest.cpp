@@ -393,6 +393,20 @@ TEST_F(RestoreGLTest, WhatIsDeclinedServesAgain)
     EXPECT_FALSE(isBlack(pictureOf(shape)));
 }
 
+TEST_F(RestoreGLTest, NoNameOutlivesItsThing)
+{
+    for (const Kind& kind : kinds())
+    {
+        SCOPED_TRACE(kind.name);
+        const test::GLTrace trace(test::GLTrace::Forward);
+        {
+            const std::unique_ptr<Thing> pThing = kind.make();
+            pictureOf(*pThing);
+        }
+        EXPECT_TRUE(trace.nothingAlive());
+    }
+}
+
 // Names that an application has written down go on meaning the same.
 TEST_F(RestoreGLTest, NamesAreWhatTheyWere)
 {

@@ -308,7 +308,13 @@ TEST_F(ClippingTest, TurningUploadsNothing)
     EXPECT_EQ(bytesOf({1, 0.5, 1}), 0U);
     EXPECT_FALSE(clipping.move(1, 1));
     EXPECT_TRUE(clipping.move(0, 0.5));
-    EXPECT_GT(bytesOf({1, 0.5, 1}), 0U);
+    const std::size_t once = bytesOf({1, 0.5, 1});
+    EXPECT_GT(once, 0U);
+    for (int i = 0; i < 20; ++i)
+    {
+        EXPECT_TRUE(clipping.move(0, i % 2 == 0 ? -0.5 : 0.5));
+        EXPECT_LT(bytesOf({1, 0.5, 1}), 3 * once) << "of those cuts that were before";
+    }
 }
 
 // What cannot be a plane changes nothing, and bounds keep to the planes that there are.

@@ -312,7 +312,9 @@ TEST_F(DrawingTest, PicksFollowTheOrderAndWhatIsSet)
     };
     using Order = std::vector<int>;
     EXPECT_EQ(order(), (Order{3, 2, 1, 0}));
-    EXPECT_TRUE(drawing.lower(ids[2]) && drawing.raise(ids[0]));
+    EXPECT_TRUE(drawing.lower(ids[2]));
+    EXPECT_EQ(order(), (Order{3, 1, 0, 2}));
+    EXPECT_TRUE(drawing.raise(ids[0]));
     EXPECT_EQ(order(), (Order{0, 3, 1, 2}));
     EXPECT_TRUE(drawing.moveAbove(ids[2], ids[1]) && drawing.moveBelow(ids[0], ids[1]));
     EXPECT_EQ(order(), (Order{3, 2, 1, 0}));
@@ -324,12 +326,19 @@ TEST_F(DrawingTest, PicksFollowTheOrderAndWhatIsSet)
     drawing.setPickable(ids[3], true);
     drawing.setVisible(ids[2], false);
     EXPECT_EQ(order(), (Order{3, 0}));
+    // What is hidden stays so with another stroke; and lines in points are as wide as they are seen.
+    EXPECT_TRUE(drawing.setVisible(ids[3], false) && drawing.setStroke(ids[3], {.width = 3, .unit = Unit::Model}));
+    EXPECT_EQ(drawn(drawing).at(16, 5), 0);
+    EXPECT_TRUE(drawing.setStroke(ids[3], {.width = 10}) && drawing.setVisible(ids[3], true));
+    drawn(drawing, {"from afar", Affine::scaling(.1)});
+    EXPECT_EQ(drawing.pickAll({4, 40, 6, 42}), (std::vector<Drawing::ID>{ids[3]}));
     // A program that draws wires sees its drawings whole.
     gui::gl::Context::setPolygonMode(gui::gl::Context::PolygonMode::Line);
     const Coverage picture = drawn(drawing);
     gui::gl::Context::setPolygonMode(gui::gl::Context::PolygonMode::Fill);
-    EXPECT_EQ(picture.at(2, 2), 1);
-    EXPECT_EQ(picture.at(12, 2), 0);
+    for (const int x : {2, 4, 6, 8}) // and beside diagonals
+        EXPECT_EQ(picture.at(x, 2), 1) << x;
+    EXPECT_EQ(picture.at(24, 2), 0);
 }
 
 // Squares and lines of some pixels, and lines and edges whose ends are up to 10^11 pixels away.
@@ -611,9 +620,20 @@ TEST_F(DrawingTest, ImagesAreUprightAndMixedByAlpha)
     EXPECT_TRUE(drawing.setColor(id, "#102030"));
     ASSERT_TRUE(drawing.draw(Affine()));
     EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{16, 32, 48, 255}));
-    EXPECT_TRUE(drawing.setImage(id, image));
+    for (const auto& paint :
+         {gui::draw::Paint("#102030"),
+          gui::draw::Paint(gui::draw::LinearGradient{{0, 0}, {400, 0}, {{0, "#000"}, {1, "#fff"}}})})
+    {
+        EXPECT_TRUE(drawing.setColor(id, paint) && drawing.setImage(id, image));
+        ASSERT_TRUE(drawing.draw(Affine()));
+        EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{255, 0, 0, 255}));
+    }
+    // Through what is not there, other shapes are seen, also where they share an edge.
+    drawing.lower(drawing.fill(Path().addRect({0, 0, 400, 400}), "#ff8000"));
+    drawing.lower(drawing.fill(Path().addRect({400, 0, 500, 400}), "#ff8000"));
     ASSERT_TRUE(drawing.draw(Affine()));
-    EXPECT_EQ(pixel(50, cSize - 51), (test::Pixel{255, 0, 0, 255}));
+    for (const int x : {350, 390, 398})
+        EXPECT_EQ(pixel(x, cSize - 351), (test::Pixel{255, 128, 0, 255})) << x;
     EXPECT_FALSE(drawing.setImage(drawing.fill(Path(), cBlack), image));
 }
 

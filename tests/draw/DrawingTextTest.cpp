@@ -7,6 +7,8 @@
 
 #include <epoxy/gl.h>
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -250,6 +252,28 @@ TEST_F(DrawingTextTest, PicturesTakeTheColorOfTheirText)
 }
 
 // Texts and shapes that alternate often are drawn by one program, and each over the one before all the same.
+// A style that comes first takes no other one's place, and none is drawn twice.
+TEST_F(DrawingTextTest, EachStyleIsDrawnOnce)
+{
+    const TextStyle red{.size = 60, .paint = "#ff000080"}, blue{.size = 60, .paint = "#0000ff80"};
+    Drawing drawing;
+    drawing.text({100, 100}, TextLayout({{"MM", red}, {"MM", blue}, {"MM", red}}));
+    clear({255, 255, 255});
+    ASSERT_TRUE(drawing.draw(Affine()));
+    int nRed = 0, nBlue = 0, least = 255;
+    for (int y = cTextPicture - 200; y < cTextPicture - 20; ++y)
+        for (int x = 90; x < 500; ++x)
+        {
+            const test::Pixel p = pixel(x, y);
+            nRed += p.red == 255 && p.blue < 140 ? 1 : 0;
+            nBlue += p.blue == 255 && p.red < 140 ? 1 : 0;
+            least = std::min<int>(least, p.green);
+        }
+    EXPECT_GT(nBlue, 300);
+    EXPECT_NEAR(nRed, 2 * nBlue, nBlue / 4);
+    EXPECT_NEAR(least, 127, 1);
+}
+
 TEST_F(DrawingTextTest, TextsStandInTheirOrder)
 {
     for (const int n : {2, 12})
@@ -363,8 +387,17 @@ TEST_F(DrawingTextTest, TextsOnPathsStayLegible)
         EXPECT_GE(bounds->right, 374.5);
 
         // Where the path is seen shorter than the text, that is gone.
-        ASSERT_TRUE(drawing.draw(mirrored * Affine::scaling(.1)));
-        EXPECT_EQ(drawing.pick({380, 305}) != 0, unit == Unit::Model);
+        for (const double zoom : {.1, .2})
+        {
+            ASSERT_TRUE(drawing.draw(mirrored * Affine::scaling(zoom)));
+            EXPECT_EQ(drawing.pick({380, 305}) != 0, unit == Unit::Model) << zoom;
+        }
+        // Without a path there is nothing, though there was one.
+        EXPECT_TRUE(drawing.setPath(other, Path()));
+        const Coverage nothing = drawn(drawing, mirrored);
+        for (int y = 0; y < cTextPicture; ++y)
+            for (int x = 0; x < cTextPicture; ++x)
+                ASSERT_EQ(nothing.at(x, y), 0) << x << ' ' << y;
     }
     Drawing cut;
     cut.textOn(there, "mmmmmmmm", {.size = 30}, {.along = 1, .anchor = {0.5}, .overflow = TextOnPath::Overflow::Cut});
@@ -388,6 +421,51 @@ TEST_F(DrawingTextTest, OnlyWhatChangesIsUploaded)
     drawing.setText(ids[500], "Label 5 0");
     EXPECT_LE(bytesFor(drawing, {}), 400U);
 }
+
+#ifdef __GLIBC__
+// Another path and another part that is seen in each frame, letters of thousands of sizes: a day of it must not fill
+// the memory.
+TEST_F(DrawingTextTest, WhatIsReplacedIsGivenBack)
+{
+    ASSERT_TRUE(context().resize({16, 16}));
+    Drawing drawing;
+    std::vector<Drawing::ID> shapes;
+    for (int i = 0; i < 100; ++i)
+        shapes.push_back(drawing.fill(Path().addRect({i * 2.0, 0, i * 2.0 + 1, 16}), "#000"));
+    const auto used = []
+    {
+        const struct mallinfo2 info = mallinfo2();
+        return info.uordblks + info.hblkhd;
+    };
+    if (used() == 0)
+        GTEST_SKIP() << "memory is not counted here, as with sanitizers";
+    int nEdits = 0;
+    const auto edit = [&](int n)
+    {
+        for (const int end = nEdits + n; nEdits < end; ++nEdits)
+        {
+            std::vector<Point> corners;
+            for (int i = 0; i < 20 + nEdits % 60; ++i)
+                corners.emplace_back(8 + 8 * std::cos(i * 0.1), 8 + (nEdits % 8) * std::sin(i * 0.1));
+            drawing.setPath(shapes[std::size_t(nEdits) % shapes.size()], Path().addPolygon(corners));
+            EXPECT_TRUE(drawing.draw(Affine::translation(-(nEdits % 50), 0)));
+        }
+        return used();
+    };
+    const std::size_t before = edit(600);
+    EXPECT_LT(edit(600), before + 16'000);
+    // What no text has any more goes when there are ten thousand of it; layouts are kept up to 32 MB.
+    const auto write = [&](int n)
+    {
+        for (const int end = nEdits + n; nEdits < end; ++nEdits)
+            drawing.remove(drawing.text({0, 0}, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ",
+                                        {.size = 10 + 0.001 * nEdits}));
+        return used();
+    };
+    const std::size_t full = write(9000);
+    EXPECT_LT(write(2000), full + 3'000'000);
+}
+#endif
 
 TEST_F(DrawingTextTest, TextsAreFoundWhereTheyAreSeen)
 {
@@ -582,6 +660,21 @@ TEST(LabelsTest, RoomIsWhereTheShapeIsLongest)
     EXPECT_FALSE(Labels::findRoom(shape, {20, 15, 80, 35}));
     EXPECT_FALSE(Labels::findRoom({}, {0, 0, 1, 1}) || Labels::findRoom(shape, {0, 0, 0, 60}) ||
                  Labels::findRoom(shape, {0, 0, std::numeric_limits<double>::infinity(), 60}));
+}
+
+// What is too large to be seen whole has a name in each of its parts.
+TEST(LabelsTest, PartsHaveNamesOfTheirOwn)
+{
+    Drawing drawing;
+    Labels labels(drawing);
+    const std::array forms{TextLayout("name", {.size = 10})};
+    const std::vector<Drawing::ID> ids = labels.addInside(Path().addRect({0, 0, 100, 20}), {0, 0, 100, 20}, forms,
+                                                          {.largest = 60, .largestInView = 400});
+    ASSERT_EQ(ids.size(), 3U);
+    labels.place(2);
+    EXPECT_TRUE(!labels.isShown(ids[0]) && !labels.isShown(ids[1]) && labels.isShown(ids[2]));
+    labels.place(8);
+    EXPECT_TRUE(labels.isShown(ids[0]) && labels.isShown(ids[1]) && !labels.isShown(ids[2]));
 }
 
 // A layer that has moved stands at fractions of pixels that a new one would not; its programs, tables, pictures of

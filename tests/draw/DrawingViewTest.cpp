@@ -4,6 +4,8 @@
 #include <gui/InputDevice.h>
 #include <gui/draw/DrawingView.h>
 
+#include <epoxy/gl.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -82,9 +84,15 @@ TEST_F(DrawingViewGLTest, TellsWhatComesUnderThePointer)
     PlanView view;
     view.overlay().fill(Path().addRect({0, 0, 40, 10}), "#ff000080");
     EXPECT_FALSE(view.flyHome());
+    ASSERT_TRUE(context().resize({400, 200}));
+    glViewport(0, 0, 400, 200);
     ASSERT_TRUE(view.setHome({0, 0, 40, 20}));
     view.onDraw({});
     EXPECT_EQ(view.getZoom(), 10);
+    EXPECT_NE(pixel(50, 50), pixel(200, 50));
+    EXPECT_EQ(pixel(50, 50), pixel(350, 50));
+    EXPECT_EQ(pixel(50, 150), pixel(200, 150));
+    EXPECT_NE(pixel(50, 50), pixel(50, 150));
     view.onCursorMoved(at(102, 150));
     EXPECT_EQ(view.told, "e1") << "two points beside it";
     view.setReach(0);

@@ -138,6 +138,19 @@ TEST_F(InspectorTest, ShowsTheFrameAndLeavesItsStateAlone)
     EXPECT_EQ(pixel(149, 27), red);
     EXPECT_EQ(pixel(211, 27), green);
     EXPECT_NE(pixel(220, 60), green);
+    // And in letters what they are.
+    int nOfLetters = 0;
+    for (int y = 6; y < 24; ++y)
+        for (int x = 10; x < 138; ++x)
+        {
+            const Pixel p = pixel(x, y);
+            nOfLetters += p.red > 150 && p.green > 150 && p.blue > 150 ? 1 : 0;
+        }
+    EXPECT_GT(nOfLetters, 20);
+    int nSamplers = 0;
+    for (GLuint name = 1; name < 50; ++name)
+        nSamplers += glIsSampler(name);
+    EXPECT_LE(nSamplers, 1) << "one for all frames";
     glDeleteTextures(2, textures.data());
 
     EXPECT_TRUE(press(inspector, Virtual::F9) && inspector.isHeld(view));

@@ -63,7 +63,10 @@ TEST_F(InstancesTest, TheyAreThePictureOfOneMesh)
     for (int i = 0; i < 12; ++i)
     {
         const glm::dvec3 far = i % 2 == 0 ? glm::dvec3(0) : glm::dvec3(6378137.3, -4194304.7, 3e6 + 0.1);
-        const Mesh thing = makeThing();
+        Mesh thing = makeThing();
+        for (const glm::dvec3& p : thing.positions)
+            if (i % 4 == 3) // of their own
+                thing.normals.push_back(glm::normalize(p - glm::dvec3(3.5, 0.3, 0.5)));
         const std::vector<Instances::Placement> placements = scattered(40, far, 5, i % 4 < 2);
         std::vector<td::Color> colors;
         Mesh all;
@@ -232,6 +235,12 @@ TEST_F(InstancesTest, OneChangesByItself)
     drawn([&] { return many.draw(eye); });
     EXPECT_TRUE(many.setPlacements(200, std::span(others).subspan(200, 1200)));
     EXPECT_EQ(drawn([&] { return many.drawIds(eye); }), drawn([&] { return moved.drawIds(eye); }));
+    for (const std::size_t i : {1400U, 700U, 3U})
+    {
+        const double far = 2000 - double(i);
+        EXPECT_TRUE(many.setPosition(i, {far, 0, 0}));
+        EXPECT_GE(many.getBounds().max.x, far) << i;
+    }
 }
 
 TEST_F(InstancesTest, BadInputIsRefusedAndChangesNothing)

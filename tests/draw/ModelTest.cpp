@@ -1,10 +1,12 @@
 #include "Solids.h"
 #include "support/CapturedLog.h"
+#include "support/GLTrace.h"
 #include "support/OffscreenGL.h"
 
 #include <gui/draw/DepthCanvas.h>
 #include <gui/draw/Model.h>
 #include <gui/draw/OrbitCamera.h>
+#include <gui/gl/Buffer.h>
 #include <gui/gl/FrameLedger.h>
 #include <gui/gl/Framebuffer.h>
 
@@ -326,6 +328,57 @@ TEST_F(ModelTest, IdsColorsTexturesAndVisibility)
     EXPECT_EQ(model.getNumberOfParts(), 0U);
 }
 
+// Where a surface leans half way from the eye to the light.
+TEST_F(ModelTest, HighlightsAreBetweenLightAndEye)
+{
+    Model model;
+    ASSERT_TRUE(model.setMesh(test::makeSphere(40, 100)));
+    model.setMaterial(0, {.color = "#000000", .shininess = 0.9});
+    const Eye eye = eyeAbove();
+    for (const glm::dvec3& light : {glm::dvec3(1, 0, 1), {-1, 1, 0.5}})
+    {
+        model.setLight({.kind = Light::Kind::Sun, .direction = light, .ambient = 0});
+        const Picture picture = drawn(model, eye);
+        double sum = 0, x = 0, y = 0;
+        for (std::size_t i = 0; i < picture.size(); i += 4)
+        {
+            const double bright = std::pow(picture[i], 4);
+            sum += bright;
+            x += bright * (double(i / 4 % cSize) + 0.5);
+            y += bright * (cSize - double(i / 4 / cSize) - 0.5);
+        }
+        ASSERT_GT(sum, 0);
+        const glm::dvec3 there = *eye.project(40.0 * glm::normalize(glm::normalize(light) + glm::dvec3(0, 0, 1)));
+        EXPECT_NEAR(x / sum, there.x, 2);
+        EXPECT_NEAR(y / sum, there.y, 2);
+    }
+}
+
+// With its edges and wires; those of the part that is left are no other part's.
+TEST_F(ModelTest, WithAHiddenPartItIsThePictureOfTheRest)
+{
+    Mesh both, rest;
+    both.add(test::makeBox({-40, -10, 0}, {-10, 30, 20}), {.color = "#4080c0"});
+    both.add(test::makeSphere(25, 20), {.color = "#c08040"}, 0, glm::translate(glm::dmat4(1), {30, 0, 0}));
+    rest.add(test::makeSphere(25, 20), {.color = "#c08040"}, 0, glm::translate(glm::dmat4(1), {30, 0, 0}));
+    for (const Model::Wires wires : {Model::Wires::None, Model::Wires::Over})
+    {
+        Model all, one;
+        ASSERT_TRUE(all.setMesh(both) && one.setMesh(rest));
+        for (Model* const pModel : {&all, &one})
+        {
+            pModel->setEdges({.width = 2, .color = "#ffffff"});
+            pModel->setWires(wires);
+        }
+        EXPECT_TRUE(all.setVisible(0, false));
+        const Picture expected = drawn(one, eyeAbove());
+        EXPECT_NE(expected, drawn([] { return true; }));
+        EXPECT_EQ(drawn(all, eyeAbove()), expected) << int(wires);
+        EXPECT_TRUE(all.setVisible(0, true) && all.setVisible(1, false));
+        EXPECT_NE(drawn(all, eyeAbove()), drawn([] { return true; }));
+    }
+}
+
 TEST_F(ModelTest, BadMeshesAreRefusedAndChangeNothing)
 {
     Mesh good = test::makeBox({-40, -40, -40}, {40, 40, 40});
@@ -442,6 +495,20 @@ TEST_F(ModelTest, NothingIsUploadedForTurningAndALostContextHeals)
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &name);
     EXPECT_EQ(function, GL_NEVER);
     EXPECT_TRUE(glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_DEPTH_TEST) && !glIsEnabled(GL_BLEND));
+    // A program in the midst of drawing a buffer goes on with that.
+    constexpr float cCorners[6] = {};
+    gui::gl::Buffer buffer{gui::gl::DataType::Vec2};
+    buffer.appendVertices(cCorners, 3);
+    gui::gl::Command all;
+    all.createDrawAll(gui::gl::Primitive::Points);
+    ASSERT_TRUE(buffer.commit() && all.encode());
+    {
+        const test::GLTrace trace(test::GLTrace::Forward);
+        buffer.activate();
+        EXPECT_TRUE(model.draw(eyeAbove()) && all.execute());
+        EXPECT_EQ(trace.calls().back(), "glDrawArrays(0, 0, 3)");
+        buffer.deActivate();
+    }
     EXPECT_EQ(static_cast<unsigned int>(name), aside.getID());
     glDepthFunc(GL_LESS);
     glDisable(GL_CULL_FACE);

@@ -272,6 +272,9 @@ TEST_F(OrbitCameraTest, FlightsEndExactlyThere)
     // Whoever moves it ends it.
     camera.turn({0, 0, 0}, 1, 0);
     EXPECT_FALSE(camera.isMoving());
+    ASSERT_TRUE(camera.flyTo(pose, 1));
+    EXPECT_TRUE(camera.setPose(pose));
+    EXPECT_FALSE(camera.isMoving());
 }
 
 // A glide that never ends, that depends on the frames, or that goes another way than the pointer went.

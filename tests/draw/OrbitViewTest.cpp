@@ -7,7 +7,11 @@
 #include <gui/draw/Model.h>
 #include <gui/draw/OrbitView.h>
 #include <gui/gl/Buffer.h>
+#include <gui/gl/Context.h>
 #include <gui/gl/Lit3DProgram.h>
+#include <gui/gl/OffscreenContext.h>
+
+#include <epoxy/gl.h>
 
 #include <glm/geometric.hpp>
 
@@ -16,6 +20,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -98,7 +103,9 @@ TEST_F(OrbitControlTest, GoesAboutWhatIsUnderThePointer)
         distance = d;
         glm::dvec3 there = camera.getEye().unproject(from, distance);
         OrbitCamera::Pose before = camera.getPose();
+        nChanges = 0;
         EXPECT_FALSE(drag(from, to, Button::Primary, 0, 1));
+        EXPECT_GE(nChanges, 10);
         EXPECT_LT(off(camera, there, from), 1e-6);
         EXPECT_NE(camera.getPose().rotation, before.rotation);
 
@@ -195,7 +202,9 @@ TEST_F(OrbitControlTest, AxesTakeClicks)
 
     const auto press = [this](unsigned int character, unsigned int modifiers = 0)
     { return control.onKey(gui::Key(character, modifiers, 1, 0)); };
+    nChanges = 0;
     EXPECT_TRUE(press('5') && camera.isMoving());
+    EXPECT_EQ(nChanges, 1) << "or nobody draws the flight's first frame";
     arrive();
     EXPECT_TRUE(camera.isAt(Side::Top));
     EXPECT_TRUE(press('p'));
@@ -266,30 +275,41 @@ protected:
     }
 };
 
-// What is picked is what was drawn there, right to the sphere's own corners, with both projections and far out.
+// What is picked is what was drawn there, right to the sphere's own corners, with both projections and far out; with
+// OpenGL ES, too, whose depths come by another way.
 TEST_F(OrbitViewGLTest, PicksWhatIsDrawn)
 {
-    DiscView view;
-    view.onResize({64, 64});
-    ASSERT_TRUE(view.fit({view.middle - 1.0, view.middle + 1.0}, 4));
-    for (const auto projection : {OrbitCamera::Projection::Perspective, OrbitCamera::Projection::Orthographic})
+    for (const bool isES : {false, true})
     {
-        view.camera().setProjection(projection);
-        view.onDraw({});
-        EXPECT_NE(pixel(32, 32), pixel(1, 1));
-        for (const Point& place : {Point(32, 32), Point(20, 25), Point(31.5, 44)})
+        using namespace gui::gl;
+        SCOPED_TRACE(isES);
+        std::unique_ptr<OffscreenContext> pES;
+        if (isES)
+            pES = std::make_unique<OffscreenContext>(
+                td::Size<int>(64, 64),
+                Context(DepthBuffer::Size::Bits24, StencilBuffer::Size::None, Context::Profile::ES31));
+        DiscView view;
+        view.onResize({64, 64});
+        ASSERT_TRUE(view.fit({view.middle - 1.0, view.middle + 1.0}, 4));
+        for (const auto projection : {OrbitCamera::Projection::Perspective, OrbitCamera::Projection::Orthographic})
         {
-            const std::optional<glm::dvec3> found = view.pick(view.getEye().getRay(place));
-            ASSERT_TRUE(found);
-            EXPECT_NEAR(glm::distance(*found, view.middle), 1, 0.002);
-            EXPECT_LT(off(view.camera(), *found, place), 1e-3);
+            view.camera().setProjection(projection);
+            view.onDraw({});
+            EXPECT_NE(pixel(32, 32), pixel(1, 1));
+            for (const Point& place : {Point(32, 32), Point(20, 25), Point(31.5, 44)})
+            {
+                const std::optional<glm::dvec3> found = view.pick(view.getEye().getRay(place));
+                ASSERT_TRUE(found);
+                EXPECT_NEAR(glm::distance(*found, view.middle), 1, 0.002);
+                EXPECT_LT(off(view.camera(), *found, place), 1e-3);
+            }
+            EXPECT_FALSE(view.pick(view.getEye().getRay({2, 2})));
         }
-        EXPECT_FALSE(view.pick(view.getEye().getRay({2, 2})));
+        view.onPrimaryButtonPressed(at({20, 25}));
+        view.onPrimaryButtonReleased(at({20, 25}));
+        ASSERT_EQ(view.clicks.size(), 1U);
+        EXPECT_LT(off(view.camera(), view.clicks[0].at(1), {20, 25}), 1e-5);
     }
-    view.onPrimaryButtonPressed(at({20, 25}));
-    view.onPrimaryButtonReleased(at({20, 25}));
-    ASSERT_EQ(view.clicks.size(), 1U);
-    EXPECT_LT(off(view.camera(), view.clicks[0].at(1), {20, 25}), 1e-5);
 }
 
 class GlassCubeView : public OrbitView
@@ -323,6 +343,54 @@ TEST_F(OrbitViewGLTest, PicksFacesWhereTheyAre)
         ASSERT_TRUE(found);
         EXPECT_NEAR(std::max({std::abs(found->x), std::abs(found->y), std::abs(found->z)}), 1, 1e-4);
     }
+}
+
+class Gizmo : public OrbitView
+{
+public:
+    using OrbitView::onDraw, OrbitView::onResize;
+
+    void drawScene(const Eye&) override {}
+};
+
+class GizmoTest : public test::OffscreenGL
+{
+protected:
+    GizmoTest()
+        : OffscreenGL({300, 200})
+    {
+    }
+};
+
+// The axes are in their corner, each end where a click finds it, and in no view that they would fill.
+TEST_F(GizmoTest, AxesAreWhereTheyTakeClicks)
+{
+    Gizmo view;
+    view.setBackground("#000000");
+    view.onResize({300, 200});
+    view.camera().setDirection(30, 25);
+    view.onDraw({});
+    const glm::dmat3 rotation = view.camera().getPose().rotation;
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        const glm::dvec3 seen = rotation[axis];
+        int nOfIts = 0;
+        for (int y = -4; y <= 4; ++y)
+            for (int x = -4; x <= 4; ++x)
+            {
+                const test::Pixel p =
+                    pixel(300 - 58 + int(std::lround(33 * seen.x)) + x, 200 - 58 + int(std::lround(33 * seen.y)) + y);
+                const int channels[] = {p.red, p.green, p.blue};
+                nOfIts += channels[axis] == std::max({p.red, p.green, p.blue}) && channels[axis] > 100 ? 1 : 0;
+            }
+        EXPECT_GT(nOfIts, 40) << axis;
+    }
+    EXPECT_EQ(pixel(40, 40), pixel(2, 2)) << "in one corner alone";
+    glViewport(0, 0, 60, 200);
+    view.onResize({60, 200});
+    view.onDraw({});
+    for (int y = 100; y < 200; y += 3)
+        EXPECT_EQ(pixel(30, y), pixel(2, 2)) << y;
 }
 
 class Nothing : public OrbitView

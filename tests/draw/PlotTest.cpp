@@ -394,6 +394,8 @@ TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
     ASSERT_TRUE(chart.onScroll(wheel));
     EXPECT_EQ(axes.x().getRange(), x);
     EXPECT_FALSE(axes.y().getRange() == y);
+    gui::InputDeviceHelper(&wheel).setPlace({-50, 500});
+    EXPECT_FALSE(chart.onScroll(wheel)) << "where there is no plot";
 
     draw(plot);
     const Axes::Point a = axes.toValues({area.left + 50, area.bottom - 20});
@@ -850,6 +852,12 @@ TEST_F(PlotTest, HeatMapsShowTheirNumbers)
     draw(other);
     EXPECT_NE(colorAt(321, 200)[0], 255);
     EXPECT_EQ(colorAt(480, 200)[0], 255);
+    // Another map beside it; levels by their number are round ones.
+    HeatMap& ramp = other.axes().add(HeatMap(2, 2, {0, 10, 0, 10}, {0, 0, 8, 2}).setContours(4U));
+    EXPECT_NE(&ramp, &lined);
+    ASSERT_GE(ramp.getContours().size(), 4U);
+    for (const HeatMap::Contour& contour : ramp.getContours())
+        EXPECT_EQ(contour.level / 2.5, std::round(contour.level / 2.5));
 }
 
 // Lines that break off at cells of which two corners are higher, or that join two hills which have a pass between them.
@@ -888,6 +896,172 @@ TEST_F(PlotTest, ContoursGoRoundWhatIsHigher)
     EXPECT_NEAR(areas[1], 2 * 3.14159 * std::log(2), 0.03);
     EXPECT_TRUE(std::isnan(map.getValue(7.95, 2.05)));
     EXPECT_EQ(map.getValue(0.05, 0.05), heights[0]);
+}
+
+// What is half out of sight, or on the last number that is seen; a cloud that has forgotten its beginning.
+TEST_F(PlotTest, WhatIsAtTheEdgesIsSeen)
+{
+    Plot plot;
+    makeBare(plot);
+    plot.axes().x().setRange(0, 1);
+    plot.axes().y().setRange(0, 1);
+    const SeriesStyle square{.color = "#000000", .marker = Marker::Square, .markerSize = 20};
+    plot.add(Series::scatter({0, 1, 0.5, 0.5}, {0.5, 0.5, 0, 1}, square));
+    draw(plot);
+    for (const auto& [x, y] : {std::pair(5, 200), {634, 200}, {320, 5}, {320, 394}})
+        EXPECT_GT(darkness(x, y), 100) << x << ' ' << y;
+
+    // Upwards at the end, where several samples are.
+    plot.axes().clear();
+    plot.add(Series::line({0, 1, 1, 1, 2}, {0.25, 0.25, 0.75, 0.5, 0.5}, {.color = "#000000", .width = 6}));
+    draw(plot);
+    EXPECT_GT(darkness(320, 300), 250);
+    EXPECT_GT(darkness(638, 150), 250);
+
+    plot.axes().clear();
+    Series& cloud = plot.add(Series::scatter(std::vector<double>(), std::vector<double>(),
+                                             {.color = "#000000", .marker = Marker::Square, .markerSize = 4}));
+    cloud.setLimit(70'000);
+    for (int i = 0; i < 200; ++i)
+        cloud.append(std::vector<double>(1000, i), std::vector<double>(1000, 0.5));
+    const int first = static_cast<int>(cloud.getFirst() / 1000);
+    ASSERT_GT(first, 60);
+    plot.axes().x().setRange(0, 200);
+    draw(plot);
+    for (const int i : {first - 5, first + 5, 199})
+        EXPECT_EQ(darkness(static_cast<int>(3.2 * i), 200) > 200, i > first) << i;
+}
+
+// Numbers beside no tick, ticks beside no number; a box that hides what it explains, or has three sides; bars cut off.
+TEST_F(PlotTest, AFrameHasAllThatItShould)
+{
+    Plot plot;
+    PlotStyle style;
+    style.minorGrid = "#ff8080";
+    plot.setStyle(style);
+    Axes& axes = plot.axes();
+    plot.add(Series::line({1, 1, 1, 1, 0}, {.label = "high", .color = "#0000ff", .width = 4}));
+    plot.add(Series::line({1, 1, 1, 1, 1}, {.label = "flat", .color = "#0000ff", .width = 4}));
+    const auto count = [&](const Axes::Rect& rect, const std::function<bool(int, int, int)>& isWanted)
+    {
+        int n = 0;
+        for (int y = int(std::ceil(rect.top)); y < int(rect.bottom); ++y)
+            for (int x = int(std::ceil(rect.left)); x < int(rect.right); ++x)
+            {
+                const td::BYTE* p = picture.getBytes() + 3 * (y * picture.getWidth() + x);
+                n += isWanted(p[0], p[1], p[2]) ? 1 : 0;
+            }
+        return n;
+    };
+    const auto isDark = [](int r, int g, int b) { return r + g + b < 300; };
+    const auto isPink = [](int r, int g, int b) { return r == 255 && g == 128 && b == 128; };
+    const auto isBlue = [](int r, int g, int b) { return r < 80 && g < 80 && b > 200; };
+    const Axes::Rect all{0, 0, 640, 400};
+    axes.setLegend(Axes::Legend::None);
+    draw(plot);
+    const Axes::Rect area = axes.getArea();
+    EXPECT_GE(count({area.left, area.bottom + 2, area.right, area.bottom + 3}, isDark), 4);
+    EXPECT_GE(count({area.left - 3, area.top, area.left - 2, area.bottom}, isDark), 4);
+    EXPECT_EQ(count(all, isPink), 0);
+    axes.setMinorGrid(true);
+    draw(plot);
+    EXPECT_GT(count(all, isPink), 500);
+    axes.setMinorGrid(false);
+    draw(plot);
+
+    // In each corner as far from both edges, with a sample of each line; by itself where the lines are not.
+    const std::vector<td::BYTE> without = bytes();
+    using Legend = Axes::Legend;
+    std::vector<Axes::Rect> boxes;
+    for (const Legend legend : {Legend::BottomLeft, Legend::TopLeft, Legend::TopRight, Legend::BottomRight})
+    {
+        axes.setLegend(legend);
+        draw(plot);
+        const Axes::Rect box = boxes.emplace_back(differs(without));
+        const bool isLeft = legend == Legend::TopLeft || legend == Legend::BottomLeft;
+        const bool isTop = legend == Legend::TopLeft || legend == Legend::TopRight;
+        EXPECT_EQ(isLeft ? box.left - area.left : area.right - box.right, boxes[0].left - area.left) << int(legend);
+        EXPECT_NEAR(isTop ? box.top - area.top : area.bottom - box.bottom, area.bottom - boxes[0].bottom, 1);
+        if (!isTop)
+        {
+            EXPECT_GT(count(box, isBlue), 2 * 15 * 3) << int(legend);
+        }
+    }
+    axes.setLegend(Legend::Auto);
+    draw(plot);
+    EXPECT_EQ(differs(without), boxes[0]) << "where no line is";
+
+    // Another style has all its numbers.
+    style.area = "#fffff0";
+    plot.setStyle(style);
+    draw(plot);
+    EXPECT_GT(count({area.left, area.bottom + 6, area.right, 400}, [](int r, int, int) { return r < 200; }), 50);
+    // The first bar and the last are whole.
+    Plot same;
+    same.add(Series::bars({0, 1, 2, 3}, {1, 2, 3, 4}));
+    draw(same);
+    const Ticks::Range range = same.axes().x().getRange();
+    EXPECT_NEAR(range.low + range.high, 3, 1e-9);
+    EXPECT_LE(range.low, -0.4);
+    EXPECT_TRUE(same.axes().x().setRange(10, 30));
+    EXPECT_EQ(same.axes().x().toShare(15), 0.25);
+    same.axes().x().setScale(Scale::logarithmic());
+    EXPECT_TRUE(same.axes().x().setRange(10, 1000));
+    EXPECT_NEAR(same.axes().x().toShare(100), 0.5, 1e-12);
+}
+
+// Dashes of half the length on a screen of twice the density.
+TEST_F(PlotTest, DashesAreInPoints)
+{
+    for (const int scale : {1, 2})
+    {
+        Plot plot;
+        makeBare(plot);
+        plot.add(Series::line({0, 0}, {.color = "#000000", .width = 4, .dashes = {9, 7}}));
+        plot.axes().y().setRange(-1, 1);
+        ASSERT_TRUE(plot.draw({640.0 / scale, 400.0 / scale}, scale));
+        ASSERT_TRUE(context().readPixels(picture));
+        int nDashes = 0;
+        for (int x = 1; x < 640; ++x)
+            nDashes += darkness(x - 1, 200) < 128 && darkness(x, 200) >= 128 ? 1 : 0;
+        EXPECT_NEAR(nDashes, 40 / scale, 1) << scale;
+    }
+}
+
+// Rows of what is left behind when a series is emptied.
+TEST_F(PlotTest, AClearedSeriesShowsNothing)
+{
+    Plot plot;
+    makeBare(plot);
+    const std::vector<double> values{1, 2, 3, 4}, errors{0.5, 0.5, 0.5, 0.5};
+    Series& series = plot.add(Series::line(values, {.width = 4}).withErrors(errors));
+    plot.axes().x().setRange(0, 3);
+    plot.axes().y().setRange(0, 5);
+    draw(plot);
+    const std::vector<td::BYTE> before = bytes();
+    series.clear();
+    EXPECT_EQ(series.size() + series.getErrorsBelow().size() + series.getErrorsAbove().size(), 0U);
+    EXPECT_TRUE(plot.isChanged());
+    draw(plot);
+    EXPECT_FALSE(bytes() == before);
+    EXPECT_EQ(std::ranges::count_if(bytes(), [](td::BYTE b) { return b < 128; }), 0);
+}
+
+// Steps in colour that are none in the numbers.
+TEST(ColorMapTest, NeighboursAreAlike)
+{
+    for (const ColorMap* const pMap :
+         {&ColorMap::viridis(), &ColorMap::cividis(), &ColorMap::turbo(), &ColorMap::coolWarm(), &ColorMap::grey()})
+        for (std::size_t i = 1; i < ColorMap::cSize; ++i)
+        {
+            const td::Color a = pMap->getColors()[i - 1], b = pMap->getColors()[i];
+            EXPECT_LE(std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue()), 24)
+                << i;
+        }
+    const td::Color middle = ColorMap::coolWarm().getColor(0.5), end = ColorMap::coolWarm().getColor(1);
+    EXPECT_NEAR(middle.red(), middle.blue(), 3);
+    EXPECT_EQ(end.red(), 180);
+    EXPECT_EQ(end.blue(), 38);
 }
 
 } // namespace

@@ -108,6 +108,7 @@ TEST_F(Points3Test, NothingIsMissingInPartsOfTheView)
     Points3 points;
     ASSERT_TRUE(points.set(places));
     points.setLook({.size = 1});
+    EXPECT_TRUE(points.getBounds().min.x < -69 && points.getBounds().max.x > 69 && points.getBounds().max.z > 8);
     const Eye eye = test::eyeAbove();
     const Picture whole = drawn([&] { return points.draw(eye); });
     for (const int left : {10, 60, 110})

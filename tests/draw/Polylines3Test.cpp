@@ -199,6 +199,8 @@ TEST_F(Polylines3Test, DashesColorsIdsAndUploads)
     {
         EXPECT_EQ(at(picture, -60 + 20 * i + 6, 20), (Pixel{255, 255, 255})) << i;
         EXPECT_EQ(at(picture, -60 + 20 * i + 16, 20), (Pixel{0, 0, 0})) << i;
+        EXPECT_GT(at(picture, -60 + 20 * i + 11, 20).red, 200) << i;
+        EXPECT_LT(at(picture, -60 + 20 * i + 12, 20).red, 50) << i;
     }
     EXPECT_EQ(nUploaded([&] { lines.draw(test::eyeAt({9, 9, 90}, {0, 0, 0})); }), 0U);
     lines.setLook(0, {.width = 5, .color = "#ff0000"});

@@ -223,11 +223,13 @@ TEST_F(SignsInSpaceTest, LeadersJoinTextsToTheirPoints)
 {
     for (const td::Point<double> offset : {td::Point<double>(30, -20), {-30, 10}, {0, 24}, {0, -24}})
     {
+        const double width = offset.x < 0 ? 1 : 3;
         Labels3 labels;
-        const Labels3::ID id = labels.add({0, 0, 0}, "A", {.paint = "#ffffff"},
-                                          {.offset = offset,
-                                           .leader = Leader{.width = 3, .paint = "#00ff00", .end = Leader::End::Arrow},
-                                           .frame = LabelFrame{.fill = "#0000ff", .padding = 8}});
+        const Labels3::ID id =
+            labels.add({0, 0, 0}, "A", {.paint = "#ffffff"},
+                       {.offset = offset,
+                        .leader = Leader{.width = width, .paint = "#00ff00", .end = Leader::End::Arrow},
+                        .frame = LabelFrame{.fill = "#0000ff", .padding = 8}});
         clear();
         ASSERT_TRUE(labels.draw(canvas.getEye(camera, 1)));
         const auto rect = labels.getRect(id);
@@ -236,7 +238,13 @@ TEST_F(SignsInSpaceTest, LeadersJoinTextsToTheirPoints)
         EXPECT_NEAR(offset.x > 0 ? rect->left : offset.x < 0 ? rect->right : (rect->left + rect->right) / 2, x, 1);
         EXPECT_NEAR(offset.x != 0 ? (rect->top + rect->bottom) / 2 : offset.y > 0 ? rect->top : rect->bottom, y, 1);
         for (const double part : {0.3, 0.6, 0.9})
-            EXPECT_GT(pixel(int(cSide / 2 + part * offset.x), int(cSide / 2 - part * offset.y)).green, 120) << part;
+        {
+            int most = 0;
+            for (const int beside : {-1, 0, 1})
+                most = std::max<int>(
+                    most, pixel(int(cSide / 2 + part * offset.x), int(cSide / 2 - part * offset.y) + beside).green);
+            EXPECT_GT(most, 120) << part;
+        }
         EXPECT_GT(pixel(int(rect->left + 4), int(cSide - rect->top - 5)).blue, 250);
     }
 }
@@ -302,6 +310,15 @@ TEST_F(SignsInSpaceTest, DimensionsAreDrawnWhereTheyAre)
                 most = std::max(most, pixel(int(cSide / 2 + x) + dx, int(cSide / 2 + y) + dy).green);
         return most > 90;
     };
+    // Whether letters, which are white, are in a rectangle from the middle.
+    const auto isWritten = [](const td::RectNormalized<double>& rect)
+    {
+        int most = 0;
+        for (int y = int(rect.top); y < int(rect.bottom); ++y)
+            for (int x = int(rect.left); x < int(rect.right); ++x)
+                most = std::max<int>(most, pixel(int(cSide / 2) + x, int(cSide / 2) + y).red);
+        return most > 150;
+    };
     DimensionStyle style{.text = {.paint = "#ffffff"}, .paint = "#00ff00", .width = 2, .label = "12"};
     for (const auto text : {DimensionStyle::Text::InLine, DimensionStyle::Text::AboveLine})
         for (const double length : {140.0, 12.0})
@@ -317,10 +334,32 @@ TEST_F(SignsInSpaceTest, DimensionsAreDrawnWhereTheyAre)
             EXPECT_EQ(isInk(-length / 2 - 12, 40), length < 20) << "an arrow outside";
             if (length > 20)
             {
-                EXPECT_TRUE(isInk(-length / 3, 40));
-                EXPECT_EQ(isInk(-7, 40), text == DimensionStyle::Text::AboveLine) << "the gap for the text";
+                for (const double side : {-1, 1})
+                {
+                    EXPECT_TRUE(isInk(side * length / 3, 40));
+                    EXPECT_EQ(isInk(side * 7, 40), text == DimensionStyle::Text::AboveLine) << "the gap for the text";
+                }
+                EXPECT_TRUE(isWritten({-12, 30, 12, 60}));
             }
+            // Around a corner, and from the middle of a circle whose axis has some length.
+            Dimensions3 round;
+            round.addAngle({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 60 * point, style);
+            round.addRadius({0, 0, 0}, {0, 0, 3}, 60 * point, {-1, 0, 5}, style);
+            clear();
+            ASSERT_TRUE(round.draw(canvas.getEye(camera, 1)));
+            for (const double angle : {0.25, 1.3})
+                EXPECT_TRUE(isInk(60 * std::cos(angle), 60 * std::sin(angle))) << angle;
+            const double middle = 60 * std::sqrt(0.5);
+            EXPECT_EQ(isInk(middle, middle), text == DimensionStyle::Text::AboveLine) << "the gap for the text";
+            EXPECT_TRUE(isInk(-8, 0) && isInk(-50, 0));
         }
+    // A long text above its line, where there is just room.
+    Dimensions3 wide;
+    style.label = "123456789";
+    wide.addLinear({-70 * point, 0, 0}, {70 * point, 0, 0}, {0, 40 * point, 0}, style);
+    clear();
+    ASSERT_TRUE(wide.draw(canvas.getEye(camera, 1)));
+    EXPECT_TRUE(isWritten({-6, 42, 6, 60}) && !isWritten({70, 0, 85, 85}));
     Dimensions3 dimensions(probe);
     const DimensionStyle faintStyle{.behind = Behind::Fade};
     const auto hidden = dimensions.addLinear({-1, 0, -1}, {1, 0, -1}, {0, 0.1, 0}),

@@ -186,6 +186,12 @@ TEST(TextEditorTest, Pointer)
     EXPECT_EQ(shown(editor), "on|e ]two, three\nfour");
     editor.press(pointIn(editor, 7, 1), 1, true);
     EXPECT_EQ(shown(editor), "one [two|, three\nfour");
+    editor.select({9, 9});
+    editor.press(pointIn(editor, 12, 1), 1, true);
+    editor.drag(pointIn(editor, 13, 1));
+    EXPECT_EQ(shown(editor), "one two, [thre|e\nfour");
+    editor.press(pointIn(editor, 4, 1), 2);
+    EXPECT_EQ(shown(editor), "one [two|, three\nfour") << "on its first letter";
     editor.press({500, 500});
     EXPECT_EQ(shown(editor), "one two, three\nfour|");
 }

@@ -416,6 +416,9 @@ TEST(TextLayoutTest, WhatIsCutEndsInAnEllipsis)
     // Carets of what isn't there are at the end of what is, before the ellipsis.
     EXPECT_EQ(two.getCaret({text.size()}).top.x, two.getCaret({30}).top.x);
     EXPECT_FALSE(TextLayout(text, style, {.width = 80, .maxLines = 9, .ellipsis = "…"}).isCut());
+    // Of a character that the face has not.
+    const TextLayout grin(text, style, {.width = 80, .maxLines = 2, .ellipsis = "\U0001F9E0"});
+    EXPECT_TRUE(grin.getRuns().back().face.isColorGlyph(grin.getRuns().back().glyphs.back().glyph));
     for (const double width : {10.0, 40.0, 70.0})
     {
         const TextLayout line("many words in one שורה אחת", style, {.width = width, .wraps = false, .ellipsis = "..."});
@@ -461,6 +464,19 @@ TEST(TextLayoutTest, StylesGoWithTheirLetters)
         EXPECT_EQ(others, std::string(text[0] == 'x' ? "x y" : " "));
         EXPECT_EQ(colored, text.ends_with("\U0001F600") ? "\xF0\xF0" : "\xF0");
     }
+    // Lines have room for what comes from other faces.
+    const TextLayout mixed("x\U0001F600", plain);
+    ASSERT_EQ(mixed.getRuns().size(), 2U);
+    double above = 0, below = 0;
+    for (const TextLayout::Run& run : mixed.getRuns())
+    {
+        const auto metrics = run.face.getMetrics();
+        above = std::max(above, double(metrics.ascent) * 10 / metrics.unitsPerEm);
+        below = std::max(below, double(metrics.descent) * 10 / metrics.unitsPerEm);
+    }
+    EXPECT_GE(mixed.getLines()[0].baseline + 1e-6, above);
+    EXPECT_GE(mixed.getSize().height - mixed.getLines()[0].baseline + 1e-6, below);
+    EXPECT_EQ(TextLayout("x.", plain).getInkBounds()->top, TextLayout("x", plain).getInkBounds()->top);
     const auto ink = TextLayout("x", plain).getInkBounds();
     EXPECT_NEAR(ink->bottom, TextLayout("x", plain).getLines()[0].baseline, 0.2);
     EXPECT_FALSE(TextLayout(" ", plain).getInkBounds());

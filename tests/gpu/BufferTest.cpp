@@ -299,6 +299,9 @@ TEST_F(BufferTest, CommandsDrawWhatThereIsByIndicesOfItsSize)
     trace.clear();
     list.execute(0, 1); // of no buffer
     EXPECT_TRUE(trace.only({}));
+    gui::gl::Command all;
+    all.createDrawAll(gui::gl::Primitive::Triangles);
+    EXPECT_TRUE(all.encode() && all.execute()) << "nothing to draw is no failure";
     changing.removeIndices(0, 7);
     draw(changing); // and not by its vertices
     EXPECT_EQ(trace.count("glDrawArrays"), 0U);

@@ -235,6 +235,7 @@ TEST_F(CommandTest, TexturesAreBoundWhenTheyDiffer)
 
 TEST_F(CommandTest, WithoutACurrentProgramNothingIsSentOrDrawn)
 {
+    ColorProgram kept;
     {
         ColorProgram program; // that is no more
         activate(program);
@@ -245,11 +246,20 @@ TEST_F(CommandTest, WithoutACurrentProgramNothingIsSentOrDrawn)
     color.setColor(td::ColorID::Red);
     alpha.setColor(td::ColorID::Red, 9);
     mvp.createMVPSetter(&matrix);
-    for (Command* command : {&color, &alpha, &mvp})
+    for (const bool isKept : {false, true})
     {
-        ASSERT_TRUE(command->encode());
-        EXPECT_FALSE(command->execute());
-        EXPECT_TRUE(asserts.caught("s_pCurrentProgram != nullptr"));
+        if (isKept)
+        {
+            activate(kept);
+            gui::gl::Program::useNone();
+            trace.clear();
+        }
+        for (Command* command : {&color, &alpha, &mvp})
+        {
+            ASSERT_TRUE(command->encode());
+            EXPECT_FALSE(command->execute());
+            EXPECT_TRUE(asserts.caught("s_pCurrentProgram != nullptr"));
+        }
     }
     texture.setTexture(Textures::Unit::T0, 0);
     ASSERT_TRUE(texture.encode());

@@ -21,6 +21,14 @@ protected:
         glFinish();
     }
 
+    static int nQueries()
+    {
+        int n = 0;
+        for (GLuint name = 1; name < 100; ++name)
+            n += glIsQuery(name);
+        return n;
+    }
+
     // Whether the last time is that of a frame, or on drivers that may have times sooner of one up to another.
     static bool isTimeOf(std::uint64_t frame, std::uint64_t latest)
     {
@@ -65,7 +73,9 @@ TEST_F(FrameLedgerGLTest, TimesOfGLArriveWithinAFewFrames)
         drawFrame(td::ColorID::Green); // it may have them later, too
     EXPECT_TRUE(isTimeOf(24, 26));
     EXPECT_EQ(test::OffscreenGL::pixel(1, 1), (test::Pixel{0, 128, 0, 255}));
+    EXPECT_GT(nQueries(), 2);
     FrameLedger::stop();
+    EXPECT_EQ(nQueries(), 0);
 }
 
 } // namespace

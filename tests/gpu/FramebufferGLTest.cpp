@@ -159,11 +159,23 @@ TEST_F(FramebufferGLTest, OthersMayBeBegunInBetweenAndGone)
     ASSERT_TRUE(outer.resize({20, 3}) && outer.readValues(values));
     EXPECT_EQ(values.size(), 240u);
     // One that ends in the middle of a drawing leaves what was before it.
+    ASSERT_TRUE(outer.begin());
+    const std::vector<int> before = bindings();
     {
         Framebuffer passing;
         ASSERT_TRUE(passing.create({4, 4}) && passing.begin());
     }
-    EXPECT_EQ(bindings()[0], 0);
+    EXPECT_EQ(bindings(), before);
+    EXPECT_TRUE(outer.end());
+    // Whoever reads at its edges gets nothing from the other side.
+    glBindTexture(GL_TEXTURE_2D, outer.getTextureID());
+    for (const GLenum direction : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
+    {
+        GLint wrap = 0;
+        glGetTexParameteriv(GL_TEXTURE_2D, direction, &wrap);
+        EXPECT_EQ(wrap, GL_CLAMP_TO_EDGE);
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 // A name of another context, or of none, must never reach GL; and a frame must not fill the log.

@@ -2,7 +2,10 @@
 #include "support/GLTrace.h"
 #include "support/OffscreenGL.h"
 
+#include <gui/Texture.h>
+#include <gui/gl/Buffer.h>
 #include <gui/gl/Context.h>
+#include <gui/gl/Flat2DProgram.h>
 #include <gui/gl/OffscreenContext.h>
 #include <gui/gl/Program.h>
 
@@ -147,6 +150,51 @@ TEST(ProgramES, TextOfOpenGLIsTaken)
     program.deActivate();
     glDeleteVertexArrays(1, &array);
     EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+}
+
+// Where GL has no wires the library draws them, wherever their triangles come from.
+TEST(ProgramES, WiresAreTheSameOfEachKindOfDraw)
+{
+    using namespace gui::gl;
+    OffscreenContext context({32, 32}, {DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::ES31});
+    ASSERT_TRUE(context.isOk());
+    Flat2DProgram program;
+    ASSERT_TRUE(program.link());
+    constexpr float cCorners[] = {-0.75F, -0.75F, 0.75F, -0.75F, 0.75F, 0.75F};
+    constexpr unsigned int cIndices[] = {0, 1, 2};
+    const auto drawn = [&](bool isIndexed, bool isDynamic, bool isAll)
+    {
+        Buffer buffer;
+        if (isDynamic)
+            buffer.setDynamic();
+        EXPECT_TRUE(buffer.init(1, 3, isIndexed ? 3 : 0, {DataType::Vec2}));
+        buffer.appendVertices(cCorners, 3);
+        if (isIndexed)
+            buffer.appendIndices(cIndices, 3);
+        Command* const pCommand = buffer.createCommand();
+        if (isAll)
+            pCommand->createDrawAll(Primitive::Triangles);
+        else if (isIndexed)
+            pCommand->createDrawElements(Primitive::Triangles, 0, 3);
+        else
+            pCommand->createDrawArrays(Primitive::Triangles, 0, 3);
+        pCommand->setColor(td::ColorID::White);
+        EXPECT_TRUE(buffer.encode(pCommand) && buffer.commit());
+        Context::clear(Context::Clear::Color, td::ColorID::Black);
+        Context::setPolygonMode(Context::PolygonMode::Line);
+        program.draw(buffer, glm::mat4(1));
+        Context::setPolygonMode(Context::PolygonMode::Fill);
+        gui::Texture picture;
+        EXPECT_TRUE(context.readPixels(picture));
+        return std::vector<td::BYTE>(picture.getBytes(), picture.getBytes() + std::size_t(32 * 32 * 3));
+    };
+    const std::vector<td::BYTE> wires = drawn(false, false, false);
+    const auto nWhite = std::count(wires.begin(), wires.end(), td::BYTE(255)) / 3;
+    EXPECT_TRUE(nWhite > 60 && nWhite < 90) << nWhite; // three sides of 24 pixels
+    for (const bool isIndexed : {false, true})
+        for (const bool isDynamic : {false, true})
+            for (const bool isAll : {false, true})
+                EXPECT_TRUE(drawn(isIndexed, isDynamic, isAll) == wires) << isIndexed << isDynamic << isAll;
 }
 
 } // namespace

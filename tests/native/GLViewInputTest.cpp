@@ -1,5 +1,6 @@
 #include "GLViewFixture.h"
 
+#include <gui/gl/port/Fingers.h>
 #include <gui/gl/port/Zav.h>
 
 #include <cmath>
@@ -277,6 +278,30 @@ TEST_F(GLViewInputTest, WheelAndGesture)
     {
         pNative->onMagnification({magnification, 9});
         EXPECT_TRUE(journal.said({std::string("pinch 100,50 by ") + scale + "+Shift+Alt"}));
+    }
+}
+
+// What toolkits tell of fingers on a screen.
+TEST_F(GLViewInputTest, FingersAreAButtonOrAPinch)
+{
+    RecordingView view(window);
+    const auto pClient = std::make_shared<gui::gl::NativeSurfaceClient*>(show(view));
+    gui::gl::Fingers fingers;
+    const std::pair<std::vector<td::Point<double>>, const char*> steps[] = {
+        {{{10, 20}}, "press 10,20 x1"},
+        {{{30, 20}}, "drag 30,20"},
+        {{{30, 20}, {70, 20}}, "release 30,20 x1"}, // and a pinch begins
+        {{{30, 20}, {110, 20}}, "pinch 100,50 by 1.02"},
+        {{{110, 20}}, ""},
+        {{{50, 20}}, ""},
+        {{}, ""},
+        {{{5, 6}}, "press 5,6 x1"},
+        {{}, "release 5,6 x1"},
+    };
+    for (const auto& [down, line] : steps)
+    {
+        fingers.change(down, 0, pClient);
+        EXPECT_EQ(told(), line);
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -47,6 +50,19 @@ TEST(PixelFormat, SaysWhatTheContextAsksForAndIsReadBack)
     EXPECT_TRUE(gui::gl::fallBackSamples(sizes) && gui::gl::fallBackSamples(sizes) && gui::gl::fallBackSamples(sizes));
     EXPECT_FALSE(gui::gl::fallBackSamples(sizes));
     EXPECT_TRUE(sizes == (PixelFormatSizes{true, 30, 2, 32, 0}));
+}
+
+TEST(PixelFormat, TheEnvironmentMayWantES)
+{
+    const char* const text = std::getenv("GUIGL_ES");
+    const std::string before = text != nullptr ? text : "";
+    const Context context(DepthBuffer::Size::None, StencilBuffer::Size::None, Context::Profile::Core41);
+    for (const auto& [wanted, isES] : {std::pair("", false), {"0", false}, {"1", true}})
+    {
+        setenv("GUIGL_ES", wanted, 1);
+        EXPECT_EQ(gui::gl::decodePixelFormat(gui::gl::requestPixelFormat(context)).isES, isES) << wanted;
+    }
+    setenv("GUIGL_ES", before.c_str(), 1);
 }
 
 // Values that look like attributes (8, 11, 12, 13, 72) must not be taken for them, nor 0 for the end.

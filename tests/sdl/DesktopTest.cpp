@@ -117,6 +117,7 @@ TEST_P(DesktopTest, KeysFollowTheLayout)
         {"de", "keydown ctrl keydown 35 keyup 35 keyup ctrl", {"key '+'+Cmd", "up key '+'+Cmd"}},
         {"de", "keydown ctrl keydown 20 keyup 20 keyup ctrl", {"key 223+Cmd", "up key 42240+Cmd"}},
         {"de", "keydown 108 keydown 24 keyup 24 keyup 108", {"key 'q'+Fn", "up key 'q'+Fn"}, "@"},
+        {"de,us", "keydown 108 keydown 29 keyup 29 keyup 108", {"key 'z'+Fn", "up key 'z'+Fn"}, "←"},
         // A dead key and what it is for.
         {"de", "keydown 21 keyup 21 keydown 26 keyup 26", {"key 180", "up key 42496", "key 'e'", "up key 'e'"}, "é"},
         {"de", "keydown shift keydown 47 keyup 47 keyup shift", {"key 214+Shift", "up key 43776+Shift"}, "Ö"},

@@ -1,11 +1,15 @@
 #include "fuzz/Fuzz.h"
 #include "support/CapturedLog.h"
+#include "support/Images.h"
 
 #include <gui/Texture.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -97,6 +101,21 @@ TEST(HostileImage, SizesAreCheckedBeforeMemoryIsTaken)
         EXPECT_FALSE(texture.loadFromMemory(file.data(), file.size()));
         EXPECT_TRUE(log.said("ERROR! Texture::loadFromMemory cannot load image (" + cause + ")"));
     }
+}
+
+// Of which a disk has next to nothing.
+TEST(HostileImage, HugeFilesAreNotRead)
+{
+    const test::ImageFolder folder;
+    const std::string path = folder.path("huge.png");
+    std::ofstream(path).put('x');
+    std::filesystem::resize_file(path, (std::uintmax_t(1) << 30) + 1);
+    test::CapturedLog log;
+    gui::Texture texture;
+    EXPECT_FALSE(texture.loadFromFile(path.c_str()));
+    const std::vector<std::string> lines = log.take();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0].find("file too large"), std::string::npos) << lines[0];
 }
 
 // A small file can ask for as many passes over the image as it likes.

@@ -505,6 +505,11 @@ TEST_F(OrthoViewTest, TheCursorTellsOfAPan)
     move(MotionEvent::Kind::Dragged, {25, 20}, 1)(*pNative);
     EXPECT_TRUE(journal.said({"origin", "needs display"}));
     EXPECT_EQ(view.getOrigin(), Point(-5, 0));
+    letGo(*pNative);
+    // Other bindings end what the old ones began.
+    press({10, 10}, 1)(*pNative);
+    view.setBindings(Plane::Bindings::Plain);
+    EXPECT_TRUE(journal.said({"cursor 3", "cursor 1"}));
 }
 
 TEST_F(OrthoViewTest, LimitsHold)
@@ -540,6 +545,10 @@ TEST_F(OrthoViewTest, LimitsHold)
         EXPECT_TRUE(journal.said(step.lines)) << step.name;
         expectThatProjectionAgrees(view, step.name);
     }
+    view.setModelRefPoint({1, 2});
+    EXPECT_TRUE(journal.said({"origin", "needs display"}));
+    view.setModelRefPoint({cNaN, 2});
+    EXPECT_TRUE(journal.said({}));
 }
 
 // One number that is not finite in the matrix, or in the origin, and the picture is gone for good.

@@ -117,6 +117,7 @@ TEST_F(SkyBoxTest, ComputedSkyShowsEachDirectionsColour)
         const Camera camera({0, 0, 0}, static_cast<float>(yaw), static_cast<float>(pitch));
         ASSERT_TRUE(sky.init(&projection, &camera, 256, colorOf));
         sky.render(true);
+        EXPECT_EQ(sky.getTransformation(), projection * glm::mat4(glm::mat3(camera.getViewMatrix())));
         const glm::mat4 toWorld = glm::inverse(sky.getTransformation());
         for (const auto& [x, y] : {std::pair(32, 32), {2, 3}, {60, 2}, {1, 61}, {62, 50}})
         {

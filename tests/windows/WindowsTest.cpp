@@ -18,6 +18,7 @@
 #include <optional>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -83,6 +84,28 @@ TEST_F(Windows, ShowingTellsTheSizeOnceAndDrawsOnce)
     view.reDraw();
     settle();
     EXPECT_EQ(view.nFrames, 4);
+}
+
+// As on a desktop: states from before a window is shown, smallest sizes, a display from its corner on.
+TEST_F(Windows, StatesAndSizesAreThoseOfADesktop)
+{
+    using State = gui::Window::State;
+    TestView view;
+    gui::Window window("Window", {320, 200});
+    std::vector<State> told;
+    window.setStateHandler([&told](State state) { told.push_back(state); });
+    window.setState(State::Maximized);
+    ASSERT_TRUE(window.show(view));
+    settle();
+    EXPECT_EQ(told, std::vector<State>{State::Maximized});
+    const std::vector<gui::DisplayInfo> displays = gui::Display::getAll();
+    ASSERT_EQ(displays.size(), 1U);
+    EXPECT_EQ(displays[0].bounds.point, (td::Point<double>()));
+    EXPECT_EQ(displays[0].bounds.size, view.sizes.back());
+    window.setState(State::Normal);
+    window.setMinSize({400, 250});
+    settle();
+    EXPECT_EQ(view.sizes.back(), (td::Size<double>{400, 250}));
 }
 
 // The environment goes before the program; and what it says must be a number of samples.

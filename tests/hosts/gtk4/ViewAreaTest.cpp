@@ -4,6 +4,7 @@
 #include "KeptView.h"
 
 #include <gui/Clipboard.h>
+#include <gui/Cursor.h>
 #include <gui/Texture.h>
 #include <gui/ZavObject.h>
 #include <gui/gl/OffscreenContext.h>
@@ -321,6 +322,22 @@ TEST_F(ViewAreaTest, TheKeyboardComesAndGoes)
     EXPECT_TRUE(view.hasHeard({"no focus"}));
     gtk_window_destroy(pOther);
     EXPECT_TRUE(view.hasHeard({"focus"}));
+}
+
+TEST_F(ViewAreaTest, ShowsThePointerThatTheViewWants)
+{
+    GtkWidget* const pArea = gui::gtk::newViewArea(make(view));
+    show(pWindow, pArea);
+    ASSERT_TRUE(showsItsFrame(view));
+    for (const auto& [type, name] : {std::pair(gui::Cursor::Type::Text, "text"), {gui::Cursor::Type::Pan, "move"}})
+    {
+        view.setCursor(type, true);
+        GdkCursor* const pCursor = gtk_widget_get_cursor(pArea);
+        ASSERT_NE(pCursor, nullptr) << name;
+        EXPECT_STREQ(gdk_cursor_get_name(pCursor), name);
+    }
+    view.setCursor(gui::Cursor::Type::Default, true);
+    EXPECT_EQ(gtk_widget_get_cursor(pArea), nullptr);
 }
 
 } // namespace

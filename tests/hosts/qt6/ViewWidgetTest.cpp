@@ -10,7 +10,9 @@
 
 #include <QAbstractEventDispatcher>
 #include <QClipboard>
+#include <QFocusEvent>
 #include <QGuiApplication>
+#include <QInputMethodEvent>
 #include <QMainWindow>
 #include <QTabWidget>
 
@@ -227,6 +229,37 @@ TEST_F(ViewWidgetTest, AWindowWithoutWidgetsShowsTheSame)
     EXPECT_TRUE(waitInLoop([&] { return !view.sizes.empty() && view.sizes.back().width == 230; }));
     EXPECT_TRUE(showsItsFrame(view));
     EXPECT_FALSE(view.isWrong);
+}
+
+// The keyboard and the input method, as Qt tells of them.
+TEST_F(ViewWidgetTest, FocusAndCompositionArePassedOn)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    view.registerForFocusEvents();
+    view.startTextInput();
+    view.lines.clear();
+    QFocusEvent out(QEvent::FocusOut), in(QEvent::FocusIn);
+    QCoreApplication::sendEvent(&widget, &out);
+    EXPECT_TRUE(view.hasHeard({"no focus"}));
+    QCoreApplication::sendEvent(&widget, &in);
+    EXPECT_TRUE(view.hasHeard({"focus"}));
+
+    const auto compose = [&](const char* preedit, int caret, const char* committed)
+    {
+        QInputMethodEvent event(QString::fromUtf8(preedit), {{QInputMethodEvent::Cursor, caret, 1, QVariant()}});
+        event.setCommitString(QString::fromUtf8(committed));
+        QCoreApplication::sendEvent(&widget, &event);
+    };
+    compose("né", 1, "");
+    EXPECT_TRUE(view.hasHeard({"composes n[]é"}));
+    compose("", 0, "née");
+    EXPECT_TRUE(view.hasHeard({"composes []", "text née"}));
+    compose("", 0, "!");
+    EXPECT_TRUE(view.hasHeard({"text !"}));
+    compose("a", 1, "");
+    compose("", 0, "");
+    EXPECT_TRUE(view.hasHeard({"composes a[]", "composes []"}));
 }
 
 // Run at several scales: the screen shows what was drawn, pixel for pixel.
