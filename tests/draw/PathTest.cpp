@@ -224,8 +224,8 @@ TEST(PathTest, WholeShapes)
     EXPECT_EQ(path.getLength(), 87);
 }
 
-// Lines that lie outside, end short of the edge, stop at a hole or a corner, or go by the other rule: by their ends where
-// these are plain, and by the area that lines of their distance stand for.
+// Lines that lie outside, end short of the edge, stop at a hole or a corner, or go by the other rule: by their ends
+// where these are plain, and by the area that lines of their distance stand for.
 TEST(PathTest, HatchesGoFromEdgeToEdge)
 {
     const Path frame = Path().addRect({0, 0, 10, 10}).addRect({2, 2, 8, 8});

@@ -106,7 +106,7 @@ TEST_F(PlotTest, SizesThatAreNoneAreHarmless)
     test::CaughtAsserts asserts;
     test::CapturedLog log;
     Plot plot(0, 2);
-    EXPECT_TRUE(asserts.caught({"rows > 0 && columns > 0"}));
+    EXPECT_TRUE(asserts.caught("rows > 0 && columns > 0"));
     plot.add(Series::line({3, 1, 4}));
     EXPECT_EQ(plot.axes(0, 1).getNumberOfSeries(), 0U);
     Drawing drawing;

@@ -54,10 +54,10 @@ public:
         if (std::size_t(id) < cColorTable.size())
             *this = fromRGB(cColorTable[std::size_t(id)].rgb);
     }
-    /// "#rrggbb", "#rrggbbaa", "#rgb" or "#rgba", in digits of either case. Another text does not compile where the colour is a
-    /// constant; elsewhere it writes "Error! td::Color cannot read a colour in 'TEXT'" (its first 40 characters),
-    /// asserts, and gives transparent black. For texts from outside, where a bad one is no programming error, there is
-    /// read.
+    /// "#rrggbb", "#rrggbbaa", "#rgb" or "#rgba", in digits of either case. Another text does not compile where the
+    /// colour is a constant; elsewhere it writes "Error! td::Color cannot read a colour in 'TEXT'" (its first 40
+    /// characters), asserts, and gives transparent black. For texts from outside, where a bad one is no programming
+    /// error, there is read.
     /// @param text  a literal, a pointer to characters that end in 0 (null counts as an empty text), or whatever else
     ///              becomes a std::string_view
     // A template, as a function of a pointer would make td::Color(0) ambiguous.

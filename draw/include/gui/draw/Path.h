@@ -204,9 +204,9 @@ public:
     ///     drawing.stroke(wall.hatched({.spacing = 150}), {.width = 0.7}, "#7a6a40");
     ///
     /// Curves are taken as a drawing takes them, to 1/4096 of the path's size.
-    /// @return nothing where the path has no area, spacing is not above 0 or a number is not finite; nor, after "Warning!
-    ///         Path::hatched: lines at a distance of 1e-09 are too many for an area of 40", where they cross edges a
-    ///         million times
+    /// @return nothing where the path has no area, spacing is not above 0 or a number is not finite; nor, after
+    ///         "Warning! Path::hatched: lines at a distance of 1e-09 are too many for an area of 40", where they cross
+    ///         edges a million times
     Path hatched(const Hatch& hatch) const;
 
     /// The path as straight lines: each point of either is within the tolerance of the other, up to the 65,536 lines
