@@ -23,9 +23,6 @@ using Point = Path::Point;
 constexpr int cHeights = 64;
 constexpr int cChords = 640;
 
-Point operator+(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
-Point operator-(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
-Point operator*(double s, Point p) { return {s * p.x, s * p.y}; }
 double dot(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 double cross(Point a, Point b) { return a.x * b.y - a.y * b.x; }
 double lengthOf(Point p) { return std::hypot(p.x, p.y); }

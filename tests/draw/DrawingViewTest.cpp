@@ -16,10 +16,10 @@ namespace
 using namespace gui::draw;
 using gui::InputDevice;
 
-InputDevice at(double x, double y)
+InputDevice at(double x, double y, unsigned int modifiers = 0)
 {
     const td::Point<double> point(x, y);
-    return {point, point, point, 0, InputDevice::Type::Mouse, InputDevice::Button::Primary};
+    return {point, point, point, modifiers, InputDevice::Type::Mouse, InputDevice::Button::Primary};
 }
 
 class PlanView : public DrawingView
@@ -32,13 +32,16 @@ public:
         drawing().setTag(drawing().fill(Path().addRect({30, 0, 40, 10}), "#204060"), 2);
         onResize({400, 200});
     }
+    using DrawingView::onBoxDrawn;
     using DrawingView::onCursorDragged;
     using DrawingView::onCursorExited;
     using DrawingView::onCursorMoved;
     using DrawingView::onDraw;
+    using DrawingView::onKeyPressed;
     using DrawingView::onPrimaryButtonDblClick;
     using DrawingView::onPrimaryButtonPressed;
     using DrawingView::onPrimaryButtonReleased;
+    using DrawingView::prepareNextFrame;
 
     std::string told;
 
@@ -75,6 +78,33 @@ TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
     EXPECT_EQ(view.told, "e1c1e2");
 }
 
+// A box that pans, ends in a click, goes on after its end or Escape, or is where the plane was when it began.
+TEST(DrawingViewTest, FliesToABoxThatIsDrawnWithShift)
+{
+    PlanView view;
+    ASSERT_TRUE(view.showAll(0));
+    const auto shift = static_cast<unsigned int>(gui::KeyModifier::Shift);
+    const auto press = [&] { view.onPrimaryButtonPressed(at(50, 60, shift)); };
+    press();
+    view.onCursorDragged(at(150, 160, shift));
+    EXPECT_TRUE(view.isAtHome());
+    view.onKeyPressed(gui::Key(0, 0, 1, static_cast<unsigned char>(gui::Key::Virtual::Escape)));
+    view.onPrimaryButtonReleased(at(150, 160, shift));
+    press();
+    view.onPrimaryButtonReleased(at(51, 60, shift));
+    EXPECT_EQ(view.told.back(), '1') << "a click";
+    EXPECT_FALSE(view.isFlying());
+    press();
+    view.setCenter(view.getCenter() + td::Point<double>(2, 0));
+    view.onCursorDragged(at(150, 160, shift));
+    view.onPrimaryButtonReleased(at(150, 160, shift));
+    EXPECT_TRUE(view.isFlying());
+    while (view.prepareNextFrame())
+        continue;
+    EXPECT_NEAR(view.getCenter().x, (5 + 17) / 2., 1e-9);
+    EXPECT_NEAR(view.getZoom(), 200 / 10., 1e-9);
+}
+
 using DrawingViewGLTest = test::OffscreenGL;
 
 // A home that the first frame takes away; a view that moves under a pointer at rest; what is over it or beside it found
@@ -83,7 +113,7 @@ TEST_F(DrawingViewGLTest, TellsWhatComesUnderThePointer)
 {
     PlanView view;
     view.overlay().fill(Path().addRect({0, 0, 40, 10}), "#ff000080");
-    EXPECT_FALSE(view.flyHome());
+    EXPECT_EQ(view.getZoom(), (400 - 60) / 40.) << "all of it, before the first frame";
     ASSERT_TRUE(context().resize({400, 200}));
     glViewport(0, 0, 400, 200);
     ASSERT_TRUE(view.setHome({0, 0, 40, 20}));

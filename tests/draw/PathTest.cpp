@@ -1,5 +1,6 @@
 #include <gui/draw/Path.h>
 
+#include "support/CapturedLog.h"
 #include "support/CaughtAsserts.h"
 
 #include <glm/vec2.hpp>
@@ -9,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <random>
 #include <string>
 #include <vector>
@@ -17,6 +19,8 @@ namespace
 {
 
 using gui::draw::Affine;
+using gui::draw::FillRule;
+using gui::draw::Hatch;
 using gui::draw::Path;
 using gui::draw::PathSegment;
 using gui::draw::Polylines;
@@ -218,6 +222,66 @@ TEST(PathTest, WholeShapes)
     EXPECT_EQ(path.getLength(), 1 + 2 + 8 + 32);
     path.addPath(path).lineTo({0, 1});
     EXPECT_EQ(path.getLength(), 87);
+}
+
+// Lines that lie outside, end short of the edge, stop at a hole or a corner, or go by the other rule: by their ends
+// where these are plain, and by the area that lines of their distance stand for.
+TEST(PathTest, HatchesGoFromEdgeToEdge)
+{
+    const Path frame = Path().addRect({0, 0, 10, 10}).addRect({2, 2, 8, 8});
+    const auto text = [](const Path& path)
+    {
+        std::string ends;
+        for (const PathSegment& segment : path)
+            if (segment.verb == Path::Verb::LineTo)
+                for (const double x : {segment.from.x, segment.to.x})
+                    ends += std::to_string(std::lround(10 * x)) + ' ';
+        return ends;
+    };
+    EXPECT_EQ(text(frame.hatched({.spacing = 3, .angle = 0, .origin = {7, 1}, .rule = FillRule::EvenOdd})),
+              "0 100 0 20 80 100 0 20 80 100 ");
+    EXPECT_EQ(text(frame.hatched({.spacing = 5, .angle = 0})), "0 100 0 100 ") << "each side belongs to one of two";
+
+    const Path disc = Path().addCircle({1e6, 3}, 50);
+    const Path ring = Path(disc).addCircle({1e6, 3}, 20);
+    const double pi = std::numbers::pi;
+    for (const double angle : {0.0, 45.0, 90.0, -30.0, 200.0})
+    {
+        const double spacing = 0.25;
+        const Hatch hatch{.spacing = spacing, .angle = angle};
+        EXPECT_NEAR(spacing * disc.hatched(hatch).getLength(), pi * 2500, 7);
+        EXPECT_NEAR(spacing * ring.hatched(hatch).getLength(), pi * 2500, 7);
+        const Path lines = ring.hatched({.spacing = spacing, .angle = angle, .rule = FillRule::EvenOdd});
+        EXPECT_NEAR(spacing * lines.getLength(), pi * 2100, 7);
+        for (const PathSegment& segment : lines)
+            EXPECT_NEAR(
+                std::min(std::abs(distance(segment.to, {1e6, 3}) - 50), std::abs(distance(segment.to, {1e6, 3}) - 20)),
+                0, 0.03);
+    }
+}
+
+// What would take for ever, or all memory, and what is no number.
+TEST(PathTest, HatchesThatCannotBeAreNone)
+{
+    test::CapturedLog log;
+    const double infinity = std::numeric_limits<double>::infinity();
+    const Path square = Path().addRect({0, 0, 40, 40});
+    for (const Hatch& hatch : {Hatch{.spacing = 0},
+                               {.spacing = -1},
+                               {.spacing = infinity},
+                               {.spacing = NAN},
+                               {.angle = infinity},
+                               {.origin = {NAN, 0}},
+                               {.origin = {0, infinity}}})
+        EXPECT_TRUE(square.hatched(hatch).isEmpty());
+    EXPECT_TRUE(Path().hatched({}).isEmpty());
+    EXPECT_TRUE(Path().moveTo({0, 0}).lineTo({0, 0}).hatched({}).isEmpty());
+    EXPECT_TRUE(Path().addRect({0, 0, infinity, 1}).hatched({}).isEmpty());
+    EXPECT_TRUE(Path(square).lineTo({NAN, 3}).hatched({}).isEmpty());
+    EXPECT_TRUE(square.hatched({.spacing = 1e-9}).isEmpty());
+    EXPECT_TRUE(log.said("Warning! Path::hatched: lines at a distance of 1e-09 are too many for an area of 40"));
+    EXPECT_TRUE(square.hatched({.origin = {0, 1e17}}).isEmpty());
+    EXPECT_EQ(log.take().size(), 1U);
 }
 
 } // namespace

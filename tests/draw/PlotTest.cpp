@@ -1,5 +1,8 @@
+#include <gui/draw/Drawing.h>
 #include <gui/draw/PlotView.h>
 
+#include <support/CapturedLog.h>
+#include <support/CaughtAsserts.h>
 #include <support/OffscreenGL.h>
 #include <support/Pictures.h>
 
@@ -18,6 +21,7 @@
 #include <functional>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace
@@ -93,6 +97,28 @@ void makeBare(Plot& plot)
     plot.setStyle(style);
     plot.setCrosshair(false);
     plot.axes().setBare(true);
+}
+
+// A sheet without axes, whose first ones are taken all the same; a picture without a size that is left out in silence,
+// and one whose size in pixels is no int.
+TEST_F(PlotTest, SizesThatAreNoneAreHarmless)
+{
+    test::CaughtAsserts asserts;
+    test::CapturedLog log;
+    Plot plot(0, 2);
+    EXPECT_TRUE(asserts.caught("rows > 0 && columns > 0"));
+    plot.add(Series::line({3, 1, 4}));
+    EXPECT_EQ(plot.axes(0, 1).getNumberOfSeries(), 0U);
+    Drawing drawing;
+    for (const td::Size<double> size : {td::Size<double>(0, 10), {10, cNaN}, {1e300, 10}})
+    {
+        EXPECT_FALSE(plot.savePicture("none.png", size));
+        EXPECT_FALSE(drawing.savePicture("none.png", size, Affine()));
+        const std::vector<std::string> said = log.take();
+        ASSERT_EQ(said.size(), 2U);
+        EXPECT_TRUE(said[0].starts_with("Error! Framebuffer::create with a size of ")) << said[0];
+        EXPECT_EQ(said[0], said[1]);
+    }
 }
 
 // A column that shows less than its samples, or more; columns that move against their samples when the view does; gaps.

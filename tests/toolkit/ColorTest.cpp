@@ -21,18 +21,12 @@ TEST(Color, NamesHaveTheValuesPeopleKnow)
         int value; // stored in files and records, so it must stay
         td::Color color;
     } cases[] = {
-        {ID::AliceBlue, 0, {240, 248, 255, 255}},
-        {ID::Black, 7, {0, 0, 0, 255}},
-        {ID::Grey, 56, {128, 128, 128, 255}},
-        {ID::Lime, 82, {0, 255, 0, 255}},
-        {ID::Red, 120, {255, 0, 0, 255}},
-        {ID::SteelBlue, 136, {70, 130, 180, 255}},
-        {ID::White, 144, {255, 255, 255, 255}},
-        {ID::YellowGreen, 147, {154, 205, 50, 255}},
-        {ID::Gray51, 165, {130, 130, 130, 255}},
-        {ID::Gray100, 182, {255, 255, 255, 255}},
-        {ID::NoColor, 183, {0, 0, 0, 0}},
-        {ID(255), 255, {0, 0, 0, 0}},
+        {ID::AliceBlue, 0, {240, 248, 255, 255}}, {ID::Black, 7, {0, 0, 0, 255}},
+        {ID::Grey, 56, {128, 128, 128, 255}},     {ID::Lime, 82, {0, 255, 0, 255}},
+        {ID::Red, 120, {255, 0, 0, 255}},         {ID::SteelBlue, 136, {70, 130, 180, 255}},
+        {ID::White, 144, {255, 255, 255, 255}},   {ID::YellowGreen, 147, {154, 205, 50, 255}},
+        {ID::Gray51, 165, {130, 130, 130, 255}},  {ID::Gray100, 182, {255, 255, 255, 255}},
+        {ID::NoColor, 183, {0, 0, 0, 0}},         {ID(255), 255, {0, 0, 0, 0}},
     };
     for (const auto& c : cases)
     {
@@ -61,11 +55,12 @@ TEST(Color, HuesAreThoseOfCSS)
         float hue, saturation, lightness, alpha;
         const char* color;
     } cases[] = {
-        {0, 1, 0.5f, 1, "#f00"},         {60, 1, 0.5f, 1, "#ff0"},       {120, 1, 0.25f, 1, "#008000"},
-        {240, 1, 0.5f, 1, "#00f"},       {30, 1, 0.5f, 1, "#ff8000"},    {210, 0.5f, 0.25f, 0.5f, "#20406080"},
-        {-30, 1, 0.5f, 1, "#ff0080"},    {750, 1, 0.5f, 1, "#ff8000"},   {-1e-9f, 1, 0.5f, 1, "#f00"},
-        {77, 0, 0.6f, 1, "#999"},        {77, 1, 0, 0, "#00000000"},     {77, 1, 2, 7, "#fff"},
-        {0, NAN, 0.2f, -1, "#33333300"}, {INFINITY, 1, 0.5f, 1, "#f00"}, {1e30f, 1, NAN, 1, "#000"},
+        {0, 1, 0.5f, 1, "#f00"},          {60, 1, 0.5f, 1, "#ff0"},       {120, 1, 0.25f, 1, "#008000"},
+        {240, 1, 0.5f, 1, "#00f"},        {30, 1, 0.5f, 1, "#ff8000"},    {210, 0.5f, 0.25f, 0.5f, "#20406080"},
+        {-30, 1, 0.5f, 1, "#ff0080"},     {750, 1, 0.5f, 1, "#ff8000"},   {-1e-9f, 1, 0.5f, 1, "#f00"},
+        {77, 0, 0.6f, 1, "#999"},         {77, 1, 0, 0, "#00000000"},     {77, 1, 2, 7, "#fff"},
+        {0, NAN, 0.2f, -1, "#33333300"},  {INFINITY, 1, 0.5f, 1, "#f00"}, {1e30f, 1, NAN, 1, "#000"},
+        {240, 1, 0.5f, 0.5333f, "#00f8"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(td::Color::fromHSL(c.hue, c.saturation, c.lightness, c.alpha), c.color) << c.hue << ' ' << c.color;
@@ -74,7 +69,7 @@ TEST(Color, HuesAreThoseOfCSS)
 TEST(Color, TextsThatAreNoColourAreRefused)
 {
     const char* const pNull = nullptr;
-    for (const std::string text : {"", "#", "204060", "#20", "#2040", "#2040600", "#20406080f", "#20406g", "#20-060",
+    for (const std::string text : {"", "#", "204060", "#20", "#20406", "#2040600", "#20406080f", "#20406g", "#20-060",
                                    "#2040 0", " #204060", "SteelBlue"})
     {
         td::Color color(1, 2, 3, 4);

@@ -3,6 +3,7 @@
 #include "sdl/WaitInLoop.h"
 #include "src/native/GLView.h"
 #include "support/CapturedLog.h"
+#include "support/CaughtAsserts.h"
 #include "toolkit/src/offscreen/OffscreenWindowSystem.h"
 
 #include <gui/Application.h>
@@ -380,6 +381,15 @@ TEST_F(Windows, MisuseIsToldAndHarmless)
     EXPECT_FALSE(third.show(good));
     EXPECT_TRUE(log.said("Error! Window::show view whose native view went with its window! Make another view!"));
     EXPECT_FALSE(third.isOpen());
+
+    // One of no size, which said that it was closed, and a second application, whose end waited for ever.
+    test::CaughtAsserts asserts;
+    gui::Window none("Window", {0, 32});
+    EXPECT_TRUE(asserts.caught("size.width >= 1 && size.height >= 1"));
+    EXPECT_TRUE(log.said("Error! Window with a size of 0 x 32 points, which is never seen"));
+    const gui::Application other(0, nullptr);
+    EXPECT_EQ(log.take().front(),
+              "Warning! Application made while there is one: SIGINT and SIGTERM stay with the first");
 }
 
 } // namespace

@@ -18,6 +18,8 @@ namespace gui
 namespace
 {
 
+int s_nApplications = 0;
+
 // As a shell has it for a program that a signal ended.
 constexpr int cExitOfSignal = 128;
 
@@ -28,13 +30,15 @@ RunLoop& runLoop() { return WindowSystem::instance().getRunLoop(); }
 Application::Application(int, char**)
 {
     td::GUIThread::claim();
+    if (s_nApplications++ > 0)
+        vo::dbgLog("Warning! Application made while there is one: SIGINT and SIGTERM stay with the first");
     runLoop().restart();
     _pSignals =
         std::make_unique<TerminationSignals>([](int number) { runLoop().closeWindows(cExitOfSignal + number); });
     vo::dbgLog("Application runs on window system: %s", getWindowSystem());
 }
 
-Application::~Application() = default;
+Application::~Application() { --s_nApplications; }
 
 int Application::run()
 {

@@ -14,6 +14,13 @@ void Frame::getSize(td::Size<double>& size) const
         size = {};
 }
 
+td::Size<double> Frame::getSize() const
+{
+    td::Size<double> size;
+    getSize(size);
+    return size;
+}
+
 void Frame::reDraw()
 {
     TD_ASSERT_GUI_THREAD();

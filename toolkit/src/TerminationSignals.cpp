@@ -49,7 +49,8 @@ TerminationSignals::TerminationSignals(std::function<void(int)> onSignal)
     : _onSignal(std::move(onSignal))
 {
     std::array<int, 2> pipe{};
-    if (pipe2(pipe.data(), O_CLOEXEC) != 0)
+    // There is one pipe for the handler to write to: another one's listener would wait for ever.
+    if (s_writeEnd >= 0 || pipe2(pipe.data(), O_CLOEXEC) != 0)
         return;
     _readEnd = pipe[0];
     s_writeEnd = pipe[1];

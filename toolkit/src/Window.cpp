@@ -36,6 +36,8 @@ private:
 
 Window::Window(const char* title, const td::Size<double>& size)
 {
+    if (!(size.width >= 1 && size.height >= 1))
+        vo::dbgLog("Error! Window with a size of %g x %g points, which is never seen", size.width, size.height);
     TD_ASSERT(size.width >= 1 && size.height >= 1);
     _pPeer = WindowSystem::instance().createWindow(title != nullptr ? title : "", size);
 }

@@ -1,6 +1,7 @@
 #include <gui/draw/Drawing.h>
 
 #include "DrawingImpl.h"
+#include "PictureSize.h"
 
 #include <gui/gl/Framebuffer.h>
 #include <gui/gl/OrthoView.h>
@@ -480,12 +481,9 @@ bool Drawing::draw(const gl::OrthoView& view)
 bool Drawing::savePicture(const char* path, const td::Size<double>& size, const Affine& modelToView,
                           double pixelsPerPoint, td::Color background)
 {
-    TD_ASSERT(path != nullptr && size.width > 0 && size.height > 0 && pixelsPerPoint > 0, false);
-    // What is larger than any framebuffer is refused by that, with the largest number there is.
-    const auto pixels = [=](double points)
-    { return static_cast<int>(std::lround(std::clamp(points * pixelsPerPoint, 1.0, 1e9))); };
+    TD_ASSERT(path != nullptr, false);
     gl::Framebuffer picture;
-    if (!picture.create({pixels(size.width), pixels(size.height)}))
+    if (!picture.create(toPixels(size, pixelsPerPoint)))
         return false;
     bool isDrawn = false;
     {

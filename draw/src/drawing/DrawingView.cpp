@@ -1,6 +1,7 @@
 #include <gui/draw/DrawingView.h>
 
 #include <gui/InputDevice.h>
+#include <gui/Key.h>
 
 #include <algorithm>
 #include <cmath>
@@ -18,7 +19,26 @@ constexpr double cFlyMargin = 60;  // around what a double click flies to
 constexpr double cClosest = 1e6;   // from all of the drawing
 constexpr double cFarthest = 1e-2; // likewise
 
+constexpr td::Color cBoxColor = "#3465d9", cBoxFill = "#3465d920";
+
 } // namespace
+
+/// What a drag with Shift draws, in a drawing of its own as long as it lasts.
+struct DrawingView::Box
+{
+    td::Point<double> from, to; // in model units
+    Drawing drawing{};
+
+    void draw(const DrawingView& view)
+    {
+        const Drawing::Rect box(view.getViewPoint(from), view.getViewPoint(to));
+        const Path path = Path().addRect(box);
+        drawing.clear();
+        drawing.fill(path, cBoxFill);
+        drawing.stroke(path, {}, cBoxColor);
+        drawing.draw(Affine(), static_cast<double>(view.getPixelHiDPIScale()));
+    }
+};
 
 DrawingView::DrawingView(bool yDown)
 {
@@ -47,6 +67,17 @@ bool DrawingView::showAll(double margin)
     if (const double whole = 1000 / size; size > 0 && whole * cFarthest > 0 && std::isfinite(whole * cClosest))
         setZoomLimits(whole * cFarthest, whole * cClosest);
     return setHome(*all, margin);
+}
+
+void DrawingView::showWhole()
+{
+    // What somebody else has shown stays.
+    if (hasHome() && !(_shownZoom == getZoom() && _shownOrigin == getOrigin()))
+        return;
+    showAll();
+    _isShown = false;
+    _shownOrigin = getOrigin();
+    _shownZoom = getZoom();
 }
 
 bool DrawingView::saveAll(const char* path, double size, double margin, double pixelsPerPoint)
@@ -78,15 +109,28 @@ void DrawingView::onShapeDoubleClicked(Drawing::ID shape)
         flyTo(*bounds, cFlyMargin);
 }
 
+void DrawingView::onBoxDrawn(const Drawing::Rect& box) { flyTo(box); }
+
+// Before a derived class's onDraw, which may place labels by what is seen.
+void DrawingView::onResize(const td::Size<double>& size)
+{
+    OrthoView::onResize(size);
+    if (!_isShown)
+        showWhole();
+}
+
 void DrawingView::onDraw(const td::RectNormalized<double>&)
 {
-    if (!_isShown && !hasHome())
-        showAll();
+    if (!_isShown)
+        showWhole();
+    _isShown = true;
     if (_pointer && getModelPoint(*_pointer) != _pointed)
         point();
     gl::Context::clear(gl::Context::Clear::Color, _background);
     _drawing.draw(*this);
     _overlay.draw(*this);
+    if (_pBox)
+        _pBox->draw(*this);
 }
 
 Drawing::ID DrawingView::shapeAt(const td::Point<double>& viewPoint) const
@@ -108,6 +152,9 @@ void DrawingView::point()
 
 void DrawingView::onCursorMoved(const InputDevice& device)
 {
+    // Its end went to somebody else.
+    if (std::exchange(_pBox, nullptr))
+        reRender();
     _pointer = device.getFramePoint();
     point();
 }
@@ -124,7 +171,13 @@ void DrawingView::onCursorDragged(const InputDevice& device)
     // Before the plane moves along: the same shape stays under it.
     _pointer = device.getFramePoint();
     _isClick = _isClick && std::hypot(_pointer->x - _pressed.x, _pointer->y - _pressed.y) < cClick;
-    OrthoView::onCursorDragged(device);
+    if (_pBox)
+    {
+        _pBox->to = getModelPoint(*_pointer);
+        reRender();
+    }
+    else
+        OrthoView::onCursorDragged(device);
     point();
 }
 
@@ -132,14 +185,24 @@ void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 {
     _pressed = device.getFramePoint();
     _isClick = true;
-    OrthoView::onPrimaryButtonPressed(device);
+    if (!isShiftPressed(device.getKeyboardModifiers()))
+        return OrthoView::onPrimaryButtonPressed(device);
+    _pBox = std::make_unique<Box>();
+    _pBox->from = _pBox->to = getModelPoint(_pressed);
 }
 
 void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
 {
     OrthoView::onPrimaryButtonReleased(device);
+    const std::unique_ptr<Box> pBox = std::move(_pBox);
     if (!std::exchange(_isClick, false))
+    {
+        if (pBox && !(pBox->from == pBox->to))
+            onBoxDrawn({pBox->from, pBox->to});
+        if (pBox)
+            reRender();
         return;
+    }
     onShapeClicked(shapeAt(device.getFramePoint()));
     reRender();
 }
@@ -151,6 +214,15 @@ void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
     onShapeDoubleClicked(shapeAt(device.getFramePoint()));
 }
 
-bool DrawingView::onKeyPressed(const Key& key) { return moveByKey(key) || OrthoView::onKeyPressed(key); }
+bool DrawingView::onKeyPressed(const Key& key)
+{
+    if (key.getVirtual() == Key::Virtual::Escape && _pBox)
+    {
+        _pBox.reset();
+        reRender();
+        return true;
+    }
+    return moveByKey(key) || OrthoView::onKeyPressed(key);
+}
 
 } // namespace gui::draw

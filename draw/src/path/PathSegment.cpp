@@ -13,9 +13,6 @@ namespace
 using Point = PathSegment::Point;
 using Verb = PathSegment::Verb;
 
-Point operator+(Point p, Point q) { return {p.x + q.x, p.y + q.y}; }
-Point operator-(Point p, Point q) { return {p.x - q.x, p.y - q.y}; }
-Point operator*(double s, Point p) { return {s * p.x, s * p.y}; }
 double norm(Point p) { return std::hypot(p.x, p.y); }
 
 Point between(Point p, Point q, double t) { return (1 - t) * p + t * q; }

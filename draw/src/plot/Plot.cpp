@@ -1,5 +1,6 @@
 #include <gui/draw/Plot.h>
 
+#include "../drawing/PictureSize.h"
 #include "PlotImpl.h"
 #include "Version.h"
 
@@ -44,10 +45,11 @@ Plot::Impl::Impl(std::size_t nRows, std::size_t nColumns)
 Plot::Plot(std::size_t rows, std::size_t columns)
     : _pImpl(std::make_unique<Impl>(std::max<std::size_t>(rows, 1), std::max<std::size_t>(columns, 1)))
 {
-    TD_ASSERT(rows > 0 && columns > 0);
     Impl* const pImpl = _pImpl.get();
     for (std::size_t i = 0; i < pImpl->rows * pImpl->columns; ++i)
         pImpl->axes.push_back(std::unique_ptr<Axes>(new Axes([pImpl] { pImpl->changed(); })));
+    // Last, since it returns.
+    TD_ASSERT(rows > 0 && columns > 0);
 }
 
 Plot::~Plot() = default;
@@ -217,10 +219,9 @@ bool Plot::draw(const td::Size<double>& size, double pixelsPerPoint)
 
 bool Plot::savePicture(const char* path, const td::Size<double>& size, double scale)
 {
-    TD_ASSERT(path != nullptr && size.width > 0 && size.height > 0 && scale > 0, false);
+    TD_ASSERT(path != nullptr, false);
     gl::Framebuffer picture;
-    if (!picture.create(
-            {static_cast<int>(std::lround(size.width * scale)), static_cast<int>(std::lround(size.height * scale))}))
+    if (!picture.create(toPixels(size, scale)))
         return false;
     const std::optional<Point> pointer = std::exchange(_pImpl->pointer, std::nullopt);
     const Impl::Drag drag = std::exchange(_pImpl->drag, Impl::Drag::None);

@@ -39,6 +39,9 @@ namespace gui::gl
 class GUIGL_API View : public gui::DrawableView
 {
 public:
+    using InputDevice = gui::InputDevice; ///< what handlers get, by its short name in derived classes
+    using Key = gui::Key;                 ///< likewise
+
     View();
     /// Stops the frame clock, cleans up and lets go of the native view; a window that still shows the view closes.
     /// cleanResources of a derived class is out of reach by then: release GL objects in the derived class's destructor

@@ -24,7 +24,8 @@ class ZavObject;
 /// end run; a second one ends the process at once. A program that handles these signals itself, or ignores them, goes
 /// on to: they are left alone where they are not the system's default when this is made.
 ///
-/// One at a time. GUI thread only, which is the thread that makes it.
+/// One at a time: another one says "Warning! Application made while there is one: SIGINT and SIGTERM stay with the
+/// first", and serves the same loop. GUI thread only, which is the thread that makes it.
 class GUIGL_API Application
 {
 public:

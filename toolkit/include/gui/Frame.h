@@ -16,6 +16,8 @@ class GUIGL_API Frame : public Consumer
 public:
     /// The size in points; 0 by 0 while there is no native object.
     void getSize(td::Size<double>& size) const;
+    /// The same as a result: `getSize().width`.
+    td::Size<double> getSize() const;
 
     /// Asks for a redraw at the next opportunity. Nothing while there is no native object.
     void reDraw();

@@ -35,7 +35,8 @@ public:
         FullScreen ///< over the whole screen, without a frame
     };
 
-    /// Not seen before show. @param title  UTF-8  @param size  of the content in points, at least 1 by 1 (an assertion)
+    /// Not seen before show. @param title  UTF-8  @param size  of the content in points, at least 1 by 1; else
+    /// "Error! Window with a size of 0 x 0 points, which is never seen", an assertion, and the window counts as closed
     Window(const char* title, const td::Size<double>& size);
     /// Closes the window.
     ~Window();

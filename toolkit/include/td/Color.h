@@ -54,10 +54,10 @@ public:
         if (std::size_t(id) < cColorTable.size())
             *this = fromRGB(cColorTable[std::size_t(id)].rgb);
     }
-    /// "#rrggbb", "#rrggbbaa" or "#rgb", in digits of either case. Another text does not compile where the colour is a
-    /// constant; elsewhere it writes "Error! td::Color cannot read a colour in 'TEXT'" (its first 40 characters),
-    /// asserts, and gives transparent black. For texts from outside, where a bad one is no programming error, there is
-    /// read.
+    /// "#rrggbb", "#rrggbbaa", "#rgb" or "#rgba", in digits of either case. Another text does not compile where the
+    /// colour is a constant; elsewhere it writes "Error! td::Color cannot read a colour in 'TEXT'" (its first 40
+    /// characters), asserts, and gives transparent black. For texts from outside, where a bad one is no programming
+    /// error, there is read.
     /// @param text  a literal, a pointer to characters that end in 0 (null counts as an empty text), or whatever else
     ///              becomes a std::string_view
     // A template, as a function of a pointer would make td::Color(0) ambiguous.
@@ -92,7 +92,8 @@ public:
     /// Reads a text as the constructor does. @return false, with the colour unchanged and nothing said, when it is none
     static constexpr bool read(std::string_view text, Color& color)
     {
-        if (text.empty() || text[0] != '#' || (text.size() != 4 && text.size() != 7 && text.size() != 9))
+        if (text.empty() || text[0] != '#' ||
+            (text.size() != 4 && text.size() != 5 && text.size() != 7 && text.size() != 9))
             return false;
         unsigned int value = 0;
         for (const char character : text.substr(1))
@@ -104,6 +105,8 @@ public:
         }
         if (text.size() == 4)
             color = Color((value >> 8) * 17, (value >> 4 & 15U) * 17, (value & 15U) * 17, 255);
+        else if (text.size() == 5)
+            color = Color((value >> 12) * 17, (value >> 8 & 15U) * 17, (value >> 4 & 15U) * 17, (value & 15U) * 17);
         else if (text.size() == 7)
             color = fromRGB(value);
         else

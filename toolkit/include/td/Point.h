@@ -29,6 +29,30 @@ struct Point
     constexpr bool operator==(const Point&) const = default;
 };
 
+/// Points as places and as ways between them: `to - from`, `from + 0.5 * way`.
+template <Number T>
+constexpr Point<T> operator+(const Point<T>& a, const Point<T>& b)
+{
+    return {T(a.x + b.x), T(a.y + b.y)};
+}
+template <Number T>
+constexpr Point<T> operator-(const Point<T>& a, const Point<T>& b)
+{
+    return {T(a.x - b.x), T(a.y - b.y)};
+}
+/// Multiplies both coordinates, in double precision; see Point::scale.
+template <Number T>
+constexpr Point<T> operator*(double factor, Point<T> point)
+{
+    point.scale(factor, factor);
+    return point;
+}
+template <Number T>
+constexpr Point<T> operator*(const Point<T>& point, double factor)
+{
+    return factor * point;
+}
+
 // Arrays of points are handed to GL as arrays of numbers.
 static_assert(sizeof(Point<float>) == 2 * sizeof(float) && sizeof(Point<double>) == 2 * sizeof(double));
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Point.h"
 #include "Types.h"
 
 #include <utility>
@@ -30,6 +31,12 @@ struct RectNormalized
             std::swap(left, right);
         if (bottom < top)
             std::swap(top, bottom);
+    }
+
+    /// The rectangle that has these two for opposite corners: what a drag goes over.
+    constexpr RectNormalized(const Point<T>& corner, const Point<T>& opposite)
+        : RectNormalized(corner.x, corner.y, opposite.x, opposite.y)
+    {
     }
 
     constexpr bool operator==(const RectNormalized&) const = default;

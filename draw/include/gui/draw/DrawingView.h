@@ -7,6 +7,7 @@
 #include <td/Color.h>
 #include <td/Export.h>
 
+#include <memory>
 #include <optional>
 
 namespace gui::draw
@@ -27,8 +28,11 @@ namespace gui::draw
 ///
 /// It shows all of the drawing at first, or the home that setHome has given it, and again at each size until the user
 /// moves it: by a drag, by the wheel about the pointer, by the keys of OrthoView::moveByKey, and by a double click,
-/// which flies to the shape that is there, or home. Derive from it to learn which shapes are pointed at and clicked.
-/// After a change of the drawing call reDraw.
+/// which flies to the shape that is there, or home. A drag with Shift draws a box and flies there. Derive from it to
+/// learn which shapes are pointed at, clicked and within a box. After a change of the drawing call reDraw.
+///
+/// Fill the drawing in a derived class's constructor, not in onInit: the context is made before that begins, so that
+/// no override of onInit is called.
 class GUIGL_API DrawingView : public gl::OrthoView
 {
 public:
@@ -48,8 +52,8 @@ public:
     void setBackground(td::Color color);
 
     /// Makes the drawing's bounds, with a margin in points, the view's home (see OrthoView::setHome), and lets people
-    /// zoom up to some 10^6 times closer. Done before the first frame, unless the view has a home; call it when the
-    /// drawing has become larger.
+    /// zoom up to some 10^6 times closer. Done with each size until the first frame, and before that, unless the view
+    /// has a home or was moved; call it when the drawing has become larger.
     /// @return false when there is nothing, or no room
     bool showAll(double margin = 30);
 
@@ -76,8 +80,13 @@ protected:
     virtual void onShapeClicked(Drawing::ID shape);
     /// Called for a double click: flies there, or with 0 home.
     virtual void onShapeDoubleClicked(Drawing::ID shape);
+    /// Called when a drag with the primary button and Shift has drawn a box, which is shown meanwhile; Escape ends it
+    /// without. A frame follows. This one flies to the box; to select, ask Drawing::pickAll instead. @param box  with a
+    /// width or a height
+    virtual void onBoxDrawn(const Drawing::Rect& box);
 
     void onDraw(const td::RectNormalized<double>& rect) override;
+    void onResize(const td::Size<double>& size) override;
     void onCursorMoved(const InputDevice& device) override;
     void onCursorExited(const InputDevice& device) override;
     void onCursorDragged(const InputDevice& device) override;
@@ -87,7 +96,10 @@ protected:
     bool onKeyPressed(const Key& key) override;
 
 private:
+    struct Box;
+
     Drawing::ID shapeAt(const td::Point<double>& viewPoint) const;
+    void showWhole();
     void point();
 
     Drawing _drawing, _overlay;
@@ -99,6 +111,9 @@ private:
     td::Point<double> _pressed;
     bool _isClick = false;
     bool _isShown = false;
+    td::Point<double> _shownOrigin; // where showWhole has brought it
+    double _shownZoom = 0;
+    std::unique_ptr<Box> _pBox; // while one is drawn
 };
 
 } // namespace gui::draw

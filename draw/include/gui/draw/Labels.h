@@ -54,9 +54,10 @@ struct AreaRule
 /// other as they are. Ten thousand labels take some milliseconds then, and nothing otherwise; where few come or go,
 /// some bytes are uploaded for each.
 ///
-/// Labels are texts in points; each stands where its anchor is. They belong to the drawing, which must outlive this and
-/// in which they may be coloured, reordered and removed (and are no longer placed then); what is shown is decided here.
-/// Not copyable. GUI thread only; needs no context.
+/// Labels are texts in points; each stands where its anchor is. A shape that is added later covers them: add labels
+/// behind all shapes, or to a drawing over them, such as DrawingView::overlay. They belong to the drawing, which must
+/// outlive this and in which they may be coloured, reordered and removed (and are no longer placed then); what is shown
+/// is decided here. Not copyable. GUI thread only; needs no context.
 class GUIGL_API Labels
 {
 public:

@@ -20,7 +20,8 @@ namespace gui::draw
 ///         return app.run(plot, "Digits", {800, 500});
 ///     }
 ///
-/// It has its context at once: make it behind the application. Frames follow changes of its series by themselves. See
+/// It has its context at once: make it behind the application, and set a class derived from it up in the constructor,
+/// since no override of onInit is called. Frames follow changes of its series by themselves. See
 /// Plot for what the pointer and keys do.
 class GUIGL_API PlotView : public gl::View
 {

@@ -27,6 +27,7 @@
 #include "GlobeSurface.h"
 #include "GlobeView.h"
 #include "GlyphImage.h"
+#include "Hatch.h"
 #include "HeatMap.h"
 #include "IdPicker.h"
 #include "Image.h"
