@@ -25,6 +25,7 @@ class Intervals
 {
 public:
     void add(Clock::time_point time) { _times.push_back(time); }
+    const std::vector<Clock::time_point>& getTimes() const { return _times; }
 
     /// A line: how many there are, in how long, and how many are further apart than one and a half times the median.
     void print(const char* what) const

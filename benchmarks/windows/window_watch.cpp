@@ -1,10 +1,12 @@
 // Looks at a program's window on an X server from outside, as a user does; at a compositor's, weston-1, for what is
 // shown in there.
 //
-//     window_watch PROGRAM frames SECONDS               when there are new pictures in it
+//     window_watch PROGRAM frames SECONDS               when there are new pictures in it, and in which of its beats
 //     window_watch PROGRAM pan MOVES_PER_SECOND SECONDS the same, while the pointer is dragged about with Shift
-//     window_watch PROGRAM latency N SECONDS_BETWEEN    from N motions until window_view's plain view shows them
+//     window_watch PROGRAM latency N LEAST MOST         from N motions until window_view's plain view shows them, so
+//                                                       many seconds apart
 
+#include "Beats.h"
 #include "Intervals.h"
 
 #include <X11/Xlib.h>
@@ -108,8 +110,8 @@ public:
         XFlush(_pDisplay);
     }
 
-    /// @return whether there was a picture until then
-    bool waitForPicture(Clock::time_point end)
+    /// @param apart  from the last one  @return whether there was a picture until then
+    bool waitForPicture(Clock::time_point end, Clock::duration apart = cOnePicture)
     {
         while (true)
         {
@@ -117,7 +119,7 @@ public:
             {
                 XEvent event{};
                 XNextEvent(_pDisplay, &event);
-                if (event.type == _firstEvent + XDamageNotify && isLarge(event) && Clock::now() - _last > cOnePicture)
+                if (event.type == _firstEvent + XDamageNotify && isLarge(event) && Clock::now() - _last > apart)
                 {
                     _last = Clock::now();
                     return true;
@@ -157,14 +159,16 @@ private:
     Clock::time_point _last{};
 };
 
-void watchFrames(Watch& watch, double seconds)
+void watchFrames(Watch& watch, Window window, double seconds)
 {
     bench::Intervals seen;
+    bench::Beats beats(static_cast<std::uint32_t>(window));
     const auto end = Clock::now() + inTime(seconds);
     while (Clock::now() < end)
         if (watch.waitForPicture(end))
             seen.add(Clock::now());
     seen.print("seen");
+    beats.print(seen.getTimes());
 }
 
 void watchPan(Watch& watch, double rate, double seconds)
@@ -190,7 +194,7 @@ void watchPan(Watch& watch, double rate, double seconds)
     seen.print("seen");
 }
 
-void watchLatency(Watch& watch, int n, double between)
+void watchLatency(Watch& watch, int n, double least, double most)
 {
     std::vector<double> latencies;
     std::srand(1);
@@ -199,8 +203,7 @@ void watchLatency(Watch& watch, int n, double between)
     for (int i = 0; i < n; ++i)
     {
         // At any moment of the display's beat.
-        const double jitter = 0.02 * std::rand() / RAND_MAX;
-        const auto next = Clock::now() + inTime(between + jitter);
+        const auto next = Clock::now() + inTime(least + (most - least) * std::rand() / RAND_MAX);
         while (Clock::now() < next)
             watch.waitForPicture(next);
         const int before = watch.getShown();
@@ -208,7 +211,7 @@ void watchLatency(Watch& watch, int n, double between)
         const auto begin = Clock::now();
         bool isSeen = false;
         while (!isSeen && Clock::now() - begin < std::chrono::milliseconds(500))
-            isSeen = watch.waitForPicture(begin + std::chrono::milliseconds(500)) && watch.getShown() != before;
+            isSeen = watch.waitForPicture(begin + std::chrono::milliseconds(500), {}) && watch.getShown() != before;
         if (isSeen)
             latencies.push_back(std::chrono::duration<double, std::milli>(Clock::now() - begin).count());
         else
@@ -233,11 +236,11 @@ int main(int argc, char** argv)
     Watch watch(pDisplay, window);
     const std::string what = argv[2];
     if (what == "frames")
-        watchFrames(watch, std::atof(argv[3]));
+        watchFrames(watch, window, std::atof(argv[3]));
     else if (what == "pan" && argc > 4)
         watchPan(watch, std::atof(argv[3]), std::atof(argv[4]));
-    else if (what == "latency" && argc > 4)
-        watchLatency(watch, std::atoi(argv[3]), std::atof(argv[4]));
+    else if (what == "latency" && argc > 5)
+        watchLatency(watch, std::atoi(argv[3]), std::atof(argv[4]), std::atof(argv[5]));
     else
         return EXIT_FAILURE;
     XCloseDisplay(pDisplay);

@@ -1,6 +1,7 @@
 // What a user sees of windows of the library's own, on each desktop and at each of its places.
 
 #include "DesktopTest.h"
+#include "PushedEvents.h"
 #include "SampledView.h"
 
 #include <gui/NativeView.h>
@@ -8,6 +9,7 @@
 #include <gui/port/WindowSystem.h>
 
 #include <algorithm>
+#include <thread>
 
 namespace test
 {
@@ -43,6 +45,31 @@ TEST_P(DesktopTest, EachFrameFillsTheWindow)
 }
 
 using OwnWindowTest = DesktopFixture;
+
+// A view that is slow: clicks count by when they were made, not by when it gets round to them.
+TEST_F(OwnWindowTest, ClicksCountByTheUsersTime)
+{
+    using std::chrono::milliseconds;
+    RecordingView view;
+    view.create();
+    gui::Window window("Window", {200, 150});
+    ASSERT_NO_FATAL_FAILURE(show(window, view, "Window"));
+    xdo(at(40, 30));
+    ASSERT_TRUE(view.hasHeard({"enter 40,30"}));
+    pushed::setDoubleClickTime(2000);
+    view.in["press"] = [] { std::this_thread::sleep_for(milliseconds(2500)); };
+    {
+        Process user({"xdotool", "click", "1", "sleep", "0.05", "click", "1"});
+        EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "release 40,30 x1", "double 40,30 x1", "release 40,30 x2"}));
+        EXPECT_EQ(user.wait(cPatience), 0);
+    }
+    view.in.clear();
+    pushed::setDoubleClickTime(100);
+    xdo(at(140, 100));
+    xdo("click 1 sleep 1 click 1"); // and only then the program looks
+    EXPECT_TRUE(view.hasHeard({"press 140,100 x1", "release 140,100 x1", "press 140,100 x1", "release 140,100 x1"}));
+    pushed::setDoubleClickTime(0);
+}
 
 // By the program's own asking; what a window manager's user does is in X11's tests. At the first place alone: weston 10
 // ends more often than not when a window on its second output changes its state.

@@ -31,25 +31,6 @@ TEST_P(X11Test, ControlReleaseIsTheSecondaryButtons)
     EXPECT_TRUE(view.hasHeard({"press 40,30 x1+Ctrl", "release2 40,30 x1+Ctrl"}));
 }
 
-// A view that is slow: clicks count by when they were made, not by when it gets round to them.
-TEST_P(X11Test, ClicksCountByTheUsersTime)
-{
-    using std::chrono::milliseconds;
-    pushed::setDoubleClickTime(2000);
-    view.in["press"] = [] { std::this_thread::sleep_for(milliseconds(2500)); };
-    {
-        Process user({"xdotool", "click", "1", "sleep", "0.05", "click", "1"});
-        EXPECT_TRUE(view.hasHeard({"press 40,30 x1", "release 40,30 x1", "double 40,30 x1", "release 40,30 x2"}));
-        EXPECT_EQ(user.wait(cPatience), 0);
-    }
-    view.in.clear();
-    pushed::setDoubleClickTime(100);
-    xdo(at(140, 100));
-    xdo("click 1 sleep 1 click 1"); // and only then the program looks
-    EXPECT_TRUE(view.hasHeard({"press 140,100 x1", "release 140,100 x1", "press 140,100 x1", "release 140,100 x1"}));
-    pushed::setDoubleClickTime(0);
-}
-
 TEST_P(X11Test, TwoFingersZoom)
 {
     pushed::finger(pushed::Finger::Down, 1, 0.25F);
@@ -298,9 +279,9 @@ TEST_P(X11Test, AWindowIsWhereItWasPut)
             return place.x == x && place.y == y && placed.getPosition() == td::Point<double>{double(x), double(y)};
         };
         const td::Point<double> told = placed.getPosition().value_or(td::Point<double>{-1, -1});
-        return waitInLoop(isThere) ? testing::AssertionSuccess()
-                                   : testing::AssertionFailure() << place.x << ',' << place.y << " and not "
-                                                                 << told.x << ',' << told.y;
+        return waitInLoop(isThere)
+                   ? testing::AssertionSuccess()
+                   : testing::AssertionFailure() << place.x << ',' << place.y << " and not " << told.x << ',' << told.y;
     };
     EXPECT_TRUE(isAt(700, 300));
     placed.setPosition({720, 340});

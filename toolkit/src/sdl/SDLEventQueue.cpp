@@ -15,6 +15,7 @@ SDLEventQueue::~SDLEventQueue() { sdl::stopListening(); }
 void SDLEventQueue::pump()
 {
     SDL_PumpEvents();
+    sdl::dispatchBeside();
     // SDL's own queue only serves to end its wait. It has a limit, this one has none.
     constexpr Uint32 cFirst = 0, cLast = 0xFFFF;
     SDL_FlushEvents(cFirst, cLast);
@@ -41,8 +42,8 @@ void SDLEventQueue::append(SDLEvent event)
     SDLEvent* const pPrevious = _events.empty() ? nullptr : &_events.back();
     // SDL tells the text of a key right behind the key, in several pieces where it is long.
     if (event.type == Type::Text)
-        event.isOfKey = pPrevious != nullptr && (pPrevious->type == Type::KeyDown ||
-                                                 (pPrevious->type == Type::Text && pPrevious->isOfKey));
+        event.isOfKey = pPrevious != nullptr &&
+                        (pPrevious->type == Type::KeyDown || (pPrevious->type == Type::Text && pPrevious->isOfKey));
     // Where the pointer entered is only told by the motion that follows.
     if (event.type == Type::Motion && pPrevious != nullptr && pPrevious->type == Type::Entered &&
         pPrevious->windowID == event.windowID)
@@ -52,7 +53,7 @@ void SDLEventQueue::append(SDLEvent event)
         mergeLastMotions();
 }
 
-// SDL's time on X11 is when the program came to look. SDL makes buttons of fingers, too, which have no such event.
+// SDL's time is when the program came to look. SDL makes buttons of fingers, too, which have no such event.
 void SDLEventQueue::countClick(SDLEvent& event)
 {
     const std::uint32_t xTime = std::exchange(_xTime, 0);

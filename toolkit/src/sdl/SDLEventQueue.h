@@ -61,6 +61,8 @@ namespace sdl
 /// The other side, which SDL2 and SDL3 do each in its own way: SDL's events go to this queue from now on.
 void listen(SDLEventQueue& queue);
 void stopListening();
+/// Takes in what has arrived for those who listen beside SDL.
+void dispatchBeside();
 
 } // namespace sdl
 

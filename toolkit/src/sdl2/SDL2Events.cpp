@@ -1,6 +1,7 @@
 // SDL2's events, as the library has them.
 
 #include "../sdl/SDLEventQueue.h"
+#include "WaylandButtons.h"
 
 #include <gui/port/sdl/SDL.h>
 #include <gui/port/sdl/SDLPort.h>
@@ -8,6 +9,8 @@
 #include <SDL_syswm.h>
 
 #include <cstring>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace gui::sdl
@@ -17,6 +20,8 @@ namespace
 {
 
 using Type = SDLEvent::Type;
+
+std::unique_ptr<WaylandButtons> s_pWaylandButtons; // from the first event of a window there on
 
 static_assert(cCtrl == KMOD_CTRL && cRightAlt == KMOD_RALT && cLogo == KMOD_GUI && cMode == KMOD_MODE);
 
@@ -80,6 +85,26 @@ void takeFinger(SDLEvent& event, const SDL_TouchFingerEvent& finger)
     event.finger = {finger.touchId, finger.fingerId, {static_cast<double>(finger.x), static_cast<double>(finger.y)}};
 }
 
+// SDL's time is when the program came to look.
+void takeButton(SDLEvent& event, const SDL_MouseButtonEvent& button)
+{
+    event.type = button.type == SDL_MOUSEBUTTONDOWN ? Type::ButtonDown : Type::ButtonUp;
+    event.windowID = button.windowID;
+    event.mouse = {static_cast<double>(button.x), static_cast<double>(button.y)};
+    event.button = button.button;
+    event.time = std::chrono::milliseconds(button.timestamp);
+    event.isOfTouch = button.which == SDL_TOUCH_MOUSEID;
+    SDL_Window* const pWindow = SDL_GetWindowFromID(button.windowID);
+    if (event.isOfTouch || s_pWaylandButtons == nullptr || pWindow == nullptr)
+        return;
+    const bool isDown = event.type == Type::ButtonDown;
+    if (const auto time = s_pWaylandButtons->take(getWaylandSurface(pWindow), event.button, isDown))
+    {
+        event.time = *time;
+        event.isServerTime = true;
+    }
+}
+
 void takePointer(SDLEvent& event, const SDL_Event& sdlEvent)
 {
     const auto toPoint = [](int x, int y) { return td::Point<double>(static_cast<double>(x), static_cast<double>(y)); };
@@ -98,14 +123,7 @@ void takePointer(SDLEvent& event, const SDL_Event& sdlEvent)
         event.wheel = {static_cast<double>(sdlEvent.wheel.preciseX), static_cast<double>(sdlEvent.wheel.preciseY)};
     }
     else
-    {
-        event.type = sdlEvent.type == SDL_MOUSEBUTTONDOWN ? Type::ButtonDown : Type::ButtonUp;
-        event.windowID = sdlEvent.button.windowID;
-        event.mouse = toPoint(sdlEvent.button.x, sdlEvent.button.y);
-        event.button = sdlEvent.button.button;
-        event.time = std::chrono::milliseconds(sdlEvent.button.timestamp);
-        event.isOfTouch = sdlEvent.button.which == SDL_TOUCH_MOUSEID;
-    }
+        takeButton(event, sdlEvent.button);
 }
 
 void takeComposition(SDLEvent& event, SDL_Event& sdlEvent)
@@ -146,6 +164,13 @@ void takeDrop(SDLEventQueue& queue, SDLEvent& event, SDL_DropEvent& drop)
     SDL_free(std::exchange(drop.file, nullptr)); // as with a composition
 }
 
+void listenBeside(SDL_Window* pWindow)
+{
+    wl_display* const pWayland = s_pWaylandButtons == nullptr && pWindow != nullptr ? getWayland(pWindow) : nullptr;
+    if (pWayland != nullptr)
+        s_pWaylandButtons = std::make_unique<WaylandButtons>(pWayland);
+}
+
 void take(SDLEventQueue& queue, SDL_Event& sdlEvent)
 {
     SDLEvent event;
@@ -161,6 +186,7 @@ void take(SDLEventQueue& queue, SDL_Event& sdlEvent)
     case SDL_WINDOWEVENT:
         event.type = typeOf(sdlEvent.window);
         event.windowID = sdlEvent.window.windowID;
+        listenBeside(SDL_GetWindowFromID(event.windowID));
         break;
     case SDL_KEYDOWN:
     case SDL_KEYUP:
@@ -242,7 +268,17 @@ void listen(SDLEventQueue& queue)
     SDL_SetEventFilter(onEvent, &queue);
 }
 
-void stopListening() { SDL_SetEventFilter(nullptr, nullptr); }
+void stopListening()
+{
+    SDL_SetEventFilter(nullptr, nullptr);
+    s_pWaylandButtons.reset();
+}
+
+void dispatchBeside()
+{
+    if (s_pWaylandButtons != nullptr)
+        s_pWaylandButtons->dispatch();
+}
 
 void acceptDrops() { enableDrops(SDL_ENABLE); }
 

@@ -268,6 +268,8 @@ void stopListening()
     SDL_SetEventFilter(nullptr, nullptr);
 }
 
+void dispatchBeside() {}
+
 void acceptDrops() { enableDrops(true); }
 
 } // namespace gui::sdl

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <vector>
+
+struct wl_display;
+struct wl_event_queue;
+struct wl_pointer;
+struct wl_registry;
+struct wl_seat;
+struct wl_surface;
+
+namespace gui::sdl
+{
+
+/// When a pointer's buttons went down and up, by the compositor's clock, which SDL2 keeps to itself: it says when the
+/// program came to look. It listens beside SDL, on a queue of its own. GUI thread only.
+class WaylandButtons
+{
+public:
+    explicit WaylandButtons(wl_display* pDisplay);
+    ~WaylandButtons();
+    WaylandButtons(const WaylandButtons&) = delete;
+    WaylandButtons& operator=(const WaylandButtons&) = delete;
+
+    /// Takes in what has arrived. Does not wait, nor read from the compositor: SDL does.
+    void dispatch();
+    /// Of the event that SDL tells of now. @param button  SDL's number  @return nothing for one that is not a pointer's
+    std::optional<std::chrono::milliseconds> take(const wl_surface* pSurface, int button, bool isDown);
+
+private:
+    struct Pointer
+    {
+        WaylandButtons* pOwner;
+        wl_seat* pSeat;
+        wl_pointer* pPointer = nullptr;
+        wl_surface* pSurface = nullptr; // that it is in
+    };
+    struct Event
+    {
+        const wl_surface* pSurface;
+        int button;
+        bool isDown;
+        std::chrono::milliseconds time;
+        std::chrono::steady_clock::time_point arrived;
+    };
+    struct Listeners;
+
+    std::optional<std::chrono::milliseconds> find(const wl_surface* pSurface, int button, bool isDown);
+    void readWithoutWaiting();
+
+    wl_display* _pDisplay;
+    wl_event_queue* _pQueue;
+    wl_registry* _pRegistry;
+    std::vector<std::unique_ptr<Pointer>> _pointers; // one of each seat
+    std::deque<Event> _events;                       // that SDL has not told of yet
+};
+
+} // namespace gui::sdl
