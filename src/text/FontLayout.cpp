@@ -306,8 +306,8 @@ td::Size<float> Font::addString(const td::Point<float>& pos, const char* str, un
                                   .alignment = format.hAlignment};
     if (const LayoutMemo::Entry* const pKnown = _pMemo->find(number, {str, len}, style, nBefore))
     {
-        recordString(pKnown->firstVertex, pKnown->nVertices, format);
-        _vertices.pushSlots(pKnown->firstVertex - nBefore + pKnown->nVertices);
+        recordString(nBefore, pKnown->nVertices, format);
+        _vertices.pushSlots(pKnown->nVertices);
         return pKnown->size;
     }
     if (!canLayOut(str, len, format)) [[unlikely]]

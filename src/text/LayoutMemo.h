@@ -17,9 +17,8 @@ namespace gui::gl
 
 /// What the strings of a font were, so that those added again after a reset, as most are when one of many changes, are
 /// not laid out again. Their vertices are still in the storage: a reset empties it without touching it. So a string
-/// that is in all respects the one of the same number before keeps its vertices, unless others were written over them
-/// since. Where strings before it are shorter now, a gap is left in front of it: to move all that is behind would take
-/// nearly as long as to lay it out, and the next time the gap has room for longer ones.
+/// that is in all respects the one of the same number before, and begins at the same vertex, keeps its vertices, unless
+/// others were written over them since.
 class LayoutMemo
 {
 public:
@@ -60,17 +59,14 @@ public:
         td::Size<float> size;
     };
 
-    /// @param number  of the string  @param firstVertex  where it may begin
-    /// @return the string when it is known and its vertices are there or behind a gap that is no larger than they are,
-    ///         valid until the next call; null otherwise
+    /// @param number  of the string  @param firstVertex  where it begins
+    /// @return the string when it is known and its vertices are there, valid until the next call; null otherwise
     const Entry* find(std::size_t number, std::string_view text, const Style& style, std::size_t firstVertex) const
     {
-        if (number >= _nKnown)
+        if (number >= _nKnown || firstVertex < _overwrittenEnd)
             return nullptr;
         const Entry& entry = _entries[number];
-        // What begins before leaves a gap larger than all.
-        const bool isSame = entry.firstVertex - firstVertex <= entry.nVertices &&
-                            entry.firstVertex >= _overwrittenEnd && entry.textLength == text.size() &&
+        const bool isSame = entry.firstVertex == firstVertex && entry.textLength == text.size() &&
                             entry.style.isSameAs(style) &&
                             isSameText(_texts.data() + entry.textAt, text.data(), text.size());
         return isSame ? &entry : nullptr;

@@ -85,35 +85,6 @@ TEST_F(TextTest, RenderDrawsEachStringWithItsColorAndDepthWhereTheyChange)
                                "glDrawArrays(4, 18, 0)", "glUniform4fv(7, 1, [0 0 1 1])", "glDrawArrays(4, 18, 6)"}));
 }
 
-// Others stay where they are behind a gap that is no larger than they are, with their own vertices.
-TEST_F(TextTest, AStringThatChangesItsLengthLeavesTheOthersAlone)
-{
-    renderer->init({2, 4}, Textures::Unit::T2);
-    loadFont(0, U"ab");
-    std::vector<float> behind;
-    const struct
-    {
-        const char* counter;
-        const char* draws[2];
-    } frames[] = {{"aba", {"glDrawArrays(4, 0, 18)", "glDrawArrays(4, 18, 12)"}},
-                  {"ab", {"glDrawArrays(4, 0, 12)", "glDrawArrays(4, 18, 12)"}},
-                  {"bba", {"glDrawArrays(4, 0, 18)", "glDrawArrays(4, 18, 12)"}},
-                  {"bba ", {"glDrawArrays(4, 0, 18)", "glDrawArrays(4, 18, 12)"}}, // the space's quad went over it
-                  {"abab", {"glDrawArrays(4, 0, 24)", "glDrawArrays(4, 24, 12)"}},
-                  {"b", {"glDrawArrays(4, 0, 6)", "glDrawArrays(4, 6, 12)"}}}; // too large a gap
-    for (const auto& [counter, draws] : frames)
-    {
-        font().addString({0, 0}, counter, 0, td::ColorID::Red, 1);
-        font().addString({0, 20}, "ab", 0, td::ColorID::Red, 1);
-        trace.clear();
-        renderer->render(Text::Ctrl::None);
-        EXPECT_TRUE(trace.inOrder({draws[0], draws[1]})) << counter;
-        const std::vector<float> vertices = takeVertices(font());
-        behind = behind.empty() ? std::vector(vertices.end() - 48, vertices.end()) : behind;
-        EXPECT_EQ(std::vector(vertices.end() - 48, vertices.end()), behind) << counter;
-    }
-}
-
 TEST_F(TextTest, CtrlSaysWhatIsTurnedOffAndOn)
 {
     const std::vector<std::string> off[] = {
