@@ -80,7 +80,7 @@ std::size_t Axes::getNumberOfSeries() const { return _pImpl->series.size(); }
 
 Series& Axes::getSeries(std::size_t i)
 {
-    TD_ASSERT(i < _pImpl->series.size(), *_pImpl->series.front());
+    TD_ASSERT(i < _pImpl->series.size(), _pImpl->none);
     return *_pImpl->series[i];
 }
 
@@ -155,7 +155,10 @@ std::string Axes::format(const Axis& axis, double value) const
     const double step = std::abs(axis.toValue(share + 1 / length) - axis.toValue(share));
     if (scale.kind == Scale::Kind::Time)
         return TimeTicks::describe(scale, value, step);
-    const int places = step > 0 ? static_cast<int>(std::ceil(-std::log10(step))) : 0;
+    if (!std::isfinite(value))
+        return Ticks::format(value, 0);
+    // Of doubles there are none beyond.
+    const int places = step > 0 ? static_cast<int>(std::clamp(std::ceil(-std::log10(step)), -400.0, 400.0)) : 0;
     if (value != 0 && (std::abs(value) >= 1e9 || std::abs(value) < 1e-5 || places > 9))
     {
         const int digits = static_cast<int>(std::floor(std::log10(std::abs(value)))) + places + 1;

@@ -93,6 +93,7 @@ struct Axes::Impl
     std::size_t getVersion() const;
 
     std::vector<std::unique_ptr<Series>> series;
+    Series none = Series::line(Samples()); // for who asks for one that there isn't
     std::vector<std::unique_ptr<HeatMap>> maps;
     Side x, y, right;
     Side colors; // of the first map's bar

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iterator>
+#include <unordered_map>
 #include <utility>
 
 namespace gui::draw
@@ -20,6 +21,8 @@ constexpr int cManyDigits = 6;    // of labels: beyond, what they have in common
 constexpr double cEpsilon = 1e-6; // of a step, that a tick may be beyond the range
 constexpr std::size_t cMostTicks = 2000;
 constexpr double cFewestWanted = 3.2; // labels, on short axes too: what has no room for them gets fewer
+constexpr double cMostWanted = 400;
+constexpr double cLeastDistance = 12; // points: nearer to each other no labels can be read
 // Years that calendars and clocks know.
 constexpr double cEarliest = -5.0e11, cLatest = 5.0e11;
 
@@ -49,6 +52,12 @@ int placesOf(double step)
 
 int exponentOf(double value) { return static_cast<int>(std::floor(std::log10(std::abs(value)) + 1e-12)); }
 
+double wantedLabels(const Ticks::Room& room)
+{
+    const double distance = room.distance > cLeastDistance ? room.distance : cLeastDistance;
+    return std::clamp(room.length / distance, cFewestWanted, cMostWanted);
+}
+
 double extentOf(const Ticks::Room& room, std::string_view label)
 {
     if (room.extentOf)
@@ -76,7 +85,7 @@ Ticks::Ticks(const Scale& scale, const Range& range, const Room& room, double st
 {
     const bool isLogarithmic = scale.kind == Scale::Kind::Logarithmic;
     if (!(range.low < range.high) || !std::isfinite(range.low) || !std::isfinite(range.high) || !(room.length > 0) ||
-        !std::isfinite(range.high - range.low) || (isLogarithmic && !(range.low > 0)))
+        !std::isfinite(room.length) || !std::isfinite(range.high - range.low) || (isLogarithmic && !(range.low > 0)))
         return;
     if (isLogarithmic)
         makeLogarithmic(range, room, step);
@@ -111,16 +120,16 @@ void Ticks::makeLinear(const Scale& scale, const Range& range, const Room& room,
         trial.placeLinear(range, tried);
         return trial.collide(scale, range, room) ? -std::numeric_limits<double>::infinity() : 1.0;
     };
-    // It is all about the step, which many sequences share.
-    std::vector<std::pair<double, double>> known;
+    // It is all about the step, which many sequences share, but for its last digits.
+    std::unordered_map<long long, double> known;
     const auto legibility = [&](const Sequence& sequence)
     {
-        for (const auto& [knownStep, result] : known)
-            if (std::abs(knownStep - sequence.step) < cEpsilon * knownStep)
-                return result;
-        return known.emplace_back(sequence.step, judge(sequence.step)).second;
+        const auto [found, isNew] = known.try_emplace(std::llround(std::log(sequence.step) / cEpsilon));
+        if (isNew)
+            found->second = judge(sequence.step);
+        return found->second;
     };
-    const Sequence best = search(range, std::max(room.length / room.distance, cFewestWanted), legibility);
+    const Sequence best = search(range, wantedLabels(room), legibility);
     if (best.step > 0)
         return placeLinear(range, best.step);
     // Nothing fits: one label in the middle, or none (see thin).
@@ -206,7 +215,7 @@ void Ticks::makeLogarithmic(const Range& range, const Room& room, double step)
     constexpr std::array<int, 2> cTwo{1, 3};
     constexpr std::array<int, 3> cThree{1, 2, 5};
     constexpr std::array<int, 9> cAll{1, 2, 3, 4, 5, 6, 7, 8, 9};
-    const double wanted = std::max(room.length / room.distance, cFewestWanted);
+    const double wanted = wantedLabels(room);
     if (decades < 1.5)
     {
         if (decades >= 0.7)
@@ -248,7 +257,7 @@ void Ticks::makeTime(const Scale& scale, const Range& range, const Room& room, d
     const std::vector<TimeTicks::Step> all = TimeTicks::allSteps();
     const auto kept = std::find_if(all.begin(), all.end(),
                                    [step](const TimeTicks::Step& other) { return other.getLength() == step; });
-    const std::vector<TimeTicks::Step> steps = times.stepsFor(std::max(room.length / room.distance, cFewestWanted));
+    const std::vector<TimeTicks::Step> steps = times.stepsFor(wantedLabels(room));
     if (kept != all.end() && (range.high - range.low) / step < cMostTicks && use(*kept))
         return times.placeMinor(*kept, _minor);
     for (const TimeTicks::Step& next : steps)

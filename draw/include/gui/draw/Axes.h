@@ -71,7 +71,9 @@ public:
     /// Removes all series and maps.
     void clear();
     std::size_t getNumberOfSeries() const;
-    Series& getSeries(std::size_t i); ///< in the order in which they were added; i below their number (an assertion)
+    /// In the order in which they were added.
+    /// @param i  below their number (an assertion, and one that isn't shown)
+    Series& getSeries(std::size_t i);
 
     Axis& x();                 ///< below
     Axis& y();                 ///< at the left

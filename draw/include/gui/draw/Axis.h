@@ -72,7 +72,8 @@ public:
     /// Lines across the plot at the ticks; there are at first, but for the y axis at the right.
     void setGrid(bool hasGrid);
     bool hasGrid() const { return _hasGrid; }
-    /// From label to label that looks good, in points: 90 along x and 48 along y at first.
+    /// From label to label that looks good, in points: 90 along x and 48 along y at first, 12 at
+    /// least.
     void setTickDistance(double points);
     double getTickDistance() const { return _tickDistance; }
 
