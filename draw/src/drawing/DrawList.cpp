@@ -14,8 +14,8 @@ namespace
 
 /// As in the vertex shader: up to so many pixels a shape is drawn as a box.
 constexpr double cSmall = 16;
-/// Up to so many it is, where most shapes beside it are so small that together they have no more pixels than such boxes:
-/// the parts of all of them would take longer than what a few boxes look at in vain.
+/// Up to so many it is, where most shapes beside it are so small that together they have no more pixels than such
+/// boxes: the parts of all of them would take longer than what a few boxes look at in vain.
 constexpr double cLargestBox = 64;
 
 /// Quads between triangles that cost less than another range does.

@@ -597,7 +597,8 @@ uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out
             } while (node < end && from == to);
             if ((lines.bodies | lines.joins) == 0u)
                 lines = Lines(from, from, 0u, 0u, 0u, 0u, 0u);
-            isFull = to - lines.window > 29 && lines.last > lines.window;
+            // Leaves of several subpaths come in any order.
+            isFull = from < to && (from < lines.window || to - lines.window > 29) && lines.last > lines.window;
             node = isFull ? found : node;
             if (from < to && !isFull)
                 addLines(lines, brush, place, from, to, isChord, isChord && isDot);
