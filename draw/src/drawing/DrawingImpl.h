@@ -207,7 +207,7 @@ struct Drawing::Impl
     /// The fills that a fill shares a corner with and no edge, as far as those around lead there.
     void findCorners(const Item& item, std::vector<std::uint32_t>& corners) const;
     /// Where both may have the same points.
-    static std::optional<Rect> overlapOf(const Item& a, const Item& b);
+    std::optional<Rect> overlapOf(const Item& a, const Item& b) const;
     bool haveCorner(const Item& a, const Item& b) const;
     void renewLinks();
 

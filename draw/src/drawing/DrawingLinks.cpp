@@ -121,7 +121,7 @@ void Drawing::Impl::findCorners(const Item& item, std::vector<std::uint32_t>& co
     }
 }
 
-auto Drawing::Impl::overlapOf(const Item& a, const Item& b) -> std::optional<Rect>
+auto Drawing::Impl::overlapOf(const Item& a, const Item& b) const -> std::optional<Rect>
 {
     // Either has rounded it to its own grid.
     const double near = a.step + b.step;

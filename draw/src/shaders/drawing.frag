@@ -497,11 +497,11 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, 
     findLine(brush, place, from, to, a, way);
     float len = length(way), scale = len;
     bool isFirst = strokePoint(i - 1) == from;
-#if defined CAPS || defined DASHES
-    bool isLast = strokePoint(next + 1) == to;
-    // A line of no length has no direction, not that of rounding.
+    // A line of no length, as one in place of a ring is, has no direction, not that of rounding.
     way = len > 0.0 ? way : vec2(1.0, 0.0);
     scale = len > 0.0 ? len : 1.0;
+#if defined CAPS || defined DASHES
+    bool isLast = strokePoint(next + 1) == to;
 #endif
 #ifdef DASHES
     if (brush.dashes >= 0)
