@@ -1,8 +1,10 @@
 #include "SDLEventQueue.h"
 
 #include <gui/port/sdl/SDL.h>
+#include <gui/port/sdl/SDLPort.h>
 
 #include <iterator>
+#include <optional>
 #include <utility>
 
 namespace gui
@@ -15,7 +17,8 @@ SDLEventQueue::~SDLEventQueue() { sdl::stopListening(); }
 void SDLEventQueue::pump()
 {
     SDL_PumpEvents();
-    sdl::dispatchBeside();
+    if (_pWaylandButtons != nullptr)
+        _pWaylandButtons->dispatch();
     // SDL's own queue only serves to end its wait. It has a limit, this one has none.
     constexpr Uint32 cFirst = 0, cLast = 0xFFFF;
     SDL_FlushEvents(cFirst, cLast);
@@ -37,6 +40,8 @@ void SDLEventQueue::append(SDLEvent event)
     // Keys that the input method takes, a letter behind a dead key say, come without the X11 event.
     event.xKeyCode = isKey ? std::exchange(_xKeyCode, 0) : 0;
     event.xState = isKey ? _xState : 0;
+    if (_pWaylandButtons == nullptr)
+        listenToWayland(event.windowID);
     if (event.type == Type::ButtonDown || event.type == Type::ButtonUp)
         countClick(event);
     SDLEvent* const pPrevious = _events.empty() ? nullptr : &_events.back();
@@ -53,15 +58,32 @@ void SDLEventQueue::append(SDLEvent event)
         mergeLastMotions();
 }
 
+void SDLEventQueue::listenToWayland(std::uint32_t windowID)
+{
+    SDL_Window* const pWindow = SDL_GetWindowFromID(windowID);
+    if (wl_display* const pDisplay = pWindow != nullptr ? sdl::getWayland(pWindow) : nullptr)
+        _pWaylandButtons = std::make_unique<sdl::WaylandButtons>(pDisplay);
+}
+
 // SDL's time is when the program came to look. SDL makes buttons of fingers, too, which have no such event.
-void SDLEventQueue::countClick(SDLEvent& event)
+void SDLEventQueue::takeServerTime(SDLEvent& event)
 {
     const std::uint32_t xTime = std::exchange(_xTime, 0);
-    if (xTime != 0 && !event.isOfTouch)
-    {
-        event.time = std::chrono::milliseconds(xTime);
-        event.isServerTime = true;
-    }
+    if (event.isOfTouch)
+        return;
+    std::optional<std::chrono::milliseconds> time;
+    if (xTime != 0)
+        time = std::chrono::milliseconds(xTime);
+    else if (SDL_Window* const pWindow = SDL_GetWindowFromID(event.windowID); pWindow != nullptr && _pWaylandButtons)
+        time = _pWaylandButtons->take(sdl::getWaylandSurface(pWindow), event.button,
+                                      event.type == SDLEvent::Type::ButtonDown);
+    event.isServerTime = time.has_value();
+    event.time = time.value_or(event.time);
+}
+
+void SDLEventQueue::countClick(SDLEvent& event)
+{
+    takeServerTime(event);
     event.nClicks = _clicks.count(event);
 }
 

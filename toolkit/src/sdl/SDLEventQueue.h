@@ -1,10 +1,12 @@
 #pragma once
 
 #include "SDLClicks.h"
+#include "WaylandButtons.h"
 
 #include <gui/port/sdl/SDLEvent.h>
 
 #include <deque>
+#include <memory>
 
 namespace gui
 {
@@ -43,6 +45,8 @@ public:
     void forgetXEvent() { _xKeyCode = _xTime = 0; }
 
 private:
+    void listenToWayland(std::uint32_t windowID);
+    void takeServerTime(SDLEvent& event);
     void countClick(SDLEvent& event);
     void mergeLastMotions();
 
@@ -53,6 +57,7 @@ private:
     unsigned int _xState = 0;
     std::uint32_t _xTime = 0;
     SDLClicks _clicks;
+    std::unique_ptr<sdl::WaylandButtons> _pWaylandButtons; // from the first event of a window there on
 };
 
 namespace sdl
@@ -61,8 +66,6 @@ namespace sdl
 /// The other side, which SDL2 and SDL3 do each in its own way: SDL's events go to this queue from now on.
 void listen(SDLEventQueue& queue);
 void stopListening();
-/// Takes in what has arrived for those who listen beside SDL.
-void dispatchBeside();
 
 } // namespace sdl
 

@@ -1,7 +1,6 @@
 // SDL2's events, as the library has them.
 
 #include "../sdl/SDLEventQueue.h"
-#include "WaylandButtons.h"
 
 #include <gui/port/sdl/SDL.h>
 #include <gui/port/sdl/SDLPort.h>
@@ -9,8 +8,6 @@
 #include <SDL_syswm.h>
 
 #include <cstring>
-#include <memory>
-#include <optional>
 #include <utility>
 
 namespace gui::sdl
@@ -20,8 +17,6 @@ namespace
 {
 
 using Type = SDLEvent::Type;
-
-std::unique_ptr<WaylandButtons> s_pWaylandButtons; // from the first event of a window there on
 
 static_assert(cCtrl == KMOD_CTRL && cRightAlt == KMOD_RALT && cLogo == KMOD_GUI && cMode == KMOD_MODE);
 
@@ -85,7 +80,6 @@ void takeFinger(SDLEvent& event, const SDL_TouchFingerEvent& finger)
     event.finger = {finger.touchId, finger.fingerId, {static_cast<double>(finger.x), static_cast<double>(finger.y)}};
 }
 
-// SDL's time is when the program came to look.
 void takeButton(SDLEvent& event, const SDL_MouseButtonEvent& button)
 {
     event.type = button.type == SDL_MOUSEBUTTONDOWN ? Type::ButtonDown : Type::ButtonUp;
@@ -94,15 +88,6 @@ void takeButton(SDLEvent& event, const SDL_MouseButtonEvent& button)
     event.button = button.button;
     event.time = std::chrono::milliseconds(button.timestamp);
     event.isOfTouch = button.which == SDL_TOUCH_MOUSEID;
-    SDL_Window* const pWindow = SDL_GetWindowFromID(button.windowID);
-    if (event.isOfTouch || s_pWaylandButtons == nullptr || pWindow == nullptr)
-        return;
-    const bool isDown = event.type == Type::ButtonDown;
-    if (const auto time = s_pWaylandButtons->take(getWaylandSurface(pWindow), event.button, isDown))
-    {
-        event.time = *time;
-        event.isServerTime = true;
-    }
 }
 
 void takePointer(SDLEvent& event, const SDL_Event& sdlEvent)
@@ -164,13 +149,6 @@ void takeDrop(SDLEventQueue& queue, SDLEvent& event, SDL_DropEvent& drop)
     SDL_free(std::exchange(drop.file, nullptr)); // as with a composition
 }
 
-void listenBeside(SDL_Window* pWindow)
-{
-    wl_display* const pWayland = s_pWaylandButtons == nullptr && pWindow != nullptr ? getWayland(pWindow) : nullptr;
-    if (pWayland != nullptr)
-        s_pWaylandButtons = std::make_unique<WaylandButtons>(pWayland);
-}
-
 void take(SDLEventQueue& queue, SDL_Event& sdlEvent)
 {
     SDLEvent event;
@@ -186,7 +164,6 @@ void take(SDLEventQueue& queue, SDL_Event& sdlEvent)
     case SDL_WINDOWEVENT:
         event.type = typeOf(sdlEvent.window);
         event.windowID = sdlEvent.window.windowID;
-        listenBeside(SDL_GetWindowFromID(event.windowID));
         break;
     case SDL_KEYDOWN:
     case SDL_KEYUP:
@@ -268,17 +245,7 @@ void listen(SDLEventQueue& queue)
     SDL_SetEventFilter(onEvent, &queue);
 }
 
-void stopListening()
-{
-    SDL_SetEventFilter(nullptr, nullptr);
-    s_pWaylandButtons.reset();
-}
-
-void dispatchBeside()
-{
-    if (s_pWaylandButtons != nullptr)
-        s_pWaylandButtons->dispatch();
-}
+void stopListening() { SDL_SetEventFilter(nullptr, nullptr); }
 
 void acceptDrops() { enableDrops(SDL_ENABLE); }
 

@@ -268,8 +268,6 @@ void stopListening()
     SDL_SetEventFilter(nullptr, nullptr);
 }
 
-void dispatchBeside() {}
-
 void acceptDrops() { enableDrops(true); }
 
 } // namespace gui::sdl

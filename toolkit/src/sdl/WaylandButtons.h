@@ -17,8 +17,9 @@ struct wl_surface;
 namespace gui::sdl
 {
 
-/// When a pointer's buttons went down and up, by the compositor's clock, which SDL2 keeps to itself: it says when the
-/// program came to look. It listens beside SDL, on a queue of its own. GUI thread only.
+/// When a pointer's buttons went down and up, by the compositor's clock: SDL2 says when the program came to look, and
+/// to SDL3 two that were read at once may be of one moment. It listens beside SDL, on a queue of its own. GUI thread
+/// only.
 class WaylandButtons
 {
 public:
