@@ -18,8 +18,8 @@ namespace gui::sdl
 {
 
 /// When a pointer's buttons went down and up, by the compositor's clock: SDL2 says when the program came to look, and
-/// of what SDL3 says two that were read at once may be one moment. It listens beside SDL, on a queue of its own. GUI
-/// thread only.
+/// to SDL3 two that were read at once may be of one moment. It listens beside SDL, on a queue of its own. GUI thread
+/// only.
 class WaylandButtons
 {
 public:
