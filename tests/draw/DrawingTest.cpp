@@ -260,6 +260,40 @@ TEST_F(DrawingTest, StrokesCoverWhatTheirBrushGoesOver)
     }
 }
 
+// Rings so small that they are points, and dashes of lines that cross, many in one path: each is looked for in all.
+TEST_F(DrawingTest, StrokesOfManySubpathsCoverWhatEachDoes)
+{
+    for (const Join join : {Join::Miter, Join::Round})
+    {
+        Drawing drawing;
+        Coverage exact(cSize, cSize);
+        for (int cell = 0; cell < 64; ++cell)
+        {
+            const Point center(cell % 8 * 128 + 64.0, cell / 8 * 128 + 64.0);
+            const bool areRings = cell < 32;
+            Stroke stroke{.width = areRings ? uniform(1, 8) : uniform(1, 4), .join = join, .dashes = {}};
+            if (!areRings)
+                stroke.dashes = {uniform(2, 9), uniform(1, 6)};
+            Path path;
+            for (int n = 12; n > 0; --n)
+            {
+                std::vector<Point> points;
+                const Point middle = around(center, 40);
+                for (int i = 0; i < (areRings ? 16 : 3); ++i)
+                    points.push_back(areRings
+                                         ? Point(middle.x + .02 * std::cos(.4 * i), middle.y + .02 * std::sin(.4 * i))
+                                         : around(center, 50));
+                areRings ? path.addPolygon(points) : path.addPolyline(points);
+            }
+            drawing.stroke(path, stroke, "#000000");
+            exact.add(test::strokeRings(path, stroke), FillRule::NonZero);
+        }
+        const Coverage picture = drawn(drawing);
+        EXPECT_TRUE(isClose(picture, exact, {0, 0, cSize, cSize / 2}, {3.5, 24, 64})) << "rings " << int(join);
+        EXPECT_TRUE(isClose(picture, exact, {0, cSize / 2, cSize, cSize}, {3.5, 24, 64})) << "dashes " << int(join);
+    }
+}
+
 // A drawing at the origin in the corner of a view: the view's middle, many times as far away, fits in no unit of its.
 TEST_F(DrawingTest, WhatIsSmallBesideTheViewIsInItsPlace)
 {

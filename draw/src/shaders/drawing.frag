@@ -276,35 +276,43 @@ uvec2 capMask(Rows rows, Brush brush, vec2 a, vec2 u, float at, float outwards)
 #endif
 }
 
-// @param before, after  the lines' ways, of any length
-uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isRound, bool isCap)
+// @param before, after  the lines' ways, of any length  @param isCap  a round one  @param isRing  of no size: a disc, or
+// nearly one, of eight corners and as large
+uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isRound, bool isCap, bool isRing)
 {
+    before = isRing ? vec2(1.0, 0.0) : before;
+    after = isRing ? vec2(0.0, 1.0) : after;
     float turn = before.x * after.y - before.y * after.x, cosine = dot(before, after);
     float lenBefore = length(before), lenAfter = length(after), both = lenBefore * lenAfter;
 #ifdef ROUND
-    bool isDisc = brush.join == 1 || isRound || isCap;
+    bool isDisc = brush.join == 1 || isRound || isCap || isRing;
+    float octagon = brush.radius;
 #else
     const bool isDisc = false;
+    float octagon = 0.9737 * brush.radius;
 #endif
     float outside = turn > 0.0 ? -1.0 : 1.0;
     vec2 n0 = outside * vec2(-before.y, before.x), n1 = outside * vec2(-after.y, after.x);
     Spans s = wholeRows();
-    cut(s, rows, before, isCap ? -cEndless : dot(before, c), cEndless);
-    cut(s, rows, after, -cEndless, isCap ? cEndless : dot(after, c));
+    cut(s, rows, before, isRing ? c.x - octagon : isCap ? -cEndless : dot(before, c),
+        isRing ? c.x + octagon : cEndless);
+    cut(s, rows, after, isRing ? c.y - octagon : -cEndless,
+        isRing ? c.y + octagon : isCap ? cEndless : dot(after, c));
 #ifdef ROUND
         cutDisc(s, rows, c, isDisc ? brush.radius : 1e4);
 #endif
     // A mitre is as long as one through the cosine of half the turn, whose square is half of this.
     float folded = both + cosine;
     bool isMiter = brush.join == 0 && 2.0 * both <= brush.miterLimit * brush.miterLimit * folded * 1.000002;
-    vec2 m = n0 * lenAfter + n1 * lenBefore;
+    vec2 m = n0 * lenAfter + n1 * lenBefore, m0 = isRing ? vec2(0.70711) : isMiter ? n0 : m,
+         m1 = isRing ? vec2(0.70711, -0.70711) : isMiter ? n1 : m;
     float chord = dot(m, c) + brush.radius * folded;
-    cut(s, rows, isMiter ? n0 : m, -cEndless,
-        isDisc ? cEndless : isMiter ? dot(n0, c) + brush.radius * lenBefore : chord);
-    cut(s, rows, isMiter ? n1 : m, -cEndless,
-        isDisc ? cEndless : isMiter ? dot(n1, c) + brush.radius * lenAfter : chord);
+    float far0 = isRing ? dot(m0, c) + octagon : isMiter ? dot(n0, c) + brush.radius * lenBefore : chord;
+    float far1 = isRing ? dot(m1, c) + octagon : isMiter ? dot(n1, c) + brush.radius * lenAfter : chord;
+    cut(s, rows, m0, isRing && !isDisc ? dot(m0, c) - octagon : -cEndless, isDisc ? cEndless : far0);
+    cut(s, rows, m1, isRing && !isDisc ? dot(m1, c) - octagon : -cEndless, isDisc ? cEndless : far1);
     // Lines that turn back on themselves have no corner outside.
-    bool isThere = isDisc ? isCap || turn != 0.0 || cosine < 0.0 : turn != 0.0 && folded > 1e-6 * both;
+    bool isThere = isRing || (isDisc ? isCap || turn != 0.0 || cosine < 0.0 : turn != 0.0 && folded > 1e-6 * both);
     return isThere ? maskOf(s) : uvec2(0u);
 }
 
@@ -463,6 +471,7 @@ void addLines(inout Lines lines, Brush brush, Place place, int from, int to, boo
         len = length(way);
         float along = -dot(a, way), across = a.x * way.y - a.y * way.x, beyond = along - len * len;
         float ends = isDot ? reach : side;
+        bool isRing = isDot && isJoined && pa == pb;
         bool isJoin = isJoined && !isDot && isBeyond && along <= side * len && dot(a, a) <= brush.reach * brush.reach;
         isBeyond = beyond >= -side * len;
 #ifdef CAPS
@@ -474,8 +483,9 @@ void addLines(inout Lines lines, Brush brush, Place place, int from, int to, boo
             lines.joins |= isLast ? 1u << uint(min(next - lines.window, 30)) : 0u;
         }
 #endif
-        lines.bodies |= abs(across) <= reach * len && along >= -ends * len && beyond <= ends * len ? bit : 0u;
-        lines.joins |= isJoin ? bit : 0u;
+        bool isNear = abs(across) <= reach * len && along >= -ends * len && beyond <= ends * len;
+        lines.bodies |= isNear && !isRing ? bit : 0u;
+        lines.joins |= (isRing ? dot(a, a) <= reach * reach : isJoin) ? bit : 0u;
         lines.ends |= next - lines.window < 31 ? 1u << uint(next - lines.window) : 0u;
         isJoined = true;
         at = next;
@@ -497,11 +507,11 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, 
     findLine(brush, place, from, to, a, way);
     float len = length(way), scale = len;
     bool isFirst = strokePoint(i - 1) == from;
-    // A line of no length, as one in place of a ring is, has no direction, not that of rounding.
-    way = len > 0.0 ? way : vec2(1.0, 0.0);
-    scale = len > 0.0 ? len : 1.0;
 #if defined CAPS || defined DASHES
     bool isLast = strokePoint(next + 1) == to;
+    // A line of no length has no direction, not that of rounding.
+    way = len > 0.0 ? way : vec2(1.0, 0.0);
+    scale = len > 0.0 ? len : 1.0;
 #endif
 #ifdef DASHES
     if (brush.dashes >= 0)
@@ -553,7 +563,7 @@ uvec2 cornerMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines
     float lenBefore = length(before), lenAfter = length(after);
     if ((lines.chords >> uint(i - lines.window) & 1u) != 0u && dot(before, after) > 0.9 * lenBefore * lenAfter)
         before = 2.0 * before * lenAfter - after * lenBefore;
-    return joinMask(rows, brush, c, before, after, texelFetch(points, i).x != pb.x, isCap);
+    return joinMask(rows, brush, c, before, after, texelFetch(points, i).x != pb.x, isCap, pb == pc && pa != pb);
 }
 
 // Bit by bit the samples that are covered, and how much a pattern that is too fine to be seen leaves of that.
@@ -586,7 +596,8 @@ uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out
                 vec2 c = brush.fromSteps * (stepsOf(place, box.xy) + 0.5 * size) - pixelInBrush, h = extent * size;
                 bool isIn = all(lessThan(abs(c), h + margin));
                 bool isStraight = turnOf(info.w) < brush.mostTurn;
-                isDot = max(h.x, h.y) < 1.0 / 16.0 && !isStraight;
+                // Around what a wide brush goes, however small, shapes can be seen.
+                isDot = max(h.x, h.y) < 1.0 / 16.0 && !isStraight && brush.radius < 1.5;
                 // A chord that is as good as what it stands for.
                 isChord = info.z > info.y + 1 && brush.dashes < 0 &&
                           (isDot || isStraight && deviationOf(info.w) < brush.straight);
