@@ -211,7 +211,7 @@ void Axes::Impl::drawMaps(const PlotPaper& paper)
         const double left = box.left > pixels.left ? box.left : pixels.left;
         const double top = box.top > pixels.top ? box.top : pixels.top;
         const double inPixel = std::max(columns / (box.right - box.left), rows / (box.bottom - box.top));
-        look.nSamples = static_cast<int>(std::clamp(std::ceil(inPixel * 2 - 0.5), 1.0, cMostSamples));
+        look.nSamples = inPixel > 0.75 ? static_cast<int>(std::min(std::ceil(inPixel * 2 - 0.5), cMostSamples)) : 1;
         paper.scene.addGrid({std::floor(left), std::floor(top), std::ceil(std::min(box.right, pixels.right)),
                              std::ceil(std::min(box.bottom, pixels.bottom))},
                             std::move(look));

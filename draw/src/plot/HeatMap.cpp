@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 
@@ -32,7 +33,17 @@ HeatMap::HeatMap(std::size_t columns, std::size_t rows, std::vector<float> value
 
 HeatMap::~HeatMap() = default;
 HeatMap::HeatMap(HeatMap&& other) noexcept = default;
-HeatMap& HeatMap::operator=(HeatMap&& other) noexcept = default;
+
+HeatMap& HeatMap::operator=(HeatMap&& other) noexcept
+{
+    // What the setters of a temporary return may be this one.
+    if (this != &other)
+    {
+        std::destroy_at(this);
+        std::construct_at(this, std::move(other));
+    }
+    return *this;
+}
 
 void HeatMap::setValues(std::vector<float> values)
 {

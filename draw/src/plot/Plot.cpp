@@ -17,9 +17,18 @@
 #include <array>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 namespace gui::draw
 {
+
+namespace
+{
+
+constexpr double cMostPixels = 65'536; // no driver has a viewport as large
+constexpr double cMostPoints = 1000;   // of a style's sizes
+
+} // namespace
 
 PlotStyle PlotStyle::dark()
 {
@@ -101,6 +110,11 @@ void Plot::setColumnShares(std::span<const double> shares)
 void Plot::setStyle(const PlotStyle& style)
 {
     _pImpl->style = style;
+    PlotStyle& own = _pImpl->style;
+    const PlotStyle plain;
+    for (double PlotStyle::*const pSize :
+         {&PlotStyle::labelSize, &PlotStyle::axisTitleSize, &PlotStyle::titleSize, &PlotStyle::lineWidth})
+        own.*pSize = std::isfinite(style.*pSize) ? std::clamp(style.*pSize, 0.0, cMostPoints) : plain.*pSize;
     _pImpl->texts.clear();
     _pImpl->overlayTexts.clear();
     _pImpl->ownVersion = nextVersion();
@@ -183,6 +197,14 @@ bool Plot::draw(const td::Size<double>& size, double pixelsPerPoint)
     Impl& impl = *_pImpl;
     if (!(size.width > 0 && size.height > 0 && pixelsPerPoint > 0))
         return true;
+    if (!(std::max(size.width, size.height) * pixelsPerPoint <= cMostPixels))
+    {
+        if (!std::exchange(impl.isTooLarge, true))
+            vo::dbgLog("Error! Plot::draw: %g x %g points of %g pixels are too many!", size.width, size.height,
+                       pixelsPerPoint);
+        return false;
+    }
+    impl.isTooLarge = false;
     const bool isChanged =
         impl.builtVersion != impl.getVersion() || !(impl.size == size) || impl.scale != pixelsPerPoint;
     impl.build(size, pixelsPerPoint);

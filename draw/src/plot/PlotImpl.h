@@ -55,6 +55,7 @@ struct Plot::Impl
     SeriesGeometry geometry;
     bool isOverlayChanged = true;
     bool isOverlayEmpty = true;
+    bool isTooLarge = false; // and it was said
 
     // The pointer.
     std::optional<Point> pointer; // over the plot, with no button down

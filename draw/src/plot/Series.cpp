@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace gui::draw
@@ -43,7 +44,17 @@ Series::Series(Kind kind, SeriesStyle style)
 
 Series::~Series() = default;
 Series::Series(Series&& other) noexcept = default;
-Series& Series::operator=(Series&& other) noexcept = default;
+
+Series& Series::operator=(Series&& other) noexcept
+{
+    // What the setters of a temporary return may be this one.
+    if (this != &other)
+    {
+        std::destroy_at(this);
+        std::construct_at(this, std::move(other));
+    }
+    return *this;
+}
 
 Series Series::make(Kind kind, Samples y, SeriesStyle style)
 {

@@ -81,7 +81,9 @@ Ticks::Sequence Ticks::search(const Range& range, double wanted, const Legibilit
 {
     Sequence best{0, 0, 0, -2};
     const double length = range.high - range.low;
-    if (!(length > 0) || !std::isfinite(length) || !(wanted > 1))
+    // Of lengths whose squares are no numbers nothing can be said.
+    constexpr double cLeast = 1e-140, cMost = 1e140;
+    if (!(length > cLeast && length < cMost) || !(wanted > 1))
         return best;
     for (unsigned int skip = 1; skip <= cMaxSkip; ++skip)
     {

@@ -10,7 +10,7 @@
 namespace gui::draw
 {
 
-/// The colours and sizes of a plot's paper. A value; sizes are in points.
+/// The colours and sizes of a plot's paper. A value; sizes are in points, 0 to 1000, to which a plot holds them.
 struct GUIGL_API PlotStyle
 {
     td::Color background{255, 255, 255, 255}; ///< around the axes
