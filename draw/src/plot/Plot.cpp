@@ -25,8 +25,8 @@ namespace gui::draw
 namespace
 {
 
-constexpr double cMostPixels = 65'536; // no driver has a viewport as large
-constexpr double cMostPoints = 1000;   // of a style's sizes
+constexpr double cLongestSide = 65'536; // no driver has a viewport as large
+constexpr double cLargestSize = 1000;   // of a style's sizes
 
 } // namespace
 
@@ -114,7 +114,7 @@ void Plot::setStyle(const PlotStyle& style)
     const PlotStyle plain;
     for (double PlotStyle::*const pSize :
          {&PlotStyle::labelSize, &PlotStyle::axisTitleSize, &PlotStyle::titleSize, &PlotStyle::lineWidth})
-        own.*pSize = std::isfinite(style.*pSize) ? std::clamp(style.*pSize, 0.0, cMostPoints) : plain.*pSize;
+        own.*pSize = std::isfinite(style.*pSize) ? std::clamp(style.*pSize, 0.0, cLargestSize) : plain.*pSize;
     _pImpl->texts.clear();
     _pImpl->overlayTexts.clear();
     _pImpl->ownVersion = nextVersion();
@@ -197,7 +197,7 @@ bool Plot::draw(const td::Size<double>& size, double pixelsPerPoint)
     Impl& impl = *_pImpl;
     if (!(size.width > 0 && size.height > 0 && pixelsPerPoint > 0))
         return true;
-    if (!(std::max(size.width, size.height) * pixelsPerPoint <= cMostPixels))
+    if (!(std::max(size.width, size.height) * pixelsPerPoint <= cLongestSide))
     {
         if (!std::exchange(impl.isTooLarge, true))
             vo::dbgLog("Error! Plot::draw: %g x %g points of %g pixels are too many!", size.width, size.height,

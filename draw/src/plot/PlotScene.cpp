@@ -18,6 +18,13 @@ constexpr double cQuadCost = 40;
 constexpr int cWidestTile = 32;
 constexpr std::uint32_t cManyPieces = 24;
 
+// Far beyond all pictures whole numbers end.
+int wholeOf(double place)
+{
+    constexpr double cFar = 1e9;
+    return place > -cFar ? static_cast<int>(std::min(place, cFar)) : static_cast<int>(-cFar);
+}
+
 } // namespace
 
 void PlotScene::clear()
@@ -127,7 +134,7 @@ void PlotScene::addTiles(const std::vector<Piece>& pieces, double reach, std::si
         if (first == end)
         {
             // On to where the next one begins.
-            column = std::max(column, static_cast<int>(std::floor(pieces[first].x0 - reach)) - 1);
+            column = std::max(column, wholeOf(std::floor(pieces[first].x0 - reach)) - 1);
             continue;
         }
         Tile tile{column, column + 1, 1e9, -1e9, first, end};
@@ -201,9 +208,9 @@ void PlotScene::addLine(const std::vector<Segment>& segments, double halfWidth, 
     for (std::uint32_t i = 0; i < pass.count; ++i)
     {
         const Segment& s = segments[i];
-        addTile({static_cast<int>(std::floor(std::min(s.x0, s.x1) - reach)),
-                 static_cast<int>(std::ceil(std::max(s.x0, s.x1) + reach)), std::min(s.y0, s.y1) - reach,
-                 std::max(s.y0, s.y1) + reach, i > 0 ? i - 1 : 0, std::min(i + 2, pass.count), i > 0 ? 2U : 1U},
+        addTile({wholeOf(std::floor(std::min(s.x0, s.x1) - reach)), wholeOf(std::ceil(std::max(s.x0, s.x1) + reach)),
+                 std::min(s.y0, s.y1) - reach, std::max(s.y0, s.y1) + reach, i > 0 ? i - 1 : 0,
+                 std::min(i + 2, pass.count), i > 0 ? 2U : 1U},
                 base, stride);
     }
 }
