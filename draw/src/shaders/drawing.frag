@@ -75,6 +75,9 @@ float areaOfLine(Place place, ivec2 pa, ivec2 pb, vec2 pixel)
     return area + areaLeftOf(nearA - pixel, nearB - pixel);
 }
 
+// Loops here look at their condition last, which takes software drivers half as long, and their bodies do nothing once
+// it has failed: Mesa 22.3 mixes up what comes out of such a loop for pixels that left it before their neighbours.
+
 // The lines of leaves, and of other nodes one from first to last point where that is as good, as they are too small or
 // to the right with all of it.
 float areaOfFill(Place place, uvec4 outline, int first, vec2 pixel)
