@@ -279,8 +279,8 @@ uvec2 capMask(Rows rows, Brush brush, vec2 a, vec2 u, float at, float outwards)
 #endif
 }
 
-// @param before, after  the lines' ways, of any length  @param isCap  a round one  @param isRing  of no size: a disc, or
-// nearly one, of eight corners and as large
+// @param before, after  the lines' ways, of any length  @param isCap  a round one  @param isRing  of no size: a disc,
+// or nearly one, of eight corners and as large
 uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isRound, bool isCap, bool isRing)
 {
     before = isRing ? vec2(1.0, 0.0) : before;

@@ -81,8 +81,8 @@ public:
     /// Draws into the framebuffer and viewport that are bound, all over it. GL's state is afterwards what it was, but
     /// for texture units 0 to 10.
     /// @param size            of the viewport in points  @param pixelsPerPoint  of the viewport
-    /// @return false, with a log line for each kind of reason once: no context, a program that does not link, no memory,
-    ///         more than 65536 pixels one way
+    /// @return false, with a log line for each kind of reason once: no context, a program that does not link, no
+    ///         memory, more than 65536 pixels one way
     bool draw(const td::Size<double>& size, double pixelsPerPoint = 1);
 
     /// Saves a picture of any size as a PNG file, opaque, whatever is shown elsewhere.
