@@ -302,7 +302,7 @@ uvec2 joinMask(Rows rows, Brush brush, vec2 c, vec2 before, vec2 after, bool isR
     cut(s, rows, after, isRing ? c.y - octagon : -cEndless,
         isRing ? c.y + octagon : isCap ? cEndless : dot(after, c));
 #ifdef ROUND
-        cutDisc(s, rows, c, isDisc ? brush.radius : 1e4);
+    cutDisc(s, rows, c, isDisc ? brush.radius : 1e4);
 #endif
     // A mitre is as long as one through the cosine of half the turn, whose square is half of this.
     float folded = both + cosine;
