@@ -1,7 +1,6 @@
 #include "WaylandButtons.h"
 
 #include <linux/input-event-codes.h>
-#include <poll.h>
 #include <wayland-client.h>
 
 #include <algorithm>
@@ -95,14 +94,8 @@ constexpr wl_pointer_listener WaylandButtons::Listeners::cPointer = WaylandButto
 
 // Without a roundtrip: the pointer is there before the user can press its buttons.
 WaylandButtons::WaylandButtons(wl_display* pDisplay)
-    : _pDisplay(pDisplay)
-    , _pQueue(wl_display_create_queue(pDisplay))
+    : _registry(pDisplay, Listeners::cRegistry, this)
 {
-    auto* const pWrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(pDisplay));
-    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(pWrapper), _pQueue);
-    _pRegistry = wl_display_get_registry(pWrapper);
-    wl_proxy_wrapper_destroy(pWrapper);
-    wl_registry_add_listener(_pRegistry, &Listeners::cRegistry, this);
 }
 
 WaylandButtons::~WaylandButtons()
@@ -113,11 +106,9 @@ WaylandButtons::~WaylandButtons()
             wl_pointer_destroy(pPointer->pPointer);
         wl_seat_destroy(pPointer->pSeat);
     }
-    wl_registry_destroy(_pRegistry);
-    wl_event_queue_destroy(_pQueue);
 }
 
-void WaylandButtons::dispatch() { wl_display_dispatch_queue_pending(_pDisplay, _pQueue); }
+void WaylandButtons::dispatch() { _registry.dispatch(); }
 
 std::optional<std::chrono::milliseconds> WaylandButtons::take(const wl_surface* pSurface, int button, bool isDown)
 {
@@ -125,7 +116,7 @@ std::optional<std::chrono::milliseconds> WaylandButtons::take(const wl_surface* 
     if (const std::optional<std::chrono::milliseconds> time = find(pSurface, button, isDown))
         return time;
     // What is sent to two listeners may be read in two parts.
-    readWithoutWaiting();
+    _registry.readWithoutWaiting();
     return find(pSurface, button, isDown);
 }
 
@@ -143,18 +134,6 @@ std::optional<std::chrono::milliseconds> WaylandButtons::find(const wl_surface* 
     const std::chrono::milliseconds time = it->time;
     _events.erase(_events.begin(), it + 1);
     return time;
-}
-
-void WaylandButtons::readWithoutWaiting()
-{
-    while (wl_display_prepare_read_queue(_pDisplay, _pQueue) != 0)
-        dispatch();
-    pollfd descriptor{wl_display_get_fd(_pDisplay), POLLIN, 0};
-    if (poll(&descriptor, 1, 0) > 0)
-        wl_display_read_events(_pDisplay);
-    else
-        wl_display_cancel_read(_pDisplay);
-    dispatch();
 }
 
 } // namespace gui::sdl

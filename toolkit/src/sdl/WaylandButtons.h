@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WaylandRegistry.h"
+
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -8,9 +10,7 @@
 #include <vector>
 
 struct wl_display;
-struct wl_event_queue;
 struct wl_pointer;
-struct wl_registry;
 struct wl_seat;
 struct wl_surface;
 
@@ -52,11 +52,8 @@ private:
     struct Listeners;
 
     std::optional<std::chrono::milliseconds> find(const wl_surface* pSurface, int button, bool isDown);
-    void readWithoutWaiting();
 
-    wl_display* _pDisplay;
-    wl_event_queue* _pQueue;
-    wl_registry* _pRegistry;
+    WaylandRegistry _registry;
     std::vector<std::unique_ptr<Pointer>> _pointers; // one of each seat
     std::deque<Event> _events;                       // that SDL has not told of yet
 };

@@ -67,19 +67,13 @@ struct WaylandPresentation::Listeners
 };
 
 WaylandPresentation::WaylandPresentation(wl_display* pDisplay, Handler handler)
-    : _pDisplay(pDisplay)
-    , _handler(std::move(handler))
-    , _pQueue(wl_display_create_queue(pDisplay))
+    : _handler(std::move(handler))
+    , _registry(pDisplay, Listeners::cRegistry, this)
 {
-    auto* const pWrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(pDisplay));
-    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(pWrapper), _pQueue);
-    _pRegistry = wl_display_get_registry(pWrapper);
-    wl_proxy_wrapper_destroy(pWrapper);
-    wl_registry_add_listener(_pRegistry, &Listeners::cRegistry, this);
     // The first brings what there is, the second its clock.
     constexpr int cRoundtrips = 2;
     for (int i = 0; i < cRoundtrips; ++i)
-        wl_display_roundtrip_queue(_pDisplay, _pQueue);
+        _registry.waitForAnswers();
 }
 
 WaylandPresentation::~WaylandPresentation()
@@ -88,8 +82,6 @@ WaylandPresentation::~WaylandPresentation()
         wp_presentation_feedback_destroy(pFrame->pFeedback);
     if (_pPresentation != nullptr)
         wp_presentation_destroy(_pPresentation);
-    wl_registry_destroy(_pRegistry);
-    wl_event_queue_destroy(_pQueue);
 }
 
 void WaylandPresentation::await(wl_surface* pSurface, std::uint32_t windowID)
@@ -105,7 +97,7 @@ void WaylandPresentation::await(wl_surface* pSurface, std::uint32_t windowID)
     wp_presentation_feedback_add_listener(pFeedback, &Listeners::cFeedback, _frames.back().get());
 }
 
-void WaylandPresentation::dispatch() { wl_display_dispatch_queue_pending(_pDisplay, _pQueue); }
+void WaylandPresentation::dispatch() { _registry.dispatch(); }
 
 // Compositors have other clocks than ours, some of which are not kept in step with the world's.
 RunLoop::Time WaylandPresentation::toTime(std::chrono::nanoseconds shown) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WaylandRegistry.h"
+
 #include <gui/port/RunLoop.h>
 
 #include <chrono>
@@ -10,8 +12,6 @@
 #include <vector>
 
 struct wl_display;
-struct wl_event_queue;
-struct wl_registry;
 struct wl_surface;
 struct wp_presentation;
 
@@ -43,10 +43,8 @@ private:
     RunLoop::Time toTime(std::chrono::nanoseconds shown) const;
     void forget(const Frame* pFrame);
 
-    wl_display* _pDisplay;
     Handler _handler;
-    wl_event_queue* _pQueue;
-    wl_registry* _pRegistry = nullptr;
+    sdl::WaylandRegistry _registry;
     wp_presentation* _pPresentation = nullptr;
     clockid_t _clock{};                          // of the compositor's times
     bool _hasClock = false;                      // which we can read
