@@ -177,8 +177,8 @@ configure()
     [[ -z ${CI:-} ]] || strict=(-DGUIGL_WERROR=ON)
     # Tests of what is not built would be missed by nobody.
     [[ $tool != test ]] || strict+=(-DGUIGL_EVERY_HOST=ON)
-    # What is measured is what others build.
-    [[ $preset != bench ]] || unity=OFF
+    # What is measured is what others build; and clang-tidy is to see sources, not what includes them.
+    [[ $preset != bench && $preset != tidy ]] || unity=OFF
     # CMake refuses a build folder that was copied or moved here with the tree.
     if [[ -f $cache ]] &&
         ! grep --quiet --line-regexp --fixed-strings "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then

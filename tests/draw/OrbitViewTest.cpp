@@ -435,6 +435,7 @@ TEST_F(OrbitViewTest, RestsWhenAFlightHasEnded)
     EXPECT_FALSE(view.isAnimated());
     pNative->drawNow();
     EXPECT_TRUE(view.isAnimated());
+    journal.take(); // the flight may end with the next tick
     std::vector<std::string> last;
     for (; view.isAnimated(); last = journal.take())
         pNative->onFrameTick();

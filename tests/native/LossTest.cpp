@@ -154,7 +154,7 @@ protected:
     {
         std::vector<std::string> lines = log.take();
         for (std::string& line : lines)
-            line = line.substr(0, line.find(" ("));
+            line.resize(std::min(line.find(" ("), line.size()));
         return lines;
     }
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace gui::draw
@@ -24,21 +25,34 @@ public:
     /// Whether no part of a box is taken.
     bool isFree(const Drawing::Rect& box) const
     {
-        const auto [left, top, right, bottom] = squaresOf(box);
-        for (std::int64_t y = top; y <= bottom; ++y)
-            for (std::int64_t x = left; x <= right; ++x)
+        const auto meets = [&box](const Place& place)
+        {
+            const Drawing::Rect& other = place.box;
+            return box.left < other.right && box.right > other.left && box.top < other.bottom && box.bottom > other.top;
+        };
+        if (std::ranges::any_of(_large, meets))
+            return false;
+        const std::optional<Squares> squares = squaresOf(box);
+        if (!squares)
+            return std::ranges::none_of(_places, meets);
+        for (std::int64_t y = squares->top; y <= squares->bottom; ++y)
+            for (std::int64_t x = squares->left; x <= squares->right; ++x)
                 for (std::uint32_t i = _squares[indexOf(x, y)]; i != cNone; i = _places[i].next)
-                    if (const Drawing::Rect& other = _places[i].box; box.left < other.right && box.right > other.left &&
-                                                                     box.top < other.bottom && box.bottom > other.top)
+                    if (meets(_places[i]))
                         return false;
         return true;
     }
 
     void take(const Drawing::Rect& box)
     {
-        const auto [left, top, right, bottom] = squaresOf(box);
-        for (std::int64_t y = top; y <= bottom; ++y)
-            for (std::int64_t x = left; x <= right; ++x)
+        const std::optional<Squares> squares = squaresOf(box);
+        if (!squares)
+        {
+            _large.push_back({box, cNone});
+            return;
+        }
+        for (std::int64_t y = squares->top; y <= squares->bottom; ++y)
+            for (std::int64_t x = squares->left; x <= squares->right; ++x)
             {
                 std::uint32_t& first = _squares[indexOf(x, y)];
                 _places.push_back({box, first});
@@ -62,10 +76,19 @@ private:
         std::int64_t left, top, right, bottom;
     };
 
-    static Squares squaresOf(const Drawing::Rect& box)
+    /// Those that a box has a part in; none for one that is so large or so far away, or no box, that it is compared
+    /// with all others.
+    static std::optional<Squares> squaresOf(const Drawing::Rect& box)
     {
-        const auto square = [](double x) { return static_cast<std::int64_t>(std::floor(x / cSquare)); };
-        return {square(box.left), square(box.top), square(box.right), square(box.bottom)};
+        constexpr double cMostSquares = 64, cFarthestSquare = 1e15;
+        const double left = std::floor(box.left / cSquare), right = std::floor(box.right / cSquare);
+        const double top = std::floor(box.top / cSquare), bottom = std::floor(box.bottom / cSquare);
+        const auto isNear = [](double x) { return std::abs(x) < cFarthestSquare; }; // NaN is not
+        if (!isNear(left) || !isNear(top) || !isNear(right) || !isNear(bottom) || right - left > cMostSquares ||
+            bottom - top > cMostSquares)
+            return std::nullopt;
+        const auto whole = [](double x) { return static_cast<std::int64_t>(x); };
+        return Squares{whole(left), whole(top), whole(right), whole(bottom)};
     }
 
     // Many squares of the plane share one of these: boxes are compared all the same.
@@ -78,6 +101,7 @@ private:
 
     std::vector<std::uint32_t> _squares; // as many as a power of two
     std::vector<Place> _places;
+    std::vector<Place> _large; // in no square
 };
 
 } // namespace gui::draw

@@ -24,6 +24,7 @@ double sineOf(double degrees)
     }
 }
 
-double cosineOf(double degrees) { return sineOf(degrees + 90); }
+// Within a turn first: 90 more is lost in what is large.
+double cosineOf(double degrees) { return sineOf(std::remainder(degrees, 360.0) + 90); }
 
 } // namespace gui::draw

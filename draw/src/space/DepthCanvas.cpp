@@ -37,9 +37,11 @@ bool hasReversedDepth()
 std::vector<Eye> slicesOf(const Eye& eye)
 {
     const double nearest = eye.getNearest(), farthest = eye.getFarthest();
-    if (eye.getDepth() != Eye::Depth::Sliced || eye.isOrthographic())
+    const double whole = std::log(farthest / nearest);
+    // Without an end, and from an eye that sees nothing, there is but one.
+    if (eye.getDepth() != Eye::Depth::Sliced || eye.isOrthographic() || !std::isfinite(whole))
         return {eye.getDepth() == Eye::Depth::Sliced ? eye.getBetween(nearest, farthest) : eye};
-    const double n = std::max(1.0, std::ceil(std::log(farthest / nearest) / std::log(cSliceRatio)));
+    const double n = std::max(1.0, std::ceil(whole / std::log(cSliceRatio)));
     const double ratio = std::pow(farthest / nearest, 1 / n);
     std::vector<Eye> eyes;
     double begin = nearest;

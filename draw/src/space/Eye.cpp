@@ -124,7 +124,9 @@ Ray Eye::getRay(const td::Point<double>& point) const
     const Ray ray{_position + toModel * glm::dvec3(sight.start + nearest * sight.slope, -nearest),
                   glm::normalize(toModel * glm::dvec3(sight.slope, -1))};
     const glm::dvec3 sum = ray.origin + ray.direction;
-    return std::isfinite(sum.x) && std::isfinite(sum.y) && std::isfinite(sum.z) ? ray : ahead;
+    // Of a point some 10^155 views away the length overflows, and the direction is 0.
+    const bool isSome = ray.direction != glm::dvec3(0);
+    return isSome && std::isfinite(sum.x) && std::isfinite(sum.y) && std::isfinite(sum.z) ? ray : ahead;
 }
 
 std::optional<glm::dvec3> Eye::project(const glm::dvec3& point) const

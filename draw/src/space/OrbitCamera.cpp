@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 namespace gui::draw
@@ -94,7 +95,7 @@ OrbitCamera::Range OrbitCamera::distanceLimits() const
         return *_distanceLimits;
     const double radius = _bounds.getRadius();
     constexpr double cUnlimited = 1e100; // its square is a double too
-    if (!(radius > 0))
+    if (!(radius > 0 && radius < cUnlimited))
         return {1 / cUnlimited, cUnlimited};
     constexpr double cClosest = 1e-7, cLeastSize = 4; // in points
     return {cClosest * radius, radius * std::max(_size.height, 100.0) / (cLeastSize * std::min(tangent(), 1.0))};
@@ -125,7 +126,8 @@ OrbitCamera::Pose OrbitCamera::withEyeWithin(Pose pose) const
     const glm::dvec3 back = glm::transpose(pose.rotation)[2];
     const glm::dvec3 away = pose.target + pose.distance * back - center;
     const double distance = glm::length(away);
-    if (distance < limits.min * (1 - cRounding) || distance > limits.max * (1 + cRounding))
+    // What is farther away than numbers go can't be brought anywhere.
+    if (std::isfinite(distance) && (distance < limits.min * (1 - cRounding) || distance > limits.max * (1 + cRounding)))
         pose.target +=
             (std::clamp(distance, limits.min, limits.max) - distance) * (distance > 0 ? away / distance : back);
     return pose;
@@ -160,7 +162,8 @@ std::optional<OrbitCamera::Pose> OrbitCamera::poseOf(const Fit& fit, const glm::
         const double nearer = _projection == Projection::Perspective ? corner.z : 0;
         distance = std::max({distance, nearer + std::abs(corner.x) / tangentX, nearer + std::abs(corner.y) / tangentY});
     }
-    return within({center, rotation, distance > 0 ? distance : _pose.distance});
+    const Pose pose = within({center, rotation, distance > 0 ? distance : _pose.distance});
+    return isPose(pose) ? std::optional(pose) : std::nullopt; // a box may be too large for numbers
 }
 
 void OrbitCamera::moved()
@@ -415,6 +418,12 @@ void OrbitCamera::setElevationLimits(double min, double max)
 
 void OrbitCamera::setTargetLimits(const Box3& box)
 {
+    // Sides may be infinite, but there must be some place within.
+    constexpr double cInfinity = std::numeric_limits<double>::infinity();
+    const auto isNowhere = [](double min, double max) { return min == cInfinity || max == -cInfinity; };
+    if (!box.isEmpty() &&
+        (isNowhere(box.min.x, box.max.x) || isNowhere(box.min.y, box.max.y) || isNowhere(box.min.z, box.max.z)))
+        return;
     _targetLimits = box;
     _pose = within(_pose);
 }

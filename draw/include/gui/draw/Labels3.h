@@ -109,7 +109,7 @@ public:
     /// Adds a text at a point.
     /// @param at      in model units
     /// @param layout  in points; see TextStyle::unit
-    /// @return 0, with nothing added, for a point that is not finite
+    /// @return 0, with nothing added, for a point or an offset that is not finite
     ID add(const glm::dvec3& at, const TextLayout& layout, const Label3& look = {});
     /// The same with a text of one style.
     ID add(const glm::dvec3& at, std::string_view text, const TextStyle& style = {}, const Label3& look = {});
