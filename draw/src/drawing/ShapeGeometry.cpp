@@ -215,19 +215,8 @@ void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, S
     shape.clear();
     _fill.addPath(path, toleranceFor(path, tolerance));
     _fill.tessellate(rule);
-    const std::vector<td::Point<double>>& vertices = _fill.getVertices();
     if (_fill.getIndices().empty())
         return;
-    td::Point<double> low = vertices.front(), high = low;
-    for (const td::Point<double>& p : vertices)
-    {
-        low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-        high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-    }
-    shape.step = _fill.getStep();
-    // A number of the grid, so that all differences are whole.
-    shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
-                    std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     linkRings(shape);
     addElement(shape, ElementKind::Box);
     addTree(shape, ElementKind::Edge);
@@ -257,54 +246,81 @@ void ShapeBuilder::addTriangles(ShapeGeometry& shape)
 void ShapeBuilder::linkRings(ShapeGeometry& shape)
 {
     constexpr std::uint32_t cNone = UINT32_MAX;
-    const std::size_t n = _fill.getVertices().size();
-    const std::vector<FillTessellator::Edge>& edges = _fill.getBoundary();
-    _rings.clear();
-    _numbers.assign(n, cNone); // the first point that each vertex became
+    const std::span<const GridPoint> vertices = _fill.getVertices();
+    const std::vector<FillSweep::BoundaryEdge>& edges = _fill.getBoundary();
+    const auto n = static_cast<std::uint32_t>(vertices.size());
     // Where one edge begins at each vertex, as in most fills.
     _next.assign(n, cNone);
-    const auto isAlone = [this](const FillTessellator::Edge& edge)
-    { return std::exchange(_next[edge.from], edge.to) == cNone; };
-    if (std::all_of(edges.begin(), edges.end(), isAlone))
+    bool areAlone = true;
+    GridPoint low{INT32_MAX, INT32_MAX}, high{INT32_MIN, INT32_MIN};
+    for (const FillSweep::BoundaryEdge& edge : edges)
     {
-        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
-            if (_next[vertex] != cNone && _numbers[vertex] == cNone)
-                linkRing(vertex, shape, [this](std::uint32_t at) { return _next[at]; });
-        return;
+        areAlone = std::exchange(_next[edge.from], edge.to) == cNone && areAlone;
+        const GridPoint p = vertices[edge.from];
+        low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y)};
     }
-    _starts.assign(n + 1, 0);
-    for (const FillTessellator::Edge& edge : edges)
-        ++_starts[edge.from + 1];
-    for (std::size_t i = 1; i < _starts.size(); ++i)
-        _starts[i] += _starts[i - 1];
-    _next.resize(edges.size());
-    _ends.assign(_starts.begin(), _starts.end() - 1);
-    for (const FillTessellator::Edge& edge : edges)
-        _next[_ends[edge.from]++] = edge.to;
-    // From here on the edges of each vertex that are left end there.
-    for (std::uint32_t vertex = 0; vertex < n; ++vertex)
-        while (_ends[vertex] > _starts[vertex])
-            linkRing(vertex, shape, [this](std::uint32_t at) { return _next[--_ends[at]]; });
+    const td::Point<double> gridOrigin = _fill.getOrigin();
+    shape.step = _fill.getStep();
+    const double inverse = 1 / shape.step;
+    // A number of the grid, so that all differences are whole.
+    const auto middle = [&](double at, std::int32_t least, std::int32_t most) {
+        return std::nearbyint(((at + shape.step * least) / 2 + (at + shape.step * most) / 2) / shape.step) * shape.step;
+    };
+    shape.origin = {middle(gridOrigin.x, low.x, high.x), middle(gridOrigin.y, low.y, high.y)};
+    const GridPoint shift = toGrid(shape.origin, gridOrigin, inverse);
+
+    _rings.clear();
+    _numbers.assign(n, cNone); // the first point that each vertex became
+    // No ring has less than two edges, and each has its first point once more.
+    shape.points.resize(edges.size() + edges.size() / 2);
+    GridPoint* pPoint = shape.points.data();
+    if (areAlone)
+        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+        {
+            if (_next[vertex] != cNone && _numbers[vertex] == cNone)
+                pPoint = linkRing(vertex, shift, shape, pPoint, [this](std::uint32_t at) { return _next[at]; });
+        }
+    else
+    {
+        _starts.assign(n + std::size_t(1), 0);
+        for (const FillSweep::BoundaryEdge& edge : edges)
+            ++_starts[edge.from + 1];
+        for (std::size_t i = 1; i < _starts.size(); ++i)
+            _starts[i] += _starts[i - 1];
+        _next.resize(edges.size());
+        _ends.assign(_starts.begin(), _starts.end() - 1);
+        for (const FillSweep::BoundaryEdge& edge : edges)
+            _next[_ends[edge.from]++] = edge.to;
+        // From here on the edges of each vertex that are left end there.
+        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+            while (_ends[vertex] > _starts[vertex])
+                pPoint =
+                    linkRing(vertex, shift, shape, pPoint, [this](std::uint32_t at) { return _next[--_ends[at]]; });
+    }
+    shape.points.resize(static_cast<std::size_t>(pPoint - shape.points.data()));
 }
 
+// @return behind the ring's points
 template <typename Next>
-void ShapeBuilder::linkRing(std::uint32_t vertex, ShapeGeometry& shape, Next next)
+GridPoint* ShapeBuilder::linkRing(std::uint32_t vertex, GridPoint shift, const ShapeGeometry& shape, GridPoint* pPoint,
+                                  Next next)
 {
-    const double inverse = 1 / shape.step;
-    const auto first = static_cast<std::uint32_t>(shape.points.size());
+    const std::span<const GridPoint> vertices = _fill.getVertices();
+    const auto first = static_cast<std::uint32_t>(pPoint - shape.points.data());
     std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
-    std::uint32_t at = vertex;
+    std::uint32_t at = vertex, number = first;
     do
     {
-        const GridPoint p = toGrid(_fill.getVertices()[at], shape.origin, inverse);
-        _numbers[at] = std::min(_numbers[at], static_cast<std::uint32_t>(shape.points.size()));
-        shape.points.push_back(p);
+        const GridPoint p{vertices[at].x - shift.x, vertices[at].y - shift.y};
+        _numbers[at] = std::min(_numbers[at], number++);
+        *pPoint++ = p;
         widen(box, {p.x, p.y, p.x, p.y});
         at = next(at);
     } while (at != vertex);
-    const GridPoint begin = shape.points[first];
-    shape.points.push_back(begin);
-    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(shape.points.size()) - 1, box);
+    *pPoint++ = shape.points[first];
+    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(number), box);
+    return pPoint;
 }
 
 void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "../fill/GridPoint.h"
+#include "../fill/GridTessellator.h"
 
-#include <gui/draw/FillTessellator.h>
 #include <gui/draw/Path.h>
 #include <gui/draw/Stroke.h>
 
@@ -96,7 +95,8 @@ public:
 private:
     void linkRings(ShapeGeometry& shape);
     template <typename Next>
-    void linkRing(std::uint32_t vertex, ShapeGeometry& shape, Next next);
+    GridPoint* linkRing(std::uint32_t vertex, GridPoint shift, const ShapeGeometry& shape, GridPoint* pPoint,
+                        Next next);
     void addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box);
     void addTree(ShapeGeometry& shape, ElementKind kind);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
@@ -113,7 +113,7 @@ private:
         std::uint64_t place;      // along a curve that fills the plane
     };
 
-    FillTessellator _fill;
+    GridTessellator _fill;
     Polylines _lines;
     std::vector<std::uint32_t> _starts, _ends, _next, _numbers;
     std::vector<Ring> _rings;
