@@ -71,10 +71,11 @@ void DrawList::removeAt(std::size_t place)
 std::size_t DrawList::countRanges() const
 {
     std::size_t n = 0;
-    std::uint32_t end = 0;
+    std::uint32_t shapesEnd = 0, glyphsEnd = cLongElements;
     for (const Entry& entry : std::span(_shapes.data(), _shapes.size()))
         if (entry.count != 0)
         {
+            std::uint32_t& end = areGlyphs(entry.ink) ? glyphsEnd : shapesEnd;
             n += entry.first != end;
             end = entry.first + entry.count;
         }

@@ -42,8 +42,8 @@ class DrawList
 public:
     using Rect = td::RectNormalized<double>;
 
-    /// Quads from this number on are boxes around the shapes of records.
-    static constexpr std::uint32_t cBoxes = 1U << 28;
+    /// Quads from this number on are long elements, and from that one on boxes around the shapes of records.
+    static constexpr std::uint32_t cLongElements = 1U << 27, cBoxes = 1U << 28;
 
     /// What is drawn together: shapes, glyphs by their outlines, by their pictures or some by either, and what has an
     /// image, by the numbers from cImages on.
@@ -54,9 +54,9 @@ public:
     {
         Rect bounds;                  // in model units, with a stroke's width if that is in model units
         float margin = 0;             // in points, around them
-        std::uint32_t first = 0;      // its elements
+        std::uint32_t first = 0;      // its quads
         std::uint32_t count = 0;      // 0 when there is nothing to see
-        std::uint32_t nTriangles = 0; // of its elements the last ones, if it is a fill
+        std::uint32_t nTriangles = 0; // of its quads the last ones, if it is a fill
         std::uint32_t record = 0;
         std::uint32_t ink = cShapes;
         ZoomRange zooms;
@@ -75,7 +75,7 @@ public:
     void set(std::size_t place, const Shape& shape);
     void removeAt(std::size_t place);
 
-    /// In how many pieces the elements lie in order.
+    /// In how many pieces the elements lie in order, and the long ones.
     std::size_t countRanges() const;
 
     /// @param visible  in model units  @param pixelsPerUnit  at most, in any direction  @param pixelsPerPoint  of

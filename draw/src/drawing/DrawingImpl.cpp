@@ -261,6 +261,8 @@ void Drawing::Impl::enlist(const Item& item)
             shape.ink = DrawList::cImages + item.image - 1;
         if (item.kind == Kind::Glyphs)
         {
+            shape.first = DrawList::cLongElements + item.places.longElements.first;
+            shape.count = item.places.longElements.count;
             const Letters& letters = *item.pLetters;
             const double reach = reachOf(textOf(item).ink);
             // A pixel more, for those that stand on whole ones.
@@ -281,21 +283,25 @@ void Drawing::Impl::tidy()
     areElementsStale = false;
     if (list.countRanges() <= cMostRanges)
         return;
-    std::vector<TableRange*> inOrder;
+    std::vector<ShapePlaces*> inOrder;
     inOrder.reserve(order.size());
     for (const std::uint32_t slot : order)
         if (slot != cNoItem)
-            inOrder.push_back(&items[slot].places.elements);
+            inOrder.push_back(&items[slot].places);
     // Where hidden shapes lie between, there are as many ranges in any order.
-    std::uint32_t end = 0;
-    bool isInOrder = true;
-    for (const TableRange* const pRange : inOrder)
-        if (pRange->count > 0)
-        {
-            isInOrder = isInOrder && pRange->first == end;
-            end = pRange->first + pRange->count;
-        }
-    if (isInOrder)
+    const auto isInOrder = [&inOrder](TableRange ShapePlaces::*range)
+    {
+        std::uint32_t end = 0;
+        return std::all_of(inOrder.begin(), inOrder.end(),
+                           [&](const ShapePlaces* pPlaces)
+                           {
+                               const TableRange& own = pPlaces->*range;
+                               const bool isNext = own.count == 0 || own.first == end;
+                               end += own.count;
+                               return isNext;
+                           });
+    };
+    if (isInOrder(&ShapePlaces::elements) && isInOrder(&ShapePlaces::longElements))
         return;
     tables.reorderElements(inOrder);
     for (const std::uint32_t slot : order)

@@ -276,7 +276,7 @@ struct Drawing::Impl
     std::size_t sweepAt = 10000; // glyphs
     Sight lastSight;
     ImageStore images;
-    std::vector<Element> elements;
+    std::vector<LongElement> elements;  // of glyphs
     std::vector<std::uint32_t> numbers; // of glyphs
     DrawingPainter painter;
 };

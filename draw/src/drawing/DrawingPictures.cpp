@@ -37,9 +37,9 @@ bool Drawing::Impl::isInSight(const Item& item, const Sight& sight) const
 
 void Drawing::Impl::usePicturesOf(const Item& item)
 {
-    for (std::uint32_t i = 0; i < item.places.elements.count; ++i)
+    for (std::uint32_t i = 0; i < item.places.longElements.count; ++i)
         if (const GlyphPicture& picture =
-                tables.getPicture(tables.getElements()[item.places.elements.first + i].points[0]);
+                tables.getPicture(tables.getLongElements()[item.places.longElements.first + i].points[0]);
             picture.isThere())
             glyphs.atlasOf(picture).use(picture.getY());
 }
@@ -47,9 +47,9 @@ void Drawing::Impl::usePicturesOf(const Item& item)
 bool Drawing::Impl::lookAtPictures(Item& item, double& time, bool mayDraw, std::vector<std::uint32_t>* pEvicted)
 {
     bool hasPictures = false, hasOutlines = false, isWaiting = false;
-    for (std::uint32_t i = 0; i < item.places.elements.count; ++i)
+    for (std::uint32_t i = 0; i < item.places.longElements.count; ++i)
     {
-        const std::uint32_t glyph = tables.getElements()[item.places.elements.first + i].points[0];
+        const std::uint32_t glyph = tables.getLongElements()[item.places.longElements.first + i].points[0];
         if (const GlyphPicture& old = tables.getPicture(glyph);
             old.isWaited() && (time > 0 || (old.isColored() && mayDraw)))
         {
@@ -140,9 +140,10 @@ void Drawing::Impl::sweepGlyphs()
     std::vector<bool> areUsed;
     for (const std::uint32_t slot : order)
         if (slot != cNoItem && items[slot].kind == Kind::Glyphs)
-            for (std::uint32_t i = 0; i < items[slot].places.elements.count; ++i)
+            for (std::uint32_t i = 0; i < items[slot].places.longElements.count; ++i)
             {
-                const std::uint32_t glyph = tables.getElements()[items[slot].places.elements.first + i].points[0];
+                const std::uint32_t glyph =
+                    tables.getLongElements()[items[slot].places.longElements.first + i].points[0];
                 if (glyph >= areUsed.size())
                     areUsed.resize(glyph + std::size_t(1000));
                 areUsed[glyph] = true;

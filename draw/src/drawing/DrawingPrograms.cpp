@@ -62,6 +62,7 @@ void ShapeProgram::onLinked()
     setUniformValue(find("image"), static_cast<int>(DrawingPrograms::cImageUnit));
     setUniformValue(find("pictures"), static_cast<int>(DrawingPrograms::cPictureUnit));
     setUniformValue(find("coloredPictures"), static_cast<int>(DrawingPrograms::cColoredUnit));
+    setUniformValue(find("longElements"), static_cast<int>(DrawingPrograms::cLongElementsUnit));
     for (const char* name : {"shapes", "elements", "points", "nodes", "numbers", "links", "glyphs"})
         setUniformValue(find(name), unit++);
 }

@@ -53,6 +53,7 @@ public:
     static constexpr gl::Texture::Unit cImageUnit = gl::Texture::Unit::T8;
     static constexpr gl::Texture::Unit cPictureUnit = gl::Texture::Unit::T9;
     static constexpr gl::Texture::Unit cColoredUnit = gl::Texture::Unit::T10;
+    static constexpr gl::Texture::Unit cLongElementsUnit = gl::Texture::Unit::T11;
 
     /// Beside features: the first pass, of what is inside of opaque fills; and nothing but pictures of glyphs.
     static constexpr unsigned int cCore = 1U << 16, cPicturesAlone = 1U << 17;

@@ -23,9 +23,9 @@ constexpr double cTextStep = 0x1p-20;
 
 double finite(double number) { return std::isfinite(number) ? number : 0; }
 
-Element elementOf(std::uint32_t glyph, double x, double y)
+LongElement elementOf(std::uint32_t glyph, double x, double y)
 {
-    return {static_cast<std::uint32_t>(ElementKind::Glyph) << 28,
+    return {bitsOf(ElementKind::Glyph),
             {glyph, std::bit_cast<std::uint32_t>(static_cast<float>(x)),
              std::bit_cast<std::uint32_t>(static_cast<float>(y))}};
 }
@@ -85,9 +85,9 @@ td::Color Drawing::Impl::foregroundOf(const Paint& paint)
 void Drawing::Impl::recolor(Item& item, td::Color foreground)
 {
     bool isRecolored = false;
-    for (std::uint32_t i = 0; i < item.places.elements.count; ++i)
+    for (std::uint32_t i = 0; i < item.places.longElements.count; ++i)
     {
-        const std::uint32_t old = tables.getElements()[item.places.elements.first + i].points[0];
+        const std::uint32_t old = tables.getLongElements()[item.places.longElements.first + i].points[0];
         if (const std::uint32_t number = glyphs.recolored(old, foreground, tables); number != old)
         {
             tables.setGlyph(item.places, i, number);
@@ -275,7 +275,7 @@ void Drawing::Impl::findNeighbours(const GlyphStyle& style)
     // Pictures' boxes end with a pixel.
     const double margin = style.lineWidth / 2 + (style.isInPoints ? 1.5 : 0.1 * style.size);
     boxes.clear();
-    for (const Element& element : elements)
+    for (const LongElement& element : elements)
     {
         const Rect box = tables.getBoxOf(element.points[0]);
         const double x = double(std::bit_cast<float>(element.points[1])),

@@ -33,97 +33,34 @@ GridPoint toGrid(td::Point<double> p, td::Point<double> origin, double inverse)
 // than all else here.
 double lengthOf(double x, double y) { return std::sqrt(x * x + y * y); }
 
+constexpr std::array<std::int32_t, 4> cNothing{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+
 void widen(std::array<std::int32_t, 4>& box, const std::array<std::int32_t, 4>& by)
 {
     box = {std::min(box[0], by[0]), std::min(box[1], by[1]), std::max(box[2], by[2]), std::max(box[3], by[3])};
 }
 
-} // namespace
-
-void ShapeGeometry::clear()
+void addElement(ShapeGeometry& shape, ElementKind kind, std::size_t what)
 {
-    points.clear();
-    nodes.clear();
-    elements.clear();
-    nTriangles = 0;
-    lengths.clear();
-    hasRound = false;
-    reach = 1;
+    shape.elements.push_back({bitsOf(kind), static_cast<std::uint32_t>(what)});
 }
 
-double toleranceFor(const Path& path, double tolerance)
+void addLongElement(ShapeGeometry& shape, ElementKind kind, const std::array<std::uint32_t, 3>& points)
 {
-    if (tolerance > 0)
-        return tolerance;
-    if (!path.hasCurves())
-        return 1;
-    const std::optional<Path::Rect> bounds = path.getBounds();
-    const double size = bounds ? std::max(bounds->right - bounds->left, bounds->bottom - bounds->top) : 0;
-    return size > 0 && std::isfinite(size) ? size / 4096 : 1;
+    addElement(shape, ElementKind::Long, shape.longElements.size());
+    shape.longElements.push_back({bitsOf(kind), points});
 }
 
-void ShapeBuilder::addElement(ShapeGeometry& shape, ElementKind kind, std::size_t first, std::size_t second)
+// From its lines, or from its parts: they deviate from their own chord, and that from the whole one. Only strokes are
+// asked how lines turn.
+template <ElementKind Kind>
+void setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf)
 {
-    shape.elements.push_back({static_cast<std::uint32_t>(kind) << 28,
-                              {static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(second), 0}});
-}
-
-// With the elements of its lines, and of the node unless it is the root, whose parent is itself.
-void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind,
-                            std::size_t parent)
-{
-    const std::size_t number = shape.nodes.size();
-    shape.nodes.emplace_back();
-    _parents.push_back(static_cast<std::uint32_t>(parent));
-    if (number != parent)
-        addElement(shape, ElementKind::Node, number, parent);
-    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
-    const std::int32_t n = last - first;
-    if (n <= cLeaf)
-        for (std::int32_t i = first; i <= last; ++i)
-        {
-            const auto point = static_cast<std::uint32_t>(i);
-            const GridPoint p = withoutMark(shape.points[point]);
-            widen(box, {p.x, p.y, p.x, p.y});
-            _leaves[point] = static_cast<std::uint32_t>(number);
-            if (i == last)
-                break;
-            addElement(shape, kind, point, number);
-            if (kind == ElementKind::Line && std::binary_search(_tips.begin(), _tips.end(), point))
-                addElement(shape, ElementKind::Tip, point, number);
-        }
-    else
-    {
-        const std::int32_t part = ((n + cParts - 1) / cParts + cLeaf - 1) / cLeaf * cLeaf;
-        for (std::int32_t begin = first; begin < last; begin += part)
-        {
-            const std::size_t child = shape.nodes.size();
-            addChain(shape, begin, std::min(begin + part, last), kind, number);
-            widen(box, shape.nodes[child].box);
-        }
-    }
-    shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, 0};
-    setForm(shape, number, n <= cLeaf);
-}
-
-void EdgeNode::setForm(bool isLeaf, double deviation, double turn)
-{
-    // One more, at the lowest bit that is left, is not less than the number was.
-    constexpr double cLargest = 1e30;
-    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(std::min(deviation, cLargest)));
-    const double exact = std::min(turn, double(cSharpest)) * 64;
-    const auto below = static_cast<std::uint32_t>(exact);
-    const std::uint32_t steps = below + (below < exact ? 1 : 0);
-    form = (bits == 0 ? 0U : (bits & ~255U) + 256U) | steps << 1 | (isLeaf ? 1U : 0U);
-}
-
-// From its lines, or from its parts: they deviate from their own chord, and that from the whole one.
-void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf)
-{
+    constexpr bool cHasTurns = Kind == ElementKind::Line;
     using Vector = td::Point<double>;
-    const auto at = [&shape](std::int32_t i)
+    const auto at = [pPoints = shape.points.data()](std::int32_t i)
     {
-        const GridPoint p = withoutMark(shape.points[static_cast<std::size_t>(i)]);
+        const GridPoint p = cHasTurns ? withoutMark(pPoints[i]) : pPoints[i];
         return Vector(p.x, p.y);
     };
     EdgeNode& node = shape.nodes[number];
@@ -131,7 +68,7 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
     const double length = lengthOf(way.x, way.y);
     const Vector u = length > 0 ? Vector(way.x / length, way.y / length) : Vector(0, 0);
     constexpr double cMostTurn = EdgeNode::cSharpest;
-    double deviation = 0, turn = length > 0 ? 0 : 2, farBefore = 0;
+    double deviation = 0, turn = length > 0 || !cHasTurns ? 0 : 2, farBefore = 0;
     const auto look = [&](Vector a, Vector b, double ownDeviation, double ownTurn)
     {
         const double along = (b.x - from.x) * u.x + (b.y - from.y) * u.y;
@@ -143,7 +80,7 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
                                          : lengthOf(across, beyond);
         deviation = std::max(deviation, std::max(far, farBefore) + ownDeviation);
         farBefore = far;
-        if (turn > cMostTurn)
+        if (!cHasTurns || turn > cMostTurn)
             return; // it is told as no more
         const double own = lengthOf(b.x - a.x, b.y - a.y);
         if (own > 0)
@@ -169,6 +106,8 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
             const TwoDoubles x = bx - from.x, y = by - from.y, along = x * u.x + y * u.y, across = x * u.y - y * u.x;
             const TwoDoubles beyond = largerOf(largerOf(-along, along - length), zero);
             farSquares = largerOf(farSquares, length == 0 ? x * x + y * y : across * across + beyond * beyond);
+            if (!cHasTurns)
+                continue;
             const TwoDoubles wayX = bx - TwoDoubles{a.x, b.x}, wayY = by - TwoDoubles{a.y, b.y};
             const TwoDoubles own = rootOf(wayX * wayX + wayY * wayY);
             const TwoDoubles turnX = wayX / own - u.x, turnY = wayY / own - u.y;
@@ -176,33 +115,134 @@ void ShapeBuilder::setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf
             turnSquares = largerOf(turnX * turnX + turnY * turnY, turnSquares);
             a = c;
         }
-        const double farSquare = std::max(farSquares[0], farSquares[1]);
-        const double turnSquare = std::max(turnSquares[0], turnSquares[1]);
-        deviation = std::sqrt(farSquare);
-        turn = std::max(turn, std::sqrt(turnSquare));
+        deviation = std::sqrt(std::max(farSquares[0], farSquares[1]));
+        turn = std::max(turn, std::sqrt(std::max(turnSquares[0], turnSquares[1])));
     }
     node.setForm(isLeaf, deviation, turn);
 }
 
-void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind,
-                            std::size_t parent)
+} // namespace
+
+void ShapeGeometry::clear()
+{
+    points.clear();
+    nodes.clear();
+    elements.clear();
+    longElements.clear();
+    nTriangles = 0;
+    lengths.clear();
+    hasRound = false;
+    reach = 1;
+}
+
+double toleranceFor(const Path& path, double tolerance)
+{
+    if (tolerance > 0)
+        return tolerance;
+    if (!path.hasCurves())
+        return 1;
+    const std::optional<Path::Rect> bounds = path.getBounds();
+    const double size = bounds ? std::max(bounds->right - bounds->left, bounds->bottom - bounds->top) : 0;
+    return size > 0 && std::isfinite(size) ? size / 4096 : 1;
+}
+
+void EdgeNode::setForm(bool isLeaf, double deviation, double turn)
+{
+    // One more, at the lowest bit that is left, is not less than the number was.
+    constexpr double cLargest = 1e30;
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(std::min(deviation, cLargest)));
+    const double exact = std::min(turn, double(cSharpest)) * 64;
+    const auto below = static_cast<std::uint32_t>(exact);
+    const std::uint32_t steps = below + (below < exact ? 1 : 0);
+    form = (bits == 0 ? 0U : (bits & ~255U) + 256U) | steps << 1 | (isLeaf ? 1U : 0U);
+}
+
+// With its element, unless it is the root, whose parent is itself.
+std::size_t ShapeBuilder::addNode(ShapeGeometry& shape, std::size_t parent)
+{
+    constexpr unsigned int cBits = Element::cWayBits;
+    const std::size_t number = shape.nodes.size(), way = number - parent;
+    shape.nodes.emplace_back();
+    _parents.push_back(static_cast<std::uint32_t>(parent));
+    if (way >> cBits == 0 && number >> (32 - cBits) == 0)
+    {
+        if (way != 0)
+            addElement(shape, ElementKind::Node, way | number << cBits);
+    }
+    else
+        addLongElement(shape, ElementKind::Node,
+                       {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(parent), 0});
+    return number;
+}
+
+// With the elements of its lines.
+template <ElementKind Kind>
+std::array<std::int32_t, 4> ShapeBuilder::addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_t last,
+                                                  std::size_t number)
+{
+    std::array<std::int32_t, 4> box = cNothing;
+    const auto n = static_cast<std::size_t>(last - first), nBefore = shape.elements.size();
+    shape.elements.resize(nBefore + n);
+    Element* pElement = shape.elements.data() + nBefore;
+    auto what = static_cast<std::uint32_t>(number << Element::cLineBits);
+    for (std::int32_t i = first; i <= last; ++i)
+    {
+        const auto point = static_cast<std::uint32_t>(i);
+        const GridPoint p = Kind == ElementKind::Line ? withoutMark(shape.points[point]) : shape.points[point];
+        widen(box, {p.x, p.y, p.x, p.y});
+        if constexpr (Kind == ElementKind::Edge)
+            _leaves[point] = static_cast<std::uint32_t>(number);
+        if (i == last)
+            break;
+        *pElement++ = {bitsOf(Kind), what};
+        if (Kind == ElementKind::Line && std::binary_search(_tips.begin(), _tips.end(), point))
+        {
+            shape.elements.resize(shape.elements.size() + 1);
+            pElement = shape.elements.data() + shape.elements.size() - static_cast<std::size_t>(last - i);
+            *pElement++ = {bitsOf(ElementKind::Tip), what};
+        }
+        ++what;
+    }
+    return box;
+}
+
+template <ElementKind Kind>
+void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t parent)
+{
+    const std::size_t number = addNode(shape, parent);
+    std::array<std::int32_t, 4> box = cNothing;
+    const std::int32_t n = last - first;
+    if (n <= cLeaf)
+        box = addLeaf<Kind>(shape, first, last, number);
+    else
+    {
+        const std::int32_t part = ((n + cParts - 1) / cParts + cLeaf - 1) / cLeaf * cLeaf;
+        for (std::int32_t begin = first; begin < last; begin += part)
+        {
+            const std::size_t child = shape.nodes.size();
+            addChain<Kind>(shape, begin, std::min(begin + part, last), number);
+            widen(box, shape.nodes[child].box);
+        }
+    }
+    shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, 0};
+    setForm<Kind>(shape, number, n <= cLeaf);
+}
+
+template <ElementKind Kind>
+void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, std::size_t parent)
 {
     if (last - first == 1)
     {
-        addChain(shape, _rings[first].first, _rings[first].last, kind, parent);
+        addChain<Kind>(shape, _rings[first].first, _rings[first].last, parent);
         return;
     }
-    const std::size_t number = shape.nodes.size();
-    shape.nodes.emplace_back();
-    _parents.push_back(static_cast<std::uint32_t>(parent));
-    if (number != parent)
-        addElement(shape, ElementKind::Node, number, parent);
-    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    const std::size_t number = addNode(shape, parent);
+    std::array<std::int32_t, 4> box = cNothing;
     const std::size_t part = (last - first + cParts - 1) / cParts;
     for (std::size_t begin = first; begin < last; begin += part)
     {
         const std::size_t child = shape.nodes.size();
-        addRings(shape, begin, std::min(begin + part, last), kind, number);
+        addRings<Kind>(shape, begin, std::min(begin + part, last), number);
         widen(box, shape.nodes[child].box);
     }
     const std::int32_t point = _rings[first].first;
@@ -210,46 +250,54 @@ void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t
     shape.nodes[number].setForm(false, 1e30, EdgeNode::cSharpest);
 }
 
+// Those that are near each other are to be in one node.
+template <ElementKind Kind>
+void ShapeBuilder::addTree(ShapeGeometry& shape)
+{
+    if (_rings.size() > static_cast<std::size_t>(cParts))
+        std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
+    if (Kind == ElementKind::Edge)
+        _leaves.resize(shape.points.size());
+    _parents.clear();
+    if (!_rings.empty())
+        addRings<Kind>(shape, 0, _rings.size(), 0);
+}
+
 void ShapeBuilder::makeFill(const Path& path, FillRule rule, double tolerance, ShapeGeometry& shape)
 {
     shape.clear();
     _fill.addPath(path, toleranceFor(path, tolerance));
     _fill.tessellate(rule);
-    const std::vector<td::Point<double>>& vertices = _fill.getVertices();
     if (_fill.getIndices().empty())
         return;
-    td::Point<double> low = vertices.front(), high = low;
-    for (const td::Point<double>& p : vertices)
-    {
-        low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-        high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-    }
-    shape.step = _fill.getStep();
-    // A number of the grid, so that all differences are whole.
-    shape.origin = {std::nearbyint((low.x / 2 + high.x / 2) / shape.step) * shape.step,
-                    std::nearbyint((low.y / 2 + high.y / 2) / shape.step) * shape.step};
     linkRings(shape);
-    addElement(shape, ElementKind::Box);
-    addTree(shape, ElementKind::Edge);
+    addElement(shape, ElementKind::Box, 0);
+    addTree<ElementKind::Edge>(shape);
     addTriangles(shape);
 }
 
 // Behind the boundary, which leaves them only pixels that are inside with all they are.
 void ShapeBuilder::addTriangles(ShapeGeometry& shape)
 {
+    constexpr unsigned int cBits = Element::cPointBits;
     const std::vector<std::uint32_t>& indices = _fill.getIndices();
     shape.nTriangles = static_cast<std::uint32_t>(indices.size() / 3);
+    shape.elements.reserve(shape.elements.size() + shape.nTriangles);
     for (std::size_t i = 0; i < indices.size(); i += 3)
     {
         const std::uint32_t a = _numbers[indices[i]], b = _numbers[indices[i + 1]], c = _numbers[indices[i + 2]];
-        const auto [low, high] = std::minmax({_leaves[a], _leaves[b], _leaves[c]});
+        const std::uint32_t low = std::min({_leaves[a], _leaves[b], _leaves[c]}),
+                            high = std::max({_leaves[a], _leaves[b], _leaves[c]});
         std::uint32_t number = low;
         while (high >= static_cast<std::uint32_t>(shape.nodes[number].next))
             number = _parents[number];
         const std::array<std::int32_t, 4>& box = shape.nodes[number].box;
-        const auto size = static_cast<std::uint32_t>(std::max(box[2] - box[0], box[3] - box[1]));
-        shape.elements.push_back({static_cast<std::uint32_t>(ElementKind::Triangle) << 28,
-                                  {a | static_cast<std::uint32_t>(std::bit_width(size)) << cTriangleSizeShift, b, c}});
+        const auto most = static_cast<std::uint32_t>(std::max(box[2] - box[0], box[3] - box[1]));
+        const std::uint32_t size = static_cast<std::uint32_t>(std::bit_width(most)) << cTriangleSizeShift;
+        if ((a | b | c) >> cBits == 0)
+            addElement(shape, ElementKind::Triangle, a | b << cBits | c << 2 * cBits | size);
+        else
+            addLongElement(shape, ElementKind::Triangle, {a | size, b, c});
     }
 }
 
@@ -257,54 +305,81 @@ void ShapeBuilder::addTriangles(ShapeGeometry& shape)
 void ShapeBuilder::linkRings(ShapeGeometry& shape)
 {
     constexpr std::uint32_t cNone = UINT32_MAX;
-    const std::size_t n = _fill.getVertices().size();
-    const std::vector<FillTessellator::Edge>& edges = _fill.getBoundary();
-    _rings.clear();
-    _numbers.assign(n, cNone); // the first point that each vertex became
+    const std::span<const GridPoint> vertices = _fill.getVertices();
+    const std::vector<FillSweep::BoundaryEdge>& edges = _fill.getBoundary();
+    const auto n = static_cast<std::uint32_t>(vertices.size());
     // Where one edge begins at each vertex, as in most fills.
     _next.assign(n, cNone);
-    const auto isAlone = [this](const FillTessellator::Edge& edge)
-    { return std::exchange(_next[edge.from], edge.to) == cNone; };
-    if (std::all_of(edges.begin(), edges.end(), isAlone))
+    bool areAlone = true;
+    GridPoint low{INT32_MAX, INT32_MAX}, high{INT32_MIN, INT32_MIN};
+    for (const FillSweep::BoundaryEdge& edge : edges)
     {
-        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
-            if (_next[vertex] != cNone && _numbers[vertex] == cNone)
-                linkRing(vertex, shape, [this](std::uint32_t at) { return _next[at]; });
-        return;
+        areAlone = std::exchange(_next[edge.from], edge.to) == cNone && areAlone;
+        const GridPoint p = vertices[edge.from];
+        low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y)};
     }
-    _starts.assign(n + 1, 0);
-    for (const FillTessellator::Edge& edge : edges)
-        ++_starts[edge.from + 1];
-    for (std::size_t i = 1; i < _starts.size(); ++i)
-        _starts[i] += _starts[i - 1];
-    _next.resize(edges.size());
-    _ends.assign(_starts.begin(), _starts.end() - 1);
-    for (const FillTessellator::Edge& edge : edges)
-        _next[_ends[edge.from]++] = edge.to;
-    // From here on the edges of each vertex that are left end there.
-    for (std::uint32_t vertex = 0; vertex < n; ++vertex)
-        while (_ends[vertex] > _starts[vertex])
-            linkRing(vertex, shape, [this](std::uint32_t at) { return _next[--_ends[at]]; });
+    const td::Point<double> gridOrigin = _fill.getOrigin();
+    shape.step = _fill.getStep();
+    const double inverse = 1 / shape.step;
+    // A number of the grid, so that all differences are whole.
+    const auto middle = [&](double at, std::int32_t least, std::int32_t most) {
+        return std::nearbyint(((at + shape.step * least) / 2 + (at + shape.step * most) / 2) / shape.step) * shape.step;
+    };
+    shape.origin = {middle(gridOrigin.x, low.x, high.x), middle(gridOrigin.y, low.y, high.y)};
+    const GridPoint shift = toGrid(shape.origin, gridOrigin, inverse);
+
+    _rings.clear();
+    _numbers.assign(n, cNone); // the first point that each vertex became
+    // No ring has less than two edges, and each has its first point once more.
+    shape.points.resize(edges.size() + edges.size() / 2);
+    GridPoint* pPoint = shape.points.data();
+    if (areAlone)
+        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+        {
+            if (_next[vertex] != cNone && _numbers[vertex] == cNone)
+                pPoint = linkRing(vertex, shift, shape, pPoint, [this](std::uint32_t at) { return _next[at]; });
+        }
+    else
+    {
+        _starts.assign(n + std::size_t(1), 0);
+        for (const FillSweep::BoundaryEdge& edge : edges)
+            ++_starts[edge.from + 1];
+        for (std::size_t i = 1; i < _starts.size(); ++i)
+            _starts[i] += _starts[i - 1];
+        _next.resize(edges.size());
+        _ends.assign(_starts.begin(), _starts.end() - 1);
+        for (const FillSweep::BoundaryEdge& edge : edges)
+            _next[_ends[edge.from]++] = edge.to;
+        // From here on the edges of each vertex that are left end there.
+        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+            while (_ends[vertex] > _starts[vertex])
+                pPoint =
+                    linkRing(vertex, shift, shape, pPoint, [this](std::uint32_t at) { return _next[--_ends[at]]; });
+    }
+    shape.points.resize(static_cast<std::size_t>(pPoint - shape.points.data()));
 }
 
+// @return behind the ring's points
 template <typename Next>
-void ShapeBuilder::linkRing(std::uint32_t vertex, ShapeGeometry& shape, Next next)
+GridPoint* ShapeBuilder::linkRing(std::uint32_t vertex, GridPoint shift, const ShapeGeometry& shape, GridPoint* pPoint,
+                                  Next next)
 {
-    const double inverse = 1 / shape.step;
-    const auto first = static_cast<std::uint32_t>(shape.points.size());
+    const std::span<const GridPoint> vertices = _fill.getVertices();
+    const auto first = static_cast<std::uint32_t>(pPoint - shape.points.data());
     std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
-    std::uint32_t at = vertex;
+    std::uint32_t at = vertex, number = first;
     do
     {
-        const GridPoint p = toGrid(_fill.getVertices()[at], shape.origin, inverse);
-        _numbers[at] = std::min(_numbers[at], static_cast<std::uint32_t>(shape.points.size()));
-        shape.points.push_back(p);
+        const GridPoint p{vertices[at].x - shift.x, vertices[at].y - shift.y};
+        _numbers[at] = std::min(_numbers[at], number++);
+        *pPoint++ = p;
         widen(box, {p.x, p.y, p.x, p.y});
         at = next(at);
     } while (at != vertex);
-    const GridPoint begin = shape.points[first];
-    shape.points.push_back(begin);
-    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(shape.points.size()) - 1, box);
+    *pPoint++ = shape.points[first];
+    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(number), box);
+    return pPoint;
 }
 
 void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)
@@ -312,17 +387,6 @@ void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::arr
     const auto middle = [](std::int32_t low, std::int32_t high)
     { return static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U; };
     _rings.push_back({first, last, zOrderOf(middle(box[0], box[2]), middle(box[1], box[3]))});
-}
-
-// Those that are near each other are to be in one node.
-void ShapeBuilder::addTree(ShapeGeometry& shape, ElementKind kind)
-{
-    if (_rings.size() > static_cast<std::size_t>(cParts))
-        std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
-    _leaves.resize(shape.points.size());
-    _parents.clear();
-    if (!_rings.empty())
-        addRings(shape, 0, _rings.size(), kind, 0);
 }
 
 void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape,
@@ -354,7 +418,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     }
     _rings.clear();
     _tips.clear();
-    addElement(shape, ElementKind::Box);
+    addElement(shape, ElementKind::Box, 0);
     const double inverse = 1 / shape.step;
     for (const Polylines::Line& line : _lines.lines)
     {
@@ -370,7 +434,7 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
                 }
         addLine(line, stroke, shape);
     }
-    addTree(shape, ElementKind::Line);
+    addTree<ElementKind::Line>(shape);
     if (stroke.cap == Cap::Square)
         shape.reach = std::max(shape.reach, 1.5F);
 }

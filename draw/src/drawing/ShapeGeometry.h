@@ -1,8 +1,7 @@
 #pragma once
 
-#include "../fill/GridPoint.h"
+#include "../fill/GridTessellator.h"
 
-#include <gui/draw/FillTessellator.h>
 #include <gui/draw/Path.h>
 #include <gui/draw/Stroke.h>
 
@@ -40,23 +39,37 @@ static_assert(sizeof(EdgeNode) == 32);
 enum class ElementKind : std::uint32_t
 {
     Triangle, ///< three points, and how large the smallest node around them is: see cTriangleSizeShift
-    Edge,     ///< of a fill's boundary: the point where it begins, and its leaf
+    Edge,     ///< of a fill's boundary: the leaf that it is in, and which of its lines
     Line,     ///< of a stroke, likewise
-    Tip,      ///< of a mitre: the point of its corner, and the leaf of the line that begins there
+    Tip,      ///< of a mitre: the leaf of the line that begins at its corner, and which of its lines
     Box,      ///< around the whole shape, drawn in place of all others while that is small
     Node,     ///< around a node, drawn in place of its lines while that is small: the node, and the one it is part of
     Glyph,    ///< of a text: its number, and the bits of the floats that say where it stands
-    Placed    ///< of a halo or a text along a path: its number, where place, cosine and sine stand among the numbers,
+    Placed,   ///< of a halo or a text along a path: its number, where place, cosine and sine stand among the numbers,
               ///< and for halos one more than where those that it touches stand among the links
+    Long = 15 ///< what has no room in an element: its number among the long ones
 };
 
 /// A quad to draw.
 struct Element
 {
+    /// Bits of each point of a triangle, of the line within a leaf, and of the way from a node back to its parent.
+    static constexpr unsigned int cPointBits = 9, cLineBits = 2, cWayBits = 12;
+
     std::uint32_t shapeAndKind = 0; // the kind in the topmost four bits
+    std::uint32_t what = 0;         // its numbers, the first one in the lowest bits
+};
+static_assert(sizeof(Element) == 8);
+
+/// The same with room for larger numbers; all glyphs are such.
+struct LongElement
+{
+    std::uint32_t shapeAndKind = 0;
     std::array<std::uint32_t, 3> points{};
 };
-static_assert(sizeof(Element) == 16);
+static_assert(sizeof(LongElement) == 16);
+
+inline std::uint32_t bitsOf(ElementKind kind) { return static_cast<std::uint32_t>(kind) << 28; }
 
 /// The topmost five bits of a triangle's first point: the power of two, in steps, that the smallest node with all of
 /// its points is not larger than. Where that node is small enough to be one quad, the triangle has no pixels of its
@@ -77,10 +90,11 @@ struct ShapeGeometry
     std::vector<GridPoint> points;
     std::vector<EdgeNode> nodes;
     std::vector<Element> elements; // of shape 0
-    std::uint32_t nTriangles = 0;  // the last of these
-    std::vector<float> lengths;    // of a dashed stroke: of the subpath up to each point, in steps, below 0 at its end
-    bool hasRound = false;         // corners within curves
-    float reach = 1;               // how far from its points a stroke's parts are, in halves of its width
+    std::vector<LongElement> longElements;
+    std::uint32_t nTriangles = 0; // the last elements
+    std::vector<float> lengths;   // of a dashed stroke: of the subpath up to each point, in steps, below 0 at its end
+    bool hasRound = false;        // corners within curves
+    float reach = 1;              // how far from its points a stroke's parts are, in halves of its width
 
     void clear();
 };
@@ -96,16 +110,22 @@ public:
 private:
     void linkRings(ShapeGeometry& shape);
     template <typename Next>
-    void linkRing(std::uint32_t vertex, ShapeGeometry& shape, Next next);
+    GridPoint* linkRing(std::uint32_t vertex, GridPoint shift, const ShapeGeometry& shape, GridPoint* pPoint,
+                        Next next);
     void addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box);
-    void addTree(ShapeGeometry& shape, ElementKind kind);
+    template <ElementKind Kind>
+    void addTree(ShapeGeometry& shape);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
-    void setForm(ShapeGeometry& shape, std::size_t node, bool isLeaf);
-    void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, ElementKind kind, std::size_t parent);
-    void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, ElementKind kind, std::size_t parent);
+    template <ElementKind Kind>
+    void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t parent);
+    template <ElementKind Kind>
+    std::array<std::int32_t, 4> addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_t last,
+                                        std::size_t number);
+    template <ElementKind Kind>
+    void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, std::size_t parent);
+    std::size_t addNode(ShapeGeometry& shape, std::size_t parent);
     void addTriangles(ShapeGeometry& shape);
-    static void addElement(ShapeGeometry& shape, ElementKind kind, std::size_t first = 0, std::size_t second = 0);
 
     struct Ring
     {
@@ -113,14 +133,14 @@ private:
         std::uint64_t place;      // along a curve that fills the plane
     };
 
-    FillTessellator _fill;
+    GridTessellator _fill;
     Polylines _lines;
     std::vector<std::uint32_t> _starts, _ends, _next, _numbers;
     std::vector<Ring> _rings;
     std::vector<GridPoint> _line;
     std::vector<bool> _areWithinCurves;  // of the points in _line
     std::vector<std::uint32_t> _tips;    // points of corners, in their order
-    std::vector<std::uint32_t> _leaves;  // of points
+    std::vector<std::uint32_t> _leaves;  // of a fill's points
     std::vector<std::uint32_t> _parents; // of nodes
 };
 

@@ -52,7 +52,8 @@ void encode(const Paint& paint, td::Point<double> origin, double step, std::vect
 
 ShapeTables::ShapeTables()
     : _records(gl::BufferTexture::Format::UInt4)
-    , _elements(gl::BufferTexture::Format::UInt4)
+    , _elements(gl::BufferTexture::Format::Int2)
+    , _longElements(gl::BufferTexture::Format::UInt4)
     , _points(gl::BufferTexture::Format::Int2)
     , _nodes(gl::BufferTexture::Format::Int4)
     , _numbers(gl::BufferTexture::Format::Float)
@@ -82,7 +83,8 @@ void ShapeTables::giveBack(ShapePlaces& places)
 void ShapeTables::giveBackElements(ShapePlaces& places)
 {
     _elements.giveBack(places.elements.first, places.elements.count);
-    places.elements = {};
+    _longElements.giveBack(places.longElements.first, places.longElements.count);
+    places.elements = places.longElements = {};
     places.nTriangles = 0;
 }
 
@@ -97,6 +99,28 @@ void ShapeTables::removeShape(ShapePlaces& places)
     places = {};
 }
 
+void ShapeTables::addElements(ShapePlaces& places, const ShapeGeometry& geometry)
+{
+    const auto ofShape = [&places](auto& element) { element.shapeAndKind |= places.record; };
+    places.nTriangles = geometry.nTriangles;
+    places.elements = {_elements.take(geometry.elements.size()), static_cast<std::uint32_t>(geometry.elements.size())};
+    if (geometry.longElements.empty())
+    {
+        _elements.set(places.elements.first, geometry.elements, ofShape);
+        return;
+    }
+    places.longElements = {_longElements.take(geometry.longElements.size()),
+                           static_cast<std::uint32_t>(geometry.longElements.size())};
+    _longElements.set(places.longElements.first, geometry.longElements, ofShape);
+    _elements.set(places.elements.first, geometry.elements,
+                  [&](Element& element)
+                  {
+                      if (element.shapeAndKind == bitsOf(ElementKind::Long))
+                          element.what += places.longElements.first;
+                      ofShape(element);
+                  });
+}
+
 void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke)
 {
     giveBack(places);
@@ -105,10 +129,7 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     };
     places.points = add(_points, geometry.points);
     places.nodes = add(_nodes, geometry.nodes);
-    places.elements = {_elements.take(geometry.elements.size()), static_cast<std::uint32_t>(geometry.elements.size())};
-    places.nTriangles = geometry.nTriangles;
-    _elements.set(places.elements.first, geometry.elements,
-                  [&places](Element& element) { element.shapeAndKind |= places.record; });
+    addElements(places, geometry);
 
     ShapeRecord record = _records[places.record];
     record.points = places.points.first;
@@ -236,14 +257,14 @@ std::uint32_t ShapeTables::setOwnGlyph(ShapePlaces& places, const ShapeGeometry&
 
 // What glyphs have elsewhere than other shapes: the size instead of nodes, the offset instead of their number and of
 // points, cosine and sine instead of links.
-void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
+void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const LongElement> elements, const GlyphStyle& style,
                             double step)
 {
     giveBackElements(places);
     _patched.assign(elements.begin(), elements.end());
-    for (Element& element : _patched)
+    for (LongElement& element : _patched)
         element.shapeAndKind |= places.record;
-    places.elements = {_elements.add(_patched), static_cast<std::uint32_t>(_patched.size())};
+    places.longElements = {_longElements.add(_patched), static_cast<std::uint32_t>(_patched.size())};
 
     const auto bits = [](double number) { return std::bit_cast<std::uint32_t>(static_cast<float>(number)); };
     ShapeRecord record = _records[places.record];
@@ -268,12 +289,12 @@ void ShapeTables::setGlyphs(ShapePlaces& places, std::span<const Element> elemen
 
 void ShapeTables::setGlyph(const ShapePlaces& places, std::uint32_t i, std::uint32_t glyph)
 {
-    Element element = _elements[places.elements.first + i];
+    LongElement element = _longElements[places.longElements.first + i];
     element.points[0] = glyph;
-    _elements.set(places.elements.first + i, std::span(&element, 1));
+    _longElements.set(places.longElements.first + i, std::span(&element, 1));
 }
 
-void ShapeTables::setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style,
+void ShapeTables::setPlacedGlyphs(ShapePlaces& places, std::span<const LongElement> elements, const GlyphStyle& style,
                                   double step, std::span<const float> turns, std::span<const std::uint32_t> neighbours)
 {
     _numbers.giveBack(places.numbers.first, places.numbers.count);
@@ -284,7 +305,7 @@ void ShapeTables::setPlacedGlyphs(ShapePlaces& places, std::span<const Element> 
     std::uint32_t link = 0;
     for (std::size_t i = 0; i < _placed.size(); ++i)
     {
-        _placed[i].shapeAndKind = static_cast<std::uint32_t>(ElementKind::Placed) << 28;
+        _placed[i].shapeAndKind = bitsOf(ElementKind::Placed);
         _placed[i].points[1] = places.numbers.first + static_cast<std::uint32_t>(4 * i);
         _placed[i].points[2] = neighbours.empty() ? 0 : places.links.first + link + 1;
         link += neighbours.empty() ? 0 : neighbours[link] + 1;
@@ -414,6 +435,7 @@ void ShapeTables::clear()
 {
     _records.clear();
     _elements.clear();
+    _longElements.clear();
     _points.clear();
     _nodes.clear();
     _numbers.clear();
@@ -423,25 +445,40 @@ void ShapeTables::clear()
     _features = _glyphFeatures = 0;
 }
 
-void ShapeTables::reorderElements(std::span<TableRange* const> ranges)
+void ShapeTables::reorderElements(std::span<ShapePlaces* const> shapes)
 {
+    constexpr std::uint32_t cKind = 15U << 28;
+    _ordered.clear();
     _patched.clear();
-    for (TableRange* pRange : ranges)
+    for (ShapePlaces* const pPlaces : shapes)
     {
-        const auto first = static_cast<std::uint32_t>(_patched.size());
-        for (std::uint32_t i = 0; i < pRange->count; ++i)
-            _patched.push_back(_elements[pRange->first + i]);
-        pRange->first = first;
+        TableRange &elements = pPlaces->elements, &longOnes = pPlaces->longElements;
+        const auto first = static_cast<std::uint32_t>(_ordered.size()),
+                   firstLong = static_cast<std::uint32_t>(_patched.size());
+        for (std::uint32_t i = 0; i < elements.count; ++i)
+        {
+            Element element = _elements[elements.first + i];
+            if ((element.shapeAndKind & cKind) == bitsOf(ElementKind::Long))
+                element.what += firstLong - longOnes.first;
+            _ordered.push_back(element);
+        }
+        for (std::uint32_t i = 0; i < longOnes.count; ++i)
+            _patched.push_back(_longElements[longOnes.first + i]);
+        elements.first = first;
+        longOnes.first = firstLong;
     }
     _elements.clear();
-    _elements.add(_patched);
+    _elements.add(_ordered);
+    _longElements.clear();
+    _longElements.add(_patched);
 }
 
 bool ShapeTables::upload()
 {
     bool mayGrow = true;
-    return _records.upload(mayGrow) && _elements.upload(mayGrow) && _points.upload(mayGrow) && _nodes.upload(mayGrow) &&
-           _numbers.upload(mayGrow) && _links.upload(mayGrow) && _glyphs.upload(mayGrow);
+    return _records.upload(mayGrow) && _elements.upload(mayGrow) && _longElements.upload(mayGrow) &&
+           _points.upload(mayGrow) && _nodes.upload(mayGrow) && _numbers.upload(mayGrow) && _links.upload(mayGrow) &&
+           _glyphs.upload(mayGrow);
 }
 
 void ShapeTables::bind() const
@@ -454,6 +491,7 @@ void ShapeTables::bind() const
     _numbers.bind(Place::T4);
     _links.bind(Place::T5);
     _glyphs.bind(Place::T6);
+    _longElements.bind(Place::T11);
 }
 
 } // namespace gui::draw

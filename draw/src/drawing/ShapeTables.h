@@ -128,7 +128,7 @@ struct TableRange
 struct ShapePlaces
 {
     std::uint32_t record = 0;
-    TableRange points, nodes, elements, numbers, links, gradient;
+    TableRange points, nodes, elements, longElements, numbers, links, gradient;
     TableRange glyphs;            // that are its own
     std::uint32_t nTriangles = 0; // of a fill: the last of its elements
 };
@@ -165,13 +165,13 @@ public:
     /// Replaces the outline that a text has for itself alone. @return its number
     std::uint32_t setOwnGlyph(ShapePlaces& places, const ShapeGeometry& geometry);
     /// Replaces what a text consists of. @param elements  of shape 0  @param step  of stroked outlines, in em
-    void setGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step);
+    void setGlyphs(ShapePlaces& places, std::span<const LongElement> elements, const GlyphStyle& style, double step);
     /// The same of glyphs that are turned, or know their neighbours.
     /// @param turns  for each glyph its place, cosine and sine
     /// @param neighbours  for each how many follow, and these: each the number of an element less its own, in their
     /// order; empty for no halo
-    void setPlacedGlyphs(ShapePlaces& places, std::span<const Element> elements, const GlyphStyle& style, double step,
-                         std::span<const float> turns, std::span<const std::uint32_t> neighbours);
+    void setPlacedGlyphs(ShapePlaces& places, std::span<const LongElement> elements, const GlyphStyle& style,
+                         double step, std::span<const float> turns, std::span<const std::uint32_t> neighbours);
     /// @param turns  for each glyph its place, cosine and sine; not shown where both are 0
     void setTurns(const ShapePlaces& places, std::span<const float> turns)
     {
@@ -199,26 +199,28 @@ public:
     void clear();
     /// Sends what has changed.
     bool upload();
-    /// To units from 0 on: records, elements, points, nodes, numbers, links, glyphs.
+    /// To units from 0 on: records, elements, points, nodes, numbers, links, glyphs; and long elements.
     void bind() const;
 
-    const Table<Element>& getElements() const { return _elements; }
+    const Table<LongElement>& getLongElements() const { return _longElements; }
     const Table<ShapeRecord>& getRecords() const { return _records; }
     const Table<GridPoint>& getPoints() const { return _points; }
     const Table<EdgeNode>& getNodes() const { return _nodes; }
     const Table<float>& getNumbers() const { return _numbers; }
-    /// Brings elements into the order in which they are drawn.
-    void reorderElements(std::span<TableRange* const> ranges);
+    /// Brings elements into the order in which shapes are drawn.
+    void reorderElements(std::span<ShapePlaces* const> shapes);
 
 private:
     void giveBack(ShapePlaces& places);
     void setPaintValues(ShapePlaces& places);
     void giveBackElements(ShapePlaces& places);
+    void addElements(ShapePlaces& places, const ShapeGeometry& geometry);
     /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
     bool makeRoomFor(double largest);
 
     Table<ShapeRecord> _records;
     Table<Element> _elements;
+    Table<LongElement> _longElements;
     Table<GridPoint> _points;
     Table<EdgeNode> _nodes;
     Table<float> _numbers;
@@ -229,7 +231,8 @@ private:
     double _room = 0;  // what is smaller has some; 0 while there is no unit
     unsigned int _features = 0;
     unsigned int _glyphFeatures = 0;
-    std::vector<Element> _patched, _placed;
+    std::vector<Element> _ordered;
+    std::vector<LongElement> _patched, _placed;
     std::vector<float> _values;
 };
 

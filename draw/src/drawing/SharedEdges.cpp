@@ -1,8 +1,11 @@
 #include "SharedEdges.h"
 
+#include "TwoDoubles.h"
+
 #include <mem/LargePages.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -45,31 +48,59 @@ std::vector<Record> makeTable(std::size_t n)
 // The power of two that a number lies below, of which it is half at least.
 int exponentOf(double number) { return static_cast<int>(std::bit_cast<std::uint64_t>(number) >> 52 & 0x7ffU) - 1022; }
 
-// The same for both directions but for the lowest bit.
-std::uint32_t keyOf(td::Point<double> a, td::Point<double> b)
+// Of what edges are smaller than is no more than this.
+constexpr int cLeastExponent = -900;
+
+// Sums with it have no digits behind the point, as long as numbers have so many bits.
+constexpr double cNoFraction = 0x1.8p52;
+constexpr int cBits = 50;
+
+constexpr int cCellBits = 16; // of an edge's length
+
+// By what to multiply for an edge that is below a power of two to have as many cells.
+double cellsPerUnit(int exponent)
 {
-    const double size = std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
-    const double largest = std::max(std::max(std::abs(a.x), std::abs(a.y)), std::max(std::abs(b.x), std::abs(b.y)));
+    return std::bit_cast<double>(static_cast<std::uint64_t>(1023 + cCellBits - exponent) << 52);
+}
+
+// The same for both directions but for the lowest bit, with the earlier end first.
+std::uint32_t keyOf(const std::array<std::uint64_t, 4>& cells, int exponent, bool isBackward)
+{
+    const std::uint64_t key =
+        mixed(cells[0] * 0x9e3779b97f4a7c15U + cells[1] * 0xc2b2ae3d27d4eb4fU + cells[2] * 0x165667b19e3779f9U +
+              cells[3] * 0x27d4eb2f165667c5U + static_cast<unsigned int>(exponent));
+    return ((static_cast<std::uint32_t>(key) | 2U) & ~1U) | (isBackward ? 1U : 0U);
+}
+
+// Round numbers are to lie within a cell, not where two of them meet: 0.382 are added, and it is rounded down. That is
+// 0.118 less, rounded to the nearest, which takes no call.
+using Cells = std::array<std::uint64_t, 2>;
+Cells cellsOf(TwoDoubles p, double perUnit) { return std::bit_cast<Cells>(p * perUnit - 0.118 + cNoFraction); }
+
+// Grows with x, then with y.
+std::int64_t placeOf(GridPoint p)
+{
+    return static_cast<std::int64_t>(std::uint64_t(std::uint32_t(p.x)) << 32 | (std::uint32_t(p.y) ^ 0x80000000U));
+}
+
+// For edges that are short beside their distance from the origin.
+std::uint32_t keyFarAway(TwoDoubles a, TwoDoubles b, bool isBackward)
+{
+    const double size = std::max(std::abs(a[0] - b[0]), std::abs(a[1] - b[1]));
+    const double largest = std::max({std::abs(a[0]), std::abs(a[1]), std::abs(b[0]), std::abs(b[1])});
     // As far as 64 bits go.
-    const int exponent = std::max({exponentOf(size), exponentOf(largest) - 45, -900});
-    const auto inverse = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + 16 - exponent) << 52);
-    // Round numbers are to lie within a cell, not where two of them meet: 0.382 are added, and it is rounded down.
-    constexpr double cNoFraction = 0x1.8p52;
-    const bool isLarge = !(largest * inverse < 0x1p50);
-    const auto cell = [inverse, isLarge](double n)
-    {
-        // The same by rounding to the nearest, without a call: sums of this size have no digits behind the point.
-        if (!isLarge)
-            return std::bit_cast<std::uint64_t>(n * inverse - 0.118 + cNoFraction);
-        return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * inverse + 0.382)));
-    };
-    const bool isBackward = b.x < a.x || (b.x == a.x && b.y < a.y);
+    const int exponent = std::max({exponentOf(size), exponentOf(largest) - 45, cLeastExponent});
+    const double perUnit = cellsPerUnit(exponent);
     if (isBackward)
         std::swap(a, b);
-    const std::uint64_t key =
-        mixed(cell(a.x) * 0x9e3779b97f4a7c15U + cell(a.y) * 0xc2b2ae3d27d4eb4fU + cell(b.x) * 0x165667b19e3779f9U +
-              cell(b.y) * 0x27d4eb2f165667c5U + static_cast<unsigned int>(exponent));
-    return ((static_cast<std::uint32_t>(key) | 2U) & ~1U) | (isBackward ? 1U : 0U);
+    if (largest * perUnit < std::ldexp(1, cBits))
+    {
+        const Cells first = cellsOf(a, perUnit), second = cellsOf(b, perUnit);
+        return keyOf({first[0], first[1], second[0], second[1]}, exponent, isBackward);
+    }
+    const auto cell = [perUnit](double n)
+    { return static_cast<std::uint64_t>(static_cast<std::int64_t>(std::floor(n * perUnit + 0.382))); };
+    return keyOf({cell(a[0]), cell(a[1]), cell(b[0]), cell(b[1])}, exponent, isBackward);
 }
 
 } // namespace
@@ -90,21 +121,40 @@ SharedEdges::Version SharedEdges::add(std::uint32_t shape, const ShapeGeometry& 
     const std::size_t first = _keys.size();
     _keys.grow(geometry.points.size());
     std::uint32_t* pKey = _keys.data() + first;
-    for (const EdgeNode& node : geometry.nodes)
+    if (!geometry.nodes.empty())
     {
-        if (!node.isLeaf())
-            continue;
-        const auto toModel = [&geometry](std::int32_t i)
-        {
-            const GridPoint p = geometry.points[static_cast<std::size_t>(i)];
-            return td::Point<double>(geometry.origin.x + geometry.step * p.x, geometry.origin.y + geometry.step * p.y);
+        const TwoDoubles origin{geometry.origin.x, geometry.origin.y};
+        const auto toModel = [&](GridPoint p) {
+            return origin + geometry.step * TwoDoubles{static_cast<double>(p.x), static_cast<double>(p.y)};
         };
-        td::Point<double> from = toModel(node.first);
-        for (std::int32_t i = node.first + 1; i <= node.last; ++i)
+        const auto& box = geometry.nodes[0].box;
+        const TwoDoubles low = absOf(toModel({box[0], box[1]})), high = absOf(toModel({box[2], box[3]}));
+        const TwoDoubles most = largerOf(low, high);
+        const int leastExponent =
+            std::max(exponentOf(std::max(most[0], most[1])) - (cBits - cCellBits), cLeastExponent);
+        for (const EdgeNode& node : geometry.nodes)
         {
-            const td::Point<double> to = toModel(i);
-            *pKey++ = keyOf(from, to);
-            from = to;
+            if (!node.isLeaf())
+                continue;
+            const GridPoint* pPoint = geometry.points.data() + node.first;
+            TwoDoubles from = toModel(*pPoint);
+            for (std::int32_t i = node.first; i < node.last; ++i, ++pPoint)
+            {
+                const GridPoint p = pPoint[0], q = pPoint[1];
+                const TwoDoubles to = toModel(q), way = absOf(to - from);
+                const bool isBackward = placeOf(q) < placeOf(p);
+                const int exponent = exponentOf(std::max(way[0], way[1]));
+                if (exponent < leastExponent)
+                    *pKey++ = keyFarAway(from, to, isBackward);
+                else
+                {
+                    const double perUnit = cellsPerUnit(exponent);
+                    const Cells a = cellsOf(from, perUnit), b = cellsOf(to, perUnit);
+                    const Cells &one = isBackward ? b : a, &two = isBackward ? a : b;
+                    *pKey++ = keyOf({one[0], one[1], two[0], two[1]}, exponent, isBackward);
+                }
+                from = to;
+            }
         }
     }
     const auto n = static_cast<std::size_t>(pKey - _keys.data()) - first;

@@ -23,6 +23,15 @@ inline TwoDoubles largerOf(TwoDoubles a, TwoDoubles b)
 #endif
 }
 
+inline TwoDoubles absOf(TwoDoubles v)
+{
+#ifdef __SSE2__
+    return _mm_andnot_pd(_mm_set1_pd(-0.0), v);
+#else
+    return TwoDoubles{std::abs(v[0]), std::abs(v[1])};
+#endif
+}
+
 inline TwoDoubles rootOf(TwoDoubles v)
 {
 #ifdef __SSE2__

@@ -11,7 +11,7 @@ noperspective out vec3 corner;
 void main()
 {
     int c = gl_VertexID % 4;
-    uvec4 element = texelFetch(elements, gl_VertexID / 4);
+    uvec4 element = elementOf(gl_VertexID / 4);
     int shape = int(element.x & 0x0fffffffu);
     uvec4 state = texelFetch(shapes, 6 * shape + 2), parts = texelFetch(shapes, 6 * shape + 3);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);

@@ -655,7 +655,7 @@ float coverageOfHalo(vec2 pixel)
     for (int i = 0; i < n; ++i)
     {
         int other = int(texelFetch(links, haloAt.y + i).x);
-        uvec4 element = texelFetch(elements, haloAt.x + other);
+        uvec4 element = texelFetch(longElements, haloAt.x + other);
         uvec4 more = texelFetch(glyphs, 2 * int(element.y) + 1);
         bool isHere = false;
 #ifdef PICTURES

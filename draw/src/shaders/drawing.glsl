@@ -5,7 +5,8 @@
 // (pictures of glyphs in colour), PLACED (those of halos and along paths).
 // What is not needed is left out: software drivers work out both sides of every branch.
 uniform usamplerBuffer shapes; // six texels each
-uniform usamplerBuffer elements; // what quads are made from
+uniform isamplerBuffer elements; // what quads are made from: see Element
+uniform usamplerBuffer longElements; // what has no room there, and glyphs
 uniform isamplerBuffer points; // whole numbers of a shape's steps from its own origin
 uniform isamplerBuffer nodes;  // boxes around a shape's lines, a tree: two texels each
 uniform ivec4 center;          // the model point in the middle, in units: low and high word of x, then of y
@@ -15,7 +16,8 @@ uniform vec2 halfSize;         // of the viewport, in pixels
 uniform float pixelsPerPoint;
 
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPlaced = 7;
-const int cPicture = 8, cColoredPicture = 9;
+const int cPicture = 8, cColoredPicture = 9, cLong = 15;
+const int cLongQuads = 1 << 27; // quads from this number on are long elements
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cEntered = 1u << 31; // of a quad: the first node has others, which are to be looked at
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
@@ -25,6 +27,25 @@ const uint cPaint = 1u << 30, cColored = 1u << 28;
 const uint cPointBits = 0x07ffffffu;
 // Pixels from the middle beyond which floats are too coarse.
 const float cFar = 32768.0;
+
+// A quad's shape and kind, then its numbers as long elements have them; of lines the one within its leaf and the leaf.
+uvec4 elementOf(int quad)
+{
+#if defined GLYPHS || defined PICTURES
+    if (quad >= cLongQuads)
+        return texelFetch(longElements, quad - cLongQuads);
+#endif
+    uvec2 element = uvec2(texelFetch(elements, quad).xy);
+    int kind = int(element.x >> 28);
+    if (kind == cLong)
+        return texelFetch(longElements, int(element.y));
+    uvec4 result = uvec4(element.x, element.y & 3u, element.y >> 2, 0u);
+    if (kind == cTriangles)
+        result.yzw = uvec3(element.y & (31u << 27 | 511u), element.y >> 9 & 511u, element.y >> 18 & 511u);
+    if (kind == cNode)
+        result.yz = uvec2(element.y >> 12, (element.y >> 12) - (element.y & 4095u));
+    return result;
+}
 
 // How a shape's points become pixels: pixels * (point - middle + toMiddle).
 struct Place

@@ -63,7 +63,7 @@ void main()
 {
     int quad = gl_VertexID / 4, c = gl_VertexID % 4;
     bool isBoxAlone = quad >= cBoxes;
-    uvec4 element = isBoxAlone ? uvec4(quad - cBoxes, uvec3(0u)) : texelFetch(elements, quad);
+    uvec4 element = isBoxAlone ? uvec4(quad - cBoxes, uvec3(0u)) : elementOf(quad);
     shape = int(element.x & 0x0fffffffu);
     kind = isBoxAlone ? cBox : int(element.x >> 28);
     uvec4 state = texelFetch(shapes, 6 * shape + 2);
@@ -71,7 +71,7 @@ void main()
     parts = texelFetch(shapes, 6 * shape + 3);
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
 #ifdef HALOS
-    haloAt = ivec2(quad, kind == cPlaced ? int(element.w) : 0);
+    haloAt = ivec2(quad - cLongQuads, kind == cPlaced ? int(element.w) : 0);
 #endif
 #ifdef PLACED
     if (kind == cPlaced)
@@ -219,7 +219,7 @@ void main()
     }
     else
     {
-        int i = base + int(element.y);
+        int i = base + texelFetch(nodes, 2 * int(parts.y + element.z) + 1).y + int(element.y);
         ivec2 pa = strokePoint(i), pb = strokePoint(i + 1);
         vec2 a = pixelOf(place, pa), b = pixelOf(place, pb);
         shorten(place, pa, pb, a, b);

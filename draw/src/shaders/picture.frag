@@ -30,7 +30,7 @@ void main()
         int other = int(texelFetch(links, link + i).x);
         if (other == 0)
             continue;
-        uvec4 element = texelFetch(elements, quad + other);
+        uvec4 element = texelFetch(longElements, quad + other);
         ivec4 box;
         ivec2 texel;
         uvec2 picture = texelFetch(glyphs, 2 * int(element.y) + 1).zw;

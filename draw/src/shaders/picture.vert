@@ -12,9 +12,9 @@ out vec2 pen;    // of the anchor
 
 void main()
 {
-    int quad = gl_VertexID / 4, c = gl_VertexID % 4;
+    int quad = gl_VertexID / 4 - cLongQuads, c = gl_VertexID % 4;
     gl_Position = vec4(2.0, 2.0, 2.0, 1.0);
-    uvec4 element = texelFetch(elements, quad);
+    uvec4 element = texelFetch(longElements, quad);
     int shape = int(element.x & 0x0fffffffu);
     uvec4 origin = texelFetch(shapes, 6 * shape), state = texelFetch(shapes, 6 * shape + 2);
     uvec4 text = texelFetch(shapes, 6 * shape + 3);

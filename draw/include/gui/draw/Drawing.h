@@ -191,7 +191,7 @@ public:
     std::optional<Rect> getBounds(ID id) const;
 
     /// Draws into the framebuffer and viewport that are bound, over what is there, whatever GL state there is; the
-    /// state is afterwards what it was, but for texture units 0 to 10.
+    /// state is afterwards what it was, but for texture units 0 to 11.
     /// @param modelToView     from model units to points from the viewport's top left corner, y downwards
     /// @param pixelsPerPoint  of the view
     /// @return false, with a log line for each kind of reason once, when it could not: no context, a map that has no

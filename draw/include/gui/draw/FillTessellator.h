@@ -92,25 +92,18 @@ public:
     const std::vector<Edge>& getBoundary() const { return _boundary; }
 
     /// The grid's step in the last call.
-    double getStep() const { return _step; }
+    double getStep() const;
     /// A step that the grid has at least, such as a small part of a pixel: finer detail vanishes, and what nearly meets
     /// meets. It is rounded up to a power of two; 0, the default, and less leave the choice to the bounds.
-    void setLeastStep(double step) { _leastStep = step; }
+    void setLeastStep(double step);
 
 private:
     struct Work;
 
-    void snap();
-
     std::vector<Point> _ring;
-    std::vector<Point> _points;       // of all rings that were added
-    std::vector<std::uint32_t> _ends; // of each ring in _points
     std::vector<Point> _vertices;
     std::vector<std::uint32_t> _indices;
     std::vector<Edge> _boundary;
-    double _leastStep = 0;
-    double _step = 1;
-    Point _origin; // of the grid
     std::unique_ptr<Work> _pWork;
 };
 

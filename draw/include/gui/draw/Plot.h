@@ -79,7 +79,7 @@ public:
     bool isChanged() const;
 
     /// Draws into the framebuffer and viewport that are bound, all over it. GL's state is afterwards what it was, but
-    /// for texture units 0 to 10.
+    /// for texture units 0 to 11.
     /// @param size            of the viewport in points  @param pixelsPerPoint  of the viewport
     /// @return false, with a log line for each kind of reason once: no context, a program that does not link, no
     ///         memory, more than 65536 pixels one way
