@@ -391,12 +391,20 @@ bool Drawing::Impl::draw(const Sight& sight)
     const double s = sight.pixelsPerPoint;
     pointsPerUnit = sight.getZoom();
     toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
+    // Where letters are along paths goes by the sight: a picture of it has them there.
+    const bool isKept = !isChanged && painter.hasPicture(sight);
+    const bool wasChanged = isChanged;
     placeRoutes(sight);
-    if (areElementsStale)
-        tidy();
-    renewLinks();
-    renewPictures(sight);
-    if (!painter.draw(tables, list, glyphs, images, sight, isChanged))
+    isChanged = wasChanged;
+    isWaitingSeen = false;
+    if (!isKept)
+    {
+        if (areElementsStale)
+            tidy();
+        renewLinks();
+        renewPictures(sight);
+    }
+    if (!painter.draw(tables, list, glyphs, images, sight, isChanged, isWaitingSeen))
         return false;
     isChanged = false;
     return true;

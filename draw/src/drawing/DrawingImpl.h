@@ -170,7 +170,7 @@ struct Drawing::Impl
     /// What has the text's colour in its pictures gets it.
     void recolor(Item& glyphs, td::Color foreground);
     static td::Color foregroundOf(const Paint& paint); // the first one of a gradient
-    /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time.
+    /// Draws pictures of small glyphs that are seen and have none yet, as many as take no time. See isWaitingSeen.
     void renewPictures(const Sight& sight);
     /// Looks which glyphs have pictures, and draws more while there is time. @param mayDraw  whatever time it takes,
     /// pictures in colour @return whether some still wait
@@ -271,10 +271,9 @@ struct Drawing::Impl
     std::vector<std::uint32_t> neighbours;   // see ShapeTables::setPlacedGlyphs
     std::vector<std::uint32_t> waitingTexts; // shapes, some of whose glyphs wait for pictures
     std::vector<std::uint32_t> visited;
-    bool isWaitingSeen = false; // whether there were some to draw at the last look
+    bool isWaitingSeen = false; // whether some are still to be drawn for the last draw
     std::size_t nPicturesDrawn = 0;
     std::size_t sweepAt = 10000; // glyphs
-    Sight lastSight;
     ImageStore images;
     std::vector<LongElement> elements;  // of glyphs
     std::vector<std::uint32_t> numbers; // of glyphs

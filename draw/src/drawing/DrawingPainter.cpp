@@ -33,6 +33,15 @@ constexpr double cWhole = 1.0 / 1024;
 /// What comes into sight is drawn by itself up to this part of all.
 constexpr double cMostNew = 0.6;
 
+// Of the views that are kept: how many, and, as long as they are more than one, how many pixels they have together, or
+// as many as the largest one twice. (One has 8 bytes.)
+constexpr std::size_t cMostViews = 8;
+constexpr double cMostPixels = 1 << 22;
+/// After so many draws those go that were not missed meanwhile.
+constexpr unsigned int cDrawsUnused = 64;
+/// What was drawn last and is kept no more.
+constexpr std::size_t cMostGivenUp = 16;
+
 // The most that a length grows.
 double stretchOf(const Affine& m)
 {
@@ -59,10 +68,10 @@ bool DrawingPainter::prepare()
     {
         _programs.clear();
         _pShared.reset();
-        for (gl::Framebuffer& layer : _layers)
-            layer.release();
+        _views.clear();
+        _givenUp.clear();
+        _pSpare->release();
         _home.set(gl::CurrentContext::getID());
-        _isLayerValid = false;
     }
     if (!_pShared)
         _pShared = DrawingPrograms::get();
@@ -72,11 +81,81 @@ bool DrawingPainter::prepare()
 // Programs and framebuffers come back by themselves. What a layer shows is drawn again, so that nobody need read it.
 void DrawingPainter::onContext(gl::ContextResource::Event event)
 {
-    if (event == gl::ContextResource::Event::Leaving)
-        for (gl::Framebuffer& layer : _layers)
-            layer.release();
-    _isLayerLost = _isLayerLost || _isLayerValid;
-    _isLayerValid = false;
+    const bool isLeaving = event == gl::ContextResource::Event::Leaving;
+    for (View& view : _views)
+    {
+        if (isLeaving)
+            view.pLayer->release();
+        view.isLost = view.isLost || view.isValid;
+        view.isValid = false;
+    }
+    if (isLeaving)
+        _pSpare->release();
+}
+
+bool DrawingPainter::hasPicture(const Sight& sight) const
+{
+    return _home.getID() == gl::CurrentContext::getID() &&
+           std::any_of(_views.begin(), _views.end(),
+                       [&](const View& view) { return view.isValid && !view.isWaiting && view.isOf(sight, _version); });
+}
+
+// In frames that ask for the same sights in the same order, what was not asked for the longest is what was here in the
+// frame before.
+DrawingPainter::View& DrawingPainter::findView(const Sight& sight)
+{
+    const auto isIt = [&](const Shown& shown) { return shown.isOf(sight, _version); };
+    auto found = std::find_if(_views.begin(), _views.end(), isIt);
+    bool isMissed = found != _views.end();
+    if (!isMissed)
+    {
+        const auto missed = std::find_if(_givenUp.begin(), _givenUp.end(), isIt);
+        isMissed = missed != _givenUp.end();
+        if (isMissed)
+            _givenUp.erase(missed);
+        if (isMissed || _views.empty())
+            _views.emplace_back();
+        else
+            giveUp(_views.back());
+        found = _views.end() - 1;
+    }
+    if (isMissed)
+        _deepest = std::max(_deepest, static_cast<std::size_t>(found - _views.begin()));
+    std::rotate(_views.begin(), found, found + 1);
+    dropViews(sight.size);
+    return _views.front();
+}
+
+void DrawingPainter::giveUp(const Shown& shown)
+{
+    if (_givenUp.size() == cMostGivenUp)
+        _givenUp.erase(_givenUp.begin());
+    _givenUp.push_back(shown);
+}
+
+void DrawingPainter::dropViews(td::Size<int> first)
+{
+    std::size_t most = cMostViews;
+    if (++_nDraws == cDrawsUnused)
+    {
+        most = std::min(most, _deepest + 1);
+        _nDraws = 0;
+        _deepest = 0;
+    }
+    double sum = 0, largest = 0;
+    std::size_t n = 0;
+    for (const View& view : _views)
+    {
+        const td::Size<int> size = n == 0 ? first : view.pLayer->getSize();
+        const double nPixels = double(size.width) * size.height;
+        largest = std::max(largest, nPixels);
+        sum += nPixels;
+        if (n == most || (n > 0 && sum > std::max(cMostPixels, 2 * largest)))
+            break;
+        ++n;
+    }
+    for (; _views.size() > n; _views.pop_back())
+        giveUp(_views.back());
 }
 
 // One that did not link stays, so that it is not tried in every frame. Where there are many already, one that can do
@@ -205,13 +284,13 @@ bool DrawingPainter::makeLayer(gl::Framebuffer& layer, td::Size<int> size)
 }
 
 // @return whether the layer is now what it was, moved by whole pixels, but for the regions, which are to be drawn
-bool DrawingPainter::moveLayer(const Sight& sight, std::vector<Region>& regions)
+bool DrawingPainter::moveLayer(View& view, const Sight& sight, std::vector<Region>& regions)
 {
-    if (!(sight.toPixels == _sight.toPixels) || sight.pixelsPerPoint != _sight.pixelsPerPoint)
+    td::Point<double>& center = view.sight.center;
+    if (!(sight.toPixels == view.sight.toPixels) || sight.pixelsPerPoint != view.sight.pixelsPerPoint)
         return false;
-    const td::Size<int> size = _layers[_shown].getSize();
-    const td::Point<double> move =
-        sight.toPixels.map({sight.center.x - _sight.center.x, sight.center.y - _sight.center.y});
+    const td::Size<int> size = view.pLayer->getSize();
+    const td::Point<double> move = sight.toPixels.map({sight.center.x - center.x, sight.center.y - center.y});
     const td::Point<double> whole(std::round(move.x), std::round(move.y));
     if (!(std::abs(move.x - whole.x) <= cWhole && std::abs(move.y - whole.y) <= cWhole))
         return false;
@@ -222,22 +301,21 @@ bool DrawingPainter::moveLayer(const Sight& sight, std::vector<Region>& regions)
     const int x = static_cast<int>(whole.x), y = static_cast<int>(whole.y);
     if (x == 0 && y == 0)
         return true;
-    gl::Framebuffer& spare = _layers[1 - _shown];
-    if (!(spare.getSize() == size) && !makeLayer(spare, size))
+    if (!(_pSpare->getSize() == size) && !makeLayer(*_pSpare, size))
         return false;
-    const gl::Framebuffer::Drawing drawing(spare);
+    const gl::Framebuffer::Drawing drawing(*_pSpare);
     if (!drawing)
         return false;
     gl::Context::disable(gl::Context::Flag::ScissorTest);
     const Region from{std::max(x, 0), std::max(y, 0), size.width - std::abs(x), size.height - std::abs(y)};
     const Region to{std::max(-x, 0), std::max(-y, 0), from.width, from.height};
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, _layers[_shown].getID());
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, view.pLayer->getID());
     glBlitFramebuffer(from.x, from.y, from.x + from.width, from.y + from.height, to.x, to.y, to.x + to.width,
                       to.y + to.height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
-    _shown = 1 - _shown;
+    std::swap(view.pLayer, _pSpare);
     // Exactly where the pixels are now: what is left of the move is not lost.
     const td::Point<double> moved = sight.toPixels.inverse().value_or(Affine()).map(whole);
-    _sight.center = {_sight.center.x + moved.x, _sight.center.y + moved.y};
+    center = {center.x + moved.x, center.y + moved.y};
     if (x != 0)
         regions.push_back({x > 0 ? to.width : 0, to.y, std::abs(x), to.height});
     if (y != 0)
@@ -245,7 +323,8 @@ bool DrawingPainter::moveLayer(const Sight& sight, std::vector<Region>& regions)
     return true;
 }
 
-bool DrawingPainter::drawRegion(const ShapeTables& tables, DrawList& list, ImageStore& images, const Region& region)
+bool DrawingPainter::drawRegion(const ShapeTables& tables, DrawList& list, ImageStore& images, const Sight& sight,
+                                const Region& region)
 {
     using Flag = gl::Context::Flag;
     glScissor(region.x, region.y, region.width, region.height);
@@ -257,19 +336,40 @@ bool DrawingPainter::drawRegion(const ShapeTables& tables, DrawList& list, Image
     // Each shape is nearer than those before, and so passes over them, but not over itself.
     gl::Context::enable(Flag::DepthTest);
     gl::Context::setDepthBufferFunction(gl::DepthBuffer::Function::Less);
-    Sight part = _sight;
-    const td::Point<double> middle = _sight.toPixels.inverse().value_or(Affine()).map(
-        {region.x + (region.width - _sight.size.width) / 2.0, region.y + (region.height - _sight.size.height) / 2.0});
-    part.center = {_sight.center.x + middle.x, _sight.center.y + middle.y};
+    Sight part = sight;
+    const td::Point<double> middle = sight.toPixels.inverse().value_or(Affine()).map(
+        {region.x + (region.width - sight.size.width) / 2.0, region.y + (region.height - sight.size.height) / 2.0});
+    part.center = {sight.center.x + middle.x, sight.center.y + middle.y};
     part.size = {region.width, region.height};
-    const double stretch = stretchOf(_sight.toPixels);
-    list.select(part.getVisible(), stretch, _sight.pixelsPerPoint, _sight.getZoom());
-    return drawShapes(tables, list, images, _sight, stretch);
+    const double stretch = stretchOf(sight.toPixels);
+    list.select(part.getVisible(), stretch, sight.pixelsPerPoint, sight.getZoom());
+    return drawShapes(tables, list, images, sight, stretch);
+}
+
+bool DrawingPainter::drawLayer(View& view, ShapeTables& tables, DrawList& list, GlyphStore& glyphs, ImageStore& images,
+                               const std::vector<Region>& regions)
+{
+    if (!tables.upload() || !glyphs.getPictures().upload() || !glyphs.getColoredPictures().upload())
+        return fail("GL has no room for its shapes");
+    const gl::Framebuffer::Drawing drawing(*view.pLayer);
+    if (!drawing)
+        return fail("its layer cannot be drawn into");
+    tables.bind();
+    glyphs.getPictures().bind(DrawingPrograms::cPictureUnit);
+    glyphs.getColoredPictures().bind(DrawingPrograms::cColoredUnit);
+    std::array<GLint, 4> scissor{};
+    glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
+    const bool isDrawn =
+        std::all_of(regions.begin(), regions.end(),
+                    [&](const Region& region) { return drawRegion(tables, list, images, view.sight, region); });
+    glScissor(scissor[0], scissor[1], scissor[2], scissor[3]);
+    return isDrawn;
 }
 
 bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyphs, ImageStore& images,
-                          const Sight& sight, bool isChanged)
+                          const Sight& sight, bool isChanged, bool isWaiting)
 {
+    _version += isChanged ? 1 : 0;
     if (!gl::CurrentContext::isThere("Drawing::draw"))
         return false;
     const gl::StateGuard guard;
@@ -281,11 +381,11 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     const td::Size<int> size = sight.size;
     if (!prepare())
         return fail("its program does not link");
-    if (!(_layers[_shown].getSize() == size))
+    View& view = findView(sight);
+    if (!(view.pLayer->getSize() == size))
     {
-        _isLayerValid = false;
-        _layers[1 - _shown].release();
-        if (!makeLayer(_layers[_shown], size))
+        view.isValid = false;
+        if (!makeLayer(*view.pLayer, size))
             return false;
     }
     using Flag = gl::Context::Flag;
@@ -296,41 +396,28 @@ bool DrawingPainter::draw(ShapeTables& tables, DrawList& list, GlyphStore& glyph
     glBlendEquation(GL_FUNC_ADD);
     gl::Context::enable(Flag::Blend);
     gl::Context::setBlendFunction(gl::Blend::Factor::One, gl::Blend::Factor::OneMinusSrcAlpha);
-    if (!_isLayerValid || isChanged || !(sight == _asked))
+    if (!view.isValid || !view.isOf(sight, _version))
     {
         std::vector<Region> regions;
-        if (!_isLayerValid || isChanged || !moveLayer(sight, regions))
+        if (!view.isValid || view.version != _version || !moveLayer(view, sight, regions))
         {
             regions = {{0, 0, size.width, size.height}};
             // A layer that had moved is where it was, to a fraction of a pixel.
-            if (!_isLayerLost || isChanged || !(sight == _asked))
-                _sight = sight;
+            if (!view.isLost || !view.isOf(sight, _version))
+                view.sight = sight;
         }
-        _isLayerValid = false;
-        if (!tables.upload() || !glyphs.getPictures().upload() || !glyphs.getColoredPictures().upload())
-            return fail("GL has no room for its shapes");
-        const gl::Framebuffer::Drawing drawing(_layers[_shown]);
-        if (!drawing)
-            return fail("its layer cannot be drawn into");
-        tables.bind();
-        glyphs.getPictures().bind(DrawingPrograms::cPictureUnit);
-        glyphs.getColoredPictures().bind(DrawingPrograms::cColoredUnit);
-        std::array<GLint, 4> scissor{};
-        glGetIntegerv(GL_SCISSOR_BOX, scissor.data());
-        const bool isDrawn =
-            std::all_of(regions.begin(), regions.end(),
-                        [&](const Region& region) { return drawRegion(tables, list, images, region); });
-        glScissor(scissor[0], scissor[1], scissor[2], scissor[3]);
-        if (!isDrawn)
+        view.isValid = false;
+        if (!drawLayer(view, tables, list, glyphs, images, regions))
             return false;
-        _asked = sight;
-        _isLayerValid = true;
-        _isLayerLost = false;
+        view.asked = sight;
+        view.version = _version;
+        view.isValid = true;
+        view.isLost = false;
     }
+    view.isWaiting = isWaiting;
     isScissored ? gl::Context::enable(Flag::ScissorTest) : gl::Context::disable(Flag::ScissorTest);
     gl::Context::disable(Flag::DepthTest);
-    gl::Textures::bindToSamplerUnit(_layers[_shown].getTextureID(), DrawingPrograms::cLayerUnit,
-                                    gl::Texture::Type::Tex2D);
+    gl::Textures::bindToSamplerUnit(view.pLayer->getTextureID(), DrawingPrograms::cLayerUnit, gl::Texture::Type::Tex2D);
     LayerProgram& composite = _pShared->getLayer();
     composite.activate();
     composite.setUniformValue(static_cast<unsigned int>(composite.corner), glm::vec2(viewport[0], viewport[1]));

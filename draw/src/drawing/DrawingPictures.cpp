@@ -86,10 +86,8 @@ void Drawing::Impl::renewPictures(const Sight& sight)
     };
     if (isScaled)
         lookAtAll();
-    if (waitingTexts.empty() || (!isChanged && !isWaitingSeen && sight == lastSight))
+    if (waitingTexts.empty())
         return;
-    lastSight = sight;
-    isWaitingSeen = false;
     glyphs.getPictures().beginUse();
     glyphs.getColoredPictures().beginUse();
     const std::size_t nBefore = nPicturesDrawn;
