@@ -187,6 +187,16 @@ TEST_F(DrawingTextTest, PicturesMakeRoomForOthers)
 }
 
 // Glyphs in colour, from pictures and from layers, look as FreeType makes them.
+// A view at rest that came to another display has one frame to change in.
+TEST_F(DrawingTextTest, TheFirstFrameAtAnotherScaleHasItsPictures)
+{
+    Drawing moved, other;
+    for (Drawing* const pDrawing : {&moved, &other})
+        pDrawing->text({20.3, 100}, "Sphinx of black quartz, judge my vow", {.size = 12, .halo = {2, "#000"}});
+    drawn(moved, {}, 1);
+    EXPECT_TRUE(isClose(drawn(moved, {}, 1.75), drawn(other, {}, 1.75), {0, 0, cTextPicture, cTextPicture}, {}));
+}
+
 TEST_F(DrawingTextTest, GlyphsHaveTheirColors)
 {
     struct

@@ -90,6 +90,21 @@ TEST(DisplayBeat, IsWhatFramesAreApart)
     }
 }
 
+// A program at rest looks at what it asked for when something happens, and does not know then when the next frame is.
+TEST(DisplayBeat, TellsHowFarFramesWereApartLongAgo)
+{
+    constexpr microseconds cBeat(6944);
+    Server server{cBeat};
+    const DisplayBeat::Frame first = server.tell(1000), second = server.tell(1016);
+    DisplayBeat shown;
+    EXPECT_FALSE(shown.add(first, second, second.time + std::chrono::minutes(1)));
+    EXPECT_EQ(shown.getInterval(), cBeat);
+    EXPECT_FALSE(shown.add(first, {second.count, second.time - cBeat}, second.time + std::chrono::minutes(1)));
+    EXPECT_EQ(shown.getInterval(), cBeat * 15 / 16) << "of another display";
+    EXPECT_TRUE(server.answer(shown));
+    EXPECT_LT(server.off(shown), 0.001);
+}
+
 // Servers that answer without looking at a display; clocks of another machine; anything at all.
 TEST(DisplayBeat, IsNotWhatCanBeNone)
 {

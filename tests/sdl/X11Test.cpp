@@ -5,6 +5,8 @@
 
 #include <gui/Texture.h>
 #include <gui/ZavObject.h>
+#include <gui/port/RunLoop.h>
+#include <gui/port/WindowSystem.h>
 
 #include <algorithm>
 #include <thread>
@@ -64,6 +66,29 @@ TEST_P(X11Test, MotionsOfOneFrameAreOne)
     ASSERT_TRUE(waitInLoop([&] { return !view.lines.empty() && view.lines.back() == "drag 199,40"; }));
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
     EXPECT_LE(double(view.lines.size()), 2 + 60 * time.count());
+}
+
+// Or motions and clocks would go at the rate that most displays have.
+TEST_P(X11Test, DisplayThatTellsNoRateIsMeasuredBeforeAnythingMoves)
+{
+    using Clock = gui::RunLoop::Clock;
+    waitInLoop([] { return false; }, 0.3); // behind the motion that came with the pointer
+    RecordingView atRest;
+    atRest.create(gui::gl::Context::Animation::Off);
+    gui::Window other("Other", {64, 48});
+    ASSERT_TRUE(other.show(atRest));
+    auto* const pView = static_cast<gui::NativeView*>(atRest.getHandle());
+    gui::RunLoop& loop = gui::WindowSystem::instance().getRunLoop();
+    const auto isMeasured = [&]
+    {
+        const Clock::time_point before = Clock::now();
+        loop.startFrameClock(pView, 0, 0);
+        const Clock::time_point tick = loop.getNextDue().value_or(before), after = Clock::now();
+        loop.stopFrameClock(pView);
+        constexpr std::chrono::duration<double> cBeat(1.0 / XServer::cRate);
+        return tick - before > 0.9 * cBeat && tick - after < 1.1 * cBeat;
+    };
+    EXPECT_TRUE(waitInLoop(isMeasured));
 }
 
 // The release is not the last of its event: the pointer left on the way.

@@ -60,7 +60,8 @@ XServer::XServer()
         return;
     fcntl(pipe[0], F_SETFD, FD_CLOEXEC);
     _pServer = std::make_unique<Process>(Arguments{"Xvfb", "-displayfd", std::to_string(pipe[1]), "-screen", "0",
-                                                   "1280x1024x24", "-noreset", "-nolisten", "tcp"});
+                                                   "1280x1024x24", "-noreset", "-nolisten", "tcp", "-fakescreenfps",
+                                                   std::to_string(cRate)});
     close(pipe[1]);
     const std::string number = readNumber(pipe[0]);
     close(pipe[0]);

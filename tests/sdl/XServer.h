@@ -29,6 +29,9 @@ class XServer
 public:
     using Window = unsigned long;
 
+    /// Frames per second, which it does not tell.
+    static constexpr int cRate = 50;
+
     XServer();
     ~XServer();
     XServer(const XServer&) = delete;

@@ -11,7 +11,8 @@ namespace
 
 /// What pictures may take of a frame, in microseconds or so: counted, not measured, so that all runs are alike.
 constexpr double cTimePerFrame = 2000;
-/// Of the first frame, in which all else is made too: outlines instead would take longer.
+/// Of the first frame at a scale, in which all else is made too: outlines instead would take longer, and a view at rest
+/// would stay with them.
 constexpr double cTimeAtFirst = 20000;
 
 } // namespace
@@ -91,7 +92,7 @@ void Drawing::Impl::renewPictures(const Sight& sight)
     glyphs.getPictures().beginUse();
     glyphs.getColoredPictures().beginUse();
     const std::size_t nBefore = nPicturesDrawn;
-    double time = nPicturesDrawn == 0 ? cTimeAtFirst : cTimePerFrame;
+    double time = isScaled || nPicturesDrawn == 0 ? cTimeAtFirst : cTimePerFrame;
     std::vector<std::uint32_t> evicted;
     std::vector<std::uint32_t>* pEvicted = nullptr;
     visited.clear();

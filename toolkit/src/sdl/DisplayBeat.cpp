@@ -27,8 +27,7 @@ Duration timesOf(Duration interval, std::uint64_t n) { return interval * static_
 
 bool DisplayBeat::add(const Frame& first, const Frame& second, RunLoop::Time now)
 {
-    if (std::chrono::abs(now - second.time) > cOldestFrame || second.count < first.count ||
-        second.count - first.count < cFewestFrames)
+    if (second.count < first.count || second.count - first.count < cFewestFrames)
         return false;
     // A server that only pretends has answered both at once.
     const auto n = static_cast<Duration::rep>(second.count - first.count);
@@ -36,9 +35,16 @@ bool DisplayBeat::add(const Frame& first, const Frame& second, RunLoop::Time now
     if (interval < cShortestInterval || interval > cLongestInterval)
     {
         _interval = Duration::zero();
+        _hasTime = false;
         return false;
     }
-    if (_interval == Duration::zero())
+    if (std::chrono::abs(now - second.time) > cOldestFrame)
+    {
+        if (!_hasTime)
+            _interval = interval;
+        return false;
+    }
+    if (!_hasTime)
         begin(second, interval);
     else if (goOn(second, interval))
         _wasOff = false;
@@ -54,6 +60,7 @@ void DisplayBeat::begin(const Frame& frame, Duration interval)
 {
     _base = _nextBase = _last = frame;
     _interval = interval;
+    _hasTime = true;
     _wasOff = false;
 }
 

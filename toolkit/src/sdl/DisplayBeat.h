@@ -25,8 +25,8 @@ public:
     /// How many frames to ask ahead for the second of a pair.
     static constexpr std::uint64_t cSpan = 16;
 
-    /// A pair that was asked for at once: the next frame, and one that is cSpan ahead of what was told last.
-    /// @return whether they go with the beat, which is known then
+    /// A pair that was asked for at once: the next frame, and one that is cSpan ahead of what was told last. Long ago
+    /// it tells of the interval alone.  @return whether they go with the beat, which is known then
     bool add(const Frame& first, const Frame& second, RunLoop::Time now);
 
     RunLoop::Time getTime() const { return _last.time; } ///< of the last frame, without the jitter
@@ -40,6 +40,7 @@ private:
     Frame _nextBase; // behind it
     Frame _last;
     RunLoop::Clock::duration _interval{}; // 0: not known
+    bool _hasTime = false;
     bool _wasOff = false;
 };
 

@@ -63,20 +63,23 @@ void awaitPresentation(SDL_Window* pWindow)
 
 void SDLRunLoop::await(SDL_Window* pWindow)
 {
-    // For what goes on alone, clocks and motions: of other frames it makes no difference when they are seen.
+    // For what goes on alone, clocks and motions: of other frames it makes no difference when they are seen. But where
+    // nobody tells the display's rate the first ones are there to measure it.
     constexpr std::chrono::milliseconds cMotion(250);
     const NativeView* const pView = viewOf(pWindow);
-    if (pView == nullptr || !(hasFrameClock(pView) || Clock::now() < _nextMotion + cMotion))
+    if (pView == nullptr)
         return;
+    const bool isGoingOn = hasFrameClock(pView) || Clock::now() < _nextMotion + cMotion;
     const auto handler = [this](std::uint32_t windowID, Time shown, Clock::duration refresh)
     { onShown(windowID, shown, refresh); };
-    if (wl_surface* const pSurface = sdl::getWaylandSurface(pWindow))
+    if (wl_surface* const pSurface = isGoingOn ? sdl::getWaylandSurface(pWindow) : nullptr)
     {
         if (_pWaylandPresentation == nullptr)
             _pWaylandPresentation = std::make_unique<WaylandPresentation>(sdl::getWayland(pWindow), handler);
         _pWaylandPresentation->await(pSurface, SDL_GetWindowID(pWindow));
     }
-    else if (const std::optional<sdl::X11Window> x11 = sdl::getX11(pWindow))
+    else if (const std::optional<sdl::X11Window> x11 = sdl::getX11(pWindow);
+             x11 && (isGoingOn || getDisplayRate(pView) <= 0))
     {
         if (_pX11Presentation == nullptr)
             _pX11Presentation = std::make_unique<X11Presentation>(x11->pDisplay, handler);
@@ -143,13 +146,13 @@ bool SDLRunLoop::isEventDue() const
 }
 
 // On the display's beat, or on multiples of the frames' period, so that the rate does not drift.
-void SDLRunLoop::putOffMotions(SDL_Window* pWindow, const NativeView* pView)
+void SDLRunLoop::putOffMotions(const NativeView* pView)
 {
     const Time now = Clock::now();
     if (now < _nextMotion)
         return;
     constexpr double cDefaultRate = 60;
-    const double rate = sdl::getDisplayRate(pWindow);
+    const double rate = getDisplayRate(pView);
     const std::chrono::duration<double> exactPeriod(1 / (rate > 0 ? rate : cDefaultRate));
     const auto period = std::chrono::duration_cast<Clock::duration>(exactPeriod);
     // Not one that is so near that it may be the same, which was told of anew.
@@ -161,7 +164,11 @@ void SDLRunLoop::putOffMotions(SDL_Window* pWindow, const NativeView* pView)
 
 double SDLRunLoop::getDisplayRate(const NativeView* pView) const
 {
-    return sdl::getDisplayRate(static_cast<SDL_Window*>(pView->getNativeWindow()));
+    auto* const pWindow = static_cast<SDL_Window*>(pView->getNativeWindow());
+    const double told = sdl::getDisplayRate(pWindow);
+    if (told > 0 || _pX11Presentation == nullptr)
+        return told;
+    return _pX11Presentation->getRate(SDL_GetWindowID(pWindow));
 }
 
 void SDLRunLoop::dispatch(const SDLEvent& event)
@@ -186,7 +193,7 @@ void SDLRunLoop::dispatch(const SDLEvent& event)
     const auto isStillThere = [&]
     { return SDL_GetWindowFromID(event.windowID) == pWindow && viewOf(pWindow) == pView; };
     if (event.type == Type::Motion)
-        putOffMotions(pWindow, pView);
+        putOffMotions(pView);
     // The frame that Wayland's clients draw around their windows changes with the focus, and shows with what is in it.
     if ((event.type == Type::FocusGained || event.type == Type::FocusLost) && sdl::isOnWayland())
         setNeedsDisplay(pView);

@@ -39,7 +39,7 @@ private:
     /// Whether there is an event that does not wait for the next frame.
     bool isEventDue() const;
     /// One is handed out: the next waits for another frame.
-    void putOffMotions(SDL_Window* pWindow, const NativeView* pView);
+    void putOffMotions(const NativeView* pView);
     void onShown(std::uint32_t windowID, Time shown, Clock::duration refresh);
     void dispatch(const SDLEvent& event);
     /// @return whether the event is one of those that the window itself sees to

@@ -55,10 +55,30 @@ void X11Presentation::await(const sdl::X11Window& window, std::uint32_t windowID
         return;
     watched.serial = _nextSerial;
     _nextSerial += 2;
-    // The next one at which the count divides by one.
-    xcb_present_notify_msc(_pConnection, watched.window, watched.serial, 0, 1, 0);
-    xcb_present_notify_msc(_pConnection, watched.window, watched.serial + 1, watched.count + DisplayBeat::cSpan, 1, 0);
+    watched.told.reset();
+    const auto ask = [&](std::uint32_t i, std::uint64_t least, std::uint64_t divisor, std::uint64_t remainder)
+    { xcb_present_notify_msc(_pConnection, watched.window, watched.serial + i, least, divisor, remainder); };
+    constexpr std::uint64_t cSpan = DisplayBeat::cSpan;
+    // The next one at which the count divides by one. Where the count isn't known, a pair is as far apart.
+    if (watched.count != 0)
+    {
+        ask(0, 0, 1, 0);
+        ask(1, watched.count + cSpan, 1, 0);
+    }
+    else
+    {
+        ask(0, 0, 2 * cSpan, 0);
+        ask(1, 0, 2 * cSpan, cSpan);
+    }
     xcb_flush(_pConnection);
+}
+
+double X11Presentation::getRate(std::uint32_t windowID) const
+{
+    const auto it = std::ranges::find(_windows, windowID, &Watched::windowID);
+    const std::chrono::duration<double> interval =
+        it != _windows.end() ? it->beat.getInterval() : RunLoop::Clock::duration::zero();
+    return interval.count() > 0 ? 1 / interval.count() : 0;
 }
 
 X11Presentation::Watched& X11Presentation::watch(std::uint32_t window, std::uint32_t windowID)
@@ -104,13 +124,16 @@ void X11Presentation::take(std::uint32_t window, std::uint32_t serial, const Dis
     const auto it = std::ranges::find(_windows, window, &Watched::window);
     if (it == _windows.end() || !it->isAsked)
         return;
-    if (serial == it->serial)
-        it->first = frame;
-    if (serial != it->serial + 1)
+    if (serial != it->serial && serial != it->serial + 1)
         return;
+    if (!it->told)
+    {
+        it->told = frame;
+        return;
+    }
     it->isAsked = false;
     it->count = frame.count;
-    if (it->beat.add(it->first, frame, RunLoop::Clock::now()))
+    if (it->beat.add(*it->told, frame, RunLoop::Clock::now()))
         _handler(it->windowID, it->beat.getTime(), it->beat.getInterval());
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 struct xcb_connection_t;
@@ -31,6 +32,8 @@ public:
     void await(const sdl::X11Window& window, std::uint32_t windowID);
     /// Hands out what has arrived.
     void dispatch();
+    /// Frames per second of the window's display, as they are told; 0 for unknown.
+    double getRate(std::uint32_t windowID) const;
 
 private:
     struct Watched
@@ -39,8 +42,8 @@ private:
         std::uint32_t window = 0;
         std::uint32_t serial = 0; // of the first of a pair
         bool isAsked = false;
-        DisplayBeat::Frame first;
-        std::uint64_t count = 0; // of the last frame that was told
+        std::optional<DisplayBeat::Frame> told; // one of the pair
+        std::uint64_t count = 0;                // of the last frame that was told
         DisplayBeat beat;
     };
 
