@@ -14,8 +14,8 @@
 #include <random>
 #include <vector>
 
-// Replays 100,000 recorded draw commands, beside a loop that makes the same GL calls from a plain array; and a random
-// mix of all kinds, beside an interpreter that decides by switch what to call.
+// Replays 100,000 recorded draw commands, beside a loop that makes the same GL calls from a plain array; the same in
+// lists of ten; and a random mix of all kinds, beside an interpreter that decides by switch what to call.
 
 namespace
 {
@@ -26,6 +26,7 @@ using gui::gl::Primitive;
 using gui::gl::Textures;
 
 constexpr unsigned int cCommands = 100'000;
+constexpr unsigned int cShort = 10; // of a short list
 constexpr unsigned int cVertices = 6;
 constexpr unsigned int cInstances = 100;
 constexpr unsigned int cTextures = 2;
@@ -149,7 +150,8 @@ void setUp(Command& command, What what, unsigned int i)
         command.setTexture(Textures::Unit::T0, static_cast<char>(i % cTextures));
 }
 
-void replay(benchmark::State& state, What what)
+/// @param nOfList  commands of each list
+void replay(benchmark::State& state, What what, unsigned int nOfList = cCommands)
 {
     const bench::EmptyGL gl;
     gui::Texture image;
@@ -158,12 +160,13 @@ void replay(benchmark::State& state, What what)
     helper.updateInfo(1, 1, 3);
     Textures textures;
     ColorProgram program;
-    CommandList list(cCommands);
+    std::vector<CommandList> lists(cCommands / nOfList);
     bool isReady = textures.append({&image, &image}, gui::gl::Texture::Type::Tex2D) && program.link("", "");
     program.setTextures(&textures);
     const std::vector<Drawing> mix = randomMix();
     for (unsigned int i = 0; i < cCommands; ++i)
     {
+        CommandList& list = lists[i / nOfList];
         Command* pCommand = list.get();
         if (what == What::Mix)
             setUp(*pCommand, mix[i]);
@@ -179,7 +182,8 @@ void replay(benchmark::State& state, What what)
     for (auto _ : state)
     {
         program.activate();
-        list.execute();
+        for (CommandList& list : lists)
+            list.execute();
     }
     state.SetItemsProcessed(state.iterations() * cCommands);
 }
@@ -194,36 +198,38 @@ struct Draw
 };
 
 // A template, so that each loop has the calls of its case and no decision in it.
-template <What what>
+template <What what, unsigned int nOfList = cCommands>
 void byHand(benchmark::State& state)
 {
     const bench::EmptyGL gl;
-    std::vector<Draw> draws;
+    std::vector<std::vector<Draw>> lists(cCommands / nOfList);
     for (unsigned int i = 0; i < cCommands; ++i)
     {
         const float red = i % 2 == 0 ? 1.0f : 0.0f;
-        draws.push_back({static_cast<GLint>(i * cVertices), cVertices, {red, 0, 1 - red}, 1 + i % cTextures});
+        lists[i / nOfList].push_back(
+            {static_cast<GLint>(i * cVertices), cVertices, {red, 0, 1 - red}, 1 + i % cTextures});
     }
-    benchmark::DoNotOptimize(draws.data());
+    benchmark::DoNotOptimize(lists.data());
     for (auto _ : state)
     {
         glUseProgram(1);
         if constexpr (what == What::OneColor)
-            glUniform3fv(cColorLocation, 1, draws[0].color);
-        for (const Draw& draw : draws)
-        {
-            if constexpr (what == What::TwoColors)
-                glUniform3fv(cColorLocation, 1, draw.color);
-            if constexpr (what == What::Texture)
+            glUniform3fv(cColorLocation, 1, lists[0][0].color);
+        for (const std::vector<Draw>& draws : lists)
+            for (const Draw& draw : draws)
             {
-                glActiveTexture(GL_TEXTURE0);
-                glBindTexture(GL_TEXTURE_2D, draw.texture);
+                if constexpr (what == What::TwoColors)
+                    glUniform3fv(cColorLocation, 1, draw.color);
+                if constexpr (what == What::Texture)
+                {
+                    glActiveTexture(GL_TEXTURE0);
+                    glBindTexture(GL_TEXTURE_2D, draw.texture);
+                }
+                if constexpr (what == What::Instanced)
+                    glDrawArraysInstanced(GL_TRIANGLES, draw.first, draw.count, cInstances);
+                else
+                    glDrawArrays(GL_TRIANGLES, draw.first, draw.count);
             }
-            if constexpr (what == What::Instanced)
-                glDrawArraysInstanced(GL_TRIANGLES, draw.first, draw.count, cInstances);
-            else
-                glDrawArrays(GL_TRIANGLES, draw.first, draw.count);
-        }
     }
     state.SetItemsProcessed(state.iterations() * cCommands);
 }
@@ -299,6 +305,8 @@ void interpret(benchmark::State& state)
 
 BENCHMARK_CAPTURE(replay, Plain, What::Plain)->Name("Plain/commands");
 BENCHMARK(byHand<What::Plain>)->Name("Plain/byHand");
+BENCHMARK_CAPTURE(replay, Short, What::Plain, cShort)->Name("Short/commands");
+BENCHMARK(byHand<What::Plain, cShort>)->Name("Short/byHand");
 BENCHMARK_CAPTURE(replay, OneColor, What::OneColor)->Name("OneColor/commands");
 BENCHMARK(byHand<What::OneColor>)->Name("OneColor/byHand");
 BENCHMARK_CAPTURE(replay, TwoColors, What::TwoColors)->Name("TwoColors/commands");

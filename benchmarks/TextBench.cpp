@@ -378,6 +378,10 @@ BENCHMARK_CAPTURE(layOutPlainly, labels, Kind::Labels, Font::cLeft)->Name("Layou
 BENCHMARK_CAPTURE(layOutPlainly, mixed, Kind::Mixed, Font::cLeft)->Name("Layout/mixed/plain");
 BENCHMARK_CAPTURE(layOutPlainly, paragraphs, Kind::Paragraphs, Font::cLeft)->Name("Layout/paragraphs/plain");
 BENCHMARK_CAPTURE(layOutPlainly, centred, Kind::Labels, Font::cCentre)->Name("Layout/centred/plain");
+BENCHMARK_CAPTURE(layOutPlainly, letters, Kind::Letters, Font::cLeft)->Name("Layout/letters/plain");
+BENCHMARK_CAPTURE(layOutPlainly, pairs, Kind::Pairs, Font::cLeft)->Name("Layout/pairs/plain");
+BENCHMARK_CAPTURE(layOutPlainly, figures, Kind::Figures, Font::cLeft)->Name("Layout/figures/plain");
+BENCHMARK_CAPTURE(layOutPlainly, centredFigures, Kind::Figures, Font::cCentre)->Name("Layout/figures centred/plain");
 BENCHMARK_CAPTURE(measure, labels, Kind::Labels)->Name("Measure/labels");
 BENCHMARK_CAPTURE(measure, mixed, Kind::Mixed)->Name("Measure/mixed");
 BENCHMARK(addThreeTimes)->Name("ThreeAdditions/labels");

@@ -250,13 +250,25 @@ struct Command::Functions
     static Progress run(const Command* p, const Command* pEnd)
     {
         const Function fn = p->_fn;
-        do
+        bool isDone = true;
+        const auto goesOn = [&]
         {
-            if (!send<subType>(p) || !draw(p)) [[unlikely]]
-                return {p + 1, false};
+            isDone = send<subType>(p) && draw(p);
             ++p;
-        } while (p != pEnd && p->_fn == fn);
-        return {p, true};
+            if (!isDone || p == pEnd || p->_fn != fn) [[unlikely]]
+                return false;
+            return true;
+        };
+        // A draw alone takes no longer than to jump back: several in a row are a tenth faster.
+        if constexpr (subType == SubType::None)
+            while (goesOn() && goesOn() && goesOn() && goesOn())
+            {
+            }
+        else
+            while (goesOn())
+            {
+            }
+        return {p, isDone};
     }
 
     template <Draw draw>

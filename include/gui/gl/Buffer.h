@@ -95,13 +95,15 @@ public:
     /// @param data  nVertices times the floats of a vertex, one vertex after the other. The layout must be set.
     void appendVertices(const float* data, std::size_t nVertices)
     {
-        if (isClosed())
+        if (isClosed()) [[unlikely]]
             return;
         TD_ASSERT(_vertexRecLenInBytes > 0);
-        if (_isWatched && isAppended(data, nVertices * (_vertexRecLenInBytes / sizeof(float)))) [[unlikely]]
-            return;
         // From the 8 bits of _nVertexFloats, compilers conclude that few floats are copied, and choose a slow way.
-        _vertexData.push_back(data, nVertices * (_vertexRecLenInBytes / sizeof(float)));
+        const std::size_t nFloats = nVertices * (_vertexRecLenInBytes / sizeof(float));
+        if (_isWatched) [[unlikely]]
+            if (isAppended(data, nFloats))
+                return;
+        _vertexData.push_back(data, nFloats);
     }
     /// @param nVertexFloats  floats, a whole number of vertices (an assertion)
     void appendVertexUnits(const float* data, std::size_t nVertexFloats);
@@ -273,7 +275,12 @@ public:
 
 private:
     // Appending is inline: a call takes as long as copying a few vertices.
-    bool isClosed() const { return _state == 1 && isAddOnCommitted(); }
+    bool isClosed() const
+    {
+        if (_state != 1) [[likely]]
+            return false;
+        return isAddOnCommitted();
+    }
     bool isEmpty() const;
     // Of dynamic buffers.
     void beginAnew();

@@ -82,10 +82,11 @@ public:
             insertAndGrow(size(), pValues, n);
         else if constexpr (std::is_trivially_copyable_v<T>)
         {
-            // By its own name: the compiler knows no better way to copy a few values.
+            // By its own name: the compiler knows no better way to copy a few values. And last: _pEnd would be read
+            // again behind it.
+            T* const pTo = std::exchange(_pEnd, _pEnd + n);
             if (n != 0) [[likely]]
-                std::memcpy(_pEnd, pValues, n * sizeof(T));
-            _pEnd += n;
+                std::memcpy(pTo, pValues, n * sizeof(T));
         }
         else
             _pEnd = std::copy_n(pValues, n, _pEnd);
