@@ -184,7 +184,7 @@ bool Drawing::setColor(ID id, const Paint& paint)
     for (const std::uint32_t member : pItem->members)
         if (pItem->kind == Impl::Kind::Group)
             setColor(_pImpl->idOf(member), paint);
-        else if (!_pImpl->items[member].pLetters->isHalo)
+        else if (const Impl::Letters& letters = *_pImpl->items[member].pLetters; !letters.isHalo && !letters.isFrame)
             _pImpl->setPaint(_pImpl->items[member], paint);
     return true;
 }

@@ -41,7 +41,7 @@ struct Drawing::Impl
         draw::Stroke stroke;
     };
 
-    /// What texts are made from, and of that their glyphs the style and whether they are a halo. Rectangles are in the
+    /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles are in the
     /// text's own unit, about its anchor, y downwards.
     struct Letters
     {
@@ -57,6 +57,7 @@ struct Drawing::Impl
         Rect ink;                // around them, with halos
         Point anchor;            // in the layout
         bool isHalo = false;
+        bool isFrame = false;
         bool mayHavePictures = false;
         bool hasColors = false;                    // pictures in colour, in place of which there is nothing to draw
         bool isListed = false;                     // among waitingTexts
@@ -165,7 +166,8 @@ struct Drawing::Impl
     /// Adds to `neighbours` those of the elements of a halo that are one with each.
     void findNeighbours(const GlyphStyle& style);
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
-    void setOutline(Item& item, const Path& path);
+    /// Gives glyphs an outline of their own, in the text's unit about its anchor.
+    void setOutline(Item& item, const Path& path, FillRule rule);
     void setElements(Item& glyphs, double strokeStep);
     /// What has the text's colour in its pictures gets it.
     void recolor(Item& glyphs, td::Color foreground);

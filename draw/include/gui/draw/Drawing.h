@@ -92,6 +92,7 @@ public:
     ///
     ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}},
     ///                  {.anchor = Anchor::Left, .offset = {6, 0}});
+    ///     drawing.text({3, 0}, "6.00", {}, {.anchor = Anchor::Center, .frame = TextFrame{.fill = "#ffffff"}});
     ///
     /// In points (TextStyle::unit, of the first style) a text has the same size at every zoom, is turned by its own
     /// angle alone, whatever groups do, and stands on whole pixels when that is 0. In model units it is as large as the
@@ -134,7 +135,7 @@ public:
     /// new picture (but for the paths of fills and of curves, gradients, images and layouts, which are not compared).
     /// @return false for an id that names nothing (any more), or not that; nothing changes then
     ///
-    /// Of a text, all letters and lines get it, and halos stay. Of a group, all shapes that are in it now.
+    /// Of a text, all letters and lines get it; halos and frames stay. Of a group, all shapes that are in it now.
     bool setColor(ID id, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
@@ -214,7 +215,7 @@ public:
     /// The topmost visible and pickable shape within a tolerance of a point; 0 when there is none. Strokes whose width
     /// is in points are as wide as the last draw has made them, and texts as large, and zooms are that one's; before
     /// one, a point is a model unit and y grows downwards. A text is where its lines are, from top to bottom and from
-    /// the first letter to the last.
+    /// the first letter to the last, or where its frame is.
     /// @param tolerance  in model units; 0 for the shapes right at the point
     ID pick(Point point, double tolerance = 0) const;
     /// All of these that have a part inside of the rectangle, the topmost one first.
