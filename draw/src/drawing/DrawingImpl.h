@@ -197,6 +197,10 @@ struct Drawing::Impl
     void place(const Item& item);
     /// After a change of what is around it, or of its own transform or visibility.
     void update(Item& item);
+    /// The same where it is elsewhere than what it shared edges with; findNeighbours comes before the change.
+    void updateMoved(Item& item);
+    /// @param to  the slot of a group that is not within it, or cNoItem
+    void setGroup(Item& item, std::uint32_t to);
 
     /// Finds the fills around those whose geometry is new, before anything that asks for neighbours or moves some.
     void findNeighbours();
@@ -250,7 +254,8 @@ struct Drawing::Impl
     std::vector<std::uint32_t> order; // of drawing: shapes, and gaps
     std::size_t nGaps = 0;
     DrawList list;
-    std::uint32_t group = cNoItem; // what is added belongs to
+    std::uint32_t group = cNoItem;           // what is added belongs to
+    std::vector<std::uint32_t> groupsBefore; // that endGroup goes back to
     double tolerance = 0;
     double pointsPerUnit = 1;
     Affine toPoints = Affine::scaling(1); // of the last draw, y downwards

@@ -128,8 +128,21 @@ public:
     /// What is added until endGroup belongs to the group, which may stand in another one.
     /// @param transform  from the group's coordinates to those around it
     ID beginGroup(const Affine& transform = {});
-    /// Without a beginGroup it is an assertion.
+    /// Begins a group again that is there already, such as a layer: what is added until endGroup belongs to it too, and
+    /// is drawn over all that is there, as ever. To bring layers into an order, raise each.
+    /// @return false for an id that names no group (any more); then nothing is begun
+    bool openGroup(ID group);
+    /// Ends what was begun last; what is added then belongs to what was begun before. Without a beginGroup it is an
+    /// assertion.
     void endGroup();
+    /// Takes a shape, or a group with all that is in it, out of its group and into another one, or into none. It is as
+    /// if it had been added there: hidden, moved, picked as that group is, with its own transform in that one's
+    /// coordinates. Where it is in the order of drawing it stays.
+    /// @param group  0 for none
+    /// @return false, with nothing changed, for an id that names nothing, a group that is none, or is within the other
+    bool setGroup(ID id, ID group);
+    /// The innermost group around a shape or a group; 0 for none, as for an id that names nothing.
+    ID getGroup(ID id) const;
 
     /// Changes of shapes and, where it says so, groups. What is set to what it is already changes nothing, and takes no
     /// new picture (but for the paths of fills and of curves, gradients, images and layouts, which are not compared).
