@@ -62,7 +62,7 @@ void TurnLabels(benchmark::State& state)
                    {.offset = {22, -16},
                     .priority = double(i * 7919 % n),
                     .leader = Leader(),
-                    .frame = gui::draw::LabelFrame()});
+                    .frame = gui::draw::TextFrame()});
     labels.setIsHidden([](const glm::dvec3& point, const Eye& eye)
                        { return glm::dot(eye.getPosition() - point, point) < 0; });
     for (auto _ : state)

@@ -99,7 +99,7 @@ bool Countries::point(const std::optional<Place>& place)
     if (_pPointed != nullptr)
         _note.add(
             _globe.getPoint(*place), _pPointed->name, {.size = 15, .paint = cYellow},
-            {.offset = {18, -22}, .leader = Leader{1, cYellow}, .frame = LabelFrame{"#0a1428d8", "#ffd45a60", 1, 8}});
+            {.offset = {18, -22}, .leader = Leader{1, cYellow}, .frame = TextFrame{"#0a1428d8", "#ffd45a60", 1, 8}});
     if (_pPointed == pBefore)
         return _pPointed != nullptr;
     _outline.clear();

@@ -68,7 +68,7 @@ protected:
 
     void addNames()
     {
-        const Label3 look{.offset = {34, -30}, .leader = Leader(), .frame = LabelFrame()};
+        const Label3 look{.offset = {34, -30}, .leader = Leader(), .frame = TextFrame()};
         _labels.add({0, 23, 38}, "Sleeve", {.size = 13}, look);
         _labels.add({35, -35, 17}, "Screw, M6", {.size = 13}, look);
         _labels.add({22, -34, 0}, "Ground below", {.size = 13}, {.behind = Behind::Fade});

@@ -472,6 +472,11 @@ TEST_F(DrawingTest, NothingShowsBetweenShapesThatMeet)
         // What they were before counts for nothing.
         for (std::size_t k = 0; k < ids.size(); ++k)
             drawing.setPath(ids[k], sectors[k]);
+        // And in which groups they are, for as little.
+        const Drawing::ID group = drawing.beginGroup();
+        drawing.endGroup();
+        for (std::size_t k = 0; k < ids.size(); k += 2)
+            EXPECT_TRUE(drawing.setGroup(ids[k], group));
         const auto lightest = [&]
         {
             drawn(drawing);

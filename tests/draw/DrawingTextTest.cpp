@@ -526,6 +526,47 @@ TEST_F(DrawingTextTest, TextsAreFoundWhereTheyAreSeen)
     EXPECT_EQ(drawing.getNumberOfShapes(), 1U);
 }
 
+// A frame that is blurred at its sides, keeps the size of an older text, takes its colour or covers it; one that pick,
+// bounds or labels know nothing of.
+TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
+{
+    constexpr test::Pixel cRed{255, 0, 0}, cGreen{0, 255, 0}, cBlue{0, 0, 255};
+    const TextFrame frame{.fill = "#00ff00", .line = "#ff0000", .width = 2, .padding = 10, .radius = 0};
+    Drawing drawing;
+    const Drawing::ID text =
+        drawing.text({100.3, 100.4}, "I", {.size = 20}, {.anchor = Anchor::TopLeft, .frame = frame});
+    for (const char* const string : {"I", "A longer one", "", "I"})
+    {
+        SCOPED_TRACE(string);
+        EXPECT_TRUE(drawing.setText(text, string) && drawing.setColor(text, "#0000ff"));
+        const double width = TextLayout(string, {.size = 20}).getSize().width;
+        drawn(drawing);
+        const int right = 100 + int(std::lround(width + 10));
+        std::string row;
+        for (int x = 85; x < right + 5; ++x)
+            row += pixel(x, 1023 - 98) == cRed ? 'r' : pixel(x, 1023 - 98) == cGreen ? 'g' : '.';
+        const auto side = std::size_t(right - 94);
+        EXPECT_EQ(row, width > 0 ? ".....rr" + std::string(side, 'g') + "rr....." : std::string(30, '.'));
+        EXPECT_EQ(drawing.pick({91, 96}), width > 0 ? text : 0);
+        EXPECT_EQ(drawing.pick({91, 94}), 0U);
+    }
+    bool isBlue = false;
+    for (int x = 100; x < 110; ++x)
+        isBlue = isBlue || pixel(x, 1023 - 110) == cBlue;
+    EXPECT_TRUE(isBlue) << "the letter over it";
+
+    drawing.clear();
+    drawing.text({0, 0}, "I", {.unit = Unit::Model}, {.anchor = Anchor::Baseline, .angle = 90, .frame = frame});
+    EXPECT_LE(drawing.getBounds()->top, -10.0 - TextLayout("I", {}).getSize().width);
+
+    Labels labels(drawing);
+    const double width = TextLayout("Label", {}).getSize().width;
+    for (const double x : {0.0, width + 15})
+        labels.add({x, 0}, "Label", {}, {.frame = frame});
+    labels.place(1);
+    EXPECT_EQ(labels.getNumberOfHidden(), 1U);
+}
+
 // At each zoom: no two that are shown overlap, each that is hidden would cover one that matters as much, and a small
 // step of the zoom changes nothing.
 TEST_F(DrawingTextTest, LabelsKeepClearOfEachOther)

@@ -47,10 +47,18 @@ public:
 
 private:
     void onShapeEntered(Drawing::ID shape) override { told += "e" + std::to_string(drawing().getTag(shape)); }
-    void onShapeClicked(Drawing::ID shape) override { told += "c" + std::to_string(drawing().getTag(shape)); }
+    void onShapeClicked(Drawing::ID shape) override
+    {
+        told += (gui::isControlKeyPressed(getModifiers()) ? "+c" : "c") + std::to_string(drawing().getTag(shape));
+        EXPECT_EQ(getPointer(), clickedAt);
+    }
+
+public:
+    std::optional<td::Point<double>> clickedAt;
 };
 
-// A click that was a drag, one after a double click, the same shape told twice, a shape that stays entered.
+// A click that was a drag, one after a double click, the same shape told twice, a shape that stays entered; a click of a
+// pointer that has not moved there, keys that were held before.
 TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
 {
     PlanView view;
@@ -65,6 +73,7 @@ TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
     view.told.clear();
     view.onPrimaryButtonPressed(at(50, 100));
     view.onCursorDragged(at(52, 101));
+    view.clickedAt = td::Point<double>(52, 101);
     view.onPrimaryButtonReleased(at(52, 101));
     view.onPrimaryButtonPressed(at(350, 100));
     const double before = view.getCenter().x;
@@ -76,6 +85,16 @@ TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
     EXPECT_TRUE(view.isFlying());
     view.onPrimaryButtonReleased(at(52, 100));
     EXPECT_EQ(view.told, "e1c1e2");
+    EXPECT_EQ(view.getPointer(), td::Point<double>(52, 100));
+
+    view.told.clear();
+    const auto control = static_cast<unsigned int>(gui::KeyModifier::Cmd);
+    view.clickedAt = td::Point<double>(350, 90);
+    view.onPrimaryButtonPressed(at(350, 91));
+    view.onPrimaryButtonReleased(at(350, 90, control));
+    view.onPrimaryButtonPressed(at(350, 90, control));
+    view.onPrimaryButtonReleased(at(350, 90));
+    EXPECT_EQ(view.told, "+c2c2");
 }
 
 // A box that pans, ends in a click, goes on after its end or Escape, or is where the plane was when it began.
@@ -91,6 +110,7 @@ TEST(DrawingViewTest, FliesToABoxThatIsDrawnWithShift)
     view.onKeyPressed(gui::Key(0, 0, 1, static_cast<unsigned char>(gui::Key::Virtual::Escape)));
     view.onPrimaryButtonReleased(at(150, 160, shift));
     press();
+    view.clickedAt = td::Point<double>(51, 60);
     view.onPrimaryButtonReleased(at(51, 60, shift));
     EXPECT_EQ(view.told.back(), '1') << "a click";
     EXPECT_FALSE(view.isFlying());

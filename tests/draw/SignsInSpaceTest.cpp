@@ -229,7 +229,7 @@ TEST_F(SignsInSpaceTest, LeadersJoinTextsToTheirPoints)
             labels.add({0, 0, 0}, "A", {.paint = "#ffffff"},
                        {.offset = offset,
                         .leader = Leader{.width = width, .paint = "#00ff00", .end = Leader::End::Arrow},
-                        .frame = LabelFrame{.fill = "#0000ff", .padding = 8}});
+                        .frame = TextFrame{.fill = "#0000ff", .padding = 8}});
         clear();
         ASSERT_TRUE(labels.draw(canvas.getEye(camera, 1)));
         const auto rect = labels.getRect(id);

@@ -13,6 +13,8 @@
 #include <cmath>
 #include <limits>
 #include <span>
+#include <utility>
+#include <vector>
 
 namespace fuzz::drawing
 {
@@ -76,13 +78,14 @@ public:
                 move(operation);
             else if (operation == 15)
                 beginGroup();
-            else if (operation == 16 && _open >= 0)
+            else if (operation == 16 && !_before.empty())
             {
                 _drawing.endGroup();
-                _open = _items[std::size_t(_open)].group;
+                _open = _before.back();
+                _before.pop_back();
             }
-            else if (operation == 17 && _input.below(8) == 0)
-                clear();
+            else if (operation == 17)
+                regroup(_input.below(8));
             else if (operation > 17)
                 checkPicture();
         }
@@ -143,8 +146,32 @@ private:
     {
         Item item{.isGroup = true, .group = _open, .transform = takeTransform()};
         item.id = _drawing.beginGroup(item.transform);
-        _open = static_cast<int>(_items.size());
+        _before.push_back(std::exchange(_open, static_cast<int>(_items.size())));
         addItem(item);
+    }
+
+    void regroup(unsigned int operation)
+    {
+        if (operation == 0)
+            return clear();
+        const int i = any(), j = any();
+        if (i < 0)
+            return;
+        Item &item = *find(i), *pGroup = operation == 1 ? nullptr : find(j);
+        const bool isGroup = pGroup != nullptr && pGroup->isAlive && pGroup->isGroup;
+        if (operation > 5)
+        {
+            require(_drawing.openGroup(item.id) == (item.isAlive && item.isGroup), "a group is opened");
+            if (item.isAlive && item.isGroup)
+                _before.push_back(std::exchange(_open, i));
+            return;
+        }
+        const bool isRight = item.isAlive && (pGroup == nullptr || (isGroup && !isWithin(j, i)));
+        require(_drawing.setGroup(item.id, pGroup == nullptr ? 0 : pGroup->id) == isRight, "what may move does");
+        if (isRight)
+            item.group = pGroup == nullptr ? -1 : j;
+        const Item* const pAround = item.isAlive ? find(item.group) : nullptr;
+        require(_drawing.getGroup(item.id) == (pAround == nullptr ? 0 : pAround->id), "the group around");
     }
 
     void addItem(const Item& item)
@@ -210,10 +237,12 @@ private:
             *pItem = item;
         // What was in a group that is gone is gone, and what is open may be.
         for (Item& other : _items)
-            other.isAlive = other.isAlive && (other.group < 0 || _items[std::size_t(other.group)].isAlive);
+            for (const Item* p = &other; p != nullptr; p = find(p->group))
+                other.isAlive = other.isAlive && p->isAlive;
         std::erase_if(_order, [this](int i) { return !_items[std::size_t(i)].isAlive; });
-        if (_open >= 0 && !_items[std::size_t(_open)].isAlive)
-            _open = -1;
+        const auto isGone = [this](int i) { return i >= 0 && !_items[std::size_t(i)].isAlive; };
+        std::replace_if(_before.begin(), _before.end(), isGone, -1);
+        _open = isGone(_open) ? -1 : _open;
     }
 
     bool isWithin(int i, int group) const
@@ -268,6 +297,7 @@ private:
             item.isAlive = false;
         _order.clear();
         _open = -1;
+        _before.clear();
     }
 
     void checkPicture()
@@ -345,6 +375,7 @@ private:
     std::vector<Item> _items;
     std::vector<int> _order;
     int _open = -1;
+    std::vector<int> _before;
 };
 
 double takeNumber(Input& input)

@@ -18,6 +18,7 @@
 #include <cmath>
 #include <limits>
 #include <unordered_set>
+#include <utility>
 
 namespace gui::draw
 {
@@ -161,14 +162,43 @@ Drawing::ID Drawing::beginGroup(const Affine& transform)
     if (isFinite(transform))
         item.setTransform(transform);
     _pImpl->update(item);
-    _pImpl->group = slot;
+    _pImpl->groupsBefore.push_back(std::exchange(_pImpl->group, slot));
     return _pImpl->idOf(slot);
+}
+
+bool Drawing::openGroup(ID group)
+{
+    TD_ASSERT_GUI_THREAD(false);
+    const Impl::Item* pItem = _pImpl->find(group);
+    if (pItem == nullptr || pItem->kind != Impl::Kind::Group)
+        return false;
+    _pImpl->groupsBefore.push_back(std::exchange(_pImpl->group, _pImpl->slotOf(*pItem)));
+    return true;
 }
 
 void Drawing::endGroup()
 {
-    TD_ASSERT(_pImpl->group != cNoItem);
-    _pImpl->group = _pImpl->items[_pImpl->group].group;
+    TD_ASSERT(!_pImpl->groupsBefore.empty());
+    _pImpl->group = _pImpl->groupsBefore.back();
+    _pImpl->groupsBefore.pop_back();
+}
+
+bool Drawing::setGroup(ID id, ID group)
+{
+    TD_ASSERT_GUI_THREAD(false);
+    Impl::Item *pItem = _pImpl->find(id), *pGroup = _pImpl->find(group);
+    if (pItem == nullptr || (pGroup == nullptr && group != 0))
+        return false;
+    if (pGroup != nullptr && (pGroup->kind != Impl::Kind::Group || _pImpl->isWithin(*pGroup, *pItem)))
+        return false;
+    _pImpl->setGroup(*pItem, pGroup == nullptr ? cNoItem : _pImpl->slotOf(*pGroup));
+    return true;
+}
+
+Drawing::ID Drawing::getGroup(ID id) const
+{
+    const Impl::Item* pItem = _pImpl->find(id);
+    return pItem == nullptr || pItem->group == cNoItem ? 0 : _pImpl->idOf(pItem->group);
 }
 
 bool Drawing::setColor(ID id, const Paint& paint)
@@ -184,7 +214,7 @@ bool Drawing::setColor(ID id, const Paint& paint)
     for (const std::uint32_t member : pItem->members)
         if (pItem->kind == Impl::Kind::Group)
             setColor(_pImpl->idOf(member), paint);
-        else if (!_pImpl->items[member].pLetters->isHalo)
+        else if (const Impl::Letters& letters = *_pImpl->items[member].pLetters; !letters.isHalo && !letters.isFrame)
             _pImpl->setPaint(_pImpl->items[member], paint);
     return true;
 }
@@ -273,10 +303,7 @@ bool Drawing::setTransform(ID id, const Affine& transform)
         return true;
     _pImpl->findNeighbours();
     pItem->setTransform(transform);
-    // What it shared edges with is elsewhere now.
-    for (const std::uint32_t slot : _pImpl->shapesOf(*pItem))
-        _pImpl->dropOutsiders(_pImpl->items[slot], *pItem);
-    _pImpl->update(*pItem);
+    _pImpl->updateMoved(*pItem);
     return true;
 }
 
@@ -348,6 +375,7 @@ void Drawing::clear()
     impl.tables.clear();
     impl.nShapes = 0;
     impl.group = cNoItem;
+    impl.groupsBefore.clear();
     impl.areElementsStale = false;
     impl.staleLinks.clear();
     impl.edges.clear();

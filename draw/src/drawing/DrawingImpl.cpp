@@ -171,6 +171,28 @@ void Drawing::Impl::update(Item& item)
     isChanged = true;
 }
 
+void Drawing::Impl::updateMoved(Item& item)
+{
+    for (const std::uint32_t slot : shapesOf(item))
+        dropOutsiders(items[slot], item);
+    update(item);
+}
+
+void Drawing::Impl::setGroup(Item& item, std::uint32_t to)
+{
+    if (item.group == to)
+        return;
+    findNeighbours();
+    if (item.group != cNoItem)
+        std::erase(items[item.group].members, slotOf(item));
+    item.group = to;
+    if (to != cNoItem)
+        items[to].members.push_back(slotOf(item));
+    const Affine whole = to == cNoItem ? item.getTransform() : items[to].whole * item.getTransform();
+    whole == item.whole ? update(item) : updateMoved(item);
+    updateZooms(item);
+}
+
 void Drawing::Impl::updateZooms(Item& item)
 {
     findNeighbours();
@@ -201,6 +223,7 @@ void Drawing::Impl::removeItem(std::uint32_t slot)
     nShapes -= item.kind == Kind::Group || item.kind == Kind::Glyphs ? 0 : 1;
     if (group == slot)
         group = cNoItem;
+    std::replace(groupsBefore.begin(), groupsBefore.end(), slot, cNoItem);
     item.kind = Kind::None;
     item.members.clear();
     item.pLine.reset();

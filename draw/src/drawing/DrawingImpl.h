@@ -41,7 +41,7 @@ struct Drawing::Impl
         draw::Stroke stroke;
     };
 
-    /// What texts are made from, and of that their glyphs the style and whether they are a halo. Rectangles are in the
+    /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles are in the
     /// text's own unit, about its anchor, y downwards.
     struct Letters
     {
@@ -57,6 +57,7 @@ struct Drawing::Impl
         Rect ink;                // around them, with halos
         Point anchor;            // in the layout
         bool isHalo = false;
+        bool isFrame = false;
         bool mayHavePictures = false;
         bool hasColors = false;                    // pictures in colour, in place of which there is nothing to draw
         bool isListed = false;                     // among waitingTexts
@@ -165,7 +166,8 @@ struct Drawing::Impl
     /// Adds to `neighbours` those of the elements of a halo that are one with each.
     void findNeighbours(const GlyphStyle& style);
     void setDecorations(Item& glyphs, const TextLayout& layout, std::size_t style);
-    void setOutline(Item& item, const Path& path);
+    /// Gives glyphs an outline of their own, in the text's unit about its anchor.
+    void setOutline(Item& item, const Path& path, FillRule rule);
     void setElements(Item& glyphs, double strokeStep);
     /// What has the text's colour in its pictures gets it.
     void recolor(Item& glyphs, td::Color foreground);
@@ -195,6 +197,10 @@ struct Drawing::Impl
     void place(const Item& item);
     /// After a change of what is around it, or of its own transform or visibility.
     void update(Item& item);
+    /// The same where it is elsewhere than what it shared edges with; findNeighbours comes before the change.
+    void updateMoved(Item& item);
+    /// @param to  the slot of a group that is not within it, or cNoItem
+    void setGroup(Item& item, std::uint32_t to);
 
     /// Finds the fills around those whose geometry is new, before anything that asks for neighbours or moves some.
     void findNeighbours();
@@ -248,7 +254,8 @@ struct Drawing::Impl
     std::vector<std::uint32_t> order; // of drawing: shapes, and gaps
     std::size_t nGaps = 0;
     DrawList list;
-    std::uint32_t group = cNoItem; // what is added belongs to
+    std::uint32_t group = cNoItem;           // what is added belongs to
+    std::vector<std::uint32_t> groupsBefore; // that endGroup goes back to
     double tolerance = 0;
     double pointsPerUnit = 1;
     Affine toPoints = Affine::scaling(1); // of the last draw, y downwards

@@ -59,7 +59,7 @@ bool Drawing::Impl::placeRoute(Item& text)
         Path lines;
         for (const Rect& rect : items[member].pLetters->decorations)
             letters.pRoute->addBent(rect, step, lines);
-        setOutline(items[member], lines);
+        setOutline(items[member], lines, FillRule::NonZero);
         place(items[member]);
     }
     isChanged = true;

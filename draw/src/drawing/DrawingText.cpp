@@ -33,35 +33,85 @@ LongElement elementOf(std::uint32_t glyph, double x, double y)
 /// Glyphs that one shape draws.
 struct Part
 {
+    enum class Kind : td::BYTE
+    {
+        Letters,
+        Halo,
+        Decoration,
+        Frame,
+        FrameLine
+    };
+
     std::size_t style;
     double size;
-    double lineWidth; // of halos and heavier letters
-    bool isHalo;
-    bool isDecoration;
+    double lineWidth = 0; // of halos and heavier letters
+    Kind kind = Kind::Letters;
+
+    bool isFrame() const { return kind == Kind::Frame || kind == Kind::FrameLine; }
 };
 
+const Paint& paintOf(const Part& part, const TextStyle& style, const TextPlacement& placement)
+{
+    switch (part.kind)
+    {
+    case Part::Kind::Halo:
+        return style.halo.paint;
+    case Part::Kind::Frame:
+        return placement.frame->fill;
+    case Part::Kind::FrameLine:
+        return placement.frame->line;
+    default:
+        return style.paint;
+    }
+}
+
+// Or the line along its inner edge.
+Path pathOf(const Drawing::Rect& box, const TextFrame& frame, bool isLine)
+{
+    Path path;
+    const auto add = [&](double inset)
+    {
+        const Drawing::Rect rect(box.left + inset, box.top + inset, box.right - inset, box.bottom - inset);
+        const double radius = std::isfinite(frame.radius) ? frame.radius - inset : 0;
+        if (box.right - box.left <= 2 * inset || box.bottom - box.top <= 2 * inset)
+            return;
+        if (radius > 0)
+            path.addRoundedRect(rect, {radius, radius});
+        else
+            path.addRect(rect);
+    };
+    add(0);
+    if (isLine)
+        add(frame.width);
+    return path;
+}
+
 // What a layout is drawn with, from below to above.
-std::vector<Part> partsOf(const TextLayout& layout)
+std::vector<Part> partsOf(const TextLayout& layout, const std::optional<TextFrame>& frame)
 {
     std::vector<Part> letters, parts;
+    if (frame)
+        parts.push_back({0, 1, 0, Part::Kind::Frame});
+    if (frame && frame->width > 0 && std::isfinite(frame->width))
+        parts.push_back({0, 1, 0, Part::Kind::FrameLine});
     for (const TextLayout::Run& run : layout.getRuns())
         if (std::none_of(letters.begin(), letters.end(),
                          [&run](const Part& part) { return part.style == run.style && part.size == run.size; }))
-            letters.push_back({run.style, run.size, 0, false, false});
+            letters.push_back({run.style, run.size});
     const auto widthOf = [&layout](const Part& part)
     { return finite(layout.getStyle(part.style).embolden) * part.size; };
     for (Part part : letters)
         if (const double halo = finite(layout.getStyle(part.style).halo.width); halo > 0)
         {
             part.lineWidth = 2 * halo + std::max(widthOf(part), 0.0);
-            part.isHalo = true;
+            part.kind = Part::Kind::Halo;
             parts.push_back(part);
         }
     for (const TextLayout::Decoration& decoration : layout.getDecorations())
         if (std::none_of(parts.begin(), parts.end(),
                          [&decoration](const Part& part)
-                         { return part.isDecoration && part.style == decoration.style; }))
-            parts.push_back({decoration.style, 1, 0, false, true});
+                         { return part.kind == Part::Kind::Decoration && part.style == decoration.style; }))
+            parts.push_back({decoration.style, 1, 0, Part::Kind::Decoration});
     for (Part part : letters)
     {
         parts.push_back(part);
@@ -141,7 +191,8 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         letters.lines.emplace_back(line.left - letters.anchor.x, line.top - letters.anchor.y,
                                    line.left + line.width - letters.anchor.x, line.bottom - letters.anchor.y);
     double widest = 0;
-    const std::vector<Part> parts = partsOf(layout);
+    const std::optional<Rect> frame = frameIn(layout, placement);
+    const std::vector<Part> parts = partsOf(layout, frame ? placement.frame : std::nullopt);
     for (const Part& part : parts)
         widest = std::max(widest, part.lineWidth / 2);
     const Rect ink = layout.getInkBounds().value_or(Rect(0, 0, 0, 0));
@@ -149,6 +200,12 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
                    std::min(ink.top, 0.0) - widest - letters.anchor.y,
                    std::max(ink.right, size.width) + widest - letters.anchor.x,
                    std::max(ink.bottom, size.height) + widest - letters.anchor.y};
+    if (frame)
+    {
+        letters.lines = {*frame};
+        letters.ink = {std::min(letters.ink.left, frame->left), std::min(letters.ink.top, frame->top),
+                       std::max(letters.ink.right, frame->right), std::max(letters.ink.bottom, frame->bottom)};
+    }
 
     if (letters.pRoute)
         letters.pRoute->setLayout(layout, letters.anchor);
@@ -166,21 +223,25 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
     for (std::size_t i = 0; i < parts.size(); ++i)
     {
         const Part& part = parts[i];
-        const TextStyle& style = layout.getStyle(part.style);
-        const Paint& paint = part.isHalo ? style.halo.paint : style.paint;
+        const Paint& paint = paintOf(part, layout.getStyle(part.style), placement);
         if (isReplaced)
             addShape(Kind::Glyphs, paint);
         Item& glyphs_ = items[text.members[i]];
         if (!glyphs_.pLetters)
             glyphs_.pLetters = std::make_unique<Letters>();
         glyphs_.pLetters->style = letters.style;
-        glyphs_.pLetters->isHalo = part.isHalo;
+        glyphs_.pLetters->isHalo = part.kind == Part::Kind::Halo;
+        glyphs_.pLetters->isFrame = part.isFrame();
+        tables.setFlag(glyphs_.places, IsFrame, part.isFrame());
         glyphs_.origin = text.origin;
         glyphs_.step = cTextStep;
         glyphs_.hasBounds = true;
         if (!isReplaced || paint.isGradient())
             setPaint(glyphs_, paint); // a gradient begins at the anchor
-        if (part.isDecoration)
+        if (part.isFrame())
+            setOutline(glyphs_, pathOf(*frame, *placement.frame, part.kind == Part::Kind::FrameLine),
+                       FillRule::EvenOdd);
+        else if (part.kind == Part::Kind::Decoration)
             setDecorations(glyphs_, layout, part.style);
         else
             setGlyphs(glyphs_, layout, part.style, part.size, part.lineWidth);
@@ -318,11 +379,6 @@ void Drawing::Impl::findNeighbours(const GlyphStyle& style)
 void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::size_t style)
 {
     Letters& letters = *item.pLetters;
-    letters.style.size = 1;
-    letters.style.lineWidth = 0;
-    letters.mayHavePictures = letters.hasColors = false;
-    letters.passInk = DrawList::cGlyphs;
-    letters.turns.clear();
     letters.decorations.clear();
     const Point anchor = textOf(item).anchor;
     Path path;
@@ -336,17 +392,23 @@ void Drawing::Impl::setDecorations(Item& item, const TextLayout& layout, std::si
             else
                 path.addRect(placed);
         }
-    setOutline(item, path);
+    setOutline(item, path, FillRule::NonZero);
 }
 
-void Drawing::Impl::setOutline(Item& item, const Path& path)
+void Drawing::Impl::setOutline(Item& item, const Path& path, FillRule rule)
 {
-    builder.makeFill(path, FillRule::NonZero, 0, geometry);
+    Letters& letters = *item.pLetters;
+    letters.style.size = 1;
+    letters.style.lineWidth = 0;
+    letters.mayHavePictures = letters.hasColors = false;
+    letters.passInk = DrawList::cGlyphs;
+    letters.turns.clear();
+    builder.makeFill(path, rule, 0, geometry);
     elements.clear();
     const std::uint32_t number = tables.setOwnGlyph(item.places, geometry);
     if (!geometry.nodes.empty())
         elements.push_back(elementOf(number, 0, 0));
-    tables.setGlyphs(item.places, elements, item.pLetters->style, 1);
+    tables.setGlyphs(item.places, elements, letters.style, 1);
 }
 
 Affine Drawing::Impl::toScreenOf(const Item& item) const

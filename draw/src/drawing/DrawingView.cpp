@@ -138,6 +138,12 @@ Drawing::ID DrawingView::shapeAt(const td::Point<double>& viewPoint) const
     return _drawing.pick(getModelPoint(viewPoint), _reach / getZoom());
 }
 
+void DrawingView::setPointer(const InputDevice& device)
+{
+    _pointer = device.getFramePoint();
+    _modifiers = device.getKeyboardModifiers();
+}
+
 void DrawingView::point()
 {
     if (_pointer)
@@ -155,7 +161,7 @@ void DrawingView::onCursorMoved(const InputDevice& device)
     // Its end went to somebody else.
     if (std::exchange(_pBox, nullptr))
         reRender();
-    _pointer = device.getFramePoint();
+    setPointer(device);
     point();
 }
 
@@ -169,7 +175,7 @@ void DrawingView::onCursorExited(const InputDevice& device)
 void DrawingView::onCursorDragged(const InputDevice& device)
 {
     // Before the plane moves along: the same shape stays under it.
-    _pointer = device.getFramePoint();
+    setPointer(device);
     _isClick = _isClick && std::hypot(_pointer->x - _pressed.x, _pointer->y - _pressed.y) < cClick;
     if (_pBox)
     {
@@ -183,7 +189,8 @@ void DrawingView::onCursorDragged(const InputDevice& device)
 
 void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 {
-    _pressed = device.getFramePoint();
+    setPointer(device);
+    _pressed = *_pointer;
     _isClick = true;
     if (!isShiftPressed(device.getKeyboardModifiers()))
         return OrthoView::onPrimaryButtonPressed(device);
@@ -194,6 +201,7 @@ void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
 {
     OrthoView::onPrimaryButtonReleased(device);
+    setPointer(device);
     const std::unique_ptr<Box> pBox = std::move(_pBox);
     if (!std::exchange(_isClick, false))
     {
@@ -203,15 +211,16 @@ void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
             reRender();
         return;
     }
-    onShapeClicked(shapeAt(device.getFramePoint()));
+    onShapeClicked(shapeAt(*_pointer));
     reRender();
 }
 
 void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
 {
     OrthoView::onPrimaryButtonDblClick(device);
+    setPointer(device);
     _isClick = false;
-    onShapeDoubleClicked(shapeAt(device.getFramePoint()));
+    onShapeDoubleClicked(shapeAt(*_pointer));
 }
 
 bool DrawingView::onKeyPressed(const Key& key)

@@ -25,7 +25,7 @@ constexpr double cStepsPerOctave = 4;
 /// How much of its length an axis of the plane may differ and still point the same way.
 constexpr double cSameDirection = 1e-6;
 
-// Around a layout, with its halos, from the point where its anchor stands.
+// Around a layout, with its halos and its frame, from the point where its anchor stands.
 Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
 {
     const td::Size<double> size = layout.getSize();
@@ -33,12 +33,15 @@ Drawing::Rect boxOf(const TextLayout& layout, const TextPlacement& placement)
     double halo = 0;
     for (std::size_t i = 0; i < layout.getNumberOfStyles(); ++i)
         halo = std::max(halo, layout.getStyle(i).halo.width);
+    Drawing::Rect box(-x - halo, -y - halo, size.width - x + halo, size.height - y + halo);
+    if (const std::optional<Drawing::Rect> frame = frameIn(layout, placement))
+        box = {std::min(box.left, frame->left), std::min(box.top, frame->top), std::max(box.right, frame->right),
+               std::max(box.bottom, frame->bottom)};
     const double angle = placement.angle * std::numbers::pi / 180, c = std::cos(angle), s = std::sin(angle);
     std::array<double, 4> xs, ys;
     for (std::size_t i = 0; i < 4; ++i)
     {
-        const double cornerX = i % 2 == 0 ? -x - halo : size.width - x + halo;
-        const double cornerY = i / 2 == 0 ? -y - halo : size.height - y + halo;
+        const double cornerX = i % 2 == 0 ? box.left : box.right, cornerY = i / 2 == 0 ? box.top : box.bottom;
         xs[i] = cornerX * c + cornerY * s + placement.offset.x;
         ys[i] = cornerY * c - cornerX * s + placement.offset.y;
     }

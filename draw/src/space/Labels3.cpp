@@ -126,10 +126,15 @@ void Labels3::addShapes(Label& label, const TextLayout& layout)
         shapes.box = drawing.beginGroup(aside);
         if (look.frame)
         {
-            const Path outline = Path().addRoundedRect(label.box, {look.frame->radius, look.frame->radius});
-            drawing.fill(outline, look.frame->fill);
-            if (look.frame->width > 0)
-                drawing.stroke(outline, {.width = look.frame->width}, look.frame->line);
+            const double radius = look.frame->radius, half = look.frame->width / 2,
+                         inner = std::max(radius - half, 0.0);
+            const td::RectNormalized<double>& box = label.box;
+            drawing.fill(Path().addRoundedRect(box, {radius, radius}), look.frame->fill);
+            if (half > 0)
+                drawing.stroke(
+                    Path().addRoundedRect({box.left + half, box.top + half, box.right - half, box.bottom - half},
+                                          {inner, inner}),
+                    {.width = look.frame->width}, look.frame->line);
         }
         shapes.text =
             drawing.text({label.box.left + padding.x, label.box.top + padding.y}, layout, {.anchor = Anchor::TopLeft});

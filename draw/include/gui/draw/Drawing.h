@@ -92,6 +92,7 @@ public:
     ///
     ///     drawing.text({13.4, 52.5}, "Berlin", {.size = 14, .halo = {1.5}},
     ///                  {.anchor = Anchor::Left, .offset = {6, 0}});
+    ///     drawing.text({3, 0}, "6.00", {}, {.anchor = Anchor::Center, .frame = TextFrame{.fill = "#ffffff"}});
     ///
     /// In points (TextStyle::unit, of the first style) a text has the same size at every zoom, is turned by its own
     /// angle alone, whatever groups do, and stands on whole pixels when that is 0. In model units it is as large as the
@@ -127,14 +128,27 @@ public:
     /// What is added until endGroup belongs to the group, which may stand in another one.
     /// @param transform  from the group's coordinates to those around it
     ID beginGroup(const Affine& transform = {});
-    /// Without a beginGroup it is an assertion.
+    /// Begins a group again that is there already, such as a layer: what is added until endGroup belongs to it too, and
+    /// is drawn over all that is there, as ever. To bring layers into an order, raise each.
+    /// @return false for an id that names no group (any more); then nothing is begun
+    bool openGroup(ID group);
+    /// Ends what was begun last; what is added then belongs to what was begun before. Without a beginGroup it is an
+    /// assertion.
     void endGroup();
+    /// Takes a shape, or a group with all that is in it, out of its group and into another one, or into none. It is as
+    /// if it had been added there: hidden, moved, picked as that group is, with its own transform in that one's
+    /// coordinates. Where it is in the order of drawing it stays.
+    /// @param group  0 for none
+    /// @return false, with nothing changed, for an id that names nothing, a group that is none, or is within the other
+    bool setGroup(ID id, ID group);
+    /// The innermost group around a shape or a group; 0 for none, as for an id that names nothing.
+    ID getGroup(ID id) const;
 
     /// Changes of shapes and, where it says so, groups. What is set to what it is already changes nothing, and takes no
     /// new picture (but for the paths of fills and of curves, gradients, images and layouts, which are not compared).
     /// @return false for an id that names nothing (any more), or not that; nothing changes then
     ///
-    /// Of a text, all letters and lines get it, and halos stay. Of a group, all shapes that are in it now.
+    /// Of a text, all letters and lines get it; halos and frames stay. Of a group, all shapes that are in it now.
     bool setColor(ID id, const Paint& paint);
     /// Hides a shape or all of a group, or shows it again. What is in a hidden group stays hidden.
     bool setVisible(ID id, bool isVisible);
@@ -214,7 +228,7 @@ public:
     /// The topmost visible and pickable shape within a tolerance of a point; 0 when there is none. Strokes whose width
     /// is in points are as wide as the last draw has made them, and texts as large, and zooms are that one's; before
     /// one, a point is a model unit and y grows downwards. A text is where its lines are, from top to bottom and from
-    /// the first letter to the last.
+    /// the first letter to the last, or where its frame is.
     /// @param tolerance  in model units; 0 for the shapes right at the point
     ID pick(Point point, double tolerance = 0) const;
     /// All of these that have a part inside of the rectangle, the topmost one first.

@@ -67,8 +67,20 @@ public:
     /// How near the pointer has to be to a shape, in points; 3 at first. 0 for areas side by side, such as countries.
     /// @param points  below 0, or NaN, as 0
     void setReach(double points);
-    /// Where the pointer is, as event records have it; empty when it is elsewhere, or has not moved yet.
+    /// Where the pointer is, as event records have it; empty when it is elsewhere, or has not moved yet. In the handlers
+    /// of clicks it is where the click was: `getModelPoint(*getPointer())` in model units.
     const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
+    /// The keys that were held when the pointer last moved or a button was pressed or released, for those who select:
+    ///
+    ///     void onShapeClicked(Drawing::ID shape) override
+    ///     {
+    ///         if (!gui::isControlKeyPressed(getModifiers()))
+    ///             _selection.clear();
+    ///         _selection.insert(shape);
+    ///     }
+    ///
+    /// @return a mask that gui::isShiftPressed, isControlKeyPressed and isAltPressed take
+    unsigned int getModifiers() const { return _modifiers; }
 
 protected:
     /// Called when the pointer is at another point of the model, or has gone. For what says where that is; ask for a
@@ -76,7 +88,8 @@ protected:
     virtual void onPointed();
     /// Called after that when another shape is under the pointer; 0 for none. A frame follows.
     virtual void onShapeEntered(Drawing::ID shape);
-    /// Called when the primary button is pressed and released without a drag. A frame follows. @param shape  0 for none
+    /// Called when the primary button is pressed and released without a drag; getPointer says where, and getModifiers
+    /// with which keys, in this and all the others. A frame follows. @param shape  0 for none
     virtual void onShapeClicked(Drawing::ID shape);
     /// Called for a double click: flies there, or with 0 home.
     virtual void onShapeDoubleClicked(Drawing::ID shape);
@@ -100,12 +113,14 @@ private:
 
     Drawing::ID shapeAt(const td::Point<double>& viewPoint) const;
     void showWhole();
+    void setPointer(const InputDevice& device);
     void point();
 
     Drawing _drawing, _overlay;
     td::Color _background = td::ColorID::White;
     double _reach = 3;
     std::optional<td::Point<double>> _pointer;
+    unsigned int _modifiers = 0;
     td::Point<double> _pointed; // the model's point there
     Drawing::ID _entered = 0;
     td::Point<double> _pressed;

@@ -4,6 +4,7 @@
 #include "DepthProbe.h"
 #include "Drawing.h"
 #include "Eye.h"
+#include "TextFrame.h"
 
 #include <td/Export.h>
 #include <td/Point.h>
@@ -40,16 +41,6 @@ struct Leader
     double endSize = 5;      ///< a dot's diameter, or an arrow's length is twice that, in points
 };
 
-/// What is behind a label's text.
-struct LabelFrame
-{
-    Paint fill = "#ffffffe0"; ///< Paint() for none
-    Paint line = "#8090a0";   ///< of the line around it
-    double width = 0;         ///< of the line around it, in points; none when it is not above 0
-    double padding = 4;       ///< between text and frame at the left and right, in points; above and below half of that
-    double radius = 3;        ///< of the corners, in points
-};
-
 /// How a label stands at its point.
 struct Label3
 {
@@ -64,7 +55,7 @@ struct Label3
     /// everywhere.
     double extent = 0;
     std::optional<Leader> leader{}; ///< `Leader()` for a thin line with a dot, `Leader{.width = 0}` for the dot alone
-    std::optional<LabelFrame> frame{}; ///< behind the text; none for none
+    std::optional<TextFrame> frame{}; ///< behind the text; none for none
     Behind behind = Behind::Hide;      ///< what becomes of it when something is before its point
     /// What is that near before the point, in model units, does not hide it: for points inside of a thing.
     double tolerance = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TextFrame.h"
+
 #include <td/Point.h>
 
 #include <optional>
@@ -36,6 +38,9 @@ struct TextPlacement
     Anchor anchor{};
     td::Point<double> offset{}; ///< from there, in points: to the right and downwards on the screen
     double angle = 0;           ///< in degrees, counterclockwise as it is seen, about the anchor
+    /// Behind all of the text, as `TextFrame{.fill = "#ffffff"}`; none for none, and for a text of no letters. It is
+    /// turned with the text, is part of it for picking and bounds, and does not count for the anchor.
+    std::optional<TextFrame> frame{};
 };
 
 } // namespace gui::draw

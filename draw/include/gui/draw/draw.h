@@ -63,6 +63,7 @@
 #include "Shadows.h"
 #include "Stroke.h"
 #include "TextEditor.h"
+#include "TextFrame.h"
 #include "TextLayout.h"
 #include "TextOnPath.h"
 #include "TextPlacement.h"
