@@ -387,7 +387,7 @@ private:
                 look.leader = Leader{
                     .width = takeNumber(), .end = static_cast<Leader::End>(_input.below(3)), .endSize = takeNumber()};
             if (takeBool())
-                look.frame = LabelFrame{.width = takeNumber(), .padding = takeNumber(), .radius = takeNumber()};
+                look.frame = TextFrame{.width = takeNumber(), .padding = takeNumber(), .radius = takeNumber()};
             const glm::dvec3 at = takeVector();
             const Labels3::ID added = _labels.add(at, _input.text(_input.below(6)), takeTextStyle(), look);
             const bool isOffset = std::isfinite(look.offset.x) && std::isfinite(look.offset.y);
