@@ -416,20 +416,25 @@ bool ShapeTables::setPlace(const ShapePlaces& places, td::Point<double> origin, 
     const double largest = std::max(std::abs(at.x), std::abs(at.y));
     if (makeRoomFor(largest > 0 && std::isfinite(largest) ? largest : std::ldexp(step, 30)))
         return false;
-    _records.setMember(places.record, &ShapeRecord::originX, toUnits(at.x));
-    _records.setMember(places.record, &ShapeRecord::originY, toUnits(at.y));
-    const ShapeRecord& old = _records[places.record];
+    const std::array<std::uint32_t, 2> x = toUnits(at.x), y = toUnits(at.y);
     const std::array<float, 4> linear{static_cast<float>(transform.a), static_cast<float>(transform.b),
                                       static_cast<float>(transform.c), static_cast<float>(transform.d)};
     const int shift = powerOf(step) - _unit;
     const auto rounded = static_cast<float>(step);
     const bool isMoved = transform.a != 1 || transform.b != 0 || transform.c != 0 || transform.d != 1;
+    const ShapeRecord& old = _records[places.record];
     const std::uint32_t flags = isMoved ? old.flags | IsMoved : old.flags & ~std::uint32_t(IsMoved);
-    if (old.linear == linear && old.shift == shift && old.step == rounded && old.flags == flags)
+    if (old.shift == shift && old.step == rounded && old.flags == flags && old.linear == linear)
+    {
+        _records.setMember(places.record, &ShapeRecord::originX, x);
+        _records.setMember(places.record, &ShapeRecord::originY, y);
         return true;
+    }
     _records.change(places.record,
                     [&](ShapeRecord& record)
                     {
+                        record.originX = x;
+                        record.originY = y;
                         record.linear = linear;
                         record.shift = shift;
                         record.step = rounded;
