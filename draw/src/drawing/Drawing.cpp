@@ -72,8 +72,7 @@ Drawing::~Drawing() = default;
 Drawing::ID Drawing::fill(const Path& path, const Paint& paint, FillRule rule)
 {
     TD_ASSERT_GUI_THREAD(0);
-    const ID id = _pImpl->addShape(Impl::Kind::Fill, paint);
-    Impl::Item& item = *_pImpl->find(id);
+    Impl::Item& item = _pImpl->addShape(Impl::Kind::Fill, paint);
     item.rule = rule;
     return _pImpl->setPath(item, path);
 }
@@ -81,8 +80,7 @@ Drawing::ID Drawing::fill(const Path& path, const Paint& paint, FillRule rule)
 Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, const Paint& paint)
 {
     TD_ASSERT_GUI_THREAD(0);
-    const ID id = _pImpl->addShape(Impl::Kind::Stroke, paint);
-    Impl::Item& item = *_pImpl->find(id);
+    Impl::Item& item = _pImpl->addShape(Impl::Kind::Stroke, paint);
     item.pLine = std::make_unique<Impl::Line>();
     item.pLine->stroke = stroke;
     return _pImpl->setPath(item, path);
@@ -137,10 +135,10 @@ bool Drawing::setText(ID text, const TextLayout& layout)
 Drawing::ID Drawing::image(const Rect& rect, const Image& image)
 {
     TD_ASSERT_GUI_THREAD(0);
-    const ID id = _pImpl->addShape(Impl::Kind::Fill, Paint());
-    Impl::Item& item = *_pImpl->find(id);
-    item.pImageRect = std::make_unique<Rect>(rect);
-    _pImpl->setPath(item, Path().addRect(rect));
+    Impl::Item& item = _pImpl->addShape(Impl::Kind::Fill, Paint());
+    item.makeExtras().imageRect = rect;
+    item.pExtras->hasImageRect = true;
+    const ID id = _pImpl->setPath(item, Path().addRect(rect));
     _pImpl->setImage(item, image);
     return id;
 }
@@ -148,7 +146,8 @@ Drawing::ID Drawing::image(const Rect& rect, const Image& image)
 bool Drawing::setImage(ID shape, const Image& image)
 {
     Impl::Item* pItem = _pImpl->findShape(shape);
-    if (pItem == nullptr || !pItem->pImageRect || pItem->pImageRect->right <= pItem->pImageRect->left)
+    const Impl::Extras* const pExtras = pItem == nullptr ? nullptr : pItem->pExtras.get();
+    if (pExtras == nullptr || !pExtras->hasImageRect || pExtras->imageRect.right <= pExtras->imageRect.left)
         return false;
     _pImpl->setImage(*pItem, image);
     return true;
@@ -211,7 +210,7 @@ bool Drawing::setColor(ID id, const Paint& paint)
         pItem->pLetters->text.paint = paint;
     else if (pItem->kind != Impl::Kind::Group)
         _pImpl->setPaint(*pItem, paint);
-    for (const std::uint32_t member : pItem->members)
+    for (const std::uint32_t member : pItem->getMembers())
         if (pItem->kind == Impl::Kind::Group)
             setColor(_pImpl->idOf(member), paint);
         else if (const Impl::Letters& letters = *_pImpl->items[member].pLetters; !letters.isHalo && !letters.isFrame)
@@ -239,9 +238,9 @@ bool Drawing::setZoomRange(ID id, double minZoom, double maxZoom)
     const auto limit = [](double zoom)
     { return zoom > 1e38 ? std::numeric_limits<float>::infinity() : static_cast<float>(std::max(zoom, 0.0)); };
     const ZoomRange range{limit(minZoom), limit(maxZoom)};
-    if (range == pItem->ownZooms)
+    if (range == (pItem->pExtras ? pItem->pExtras->ownZooms : ZoomRange()))
         return true;
-    pItem->ownZooms = range;
+    pItem->makeExtras().ownZooms = range;
     _pImpl->updateZooms(*pItem);
     _pImpl->isChanged = true;
     return true;
@@ -315,7 +314,7 @@ bool Drawing::remove(ID id)
     if (pItem == nullptr)
         return false;
     if (pItem->group != cNoItem)
-        std::erase(impl.items[pItem->group].members, impl.slotOf(*pItem));
+        std::erase(impl.items[pItem->group].pExtras->members, impl.slotOf(*pItem));
     impl.removeItem(impl.slotOf(*pItem));
     impl.isChanged = true;
     return true;
@@ -365,7 +364,7 @@ void Drawing::clear()
         if (impl.items[slot].kind != Impl::Kind::None)
         {
             impl.items[slot].kind = Impl::Kind::None;
-            impl.items[slot].members.clear();
+            impl.items[slot].pExtras.reset();
             impl.items[slot].image = 0;
             impl.freeSlots.push_back(slot);
         }

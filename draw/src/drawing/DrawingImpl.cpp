@@ -53,25 +53,23 @@ std::uint32_t Drawing::Impl::add(Kind kind)
     item.group = group;
     if (group != cNoItem)
     {
-        items[group].members.push_back(slot);
-        item.whole = items[group].whole;
+        items[group].makeExtras().members.push_back(slot);
         item.isShown = items[group].isShown;
         item.zooms = items[group].zooms;
     }
     return slot;
 }
 
-Drawing::ID Drawing::Impl::addShape(Kind kind, const Paint& paint)
+auto Drawing::Impl::addShape(Kind kind, const Paint& paint) -> Item&
 {
     const std::uint32_t slot = add(kind);
     Item& item = items[slot];
-    tables.addShape(item.places);
-    tables.setFlag(item.places, IsVisible, item.isShown);
-    tables.setFlag(item.places, AreGlyphs, kind == Kind::Glyphs);
+    item.place = static_cast<std::uint32_t>(order.size());
+    order.push_back(slot);
+    tables.addShape(item.places, (item.isShown ? IsVisible : 0U) | (kind == Kind::Glyphs ? AreGlyphs : 0U), item.place);
     setPaint(item, paint);
-    append(item);
     nShapes += kind == Kind::Glyphs ? 0 : 1;
-    return idOf(slot);
+    return item;
 }
 
 void Drawing::Impl::setPaint(Item& item, const Paint& paint)
@@ -83,11 +81,11 @@ void Drawing::Impl::setPaint(Item& item, const Paint& paint)
         images.giveBack(std::exchange(item.image, 0));
         enlist(item);
     }
-    const bool wasGradient = item.pGradient != nullptr;
+    const bool wasGradient = item.getGradient() != nullptr;
     if (paint.isGradient())
-        item.pGradient = std::make_unique<Paint>(paint);
-    else
-        item.pGradient.reset();
+        item.makeExtras().pGradient = std::make_unique<Paint>(paint);
+    else if (wasGradient)
+        item.pExtras->pGradient.reset();
     if (item.kind == Kind::Glyphs)
         tables.setPaint(item.places, paint, textOf(item).anchor, 1);
     else
@@ -105,7 +103,7 @@ void Drawing::Impl::setImage(Item& item, const Image& image)
     setPaint(item, Paint());
     item.image = number;
     if (number != 0)
-        tables.setImage(item.places, *item.pImageRect, item.origin, item.step);
+        tables.setImage(item.places, item.pExtras->imageRect, item.origin, item.step);
     enlist(item);
 }
 
@@ -131,10 +129,10 @@ void Drawing::Impl::setGeometry(Item& item, const Path& path)
     if (isStroke)
         item.pLine->path = path;
     tables.setGeometry(item.places, geometry, isStroke ? &item.pLine->stroke : nullptr);
-    if (item.pGradient)
-        tables.setPaint(item.places, *item.pGradient, item.origin, item.step);
+    if (const Paint* const pGradient = item.getGradient())
+        tables.setPaint(item.places, *pGradient, item.origin, item.step);
     if (item.image != 0)
-        tables.setImage(item.places, *item.pImageRect, item.origin, item.step);
+        tables.setImage(item.places, item.pExtras->imageRect, item.origin, item.step);
     if (!isStroke)
     {
         unlink(item);
@@ -148,18 +146,19 @@ void Drawing::Impl::place(const Item& item)
 {
     enlist(item);
     areElementsStale = true;
-    if (!tables.setPlace(item.places, item.origin, item.step, item.whole))
+    if (!tables.setPlace(item.places, item.origin, item.step, wholeOf(item)))
         for (const std::uint32_t slot : order)
             if (slot != cNoItem)
-                tables.setPlace(items[slot].places, items[slot].origin, items[slot].step, items[slot].whole);
+                tables.setPlace(items[slot].places, items[slot].origin, items[slot].step, wholeOf(items[slot]));
 }
 
 void Drawing::Impl::update(Item& item)
 {
-    item.whole = item.group == cNoItem ? item.getTransform() : items[item.group].whole * item.getTransform();
+    if (item.pMoved)
+        item.pMoved->whole = item.group == cNoItem ? item.pMoved->own : wholeOf(items[item.group]) * item.pMoved->own;
     item.isShown = item.isVisible && (item.group == cNoItem || items[item.group].isShown);
     if (hasMembers(item))
-        for (const std::uint32_t member : item.members)
+        for (const std::uint32_t member : item.getMembers())
             update(items[member]);
     else
     {
@@ -196,22 +195,23 @@ void Drawing::Impl::setGroup(Item& item, std::uint32_t to)
 void Drawing::Impl::updateZooms(Item& item)
 {
     findNeighbours();
-    item.zooms = item.group == cNoItem ? item.ownZooms : items[item.group].zooms & item.ownZooms;
-    for (const std::uint32_t member : item.members)
+    const ZoomRange own = item.pExtras ? item.pExtras->ownZooms : ZoomRange();
+    item.zooms = item.group == cNoItem ? own : items[item.group].zooms & own;
+    for (const std::uint32_t member : item.getMembers())
         updateZooms(items[member]);
     if (!hasMembers(item))
         enlist(item);
-    if (item.neighbours.empty())
+    if (item.getNeighbours().empty())
         return;
     markLinksStale(item);
-    for (const std::uint32_t other : item.neighbours)
+    for (const std::uint32_t other : item.getNeighbours())
         markLinksStale(items[other]);
 }
 
 void Drawing::Impl::removeItem(std::uint32_t slot)
 {
     Item& item = items[slot];
-    for (const std::uint32_t member : item.members)
+    for (const std::uint32_t member : item.getMembers())
         removeItem(member);
     if (!hasMembers(item))
     {
@@ -225,11 +225,10 @@ void Drawing::Impl::removeItem(std::uint32_t slot)
         group = cNoItem;
     std::replace(groupsBefore.begin(), groupsBefore.end(), slot, cNoItem);
     item.kind = Kind::None;
-    item.members.clear();
     item.pLine.reset();
     item.pLetters.reset();
     images.giveBack(std::exchange(item.image, 0));
-    item.pGradient.reset();
+    item.pExtras.reset();
     freeSlots.push_back(slot);
 }
 
@@ -252,11 +251,17 @@ bool Drawing::Impl::boundsOf(const Item& item, Rect& bounds) const
     const bool isWide = item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Model;
     const double margin = isWide ? item.pLine->stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
     const Rect rect = boundsOfPoints(item);
+    const Affine* const pWhole = findWhole(item);
+    if (pWhole == nullptr)
+    {
+        bounds = {rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin};
+        return true;
+    }
     bool isFirst = true;
     for (const double x : {rect.left - margin, rect.right + margin})
         for (const double y : {rect.top - margin, rect.bottom + margin})
         {
-            const Point p = item.whole.map({x, y});
+            const Point p = pWhole->map({x, y});
             bounds = isFirst ? Rect(p.x, p.y, p.x, p.y)
                              : Rect(std::min(bounds.left, p.x), std::min(bounds.top, p.y), std::max(bounds.right, p.x),
                                     std::max(bounds.bottom, p.y));
@@ -272,7 +277,7 @@ void Drawing::Impl::enlist(const Item& item)
         index.remove(slotOf(item));
     else
     {
-        index.set(slotOf(item), shape.bounds);
+        index.set(slotOf(item));
         shape.first = item.places.elements.first;
         shape.count = item.places.elements.count;
         shape.nTriangles = item.places.nTriangles;
@@ -291,9 +296,9 @@ void Drawing::Impl::enlist(const Item& item)
             // A pixel more, for those that stand on whole ones.
             shape.margin = static_cast<float>((letters.style.isInPoints ? reach : 0) +
                                               std::hypot(letters.style.offset.x, letters.style.offset.y) + 1);
-            shape.ink = !item.pGradient     ? letters.passInk
-                        : letters.hasColors ? std::uint32_t(DrawList::cBoth)
-                                            : DrawList::cGlyphs;
+            shape.ink = item.getGradient() == nullptr ? letters.passInk
+                        : letters.hasColors           ? std::uint32_t(DrawList::cBoth)
+                                                      : DrawList::cGlyphs;
         }
     }
     largestMargin = std::max(largestMargin, double(shape.margin));
@@ -365,7 +370,7 @@ void Drawing::Impl::collectShapes(std::uint32_t slot, std::vector<std::uint32_t>
 {
     if (!hasMembers(items[slot]))
         shapes.push_back(slot);
-    for (const std::uint32_t member : items[slot].members)
+    for (const std::uint32_t member : items[slot].getMembers())
         collectShapes(member, shapes);
 }
 
@@ -378,7 +383,7 @@ std::vector<std::uint32_t> Drawing::Impl::shapesOf(const Item& item) const
     return shapes;
 }
 
-void Drawing::Impl::move(const std::vector<std::uint32_t>& shapes, std::size_t before)
+void Drawing::Impl::move(std::span<const std::uint32_t> shapes, std::size_t before)
 {
     for (const std::uint32_t slot : shapes)
         leaveGap(items[slot]);
@@ -398,7 +403,7 @@ void Drawing::Impl::move(const std::vector<std::uint32_t>& shapes, std::size_t b
 
 void Drawing::Impl::widen(std::optional<Rect>& bounds, const Item& item) const
 {
-    for (const std::uint32_t member : item.members)
+    for (const std::uint32_t member : item.getMembers())
         widen(bounds, items[member]);
     if (Rect rect; boundsOf(item, rect))
         bounds = bounds ? Rect(std::min(bounds->left, rect.left), std::min(bounds->top, rect.top),
@@ -435,7 +440,7 @@ bool Drawing::Impl::draw(const Sight& sight)
 
 std::optional<Drawing::Impl::Local> Drawing::Impl::localOf(const Item& item) const
 {
-    const std::optional<Affine> inverse = item.kind == Kind::Glyphs ? toTextOf(item) : item.whole.inverse();
+    const std::optional<Affine> inverse = item.kind == Kind::Glyphs ? toTextOf(item) : wholeOf(item).inverse();
     if (!inverse)
         return std::nullopt;
     Local local;
@@ -462,12 +467,19 @@ std::vector<std::uint32_t> Drawing::Impl::findAll(const Rect& rect, bool isOneEn
     // Widths in points are in none of the index's rectangles: what is looked for is widened by the largest.
     const double margin = largestMargin / pointsPerUnit;
     std::vector<std::uint32_t> found;
-    index.find({rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin},
-               [this, &found](std::uint32_t slot)
-               {
-                   if (items[slot].zooms.has(pointsPerUnit) && isPickable(items[slot]))
-                       found.push_back(slot);
-               });
+    index.find(
+        {rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin},
+        [this](std::uint32_t slot)
+        {
+            Rect bounds;
+            boundsOf(items[slot], bounds);
+            return bounds;
+        },
+        [this, &found](std::uint32_t slot)
+        {
+            if (items[slot].zooms.has(pointsPerUnit) && isPickable(items[slot]))
+                found.push_back(slot);
+        });
     std::sort(found.begin(), found.end(),
               [this](std::uint32_t a, std::uint32_t b) { return items[a].place > items[b].place; });
     found.erase(std::unique(found.begin(), found.end()), found.end());

@@ -15,6 +15,9 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <span>
+#include <vector>
 
 namespace gui::draw
 {
@@ -70,7 +73,23 @@ struct Drawing::Impl
         std::vector<Rect> decorations; // along a path: lines under letters and through them
     };
 
-    /// A shape or a group, in a slot that is used again.
+    /// Where what moves is: by its own transform, and with those of all groups around it.
+    struct Moved
+    {
+        Affine own, whole;
+    };
+
+    /// What few items have.
+    struct Extras
+    {
+        ZoomRange ownZooms;
+        Rect imageRect; // where all of an image is
+        bool hasImageRect = false;
+        std::unique_ptr<Paint> pGradient;
+        std::vector<std::uint32_t> members; // of a group
+    };
+
+    /// A shape or a group, in a slot that is used again. There may be a million of these.
     struct Item
     {
         Kind kind = Kind::None;
@@ -86,24 +105,34 @@ struct Drawing::Impl
         std::uint32_t place = 0;                // in the order of drawing, as far as that is up to date
         std::uint32_t image = 0;                // that a fill is painted with
         SharedEdges::Version version = cNoItem; // of what it shares
-        Affine whole;                           // with the transforms of all groups around it
-        ZoomRange ownZooms;
-        ZoomRange zooms; // with those of all groups around it
+        ZoomRange zooms;                        // with those of all groups around it
         std::uint64_t tag = 0;
         td::Point<double> origin;
         double step = 1;
         ShapePlaces places;
-        // There may be a million of these, of which most have none of what follows.
-        std::unique_ptr<Affine> pTransform;
+        std::unique_ptr<Moved> pMoved;
         std::unique_ptr<Line> pLine;       // of a stroke
         std::unique_ptr<Letters> pLetters; // of a text or of glyphs
-        std::unique_ptr<Rect> pImageRect;  // where all of an image is
-        std::unique_ptr<Paint> pGradient;
-        std::vector<std::uint32_t> members;    // of a group
-        std::vector<std::uint32_t> neighbours; // fills that share edges with this one
+        std::unique_ptr<Extras> pExtras;
+        std::unique_ptr<std::vector<std::uint32_t>> pNeighbours; // fills that share edges with this one
 
-        Affine getTransform() const { return pTransform ? *pTransform : Affine(); }
-        void setTransform(const Affine& transform) { pTransform = std::make_unique<Affine>(transform); }
+        Affine getTransform() const { return pMoved ? pMoved->own : Affine(); }
+        void setTransform(const Affine& transform) { pMoved = std::make_unique<Moved>(Moved{transform, {}}); }
+        Extras& makeExtras()
+        {
+            if (!pExtras)
+                pExtras = std::make_unique<Extras>();
+            return *pExtras;
+        }
+        const Paint* getGradient() const { return pExtras ? pExtras->pGradient.get() : nullptr; }
+        std::span<const std::uint32_t> getMembers() const
+        {
+            return pExtras ? std::span<const std::uint32_t>(pExtras->members) : std::span<const std::uint32_t>();
+        }
+        std::span<const std::uint32_t> getNeighbours() const
+        {
+            return pNeighbours ? std::span<const std::uint32_t>(*pNeighbours) : std::span<const std::uint32_t>();
+        }
     };
 
     /// What a shape is asked in: its own steps.
@@ -127,6 +156,20 @@ struct Drawing::Impl
     Item* findShape(ID id);
     static std::uint32_t slotOf(const Item& item) { return item.slot; }
 
+    /// The transform of an item with those of all groups around it; null where there is none.
+    const Affine* findWhole(const Item& item) const
+    {
+        const Item* pItem = &item;
+        while (!pItem->pMoved && pItem->group != cNoItem)
+            pItem = &items[pItem->group];
+        return pItem->pMoved ? &pItem->pMoved->whole : nullptr;
+    }
+    Affine wholeOf(const Item& item) const
+    {
+        const Affine* const pWhole = findWhole(item);
+        return pWhole == nullptr ? Affine() : *pWhole;
+    }
+
     /// With all groups around it.
     bool isPickable(const Item& item) const
     {
@@ -144,7 +187,7 @@ struct Drawing::Impl
 
     /// Takes a slot, in the group that was begun.
     std::uint32_t add(Kind kind);
-    ID addShape(Kind kind, const Paint& paint);
+    Item& addShape(Kind kind, const Paint& paint);
     void setPaint(Item& item, const Paint& paint);
     /// Paints a fill with an image; its geometry is made already.
     void setImage(Item& item, const Image& image);
@@ -236,7 +279,7 @@ struct Drawing::Impl
     /// The shapes of an item, in the order of drawing.
     std::vector<std::uint32_t> shapesOf(const Item& item) const;
     /// Moves shapes, in their order, to before a place.
-    void move(const std::vector<std::uint32_t>& shapes, std::size_t before);
+    void move(std::span<const std::uint32_t> shapes, std::size_t before);
 
     bool draw(const Sight& sight);
 

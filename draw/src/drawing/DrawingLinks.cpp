@@ -12,10 +12,16 @@ void Drawing::Impl::findNeighbours()
     for (const SharedEdges::Pair& pair : edges.find())
     {
         Item &item = items[pair.shape], &other = items[pair.other];
-        if (item.whole != other.whole)
+        if (wholeOf(item) != wholeOf(other))
             continue;
-        item.neighbours.push_back(pair.other);
-        other.neighbours.push_back(pair.shape);
+        const auto add = [](Item& to, std::uint32_t slot)
+        {
+            if (!to.pNeighbours)
+                to.pNeighbours = std::make_unique<std::vector<std::uint32_t>>();
+            to.pNeighbours->push_back(slot);
+        };
+        add(item, pair.other);
+        add(other, pair.shape);
         markLinksStale(other);
         markLinksStale(item);
     }
@@ -31,14 +37,14 @@ void Drawing::Impl::unlink(Item& item)
 
 void Drawing::Impl::dropNeighbours(Item& item)
 {
-    for (const std::uint32_t other : item.neighbours)
+    for (const std::uint32_t other : item.getNeighbours())
     {
-        std::erase(items[other].neighbours, slotOf(item));
+        std::erase(*items[other].pNeighbours, slotOf(item));
         markLinksStale(items[other]);
     }
-    if (!item.neighbours.empty())
+    if (!item.getNeighbours().empty())
         markLinksStale(item);
-    item.neighbours.clear();
+    item.pNeighbours.reset();
 }
 
 bool Drawing::Impl::isWithin(const Item& item, const Item& other) const
@@ -49,13 +55,15 @@ bool Drawing::Impl::isWithin(const Item& item, const Item& other) const
 void Drawing::Impl::dropOutsiders(Item& shape, const Item& mover)
 {
     const auto isOutside = [this, &mover](std::uint32_t other) { return !isWithin(items[other], mover); };
-    for (const std::uint32_t other : shape.neighbours)
+    if (!shape.pNeighbours)
+        return;
+    for (const std::uint32_t other : *shape.pNeighbours)
         if (isOutside(other))
         {
-            std::erase(items[other].neighbours, slotOf(shape));
+            std::erase(*items[other].pNeighbours, slotOf(shape));
             markLinksStale(items[other]);
         }
-    if (std::erase_if(shape.neighbours, isOutside) != 0)
+    if (std::erase_if(*shape.pNeighbours, isOutside) != 0)
         markLinksStale(shape);
 }
 
@@ -79,7 +87,7 @@ void Drawing::Impl::renewLinks()
         findCorners(item, corners);
         // One that is not seen whenever this is would leave a gap. And edges are known by numbers that a few others
         // have as well, far away: where there is no real neighbour, shaders need not look for any.
-        const auto add = [&](const std::vector<std::uint32_t>& others)
+        const auto add = [&](std::span<const std::uint32_t> others)
         {
             for (const std::uint32_t other : others)
             {
@@ -91,7 +99,7 @@ void Drawing::Impl::renewLinks()
             }
             return records.size();
         };
-        const std::size_t nEdges = add(item.neighbours);
+        const std::size_t nEdges = add(item.getNeighbours());
         add(corners);
         tables.setLinks(item.places, records, nEdges);
     }
@@ -105,10 +113,10 @@ void Drawing::Impl::findCorners(const Item& item, std::vector<std::uint32_t>& co
     // One that so many others are around says nothing of who is near whom.
     constexpr std::size_t cCrowd = 64;
     corners.clear();
-    std::vector<std::uint32_t> seen = item.neighbours;
+    std::vector<std::uint32_t> seen(item.getNeighbours().begin(), item.getNeighbours().end());
     for (std::size_t i = 0; i < seen.size(); ++i)
     {
-        const std::vector<std::uint32_t>& around = items[seen[i]].neighbours;
+        const std::span<const std::uint32_t> around = items[seen[i]].getNeighbours();
         if (around.size() > cCrowd)
             continue;
         for (const std::uint32_t other : around)

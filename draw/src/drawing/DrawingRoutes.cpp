@@ -23,7 +23,7 @@ void Drawing::Impl::setRoute(Item& text, const Path& path)
     TextRoute& route = *text.pLetters->pRoute;
     route.setPath(path);
     text.origin = route.getOrigin();
-    for (const std::uint32_t member : text.members)
+    for (const std::uint32_t member : text.getMembers())
         items[member].origin = text.origin;
     update(text);
     placeRoute(text);
@@ -33,14 +33,14 @@ bool Drawing::Impl::placeRoute(Item& text)
 {
     Letters& letters = *text.pLetters;
     const Affine toScreen = toScreenOf(text);
-    const Affine whole = toPoints * Affine{text.whole.a, text.whole.b, text.whole.c, text.whole.d, 0, 0};
+    const Affine own = wholeOf(text), whole = toPoints * Affine{own.a, own.b, own.c, own.d, 0, 0};
     const bool isUpsideDown = whole.a * whole.d - whole.b * whole.c < 0;
     const bool isInPoints = letters.style.isInPoints;
     const Affine toText = isInPoints ? whole : Affine::scaling(1, isUpsideDown ? -1 : 1);
     if (!letters.pRoute->place(toText, isInPoints ? Affine() : toScreen))
         return false;
     const std::vector<TextRoute::Letter>& placed = letters.pRoute->getLetters();
-    for (const std::uint32_t member : text.members)
+    for (const std::uint32_t member : text.getMembers())
     {
         turns.clear();
         for (const Letters::Turn& turn : items[member].pLetters->turns)
@@ -71,7 +71,7 @@ void Drawing::Impl::placeRoutes(const Sight& sight)
     std::erase_if(routedTexts, [this](std::uint32_t slot)
                   { return items[slot].kind != Kind::Text || !items[slot].pLetters->pRoute; });
     for (const std::uint32_t slot : routedTexts)
-        if (const std::vector<std::uint32_t>& members = items[slot].members;
+        if (const std::span<const std::uint32_t> members = items[slot].getMembers();
             !members.empty() && isInSight(items[members.front()], sight))
             placeRoute(items[slot]);
 }

@@ -211,14 +211,14 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         letters.pRoute->setLayout(layout, letters.anchor);
 
     // Shapes that are there already stay where they are among the others.
-    std::vector<std::uint32_t> old = std::exchange(text.members, {});
+    std::vector<std::uint32_t> old = std::exchange(text.makeExtras().members, {});
     const std::size_t before = old.empty() ? SIZE_MAX : items[old.front()].place;
     const bool isReplaced = old.size() != parts.size();
     if (isReplaced)
         for (const std::uint32_t member : old)
             removeItem(member);
     else
-        text.members = std::move(old);
+        text.pExtras->members = std::move(old);
     const std::uint32_t slot = slotOf(text), around = std::exchange(group, slot);
     for (std::size_t i = 0; i < parts.size(); ++i)
     {
@@ -226,7 +226,7 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         const Paint& paint = paintOf(part, layout.getStyle(part.style), placement);
         if (isReplaced)
             addShape(Kind::Glyphs, paint);
-        Item& glyphs_ = items[text.members[i]];
+        Item& glyphs_ = items[text.getMembers()[i]];
         if (!glyphs_.pLetters)
             glyphs_.pLetters = std::make_unique<Letters>();
         glyphs_.pLetters->style = letters.style;
@@ -247,8 +247,8 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
             setGlyphs(glyphs_, layout, part.style, part.size, part.lineWidth);
     }
     group = around;
-    if (isReplaced && before < order.size() && !text.members.empty())
-        move(text.members, before);
+    if (isReplaced && before < order.size() && !text.getMembers().empty())
+        move(text.getMembers(), before);
     update(text);
     if (letters.pRoute)
         placeRoute(text);
@@ -413,14 +413,14 @@ void Drawing::Impl::setOutline(Item& item, const Path& path, FillRule rule)
 
 Affine Drawing::Impl::toScreenOf(const Item& item) const
 {
-    const Affine local = toPoints * Affine{item.whole.a, item.whole.b, item.whole.c, item.whole.d, 0, 0};
+    const Affine whole = wholeOf(item), local = toPoints * Affine{whole.a, whole.b, whole.c, whole.d, 0, 0};
     return local.a * local.d - local.b * local.c < 0 ? local * Affine::scaling(1, -1) : local;
 }
 
 std::optional<Affine> Drawing::Impl::toTextOf(const Item& item) const
 {
     const GlyphStyle& style = item.pLetters->style;
-    const Point at = item.whole.map(item.origin);
+    const Point at = wholeOf(item).map(item.origin);
     const Affine local = Affine::translation(style.offset.x, style.offset.y) *
                          (style.isInPoints ? Affine() : toScreenOf(item)) *
                          Affine{style.cosine, -style.sine, style.sine, style.cosine, 0, 0};
@@ -447,7 +447,8 @@ bool Drawing::Impl::findLine(const Item& item, const std::function<bool(const Re
 Drawing::Rect Drawing::Impl::boundsOfText(const Item& item) const
 {
     const Letters& letters = *item.pLetters;
-    const Point at = item.whole.map(item.origin);
+    const Affine whole = wholeOf(item);
+    const Point at = whole.map(item.origin);
     Rect bounds(at.x, at.y, at.x, at.y);
     if (letters.style.isInPoints)
         return bounds;
@@ -464,7 +465,7 @@ Drawing::Rect Drawing::Impl::boundsOfText(const Item& item) const
             for (const double y : {ink.top, ink.bottom})
             {
                 const Point turned(x * cosine + y * sine, (y * cosine - x * sine) * up);
-                const Point p = item.whole.map({item.origin.x + turned.x, item.origin.y + turned.y});
+                const Point p = whole.map({item.origin.x + turned.x, item.origin.y + turned.y});
                 bounds = {std::min(bounds.left, p.x), std::min(bounds.top, p.y), std::max(bounds.right, p.x),
                           std::max(bounds.bottom, p.y)};
             }

@@ -45,16 +45,70 @@ void addElement(ShapeGeometry& shape, ElementKind kind, std::size_t what)
     shape.elements.push_back({bitsOf(kind), static_cast<std::uint32_t>(what)});
 }
 
-void addLongElement(ShapeGeometry& shape, ElementKind kind, const std::array<std::uint32_t, 3>& points)
+// @return the element that stands for it
+Element addLong(ShapeGeometry& shape, ElementKind kind, const std::array<std::uint32_t, 3>& points)
 {
-    addElement(shape, ElementKind::Long, shape.longElements.size());
     shape.longElements.push_back({bitsOf(kind), points});
+    return {bitsOf(ElementKind::Long), static_cast<std::uint32_t>(shape.longElements.size() - 1)};
 }
 
-// From its lines, or from its parts: they deviate from their own chord, and that from the whole one. Only strokes are
-// asked how lines turn.
+// A leaf's box, how far its points deviate from its chord, and how far its lines turn from that: which only strokes are
+// asked. Two points at a time: the largest square has the largest root.
 template <ElementKind Kind>
-void setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf)
+void setLeaf(ShapeGeometry& shape, std::size_t number, std::int32_t first, std::int32_t last)
+{
+    constexpr bool cHasTurns = Kind == ElementKind::Line;
+    const std::int32_t n = last - first;
+    const auto at = [pPoints = shape.points.data() + first](std::int32_t i)
+    { return cHasTurns ? withoutMark(pPoints[i]) : pPoints[i]; };
+    const TwoPoints ends(at(0), at(n));
+    const td::Point<double> from(ends.x[0], ends.y[0]), way(ends.x[1] - from.x, ends.y[1] - from.y);
+    const double length = lengthOf(way.x, way.y);
+    const auto u = length > 0 ? td::Point<double>(way.x / length, way.y / length) : td::Point<double>(0, 0);
+    const TwoDoubles zero{0, 0};
+    TwoDoubles lowX = ends.x, lowY = ends.y, highX = ends.x, highY = ends.y, farSquares = zero, turnSquares = zero;
+    td::Point<double> before = from;
+    // The last point again is a line that counts for nothing.
+    for (std::int32_t i = 1; i <= n; i += 2)
+    {
+        const TwoPoints next(at(i), at(std::min(i + 1, n)));
+        lowX = smallerOf(lowX, next.x);
+        lowY = smallerOf(lowY, next.y);
+        highX = largerOf(highX, next.x);
+        highY = largerOf(highY, next.y);
+        const TwoDoubles x = next.x - from.x, y = next.y - from.y;
+        const TwoDoubles along = x * u.x + y * u.y, across = x * u.y - y * u.x;
+        const TwoDoubles beyond = largerOf(largerOf(-along, along - length), zero);
+        farSquares = largerOf(farSquares, length == 0 ? x * x + y * y : across * across + beyond * beyond);
+        if (!cHasTurns)
+            continue;
+        const TwoDoubles wayX = next.x - TwoDoubles{before.x, next.x[0]},
+                         wayY = next.y - TwoDoubles{before.y, next.y[0]};
+        const TwoDoubles own = rootOf(wayX * wayX + wayY * wayY);
+        const TwoDoubles turnX = wayX / own - u.x, turnY = wayY / own - u.y;
+        // What is no number, without a length, is the smaller one.
+        turnSquares = largerOf(turnX * turnX + turnY * turnY, turnSquares);
+        before = {next.x[1], next.y[1]};
+    }
+    const auto least = [](TwoDoubles v) { return static_cast<std::int32_t>(std::min(v[0], v[1])); };
+    const auto most = [](TwoDoubles v) { return static_cast<std::int32_t>(std::max(v[0], v[1])); };
+    double deviation = 0, turn = length > 0 || !cHasTurns ? 0 : 2;
+    if (n > 1)
+    {
+        deviation = std::sqrt(std::max(farSquares[0], farSquares[1]));
+        turn = std::max(turn, std::sqrt(std::max(turnSquares[0], turnSquares[1])));
+    }
+    EdgeNode& node = shape.nodes[number];
+    node.box = {least(lowX), least(lowY), most(highX), most(highY)};
+    node.next = static_cast<std::int32_t>(shape.nodes.size());
+    node.first = first;
+    node.last = last;
+    node.setForm(true, deviation, turn);
+}
+
+// The same of a node from its parts: they deviate from their own chords, and those from the whole one.
+template <ElementKind Kind>
+void setForm(ShapeGeometry& shape, std::size_t number)
 {
     constexpr bool cHasTurns = Kind == ElementKind::Line;
     using Vector = td::Point<double>;
@@ -69,8 +123,10 @@ void setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf)
     const Vector u = length > 0 ? Vector(way.x / length, way.y / length) : Vector(0, 0);
     constexpr double cMostTurn = EdgeNode::cSharpest;
     double deviation = 0, turn = length > 0 || !cHasTurns ? 0 : 2, farBefore = 0;
-    const auto look = [&](Vector a, Vector b, double ownDeviation, double ownTurn)
+    for (std::size_t i = number + 1; i < shape.nodes.size(); i = static_cast<std::size_t>(shape.nodes[i].next))
     {
+        const EdgeNode& part = shape.nodes[i];
+        const Vector a = at(part.first), b = at(part.last);
         const double along = (b.x - from.x) * u.x + (b.y - from.y) * u.y;
         const double across = (b.x - from.x) * u.y - (b.y - from.y) * u.x;
         const double beyond = std::max({-along, along - length, 0.0});
@@ -78,47 +134,15 @@ void setForm(ShapeGeometry& shape, std::size_t number, bool isLeaf)
         const double far = length == 0   ? lengthOf(b.x - from.x, b.y - from.y)
                            : beyond == 0 ? std::abs(across)
                                          : lengthOf(across, beyond);
-        deviation = std::max(deviation, std::max(far, farBefore) + ownDeviation);
+        deviation = std::max(deviation, std::max(far, farBefore) + double(part.getDeviation()));
         farBefore = far;
         if (!cHasTurns || turn > cMostTurn)
-            return; // it is told as no more
+            continue; // it is told as no more
         const double own = lengthOf(b.x - a.x, b.y - a.y);
         if (own > 0)
-            turn = std::max(turn, lengthOf((b.x - a.x) / own - u.x, (b.y - a.y) / own - u.y) + ownTurn);
-    };
-    if (!isLeaf)
-        for (std::size_t i = number + 1; i < shape.nodes.size(); i = static_cast<std::size_t>(shape.nodes[i].next))
-        {
-            const EdgeNode& part = shape.nodes[i];
-            look(at(part.first), at(part.last), part.getDeviation(), part.getTurn());
-        }
-    else if (node.last - node.first > 1)
-    {
-        // The same for lines, which deviate and turn by nothing of their own, two at a time: the largest square has the
-        // largest root. The last point again is a line that counts for nothing.
-        const TwoDoubles zero{0, 0};
-        TwoDoubles farSquares = zero, turnSquares = zero;
-        Vector a = from;
-        for (std::int32_t i = node.first; i < node.last; i += 2)
-        {
-            const Vector b = at(i + 1), c = at(std::min(i + 2, node.last));
-            const TwoDoubles bx{b.x, c.x}, by{b.y, c.y};
-            const TwoDoubles x = bx - from.x, y = by - from.y, along = x * u.x + y * u.y, across = x * u.y - y * u.x;
-            const TwoDoubles beyond = largerOf(largerOf(-along, along - length), zero);
-            farSquares = largerOf(farSquares, length == 0 ? x * x + y * y : across * across + beyond * beyond);
-            if (!cHasTurns)
-                continue;
-            const TwoDoubles wayX = bx - TwoDoubles{a.x, b.x}, wayY = by - TwoDoubles{a.y, b.y};
-            const TwoDoubles own = rootOf(wayX * wayX + wayY * wayY);
-            const TwoDoubles turnX = wayX / own - u.x, turnY = wayY / own - u.y;
-            // What is no number, without a length, is the smaller one.
-            turnSquares = largerOf(turnX * turnX + turnY * turnY, turnSquares);
-            a = c;
-        }
-        deviation = std::sqrt(std::max(farSquares[0], farSquares[1]));
-        turn = std::max(turn, std::sqrt(std::max(turnSquares[0], turnSquares[1])));
+            turn = std::max(turn, lengthOf((b.x - a.x) / own - u.x, (b.y - a.y) / own - u.y) + double(part.getTurn()));
     }
-    node.setForm(isLeaf, deviation, turn);
+    node.setForm(false, deviation, turn);
 }
 
 } // namespace
@@ -170,62 +194,54 @@ std::size_t ShapeBuilder::addNode(ShapeGeometry& shape, std::size_t parent)
             addElement(shape, ElementKind::Node, way | number << cBits);
     }
     else
-        addLongElement(shape, ElementKind::Node,
-                       {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(parent), 0});
+        shape.elements.push_back(addLong(shape, ElementKind::Node,
+                                         {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(parent), 0}));
     return number;
+}
+
+template <ElementKind Kind>
+void ShapeBuilder::addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t number)
+{
+    setLeaf<Kind>(shape, number, first, last);
+    auto what = static_cast<std::uint32_t>(number << Element::cLineBits);
+    if constexpr (Kind == ElementKind::Edge)
+    {
+        std::fill(_leaves.begin() + first, _leaves.begin() + last + 1, static_cast<std::uint32_t>(number));
+        const auto n = static_cast<std::size_t>(last - first), nBefore = shape.elements.size();
+        shape.elements.resize(nBefore + n);
+        for (Element& element : std::span(shape.elements).subspan(nBefore))
+            element = {bitsOf(Kind), what++};
+    }
+    else
+        for (std::int32_t i = first; i < last; ++i, ++what)
+        {
+            addElement(shape, Kind, what);
+            if (std::binary_search(_tips.begin(), _tips.end(), static_cast<std::uint32_t>(i)))
+                addElement(shape, ElementKind::Tip, what);
+        }
 }
 
 // With the elements of its lines.
 template <ElementKind Kind>
-std::array<std::int32_t, 4> ShapeBuilder::addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_t last,
-                                                  std::size_t number)
-{
-    std::array<std::int32_t, 4> box = cNothing;
-    const auto n = static_cast<std::size_t>(last - first), nBefore = shape.elements.size();
-    shape.elements.resize(nBefore + n);
-    Element* pElement = shape.elements.data() + nBefore;
-    auto what = static_cast<std::uint32_t>(number << Element::cLineBits);
-    for (std::int32_t i = first; i <= last; ++i)
-    {
-        const auto point = static_cast<std::uint32_t>(i);
-        const GridPoint p = Kind == ElementKind::Line ? withoutMark(shape.points[point]) : shape.points[point];
-        widen(box, {p.x, p.y, p.x, p.y});
-        if constexpr (Kind == ElementKind::Edge)
-            _leaves[point] = static_cast<std::uint32_t>(number);
-        if (i == last)
-            break;
-        *pElement++ = {bitsOf(Kind), what};
-        if (Kind == ElementKind::Line && std::binary_search(_tips.begin(), _tips.end(), point))
-        {
-            shape.elements.resize(shape.elements.size() + 1);
-            pElement = shape.elements.data() + shape.elements.size() - static_cast<std::size_t>(last - i);
-            *pElement++ = {bitsOf(ElementKind::Tip), what};
-        }
-        ++what;
-    }
-    return box;
-}
-
-template <ElementKind Kind>
 void ShapeBuilder::addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t parent)
 {
     const std::size_t number = addNode(shape, parent);
-    std::array<std::int32_t, 4> box = cNothing;
     const std::int32_t n = last - first;
     if (n <= cLeaf)
-        box = addLeaf<Kind>(shape, first, last, number);
-    else
     {
-        const std::int32_t part = ((n + cParts - 1) / cParts + cLeaf - 1) / cLeaf * cLeaf;
-        for (std::int32_t begin = first; begin < last; begin += part)
-        {
-            const std::size_t child = shape.nodes.size();
-            addChain<Kind>(shape, begin, std::min(begin + part, last), number);
-            widen(box, shape.nodes[child].box);
-        }
+        addLeaf<Kind>(shape, first, last, number);
+        return;
+    }
+    std::array<std::int32_t, 4> box = cNothing;
+    const std::int32_t part = ((n + cParts - 1) / cParts + cLeaf - 1) / cLeaf * cLeaf;
+    for (std::int32_t begin = first; begin < last; begin += part)
+    {
+        const std::size_t child = shape.nodes.size();
+        addChain<Kind>(shape, begin, std::min(begin + part, last), number);
+        widen(box, shape.nodes[child].box);
     }
     shape.nodes[number] = {box, static_cast<std::int32_t>(shape.nodes.size()), first, last, 0};
-    setForm<Kind>(shape, number, n <= cLeaf);
+    setForm<Kind>(shape, number);
 }
 
 template <ElementKind Kind>
@@ -251,11 +267,28 @@ void ShapeBuilder::addRings(ShapeGeometry& shape, std::size_t first, std::size_t
 }
 
 // Those that are near each other are to be in one node.
+void ShapeBuilder::sortRings(const ShapeGeometry& shape)
+{
+    const auto middle = [](std::int32_t low, std::int32_t high)
+    { return static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U; };
+    for (Ring& ring : _rings)
+    {
+        std::array<std::int32_t, 4> box = cNothing;
+        for (std::int32_t i = ring.first; i <= ring.last; ++i)
+        {
+            const GridPoint p = withoutMark(shape.points[static_cast<std::size_t>(i)]);
+            widen(box, {p.x, p.y, p.x, p.y});
+        }
+        ring.place = zOrderOf(middle(box[0], box[2]), middle(box[1], box[3]));
+    }
+    std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
+}
+
 template <ElementKind Kind>
 void ShapeBuilder::addTree(ShapeGeometry& shape)
 {
     if (_rings.size() > static_cast<std::size_t>(cParts))
-        std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.place < b.place; });
+        sortRings(shape);
     if (Kind == ElementKind::Edge)
         _leaves.resize(shape.points.size());
     _parents.clear();
@@ -282,29 +315,32 @@ void ShapeBuilder::addTriangles(ShapeGeometry& shape)
     constexpr unsigned int cBits = Element::cPointBits;
     const std::vector<std::uint32_t>& indices = _fill.getIndices();
     shape.nTriangles = static_cast<std::uint32_t>(indices.size() / 3);
-    shape.elements.reserve(shape.elements.size() + shape.nTriangles);
+    const std::size_t nBefore = shape.elements.size();
+    shape.elements.resize(nBefore + shape.nTriangles);
+    Element* pElement = shape.elements.data() + nBefore;
     for (std::size_t i = 0; i < indices.size(); i += 3)
     {
         const std::uint32_t a = _numbers[indices[i]], b = _numbers[indices[i + 1]], c = _numbers[indices[i + 2]];
         const std::uint32_t low = std::min({_leaves[a], _leaves[b], _leaves[c]}),
                             high = std::max({_leaves[a], _leaves[b], _leaves[c]});
-        std::uint32_t number = low;
+        // A leaf, or what it is part of: without a branch, as one cannot guess which.
+        std::uint32_t number = low == high ? low : _parents[low];
         while (high >= static_cast<std::uint32_t>(shape.nodes[number].next))
             number = _parents[number];
         const std::array<std::int32_t, 4>& box = shape.nodes[number].box;
         const auto most = static_cast<std::uint32_t>(std::max(box[2] - box[0], box[3] - box[1]));
         const std::uint32_t size = static_cast<std::uint32_t>(std::bit_width(most)) << cTriangleSizeShift;
         if ((a | b | c) >> cBits == 0)
-            addElement(shape, ElementKind::Triangle, a | b << cBits | c << 2 * cBits | size);
+            *pElement++ = {bitsOf(ElementKind::Triangle), a | b << cBits | c << 2 * cBits | size};
         else
-            addLongElement(shape, ElementKind::Triangle, {a | size, b, c});
+            *pElement++ = addLong(shape, ElementKind::Triangle, {a | size, b, c});
     }
 }
 
 // Joins the boundary's edges end to end: which ones, where several meet, makes no difference to what they enclose.
 void ShapeBuilder::linkRings(ShapeGeometry& shape)
 {
-    constexpr std::uint32_t cNone = UINT32_MAX;
+    static constexpr std::uint32_t cNone = UINT32_MAX;
     const std::span<const GridPoint> vertices = _fill.getVertices();
     const std::vector<FillSweep::BoundaryEdge>& edges = _fill.getBoundary();
     const auto n = static_cast<std::uint32_t>(vertices.size());
@@ -330,18 +366,25 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
     const GridPoint shift = toGrid(shape.origin, gridOrigin, inverse);
 
     _rings.clear();
-    _numbers.assign(n, cNone); // the first point that each vertex became
     // No ring has less than two edges, and each has its first point once more.
     shape.points.resize(edges.size() + edges.size() / 2);
     GridPoint* pPoint = shape.points.data();
+    // _numbers: the first point that each vertex became.
     if (areAlone)
-        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+    {
+        _numbers.resize(n);
+        const auto next = [this](std::uint32_t at, std::uint32_t number)
         {
-            if (_next[vertex] != cNone && _numbers[vertex] == cNone)
-                pPoint = linkRing(vertex, shift, shape, pPoint, [this](std::uint32_t at) { return _next[at]; });
-        }
+            _numbers[at] = number;
+            return std::exchange(_next[at], cNone);
+        };
+        for (std::uint32_t vertex = 0; vertex < n; ++vertex)
+            if (_next[vertex] != cNone)
+                pPoint = linkRing(vertex, shift, shape, pPoint, next);
+    }
     else
     {
+        _numbers.assign(n, cNone);
         _starts.assign(n + std::size_t(1), 0);
         for (const FillSweep::BoundaryEdge& edge : edges)
             ++_starts[edge.from + 1];
@@ -352,41 +395,37 @@ void ShapeBuilder::linkRings(ShapeGeometry& shape)
         for (const FillSweep::BoundaryEdge& edge : edges)
             _next[_ends[edge.from]++] = edge.to;
         // From here on the edges of each vertex that are left end there.
+        const auto next = [this](std::uint32_t at, std::uint32_t number)
+        {
+            _numbers[at] = std::min(_numbers[at], number);
+            return _next[--_ends[at]];
+        };
         for (std::uint32_t vertex = 0; vertex < n; ++vertex)
             while (_ends[vertex] > _starts[vertex])
-                pPoint =
-                    linkRing(vertex, shift, shape, pPoint, [this](std::uint32_t at) { return _next[--_ends[at]]; });
+                pPoint = linkRing(vertex, shift, shape, pPoint, next);
     }
     shape.points.resize(static_cast<std::size_t>(pPoint - shape.points.data()));
 }
 
-// @return behind the ring's points
+// @param next  takes a vertex and the number of its point @return behind the ring's points
 template <typename Next>
 GridPoint* ShapeBuilder::linkRing(std::uint32_t vertex, GridPoint shift, const ShapeGeometry& shape, GridPoint* pPoint,
                                   Next next)
 {
-    const std::span<const GridPoint> vertices = _fill.getVertices();
-    const auto first = static_cast<std::uint32_t>(pPoint - shape.points.data());
-    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
-    std::uint32_t at = vertex, number = first;
+    const GridPoint* const pVertices = _fill.getVertices().data();
+    const auto first = static_cast<std::int32_t>(pPoint - shape.points.data());
+    std::int32_t number = first;
+    std::uint32_t at = vertex;
     do
     {
-        const GridPoint p{vertices[at].x - shift.x, vertices[at].y - shift.y};
-        _numbers[at] = std::min(_numbers[at], number++);
-        *pPoint++ = p;
-        widen(box, {p.x, p.y, p.x, p.y});
-        at = next(at);
+        pPoint->x = pVertices[at].x - shift.x;
+        pPoint->y = pVertices[at].y - shift.y;
+        ++pPoint;
+        at = next(at, static_cast<std::uint32_t>(number++));
     } while (at != vertex);
-    *pPoint++ = shape.points[first];
-    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(number), box);
+    *pPoint++ = shape.points[static_cast<std::size_t>(first)];
+    _rings.push_back({first, number, 0});
     return pPoint;
-}
-
-void ShapeBuilder::addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box)
-{
-    const auto middle = [](std::int32_t low, std::int32_t high)
-    { return static_cast<std::uint32_t>(low / 2 + high / 2) + 0x80000000U; };
-    _rings.push_back({first, last, zOrderOf(middle(box[0], box[2]), middle(box[1], box[3]))});
 }
 
 void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape,
@@ -456,10 +495,7 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
     shape.points.insert(shape.points.end(), _line.begin(), _line.end());
     const auto last = static_cast<std::uint32_t>(shape.points.size()) - 1;
     shape.points.push_back(after);
-    std::array<std::int32_t, 4> box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
-    for (const GridPoint& p : _line)
-        widen(box, {p.x, p.y, p.x, p.y});
-    addRing(static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), box);
+    _rings.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), 0});
 
     const auto wayTo = [&shape](std::uint32_t i)
     {

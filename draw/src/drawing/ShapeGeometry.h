@@ -112,7 +112,7 @@ private:
     template <typename Next>
     GridPoint* linkRing(std::uint32_t vertex, GridPoint shift, const ShapeGeometry& shape, GridPoint* pPoint,
                         Next next);
-    void addRing(std::int32_t first, std::int32_t last, const std::array<std::int32_t, 4>& box);
+    void sortRings(const ShapeGeometry& shape);
     template <ElementKind Kind>
     void addTree(ShapeGeometry& shape);
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
@@ -120,8 +120,7 @@ private:
     template <ElementKind Kind>
     void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t parent);
     template <ElementKind Kind>
-    std::array<std::int32_t, 4> addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_t last,
-                                        std::size_t number);
+    void addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t number);
     template <ElementKind Kind>
     void addRings(ShapeGeometry& shape, std::size_t first, std::size_t last, std::size_t parent);
     std::size_t addNode(ShapeGeometry& shape, std::size_t parent);
@@ -130,7 +129,7 @@ private:
     struct Ring
     {
         std::int32_t first, last; // points, the last one where the first is
-        std::uint64_t place;      // along a curve that fills the plane
+        std::uint64_t place;      // along a curve that fills the plane, where there are many
     };
 
     GridTessellator _fill;

@@ -17,8 +17,9 @@ enum State : std::uint8_t
 {
     IsAbsent,
     IsInTree,
-    IsChanged
+    IsChanged // since there is a tree
 };
+constexpr std::uint8_t cUnknown = 4; // a bit beside these, of those to ask for their rectangle
 
 using Rect = ShapeIndex::Rect;
 
@@ -35,17 +36,13 @@ void widen(Rect& rect, const Rect& by)
 
 } // namespace
 
-void ShapeIndex::set(std::uint32_t number, const Rect& rect)
+void ShapeIndex::set(std::uint32_t number)
 {
-    if (number >= _rects.size())
-    {
-        _rects.grow(number + std::size_t(1) - _rects.size());
+    if (number >= _states.size())
         _states.resize(number + std::size_t(1), IsAbsent);
-    }
-    _rects[number] = rect;
-    if (_states[number] != IsChanged)
-        _changed.push_back(number);
-    _states[number] = IsChanged;
+    if ((_states[number] & cUnknown) == 0)
+        _unknown.push_back(number);
+    _states[number] |= cUnknown;
 }
 
 void ShapeIndex::remove(std::uint32_t number)
@@ -113,8 +110,20 @@ void ShapeIndex::search(std::size_t level, std::size_t first, std::size_t end, c
     }
 }
 
-void ShapeIndex::find(const Rect& rect, const std::function<void(std::uint32_t)>& found)
+void ShapeIndex::find(const Rect& rect, const std::function<Rect(std::uint32_t)>& rectOf,
+                      const std::function<void(std::uint32_t)>& found)
 {
+    if (_rects.size() < _states.size())
+        _rects.grow(_states.size() - _rects.size());
+    for (const std::uint32_t number : _unknown)
+        if ((_states[number] & cUnknown) != 0)
+        {
+            _rects[number] = rectOf(number);
+            if (_states[number] != (cUnknown | IsChanged))
+                _changed.push_back(number);
+            _states[number] = IsChanged;
+        }
+    _unknown.clear();
     if (_levels.empty() || _changed.size() > 64 + _nInTree / 64)
         build();
     search(_levels.size() - 1, 0, cBranch, rect, found);

@@ -62,12 +62,17 @@ ShapeTables::ShapeTables()
 {
 }
 
-void ShapeTables::addShape(ShapePlaces& places)
+void ShapeTables::addShape(ShapePlaces& places, std::uint32_t flags, std::uint32_t order)
 {
     places = {};
     places.record = _records.take(1);
-    const ShapeRecord record;
-    _records.set(places.record, std::span(&record, 1));
+    _records.change(places.record,
+                    [&](ShapeRecord& record)
+                    {
+                        record = {};
+                        record.flags = flags;
+                        record.order = order;
+                    });
 }
 
 void ShapeTables::giveBack(ShapePlaces& places)
@@ -131,42 +136,58 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     places.nodes = add(_nodes, geometry.nodes);
     addElements(places, geometry);
 
-    ShapeRecord record = _records[places.record];
-    record.points = places.points.first;
-    record.nodes = places.nodes.first;
-    record.nNodes = places.nodes.count;
-    record.reach = geometry.reach;
-    record.dashes = -1;
-    constexpr std::uint32_t cStyle = IsStroke | IsWidthInPoints | AreDashesInPoints | 3U << CapShift | 3U << JoinShift;
-    record.flags &= ~cStyle;
+    const bool hasDashes = pStroke != nullptr && addDashes(places, geometry, *pStroke);
     _features |= pStroke == nullptr ? HasFills : HasStrokes;
-    if (pStroke != nullptr)
-    {
-        const Stroke& stroke = *pStroke;
-        _features |= geometry.hasRound ? HasRound : 0U;
-        _features |= (stroke.cap != Cap::Butt ? HasCaps : 0U) |
-                     (stroke.cap == Cap::Round || stroke.join == Join::Round ? HasRound : 0U);
-        const bool isInPoints = stroke.unit == Unit::Points;
-        record.halfWidth = static_cast<float>(stroke.width / 2 / (isInPoints ? 1 : geometry.step));
-        record.miterLimit = static_cast<float>(std::max(stroke.miterLimit, 1.0));
-        record.flags |= IsStroke | (isInPoints ? IsWidthInPoints : 0U) |
-                        (stroke.dashUnit == Unit::Points ? AreDashesInPoints : 0U) |
-                        static_cast<std::uint32_t>(stroke.cap) << CapShift |
-                        static_cast<std::uint32_t>(stroke.join) << JoinShift;
-        if (const DashPattern pattern(stroke); !pattern.lengths.empty())
-        {
-            _features |= HasDashes;
-            _values = {static_cast<float>(pattern.lengths.size()), static_cast<float>(pattern.sum),
-                       static_cast<float>(pattern.offset)};
-            for (const double length : pattern.lengths)
-                _values.push_back(static_cast<float>(length));
-            _values.insert(_values.end(), geometry.lengths.begin(), geometry.lengths.end());
-            places.numbers = add(_numbers, _values);
-            record.dashes = static_cast<std::int32_t>(places.numbers.first);
-            record.lengths = static_cast<std::int32_t>(places.numbers.first + 3 + pattern.lengths.size());
-        }
-    }
-    _records.set(places.record, std::span(&record, 1));
+    _records.change(places.record,
+                    [&](ShapeRecord& record)
+                    {
+                        record.points = places.points.first;
+                        record.nodes = places.nodes.first;
+                        record.nNodes = places.nodes.count;
+                        record.reach = geometry.reach;
+                        record.dashes = -1;
+                        constexpr std::uint32_t cStyle =
+                            IsStroke | IsWidthInPoints | AreDashesInPoints | 3U << CapShift | 3U << JoinShift;
+                        record.flags &= ~cStyle;
+                        if (pStroke == nullptr)
+                            return;
+                        const Stroke& stroke = *pStroke;
+                        const bool isInPoints = stroke.unit == Unit::Points;
+                        record.halfWidth = static_cast<float>(stroke.width / 2 / (isInPoints ? 1 : geometry.step));
+                        record.miterLimit = static_cast<float>(std::max(stroke.miterLimit, 1.0));
+                        record.flags |= IsStroke | (isInPoints ? IsWidthInPoints : 0U) |
+                                        (stroke.dashUnit == Unit::Points ? AreDashesInPoints : 0U) |
+                                        static_cast<std::uint32_t>(stroke.cap) << CapShift |
+                                        static_cast<std::uint32_t>(stroke.join) << JoinShift;
+                        if (hasDashes)
+                        {
+                            record.dashes = static_cast<std::int32_t>(places.numbers.first);
+                            record.lengths = static_cast<std::int32_t>(places.numbers.first + places.numbers.count -
+                                                                       geometry.lengths.size());
+                        }
+                    });
+    if (pStroke == nullptr)
+        return;
+    _features |= geometry.hasRound ? HasRound : 0U;
+    _features |= (pStroke->cap != Cap::Butt ? HasCaps : 0U) |
+                 (pStroke->cap == Cap::Round || pStroke->join == Join::Round ? HasRound : 0U);
+}
+
+bool ShapeTables::addDashes(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke& stroke)
+{
+    if (stroke.dashes.empty())
+        return false;
+    const DashPattern pattern(stroke);
+    if (pattern.lengths.empty())
+        return false;
+    _features |= HasDashes;
+    _values = {static_cast<float>(pattern.lengths.size()), static_cast<float>(pattern.sum),
+               static_cast<float>(pattern.offset)};
+    for (const double length : pattern.lengths)
+        _values.push_back(static_cast<float>(length));
+    _values.insert(_values.end(), geometry.lengths.begin(), geometry.lengths.end());
+    places.numbers = {_numbers.add(_values), static_cast<std::uint32_t>(_values.size())};
+    return true;
 }
 
 void ShapeTables::setImage(ShapePlaces& places, const td::RectNormalized<double>& rect, td::Point<double> origin,
@@ -328,9 +349,9 @@ void ShapeTables::setPaint(ShapePlaces& places, const Paint& paint, td::Point<do
     if (paint.isGradient())
         what = places.gradient.first;
     _records.setMember(places.record, &ShapeRecord::rgba, what);
-    setFlag(places, HasGradient, paint.isGradient());
-    setFlag(places, HasImage, false);
-    setFlag(places, IsOpaque, paint.isOpaque());
+    const std::uint32_t flags = _records[places.record].flags & ~std::uint32_t(HasGradient | HasImage | IsOpaque);
+    _records.setMember(places.record, &ShapeRecord::flags,
+                       flags | (paint.isGradient() ? HasGradient : 0U) | (paint.isOpaque() ? IsOpaque : 0U));
 }
 
 bool ShapeTables::hasColor(const ShapePlaces& places, const Paint& paint) const
@@ -368,7 +389,10 @@ bool ShapeTables::makeRoomFor(double largest)
 namespace
 {
 constexpr double cMostUnits = 0x1p62;
-}
+
+// As ilogb, of a step: those are no smaller than numbers with all of their bits are.
+int powerOf(double step) { return static_cast<int>(std::bit_cast<std::uint64_t>(step) >> 52) - 1023; }
+} // namespace
 
 int ShapeTables::getCoarseness(td::Point<double> point) const
 {
@@ -392,22 +416,31 @@ bool ShapeTables::setPlace(const ShapePlaces& places, td::Point<double> origin, 
     const double largest = std::max(std::abs(at.x), std::abs(at.y));
     if (makeRoomFor(largest > 0 && std::isfinite(largest) ? largest : std::ldexp(step, 30)))
         return false;
-    ShapeRecord record = _records[places.record];
-    record.originX = toUnits(at.x);
-    record.originY = toUnits(at.y);
-    record.linear = {static_cast<float>(transform.a), static_cast<float>(transform.b), static_cast<float>(transform.c),
-                     static_cast<float>(transform.d)};
-    record.shift = std::ilogb(step) - _unit;
-    record.step = static_cast<float>(step);
-    record.stepsPerUnit = static_cast<float>(1 / step);
+    const std::array<std::uint32_t, 2> x = toUnits(at.x), y = toUnits(at.y);
+    const std::array<float, 4> linear{static_cast<float>(transform.a), static_cast<float>(transform.b),
+                                      static_cast<float>(transform.c), static_cast<float>(transform.d)};
+    const int shift = powerOf(step) - _unit;
+    const auto rounded = static_cast<float>(step);
     const bool isMoved = transform.a != 1 || transform.b != 0 || transform.c != 0 || transform.d != 1;
-    record.flags = isMoved ? record.flags | IsMoved : record.flags & ~std::uint32_t(IsMoved);
     const ShapeRecord& old = _records[places.record];
-    _records.setMember(places.record, &ShapeRecord::originX, record.originX);
-    _records.setMember(places.record, &ShapeRecord::originY, record.originY);
-    if (old.linear != record.linear || old.shift != record.shift || old.step != record.step ||
-        old.flags != record.flags)
-        _records.set(places.record, std::span(&record, 1));
+    const std::uint32_t flags = isMoved ? old.flags | IsMoved : old.flags & ~std::uint32_t(IsMoved);
+    if (old.shift == shift && old.step == rounded && old.flags == flags && old.linear == linear)
+    {
+        _records.setMember(places.record, &ShapeRecord::originX, x);
+        _records.setMember(places.record, &ShapeRecord::originY, y);
+        return true;
+    }
+    _records.change(places.record,
+                    [&](ShapeRecord& record)
+                    {
+                        record.originX = x;
+                        record.originY = y;
+                        record.linear = linear;
+                        record.shift = shift;
+                        record.step = rounded;
+                        record.stepsPerUnit = static_cast<float>(1 / step);
+                        record.flags = flags;
+                    });
     return true;
 }
 

@@ -140,8 +140,8 @@ class ShapeTables
 public:
     ShapeTables();
 
-    /// Takes a record for a new shape.
-    void addShape(ShapePlaces& places);
+    /// Takes a record for a new shape. @param flags  ShapeFlag
+    void addShape(ShapePlaces& places, std::uint32_t flags, std::uint32_t order);
     void removeShape(ShapePlaces& places);
     /// Replaces what a shape consists of; pStroke is null for a fill.
     void setGeometry(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke* pStroke);
@@ -216,6 +216,8 @@ private:
     void setPaintValues(ShapePlaces& places);
     void giveBackElements(ShapePlaces& places);
     void addElements(ShapePlaces& places, const ShapeGeometry& geometry);
+    /// @return whether there are some
+    bool addDashes(ShapePlaces& places, const ShapeGeometry& geometry, const Stroke& stroke);
     /// Chooses the unit so that numbers of this size have room; all places are to be set again when it answers true.
     bool makeRoomFor(double largest);
 

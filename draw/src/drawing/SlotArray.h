@@ -50,7 +50,7 @@ public:
                 mem::adviseLargePages(pMemory, nBytes);
             _blocks[block] = static_cast<Object*>(pMemory);
         }
-        new (_blocks[block] + (_size - firstOf(block))) Object();
+        new (_blocks[block] + (_size - firstOf(block))) Object; // with what its members are given, and no zeros before
         ++_size;
     }
 

@@ -78,6 +78,14 @@ public:
         markChanged(first * sizeof(Record), records.size() * sizeof(Record));
     }
 
+    /// Changes a record in its place.
+    template <typename Change>
+    void change(std::uint32_t i, Change change)
+    {
+        change(_records[i]);
+        markChanged(i * sizeof(Record), sizeof(Record));
+    }
+
     /// For a change of some bytes of a record. @param member  a pointer to a member of it
     template <typename Member, typename Value>
     void setMember(std::uint32_t i, Member member, const Value& value)

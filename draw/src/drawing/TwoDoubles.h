@@ -1,6 +1,10 @@
 #pragma once
 
+#include "../fill/GridPoint.h"
+
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #ifdef __SSE2__
 #include <immintrin.h>
@@ -23,6 +27,15 @@ inline TwoDoubles largerOf(TwoDoubles a, TwoDoubles b)
 #endif
 }
 
+inline TwoDoubles smallerOf(TwoDoubles a, TwoDoubles b)
+{
+#ifdef __SSE2__
+    return _mm_min_pd(a, b);
+#else
+    return a < b ? a : b;
+#endif
+}
+
 inline TwoDoubles absOf(TwoDoubles v)
 {
 #ifdef __SSE2__
@@ -40,5 +53,24 @@ inline TwoDoubles rootOf(TwoDoubles v)
     return TwoDoubles{std::sqrt(v[0]), std::sqrt(v[1])};
 #endif
 }
+
+/// Two points: both x, and both y.
+struct TwoPoints
+{
+    TwoPoints(GridPoint p, GridPoint q)
+    {
+#ifdef __SSE2__
+        const __m128i all = _mm_unpacklo_epi32(_mm_cvtsi64_si128(std::bit_cast<std::int64_t>(p)),
+                                               _mm_cvtsi64_si128(std::bit_cast<std::int64_t>(q)));
+        x = _mm_cvtepi32_pd(all);
+        y = _mm_cvtepi32_pd(_mm_shuffle_epi32(all, 0xee));
+#else
+        x = TwoDoubles{double(p.x), double(q.x)};
+        y = TwoDoubles{double(p.y), double(q.y)};
+#endif
+    }
+
+    TwoDoubles x, y;
+};
 
 } // namespace gui::draw

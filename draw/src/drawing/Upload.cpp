@@ -381,7 +381,7 @@ void Upload::Impl::put(Maker::Piece& piece)
     }
     auto& shape = std::get<Maker::Shape>(piece.content);
     using Kind = Drawing::Impl::Kind;
-    Drawing::Impl::Item& item = *drawing.find(drawing.addShape(shape.stroke ? Kind::Stroke : Kind::Fill, shape.paint));
+    Drawing::Impl::Item& item = drawing.addShape(shape.stroke ? Kind::Stroke : Kind::Fill, shape.paint);
     item.tag = shape.tag;
     item.rule = shape.rule;
     if (shape.stroke)

@@ -105,7 +105,11 @@ bool FillSweep::takeOutgoing(const FillGraph& graph, std::uint32_t vertex)
         for (const Next& next : _next)
         {
             if (n == 0 || isLeft(_next[n - 1], next))
-                _next[n++] = next;
+            {
+                if (&_next[n] != &next)
+                    _next[n] = next;
+                ++n;
+            }
             else if (_next[n - 1].down.bottom == next.down.bottom)
                 _next[n - 1].down.winding += next.down.winding;
             else
@@ -240,7 +244,14 @@ void FillSweep::replaceIncoming(std::uint32_t vertex)
 
 void FillSweep::put(Place place, const Next& next, GridPoint top)
 {
-    _active[place] = {top, next.bottom, next.down.bottom, next.windingOnRight, next.span, next.isBoundary};
+    // Each by itself: compilers make a whole one elsewhere and copy it before its parts have arrived there.
+    Active& active = _active[place];
+    active.top = top;
+    active.bottom = next.bottom;
+    active.bottomVertex = next.down.bottom;
+    active.windingOnRight = next.windingOnRight;
+    active.span = next.span;
+    active.isBoundary = next.isBoundary;
     _incoming[next.down.bottom] = place;
 }
 
