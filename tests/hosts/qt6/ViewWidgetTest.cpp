@@ -15,6 +15,7 @@
 #include <QInputMethodEvent>
 #include <QMainWindow>
 #include <QTabWidget>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -217,6 +218,34 @@ TEST_F(ViewWidgetTest, CallsTextsAndSamplesArePassedOn)
     widget.show();
     ASSERT_TRUE(waitInLoop([&] { return sampled.getSamples() > 0; }));
     EXPECT_EQ(sampled.getSamples(), 4);
+}
+
+// Of a call of the library's, by Qt's own loop, and of an event of Qt's in a turn of the application's.
+TEST_F(ViewWidgetTest, ViewsGoOnInTheLoopOfADialog)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    view.startAnimation();
+    bool isAnswered = false;
+    const auto ask = [&]
+    {
+        const int before = view.nFrames;
+        QEventLoop dialog;
+        QTimer look;
+        int nLooks = 0;
+        QObject::connect(&look, &QTimer::timeout,
+                         [&] { view.nFrames > before + 5 || ++nLooks > 500 ? dialog.quit() : void(); });
+        look.start(10);
+        dialog.exec();
+        EXPECT_GT(view.nFrames, before + 5);
+        isAnswered = true;
+    };
+    gui::ZavObject::asyncCall(new std::function<void()>(ask), true);
+    while (!isAnswered)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    isAnswered = false;
+    QTimer::singleShot(0, ask);
+    EXPECT_TRUE(waitInLoop([&] { return isAnswered; }));
 }
 
 TEST_F(ViewWidgetTest, AWindowWithoutWidgetsShowsTheSame)
