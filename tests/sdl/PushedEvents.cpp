@@ -127,7 +127,15 @@ void releaseLeft(std::uint32_t window, int x)
 void compose(const std::string& text, int start, int length)
 {
     SDL_Event event{};
-    event.editExt = {SDL_TEXTEDITING_EXT, 0, focused(), SDL_strdup(text.c_str()), start, length};
+    // As SDL does.
+    const bool isLong = text.size() >= sizeof(event.edit.text);
+    if (!isLong)
+    {
+        event.edit = {SDL_TEXTEDITING, 0, focused(), {}, start, length};
+        text.copy(event.edit.text, text.size());
+    }
+    else
+        event.editExt = {SDL_TEXTEDITING_EXT, 0, focused(), SDL_strdup(text.c_str()), start, length};
     push(event);
 }
 

@@ -130,6 +130,8 @@ TEST_P(X11Test, TextComesWhereItIsAskedFor)
     std::string longText(200, 'x');
     pushed::compose(longText + "日本", 200, 1);
     EXPECT_TRUE(view.hasHeard({"composes " + longText + "[日]本"}));
+    pushed::compose("にほ", 1, 1);
+    EXPECT_TRUE(view.hasHeard({"composes に[ほ]"}));
     pushed::compose("", 0, 0);
     EXPECT_TRUE(view.hasHeard({"composes []"}));
 

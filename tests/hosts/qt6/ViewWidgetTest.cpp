@@ -14,11 +14,14 @@
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QMainWindow>
+#include <QShortcut>
 #include <QTabWidget>
 #include <QTimer>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <span>
 #include <thread>
 
 namespace test
@@ -289,6 +292,28 @@ TEST_F(ViewWidgetTest, FocusAndCompositionArePassedOn)
     compose("a", 1, "");
     compose("", 0, "");
     EXPECT_TRUE(view.hasHeard({"composes a[]", "composes []"}));
+}
+
+TEST_F(ViewWidgetTest, AFieldHasItsKeysBeforeShortcuts)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    std::vector<std::string> taken;
+    for (const char* const keys : {"A", "Del", "Ctrl+A"})
+    {
+        auto* const pShortcut = new QShortcut(QKeySequence(keys), &widget);
+        QObject::connect(pShortcut, &QShortcut::activated, [&taken, keys] { taken.emplace_back(keys); });
+    }
+    view.lines.clear();
+    xdo("key a key Delete");
+    EXPECT_TRUE(waitInLoop([&] { return taken.size() == 2; }));
+    view.startTextInput();
+    view.lines.clear();
+    xdo("key a key Delete key ctrl+a");
+    EXPECT_TRUE(waitInLoop([&] { return taken.size() == 3; }));
+    EXPECT_EQ(taken.back(), "Ctrl+A");
+    const std::vector<std::string> expected{"key 'a'", "text a", "up key 'a'"};
+    EXPECT_TRUE(view.lines.size() > expected.size() && std::ranges::equal(expected, std::span(view.lines).first(3)));
 }
 
 // Run at several scales: the screen shows what was drawn, pixel for pixel.
