@@ -545,6 +545,9 @@ void GLView::onMagnification(const MagnificationEvent& event)
 bool GLView::onKey(const KeyEvent& event)
 {
     const Busy busy(*this);
+    std::erase_if(_heldKeys, [&event](const KeyEvent& held) { return held.keyCode == event.keyCode; });
+    if (event.isDown)
+        _heldKeys.push_back(event);
     FrameObserver* const pObserver = event.isDown ? FrameObserver::get() : nullptr;
     if (pObserver != nullptr && _pCppView != nullptr && makeCurrentContext() &&
         pObserver->keyPressed(*_pCppView, createKey(event)))
@@ -617,7 +620,7 @@ void GLView::onFocus(bool hasFocus)
 {
     const Busy busy(*this);
     if (!hasFocus)
-        onComposition({});
+        letGo();
     if (!_sendFocusEvents || !acceptsFirstResponder() || !makeCurrentContext())
         return;
     gui::DrawableViewHelper helper(_pCppView);
@@ -625,6 +628,17 @@ void GLView::onFocus(bool hasFocus)
         helper.onFocusIn();
     else
         helper.onFocusOut();
+}
+
+// Where keys go up from now on is not heard.
+void GLView::letGo()
+{
+    onComposition({});
+    for (KeyEvent& key : std::exchange(_heldKeys, {}))
+    {
+        key.isDown = false;
+        onKey(key);
+    }
 }
 
 void GLView::setCursor(gui::Cursor::Type type, bool globally)

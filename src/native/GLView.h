@@ -10,6 +10,7 @@
 #include <gui/gl/port/FrameObserver.h>
 #include <gui/gl/port/NativeSurface.h>
 #include <gui/gl/port/PixelFormat.h>
+#include <gui/gl/port/SurfaceEvents.h>
 #include <td/Export.h>
 #include <td/PointAndSize.h>
 #include <td/RectNormalized.h>
@@ -18,6 +19,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <vector>
 
 namespace gui
 {
@@ -130,6 +132,7 @@ private:
     gui::InputDevice clickRecord(const ButtonEvent& event, gui::InputDevice::Button button,
                                  unsigned short nClicks) const;
     void onOtherButton(const ButtonEvent& event);
+    void letGo();
     void stopAnimation();
     void startAnimation();
     bool has(gui::InputDevice::Event event) const;
@@ -156,6 +159,7 @@ private:
     const bool _isDebugged; // asked once: the environment is long
     int _nBusy = 0;
     unsigned int _saidGLErrors = 0;
+    std::vector<KeyEvent> _heldKeys;
     FrameRecorder::Recording _recording;
     gui::gl::CurrentContext::ID _contextID = 0;
     ContextState _state; // as GL had it when it was looked at last

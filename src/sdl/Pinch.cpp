@@ -35,6 +35,7 @@ std::optional<double> Pinch::onFinger(const gui::SDLEvent& event, const td::Size
     {
         if (pFinger != nullptr)
             pFinger->isDown = false;
+        _isGoingOn = _isGoingOn && (_fingers[0].isDown || _fingers[1].isDown);
         return std::nullopt;
     }
     const td::Point<double> position{event.finger.place.x * size.width, event.finger.place.y * size.height};
@@ -45,6 +46,7 @@ std::optional<double> Pinch::onFinger(const gui::SDLEvent& event, const td::Size
         pFinger = _fingers[0].isDown ? &_fingers[1] : &_fingers[0];
         *pFinger = {true, event.finger.touch, event.finger.id, position};
         _firstDistance = getDistance();
+        _isGoingOn = isActive();
         return std::nullopt;
     }
     const double before = getDistance();

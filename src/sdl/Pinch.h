@@ -21,6 +21,8 @@ public:
     std::optional<double> onFinger(const gui::SDLEvent& event, const td::Size<double>& size);
 
     bool isActive() const { return _fingers[0].isDown && _fingers[1].isDown; }
+    /// From the second finger on until both have gone: where the one that stays is has nothing to do with where it was.
+    bool isGoingOn() const { return _isGoingOn; }
 
 private:
     struct Finger
@@ -36,6 +38,7 @@ private:
 
     std::array<Finger, 2> _fingers;
     double _firstDistance = 0;
+    bool _isGoingOn = false;
 };
 
 } // namespace gui::gl

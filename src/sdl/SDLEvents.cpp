@@ -171,7 +171,7 @@ void SDLEvents::onButton(const gui::SDLEvent& event)
 void SDLEvents::onMotion(const gui::SDLEvent& event)
 {
     // The mouse that SDL makes of the first finger.
-    if (event.isOfTouch && _pinch.isActive())
+    if (event.isOfTouch && _pinch.isGoingOn())
         return;
     if (isLeftDown(event))
         _client.onMotion({MotionEvent::Kind::Dragged, modifiersOf(event), event.mouse});

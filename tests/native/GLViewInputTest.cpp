@@ -317,6 +317,14 @@ TEST_F(GLViewInputTest, KeysAreUsedUpByTheViewAlone)
     view.handles = true;
     EXPECT_EQ(key(true, 123, 0), Result("key virtual 3 code 123+Cmd", true));
     EXPECT_EQ(key(false, 123, 0), Result("up key 31488+Cmd", true));
+
+    // Those that are held are let go with the keyboard: a camera would go on and on.
+    for (const unsigned short character : {'b', 'a', 'c', 'a'})
+        key(true, character, character);
+    key(false, 'b', 'b');
+    pNative->onFocus(false);
+    pNative->onFocus(false);
+    EXPECT_TRUE(journal.said({"up key 'c'+Cmd", "up key 'a'+Cmd"}));
 }
 
 TEST_F(GLViewInputTest, FocusArrivesOnceItIsAskedFor)

@@ -32,7 +32,9 @@ bool isTextInputActive()
 void finger(Finger kind, int id, float x)
 {
     SDL_Event event{};
-    event.tfinger.type = kind == Finger::Down ? SDL_EVENT_FINGER_DOWN : SDL_EVENT_FINGER_MOTION;
+    event.tfinger.type = kind == Finger::Down     ? SDL_EVENT_FINGER_DOWN
+                         : kind == Finger::Motion ? SDL_EVENT_FINGER_MOTION
+                                                  : SDL_EVENT_FINGER_UP;
     event.tfinger.touchID = 1;
     event.tfinger.fingerID = static_cast<SDL_FingerID>(id);
     event.tfinger.x = x;
@@ -47,6 +49,18 @@ void move(std::uint32_t window, int x, std::uint32_t buttons)
     event.motion.type = SDL_EVENT_MOUSE_MOTION;
     event.motion.windowID = window;
     event.motion.state = buttons;
+    event.motion.x = static_cast<float>(x);
+    event.motion.y = cY;
+    push(event);
+}
+
+void moveByTouch(std::uint32_t window, int x)
+{
+    SDL_Event event{};
+    event.motion.type = SDL_EVENT_MOUSE_MOTION;
+    event.motion.windowID = window;
+    event.motion.which = SDL_TOUCH_MOUSEID;
+    event.motion.state = SDL_BUTTON_LMASK;
     event.motion.x = static_cast<float>(x);
     event.motion.y = cY;
     push(event);
@@ -82,7 +96,9 @@ bool isTextInputActive() { return SDL_IsTextInputActive() == SDL_TRUE; }
 void finger(Finger kind, int id, float x)
 {
     SDL_Event event{};
-    const Uint32 type = kind == Finger::Down ? SDL_FINGERDOWN : SDL_FINGERMOTION;
+    const Uint32 type = kind == Finger::Down     ? SDL_FINGERDOWN
+                        : kind == Finger::Motion ? SDL_FINGERMOTION
+                                                 : SDL_FINGERUP;
     event.tfinger = {type, 0, 1, id, x, 0.5F, 0, 0, 1, focused()};
     push(event);
 }
@@ -91,6 +107,13 @@ void move(std::uint32_t window, int x, std::uint32_t buttons)
 {
     SDL_Event event{};
     event.motion = {SDL_MOUSEMOTION, 0, window, 0, buttons, x, cY, 1, 0};
+    push(event);
+}
+
+void moveByTouch(std::uint32_t window, int x)
+{
+    SDL_Event event{};
+    event.motion = {SDL_MOUSEMOTION, 0, window, SDL_TOUCH_MOUSEID, SDL_BUTTON_LMASK, x, cY, 1, 0};
     push(event);
 }
 
@@ -104,7 +127,15 @@ void releaseLeft(std::uint32_t window, int x)
 void compose(const std::string& text, int start, int length)
 {
     SDL_Event event{};
-    event.editExt = {SDL_TEXTEDITING_EXT, 0, focused(), SDL_strdup(text.c_str()), start, length};
+    // As SDL does.
+    const bool isLong = text.size() >= sizeof(event.edit.text);
+    if (!isLong)
+    {
+        event.edit = {SDL_TEXTEDITING, 0, focused(), {}, start, length};
+        text.copy(event.edit.text, text.size());
+    }
+    else
+        event.editExt = {SDL_TEXTEDITING_EXT, 0, focused(), SDL_strdup(text.c_str()), start, length};
     push(event);
 }
 

@@ -17,12 +17,15 @@ void setDoubleClickTime(int milliseconds);
 enum class Finger
 {
     Down,
-    Motion
+    Motion,
+    Up
 };
 /// A finger at half the height. @param x  from 0 to 1 over the window
 void finger(Finger kind, int id, float x);
 /// The pointer, with these buttons held as SDL has their bits: 1 is the left one, 4 the right one.
 void move(std::uint32_t window, int x, std::uint32_t buttons = 1);
+/// What SDL makes of the first finger.
+void moveByTouch(std::uint32_t window, int x);
 void releaseLeft(std::uint32_t window, int x);
 void compose(const std::string& text, int start, int length);
 

@@ -39,6 +39,14 @@ TEST_P(X11Test, TwoFingersZoom)
     pushed::finger(pushed::Finger::Down, 2, 0.5F);
     pushed::finger(pushed::Finger::Motion, 2, 0.75F); // twice as far from the first
     EXPECT_TRUE(view.hasHeard({"pinch 100,75 by 1.02"}));
+    // The one that stays longer drags nothing from where it was at first.
+    const std::uint32_t id = pushed::focused();
+    pushed::moveByTouch(id, 60);
+    pushed::finger(pushed::Finger::Up, 2, 0.75F);
+    pushed::moveByTouch(id, 70);
+    pushed::finger(pushed::Finger::Up, 1, 0.25F);
+    pushed::moveByTouch(id, 80);
+    EXPECT_TRUE(view.hasHeard({"drag 80,40"}));
 }
 
 // A user who moves faster than frames are shown: the last place counts, and what happens between is not overtaken.
@@ -122,6 +130,8 @@ TEST_P(X11Test, TextComesWhereItIsAskedFor)
     std::string longText(200, 'x');
     pushed::compose(longText + "日本", 200, 1);
     EXPECT_TRUE(view.hasHeard({"composes " + longText + "[日]本"}));
+    pushed::compose("にほ", 1, 1);
+    EXPECT_TRUE(view.hasHeard({"composes に[ほ]"}));
     pushed::compose("", 0, 0);
     EXPECT_TRUE(view.hasHeard({"composes []"}));
 

@@ -35,6 +35,8 @@ int main(int argc, char** argv)
                          const auto found =
                              std::ranges::find(countries.all, name.toStdString(), &worldmap::Country::name);
                          const auto country = std::size_t(found - countries.all.begin());
+                         if (map == nullptr)
+                             return; // there is no GL
                          map->highlight(country);
                          map->flyTo(map->getBounds(country), 80);
                          plot.show(country);

@@ -112,6 +112,8 @@ GtkHost::GtkHost()
     g_source_set_static_name(_pSource, "GuiGL");
     // Beside GTK's frames: neither keeps the other waiting.
     g_source_set_priority(_pSource, GDK_PRIORITY_REDRAW);
+    // What a turn calls may run a loop, of a dialog.
+    g_source_set_can_recurse(_pSource, TRUE);
     g_source_attach(_pSource, nullptr);
 }
 
@@ -123,14 +125,21 @@ GtkHost::~GtkHost()
 
 void GtkHost::wakeUp() { g_main_context_wakeup(nullptr); }
 
-std::optional<gui::RunLoop::Time> GtkHost::getDue() const { return _isServing ? _until : runLoop().getNextDue(); }
+// A loop that starts in there, of a dialog, is GTK's own.
+bool GtkHost::isServing(int depth) const { return _isServing && depth == _depth; }
+
+std::optional<gui::RunLoop::Time> GtkHost::getDue() const
+{
+    return isServing(g_main_depth()) ? _until : runLoop().getNextDue();
+}
 
 void GtkHost::takeTurn()
 {
-    if (_isServing || std::exchange(_isInTurn, true))
+    if (isServing(g_main_depth() - 1))
         return;
+    const bool wasInTurn = std::exchange(_isInTurn, true);
     runLoop().step(0);
-    _isInTurn = false;
+    _isInTurn = wasInTurn;
 }
 
 void GtkHost::serveEvents(const std::optional<gui::RunLoop::Time>& until)
@@ -142,6 +151,7 @@ void GtkHost::serveEvents(const std::optional<gui::RunLoop::Time>& until)
 void GtkHost::iterate(const std::optional<gui::RunLoop::Time>& until)
 {
     const bool wasServing = std::exchange(_isServing, true);
+    const int outerDepth = std::exchange(_depth, g_main_depth());
     const std::optional<gui::RunLoop::Time> outerUntil = std::exchange(_until, until);
     if (!until || *until > Clock::now())
         g_main_context_iteration(nullptr, TRUE);
@@ -152,6 +162,7 @@ void GtkHost::iterate(const std::optional<gui::RunLoop::Time>& until)
     while (g_main_context_iteration(nullptr, FALSE) && Clock::now() < end)
         ;
     _until = outerUntil;
+    _depth = outerDepth;
     _isServing = wasServing;
 }
 

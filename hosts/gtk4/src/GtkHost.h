@@ -39,6 +39,7 @@ private:
 
     // When the source is due; null when it isn't but for other events.
     std::optional<gui::RunLoop::Time> getDue() const;
+    bool isServing(int depth) const;
     void takeTurn();
     void iterate(const std::optional<gui::RunLoop::Time>& until);
 
@@ -46,6 +47,7 @@ private:
     // Who iterates the main context here, the library's loop for instance, until when: by then the source only ends a
     // sleep.
     std::optional<gui::RunLoop::Time> _until;
+    int _depth = 0; // of the main context's sources
     bool _isServing = false;
     bool _isInTurn = false; // the library's loop turns by GTK's
 };

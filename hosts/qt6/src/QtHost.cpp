@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QStyleHints>
+#include <QThread>
 
 #include <algorithm>
 #include <utility>
@@ -70,7 +71,7 @@ void QtHost::beforeSleep()
 {
     // Whatever was current, Qt may have changed it.
     gui::gl::CurrentContext::set(nullptr);
-    if (_isServing)
+    if (isServing())
         return;
     if (const std::optional<gui::RunLoop::Time> due = runLoop().getNextDue())
         wakeAt(*due);
@@ -78,12 +79,16 @@ void QtHost::beforeSleep()
         _timer.stop();
 }
 
+// A loop that starts in there, of a dialog, is Qt's own.
+bool QtHost::isServing() const { return _isServing && QThread::currentThread()->loopLevel() == _loopLevel; }
+
 void QtHost::takeTurn()
 {
-    if (_isServing || std::exchange(_isInTurn, true))
+    if (isServing())
         return;
+    const bool wasInTurn = std::exchange(_isInTurn, true);
     runLoop().step(0);
-    _isInTurn = false;
+    _isInTurn = wasInTurn;
 }
 
 void QtHost::serveEvents(const std::optional<gui::RunLoop::Time>& until)
@@ -91,10 +96,12 @@ void QtHost::serveEvents(const std::optional<gui::RunLoop::Time>& until)
     if (_isInTurn)
         return;
     const bool wasServing = std::exchange(_isServing, true);
+    const int outerLevel = std::exchange(_loopLevel, QThread::currentThread()->loopLevel());
     const bool mayWait = !until || *until > gui::RunLoop::Clock::now();
     if (until && mayWait)
         wakeAt(*until);
     QCoreApplication::processEvents(mayWait ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
+    _loopLevel = outerLevel;
     _isServing = wasServing;
 }
 

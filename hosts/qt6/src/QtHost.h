@@ -31,12 +31,14 @@ public:
 
 private:
     void beforeSleep();
+    bool isServing() const;
     void takeTurn();
     void wakeAt(gui::RunLoop::Time time);
 
     QObject _context;
     QTimer _timer;
-    bool _isServing = false; // the library's loop runs, and has Qt's events served
+    int _loopLevel = 0;      // of Qt's loops
+    bool _isServing = false; // the library's loop runs at that level, and has Qt's events served
     bool _isInTurn = false;  // the other way round
 };
 

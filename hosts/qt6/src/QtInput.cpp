@@ -168,6 +168,20 @@ bool QtInput::isInput(const QEvent& event)
     }
 }
 
+bool QtInput::isTyping(const QEvent& event)
+{
+    if (event.type() != QEvent::ShortcutOverride)
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    if ((key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0)
+        return false;
+    constexpr std::array cWithoutText{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Home,
+                                      Qt::Key_End,    Qt::Key_Left,  Qt::Key_Right,     Qt::Key_Up,     Qt::Key_Down};
+    const QString text = key.text();
+    return std::ranges::find(cWithoutText, key.key()) != cWithoutText.end() ||
+           (!text.isEmpty() && text.front().isPrint());
+}
+
 bool QtInput::handle(QEvent& event, const gui::gl::SharedClient& pClient, bool takesText)
 {
     switch (event.type())

@@ -23,6 +23,8 @@ class QtInput
 {
 public:
     static bool isInput(const QEvent& event);
+    /// Whether a field for text has this, which Qt asks before its shortcuts.
+    static bool isTyping(const QEvent& event);
 
     /// @param pClient  not null now, and kept by the caller
     /// @return whether nobody else is to get it

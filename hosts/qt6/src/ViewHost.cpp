@@ -113,9 +113,14 @@ bool ViewHost::handle(QEvent* pEvent)
 {
     if (pEvent->type() == QEvent::Show || pEvent->type() == QEvent::Hide)
         _view.setVisible(pEvent->type() == QEvent::Show);
+    const bool takesText = _view.takesText();
+    if (takesText && QtInput::isTyping(*pEvent))
+    {
+        pEvent->accept();
+        return true;
+    }
     if (!QtInput::isInput(*pEvent))
         return false;
-    const bool takesText = _view.takesText();
     return _view.tell([this, pEvent, takesText](const gui::gl::SharedClient& pClient)
                       { return _input.handle(*pEvent, pClient, takesText); });
 }

@@ -213,6 +213,33 @@ TEST_F(ViewAreaTest, CallsTextsAndSamplesArePassedOn)
     EXPECT_TRUE(log.said("Warning! ViewArea asked for 4 samples, got 1"));
 }
 
+// Of a call of the library's, by GTK's own loop, and of a source of GTK's in a turn of the application's.
+TEST_F(ViewAreaTest, ViewsGoOnInTheLoopOfADialog)
+{
+    show(pWindow, gui::gtk::newViewArea(make(view)));
+    ASSERT_TRUE(showsItsFrame(view));
+    view.startAnimation();
+    bool isAnswered = false;
+    std::function<void()> ask = [&]
+    {
+        const int before = view.nFrames;
+        bool isOver = false;
+        const guint look = g_timeout_add(
+            5000, [](void* pIsOver) -> gboolean { return *static_cast<bool*>(pIsOver) = true; }, &isOver);
+        while (!isOver && view.nFrames <= before + 5)
+            g_main_context_iteration(nullptr, TRUE);
+        g_source_remove(look);
+        EXPECT_FALSE(isOver);
+        isAnswered = true;
+    };
+    gui::ZavObject::asyncCall(new std::function<void()>(ask), true);
+    while (!isAnswered)
+        g_main_context_iteration(nullptr, TRUE);
+    isAnswered = false;
+    g_idle_add_once([](void* pAsk) { (*static_cast<std::function<void()>*>(pAsk))(); }, &ask);
+    EXPECT_TRUE(waitInLoop([&] { return isAnswered; }));
+}
+
 // GTK blends a widget's frames, and switches the depth test on for each.
 class TranslucentView : public gui::gl::View
 {

@@ -14,10 +14,14 @@
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QMainWindow>
+#include <QShortcut>
 #include <QTabWidget>
+#include <QTimer>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <span>
 #include <thread>
 
 namespace test
@@ -219,6 +223,34 @@ TEST_F(ViewWidgetTest, CallsTextsAndSamplesArePassedOn)
     EXPECT_EQ(sampled.getSamples(), 4);
 }
 
+// Of a call of the library's, by Qt's own loop, and of an event of Qt's in a turn of the application's.
+TEST_F(ViewWidgetTest, ViewsGoOnInTheLoopOfADialog)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    view.startAnimation();
+    bool isAnswered = false;
+    const auto ask = [&]
+    {
+        const int before = view.nFrames;
+        QEventLoop dialog;
+        QTimer look;
+        int nLooks = 0;
+        QObject::connect(&look, &QTimer::timeout,
+                         [&] { view.nFrames > before + 5 || ++nLooks > 500 ? dialog.quit() : void(); });
+        look.start(10);
+        dialog.exec();
+        EXPECT_GT(view.nFrames, before + 5);
+        isAnswered = true;
+    };
+    gui::ZavObject::asyncCall(new std::function<void()>(ask), true);
+    while (!isAnswered)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    isAnswered = false;
+    QTimer::singleShot(0, ask);
+    EXPECT_TRUE(waitInLoop([&] { return isAnswered; }));
+}
+
 TEST_F(ViewWidgetTest, AWindowWithoutWidgetsShowsTheSame)
 {
     gui::qt::ViewWindow window(make());
@@ -260,6 +292,28 @@ TEST_F(ViewWidgetTest, FocusAndCompositionArePassedOn)
     compose("a", 1, "");
     compose("", 0, "");
     EXPECT_TRUE(view.hasHeard({"composes a[]", "composes []"}));
+}
+
+TEST_F(ViewWidgetTest, AFieldHasItsKeysBeforeShortcuts)
+{
+    ViewWidget widget(make());
+    ASSERT_TRUE(isSeen(widget));
+    std::vector<std::string> taken;
+    for (const char* const keys : {"A", "Del", "Ctrl+A"})
+    {
+        auto* const pShortcut = new QShortcut(QKeySequence(keys), &widget);
+        QObject::connect(pShortcut, &QShortcut::activated, [&taken, keys] { taken.emplace_back(keys); });
+    }
+    view.lines.clear();
+    xdo("key a key Delete");
+    EXPECT_TRUE(waitInLoop([&] { return taken.size() == 2; }));
+    view.startTextInput();
+    view.lines.clear();
+    xdo("key a key Delete key ctrl+a");
+    EXPECT_TRUE(waitInLoop([&] { return taken.size() == 3; }));
+    EXPECT_EQ(taken.back(), "Ctrl+A");
+    const std::vector<std::string> expected{"key 'a'", "text a", "up key 'a'"};
+    EXPECT_TRUE(view.lines.size() > expected.size() && std::ranges::equal(expected, std::span(view.lines).first(3)));
 }
 
 // Run at several scales: the screen shows what was drawn, pixel for pixel.

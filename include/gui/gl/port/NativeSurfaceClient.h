@@ -35,7 +35,7 @@ public:
     virtual void onComposition(const CompositionEvent& event) = 0;
     /// Files or text were dropped; also when the view doesn't accept them.
     virtual void onDrop(const DropEvent& event) = 0;
-    /// The window, or the widget, got or lost the keyboard.
+    /// The window, or the widget, got or lost the keyboard. Keys that were down then are told to the view as let go.
     virtual void onFocus(bool hasFocus) = 0;
 
     /// The surface's context is about to be destroyed, or is gone, and another one will take its place: what is in it
