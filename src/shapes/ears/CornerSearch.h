@@ -158,7 +158,7 @@ private:
     {
         const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         children &= boundsBits(boxes);
-        if (children != 0)
+        if (children != 0 && _tree.pSlots == nullptr)
             children &= stripBits(boxes, children);
         return children;
     }
