@@ -135,7 +135,7 @@ private:
             return 1U << (i < 31 ? i : 31);
         };
         unsigned int inside = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
-        if (_isBounded)
+        if (_isBounded && _tree.pSlots == nullptr)
             inside &= insideBits<cFan>(_bounds, x, y);
         if (inside != 0)
             inside &= insideBits<cFan>(triangle(), x, y);
