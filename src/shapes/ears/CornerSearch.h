@@ -150,7 +150,11 @@ private:
         const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         if (children != 0)
             children &= edgesBits(boxes, children);
-        return children != 0 ? children & furtherBits(boxes, children) : 0;
+        if (children != 0 && !_tree.isModest)
+            children &= infiniteEdgesBits(boxes, children);
+        if (children != 0 && _tree.pSlots == nullptr)
+            children &= stripEdgesBits(boxes, children);
+        return children;
     }
 
     // Of some children of a node, those whose strips reach into the bounds.
@@ -174,7 +178,7 @@ private:
         if (__builtin_popcount(children) > 7 && _tree.pSlots == nullptr)
         {
             _tree.nVisits += 5;
-            children &= furtherBits(boxes, children);
+            children &= stripEdgesBits(boxes, children);
         }
         return children;
     }
@@ -236,17 +240,9 @@ private:
         return ~outside;
     }
 
-    // What takes longer, and apart from the rest.
-    [[gnu::noinline]] unsigned int furtherBits(const CornerTree::Boxes& boxes, unsigned int children) const
-    {
-        if (!_isBounded)
-            children &= infiniteEdgesBits(boxes, children);
-        return children & stripEdgesBits(boxes, children);
-    }
-
     // Where numbers are infinite, or their products: an edge's value is a difference of two products. One that is NaN,
     // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
-    unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    [[gnu::noinline]] unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         const EarTriangle t = triangle();
         constexpr float cMost = std::numeric_limits<float>::max();
@@ -270,7 +266,7 @@ private:
     // strip. Let a corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a *
     // (s + t) + (b - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead,
     // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
-    unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
         const EarTriangle t = triangle();
         unsigned int outside = 0;
