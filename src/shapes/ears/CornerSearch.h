@@ -45,7 +45,12 @@ public:
             return findUnbounded();
         // Most triangles have nothing else within their bounds.
         const unsigned int leaf = _v / cFan;
-        const unsigned int inside = insideLeaf(leaf);
+        unsigned int inside = othersInLeaf(leaf);
+        if (inside != 0)
+        {
+            makeTriangle();
+            inside &= leafBits(leaf);
+        }
         if (inside != 0)
             return leaf * cFan + pick(inside);
         for (unsigned int level = 1, node = leaf; level < _tree.nLevels; ++level)
@@ -62,7 +67,8 @@ public:
 private:
     [[gnu::noinline]] unsigned int findUnbounded()
     {
-        if (triangle().isEmpty())
+        makeTriangle();
+        if (_triangle.isEmpty())
             return cNone;
         const unsigned int leaf = _v / cFan;
         const unsigned int inside = insideLeaf(leaf);
@@ -74,6 +80,7 @@ private:
     // From a node on whose children reach into the bounds.
     [[gnu::noinline]] unsigned int findFrom(unsigned int level, unsigned int node, unsigned int children)
     {
+        makeTriangle();
         children = narrowed(_tree.pBoxes[level][node], children);
         unsigned int found = children != 0 ? findInChildren(level, node, children) : cNone;
         if (found == cNone)
@@ -121,25 +128,34 @@ private:
         return cNone;
     }
 
-    EarTriangle triangle() const { return {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
+    // Apart, since most searches do without.
+    void makeTriangle() { _triangle = {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
 
     // Bits of the corners of a leaf that are inside.
     unsigned int insideLeaf(unsigned int leaf) const
     {
-        const float* const x = _tree.pX + leaf * cFan;
-        const float* const y = _tree.pY + leaf * cFan;
+        const unsigned int others = othersInLeaf(leaf);
+        return others != 0 ? others & leafBits(leaf) : 0;
+    }
+
+    unsigned int leafBits(unsigned int leaf) const
+    {
+        return insideBits<cFan>(_triangle, _tree.pX + leaf * cFan, _tree.pY + leaf * cFan);
+    }
+
+    // Bits of the corners of a leaf that are there, not the triangle's, and in the bounds.
+    unsigned int othersInLeaf(unsigned int leaf) const
+    {
         // Beyond the leaf it is none of its bits.
         const auto bitOf = [leaf](unsigned int slot)
         {
             const unsigned int i = slot - leaf * cFan;
             return 1U << (i < 31 ? i : 31);
         };
-        unsigned int inside = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
+        unsigned int others = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
         if (_isBounded && _tree.pSlots == nullptr)
-            inside &= insideBits<cFan>(_bounds, x, y);
-        if (inside != 0)
-            inside &= insideBits<cFan>(triangle(), x, y);
-        return inside;
+            others &= insideBits<cFan>(_bounds, _tree.pX + leaf * cFan, _tree.pY + leaf * cFan);
+        return others;
     }
 
     // Of some children of a node, those whose boxes may hold corners that are inside.
@@ -222,19 +238,18 @@ private:
     // below 0 and proves nothing.
     unsigned int edgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarTriangle t = triangle();
         const float *x[3], *y[3];
         for (unsigned int i = 0; i < 3; ++i)
         {
-            x[i] = t.edges[i].y < 0 ? boxes.maxX : boxes.minX;
-            y[i] = t.edges[i].x > 0 ? boxes.maxY : boxes.minY;
+            x[i] = _triangle.edges[i].y < 0 ? boxes.maxX : boxes.minX;
+            y[i] = _triangle.edges[i].x > 0 ? boxes.maxY : boxes.minY;
         }
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
-            const Mask isOutside = (sideOf(t.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
-                                   (sideOf(t.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
-                                   (sideOf(t.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
+            const Mask isOutside = (sideOf(_triangle.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
+                                   (sideOf(_triangle.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
+                                   (sideOf(_triangle.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
             outside |= bits(isOutside) << i;
         }
         return ~outside;
@@ -244,10 +259,9 @@ private:
     // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
     [[gnu::noinline]] unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarTriangle t = triangle();
         constexpr float cMost = std::numeric_limits<float>::max();
         unsigned int outside = 0;
-        for (const EarTriangle::Edge& edge : t.edges)
+        for (const EarTriangle::Edge& edge : _triangle.edges)
         {
             const float* const x = edge.y < 0 ? boxes.maxX : boxes.minX;
             const float* const y = edge.x > 0 ? boxes.maxY : boxes.minY;
@@ -268,7 +282,6 @@ private:
     // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
     [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarTriangle t = triangle();
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
@@ -277,7 +290,7 @@ private:
             const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
             const Floats low = load(boxes.low + i), high = load(boxes.high + i);
             const Mask hasStrip = (scaleX != 0) & (scaleY != 0);
-            for (const EarTriangle::Edge& edge : t.edges)
+            for (const EarTriangle::Edge& edge : _triangle.edges)
             {
                 const Floats dx = minX - edge.x0, dy = minY - edge.y0;
                 const Floats a = -edge.y * width, b = edge.x * height;
@@ -313,6 +326,7 @@ private:
     const bool _picksAny;
     const EarBounds _bounds;
     const bool _isBounded;
+    EarTriangle _triangle; // once it is made
 };
 
 } // namespace
