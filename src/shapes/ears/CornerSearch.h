@@ -45,12 +45,7 @@ public:
             return findUnbounded();
         // Most triangles have nothing else within their bounds.
         const unsigned int leaf = _v / cFan;
-        unsigned int inside = othersInLeaf(leaf);
-        if (inside != 0)
-        {
-            makeTriangle();
-            inside &= leafBits(leaf);
-        }
+        const unsigned int inside = insideLeaf(leaf, triangle());
         if (inside != 0)
             return leaf * cFan + pick(inside);
         for (unsigned int level = 1, node = leaf; level < _tree.nLevels; ++level)
@@ -67,11 +62,11 @@ public:
 private:
     [[gnu::noinline]] unsigned int findUnbounded()
     {
-        makeTriangle();
+        _triangle = triangle();
         if (_triangle.isEmpty())
             return cNone;
         const unsigned int leaf = _v / cFan;
-        const unsigned int inside = insideLeaf(leaf);
+        const unsigned int inside = insideLeaf(leaf, _triangle);
         if (inside != 0)
             return leaf * cFan + pick(inside);
         return findAbove(1, leaf);
@@ -80,7 +75,7 @@ private:
     // From a node on whose children reach into the bounds.
     [[gnu::noinline]] unsigned int findFrom(unsigned int level, unsigned int node, unsigned int children)
     {
-        makeTriangle();
+        _triangle = triangle();
         children = narrowed(_tree.pBoxes[level][node], children);
         unsigned int found = children != 0 ? findInChildren(level, node, children) : cNone;
         if (found == cNone)
@@ -113,7 +108,7 @@ private:
             if (level == 1)
             {
                 ++_tree.nVisits;
-                const unsigned int inside = insideLeaf(below);
+                const unsigned int inside = insideLeaf(below, _triangle);
                 if (inside != 0)
                     return below * cFan + pick(inside);
                 continue;
@@ -128,34 +123,25 @@ private:
         return cNone;
     }
 
-    // Apart, since most searches do without.
-    void makeTriangle() { _triangle = {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
+    EarTriangle triangle() const { return {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
 
     // Bits of the corners of a leaf that are inside.
-    unsigned int insideLeaf(unsigned int leaf) const
+    unsigned int insideLeaf(unsigned int leaf, const EarTriangle& ear) const
     {
-        const unsigned int others = othersInLeaf(leaf);
-        return others != 0 ? others & leafBits(leaf) : 0;
-    }
-
-    unsigned int leafBits(unsigned int leaf) const
-    {
-        return insideBits<cFan>(_triangle, _tree.pX + leaf * cFan, _tree.pY + leaf * cFan);
-    }
-
-    // Bits of the corners of a leaf that are there, not the triangle's, and in the bounds.
-    unsigned int othersInLeaf(unsigned int leaf) const
-    {
+        const float* const x = _tree.pX + leaf * cFan;
+        const float* const y = _tree.pY + leaf * cFan;
         // Beyond the leaf it is none of its bits.
         const auto bitOf = [leaf](unsigned int slot)
         {
             const unsigned int i = slot - leaf * cFan;
             return 1U << (i < 31 ? i : 31);
         };
-        unsigned int others = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
+        unsigned int inside = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
         if (_isBounded && _tree.pSlots == nullptr)
-            others &= insideBits<cFan>(_bounds, _tree.pX + leaf * cFan, _tree.pY + leaf * cFan);
-        return others;
+            inside &= insideBits<cFan>(_bounds, x, y);
+        if (inside != 0)
+            inside &= insideBits<cFan>(ear, x, y);
+        return inside;
     }
 
     // Of some children of a node, those whose boxes may hold corners that are inside.
@@ -326,7 +312,7 @@ private:
     const bool _picksAny;
     const EarBounds _bounds;
     const bool _isBounded;
-    EarTriangle _triangle; // once it is made
+    EarTriangle _triangle; // beyond the first leaf, where most searches end
 };
 
 } // namespace
