@@ -45,7 +45,7 @@ public:
             return findUnbounded();
         // Most triangles have nothing else within their bounds.
         const unsigned int leaf = _v / cFan;
-        const unsigned int inside = insideLeaf(leaf);
+        const unsigned int inside = insideLeaf(leaf, triangle());
         if (inside != 0)
             return leaf * cFan + pick(inside);
         for (unsigned int level = 1, node = leaf; level < _tree.nLevels; ++level)
@@ -62,10 +62,11 @@ public:
 private:
     [[gnu::noinline]] unsigned int findUnbounded()
     {
-        if (triangle().isEmpty())
+        _triangle = triangle();
+        if (_triangle.isEmpty())
             return cNone;
         const unsigned int leaf = _v / cFan;
-        const unsigned int inside = insideLeaf(leaf);
+        const unsigned int inside = insideLeaf(leaf, _triangle);
         if (inside != 0)
             return leaf * cFan + pick(inside);
         return findAbove(1, leaf);
@@ -74,6 +75,7 @@ private:
     // From a node on whose children reach into the bounds.
     [[gnu::noinline]] unsigned int findFrom(unsigned int level, unsigned int node, unsigned int children)
     {
+        _triangle = triangle();
         children = narrowed(_tree.pBoxes[level][node], children);
         unsigned int found = children != 0 ? findInChildren(level, node, children) : cNone;
         if (found == cNone)
@@ -106,7 +108,7 @@ private:
             if (level == 1)
             {
                 ++_tree.nVisits;
-                const unsigned int inside = insideLeaf(below);
+                const unsigned int inside = insideLeaf(below, _triangle);
                 if (inside != 0)
                     return below * cFan + pick(inside);
                 continue;
@@ -124,7 +126,7 @@ private:
     EarTriangle triangle() const { return {{_a[0], _a[1]}, {_b[0], _b[1]}, {_c[0], _c[1]}}; }
 
     // Bits of the corners of a leaf that are inside.
-    unsigned int insideLeaf(unsigned int leaf) const
+    unsigned int insideLeaf(unsigned int leaf, const EarTriangle& ear) const
     {
         const float* const x = _tree.pX + leaf * cFan;
         const float* const y = _tree.pY + leaf * cFan;
@@ -135,10 +137,10 @@ private:
             return 1U << (i < 31 ? i : 31);
         };
         unsigned int inside = _tree.pAlive[0][leaf] & ~(bitOf(_u) | bitOf(_v) | bitOf(_w));
-        if (_isBounded)
+        if (_isBounded && _tree.pSlots == nullptr)
             inside &= insideBits<cFan>(_bounds, x, y);
         if (inside != 0)
-            inside &= insideBits<cFan>(triangle(), x, y);
+            inside &= insideBits<cFan>(ear, x, y);
         return inside;
     }
 
@@ -150,7 +152,11 @@ private:
         const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         if (children != 0)
             children &= edgesBits(boxes, children);
-        return children != 0 ? children & furtherBits(boxes, children) : 0;
+        if (children != 0 && !_tree.isModest)
+            children &= infiniteEdgesBits(boxes, children);
+        if (children != 0 && _tree.pSlots == nullptr)
+            children &= stripEdgesBits(boxes, children);
+        return children;
     }
 
     // Of some children of a node, those whose strips reach into the bounds.
@@ -158,7 +164,7 @@ private:
     {
         const CornerTree::Boxes& boxes = _tree.pBoxes[level][node];
         children &= boundsBits(boxes);
-        if (children != 0)
+        if (children != 0 && _tree.pSlots == nullptr)
             children &= stripBits(boxes, children);
         return children;
     }
@@ -174,7 +180,7 @@ private:
         if (__builtin_popcount(children) > 7 && _tree.pSlots == nullptr)
         {
             _tree.nVisits += 5;
-            children &= furtherBits(boxes, children);
+            children &= stripEdgesBits(boxes, children);
         }
         return children;
     }
@@ -218,40 +224,30 @@ private:
     // below 0 and proves nothing.
     unsigned int edgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarTriangle t = triangle();
         const float *x[3], *y[3];
         for (unsigned int i = 0; i < 3; ++i)
         {
-            x[i] = t.edges[i].y < 0 ? boxes.maxX : boxes.minX;
-            y[i] = t.edges[i].x > 0 ? boxes.maxY : boxes.minY;
+            x[i] = _triangle.edges[i].y < 0 ? boxes.maxX : boxes.minX;
+            y[i] = _triangle.edges[i].x > 0 ? boxes.maxY : boxes.minY;
         }
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
-            const Mask isOutside = (sideOf(t.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
-                                   (sideOf(t.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
-                                   (sideOf(t.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
+            const Mask isOutside = (sideOf(_triangle.edges[0], load(x[0] + i), load(y[0] + i)) < 0) |
+                                   (sideOf(_triangle.edges[1], load(x[1] + i), load(y[1] + i)) < 0) |
+                                   (sideOf(_triangle.edges[2], load(x[2] + i), load(y[2] + i)) < 0);
             outside |= bits(isOutside) << i;
         }
         return ~outside;
     }
 
-    // What takes longer, and apart from the rest.
-    [[gnu::noinline]] unsigned int furtherBits(const CornerTree::Boxes& boxes, unsigned int children) const
-    {
-        if (!_isBounded)
-            children &= infiniteEdgesBits(boxes, children);
-        return children & stripEdgesBits(boxes, children);
-    }
-
     // Where numbers are infinite, or their products: an edge's value is a difference of two products. One that is NaN,
     // or infinite in the wrong direction, at the best corner of a box is so in all of the box.
-    unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    [[gnu::noinline]] unsigned int infiniteEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarTriangle t = triangle();
         constexpr float cMost = std::numeric_limits<float>::max();
         unsigned int outside = 0;
-        for (const EarTriangle::Edge& edge : t.edges)
+        for (const EarTriangle::Edge& edge : _triangle.edges)
         {
             const float* const x = edge.y < 0 ? boxes.maxX : boxes.minX;
             const float* const y = edge.x > 0 ? boxes.maxY : boxes.minY;
@@ -270,9 +266,8 @@ private:
     // strip. Let a corner be s widths and t heights from the box's lowest. An edge's value f + a * s + b * t is f + a *
     // (s + t) + (b - a) * t and f + b * (s + t) + (a - b) * s, where s + t is from low to high; with s - t instead,
     // signs change. The margin is several times what rounding comes to. Of infinite numbers and NaN nothing is proven.
-    unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
+    [[gnu::noinline]] unsigned int stripEdgesBits(const CornerTree::Boxes& boxes, unsigned int children) const
     {
-        const EarTriangle t = triangle();
         unsigned int outside = 0;
         for (unsigned int i = 0; i < cFan && children >> i != 0; i += cLanes)
         {
@@ -281,7 +276,7 @@ private:
             const Floats scaleX = load(boxes.scaleX + i), scaleY = load(boxes.scaleY + i);
             const Floats low = load(boxes.low + i), high = load(boxes.high + i);
             const Mask hasStrip = (scaleX != 0) & (scaleY != 0);
-            for (const EarTriangle::Edge& edge : t.edges)
+            for (const EarTriangle::Edge& edge : _triangle.edges)
             {
                 const Floats dx = minX - edge.x0, dy = minY - edge.y0;
                 const Floats a = -edge.y * width, b = edge.x * height;
@@ -317,6 +312,7 @@ private:
     const bool _picksAny;
     const EarBounds _bounds;
     const bool _isBounded;
+    EarTriangle _triangle; // beyond the first leaf, where most searches end
 };
 
 } // namespace

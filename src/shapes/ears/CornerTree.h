@@ -32,6 +32,7 @@ struct CornerTree
     const unsigned int* pSlots;   ///< by corner; null when both are the same
     const unsigned int* pCorners; ///< by slot
     bool isBounded;               ///< whether all differences of coordinates are finite
+    bool isModest;                ///< whether their products are, too
     unsigned int random;
     long long nVisits; ///< of boxes, that searches have made
 };

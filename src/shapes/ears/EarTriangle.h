@@ -41,6 +41,7 @@ struct EarTriangle
         float x, y, x0, y0;
     };
 
+    EarTriangle() = default;
     EarTriangle(const EarPoint& a, const EarPoint& b, const EarPoint& c)
         : edges{{c.x - b.x, c.y - b.y, b.x, b.y}, {a.x - c.x, a.y - c.y, c.x, c.y}, {b.x - a.x, b.y - a.y, a.x, a.y}}
     {

@@ -54,8 +54,10 @@ public:
         }
         const CornerTree::Boxes& root = _tree.pBoxes[_tree.nLevels - 1][0];
         const Range x = rangeOf(root.minX, root.maxX), y = rangeOf(root.minY, root.maxY);
-        _tree.isBounded =
-            x.low >= -cMaxBounded && x.high <= cMaxBounded && y.low >= -cMaxBounded && y.high <= cMaxBounded;
+        const auto isWithin = [&](float most)
+        { return x.low >= -most && x.high <= most && y.low >= -most && y.high <= most; };
+        _tree.isBounded = isWithin(cMaxBounded);
+        _tree.isModest = isWithin(cMaxModest);
     }
 
 private:
@@ -63,6 +65,8 @@ private:
     static constexpr float cInfinity = std::numeric_limits<float>::infinity();
     // Differences of coordinates up to this one are finite.
     static constexpr float cMaxBounded = 1.5e38f;
+    // And products of two of them.
+    static constexpr float cMaxModest = 0x1p+62f;
 
     struct Range
     {
