@@ -23,6 +23,8 @@ const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImag
 const uint cPaint = 1u << 30, cColored = 1u << 28;
 // Of a triangle's points; the first one has something else above.
 const uint cPointBits = 0x07ffffffu;
+// How much larger boxes are taken for than they are: by what floats lose of those that are far larger than the view.
+const float cLoose = 1.0 + 1e-6;
 // Pixels from the middle beyond which floats are too coarse.
 const float cFar = 32768.0;
 
