@@ -557,6 +557,25 @@ TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
     EXPECT_EQ(labels.getNumberOfHidden(), 1U);
 }
 
+// A symbol that a zoom or a group stretches or turns, that stands on whole pixels, or that takes what texts alone do.
+TEST_F(DrawingTextTest, SymbolsStandAsTheyAre)
+{
+    const Path flag = Path().addPolygon(std::array<Point, 3>{{{0, 0}, {30, 10}, {0, 20}}});
+    Coverage exact(cTextPicture, cTextPicture);
+    exact.add(test::fillRings(Path(flag).transform(Affine::translation(100.3, 200.6))), FillRule::NonZero);
+    Drawing drawing;
+    drawing.beginGroup(Affine::rotation(1) * Affine::scaling(3, -2));
+    const Drawing::ID symbol = drawing.symbol({0, 0}, {}, "#000");
+    for (const double zoom : {1e-6, 1.0, 1e6})
+    {
+        EXPECT_TRUE(drawing.setPath(symbol, flag) && !drawing.setText(symbol, "none"));
+        EXPECT_TRUE(isClose(drawn(drawing, {zoom, 0, 0, -zoom, 100.3, 200.6}), exact, {0, 0, 200, 300}, {1, 4, 4}));
+        EXPECT_EQ(drawing.pick({20 / zoom, -10 / zoom}), symbol);
+    }
+    EXPECT_EQ(drawing.getBounds()->right, 0);
+    EXPECT_TRUE(drawing.setPath(symbol, {}) && drawing.pick({0, 0}) == 0);
+}
+
 // At each zoom: no two that are shown overlap, each that is hidden would cover one that matters as much, and a small
 // step of the zoom changes nothing.
 TEST_F(DrawingTextTest, LabelsKeepClearOfEachOther)

@@ -21,6 +21,14 @@ namespace gui::draw
 
 inline constexpr std::uint32_t cNoItem = UINT32_MAX;
 
+/// Lays shapes out for what is seen of a drawing, before that is drawn.
+struct ViewFollower
+{
+    virtual ~ViewFollower() = default;
+    /// @param toPoints  from model units to points, y downwards, without a shift; it has an inverse
+    virtual void follow(const Affine& toPoints) = 0;
+};
+
 /// The shapes and groups of a drawing, and what is kept of them for drawing and for looking them up.
 struct Drawing::Impl
 {
@@ -58,6 +66,7 @@ struct Drawing::Impl
         Point anchor;            // in the layout
         bool isHalo = false;
         bool isFrame = false;
+        bool isSymbol = false; // no text at all
         bool mayHavePictures = false;
         bool hasColors = false;                    // pictures in colour, in place of which there is nothing to draw
         bool isListed = false;                     // among waitingTexts
@@ -125,6 +134,7 @@ struct Drawing::Impl
 
     Item* find(ID id);
     Item* findShape(ID id);
+    Item* findText(ID id); ///< no symbol
     static std::uint32_t slotOf(const Item& item) { return item.slot; }
 
     /// With all groups around it.
@@ -155,6 +165,8 @@ struct Drawing::Impl
     void setGeometry(Item& item, const Path& path);
     ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
     ID addTextOn(const Path& path, const TextLayout& layout, const TextOnPath& placement);
+    ID addSymbol(Point at, const Path& path, const Paint& paint);
+    void setSymbol(Item& item, const Path& path);
     /// Places the letters of texts along paths for what is seen.
     void placeRoutes(const Sight& sight);
     /// @return whether letters are elsewhere than before
@@ -283,6 +295,7 @@ struct Drawing::Impl
     std::size_t sweepAt = 10000; // glyphs
     Sight lastSight;
     ImageStore images;
+    std::vector<ViewFollower*> followers; // not owned
     std::vector<Element> elements;
     std::vector<std::uint32_t> numbers; // of glyphs
     DrawingPainter painter;

@@ -256,6 +256,40 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         sweepGlyphs();
 }
 
+// A text of one glyph, which is its own.
+Drawing::ID Drawing::Impl::addSymbol(Point at, const Path& path, const Paint& paint)
+{
+    const std::uint32_t slot = add(Kind::Text);
+    ++nShapes;
+    items[slot].origin = {finite(at.x), finite(at.y)};
+    items[slot].pLetters = std::make_unique<Letters>();
+    items[slot].pLetters->isSymbol = true;
+    const std::uint32_t around = std::exchange(group, slot);
+    addShape(Kind::Glyphs, Paint());
+    group = around;
+    Item& item = items[slot];
+    Item& glyph = items[item.members.front()];
+    glyph.pLetters = std::make_unique<Letters>();
+    glyph.origin = item.origin;
+    glyph.step = cTextStep;
+    glyph.hasBounds = true;
+    tables.setFlag(glyph.places, IsSymbol, true);
+    setPaint(glyph, paint);
+    setSymbol(item, path);
+    return idOf(slot);
+}
+
+void Drawing::Impl::setSymbol(Item& item, const Path& path)
+{
+    Letters& letters = *item.pLetters;
+    const Rect bounds = path.getBounds().value_or(Rect(0, 0, 0, 0));
+    letters.lines.assign(path.isEmpty() ? 0 : 1, bounds);
+    letters.ink = {std::min(bounds.left, 0.0), std::min(bounds.top, 0.0), std::max(bounds.right, 0.0),
+                   std::max(bounds.bottom, 0.0)};
+    setOutline(items[item.members.front()], path, FillRule::NonZero);
+    update(item);
+}
+
 void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t style, double size, double lineWidth)
 {
     Letters& letters = *item.pLetters;

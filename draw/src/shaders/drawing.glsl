@@ -18,7 +18,8 @@ const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, c
 const int cPicture = 8, cColoredPicture = 9;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cEntered = 1u << 31; // of a quad: the first node has others, which are to be looked at
-const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u, cFrame = 16384u;
+const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
+const uint cFrame = 16384u, cSymbol = 32768u;
 // Of a glyph's picture.
 const uint cPaint = 1u << 30, cColored = 1u << 28;
 // Of a triangle's points; the first one has something else above.
