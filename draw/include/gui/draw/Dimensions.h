@@ -34,7 +34,7 @@ namespace gui::draw
 ///
 /// Each is a group of the drawing, and is coloured, hidden, tagged, picked, reordered and removed as one. Groups around
 /// it are to have no transform. Lines count for bounds; arrows and texts, which have their size in points, don't.
-/// Panning uploads nothing, a zoom some hundred bytes for each. Those that are left when this goes stay as they are.
+/// Panning uploads nothing, a zoom about a kilobyte for each. Those that are left when this goes stay as they are.
 /// Not copyable. GUI thread only; needs no context.
 class GUIGL_API Dimensions
 {
