@@ -1,5 +1,5 @@
-// Look for: arrows whose tips end on the extension lines, gaps before what is measured, numbers in the middle of theirs;
-// all of it as large and as thin at every zoom, and a scale bar that says how large that is.
+// Look for: arrows whose tips end on the extension lines, gaps before what is measured, numbers in the middle of their
+// lines; all of it as large and as thin at every zoom, and a scale bar that says how large that is.
 
 #include "Board.h"
 #include "Scenes.h"

@@ -49,8 +49,8 @@ struct Drawing::Impl
         draw::Stroke stroke;
     };
 
-    /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles are in the
-    /// text's own unit, about its anchor, y downwards.
+    /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles
+    /// are in the text's own unit, about its anchor, y downwards.
     struct Letters
     {
         /// Of glyphs along a path: the letter, and where it is in that.

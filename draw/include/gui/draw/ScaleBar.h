@@ -57,8 +57,8 @@ public:
     ScaleBar& operator=(const ScaleBar&) = delete;
 
     /// Draws it over a view, in its onDraw.
-    /// @param stretch  how many times as large as its units say things are shown in the view's middle: 1 / cos(latitude)
-    ///                 on a map in Mercator's projection
+    /// @param stretch  how many times as large as its units say things are shown in the view's middle: 1 /
+    ///                 cos(latitude) on a map in Mercator's projection
     /// @return as Drawing::draw; false too, without a line in the log, for a zoom or a stretch that is not above 0
     bool draw(const gl::OrthoView& view, double stretch = 1);
     /// The same over any viewport. @param size  of it, in points
