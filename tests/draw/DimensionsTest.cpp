@@ -105,11 +105,14 @@ TEST_F(DimensionsTest, AreGroupsOfTheDrawing)
     EXPECT_TRUE(drawing.setColor(length, "#ff0000"));
     drawn(drawing, {0, 0}, 1, 1);
     EXPECT_EQ(pixel(108, 109), (test::Pixel{255, 0, 0})) << "an arrow";
+    dimensions.addAngle({-1e4, 0}, {1, -.1}, {1, .1}, 1e4);
+    for (const double t : {-.09, -.053, -.0217, .0132, .0444, .071})
+        EXPECT_NE(drawing.pick({1e4 * std::cos(t) - 1e4, 1e4 * std::sin(t)}, .1), 0U) << "an arc, not its chord, " << t;
     EXPECT_TRUE(drawing.setVisible(layer, false));
     picture = drawn(drawing, {0, 0}, 1, 1);
     EXPECT_EQ(picture.at(130, 90), 0);
     EXPECT_TRUE(drawing.remove(angle));
-    EXPECT_EQ(dimensions.getNumberOfDimensions(), 2U);
+    EXPECT_EQ(dimensions.getNumberOfDimensions(), 3U);
     EXPECT_EQ(dimensions.getText(angle), "");
     for (const Drawing::ID none :
          {dimensions.addLinear({1, 1}, {1, 1}, {0, 1}), dimensions.addLinear({0, 0}, {cNoNumber, 0}, {0, 1}),

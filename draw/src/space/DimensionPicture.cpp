@@ -13,12 +13,13 @@ namespace
 using ScreenPoint = DimensionPicture::Point;
 
 // In points.
-constexpr double cLeast = 3;      // a line on the screen, to be drawn
-constexpr double cLeastPiece = 3; // of a line on either side of its text
-constexpr double cAroundText = 3; // between a text and the line's ends at its sides
-constexpr double cAboveLine = 2;  // between a text and the line below
-constexpr double cStub = 8;       // of the line beyond an arrow that stands outside
-constexpr int cArcSteps = 48;     // of half a circle
+constexpr double cLeast = 3;               // a line on the screen, to be drawn
+constexpr double cLeastPiece = 3;          // of a line on either side of its text
+constexpr double cAroundText = 3;          // between a text and the line's ends at its sides
+constexpr double cAboveLine = 2;           // between a text and the line below
+constexpr double cStub = 8;                // of the line beyond an arrow that stands outside
+constexpr double cArcSteps[] = {48, 2000}; // of half a circle: at least, at most
+constexpr double cOffArc = 0.1;            // what a step may be
 
 ScreenPoint along(const ScreenPoint& from, const ScreenPoint& direction, double way)
 {
@@ -194,7 +195,10 @@ std::vector<ScreenPoint> pieceOf(const std::vector<ArcPoint>& arc, double from, 
 void layAngle(DimensionPicture& picture, const Eye& eye, const DimensionShape& shape, const DimensionStyle& style,
               const td::Size<double>& text)
 {
-    const int nSteps = std::max(2, static_cast<int>(std::ceil(cArcSteps * shape.angle / std::numbers::pi)) / 2 * 2);
+    const auto apex = eye.project(shape.apex), start = eye.project(shape.onArc(0));
+    const double radius = apex && start ? distance({apex->x, apex->y}, {start->x, start->y}) : 0;
+    const double perHalf = std::clamp(std::numbers::pi * std::sqrt(radius / 8 / cOffArc), cArcSteps[0], cArcSteps[1]);
+    const int nSteps = std::max(2, static_cast<int>(std::ceil(perHalf * shape.angle / std::numbers::pi)) / 2 * 2);
     std::vector<ArcPoint> arc;
     for (int i = 0; i <= nSteps; ++i)
     {
