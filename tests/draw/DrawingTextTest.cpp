@@ -516,8 +516,8 @@ TEST_F(DrawingTextTest, TextsAreFoundWhereTheyAreSeen)
     EXPECT_EQ(drawing.getNumberOfShapes(), 1U);
 }
 
-// A frame that is blurred at its sides, keeps the size of an older text, takes its colour or covers it; one that pick,
-// bounds or labels know nothing of.
+// A frame that is blurred at its sides, keeps the size of an older text, takes its colour, covers it, or comes to lie
+// over others; one that pick, bounds or labels know nothing of.
 TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
 {
     constexpr test::Pixel cRed{255, 0, 0}, cGreen{0, 255, 0}, cBlue{0, 0, 255};
@@ -525,6 +525,7 @@ TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
     Drawing drawing;
     const Drawing::ID text =
         drawing.text({100.3, 100.4}, "I", {.size = 20}, {.anchor = Anchor::TopLeft, .frame = frame});
+    const Drawing::ID over = drawing.fill(Path().addRect({92, 100, 97, 103}), "#ff00ff");
     for (const char* const string : {"I", "A longer one", "", "I"})
     {
         SCOPED_TRACE(string);
@@ -539,6 +540,7 @@ TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
         EXPECT_EQ(row, width > 0 ? ".....rr" + std::string(side, 'g') + "rr....." : std::string(30, '.'));
         EXPECT_EQ(drawing.pick({91, 96}), width > 0 ? text : 0);
         EXPECT_EQ(drawing.pick({91, 94}), 0U);
+        EXPECT_EQ(drawing.pick({94, 101}), over) << "where it was among others";
     }
     bool isBlue = false;
     for (int x = 100; x < 110; ++x)
