@@ -131,6 +131,11 @@ constexpr SceneInfo cScenes[] = {
      "millimetre. Drag and turn the wheel to move it, zoom about the pointer, point at a shape to see it, click to "
      "choose it; S goes to the screw, 0 shows all.",
      makeBlueprint},
+    {"dimensions", "What measures how much",
+     "A plate and the plan of a room with their dimensions: arrows, ticks and numbers that have their size on the "
+     "screen at every zoom, and a scale bar. Drag and turn the wheel to move it, zoom about the pointer, point at a "
+     "dimension to see all of it, 0 shows all.",
+     makeDimensions},
     {"type", "One word at every size",
      "From 6 to 400 pixels, turned, with halo, underline and gradient, light and bold, all of them the same outlines; "
      "and beside pictures of letters out of a font file, which have a size of their own.",

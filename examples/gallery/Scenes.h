@@ -49,6 +49,7 @@ std::unique_ptr<Scene> makeFills();
 std::unique_ptr<Scene> makeStrokes();
 std::unique_ptr<Scene> makeIcons();
 std::unique_ptr<Scene> makeBlueprint();
+std::unique_ptr<Scene> makeDimensions();
 std::unique_ptr<Scene> makeType();
 std::unique_ptr<Scene> makeScripts();
 std::unique_ptr<Scene> makeLabels();

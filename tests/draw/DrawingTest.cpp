@@ -442,6 +442,24 @@ TEST_F(DrawingTest, PlacesFarFromTheOriginAreExact)
     }
 }
 
+// What is near an end of a shape that is far larger than the view, which floats would leave out with all around it.
+TEST_F(DrawingTest, EndsOfHugeShapesAreThere)
+{
+    const auto pictureOf = [&](double size, bool isStroke, double angle)
+    {
+        const Affine turn = Affine::translation(100, 100) * Affine::rotation(angle);
+        const Path path = Path().addRect({10, 10, 20, 20}).addRect({30, 30, 30 + size, 40}).transformed(turn);
+        Drawing drawing;
+        isStroke ? drawing.stroke(path, {.width = 3}, cBlack) : drawing.fill(path, cBlack);
+        return drawn(drawing);
+    };
+    for (const bool isStroke : {false, true})
+        for (const double angle : {0.0, std::numbers::pi / 2, std::numbers::pi})
+            EXPECT_TRUE(isClose(pictureOf(3e8, isStroke, angle), pictureOf(3e3, isStroke, angle), {0, 0, cSize, cSize},
+                                {1, 3, 3}))
+                << isStroke << ' ' << angle;
+}
+
 // Neither along the edges that shapes share nor at the point where all of them meet, unless one is missing.
 TEST_F(DrawingTest, NothingShowsBetweenShapesThatMeet)
 {

@@ -526,8 +526,8 @@ TEST_F(DrawingTextTest, TextsAreFoundWhereTheyAreSeen)
     EXPECT_EQ(drawing.getNumberOfShapes(), 1U);
 }
 
-// A frame that is blurred at its sides, keeps the size of an older text, takes its colour or covers it; one that pick,
-// bounds or labels know nothing of.
+// A frame that is blurred at its sides, keeps the size of an older text, takes its colour, covers it, or comes to lie
+// over others; one that pick, bounds or labels know nothing of.
 TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
 {
     constexpr test::Pixel cRed{255, 0, 0}, cGreen{0, 255, 0}, cBlue{0, 0, 255};
@@ -535,6 +535,7 @@ TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
     Drawing drawing;
     const Drawing::ID text =
         drawing.text({100.3, 100.4}, "I", {.size = 20}, {.anchor = Anchor::TopLeft, .frame = frame});
+    const Drawing::ID over = drawing.fill(Path().addRect({92, 100, 97, 103}), "#ff00ff");
     for (const char* const string : {"I", "A longer one", "", "I"})
     {
         SCOPED_TRACE(string);
@@ -549,6 +550,7 @@ TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
         EXPECT_EQ(row, width > 0 ? ".....rr" + std::string(side, 'g') + "rr....." : std::string(30, '.'));
         EXPECT_EQ(drawing.pick({91, 96}), width > 0 ? text : 0);
         EXPECT_EQ(drawing.pick({91, 94}), 0U);
+        EXPECT_EQ(drawing.pick({94, 101}), over) << "where it was among others";
     }
     bool isBlue = false;
     for (int x = 100; x < 110; ++x)
@@ -565,6 +567,25 @@ TEST_F(DrawingTextTest, FramesGoWithTheirTexts)
         labels.add({x, 0}, "Label", {}, {.frame = frame});
     labels.place(1);
     EXPECT_EQ(labels.getNumberOfHidden(), 1U);
+}
+
+// A symbol that a zoom or a group stretches or turns, that stands on whole pixels, or that takes what texts alone do.
+TEST_F(DrawingTextTest, SymbolsStandAsTheyAre)
+{
+    const Path flag = Path().addPolygon(std::array<Point, 3>{{{0, 0}, {30, 10}, {0, 20}}});
+    Coverage exact(cTextPicture, cTextPicture);
+    exact.add(test::fillRings(Path(flag).transform(Affine::translation(100.3, 200.6))), FillRule::NonZero);
+    Drawing drawing;
+    drawing.beginGroup(Affine::rotation(1) * Affine::scaling(3, -2));
+    const Drawing::ID symbol = drawing.symbol({0, 0}, {}, "#000");
+    for (const double zoom : {1e-6, 1.0, 1e6})
+    {
+        EXPECT_TRUE(drawing.setPath(symbol, flag) && !drawing.setText(symbol, "none"));
+        EXPECT_TRUE(isClose(drawn(drawing, {zoom, 0, 0, -zoom, 100.3, 200.6}), exact, {0, 0, 200, 300}, {1, 4, 4}));
+        EXPECT_EQ(drawing.pick({20 / zoom, -10 / zoom}), symbol);
+    }
+    EXPECT_EQ(drawing.getBounds()->right, 0);
+    EXPECT_TRUE(drawing.setPath(symbol, {}) && drawing.pick({0, 0}) == 0);
 }
 
 // At each zoom: no two that are shown overlap, each that is hidden would cover one that matters as much, and a small

@@ -57,8 +57,8 @@ public:
     std::optional<td::Point<double>> clickedAt;
 };
 
-// A click that was a drag, one after a double click, the same shape told twice, a shape that stays entered; a click of a
-// pointer that has not moved there, keys that were held before.
+// A click that was a drag, one after a double click, the same shape told twice, a shape that stays entered; a click of
+// a pointer that has not moved there, keys that were held before.
 TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
 {
     PlanView view;

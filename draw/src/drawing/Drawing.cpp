@@ -109,10 +109,16 @@ Drawing::ID Drawing::textOn(const Path& path, std::string_view text, const TextS
     return _pImpl->addTextOn(path, TextLayout(text, style), placement);
 }
 
+Drawing::ID Drawing::symbol(Point at, const Path& path, const Paint& paint)
+{
+    TD_ASSERT_GUI_THREAD(0);
+    return _pImpl->addSymbol(at, path, paint);
+}
+
 bool Drawing::setText(ID text, std::string_view string)
 {
-    Impl::Item* pItem = _pImpl->find(text);
-    if (pItem == nullptr || pItem->kind != Impl::Kind::Text)
+    Impl::Item* pItem = _pImpl->findText(text);
+    if (pItem == nullptr)
         return false;
     if (Impl::Letters& letters = *pItem->pLetters; letters.string != string)
     {
@@ -124,12 +130,21 @@ bool Drawing::setText(ID text, std::string_view string)
 
 bool Drawing::setText(ID text, const TextLayout& layout)
 {
-    Impl::Item* pItem = _pImpl->find(text);
-    if (pItem == nullptr || pItem->kind != Impl::Kind::Text)
+    Impl::Item* pItem = _pImpl->findText(text);
+    if (pItem == nullptr)
         return false;
     _pImpl->setText(*pItem, layout);
     pItem->pLetters->string.reset();
     return true;
+}
+
+bool Drawing::setText(ID text, const TextLayout& layout, const TextPlacement& placement)
+{
+    Impl::Item* pItem = _pImpl->findText(text);
+    if (pItem == nullptr || pItem->pLetters->pRoute)
+        return false;
+    pItem->pLetters->placement = placement;
+    return setText(text, layout);
 }
 
 Drawing::ID Drawing::image(const Rect& rect, const Image& image)
@@ -272,9 +287,13 @@ bool Drawing::setPath(ID shape, const Path& path)
 {
     TD_ASSERT_GUI_THREAD(false);
     Impl::Item* pItem = _pImpl->findShape(shape);
-    if (pItem == nullptr || (pItem->kind == Impl::Kind::Text && !pItem->pLetters->pRoute))
+    const bool isText = pItem != nullptr && pItem->kind == Impl::Kind::Text;
+    const bool isSymbol = isText && pItem->pLetters->isSymbol;
+    if (pItem == nullptr || (isText && !isSymbol && !pItem->pLetters->pRoute))
         return false;
-    if (pItem->kind == Impl::Kind::Text)
+    if (isSymbol)
+        _pImpl->setSymbol(*pItem, path);
+    else if (isText)
         _pImpl->setRoute(*pItem, path);
     else if (pItem->kind != Impl::Kind::Stroke || path.hasCurves() || path != pItem->pLine->path)
         _pImpl->setPath(*pItem, path);

@@ -30,6 +30,12 @@ Drawing::Impl::Item* Drawing::Impl::findShape(ID id)
     return pItem == nullptr || pItem->kind == Kind::Group ? nullptr : pItem;
 }
 
+Drawing::Impl::Item* Drawing::Impl::findText(ID id)
+{
+    Item* pItem = find(id);
+    return pItem == nullptr || pItem->kind != Kind::Text || pItem->pLetters->isSymbol ? nullptr : pItem;
+}
+
 std::uint32_t Drawing::Impl::add(Kind kind)
 {
     std::uint32_t slot = 0;
@@ -419,9 +425,11 @@ bool Drawing::Impl::draw(const Sight& sight)
     const double s = sight.pixelsPerPoint;
     pointsPerUnit = sight.getZoom();
     toPoints = {map.a / s, -map.b / s, map.c / s, -map.d / s, 0, 0};
-    // Where letters are along paths goes by the sight: a picture of it has them there.
+    // Where letters are along paths, and what followers do, goes by the sight: a picture of it has them there.
     const bool isKept = !isChanged && painter.hasPicture(sight);
     const bool wasChanged = isChanged;
+    for (ViewFollower* pFollower : followers)
+        pFollower->follow(toPoints);
     placeRoutes(sight);
     isChanged = wasChanged;
     isWaitingSeen = false;

@@ -24,6 +24,14 @@ namespace gui::draw
 
 inline constexpr std::uint32_t cNoItem = UINT32_MAX;
 
+/// Lays shapes out for what is seen of a drawing, before that is drawn.
+struct ViewFollower
+{
+    virtual ~ViewFollower() = default;
+    /// @param toPoints  from model units to points, y downwards, without a shift; it has an inverse
+    virtual void follow(const Affine& toPoints) = 0;
+};
+
 /// The shapes and groups of a drawing, and what is kept of them for drawing and for looking them up.
 struct Drawing::Impl
 {
@@ -44,8 +52,8 @@ struct Drawing::Impl
         draw::Stroke stroke;
     };
 
-    /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles are in the
-    /// text's own unit, about its anchor, y downwards.
+    /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles
+    /// are in the text's own unit, about its anchor, y downwards.
     struct Letters
     {
         /// Of glyphs along a path: the letter, and where it is in that.
@@ -61,6 +69,7 @@ struct Drawing::Impl
         Point anchor;            // in the layout
         bool isHalo = false;
         bool isFrame = false;
+        bool isSymbol = false; // no text at all
         bool mayHavePictures = false;
         bool hasColors = false;                    // pictures in colour, in place of which there is nothing to draw
         bool isListed = false;                     // among waitingTexts
@@ -154,6 +163,7 @@ struct Drawing::Impl
 
     Item* find(ID id);
     Item* findShape(ID id);
+    Item* findText(ID id); ///< no symbol
     static std::uint32_t slotOf(const Item& item) { return item.slot; }
 
     /// The transform of an item with those of all groups around it; null where there is none.
@@ -198,6 +208,8 @@ struct Drawing::Impl
     void setGeometry(Item& item, const Path& path);
     ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
     ID addTextOn(const Path& path, const TextLayout& layout, const TextOnPath& placement);
+    ID addSymbol(Point at, const Path& path, const Paint& paint);
+    void setSymbol(Item& item, const Path& path);
     /// Places the letters of texts along paths for what is seen.
     void placeRoutes(const Sight& sight);
     /// @return whether letters are elsewhere than before
@@ -325,7 +337,8 @@ struct Drawing::Impl
     std::size_t nPicturesDrawn = 0;
     std::size_t sweepAt = 10000; // glyphs
     ImageStore images;
-    std::vector<LongElement> elements;  // of glyphs
+    std::vector<ViewFollower*> followers; // not owned
+    std::vector<LongElement> elements;    // of glyphs
     std::vector<std::uint32_t> numbers; // of glyphs
     DrawingPainter painter;
 };

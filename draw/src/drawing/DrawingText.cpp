@@ -39,7 +39,8 @@ struct Part
         Halo,
         Decoration,
         Frame,
-        FrameLine
+        FrameLine,
+        Nothing
     };
 
     std::size_t style;
@@ -192,7 +193,10 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
                                    line.left + line.width - letters.anchor.x, line.bottom - letters.anchor.y);
     double widest = 0;
     const std::optional<Rect> frame = frameIn(layout, placement);
-    const std::vector<Part> parts = partsOf(layout, frame ? placement.frame : std::nullopt);
+    std::vector<Part> parts = partsOf(layout, frame ? placement.frame : std::nullopt);
+    // Of an empty text one stays, for its place among the others.
+    if (parts.empty())
+        parts.push_back({0, 1, 0, Part::Kind::Nothing});
     for (const Part& part : parts)
         widest = std::max(widest, part.lineWidth / 2);
     const Rect ink = layout.getInkBounds().value_or(Rect(0, 0, 0, 0));
@@ -223,7 +227,8 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
     for (std::size_t i = 0; i < parts.size(); ++i)
     {
         const Part& part = parts[i];
-        const Paint& paint = paintOf(part, layout.getStyle(part.style), placement);
+        const TextStyle& style = layout.getNumberOfStyles() > 0 ? layout.getStyle(part.style) : letters.text;
+        const Paint& paint = paintOf(part, style, placement);
         if (isReplaced)
             addShape(Kind::Glyphs, paint);
         Item& glyphs_ = items[text.getMembers()[i]];
@@ -235,12 +240,14 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         tables.setFlag(glyphs_.places, IsFrame, part.isFrame());
         glyphs_.origin = text.origin;
         glyphs_.step = cTextStep;
-        glyphs_.hasBounds = true;
+        glyphs_.hasBounds = part.kind != Part::Kind::Nothing;
         if (!isReplaced || paint.isGradient())
             setPaint(glyphs_, paint); // a gradient begins at the anchor
         if (part.isFrame())
             setOutline(glyphs_, pathOf(*frame, *placement.frame, part.kind == Part::Kind::FrameLine),
                        FillRule::EvenOdd);
+        else if (part.kind == Part::Kind::Nothing)
+            setOutline(glyphs_, {}, FillRule::NonZero);
         else if (part.kind == Part::Kind::Decoration)
             setDecorations(glyphs_, layout, part.style);
         else
@@ -254,6 +261,40 @@ void Drawing::Impl::setText(Item& text, const TextLayout& layout)
         placeRoute(text);
     if (glyphs.getNumberOfSized() > sweepAt)
         sweepGlyphs();
+}
+
+// A text of one glyph, which is its own.
+Drawing::ID Drawing::Impl::addSymbol(Point at, const Path& path, const Paint& paint)
+{
+    const std::uint32_t slot = add(Kind::Text);
+    ++nShapes;
+    items[slot].origin = {finite(at.x), finite(at.y)};
+    items[slot].pLetters = std::make_unique<Letters>();
+    items[slot].pLetters->isSymbol = true;
+    const std::uint32_t around = std::exchange(group, slot);
+    addShape(Kind::Glyphs, Paint());
+    group = around;
+    Item& item = items[slot];
+    Item& glyph = items[item.members.front()];
+    glyph.pLetters = std::make_unique<Letters>();
+    glyph.origin = item.origin;
+    glyph.step = cTextStep;
+    glyph.hasBounds = true;
+    tables.setFlag(glyph.places, IsSymbol, true);
+    setPaint(glyph, paint);
+    setSymbol(item, path);
+    return idOf(slot);
+}
+
+void Drawing::Impl::setSymbol(Item& item, const Path& path)
+{
+    Letters& letters = *item.pLetters;
+    const Rect bounds = path.getBounds().value_or(Rect(0, 0, 0, 0));
+    letters.lines.assign(path.isEmpty() ? 0 : 1, bounds);
+    letters.ink = {std::min(bounds.left, 0.0), std::min(bounds.top, 0.0), std::max(bounds.right, 0.0),
+                   std::max(bounds.bottom, 0.0)};
+    setOutline(items[item.members.front()], path, FillRule::NonZero);
+    update(item);
 }
 
 void Drawing::Impl::setGlyphs(Item& item, const TextLayout& layout, std::size_t style, double size, double lineWidth)

@@ -96,7 +96,8 @@ enum ShapeFlag : std::uint32_t
     JoinShift = 10,
     AreGlyphs = 4096, // a text, in points if its width would be
     HasImage = 8192,  // instead of a colour
-    IsFrame = 16384   // of a text: on whole pixels in x as well
+    IsFrame = 16384,  // of a text: on whole pixels in x as well
+    IsSymbol = 32768  // no text: on no whole pixels
 };
 
 /// What the program is to know how to draw; bits, as in the shaders.

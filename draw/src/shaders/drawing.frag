@@ -91,8 +91,9 @@ float areaOfFill(Place place, uvec4 outline, int first, vec2 pixel)
         ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
         vec2 size = vec2(box.zw - box.xy);
         vec2 c = place.pixels * (stepsOf(place, box.xy) + 0.5 * size) - pixel, h = extent * size;
-        bool isBeside = abs(c.y) < h.y + 0.5;
-        bool isIn = isBeside && abs(c.x) < h.x + 0.5;
+        vec2 reach = h * cLoose + 0.5;
+        bool isBeside = abs(c.y) < reach.y;
+        bool isIn = isBeside && abs(c.x) < reach.x;
         bool isSmall = max(h.x, h.y) < 1.0 / 64.0 || deviationOf(info.w) < straight;
         bool isEntered = isIn && !isSmall;
         bool isChord = isIn ? isSmall : isBeside && c.x > 0.0;
@@ -597,7 +598,7 @@ uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out
                 ivec4 box = texelFetch(nodes, 2 * node), info = texelFetch(nodes, 2 * node + 1);
                 vec2 size = vec2(box.zw - box.xy);
                 vec2 c = brush.fromSteps * (stepsOf(place, box.xy) + 0.5 * size) - pixelInBrush, h = extent * size;
-                bool isIn = all(lessThan(abs(c), h + margin));
+                bool isIn = all(lessThan(abs(c), h * cLoose + margin));
                 bool isStraight = turnOf(info.w) < brush.mostTurn;
                 // Around what a wide brush goes, however small, shapes can be seen.
                 isDot = max(h.x, h.y) < 1.0 / 16.0 && !isStraight && brush.radius < 1.5;

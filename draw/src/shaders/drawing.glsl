@@ -20,11 +20,14 @@ const int cPicture = 8, cColoredPicture = 9, cLong = 15;
 const int cLongQuads = 1 << 27; // quads from this number on are long elements
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
 const uint cEntered = 1u << 31; // of a quad: the first node has others, which are to be looked at
-const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u, cFrame = 16384u;
+const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
+const uint cFrame = 16384u, cSymbol = 32768u;
 // Of a glyph's picture.
 const uint cPaint = 1u << 30, cColored = 1u << 28;
 // Of a triangle's points; the first one has something else above.
 const uint cPointBits = 0x07ffffffu;
+// How much larger boxes are taken for than they are: by what floats lose of those that are far larger than the view.
+const float cLoose = 1.0 + 1e-6;
 // Pixels from the middle beyond which floats are too coarse.
 const float cFar = 32768.0;
 

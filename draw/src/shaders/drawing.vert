@@ -89,6 +89,7 @@ void main()
     uvec4 more = kind == cGlyph ? texelFetch(glyphs, 2 * int(element.y) + 1) : uvec4(0u);
     uvec2 picture = more.zw;
     Text text = textOf(shape, (flags & cWidthInPoints) != 0u, place);
+    text.isOnRows = text.isOnRows && (flags & cSymbol) == 0u;
     if ((flags & cFrame) != 0u && text.isOnRows)
         text.anchor.x = floor(text.anchor.x + halfSize.x + 0.5) - halfSize.x;
 #if defined GRADIENTS || defined HALOS

@@ -13,12 +13,13 @@ namespace
 using ScreenPoint = DimensionPicture::Point;
 
 // In points.
-constexpr double cLeast = 3;      // a line on the screen, to be drawn
-constexpr double cAroundText = 3; // between a text and the line's ends at its sides
-constexpr double cAboveLine = 2;  // between a text and the line below
-constexpr double cStub = 8;       // of the line beyond an arrow that stands outside
-constexpr double cFarAway = 1e6;  // from the view: nobody looks there
-constexpr int cArcSteps = 48;     // of half a circle
+constexpr double cLeast = 3;               // a line on the screen, to be drawn
+constexpr double cLeastPiece = 3;          // of a line on either side of its text
+constexpr double cAroundText = 3;          // between a text and the line's ends at its sides
+constexpr double cAboveLine = 2;           // between a text and the line below
+constexpr double cStub = 8;                // of the line beyond an arrow that stands outside
+constexpr double cArcSteps[] = {48, 2000}; // of half a circle: at least, at most
+constexpr double cOffArc = 0.1;            // what a step may be
 
 ScreenPoint along(const ScreenPoint& from, const ScreenPoint& direction, double way)
 {
@@ -42,7 +43,7 @@ struct End
 };
 
 // What is seen of a line: an end that is behind the eye moves along to just before it.
-std::optional<std::array<End, 2>> project(const Eye& eye, const glm::dvec3& from, const glm::dvec3& to)
+std::optional<std::array<End, 2>> project(const Eye& eye, const glm::dvec3& from, const glm::dvec3& to, double farthest)
 {
     constexpr double cJustBefore = 1e-3; // of the other end's distance
     const auto there = [&eye](const glm::dvec3& point) { return eye.project(point); };
@@ -63,22 +64,25 @@ std::optional<std::array<End, 2>> project(const Eye& eye, const glm::dvec3& from
     ends[0].place = {a->x, a->y};
     ends[1].place = {b->x, b->y};
     for (const End& end : ends)
-        if (std::abs(end.place.x) > cFarAway || std::abs(end.place.y) > cFarAway)
+        if (std::abs(end.place.x) > farthest || std::abs(end.place.y) > farthest)
             return std::nullopt;
     return ends;
 }
 
 void addExtension(DimensionPicture& picture, const Eye& eye, const glm::dvec3& from, const glm::dvec3& to, double gap,
-                  double overshoot)
+                  double overshoot, double farthest)
 {
-    const auto seen = project(eye, from, to);
+    const auto seen = project(eye, from, to, farthest);
     if (!seen)
         return;
     const auto& [begin, end] = *seen;
     const ScreenPoint way = direction(begin.place, end.place);
     const double length = distance(begin.place, end.place), first = begin.isThere ? gap : 0;
     if (length > first)
+    {
         picture.lines.emplace_back(along(begin.place, way, first), along(end.place, way, end.isThere ? overshoot : 0));
+        ++picture.nExtensions;
+    }
 }
 
 // Half of the way that a line takes through a text's box about its middle.
@@ -107,7 +111,7 @@ ScreenPoint above(const ScreenPoint& middle, double turn, double height)
 void layLine(DimensionPicture& picture, const Eye& eye, const DimensionShape& shape, const DimensionStyle& style,
              const td::Size<double>& text)
 {
-    const auto seen = project(eye, shape.ends[0], shape.ends[1]);
+    const auto seen = project(eye, shape.ends[0], shape.ends[1], shape.farthest);
     if (!seen)
         return;
     const ScreenPoint a = (*seen)[0].place, b = (*seen)[1].place, way = direction(a, b);
@@ -117,17 +121,19 @@ void layLine(DimensionPicture& picture, const Eye& eye, const DimensionShape& sh
     picture.isShown = true;
     if (shape.hasExtensions)
         for (std::size_t i = 0; i < 2; ++i)
-            addExtension(picture, eye, shape.measured[i], shape.ends[i], style.gap, style.overshoot);
+            addExtension(picture, eye, shape.measured[i], shape.ends[i], style.gap, style.overshoot, shape.farthest);
     const bool isInLine = style.place == DimensionStyle::Text::InLine;
     const double arrow = style.arrow > 0 ? style.arrow : 0;
     const std::array<bool, 2> hasArrow{shape.hasArrow[0] && (*seen)[0].isThere && arrow > 0,
                                        shape.hasArrow[1] && (*seen)[1].isThere && arrow > 0};
+    const bool isTick = style.end == DimensionStyle::End::Tick;
     const double arrows = arrow * ((hasArrow[0] ? 1 : 0) + (hasArrow[1] ? 1 : 0));
     const double half = isInLine ? halfThrough(text, way) : text.width / 2 + cAroundText;
-    const bool isTextInside = length >= 2 * half, areArrowsInside = length >= arrows + (isTextInside ? 2 * half : 4);
+    const bool isTextInside = length >= 2 * (isInLine ? half + cLeastPiece : half);
+    const bool areArrowsInside = isTick || length >= arrows + (isTextInside ? 2 * half : 4);
     // From the ends to where the line stops for an arrow's tip to be sharp, and to the stubs' ends.
-    const double blunt = areArrowsInside ? arrow / 2 : 0;
-    const double stub = areArrowsInside ? 0 : arrow + cStub;
+    const double blunt = areArrowsInside && !isTick ? arrow / 2 : 0;
+    const double stub = isTick ? arrow / 2 : areArrowsInside ? 0 : arrow + cStub;
     for (std::size_t i = 0; i < 2; ++i)
     {
         if (!hasArrow[i])
@@ -139,7 +145,10 @@ void layLine(DimensionPicture& picture, const Eye& eye, const DimensionShape& sh
     }
     const ScreenPoint from = along(a, way, hasArrow[0] ? blunt : 0), to = along(b, way, hasArrow[1] ? -blunt : 0);
     picture.turn = isInLine ? 0 : turnAlong(way);
-    const double middle = isTextInside ? length / 2 : length + (hasArrow[1] ? stub : 0) + half - cAroundText / 2;
+    // A line leads to a text outside, as far as an arrow's there does.
+    const bool isLed = !isTextInside && isInLine && areArrowsInside;
+    const double lead = isLed ? arrow + cStub : hasArrow[1] ? stub : 0;
+    const double middle = isTextInside ? length / 2 : length + lead + half - cAroundText / 2;
     const ScreenPoint place = along(a, way, middle);
     picture.text = isInLine ? place : above(place, picture.turn, text.height);
     if (isTextInside && isInLine)
@@ -149,6 +158,8 @@ void layLine(DimensionPicture& picture, const Eye& eye, const DimensionShape& sh
         return;
     }
     picture.lines.emplace_back(from, to);
+    if (isLed)
+        picture.lines.emplace_back(b, along(b, way, lead));
     // Below a text that stands beyond the end the line goes on.
     if (!isTextInside && !isInLine)
         picture.lines.back().second = along(place, way, half - cAroundText);
@@ -184,12 +195,15 @@ std::vector<ScreenPoint> pieceOf(const std::vector<ArcPoint>& arc, double from, 
 void layAngle(DimensionPicture& picture, const Eye& eye, const DimensionShape& shape, const DimensionStyle& style,
               const td::Size<double>& text)
 {
-    const int nSteps = std::max(2, static_cast<int>(std::ceil(cArcSteps * shape.angle / std::numbers::pi)) / 2 * 2);
+    const auto apex = eye.project(shape.apex), start = eye.project(shape.onArc(0));
+    const double radius = apex && start ? distance({apex->x, apex->y}, {start->x, start->y}) : 0;
+    const double perHalf = std::clamp(std::numbers::pi * std::sqrt(radius / 8 / cOffArc), cArcSteps[0], cArcSteps[1]);
+    const int nSteps = std::max(2, static_cast<int>(std::ceil(perHalf * shape.angle / std::numbers::pi)) / 2 * 2);
     std::vector<ArcPoint> arc;
     for (int i = 0; i <= nSteps; ++i)
     {
         const auto seen = eye.project(shape.onArc(static_cast<double>(i) / nSteps));
-        if (!seen || std::abs(seen->x) > cFarAway || std::abs(seen->y) > cFarAway)
+        if (!seen || std::abs(seen->x) > shape.farthest || std::abs(seen->y) > shape.farthest)
             return;
         const ScreenPoint place(seen->x, seen->y);
         arc.push_back({place, arc.empty() ? 0 : arc.back().way + distance(arc.back().place, place)});
@@ -200,7 +214,7 @@ void layAngle(DimensionPicture& picture, const Eye& eye, const DimensionShape& s
     picture.isShown = true;
     if (shape.hasExtensions)
         for (const glm::dvec3& end : shape.ends)
-            addExtension(picture, eye, shape.apex, end, 0, style.overshoot);
+            addExtension(picture, eye, shape.apex, end, 0, style.overshoot, shape.farthest);
     const auto at = [&](double way)
     {
         const std::vector<ScreenPoint> piece = pieceOf(arc, std::max(way - 1e-3, 0.0), way);
@@ -211,7 +225,8 @@ void layAngle(DimensionPicture& picture, const Eye& eye, const DimensionShape& s
     const ScreenPoint tangent = direction(at(length * 0.45), at(length * 0.55));
     const double half = isInLine ? halfThrough(text, tangent) : text.width / 2 + cAroundText;
     const bool isTextInside = length >= 2 * half;
-    const bool areArrowsInside = length >= 2 * arrow + (isTextInside ? 2 * half : 4);
+    const bool isTick = style.end == DimensionStyle::End::Tick;
+    const bool areArrowsInside = isTick || length >= 2 * arrow + (isTextInside ? 2 * half : 4);
     const ScreenPoint a = arc.front().place, b = arc.back().place;
     const double reach = std::min(std::max(arrow, 1.0), length);
     // Where an arrow's back is, so that it lies along the arc.
@@ -223,7 +238,7 @@ void layAngle(DimensionPicture& picture, const Eye& eye, const DimensionShape& s
         if (!areArrowsInside)
             picture.lines.emplace_back(along(tip, inwards[i], -arrow / 2), along(tip, inwards[i], -arrow - cStub));
     }
-    const double blunt = areArrowsInside ? arrow / 2 : 0, middle = length / 2;
+    const double blunt = areArrowsInside && !isTick ? arrow / 2 : 0, middle = length / 2;
     picture.turn = isInLine ? 0 : turnAlong(isTextInside ? tangent : inwards[1]);
     picture.text = isTextInside ? at(middle) : along(b, inwards[1], -(arrow > 0 ? arrow + cStub : 0) - half);
     if (!isInLine)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gui/draw/Dimensions3.h>
+#include <gui/draw/DimensionStyle.h>
 #include <gui/draw/Eye.h>
 
 #include <td/Point.h>
@@ -28,6 +28,7 @@ struct DimensionShape
     glm::dvec3 apex{0};
     glm::dvec3 first{0}; ///< from the apex to the arc's beginning, and a quarter turn on from there
     glm::dvec3 second{0};
+    double farthest = 1e6; ///< from the view's corner, in points: what has an end beyond is not drawn
 
     /// On an angle's arc. @param part  0 at its beginning, 1 at its end
     glm::dvec3 onArc(double part) const;
@@ -48,6 +49,7 @@ struct DimensionPicture
 
     bool isShown = false;
     std::vector<std::pair<Point, Point>> lines; ///< at most cMostLines
+    std::size_t nExtensions = 0;                ///< the first of lines
     std::vector<std::vector<Point>> arcs;
     std::array<std::optional<Arrow>, 2> arrows;
     Point text;      ///< its middle

@@ -1,51 +1,14 @@
 #include <gui/draw/Dimensions3.h>
 
-#include "DimensionPicture.h"
+#include "DimensionMeasure.h"
 #include "ScreenSigns.h"
 
-#include <glm/geometric.hpp>
-#include <glm/trigonometric.hpp>
-
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <utility>
 
 namespace gui::draw
 {
-
-namespace
-{
-
-constexpr double cSmallest = 1e-9; // of a direction's sine, to tell it from another one
-
-bool areFinite(std::initializer_list<glm::dvec3> points)
-{
-    return std::all_of(points.begin(), points.end(), ScreenSigns::isFinite);
-}
-
-// As short as the style has it, with a point whatever the locale.
-std::string numberOf(double value, const DimensionStyle& style)
-{
-    char text[400];
-    const auto [pEnd, error] =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, std::clamp(style.decimals, 0, 12));
-    std::string number(text, error == std::errc() ? pEnd : text);
-    if (!style.keepsZeros && number.find('.') != std::string::npos)
-    {
-        number.erase(number.find_last_not_of('0') + 1);
-        if (number.back() == '.')
-            number.pop_back();
-    }
-    return number;
-}
-
-std::string wordsOf(const DimensionStyle& style, const char* sign, double value, const std::string& unit)
-{
-    return style.label.empty() ? style.prefix + sign + numberOf(value, style) + unit : style.label;
-}
-
-} // namespace
 
 /// A dimension's shapes in one of the drawings.
 struct Dimensions3::Shapes
@@ -66,10 +29,8 @@ struct Dimensions3::Dimension
     };
 
     ID id = 0;
-    double value = 0;
-    std::string words;
+    DimensionMeasure measure;
     DimensionStyle style;
-    DimensionShape shape;
     td::Size<double> size; // of the text, in points
     std::array<DepthProbe::ID, 2> probes{};
     std::array<Shapes, 2> shapes; // clear, faint
@@ -102,88 +63,44 @@ Dimensions3::ID Dimensions3::addLinear(const glm::dvec3& from, const glm::dvec3&
 Dimensions3::ID Dimensions3::addLinearAlong(const glm::dvec3& from, const glm::dvec3& to, const glm::dvec3& along,
                                             const glm::dvec3& offset, const DimensionStyle& style)
 {
-    const double length = glm::length(along);
-    if (!areFinite({from, to, along, offset}) || !(length > 0) || !std::isfinite(length))
-        return 0;
-    const glm::dvec3 way = along / length;
-    const double measured = glm::dot(to - from, way);
-    if (measured == 0)
-        return 0;
-    Dimension dimension;
-    dimension.value = std::abs(measured);
-    dimension.words = wordsOf(style, "", dimension.value * style.factor, style.unit);
-    dimension.style = style;
-    dimension.shape.measured = {from, to};
-    dimension.shape.ends = {from + offset, from + offset + measured * way};
-    dimension.shape.hasExtensions = style.hasExtensions;
-    return add(std::move(dimension), {from + offset + measured / 2 * way});
-}
-
-Dimensions3::ID Dimensions3::addCircle(const glm::dvec3& center, const glm::dvec3& axis, double radius,
-                                       const glm::dvec3& towards, const DimensionStyle& style, bool isDiameter)
-{
-    if (!areFinite({center, axis, towards}) || !(radius > 0) || !std::isfinite(radius))
-        return 0;
-    const double length = glm::length(axis);
-    const glm::dvec3 up = length > 0 ? axis / length : glm::dvec3(0);
-    const glm::dvec3 across = towards - glm::dot(towards, up) * up;
-    if (!(glm::length(across) > cSmallest * glm::length(towards)) || !(length > 0))
-        return 0;
-    const glm::dvec3 way = radius * glm::normalize(across);
-    Dimension dimension;
-    dimension.value = isDiameter ? 2 * radius : radius;
-    dimension.words = wordsOf(style, isDiameter ? "\u2300 " : "R ", dimension.value * style.factor, style.unit);
-    dimension.style = style;
-    dimension.shape.measured = {isDiameter ? center - way : center + way, center + way};
-    dimension.shape.ends = {isDiameter ? center - way : center, center + way};
-    dimension.shape.hasArrow = {isDiameter, true};
-    if (isDiameter)
-        return add(std::move(dimension), {center - way, center + way});
-    return add(std::move(dimension), {center + way});
+    std::optional<DimensionMeasure> measure = DimensionMeasure::linear(from, to, along, offset, style);
+    const glm::dvec3 middle = measure ? (measure->shape.ends[0] + measure->shape.ends[1]) / 2.0 : glm::dvec3(0);
+    return add(std::move(measure), style, {middle});
 }
 
 Dimensions3::ID Dimensions3::addRadius(const glm::dvec3& center, const glm::dvec3& axis, double radius,
                                        const glm::dvec3& towards, const DimensionStyle& style)
 {
-    return addCircle(center, axis, radius, towards, style, false);
+    std::optional<DimensionMeasure> measure = DimensionMeasure::circle(center, axis, radius, towards, style, false);
+    const glm::dvec3 end = measure ? measure->shape.ends[1] : glm::dvec3(0);
+    return add(std::move(measure), style, {end});
 }
 
 Dimensions3::ID Dimensions3::addDiameter(const glm::dvec3& center, const glm::dvec3& axis, double radius,
                                          const glm::dvec3& towards, const DimensionStyle& style)
 {
-    return addCircle(center, axis, radius, towards, style, true);
+    std::optional<DimensionMeasure> measure = DimensionMeasure::circle(center, axis, radius, towards, style, true);
+    const auto ends = measure ? measure->shape.ends : std::array<glm::dvec3, 2>{};
+    return add(std::move(measure), style, {ends[0], ends[1]});
 }
 
 Dimensions3::ID Dimensions3::addAngle(const glm::dvec3& apex, const glm::dvec3& from, const glm::dvec3& to,
                                       double radius, const DimensionStyle& style)
 {
-    const double fromLength = glm::length(from), toLength = glm::length(to);
-    if (!areFinite({apex, from, to}) || !(fromLength > 0) || !(toLength > 0) || !(radius > 0) || !std::isfinite(radius))
-        return 0;
-    const glm::dvec3 first = from / fromLength, last = to / toLength;
-    const glm::dvec3 across = last - glm::dot(last, first) * first;
-    const double sine = glm::length(across);
-    if (!(sine > cSmallest))
-        return 0;
-    Dimension dimension;
-    DimensionShape& shape = dimension.shape;
-    shape.isAngle = true;
-    shape.hasExtensions = style.hasExtensions;
-    shape.angle = std::atan2(sine, glm::dot(last, first));
-    shape.apex = apex;
-    shape.first = radius * first;
-    shape.second = radius * across / sine;
-    shape.ends = shape.measured = {shape.onArc(0), shape.onArc(1)};
-    dimension.value = glm::degrees(shape.angle);
-    dimension.words = wordsOf(style, "", dimension.value, "\u00b0");
-    dimension.style = style;
-    const glm::dvec3 middle = shape.onArc(0.5);
-    return add(std::move(dimension), {middle});
+    std::optional<DimensionMeasure> measure = DimensionMeasure::angle(apex, from, to, radius, style);
+    const glm::dvec3 middle = measure ? measure->shape.onArc(0.5) : glm::dvec3(0);
+    return add(std::move(measure), style, {middle});
 }
 
-Dimensions3::ID Dimensions3::add(Dimension&& dimension, std::initializer_list<glm::dvec3> probed)
+Dimensions3::ID Dimensions3::add(std::optional<DimensionMeasure>&& measure, const DimensionStyle& style,
+                                 std::initializer_list<glm::dvec3> probed)
 {
+    if (!measure)
+        return 0;
+    Dimension dimension;
     dimension.id = ++_lastID;
+    dimension.measure = std::move(*measure);
+    dimension.style = style;
     if (_pProbe != nullptr && dimension.style.behind != Behind::Show)
         std::transform(probed.begin(), probed.end(), dimension.probes.begin(),
                        [&](const glm::dvec3& point) { return _pProbe->add(point, dimension.style.tolerance); });
@@ -200,7 +117,7 @@ void Dimensions3::addShapes(Dimension& dimension)
     TextStyle text = style.text;
     // Texts that are turned with their group are in units of the plane, which are points.
     text.unit = style.place == DimensionStyle::Text::AboveLine ? Unit::Model : Unit::Points;
-    const TextLayout layout(dimension.words, text);
+    const TextLayout layout(dimension.measure.words, text);
     dimension.size = layout.getSize();
     const Affine aside = ScreenSigns::aside(dimension.id);
     for (std::size_t i = 0; i < (style.behind == Behind::Fade ? 2 : 1); ++i)
@@ -214,13 +131,13 @@ void Dimensions3::addShapes(Dimension& dimension)
         };
         for (Drawing::ID& line : shapes.lines)
             line = hide(drawing.stroke(Path().moveTo({0, 0}).lineTo({1, 0}), {.width = style.width}, style.paint));
-        if (dimension.shape.isAngle)
+        if (dimension.measure.shape.isAngle)
             shapes.arc = hide(drawing.stroke(Path(), {.width = style.width, .join = Join::Round}, style.paint));
         for (Drawing::ID& arrow : shapes.arrows)
             if (style.arrow > 0)
-                arrow = ScreenSigns::addArrow(drawing, style.arrow, style.paint, aside);
+                arrow = ScreenSigns::add(drawing, ScreenSigns::endOf(style), style.paint, aside);
         shapes.text = hide(drawing.beginGroup(aside));
-        drawing.text({0, 0}, layout, {.anchor = Anchor::Center});
+        drawing.text({0, 0}, layout, {.anchor = Anchor::Center, .frame = style.frame});
         drawing.endGroup();
     }
 }
@@ -296,7 +213,7 @@ bool Dimensions3::draw(const Eye& eye)
         const bool isBehind = isHidden(dimension), isOut = isBehind && dimension.style.behind == Behind::Hide;
         const DimensionPicture picture =
             dimension.isWanted && !isOut && eye.isValid()
-                ? DimensionPicture::of(eye, dimension.shape, dimension.style, dimension.size)
+                ? DimensionPicture::of(eye, dimension.measure.shape, dimension.style, dimension.size)
                 : DimensionPicture();
         const State before = std::exchange(dimension.state, !picture.isShown ? State::Away
                                                             : isBehind       ? State::Faint
@@ -366,13 +283,13 @@ bool Dimensions3::isFaint(ID id) const
 double Dimensions3::getValue(ID id) const
 {
     const Dimension* const pDimension = find(id);
-    return pDimension == nullptr ? 0 : pDimension->value;
+    return pDimension == nullptr ? 0 : pDimension->measure.value;
 }
 
 std::string Dimensions3::getText(ID id) const
 {
     const Dimension* const pDimension = find(id);
-    return pDimension == nullptr ? std::string() : pDimension->words;
+    return pDimension == nullptr ? std::string() : pDimension->measure.words;
 }
 
 } // namespace gui::draw

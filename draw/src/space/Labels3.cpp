@@ -147,7 +147,7 @@ void Labels3::addShapes(Label& label, const TextLayout& layout)
             shapes.end = drawing.stroke(Path().moveTo({0, 0}).lineTo({0, 0}),
                                         {.width = leader.endSize, .cap = Cap::Round}, leader.paint);
         else if (leader.end == Leader::End::Arrow)
-            shapes.end = ScreenSigns::addArrow(drawing, 2 * leader.endSize, leader.paint, aside);
+            shapes.end = ScreenSigns::add(drawing, ScreenSigns::arrow(2 * leader.endSize), leader.paint, aside);
         if (isLine(look))
             shapes.leader = drawing.stroke(Path().moveTo({0, 0}).lineTo({1, 0}), {.width = leader.width}, leader.paint);
         // Below all texts, the line first.

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <gui/draw/DimensionStyle.h>
 #include <gui/draw/Drawing.h>
 
 #include <glm/vec3.hpp>
 
 #include <cmath>
 #include <cstdint>
+#include <numbers>
 
 namespace gui::draw
 {
@@ -29,13 +31,34 @@ struct ScreenSigns
         return Affine::translation(cApart * static_cast<double>(number % cPlaces), 0);
     }
 
-    /// A hidden group with an arrow whose tip is at the origin, and whose back to the right.
-    static Drawing::ID addArrow(Drawing& drawing, double length, const Paint& paint, const Affine& aside)
+    /// An arrow whose tip is at the origin, and whose back to the right.
+    static Path arrow(double length)
     {
         constexpr double cWidth = 0.34; // of the length
         const double half = cWidth / 2 * length;
+        return Path().moveTo({0, 0}).lineTo({length, -half}).lineTo({length, half}).close();
+    }
+
+    /// What is at a dimension's end, placed as an arrow is.
+    static Path endOf(const DimensionStyle& style)
+    {
+        if (style.end == DimensionStyle::End::Arrow)
+            return arrow(style.arrow);
+        // Upwards to the right through the origin, twice as heavy as a line.
+        const double half = style.arrow / 2 * std::numbers::sqrt2 / 2, thick = style.width * std::numbers::sqrt2 / 2;
+        return Path()
+            .moveTo({-half - thick, half - thick})
+            .lineTo({half - thick, -half - thick})
+            .lineTo({half + thick, -half + thick})
+            .lineTo({-half + thick, half + thick})
+            .close();
+    }
+
+    /// A hidden group with what stands at the origin until it is placed.
+    static Drawing::ID add(Drawing& drawing, const Path& path, const Paint& paint, const Affine& aside)
+    {
         const Drawing::ID id = drawing.beginGroup(aside);
-        drawing.fill(Path().moveTo({0, 0}).lineTo({length, -half}).lineTo({length, half}).close(), paint);
+        drawing.fill(path, paint);
         drawing.endGroup();
         drawing.setVisible(id, false);
         return id;

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Behind.h"
 #include "DepthProbe.h"
+#include "DimensionStyle.h"
 #include "Drawing.h"
 #include "Eye.h"
 
 #include <td/Export.h>
-#include <td/Types.h>
 
 #include <glm/vec3.hpp>
 
@@ -14,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -21,33 +21,7 @@
 namespace gui::draw
 {
 
-/// What dimensions look like, and how they say their value.
-struct DimensionStyle
-{
-    /// Where the text is.
-    enum class Text : td::BYTE
-    {
-        InLine,   ///< upright, in a gap of the line
-        AboveLine ///< turned as the line is, readable from below or from the right, above it
-    };
-
-    TextStyle text{};             ///< in points, whatever its unit says
-    Paint paint = "#202830";      ///< of lines and arrows
-    double width = 1;             ///< of lines, in points
-    double arrow = 9;             ///< the length of arrows, in points; without any where it is not above 0
-    double gap = 3;               ///< between what is measured and the extension lines, in points
-    double overshoot = 4;         ///< of extension lines beyond the dimension line, in points
-    bool hasExtensions = true;    ///< whether there are extension lines; of an angle they come from its apex
-    Text place = Text::InLine;    ///< see Text
-    double factor = 1;            ///< of lengths: 1000 tells millimetres of a model in metres
-    int decimals = 2;             ///< at most, 0 to 12
-    bool keepsZeros = false;      ///< whether 12.5 is 12.50
-    std::string prefix{};         ///< before the value, beside the signs for radius and diameter
-    std::string unit{};           ///< after a length: " mm"
-    std::string label{};          ///< in place of all of that
-    Behind behind = Behind::Hide; ///< what becomes of it when something is before it
-    double tolerance = 0;         ///< what is that near before it, in model units, does not hide it
-};
+struct DimensionMeasure;
 
 /// Dimensions of a model, as drawings of parts have them: they lie in space, are as thin and as legible from near and
 /// from afar, and tell what they measure.
@@ -136,7 +110,8 @@ private:
     struct Shapes;
 
     const Dimension* find(ID id) const;
-    ID add(Dimension&& dimension, std::initializer_list<glm::dvec3> probed);
+    ID add(std::optional<DimensionMeasure>&& measure, const DimensionStyle& style,
+           std::initializer_list<glm::dvec3> probed);
     ID addCircle(const glm::dvec3& center, const glm::dvec3& axis, double radius, const glm::dvec3& towards,
                  const DimensionStyle& style, bool isDiameter);
     void addShapes(Dimension& dimension);

@@ -119,6 +119,17 @@ public:
     ID textOn(const Path& path, const TextLayout& layout, const TextOnPath& placement = {});
     ID textOn(const Path& path, std::string_view text, const TextStyle& style = {}, const TextOnPath& placement = {});
 
+    /// A shape of the same size at every zoom: a town's dot, a handle to drag, the head of an arrow.
+    ///
+    ///     drawing.symbol({13.4, 52.5}, Path().addCircle({0, 0}, 4), "#203040");
+    ///
+    /// @param at    where it stands
+    /// @param path  about that place, in points, y downwards on the screen whatever the plane and groups do; filled by
+    ///              the non-zero rule
+    /// @return the symbol's id, which setPath takes as well. Picking goes by the rectangle around the path; for bounds
+    ///         it is where it stands
+    ID symbol(Point at, const Path& path, const Paint& paint);
+
     /// A picture over a rectangle, upright whichever way y grows. Its edges are as smooth as a fill's, also where it is
     /// turned; smaller than its pixels it is averaged, larger interpolated. Each image takes a draw call where others
     /// stand between.
@@ -166,11 +177,13 @@ public:
     /// The number that setTag gave a shape or, where that is 0, the innermost group around it that has one; else 0, as
     /// for an id that names nothing.
     std::uint64_t getTag(ID id) const;
-    /// Of a text, only where it lies along a path.
+    /// Of a text, only where it lies along a path; of a symbol, in points about its place.
     bool setPath(ID shape, const Path& path);
     /// Of a text only, which stays where it is, in the style of its beginning or as laid out.
     bool setText(ID text, std::string_view string);
     bool setText(ID text, const TextLayout& layout);
+    /// With another anchor, offset, angle or frame; of a text at a point only.
+    bool setText(ID text, const TextLayout& layout, const TextPlacement& placement);
     /// Of what was added by image only, which keeps its rectangle (and loses the colour that it may have got).
     bool setImage(ID shape, const Image& image);
     /// Of a stroke only.
@@ -235,6 +248,7 @@ public:
     std::vector<ID> pickAll(const Rect& rect) const;
 
 private:
+    friend class Dimensions;
     friend class Upload;
     struct Impl;
     std::unique_ptr<Impl> _pImpl;

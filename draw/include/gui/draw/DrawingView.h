@@ -67,8 +67,8 @@ public:
     /// How near the pointer has to be to a shape, in points; 3 at first. 0 for areas side by side, such as countries.
     /// @param points  below 0, or NaN, as 0
     void setReach(double points);
-    /// Where the pointer is, as event records have it; empty when it is elsewhere, or has not moved yet. In the handlers
-    /// of clicks it is where the click was: `getModelPoint(*getPointer())` in model units.
+    /// Where the pointer is, as event records have it; empty when it is elsewhere, or has not moved yet. In the
+    /// handlers of clicks it is where the click was: `getModelPoint(*getPointer())` in model units.
     const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
     /// The keys that were held when the pointer last moved or a button was pressed or released, for those who select:
     ///

@@ -82,8 +82,7 @@ public:
     /// Gives a label a symbol, such as a town's dot: a shape at its place that is shown while the label is, in
     /// whichever form, and that no other label covers.
     ///
-    ///     const Path dot = Path().moveTo(place).lineTo(place);
-    ///     labels.setSymbol(id, drawing.stroke(dot, {.width = 4, .cap = Cap::Round}, "#203040"), 2);
+    ///     labels.setSymbol(id, drawing.symbol(place, Path().addCircle({0, 0}, 2), "#203040"), 2);
     ///
     /// @param label   what add gave
     /// @param symbol  a shape or a group of the drawing, from now on shown, hidden, moved and, by clear, removed as the

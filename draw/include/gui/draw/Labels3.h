@@ -54,9 +54,9 @@ struct Label3
     /// Of what it names, in model units: where the whole text is longer than that is seen, it is not shown. 0 for
     /// everywhere.
     double extent = 0;
-    std::optional<Leader> leader{}; ///< `Leader()` for a thin line with a dot, `Leader{.width = 0}` for the dot alone
+    std::optional<Leader> leader{};   ///< `Leader()` for a thin line with a dot, `Leader{.width = 0}` for the dot alone
     std::optional<TextFrame> frame{}; ///< behind the text; none for none
-    Behind behind = Behind::Hide;      ///< what becomes of it when something is before its point
+    Behind behind = Behind::Hide;     ///< what becomes of it when something is before its point
     /// What is that near before the point, in model units, does not hide it: for points inside of a thing.
     double tolerance = 0;
 };
