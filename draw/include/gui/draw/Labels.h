@@ -162,8 +162,9 @@ private:
         Drawing::Point symbolFrom{};
     };
 
-    void addInside(const Path& area, const Drawing::Rect& part, std::span<const TextLayout> forms, const AreaRule& rule,
-                   double minZoom, std::vector<Drawing::ID>& ids);
+    struct Inside;
+
+    void add(Inside& inside, const Drawing::Rect& part, double minZoom);
     Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
                        const LabelRule& rule, bool isAlternative);
 
