@@ -37,13 +37,10 @@ RoomFinder::RoomFinder(const Path& area, const Drawing::Rect& within)
         {
             const std::size_t count = std::min(cStretch + 1, line.count - begin);
             const auto points = std::span(std::as_const(_outline.points)).subspan(line.first + begin, count);
-            double low = points[0].y, high = low;
-            for (const Path::Point& point : points)
-            {
-                low = std::min(low, point.y);
-                high = std::max(high, point.y);
-            }
-            _stretches.push_back({points, low, high});
+            Drawing::Rect box(points[0].x, points[0].y, points[0].x, points[0].y);
+            for (const auto& [x, y] : points)
+                box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x), std::max(box.bottom, y)};
+            _stretches.push_back({points, box});
         }
 }
 
@@ -71,11 +68,16 @@ std::optional<Drawing::Rect> RoomFinder::find(const Drawing::Rect& within) const
                 std::clamp(std::lerp(from.x, to.x, part), within.left, within.right));
         }
     };
-    // Most stretches of a long line are between two rows.
-    for (const Stretch& stretch : _stretches)
-        if (rowFrom(stretch.low) < rowFrom(stretch.high))
-            for (std::size_t i = 1; i < stretch.points.size(); ++i)
-                cross(stretch.points[i - 1], stretch.points[i]);
+    // Most stretches of a long line are between two rows. Of those beside the part it matters only on which side of
+    // each row they begin and end.
+    for (const auto& [points, box] : _stretches)
+        if (rowFrom(box.top) >= rowFrom(box.bottom))
+            continue;
+        else if (box.right <= within.left || box.left >= within.right)
+            cross(points.front(), points.back());
+        else
+            for (std::size_t i = 1; i < points.size(); ++i)
+                cross(points[i - 1], points[i]);
     for (const Polylines::Line& line : _outline.lines)
         cross(_outline.pointsOf(line).back(), _outline.pointsOf(line).front());
 

@@ -26,7 +26,7 @@ private:
     struct Stretch
     {
         std::span<const Path::Point> points;
-        double low, high;
+        Drawing::Rect box; // around them
     };
 
     Polylines _outline;
