@@ -103,6 +103,37 @@ void Labels::add(Inside& inside, const Drawing::Rect& part, double minZoom)
     }
 }
 
+std::vector<Drawing::ID> Labels::addBeside(const Drawing::Rect& box, const TextLayout& name, const BesideRule& rule)
+{
+    std::vector<Drawing::ID> ids;
+    const double width = box.right - box.left, height = box.bottom - box.top, size = std::max(width, height);
+    if (_labels.empty() || !(size > 0) || !std::isfinite(size))
+        return ids;
+    const double maxZoom = rule.largestInView / size;
+    for (const Anchor anchor : {Anchor::Top, Anchor::Left, Anchor::Bottom, Anchor::Right})
+    {
+        // The way there on the screen, and in the plane.
+        const double x = 1 - 2 * anchor.x, down = 1 - 2 * *anchor.y, y = rule.isYDown ? down : -down;
+        const Drawing::Point at((box.left + box.right + x * width) / 2, (box.top + box.bottom + y * height) / 2);
+        const auto isFree = [&](double zoom)
+        {
+            const double w = name.getSize().width / 2 / zoom, h = name.getSize().height / 2 / zoom;
+            for (const double along : {-1.0, -0.5, 0.0, 0.5, 1.0})
+                for (const double across : {-1.0, 0.0, 1.0})
+                    if (rule.isFree && !rule.isFree({at.x + (x + along) * w, at.y + (y + across) * h}))
+                        return false;
+            return true;
+        };
+        double zoom = (rule.smallestInView > 0 ? rule.smallestInView : 1) / size;
+        while (zoom < maxZoom && !isFree(zoom))
+            zoom *= 1.5;
+        if (zoom < maxZoom)
+            ids.push_back(addAlternative(at, name, {anchor, {x * rule.gap, down * rule.gap}},
+                                         {.minZoom = zoom, .maxZoom = maxZoom}));
+    }
+    return ids;
+}
+
 std::optional<Drawing::Rect> Labels::findRoom(const Path& shape, const Drawing::Rect& within)
 {
     return RoomFinder(shape, within).find(within);

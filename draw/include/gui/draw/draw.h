@@ -58,6 +58,7 @@
 #include "Ray.h"
 #include "Samples.h"
 #include "Scale.h"
+#include "ScaleBar.h"
 #include "Series.h"
 #include "SeriesStyle.h"
 #include "Shadows.h"
