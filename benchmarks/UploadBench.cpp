@@ -22,6 +22,7 @@ namespace
 {
 
 using namespace gui::draw;
+using examples::TopoJSON;
 using worldmap::Projection;
 
 const worldmap::Countries& countries()
@@ -39,27 +40,28 @@ const worldmap::Countries& countries()
 std::size_t fillWith(auto& to)
 {
     std::size_t nCorners = 0;
-    const auto addLines = [&](const std::vector<worldmap::Line>& lines, Projection projection, double shift)
+    const auto addLines = [&](const std::vector<TopoJSON::Line>& lines, const auto& toPlane, double shift)
     {
-        for (const worldmap::Line& line : lines)
+        for (const TopoJSON::Line& line : lines)
         {
             nCorners += line.size();
-            const Path path = worldmap::pathOf(line, projection).transform(Affine::translation(shift, 0));
+            const Path path = examples::pathOf(line, toPlane).transform(Affine::translation(shift, 0));
             to.stroke(path, {.width = 0.8, .join = Join::Round}, "#6b5f58");
         }
     };
     for (const double shift : {0, 400, 800})
     {
         const Projection projection = shift == 400 ? Projection::Mercator : Projection::Equirectangular;
-        for (const std::vector<worldmap::Line>& rings : countries().fine.countries)
+        const auto toPlane = [projection](const worldmap::Point& degrees) { return project(projection, degrees); };
+        for (const std::vector<TopoJSON::Line>& rings : countries().fine.areas)
         {
-            for (const worldmap::Line& ring : rings)
+            for (const TopoJSON::Line& ring : rings)
                 nCorners += ring.size();
-            const Path area = worldmap::areaOf(rings, projection).transform(Affine::translation(shift, 0));
+            const Path area = examples::areaOf(rings, toPlane).transform(Affine::translation(shift, 0));
             to.fill(area, "#e9dc9a", FillRule::EvenOdd);
         }
-        addLines(countries().fine.borders, projection, shift);
-        addLines(countries().fine.coasts, projection, shift);
+        addLines(countries().fine.borders, toPlane, shift);
+        addLines(countries().fine.coasts, toPlane, shift);
     }
     return nCorners;
 }

@@ -1,5 +1,6 @@
 #include "TopoJSON.h"
 
+#include <gui/Res.h>
 #include <vo/Log.h>
 
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 #include <cstdint>
 #include <numeric>
 #include <set>
+#include <span>
 #include <stdexcept>
 #include <utility>
 
@@ -299,6 +301,13 @@ bool TopoJSON::load(std::string_view json, const std::string& object, double gra
         vo::dbgLog("ERROR! TopoJSON::load cannot read object: %s (%s)", object.c_str(), broken.what());
         return false;
     }
+}
+
+bool TopoJSON::loadCompiled(const char* resource, const std::string& object, double grain, TopoJSON* pWhole)
+{
+    std::span<const td::BYTE> file; // with nothing in it, no JSON either
+    gui::Res::getCompiled(resource, file);
+    return load({reinterpret_cast<const char*>(file.data()), file.size()}, object, grain, pWhole);
 }
 
 std::size_t TopoJSON::getNoOfRings() const

@@ -52,6 +52,10 @@ public:
     [[nodiscard]] bool load(std::string_view json, const std::string& object, double grain = 0,
                             TopoJSON* pWhole = nullptr);
 
+    /// The same of a file that is compiled into the program. @return false, after that line, when there is none
+    [[nodiscard]] bool loadCompiled(const char* resource, const std::string& object, double grain = 0,
+                                    TopoJSON* pWhole = nullptr);
+
     const std::vector<Area>& getAreas() const { return _areas; }
     /// Those that two areas or more share, each once, in the order of the file's arcs.
     const std::vector<Border>& getBorders() const { return _borders; }

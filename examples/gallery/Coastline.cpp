@@ -5,7 +5,6 @@
 
 #include <common/NaturalEarth.h>
 #include <common/TopoJSON.h>
-#include <gui/Res.h>
 #include <gui/gl/gl.h>
 
 #include <glm/ext/matrix_transform.hpp>
@@ -36,9 +35,7 @@ public:
     bool init() override
     {
         TopoJSON world;
-        std::span<const td::BYTE> file;
-        if (!gui::Res::getCompiled(":gallery/countries-50m.json", file) ||
-            !world.load({reinterpret_cast<const char*>(file.data()), file.size()}, "countries"))
+        if (!world.loadCompiled(":gallery/countries-50m.json", "countries"))
             return false;
 
         _buffer.init(0, 101'000, 0, {DataType::Vec2});

@@ -10,7 +10,6 @@
 #include <common/NaturalEarth.h>
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
-#include <gui/Res.h>
 #include <gui/draw/draw.h>
 #include <gui/gl/Context.h>
 
@@ -93,9 +92,7 @@ public:
     bool init() override
     {
         TopoJSON world;
-        std::span<const td::BYTE> file;
-        if (!gui::Res::getCompiled(":gallery/countries-50m.json", file) ||
-            !world.load({reinterpret_cast<const char*>(file.data()), file.size()}, "countries", cMapGrain))
+        if (!world.loadCompiled(":gallery/countries-50m.json", "countries", cMapGrain))
             return false;
         addGround(world);
         _labels.setMargin(3);
@@ -206,21 +203,17 @@ private:
                 path.lineTo({static_cast<double>(point.x), static_cast<double>(point.y)});
             _ground.stroke(path, {.width = 1}, cNet);
         }
-        std::vector<TopoJSON::Line> borders, coasts;
-        for (const TopoJSON::Area& country : world.getAreas())
+        const examples::FlatMap map(world, cMapMiddle);
+        for (const std::vector<TopoJSON::Line>& country : map.areas)
         {
             Path path;
-            for (const TopoJSON::Line& ring : examples::layOnMap(country, cMapMiddle))
+            for (const TopoJSON::Line& ring : country)
                 path.addPath(pathOf(ring).close());
             _ground.fill(path, cLand, gui::draw::FillRule::EvenOdd);
         }
-        for (const TopoJSON::Border& border : world.getBorders())
-            examples::layOnMap(border.line, false, cMapMiddle, borders);
-        for (const TopoJSON::Border& coast : world.getCoasts())
-            examples::layOnMap(coast.line, false, cMapMiddle, coasts);
-        for (const TopoJSON::Line& line : borders)
+        for (const TopoJSON::Line& line : map.borders)
             _ground.stroke(pathOf(line), {.width = 1, .dashes = {4, 2.5}}, cBorder);
-        for (const TopoJSON::Line& line : coasts)
+        for (const TopoJSON::Line& line : map.coasts)
             _ground.stroke(pathOf(line), {.width = 0.8, .join = gui::draw::Join::Round}, cCoast);
         // What sticks out beyond the map's edge.
         Path outside = Path().addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});

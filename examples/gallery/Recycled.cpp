@@ -5,7 +5,6 @@
 #include "Scenes.h"
 
 #include <common/TopoJSON.h>
-#include <gui/Res.h>
 
 #include <glm/geometric.hpp>
 
@@ -53,9 +52,7 @@ public:
     bool init() override
     {
         TopoJSON world;
-        std::span<const td::BYTE> file;
-        if (!gui::Res::getCompiled(":gallery/countries-50m.json", file) ||
-            !world.load({reinterpret_cast<const char*>(file.data()), file.size()}, "countries"))
+        if (!world.loadCompiled(":gallery/countries-50m.json", "countries"))
             return false;
 
         const Outline arrow{{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}};

@@ -41,10 +41,8 @@ bool Countries::init()
     // What lies at the rim is as good as hidden.
     _names.setIsHidden([](const glm::dvec3& point, const Eye& eye)
                        { return glm::dot(glm::normalize(eye.getPosition() - point), point) < 0.2; });
-    const td::String json = gui::getResText("globe/countries-50m.json");
     TopoJSON coarse;
-    if (!_shapes.load({json.c_str(), json.length()}, "countries") ||
-        !coarse.load({json.c_str(), json.length()}, "countries", cCoarse))
+    if (!coarse.loadCompiled(":globe/countries-50m.json", "countries", cCoarse, &_shapes))
         return false;
     addLines(_borders, _shapes);
     addLines(_coarseBorders, coarse);

@@ -18,7 +18,7 @@ AreaPlot::AreaPlot(const worldmap::Countries& countries)
     for (std::size_t i = 0; i < countries.all.size(); ++i)
     {
         double area = 0;
-        for (const worldmap::Line& ring : countries.fine.countries[i])
+        for (const auto& ring : countries.fine.areas[i])
             for (std::size_t k = 0, before = ring.size() - 1; k < ring.size(); before = k++)
                 area += (ring[k].x - ring[before].x) * (height(ring[k]) + height(ring[before])) / 2;
         if (countries.all[i].name != "Antarctica") // which is there twice where the map ends

@@ -2,7 +2,7 @@
 
 #include "Projection.h"
 
-#include <common/TopoJSON.h>
+#include <common/FlatRing.h>
 
 #include <cstddef>
 #include <string>
@@ -13,9 +13,6 @@ namespace worldmap
 
 constexpr std::size_t cNoOfColors = 6;
 
-/// Points in degrees. A line that crosses the map's edge sticks out, and is there once more on the other side.
-using Line = examples::TopoJSON::Line;
-
 struct Country
 {
     std::string name;     ///< UTF-8
@@ -23,15 +20,7 @@ struct Country
     bool isAlone = false; ///< it has no neighbours
 };
 
-/// The lines of the map, each once.
-struct Outlines
-{
-    std::vector<std::vector<Line>> countries; ///< closed lines around each of them, and its holes
-    std::vector<Line> coasts;
-    std::vector<Line> borders;
-};
-
-/// The countries of the world, without any picture of them.
+/// The countries of the world, without any picture of them. Points are in degrees.
 struct Countries
 {
     static constexpr std::size_t cNone = std::size_t(-1);
@@ -40,8 +29,8 @@ struct Countries
     [[nodiscard]] bool load();
 
     std::vector<Country> all;
-    Outlines fine;
-    Outlines coarse; ///< without points that are nearer than a seventh of a degree
+    examples::FlatMap fine;
+    examples::FlatMap coarse; ///< without points that are nearer than a seventh of a degree
 };
 
 } // namespace worldmap

@@ -8,37 +8,31 @@
 namespace worldmap
 {
 
-/// A window with the whole map, on which a rectangle shows what another view sees of it. A click, or a drag, moves that
-/// view there.
+using namespace gui::draw;
+
+namespace
+{
+
+// In points.
+constexpr double cLineHeight = 22;
+constexpr double cLeft = 10.5; // the middle of a pixel
+constexpr double cCountryLeft = 158; // beside the widest place
+
+} // namespace
+
 class MapView::Overview : public SheetView
 {
 public:
-    Overview(const Countries& countries, SheetView& map)
-        : SheetView(countries, map.getMapProjection())
-        , _map(map)
+    explicit Overview(SheetView& map)
+        : SheetView(map.getCountries(), map.getMapProjection())
     {
+        setOverviewOf(&map);
         _window.show(*this);
     }
 
     bool isOpen() const { return _window.isOpen(); }
 
 protected:
-    void onDraw(const td::RectNormalized<double>& rect) override
-    {
-        setProjection(_map.getMapProjection());
-        SheetView::onDraw(rect);
-        _frame.clear();
-        _frame.stroke(gui::draw::Path().addRect(_map.getVisible()), {.width = 2}, td::ColorID::Crimson);
-        _frame.draw(*this);
-    }
-    void onPrimaryButtonPressed(const gui::InputDevice& device) override
-    {
-        _map.setCenter(getModelPoint(device.getFramePoint()));
-    }
-    void onCursorDragged(const gui::InputDevice& device) override { onPrimaryButtonPressed(device); }
-    void onShapeDoubleClicked(gui::draw::Drawing::ID) override {}
-    bool onScroll(const gui::InputDevice&) override { return true; }
-    bool onZoom(const gui::InputDevice&) override { return true; }
     bool onKeyPressed(const gui::Key& key) override
     {
         const bool isEnd = std::toupper(key.getChar()) == 'O' || key.getVirtual() == gui::Key::Virtual::Escape;
@@ -48,16 +42,15 @@ protected:
     }
 
 private:
-    SheetView& _map;
-    gui::draw::Drawing _frame;
     gui::Window _window{"World map - overview", {440, 232}};
 };
 
 MapView::MapView(gui::Window& window, const Countries& countries)
     : SheetView(countries, Projection::Equirectangular)
     , _window(window)
-    , _countries(countries)
-    , _names(countries)
+    , _band(_legend.fill(Path().addRect({0, -cLineHeight, 1, 0}), "#ffffffe0"))
+    , _place(_legend.text({cLeft, -cLineHeight / 2}, "", writing(0), {.anchor = Anchor::Left}))
+    , _country(_legend.text({cCountryLeft, -cLineHeight / 2}, "", writing(0), {.anchor = Anchor::Left}))
 {
     setBindings(Bindings::Modified);
 }
@@ -74,20 +67,27 @@ void MapView::onDraw(const td::RectNormalized<double>& rect)
     if (!_isWritten)
         return;
     _names.draw(*this);
-    _legend.draw(*this, getPointer(), getCountry() == Countries::cNone ? "" : _countries.all[getCountry()].name);
+    const Rect seen = getVisible();
+    _legend.setTransform(_band, Affine::scaling((seen.right - seen.left) * getZoom(), 1));
+    _legend.setText(_place, getPointer() ? getPlaceText(*getPointer()) : "");
+    _legend.setText(_country, getCountry() == Countries::cNone ? "" : getCountries().all[getCountry()].name);
+    _legend.draw(Affine::translation(0, (seen.bottom - seen.top) * getZoom()), getPixelHiDPIScale());
+    _scaleBar.draw(*this, getPointsPerKilometre() / getZoom());
 }
 
 void MapView::onOriginChanged()
 {
-    if (_pOverview != nullptr)
-        _pOverview->reRender();
+    if (_pOverview == nullptr)
+        return;
+    _pOverview->setProjection(getMapProjection());
+    _pOverview->reRender();
 }
 
-void MapView::onShapeEntered(gui::draw::Drawing::ID shape)
+void MapView::onShapeEntered(Drawing::ID shape)
 {
     highlight(drawing().getTag(shape) - 1);
     const bool isNone = getCountry() == Countries::cNone;
-    _window.setTitle(isNone ? "World map" : ("World map - " + _countries.all[getCountry()].name).c_str());
+    _window.setTitle(isNone ? "World map" : ("World map - " + getCountries().all[getCountry()].name).c_str());
 }
 
 bool MapView::onKeyPressed(const gui::Key& key)
@@ -98,7 +98,7 @@ bool MapView::onKeyPressed(const gui::Key& key)
     else if (letter == 'L')
         _isWritten = !_isWritten;
     else if (letter == 'O')
-        _pOverview = getOverview() ? nullptr : std::make_unique<Overview>(_countries, *this);
+        _pOverview = getOverview() ? nullptr : std::make_unique<Overview>(*this);
     else if (key.getVirtual() == gui::Key::Virtual::Escape)
         gui::Application::quit();
     else

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Legend.h"
 #include "Names.h"
 
 #include <gui/Window.h>
+#include <gui/draw/ScaleBar.h>
 
 #include <memory>
 
@@ -12,9 +12,9 @@ namespace worldmap
 
 /// The map to go about in, with the name of the country under the pointer in its window's title.
 ///
-/// Drag with Shift, wheel, wheel with Ctrl, pinch, plus, minus, 0 and arrow keys: see OrthoView. A double click flies
-/// to a country. M changes the projection, L shows and hides what is written on the map, O opens and closes an
-/// overview, Escape ends the program.
+/// Wheel, wheel with Ctrl, pinch, plus, minus, 0 and arrow keys: see OrthoView. A drag with Shift flies to a box, a
+/// double click to a country. M changes the projection, L shows and hides what is written on the map, O opens and
+/// closes an overview, Escape ends the program.
 class MapView : public SheetView
 {
 public:
@@ -38,10 +38,18 @@ private:
     class Overview;
 
     gui::Window& _window;
-    const Countries& _countries;
     bool _isWritten = true; // names, scale bar and the line below
     Names _names;
-    Legend _legend;
+    gui::draw::Drawing _legend; // in points from the lower left corner
+    gui::draw::Drawing::ID _band, _place, _country;
+    gui::draw::ScaleBar _scaleBar{{.units = {{1, " km"}},
+                                   .length = 120,
+                                   .offset = {10, -30},
+                                   .paint = "#26384a",
+                                   .width = 1,
+                                   .height = 6,
+                                   .text = writing(1.75),
+                                   .rim = {1}}};
     std::unique_ptr<Overview> _pOverview;
 };
 

@@ -16,10 +16,7 @@ gui::draw::TextStyle writing(double halo);
 class Names
 {
 public:
-    /// @param countries  must outlive the names
-    explicit Names(const Countries& countries);
-
-    void draw(SheetView& map);
+    void draw(const SheetView& map);
 
     /// Whether its name was on the map when that was drawn last, in sight or not.
     bool isShown(std::size_t country) const
@@ -28,10 +25,8 @@ public:
     }
 
 private:
-    void make(SheetView& map);
-    void addBeside(SheetView& map, std::size_t country, const gui::draw::TextLayout& name, const Rect& box);
+    void make(const SheetView& map);
 
-    const Countries& _countries;
     gui::draw::Drawing _drawing;
     gui::draw::Labels _labels{_drawing};
     std::vector<std::vector<gui::draw::Drawing::ID>> _ids; // of each country's names

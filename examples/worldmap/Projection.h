@@ -45,9 +45,8 @@ inline Point unproject(Projection projection, const Point& point)
 inline Rect sheetOf(Projection projection)
 {
     const bool isMercator = projection == Projection::Mercator;
-    const double south = project(projection, {0, isMercator ? -78.0 : -90.0}).y;
-    const double north = project(projection, {0, isMercator ? 84.0 : 90.0}).y;
-    return {cMiddleLongitude - 180, south, cMiddleLongitude + 180, north};
+    return {project(projection, {cMiddleLongitude - 180, isMercator ? -78.0 : -90.0}),
+            project(projection, {cMiddleLongitude + 180, isMercator ? 84.0 : 90.0})};
 }
 
 } // namespace worldmap

@@ -1,15 +1,18 @@
 #include "SheetView.h"
 
-#include <limits>
+#include <gui/draw/Globe.h>
+
+#include <utility>
 
 namespace worldmap
 {
 
+using namespace gui::draw;
+using examples::areaOf;
+using examples::pathOf;
+
 namespace
 {
-
-using gui::draw::FillRule;
-using gui::draw::Path;
 
 // In points.
 constexpr double cMargin = 12;
@@ -17,33 +20,16 @@ constexpr double cInSight = 60; // of the map, that no move takes away
 
 constexpr double cFineZoom = 4; // points per degree; from there on coarse lines are seen to be
 constexpr double cMinZoom = 0.5, cMaxZoom = 400;
-constexpr double cNetStep = 15;   // degrees
-constexpr double cFarAway = 2000; // of the map, farther than any view shows
-constexpr double cInfinity = std::numeric_limits<double>::infinity();
+constexpr double cNetStep = 15, cFarAway = 2000; // degrees; the latter are more than any view shows
+constexpr double cKilometresPerDegree = 111.2;   // on a sphere as large as the earth
 
 constexpr td::Color cSeaColor = "#a9c4dc", cNetColor = "#c3d6e7", cPaperColor = "#ffffff";
 constexpr td::Color cCoastColor = "#4f6f8f", cBorderColor = "#6b5f58", cHighlightColor = "#f08a5d";
 constexpr td::Color cLandColors[cNoOfColors] = {"#e9dc9a", "#f6cfae", "#cdbedb", "#f4edd6", "#b3d6a4", "#e9b9bf"};
 
-const gui::draw::Stroke cPen{.width = 0.8, .join = gui::draw::Join::Round};
+const Stroke cPen{.width = 0.8, .join = Join::Round};
 
 } // namespace
-
-Path pathOf(const Line& degrees, Projection projection)
-{
-    Path path;
-    for (const Point& point : degrees)
-        path.lineTo(project(projection, point));
-    return path;
-}
-
-Path areaOf(const std::vector<Line>& rings, Projection projection)
-{
-    Path area;
-    for (const Line& ring : rings)
-        area.addPath(pathOf(ring, projection).close());
-    return area;
-}
 
 SheetView::SheetView(const Countries& countries, Projection projection)
     : DrawingView(false)
@@ -59,33 +45,20 @@ SheetView::SheetView(const Countries& countries, Projection projection)
 void SheetView::make()
 {
     const Rect area = sheetOf(_projection);
+    const auto toPlane = [this](const Point& degrees) { return project(_projection, degrees); };
     drawing().clear();
     drawing().setPickable(drawing().beginGroup(), false);
     for (double degrees = -180; degrees < 200; degrees += cNetStep)
     {
-        drawing().stroke(pathOf({{degrees, -90}, {degrees, 90}}, _projection), {}, cNetColor);
+        drawing().stroke(pathOf({{degrees, -90}, {degrees, 90}}, toPlane), {}, cNetColor);
         if (std::abs(degrees) < 90)
-            drawing().stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, _projection), {}, cNetColor);
+            drawing().stroke(pathOf({{area.left, degrees}, {area.right, degrees}}, toPlane), {}, cNetColor);
     }
     drawing().endGroup();
-    _groups.clear();
-    for (const Country& country : _countries.all)
-    {
-        const std::size_t number = _groups.size();
-        _groups.push_back(drawing().beginGroup());
-        drawing().setTag(_groups.back(), number + 1);
-        for (const Outlines* pOutlines : {&_countries.coarse, &_countries.fine})
-        {
-            const bool isFine = pOutlines == &_countries.fine;
-            const Path path = areaOf(pOutlines->countries[number], _projection);
-            drawing().setZoomRange(drawing().fill(path, cLandColors[country.color], FillRule::EvenOdd),
-                                   isFine ? cFineZoom : 0, isFine ? cInfinity : cFineZoom);
-        }
-        drawing().endGroup();
-    }
     overlay().clear();
-    addLines(_countries.coarse, 0, cFineZoom);
-    addLines(_countries.fine, cFineZoom, cInfinity);
+    _lands.assign(_countries.all.size(), {});
+    addMap(_countries.coarse, 0, cFineZoom);
+    addMap(_countries.fine, cFineZoom, 2 * cMaxZoom);
     const Path edge = Path().addRect(area), beyond = Path(edge).addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
     overlay().fill(beyond, cPaperColor, FillRule::EvenOdd);
     overlay().stroke(edge, cPen, cCoastColor);
@@ -94,29 +67,52 @@ void SheetView::make()
     highlight(_highlighted);
 }
 
-void SheetView::addLines(const Outlines& outlines, double minZoom, double maxZoom)
+void SheetView::addMap(const examples::FlatMap& map, double minZoom, double maxZoom)
 {
+    const auto toPlane = [this](const Point& degrees) { return project(_projection, degrees); };
+    drawing().setZoomRange(drawing().beginGroup(), minZoom, maxZoom);
+    for (std::size_t i = 0; i < map.areas.size(); ++i)
+    {
+        const td::Color color = cLandColors[_countries.all[i].color];
+        _lands[i].push_back(drawing().fill(areaOf(map.areas[i], toPlane), color, FillRule::EvenOdd));
+        drawing().setTag(_lands[i].back(), i + 1);
+    }
+    drawing().endGroup();
     overlay().setZoomRange(overlay().beginGroup(), minZoom, maxZoom);
-    for (const Line& line : outlines.borders)
-        overlay().stroke(pathOf(line, _projection), cPen, cBorderColor);
-    for (const Line& line : outlines.coasts)
-        overlay().stroke(pathOf(line, _projection), cPen, cCoastColor);
+    for (const auto& line : map.borders)
+        overlay().stroke(pathOf(line, toPlane), cPen, cBorderColor);
+    for (const auto& line : map.coasts)
+        overlay().stroke(pathOf(line, toPlane), cPen, cCoastColor);
     overlay().endGroup();
 }
 
 void SheetView::highlight(std::size_t country)
 {
-    if (_highlighted != Countries::cNone)
-        drawing().setColor(_groups[_highlighted], cLandColors[_countries.all[_highlighted].color]);
-    _highlighted = country;
-    if (country != Countries::cNone)
-        drawing().setColor(_groups[country], cHighlightColor);
+    for (const std::size_t i : {std::exchange(_highlighted, country), country})
+        if (i != Countries::cNone)
+            for (const Drawing::ID land : _lands[i])
+                drawing().setColor(land, i == country ? cHighlightColor : cLandColors[_countries.all[i].color]);
     reRender();
+}
+
+std::string SheetView::getPlaceText(const Point& viewPoint) const
+{
+    const Rect sheet = sheetOf(_projection);
+    const Point point = getModelPoint(viewPoint);
+    if (point.x < sheet.left || point.x > sheet.right || point.y < sheet.top || point.y > sheet.bottom)
+        return {};
+    return Globe::getText(unproject(_projection, point), 2);
+}
+
+double SheetView::getPointsPerKilometre() const
+{
+    const double latitude = std::clamp(unproject(_projection, getCenter()).y, -85.0, 85.0);
+    return getZoom() / (cKilometresPerDegree * std::cos(latitude * cDegree));
 }
 
 void SheetView::setProjection(Projection projection)
 {
-    if (projection == _projection && !_groups.empty())
+    if (projection == _projection && !_lands.empty())
         return;
     const Point middle = unproject(_projection, getCenter());
     const double zoom = getZoom();

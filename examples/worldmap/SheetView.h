@@ -7,11 +7,6 @@
 namespace worldmap
 {
 
-/// A line on the map.
-gui::draw::Path pathOf(const Line& degrees, Projection projection);
-/// What closed lines enclose, by the even-odd rule.
-gui::draw::Path areaOf(const std::vector<Line>& rings, Projection projection);
-
 /// A view with a map in it, whole and in the middle until somebody moves it. The tag of a country's shapes is one more
 /// than its number.
 class SheetView : public gui::draw::DrawingView
@@ -20,25 +15,29 @@ public:
     /// @param countries  must outlive the view
     SheetView(const Countries& countries, Projection projection);
 
+    const Countries& getCountries() const { return _countries; }
     void setProjection(Projection projection);
     Projection getMapProjection() const { return _projection; }
 
-    /// @param point  of the plane  @return the country that is drawn there, or Countries::cNone
-    std::size_t find(const Point& point) const { return drawing().getTag(drawing().pick(point)) - 1; }
     /// Around a country, in the plane.
-    Rect getBounds(std::size_t country) const { return drawing().getBounds(_groups[country]).value_or(Rect()); }
+    Rect getBounds(std::size_t country) const { return drawing().getBounds(_lands[country][1]).value_or(Rect()); }
     /// Draws a country in another colour from now on. @param country  Countries::cNone for none of them
     void highlight(std::size_t country);
     /// Which one, or Countries::cNone.
     std::size_t getCountry() const { return _highlighted; }
 
+    /// Which place a point of the view is, in degrees; empty beyond the map.
+    std::string getPlaceText(const Point& viewPoint) const;
+    /// Along the parallel in the middle of the view.
+    double getPointsPerKilometre() const;
+
 private:
     void make();
-    void addLines(const Outlines& outlines, double minZoom, double maxZoom);
+    void addMap(const examples::FlatMap& map, double minZoom, double maxZoom);
 
     const Countries& _countries;
     Projection _projection{};
-    std::vector<gui::draw::Drawing::ID> _groups; // of each country's shapes
+    std::vector<std::vector<gui::draw::Drawing::ID>> _lands; // of each country, the coarse shape and the fine one
     std::size_t _highlighted = Countries::cNone;
 };
 

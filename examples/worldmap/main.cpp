@@ -10,13 +10,12 @@
 namespace
 {
 
-using worldmap::Projection;
-
 constexpr const char* cHelp = R"(Usage: worldmap [--out FOLDER] | --help
 
 Shows the countries of the world. The line below says where the pointer is.
 
-  drag with Shift, wheel, arrow keys   move
+  wheel, arrow keys                    move
+  drag with Shift                      fly to what the box is around
   wheel with Ctrl, pinch, + and -      zoom; 0 shows all of the map again
   double click                         fly to a country
   M                                    equirectangular or Mercator projection
@@ -28,20 +27,11 @@ Shows the countries of the world. The line below says where the pointer is.
                  GUIGL_SCALE=2 draws two pixels per point
 )";
 
-bool drawPicture(worldmap::MapView& view, const std::filesystem::path& file, Projection projection, double zoom = 0,
-                 const td::Point<double>& middle = {})
-{
-    view.setProjection(projection);
-    view.goHome();
-    if (zoom > 0)
-        view.setCenter(project(projection, middle), zoom);
-    return examples::savePicture(view, file);
-}
-
 } // namespace
 
 int main(int argc, char** argv)
 {
+    using worldmap::Projection;
     const examples::CommandLine asked = examples::readCommandLine(argc, argv, cHelp);
     if (asked.exitStatus)
         return *asked.exitStatus;
@@ -56,8 +46,11 @@ int main(int argc, char** argv)
         return 1;
     if (asked.folder.empty())
         return app.run();
-    const bool isDrawn = drawPicture(view, asked.folder / "world.png", Projection::Equirectangular) &&
-                         drawPicture(view, asked.folder / "europe.png", Projection::Mercator, 14, {14, 51}) &&
-                         drawPicture(view, asked.folder / "italy.png", Projection::Mercator, 60, {12.2, 42.9});
-    return isDrawn ? 0 : 1;
+    const auto save = [&](const char* name) { return examples::savePicture(view, asked.folder / name); };
+    bool areSaved = save("world.png");
+    view.setProjection(Projection::Mercator);
+    view.setCenter(project(Projection::Mercator, {14, 51}), 14);
+    areSaved = areSaved && save("europe.png");
+    view.setCenter(project(Projection::Mercator, {12.2, 42.9}), 60);
+    return areSaved && save("italy.png") ? 0 : 1;
 }

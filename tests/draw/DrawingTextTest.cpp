@@ -757,6 +757,45 @@ TEST(LabelsTest, PartsHaveNamesOfTheirOwn)
     EXPECT_TRUE(labels.isShown(ids[0]) && labels.isShown(ids[1]) && !labels.isShown(ids[2]));
 }
 
+// Whichever way y grows; in a place that is never free, before it is free, and for what has no size.
+TEST(LabelsTest, WhatIsSmallHasItsNameBesideItWhereThereIsRoom)
+{
+    const TextLayout name("name", {.size = 10});
+    const Drawing::Rect island(0, 0, 10, 10);
+    for (const bool isYDown : {true, false})
+    {
+        Drawing drawing;
+        Labels labels(drawing);
+        EXPECT_TRUE(labels.addBeside(island, name).empty()) << "no label";
+        const std::vector<Drawing::ID> inside = labels.addInside(Path().addRect(island), island, "name", {.size = 10});
+        EXPECT_TRUE(labels.addBeside({0, 0, 0, 0}, name).empty());
+        // Land on the left, and more of it far down on the screen.
+        const auto isSea = [isYDown](const Drawing::Point& p) { return p.x > -50 && (isYDown ? p.y < 15 : p.y > -5); };
+        const std::vector<Drawing::ID> ids = labels.addBeside(
+            island, name, {.smallestInView = 1, .largestInView = 60, .isYDown = isYDown, .isFree = isSea});
+        ASSERT_EQ(ids.size(), 4U);
+        for (const Drawing::ID id : inside)
+            labels.setWanted(id, false);
+        const auto shownAt = [&](double zoom)
+        {
+            labels.place(zoom);
+            return std::ranges::find_if(ids, [&](Drawing::ID id) { return labels.isShown(id); }) - ids.begin();
+        };
+        EXPECT_EQ(shownAt(8), 4) << "the island is large";
+        EXPECT_EQ(shownAt(1), 1) << "the sea below is too narrow";
+        // Each in its turn, where the ones before are not wanted.
+        const Point places[] = {{5, isYDown ? 10.0 : 0}, {10, 5}, {5, isYDown ? 0.0 : 10}, {0, 5}};
+        for (std::size_t i = 0; i < 4; ++i)
+        {
+            EXPECT_EQ(shownAt(4.5), static_cast<std::ptrdiff_t>(i));
+            const Drawing::Rect at = drawing.getBounds(ids[i]).value_or(Drawing::Rect());
+            EXPECT_TRUE(at.left == places[i].x && at.top == places[i].y) << at.left << ' ' << at.top;
+            labels.setWanted(ids[i], false);
+        }
+        EXPECT_EQ(labels.addBeside(island, name, {.isFree = [](const auto&) { return false; }}).size(), 0U);
+    }
+}
+
 // A layer that has moved stands at fractions of pixels that a new one would not; its programs, tables, pictures of
 // glyphs and images are to be there again.
 TEST_F(DrawingTextTest, ADrawingIsThereAgainToThePixelAfterALoss)

@@ -41,6 +41,8 @@ public:
     using DrawingView::onPrimaryButtonDblClick;
     using DrawingView::onPrimaryButtonPressed;
     using DrawingView::onPrimaryButtonReleased;
+    using DrawingView::onScroll;
+    using DrawingView::onZoom;
     using DrawingView::prepareNextFrame;
 
     std::string told;
@@ -155,6 +157,33 @@ TEST_F(DrawingViewGLTest, TellsWhatComesUnderThePointer)
     EXPECT_EQ(view.told, "e1e2e0");
     view.onPrimaryButtonDblClick(at(102, 150));
     EXPECT_TRUE(view.isFlying());
+}
+
+// What moves the wrong one of two views.
+TEST_F(DrawingViewGLTest, AnOverviewShowsAndMovesAnotherView)
+{
+    PlanView plan, overview;
+    overview.setOverviewOf(&plan);
+    ASSERT_TRUE(overview.setHome({0, 0, 40, 20}));
+    plan.setCenter({20, 10}, 40); // sees 10 by 5 units
+    ASSERT_TRUE(context().resize({400, 200}));
+    glViewport(0, 0, 400, 200);
+    overview.onDraw({});
+    EXPECT_EQ(pixel(150, 100), pixel(250, 100)) << "both edges";
+    EXPECT_NE(pixel(150, 100), pixel(160, 100));
+    overview.onPrimaryButtonPressed(at(100, 100));
+    EXPECT_TRUE(plan.getCenter().x == 10 && plan.getCenter().y == 10);
+    overview.onCursorDragged(at(300, 50));
+    EXPECT_TRUE(plan.getCenter().x == 30 && plan.getCenter().y == 15);
+    overview.onPrimaryButtonReleased(at(300, 50));
+    overview.onPrimaryButtonDblClick(at(50, 150));
+    InputDevice wheel = at(100, 100);
+    gui::InputDeviceHelper(&wheel).setScale(2);
+    EXPECT_TRUE(overview.onScroll(wheel) && overview.onZoom(wheel));
+    EXPECT_TRUE(overview.isAtHome() && !overview.isFlying());
+    overview.setOverviewOf(nullptr);
+    EXPECT_TRUE(overview.onZoom(wheel) && !overview.isAtHome());
+    EXPECT_EQ(plan.getCenter().x, 5) << "where the last press was";
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "support/OffscreenGL.h"
 
 #include <gui/gl/FrameLedger.h>
-#include <worldmap/Legend.h>
 #include <worldmap/Names.h>
 
 #include <algorithm>
@@ -15,7 +14,6 @@ namespace
 
 using test::world;
 using worldmap::Countries;
-using worldmap::Line;
 using worldmap::Names;
 using worldmap::Point;
 using worldmap::Projection;
@@ -38,6 +36,8 @@ public:
         setCenter(project(getMapProjection(), degrees));
     }
 
+    std::size_t find(const Point& point) const { return drawing().getTag(drawing().pick(point)) - 1; }
+
     std::string nameAt(const Point& degrees)
     {
         const std::size_t country = find(project(getMapProjection(), degrees));
@@ -57,7 +57,7 @@ TEST_F(WorldmapGLTest, CountriesDifferFromThoseAcrossTheirBorders)
     map.setZoom(cFineZoom);
     map.onDraw({});
     std::size_t nSeen = 0;
-    for (const Line& line : world().fine.borders)
+    for (const examples::TopoJSON::Line& line : world().fine.borders)
         for (std::size_t i = 1; i < line.size(); i += 4)
         {
             const Point middle((line[i - 1].x + line[i].x) / 2, (line[i - 1].y + line[i].y) / 2);
@@ -130,7 +130,7 @@ TEST_F(WorldmapGLTest, NamesHaveRoomWhereTheyBelong)
         {Projection::Mercator, 390, {"Lesotho", "Italy"}, {"Vatican"}},
     };
     const std::vector<worldmap::Country>& countries = world().all;
-    Names names(world());
+    Names names;
     for (const auto& c : cases)
     {
         Map map(c.projection);
@@ -150,39 +150,28 @@ TEST_F(WorldmapGLTest, NamesHaveRoomWhereTheyBelong)
     }
 }
 
-TEST_F(WorldmapGLTest, TheLegendTellsLengthsAndPlaces)
+TEST_F(WorldmapGLTest, LengthsAndPlacesAreThoseInTheMiddle)
 {
-    const struct
-    {
-        double length, round;
-    } lengths[] = {{1, 1}, {1.9, 1}, {2, 2}, {4.9, 2}, {5, 5}, {9.9, 5}, {10, 10}, {119, 100}, {4999, 2000}};
-    for (const auto& c : lengths)
-        EXPECT_NEAR(worldmap::roundLength(c.length), c.round, 1e-9) << c.length;
-
     const struct
     {
         Projection projection;
         double zoom;
         Point middle;
-        const char* length; // of at most 120 points, a degree of the equator being 111.2 km
+        double kilometre; // in points, a degree of the equator being 111.2 km
         const char* place;
     } cases[] = {
-        {Projection::Equirectangular, 1.7, {11, 0}, "5000 km", "0.00\u00b0 N 11.00\u00b0 E"},
-        {Projection::Equirectangular, 60, {28.2, -29.5}, "100 km", "29.50\u00b0 S 28.20\u00b0 E"},
-        {Projection::Mercator, 60, {-20, 64}, "50 km", "64.00\u00b0 N 20.00\u00b0 W"},
-        {Projection::Mercator, 390, {190, 0}, "20 km", "0.00\u00b0 N 170.00\u00b0 W"},
-        {Projection::Equirectangular, 10, {0, 95}, "100 km", ""},
+        {Projection::Equirectangular, 1.7, {11, 0}, 0.01529, "0.00\u00b0 N 11.00\u00b0 E"},
+        {Projection::Equirectangular, 60, {28.2, -29.5}, 0.6199, "29.50\u00b0 S 28.20\u00b0 E"},
+        {Projection::Mercator, 60, {-20, 64}, 1.2309, "64.00\u00b0 N 20.00\u00b0 W"},
+        {Projection::Mercator, 390, {190, 0}, 3.507, "0.00\u00b0 N 170.00\u00b0 W"},
+        {Projection::Equirectangular, 10, {0, 95}, 1.0318, ""},
     };
-    worldmap::Legend legend;
     for (const auto& c : cases)
     {
         Map map(c.projection);
         map.lookAt(c.zoom, c.middle);
-        legend.draw(map, Point(320, 180), "");
-        EXPECT_EQ(legend.getScaleText(), c.length);
-        EXPECT_EQ(legend.getPlaceText(), c.place);
-        legend.draw(map, std::nullopt, "");
-        EXPECT_EQ(legend.getPlaceText(), "");
+        EXPECT_NEAR(map.getPointsPerKilometre(), c.kilometre, 1e-3 * c.kilometre);
+        EXPECT_EQ(map.getPlaceText({320, 180}), c.place);
     }
 }
 

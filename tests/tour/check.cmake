@@ -201,6 +201,6 @@ check_length(examples/cad/main.cpp 140)
 # A hundred of code.
 check_length(examples/meshview/main.cpp 110)
 check_code(examples/globe 364)
-check_code(examples/worldmap 593)
+check_code(examples/worldmap 451)
 check_length(examples/first/plane/CMakeLists.txt 6)
 check_length(examples/first/sphere/CMakeLists.txt 5)

@@ -18,6 +18,9 @@ constexpr double cSmall = 16;
 /// boxes: the parts of all of them would take longer than what a few boxes look at in vain.
 constexpr double cLargestBox = 64;
 
+/// So often fills and strokes of a chunk alternate at most for them to be told apart: in between a range ends.
+constexpr std::size_t cMostTurns = 3;
+
 /// Quads between triangles that cost less than another range does.
 constexpr std::uint32_t cBetween = 64;
 
@@ -112,7 +115,7 @@ void DrawList::append(std::vector<Inside>& insides, const Inside& inside)
 void DrawList::append(std::vector<Inside>& insides, const Entry& entry)
 {
     const std::uint32_t end = entry.first + entry.count;
-    if (entry.ink == cShapes)
+    if (areShapes(entry.ink))
         append(insides, {entry.first, end, {end - entry.nTriangles, entry.nTriangles}});
 }
 
@@ -148,6 +151,14 @@ void DrawList::renew(std::size_t number)
     chunk.zooms = {cInfinity, 0};
     chunk.shared = {};
     const std::size_t end = std::min((number + 1) * cChunk, _shapes.size());
+    std::size_t nTurns = 0;
+    for (std::uint32_t last = cShapes; const Entry& entry : std::span(_shapes.data(), end).subspan(number * cChunk))
+        if (entry.count != 0 && areShapes(entry.ink))
+        {
+            nTurns += last != cShapes && last != entry.ink;
+            last = entry.ink;
+        }
+    chunk.isMixed = nTurns > cMostTurns;
     float count = 0;
     for (std::size_t i = number * cChunk; i < end; ++i)
     {
@@ -164,13 +175,13 @@ void DrawList::renew(std::size_t number)
         chunk.margin = std::max(chunk.margin, entry.margin);
         chunk.zooms = {std::min(chunk.zooms.min, entry.zooms.min), std::max(chunk.zooms.max, entry.zooms.max)};
         chunk.shared = chunk.shared & entry.zooms;
-        append(chunk.parts, {{entry.first, entry.count}, entry.ink});
+        append(chunk.parts, {{entry.first, entry.count}, chunk.inkOf(entry)});
         append(chunk.insides, entry);
         // Glyphs' sizes are not those of their shapes' boxes.
         if (areGlyphs(entry.ink))
             append(chunk.boxes, {{entry.first, entry.count}, entry.ink});
         else
-            append(chunk.boxes, {{cBoxes + entry.record, 1}, entry.ink});
+            append(chunk.boxes, {{cBoxes + entry.record, 1}, chunk.inkOf(entry)});
     }
     for (std::size_t i = number * cChunk; i < end; ++i)
     {
@@ -204,10 +215,10 @@ void DrawList::selectWithin(std::size_t number, const Box& seen, bool isSmall, d
                 areSeen[i] != 0 && entry.count != 0 && touches(entry.box, seen) && entry.zooms.has(zoom))
             {
                 if (isSmall && !areGlyphs(entry.ink))
-                    select({{cBoxes + entry.record, 1}, entry.ink});
+                    select({{cBoxes + entry.record, 1}, _chunks[number].inkOf(entry)});
                 else
                 {
-                    select({{entry.first, entry.count}, entry.ink});
+                    select({{entry.first, entry.count}, _chunks[number].inkOf(entry)});
                     append(_insides, entry);
                 }
             }

@@ -45,10 +45,13 @@ public:
     /// Quads from this number on are long elements, and from that one on boxes around the shapes of records.
     static constexpr std::uint32_t cLongElements = 1U << 27, cBoxes = 1U << 28;
 
-    /// What is drawn together: shapes, glyphs by their outlines, by their pictures or some by either, and what has an
-    /// image, by the numbers from cImages on.
-    static constexpr std::uint32_t cShapes = 0, cGlyphs = 1, cPictures = 2, cBoth = 3, cImages = 4;
-    static bool areGlyphs(std::uint32_t ink) { return ink != cShapes && ink < cImages; }
+    /// What is drawn together: shapes of any kind where fills and strokes alternate, or only the ones or the others;
+    /// glyphs by their outlines, by their pictures or some by either; and what has an image, by the numbers from
+    /// cImages on.
+    static constexpr std::uint32_t cShapes = 0, cFills = 1, cStrokes = 2, cGlyphs = 3, cPictures = 4, cBoth = 5;
+    static constexpr std::uint32_t cImages = 6;
+    static bool areShapes(std::uint32_t ink) { return ink < cGlyphs; }
+    static bool areGlyphs(std::uint32_t ink) { return !areShapes(ink) && ink < cImages; }
 
     struct Shape
     {
@@ -130,7 +133,10 @@ private:
         float margin = 0;        // the largest
         ZoomRange zooms, shared; // of any, and of all
         bool isStale = true;
+        bool isMixed = false; // its fills and strokes are not told apart
         Cells cells{};
+
+        std::uint32_t inkOf(const Entry& entry) const { return isMixed && areShapes(entry.ink) ? cShapes : entry.ink; }
         std::vector<Piece> parts, boxes;
         std::vector<Inside> insides; // of parts
     };

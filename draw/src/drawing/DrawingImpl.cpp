@@ -291,6 +291,7 @@ void Drawing::Impl::enlist(const Item& item)
         if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
             shape.margin =
                 static_cast<float>(item.pLine->stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+        shape.ink = item.kind == Kind::Fill ? DrawList::cFills : DrawList::cStrokes;
         if (item.image != 0)
             shape.ink = DrawList::cImages + item.image - 1;
         if (item.kind == Kind::Glyphs)

@@ -269,6 +269,7 @@ struct Drawing::Impl
     void findCorners(const Item& item, std::vector<std::uint32_t>& corners) const;
     /// Where both may have the same points.
     std::optional<Rect> overlapOf(const Item& a, const Item& b) const;
+    static bool areTogether(const Item& a, const Item& b);
     bool haveCorner(const Item& a, const Item& b) const;
     void renewLinks();
 

@@ -108,6 +108,13 @@ void Drawing::Impl::renewLinks()
     staleLinks.clear();
 }
 
+// At some zoom.
+bool Drawing::Impl::areTogether(const Item& a, const Item& b)
+{
+    const ZoomRange both = a.zooms & b.zooms;
+    return both.min < both.max;
+}
+
 void Drawing::Impl::findCorners(const Item& item, std::vector<std::uint32_t>& corners) const
 {
     // One that so many others are around says nothing of who is near whom.
@@ -121,7 +128,7 @@ void Drawing::Impl::findCorners(const Item& item, std::vector<std::uint32_t>& co
             continue;
         for (const std::uint32_t other : around)
             if (&items[other] != &item && std::find(seen.begin(), seen.end(), other) == seen.end() &&
-                haveCorner(item, items[other]))
+                areTogether(item, items[other]) && haveCorner(item, items[other]))
             {
                 seen.push_back(other);
                 corners.push_back(other);

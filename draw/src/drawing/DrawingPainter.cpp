@@ -24,6 +24,8 @@ constexpr std::size_t cManyPrograms = 6;
 /// pixel, and there the edges of a text's glyphs that overlap may lack a little.
 constexpr std::size_t cManyPasses = 8;
 
+constexpr std::size_t cManyQuads = 10000, cFewQuads = 1000;
+
 /// From so many pixels on a shape may have lines that floats are too coarse for.
 constexpr double cFar = 30000;
 
@@ -194,21 +196,55 @@ bool isImage(const DrawList::Pass& pass) { return pass.ink >= DrawList::cImages;
 /// How passes are drawn together: the fewer programs, the more each of them does for every pixel.
 enum class Merging
 {
-    None,  ///< each by its own program
-    Texts, ///< those of glyphs in a row by one
-    All    ///< all but images
+    None,   ///< each by its own program
+    Shapes, ///< fills and strokes in a row by one
+    Texts,  ///< those of glyphs in a row as well
+    All     ///< all but images
 };
+
+// The same for what one program draws.
+std::uint32_t inkOf(const DrawList::Pass& pass, Merging merging)
+{
+    if (isImage(pass) || merging == Merging::None)
+        return pass.ink;
+    if (merging == Merging::All || DrawList::areShapes(pass.ink))
+        return DrawList::cShapes;
+    return merging == Merging::Texts ? DrawList::cBoth : pass.ink;
+}
+
+// Those in a row that one program draws: up to which pass.
+auto findEnd(std::span<const DrawList::Pass>::iterator pass, std::span<const DrawList::Pass> passes, Merging merging)
+{
+    return std::find_if(pass + 1, passes.end(),
+                        [ink = inkOf(*pass, merging), merging](const DrawList::Pass& other)
+                        { return inkOf(other, merging) != ink; });
+}
 
 // In so many steps.
 std::size_t countSteps(std::span<const DrawList::Pass> passes, Merging merging)
 {
     std::size_t n = 0;
-    for (std::size_t i = 0; i < passes.size(); ++i)
-        n += !isImage(passes[i]) && !(merging == Merging::Texts && i > 0 && DrawList::areGlyphs(passes[i].ink) &&
-                                      DrawList::areGlyphs(passes[i - 1].ink))
-                 ? 1
-                 : 0;
+    for (auto pass = passes.begin(); pass != passes.end(); pass = findEnd(pass, passes, merging))
+        n += isImage(*pass) ? 0 : 1;
     return n;
+}
+
+// @param areMany  quads: linking one program for fills and one for strokes takes as long as it saves for some thousand
+Merging mergingFor(std::span<const DrawList::Pass> passes, bool areMany)
+{
+    for (const Merging merging : {areMany ? Merging::None : Merging::Shapes, Merging::Shapes, Merging::Texts})
+        if (countSteps(passes, merging) <= cManyPasses)
+            return merging;
+    return Merging::All;
+}
+
+// These are drawn by a program that others are likely to need anyway.
+bool areFew(std::span<const gl::Quads::Range> ranges)
+{
+    std::size_t nQuads = 0;
+    for (const gl::Quads::Range& range : ranges)
+        nQuads += range.count;
+    return nQuads < cFewQuads;
 }
 
 } // namespace
@@ -222,9 +258,7 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
         return false;
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
     const std::span<const DrawList::Pass> passes = list.getPasses();
-    const Merging merging = countSteps(passes, Merging::None) <= cManyPasses    ? Merging::None
-                            : countSteps(passes, Merging::Texts) <= cManyPasses ? Merging::Texts
-                                                                                : Merging::All;
+    const Merging merging = mergingFor(passes, tables.getElements().size() >= cManyQuads);
     // Texts alone are behind nothing.
     if (std::all_of(passes.begin(), passes.end(),
                     [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }))
@@ -232,10 +266,11 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
     for (auto pass = passes.begin(); pass != passes.end();)
     {
         const std::size_t first = pass->first;
-        const std::uint32_t ink = pass->ink;
-        const bool areGlyphs = DrawList::areGlyphs(ink);
+        const std::uint32_t ink = inkOf(*pass, merging);
+        const auto last = findEnd(pass, passes, merging);
+        const auto ranges =
+            list.getRanges().subspan(first, (last == passes.end() ? list.getRanges().size() : last->first) - first);
         unsigned int needed = features | far;
-        bool hasDepth = true;
         if (isImage(*pass))
         {
             const unsigned int texture = images.getTexture(ink - DrawList::cImages + 1);
@@ -243,33 +278,24 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
                 return fail("GL has no room for an image");
             gl::Textures::bindToSamplerUnit(texture, DrawingPrograms::cImageUnit, gl::Texture::Type::Tex2D);
             needed = HasFills | HasImages | far;
-            ++pass;
         }
         else if (merging == Merging::All)
-        {
             needed |= glyphFeatures;
-            pass = std::find_if(pass, passes.end(), isImage);
-        }
-        else
-        {
-            // A text's glyphs overlap each other's boxes.
-            hasDepth = !areGlyphs;
-            const auto last =
-                areGlyphs && merging == Merging::Texts
-                    ? std::find_if(pass, passes.end(),
-                                   [](const DrawList::Pass& other) { return !DrawList::areGlyphs(other.ink); })
-                    : pass + 1;
-            const bool isMerged = last - pass > 1;
-            pass = last;
-            if (areGlyphs && ink == DrawList::cPictures && !isMerged)
-                needed = DrawingPrograms::cPicturesAlone | HasPictures |
-                         (glyphFeatures & (HasHalos | HasColors | HasPlaced));
-            else if (areGlyphs)
-                needed = glyphFeatures & ~(ink == DrawList::cGlyphs && !isMerged ? HasPictures | HasColors : 0U);
-        }
-        const std::size_t end = pass == passes.end() ? list.getRanges().size() : pass->first;
+        else if (ink == DrawList::cFills)
+            needed = (needed & ~(HasStrokes | HasRound | HasCaps | HasDashes)) | (areFew(ranges) ? HasLinks : 0U);
+        else if (ink == DrawList::cStrokes)
+            needed = (needed & ~(HasFills | HasLinks)) | (areFew(ranges) ? HasRound : 0U);
+        else if (pass->ink == DrawList::cPictures && last - pass == 1)
+            needed =
+                DrawingPrograms::cPicturesAlone | HasPictures | (glyphFeatures & (HasHalos | HasColors | HasPlaced));
+        else if (DrawList::areGlyphs(ink))
+            needed =
+                glyphFeatures & ~(pass->ink == DrawList::cGlyphs && last - pass == 1 ? HasPictures | HasColors : 0U);
+        // A text's glyphs overlap each other's boxes.
+        const bool hasDepth = merging == Merging::All || !DrawList::areGlyphs(ink);
+        pass = last;
         gl::Context::maskDepthBuffer(hasDepth);
-        if (!drawRanges(tables, sight, needed, list.getRanges().subspan(first, end - first)))
+        if (!drawRanges(tables, sight, needed, ranges))
             return false;
     }
     return true;

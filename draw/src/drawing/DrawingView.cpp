@@ -40,6 +40,21 @@ struct DrawingView::Box
     }
 };
 
+/// What another view sees.
+struct DrawingView::Overview
+{
+    gl::OrthoView& of;
+    td::Color color;
+    Drawing drawing{};
+
+    void draw(const DrawingView& view)
+    {
+        drawing.clear();
+        drawing.stroke(Path().addRect(of.getVisible()), {.width = 2}, color);
+        drawing.draw(view);
+    }
+};
+
 DrawingView::DrawingView(bool yDown)
 {
     setBindings(Bindings::Plain);
@@ -55,6 +70,12 @@ void DrawingView::setBackground(td::Color color)
 }
 
 void DrawingView::setReach(double points) { _reach = std::max(0.0, points); }
+
+void DrawingView::setOverviewOf(gl::OrthoView* pView, td::Color color)
+{
+    _pOverview.reset(pView != nullptr ? new Overview{*pView, color} : nullptr);
+    reRender();
+}
 
 bool DrawingView::showAll(double margin)
 {
@@ -129,6 +150,8 @@ void DrawingView::onDraw(const td::RectNormalized<double>&)
     gl::Context::clear(gl::Context::Clear::Color, _background);
     _drawing.draw(*this);
     _overlay.draw(*this);
+    if (_pOverview)
+        _pOverview->draw(*this);
     if (_pBox)
         _pBox->draw(*this);
 }
@@ -174,6 +197,8 @@ void DrawingView::onCursorExited(const InputDevice& device)
 
 void DrawingView::onCursorDragged(const InputDevice& device)
 {
+    if (_pOverview)
+        return onPrimaryButtonPressed(device);
     // Before the plane moves along: the same shape stays under it.
     setPointer(device);
     _isClick = _isClick && std::hypot(_pointer->x - _pressed.x, _pointer->y - _pressed.y) < cClick;
@@ -189,6 +214,8 @@ void DrawingView::onCursorDragged(const InputDevice& device)
 
 void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 {
+    if (_pOverview)
+        return _pOverview->of.setCenter(getModelPoint(device.getFramePoint()));
     setPointer(device);
     _pressed = *_pointer;
     _isClick = true;
@@ -220,8 +247,19 @@ void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
     OrthoView::onPrimaryButtonDblClick(device);
     setPointer(device);
     _isClick = false;
-    onShapeDoubleClicked(shapeAt(*_pointer));
+    if (!_pOverview)
+        onShapeDoubleClicked(shapeAt(*_pointer));
 }
+
+void DrawingView::onOtherDragged(const InputDevice& device)
+{
+    if (!_pOverview)
+        OrthoView::onOtherDragged(device);
+}
+
+bool DrawingView::onScroll(const InputDevice& device) { return _pOverview || OrthoView::onScroll(device); }
+
+bool DrawingView::onZoom(const InputDevice& device) { return _pOverview || OrthoView::onZoom(device); }
 
 bool DrawingView::onKeyPressed(const Key& key)
 {

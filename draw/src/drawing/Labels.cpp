@@ -10,7 +10,6 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <span>
 #include <utility>
 
 namespace gui::draw
@@ -242,85 +241,6 @@ void Labels::place(const Affine& modelToView)
     _step = step;
     _direction = direction;
     _isPlaced = true;
-}
-
-std::optional<Drawing::Rect> Labels::findRoom(const Path& shape, const Drawing::Rect& within)
-{
-    constexpr int cNoOfRows = 19;
-    constexpr double cOffMiddle = 0.6; // how much less a strip at the upper or lower end is worth
-    constexpr double cFlat = 1.0 / 256;
-    const double width = within.right - within.left, height = within.bottom - within.top;
-    const double step = height / (cNoOfRows + 1), tolerance = std::max(width, height) * cFlat;
-    if (!(step > 0) || !(width > 0) || !std::isfinite(tolerance))
-        return std::nullopt;
-
-    // Where each row's line enters and leaves the shape.
-    std::array<std::vector<double>, cNoOfRows + 2> crossings;
-    // A row has what lies at it or below, and not what is above. Rounded up without a call, and NaN is below all.
-    const auto rowFrom = [&](double y)
-    {
-        const double place = (y - within.top) / step;
-        const int whole = place > 0 ? static_cast<int>(std::min(place, cNoOfRows + 1.0)) : 0;
-        return whole + (place > whole && whole <= cNoOfRows ? 1 : 0);
-    };
-    const auto cross = [&](Path::Point from, Path::Point to)
-    {
-        const auto [low, high] = std::minmax(from.y, to.y);
-        for (int row = rowFrom(low), end = rowFrom(high); row < end; ++row)
-        {
-            const double part = (within.top + row * step - from.y) / (to.y - from.y);
-            crossings[static_cast<std::size_t>(row)].push_back(
-                std::clamp(std::lerp(from.x, to.x, part), within.left, within.right));
-        }
-    };
-    const Polylines outline = shape.flatten(tolerance);
-    for (const Polylines::Line& line : outline.lines)
-    {
-        const std::span<const Path::Point> points = outline.pointsOf(line);
-        // Most stretches of a long line are between two rows.
-        constexpr std::size_t cStretch = 32;
-        for (std::size_t begin = 0; begin + 1 < points.size(); begin += cStretch)
-        {
-            const std::size_t end = std::min(begin + cStretch, points.size() - 1);
-            double low = points[begin].y, high = low;
-            for (std::size_t i = begin + 1; i <= end; ++i)
-            {
-                low = std::min(low, points[i].y);
-                high = std::max(high, points[i].y);
-            }
-            if (rowFrom(low) < rowFrom(high))
-                for (std::size_t i = begin; i < end; ++i)
-                    cross(points[i], points[i + 1]);
-        }
-        cross(points.back(), points.front());
-    }
-
-    // A strip is inside of the shape in its middle row and in those above and below.
-    std::optional<Drawing::Rect> best;
-    double bestValue = 0;
-    std::vector<std::pair<double, unsigned int>> sides; // and a bit for the row
-    for (int row = 2; row < cNoOfRows; ++row)
-    {
-        sides.clear();
-        for (int i = 0; i < 3; ++i)
-            for (const double x : crossings[static_cast<std::size_t>(row - 1 + i)])
-                sides.emplace_back(x, 1U << i);
-        std::sort(sides.begin(), sides.end());
-        const double worth = 1 - cOffMiddle * std::abs(2 * (row - 1.0) / (cNoOfRows - 1) - 1);
-        double left = within.left;
-        for (unsigned int inside = 0; const auto& [x, bit] : sides)
-        {
-            if (inside == 7 && (x - left) * worth > bestValue)
-            {
-                bestValue = (x - left) * worth;
-                const double y = within.top + row * step;
-                best = Drawing::Rect{left, y - step, x, y + step};
-            }
-            inside ^= bit;
-            left = x;
-        }
-    }
-    return best;
 }
 
 } // namespace gui::draw

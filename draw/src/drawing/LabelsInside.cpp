@@ -1,3 +1,4 @@
+#include "RoomFinder.h"
 #include "ShapeGeometry.h"
 
 #include <gui/draw/Labels.h>
@@ -41,51 +42,101 @@ std::vector<Drawing::ID> Labels::addInside(const Path& area, const Drawing::Rect
     return addInside(area, within, forms, rule);
 }
 
+/// An area that gets its names.
+struct Labels::Inside
+{
+    const Path& area;
+    std::span<const TextLayout> forms;
+    AreaRule rule;
+    bool hasCurves;
+    const RoomFinder* pRooms; // of all of it
+    std::vector<Drawing::ID> ids{};
+
+    /// Curves are taken as finely as the part that is looked at wants them.
+    std::optional<Drawing::Rect> findRoom(const Drawing::Rect& part) const
+    {
+        return hasCurves ? Labels::findRoom(area, part) : pRooms->find(part);
+    }
+};
+
 std::vector<Drawing::ID> Labels::addInside(const Path& area, const Drawing::Rect& within,
                                            std::span<const TextLayout> forms, const AreaRule& rule)
 {
-    std::vector<Drawing::ID> ids;
+    const RoomFinder rooms(area, within);
+    Inside inside{area, forms, rule, area.hasCurves(), &rooms};
     const double size = std::max(within.right - within.left, within.bottom - within.top);
-    AreaRule sensible = rule;
     if (!(rule.largest >= size / cMostParts))
-        sensible.largest = size / cMostParts;
+        inside.rule.largest = size / cMostParts;
     if (!(rule.largestInView >= 1))
-        sensible.largestInView = 1;
+        inside.rule.largestInView = 1;
     if (std::isfinite(size) && !forms.empty())
-        addInside(area, within, forms, sensible, 0, ids);
-    return ids;
+        add(inside, within, 0);
+    return inside.ids;
 }
 
-void Labels::addInside(const Path& area, const Drawing::Rect& part, std::span<const TextLayout> forms,
-                       const AreaRule& rule, double minZoom, std::vector<Drawing::ID>& ids)
+void Labels::add(Inside& inside, const Drawing::Rect& part, double minZoom)
 {
-    const std::optional<Drawing::Rect> room = findRoom(area, part);
+    const std::optional<Drawing::Rect> room = inside.findRoom(part);
     const bool isWhole = minZoom == 0;
     if (!room && !isWhole)
         return;
     const double width = part.right - part.left, height = part.bottom - part.top;
     const Drawing::Point middle((part.left + part.right) / 2, (part.top + part.bottom) / 2);
     double maxZoom = std::numeric_limits<double>::infinity();
-    if (const double size = std::max(width, height); size > rule.largest)
+    if (const double size = std::max(width, height); size > inside.rule.largest)
     {
-        maxZoom = rule.largestInView / size;
+        maxZoom = inside.rule.largestInView / size;
         const bool isWide = width > height;
-        addInside(area, {part.left, part.top, isWide ? middle.x : part.right, isWide ? part.bottom : middle.y}, forms,
-                  rule, maxZoom, ids);
-        addInside(area, {isWide ? middle.x : part.left, isWide ? part.top : middle.y, part.right, part.bottom}, forms,
-                  rule, maxZoom, ids);
+        add(inside, {part.left, part.top, isWide ? middle.x : part.right, isWide ? part.bottom : middle.y}, maxZoom);
+        add(inside, {isWide ? middle.x : part.left, isWide ? part.top : middle.y, part.right, part.bottom}, maxZoom);
     }
     const double strip = room ? room->right - room->left : 0, beyond = isWhole ? cBeyond * (width - strip) : 0;
     const Drawing::Point at =
         room ? Drawing::Point((room->left + room->right) / 2, (room->top + room->bottom) / 2) : middle;
-    for (const TextLayout& form : forms)
+    for (const TextLayout& form : inside.forms)
     {
         const td::Size<double> size = form.getSize();
         const double fit = std::max(size.width / (strip + beyond), size.height / (cHighest * height));
-        const LabelRule zooms{rule.priority, std::max(fit, minZoom), maxZoom};
-        ids.push_back(&form == forms.data() ? add(at, form, {Anchor::Center}, zooms)
-                                            : addAlternative(at, form, {Anchor::Center}, zooms));
+        const LabelRule zooms{inside.rule.priority, std::max(fit, minZoom), maxZoom};
+        inside.ids.push_back(&form == inside.forms.data() ? add(at, form, {Anchor::Center}, zooms)
+                                                          : addAlternative(at, form, {Anchor::Center}, zooms));
     }
+}
+
+std::vector<Drawing::ID> Labels::addBeside(const Drawing::Rect& box, const TextLayout& name, const BesideRule& rule)
+{
+    std::vector<Drawing::ID> ids;
+    const double width = box.right - box.left, height = box.bottom - box.top, size = std::max(width, height);
+    if (_labels.empty() || !(size > 0) || !std::isfinite(size))
+        return ids;
+    const double maxZoom = rule.largestInView / size;
+    for (const Anchor anchor : {Anchor::Top, Anchor::Left, Anchor::Bottom, Anchor::Right})
+    {
+        // The way there on the screen, and in the plane.
+        const double x = 1 - 2 * anchor.x, down = 1 - 2 * *anchor.y, y = rule.isYDown ? down : -down;
+        const Drawing::Point at((box.left + box.right + x * width) / 2, (box.top + box.bottom + y * height) / 2);
+        const auto isFree = [&](double zoom)
+        {
+            const double w = name.getSize().width / 2 / zoom, h = name.getSize().height / 2 / zoom;
+            for (const double along : {-1.0, -0.5, 0.0, 0.5, 1.0})
+                for (const double across : {-1.0, 0.0, 1.0})
+                    if (rule.isFree && !rule.isFree({at.x + (x + along) * w, at.y + (y + across) * h}))
+                        return false;
+            return true;
+        };
+        double zoom = (rule.smallestInView > 0 ? rule.smallestInView : 1) / size;
+        while (zoom < maxZoom && !isFree(zoom))
+            zoom *= 1.5;
+        if (zoom < maxZoom)
+            ids.push_back(addAlternative(at, name, {anchor, {x * rule.gap, down * rule.gap}},
+                                         {.minZoom = zoom, .maxZoom = maxZoom}));
+    }
+    return ids;
+}
+
+std::optional<Drawing::Rect> Labels::findRoom(const Path& shape, const Drawing::Rect& within)
+{
+    return RoomFinder(shape, within).find(within);
 }
 
 std::optional<Drawing::Rect> Labels::findMain(const Path& area)

@@ -99,6 +99,8 @@ public:
     }
 
     const Record& operator[](std::size_t i) const { return _records[i]; }
+    /// With those that nobody has.
+    std::size_t size() const { return _records.size(); }
 
     void clear()
     {

@@ -125,7 +125,7 @@ float coverageOfFill(Place place, vec2 pixel)
     float alone = covered, together = covered;
     int nEdges = int(more.y & 65535u), nAll = nEdges + int(more.y >> 16);
     // Around a point some of those along edges count before the ones across do.
-    int i = 0, n = nEdges;
+    int i = 0, n = covered < 0.999 ? nEdges : 0;
     do if (i < n)
     {
         int other = int(texelFetch(links, int(more.x) + i).x);

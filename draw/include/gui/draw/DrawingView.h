@@ -67,6 +67,13 @@ public:
     /// How near the pointer has to be to a shape, in points; 3 at first. 0 for areas side by side, such as countries.
     /// @param points  below 0, or NaN, as 0
     void setReach(double points);
+    /// Makes this an overview of another view of the same plane: a rectangle shows what that sees, and a press or a
+    /// drag moves it there. This one is neither panned nor zoomed by the pointer then, and tells of no clicks. Call
+    /// reRender from the other's onOriginChanged.
+    /// @param pView  must outlive this, or another call; null for none
+    /// @param color  of the rectangle
+    void setOverviewOf(gl::OrthoView* pView, td::Color color = td::ColorID::Crimson);
+
     /// Where the pointer is, as event records have it; empty when it is elsewhere, or has not moved yet. In the
     /// handlers of clicks it is where the click was: `getModelPoint(*getPointer())` in model units.
     const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
@@ -106,10 +113,14 @@ protected:
     void onPrimaryButtonPressed(const InputDevice& device) override;
     void onPrimaryButtonReleased(const InputDevice& device) override;
     void onPrimaryButtonDblClick(const InputDevice& device) override;
+    void onOtherDragged(const InputDevice& device) override;
+    bool onScroll(const InputDevice& device) override;
+    bool onZoom(const InputDevice& device) override;
     bool onKeyPressed(const Key& key) override;
 
 private:
     struct Box;
+    struct Overview;
 
     Drawing::ID shapeAt(const td::Point<double>& viewPoint) const;
     void showWhole();
@@ -129,6 +140,7 @@ private:
     td::Point<double> _shownOrigin; // where showWhole has brought it
     double _shownZoom = 0;
     std::unique_ptr<Box> _pBox; // while one is drawn
+    std::unique_ptr<Overview> _pOverview;
 };
 
 } // namespace gui::draw

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <span>
@@ -35,6 +36,19 @@ struct AreaRule
     /// seen larger than `largestInView` points, but one for each half of it, and so on.
     double largest = std::numeric_limits<double>::infinity();
     double largestInView = 1100;
+};
+
+/// How Labels::addBeside names what is too small for a name within it. Lengths are in points.
+struct BesideRule
+{
+    double gap = 3; ///< between it and the name
+    /// The name is there while the longer side is seen this large, or larger, and smaller than `largestInView`.
+    double smallestInView = 5;
+    double largestInView = 1100; ///< see smallestInView
+    bool isYDown = true;         ///< the plane's y, as OrthoView::isYDown has it
+    /// Whether a name may lie over a point of the model, the sea, say; without it, over any. Asked at five points along
+    /// the name, at its top, middle and bottom.
+    std::function<bool(const Drawing::Point& point)> isFree{};
 };
 
 /// Texts of a drawing that don't cover each other: where there is no room for all, the more important ones are shown.
@@ -133,6 +147,18 @@ public:
     std::vector<Drawing::ID> addInside(const Path& area, const Drawing::Rect& within, std::string_view name,
                                        const TextStyle& style = {}, const AreaRule& rule = {});
 
+    /// Gives the label that was added last places beside something small, such as an island, as alternatives: below it,
+    /// to the right, above and to the left. Each is for the zooms that the rule names, but from the first one on at
+    /// which the rule has the name free there, to a step of half as much again.
+    ///
+    ///     labels.addInside(island, box, name, style);
+    ///     labels.addBeside(box, TextLayout(name, style), {.isFree = isSea});
+    ///
+    /// @param box   around it, in model units; without a size, or not finite, nothing is added
+    /// @param name  in points
+    /// @return their ids in the drawing; none before the first label, nor for places that are never free
+    std::vector<Drawing::ID> addBeside(const Drawing::Rect& box, const TextLayout& name, const BesideRule& rule = {});
+
     /// Where in a shape, such as a country, a line of text has most room: a strip that is nearly as long as any other
     /// and rather in the middle of the height than near an end. The text fits if it is no wider than the strip; how
     /// high it is, is the tenth of what was looked at.
@@ -161,8 +187,9 @@ private:
         Drawing::Point symbolFrom{};
     };
 
-    void addInside(const Path& area, const Drawing::Rect& part, std::span<const TextLayout> forms, const AreaRule& rule,
-                   double minZoom, std::vector<Drawing::ID>& ids);
+    struct Inside;
+
+    void add(Inside& inside, const Drawing::Rect& part, double minZoom);
     Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
                        const LabelRule& rule, bool isAlternative);
 
