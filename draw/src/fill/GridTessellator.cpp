@@ -16,12 +16,12 @@ namespace
 {
 
 // Beyond it, sums of coordinates and numbers of steps might not be finite.
-constexpr double cLargest = 1e300;
+constexpr double cMostCoordinate = 1e300;
 
 // The least step whose reciprocal is finite.
 constexpr double cSmallestStep = 0x1p-1022;
 
-bool isUsable(td::Point<double> p) { return std::abs(p.x) <= cLargest && std::abs(p.y) <= cLargest; }
+bool isUsable(td::Point<double> p) { return std::abs(p.x) <= cMostCoordinate && std::abs(p.y) <= cMostCoordinate; }
 
 } // namespace
 
@@ -95,7 +95,7 @@ bool GridTessellator::sweepOver(const FillGraph& edges, FillRule rule)
 // Chooses the grid and moves all points there.
 void GridTessellator::snap()
 {
-    Point low(cLargest, cLargest), high(-cLargest, -cLargest);
+    Point low(cMostCoordinate, cMostCoordinate), high(-cMostCoordinate, -cMostCoordinate);
     for (const Point& p : _lines.points)
         if (isUsable(p))
         {
@@ -103,7 +103,7 @@ void GridTessellator::snap()
             high = {std::max(high.x, p.x), std::max(high.y, p.y)};
         }
     _step = std::max(gridStepFor(low, high), cSmallestStep);
-    if (_leastStep > _step && _leastStep <= cLargest)
+    if (_leastStep > _step && _leastStep <= cMostCoordinate)
         _step = powerOfTwoFrom(_leastStep);
     const double inverse = 1 / _step;
     // The sum has no digits after the point.
