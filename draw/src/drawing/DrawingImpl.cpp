@@ -188,13 +188,14 @@ void Drawing::Impl::setGroup(Item& item, std::uint32_t to)
     if (item.group == to)
         return;
     findNeighbours();
+    const Affine before = wholeOf(item);
     if (item.group != cNoItem)
-        std::erase(items[item.group].members, slotOf(item));
+        std::erase(items[item.group].makeExtras().members, slotOf(item));
     item.group = to;
     if (to != cNoItem)
-        items[to].members.push_back(slotOf(item));
-    const Affine whole = to == cNoItem ? item.getTransform() : items[to].whole * item.getTransform();
-    whole == item.whole ? update(item) : updateMoved(item);
+        items[to].makeExtras().members.push_back(slotOf(item));
+    const Affine whole = to == cNoItem ? item.getTransform() : wholeOf(items[to]) * item.getTransform();
+    whole == before ? update(item) : updateMoved(item);
     updateZooms(item);
 }
 

@@ -258,7 +258,7 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
         return false;
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
     const std::span<const DrawList::Pass> passes = list.getPasses();
-    const Merging merging = mergingFor(passes, tables.getElements().size() >= cManyQuads);
+    const Merging merging = mergingFor(passes, tables.getNumberOfElements() >= cManyQuads);
     // Texts alone are behind nothing.
     if (std::all_of(passes.begin(), passes.end(),
                     [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }))

@@ -275,7 +275,7 @@ Drawing::ID Drawing::Impl::addSymbol(Point at, const Path& path, const Paint& pa
     addShape(Kind::Glyphs, Paint());
     group = around;
     Item& item = items[slot];
-    Item& glyph = items[item.members.front()];
+    Item& glyph = items[item.getMembers().front()];
     glyph.pLetters = std::make_unique<Letters>();
     glyph.origin = item.origin;
     glyph.step = cTextStep;
@@ -293,7 +293,7 @@ void Drawing::Impl::setSymbol(Item& item, const Path& path)
     letters.lines.assign(path.isEmpty() ? 0 : 1, bounds);
     letters.ink = {std::min(bounds.left, 0.0), std::min(bounds.top, 0.0), std::max(bounds.right, 0.0),
                    std::max(bounds.bottom, 0.0)};
-    setOutline(items[item.members.front()], path, FillRule::NonZero);
+    setOutline(items[item.getMembers().front()], path, FillRule::NonZero);
     update(item);
 }
 

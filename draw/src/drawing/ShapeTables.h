@@ -205,6 +205,8 @@ public:
     void bind() const;
 
     const Table<LongElement>& getLongElements() const { return _longElements; }
+    /// With those that nobody has.
+    std::size_t getNumberOfElements() const { return _elements.size(); }
     const Table<ShapeRecord>& getRecords() const { return _records; }
     const Table<GridPoint>& getPoints() const { return _points; }
     const Table<EdgeNode>& getNodes() const { return _nodes; }
