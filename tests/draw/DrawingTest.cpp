@@ -204,6 +204,56 @@ TEST_F(DrawingTest, FillsCoverTheirArea)
     }
 }
 
+// A fill of so many corners that numbers of points and nodes have no room in an element, a node of it so small that it is
+// one quad, and elements and glyphs that are brought into another order.
+TEST_F(DrawingTest, ShapesOfManyCornersAreExactInAnyOrder)
+{
+    // A quarter of the corners lie within five pixels of the lowest one, where the ring begins.
+    std::vector<Point> ring{{100, 100}};
+    const auto addTeeth = [&ring](Point from, Point to, int n, Point depth)
+    {
+        for (int i = 0; i < n; ++i)
+            ring.emplace_back(from.x + (to.x - from.x) * i / n + depth.x * (i % 2),
+                              from.y + (to.y - from.y) * i / n + depth.y * (i % 2));
+    };
+    addTeeth({101, 101}, {900, 140}, 5000, {0, 9});
+    addTeeth({900, 140}, {850, 900}, 5000, {-7, 0});
+    addTeeth({850, 900}, {130, 860}, 4999, {0, -5});
+    addTeeth({103, 104}, {100, 100.1}, 5000, {2, 0});
+    const Path large = Path().addPolygon(ring);
+    Coverage exact(cSize, cSize);
+    exact.add(test::fillRings(large), FillRule::NonZero);
+    Drawing alone;
+    alone.fill(large, cBlack);
+    EXPECT_TRUE(isClose(drawn(alone), exact, {0, 0, cSize, cSize}, {1, 4, 64}));
+
+    constexpr int cShapes = 1100;
+    std::vector<Path> shapes;
+    for (int i = 0; i < cShapes; ++i)
+        shapes.push_back(makeShape(i % 4, around({512, 512}, 480)));
+    shapes[400] = large;
+    shapes[800] = large.transformed(Affine{-.9, 0, 0, .9, 1000, 0});
+    const auto add = [&](Drawing& drawing, int i)
+    {
+        const auto gray = static_cast<td::BYTE>(i % 251);
+        const td::Color color(gray, gray, gray, 255);
+        if (i % 100 == 7)
+            return drawing.text({i % 1000 + 10.0, 500}, "order", {.size = 60, .unit = Unit::Model, .paint = color});
+        return drawing.fill(shapes[static_cast<std::size_t>(i)], color);
+    };
+    Drawing ordered, raised;
+    std::vector<Drawing::ID> ids;
+    for (int i = 0; i < cShapes; ++i)
+    {
+        ids.push_back(add(raised, i));
+        add(ordered, cShapes - 1 - i);
+    }
+    for (auto id = ids.rbegin(); id != ids.rend(); ++id)
+        raised.raise(*id);
+    // Which small ones are boxes goes by those beside them.
+    EXPECT_TRUE(isClose(drawn(raised), drawn(ordered), {0, 0, cSize, cSize}, {.1, 2, 4}));
+}
+
 // Where a translucent stroke crosses itself, or its own joins and caps, it is no darker either.
 TEST_F(DrawingTest, StrokesCoverWhatTheirBrushGoesOver)
 {
