@@ -225,9 +225,11 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
     const Merging merging = countSteps(passes, Merging::None) <= cManyPasses    ? Merging::None
                             : countSteps(passes, Merging::Texts) <= cManyPasses ? Merging::Texts
                                                                                 : Merging::All;
-    // Texts alone are behind nothing.
+    // Texts alone are behind nothing, nor are shapes that have a box each.
     if (std::all_of(passes.begin(), passes.end(),
-                    [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }))
+                    [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }) ||
+        std::all_of(list.getRanges().begin(), list.getRanges().end(),
+                    [](const gl::Quads::Range& range) { return range.first >= DrawList::cBoxes; }))
         gl::Context::disable(gl::Context::Flag::DepthTest);
     for (auto pass = passes.begin(); pass != passes.end();)
     {

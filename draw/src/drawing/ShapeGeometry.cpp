@@ -49,6 +49,7 @@ void ShapeGeometry::clear()
     lengths.clear();
     hasRound = false;
     reach = 1;
+    mostOfLeaves = leastOfLeaves = leastOfOthers = 0;
 }
 
 double toleranceFor(const Path& path, double tolerance)
@@ -325,6 +326,30 @@ void ShapeBuilder::addTree(ShapeGeometry& shape, ElementKind kind)
         addRings(shape, 0, _rings.size(), kind, 0);
 }
 
+void ShapeBuilder::lookAtForms(ShapeGeometry& shape) const
+{
+    if (_rings.size() != 1 || shape.nodes[0].isLeaf())
+        return;
+    // Deviations in the high bits, which are those of floats and grow as these do, and turns.
+    constexpr std::uint32_t cDeviation = ~255U, cTurn = 254;
+    std::array<std::uint32_t, 2> leastDeviations{cDeviation, cDeviation}, leastTurns{cTurn, cTurn};
+    std::uint32_t mostDeviation = 0, mostTurn = 0;
+    for (const EdgeNode& node : shape.nodes)
+    {
+        // A line by itself stands for itself.
+        if (node.last - node.first == 1)
+            continue;
+        const std::size_t i = node.isLeaf() ? 1 : 0;
+        leastDeviations[i] = std::min(leastDeviations[i], node.form & cDeviation);
+        leastTurns[i] = std::min(leastTurns[i], node.form & cTurn);
+        mostDeviation = std::max(mostDeviation, i == 1 ? node.form & cDeviation : 0);
+        mostTurn = std::max(mostTurn, i == 1 ? node.form & cTurn : 0);
+    }
+    shape.mostOfLeaves = mostDeviation | mostTurn;
+    shape.leastOfLeaves = leastDeviations[1] | leastTurns[1];
+    shape.leastOfOthers = leastDeviations[0] | leastTurns[0];
+}
+
 void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape,
                               double step)
 {
@@ -371,6 +396,8 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
         addLine(line, stroke, shape);
     }
     addTree(shape, ElementKind::Line);
+    if (stroke.dashes.empty())
+        lookAtForms(shape);
     if (stroke.cap == Cap::Square)
         shape.reach = std::max(shape.reach, 1.5F);
 }

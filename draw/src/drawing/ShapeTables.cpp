@@ -122,6 +122,9 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
     if (pStroke != nullptr)
     {
         const Stroke& stroke = *pStroke;
+        record.links = geometry.mostOfLeaves;
+        record.nLinks = geometry.leastOfOthers;
+        record.lengths = geometry.leastOfLeaves;
         _features |= geometry.hasRound ? HasRound : 0U;
         _features |= (stroke.cap != Cap::Butt ? HasCaps : 0U) |
                      (stroke.cap == Cap::Round || stroke.join == Join::Round ? HasRound : 0U);
@@ -142,7 +145,7 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
             _values.insert(_values.end(), geometry.lengths.begin(), geometry.lengths.end());
             places.numbers = add(_numbers, _values);
             record.dashes = static_cast<std::int32_t>(places.numbers.first);
-            record.lengths = static_cast<std::int32_t>(places.numbers.first + 3 + pattern.lengths.size());
+            record.lengths = static_cast<std::uint32_t>(places.numbers.first + 3 + pattern.lengths.size());
         }
     }
     _records.set(places.record, std::span(&record, 1));

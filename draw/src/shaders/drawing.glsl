@@ -17,7 +17,8 @@ uniform float pixelsPerPoint;
 const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, cGlyph = 6, cPlaced = 7;
 const int cPicture = 8, cColoredPicture = 9;
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
-const uint cEntered = 1u << 31; // of a quad: the first node has others, which are to be looked at
+// Of a quad: the first node has others, which are to be looked at; all its lines are, or a chord for each four.
+const uint cEntered = 1u << 31, cLines = 1u << 30, cChords = 1u << 29;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
 // Of a glyph's picture.
 const uint cPaint = 1u << 30, cColored = 1u << 28;
