@@ -344,6 +344,39 @@ TEST_F(DrawingTest, StrokesOfManySubpathsCoverWhatEachDoes)
     }
 }
 
+// What is so small that all of its lines are looked at, or of a curve one for several: any number of them, which may
+// be one more than a node has.
+TEST_F(DrawingTest, SmallStrokesAreAsExactAsOthers)
+{
+    for (const Join join : {Join::Miter, Join::Round, Join::Bevel})
+    {
+        Drawing drawing;
+        Coverage exact(cSize, cSize);
+        for (int cell = 0; cell < 1024; ++cell)
+        {
+            const Point c(cell % 32 * 32 + 16.0, cell / 32 * 32 + 16.0);
+            const double r = uniform(cell % 4 == 1 ? 2 : .5, 7), k = .55 * r;
+            const Stroke stroke{.width = uniform(.5, 3),
+                                .cap = join == Join::Bevel ? Cap::Round : Cap::Butt,
+                                .join = join,
+                                .dashes = {}};
+            std::vector<Point> points;
+            for (int n = 3 + cell / 8 % 32; n > 0; --n)
+                points.push_back(around(c, r));
+            Path path;
+            if (cell % 4 == 0)
+                path.addCircle(c, r);
+            else if (cell % 4 == 1)
+                path.moveTo({c.x - r, c.y}).cubicTo({c.x - r, c.y - k}, {c.x - k, c.y - r}, {c.x, c.y - r});
+            else
+                cell % 4 == 2 ? path.addPolygon(points) : path.addPolyline(points);
+            drawing.stroke(path, stroke, cBlack);
+            exact.add(test::strokeRings(path, stroke), FillRule::NonZero);
+        }
+        EXPECT_TRUE(isClose(drawn(drawing), exact, {0, 0, cSize, cSize}, {3.5, 24, 64})) << int(join);
+    }
+}
+
 // A drawing at the origin in the corner of a view: the view's middle, many times as far away, fits in no unit of its.
 TEST_F(DrawingTest, WhatIsSmallBesideTheViewIsInItsPlace)
 {

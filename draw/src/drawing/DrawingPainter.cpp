@@ -259,9 +259,11 @@ bool DrawingPainter::drawShapes(const ShapeTables& tables, const DrawList& list,
     const unsigned int far = list.getLargest() * stretch > cFar ? HasFar : 0U;
     const std::span<const DrawList::Pass> passes = list.getPasses();
     const Merging merging = mergingFor(passes, tables.getNumberOfElements() >= cManyQuads);
-    // Texts alone are behind nothing.
+    // Texts alone are behind nothing, nor are shapes that have a box each.
     if (std::all_of(passes.begin(), passes.end(),
-                    [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }))
+                    [](const DrawList::Pass& pass) { return DrawList::areGlyphs(pass.ink); }) ||
+        std::all_of(list.getRanges().begin(), list.getRanges().end(),
+                    [](const gl::Quads::Range& range) { return range.first >= DrawList::cBoxes; }))
         gl::Context::disable(gl::Context::Flag::DepthTest);
     for (auto pass = passes.begin(); pass != passes.end();)
     {

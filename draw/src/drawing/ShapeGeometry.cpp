@@ -157,6 +157,7 @@ void ShapeGeometry::clear()
     lengths.clear();
     hasRound = false;
     reach = 1;
+    mostOfLeaves = leastOfLeaves = leastOfOthers = 0;
 }
 
 double toleranceFor(const Path& path, double tolerance)
@@ -428,6 +429,30 @@ GridPoint* ShapeBuilder::linkRing(std::uint32_t vertex, GridPoint shift, const S
     return pPoint;
 }
 
+void ShapeBuilder::lookAtForms(ShapeGeometry& shape) const
+{
+    if (_rings.size() != 1 || shape.nodes[0].isLeaf())
+        return;
+    // Deviations in the high bits, which are those of floats and grow as these do, and turns.
+    constexpr std::uint32_t cDeviation = ~255U, cTurn = 254;
+    std::array<std::uint32_t, 2> leastDeviations{cDeviation, cDeviation}, leastTurns{cTurn, cTurn};
+    std::uint32_t mostDeviation = 0, mostTurn = 0;
+    for (const EdgeNode& node : shape.nodes)
+    {
+        // A line by itself stands for itself.
+        if (node.last - node.first == 1)
+            continue;
+        const std::size_t i = node.isLeaf() ? 1 : 0;
+        leastDeviations[i] = std::min(leastDeviations[i], node.form & cDeviation);
+        leastTurns[i] = std::min(leastTurns[i], node.form & cTurn);
+        mostDeviation = std::max(mostDeviation, i == 1 ? node.form & cDeviation : 0);
+        mostTurn = std::max(mostTurn, i == 1 ? node.form & cTurn : 0);
+    }
+    shape.mostOfLeaves = mostDeviation | mostTurn;
+    shape.leastOfLeaves = leastDeviations[1] | leastTurns[1];
+    shape.leastOfOthers = leastDeviations[0] | leastTurns[0];
+}
+
 void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape,
                               double step)
 {
@@ -474,6 +499,8 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
         addLine(line, stroke, shape);
     }
     addTree<ElementKind::Line>(shape);
+    if (stroke.dashes.empty())
+        lookAtForms(shape);
     if (stroke.cap == Cap::Square)
         shape.reach = std::max(shape.reach, 1.5F);
 }

@@ -95,6 +95,9 @@ struct ShapeGeometry
     std::vector<float> lengths;   // of a dashed stroke: of the subpath up to each point, in steps, below 0 at its end
     bool hasRound = false;        // corners within curves
     float reach = 1;              // how far from its points a stroke's parts are, in halves of its width
+    // Of a stroke of one line, as EdgeNode::form: the most that its leaves deviate and turn, the least that they do,
+    // and the least that nodes do which are none. All are 0 where the tree is to be looked through.
+    std::uint32_t mostOfLeaves = 0, leastOfLeaves = 0, leastOfOthers = 0;
 
     void clear();
 };
@@ -115,6 +118,7 @@ private:
     void sortRings(const ShapeGeometry& shape);
     template <ElementKind Kind>
     void addTree(ShapeGeometry& shape);
+    void lookAtForms(ShapeGeometry& shape) const;
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
     template <ElementKind Kind>

@@ -195,7 +195,7 @@ bool ShapePicker::visitPieces(const std::array<double, 4>& box, const Stroke& st
                               isMarkedRound(_tables.getPoints()[_places.points.first + static_cast<std::uint32_t>(k)]);
                           if (record.dashes >= 0)
                           {
-                              const auto lengths = static_cast<std::uint32_t>(record.lengths + k);
+                              const std::uint32_t lengths = record.lengths + static_cast<std::uint32_t>(k);
                               line.start = _tables.getNumbers()[lengths];
                               line.isFirst = line.start == 0;
                               line.isLast = _tables.getNumbers()[lengths + 1] < 0;

@@ -152,6 +152,9 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
                         if (pStroke == nullptr)
                             return;
                         const Stroke& stroke = *pStroke;
+                        record.links = geometry.mostOfLeaves;
+                        record.nLinks = geometry.leastOfOthers;
+                        record.lengths = geometry.leastOfLeaves;
                         const bool isInPoints = stroke.unit == Unit::Points;
                         record.halfWidth = static_cast<float>(stroke.width / 2 / (isInPoints ? 1 : geometry.step));
                         record.miterLimit = static_cast<float>(std::max(stroke.miterLimit, 1.0));
@@ -162,8 +165,8 @@ void ShapeTables::setGeometry(ShapePlaces& places, const ShapeGeometry& geometry
                         if (hasDashes)
                         {
                             record.dashes = static_cast<std::int32_t>(places.numbers.first);
-                            record.lengths = static_cast<std::int32_t>(places.numbers.first + places.numbers.count -
-                                                                       geometry.lengths.size());
+                            record.lengths = static_cast<std::uint32_t>(places.numbers.first + places.numbers.count -
+                                                                        geometry.lengths.size());
                         }
                     });
     if (pStroke == nullptr)

@@ -30,10 +30,10 @@ struct ShapeRecord
     std::uint32_t points = 0;
     float halfWidth = 0;
     float miterLimit = 1;
-    std::int32_t dashes = -1; // where the pattern stands among the numbers
-    std::int32_t lengths = 0;
-    std::uint32_t links = 0;
-    std::uint32_t nLinks = 0; // along edges, and 65536 times as many at corners
+    std::int32_t dashes = -1;  // where the pattern stands among the numbers
+    std::uint32_t lengths = 0; // of a stroke without dashes ShapeGeometry::leastOfLeaves
+    std::uint32_t links = 0;   // of a stroke ShapeGeometry::mostOfLeaves
+    std::uint32_t nLinks = 0;  // along edges, and 65536 times as many at corners; of a stroke leastOfOthers
     float stepsPerUnit = 1;
     float reach = 1;
 };

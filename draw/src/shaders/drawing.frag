@@ -238,6 +238,7 @@ struct Brush
     float dashScale;
     int lengths; // of the subpath up to each point, in steps; below 0 where it ends
     float perStep;
+    int shift; // 2 where each line stands for four, else 0
 };
 
 // The number of the lowest of 31 bits that is set; -127 where there is none.
@@ -439,7 +440,7 @@ Brush brushOf(Place place, Nib nib, vec2 pixel, out float fade)
     return brush;
 }
 
-// Lines near the pixel, by the bits of their first points, counted from a window's.
+// Lines near the pixel, by the bits of their first points, counted from a window's: each, or each fourth.
 struct Lines
 {
     int window;
@@ -447,28 +448,34 @@ struct Lines
     uint bodies; // of lines that may cover something,
     uint joins;  // and of joins; of points with caps
     uint chords; // lines that stand for several,
-    uint dots;   // and those that are too small for their directions to be seen
+    uint dots;   // and those after others that are too small for their directions to be seen
     uint ends;   // where lines that were looked at end
 };
 
-// A leaf's lines, or one in place of a node's.
+int pointAt(Brush brush, Lines lines, int bit) { return lines.window + (bit << brush.shift); }
+
+// A leaf's lines, one in place of a node's, or one in place of each leaf's.
 void addLines(inout Lines lines, Brush brush, Place place, int from, int to, bool isChord, bool isDot)
 {
     uint bit = 1u << uint(from - lines.window);
+    bool isAlone = isChord && brush.shift == 0;
+    uint end = !isAlone ? 0u : to - lines.window < 31 ? 1u << uint(to - lines.window) : 0u;
     lines.last = to;
     lines.chords |= isChord ? bit : 0u;
-    lines.dots |= isDot ? bit : 0u;
     ivec2 pa = strokePoint(from - 1), pb = strokePoint(from);
     vec2 a, way;
     findLine(brush, place, pa, pb, a, way);
     float len = length(way), side = brush.diagonal, reach = brush.radius + side;
     // What joins lines is where the one before has ended and this one has not begun. The one before a chord is another
     // chord, as it were.
-    bool isJoined = pa != pb, isBeyond = isChord || -dot(a, way) - len * len >= -side * len;
-    int at = from;
+    bool isJoined = pa != pb;
+    lines.dots |= isDot && isJoined ? bit : 0u;
+    bool isBeyond = isChord || -dot(a, way) - len * len >= -side * len;
+    int at = from, step_ = isAlone ? to - from : 1 << brush.shift;
     do if (at < to)
     {
-        int next = isChord ? to : at + 1;
+        int next = min(at + step_, to);
+        end = isAlone ? end : brush.shift > 0 && next == to ? 0u : bit << 1;
         pa = pb;
         pb = strokePoint(next);
         findLine(brush, place, pa, pb, a, way);
@@ -477,41 +484,41 @@ void addLines(inout Lines lines, Brush brush, Place place, int from, int to, boo
         float ends = isDot ? reach : side;
         bool isRing = isDot && isJoined && pa == pb;
         bool isJoin = isJoined && !isDot && isBeyond && along <= side * len && dot(a, a) <= brush.reach * brush.reach;
-        isBeyond = beyond >= -side * len;
+        isBeyond = isChord || beyond >= -side * len;
 #ifdef CAPS
         ends = reach;
         if (brush.cap == 1 && brush.dashes < 0)
         {
             isJoin = isJoined ? isJoin : dot(a, a) <= reach * reach;
             bool isLast = strokePoint(next + 1) == pb && dot(a + way, a + way) <= reach * reach;
-            lines.joins |= isLast ? 1u << uint(min(next - lines.window, 30)) : 0u;
+            lines.joins |= !isLast ? 0u : end != 0u ? end : 1u << 30;
         }
 #endif
         bool isNear = abs(across) <= reach * len && along >= -ends * len && beyond <= ends * len;
         lines.bodies |= isNear && !isRing ? bit : 0u;
         lines.joins |= (isRing ? dot(a, a) <= reach * reach : isJoin) ? bit : 0u;
-        lines.ends |= next - lines.window < 31 ? 1u << uint(next - lines.window) : 0u;
+        lines.ends |= end;
         isJoined = true;
         at = next;
         bit <<= 1;
     } while (at < to);
 }
 
-int endOf(Lines lines, int i)
+int endOf(Brush brush, Lines lines, int bit)
 {
-    int end = lowest(lines.ends & ~1u << uint(i - lines.window));
-    return end < 0 ? lines.last : lines.window + end;
+    int end = lowest(lines.ends & ~1u << uint(bit));
+    return end < 0 ? lines.last : pointAt(brush, lines, end);
 }
 
-uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, int i)
+uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, int bit)
 {
-    int next = endOf(lines, i);
+    int i = pointAt(brush, lines, bit), next = endOf(brush, lines, bit);
     ivec2 from = strokePoint(i), to = strokePoint(next);
     vec2 a, way;
     findLine(brush, place, from, to, a, way);
     float len = length(way), scale = len;
-    bool isFirst = strokePoint(i - 1) == from;
 #if defined CAPS || defined DASHES
+    bool isFirst = strokePoint(i - 1) == from;
     bool isLast = strokePoint(next + 1) == to;
     // A line of no length has no direction, not that of rounding.
     way = len > 0.0 ? way : vec2(1.0, 0.0);
@@ -528,7 +535,7 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, 
     }
 #endif
     // What is too small to be seen has no joins but what covers most of them.
-    float before = (lines.dots >> uint(i - lines.window) & 1u) != 0u && !isFirst ? 0.7 * brush.radius : 0.0;
+    float before = (lines.dots >> uint(bit) & 1u) != 0u ? 0.7 * brush.radius : 0.0;
     float after = 0.0;
 #ifdef CAPS
     before = isFirst && brush.cap == 2 ? brush.radius : before;
@@ -543,9 +550,9 @@ uvec2 lineMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, 
 }
 
 // What joins a line to the one before, or a round cap.
-uvec2 cornerMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, int i)
+uvec2 cornerMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines, int bit)
 {
-    int next = endOf(lines, i);
+    int i = bit < 30 ? pointAt(brush, lines, bit) : lines.last, next = endOf(brush, lines, bit);
     ivec2 pa = strokePoint(i - 1), pb = strokePoint(i), pc = strokePoint(next);
     vec2 c, before, after;
     findLine(brush, place, pa, pb, c, before);
@@ -565,18 +572,21 @@ uvec2 cornerMask(Rows rows, Brush brush, Place place, int pointBase, Lines lines
 #endif
     // The last line of a curve is turned against the chord before by about as much as against this one.
     float lenBefore = length(before), lenAfter = length(after);
-    if ((lines.chords >> uint(i - lines.window) & 1u) != 0u && dot(before, after) > 0.9 * lenBefore * lenAfter)
+    if (((lines.chords >> uint(bit) & 1u) != 0u || brush.shift > 0) && dot(before, after) > 0.9 * lenBefore * lenAfter)
         before = 2.0 * before * lenAfter - after * lenBefore;
     return joinMask(rows, brush, c, before, after, texelFetch(points, i).x != pb.x, isCap, pb == pc && pa != pb);
 }
 
 // Bit by bit the samples that are covered, and how much a pattern that is too fine to be seen leaves of that.
-// @param outline  in y to w: nodes, how many, points  @param first  the node to begin with
+// @param outline  in y to w: nodes, how many, points  @param first  the node to begin with  @param stride  from line
+// to line where there need be no tree, else 0
 // One loop finds leaves, the next one which of their lines may cover something, the last ones what they do: software
 // drivers, which run through each for all of the pixels that they work at together, do dear things seldom.
-uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out float fade)
+uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, int stride, vec2 pixel, out float fade)
 {
     Brush brush = brushOf(place, nib, pixel, fade);
+    brush.shift = stride == 4 ? 2 : 0;
+    bool isWhole = stride > 0;
     Rows rows = Rows(nib.own * vec2(0.5 / 64.0 - 0.5, 7.5 / 64.0 - 0.5), nib.own * vec2(1.0 / 64.0, 1.0 / 8.0),
                      nib.own * vec2(1.0 / 8.0, -1.0 / 64.0));
     mat2 extent = mat2(abs(brush.fromSteps[0]), abs(brush.fromSteps[1])) * 0.5;
@@ -605,7 +615,8 @@ uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out
                 // A chord that is as good as what it stands for.
                 isChord = info.z > info.y + 1 && brush.dashes < 0 &&
                           (isDot || isStraight && deviationOf(info.w) < brush.straight);
-                bool isOpened = isIn && !isChord && !isLeaf(info.w);
+                isChord = isWhole ? brush.shift > 0 : isChord;
+                bool isOpened = isIn && !isChord && !isWhole && !isLeaf(info.w);
                 node = isOpened ? node + 1 : base + info.x;
                 from = pointBase + info.y;
                 to = isIn && !isOpened ? pointBase + info.z : from;
@@ -621,13 +632,12 @@ uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, vec2 pixel, out
         } while (node < end && !isFull);
         do if (lines.bodies != 0u)
         {
-            mask |= lineMask(rows, brush, place, pointBase, lines, lines.window + lowest(lines.bodies));
+            mask |= lineMask(rows, brush, place, pointBase, lines, lowest(lines.bodies));
             lines.bodies &= lines.bodies - 1u;
         } while (lines.bodies != 0u);
         do if (lines.joins != 0u)
         {
-            int i = lowest(lines.joins);
-            mask |= cornerMask(rows, brush, place, pointBase, lines, i < 30 ? lines.window + i : lines.last);
+            mask |= cornerMask(rows, brush, place, pointBase, lines, lowest(lines.joins));
             lines.joins &= lines.joins - 1u;
         } while (lines.joins != 0u);
     } while (node < end && mask != uvec2(0xffffffffu));
@@ -638,7 +648,8 @@ float coverageOfStroke(Place place, vec2 pixel)
 {
     float fade;
     Nib nib = Nib(mat2(toBrush.xy, toBrush.zw), brushSizes.x, brushSizes.y, brushSizes.z, brushSizes.w, miterLimit);
-    uvec2 mask = strokeMask(place, nib, parts, (flags & cEntered) != 0u ? 1 : 0, pixel, fade);
+    uvec2 mask = strokeMask(place, nib, parts, (flags & cEntered) != 0u ? 1 : 0,
+                            (flags & cChords) != 0u ? 4 : (flags & cLines) != 0u ? 1 : 0, pixel, fade);
     return shareOf(mask) * fade;
 }
 
@@ -683,7 +694,7 @@ float coverageOfHalo(vec2 pixel)
             if (isHere && other >= 0)
             {
                 float fade;
-                mask |= strokeMask(place, nibOf(place, shape, flags), uvec4(0u, glyph.xyz), 0, pixel, fade);
+                mask |= strokeMask(place, nibOf(place, shape, flags), uvec4(0u, glyph.xyz), 0, 0, pixel, fade);
             }
         }
         if (isHere && other < 0)

@@ -19,7 +19,8 @@ const int cTriangles = 0, cEdge = 1, cLine = 2, cTip = 3, cBox = 4, cNode = 5, c
 const int cPicture = 8, cColoredPicture = 9, cLong = 15;
 const int cLongQuads = 1 << 27; // quads from this number on are long elements
 const uint cVisible = 1u, cStroke = 2u, cWidthInPoints = 4u, cDashesInPoints = 8u, cOpaque = 16u;
-const uint cEntered = 1u << 31; // of a quad: the first node has others, which are to be looked at
+// Of a quad: the first node has others, which are to be looked at; all its lines are, or a chord for each four.
+const uint cEntered = 1u << 31, cLines = 1u << 30, cChords = 1u << 29;
 const uint cMoved = 32u, cLinked = 64u, cGradient = 128u, cGlyphs = 4096u, cImage = 8192u;
 const uint cFrame = 16384u, cSymbol = 32768u;
 // Of a glyph's picture.

@@ -21,6 +21,8 @@ const int cBoxes = 1 << 28;
 const float cSmall = 16.0;
 // The same for parts of a shape: a box around some lines.
 const float cSmallPart = 8.0;
+// Lines that are looked at faster than a tree; while a shape is small, as many as the fragment shader has bits for.
+const int cFew = 8, cMany = 28;
 // Pixels that rasterizers work at together, along either axis.
 const float cBlock = 2.0;
 // Up to which a line's quad is a rectangle of such blocks.
@@ -162,8 +164,24 @@ void main()
         straight = nib.straight;
     }
 #endif
-    int form = texelFetch(nodes, 2 * int(parts.y) + 1).w;
-    if (kind == cBox && !isLeaf(form) && deviationOf(form) >= straight && sizeOf(box, place) > 1.0)
+    ivec4 root = texelFetch(nodes, 2 * int(parts.y) + 1);
+    float size_ = sizeOf(box, place);
+#ifdef STROKES
+    // Where all or none of the leaves are as good as straight, and nothing above them is, there need be no tree.
+    int n = root.z - root.y;
+    if (kind == cBox && (flags & cStroke) != 0u && n > 0 && size_ > 1.0 && (n <= cFew || size_ <= cSmall))
+    {
+        ivec3 forms = ivec3(texelFetch(shapes, 6 * shape + 5).xy, texelFetch(shapes, 6 * shape + 4).w);
+        vec3 deviations = vec3(deviationOf(forms.x), deviationOf(forms.y), deviationOf(forms.z));
+        vec3 turns = vec3(turnOf(forms.x), turnOf(forms.y), turnOf(forms.z));
+        bvec3 areStraight = lessThan(deviations, vec3(straight)), areEven = lessThan(turns, vec3(brushSizes.w));
+        if (!(areStraight.y && areEven.y))
+            flags |= areStraight.x && areEven.x ? (n <= 4 * cMany ? cChords : 0u)
+                     : !(areStraight.z && areEven.z) && n <= cMany ? cLines : 0u;
+    }
+#endif
+    if (kind == cBox && !isLeaf(root.w) && (flags & (cChords | cLines)) == 0u && deviationOf(root.w) >= straight &&
+        size_ > 1.0)
         flags |= cEntered;
     int base = int(parts.w);
     float half_ = 0.0, reach = 1.0;
