@@ -2,10 +2,7 @@
 
 #include "TopoJSON.h"
 
-#include <gui/draw/Path.h>
-
 #include <cstddef>
-#include <functional>
 
 namespace examples
 {
@@ -33,24 +30,5 @@ void layOnMap(const TopoJSON::Line& line, bool isRing, double middle, std::vecto
 
 /// The rings of an area, its holes too, laid out on such a map.
 std::vector<TopoJSON::Line> layOnMap(const TopoJSON::Area& area, double middle);
-
-/// All areas and their borders, laid out on such a map.
-struct FlatMap
-{
-    std::vector<std::vector<TopoJSON::Line>> areas; ///< closed lines around each, and its holes
-    std::vector<TopoJSON::Line> coasts;
-    std::vector<TopoJSON::Line> borders;
-
-    FlatMap() = default;
-    FlatMap(const TopoJSON& map, double middle);
-};
-
-/// Where a place, in degrees, is in the plane.
-using MapProjection = std::function<td::Point<double>(const td::Point<double>& degrees)>;
-
-/// A line on the map.
-gui::draw::Path pathOf(const TopoJSON::Line& degrees, const MapProjection& project);
-/// What closed lines enclose, by the even-odd rule.
-gui::draw::Path areaOf(const std::vector<TopoJSON::Line>& rings, const MapProjection& project);
 
 } // namespace examples

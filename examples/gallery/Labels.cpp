@@ -6,6 +6,7 @@
 #include "Stage.h"
 #include "Towns.h"
 
+#include <common/FlatMap.h>
 #include <common/FlatRing.h>
 #include <common/NaturalEarth.h>
 #include <gui/InputDevice.h>
@@ -69,13 +70,7 @@ Point toMap(Point degrees)
     return {static_cast<double>(place.x), static_cast<double>(place.y)};
 }
 
-Path pathOf(const TopoJSON::Line& line)
-{
-    Path path;
-    for (const Point& point : line)
-        path.lineTo(toMap({point.x - cMapMiddle, point.y}));
-    return path;
-}
+Point onMap(const Point& degrees) { return toMap({degrees.x - cMapMiddle, degrees.y}); }
 
 std::string inCapitals(const std::string& name)
 {
@@ -205,16 +200,11 @@ private:
         }
         const examples::FlatMap map(world, cMapMiddle);
         for (const std::vector<TopoJSON::Line>& country : map.areas)
-        {
-            Path path;
-            for (const TopoJSON::Line& ring : country)
-                path.addPath(pathOf(ring).close());
-            _ground.fill(path, cLand, gui::draw::FillRule::EvenOdd);
-        }
+            _ground.fill(examples::areaOf(country, onMap), cLand, gui::draw::FillRule::EvenOdd);
         for (const TopoJSON::Line& line : map.borders)
-            _ground.stroke(pathOf(line), {.width = 1, .dashes = {4, 2.5}}, cBorder);
+            _ground.stroke(examples::pathOf(line, onMap), {.width = 1, .dashes = {4, 2.5}}, cBorder);
         for (const TopoJSON::Line& line : map.coasts)
-            _ground.stroke(pathOf(line), {.width = 0.8, .join = gui::draw::Join::Round}, cCoast);
+            _ground.stroke(examples::pathOf(line, onMap), {.width = 0.8, .join = gui::draw::Join::Round}, cCoast);
         // What sticks out beyond the map's edge.
         Path outside = Path().addRect({-cFarAway, -cFarAway, cFarAway, cFarAway});
         for (bool isFirst = true; const td::Point<float>& point : NaturalEarth::getEdge())
@@ -238,7 +228,8 @@ private:
             Path largest;
             double width = 0;
             for (const TopoJSON::Line& ring : rings)
-                if (const Path path = pathOf(ring).close(); path.getBounds()->right - path.getBounds()->left > width)
+                if (const Path path = examples::pathOf(ring, onMap).close();
+                    path.getBounds()->right - path.getBounds()->left > width)
                 {
                     largest = path;
                     width = path.getBounds()->right - path.getBounds()->left;

@@ -4,6 +4,7 @@
 #include "Scenes.h"
 #include "Stage.h"
 
+#include <common/FlatMap.h>
 #include <common/FlatRing.h>
 #include <common/NaturalEarth.h>
 #include <gui/Res.h>
@@ -36,15 +37,10 @@ constexpr double cShownPart = 0.7;                   // of the map, in a picture
 constexpr td::Color cWater = "#e3edf3", cFaintNet = "#cfdee8", cCoastGlow = "#ffffff80", cOutline = "#55697a";
 constexpr std::array<td::Color, 6> cLandColors = {"#e7c98f", "#c9d59a", "#e3ad8c", "#b5cfae", "#eadca8", "#d3b9a2"};
 
-Path pathOnMap(const TopoJSON::Line& line)
+Point inPlane(const Point& degrees)
 {
-    Path path;
-    for (const Point& degrees : line)
-    {
-        const td::Point<float> place = NaturalEarth::project(degrees.x, degrees.y);
-        path.lineTo({static_cast<double>(place.x), static_cast<double>(place.y)});
-    }
-    return path;
+    const td::Point<float> place = NaturalEarth::project(degrees.x, degrees.y);
+    return {static_cast<double>(place.x), static_cast<double>(place.y)};
 }
 
 /// Reads the map and gives it to a drawing or, on another thread, to an upload.
@@ -62,11 +58,10 @@ void giveMap(std::string_view file, auto& to)
     for (const std::size_t i : order)
     {
         const std::vector<TopoJSON::Line> rings = examples::layOnMap(countries[i], cMeridian);
-        for (const TopoJSON::Line& ring : rings)
-            outlines[i].addPath(pathOnMap(ring).close());
+        outlines[i] = examples::areaOf(rings, inPlane);
         // By its largest part: some have islands everywhere.
         const auto largest = std::ranges::max_element(rings, {}, &TopoJSON::Line::size);
-        wests[i] = largest == rings.end() ? 0 : pathOnMap(*largest).getBounds()->left;
+        wests[i] = largest == rings.end() ? 0 : examples::pathOf(*largest, inPlane).getBounds()->left;
     }
     std::ranges::sort(order, {}, [&wests](std::size_t i) { return wests[i]; });
     to.expect(3 * order.size());

@@ -2,7 +2,7 @@
 
 #include "Projection.h"
 
-#include <common/FlatRing.h>
+#include <common/FlatMap.h>
 
 #include <cstddef>
 #include <string>
