@@ -64,8 +64,9 @@ namespace gui::draw
 /// most 2^-29 of its size (or 2^-52 of the largest coordinate), and are drawn within a tenth of a pixel of there at
 /// every zoom. (For a group that is turned or scaled, as long as the shape is less than a million pixels across.)
 ///
-/// It draws into a texture of the viewport's size, with GL objects of its own, made anew in another context. Not
-/// copyable. Only draw needs a context; everything else is for any time, on the GUI thread.
+/// It draws into a texture of the viewport's size, and where frames draw it several times, by other maps or into other
+/// viewports, into one for each, up to eight. GL objects are its own, made anew in another context. Not copyable. Only
+/// draw needs a context; everything else is for any time, on the GUI thread.
 class GUIGL_API Drawing
 {
 public:
