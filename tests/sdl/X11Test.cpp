@@ -93,8 +93,9 @@ TEST_P(X11Test, DisplayThatTellsNoRateIsMeasuredBeforeAnythingMoves)
         loop.startFrameClock(pView, 0, 0);
         const Clock::time_point tick = loop.getNextDue().value_or(before), after = Clock::now();
         loop.stopFrameClock(pView);
+        // As far from that other rate as a busy machine's times may be from the beat.
         constexpr std::chrono::duration<double> cBeat(1.0 / XServer::cRate);
-        return tick - before > 0.9 * cBeat && tick - after < 1.1 * cBeat;
+        return tick - before > 0.75 * cBeat && tick - after < 1.5 * cBeat;
     };
     EXPECT_TRUE(waitInLoop(isMeasured));
 }

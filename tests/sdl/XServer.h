@@ -30,7 +30,7 @@ public:
     using Window = unsigned long;
 
     /// Frames per second, which it does not tell.
-    static constexpr int cRate = 50;
+    static constexpr int cRate = 40;
 
     XServer();
     ~XServer();

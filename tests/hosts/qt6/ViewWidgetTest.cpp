@@ -237,7 +237,11 @@ TEST_F(ViewWidgetTest, ViewsGoOnInTheLoopOfADialog)
         QTimer look;
         int nLooks = 0;
         QObject::connect(&look, &QTimer::timeout,
-                         [&] { view.nFrames > before + 5 || ++nLooks > 500 ? dialog.quit() : void(); });
+                         [&]
+                         {
+                             if (view.nFrames > before + 5 || ++nLooks > 500)
+                                 dialog.quit();
+                         });
         look.start(10);
         dialog.exec();
         EXPECT_GT(view.nFrames, before + 5);
