@@ -97,6 +97,12 @@ TEST(DrawingViewTest, TellsWhatIsPointedAtAndClicked)
     view.onPrimaryButtonPressed(at(350, 90, control));
     view.onPrimaryButtonReleased(at(350, 90));
     EXPECT_EQ(view.told, "+c2c2");
+
+    // Two fingers, the first of which has pressed.
+    view.onPrimaryButtonPressed(at(350, 90));
+    view.onZoom({{350, 90}, {350, 90}, {350, 90}, 0, InputDevice::Type::Gesture, InputDevice::Button::None});
+    view.onPrimaryButtonReleased(at(350, 90));
+    EXPECT_EQ(view.told, "+c2c2");
 }
 
 // A box that pans, ends in a click, goes on after its end or Escape, or is where the plane was when it began.

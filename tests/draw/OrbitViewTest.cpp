@@ -199,6 +199,10 @@ TEST_F(OrbitControlTest, AxesTakeClicks)
     control.setGizmo(OrbitControl::Corner::None);
     control.onPressed(at(middle));
     EXPECT_TRUE(control.onReleased(at(middle)));
+    // The first of two fingers presses, too.
+    control.onPressed(at(middle));
+    EXPECT_TRUE(control.onZoom({middle, middle, middle, 0, InputDevice::Type::Gesture, InputDevice::Button::None}));
+    EXPECT_FALSE(control.onReleased(at(middle)));
 
     const auto press = [this](unsigned int character, unsigned int modifiers = 0)
     { return control.onKey(gui::Key(character, modifiers, 1, 0)); };

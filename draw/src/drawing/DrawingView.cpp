@@ -259,7 +259,12 @@ void DrawingView::onOtherDragged(const InputDevice& device)
 
 bool DrawingView::onScroll(const InputDevice& device) { return _pOverview || OrthoView::onScroll(device); }
 
-bool DrawingView::onZoom(const InputDevice& device) { return _pOverview || OrthoView::onZoom(device); }
+bool DrawingView::onZoom(const InputDevice& device)
+{
+    // The first of two fingers has pressed, too.
+    _isClick = _isClick && device.getType() != InputDevice::Type::Gesture;
+    return _pOverview || OrthoView::onZoom(device);
+}
 
 bool DrawingView::onKeyPressed(const Key& key)
 {

@@ -386,6 +386,9 @@ bool OrbitControl::onZoom(const InputDevice& device)
 {
     if (!isFinitePlace(device.getFramePoint()))
         return false;
+    // The first of two fingers has pressed, too: it neither clicks nor drags then.
+    if (device.getType() == InputDevice::Type::Gesture && _pImpl->drag == Impl::Drag::Pressed)
+        _pImpl->drag = Impl::Drag::None;
     _pImpl->zoomAt(device.getFramePoint(), device.getScale());
     return true;
 }
