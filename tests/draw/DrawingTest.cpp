@@ -204,8 +204,8 @@ TEST_F(DrawingTest, FillsCoverTheirArea)
     }
 }
 
-// A fill of so many corners that numbers of points and nodes have no room in an element, a node of it so small that it is
-// one quad, and elements and glyphs that are brought into another order.
+// A fill of so many corners that numbers of points and nodes have no room in an element, a node of it so small that it
+// is one quad, and elements and glyphs that are brought into another order.
 TEST_F(DrawingTest, ShapesOfManyCornersAreExactInAnyOrder)
 {
     // A quarter of the corners lie within five pixels of the lowest one, where the ring begins.

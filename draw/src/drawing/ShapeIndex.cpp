@@ -17,9 +17,12 @@ enum State : std::uint8_t
 {
     IsAbsent,
     IsInTree,
-    IsChanged // since there is a tree
+    IsChanged, // since there is a tree
+    IsUnknown  // to be asked for its rectangle
 };
-constexpr std::uint8_t cUnknown = 4; // a bit beside these, of those to ask for their rectangle
+constexpr std::uint8_t cState = 3;
+// Beside these: what lists have it, absent or not.
+constexpr std::uint8_t cIsInChanged = 4, cIsInUnknown = 8;
 
 using Rect = ShapeIndex::Rect;
 
@@ -40,15 +43,16 @@ void ShapeIndex::set(std::uint32_t number)
 {
     if (number >= _states.size())
         _states.resize(number + std::size_t(1), IsAbsent);
-    if ((_states[number] & cUnknown) == 0)
+    std::uint8_t& state = _states[number];
+    if ((state & cIsInUnknown) == 0)
         _unknown.push_back(number);
-    _states[number] |= cUnknown;
+    state = static_cast<std::uint8_t>((state & cIsInChanged) | cIsInUnknown | IsUnknown);
 }
 
 void ShapeIndex::remove(std::uint32_t number)
 {
     if (number < _states.size())
-        _states[number] = IsAbsent;
+        _states[number] = static_cast<std::uint8_t>((_states[number] & ~cState) | IsAbsent);
 }
 
 void ShapeIndex::clear() { *this = ShapeIndex(); }
@@ -60,12 +64,14 @@ void ShapeIndex::build()
     std::vector<Node>& leaves = _levels[0];
     Rect all;
     for (std::uint32_t number = 0; number < _rects.size(); ++number)
-        if (_states[number] != IsAbsent)
-        {
-            leaves.empty() ? void(all = _rects[number]) : widen(all, _rects[number]);
-            leaves.push_back({_rects[number], number});
-            _states[number] = IsInTree;
-        }
+    {
+        const bool isThere = (_states[number] & cState) != IsAbsent;
+        _states[number] = isThere ? IsInTree : IsAbsent;
+        if (!isThere)
+            continue;
+        leaves.empty() ? void(all = _rects[number]) : widen(all, _rects[number]);
+        leaves.push_back({_rects[number], number});
+    }
     _nInTree = leaves.size();
     const auto cell = [](double low, double high, double from, double to)
     {
@@ -105,7 +111,7 @@ void ShapeIndex::search(std::size_t level, std::size_t first, std::size_t end, c
             continue;
         if (level > 0)
             search(level - 1, i * cBranch, (i + 1) * cBranch, rect, found);
-        else if (_states[nodes[i].number] == IsInTree)
+        else if ((_states[nodes[i].number] & cState) == IsInTree)
             found(nodes[i].number);
     }
 }
@@ -116,19 +122,22 @@ void ShapeIndex::find(const Rect& rect, const std::function<Rect(std::uint32_t)>
     if (_rects.size() < _states.size())
         _rects.grow(_states.size() - _rects.size());
     for (const std::uint32_t number : _unknown)
-        if ((_states[number] & cUnknown) != 0)
-        {
-            _rects[number] = rectOf(number);
-            if (_states[number] != (cUnknown | IsChanged))
-                _changed.push_back(number);
-            _states[number] = IsChanged;
-        }
+    {
+        std::uint8_t& state = _states[number];
+        state = static_cast<std::uint8_t>(state & ~cIsInUnknown);
+        if ((state & cState) != IsUnknown)
+            continue;
+        _rects[number] = rectOf(number);
+        if ((state & cIsInChanged) == 0)
+            _changed.push_back(number);
+        state = IsChanged | cIsInChanged;
+    }
     _unknown.clear();
     if (_levels.empty() || _changed.size() > 64 + _nInTree / 64)
         build();
     search(_levels.size() - 1, 0, cBranch, rect, found);
     for (const std::uint32_t number : _changed)
-        if (_states[number] == IsChanged && touches(_rects[number], rect))
+        if ((_states[number] & cState) == IsChanged && touches(_rects[number], rect))
             found(number);
 }
 

@@ -41,8 +41,8 @@ private:
 
     GrowingArray<Rect> _rects;              // by number, of those that are there and known
     std::vector<std::uint8_t> _states;      // by number
-    std::vector<std::uint32_t> _unknown;    // set since the last look
-    std::vector<std::uint32_t> _changed;    // may name one twice
+    std::vector<std::uint32_t> _unknown;    // set since the last look, and removed perhaps
+    std::vector<std::uint32_t> _changed;    // since there is a tree
     std::vector<std::vector<Node>> _levels; // the lowest first
     std::size_t _nInTree = 0;
 };
