@@ -109,6 +109,8 @@ TEST_F(SeveralViewsTest, AllShowWhatTheDrawingIsAndRestWithIt)
         {"from nearby alone", [&](Drawing& drawing) { drawing.setZoomRange(ids[2], 2, 9); }},
         {"through glass", [&](Drawing& drawing) { drawing.setOpacity(.5); }},
         {"one view panned", [](Drawing&) {}, [&] { setView(0, Affine::translation(20, -7)); }},
+        {"coloured and panned at once", [&](Drawing& drawing) { drawing.setColor(ids[1], "#208020"); },
+         [&] { setView(0, Affine::translation(9, 4)); }},
         {"another one panned", [](Drawing&) {}, [&] { setView(2, Affine::translation(-5, 11)); }},
         {"all zoomed", [](Drawing&) {},
          [&]
