@@ -91,7 +91,8 @@ TEST_F(SeveralViewsTest, AllShowWhatTheDrawingIsAndRestWithIt)
                        {.size = 30, .isUnderlined = true});
         // So many that their pictures come with several frames.
         for (int i = 0; i < 60; ++i)
-            drawing.text({5.0 + i % 6 * 60, 20.0 + i / 6 * 28}, "Sphinx judge", {.size = 9 + i * .2});
+            drawing.text({5.0 + i % 6 * 60, 20.0 + i / 6 * 28}, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz",
+                         {.size = 9 + i * .2});
     };
     const auto setView = [this](std::size_t i, const Affine& view) { places[i].view = view * places[i].view; };
     struct Step
