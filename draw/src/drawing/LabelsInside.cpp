@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <string>
 
 namespace gui::draw
@@ -48,35 +49,38 @@ struct Labels::Inside
     const Path& area;
     std::span<const TextLayout> forms;
     AreaRule rule;
-    bool hasCurves;
-    const RoomFinder* pRooms; // of all of it
+    bool hasCurves = area.hasCurves();
     std::vector<Drawing::ID> ids{};
+    std::vector<std::unique_ptr<RoomFinder>> rooms{}; // by how often the area is halved, as far as that matters
 
     /// Curves are taken as finely as the part that is looked at wants them.
-    std::optional<Drawing::Rect> findRoom(const Drawing::Rect& part) const
+    std::optional<Drawing::Rect> findRoom(const Drawing::Rect& part, std::size_t depth)
     {
-        return hasCurves ? Labels::findRoom(area, part) : pRooms->find(part);
+        const std::size_t i = hasCurves ? depth : 0;
+        rooms.resize(std::max(rooms.size(), i + 1));
+        if (rooms[i] == nullptr)
+            rooms[i] = std::make_unique<RoomFinder>(area, part);
+        return rooms[i]->find(part);
     }
 };
 
 std::vector<Drawing::ID> Labels::addInside(const Path& area, const Drawing::Rect& within,
                                            std::span<const TextLayout> forms, const AreaRule& rule)
 {
-    const RoomFinder rooms(area, within);
-    Inside inside{area, forms, rule, area.hasCurves(), &rooms};
+    Inside inside{area, forms, rule};
     const double size = std::max(within.right - within.left, within.bottom - within.top);
     if (!(rule.largest >= size / cMostParts))
         inside.rule.largest = size / cMostParts;
     if (!(rule.largestInView >= 1))
         inside.rule.largestInView = 1;
     if (std::isfinite(size) && !forms.empty())
-        add(inside, within, 0);
+        add(inside, within, 0, 0);
     return inside.ids;
 }
 
-void Labels::add(Inside& inside, const Drawing::Rect& part, double minZoom)
+void Labels::add(Inside& inside, const Drawing::Rect& part, double minZoom, std::size_t depth)
 {
-    const std::optional<Drawing::Rect> room = inside.findRoom(part);
+    const std::optional<Drawing::Rect> room = inside.findRoom(part, depth);
     const bool isWhole = minZoom == 0;
     if (!room && !isWhole)
         return;
@@ -87,8 +91,10 @@ void Labels::add(Inside& inside, const Drawing::Rect& part, double minZoom)
     {
         maxZoom = inside.rule.largestInView / size;
         const bool isWide = width > height;
-        add(inside, {part.left, part.top, isWide ? middle.x : part.right, isWide ? part.bottom : middle.y}, maxZoom);
-        add(inside, {isWide ? middle.x : part.left, isWide ? part.top : middle.y, part.right, part.bottom}, maxZoom);
+        add(inside, {part.left, part.top, isWide ? middle.x : part.right, isWide ? part.bottom : middle.y}, maxZoom,
+            depth + 1);
+        add(inside, {isWide ? middle.x : part.left, isWide ? part.top : middle.y, part.right, part.bottom}, maxZoom,
+            depth + 1);
     }
     const double strip = room ? room->right - room->left : 0, beyond = isWhole ? cBeyond * (width - strip) : 0;
     const Drawing::Point at =

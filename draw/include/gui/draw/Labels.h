@@ -189,7 +189,7 @@ private:
 
     struct Inside;
 
-    void add(Inside& inside, const Drawing::Rect& part, double minZoom);
+    void add(Inside& inside, const Drawing::Rect& part, double minZoom, std::size_t depth);
     Drawing::ID append(Drawing::Point at, const TextLayout& layout, const TextPlacement& placement,
                        const LabelRule& rule, bool isAlternative);
 
