@@ -29,7 +29,7 @@ public:
 
     void live()
     {
-        while (_input.left() > 0 && _labels.getNumberOfLabels() < 1000)
+        while (_input.left() > 0 && _labels.getNumberOfLabels() < 200)
         {
             doNext();
             require(_labels.getNumberOfHidden() <= _labels.getNumberOfLabels(), "what is hidden is there");
@@ -106,7 +106,7 @@ private:
         else if (takeBool())
             within = {takeNumber(), takeNumber(), takeNumber(), takeNumber()};
         AreaRule rule{.priority = takeNumber()};
-        if (takeBool())
+        if (_input.below(8) == 0) // that may be thousands of names
         {
             rule.largest = takeNumber();
             rule.largestInView = takeNumber();

@@ -21,6 +21,7 @@ constexpr double cHighest = 0.8;
 
 // An area has at most so many parts with names of their own, one way.
 constexpr double cMostParts = 64;
+constexpr std::size_t cMostHalvings = 12; // both ways
 
 // Broken at the space that is nearest to the middle.
 std::string inTwoLines(std::string name)
@@ -68,12 +69,13 @@ std::vector<Drawing::ID> Labels::addInside(const Path& area, const Drawing::Rect
                                            std::span<const TextLayout> forms, const AreaRule& rule)
 {
     Inside inside{area, forms, rule};
-    const double size = std::max(within.right - within.left, within.bottom - within.top);
+    const double width = within.right - within.left, height = within.bottom - within.top;
+    const double size = std::max(width, height);
     if (!(rule.largest >= size / cMostParts))
         inside.rule.largest = size / cMostParts;
     if (!(rule.largestInView >= 1))
         inside.rule.largestInView = 1;
-    if (std::isfinite(size) && !forms.empty())
+    if (std::isfinite(width) && std::isfinite(height) && !forms.empty())
         add(inside, within, 0, 0);
     return inside.ids;
 }
@@ -87,7 +89,8 @@ void Labels::add(Inside& inside, const Drawing::Rect& part, double minZoom, std:
     const double width = part.right - part.left, height = part.bottom - part.top;
     const Drawing::Point middle((part.left + part.right) / 2, (part.top + part.bottom) / 2);
     double maxZoom = std::numeric_limits<double>::infinity();
-    if (const double size = std::max(width, height); size > inside.rule.largest)
+    // Where numbers are so large that halves are no smaller it ends, too.
+    if (const double size = std::max(width, height); size > inside.rule.largest && depth < cMostHalvings)
     {
         maxZoom = inside.rule.largestInView / size;
         const bool isWide = width > height;
