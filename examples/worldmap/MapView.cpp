@@ -15,7 +15,7 @@ namespace
 
 // In points.
 constexpr double cLineHeight = 22;
-constexpr double cLeft = 10.5; // the middle of a pixel
+constexpr double cLeft = 10.5;       // the middle of a pixel
 constexpr double cCountryLeft = 158; // beside the widest place
 
 } // namespace

@@ -42,14 +42,7 @@ private:
     Names _names;
     gui::draw::Drawing _legend; // in points from the lower left corner
     gui::draw::Drawing::ID _band, _place, _country;
-    gui::draw::ScaleBar _scaleBar{{.units = {{1, " km"}},
-                                   .length = 120,
-                                   .offset = {10, -30},
-                                   .paint = "#26384a",
-                                   .width = 1,
-                                   .height = 6,
-                                   .text = writing(1.75),
-                                   .rim = {1}}};
+    gui::draw::ScaleBar _scaleBar{{.units = {{1, " km"}}, .offset = {22, -34}}};
     std::unique_ptr<Overview> _pOverview;
 };
 

@@ -340,7 +340,7 @@ struct Drawing::Impl
     ImageStore images;
     std::vector<ViewFollower*> followers; // not owned
     std::vector<LongElement> elements;    // of glyphs
-    std::vector<std::uint32_t> numbers; // of glyphs
+    std::vector<std::uint32_t> numbers;   // of glyphs
     DrawingPainter painter;
 };
 

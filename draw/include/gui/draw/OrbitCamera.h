@@ -187,8 +187,8 @@ public:
     /// How far down and up it may look from, -90 <= min <= max <= 90 degrees (an assertion), and all of it at first. Of
     /// upright turning.
     void setElevationLimits(double min, double max);
-    /// Where the target may be; anywhere with an empty box, as at first. Sides may be infinite; a box that has no finite
-    /// point in it changes nothing.
+    /// Where the target may be; anywhere with an empty box, as at first. Sides may be infinite; a box that has no
+    /// finite point in it changes nothing.
     void setTargetLimits(const Box3& box);
     /// How near to a point of the model and how far from it the eye may be, 0 <= min <= max (an assertion);
     /// anywhere at first. Outside of a globe, say, or inside a room. A flight goes around what is too near. Where other
