@@ -101,8 +101,10 @@ public:
         // From the 8 bits of _nVertexFloats, compilers conclude that few floats are copied, and choose a slow way.
         const std::size_t nFloats = nVertices * (_vertexRecLenInBytes / sizeof(float));
         if (_isWatched) [[unlikely]]
+        {
             if (isAppended(data, nFloats))
                 return;
+        }
         _vertexData.push_back(data, nFloats);
     }
     /// @param nVertexFloats  floats, a whole number of vertices (an assertion)
