@@ -6,8 +6,11 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t n)
 {
@@ -41,6 +44,25 @@ void require(bool holds, const char* text)
         return;
     std::fprintf(stderr, "does not hold: %s\n", text);
     std::abort();
+}
+
+double Careless::takeNumber()
+{
+    using Limits = std::numeric_limits<double>;
+    switch (_input.below(_nKinds))
+    {
+    case 0:
+        return std::array{Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), 0.0, -0.0}[_input.below(5)];
+    case 1:
+        return _input.take<double>();
+    case 2:
+    {
+        const auto digits = _input.take<std::int16_t>();
+        return std::ldexp(digits, _input.take<std::int8_t>());
+    }
+    default:
+        return static_cast<double>(_input.take<std::int16_t>()) / _fraction;
+    }
 }
 
 const char* fileOf(const void* bytes, std::size_t n)

@@ -80,6 +80,29 @@ private:
     const std::uint8_t* _end;
 };
 
+/// Somebody who does not care what he hands over: takes it from an input.
+class Careless
+{
+protected:
+    /// @param fraction  numbers are mostly multiples of one over this
+    /// @param nKinds    of so many numbers some three are of other kinds: none at all, infinite, any bits, huge, tiny
+    Careless(Input& input, double fraction, unsigned int nKinds)
+        : _input(input)
+        , _fraction(fraction)
+        , _nKinds(nKinds)
+    {
+    }
+
+    double takeNumber();
+    bool takeBool() { return _input.below(2) == 0; }
+
+    Input& _input;
+
+private:
+    double _fraction;
+    unsigned int _nKinds;
+};
+
 /// A file without a place on the disk that holds these bytes until the next call. @return its path
 const char* fileOf(const void* bytes, std::size_t n);
 

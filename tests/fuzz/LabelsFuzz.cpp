@@ -6,9 +6,6 @@
 #include <gui/draw/Hatch.h>
 #include <gui/draw/Labels.h>
 
-#include <array>
-#include <cmath>
-#include <limits>
 #include <vector>
 
 namespace fuzz::labels
@@ -19,11 +16,11 @@ namespace
 
 using namespace gui::draw;
 
-class Map
+class Map : Careless
 {
 public:
     explicit Map(Input& input)
-        : _input(input)
+        : Careless(input, 64, 12)
     {
     }
 
@@ -39,24 +36,6 @@ public:
     }
 
 private:
-    // Mostly such as people have.
-    double takeNumber()
-    {
-        constexpr double cInfinity = std::numeric_limits<double>::infinity();
-        switch (_input.below(12))
-        {
-        case 0:
-            return std::array{std::numeric_limits<double>::quiet_NaN(), cInfinity, -cInfinity, 0.0,
-                              -0.0}[_input.below(5)];
-        case 1:
-            return _input.take<double>();
-        case 2:
-            return std::ldexp(_input.take<std::int16_t>(), _input.take<std::int8_t>());
-        default:
-            return static_cast<double>(_input.take<std::int16_t>()) / 64;
-        }
-    }
-    bool takeBool() { return _input.below(2) == 0; }
     Drawing::Point takePoint()
     {
         const double x = takeNumber();
@@ -175,7 +154,6 @@ private:
         }
     }
 
-    Input& _input;
     Drawing _drawing;
     Labels _labels{_drawing};
     std::vector<Drawing::ID> _ids;

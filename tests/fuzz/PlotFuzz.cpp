@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -25,14 +24,11 @@ namespace
 using namespace gui::draw;
 using gui::InputDevice;
 
-constexpr double cInfinity = std::numeric_limits<double>::infinity();
-constexpr double cNaN = std::numeric_limits<double>::quiet_NaN();
-
-class PlotWorld
+class PlotWorld : Careless
 {
 public:
     explicit PlotWorld(Input& input)
-        : _input(input)
+        : Careless(input, 64, 12)
         , _plot(1 + input.below(3), 1 + input.below(3))
     {
     }
@@ -49,23 +45,7 @@ public:
     }
 
 private:
-    // Mostly such as people have.
-    double takeNumber()
-    {
-        switch (_input.below(12))
-        {
-        case 0:
-            return std::array{cNaN, cInfinity, -cInfinity, 0.0, -0.0}[_input.below(5)];
-        case 1:
-            return _input.take<double>();
-        case 2:
-            return std::ldexp(_input.take<std::int16_t>(), _input.take<std::int8_t>());
-        default:
-            return static_cast<double>(_input.take<std::int16_t>()) / 64;
-        }
-    }
     std::optional<double> takeOption() { return _input.below(2) == 0 ? std::nullopt : std::optional(takeNumber()); }
-    bool takeBool() { return _input.below(2) == 0; }
     td::Color takeColor() { return td::Color::fromRGB(_input.take<std::uint32_t>() & 0xFFFFFFU); }
 
     // Some given, the rest a curve.
@@ -372,7 +352,6 @@ private:
         axes.format(takeBool() ? axes.x() : axes.y(), takeNumber());
     }
 
-    Input& _input;
     Plot _plot;
     td::Size<double> _size;
 };

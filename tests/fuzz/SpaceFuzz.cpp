@@ -20,9 +20,7 @@
 #include <glm/geometric.hpp>
 #include <glm/matrix.hpp>
 
-#include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,16 +34,13 @@ namespace
 using namespace gui::draw;
 
 constexpr int cSize = 32;
-constexpr double cInfinity = std::numeric_limits<double>::infinity();
-constexpr double cNaN = std::numeric_limits<double>::quiet_NaN();
-
 bool isFinite(const glm::dvec3& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 
-class SpaceWorld
+class SpaceWorld : Careless
 {
 public:
     explicit SpaceWorld(Input& input)
-        : _input(input)
+        : Careless(input, 1024, 16)
     {
         _camera.setSize({cSize, cSize});
     }
@@ -63,22 +58,6 @@ public:
     }
 
 private:
-    // Mostly such as people have.
-    double takeNumber()
-    {
-        switch (_input.below(16))
-        {
-        case 0:
-            return std::array{cNaN, cInfinity, -cInfinity, 0.0, -0.0}[_input.below(5)];
-        case 1:
-            return _input.take<double>();
-        case 2:
-            return std::ldexp(_input.take<std::int16_t>(), _input.take<std::int8_t>());
-        default:
-            return static_cast<double>(_input.take<std::int16_t>()) / 1024;
-        }
-    }
-    bool takeBool() { return _input.below(2) == 0; }
     td::Color takeColor()
     {
         const auto bits = _input.take<std::uint32_t>();
@@ -515,7 +494,6 @@ private:
         require(glGetError() == GL_NO_ERROR, "GL has no error");
     }
 
-    Input& _input;
     OrbitCamera _camera{takeBool() ? OrbitCamera::Up::Y : OrbitCamera::Up::Z};
     DepthProbe _probe;
     Polylines3 _lines;

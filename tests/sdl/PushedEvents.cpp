@@ -43,24 +43,13 @@ void finger(Finger kind, int id, float x)
     push(event);
 }
 
-void move(std::uint32_t window, int x, std::uint32_t buttons)
+static void move(std::uint32_t window, int x, std::uint32_t buttons, std::uint32_t mouse)
 {
     SDL_Event event{};
     event.motion.type = SDL_EVENT_MOUSE_MOTION;
     event.motion.windowID = window;
+    event.motion.which = mouse;
     event.motion.state = buttons;
-    event.motion.x = static_cast<float>(x);
-    event.motion.y = cY;
-    push(event);
-}
-
-void moveByTouch(std::uint32_t window, int x)
-{
-    SDL_Event event{};
-    event.motion.type = SDL_EVENT_MOUSE_MOTION;
-    event.motion.windowID = window;
-    event.motion.which = SDL_TOUCH_MOUSEID;
-    event.motion.state = SDL_BUTTON_LMASK;
     event.motion.x = static_cast<float>(x);
     event.motion.y = cY;
     push(event);
@@ -103,17 +92,10 @@ void finger(Finger kind, int id, float x)
     push(event);
 }
 
-void move(std::uint32_t window, int x, std::uint32_t buttons)
+static void move(std::uint32_t window, int x, std::uint32_t buttons, std::uint32_t mouse)
 {
     SDL_Event event{};
-    event.motion = {SDL_MOUSEMOTION, 0, window, 0, buttons, x, cY, 1, 0};
-    push(event);
-}
-
-void moveByTouch(std::uint32_t window, int x)
-{
-    SDL_Event event{};
-    event.motion = {SDL_MOUSEMOTION, 0, window, SDL_TOUCH_MOUSEID, SDL_BUTTON_LMASK, x, cY, 1, 0};
+    event.motion = {SDL_MOUSEMOTION, 0, window, mouse, buttons, x, cY, 1, 0};
     push(event);
 }
 
@@ -140,5 +122,9 @@ void compose(const std::string& text, int start, int length)
 }
 
 #endif
+
+void move(std::uint32_t window, int x, std::uint32_t buttons) { move(window, x, buttons, 0); }
+
+void moveByTouch(std::uint32_t window, int x) { move(window, x, SDL_BUTTON_LMASK, SDL_TOUCH_MOUSEID); }
 
 } // namespace test::pushed

@@ -152,7 +152,6 @@ Drawing::ID Drawing::image(const Rect& rect, const Image& image)
     TD_ASSERT_GUI_THREAD(0);
     Impl::Item& item = _pImpl->addShape(Impl::Kind::Fill, Paint());
     item.makeExtras().imageRect = rect;
-    item.pExtras->hasImageRect = true;
     const ID id = _pImpl->setPath(item, Path().addRect(rect));
     _pImpl->setImage(item, image);
     return id;
@@ -162,7 +161,7 @@ bool Drawing::setImage(ID shape, const Image& image)
 {
     Impl::Item* pItem = _pImpl->findShape(shape);
     const Impl::Extras* const pExtras = pItem == nullptr ? nullptr : pItem->pExtras.get();
-    if (pExtras == nullptr || !pExtras->hasImageRect || pExtras->imageRect.right <= pExtras->imageRect.left)
+    if (pExtras == nullptr || !pExtras->imageRect || pExtras->imageRect->right <= pExtras->imageRect->left)
         return false;
     _pImpl->setImage(*pItem, image);
     return true;

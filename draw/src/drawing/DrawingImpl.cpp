@@ -109,7 +109,7 @@ void Drawing::Impl::setImage(Item& item, const Image& image)
     setPaint(item, Paint());
     item.image = number;
     if (number != 0)
-        tables.setImage(item.places, item.pExtras->imageRect, item.origin, item.step);
+        tables.setImage(item.places, *item.pExtras->imageRect, item.origin, item.step);
     enlist(item);
 }
 
@@ -138,7 +138,7 @@ void Drawing::Impl::setGeometry(Item& item, const Path& path)
     if (const Paint* const pGradient = item.getGradient())
         tables.setPaint(item.places, *pGradient, item.origin, item.step);
     if (item.image != 0)
-        tables.setImage(item.places, item.pExtras->imageRect, item.origin, item.step);
+        tables.setImage(item.places, *item.pExtras->imageRect, item.origin, item.step);
     if (!isStroke)
     {
         unlink(item);
@@ -430,8 +430,10 @@ bool Drawing::Impl::draw(const Sight& sight)
     // Where letters are along paths, and what followers do, goes by the sight: a picture of it has them there.
     const bool isKept = !isChanged && painter.hasPicture(sight);
     const bool wasChanged = isChanged;
-    for (ViewFollower* pFollower : followers)
-        pFollower->follow(toPoints);
+    // Two views of other zooms would lay followers out in turns, in each frame.
+    if (!isKept)
+        for (ViewFollower* pFollower : followers)
+            pFollower->follow(toPoints);
     placeRoutes(sight);
     isChanged = wasChanged;
     isWaitingSeen = false;

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -92,8 +93,7 @@ struct Drawing::Impl
     struct Extras
     {
         ZoomRange ownZooms;
-        Rect imageRect; // where all of an image is
-        bool hasImageRect = false;
+        std::optional<Rect> imageRect; // where all of an image is
         std::unique_ptr<Paint> pGradient;
         std::vector<std::uint32_t> members; // of a group
     };

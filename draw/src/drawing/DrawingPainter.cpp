@@ -24,6 +24,7 @@ constexpr std::size_t cManyPrograms = 6;
 /// pixel, and there the edges of a text's glyphs that overlap may lack a little.
 constexpr std::size_t cManyPasses = 8;
 
+/// Of so many quads of a drawing on fills and strokes have a program each, but for a kind that has few.
 constexpr std::size_t cManyQuads = 10000, cFewQuads = 1000;
 
 /// From so many pixels on a shape may have lines that floats are too coarse for.

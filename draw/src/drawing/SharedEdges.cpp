@@ -103,6 +103,46 @@ std::uint32_t keyFarAway(TwoDoubles a, TwoDoubles b, bool isBackward)
     return keyOf({cell(a[0]), cell(a[1]), cell(b[0]), cell(b[1])}, exponent, isBackward);
 }
 
+std::uint32_t keyOf(TwoDoubles from, TwoDoubles to, int exponent, bool isBackward)
+{
+    const double perUnit = cellsPerUnit(exponent);
+    const Cells a = cellsOf(from, perUnit), b = cellsOf(to, perUnit);
+    const Cells &one = isBackward ? b : a, &two = isBackward ? a : b;
+    return keyOf({one[0], one[1], two[0], two[1]}, exponent, isBackward);
+}
+
+// Of all edges of a shape. @return behind the last one
+std::uint32_t* addKeys(const ShapeGeometry& geometry, std::uint32_t* pKey)
+{
+    if (geometry.nodes.empty())
+        return pKey;
+    const TwoDoubles origin{geometry.origin.x, geometry.origin.y};
+    const auto toModel = [&](GridPoint p) {
+        return origin + geometry.step * TwoDoubles{static_cast<double>(p.x), static_cast<double>(p.y)};
+    };
+    const auto& box = geometry.nodes[0].box;
+    const TwoDoubles low = absOf(toModel({box[0], box[1]})), high = absOf(toModel({box[2], box[3]}));
+    const TwoDoubles most = largerOf(low, high);
+    const int leastExponent = std::max(exponentOf(std::max(most[0], most[1])) - (cBits - cCellBits), cLeastExponent);
+    for (const EdgeNode& node : geometry.nodes)
+    {
+        if (!node.isLeaf())
+            continue;
+        const GridPoint* pPoint = geometry.points.data() + node.first;
+        TwoDoubles from = toModel(*pPoint);
+        for (std::int32_t i = node.first; i < node.last; ++i, ++pPoint)
+        {
+            const TwoDoubles to = toModel(pPoint[1]), way = absOf(to - from);
+            const bool isBackward = placeOf(pPoint[1]) < placeOf(pPoint[0]);
+            const int exponent = exponentOf(std::max(way[0], way[1]));
+            *pKey++ =
+                exponent < leastExponent ? keyFarAway(from, to, isBackward) : keyOf(from, to, exponent, isBackward);
+            from = to;
+        }
+    }
+    return pKey;
+}
+
 } // namespace
 
 SharedEdges::Version SharedEdges::add(std::uint32_t shape, const ShapeGeometry& geometry)
@@ -120,44 +160,7 @@ SharedEdges::Version SharedEdges::add(std::uint32_t shape, const ShapeGeometry& 
     }
     const std::size_t first = _keys.size();
     _keys.grow(geometry.points.size());
-    std::uint32_t* pKey = _keys.data() + first;
-    if (!geometry.nodes.empty())
-    {
-        const TwoDoubles origin{geometry.origin.x, geometry.origin.y};
-        const auto toModel = [&](GridPoint p) {
-            return origin + geometry.step * TwoDoubles{static_cast<double>(p.x), static_cast<double>(p.y)};
-        };
-        const auto& box = geometry.nodes[0].box;
-        const TwoDoubles low = absOf(toModel({box[0], box[1]})), high = absOf(toModel({box[2], box[3]}));
-        const TwoDoubles most = largerOf(low, high);
-        const int leastExponent =
-            std::max(exponentOf(std::max(most[0], most[1])) - (cBits - cCellBits), cLeastExponent);
-        for (const EdgeNode& node : geometry.nodes)
-        {
-            if (!node.isLeaf())
-                continue;
-            const GridPoint* pPoint = geometry.points.data() + node.first;
-            TwoDoubles from = toModel(*pPoint);
-            for (std::int32_t i = node.first; i < node.last; ++i, ++pPoint)
-            {
-                const GridPoint p = pPoint[0], q = pPoint[1];
-                const TwoDoubles to = toModel(q), way = absOf(to - from);
-                const bool isBackward = placeOf(q) < placeOf(p);
-                const int exponent = exponentOf(std::max(way[0], way[1]));
-                if (exponent < leastExponent)
-                    *pKey++ = keyFarAway(from, to, isBackward);
-                else
-                {
-                    const double perUnit = cellsPerUnit(exponent);
-                    const Cells a = cellsOf(from, perUnit), b = cellsOf(to, perUnit);
-                    const Cells &one = isBackward ? b : a, &two = isBackward ? a : b;
-                    *pKey++ = keyOf({one[0], one[1], two[0], two[1]}, exponent, isBackward);
-                }
-                from = to;
-            }
-        }
-    }
-    const auto n = static_cast<std::size_t>(pKey - _keys.data()) - first;
+    const auto n = static_cast<std::size_t>(addKeys(geometry, _keys.data() + first) - _keys.data()) - first;
     _keys.shrink(first + n);
     _shapes[version] = shape;
     _counts[version] = static_cast<std::uint32_t>(n);
