@@ -7,6 +7,9 @@
 
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
+#ifdef BENCH_IMGUI
+#include <imgui.h>
+#endif
 
 #include <cmath>
 #include <cstdint>
@@ -16,8 +19,8 @@
 
 #include <unistd.h>
 
-// Lays out text beside a plain two-pass layout and beside the additions that nobody can save, adds strings again of
-// which one changed, and draws many beside a loop that makes the same GL calls.
+// Lays out text beside a plain two-pass layout, beside Dear ImGui, and beside the additions that nobody can save, adds
+// strings again of which one changed, and draws many beside a loop that makes the same GL calls.
 
 namespace
 {
@@ -221,6 +224,47 @@ void layOutPlainly(benchmark::State& state, Kind kind, td::BYTE alignment)
     count(state, charactersOf(kind));
 }
 
+#ifdef BENCH_IMGUI
+/// By a draw list with the same glyphs in a font of its own.
+void layOutByImGui(benchmark::State& state, Kind kind, td::BYTE alignment)
+{
+    const float scale = formatOf(alignment).scale;
+    ImGuiContext* pContext = ImGui::CreateContext();
+    ImFontAtlas atlas;
+    ImFont font;
+    font.ContainerAtlas = &atlas;
+    font.FontSize = 16;
+    font.AddGlyph(nullptr, ' ', 0, 0, 0, 0, 0, 0, 0, 0, 6);
+    for (const test::FontFile::Glyph& glyph : fontFile().glyphs)
+        font.AddGlyph(nullptr, static_cast<ImWchar>(glyph.codePoint), glyph.bearing, 0, glyph.bearing + glyph.width, 16,
+                      glyph.tx, 0, glyph.tx + 0.01f, 1, glyph.advance);
+    font.BuildLookupTable();
+    ImDrawList list(ImGui::GetDrawListSharedData());
+    const float size = font.FontSize * scale;
+    const Strings strings[] = {textsOf(kind, 1), textsOf(kind, 2)};
+    unsigned int round = 0;
+    for (auto _ : state)
+    {
+        list._ResetForNewFrame();
+        list.PushClipRect({0, 0}, {1e6f, 1e6f});
+        list.PushTextureID(atlas.TexID);
+        for (const std::string& string : strings[++round % 2])
+        {
+            const char* const pEnd = string.data() + string.size();
+            ImVec2 at(1000, 20);
+            if (alignment == Font::cCentre)
+                at.x -= font.CalcTextSizeA(size, 1e9f, 0, string.data(), pEnd).x / 2;
+            list.AddText(&font, size, at, IM_COL32_BLACK, string.data(), pEnd);
+        }
+        benchmark::DoNotOptimize(list.VtxBuffer.Data);
+        list.PopTextureID();
+        list.PopClipRect();
+    }
+    ImGui::DestroyContext(pContext);
+    count(state, charactersOf(kind));
+}
+#endif
+
 void measure(benchmark::State& state, Kind kind)
 {
     Fixture fixture;
@@ -382,6 +426,19 @@ BENCHMARK_CAPTURE(layOutPlainly, letters, Kind::Letters, Font::cLeft)->Name("Lay
 BENCHMARK_CAPTURE(layOutPlainly, pairs, Kind::Pairs, Font::cLeft)->Name("Layout/pairs/plain");
 BENCHMARK_CAPTURE(layOutPlainly, figures, Kind::Figures, Font::cLeft)->Name("Layout/figures/plain");
 BENCHMARK_CAPTURE(layOutPlainly, centredFigures, Kind::Figures, Font::cCentre)->Name("Layout/figures centred/plain");
+#ifdef BENCH_IMGUI
+BENCHMARK_CAPTURE(layOutByImGui, labels, Kind::Labels, Font::cLeft)->Name("Layout/labels/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, mixed, Kind::Mixed, Font::cLeft)->Name("Layout/mixed/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, paragraphs, Kind::Paragraphs, Font::cLeft)->Name("Layout/paragraphs/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, centred, Kind::Labels, Font::cCentre)->Name("Layout/centred/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, letters, Kind::Letters, Font::cLeft)->Name("Layout/letters/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, pairs, Kind::Pairs, Font::cLeft)->Name("Layout/pairs/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, figures, Kind::Figures, Font::cLeft)->Name("Layout/figures/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, centredFigures, Kind::Figures, Font::cCentre)->Name("Layout/figures centred/ImGui");
+BENCHMARK_CAPTURE(layOutByImGui, centredParagraphs, Kind::Paragraphs, Font::cCentre)
+    ->Name("Layout/paragraphs centred/ImGui");
+#endif
+BENCHMARK_CAPTURE(layOut, centredParagraphs, Kind::Paragraphs, Font::cCentre)->Name("Layout/paragraphs centred");
 BENCHMARK_CAPTURE(measure, labels, Kind::Labels)->Name("Measure/labels");
 BENCHMARK_CAPTURE(measure, mixed, Kind::Mixed)->Name("Measure/mixed");
 BENCHMARK(addThreeTimes)->Name("ThreeAdditions/labels");
