@@ -128,8 +128,15 @@ unsigned char Camera::movementOf(const gui::Key& key, bool isReleased) const
 {
     const unsigned int modifiers =
         gui::removeKeyModifier(gui::removeKeyModifier(key.getModifiers(), gui::KeyModifier::Alt), gui::KeyModifier::Fn);
-    if (modifiers != 0)
-        return cNoMovement;
+    const unsigned char movement = movementOfAny(key, isReleased);
+    // What went down alone and goes up with another is held no more.
+    const bool isHeld = isReleased && movement != cNoMovement && _keyPressed[movement];
+    return modifiers == 0 || isHeld ? movement : cNoMovement;
+}
+
+// The same whatever is held with it.
+unsigned char Camera::movementOfAny(const gui::Key& key, bool isReleased) const
+{
     if (key.isASCII())
         return getMovementPos(td::toLower(key.getChar()));
     switch (isReleased && !key.isVirtual() ? zav::getVirtualKeyCode(key.getCode(), 0) : key.getVirtual())

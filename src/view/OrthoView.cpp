@@ -34,12 +34,14 @@ bool isFinite(const td::RectNormalized<double>& rect)
 // that has at least a part of what is between them in it.
 double within(double edge, double length, double low, double high, double part)
 {
+    // Not std::clamp: of lengths that are nearly the same, rounding may bring the ends into the other order.
+    const auto between = [edge](double first, double last) { return std::max(first, std::min(edge, last)); };
     if (part >= 0)
     {
         part = std::min({part, length, high - low});
-        return std::clamp(edge, low + part - length, high - part);
+        return between(low + part - length, high - part);
     }
-    return length < high - low ? std::clamp(edge, low, high - length) : (low + high - length) / 2;
+    return length < high - low ? between(low, high - length) : (low + high - length) / 2;
 }
 
 bool isFiniteMatrix(const glm::mat4& matrix)
@@ -265,8 +267,10 @@ td::Point<double> OrthoView::withinLimits(const td::Point<double>& origin) const
     if (!_limits || !(_width > 0 && _height > 0))
         return origin;
     const double part = _inSight / _zoom;
-    return {within(origin.x, static_cast<double>(_width) / _zoom, _limits->left, _limits->right, part),
-            within(origin.y, static_cast<double>(_height) / _zoom, _limits->top, _limits->bottom, part)};
+    const td::Point<double> kept(
+        within(origin.x, static_cast<double>(_width) / _zoom, _limits->left, _limits->right, part),
+        within(origin.y, static_cast<double>(_height) / _zoom, _limits->top, _limits->bottom, part));
+    return isFinite(kept) ? kept : origin; // where more is seen than numbers go
 }
 
 // @return whether the plane moved
@@ -371,6 +375,9 @@ void OrthoView::dragPlane(const InputDevice& device, InputDevice::Button button)
     s_startDragPoint = device.getFramePoint();
 }
 
+// What no button is down for any more: its release went to somebody else.
+void OrthoView::onCursorMoved(const InputDevice&) { endPanning(); }
+
 void OrthoView::onCursorExited(const InputDevice&)
 {
     // A drag with the middle button goes on outside.
@@ -402,10 +409,10 @@ void OrthoView::onOtherDragged(const InputDevice& device)
 bool OrthoView::onScroll(const InputDevice& device)
 {
     const td::Point<double>& distance = device.getFramePoint();
+    if (!isFinite(distance))
+        return true;
     if (_bindings == Bindings::Plain && !device.getKey().isShiftPressed() && distance.y != 0)
     {
-        if (!std::isfinite(distance.y))
-            return true;
         // The wheel's own units, of which a zoom goes by, are in there times this.
         const double units = distance.y / zav::s_scrollAccelleration;
         constexpr double cMin = 0.05;

@@ -19,6 +19,12 @@ constexpr double cFlyMargin = 60;  // around what a double click flies to
 constexpr double cClosest = 1e6;   // from all of the drawing
 constexpr double cFarthest = 1e-2; // likewise
 
+bool hasFinitePoint(const InputDevice& device)
+{
+    const td::Point<double>& point = device.getFramePoint();
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
+
 constexpr td::Color cBoxColor = "#3465d9", cBoxFill = "#3465d920";
 
 } // namespace
@@ -181,6 +187,10 @@ void DrawingView::point()
 
 void DrawingView::onCursorMoved(const InputDevice& device)
 {
+    if (!hasFinitePoint(device))
+        return;
+    OrthoView::onCursorMoved(device);
+    _isClick = false;
     // Its end went to somebody else.
     if (std::exchange(_pBox, nullptr))
         reRender();
@@ -197,6 +207,8 @@ void DrawingView::onCursorExited(const InputDevice& device)
 
 void DrawingView::onCursorDragged(const InputDevice& device)
 {
+    if (!hasFinitePoint(device))
+        return;
     if (_pOverview)
         return onPrimaryButtonPressed(device);
     // Before the plane moves along: the same shape stays under it.
@@ -214,6 +226,8 @@ void DrawingView::onCursorDragged(const InputDevice& device)
 
 void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 {
+    if (!hasFinitePoint(device))
+        return;
     if (_pOverview)
         return _pOverview->of.setCenter(getModelPoint(device.getFramePoint()));
     setPointer(device);
@@ -228,8 +242,13 @@ void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
 {
     OrthoView::onPrimaryButtonReleased(device);
-    setPointer(device);
     const std::unique_ptr<Box> pBox = std::move(_pBox);
+    if (!hasFinitePoint(device))
+    {
+        _isClick = false;
+        return reRender();
+    }
+    setPointer(device);
     if (!std::exchange(_isClick, false))
     {
         if (pBox && !(pBox->from == pBox->to))
@@ -244,6 +263,8 @@ void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
 
 void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
 {
+    if (!hasFinitePoint(device))
+        return;
     OrthoView::onPrimaryButtonDblClick(device);
     setPointer(device);
     _isClick = false;

@@ -144,8 +144,9 @@ std::size_t Plot::Impl::getVersion() const
 
 void Plot::Impl::changed() const
 {
-    if (onChange && !isFitting)
-        onChange();
+    // A copy: it may set another one.
+    if (const std::function<void()> tell = isFitting ? nullptr : onChange)
+        tell();
 }
 
 // All x first, since what is seen of y may go by it.

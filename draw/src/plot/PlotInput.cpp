@@ -93,6 +93,12 @@ void Plot::onMoved(const InputDevice& device)
     if (!isFinitePoint(device.getFramePoint()))
         return;
     _pImpl->pointer = device.getFramePoint();
+    // A drag whose release went to somebody else.
+    if (std::exchange(_pImpl->drag, Impl::Drag::None) != Impl::Drag::None)
+    {
+        _pImpl->isOverlayChanged = true;
+        _pImpl->changed();
+    }
     if (!_pImpl->hasCrosshair)
         return;
     unsigned int part = 0;

@@ -42,7 +42,11 @@ void PlotView::onPrimaryButtonReleased(const InputDevice& device)
 
 void PlotView::onPrimaryButtonDblClick(const InputDevice& device) { _plot.onDoubleClick(device); }
 
-void PlotView::onCursorMoved(const InputDevice& device) { _plot.onMoved(device); }
+void PlotView::onCursorMoved(const InputDevice& device)
+{
+    setCursor(Cursor::Type::Default, true); // the end of a drag may have gone to somebody else
+    _plot.onMoved(device);
+}
 
 void PlotView::onCursorDragged(const InputDevice& device)
 {

@@ -75,7 +75,10 @@ void GlobeView::onCameraMoved()
 // Not on as it looks now: at the rim it would then look past the globe.
 void GlobeView::onPrimaryButtonDblClick(const InputDevice& device)
 {
-    const std::optional<glm::dvec3> point = _globe.meet(getEye().getRay(device.getFramePoint()));
+    const td::Point<double>& at = device.getFramePoint();
+    const bool isSomewhere = std::isfinite(at.x) && std::isfinite(at.y);
+    const std::optional<glm::dvec3> point =
+        isSomewhere ? _globe.meet(getEye().getRay(at)) : std::optional<glm::dvec3>();
     if (!point)
     {
         OrbitView::onPrimaryButtonDblClick(device);

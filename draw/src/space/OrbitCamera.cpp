@@ -95,7 +95,7 @@ OrbitCamera::Range OrbitCamera::distanceLimits() const
         return *_distanceLimits;
     const double radius = _bounds.getRadius();
     constexpr double cUnlimited = 1e100; // its square is a double too
-    if (!(radius > 0 && radius < cUnlimited))
+    if (!(radius > 1 / cUnlimited && radius < cUnlimited))
         return {1 / cUnlimited, cUnlimited};
     constexpr double cClosest = 1e-7, cLeastSize = 4; // in points
     return {cClosest * radius, radius * std::max(_size.height, 100.0) / (cLeastSize * std::min(tangent(), 1.0))};
@@ -243,10 +243,7 @@ bool OrbitCamera::fit(const Box3& box, double margin)
 void OrbitCamera::show(Side side)
 {
     stop();
-    const bool isUpright = _turning == Turning::Upright;
-    _pose = poseOf(side);
-    if (isUpright)
-        _pose = within(_pose);
+    _pose = within(poseOf(side));
     fitAgain();
 }
 
@@ -390,7 +387,7 @@ void OrbitCamera::focus(const glm::dvec3& point)
     if (_projection == Projection::Perspective)
         pose.distance = distance;
     const Pose possible = within(pose);
-    if (possible.target != pose.target || possible.distance != pose.distance)
+    if (possible.target != pose.target || possible.distance != pose.distance || !isFiniteVector(pose.target))
         return;
     _pose = possible;
 }

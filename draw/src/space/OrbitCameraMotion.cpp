@@ -121,7 +121,11 @@ bool OrbitCamera::advance(double seconds)
         _flight->elapsed += seconds;
         const double time = _flight->elapsed / _flight->seconds;
         if (time < 1)
-            _pose = poseInFlight(time * time * (3 - 2 * time));
+        {
+            // Between ends that are as far apart as numbers go there may be none.
+            const Pose pose = poseInFlight(time * time * (3 - 2 * time));
+            _pose = isPose(pose) ? pose : _pose;
+        }
         else
         {
             const Flight flight = *std::exchange(_flight, std::nullopt);
@@ -143,8 +147,8 @@ bool OrbitCamera::advance(double seconds)
         glide.velocity *= left;
         if (glide.isTurn)
             turnBy(glide.pivot, step.x, step.y);
-        else
-            _pose = within({_pose.target + step, _pose.rotation, _pose.distance});
+        else if (const glm::dvec3 to = _pose.target + step; std::isfinite(to.x + to.y + to.z))
+            _pose = within({to, _pose.rotation, _pose.distance});
         if (isLast)
             _glide.reset();
     }

@@ -86,19 +86,24 @@ struct OrbitControl::Impl
             return clock();
         return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
     }
+    // These call copies: what is called may set others.
     void changed() const
     {
-        if (onChange)
-            onChange();
+        if (const std::function<void()> tell = onChange)
+            tell();
     }
     void begin()
     {
         lastFrame = now();
-        if (onMotion)
-            onMotion();
+        if (const std::function<void()> tell = onMotion)
+            tell();
         changed();
     }
-    std::optional<glm::dvec3> find(const Point& point) const { return pick ? pick(point) : std::nullopt; }
+    std::optional<glm::dvec3> find(const Point& point) const
+    {
+        const auto ask = pick;
+        return ask ? ask(point) : std::nullopt;
+    }
     // In a small view they would be in the way.
     bool hasGizmo() const
     {
@@ -276,7 +281,9 @@ void OrbitControl::onPressed(const InputDevice& device)
 {
     Impl& impl = *_pImpl;
     const Point& point = device.getFramePoint();
-    if (impl.drag != Impl::Drag::None || !isFinitePlace(point))
+    // The same button once more: its release went to somebody else.
+    const bool isTaken = impl.drag != Impl::Drag::None && impl.button != device.getButton();
+    if (isTaken || !isFinitePlace(point))
         return;
     impl.camera.stop();
     impl.drag = Impl::Drag::Pressed;
@@ -321,7 +328,7 @@ bool OrbitControl::onReleased(const InputDevice& device)
     if (wasDrag)
         impl.throwOn();
     impl.drag = Impl::Drag::None;
-    if (wasDrag || impl.button != InputDevice::Button::Primary)
+    if (wasDrag || impl.button != InputDevice::Button::Primary || !isFinitePlace(device.getFramePoint()))
         return false;
     if (!impl.isOnGizmo)
         return true;
@@ -358,8 +365,10 @@ void OrbitControl::onDoubleClick(const InputDevice& device)
 
 void OrbitControl::onMoved(const InputDevice& device)
 {
-    if (isFinitePlace(device.getFramePoint()))
-        _pImpl->point(device.getFramePoint());
+    if (!isFinitePlace(device.getFramePoint()))
+        return;
+    _pImpl->drag = Impl::Drag::None; // whose release went to somebody else
+    _pImpl->point(device.getFramePoint());
 }
 
 void OrbitControl::onExited() { _pImpl->point(std::nullopt); }

@@ -33,6 +33,12 @@ std::array<float, 4> componentsOf(td::Color color)
     return {part(color.red()), part(color.green()), part(color.blue()), 1};
 }
 
+bool isFinitePlaceOf(const InputDevice& device)
+{
+    const td::Point<double>& point = device.getFramePoint();
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
+
 struct PickedDepth
 {
     double depth;
@@ -144,7 +150,7 @@ private:
 OrbitView::OrbitView(OrbitCamera::Up up)
     : _camera(up)
     , _control(_camera)
-    , _pBackground(std::make_unique<Background>("#f4f6f8", "#c8d0d8"))
+    , _pBackground(std::make_shared<Background>("#f4f6f8", "#c8d0d8"))
 {
     _control.setPick([this](const td::Point<double>& point) { return pick(getEye().getRay(point)); });
     _control.setOnChange([this] { reRender(); });
@@ -221,14 +227,14 @@ void OrbitView::setBackground(td::Color color) { setBackground(color, color); }
 void OrbitView::setBackground(td::Color top, td::Color bottom)
 {
     makeCurrentContext();
-    _pBackground = std::make_unique<Background>(top, bottom);
+    _pBackground = std::make_shared<Background>(top, bottom);
     reRender();
 }
 
 void OrbitView::setSky(int faceSize, std::function<glm::vec3(const glm::vec3& direction)> color)
 {
     makeCurrentContext();
-    _pBackground = std::make_unique<Background>(faceSize, std::move(color));
+    _pBackground = std::make_shared<Background>(faceSize, std::move(color));
     reRender();
 }
 
@@ -250,7 +256,9 @@ void OrbitView::onDraw(const td::RectNormalized<double>&)
     _canvas.setShadows(_canvas.getShadows(), _camera.getBounds()); // which may be others since
     {
         DepthCanvas::Frame frame(_canvas, eye);
-        _pBackground->draw(_camera);
+        // It may call for the colours of a sky, and who gives them may set another one.
+        const std::shared_ptr<Background> pBackground = _pBackground;
+        pBackground->draw(_camera);
         _probe.begin(eye);
         while (const Eye* const pEye = eye.isValid() ? frame.next() : nullptr)
         {
@@ -317,9 +325,18 @@ bool OrbitView::prepareNextFrame()
     return onAnimate(std::min(since.count(), cLongestFrame)) || isMoving;
 }
 
+void OrbitView::press(const InputDevice& device)
+{
+    _modifiers = device.getKeyboardModifiers();
+    _control.onPressed(device);
+}
+
 void OrbitView::drag(const InputDevice& device)
 {
+    if (!isFinitePlaceOf(device))
+        return;
     _pointer = device.getFramePoint();
+    _modifiers = device.getKeyboardModifiers();
     const bool wasDragging = _control.isDragging();
     _control.onDragged(device);
     if (_control.isDragging() && !wasDragging)
@@ -328,6 +345,7 @@ void OrbitView::drag(const InputDevice& device)
 
 void OrbitView::release(const InputDevice& device)
 {
+    _modifiers = device.getKeyboardModifiers();
     const bool wasDragging = _control.isDragging();
     const bool isClick = _control.onReleased(device);
     if (wasDragging && !_control.isDragging())
@@ -336,23 +354,32 @@ void OrbitView::release(const InputDevice& device)
         onClicked(getEye().getRay(device.getFramePoint()));
 }
 
-void OrbitView::onPrimaryButtonPressed(const InputDevice& device) { _control.onPressed(device); }
+void OrbitView::onPrimaryButtonPressed(const InputDevice& device) { press(device); }
 
 void OrbitView::onPrimaryButtonReleased(const InputDevice& device) { release(device); }
 
-void OrbitView::onPrimaryButtonDblClick(const InputDevice& device) { _control.onDoubleClick(device); }
+void OrbitView::onPrimaryButtonDblClick(const InputDevice& device)
+{
+    _modifiers = device.getKeyboardModifiers();
+    _control.onDoubleClick(device);
+}
 
-void OrbitView::onSecondaryButtonPressed(const InputDevice& device) { _control.onPressed(device); }
+void OrbitView::onSecondaryButtonPressed(const InputDevice& device) { press(device); }
 
 void OrbitView::onSecondaryButtonReleased(const InputDevice& device) { release(device); }
 
-void OrbitView::onOtherButtonPressed(const InputDevice& device) { _control.onPressed(device); }
+void OrbitView::onOtherButtonPressed(const InputDevice& device) { press(device); }
 
 void OrbitView::onOtherButtonReleased(const InputDevice& device) { release(device); }
 
 void OrbitView::onCursorMoved(const InputDevice& device)
 {
+    if (!isFinitePlaceOf(device))
+        return;
     _pointer = device.getFramePoint();
+    _modifiers = device.getKeyboardModifiers();
+    if (_control.isDragging()) // its end went to somebody else
+        setCursor(Cursor::Type::Default, true);
     _control.onMoved(device);
     if (const Eye eye = getEye(); eye.isValid())
         onPointed(eye.getRay(*_pointer));

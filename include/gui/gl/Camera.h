@@ -119,6 +119,7 @@ public:
 
 private:
     unsigned char movementOf(const gui::Key& key, bool isReleased) const;
+    unsigned char movementOfAny(const gui::Key& key, bool isReleased) const;
     void moveTo(const glm::vec3& position);
 
     ICameraLimiter* _limiter = nullptr;

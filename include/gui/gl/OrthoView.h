@@ -167,6 +167,7 @@ protected:
     void onPrimaryButtonReleased(const InputDevice& device) override;
     void onPrimaryButtonDblClick(const InputDevice& device) override;
     void onCursorDragged(const InputDevice& device) override;
+    void onCursorMoved(const InputDevice& device) override; ///< ends a pan whose release went elsewhere
     void onCursorExited(const InputDevice& device) override;
     void onOtherButtonPressed(const InputDevice& device) override;
     void onOtherButtonReleased(const InputDevice& device) override;

@@ -86,7 +86,7 @@ public:
     void setGizmo(Corner corner);
     Corner getGizmo() const; ///< see setGizmo
 
-    /// For the button that the record says, the first one alone until it is let go.
+    /// For the button that the record says, the first one alone until it is let go, or the pointer moves without any.
     void onPressed(const InputDevice& device);
     /// With the button down that onPressed was told of last.
     void onDragged(const InputDevice& device);

@@ -116,6 +116,17 @@ public:
 
     /// Where the pointer is, in points; empty when it is elsewhere, or has not moved yet.
     const std::optional<td::Point<double>>& getPointer() const { return _pointer; }
+    /// The keys that were held when the pointer last moved or a button was pressed or released, for those who select:
+    ///
+    ///     void onClicked(const Ray& ray) override
+    ///     {
+    ///         if (!gui::isControlKeyPressed(getModifiers()))
+    ///             _selection.clear();
+    ///         _selection.insert(partAt(ray));
+    ///     }
+    ///
+    /// @return a mask that gui::isShiftPressed, isControlKeyPressed and isAltPressed take
+    unsigned int getModifiers() const { return _modifiers; }
 
 protected:
     /// Draws the model: with the context current, the background drawn, the depth buffer clear and its test on (nearer
@@ -133,7 +144,7 @@ protected:
 
     /// Called when the pointer has moved over the view with no button down, and empty when it has left.
     virtual void onPointed(const std::optional<Ray>& ray);
-    /// Called when the primary button is pressed and released without a drag.
+    /// Called when the primary button is pressed and released without a drag; getModifiers says with which keys.
     virtual void onClicked(const Ray& ray);
     /// Called when the camera is elsewhere than in the last frame, before the scene is drawn.
     virtual void onCameraMoved();
@@ -167,18 +178,20 @@ protected:
 private:
     class Background;
 
+    void press(const InputDevice& device);
     void drag(const InputDevice& device);
     void release(const InputDevice& device);
 
     OrbitCamera _camera;
     OrbitControl _control;
-    std::unique_ptr<Background> _pBackground;
+    std::shared_ptr<Background> _pBackground;
     DepthCanvas _canvas;
     Clipping _clipping;
     DepthProbe _probe{this};
     gl::Framebuffer _pickBuffer;
     std::unique_ptr<DepthReader> _pDepthReader;
     std::optional<td::Point<double>> _pointer;
+    unsigned int _modifiers = 0;
     OrbitCamera::Pose _drawn;
     std::chrono::steady_clock::time_point _lastFrame; // of an animation
 };
