@@ -493,6 +493,43 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
         _line.resize(n);
         addLine(line, stroke, shape);
     }
+    finishStroke(stroke, shape);
+}
+
+void ShapeBuilder::remakeStroke(const Stroke& stroke, ShapeGeometry& shape)
+{
+    _rings.clear();
+    for (const EdgeNode& node : shape.nodes)
+        if (node.isLeaf() && !_rings.empty() && _rings.back().last == node.first)
+            _rings.back().last = node.last;
+        else if (node.isLeaf())
+            _rings.push_back({node.first, node.last, 0});
+    std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.first < b.first; });
+    std::vector<GridPoint> points;
+    points.swap(shape.points);
+    shape.clear();
+    points.swap(shape.points);
+    _tips.clear();
+    if (_rings.empty())
+        return;
+    addElement(shape, ElementKind::Box, 0);
+    for (const Ring& ring : _rings)
+    {
+        // Of what is within curves those corners are different that were round, and are so with any stroke.
+        _areWithinCurves.clear();
+        for (std::int32_t i = ring.first; i < ring.last; ++i)
+        {
+            GridPoint& p = shape.points[static_cast<std::size_t>(i)];
+            _areWithinCurves.push_back(isMarkedRound(p));
+            p = withoutMark(p);
+        }
+        addCorners(static_cast<std::uint32_t>(ring.first), static_cast<std::uint32_t>(ring.last), stroke, shape);
+    }
+    finishStroke(stroke, shape);
+}
+
+void ShapeBuilder::finishStroke(const Stroke& stroke, ShapeGeometry& shape)
+{
     addTree<ElementKind::Line>(shape);
     if (stroke.dashes.empty())
         lookAtForms(shape);
@@ -518,7 +555,11 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
     const auto last = static_cast<std::uint32_t>(shape.points.size()) - 1;
     shape.points.push_back(after);
     _rings.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), 0});
+    addCorners(first, last, stroke, shape);
+}
 
+void ShapeBuilder::addCorners(std::uint32_t first, std::uint32_t last, const Stroke& stroke, ShapeGeometry& shape)
+{
     std::vector<std::uint32_t>& rounds = _numbers;
     rounds.clear();
     const bool isMiter = stroke.join == Join::Miter;
