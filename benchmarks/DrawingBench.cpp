@@ -105,6 +105,18 @@ void BuildStrokes(benchmark::State& state)
 }
 BENCHMARK(BuildStrokes)->Unit(benchmark::kMillisecond);
 
+void BuildMix(benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        Drawing drawing;
+        const std::vector<Drawing::ID> ids = fillDrawing(drawing);
+        drawing.setTransform(ids.back(), Affine::translation(1, 0)); // as in BuildFills
+        benchmark::DoNotOptimize(drawing.getNumberOfShapes());
+    }
+}
+BENCHMARK(BuildMix)->Unit(benchmark::kMillisecond);
+
 /// 0 at rest, 1 zooming with everything in view, 2 panning with a hundredth of it, 3 at rest with a colour that
 /// changes.
 void Frame(benchmark::State& state)

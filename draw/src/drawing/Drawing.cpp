@@ -74,16 +74,17 @@ Drawing::ID Drawing::fill(const Path& path, const Paint& paint, FillRule rule)
     TD_ASSERT_GUI_THREAD(0);
     Impl::Item& item = _pImpl->addShape(Impl::Kind::Fill, paint);
     item.rule = rule;
-    return _pImpl->setPath(item, path);
+    _pImpl->setPath(item, path);
+    return _pImpl->idOf(item.slot);
 }
 
 Drawing::ID Drawing::stroke(const Path& path, const Stroke& stroke, const Paint& paint)
 {
     TD_ASSERT_GUI_THREAD(0);
     Impl::Item& item = _pImpl->addShape(Impl::Kind::Stroke, paint);
-    item.pLine = std::make_unique<Impl::Line>();
-    item.pLine->stroke = stroke;
-    return _pImpl->setPath(item, path);
+    item.pStroke = std::make_unique<Stroke>(stroke);
+    _pImpl->setPath(item, path);
+    return _pImpl->idOf(item.slot);
 }
 
 Drawing::ID Drawing::text(Point at, const TextLayout& layout, const TextPlacement& placement)
@@ -152,9 +153,9 @@ Drawing::ID Drawing::image(const Rect& rect, const Image& image)
     TD_ASSERT_GUI_THREAD(0);
     Impl::Item& item = _pImpl->addShape(Impl::Kind::Fill, Paint());
     item.makeExtras().imageRect = rect;
-    const ID id = _pImpl->setPath(item, Path().addRect(rect));
+    _pImpl->setPath(item, Path().addRect(rect));
     _pImpl->setImage(item, image);
-    return id;
+    return _pImpl->idOf(item.slot);
 }
 
 bool Drawing::setImage(ID shape, const Image& image)
@@ -294,7 +295,7 @@ bool Drawing::setPath(ID shape, const Path& path)
         _pImpl->setSymbol(*pItem, path);
     else if (isText)
         _pImpl->setRoute(*pItem, path);
-    else if (pItem->kind != Impl::Kind::Stroke || path.hasCurves() || path != pItem->pLine->path)
+    else
         _pImpl->setPath(*pItem, path);
     return true;
 }
@@ -304,10 +305,9 @@ bool Drawing::setStroke(ID shape, const Stroke& stroke)
     Impl::Item* pItem = _pImpl->findShape(shape);
     if (pItem == nullptr || pItem->kind != Impl::Kind::Stroke)
         return false;
-    if (stroke == pItem->pLine->stroke)
-        return true;
-    pItem->pLine->stroke = stroke;
-    return _pImpl->setPath(*pItem, Path(pItem->pLine->path)) != 0;
+    if (stroke != *pItem->pStroke)
+        _pImpl->setStroke(*pItem, stroke);
+    return true;
 }
 
 bool Drawing::setTransform(ID id, const Affine& transform)
@@ -447,7 +447,7 @@ Drawing::ID Drawing::pick(Point point, double tolerance) const
                             if (item.kind == Impl::Kind::Glyphs)
                                 return _pImpl->findLine(item, [&](const Rect& line, const Affine& toLine)
                                                         { return isNear(line, toLine.map(at), distance); });
-                            return picker.isStrokeAt(at, distance, item.pLine->stroke, local.radius, local.dashScale);
+                            return picker.isStrokeAt(at, distance, *item.pStroke, local.radius, local.dashScale);
                         });
     return found.empty() ? 0 : _pImpl->idOfShape(found.front());
 }
@@ -472,7 +472,7 @@ std::vector<Drawing::ID> Drawing::pickAll(const Rect& rect) const
                                                 p = toLine.map(p);
                                             return isTouched(line, moved);
                                         });
-            return picker.isStrokeIn(quad, item.pLine->stroke, local.radius, local.dashScale);
+            return picker.isStrokeIn(quad, *item.pStroke, local.radius, local.dashScale);
         });
     std::vector<ID> ids(found.size());
     std::transform(found.begin(), found.end(), ids.begin(),

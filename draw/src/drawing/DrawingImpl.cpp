@@ -113,33 +113,51 @@ void Drawing::Impl::setImage(Item& item, const Image& image)
     enlist(item);
 }
 
-Drawing::ID Drawing::Impl::setPath(Item& item, const Path& path)
+void Drawing::Impl::setPath(Item& item, const Path& path)
 {
-    const bool isStroke = item.kind == Kind::Stroke;
-    if (!isStroke)
-        builder.makeFill(path, item.rule, tolerance, geometry);
-    else if (isSeen(item.pLine->stroke))
-        builder.makeStroke(path, item.pLine->stroke, tolerance, geometry);
+    if (item.kind == Kind::Stroke)
+        builder.makeStroke(path, *item.pStroke, tolerance, geometry);
     else
-        geometry.clear();
-    setGeometry(item, path);
-    return idOf(slotOf(item));
+        builder.makeFill(path, item.rule, tolerance, geometry);
+    if (item.kind != Kind::Stroke || !hasGeometry(item))
+        setGeometry(item);
 }
 
-void Drawing::Impl::setGeometry(Item& item, const Path& path)
+// What it was made from is kept by nobody: its points tell all of that.
+void Drawing::Impl::setStroke(Item& item, const draw::Stroke& stroke)
 {
-    const bool isStroke = item.kind == Kind::Stroke;
+    const auto copy = [](const auto& table, const TableRange& range, auto& copied)
+    { copied.assign(table.data() + range.first, table.data() + range.first + range.count); };
+    *item.pStroke = stroke;
+    geometry.origin = item.origin;
+    geometry.step = item.step;
+    copy(tables.getPoints(), item.places.points, geometry.points);
+    copy(tables.getNodes(), item.places.nodes, geometry.nodes);
+    builder.remakeStroke(stroke, geometry);
+    setGeometry(item);
+}
+
+bool Drawing::Impl::hasGeometry(const Item& item) const
+{
+    const auto has = [](const auto& table, const TableRange& range, const auto& records)
+    { return range.count == records.size() && std::equal(records.begin(), records.end(), table.data() + range.first); };
+    return !geometry.nodes.empty() && item.origin == geometry.origin && item.step == geometry.step &&
+           has(tables.getPoints(), item.places.points, geometry.points) &&
+           has(tables.getNodes(), item.places.nodes, geometry.nodes);
+}
+
+void Drawing::Impl::setGeometry(Item& item)
+{
+    const draw::Stroke* const pStroke = item.kind == Kind::Stroke ? item.pStroke.get() : nullptr;
     item.origin = geometry.origin;
     item.step = geometry.step;
-    item.hasBounds = !geometry.nodes.empty();
-    if (isStroke)
-        item.pLine->path = path;
-    tables.setGeometry(item.places, geometry, isStroke ? &item.pLine->stroke : nullptr);
+    item.hasBounds = !geometry.nodes.empty() && (pStroke == nullptr || isSeen(*pStroke));
+    tables.setGeometry(item.places, geometry, pStroke);
     if (const Paint* const pGradient = item.getGradient())
         tables.setPaint(item.places, *pGradient, item.origin, item.step);
     if (item.image != 0)
         tables.setImage(item.places, *item.pExtras->imageRect, item.origin, item.step);
-    if (!isStroke)
+    if (pStroke == nullptr)
     {
         unlink(item);
         item.version = edges.add(slotOf(item), geometry);
@@ -232,7 +250,7 @@ void Drawing::Impl::removeItem(std::uint32_t slot)
         group = cNoItem;
     std::replace(groupsBefore.begin(), groupsBefore.end(), slot, cNoItem);
     item.kind = Kind::None;
-    item.pLine.reset();
+    item.pStroke.reset();
     item.pLetters.reset();
     images.giveBack(std::exchange(item.image, 0));
     item.pExtras.reset();
@@ -255,8 +273,8 @@ bool Drawing::Impl::boundsOf(const Item& item, Rect& bounds) const
         bounds = boundsOfText(item);
         return true;
     }
-    const bool isWide = item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Model;
-    const double margin = isWide ? item.pLine->stroke.width / 2 * tables.getRecords()[item.places.record].reach : 0;
+    const bool isWide = item.kind == Kind::Stroke && item.pStroke->unit == Unit::Model;
+    const double margin = isWide ? item.pStroke->width / 2 * tables.getRecords()[item.places.record].reach : 0;
     const Rect rect = boundsOfPoints(item);
     const Affine* const pWhole = findWhole(item);
     if (pWhole == nullptr)
@@ -289,9 +307,8 @@ void Drawing::Impl::enlist(const Item& item)
         shape.count = item.places.elements.count;
         shape.nTriangles = item.places.nTriangles;
         shape.record = item.places.record;
-        if (item.kind == Kind::Stroke && item.pLine->stroke.unit == Unit::Points)
-            shape.margin =
-                static_cast<float>(item.pLine->stroke.width / 2) * tables.getRecords()[item.places.record].reach;
+        if (item.kind == Kind::Stroke && item.pStroke->unit == Unit::Points)
+            shape.margin = static_cast<float>(item.pStroke->width / 2) * tables.getRecords()[item.places.record].reach;
         shape.ink = item.kind == Kind::Fill ? DrawList::cFills : DrawList::cStrokes;
         if (item.image != 0)
             shape.ink = DrawList::cImages + item.image - 1;
@@ -468,7 +485,7 @@ std::optional<Drawing::Impl::Local> Drawing::Impl::localOf(const Item& item) con
     const double point = local.scale / pointsPerUnit, unit = 1 / item.step;
     if (item.kind != Kind::Stroke)
         return local;
-    const draw::Stroke& stroke = item.pLine->stroke;
+    const draw::Stroke& stroke = *item.pStroke;
     local.radius = stroke.width / 2 * (stroke.unit == Unit::Points ? point : unit);
     local.dashScale = stroke.dashUnit == Unit::Points ? point : unit;
     return local;

@@ -46,13 +46,6 @@ struct Drawing::Impl
         Group
     };
 
-    /// What a stroke's shape is made from, again when its style changes.
-    struct Line
-    {
-        Path path;
-        draw::Stroke stroke;
-    };
-
     /// What texts are made from, and of that their glyphs the style and whether they are a halo or a frame. Rectangles
     /// are in the text's own unit, about its anchor, y downwards.
     struct Letters
@@ -120,7 +113,7 @@ struct Drawing::Impl
         double step = 1;
         ShapePlaces places;
         std::unique_ptr<Moved> pMoved;
-        std::unique_ptr<Line> pLine;       // of a stroke
+        std::unique_ptr<draw::Stroke> pStroke;
         std::unique_ptr<Letters> pLetters; // of a text or of glyphs
         std::unique_ptr<Extras> pExtras;
         std::unique_ptr<std::vector<std::uint32_t>> pNeighbours; // fills that share edges with this one
@@ -203,9 +196,12 @@ struct Drawing::Impl
     void setImage(Item& item, const Image& image);
     /// Whether there is a line of it.
     static bool isSeen(const draw::Stroke& stroke) { return stroke.width > 0 && std::isfinite(stroke.width); }
-    ID setPath(Item& item, const Path& path);
-    /// Gives a fill, or a stroke along a path, what `geometry` is.
-    void setGeometry(Item& item, const Path& path);
+    void setPath(Item& item, const Path& path);
+    void setStroke(Item& item, const draw::Stroke& stroke);
+    /// Gives a fill or a stroke what `geometry` is.
+    void setGeometry(Item& item);
+    /// Whether a stroke has it already.
+    bool hasGeometry(const Item& item) const;
     ID addText(Point at, const TextLayout& layout, const TextPlacement& placement);
     ID addTextOn(const Path& path, const TextLayout& layout, const TextOnPath& placement);
     ID addSymbol(Point at, const Path& path, const Paint& paint);

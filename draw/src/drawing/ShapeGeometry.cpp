@@ -1,7 +1,9 @@
 #include "ShapeGeometry.h"
 
-#include "TwoDoubles.h"
 #include "ZOrder.h"
+
+#include "../fill/Extent.h"
+#include "../fill/TwoDoubles.h"
 
 #include <algorithm>
 #include <bit>
@@ -23,10 +25,7 @@ constexpr std::int32_t cParts = 4;
 // Steps are powers of two, which one divides by as well as one multiplies with their inverse.
 GridPoint toGrid(td::Point<double> p, td::Point<double> origin, double inverse)
 {
-    // To the nearest whole number, without a call: sums of this size have no digits behind the point.
-    constexpr double cNoFraction = 0x1.8p52;
-    return {static_cast<std::int32_t>((p.x - origin.x) * inverse + cNoFraction - cNoFraction),
-            static_cast<std::int32_t>((p.y - origin.y) * inverse + cNoFraction - cNoFraction)};
+    return nearestTo((TwoDoubles{p.x, p.y} - TwoDoubles{origin.x, origin.y}) * inverse);
 }
 
 // Of vectors between points of the grid, or of length 2 at most: no square is too large, and hypot's care takes longer
@@ -217,7 +216,7 @@ void ShapeBuilder::addLeaf(ShapeGeometry& shape, std::int32_t first, std::int32_
         for (std::int32_t i = first; i < last; ++i, ++what)
         {
             addElement(shape, Kind, what);
-            if (std::binary_search(_tips.begin(), _tips.end(), static_cast<std::uint32_t>(i)))
+            if (!_tips.empty() && std::binary_search(_tips.begin(), _tips.end(), static_cast<std::uint32_t>(i)))
                 addElement(shape, ElementKind::Tip, what);
         }
 }
@@ -459,15 +458,8 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     shape.clear();
     _lines.clear();
     path.flatten(toleranceFor(path, tolerance), _lines, true);
-    constexpr double cLargest = 1e300;
-    td::Point<double> low(cLargest, cLargest), high(-cLargest, -cLargest);
-    const auto isUsable = [](td::Point<double> p) { return std::abs(p.x) <= cLargest && std::abs(p.y) <= cLargest; };
-    for (const td::Point<double>& p : _lines.points)
-        if (isUsable(p))
-        {
-            low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-            high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-        }
+    const Extent extent(_lines.points);
+    const td::Point<double> low = extent.getLow(), high = extent.getHigh();
     if (low.x > high.x)
         return;
     // As the tessellator's, as far as the shaders' floats go.
@@ -484,20 +476,60 @@ void ShapeBuilder::makeStroke(const Path& path, const Stroke& stroke, double tol
     _tips.clear();
     addElement(shape, ElementKind::Box, 0);
     const double inverse = 1 / shape.step;
+    const bool areThereCurves = path.hasCurves();
     for (const Polylines::Line& line : _lines.lines)
     {
-        _line.clear();
         _areWithinCurves.clear();
+        _line.resize(line.count);
+        std::size_t n = 0;
         for (std::size_t i = line.first; i < line.first + line.count; ++i)
-            if (isUsable(_lines.points[i]))
-                if (const GridPoint g = toGrid(_lines.points[i], shape.origin, inverse);
-                    _line.empty() || _line.back() != g)
+            if (extent.isWhole() || Extent::isUsable(_lines.points[i]))
+                if (const GridPoint g = toGrid(_lines.points[i], shape.origin, inverse); n == 0 || _line[n - 1] != g)
                 {
-                    _line.push_back(g);
-                    _areWithinCurves.push_back(_lines.areWithinCurves[i]);
+                    _line[n++] = g;
+                    if (areThereCurves)
+                        _areWithinCurves.push_back(_lines.areWithinCurves[i]);
                 }
+        _line.resize(n);
         addLine(line, stroke, shape);
     }
+    finishStroke(stroke, shape);
+}
+
+void ShapeBuilder::remakeStroke(const Stroke& stroke, ShapeGeometry& shape)
+{
+    _rings.clear();
+    for (const EdgeNode& node : shape.nodes)
+        if (node.isLeaf() && !_rings.empty() && _rings.back().last == node.first)
+            _rings.back().last = node.last;
+        else if (node.isLeaf())
+            _rings.push_back({node.first, node.last, 0});
+    std::sort(_rings.begin(), _rings.end(), [](const Ring& a, const Ring& b) { return a.first < b.first; });
+    std::vector<GridPoint> points;
+    points.swap(shape.points);
+    shape.clear();
+    points.swap(shape.points);
+    _tips.clear();
+    if (_rings.empty())
+        return;
+    addElement(shape, ElementKind::Box, 0);
+    for (const Ring& ring : _rings)
+    {
+        // Of what is within curves those corners are different that were round, and are so with any stroke.
+        _areWithinCurves.clear();
+        for (std::int32_t i = ring.first; i < ring.last; ++i)
+        {
+            GridPoint& p = shape.points[static_cast<std::size_t>(i)];
+            _areWithinCurves.push_back(isMarkedRound(p));
+            p = withoutMark(p);
+        }
+        addCorners(static_cast<std::uint32_t>(ring.first), static_cast<std::uint32_t>(ring.last), stroke, shape);
+    }
+    finishStroke(stroke, shape);
+}
+
+void ShapeBuilder::finishStroke(const Stroke& stroke, ShapeGeometry& shape)
+{
     addTree<ElementKind::Line>(shape);
     if (stroke.dashes.empty())
         lookAtForms(shape);
@@ -523,37 +555,56 @@ void ShapeBuilder::addLine(const Polylines::Line& line, const Stroke& stroke, Sh
     const auto last = static_cast<std::uint32_t>(shape.points.size()) - 1;
     shape.points.push_back(after);
     _rings.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(last), 0});
+    addCorners(first, last, stroke, shape);
+}
 
-    const auto wayTo = [&shape](std::uint32_t i)
-    {
-        const GridPoint a = shape.points[i - 1], b = shape.points[i];
-        return td::Point<double>(double(b.x) - a.x, double(b.y) - a.y);
-    };
+void ShapeBuilder::addCorners(std::uint32_t first, std::uint32_t last, const Stroke& stroke, ShapeGeometry& shape)
+{
     std::vector<std::uint32_t>& rounds = _numbers;
     rounds.clear();
-    for (std::uint32_t i = first; i < last; ++i)
+    const bool isMiter = stroke.join == Join::Miter;
+    const double limit = std::max(stroke.miterLimit, 1.0);
+    // A curve has no corners: where it turns as sharply as this, the brush turns.
+    constexpr double cRound = 0.9975;
+    // Less far, the quads of its lines cover a mitre.
+    constexpr double cTip = 0.7;
+    // Squares of the cosines of half the turns: above which nothing is to be done but to find the least.
+    const double most = _areWithinCurves.empty() ? cTip : cRound;
+    const double sharp = std::max(most * most, 1 / (limit * limit)) * 1.0001;
+    TwoDoubles least{1, 1};
+    const GridPoint* const pPoints = shape.points.data();
+    for (std::uint32_t i = first; i < last; i += 2)
     {
-        const td::Point<double> in = wayTo(i), out = wayTo(i + 1);
-        const double lengths = std::hypot(in.x, in.y) * std::hypot(out.x, out.y);
-        if (lengths == 0)
-            continue;
-        // A mitre ends 1 / cos(half the turn) halves of the width from its corner.
-        const double cosine = std::sqrt(std::max((1 + (in.x * out.x + in.y * out.y) / lengths) / 2, 0.0));
-        // A curve has no corners: where it turns as sharply as this, the brush turns.
-        if (_areWithinCurves[i - first] && cosine < 0.9975)
+        const TwoPoints from(pPoints[i - 1], pPoints[i]), at(pPoints[i], pPoints[i + 1]),
+            to(pPoints[i + 1], pPoints[i + 2]);
+        const TwoDoubles inX = at.x - from.x, inY = at.y - from.y, outX = to.x - at.x, outY = to.y - at.y;
+        const TwoDoubles squares = (inX * inX + inY * inY) * (outX * outX + outY * outY);
+        const TwoDoubles both = (1 + (inX * outX + inY * outY) / rootOf(squares)) / 2;
+        if (both[0] >= sharp && both[1] >= sharp)
         {
-            rounds.push_back(i);
+            least = smallerOf(both, least);
             continue;
         }
-        if (stroke.join != Join::Miter)
-            continue;
-        if (1 > std::max(stroke.miterLimit, 1.0) * cosine * 1.000001)
-            continue;
-        shape.reach = std::max(shape.reach, static_cast<float>(1 / cosine));
-        // Less far, the quads of its lines cover it.
-        if (cosine < 0.7)
-            _tips.push_back(i);
+        for (std::uint32_t k = 0; k < std::min(last - i, 2U); ++k)
+        {
+            if (squares[k] == 0)
+                continue;
+            const double cosine = std::sqrt(std::max(both[k], 0.0));
+            if (!_areWithinCurves.empty() && _areWithinCurves[i + k - first] && cosine < cRound)
+            {
+                rounds.push_back(i + k);
+                continue;
+            }
+            if (!isMiter || 1 > limit * cosine * 1.000001)
+                continue;
+            least[0] = std::min(least[0], std::max(both[k], 0.0));
+            if (cosine < cTip)
+                _tips.push_back(i + k);
+        }
     }
+    // A mitre ends 1 / cos(half the turn) halves of the width from its corner.
+    if (isMiter)
+        shape.reach = std::max(shape.reach, static_cast<float>(1 / std::sqrt(std::min(least[0], least[1]))));
     if (!stroke.dashes.empty())
         addLengths(first, last, shape);
     for (const std::uint32_t i : rounds)

@@ -32,6 +32,7 @@ struct EdgeNode
     /// How far the directions of its lines are from that line's, as unit vectors, at most.
     float getTurn() const { return static_cast<float>(form >> 1 & 127U) / 64; }
     void setForm(bool isLeaf, double deviation, double turn);
+    bool operator==(const EdgeNode&) const = default;
 };
 static_assert(sizeof(EdgeNode) == 32);
 
@@ -109,6 +110,8 @@ public:
     void makeFill(const Path& path, FillRule rule, double tolerance, ShapeGeometry& shape);
     /// @param step  of the shape's grid; 0 for one that suits the path
     void makeStroke(const Path& path, const Stroke& stroke, double tolerance, ShapeGeometry& shape, double step = 0);
+    /// The same path with another stroke. @param shape  origin, step, points and nodes are those of the one before
+    void remakeStroke(const Stroke& stroke, ShapeGeometry& shape);
 
 private:
     void linkRings(ShapeGeometry& shape);
@@ -120,6 +123,8 @@ private:
     void addTree(ShapeGeometry& shape);
     void lookAtForms(ShapeGeometry& shape) const;
     void addLine(const Polylines::Line& line, const Stroke& stroke, ShapeGeometry& shape);
+    void addCorners(std::uint32_t first, std::uint32_t last, const Stroke& stroke, ShapeGeometry& shape);
+    void finishStroke(const Stroke& stroke, ShapeGeometry& shape);
     void addLengths(std::uint32_t first, std::uint32_t last, ShapeGeometry& shape);
     template <ElementKind Kind>
     void addChain(ShapeGeometry& shape, std::int32_t first, std::int32_t last, std::size_t parent);

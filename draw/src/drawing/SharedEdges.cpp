@@ -1,6 +1,6 @@
 #include "SharedEdges.h"
 
-#include "TwoDoubles.h"
+#include "../fill/TwoDoubles.h"
 
 #include <mem/LargePages.h>
 

@@ -99,6 +99,7 @@ public:
     }
 
     const Record& operator[](std::size_t i) const { return _records[i]; }
+    const Record* data() const { return _records.data(); }
     /// With those that nobody has.
     std::size_t size() const { return _records.size(); }
 

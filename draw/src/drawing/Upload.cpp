@@ -71,7 +71,6 @@ struct Upload::Shapes::Maker
     struct Shape
     {
         ShapeGeometry geometry;
-        Path path; // of a stroke
         std::optional<Stroke> stroke;
         FillRule rule;
         Paint paint;
@@ -177,7 +176,7 @@ bool Upload::Shapes::fill(const Path& path, const Paint& paint, FillRule rule, s
 {
     if (isCancelled())
         return false;
-    Maker::Shape shape{{}, {}, {}, rule, paint, tag};
+    Maker::Shape shape{{}, {}, rule, paint, tag};
     _maker.builder.makeFill(path, rule, _pJob->tolerance, shape.geometry);
     return _maker.give(_pJob, std::move(shape));
 }
@@ -186,9 +185,8 @@ bool Upload::Shapes::stroke(const Path& path, const Stroke& stroke, const Paint&
 {
     if (isCancelled())
         return false;
-    Maker::Shape shape{{}, path, stroke, FillRule::NonZero, paint, tag};
-    if (Drawing::Impl::isSeen(stroke))
-        _maker.builder.makeStroke(path, stroke, _pJob->tolerance, shape.geometry);
+    Maker::Shape shape{{}, stroke, FillRule::NonZero, paint, tag};
+    _maker.builder.makeStroke(path, stroke, _pJob->tolerance, shape.geometry);
     return _maker.give(_pJob, std::move(shape));
 }
 
@@ -385,12 +383,9 @@ void Upload::Impl::put(Maker::Piece& piece)
     item.tag = shape.tag;
     item.rule = shape.rule;
     if (shape.stroke)
-    {
-        item.pLine = std::make_unique<Drawing::Impl::Line>();
-        item.pLine->stroke = *shape.stroke;
-    }
+        item.pStroke = std::make_unique<Stroke>(*shape.stroke);
     std::swap(drawing.geometry, shape.geometry);
-    drawing.setGeometry(item, shape.path);
+    drawing.setGeometry(item);
 }
 
 void Upload::Impl::fail(const std::exception_ptr& pError) const

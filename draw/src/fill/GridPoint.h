@@ -3,8 +3,10 @@
 #include <td/Point.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace gui::draw
 {
@@ -26,6 +28,12 @@ inline constexpr std::int32_t cGridEnd = 1 << (cGridBits + 1); ///< above every 
 /// The power of two that is a number above 0, or the next one above it.
 inline double powerOfTwoFrom(double number)
 {
+    if (number >= std::numeric_limits<double>::min())
+    {
+        // What is behind the point of its fraction carries over into the exponent.
+        constexpr std::uint64_t cFraction = (std::uint64_t(1) << 52) - 1;
+        return std::bit_cast<double>((std::bit_cast<std::uint64_t>(number) + cFraction) & ~cFraction);
+    }
     int exponent = 0;
     const double fraction = std::frexp(number, &exponent);
     return std::ldexp(1, fraction == 0.5 ? exponent - 1 : exponent);

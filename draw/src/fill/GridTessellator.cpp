@@ -1,5 +1,6 @@
 #include "GridTessellator.h"
 
+#include "Extent.h"
 #include "HotPixels.h"
 
 #include <gui/draw/Path.h>
@@ -15,13 +16,8 @@ namespace gui::draw
 namespace
 {
 
-// Beyond it, sums of coordinates and numbers of steps might not be finite.
-constexpr double cMostCoordinate = 1e300;
-
 // The least step whose reciprocal is finite.
 constexpr double cSmallestStep = 0x1p-1022;
-
-bool isUsable(td::Point<double> p) { return std::abs(p.x) <= cMostCoordinate && std::abs(p.y) <= cMostCoordinate; }
 
 } // namespace
 
@@ -95,33 +91,26 @@ bool GridTessellator::sweepOver(const FillGraph& edges, FillRule rule)
 // Chooses the grid and moves all points there.
 void GridTessellator::snap()
 {
-    Point low(cMostCoordinate, cMostCoordinate), high(-cMostCoordinate, -cMostCoordinate);
-    for (const Point& p : _lines.points)
-        if (isUsable(p))
-        {
-            low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-            high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-        }
+    const Extent extent(_lines.points);
+    const Point low = extent.getLow(), high = extent.getHigh();
     _step = std::max(gridStepFor(low, high), cSmallestStep);
-    if (_leastStep > _step && _leastStep <= cMostCoordinate)
+    if (_leastStep > _step && _leastStep <= Extent::cMostCoordinate)
         _step = powerOfTwoFrom(_leastStep);
     const double inverse = 1 / _step;
-    // The sum has no digits after the point.
-    const auto round = [](double number) { return (number + 0x1.8p52) - 0x1.8p52; };
     _origin = {std::nearbyint((low.x / 2 + high.x / 2) * inverse) * _step,
                std::nearbyint((low.y / 2 + high.y / 2) * inverse) * _step};
 
     _rings.points.resize(_lines.points.size());
     _rings.edges.resize(_lines.points.size());
+    const TwoDoubles origin{_origin.x, _origin.y};
     std::uint32_t n = 0;
     for (const Polylines::Line& line : _lines.lines)
     {
         const std::uint32_t first = n;
         for (const Point& p : _lines.pointsOf(line))
-            if (isUsable(p))
+            if (extent.isWhole() || Extent::isUsable(p))
             {
-                _rings.points[n] = {static_cast<std::int32_t>(round((p.x - _origin.x) * inverse)),
-                                    static_cast<std::int32_t>(round((p.y - _origin.y) * inverse))};
+                _rings.points[n] = nearestTo((TwoDoubles{p.x, p.y} - origin) * inverse);
                 _rings.edges[n] = {n, n + 1};
                 ++n;
             }

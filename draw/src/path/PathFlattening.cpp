@@ -4,6 +4,8 @@
 
 #include <td/Assert.h>
 
+#include <algorithm>
+
 namespace gui::draw
 {
 
@@ -46,7 +48,13 @@ void Path::flatten(double tolerance, Polylines& result, bool hasTangents) const
         }
         if (verb == Verb::LineTo)
         {
-            result.points.push_back(*pPoint++);
+            // All that follow each other at once.
+            const auto end =
+                areThereCurves ? next + 1
+                               : std::find_if(next + 1, _verbs.end(), [](Verb other) { return other != Verb::LineTo; });
+            result.points.insert(result.points.end(), pPoint, pPoint + (end - next));
+            pPoint += end - next;
+            next = end - 1;
             continue;
         }
         const PathSegment segment = *at;

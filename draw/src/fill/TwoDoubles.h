@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../fill/GridPoint.h"
+#include "GridPoint.h"
 
 #include <bit>
 #include <cmath>
@@ -51,6 +51,19 @@ inline TwoDoubles rootOf(TwoDoubles v)
     return _mm_sqrt_pd(v);
 #else
     return TwoDoubles{std::sqrt(v[0]), std::sqrt(v[1])};
+#endif
+}
+
+/// The nearest point of the grid; both are within 31 bits.
+inline GridPoint nearestTo(TwoDoubles v)
+{
+#ifdef __SSE2__
+    return std::bit_cast<GridPoint>(_mm_cvtsi128_si64(_mm_cvtpd_epi32(v)));
+#else
+    // Sums of this size have no digits behind the point.
+    constexpr double cNoFraction = 0x1.8p52;
+    return {static_cast<std::int32_t>(v[0] + cNoFraction - cNoFraction),
+            static_cast<std::int32_t>(v[1] + cNoFraction - cNoFraction)};
 #endif
 }
 
