@@ -15,7 +15,7 @@ namespace gui::draw
 namespace
 {
 
-constexpr double cThickness = 0.06; // of the caret and of lines under text, in heights of the caret
+constexpr double cThickness = 0.05; // of the caret and of lines under text, in heights of the caret
 constexpr double cAroundField = 4;  // points around the text that belong to the field
 constexpr double cEmptyWidth = 1;   // em that an empty one has for the pointer
 
@@ -213,7 +213,7 @@ void TextFieldPicture::draw(const TextEditor& editor, bool hasCaret, double pixe
     for (const Rect& rect : editor.getCompositionRects(thickness))
         composed.addLine(rect, false);
     if (hasCaret)
-        caret.addLine(editor.getCaretRect(thickness), true);
+        caret.addLine({place.left - thickness / 2, place.top, place.left + thickness / 2, place.bottom}, true);
     setArea(cSelected, selected.getPath());
     setArea(cComposed, composed.getPath());
     setArea(cCaret, caret.getPath());
