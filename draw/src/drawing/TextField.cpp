@@ -92,7 +92,7 @@ struct TextField::Impl : gl::ViewLayer
     bool wasVisible = false;
 
     std::string composed{}; // by an input method, so far
-    bool tookText = false; // the view, before
+    bool tookText = false;  // the view, before
     bool isPressed = false;
     bool isOver = false; // the pointer
     bool isCaretOn = true;
@@ -126,7 +126,7 @@ void TextField::Impl::stand(Point at, const TextPlacement& placement, const Text
 void TextField::Impl::begin(std::string_view string, const TextStyle& text, CommitHandler&& commitHandler,
                             CancelHandler&& cancelHandler)
 {
-    editor = TextEditor(text, style.paragraph, style.limits);
+    editor = TextEditor(text, style.paragraph, {style.isSingleLine, style.maxLength});
     editor.setText(string);
     if (style.selectsAll)
         editor.selectAll();

@@ -33,9 +33,9 @@ class View;
 ///         td::Point<double> _place;
 ///     };
 ///
-/// Of several over a view, later ones lie above earlier ones and are asked before them. It gets the kinds of events that
-/// the view asked for when its context was made, the keys of an inspector excepted. Any handler may end the layer's life, and
-/// the view's. Not copyable. GUI thread only.
+/// Of several over a view, later ones lie above earlier ones and are asked before them. It gets the kinds of events
+/// that the view asked for when its context was made, without keys that an inspector takes. Any handler may end the
+/// layer's life, and the view's. Not copyable. GUI thread only.
 class GUIGL_API ViewLayer
 {
 public:

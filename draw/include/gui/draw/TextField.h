@@ -10,6 +10,7 @@
 
 #include <td/Export.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -28,7 +29,8 @@ namespace gui::draw
 /// What a text field takes, and what it looks like beside its text.
 struct TextFieldStyle
 {
-    TextEditor::Limits limits{.isSingleLine = true}; ///< see there
+    bool isSingleLine = true;  ///< ends of lines become spaces, Return commits, and nothing is wrapped
+    std::size_t maxLength = 0; ///< in characters (code points); 0 for no limit
     // Not by {}, of which GCC 12 warns in programs.
     ParagraphStyle paragraph = ParagraphStyle(); ///< of several lines: where they are wrapped, and stand
     bool selectsAll = true;        ///< whether all of the text is selected at first; else the caret stands at its end
@@ -86,8 +88,8 @@ struct TextFieldStyle
 /// when it is committed becomes text.
 ///
 /// A commit or a cancel ends the field, then calls its handler, once; the handler may begin another edit, or delete the
-/// field. When field or view go while it is edited, it ends without one. Not copyable. GUI thread only; needs no context
-/// but the view's.
+/// field. When field or view go while it is edited, it ends without one. Not copyable. GUI thread only; needs no
+/// context but the view's.
 class GUIGL_API TextField
 {
 public:
@@ -123,8 +125,8 @@ public:
               CancelHandler onCancel = {});
     /// Edits a text that is nowhere yet, as one that Drawing::text would add there.
     /// @param at  where the placement's anchor stands
-    /// @return false, with nothing changed, after "Error! TextField::edit: the place is not finite!", and without a view
-    ///         as edit says
+    /// @return false, with nothing changed, after "Error! TextField::edit: the place is not finite!", and without a
+    ///         view as edit says
     bool editAt(Point at, std::string_view string, const TextStyle& style, const TextPlacement& placement,
                 CommitHandler onCommit, CancelHandler onCancel = {});
 
