@@ -9,6 +9,7 @@
 #include "../context/ResetStatus.h"
 #include "../context/Samples.h"
 #include "../view/ViewHelper.h"
+#include "../view/ViewLayers.h"
 
 #include <gui/Display.h>
 #include <gui/Drop.h>
@@ -16,6 +17,7 @@
 #include <gui/TextComposition.h>
 #include <gui/Texture.h>
 #include <gui/gl/FrameLedger.h>
+#include <gui/gl/StateGuard.h>
 #include <gui/gl/View.h>
 #include <gui/gl/port/FrameObserver.h>
 #include <td/Assert.h>
@@ -300,6 +302,7 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
     Capture::beginFrame();
     FrameLedger::begin();
     ViewHelper(_pCppView).onDraw(rect);
+    drawLayers();
     FrameLedger::end();
     // A view that came or went in there took the current context with it.
     if (_pCppView == nullptr || !beginFrame())
@@ -319,6 +322,22 @@ void GLView::drawRect(const td::RectNormalized<double>& rect)
         FrameRecorder::instance().onFrame(_recording, _screenFrameBufferID, _pSurface->getDrawableSize()))
         reDraw();
     _pSurface->flush();
+}
+
+void GLView::drawLayers()
+{
+    if (_pCppView == nullptr || !ViewLayers::areOver(*_pCppView) || !beginFrame())
+        return;
+    const StateGuard guard;
+    glBindFramebuffer(GL_FRAMEBUFFER, _screenFrameBufferID);
+    glViewport(0, 0, _viewport.width, _viewport.height);
+    glDisable(GL_SCISSOR_TEST);
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_STENCIL_TEST);
+    glDisable(GL_CULL_FACE);
+    Context::setPolygonMode(Context::PolygonMode::Fill);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    ViewLayers::draw(*_pCppView);
 }
 
 void GLView::readGrabbedFrame()
@@ -619,6 +638,8 @@ std::uint64_t GLView::getTrackingOptions() const { return gui::gl::getTrackingOp
 void GLView::onFocus(bool hasFocus)
 {
     const Busy busy(*this);
+    if (!hasFocus && _pCppView != nullptr && ViewLayers::areOver(*_pCppView) && makeCurrentContext())
+        ViewLayers::onFocusOut(*_pCppView);
     if (!hasFocus)
         letGo();
     if (!_sendFocusEvents || !acceptsFirstResponder() || !makeCurrentContext())

@@ -123,6 +123,7 @@ private:
     bool updateGeometry();
     void tellScale();
     void drawRect(const td::RectNormalized<double>& rect);
+    void drawLayers();
     bool isHeld() const;
     FrameObserver::Frame observedFrame() const;
     void readGrabbedFrame();

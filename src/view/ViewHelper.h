@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ViewLayers.h"
+
 #include <gui/gl/View.h>
 
 #include <string_view>
@@ -39,25 +41,55 @@ public:
     void onContextRestored() { _pView->onContextRestored(); }
     void cleanResources() { _pView->cleanResources(); }
 
-    bool onZoom(const InputDevice& device) { return _pView->onZoom(device); }
-    bool onScroll(const InputDevice& device) { return _pView->onScroll(device); }
-    bool onKeyPressed(const Key& key) { return _pView->onKeyPressed(key); }
+    // Of input what layers over the view leave.
+    bool onZoom(const InputDevice& device) { return offer(Pointer::Zoomed, device) || _pView->onZoom(device); }
+    bool onScroll(const InputDevice& device) { return offer(Pointer::Scrolled, device) || _pView->onScroll(device); }
+    bool onKeyPressed(const Key& key) { return ViewLayers::onKeyPressed(*_pView, key) || _pView->onKeyPressed(key); }
     bool onKeyReleased(const Key& key) { return _pView->onKeyReleased(key); }
-    void onTextInput(std::string_view text) { _pView->onTextInput(text); }
-    void onTextComposition(const TextComposition& composition) { _pView->onTextComposition(composition); }
+    void onTextInput(std::string_view text)
+    {
+        if (!ViewLayers::onTextInput(*_pView, text))
+            _pView->onTextInput(text);
+    }
+    void onTextComposition(const TextComposition& composition)
+    {
+        if (!ViewLayers::onTextComposition(*_pView, composition))
+            _pView->onTextComposition(composition);
+    }
     void onDropped(const Drop& drop) { _pView->onDropped(drop); }
-    void onPrimaryButtonPressed(const InputDevice& device) { _pView->onPrimaryButtonPressed(device); }
-    void onPrimaryButtonReleased(const InputDevice& device) { _pView->onPrimaryButtonReleased(device); }
-    void onPrimaryButtonDblClick(const InputDevice& device) { _pView->onPrimaryButtonDblClick(device); }
-    void onSecondaryButtonPressed(const InputDevice& device) { _pView->onSecondaryButtonPressed(device); }
-    void onSecondaryButtonReleased(const InputDevice& device) { _pView->onSecondaryButtonReleased(device); }
-    void onCursorEntered(const InputDevice& device) { _pView->onCursorEntered(device); }
-    void onCursorMoved(const InputDevice& device) { _pView->onCursorMoved(device); }
-    void onCursorDragged(const InputDevice& device) { _pView->onCursorDragged(device); }
-    void onCursorExited(const InputDevice& device) { _pView->onCursorExited(device); }
-    void onOtherButtonPressed(const InputDevice& device) { _pView->onOtherButtonPressed(device); }
-    void onOtherButtonReleased(const InputDevice& device) { _pView->onOtherButtonReleased(device); }
-    void onOtherDragged(const InputDevice& device) { _pView->onOtherDragged(device); }
+    void onPrimaryButtonPressed(const InputDevice& device)
+    {
+        tell(Pointer::PrimaryPressed, device, &View::onPrimaryButtonPressed);
+    }
+    void onPrimaryButtonReleased(const InputDevice& device)
+    {
+        tell(Pointer::PrimaryReleased, device, &View::onPrimaryButtonReleased);
+    }
+    void onPrimaryButtonDblClick(const InputDevice& device)
+    {
+        tell(Pointer::PrimaryDblClick, device, &View::onPrimaryButtonDblClick);
+    }
+    void onSecondaryButtonPressed(const InputDevice& device)
+    {
+        tell(Pointer::SecondaryPressed, device, &View::onSecondaryButtonPressed);
+    }
+    void onSecondaryButtonReleased(const InputDevice& device)
+    {
+        tell(Pointer::SecondaryReleased, device, &View::onSecondaryButtonReleased);
+    }
+    void onCursorEntered(const InputDevice& device) { tell(Pointer::Entered, device, &View::onCursorEntered); }
+    void onCursorMoved(const InputDevice& device) { tell(Pointer::Moved, device, &View::onCursorMoved); }
+    void onCursorDragged(const InputDevice& device) { tell(Pointer::Dragged, device, &View::onCursorDragged); }
+    void onCursorExited(const InputDevice& device) { tell(Pointer::Exited, device, &View::onCursorExited); }
+    void onOtherButtonPressed(const InputDevice& device)
+    {
+        tell(Pointer::OtherPressed, device, &View::onOtherButtonPressed);
+    }
+    void onOtherButtonReleased(const InputDevice& device)
+    {
+        tell(Pointer::OtherReleased, device, &View::onOtherButtonReleased);
+    }
+    void onOtherDragged(const InputDevice& device) { tell(Pointer::OtherDragged, device, &View::onOtherDragged); }
 
     /// Queues the delivery of a frame that was read: the view's callback runs from the run loop, not from inside the
     /// draw.
@@ -65,6 +97,15 @@ public:
     static void prepareFrame(View* pView, gui::Texture* pTexture);
 
 private:
+    using Pointer = ViewLayer::Pointer;
+
+    bool offer(Pointer event, const InputDevice& device) { return ViewLayers::onPointer(*_pView, event, device); }
+    void tell(Pointer event, const InputDevice& device, void (DrawableView::*handler)(const InputDevice&))
+    {
+        if (!offer(event, device))
+            (_pView->*handler)(device);
+    }
+
     View* _pView;
 };
 

@@ -1,8 +1,10 @@
 #include "GLViewFixture.h"
 
+#include <gui/gl/ViewLayer.h>
 #include <gui/gl/port/Fingers.h>
 #include <gui/gl/port/Zav.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -393,6 +395,82 @@ TEST_F(GLViewInputTest, TextComesToViewsThatAskForIt)
     view.stopTextInput();
     EXPECT_TRUE(journal.said({"text input off"}));
     EXPECT_EQ(text("a"), "");
+}
+
+// Something over a view that is asked too late, or of whom nothing is left for the view; that takes what is none of its
+// business; one, or a view, that goes in the midst of an event; focus that the view did not ask for.
+TEST_F(GLViewInputTest, LayersAreAskedBeforeTheView)
+{
+    struct Layer : gui::gl::ViewLayer
+    {
+        Layer(gui::gl::View& view, std::string& told_, char name_)
+            : ViewLayer(view)
+            , told(told_)
+            , name(name_)
+        {
+        }
+        void onDraw(gui::gl::View&) override { act(); }
+        bool onPointer(Pointer, const gui::InputDevice&) override { return act(); }
+        bool onKeyPressed(const gui::Key&) override { return act(); }
+        bool onTextInput(std::string_view) override { return act(); }
+        bool onTextComposition(const gui::TextComposition&) override { return act(); }
+        void onFocusOut() override { act(); }
+        bool act()
+        {
+            told += name;
+            return in();
+        }
+
+        std::string& told;
+        char name;
+        std::function<bool()> in = [] { return false; };
+    };
+    std::vector<Kind> all = kinds();
+    all.push_back({0, "text", [](GLView& v) { v.onText({"a"}); }});
+    all.push_back({0, "composes", [](GLView& v) { v.onComposition({"a"}); }});
+    all.push_back({0, "no focus", [](GLView& v) { v.onFocus(false); }});
+    all.push_back({0, "onDraw", [](GLView& v) { v.drawNow(); }});
+    for (const Kind& kind : all)
+    {
+        const std::string callback = kind.callback;
+        auto pView = std::make_unique<RecordingView>(window);
+        GLView* pNative = show(*pView);
+        pView->startTextInput();
+        const bool isDraw = callback == "onDraw", isFocus = callback == "no focus";
+        const bool isOurs = callback != "up key" && callback != "drops";
+        std::string told;
+        auto pLower = std::make_unique<Layer>(*pView, told, 'l'), pUpper = std::make_unique<Layer>(*pView, told, 'u');
+        const auto hears = [&]
+        {
+            journal.take();
+            told.clear();
+            kind.send(*pNative);
+            const Lines lines = journal.take();
+            return std::ranges::any_of(lines, [&](const std::string& line) { return line.starts_with(callback); });
+        };
+        EXPECT_EQ(hears(), !isFocus) << callback;
+        EXPECT_EQ(told, isDraw ? "lu" : isOurs ? "ul" : "") << callback;
+        pUpper->in = [] { return true; };
+        EXPECT_EQ(hears(), isDraw || !isOurs) << callback;
+        EXPECT_EQ(told, isDraw ? "lu" : isFocus ? "ul" : isOurs ? "u" : "") << callback;
+        if (!isOurs)
+            continue;
+        (isDraw ? pLower : pUpper)->in = [&]
+        {
+            (isDraw ? pUpper : pLower).reset();
+            return false;
+        };
+        EXPECT_EQ(hears(), !isFocus) << callback;
+        EXPECT_EQ(told, isDraw ? "l" : "u") << callback;
+        Layer& left = isDraw ? *pLower : *pUpper;
+        left.in = [&]
+        {
+            pView.reset();
+            return false;
+        };
+        EXPECT_EQ(hears(), isDraw) << callback;
+        EXPECT_EQ(left.getView(), nullptr);
+    }
 }
 
 TEST_F(GLViewInputTest, ACursorShowsWhenItChangesOrOnEntry)

@@ -65,3 +65,4 @@
 #include "Textures.h"
 #include "Triang2D.h"
 #include "View.h"
+#include "ViewLayer.h"

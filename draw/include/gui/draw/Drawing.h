@@ -250,6 +250,7 @@ public:
 
 private:
     friend class Dimensions;
+    friend class TextField;
     friend class Upload;
     struct Impl;
     std::unique_ptr<Impl> _pImpl;

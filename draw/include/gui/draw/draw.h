@@ -66,6 +66,7 @@
 #include "Shadows.h"
 #include "Stroke.h"
 #include "TextEditor.h"
+#include "TextField.h"
 #include "TextFrame.h"
 #include "TextLayout.h"
 #include "TextOnPath.h"
