@@ -38,20 +38,26 @@ void PlotView::onPrimaryButtonReleased(const InputDevice& device)
 {
     _plot.onReleased(device);
     setCursor(Cursor::Type::Default, true);
+    _isPanning = false;
 }
 
 void PlotView::onPrimaryButtonDblClick(const InputDevice& device) { _plot.onDoubleClick(device); }
 
 void PlotView::onCursorMoved(const InputDevice& device)
 {
-    setCursor(Cursor::Type::Default, true); // the end of a drag may have gone to somebody else
+    // A pan whose release went to somebody else.
+    if (std::exchange(_isPanning, false))
+        setCursor(Cursor::Type::Default, true);
     _plot.onMoved(device);
 }
 
 void PlotView::onCursorDragged(const InputDevice& device)
 {
     if (!device.getKey().isShiftPressed())
+    {
         setCursor(Cursor::Type::Pan, true);
+        _isPanning = true;
+    }
     _plot.onDragged(device);
 }
 

@@ -52,6 +52,7 @@ protected:
 
 private:
     Plot _plot;
+    bool _isPanning = false; // with the cursor that says so
 };
 
 } // namespace gui::draw
