@@ -363,6 +363,19 @@ TEST(TextFieldTest, TakesPointerAndKeys)
     view.key(cF5Key);
     view.key('s', cCmd);
     EXPECT_EQ(view.take(), "key key ");
+    // What is typed is seen, whatever was pushed out of sight before.
+    const Point before = view.getCenter();
+    view.native().onWheel({0, -50, cShift, cIn});
+    view.native().onWheel({50, 0, cShift, cIn});
+    const Point away = view.getCenter();
+    view.frame();
+    EXPECT_TRUE(view.field->isEditing() && view.getCenter() == away && !(away == before));
+    view.type("an end beyond the view's right edge, as far as ever");
+    const double right = view.field->editor().getLayout().getSize().width / 2 + 150;
+    EXPECT_NEAR(view.getViewPoint({right, 150}).x, cFieldView - 12, 1);
+    view.setCenter(before);
+    view.key('z', cCmd);
+    EXPECT_EQ(view.getCenter(), before);
     using Button = gui::gl::ButtonEvent::Button;
     view.native().onButton({Button::Middle, true, false, 1, 0, cBeside});
     view.native().onButton({Button::Middle, false, false, 1, 0, cBeside});
@@ -371,6 +384,24 @@ TEST(TextFieldTest, TakesPointerAndKeys)
     view.field->editor().setText("x");
     view.native().onButton({Button::Middle, true, false, 1, 0, {158, 150}});
     EXPECT_EQ(view.field->editor().getText(), "xy z");
+
+    // A press in it has its release, whatever comes between; a view that takes text gets it again.
+    view.press(cIn);
+    view.key(cReturnKey);
+    view.move(gui::gl::MotionEvent::Kind::Dragged, cBeside);
+    view.release(cBeside);
+    EXPECT_EQ(view.take(), "commit xy z");
+    view.startTextInput();
+    ASSERT_TRUE(view.edit());
+    view.type("a");
+    view.compose("b");
+    view.field->cancel();
+    view.type("c");
+    EXPECT_EQ(view.take(), "canceltext c");
+    view.drawing().setVisible(view.text, false);
+    ASSERT_TRUE(view.edit());
+    view.field->cancel();
+    EXPECT_EQ(view.drawing().pick({150, 150}), view.ground) << "it was hidden before";
 }
 
 /// The largest difference of two pictures' channels.

@@ -14,6 +14,7 @@
 #include <td/GUIThread.h>
 #include <vo/Log.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <utility>
@@ -24,7 +25,8 @@ namespace gui::draw
 namespace
 {
 
-constexpr double cBlink = 0.5; // seconds that the caret is seen, and not
+constexpr double cBlink = 0.5;   // seconds that the caret is seen, and not
+constexpr double cFromEdge = 12; // points that it has from the view's edges where something is typed
 
 bool isCommand(const Key& key)
 {
@@ -42,8 +44,9 @@ bool isFunctionKey(Key::Virtual code)
 
 struct TextField::Impl : gl::ViewLayer
 {
-    Impl(gl::View& view, const gl::OrthoView* pPlane, const TextFieldStyle& style_)
+    Impl(gl::View& view, gl::OrthoView* pPlane_, const TextFieldStyle& style_)
         : ViewLayer(view)
+        , pPlane(pPlane_)
         , style(style_)
         , picture(pPlane)
     {
@@ -67,6 +70,7 @@ struct TextField::Impl : gl::ViewLayer
     bool isSelecting() const { return editor.hasSelection() && !editor.isComposing(); }
     Point toLayout(const InputDevice& device) const;
     void show();
+    void showTyped();
     void reRender() const;
     void restartTextInput();
     void setOver(bool isOverNow);
@@ -79,6 +83,7 @@ struct TextField::Impl : gl::ViewLayer
     bool onTextComposition(const gui::TextComposition& composition) override;
     void onFocusOut() override { commit(); }
 
+    gl::OrthoView* pPlane; // the view, if it is one; as long as there is a view
     TextFieldStyle style;
     TextEditor editor;
     TextFieldPicture picture;
@@ -230,6 +235,25 @@ void TextField::Impl::show()
     reRender();
 }
 
+// As a text scrolls: with the caret in sight.
+void TextField::Impl::showTyped()
+{
+    show();
+    const auto place = picture.getCaret(editor, getScale());
+    if (pPlane == nullptr || !place)
+        return;
+    const auto beyond = [](double from, double to, double length)
+    {
+        if (to - from > length - 2 * cFromEdge)
+            return 0.0;
+        return from < cFromEdge ? from - cFromEdge : std::max(to + cFromEdge - length, 0.0);
+    };
+    const td::Size<double> size = pPlane->getSize();
+    const Point way(beyond(place->left, place->right, size.width), beyond(place->top, place->bottom, size.height));
+    if (way.x != 0 || way.y != 0)
+        pPlane->setCenter(pPlane->getModelPoint({size.width / 2 + way.x, size.height / 2 + way.y}));
+}
+
 // An input method that composes begins anew.
 void TextField::Impl::restartTextInput()
 {
@@ -350,7 +374,7 @@ bool TextField::Impl::onKeyPressed(const Key& key)
         // What is left would move the plane, or remove a shape.
         return !isCommand(key) && !isFunctionKey(code);
     }
-    show();
+    showTyped();
     return true;
 }
 
@@ -360,7 +384,7 @@ bool TextField::Impl::onTextInput(std::string_view typed)
         return false;
     composed.clear();
     editor.insert(typed);
-    show();
+    showTyped();
     return true;
 }
 
@@ -370,7 +394,7 @@ bool TextField::Impl::onTextComposition(const gui::TextComposition& composition)
         return false;
     composed = composition.text;
     editor.compose(composition);
-    show();
+    showTyped();
     return true;
 }
 

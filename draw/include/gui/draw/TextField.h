@@ -83,9 +83,9 @@ struct TextFieldStyle
 /// | wheel, gestures, middle button beside it | the view's: the field keeps its place while one pans and zooms |
 /// | other keys with Ctrl or Alt, function keys | the view's |
 ///
-/// Text and letters are where the drawn text has them, to the pixel. The caret blinks by a gui::Timer, twice a second,
-/// and asks for no other frames; while something is selected there is none, and no frame at all. Whatever is composed
-/// when it is committed becomes text.
+/// Letters are where the drawn text has them, to the pixel; where what is typed leaves the view, the plane comes along.
+/// The caret blinks by a gui::Timer, twice a second, and asks for no other frames; while something is selected there is
+/// none, and no frame at all. Whatever is composed when it is committed becomes text.
 ///
 /// A commit or a cancel ends the field, then calls its handler, once; the handler may begin another edit, or delete the
 /// field. When field or view go while it is edited, it ends without one. Not copyable. GUI thread only; needs no
