@@ -622,7 +622,7 @@ TEST_F(PlotTest, WhatIsSetIsDrawnWithTheNextFrame)
     Axes& axes = plot.axes();
     const std::function<void()> changes[] = {
         [&] {
-            plot.setRowShares(std::array{1.0, 3.0});
+            plot.setRowShares(std::array{2.0, 3.0});
         },
         [&] {
             plot.setColumnShares(std::array{3.0, 1.0});
@@ -649,7 +649,7 @@ TEST_F(PlotTest, WhatIsSetIsDrawnWithTheNextFrame)
         draw(plot);
         EXPECT_FALSE(before == bytes()) << &change - changes;
     }
-    EXPECT_EQ(axes.getArea(), Axes::Rect(0, 0, 480, 100));
+    EXPECT_EQ(axes.getArea(), Axes::Rect(0, 0, 480, 160));
     // Numbers are as exact as the screen.
     const auto told = [&](double low, double high, double value)
     {

@@ -5,6 +5,7 @@
 #include "Version.h"
 
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 
 #include <algorithm>
 #include <array>
@@ -27,6 +28,7 @@ Axes::Axes(std::function<void()> onChange)
     : _pImpl(std::make_unique<Impl>())
 {
     _pImpl->onChange = std::move(onChange);
+    _pImpl->pOnChange = std::make_shared<std::function<void()>>(_pImpl->onChange);
     _pImpl->y.axis.setTickDistance(48);
     _pImpl->right.axis.setTickDistance(48);
     _pImpl->right.axis.setGrid(false);
@@ -41,7 +43,7 @@ Axes::~Axes() = default;
 Series& Axes::add(Series series)
 {
     _pImpl->series.push_back(std::make_unique<Series>(std::move(series)));
-    _pImpl->series.back()->_onChange = _pImpl->onChange;
+    _pImpl->series.back()->_onChange = _pImpl->onChangeOfPart();
     _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
     return *_pImpl->series.back();
@@ -50,7 +52,7 @@ Series& Axes::add(Series series)
 HeatMap& Axes::add(HeatMap map)
 {
     _pImpl->maps.push_back(std::make_unique<HeatMap>(std::move(map)));
-    _pImpl->maps.back()->_onChange = _pImpl->onChange;
+    _pImpl->maps.back()->_onChange = _pImpl->onChangeOfPart();
     _pImpl->ownVersion = nextVersion();
     _pImpl->onChange();
     return *_pImpl->maps.back();
@@ -58,6 +60,7 @@ HeatMap& Axes::add(HeatMap map)
 
 bool Axes::remove(const Series& series)
 {
+    TD_ASSERT_GUI_THREAD(false);
     const auto found = std::find_if(_pImpl->series.begin(), _pImpl->series.end(),
                                     [&series](const auto& pSeries) { return pSeries.get() == &series; });
     if (found == _pImpl->series.end())
@@ -70,6 +73,9 @@ bool Axes::remove(const Series& series)
 
 void Axes::clear()
 {
+    TD_ASSERT_GUI_THREAD();
+    if (_pImpl->series.empty() && _pImpl->maps.empty())
+        return;
     _pImpl->series.clear();
     _pImpl->maps.clear();
     _pImpl->ownVersion = nextVersion();
@@ -91,38 +97,16 @@ const Axis& Axes::x() const { return _pImpl->x.axis; }
 const Axis& Axes::y() const { return _pImpl->y.axis; }
 const Axis& Axes::right() const { return _pImpl->right.axis; }
 
-void Axes::setTitle(std::string title)
-{
-    _pImpl->title = std::move(title);
-    _pImpl->ownVersion = nextVersion();
-    _pImpl->onChange();
-}
-
-void Axes::setLegend(Legend legend)
-{
-    _pImpl->legend = legend;
-    _pImpl->ownVersion = nextVersion();
-    _pImpl->onChange();
-}
-
-void Axes::setBare(bool isBare)
-{
-    _pImpl->isBare = isBare;
-    _pImpl->ownVersion = nextVersion();
-    _pImpl->onChange();
-}
-
-void Axes::setMinorGrid(bool hasMinorGrid)
-{
-    _pImpl->hasMinorGrid = hasMinorGrid;
-    _pImpl->ownVersion = nextVersion();
-    _pImpl->onChange();
-}
+void Axes::setTitle(std::string title) { _pImpl->set(_pImpl->title, std::move(title)); }
+void Axes::setLegend(Legend legend) { _pImpl->set(_pImpl->legend, legend); }
+void Axes::setBare(bool isBare) { _pImpl->set(_pImpl->isBare, isBare); }
+void Axes::setMinorGrid(bool hasMinorGrid) { _pImpl->set(_pImpl->hasMinorGrid, hasMinorGrid); }
 
 void Axes::fit()
 {
-    _pImpl->release(Impl::cX | Impl::cY | Impl::cRight);
-    _pImpl->onChange();
+    TD_ASSERT_GUI_THREAD();
+    if (_pImpl->release(Impl::cX | Impl::cY | Impl::cRight))
+        _pImpl->onChange();
 }
 
 const Axes::Rect& Axes::getArea() const { return _pImpl->area; }
@@ -167,6 +151,15 @@ std::string Axes::format(const Axis& axis, double value) const
         return text.data();
     }
     return Ticks::format(value, std::max(places, 0));
+}
+
+std::function<void()> Axes::Impl::onChangeOfPart() const
+{
+    return [pAsk = std::weak_ptr(pOnChange)]
+    {
+        if (const auto pThere = pAsk.lock())
+            (*pThere)();
+    };
 }
 
 std::size_t Axes::Impl::getVersion() const
@@ -238,12 +231,19 @@ unsigned int Axes::Impl::partAt(Point point) const
     return 0;
 }
 
-void Axes::Impl::release(unsigned int which)
+bool Axes::Impl::release(unsigned int which)
 {
+    bool isChanged = false;
     for (const auto& [pAxis, bit] : {std::pair(&x.axis, cX), std::pair(&y.axis, cY), std::pair(&right.axis, cRight)})
-        if ((which & bit) != 0)
-            pAxis->release();
-    ownVersion = nextVersion();
+    {
+        if ((which & bit) == 0 || !pAxis->isMoved())
+            continue;
+        pAxis->release();
+        isChanged = true;
+    }
+    if (isChanged)
+        ownVersion = nextVersion();
+    return isChanged;
 }
 
 bool Axes::Impl::pan(unsigned int which, double dx, double dy)

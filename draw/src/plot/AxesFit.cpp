@@ -55,6 +55,8 @@ void Axes::Impl::collectOwn(unsigned int which)
         for (const std::unique_ptr<HeatMap>& pMap : maps)
         {
             const HeatMap::Rect& extent = pMap->getExtent();
+            if (!isThere(*pMap))
+                continue;
             double low = which == cX ? extent.left : extent.top, high = which == cX ? extent.right : extent.bottom;
             if (isLogarithmic && !(high > 0))
                 continue;
@@ -152,7 +154,7 @@ void Axes::Impl::apply(unsigned int which)
             return;
     }
     const std::size_t before = state.version;
-    axis.setPlaces(low, high);
+    axis.fitPlaces(low, high);
     if (state.version != before)
         axis.notify(); // other plots that show it
 }

@@ -11,14 +11,30 @@ namespace
 
 // In points.
 constexpr double cTick = 5, cMinorTick = 2.5, cLabelGap = 4, cPad = 12, cTitleGap = 6, cFarPad = 18;
+constexpr double cLeastArea = 24; // with titles
 constexpr double cGridPeriod = 5;
 constexpr double cBold = 0.045; // em, for titles in a face that somebody chose
 constexpr double cBarWidth = 14, cBarGap = 16;
-constexpr double cLegendPad = 8, cSampleWidth = 22, cSampleGap = 7, cLegendMargin = 8;
+
+// So many that they are no ticks any more.
+template <typename Side>
+bool areCrowded(const Side& side)
+{
+    constexpr double cLeast = 3; // points from one to the next
+    return static_cast<double>(side.ticks.getMinor().size()) * cLeast > side.length;
+}
+
+double linesOf(const std::string& text) { return 1 + static_cast<double>(std::count(text.begin(), text.end(), '\n')); }
 
 TextStyle labelStyle(const PlotStyle& style)
 {
     return {.face = style.face, .size = style.labelSize, .paint = style.labels};
+}
+
+TextStyle titleStyle(const PlotStyle& style)
+{
+    const Typeface face = style.face ? style.face : Typeface::named("sans-serif", {.weight = 600});
+    return {.face = face, .size = style.titleSize, .paint = style.ink, .embolden = style.face ? cBold : 0};
 }
 
 TextStyle axisTitleStyle(const PlotStyle& style)
@@ -39,6 +55,13 @@ Hairline hairline(double place, double width)
 }
 
 } // namespace
+
+bool Axes::Impl::isThere(const HeatMap& map)
+{
+    const double width = map.getExtent().right - map.getExtent().left;
+    const double height = map.getExtent().bottom - map.getExtent().top;
+    return map.getColumns() > 0 && width > 0 && height > 0 && std::isfinite(width) && std::isfinite(height);
+}
 
 bool Axes::Impl::hasRight() const
 {
@@ -92,10 +115,13 @@ void Axes::Impl::makeTicks(Side& side, bool isX, double length, const PlotPaper&
     side.labelSize = paper.style.labelSize;
 }
 
-void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper)
+void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper, bool mayRepeat)
 {
     const PlotStyle& style = paper.style;
-    const double line = style.labelSize * 1.25, titleLine = style.axisTitleSize * 1.35;
+    const double line = style.labelSize * 1.25;
+    // How much of the paper a title takes.
+    const auto depthOf = [](const std::string& text, double size)
+    { return text.empty() ? 0 : size * 1.35 * linesOf(text) + cTitleGap; };
     const bool isResized = !(frame == newFrame);
     frame = newFrame;
     const auto snap = [&paper](double points) { return std::round(points * paper.scale) / paper.scale; };
@@ -107,12 +133,16 @@ void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper)
         return;
     }
     const bool isTime = x.axis.getScale().kind == Scale::Kind::Time;
-    double bottom = cPad / 2 + cTick + cLabelGap + line * (isTime ? 2 : 1);
-    bottom += !x.axis.getTitle().empty() ? cTitleGap + titleLine : cPad / 2;
-    const double top = cPad + (title.empty() ? line / 2 : style.titleSize * 1.35 + cTitleGap);
-    area.top = snap(frame.top + top);
-    area.bottom = std::max(snap(frame.bottom - bottom), area.top + 1);
+    const double labelsBelow = cPad / 2 + cTick + cLabelGap + line * (isTime ? 2 : 1);
+    const double xTitle = depthOf(x.axis.getTitle(), style.axisTitleSize), aboveAll = depthOf(title, style.titleSize);
+    // Titles that would leave next to nothing of the area have no room, those of axes before that of all.
+    const double height = frame.bottom - frame.top - cPad - labelsBelow - cLeastArea;
+    hasXTitle = xTitle > 0 && xTitle + std::max(aboveAll, line / 2) <= height;
+    hasTitle = aboveAll > 0 && aboveAll + (hasXTitle ? xTitle : cPad / 2) <= height;
+    area.top = snap(frame.top + cPad + (hasTitle ? aboveAll + (hasNoteRow ? line : 0) : line / 2));
+    area.bottom = std::max(snap(frame.bottom - labelsBelow - (hasXTitle ? xTitle : cPad / 2)), area.top + 1);
     const TextStyle labels = labelStyle(style);
+    double sideTitles = 0;
     // As wide as its labels, in steps, so that the area stays where it is while they change.
     const auto widthOf = [&](Side& side, double& kept)
     {
@@ -123,21 +153,48 @@ void Axes::Impl::layOut(const Rect& newFrame, const PlotPaper& paper)
         width = std::ceil(width / 4) * 4;
         if (isResized || width > kept || width < kept - 16)
             kept = width;
-        const double titleWidth = side.axis.getTitle().empty() ? 0 : titleLine + cTitleGap;
-        return cPad + kept + cTick + cLabelGap + titleWidth;
+        sideTitles += depthOf(side.axis.getTitle(), style.axisTitleSize);
+        return cPad + kept + cTick + cLabelGap;
     };
-    const double left = widthOf(y, leftWidth);
+    double left = widthOf(y, leftWidth);
+    const double yTitle = sideTitles;
     double end = hasRight() ? widthOf(right, rightWidth) : cPad + cFarPad;
     if (!maps.empty())
     {
         colors.axis.setTitle(maps.front()->getTitle());
         colors.axis.setTickDistance(48);
-        colors.axis.setRange(maps.front()->getLow(), maps.front()->getHigh());
+        const auto [low, high] = std::minmax({maps.front()->getLow(), maps.front()->getHigh()});
+        colors.axis.setRange(low, high);
         end = (hasRight() ? end : 0) + cBarGap + cBarWidth + widthOf(colors, colorsWidth);
+    }
+    hasSideTitles = frame.right - frame.left - left - end - sideTitles >= cLeastArea;
+    if (hasSideTitles)
+    {
+        left += yTitle;
+        end += sideTitles - yTitle;
     }
     area.left = snap(frame.left + left);
     area.right = std::max(snap(frame.right - end), area.left + 1);
     makeTicks(x, true, area.right - area.left, paper);
+    if (mayRepeat && isNoteInTitle(paper) != hasNoteRow)
+    {
+        hasNoteRow = !hasNoteRow;
+        layOut(newFrame, paper, false);
+    }
+}
+
+// Whether what labels leave out would be written over the title.
+bool Axes::Impl::isNoteInTitle(const PlotPaper& paper)
+{
+    if (!hasTitle)
+        return false;
+    const auto widthOf = [&](const Side& side)
+    { return side.ticks.getNote().empty() ? 0 : paper.texts.widthOf(side.ticks.getNote(), labelStyle(paper.style)); };
+    const double left = widthOf(y), atRight = hasRight() ? widthOf(right) : 0, bar = maps.empty() ? 0 : widthOf(colors);
+    const double barEnd = frame.right - cPad - colorsWidth - cTick - cLabelGap;
+    const auto [from, to] = placeTitle(title, titleStyle(paper.style), true, paper).extent;
+    return (left > 0 && from < area.left - cTick - cLabelGap + left + cLabelGap) ||
+           (atRight > 0 && to > area.right - atRight - cLabelGap) || (bar > 0 && to > barEnd - bar - cLabelGap);
 }
 
 void Axes::Impl::drawGrid(const PlotPaper& paper)
@@ -159,7 +216,7 @@ void Axes::Impl::drawGrid(const PlotPaper& paper)
         if (!side.axis.hasGrid())
             return;
         const AxisMap map(side.axis, isUpright ? pixels.left : pixels.bottom, isUpright ? pixels.right : pixels.top);
-        if (hasMinorGrid)
+        if (hasMinorGrid && !areCrowded(side))
             for (const double value : side.ticks.getMinor())
                 add(isUpright, map.toPixel(value), paper.style.minorGrid);
         for (const Ticks::Tick& tick : side.ticks.getTicks())
@@ -179,7 +236,7 @@ void Axes::Impl::drawMaps(const PlotPaper& paper)
     for (const std::unique_ptr<HeatMap>& pMap : maps)
     {
         const HeatMap& map = *pMap;
-        if (map.getColumns() == 0)
+        if (!isThere(map))
             continue;
         const HeatMap::Rect& extent = map.getExtent();
         PlotScene::GridLook look{map.getID(),   map.getVersion(), &map.getColorMap(), map.getValues(), map.getColumns(),
@@ -250,14 +307,10 @@ void Axes::Impl::drawColorBar(const PlotPaper& paper)
     const double left = std::round((area.right + end + cBarGap) * scale);
     const double barRight = left + std::round(cBarWidth * scale);
     const double top = std::round(area.top * scale), bottom = std::round(area.bottom * scale);
-    PlotScene::GridLook look{~map.getID(),
-                             map.getVersion(),
-                             &map.getColorMap(),
-                             s_shares,
-                             1,
-                             s_shares.size(),
-                             0,
-                             static_cast<double>(ColorMap::cSize - 1)};
+    constexpr double cLast = ColorMap::cSize - 1;
+    const bool isFalling = map.getLow() > map.getHigh();
+    PlotScene::GridLook look{~map.getID(),    map.getVersion(),      &map.getColorMap(),   s_shares, 1,
+                             s_shares.size(), isFalling ? cLast : 0, isFalling ? 0 : cLast};
     look.toPlace = {1, -static_cast<double>(ColorMap::cSize) / (bottom - top), -left + 0.25,
                     bottom * static_cast<double>(ColorMap::cSize) / (bottom - top)};
     look.toCell = {0, 1, 0.5, 0};
@@ -272,10 +325,11 @@ void Axes::Impl::drawColorBar(const PlotPaper& paper)
         paper.scene.addRect({barRight + pixel, line.from, barRight + pixel + tick, line.to}, paper.style.ink);
         paper.texts.add(label.label, style, {at + cTick + cLabelGap, heights.toPixel(label.value)}, Anchor::Left);
     }
-    paper.texts.add(colors.ticks.getNote(), style, {at, area.top - style.size}, Anchor::BottomRight);
-    paper.texts.add(map.getTitle(), axisTitleStyle(paper.style),
-                    {at + cTick + cLabelGap + colorsWidth + cTitleGap, (area.top + area.bottom) / 2}, Anchor::Bottom,
-                    -90);
+    paper.texts.add(colors.ticks.getNote(), style, {at, hasTitle ? area.top - style.size : getNotesBottom(paper)},
+                    Anchor::BottomRight);
+    if (hasSideTitles)
+        addTitle(map.getTitle(), axisTitleStyle(paper.style), at + cTick + cLabelGap + colorsWidth + cTitleGap,
+                 Anchor::Bottom, -90, paper);
 }
 
 void Axes::Impl::drawSeries(const PlotPaper& paper)
@@ -314,7 +368,8 @@ void Axes::Impl::drawFrame(const PlotPaper& paper)
         for (const Ticks::Tick& tick : side.ticks.getTicks())
             add(tick.value, cTick);
         for (const double value : side.ticks.getMinor())
-            add(value, cMinorTick);
+            if (!areCrowded(side))
+                add(value, cMinorTick);
     };
     const Hairline left = hairline(pixels.left, width);
     addTicks(x, true, level.to, 1);
@@ -331,16 +386,34 @@ void Axes::Impl::drawFrame(const PlotPaper& paper)
     paper.scene.addRect({left.from, level.from, end, level.to}, paper.style.ink);
 }
 
+// Without a title there is less room, right above the area.
+double Axes::Impl::getNotesBottom(const PlotPaper& paper) const
+{
+    return area.top - (hasTitle ? paper.style.labelSize * 0.875 : 3);
+}
+
+// Where the middle of a text along x is, so that the frame does not cut it off.
+double Axes::Impl::within(double at, double half) const
+{
+    constexpr double cEdge = 2; // points
+    return std::max(std::min(at, frame.right - cEdge - half), frame.left + cEdge + half);
+}
+
 void Axes::Impl::drawTickTexts(const PlotPaper& paper)
 {
     const TextStyle style = labelStyle(paper.style);
     const double line = paper.style.labelSize * 1.25, below = area.bottom + cTick + cLabelGap;
     const AxisMap mapOfX = mapX(1);
+    double end = frame.left; // of what the second line says
     for (const Ticks::Tick& tick : x.ticks.getTicks())
     {
-        const double at = mapOfX.toPixel(tick.value);
-        paper.texts.add(tick.label, style, {at, below}, Anchor::Top);
-        paper.texts.add(tick.context, style, {at, below + line}, Anchor::Top);
+        const double at = mapOfX.toPixel(tick.value), half = paper.texts.widthOf(tick.context, style) / 2;
+        paper.texts.add(tick.label, style, {within(at, paper.texts.widthOf(tick.label, style) / 2), below},
+                        Anchor::Top);
+        if (tick.context.empty() || within(at, half) - half < end)
+            continue;
+        paper.texts.add(tick.context, style, {within(at, half), below + line}, Anchor::Top);
+        end = within(at, half) + half + cLabelGap;
     }
     const auto addBeside = [&](const Side& side, double at, Anchor anchor)
     {
@@ -352,178 +425,58 @@ void Axes::Impl::drawTickTexts(const PlotPaper& paper)
     if (hasRight())
         addBeside(right, area.right + cTick + cLabelGap, Anchor::Left);
     // What labels leave out.
-    paper.texts.add(y.ticks.getNote(), style, {area.left - cTick - cLabelGap, area.top - line * 0.7},
-                    Anchor::BottomLeft);
+    paper.texts.add(y.ticks.getNote(), style,
+                    {hasTitle ? area.left - cTick - cLabelGap : area.left, getNotesBottom(paper)}, Anchor::BottomLeft);
     if (hasRight())
-        paper.texts.add(right.ticks.getNote(), style, {area.right, area.top - line * 0.7}, Anchor::BottomRight);
-    paper.texts.add(x.ticks.getNote(), style, {frame.right - cPad / 2, below + line}, Anchor::TopRight);
+        paper.texts.add(right.ticks.getNote(), style, {area.right, getNotesBottom(paper)}, Anchor::BottomRight);
+    paper.texts.add(x.ticks.getNote(), style, {frame.right - cPad / 2, std::min(below + line, frame.bottom - line)},
+                    Anchor::TopRight);
+}
+
+// In the middle of the area's side, as far as there is room for it: else in the frame's, and shorter.
+Axes::Impl::TitlePlace Axes::Impl::placeTitle(const std::string& text, const TextStyle& style, bool isLevel,
+                                              const PlotPaper& paper) const
+{
+    const double begin = isLevel ? frame.left + cPad / 2 : hasTitle ? area.top - cTitleGap : frame.top + cPad / 2;
+    const double end = isLevel     ? frame.right - cPad / 2
+                       : hasXTitle ? area.bottom + cTick + cLabelGap
+                                   : frame.bottom - cPad / 2;
+    TitlePlace place{paper.texts.shortened(text, style, end - begin), {}};
+    const double half = paper.texts.widthOf(place.text, style) / 2;
+    const double wanted = (isLevel ? area.left + area.right : area.top + area.bottom) / 2;
+    const double middle = std::max(std::min(wanted, end - half), begin + half);
+    place.extent = {middle - half, middle + half};
+    return place;
+}
+
+// @param at  across it
+void Axes::Impl::addTitle(const std::string& text, const TextStyle& style, double at, Anchor anchor, double angle,
+                          const PlotPaper& paper)
+{
+    if (text.empty())
+        return;
+    const bool isLevel = angle == 0;
+    const TitlePlace place = placeTitle(text, style, isLevel, paper);
+    const double middle = (place.extent.first + place.extent.second) / 2;
+    paper.texts.add(place.text, style, isLevel ? Axes::Point(middle, at) : Axes::Point(at, middle), anchor, angle);
 }
 
 void Axes::Impl::drawTitles(const PlotPaper& paper)
 {
     const PlotStyle& style = paper.style;
     const TextStyle axisTitle = axisTitleStyle(style);
-    const double middle = (area.left + area.right) / 2, height = (area.top + area.bottom) / 2;
-    if (!title.empty())
-    {
-        const Typeface face = style.face ? style.face : Typeface::named("sans-serif", {.weight = 600});
-        paper.texts.add(title,
-                        {.face = face, .size = style.titleSize, .paint = style.ink, .embolden = style.face ? cBold : 0},
-                        {middle, frame.top + cPad}, Anchor::Top);
-    }
-    paper.texts.add(x.axis.getTitle(), axisTitle, {middle, frame.bottom - cPad / 2}, Anchor::Bottom);
+    if (hasTitle)
+        addTitle(title, titleStyle(style), frame.top + cPad, Anchor::Top, 0, paper);
+    if (hasXTitle)
+        addTitle(x.axis.getTitle(), axisTitle, frame.bottom - cPad / 2, Anchor::Bottom, 0, paper);
+    if (!hasSideTitles)
+        return;
     // Upwards along the axis, wherever labels end.
-    paper.texts.add(y.axis.getTitle(), axisTitle, {area.left - cTick - cLabelGap - leftWidth - cTitleGap, height},
-                    Anchor::Bottom, 90);
+    addTitle(y.axis.getTitle(), axisTitle, area.left - cTick - cLabelGap - leftWidth - cTitleGap, Anchor::Bottom, 90,
+             paper);
     if (hasRight())
-        paper.texts.add(right.axis.getTitle(), axisTitle,
-                        {area.right + cTick + cLabelGap + rightWidth + cTitleGap, height}, Anchor::Bottom, -90);
-}
-
-// How much of a rectangle samples are seen in, from 0 to 1.
-double Axes::Impl::coveredBy(const Rect& rect) const
-{
-    constexpr int cSlices = 8;
-    const AxisMap map = mapX(1);
-    double covered = 0;
-    for (const std::unique_ptr<Series>& pSeries : series)
-    {
-        const Series& s = *pSeries;
-        if (!s.isVisible() || s.size() == 0)
-            continue;
-        const AxisMap heights = mapY(s, 1);
-        if (!s.isSorted())
-        {
-            const std::size_t step = std::max<std::size_t>(1, s.size() / 2000);
-            std::size_t n = 0;
-            for (std::size_t i = s.getFirst(); i < s.size(); i += step)
-            {
-                const double px = map.toPixel(s.getX(i)), py = heights.toPixel(s.getY(i));
-                n += px > rect.left && px < rect.right && py > rect.top && py < rect.bottom ? 1 : 0;
-            }
-            covered += std::min(1.0, static_cast<double>(n * step) / static_cast<double>(s.size()) * 8);
-            continue;
-        }
-        for (int i = 0; i < cSlices; ++i)
-        {
-            const double width = (rect.right - rect.left) / cSlices, left = rect.left + i * width;
-            const auto [first, end] = SeriesGeometry::extentOf(s, map.toValue(left), map.toValue(left + width));
-            const Samples::Range range = s.getYRange(first, end);
-            if (range.isEmpty())
-                continue;
-            const double top = std::max(rect.top, heights.toPixel(range.high) - 3);
-            const double bottom = std::min(rect.bottom, heights.toPixel(range.low) + 3);
-            if (bottom > top)
-                covered += (0.3 + (bottom - top) / (rect.bottom - rect.top)) / cSlices;
-        }
-    }
-    return covered;
-}
-
-// What a series looks like, in the legend.
-void Axes::Impl::drawSample(const Series& s, const Rect& box, const PlotPaper& paper)
-{
-    const SeriesStyle& style = s.getStyle();
-    const double scale = paper.scale, middle = std::round((box.top + box.bottom) / 2 * scale);
-    const td::Color color = colorOf(s, paper.style);
-    const PlotScene::Rect rect = scaled(box, scale);
-    using Kind = Series::Kind;
-    const Kind kind = s.getKind();
-    const PlotScene::Rect swatch{rect.left, middle - 5 * scale, rect.right, middle + 5 * scale};
-    if (kind == Kind::Bars || kind == Kind::Candles)
-        paper.scene.addRect({swatch.left + 5 * scale, swatch.top, swatch.right - 5 * scale, swatch.bottom},
-                            kind == Kind::Bars ? style.fill.value_or(color) : color);
-    if (kind == Kind::Area || kind == Kind::Band)
-        paper.scene.addRect({swatch.left, kind == Kind::Area ? middle : swatch.top, swatch.right, swatch.bottom},
-                            style.fill.value_or(SeriesGeometry::faint(color, 0.28)));
-    if (kind == Kind::Line || kind == Kind::Area || kind == Kind::Steps || kind == Kind::Stems)
-    {
-        paper.scene.addLine({{rect.left + scale, middle, rect.right - scale, middle}}, style.width / 2 * scale, color,
-                            SeriesGeometry::dashesOf(style, scale));
-    }
-    if (style.marker != Marker::None)
-    {
-        const td::Color fill = s.getColorMap() ? s.getColorMap()->getColor(0.5) : color;
-        paper.scene.addMark(style.marker, (rect.left + rect.right) / 2, middle,
-                            std::clamp(style.markerSize, 5.0, 11.0) * scale, fill, style.edgeWidth * scale,
-                            style.edgeColor);
-    }
-}
-
-// Where the least is covered, once there is something to cover, and anew when there is twice as much: it stays where it
-// is unless that is much worse.
-void Axes::Impl::chooseLegend(const std::function<double(Legend)>& coveredAt)
-{
-    std::size_t n = 0;
-    for (const std::unique_ptr<Series>& pSeries : series)
-        n += pSeries->isVisible() ? pSeries->size() : 0;
-    const bool isOther = shownLegend == Legend::None || legendVersion != ownVersion || legendSize == 0;
-    if (!isOther && n < 2 * legendSize)
-        return;
-    constexpr double cClear = 0.02, cMuchClearer = 0.15;
-    Legend best = isOther ? Legend::TopRight : shownLegend;
-    double least = coveredAt(best) - (isOther ? 0 : cMuchClearer);
-    for (const Legend corner : {Legend::TopRight, Legend::TopLeft, Legend::BottomRight, Legend::BottomLeft})
-    {
-        const double covered = coveredAt(corner);
-        if (covered < least - cClear)
-        {
-            least = covered;
-            best = corner;
-        }
-    }
-    shownLegend = best;
-    legendVersion = ownVersion;
-    legendSize = n;
-}
-
-void Axes::Impl::drawLegend(const PlotPaper& paper)
-{
-    std::vector<const Series*> shown;
-    const TextStyle style{.face = paper.style.face, .size = paper.style.labelSize, .paint = paper.style.ink};
-    double width = 0;
-    for (const std::unique_ptr<Series>& pSeries : series)
-    {
-        if (!pSeries->isVisible() || pSeries->getStyle().label.empty())
-            continue;
-        shown.push_back(pSeries.get());
-        width = std::max(width, paper.texts.widthOf(pSeries->getStyle().label, style));
-    }
-    if (legend == Legend::None || shown.empty())
-        return;
-    const double line = paper.style.labelSize * 1.55;
-    const td::Size<double> size{std::ceil(width + 2 * cLegendPad + cSampleWidth + cSampleGap),
-                                std::ceil(line * static_cast<double>(shown.size()) + cLegendPad)};
-    const auto placeOf = [&](Legend corner)
-    {
-        const bool isLeft = corner == Legend::TopLeft || corner == Legend::BottomLeft;
-        const bool isTop = corner == Legend::TopLeft || corner == Legend::TopRight;
-        const double left = isLeft ? area.left + cLegendMargin : area.right - cLegendMargin - size.width;
-        const double top = isTop ? area.top + cLegendMargin : area.bottom - cLegendMargin - size.height;
-        return Rect{left, top, left + size.width, top + size.height};
-    };
-    if (legend != Legend::Auto)
-        shownLegend = legend;
-    else
-        chooseLegend([&](Legend corner) { return coveredBy(placeOf(corner)); });
-    const Rect box = placeOf(shownLegend);
-    if (box.left < area.left || box.top < area.top || box.bottom > area.bottom)
-        return;
-    const double scale = paper.scale, pixel = std::max(1.0, std::round(scale * 0.75));
-    const PlotScene::Rect pixels{std::round(box.left * scale), std::round(box.top * scale),
-                                 std::round(box.right * scale), std::round(box.bottom * scale)};
-    paper.scene.addRoundRect({pixels.left - pixel, pixels.top - pixel, pixels.right + pixel, pixels.bottom + pixel},
-                             5 * scale, paper.style.grid);
-    paper.scene.addRoundRect(pixels, 4.5 * scale, paper.style.panel);
-    double top = box.top + cLegendPad / 2;
-    for (const Series* pSeries : shown)
-    {
-        const double left = box.left + cLegendPad;
-        drawSample(*pSeries, {left, top, left + cSampleWidth, top + line}, paper);
-        paper.texts.add(pSeries->getStyle().label, style, {left + cSampleWidth + cSampleGap, top + line / 2},
-                        Anchor::Left);
-        top += line;
-    }
+        addTitle(right.axis.getTitle(), axisTitle, area.right + cTick + cLabelGap + rightWidth + cTitleGap,
+                 Anchor::Bottom, -90, paper);
 }
 
 void Axes::Impl::draw(const Rect& newFrame, const PlotPaper& paper)

@@ -3,6 +3,7 @@
 #include "Version.h"
 
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 
 #include <algorithm>
 #include <cmath>
@@ -61,6 +62,7 @@ void Axis::touch()
 
 void Axis::setScale(Scale scale)
 {
+    TD_ASSERT_GUI_THREAD();
     if (_pState->scale == scale)
         return;
     _pState->scale = std::move(scale);
@@ -74,6 +76,9 @@ const Scale& Axis::getScale() const { return _pState->scale; }
 
 void Axis::setTitle(std::string title)
 {
+    TD_ASSERT_GUI_THREAD();
+    if (_title == title)
+        return;
     _title = std::move(title);
     touch();
 }
@@ -95,8 +100,27 @@ bool Axis::setPlaces(double low, double high)
     return true;
 }
 
+void Axis::fitPlaces(double low, double high)
+{
+    const bool isLogarithmic = _pState->scale.kind == Scale::Kind::Logarithmic;
+    const double most = 0.99 * (isLogarithmic ? cLargestDecade : cLargestPlace);
+    low = std::clamp(low, -most, most);
+    high = std::clamp(high, -most, most);
+    const double missing =
+        2 * cFinest * std::max({std::abs(low), std::abs(high), isLogarithmic ? 1.0 : 0.0}) - (high - low);
+    if (missing > 0)
+    {
+        low -= missing / 2;
+        high += missing / 2;
+    }
+    setPlaces(low, high);
+}
+
 bool Axis::setRange(double low, double high)
 {
+    TD_ASSERT_GUI_THREAD(false);
+    if (_pState->isMoved && _pState->range == Ticks::Range{low, high})
+        return true;
     const double first = _pState->scale.toPlace(low), last = _pState->scale.toPlace(high);
     if (!setPlaces(first, last))
         return false;
@@ -111,9 +135,15 @@ bool Axis::setRange(double low, double high)
 
 const Ticks::Range& Axis::getRange() const { return _pState->range; }
 
-void Axis::setFit(Fit fit)
+void Axis::setFit(Fit fit) { fitTo(fit, _pState->followed); }
+
+void Axis::fitTo(Fit fit, double followed)
 {
+    TD_ASSERT_GUI_THREAD();
+    if (_pState->fit == fit && _pState->followed == followed)
+        return release();
     _pState->fit = fit;
+    _pState->followed = followed;
     _pState->isMoved = false;
     _pState->version = nextVersion();
     notify();
@@ -123,9 +153,8 @@ Axis::Fit Axis::getFit() const { return _pState->fit; }
 
 void Axis::follow(double length)
 {
-    TD_ASSERT(length > 0);
-    _pState->followed = length;
-    setFit(Fit::Follow);
+    TD_ASSERT(length > 0 && std::isfinite(length));
+    fitTo(Fit::Follow, length);
 }
 
 double Axis::getFollowed() const { return _pState->followed; }
@@ -143,6 +172,9 @@ void Axis::release()
 
 void Axis::link(Axis& other)
 {
+    TD_ASSERT_GUI_THREAD();
+    if (isLinked(other))
+        return;
     const std::shared_ptr<State> pBefore = _pState;
     share(other._pState);
     // Those that it leaves have less to show.
@@ -156,12 +188,16 @@ void Axis::link(Axis& other)
 
 void Axis::setGrid(bool hasGrid)
 {
+    if (_hasGrid == hasGrid)
+        return;
     _hasGrid = hasGrid;
     touch();
 }
 
 void Axis::setTickDistance(double points)
 {
+    if (_tickDistance == points)
+        return;
     _tickDistance = points;
     touch();
 }

@@ -1,10 +1,12 @@
 #include <gui/draw/HeatMap.h>
 
+#include "ColorEnds.h"
 #include "Version.h"
 
 #include <gui/draw/Ticks.h>
 
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 
 #include <algorithm>
 #include <array>
@@ -17,6 +19,13 @@
 namespace gui::draw
 {
 
+namespace
+{
+
+constexpr unsigned int cMostLevels = 400; // by their number
+
+} // namespace
+
 HeatMap::HeatMap(std::size_t columns, std::size_t rows, std::vector<float> values, const Rect& extent)
     : _columns(columns)
     , _rows(rows)
@@ -24,7 +33,8 @@ HeatMap::HeatMap(std::size_t columns, std::size_t rows, std::vector<float> value
 {
     static std::uint64_t s_nMaps = 0;
     _id = ++s_nMaps;
-    const bool areAll = columns > 0 && rows > 0 && values.size() == columns * rows;
+    // A product may wrap.
+    const bool areAll = columns > 0 && rows > 0 && values.size() % columns == 0 && values.size() / columns == rows;
     if (!areAll)
         _columns = _rows = 0;
     TD_ASSERT(areAll);
@@ -39,14 +49,25 @@ HeatMap& HeatMap::operator=(HeatMap&& other) noexcept
     // What the setters of a temporary return may be this one.
     if (this != &other)
     {
+        std::function<void()> onChange = std::move(_onChange); // of the plot that this one is in
         std::destroy_at(this);
         std::construct_at(this, std::move(other));
+        _onChange = std::move(onChange);
     }
+    changed();
     return *this;
+}
+
+void HeatMap::changed()
+{
+    _version = nextVersion();
+    if (_onChange)
+        _onChange();
 }
 
 void HeatMap::setValues(std::vector<float> values)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(values.size() == _columns * _rows);
     _values = std::move(values);
     float low = std::numeric_limits<float>::infinity(), high = -low;
@@ -58,10 +79,8 @@ void HeatMap::setValues(std::vector<float> values)
         high = std::max(high, value);
     }
     _lowest = low <= high ? static_cast<double>(low) : 0;
-    _highest = low < high ? static_cast<double>(high) : _lowest + 1;
-    _version = nextVersion();
-    if (_onChange)
-        _onChange();
+    _highest = low <= high ? static_cast<double>(high) : 0;
+    changed();
 }
 
 HeatMap&& HeatMap::setColors(const ColorMap& map, std::optional<double> low, std::optional<double> high) &&
@@ -102,15 +121,16 @@ HeatMap&& HeatMap::setTitle(std::string title) &&
     return std::move(*this);
 }
 
-double HeatMap::getLow() const { return _low.value_or(_lowest); }
+double HeatMap::getLow() const { return findColorEnds(_low, _high, _lowest, _highest).first; }
 
-double HeatMap::getHigh() const { return _high.value_or(_highest); }
+double HeatMap::getHigh() const { return findColorEnds(_low, _high, _lowest, _highest).second; }
 
 float HeatMap::getValue(double x, double y) const
 {
-    const double column = (x - _extent.left) / (_extent.right - _extent.left) * static_cast<double>(_columns);
-    const double row = (y - _extent.top) / (_extent.bottom - _extent.top) * static_cast<double>(_rows);
-    if (!(column >= 0 && row >= 0 && column < static_cast<double>(_columns) && row < static_cast<double>(_rows)))
+    const auto columns = static_cast<double>(getColumns()), rows = static_cast<double>(getRows());
+    const double column = (x - _extent.left) / (_extent.right - _extent.left) * columns;
+    const double row = (y - _extent.top) / (_extent.bottom - _extent.top) * rows;
+    if (!(column >= 0 && row >= 0 && column < columns && row < rows))
         return std::numeric_limits<float>::quiet_NaN();
     return _values[static_cast<std::size_t>(row) * _columns + static_cast<std::size_t>(column)];
 }
@@ -126,13 +146,14 @@ void HeatMap::findContours() const
 {
     _contourVersion = _version;
     _contours.clear();
-    if (_columns < 2 || _rows < 2)
+    if (getColumns() < 2 || getRows() < 2)
         return;
     std::vector<double> levels = _levels;
     if (_nLevels > 0)
     {
-        const Ticks::Sequence found = Ticks::search({getLow(), getHigh()}, _nLevels + 1.0);
-        for (double level = found.low; found.step > 0 && level < getHigh() + found.step / 2; level += found.step)
+        const auto [low, high] = std::minmax({getLow(), getHigh()});
+        const Ticks::Sequence found = Ticks::search({low, high}, std::min(_nLevels, cMostLevels) + 1.0);
+        for (double level = found.low; found.step > 0 && level < high + found.step / 2; level += found.step)
             levels.push_back(level);
     }
     for (const double level : levels)

@@ -9,6 +9,7 @@
 #include <gui/gl/StateGuard.h>
 
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <epoxy/gl.h>
@@ -109,6 +110,7 @@ void Plot::setColumnShares(std::span<const double> shares)
 
 void Plot::setStyle(const PlotStyle& style)
 {
+    TD_ASSERT_GUI_THREAD();
     _pImpl->style = style;
     PlotStyle& own = _pImpl->style;
     const PlotStyle plain;
@@ -125,7 +127,8 @@ const PlotStyle& Plot::getStyle() const { return _pImpl->style; }
 
 void Plot::setCrosshair(bool hasCrosshair)
 {
-    _pImpl->hasCrosshair = hasCrosshair;
+    if (std::exchange(_pImpl->hasCrosshair, hasCrosshair) == hasCrosshair)
+        return;
     _pImpl->isOverlayChanged = true;
     _pImpl->changed();
 }
@@ -195,6 +198,7 @@ void Plot::Impl::build(const td::Size<double>& newSize, double newScale)
 
 bool Plot::draw(const td::Size<double>& size, double pixelsPerPoint)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl& impl = *_pImpl;
     if (!(size.width > 0 && size.height > 0 && pixelsPerPoint > 0))
         return true;
@@ -249,11 +253,18 @@ bool Plot::savePicture(const char* path, const td::Size<double>& size, double sc
     const std::optional<Point> pointer = std::exchange(_pImpl->pointer, std::nullopt);
     const Impl::Drag drag = std::exchange(_pImpl->drag, Impl::Drag::None);
     _pImpl->isOverlayChanged = true;
+    // What people point at is where the last frame has it.
+    std::vector<Axes::Places> places;
+    for (const std::unique_ptr<Axes>& pAxes : _pImpl->axes)
+        places.push_back(*pAxes->_pImpl);
     bool isDrawn = false;
     {
         const gl::Framebuffer::Drawing drawing(picture);
         isDrawn = drawing && draw(size, scale);
     }
+    for (std::size_t i = 0; i < places.size(); ++i)
+        static_cast<Axes::Places&>(_pImpl->axesOf(i)) = places[i];
+    _pImpl->builtVersion = 0;
     _pImpl->pointer = pointer;
     _pImpl->drag = drag;
     _pImpl->isOverlayChanged = true;

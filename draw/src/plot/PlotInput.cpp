@@ -84,8 +84,8 @@ void Plot::onDoubleClick(const InputDevice& device)
     _pImpl->drag = Impl::Drag::None;
     if (pAxes == nullptr)
         return;
-    pAxes->release(part);
-    _pImpl->changed();
+    if (pAxes->release(part))
+        _pImpl->changed();
 }
 
 void Plot::onMoved(const InputDevice& device)
@@ -114,6 +114,8 @@ void Plot::onExited()
     if (!_pImpl->pointer)
         return;
     _pImpl->pointer.reset();
+    if (_pImpl->isOverlayEmpty)
+        return;
     _pImpl->isOverlayChanged = true;
     _pImpl->changed();
 }

@@ -1,5 +1,6 @@
 #include "PlotTexts.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -31,7 +32,8 @@ void PlotTexts::add(std::string_view text, const TextStyle& style, Drawing::Poin
         ++free;
     if (free == entries.end())
     {
-        const Drawing::ID id = _drawing.text({0, 0}, text, style, {.anchor = anchor, .angle = angle});
+        const TextLayout layout(text, style, {.align = Align::Center}); // of several lines
+        const Drawing::ID id = _drawing.text({0, 0}, layout, {.anchor = anchor, .angle = angle});
         free = entries.insert(free, {id, {0, 0}, true, true});
         ++_nEntries;
     }
@@ -78,26 +80,65 @@ void PlotTexts::clear()
     _advances.clear();
 }
 
+PlotTexts::Advances& PlotTexts::advancesOf(const TextStyle& style)
+{
+    return _advances[std::to_string(style.size) + ' ' + std::to_string(style.face.getID())];
+}
+
+// Adds the width of the character that begins somewhere. @return where the next one does
+std::size_t PlotTexts::add(std::string_view text, std::size_t i, const TextStyle& style, Advances& advances,
+                           double& sum)
+{
+    std::size_t end = i + 1;
+    while (end < text.size() && (text[end] & 0xC0) == 0x80)
+        ++end;
+    const std::string character(text.substr(i, end - i));
+    const auto [place, isNew] = advances.try_emplace(character, 0);
+    // Between others, as a space at a line's end counts nothing.
+    if (isNew)
+        place->second =
+            TextLayout("|" + character + "|", style).getTextWidth() - TextLayout("||", style).getTextWidth();
+    sum += place->second;
+    return end;
+}
+
 double PlotTexts::widthOf(std::string_view text, const TextStyle& style)
 {
-    double sum = 0;
-    std::string key;
+    Advances& advances = advancesOf(style);
+    double widest = 0, sum = 0;
     for (std::size_t i = 0; i < text.size();)
     {
-        std::size_t n = 1;
-        while (i + n < text.size() && (text[i + n] & 0xC0) == 0x80)
-            ++n;
-        key.assign(text.substr(i, n));
-        key += std::to_string(style.size);
-        const auto [place, isNew] = _advances.try_emplace(key, 0);
-        // Between others, as a space at a line's end counts nothing.
-        if (isNew)
-            place->second = TextLayout("|" + std::string(text.substr(i, n)) + "|", style).getTextWidth() -
-                            TextLayout("||", style).getTextWidth();
-        sum += place->second;
-        i += n;
+        if (text[i] == '\n')
+            sum = 0;
+        i = text[i] == '\n' ? i + 1 : add(text, i, style, advances, sum);
+        widest = std::max(widest, sum);
     }
-    return sum;
+    return widest;
+}
+
+std::string PlotTexts::shortened(std::string_view text, const TextStyle& style, double width)
+{
+    constexpr std::string_view cDots = "\u2026";
+    Advances& advances = advancesOf(style);
+    double dots = 0;
+    add(cDots, 0, style, advances, dots);
+    std::string result;
+    for (std::size_t begin = 0; begin <= text.size();)
+    {
+        const std::string_view line = text.substr(begin, text.find('\n', begin) - begin);
+        double sum = 0;
+        std::size_t kept = 0; // has room beside the dots
+        for (std::size_t i = 0; i < line.size() && sum <= width;)
+        {
+            kept = sum + dots <= width ? i : kept;
+            i = add(line, i, style, advances, sum);
+        }
+        result += begin > 0 ? "\n" : "";
+        result += sum <= width ? line : line.substr(0, kept);
+        result += sum <= width ? "" : cDots;
+        begin += line.size() + 1;
+    }
+    return result;
 }
 
 } // namespace gui::draw

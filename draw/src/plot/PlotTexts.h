@@ -25,6 +25,8 @@ public:
 
     /// How wide and high a text is, in points. Of a line of few characters it is the sum of theirs, which is not less.
     double widthOf(std::string_view text, const TextStyle& style);
+    /// As much of each line as there is room for, with three dots where something is missing.
+    std::string shortened(std::string_view text, const TextStyle& style, double width);
     static double heightOf(const TextStyle& style) { return style.size * 1.2; }
 
 private:
@@ -36,10 +38,15 @@ private:
         bool isVisible;
     };
 
+    using Advances = std::unordered_map<std::string, double>; // of characters
+
+    Advances& advancesOf(const TextStyle& style);
+    std::size_t add(std::string_view text, std::size_t i, const TextStyle& style, Advances& advances, double& sum);
+
     Drawing _drawing;
     std::unordered_map<std::string, std::vector<Entry>> _entries;
     std::size_t _nEntries = 0;
-    std::unordered_map<std::string, double> _advances; // of characters, for each size
+    std::unordered_map<std::string, Advances> _advances; // for each size and face
 };
 
 } // namespace gui::draw

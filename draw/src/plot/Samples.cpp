@@ -378,8 +378,8 @@ Samples::Samples(Samples&& other) noexcept
 
 Samples& Samples::operator=(Samples&& other) noexcept
 {
-    _pColumn.swap(other._pColumn);
-    other._pColumn.reset();
+    if (this != &other)
+        _pColumn = std::move(other._pColumn);
     return *this;
 }
 

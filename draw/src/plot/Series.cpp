@@ -1,13 +1,16 @@
 #include <gui/draw/Series.h>
 
+#include "ColorEnds.h"
 #include "Version.h"
 
 #include <td/Assert.h>
+#include <td/GUIThread.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <tuple>
 #include <utility>
 
 namespace gui::draw
@@ -50,9 +53,12 @@ Series& Series::operator=(Series&& other) noexcept
     // What the setters of a temporary return may be this one.
     if (this != &other)
     {
+        std::function<void()> onChange = std::move(_onChange); // of the plot that this one is in
         std::destroy_at(this);
         std::construct_at(this, std::move(other));
+        _onChange = std::move(onChange);
     }
+    changed();
     return *this;
 }
 
@@ -163,7 +169,7 @@ Series&& Series::withErrors(Samples below, Samples above) &&
 
 void Series::findErrorEnds()
 {
-    _hasErrors = true;
+    _hasErrors = _kind != Kind::Band && _kind != Kind::Candles;
     _errorLow = Samples::sumOf(_columns.front(), _below, -1);
     _errorHigh = Samples::sumOf(_columns.front(), _above, 1);
 }
@@ -200,28 +206,35 @@ void Series::append(double x, double y) { append(std::span<const double>(&x, 1),
 
 void Series::append(std::span<const float> y)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(!_hasX && _columns.size() == 1);
     _columns.front().append(y);
-    changed();
+    if (!y.empty())
+        changed();
 }
 
 void Series::append(std::span<const double> y)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(!_hasX && _columns.size() == 1);
     _columns.front().append(y);
-    changed();
+    if (!y.empty())
+        changed();
 }
 
 void Series::append(std::span<const double> x, std::span<const double> y)
 {
+    TD_ASSERT_GUI_THREAD();
     TD_ASSERT(_hasX && _columns.size() == 1 && x.size() == y.size());
     _x.append(x);
     _columns.front().append(y);
-    changed();
+    if (!y.empty())
+        changed();
 }
 
 void Series::setLimit(std::size_t n)
 {
+    TD_ASSERT_GUI_THREAD();
     _x.setLimit(n);
     for (Samples& column : _columns)
         column.setLimit(n);
@@ -230,6 +243,7 @@ void Series::setLimit(std::size_t n)
 
 void Series::clear()
 {
+    TD_ASSERT_GUI_THREAD();
     _x.clear();
     for (Samples& column : _columns)
         column.clear();
@@ -243,12 +257,14 @@ void Series::clear()
 
 void Series::setStyle(SeriesStyle style)
 {
+    TD_ASSERT_GUI_THREAD();
     _style = std::move(style);
     changed();
 }
 
 void Series::setVisible(bool isVisible)
 {
+    TD_ASSERT_GUI_THREAD();
     if (_isVisible == isVisible)
         return;
     _isVisible = isVisible;
@@ -257,7 +273,8 @@ void Series::setVisible(bool isVisible)
 
 std::size_t Series::size() const
 {
-    std::size_t n = _hasX ? _x.size() : std::numeric_limits<std::size_t>::max();
+    // One that was moved from has no columns, and may be in a plot all the same.
+    std::size_t n = _hasX || _columns.empty() ? _x.size() : std::numeric_limits<std::size_t>::max();
     for (const Samples& column : _columns)
         n = std::min(n, column.size());
     return n;
@@ -278,8 +295,7 @@ double Series::getY(std::size_t index) const { return _columns.back()[index]; }
 Samples::Range Series::getColorRange() const
 {
     Samples::Range range = _colorValues.getRange(0, _colorValues.size());
-    range.low = _colorLow.value_or(range.low);
-    range.high = _colorHigh.value_or(range.high);
+    std::tie(range.low, range.high) = findColorEnds(_colorLow, _colorHigh, range.low, range.high);
     return range;
 }
 

@@ -424,7 +424,7 @@ void SeriesGeometry::add(const Series& series, const View& view, PlotScene& scen
         addArea(extent, nullptr, scene);
     if (kind == Kind::Band)
         addArea(extent, &series.getColumn(1), scene);
-    if (series.hasErrors() && (isLine || kind == Kind::Scatter || kind == Kind::Bars))
+    if (series.hasErrors())
         addErrors(extent, scene);
     if (isLine)
         addLineAndMarkers(extent, scene);

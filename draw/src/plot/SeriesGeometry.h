@@ -88,7 +88,8 @@ private:
     double _columnLeft = 0, _columnWidth = 1;
     std::vector<Range> _ranges, _otherRanges;
     std::vector<Segment> _segments;
-    double _dashPeriod = 0; // of the line that is joined now; 0 without dashes
+    std::vector<Point> _dots; // of a line: samples with gaps on both sides
+    double _dashPeriod = 0;   // of the line that is joined now; 0 without dashes
     std::vector<Slab> _slabs;
     struct KeptCloud
     {

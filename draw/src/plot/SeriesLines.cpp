@@ -113,7 +113,7 @@ void SeriesGeometry::joinPoints(std::size_t first, std::size_t stretch)
                 add(here, next);
         }
         else if (i == 0 || !isPoint(i - 1))
-            addSegment(here, here); // one alone is a dot
+            _dots.push_back(here);
     }
 }
 
@@ -305,6 +305,7 @@ void SeriesGeometry::addLineAndMarkers(const Extent& extent, PlotScene& scene)
     const bool isSorted = _pSeries->isSorted();
     std::vector<double> dashes;
     _segments.clear();
+    _dots.clear();
     if (areDense(extent))
     {
         findColumns(1);
@@ -332,6 +333,12 @@ void SeriesGeometry::addLineAndMarkers(const Extent& extent, PlotScene& scene)
         }
     }
     scene.addLine(_segments, style.width / 2 * _pView->pixelsPerPoint, _color, dashes, isSorted);
+    // Samples alone, which would be next to nothing as a piece of a line.
+    constexpr double cLeastDot = 4, cDot = 2.5; // points, and widths of the line
+    if (style.width > 0)
+        for (const Point& dot : _dots)
+            scene.addMark(Marker::Circle, dot.x, dot.y,
+                          std::max(cLeastDot, cDot * style.width) * _pView->pixelsPerPoint, _color);
     // Where there is room for them.
     const double distance = (_pView->area.right - _pView->area.left) / static_cast<double>(extent.end - extent.first);
     if (style.marker != Marker::None && distance > 1.2 * style.markerSize * _pView->pixelsPerPoint)

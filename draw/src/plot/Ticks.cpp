@@ -23,6 +23,8 @@ constexpr std::size_t cMostTicks = 2000;
 constexpr double cFewestWanted = 3.2; // labels, on short axes too: what has no room for them gets fewer
 constexpr double cMostWanted = 400;
 constexpr double cLeastDistance = 12; // points: nearer to each other no labels can be read
+constexpr double cFinest = 1e-13;     // of the distance from 0: less than that doubles do not tell apart well enough
+constexpr double cMostSteps = 1e15;   // from 0: each of them is a number of its own
 // Years that calendars and clocks know.
 constexpr double cEarliest = -5.0e11, cLatest = 5.0e11;
 
@@ -49,6 +51,8 @@ int placesOf(double step)
     }
     return 15;
 }
+
+double largestOf(const Ticks::Range& range) { return std::max(std::abs(range.low), std::abs(range.high)); }
 
 int exponentOf(double value) { return static_cast<int>(std::floor(std::log10(std::abs(value)) + 1e-12)); }
 
@@ -85,7 +89,8 @@ Ticks::Ticks(const Scale& scale, const Range& range, const Room& room, double st
 {
     const bool isLogarithmic = scale.kind == Scale::Kind::Logarithmic;
     if (!(range.low < range.high) || !std::isfinite(range.low) || !std::isfinite(range.high) || !(room.length > 0) ||
-        !std::isfinite(room.length) || !std::isfinite(range.high - range.low) || (isLogarithmic && !(range.low > 0)))
+        !std::isfinite(room.length) || !std::isfinite(range.high - range.low) || (isLogarithmic && !(range.low > 0)) ||
+        range.high - range.low < cFinest * largestOf(range))
         return;
     if (isLogarithmic)
         makeLogarithmic(range, room, step);
@@ -100,7 +105,7 @@ Ticks::Ticks(const Scale& scale, const Range& range, const Room& room, double st
 
 void Ticks::makeLinear(const Scale& scale, const Range& range, const Room& room, double step)
 {
-    if (step > 0 && (range.high - range.low) / step < cMostTicks)
+    if (step > 0 && (range.high - range.low) / step < cMostTicks && largestOf(range) / step < cMostSteps)
     {
         placeLinear(range, step);
         if (!collide(scale, range, room))
@@ -252,7 +257,7 @@ void Ticks::makeTime(const Scale& scale, const Range& range, const Room& room, d
     {
         times.place(used, _ticks);
         _step = used.getLength();
-        return !collide(scale, range, room);
+        return !_ticks.empty() && !collide(scale, range, room);
     };
     const std::vector<TimeTicks::Step> all = TimeTicks::allSteps();
     const auto kept = std::find_if(all.begin(), all.end(),

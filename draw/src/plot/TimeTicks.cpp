@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace gui::draw
 {
@@ -14,6 +15,7 @@ namespace
 
 constexpr double cDayLength = 86400, cMonthLength = 30.436875 * cDayLength;
 constexpr std::size_t cMostTimes = 2000;
+constexpr int cLastYear = 32'767; // of std::chrono
 constexpr std::array<const char*, 12> cMonthNames{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
@@ -46,6 +48,8 @@ std::string print(const char* format, Args... args)
     std::snprintf(text.data(), text.size(), format, args...);
     return text.data();
 }
+
+std::string yearOf(const Date& date) { return (date.year < 0 ? "\u2212" : "") + std::to_string(std::abs(date.year)); }
 
 int placesOfSeconds(double seconds)
 {
@@ -111,6 +115,9 @@ void TimeTicks::findTimes(const Step& step, std::vector<double>& times) const
         const double offset = low - _range.low;
         const double first = std::ceil((_range.low + offset) / step.seconds);
         const double last = std::floor((_range.high + offset) / step.seconds);
+        constexpr double cMostSteps = 1e15; // from 1970: each of them is a number of its own
+        if (!(std::abs(first) < cMostSteps && std::abs(last) < cMostSteps))
+            return;
         for (double i = first; i <= last && times.size() < cMostTimes; ++i)
             add(i * step.seconds - offset);
         return;
@@ -139,6 +146,11 @@ void TimeTicks::findTimes(const Step& step, std::vector<double>& times) const
     for (; times.size() < cMostTimes; month += step.months)
     {
         const int year = (month - (month % 12 + 12) % 12) / 12;
+        // The largest steps begin and end beyond the years that dates have.
+        if (year > cLastYear)
+            return;
+        if (year < -cLastYear)
+            continue;
         const double utc = _zone.toUTC(daysOf(year, static_cast<unsigned int>(month - year * 12) + 1, 1) * cDayLength);
         if (utc > _range.high)
             return;
@@ -155,18 +167,18 @@ void TimeTicks::label(const Step& step, Ticks::Tick& tick) const
     const double second = std::max(local - days * cDayLength, 0.0);
     const Date date = dateOf(days);
     const auto whole = static_cast<int>(second + unit);
-    const std::string day = print("%u %s %d", date.day, cMonthNames[date.month - 1], date.year);
+    const std::string day = print("%u %s ", date.day, cMonthNames[date.month - 1]) + yearOf(date);
     if (step.months >= 12)
-        tick.label = print("%d", date.year);
+        tick.label = yearOf(date);
     else if (step.months > 0)
     {
         tick.label = cMonthNames[date.month - 1];
-        tick.context = print("%d", date.year);
+        tick.context = yearOf(date);
     }
     else if (step.days > 0)
     {
         tick.label = print("%u", date.day);
-        tick.context = print("%s %d", cMonthNames[date.month - 1], date.year);
+        tick.context = print("%s ", cMonthNames[date.month - 1]) + yearOf(date);
     }
     else if (step.seconds >= 60)
     {
@@ -242,7 +254,7 @@ std::string TimeTicks::describe(const Scale& scale, double time, double differen
     const double unit = std::pow(10, -places), local = std::round(TimeZone(scale.zone).toLocal(time) / unit) * unit;
     const double days = std::floor(local / cDayLength), second = local - days * cDayLength;
     const Date date = dateOf(days);
-    std::string text = print("%u %s %d", date.day, cMonthNames[date.month - 1], date.year);
+    std::string text = print("%u %s ", date.day, cMonthNames[date.month - 1]) + yearOf(date);
     const int whole = static_cast<int>(second);
     if (difference < cDayLength)
         text += print(" %02d:%02d", whole / 3600, whole / 60 % 60);

@@ -3,6 +3,8 @@
 #include "DimensionMeasure.h"
 #include "ScreenSigns.h"
 
+#include <td/GUIThread.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -95,6 +97,7 @@ Dimensions3::ID Dimensions3::addAngle(const glm::dvec3& apex, const glm::dvec3& 
 Dimensions3::ID Dimensions3::add(std::optional<DimensionMeasure>&& measure, const DimensionStyle& style,
                                  std::initializer_list<glm::dvec3> probed)
 {
+    TD_ASSERT_GUI_THREAD(0);
     if (!measure)
         return 0;
     Dimension dimension;
@@ -144,6 +147,7 @@ void Dimensions3::addShapes(Dimension& dimension)
 
 bool Dimensions3::setWanted(ID id, bool isWanted)
 {
+    TD_ASSERT_GUI_THREAD(false);
     const auto found = _indices.find(id);
     if (found == _indices.end())
         return false;
@@ -157,6 +161,7 @@ bool Dimensions3::setWanted(ID id, bool isWanted)
 
 bool Dimensions3::remove(ID id)
 {
+    TD_ASSERT_GUI_THREAD(false);
     const auto found = _indices.find(id);
     if (found == _indices.end())
         return false;
@@ -173,10 +178,13 @@ bool Dimensions3::remove(ID id)
     if (_pProbe != nullptr)
         for (const DepthProbe::ID probe : dimension.probes)
             _pProbe->remove(probe);
-    _dimensions.erase(_dimensions.begin() + static_cast<std::ptrdiff_t>(index));
     _indices.erase(found);
-    for (std::size_t i = index; i < _dimensions.size(); ++i)
-        _indices[_dimensions[i].id] = i;
+    if (index + 1 < _dimensions.size())
+    {
+        _dimensions[index] = std::move(_dimensions.back());
+        _indices[_dimensions[index].id] = index;
+    }
+    _dimensions.pop_back();
     return true;
 }
 
@@ -203,6 +211,7 @@ bool Dimensions3::isHidden(const Dimension& dimension) const
 
 bool Dimensions3::draw(const Eye& eye)
 {
+    TD_ASSERT_GUI_THREAD(false);
     using State = Dimension::State;
     if (_pProbe != nullptr)
         _pProbe->settle();

@@ -9,6 +9,7 @@
 #include <gui/gl/CommandList.h>
 #include <gui/gl/StateGuard.h>
 
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <glm/common.hpp>
@@ -329,6 +330,7 @@ Instances::~Instances() = default;
 
 bool Instances::setMesh(const Mesh& mesh)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (const std::string fault = mesh.findFault(); !fault.empty())
     {
         vo::dbgLog("Error! Instances::setMesh: %s!", fault.c_str());
@@ -374,6 +376,7 @@ bool Instances::setMesh(const Mesh& mesh)
 
 bool Instances::set(std::span<const Placement> placements, std::span<const td::Color> colors)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl& impl = *_pImpl;
     const std::size_t n = placements.size(), bad = findBadPlacement(placements);
     if (bad < n)
@@ -384,18 +387,24 @@ bool Instances::set(std::span<const Placement> placements, std::span<const td::C
         vo::dbgLog("Error! Instances::set: more than 2^26 instances!");
     else
     {
+        // One of those that there are may be among what is given.
+        std::vector<std::uint32_t> owners = orderBySpace(placements);
+        std::vector<Impl::Instance> all(n);
+        for (std::uint32_t slot = 0; slot < n; ++slot)
+        {
+            const std::size_t i = owners[slot];
+            all[i] = {placements[i], colors.empty() ? td::Color(td::ColorID::White) : colors[i], true, slot};
+        }
         clear();
-        impl.owners = orderBySpace(placements);
-        impl.all.resize(n);
+        impl.owners = std::move(owners);
+        impl.all = std::move(all);
         impl.things.resize(cTexelsPerInstance * n);
         impl.blocks.resize(n);
         if (n > 0)
-            impl.origin = placements[impl.owners[n / 2]].position;
-        for (std::uint32_t slot = 0; slot < n; ++slot)
+            impl.origin = impl.all[impl.owners[n / 2]].placement.position;
+        for (const std::uint32_t i : impl.owners)
         {
-            const std::size_t i = impl.owners[slot];
-            impl.all[i] = {placements[i], colors.empty() ? td::Color(td::ColorID::White) : colors[i], true, slot};
-            impl.note(placements[i]);
+            impl.note(impl.all[i].placement);
             impl.write(i, true);
         }
         return true;
@@ -405,6 +414,7 @@ bool Instances::set(std::span<const Placement> placements, std::span<const td::C
 
 std::optional<std::size_t> Instances::add(const Placement& placement, td::Color color)
 {
+    TD_ASSERT_GUI_THREAD(std::nullopt);
     Impl& impl = *_pImpl;
     const std::size_t i = impl.all.size();
     if (!isPlacement(placement))
@@ -419,7 +429,7 @@ std::optional<std::size_t> Instances::add(const Placement& placement, td::Color 
         impl.owners.push_back(static_cast<std::uint32_t>(i));
         impl.things.resize(cTexelsPerInstance * (i + 1));
         impl.blocks.resize(i + 1);
-        impl.note(placement);
+        impl.note(impl.all.back().placement); // that which was given may have been in what has grown
         impl.write(i, true);
         return i;
     }
@@ -428,6 +438,7 @@ std::optional<std::size_t> Instances::add(const Placement& placement, td::Color 
 
 void Instances::clear()
 {
+    TD_ASSERT_GUI_THREAD();
     _pImpl->all.clear();
     _pImpl->owners.clear();
     _pImpl->things.resize(0);
@@ -438,6 +449,7 @@ void Instances::clear()
 
 bool Instances::setPlacement(std::size_t instance, const Placement& placement)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (instance >= size())
         return false;
     if (!isPlacement(placement))
@@ -453,6 +465,7 @@ bool Instances::setPlacement(std::size_t instance, const Placement& placement)
 
 bool Instances::setPlacements(std::size_t first, std::span<const Placement> placements)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl& impl = *_pImpl;
     const std::size_t n = placements.size();
     if (first > size() || n > size() - first)
@@ -482,6 +495,7 @@ bool Instances::setPlacements(std::size_t first, std::span<const Placement> plac
 
 bool Instances::setPosition(std::size_t instance, const glm::dvec3& position)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (instance >= size())
         return false;
     if (!isPlace(position))
@@ -511,6 +525,7 @@ bool Instances::setScale(std::size_t instance, const glm::dvec3& scale)
 
 bool Instances::setColor(std::size_t instance, td::Color color)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (instance >= size())
         return false;
     _pImpl->all[instance].color = color;
@@ -520,6 +535,7 @@ bool Instances::setColor(std::size_t instance, td::Color color)
 
 bool Instances::setVisible(std::size_t instance, bool isVisible)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (instance >= size())
         return false;
     _pImpl->all[instance].isVisible = isVisible;

@@ -3,6 +3,8 @@
 #include "../drawing/LabelRoom.h"
 #include "ScreenSigns.h"
 
+#include <td/GUIThread.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -93,6 +95,7 @@ Labels3::ID Labels3::add(const glm::dvec3& at, std::string_view text, const Text
 
 Labels3::ID Labels3::add(const glm::dvec3& at, const TextLayout& layout, const Label3& look)
 {
+    TD_ASSERT_GUI_THREAD(0);
     if (!ScreenSigns::isFinite(at) || !std::isfinite(look.offset.x) || !std::isfinite(look.offset.y))
         return 0;
     Label label{.id = ++_lastID, .at = at, .words = {}, .look = look, .box = {}, .shapes = {}, .place = {}};
@@ -170,6 +173,7 @@ void Labels3::removeShapes(Label& label)
 
 bool Labels3::move(ID id, const glm::dvec3& at)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Label* const pLabel = find(id);
     if (pLabel == nullptr || !ScreenSigns::isFinite(at))
         return false;
@@ -181,6 +185,7 @@ bool Labels3::move(ID id, const glm::dvec3& at)
 
 bool Labels3::setText(ID id, const TextLayout& layout)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Label* const pLabel = find(id);
     if (pLabel == nullptr)
         return false;
@@ -191,6 +196,7 @@ bool Labels3::setText(ID id, const TextLayout& layout)
 
 bool Labels3::setWanted(ID id, bool isWanted)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Label* const pLabel = find(id);
     if (pLabel == nullptr)
         return false;
@@ -202,6 +208,7 @@ bool Labels3::setWanted(ID id, bool isWanted)
 
 bool Labels3::remove(ID id)
 {
+    TD_ASSERT_GUI_THREAD(false);
     const auto found = _indices.find(id);
     if (found == _indices.end())
         return false;
@@ -209,10 +216,13 @@ bool Labels3::remove(ID id)
     removeShapes(_labels[index]);
     if (_pProbe != nullptr)
         _pProbe->remove(_labels[index].probe);
-    _labels.erase(_labels.begin() + static_cast<std::ptrdiff_t>(index));
     _indices.erase(found);
-    for (std::size_t i = index; i < _labels.size(); ++i)
-        _indices[_labels[i].id] = i;
+    if (index + 1 < _labels.size())
+    {
+        _labels[index] = std::move(_labels.back());
+        _indices[_labels[index].id] = index;
+    }
+    _labels.pop_back();
     _isSorted = false;
     return true;
 }
@@ -261,9 +271,12 @@ void Labels3::sort()
         return;
     _order.resize(_labels.size());
     std::iota(_order.begin(), _order.end(), 0U);
-    std::stable_sort(_order.begin(), _order.end(),
-                     [this](std::uint32_t a, std::uint32_t b)
-                     { return _labels[a].look.priority > _labels[b].look.priority; });
+    std::sort(_order.begin(), _order.end(),
+              [this](std::uint32_t i, std::uint32_t j)
+              {
+                  const Label &a = _labels[i], &b = _labels[j];
+                  return a.look.priority != b.look.priority ? a.look.priority > b.look.priority : a.id < b.id;
+              });
     _isSorted = true;
 }
 
@@ -306,6 +319,7 @@ void Labels3::show(Label& label, State state, const td::Point<double>& place, do
 
 bool Labels3::draw(const Eye& eye)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (_pProbe != nullptr)
         _pProbe->settle();
     sort();
@@ -400,11 +414,12 @@ std::optional<td::RectNormalized<double>> Labels3::getRect(ID id) const
 
 Labels3::ID Labels3::pick(const td::Point<double>& point) const
 {
+    ID picked = 0; // where they overlap, the one that is drawn over the others
     for (const Label& label : _labels)
         if (const auto rect = getRect(label.id);
             rect && point.x >= rect->left && point.x < rect->right && point.y >= rect->top && point.y < rect->bottom)
-            return label.id;
-    return 0;
+            picked = std::max(picked, label.id);
+    return picked;
 }
 
 } // namespace gui::draw

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 #include <type_traits>
 
@@ -85,8 +86,10 @@ void Mesh::add(const Mesh& other, const glm::dmat4& placement)
         normals[i] = glm::vec3(cofactors * glm::dvec3(normals[i]));
     addVectors(textureCoordinates, nBefore, other.textureCoordinates, other.positions.size());
     const std::size_t nIndices = indices.size();
+    // One that named no position must not name one of the others.
+    constexpr std::uint32_t cNoPosition = std::numeric_limits<std::uint32_t>::max();
     for (const std::uint32_t index : other.indices)
-        indices.push_back(index + static_cast<std::uint32_t>(nBefore));
+        indices.push_back(index < other.positions.size() ? index + static_cast<std::uint32_t>(nBefore) : cNoPosition);
     for (std::size_t i = nIndices; isMirror && i + 2 < indices.size(); i += 3)
         std::swap(indices[i + 1], indices[i + 2]);
 }

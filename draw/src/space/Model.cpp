@@ -3,6 +3,7 @@
 #include "ModelPainter.h"
 #include "PreparedMeshImpl.h"
 
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <algorithm>
@@ -45,6 +46,7 @@ bool Model::setMesh(const Mesh& mesh) { return setMesh(PreparedMesh(mesh)); }
 
 bool Model::setMesh(PreparedMesh&& mesh)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (const std::string& fault = mesh.getFault(); !fault.empty())
     {
         vo::dbgLog("Error! Model::setMesh: %s!", fault.c_str());
@@ -64,6 +66,7 @@ bool Model::setMesh(PreparedMesh&& mesh)
 
 void Model::clear()
 {
+    TD_ASSERT_GUI_THREAD();
     _pImpl->painter.setData({});
     _pImpl->parts.clear();
     _pImpl->images.clear();
@@ -93,6 +96,7 @@ void Model::setTolerance(double points) { _pImpl->look.tolerance = points > 0 ? 
 
 bool Model::setMaterial(std::size_t part, const Material& material)
 {
+    TD_ASSERT_GUI_THREAD(false);
     ModelPart* pPart = _pImpl->change(part);
     if (pPart == nullptr)
         return false;
@@ -105,6 +109,7 @@ bool Model::setMaterial(std::size_t part, const Material& material)
 
 bool Model::setVisible(std::size_t part, bool isVisible)
 {
+    TD_ASSERT_GUI_THREAD(false);
     ModelPart* pPart = _pImpl->change(part);
     if (pPart != nullptr)
         pPart->isVisible = isVisible;
@@ -113,6 +118,7 @@ bool Model::setVisible(std::size_t part, bool isVisible)
 
 bool Model::setSelected(std::size_t part, bool isSelected)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (part >= _pImpl->parts.size())
         return false;
     _pImpl->parts[part].isSelected = isSelected;

@@ -6,6 +6,7 @@
 #include <gui/gl/StateGuard.h>
 #include <gui/gl/Textures.h>
 
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <glm/common.hpp>
@@ -317,6 +318,7 @@ bool ModelPainter::drawCells(const Level& level, ImageStore* pImages, const IsWa
 // @return whether there is something to draw; else what to answer is in isDone
 bool ModelPainter::begin(const Eye& eye, const ModelLook& look, const std::vector<ModelPart>& parts, bool& isDone)
 {
+    TD_ASSERT_GUI_THREAD(false);
     isDone = gl::CurrentContext::isThere("Model::draw");
     const auto scale = static_cast<float>(eye.getScale());
     const float reach =

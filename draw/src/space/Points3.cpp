@@ -7,6 +7,7 @@
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <algorithm>
@@ -34,6 +35,7 @@ struct Points3::Impl
     bool set(std::span<const Place> places, std::span<const td::Color> colors, std::span<const float> sizes,
              const glm::dvec3& from)
     {
+        TD_ASSERT_GUI_THREAD(false);
         const std::size_t n = places.size();
         std::size_t bad = 0;
         while (bad < n && isPlace(from + glm::dvec3(places[bad])))
@@ -174,6 +176,7 @@ void Points3::clear() { _pImpl->set(std::span<const glm::dvec3>(), {}, {}, glm::
 
 bool Points3::setPlace(std::size_t point, const glm::dvec3& place)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (point >= size())
         return false;
     if (!isPlace(place))
@@ -189,6 +192,7 @@ bool Points3::setPlace(std::size_t point, const glm::dvec3& place)
 
 bool Points3::setColor(std::size_t point, td::Color color)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (point >= size())
         return false;
     _pImpl->points.change(cTexels * point, 1)[3] = wordOf(color);
@@ -197,6 +201,7 @@ bool Points3::setColor(std::size_t point, td::Color color)
 
 bool Points3::setSize(std::size_t point, double size)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (point >= this->size())
         return false;
     const float times = timesOf(size);

@@ -7,6 +7,7 @@
 #include <gui/gl/Context.h>
 #include <gui/gl/StateGuard.h>
 
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 #include <glm/geometric.hpp>
@@ -191,6 +192,7 @@ Polylines3::~Polylines3() = default;
 
 std::optional<std::size_t> Polylines3::add(std::span<const glm::dvec3> points, const Look& look, Ends ends)
 {
+    TD_ASSERT_GUI_THREAD(std::nullopt);
     Impl& impl = *_pImpl;
     const std::size_t bad = findBadPlace(points);
     if (points.empty())
@@ -226,6 +228,7 @@ std::optional<std::size_t> Polylines3::add(std::span<const glm::dvec3> points) {
 
 void Polylines3::clear()
 {
+    TD_ASSERT_GUI_THREAD();
     Impl& impl = *_pImpl;
     impl.all.clear();
     impl.nPoints = 0;
@@ -237,6 +240,7 @@ void Polylines3::clear()
 
 bool Polylines3::setPoints(std::size_t line, std::span<const glm::dvec3> points)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (line >= _pImpl->all.size())
         return false;
     const Impl::Line& there = _pImpl->all[line];
@@ -257,6 +261,7 @@ bool Polylines3::setPoints(std::size_t line, std::span<const glm::dvec3> points)
 
 bool Polylines3::setColors(std::size_t line, std::span<const td::Color> colors)
 {
+    TD_ASSERT_GUI_THREAD(false);
     Impl& impl = *_pImpl;
     if (line >= impl.all.size())
         return false;
@@ -285,6 +290,7 @@ bool Polylines3::setColors(std::size_t line, std::span<const td::Color> colors)
 
 bool Polylines3::setLook(std::size_t line, const Look& look)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (line >= _pImpl->all.size())
         return false;
     if (!(_pImpl->all[line].look == look))
@@ -298,6 +304,7 @@ bool Polylines3::setLook(std::size_t line, const Look& look)
 
 bool Polylines3::setVisible(std::size_t line, bool isVisible)
 {
+    TD_ASSERT_GUI_THREAD(false);
     if (line >= _pImpl->all.size())
         return false;
     std::uint32_t& flags = _pImpl->all[line].flags;

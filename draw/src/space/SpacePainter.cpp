@@ -3,10 +3,17 @@
 #include "ShadowMap.h"
 #include "SpaceLayers.h"
 
+#include <td/GUIThread.h>
 #include <vo/Log.h>
 
 namespace gui::draw
 {
+
+bool SpacePainter::isThere() const
+{
+    TD_ASSERT_GUI_THREAD(false);
+    return gl::CurrentContext::isThere(_owner);
+}
 
 bool SpacePainter::fail(const char* reason)
 {

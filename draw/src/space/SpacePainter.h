@@ -20,8 +20,8 @@ public:
     {
     }
 
-    /// Whether a context is current.
-    bool isThere() const { return gl::CurrentContext::isThere(_owner); }
+    /// Whether a context is current, on the GUI thread.
+    bool isThere() const;
     /// Logs a reason unless it was the last one. @return false
     bool fail(const char* reason);
     /// What fails from now on is said again. @return true

@@ -108,7 +108,7 @@ gui::gl::View* getView(GtkWidget* pWidget)
 {
     if (pWidget == nullptr || !G_TYPE_CHECK_INSTANCE_TYPE(pWidget, typeOf()))
         return nullptr;
-    return hostOf(pWidget)->getView();
+    return hostOf(pWidget) != nullptr ? hostOf(pWidget)->getView() : nullptr;
 }
 
 } // namespace gui::gtk

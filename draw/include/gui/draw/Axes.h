@@ -106,6 +106,7 @@ public:
 
 private:
     friend class Plot;
+    struct Places;
     struct Impl;
 
     explicit Axes(std::function<void()> onChange);

@@ -49,14 +49,15 @@ public:
     void setTitle(std::string title);
     const std::string& getTitle() const { return _title; }
 
-    /// Shows this from now on. @return false, with nothing changed, when a number is not finite, when low is not below
-    /// high, or not above 0 on a logarithmic axis
+    /// Shows this from now on. @return false, with nothing changed, when a number is not finite (or beyond 10^300), when
+    /// low is not below high by 10^-13 of the larger one, or not above 0 on a logarithmic axis
     bool setRange(double low, double high);
     /// As drawn last, or set since.
     const Ticks::Range& getRange() const;
     void setFit(Fit fit);
     Fit getFit() const;
-    /// Shows the last samples, so far back. @param length  in the axis' units, above 0 (an assertion)
+    /// Shows the last samples, so far back.
+    /// @param length  in the axis' units (decades on a logarithmic one), above 0 and finite (an assertion)
     void follow(double length);
     double getFollowed() const; ///< see follow; 0 when nothing was set
     /// Whether its range was set, or somebody moved it.
@@ -110,6 +111,8 @@ private:
     };
 
     bool setPlaces(double low, double high);
+    void fitPlaces(double low, double high); // as much of it as can be shown
+    void fitTo(Fit fit, double followed);
     void touch();
     void notify() const;
     void share(std::shared_ptr<State> pState);

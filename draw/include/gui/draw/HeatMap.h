@@ -24,7 +24,8 @@ namespace gui::draw
 ///
 /// Beside the axes stands a bar that tells which colour is which number. Cells are seen as they are when they are
 /// larger than pixels, unless they are to be smooth, and as the mean of 16 places in each pixel when they are smaller.
-/// NaN is transparent. Moves, and can't be copied. GUI thread only; needs no context.
+/// NaN is transparent, and a map whose extent has no width, no height or no end is not seen. Moves, and can't be copied.
+/// GUI thread only; needs no context.
 class GUIGL_API HeatMap
 {
 public:
@@ -44,12 +45,13 @@ public:
     /// @param extent         of all cells together
     HeatMap(std::size_t columns, std::size_t rows, std::vector<float> values, const Rect& extent);
     ~HeatMap();
-    HeatMap(HeatMap&& other) noexcept;            ///< what it was moved from is for nothing but to be destroyed
-    HeatMap& operator=(HeatMap&& other) noexcept; ///< likewise
+    HeatMap(HeatMap&& other) noexcept; ///< what it was moved from has no cells
+    /// Likewise. In axes it may be this way that a map becomes another one: a frame follows.
+    HeatMap& operator=(HeatMap&& other) noexcept;
 
-    /// @param low, high  of the map's ends; without them the values'
+    /// @param low, high  of the map's ends, which may fall; without them, or where they are not finite, the values'
     HeatMap&& setColors(const ColorMap& map, std::optional<double> low = {}, std::optional<double> high = {}) &&;
-    /// Lines between the centres of cells, at about so many levels that people would choose.
+    /// Lines between the centres of cells, at about so many levels that people would choose, 400 at most.
     HeatMap&& setContours(unsigned int nLevels, td::Color color = {0, 0, 0, 150}, double width = 1) &&;
     /// The same at levels of one's own.
     HeatMap&& setContours(std::vector<double> levels, td::Color color = {0, 0, 0, 150}, double width = 1) &&;
@@ -61,15 +63,15 @@ public:
     /// Other numbers for the same cells (else it is an assertion, and nothing changes); a frame follows.
     void setValues(std::vector<float> values);
 
-    std::size_t getColumns() const { return _columns; }
-    std::size_t getRows() const { return _rows; }
+    std::size_t getColumns() const { return _values.empty() ? 0 : _columns; }
+    std::size_t getRows() const { return _values.empty() ? 0 : _rows; }
     std::span<const float> getValues() const { return _values; }
     const Rect& getExtent() const { return _extent; }
     const ColorMap& getColorMap() const { return _map; }
     bool isSmooth() const { return _isSmooth; }
     const std::string& getTitle() const { return _title; }
     double getLow() const;  ///< the number of the map's first colour
-    double getHigh() const; ///< the number of its last one
+    double getHigh() const; ///< the number of its last one, which is another one
     /// At the cell that a point is in; NaN outside.
     float getValue(double x, double y) const;
 
@@ -84,6 +86,7 @@ public:
 private:
     friend class Axes;
 
+    void changed();
     void findContours() const;
     void traceLevel(double level) const;
 
@@ -92,7 +95,7 @@ private:
     Rect _extent;
     ColorMap _map = ColorMap::viridis();
     std::optional<double> _low, _high;
-    double _lowest = 0, _highest = 1;
+    double _lowest = 0, _highest = 0;
     unsigned int _nLevels = 0;
     std::vector<double> _levels;
     td::Color _contourColor;

@@ -68,19 +68,20 @@ public:
     static Series candles(Samples x, Samples open, Samples high, Samples low, Samples close, SeriesStyle style = {});
 
     ~Series();
-    Series(Series&& other) noexcept; ///< what it was moved from is for nothing but to be destroyed
-    /// Likewise. For a series that is in a plot, remove it and add the other: it would not ask for frames any more.
+    Series(Series&& other) noexcept; ///< what it was moved from has no samples, and takes none
+    /// Likewise. In a plot it may be this way that a series becomes another one: a frame follows.
     Series& operator=(Series&& other) noexcept;
 
     /// Where samples without an x of their own are: the first one, and the distance of each from the one before.
     /// @param step  above 0 (an assertion; nothing changes otherwise)
     Series&& setX(double first, double step) &&;
     Series& setX(double first, double step) &; ///< the same
-    /// Error bars: from each value so far down and up, for the samples that there are by now. Where samples are denser
-    /// than pixels, a band from the lowest end of a bar in each column to the highest.
+    /// Error bars, but for bands and candles: from each value so far down and up, for the samples that there are by now.
+    /// Where samples are denser than pixels, a band from the lowest end of a bar in each column to the highest.
     Series&& withErrors(Samples below, Samples above) &&;
     Series&& withErrors(Samples both) &&; ///< as far both ways
-    /// Markers coloured by a third value of each sample. @param low, high  of the map's ends; without them the values'
+    /// Markers coloured by a third value of each sample.
+    /// @param low, high  of the map's ends, which may fall; without them, or where they are not finite, the values'
     Series&& colorBy(Samples values, const ColorMap& map = ColorMap::viridis(), std::optional<double> low = {},
                      std::optional<double> high = {}) &&;
 
@@ -118,7 +119,7 @@ public:
     bool isSorted() const { return !_hasX || _x.isRising(); }
     const std::optional<ColorMap>& getColorMap() const { return _map; } ///< that colorBy gave
     const Samples& getColorValues() const { return _colorValues; }      ///< that colorBy gave
-    Samples::Range getColorRange() const;                               ///< of the map's ends
+    Samples::Range getColorRange() const;                               ///< of the map's ends, which are never the same
     bool hasErrors() const { return _hasErrors; }                       ///< see withErrors
     const Samples& getErrorsBelow() const { return _below; }            ///< downwards
     const Samples& getErrorsAbove() const { return _above; }            ///< upwards

@@ -71,7 +71,9 @@ public:
 
     /// None.
     Ticks() = default;
-    /// @param scale  what the axis is  @param range  what it shows; without a length, or not finite, there are no ticks
+    /// @param scale  what the axis is
+    /// @param range  what it shows; where that is not finite, or not longer than 10^-13 of its larger end, there are no
+    ///               ticks
     /// @param step   a step to keep to, as getStep gave it, while the range only moves; 0 for the best one. It is left
     ///               where labels would collide
     Ticks(const Scale& scale, const Range& range, const Room& room, double step = 0);
