@@ -51,7 +51,10 @@ protected:
     bool onKeyPressed(const Key& key) override;
 
 private:
+    void showDrag(bool isDragging);
+
     Plot _plot;
+    bool _isDragShown = false; // by the pointer
 };
 
 } // namespace gui::draw
