@@ -174,6 +174,8 @@ bool Camera::onKeyReleased(const gui::Key& key)
     return true;
 }
 
+void Camera::releaseKeys() { _keyPressed = {}; }
+
 void Camera::updatePosition(bool rotate)
 {
     if (_fixed || std::none_of(_keyPressed.begin(), _keyPressed.end(), [](bool isHeld) { return isHeld; }))
@@ -236,7 +238,7 @@ void Camera::processMouseMove(const td::Point<float>& pos, unsigned int modifier
 
 void Camera::processScroll(const td::Point<float>& delta, bool fast)
 {
-    if (_fixed)
+    if (_fixed || !std::isfinite(delta.x) || !std::isfinite(delta.y))
         return;
     const float s = fast ? _mouseSensitivity * cFast : _mouseSensitivity;
     const float pitch = std::clamp(_pitch + delta.y * s, _minPitch, _maxPitch);

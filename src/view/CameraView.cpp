@@ -34,6 +34,8 @@ void CameraView::createContext(const Context& context)
 
 void CameraView::setCamera(Camera* pCamera)
 {
+    if (_camera != nullptr && _camera != pCamera)
+        _camera->releaseKeys(); // where they go up is not told to it
     _camera = pCamera;
     scaleFieldOfView(getFieldOfViewScale());
 }

@@ -41,7 +41,7 @@ double within(double edge, double length, double low, double high, double part)
         part = std::min({part, length, high - low});
         return between(low + part - length, high - part);
     }
-    return length < high - low ? between(low, high - length) : (low + high - length) / 2;
+    return length < high - low ? between(low, high - length) : low / 2 + high / 2 - length / 2;
 }
 
 bool isFiniteMatrix(const glm::mat4& matrix)

@@ -42,20 +42,20 @@ Axes::~Axes() = default;
 
 Series& Axes::add(Series series)
 {
-    _pImpl->series.push_back(std::make_unique<Series>(std::move(series)));
-    _pImpl->series.back()->_onChange = _pImpl->onChangeOfPart();
+    Series& added = *_pImpl->series.emplace_back(std::make_unique<Series>(std::move(series)));
+    added._onChange = _pImpl->onChangeOfPart();
     _pImpl->ownVersion = nextVersion();
-    _pImpl->onChange();
-    return *_pImpl->series.back();
+    _pImpl->onChange(); // which may add others, or remove it
+    return added;
 }
 
 HeatMap& Axes::add(HeatMap map)
 {
-    _pImpl->maps.push_back(std::make_unique<HeatMap>(std::move(map)));
-    _pImpl->maps.back()->_onChange = _pImpl->onChangeOfPart();
+    HeatMap& added = *_pImpl->maps.emplace_back(std::make_unique<HeatMap>(std::move(map)));
+    added._onChange = _pImpl->onChangeOfPart();
     _pImpl->ownVersion = nextVersion();
-    _pImpl->onChange();
-    return *_pImpl->maps.back();
+    _pImpl->onChange(); // which may add others, or remove it
+    return added;
 }
 
 bool Axes::remove(const Series& series)

@@ -32,32 +32,32 @@ void PlotView::onDraw(const td::RectNormalized<double>&)
     _plot.draw(size, static_cast<double>(getPixelHiDPIScale()));
 }
 
+void PlotView::showDrag(bool isDragging)
+{
+    if (std::exchange(_isDragShown, isDragging) != isDragging)
+        setCursor(isDragging ? Cursor::Type::Pan : Cursor::Type::Default, true);
+}
+
 void PlotView::onPrimaryButtonPressed(const InputDevice& device) { _plot.onPressed(device); }
 
 void PlotView::onPrimaryButtonReleased(const InputDevice& device)
 {
     _plot.onReleased(device);
-    setCursor(Cursor::Type::Default, true);
-    _isPanning = false;
+    showDrag(false);
 }
 
 void PlotView::onPrimaryButtonDblClick(const InputDevice& device) { _plot.onDoubleClick(device); }
 
 void PlotView::onCursorMoved(const InputDevice& device)
 {
-    // A pan whose release went to somebody else.
-    if (std::exchange(_isPanning, false))
-        setCursor(Cursor::Type::Default, true);
+    showDrag(false); // whose end may have gone to somebody else
     _plot.onMoved(device);
 }
 
 void PlotView::onCursorDragged(const InputDevice& device)
 {
     if (!device.getKey().isShiftPressed())
-    {
-        setCursor(Cursor::Type::Pan, true);
-        _isPanning = true;
-    }
+        showDrag(true);
     _plot.onDragged(device);
 }
 

@@ -144,6 +144,8 @@ bool AxesGizmo::draw(const Eye& eye)
     std::array<GLint, 4> viewport{};
     glGetIntegerv(GL_VIEWPORT, viewport.data());
     const double scale = eye.getScale();
+    if (2 * cRadius * scale > std::min(viewport[2], viewport[3]))
+        return true; // a scale that is none of this viewport
     const auto side = static_cast<int>(std::ceil(2 * cRadius * scale));
     const auto left = static_cast<int>(std::lround((_center.x - cRadius) * scale));
     const auto top = static_cast<int>(std::lround((_center.y - cRadius) * scale));

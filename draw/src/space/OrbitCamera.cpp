@@ -122,14 +122,21 @@ OrbitCamera::Pose OrbitCamera::withEyeWithin(Pose pose) const
     if (!_eyeLimits)
         return pose;
     constexpr double cRounding = 1e-9; // what was put at a limit is there
-    const auto& [center, limits] = *_eyeLimits;
+    const glm::dvec3& center = _eyeLimits->center;
+    const Range& limits = _eyeLimits->distance;
     const glm::dvec3 back = glm::transpose(pose.rotation)[2];
+    const auto isBeyond = [&limits](double distance)
+    { return distance < limits.min * (1 - cRounding) || distance > limits.max * (1 + cRounding); };
     const glm::dvec3 away = pose.target + pose.distance * back - center;
-    const double distance = glm::length(away);
+    const double distance = glm::length(away), nearest = std::clamp(distance, limits.min, limits.max);
     // What is farther away than numbers go can't be brought anywhere.
-    if (std::isfinite(distance) && (distance < limits.min * (1 - cRounding) || distance > limits.max * (1 + cRounding)))
-        pose.target +=
-            (std::clamp(distance, limits.min, limits.max) - distance) * (distance > 0 ? away / distance : back);
+    if (!std::isfinite(distance) || !isBeyond(distance))
+        return pose;
+    const glm::dvec3 direction = distance > 0 ? away / distance : back;
+    pose.target += (nearest - distance) * direction;
+    // From so far away that the limits are lost in the target's last digits.
+    if (isBeyond(glm::length(pose.target + pose.distance * back - center)))
+        pose.target = center + nearest * direction - pose.distance * back;
     return pose;
 }
 

@@ -325,10 +325,18 @@ bool OrbitView::prepareNextFrame()
     return onAnimate(std::min(since.count(), cLongestFrame)) || isMoving;
 }
 
+void OrbitView::showDrag()
+{
+    const bool isDragging = _control.isDragging();
+    if (std::exchange(_isDragShown, isDragging) != isDragging)
+        setCursor(isDragging ? Cursor::Type::Pan : Cursor::Type::Default, true);
+}
+
 void OrbitView::press(const InputDevice& device)
 {
     _modifiers = device.getKeyboardModifiers();
     _control.onPressed(device);
+    showDrag();
 }
 
 void OrbitView::drag(const InputDevice& device)
@@ -337,19 +345,15 @@ void OrbitView::drag(const InputDevice& device)
         return;
     _pointer = device.getFramePoint();
     _modifiers = device.getKeyboardModifiers();
-    const bool wasDragging = _control.isDragging();
     _control.onDragged(device);
-    if (_control.isDragging() && !wasDragging)
-        setCursor(Cursor::Type::Pan, true);
+    showDrag();
 }
 
 void OrbitView::release(const InputDevice& device)
 {
     _modifiers = device.getKeyboardModifiers();
-    const bool wasDragging = _control.isDragging();
     const bool isClick = _control.onReleased(device);
-    if (wasDragging && !_control.isDragging())
-        setCursor(Cursor::Type::Default, true);
+    showDrag();
     if (isClick)
         onClicked(getEye().getRay(device.getFramePoint()));
 }
@@ -378,9 +382,8 @@ void OrbitView::onCursorMoved(const InputDevice& device)
         return;
     _pointer = device.getFramePoint();
     _modifiers = device.getKeyboardModifiers();
-    if (_control.isDragging()) // its end went to somebody else
-        setCursor(Cursor::Type::Default, true);
     _control.onMoved(device);
+    showDrag();
     if (const Eye eye = getEye(); eye.isValid())
         onPointed(eye.getRay(*_pointer));
 }

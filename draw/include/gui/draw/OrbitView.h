@@ -178,6 +178,7 @@ protected:
 private:
     class Background;
 
+    void showDrag();
     void press(const InputDevice& device);
     void drag(const InputDevice& device);
     void release(const InputDevice& device);
@@ -192,6 +193,7 @@ private:
     std::unique_ptr<DepthReader> _pDepthReader;
     std::optional<td::Point<double>> _pointer;
     unsigned int _modifiers = 0;
+    bool _isDragShown = false; // by the pointer
     OrbitCamera::Pose _drawn;
     std::chrono::steady_clock::time_point _lastFrame; // of an animation
 };
