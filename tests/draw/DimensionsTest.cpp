@@ -123,6 +123,34 @@ TEST_F(DimensionsTest, AreGroupsOfTheDrawing)
     EXPECT_EQ(drawing.getNumberOfShapes(), 0U);
 }
 
+// Lines, texts and ends elsewhere than what they measure, stretched or mirrored with it; another number for that; what
+// stays as it was when a group moves and the view does not.
+TEST_F(DimensionsTest, GoWithTheGroupsAroundThem)
+{
+    const DimensionStyle style{.text = {.size = 9}, .paint = "#000", .gap = 3};
+    const Point from(10, -20), to(60, -20), offset(2, 10);
+    Drawing drawing;
+    Dimensions dimensions(drawing);
+    const Drawing::ID outer = drawing.beginGroup();
+    drawing.beginGroup(Affine::rotation(.3));
+    const Drawing::ID id = dimensions.addLinear(from, to, offset, style);
+    drawing.endGroup();
+    drawing.endGroup();
+    for (const Affine& group : {Affine::translation(20, -30), Affine::scaling(2, -2), Affine{.7, .3, -.2, 2, 0, 5}})
+    {
+        EXPECT_TRUE(drawing.setTransform(outer, group));
+        const Affine whole = group * Affine::rotation(.3);
+        Drawing plain;
+        DimensionStyle same = style;
+        same.label = "50";
+        Dimensions alike(plain);
+        alike.addLinear(whole.map(from), whole.map(to), whole.mapVector(offset), same);
+        EXPECT_TRUE(isClose(drawn(drawing, {0, 0}, 2, 1), drawn(plain, {0, 0}, 2, 1), {0, 0, 400, 200}, {1, 3, 3}));
+        EXPECT_NE(drawing.pick(whole.map(from + offset + Point(10, 0)), 1), 0U);
+        EXPECT_EQ(dimensions.getText(id), "50");
+    }
+}
+
 // A bar that is longer than it says, than it may be, or shorter than it could; a unit that is too small, or too large.
 TEST_F(DimensionsTest, ScaleBarsAreAsLongAsTheySay)
 {

@@ -345,7 +345,7 @@ TEST_F(DrawingTest, StrokesOfManySubpathsCoverWhatEachDoes)
 }
 
 // What is so small that all of its lines are looked at, or of a curve one for several: any number of them, which may
-// be one more than a node has.
+// be one more than a node has. Arcs that are smaller than their brush, which goes no farther back than they begin.
 TEST_F(DrawingTest, SmallStrokesAreAsExactAsOthers)
 {
     for (const Join join : {Join::Miter, Join::Round, Join::Bevel})
@@ -355,7 +355,7 @@ TEST_F(DrawingTest, SmallStrokesAreAsExactAsOthers)
         for (int cell = 0; cell < 1024; ++cell)
         {
             const Point c(cell % 32 * 32 + 16.0, cell / 32 * 32 + 16.0);
-            const double r = uniform(cell % 4 == 1 ? 2 : .5, 7), k = .55 * r;
+            const double r = uniform(.4, cell % 8 == 1 ? 1.5 : 7), k = .55 * r;
             const Stroke stroke{.width = uniform(.5, 3),
                                 .cap = join == Join::Bevel ? Cap::Round : Cap::Butt,
                                 .join = join,

@@ -206,6 +206,8 @@ TEST(PathTest, WholeShapes)
     rounded.addRoundedRect({0, 0, 10, 6}, {2, 2});
     EXPECT_NEAR(rounded.getLength(), 2 * (6 + 2) + 4 * pi, 1e-9);
     EXPECT_EQ(rounded.getBounds(), Path::Rect(0, 0, 10, 6));
+    EXPECT_EQ(rounded, Path().addRoundedRect({0, 0, 10, 6}, 2));
+    EXPECT_NEAR(Path().addRoundedRect({0, 0, 10, 6}, 99).getLength(), 2 * 4 + 6 * pi, 1e-9) << "half discs at the ends";
     EXPECT_NEAR(Path().addRoundedRect({0, 0, 10, 6}, {99, 3}).getLength(),
                 Path().addEllipse({5, 3}, {5, 3}).getLength(), 1e-9);
     EXPECT_EQ(Path().addRect({0, 0, 10, 6}).getLength(), 32);

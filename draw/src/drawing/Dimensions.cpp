@@ -62,6 +62,7 @@ struct Dimensions::Impl : ViewFollower
         std::array<ID, 2> ends{};
         std::array<std::optional<Point>, 2> directions{}; // of the ends' shapes
         double turn = 0;                                  // of the text
+        std::optional<Affine> map{};                      // that it was laid out for last
     };
 
     explicit Impl(Drawing& drawing_)
@@ -69,10 +70,12 @@ struct Dimensions::Impl : ViewFollower
     {
     }
 
-    void follow(const Affine& toPoints) override;
+    void follow(const Affine& map) override;
 
     ID add(std::optional<DimensionMeasure>&& measure, const DimensionStyle& style);
-    void lay(Dimension& dimension, const Affine& toPoints);
+    /// From where its own points are, in all groups, to points on the screen, without a shift.
+    Affine mapOf(const Dimension& dimension, const Affine& fromModel) const;
+    void lay(Dimension& dimension, const Affine& map);
     TextPlacement placementOf(const Dimension& dimension) const
     {
         return {.anchor = Anchor::Center,
@@ -92,7 +95,7 @@ struct Dimensions::Impl : ViewFollower
 
     Drawing& drawing;
     std::vector<Dimension> dimensions{};
-    std::optional<Affine> map{}; // without a shift, that they were laid out for last
+    std::optional<Affine> toPoints{}; // of the view that was seen last
 };
 
 Dimensions::ID Dimensions::Impl::add(std::optional<DimensionMeasure>&& measure, const DimensionStyle& style)
@@ -118,16 +121,28 @@ Dimensions::ID Dimensions::Impl::add(std::optional<DimensionMeasure>&& measure, 
     dimension.text = drawing.text(onPlane(dimension.base), dimension.layout, placementOf(dimension));
     drawing.endGroup();
     const double scale = cUsualLength / glm::distance(shape.ends[0], shape.ends[1]);
-    lay(dimension, map ? *map : Affine::scaling(scale, -scale));
+    lay(dimension, toPoints ? mapOf(dimension, *toPoints) : Affine::scaling(scale, -scale));
     return dimension.id;
 }
 
-void Dimensions::Impl::lay(Dimension& dimension, const Affine& toPoints)
+Affine Dimensions::Impl::mapOf(const Dimension& dimension, const Affine& fromModel) const
 {
-    const std::optional<Affine> inverse = toPoints.inverse();
+    Drawing::Impl& impl = *drawing._pImpl;
+    const Drawing::Impl::Item* const pGroup = impl.find(dimension.id);
+    Affine map = pGroup == nullptr ? fromModel : fromModel * impl.wholeOf(*pGroup);
+    map.e = map.f = 0;
+    return map;
+}
+
+void Dimensions::Impl::lay(Dimension& dimension, const Affine& map)
+{
+    if (dimension.map == map)
+        return;
+    const std::optional<Affine> inverse = map.inverse();
     if (!inverse)
         return;
-    const DimensionPicture picture = DimensionPicture::of(eyeOver(dimension.base, toPoints), dimension.measure.shape,
+    dimension.map = map;
+    const DimensionPicture picture = DimensionPicture::of(eyeOver(dimension.base, map), dimension.measure.shape,
                                                           dimension.style, dimension.layout.getSize());
     const auto fromBase = [&](const Point& point) {
         return inverse->mapVector({point.x - cMiddle, point.y - cMiddle});
@@ -172,14 +187,12 @@ void Dimensions::Impl::lay(Dimension& dimension, const Affine& toPoints)
     drawing.setText(dimension.text, dimension.layout, placementOf(dimension));
 }
 
-void Dimensions::Impl::follow(const Affine& toPoints)
+void Dimensions::Impl::follow(const Affine& map)
 {
-    if (toPoints == map)
-        return;
-    map = toPoints;
+    toPoints = map;
     std::erase_if(dimensions, [this](const Dimension& dimension) { return !isThere(dimension); });
     for (Dimension& dimension : dimensions)
-        lay(dimension, toPoints);
+        lay(dimension, mapOf(dimension, map));
 }
 
 Dimensions::Dimensions(Drawing& drawing)

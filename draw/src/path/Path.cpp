@@ -175,6 +175,12 @@ Path& Path::addRoundedRect(const Rect& rect, Point radii)
     return close();
 }
 
+Path& Path::addRoundedRect(const Rect& rect, double radius)
+{
+    const double limited = std::min({std::abs(radius), (rect.right - rect.left) / 2, (rect.bottom - rect.top) / 2});
+    return addRoundedRect(rect, Point(limited, limited));
+}
+
 Path& Path::addEllipse(Point center, Point radii)
 {
     const Point from(center.x + radii.x, center.y);

@@ -610,8 +610,9 @@ uvec2 strokeMask(Place place, Nib nib, uvec4 outline, int first, int stride, vec
                 vec2 c = brush.fromSteps * (stepsOf(place, box.xy) + 0.5 * size) - pixelInBrush, h = extent * size;
                 bool isIn = all(lessThan(abs(c), h * cLoose + margin));
                 bool isStraight = turnOf(info.w) < brush.mostTurn;
-                // Around what a wide brush goes, however small, shapes can be seen.
-                isDot = max(h.x, h.y) < 1.0 / 16.0 && !isStraight && brush.radius < 1.5;
+                // Around what a wide brush goes, however small, shapes can be seen; and what turns by less than 60
+                // degrees has a direction: a brush that goes round it covers nothing behind its beginning.
+                isDot = max(h.x, h.y) < 1.0 / 16.0 && !isStraight && turnOf(info.w) >= 1.0 && brush.radius < 1.5;
                 // A chord that is as good as what it stands for.
                 isChord = info.z > info.y + 1 && brush.dashes < 0 &&
                           (isDot || isStraight && deviationOf(info.w) < brush.straight);

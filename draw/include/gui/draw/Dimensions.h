@@ -32,8 +32,11 @@ namespace gui::draw
 /// screen for its arrows, they stand outside and point inwards, and where it is too short for its text, that stands
 /// beyond its second end. What is shorter than three points is not drawn.
 ///
-/// Each is a group of the drawing, and is coloured, hidden, tagged, picked, reordered and removed as one. Groups around
-/// it are to have no transform. Lines count for bounds; arrows and texts, which have their size in points, don't.
+/// Each is a group of the drawing, and is coloured, hidden, tagged, picked, reordered and removed as one. Within a
+/// group that is moved, turned or scaled it goes with what it measures, in that group's own units: a part that is drawn
+/// in millimetres says so in a plan in metres, and an enlarged detail tells true sizes. Lines, arrows and texts are as
+/// thin, as large and as upright there. Lines count for bounds; arrows and texts, which have their size in points,
+/// do not.
 /// Panning uploads nothing, a zoom about a kilobyte for each. Those that are left when this goes stay as they are.
 /// Not copyable. GUI thread only; needs no context.
 class GUIGL_API Dimensions
@@ -66,7 +69,7 @@ public:
     void clear();
 
     std::size_t getNumberOfDimensions() const; ///< those that the drawing has
-    double getValue(ID id) const;              ///< in model units or degrees; 0 for an id that names none
+    double getValue(ID id) const;              ///< in its group's units or degrees; 0 for an id that names none
     std::string getText(ID id) const;          ///< what it says; empty for an id that names none
 
 private:

@@ -130,9 +130,11 @@ public:
     Path& arc(Point center, Point radii, double start, double sweep, double rotation = 0);
 
     /// Whole subpaths, clockwise from the left top corner, or from the right end of the horizontal axis. Radii are
-    /// limited to half of the sides.
+    /// limited to half of the sides, each to half of its own; a single one is that of circles at any size, limited to
+    /// half of the shorter sides: `path.addRoundedRect(box, 8)`.
     Path& addRect(const Rect& rect);
     Path& addRoundedRect(const Rect& rect, Point radii);
+    Path& addRoundedRect(const Rect& rect, double radius);
     Path& addEllipse(Point center, Point radii);
     Path& addCircle(Point center, double radius) { return addEllipse(center, {radius, radius}); }
 
