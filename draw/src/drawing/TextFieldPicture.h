@@ -4,14 +4,15 @@
 #include <gui/draw/TextEditor.h>
 #include <gui/draw/TextField.h>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 
 namespace gui::gl
 {
 class OrthoView;
-class View;
-} // namespace gui::gl
+}
 
 namespace gui::draw
 {
