@@ -3,6 +3,9 @@
 #include <gui/Application.h>
 #include <gui/Clipboard.h>
 #include <gui/draw/Drawing.h>
+#include <gui/draw/Instances.h>
+#include <gui/draw/Labels3.h>
+#include <gui/draw/Plot.h>
 #include <gui/gl/View.h>
 #include <td/GUIThread.h>
 
@@ -28,10 +31,23 @@ TEST_F(GUIThreadTest, CallsFromOtherThreadsAreToldWithBothNames)
     const Path square = Path().addRect({0, 0, 9, 9});
     const Drawing::ID id = drawing.fill(square, "#ff0000");
     gui::gl::View view;
+    Plot plot;
+    Series& series = plot.add(Series::line({1, 2}));
+    Instances instances;
+    Labels3 labels;
     const std::function<bool()> calls[] = {
         [&] { return drawing.fill(square, "#00ff00") == 0; },
         [&] { return !drawing.setColor(id, "#00ff00") && !drawing.remove(id); },
         [&] { return !drawing.draw(Affine(), 1); },
+        [&] { return series.append(3), series.size() == 2; },
+        [&] { return plot.axes().setTitle("words"), !plot.axes().x().setRange(0, 1); },
+        [&] {
+            return !plot.draw({16, 16});
+        },
+        [&] { return !instances.add({}) && !instances.draw(Eye()); },
+        [&] {
+            return labels.add({0, 0, 0}, "words") == 0 && labels.getNumberOfLabels() == 0;
+        },
         [&] { return view.reRender(), view.reDraw(), true; },
         [&] { return gui::Application::quit(3), true; },
         [&] { return !gui::Clipboard::setText("words"); },

@@ -216,6 +216,14 @@ TEST_F(InstancesTest, OneChangesByItself)
     EXPECT_GT(at(picture, -64, 70).red, 0) << "it is larger";
     EXPECT_EQ(instances.add({{0, 70, 0}}, "#00ff00"), 100U);
     EXPECT_GT(at(drawn(draw), 0, 70).green, 100);
+    // What is given may be one of its own.
+    Instances copies;
+    ASSERT_TRUE(copies.setMesh(box) && copies.add({{1, 2, 3}}));
+    for (int i = 0; i < 40; ++i)
+        copies.add(copies.getPlacement(0));
+    EXPECT_EQ(copies.getPlacement(40).position, glm::dvec3(1, 2, 3));
+    EXPECT_TRUE(copies.setPosition(7, {4, 5, 6}) && copies.set(std::span(&copies.getPlacement(7), 1)));
+    EXPECT_TRUE(copies.size() == 1 && copies.getPlacement(0).position == glm::dvec3(4, 5, 6));
     // Another mesh, another context.
     ASSERT_TRUE(instances.setMesh(test::makeBox({6, -1, -1}, {8, 1, 1})));
     picture = drawn(draw);

@@ -396,6 +396,15 @@ TEST_F(ModelTest, BadMeshesAreRefusedAndChangeNothing)
         {[](Mesh& m) { m.indices.pop_back(); }, "35 indices are not three for each triangle"},
         {[](Mesh& m) { m.indices[34] = 8; }, "index 8 of triangle 11 names no position: there are 8"},
         {[](Mesh& m) { m.indices[0] = ~0U; }, "index 4294967295 of triangle 0 names no position: there are 8"},
+        {[&good](Mesh& m)
+         {
+             m.indices[4] = 8;
+             Mesh both;
+             both.add(m);
+             both.add(good);
+             m = both;
+         },
+         "index 4294967295 of triangle 1 names no position: there are 16"},
         {[](Mesh& m) { m.positions.clear(); }, "index 0 of triangle 0 names no position: there are 0"},
         {[](Mesh& m) { m.positions[3].y = std::nan(""); }, "position 3 is not finite, or beyond 1e30"},
         {[=](Mesh& m) { m.positions[7].z = -infinity; }, "position 7 is not finite, or beyond 1e30"},

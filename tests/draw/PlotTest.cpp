@@ -20,7 +20,10 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -461,6 +464,13 @@ TEST_F(PlotTest, PointerAndKeysMoveWhatIsSeen)
     ASSERT_TRUE(hit);
     EXPECT_EQ(hit->index, 1U);
     EXPECT_EQ(hit->y, 5);
+    // Another size on the way to a file is not where the pointer is.
+    const Axes::Rect seen = axes.getArea();
+    ASSERT_TRUE(plot.savePicture((testing::TempDir() + "smallplot.png").c_str(), {200, 120}, 1));
+    EXPECT_EQ(axes.getArea(), seen);
+    const std::vector<td::BYTE> whole = bytes();
+    draw(plot);
+    EXPECT_TRUE(bytes() == whole);
 }
 
 // A year of samples by the second, at which floats no longer tell one from the next.
@@ -648,7 +658,23 @@ TEST_F(PlotTest, WhatIsSetIsDrawnWithTheNextFrame)
         EXPECT_TRUE(plot.isChanged()) << &change - changes;
         draw(plot);
         EXPECT_FALSE(before == bytes()) << &change - changes;
+        // Said again, as by a timer, it changes nothing.
+        nAsked = 0;
+        change();
+        EXPECT_EQ(nAsked, &change == &std::end(changes)[-1] ? 1 : 0) << &change - changes;
+        draw(plot);
     }
+    EXPECT_TRUE(axes.x().setRange(1, 2));
+    nAsked = 0;
+    EXPECT_TRUE(axes.x().setRange(1, 2));
+    plot.setCrosshair(true);
+    plot.onExited();
+    axes.getSeries(0).append(std::span<const double>());
+    EXPECT_EQ(nAsked, 0);
+    axes.fit();
+    nAsked = 0;
+    axes.fit();
+    EXPECT_EQ(nAsked, 0);
     EXPECT_EQ(axes.getArea(), Axes::Rect(0, 0, 480, 160));
     // Numbers are as exact as the screen.
     const auto told = [&](double low, double high, double value)
@@ -816,6 +842,8 @@ TEST_F(PlotTest, BarsStemsAndCandlesReachTheirNumbers)
                                                       {560 + 62, 195, true}});
     look(Series::stems(xs, {2, -3, cNaN, 4}, style),
          {{80, 160, true}, {80, 230, false}, {240, 260, true}, {240, 190, false}, {560, 42, true}, {120, 160, false}});
+    look(Series::stems(xs, {2, -3, cNaN, 4}, style).withErrors(std::vector<double>{1, 1, 1, 1}),
+         {{80, 90, true}, {240, 350, true}});
     SeriesStyle falling = style;
     falling.fill = td::Color("#ffffff");
     look(Series::candles(xs, {1, 3, 0, 0}, {4, 4, 0, 0}, {-1, -2, 0, 0}, {3, 1, 0, 0}, falling), {{130, 120, true},
@@ -884,6 +912,29 @@ TEST_F(PlotTest, HeatMapsShowTheirNumbers)
     ASSERT_GE(ramp.getContours().size(), 4U);
     for (const HeatMap::Contour& contour : ramp.getContours())
         EXPECT_EQ(contour.level / 2.5, std::round(contour.level / 2.5));
+    // Ends that are one number, none, beyond the values, or the other way around: the first and the last value's shares.
+    const double infinity = std::numeric_limits<double>::infinity();
+    const struct
+    {
+        std::vector<float> values;
+        std::optional<double> low, high;
+        double first, last;
+    } ends[] = {{{5, 5, 5}, {}, {}, 0, 0},  {{1e20F, 1e20F, 1e20F}, {}, {}, 0, 0},
+                {{1, 2, 3}, 2, 2, 0, 1},    {{1, 2, 3}, cNaN, infinity, 0, 1},
+                {{1, 2, 3}, 3, 1, 1, 0},    {{1, 2, 3}, 9, {}, 0, 0},
+                {{1, 2, 3}, {}, 0.5, 1, 1}, {{-INFINITY, 2, 3}, {}, {}, 0, 1}};
+    for (const auto& test : ends)
+    {
+        const HeatMap one = HeatMap(3, 1, test.values, {0, 0, 1, 1}).setColors(ColorMap::grey(), test.low, test.high);
+        const Series marks =
+            Series::scatter({1, 2, 3}, {1, 2, 3}).colorBy(test.values, ColorMap::grey(), test.low, test.high);
+        const Samples::Range range = marks.getColorRange();
+        EXPECT_TRUE(range.low == one.getLow() && range.high == one.getHigh()) << &test - ends;
+        const auto shareOf = [&](double value)
+        { return std::clamp((value - range.low) / (range.high - range.low), 0.0, 1.0); };
+        EXPECT_EQ(shareOf(test.values.front()), test.first) << &test - ends;
+        EXPECT_EQ(shareOf(test.values.back()), test.last) << &test - ends;
+    }
 }
 
 // Lines that break off at cells of which two corners are higher, or that join two hills which have a pass between them.
@@ -922,6 +973,76 @@ TEST_F(PlotTest, ContoursGoRoundWhatIsHigher)
     EXPECT_NEAR(areas[1], 2 * 3.14159 * std::log(2), 0.03);
     EXPECT_TRUE(std::isnan(map.getValue(7.95, 2.05)));
     EXPECT_EQ(map.getValue(0.05, 0.05), heights[0]);
+}
+
+// Parts that are drawn after they were moved elsewhere, or tell a plot that has gone; others that nobody asks to draw.
+TEST_F(PlotTest, PartsMoveBetweenPlots)
+{
+    int nAsked = 0;
+    auto pPlot = std::make_unique<Plot>();
+    Plot other;
+    Series& series = pPlot->add(Series::line({1, 2, 3}));
+    HeatMap& map = pPlot->axes().add(HeatMap(2, 2, {1, 2, 3, 4}, {0, 0, 2, 2}).setContours(3U));
+    draw(*pPlot);
+    pPlot->setOnChange([&nAsked] { ++nAsked; });
+    series = Series::line({4, 5, 6, 7});
+    map = HeatMap(2, 2, {1, 1, 9, 1}, {0, 0, 4, 7});
+    EXPECT_EQ(nAsked, 2);
+    EXPECT_TRUE(pPlot->isChanged());
+    draw(*pPlot);
+    EXPECT_GT(pPlot->axes().y().getRange().high, 6.9);
+    series.append(8);
+    EXPECT_EQ(nAsked, 3);
+    map = std::move(map).setContours(2U);
+    EXPECT_EQ(nAsked, 4);
+
+    Series taken = std::move(series);
+    other.axes().add(std::move(map));
+    EXPECT_TRUE(series.size() == 0 && map.getContours().empty() && std::isnan(map.getValue(1, 1)));
+    draw(*pPlot);
+    draw(other);
+    pPlot.reset();
+    taken.append(9);
+    EXPECT_EQ(taken.size(), 6U);
+    EXPECT_EQ(nAsked, 4);
+}
+
+// Plots that stay empty where numbers are too large or too fine for an axis, or one map's extent is none; a sample alone
+// that nobody sees.
+TEST_F(PlotTest, WhatThereIsIsShownWhateverItsSize)
+{
+    const double cMost = std::numeric_limits<double>::max();
+    const struct
+    {
+        std::vector<double> values;
+        bool isLogarithmic;
+        double seen[2];
+    } cases[] = {{{1e15, 1e15 + 1, 1e15 + 50}, false, {1e15, 1e15 + 50}},
+                 {{cMost, -cMost, 1, cMost}, false, {-9e299, 9e299}},
+                 {{1e-307, 1, 1e308}, true, {1e-300, 1e300}},
+                 {{7, 7, 7}, false, {7, 7}},
+                 {{1e-320, 1e-310}, false, {1e-320, 1e-310}},
+                 {{5}, true, {5, 5}}};
+    for (const auto& test : cases)
+    {
+        Plot plot;
+        makeBare(plot);
+        if (test.isLogarithmic)
+            plot.axes().y().setScale(Scale::logarithmic());
+        plot.axes().add(HeatMap(1, 1, {1}, {0, cNaN, 1, 2}));
+        plot.axes().add(HeatMap(1, 1, {1}, {-std::numeric_limits<double>::infinity(), 0, 1, 2}));
+        plot.axes().add(HeatMap(1, 1, {1}, {1e9, 1e9, 1e9, 1e9}));
+        plot.add(Series::line(test.values, {.width = 1.5}));
+        draw(plot);
+        const Ticks::Range range = plot.axes().y().getRange();
+        EXPECT_TRUE(range.low <= test.seen[0] && range.high >= test.seen[1]) << range.low << " to " << range.high;
+        EXPECT_LT(plot.axes().x().getRange().high, 10);
+        int nDark = 0;
+        for (int y = 0; y < 400; ++y)
+            for (int x = 0; x < 640; ++x)
+                nDark += darkness(x, y) > 128 ? 1 : 0;
+        EXPECT_GT(nDark, 8) << test.values[0];
+    }
 }
 
 // What is half out of sight, or on the last number that is seen; a cloud that has forgotten its beginning.
@@ -1016,6 +1137,43 @@ TEST_F(PlotTest, AFrameHasAllThatItShould)
     axes.setLegend(Legend::Auto);
     draw(plot);
     EXPECT_EQ(differs(without), boxes[0]) << "where no line is";
+    // More than have room below each other stand in columns; a label longer than the plot ends before it does.
+    for (int i = 0; i < 28; ++i)
+        plot.add(Series::line({1, 1, 1, 1, 1}, {.label = "flat", .color = "#0000ff", .width = 4}));
+    const auto legendBox = [&](Legend legend)
+    {
+        axes.setLegend(Legend::None);
+        draw(plot);
+        const std::vector<td::BYTE> plain = bytes();
+        axes.setLegend(legend);
+        draw(plot);
+        return differs(plain);
+    };
+    Axes::Rect box = legendBox(Legend::Auto);
+    EXPECT_TRUE(box.right > box.left + 100 && box.left > area.left && box.right < area.right &&
+                box.bottom < area.bottom);
+    EXPECT_GT(count({box.left, box.top, box.right, box.bottom}, isBlue), 30 * 15 * 3);
+    axes.clear();
+    plot.add(Series::line({1, 1, 1, 1, 1}, {.label = std::string(10'000, 'W'), .color = "#0000ff", .width = 4}));
+    box = legendBox(Legend::BottomLeft);
+    EXPECT_TRUE(box.bottom > area.bottom - 20 && box.right < area.right) << box.right;
+    // Nothing is cut off at the paper's edges: notes, days below times, titles.
+    Plot far;
+    Axes& farAxes = far.axes();
+    farAxes.x().setScale(Scale::time());
+    far.add(Series::line({1e-9, 2e-9, 3e-9}).setX(1.7e9, 1e-3));
+    const auto countAtEdges = [&]
+    {
+        draw(far);
+        return count({0, 0, 640, 1}, isDark) + count({0, 399, 640, 400}, isDark) + count({0, 0, 1, 400}, isDark) +
+               count({639, 0, 640, 400}, isDark);
+    };
+    EXPECT_EQ(countAtEdges(), 0);
+    EXPECT_GT(count({farAxes.getArea().left, 0, 640, farAxes.getArea().top}, isDark), 10) << "a power of ten";
+    for (Axis* const pAxis : {&farAxes.x(), &farAxes.y(), &farAxes.right()})
+        pAxis->setTitle(std::string(10'000, 'W'));
+    farAxes.setTitle(std::string(10'000, 'W'));
+    EXPECT_EQ(countAtEdges(), 0);
 
     // Another style has all its numbers.
     style.area = "#fffff0";

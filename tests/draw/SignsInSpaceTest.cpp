@@ -213,6 +213,18 @@ TEST_F(SignsInSpaceTest, LabelsAreWhereTheirPointsAreSeen)
     const auto place = eye.project({0.5, 0.5, -1});
     ASSERT_TRUE(rect && place);
     EXPECT_NEAR((rect->left + rect->right) / 2, place->x, 1);
+    // Of equal ones the first one is shown, whatever has gone before it; where they overlap, the last one is above.
+    labels.clear();
+    labels.setIsHidden({});
+    Labels3::ID ids[4];
+    for (Labels3::ID& id : ids)
+        id = add({0, 0, 1}, {});
+    EXPECT_TRUE(labels.remove(ids[0]));
+    draw();
+    EXPECT_EQ(labels.pick({cSide / 2.0, cSide / 2.0}), ids[3]);
+    labels.setMargin(2);
+    draw();
+    EXPECT_TRUE(labels.isShown(ids[1]) && !labels.isShown(ids[2]) && !labels.isShown(ids[3]));
     labels.clear();
     EXPECT_EQ(labels.getNumberOfLabels(), 0U);
     EXPECT_TRUE(labels.draw(eye));

@@ -162,6 +162,12 @@ TEST(TicksTest, LabelsAreWhatPeopleWouldWrite)
         {Scale::time(), {1704067200, 1735689600}, 500, "Jan [2024] | Mar | May | Jul | Sep | Nov | Jan [2025]"},
         {Scale::time(), {20, 55}, 400, "00:00:20 [1 Jan 1970] | 00:00:30 | 00:00:40 | 00:00:50"},
         {Scale::time(), {58.9, 60.6}, 400, "59.0 [1 Jan 1970 00:00] | 59.5 | 00.0 [1 Jan 1970 00:01] | 00.5"},
+        {Scale::time(), {-3e11, 3e11}, 400, "\u22125000 | 0 | 5000 | 10000"},
+        // Steps that are no numbers of their own, and years that dates have not: they went on for ever.
+        {{}, {1e17, 1e17 + 64}, 400, ""},
+        {Scale::time(), {-4.99e11, -4.99e11 + 1e-4}, 400, ""},
+        {Scale::time(), {1.7e9, 1.7e9 + 2e-6}, 400, ""},
+        {Scale::time(), {-4.99e11, 4.99e11}, 12, "0"},
         {Scale::time(), {0.0005, 0.0025}, 300, "00.0005 [1 Jan 1970 00:00] | 00.0010 | 00.0015 | 00.0020 | 00.0025"},
     };
     for (const Case& test : cCases)

@@ -18,6 +18,7 @@ namespace
 // Doubles tell about 10^15 places of a range apart; less than this part of the distance from zero is not shown.
 constexpr double cFinest = 1e-13;
 constexpr double cLargestPlace = 1e300, cLargestDecade = 305;
+constexpr double cLeastRange = 1e-300; // of less, pixels in a unit are no number
 
 } // namespace
 
@@ -88,7 +89,8 @@ bool Axis::setPlaces(double low, double high)
     const bool isLogarithmic = _pState->scale.kind == Scale::Kind::Logarithmic;
     const double largest = isLogarithmic ? cLargestDecade : cLargestPlace;
     if (!(low < high) || !(std::abs(low) < largest) || !(std::abs(high) < largest) ||
-        high - low < cFinest * std::max(std::abs(low), std::abs(high)) || (isLogarithmic && high - low < cFinest))
+        high - low < std::max(cFinest * std::max(std::abs(low), std::abs(high)), cLeastRange) ||
+        (isLogarithmic && high - low < cFinest))
         return false;
     const Ticks::Range range{_pState->scale.toValue(low), _pState->scale.toValue(high)};
     if (!(range.low < range.high))
@@ -106,8 +108,8 @@ void Axis::fitPlaces(double low, double high)
     const double most = 0.99 * (isLogarithmic ? cLargestDecade : cLargestPlace);
     low = std::clamp(low, -most, most);
     high = std::clamp(high, -most, most);
-    const double missing =
-        2 * cFinest * std::max({std::abs(low), std::abs(high), isLogarithmic ? 1.0 : 0.0}) - (high - low);
+    const double largest = std::max({std::abs(low), std::abs(high), isLogarithmic ? 1.0 : 0.0});
+    const double missing = std::max(2 * cFinest * largest, cLeastRange) - (high - low);
     if (missing > 0)
     {
         low -= missing / 2;

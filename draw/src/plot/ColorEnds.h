@@ -18,8 +18,11 @@ inline std::pair<double, double> findColorEnds(std::optional<double> low, std::o
         lowest = highest = hasLow ? *low : hasHigh ? *high : 0;
     const double first = hasLow ? *low : hasHigh ? std::min(lowest, *high) : lowest;
     const double last = hasHigh ? *high : hasLow ? std::max(highest, *low) : highest;
-    // A step that doubles have everywhere.
-    return {first, first == last ? first + std::max(1.0, std::abs(first) * 1e-6) : last};
+    if (first != last)
+        return {first, last};
+    // A step that doubles have everywhere, away from the end that was given.
+    const double step = std::max(1.0, std::abs(first) * 1e-6);
+    return hasHigh && !hasLow ? std::pair(last - step, last) : std::pair(first, first + step);
 }
 
 } // namespace gui::draw

@@ -95,6 +95,8 @@ bool arePositive(std::span<const double> shares)
 void Plot::setRowShares(std::span<const double> shares)
 {
     TD_ASSERT(shares.size() == _pImpl->rows && arePositive(shares));
+    if (std::ranges::equal(shares, _pImpl->rowShares))
+        return;
     _pImpl->rowShares.assign(shares.begin(), shares.end());
     _pImpl->ownVersion = nextVersion();
     _pImpl->changed();
@@ -103,6 +105,8 @@ void Plot::setRowShares(std::span<const double> shares)
 void Plot::setColumnShares(std::span<const double> shares)
 {
     TD_ASSERT(shares.size() == _pImpl->columns && arePositive(shares));
+    if (std::ranges::equal(shares, _pImpl->columnShares))
+        return;
     _pImpl->columnShares.assign(shares.begin(), shares.end());
     _pImpl->ownVersion = nextVersion();
     _pImpl->changed();

@@ -40,7 +40,7 @@ public:
     /// Where the legend stands.
     enum class Legend : td::BYTE
     {
-        Auto, ///< in the corner where it covers the least, as far as series have labels
+        Auto, ///< in the corner where it covers the least, as far as series have labels; none where it takes half of all
         TopLeft,
         TopRight,
         BottomLeft,
@@ -82,8 +82,10 @@ public:
     const Axis& y() const;     ///< likewise
     const Axis& right() const; ///< likewise
 
-    void setTitle(std::string title); ///< above; empty for none
-    void setLegend(Legend legend);    ///< Legend::Auto at first
+    /// Above; empty for none. As axes' titles it may have lines, ends in three dots where there is no room for all of
+    /// it, and is left out of a plot in which next to nothing would be left.
+    void setTitle(std::string title);
+    void setLegend(Legend legend); ///< Legend::Auto at first
     /// Fewer lines: nothing but the samples, for what is a few lines high.
     void setBare(bool isBare);
     /// Lines between the ticks as well, where PlotStyle::minorGrid is a colour.
