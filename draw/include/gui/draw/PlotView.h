@@ -36,7 +36,7 @@ public:
     Series& add(Series series) { return _plot.add(std::move(series)); }
     Axes& axes(std::size_t row = 0, std::size_t column = 0) { return _plot.axes(row, column); }
     void setStyle(const PlotStyle& style) { _plot.setStyle(style); }
-    Plot& getPlot() { return _plot; } ///< all of it
+    Plot& getPlot() { return _plot; } ///< all of it; its setOnChange is the view's, whose frames would stop without
 
 protected:
     void onDraw(const td::RectNormalized<double>& rect) override;
