@@ -347,7 +347,7 @@ void ViewWorld::useWindow()
         return _input.below(8) == 1 ? view().release() : client()->windowClosed();
     default:
         // In the midst of a frame it would be drawn at that size.
-        _pDesk->size = cSizes[_input.below(_depth > 0 ? 6 : cSizes.size())];
+        _pDesk->size = cSizes[_input.below(_depth > 0 ? 6 : 9)];
         return _input.below(4) == 1 ? void() : client()->sizeChanged();
     }
 }
