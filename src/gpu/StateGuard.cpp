@@ -61,10 +61,11 @@ StateGuard::~StateGuard()
         _isEnabled[i] ? glEnable(cFlags[i]) : glDisable(cFlags[i]);
     setPolygonMode(_polygonMode);
     setCurrentProgram(nullptr);
-    // One that was deleted while it was in use is gone as soon as another is.
+    // Of both: one that was deleted while it was in use is gone as soon as another is.
     const auto program = static_cast<GLuint>(_program);
     glUseProgram(glIsProgram(program) == GL_TRUE ? program : 0);
-    glBindVertexArray(static_cast<GLuint>(_vertexArray));
+    const auto vertexArray = static_cast<GLuint>(_vertexArray);
+    glBindVertexArray(glIsVertexArray(vertexArray) == GL_TRUE ? vertexArray : 0);
     s_activeBuffer = std::bit_cast<ActiveBuffer>(_activeBuffer);
     glActiveTexture(static_cast<GLenum>(_activeTexture));
 }

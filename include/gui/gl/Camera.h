@@ -61,7 +61,8 @@ public:
     /// which is all that a release tells of them.
     bool onKeyReleased(const gui::Key& key);
 
-    /// No key is held any more, and none makes a step. A CameraView calls it when another camera takes this one's place.
+    /// No key is held any more, and none makes a step. A CameraView calls it when another camera takes this one's
+    /// place.
     void releaseKeys();
 
     /// One step for each key that is held. @param rotate  turn by a degree instead of moving
