@@ -377,6 +377,38 @@ TEST_F(DrawingTest, SmallStrokesAreAsExactAsOthers)
     }
 }
 
+// Another stroke along what is left of a path: curves with other corners, subpaths in another order, dashes from the
+// middle; and what was too thin to be seen, which is nowhere then.
+TEST_F(DrawingTest, AnotherStrokeIsWhatANewOneWouldBe)
+{
+    Drawing changed, fresh;
+    for (int cell = 0; cell < 64; ++cell)
+    {
+        const Point c(cell % 8 * 128 + 64.0, cell / 8 * 128 + 64.0);
+        Path path;
+        for (int n = cell % 8; n >= 0; --n)
+        {
+            path.moveTo(around(c, 40)).quadTo(around(c, 40), around(c, 40)).lineTo(around(c, 40));
+            path.cubicTo(around(c, 40), around(c, 40), around(c, 40));
+            if (below(2) == 0)
+                path.close();
+        }
+        std::array<Stroke, 2> strokes;
+        for (Stroke& stroke : strokes)
+            stroke = {.width = uniform(1, 9),
+                      .cap = Cap(below(3)),
+                      .join = Join(below(3)),
+                      .miterLimit = uniform(1, 9),
+                      .dashes = below(3) == 0 ? std::vector<double>{9, 4} : std::vector<double>{}};
+        strokes[0].width *= cell % 5 == 0 ? 0 : 1;
+        const Drawing::ID id = changed.stroke(path, strokes[0], cBlack);
+        EXPECT_EQ(changed.getBounds(id).has_value(), cell % 5 != 0);
+        EXPECT_TRUE(changed.setStroke(id, strokes[1]));
+        fresh.stroke(path, strokes[1], cBlack);
+    }
+    EXPECT_TRUE(isClose(drawn(changed), drawn(fresh), {0, 0, cSize, cSize}, {0, 0, 0}));
+}
+
 // A drawing at the origin in the corner of a view: the view's middle, many times as far away, fits in no unit of its.
 TEST_F(DrawingTest, WhatIsSmallBesideTheViewIsInItsPlace)
 {
