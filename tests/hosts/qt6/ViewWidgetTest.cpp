@@ -148,8 +148,8 @@ TEST_F(ViewWidgetTest, ViewAndWidgetGoInAnyOrder)
     widget.update();
     app.step(0.1);
 
-    // A click may end all of it, and so may what is not used up by the view.
-    for (const auto& [heard, done] : {std::pair("press", " click 1"), {"scroll", " click 4"}, {"move", ""}})
+    // A click may end all of it, and so may a wheel that the view does not use up.
+    for (const auto& [heard, done] : {std::pair("press", " click 1"), {"scroll", " click 4"}})
     {
         RecordingView last;
         auto* const pWidget = new ViewWidget(
@@ -162,7 +162,6 @@ TEST_F(ViewWidgetTest, ViewAndWidgetGoInAnyOrder)
         pWidget->show();
         ASSERT_TRUE(waitInLoop([] { return desktop().bring("Last", 0); }));
         ASSERT_TRUE(showsItsFrame(last));
-        xdo(at(10, 10));
         bool isGone = false;
         last.in[heard] = [&]
         {
