@@ -912,7 +912,7 @@ TEST_F(PlotTest, HeatMapsShowTheirNumbers)
     ASSERT_GE(ramp.getContours().size(), 4U);
     for (const HeatMap::Contour& contour : ramp.getContours())
         EXPECT_EQ(contour.level / 2.5, std::round(contour.level / 2.5));
-    // Ends that are one number, none, beyond the values, or the other way around: the first and the last value's shares.
+    // Ends that are one number, none, beyond the values, or fall: the shares of the first and the last value.
     const double infinity = std::numeric_limits<double>::infinity();
     const struct
     {
@@ -1007,8 +1007,8 @@ TEST_F(PlotTest, PartsMoveBetweenPlots)
     EXPECT_EQ(nAsked, 4);
 }
 
-// Plots that stay empty where numbers are too large or too fine for an axis, or one map's extent is none; a sample alone
-// that nobody sees.
+// Plots that stay empty where numbers are too large or too fine for an axis, or one map's extent is none; a sample
+// alone that nobody sees.
 TEST_F(PlotTest, WhatThereIsIsShownWhateverItsSize)
 {
     const double cMost = std::numeric_limits<double>::max();

@@ -192,6 +192,8 @@ bool Axes::Impl::isNoteInTitle(const PlotPaper& paper)
     { return side.ticks.getNote().empty() ? 0 : paper.texts.widthOf(side.ticks.getNote(), labelStyle(paper.style)); };
     const double left = widthOf(y), atRight = hasRight() ? widthOf(right) : 0, bar = maps.empty() ? 0 : widthOf(colors);
     const double barEnd = frame.right - cPad - colorsWidth - cTick - cLabelGap;
+    if (left + atRight + bar == 0)
+        return false;
     const auto [from, to] = placeTitle(title, titleStyle(paper.style), true, paper).extent;
     return (left > 0 && from < area.left - cTick - cLabelGap + left + cLabelGap) ||
            (atRight > 0 && to > area.right - atRight - cLabelGap) || (bar > 0 && to > barEnd - bar - cLabelGap);

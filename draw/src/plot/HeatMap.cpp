@@ -22,7 +22,7 @@ namespace gui::draw
 namespace
 {
 
-constexpr unsigned int cMostLevels = 400; // by their number
+constexpr unsigned int cMostContourLevels = 400; // by their number
 
 } // namespace
 
@@ -152,7 +152,7 @@ void HeatMap::findContours() const
     if (_nLevels > 0)
     {
         const auto [low, high] = std::minmax({getLow(), getHigh()});
-        const Ticks::Sequence found = Ticks::search({low, high}, std::min(_nLevels, cMostLevels) + 1.0);
+        const Ticks::Sequence found = Ticks::search({low, high}, std::min(_nLevels, cMostContourLevels) + 1.0);
         for (double level = found.low; found.step > 0 && level < high + found.step / 2; level += found.step)
             levels.push_back(level);
     }

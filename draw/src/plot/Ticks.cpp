@@ -22,9 +22,9 @@ constexpr double cEpsilon = 1e-6; // of a step, that a tick may be beyond the ra
 constexpr std::size_t cMostTicks = 2000;
 constexpr double cFewestWanted = 3.2; // labels, on short axes too: what has no room for them gets fewer
 constexpr double cMostWanted = 400;
-constexpr double cLeastDistance = 12; // points: nearer to each other no labels can be read
-constexpr double cFinest = 1e-13;     // of the distance from 0: less than that doubles do not tell apart well enough
-constexpr double cMostSteps = 1e15;   // from 0: each of them is a number of its own
+constexpr double cLeastDistance = 12;   // points: nearer to each other no labels can be read
+constexpr double cFinestRange = 1e-13;  // of the distance from 0: less than that doubles do not tell apart well enough
+constexpr double cMostTickSteps = 1e15; // from 0: each of them is a number of its own
 // Years that calendars and clocks know.
 constexpr double cEarliest = -5.0e11, cLatest = 5.0e11;
 
@@ -90,7 +90,7 @@ Ticks::Ticks(const Scale& scale, const Range& range, const Room& room, double st
     const bool isLogarithmic = scale.kind == Scale::Kind::Logarithmic;
     if (!(range.low < range.high) || !std::isfinite(range.low) || !std::isfinite(range.high) || !(room.length > 0) ||
         !std::isfinite(room.length) || !std::isfinite(range.high - range.low) || (isLogarithmic && !(range.low > 0)) ||
-        range.high - range.low < cFinest * largestOf(range))
+        range.high - range.low < cFinestRange * largestOf(range))
         return;
     if (isLogarithmic)
         makeLogarithmic(range, room, step);
@@ -105,7 +105,7 @@ Ticks::Ticks(const Scale& scale, const Range& range, const Room& room, double st
 
 void Ticks::makeLinear(const Scale& scale, const Range& range, const Room& room, double step)
 {
-    if (step > 0 && (range.high - range.low) / step < cMostTicks && largestOf(range) / step < cMostSteps)
+    if (step > 0 && (range.high - range.low) / step < cMostTicks && largestOf(range) / step < cMostTickSteps)
     {
         placeLinear(range, step);
         if (!collide(scale, range, room))

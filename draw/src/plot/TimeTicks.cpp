@@ -115,8 +115,8 @@ void TimeTicks::findTimes(const Step& step, std::vector<double>& times) const
         const double offset = low - _range.low;
         const double first = std::ceil((_range.low + offset) / step.seconds);
         const double last = std::floor((_range.high + offset) / step.seconds);
-        constexpr double cMostSteps = 1e15; // from 1970: each of them is a number of its own
-        if (!(std::abs(first) < cMostSteps && std::abs(last) < cMostSteps))
+        constexpr double cMostTimeSteps = 1e15; // from 1970: each of them is a number of its own
+        if (!(std::abs(first) < cMostTimeSteps && std::abs(last) < cMostTimeSteps))
             return;
         for (double i = first; i <= last && times.size() < cMostTimes; ++i)
             add(i * step.seconds - offset);

@@ -6,6 +6,7 @@
 
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QPointer>
 #include <QScreen>
 
 #include <utility>
@@ -88,8 +89,9 @@ void ViewWidget::paintGL() { _pHost->paint(); }
 
 bool ViewWidget::event(QEvent* pEvent)
 {
-    // Qt asks while it is constructed as well.
-    return (_pHost != nullptr && _pHost->handle(pEvent)) || QOpenGLWidget::event(pEvent);
+    // Qt asks while it is constructed as well, and what the view does may end this.
+    const QPointer<QObject> pThis(this);
+    return (_pHost != nullptr && _pHost->handle(pEvent)) || pThis.isNull() || QOpenGLWidget::event(pEvent);
 }
 
 } // namespace gui::qt

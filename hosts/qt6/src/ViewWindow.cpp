@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QInputMethodQueryEvent>
+#include <QPointer>
 
 #include <utility>
 
@@ -92,7 +93,8 @@ bool ViewWindow::event(QEvent* pEvent)
         pQuery->accept();
         return true;
     }
-    return (_pHost != nullptr && _pHost->handle(pEvent)) || QOpenGLWindow::event(pEvent);
+    const QPointer<QObject> pThis(this); // what the view does may end it
+    return (_pHost != nullptr && _pHost->handle(pEvent)) || pThis.isNull() || QOpenGLWindow::event(pEvent);
 }
 
 } // namespace gui::qt

@@ -151,8 +151,11 @@ TEST_F(ViewAreaTest, ViewAndWidgetGoInAnyOrder)
     EXPECT_TRUE(waitInLoop([&] { return isGone; }));
     EXPECT_TRUE(waitInLoop([&] { return last.nCleanUps == 1; }));
 
-    // One that was never shown.
+    // One that was never shown, and one that GTK has made by the name of its type, as builders do.
     g_object_unref(g_object_ref_sink(gui::gtk::newViewArea(make(last))));
+    auto* const pByName = g_object_ref_sink(g_object_new(g_type_from_name("GuiglViewArea"), nullptr));
+    EXPECT_EQ(gui::gtk::getView(GTK_WIDGET(pByName)), nullptr);
+    g_object_unref(pByName);
 }
 
 TEST_F(ViewAreaTest, AtRestNothingWakesTheLoop)

@@ -148,27 +148,30 @@ TEST_F(ViewWidgetTest, ViewAndWidgetGoInAnyOrder)
     widget.update();
     app.step(0.1);
 
-    // A click may end all of it.
-    RecordingView last;
-    auto* const pWidget = new ViewWidget(
-        [&last]
-        {
-            last.create();
-            return &last;
-        });
-    pWidget->setWindowTitle("Last");
-    pWidget->show();
-    ASSERT_TRUE(waitInLoop([] { return desktop().bring("Last", 0); }));
-    ASSERT_TRUE(showsItsFrame(last));
-    bool isGone = false;
-    last.in["press"] = [&]
+    // A click may end all of it, and so may a wheel that the view does not use up.
+    for (const auto& [heard, done] : {std::pair("press", " click 1"), {"scroll", " click 4"}})
     {
-        delete pWidget;
-        isGone = true;
-    };
-    xdo(at(20, 20) + " click 1");
-    EXPECT_TRUE(waitInLoop([&] { return isGone; }));
-    app.step(0.1);
+        RecordingView last;
+        auto* const pWidget = new ViewWidget(
+            [&last]
+            {
+                last.create();
+                return &last;
+            });
+        pWidget->setWindowTitle("Last");
+        pWidget->show();
+        ASSERT_TRUE(waitInLoop([] { return desktop().bring("Last", 0); }));
+        ASSERT_TRUE(showsItsFrame(last));
+        bool isGone = false;
+        last.in[heard] = [&]
+        {
+            delete pWidget;
+            isGone = true;
+        };
+        xdo(at(20, 20) + done);
+        EXPECT_TRUE(waitInLoop([&] { return isGone; })) << heard;
+        app.step(0.1);
+    }
 }
 
 TEST_F(ViewWidgetTest, AtRestNothingWakesTheLoop)

@@ -40,7 +40,7 @@ public:
     /// Where the legend stands.
     enum class Legend : td::BYTE
     {
-        Auto, ///< in the corner where it covers the least, as far as series have labels; none where it takes half of all
+        Auto, ///< in the corner where it covers the least, as far as series have labels; none where it takes a half
         TopLeft,
         TopRight,
         BottomLeft,

@@ -49,8 +49,9 @@ public:
     void setTitle(std::string title);
     const std::string& getTitle() const { return _title; }
 
-    /// Shows this from now on. @return false, with nothing changed, when a number is not finite (or beyond 10^300), when
-    /// low is not below high by 10^-13 of the larger one, and 10^-300, or not above 0 on a logarithmic axis
+    /// Shows this from now on.
+    /// @return false, with nothing changed, when a number is not finite (or beyond 10^300), when low is not below high
+    ///         by 10^-13 of the larger one, and 10^-300, or not above 0 on a logarithmic axis
     bool setRange(double low, double high);
     /// As drawn last, or set since.
     const Ticks::Range& getRange() const;

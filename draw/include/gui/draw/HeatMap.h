@@ -24,8 +24,8 @@ namespace gui::draw
 ///
 /// Beside the axes stands a bar that tells which colour is which number. Cells are seen as they are when they are
 /// larger than pixels, unless they are to be smooth, and as the mean of 16 places in each pixel when they are smaller.
-/// NaN is transparent, and a map whose extent has no width, no height or no end is not seen. Moves, and can't be copied.
-/// GUI thread only; needs no context.
+/// NaN is transparent, and a map whose extent has no width, no height or no end is not seen. Moves, and can't be
+/// copied. GUI thread only; needs no context.
 class GUIGL_API HeatMap
 {
 public:

@@ -76,8 +76,8 @@ public:
     /// @param step  above 0 (an assertion; nothing changes otherwise)
     Series&& setX(double first, double step) &&;
     Series& setX(double first, double step) &; ///< the same
-    /// Error bars, but for bands and candles: from each value so far down and up, for the samples that there are by now.
-    /// Where samples are denser than pixels, a band from the lowest end of a bar in each column to the highest.
+    /// Error bars, but for bands and candles: from each value so far down and up, for the samples that there are by
+    /// now. Where samples are denser than pixels, a band from the lowest end of a bar in each column to the highest.
     Series&& withErrors(Samples below, Samples above) &&;
     Series&& withErrors(Samples both) &&; ///< as far both ways
     /// Markers coloured by a third value of each sample.

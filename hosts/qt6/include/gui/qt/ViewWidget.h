@@ -37,7 +37,7 @@ class ViewHost;
 /// A widget keeps its context when it is moved to another window, since the library asks Qt to let all contexts share
 /// (Qt::AA_ShareOpenGLContexts, set when it is loaded). Where Qt gives it another one, in a program that takes the
 /// attribute back for instance, the view goes on in that: see gui::gl::View. The widget may go before the view, which
-/// has no native side then, or after it.
+/// has no native side then, or after it; in the view's handlers too, but for onDraw.
 class GUIGL_API ViewWidget : public QOpenGLWidget
 {
 public:
