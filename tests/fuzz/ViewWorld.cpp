@@ -316,8 +316,11 @@ void ViewWorld::loseFocus(bool isHidden)
         client()->leftWindow();
     if (client() != nullptr)
         client()->onFocus(false);
-    require(!isUntouched(nActs) || _nReleases == nReleases + nHeld, "no key is held any more");
-    require(!isUntouched(nActs) || !_isComposing, "nothing is composed any more");
+    // In a handler the view may be closed already, or about to let go.
+    if (_depth > 0 || !isUntouched(nActs))
+        return;
+    require(_nReleases == nReleases + nHeld, "no key is held any more");
+    require(!_isComposing, "nothing is composed any more");
 }
 
 void ViewWorld::useWindow()
