@@ -1,5 +1,7 @@
 #include <gui/draw/DrawingView.h>
 
+#include "../path/FinitePoint.h"
+
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 
@@ -18,12 +20,6 @@ constexpr double cClick = 4;       // that it may move in a click
 constexpr double cFlyMargin = 60;  // around what a double click flies to
 constexpr double cClosest = 1e6;   // from all of the drawing
 constexpr double cFarthest = 1e-2; // likewise
-
-bool hasFinitePoint(const InputDevice& device)
-{
-    const td::Point<double>& point = device.getFramePoint();
-    return std::isfinite(point.x) && std::isfinite(point.y);
-}
 
 constexpr td::Color cBoxColor = "#3465d9", cBoxFill = "#3465d920";
 
@@ -187,7 +183,7 @@ void DrawingView::point()
 
 void DrawingView::onCursorMoved(const InputDevice& device)
 {
-    if (!hasFinitePoint(device))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     OrthoView::onCursorMoved(device);
     _isClick = false;
@@ -207,7 +203,7 @@ void DrawingView::onCursorExited(const InputDevice& device)
 
 void DrawingView::onCursorDragged(const InputDevice& device)
 {
-    if (!hasFinitePoint(device))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     if (_pOverview)
         return onPrimaryButtonPressed(device);
@@ -226,7 +222,7 @@ void DrawingView::onCursorDragged(const InputDevice& device)
 
 void DrawingView::onPrimaryButtonPressed(const InputDevice& device)
 {
-    if (!hasFinitePoint(device))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     if (_pOverview)
         return _pOverview->of.setCenter(getModelPoint(device.getFramePoint()));
@@ -243,7 +239,7 @@ void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
 {
     OrthoView::onPrimaryButtonReleased(device);
     const std::unique_ptr<Box> pBox = std::move(_pBox);
-    if (!hasFinitePoint(device))
+    if (!isFinitePoint(device.getFramePoint()))
     {
         _isClick = false;
         return reRender();
@@ -263,7 +259,7 @@ void DrawingView::onPrimaryButtonReleased(const InputDevice& device)
 
 void DrawingView::onPrimaryButtonDblClick(const InputDevice& device)
 {
-    if (!hasFinitePoint(device))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     OrthoView::onPrimaryButtonDblClick(device);
     setPointer(device);

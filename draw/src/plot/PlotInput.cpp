@@ -1,5 +1,7 @@
 #include "PlotImpl.h"
 
+#include "../path/FinitePoint.h"
+
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 #include <gui/gl/InputTuning.h>
@@ -14,8 +16,6 @@ namespace
 {
 
 constexpr double cKeyStep = 60; // points that an arrow key moves
-
-bool isFinitePoint(const td::Point<double>& point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include <gui/draw/GlobeView.h>
 
+#include "../path/FinitePoint.h"
+
 #include <gui/InputDevice.h>
 
 #include <td/Assert.h>
@@ -76,9 +78,8 @@ void GlobeView::onCameraMoved()
 void GlobeView::onPrimaryButtonDblClick(const InputDevice& device)
 {
     const td::Point<double>& at = device.getFramePoint();
-    const bool isSomewhere = std::isfinite(at.x) && std::isfinite(at.y);
     const std::optional<glm::dvec3> point =
-        isSomewhere ? _globe.meet(getEye().getRay(at)) : std::optional<glm::dvec3>();
+        isFinitePoint(at) ? _globe.meet(getEye().getRay(at)) : std::optional<glm::dvec3>();
     if (!point)
     {
         OrbitView::onPrimaryButtonDblClick(device);

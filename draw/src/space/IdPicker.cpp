@@ -2,6 +2,8 @@
 
 #include "DepthReader.h"
 
+#include "../path/FinitePoint.h"
+
 #include <gui/draw/DepthCanvas.h>
 #include <gui/gl/Context.h>
 #include <gui/gl/ContextResource.h>
@@ -59,7 +61,7 @@ struct IdPicker::Impl
 
     void ask(const td::Point<double>& point)
     {
-        if (std::isfinite(point.x) && std::isfinite(point.y))
+        if (isFinitePoint(point))
             asked = point;
     }
 

@@ -2,6 +2,8 @@
 
 #include "AxesGizmo.h"
 
+#include "../path/FinitePoint.h"
+
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 #include <gui/gl/InputTuning.h>
@@ -32,8 +34,6 @@ constexpr double cDoubleClickNearer = 2.5;
 constexpr double cRecent = 0.1;    // seconds back that a throw's speed is taken from
 constexpr double cRest = 0.06;     // seconds without motion, after which nothing is thrown
 constexpr double cLeastThrow = 40; // points a second
-
-bool isFinitePlace(const Point& point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
 Side opposite(Side side)
 {
@@ -283,7 +283,7 @@ void OrbitControl::onPressed(const InputDevice& device)
     const Point& point = device.getFramePoint();
     // The same button once more: its release went to somebody else.
     const bool isTaken = impl.drag != Impl::Drag::None && impl.button != device.getButton();
-    if (isTaken || !isFinitePlace(point))
+    if (isTaken || !isFinitePoint(point))
         return;
     impl.camera.stop();
     impl.drag = Impl::Drag::Pressed;
@@ -297,7 +297,7 @@ void OrbitControl::onDragged(const InputDevice& device)
 {
     Impl& impl = *_pImpl;
     const Point& point = device.getFramePoint();
-    if (impl.drag == Impl::Drag::None || !isFinitePlace(point))
+    if (impl.drag == Impl::Drag::None || !isFinitePoint(point))
         return;
     if (impl.drag == Impl::Drag::Pressed)
     {
@@ -328,7 +328,7 @@ bool OrbitControl::onReleased(const InputDevice& device)
     if (wasDrag)
         impl.throwOn();
     impl.drag = Impl::Drag::None;
-    if (wasDrag || impl.button != InputDevice::Button::Primary || !isFinitePlace(device.getFramePoint()))
+    if (wasDrag || impl.button != InputDevice::Button::Primary || !isFinitePoint(device.getFramePoint()))
         return false;
     if (!impl.isOnGizmo)
         return true;
@@ -341,7 +341,7 @@ void OrbitControl::onDoubleClick(const InputDevice& device)
 {
     Impl& impl = *_pImpl;
     const Point& point = device.getFramePoint();
-    if (!isFinitePlace(point))
+    if (!isFinitePoint(point))
         return;
     if (impl.isOverGizmo(point))
     {
@@ -365,7 +365,7 @@ void OrbitControl::onDoubleClick(const InputDevice& device)
 
 void OrbitControl::onMoved(const InputDevice& device)
 {
-    if (!isFinitePlace(device.getFramePoint()))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     _pImpl->drag = Impl::Drag::None; // whose release went to somebody else
     _pImpl->point(device.getFramePoint());
@@ -377,7 +377,7 @@ bool OrbitControl::onScroll(const InputDevice& device)
 {
     Impl& impl = *_pImpl;
     const Point &distance = device.getFramePoint(), &place = device.getPlace();
-    if (!isFinitePlace(distance) || !isFinitePlace(place))
+    if (!isFinitePoint(distance) || !isFinitePoint(place))
         return false;
     if (device.getKey().isShiftPressed() || distance.y == 0)
         impl.move(distance.x, distance.y);
@@ -393,7 +393,7 @@ bool OrbitControl::onScroll(const InputDevice& device)
 
 bool OrbitControl::onZoom(const InputDevice& device)
 {
-    if (!isFinitePlace(device.getFramePoint()))
+    if (!isFinitePoint(device.getFramePoint()))
         return false;
     // The first of two fingers has pressed, too: it neither clicks nor drags then.
     if (device.getType() == InputDevice::Type::Gesture && _pImpl->drag == Impl::Drag::Pressed)

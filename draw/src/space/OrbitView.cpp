@@ -2,6 +2,8 @@
 
 #include "DepthReader.h"
 
+#include "../path/FinitePoint.h"
+
 #include <gui/InputDevice.h>
 #include <gui/Key.h>
 #include <gui/gl/Buffer.h>
@@ -31,12 +33,6 @@ std::array<float, 4> componentsOf(td::Color color)
 {
     const auto part = [](unsigned int value) { return static_cast<float>(value) / 255; };
     return {part(color.red()), part(color.green()), part(color.blue()), 1};
-}
-
-bool isFinitePlaceOf(const InputDevice& device)
-{
-    const td::Point<double>& point = device.getFramePoint();
-    return std::isfinite(point.x) && std::isfinite(point.y);
 }
 
 struct PickedDepth
@@ -341,7 +337,7 @@ void OrbitView::press(const InputDevice& device)
 
 void OrbitView::drag(const InputDevice& device)
 {
-    if (!isFinitePlaceOf(device))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     _pointer = device.getFramePoint();
     _modifiers = device.getKeyboardModifiers();
@@ -378,7 +374,7 @@ void OrbitView::onOtherButtonReleased(const InputDevice& device) { release(devic
 
 void OrbitView::onCursorMoved(const InputDevice& device)
 {
-    if (!isFinitePlaceOf(device))
+    if (!isFinitePoint(device.getFramePoint()))
         return;
     _pointer = device.getFramePoint();
     _modifiers = device.getKeyboardModifiers();

@@ -1,5 +1,7 @@
 #include "ScreenRegion.h"
 
+#include "../path/FinitePoint.h"
+
 #include <glm/common.hpp>
 #include <glm/geometric.hpp>
 
@@ -60,7 +62,7 @@ ScreenRegion::ScreenRegion(const Eye& eye, std::span<const td::Point<double>> la
     for (const td::Point<double>& point : lasso)
     {
         _corners.emplace_back(point.x, point.y);
-        _isValid = _isValid && std::isfinite(point.x) && std::isfinite(point.y);
+        _isValid = _isValid && isFinitePoint(point);
     }
     _all.resize(_corners.size());
     std::iota(_all.begin(), _all.end(), 0U);
