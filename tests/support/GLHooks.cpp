@@ -113,6 +113,7 @@ std::span<const GLEntry> entries()
         entry<&glGetShaderiv>("glGetShaderiv", "Sep"),
         entry<&glGetUniformLocation>("glGetUniformLocation", "Ps"),
         entry<&glIsProgram>("glIsProgram", "P"),
+        entry<&glIsVertexArray>("glIsVertexArray", "A"),
         entry<&glLinkProgram>("glLinkProgram", "P"),
         entry<&glPatchParameteri>("glPatchParameteri", "ei"),
         entry<&glPixelStorei>("glPixelStorei", "ei"),

@@ -31,8 +31,11 @@ struct LegendTable
     void layOut(const td::Size<double>& room, double line, const TextStyle& style, PlotTexts& texts)
     {
         const double aside = cSampleWidth + cSampleGap, least = aside + cLeastLabel * style.size;
-        const auto nMost = static_cast<std::size_t>(std::max(room.height / line, 1.0));
-        const auto nBeside = static_cast<std::size_t>(std::max((room.width + cColumnGap) / (least + cColumnGap), 1.0));
+        // Never more than there are, however large a careless view is.
+        const auto nFitting = [n = rows.size()](double number)
+        { return number < static_cast<double>(n) ? static_cast<std::size_t>(std::max(number, 1.0)) : n; };
+        const std::size_t nMost = nFitting(room.height / line);
+        const std::size_t nBeside = nFitting((room.width + cColumnGap) / (least + cColumnGap));
         const std::size_t nColumns = std::min((rows.size() + nMost - 1) / nMost, nBeside);
         nRows = std::min((rows.size() + nColumns - 1) / nColumns, nMost);
         if (rows.size() > nRows * nColumns)
