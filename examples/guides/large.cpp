@@ -121,6 +121,7 @@ int main(int argc, char** argv)
     for (int i = 1; i <= 600; ++i)
     {
         std::vector<Point> arrived;
+        arrived.reserve(20);
         for (int j = 0; j < 20; ++j)
             arrived.push_back(at(0.01 * (20 * i + j)));
         Context::clear(Context::Clear::Color, td::ColorID::Black);

@@ -106,7 +106,7 @@ std::string FrameFile::write(const std::string& path, const Info& info, const st
         return reason();
     if (write(file.get(), info, parts))
         return {};
-    const std::string error = reason();
+    std::string error = reason();
     // Half a file helps nobody; a device or a pipe is somebody else's.
     std::error_code ignored;
     if (std::filesystem::is_regular_file(path, ignored))

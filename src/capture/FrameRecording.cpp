@@ -184,7 +184,7 @@ std::size_t FrameRecording::nBytes() const
     return n;
 }
 
-std::string FrameRecording::save(const std::string& path, FrameFile::Info info)
+std::string FrameRecording::save(const std::string& path, const FrameFile::Info& info)
 {
     if (info.framebuffer != 0)
         _objects.need(GLCall::Kind::Framebuffer, info.framebuffer);

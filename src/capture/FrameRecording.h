@@ -23,7 +23,7 @@ public:
     void onCommand(const Command* pCommand);
 
     /// The frame has ended.  @return what is wrong, in words; empty when nothing is
-    std::string save(const std::string& path, FrameFile::Info info);
+    std::string save(const std::string& path, const FrameFile::Info& info);
 
     std::size_t nBytes() const;
     const std::string& missing() const { return _objects.missing(); }

@@ -51,7 +51,7 @@ void makeOpaque(unsigned int framebuffer)
 } // namespace
 
 // A call of its client may end the widget, which the surface outlives until that call is over.
-class HostedView::Surface : public NativeSurface
+class HostedView::Surface final : public NativeSurface
 {
 public:
     Surface(HostedView& host, NativeSurfaceClient& client)

@@ -44,6 +44,7 @@ public:
         const std::size_t block = blockOf(_size);
         if (_blocks[block] == nullptr)
         {
+            // Blocks have numbers of a few bits. NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
             const std::size_t nBytes = (cFirst << block) * sizeof(Object);
             void* pMemory = ::operator new(nBytes, cAlignment);
             if (nBytes >= mem::cLargePagesFrom)

@@ -273,7 +273,7 @@ void Axes::Impl::drawMaps(const PlotPaper& paper)
         look.nSamples = inPixel > 0.75 ? static_cast<int>(std::min(std::ceil(inPixel * 2 - 0.5), cMostSamples)) : 1;
         paper.scene.addGrid({std::floor(left), std::floor(top), std::ceil(std::min(box.right, pixels.right)),
                              std::ceil(std::min(box.bottom, pixels.bottom))},
-                            std::move(look));
+                            look);
         std::vector<PlotScene::Segment> segments;
         for (const HeatMap::Contour& contour : map.getContours())
         {
@@ -317,7 +317,7 @@ void Axes::Impl::drawColorBar(const PlotPaper& paper)
                     bottom * static_cast<double>(ColorMap::cSize) / (bottom - top)};
     look.toCell = {0, 1, 0.5, 0};
     paper.scene.addRect({left - pixel, top - pixel, barRight + pixel, bottom + pixel}, paper.style.ink);
-    paper.scene.addGrid({left, top, barRight, bottom}, std::move(look));
+    paper.scene.addGrid({left, top, barRight, bottom}, look);
     const TextStyle style = labelStyle(paper.style);
     const AxisMap heights(colors.axis, area.bottom, area.top);
     const double at = barRight / scale;

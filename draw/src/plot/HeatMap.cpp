@@ -243,7 +243,8 @@ void HeatMap::traceLevel(double level) const
         const auto a = static_cast<double>(_values[at]), b = static_cast<double>(_values[other]);
         const double share = (level - a) / (b - a);
         const double column = static_cast<double>(at % _columns) + 0.5 + (side % 2 == 0 ? share : 0);
-        const double row = static_cast<double>(at / _columns) + 0.5 + (side % 2 == 1 ? share : 0);
+        const std::size_t wholeRows = at / _columns;
+        const double row = static_cast<double>(wholeRows) + 0.5 + (side % 2 == 1 ? share : 0);
         return td::Point<double>(_extent.left + column / static_cast<double>(_columns) * (_extent.right - _extent.left),
                                  _extent.top + row / static_cast<double>(_rows) * (_extent.bottom - _extent.top));
     };

@@ -97,12 +97,12 @@ void PlotScene::addCloud(const Cloud& cloud, const std::array<double, 4>& toPixe
     pass.edge = edge;
 }
 
-void PlotScene::addGrid(const Rect& box, GridLook look)
+void PlotScene::addGrid(const Rect& box, const GridLook& look)
 {
     Pass& pass = beginPass(Kind::Grid);
     pass.count = 1;
     pass.box = box;
-    pass.pGrid = std::make_shared<GridLook>(std::move(look));
+    pass.pGrid = std::make_shared<GridLook>(look);
 }
 
 void PlotScene::addTile(const Tile& tile, std::size_t base, std::uint32_t stride)

@@ -123,7 +123,7 @@ public:
                   double edgeWidth, td::Color edge);
 
     /// @param look  its map and values must live as long as this is drawn
-    void addGrid(const Rect& box, GridLook look);
+    void addGrid(const Rect& box, const GridLook& look);
 
     const std::vector<Texel>& getTexels() const { return _texels; }
     const std::vector<Pass>& getPasses() const { return _passes; }

@@ -259,7 +259,7 @@ std::string TimeTicks::describe(const Scale& scale, double time, double differen
     if (difference < cDayLength)
         text += print(" %02d:%02d", whole / 3600, whole / 60 % 60);
     if (difference < 60)
-        text += print(":%0*.*f", places > 0 ? places + 3 : 2, places, second - whole / 60 * 60);
+        text += print(":%0*.*f", places > 0 ? places + 3 : 2, places, second - (whole - whole % 60));
     return text;
 }
 

@@ -23,6 +23,7 @@ PreparedMesh::PreparedMesh(const Mesh& mesh)
     for (const Mesh::Part& part : mesh.parts)
         parts.push_back({.material = part.material, .tag = part.tag});
     std::vector<std::uint32_t> ranks;
+    ranks.reserve(parts.size());
     for (ModelPart& part : parts)
         ranks.push_back(part.texture = _pImpl->images.take(part.material.texture));
     // Those of one texture behind each other, each by itself.

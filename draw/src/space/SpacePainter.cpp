@@ -53,7 +53,7 @@ SpaceProgram* SpacePainter::activate(SpaceProgram::Kind kind, unsigned int featu
     pProgram->activate();
     pProgram->setBuffer(nullptr);
     sight.tell(*pProgram);
-    if ((features & SpaceProgram::Shadowed) != 0)
+    if ((features & SpaceProgram::Shadowed) != 0 && sight.pShadowMap != nullptr)
         sight.pShadowMap->tell(*pProgram, pProgram->at(SpaceProgram::ToShadowMap),
                                pProgram->at(SpaceProgram::ShadowSize), SpaceProgram::cShadowUnit,
                                sight.origin + sight.reference);

@@ -93,6 +93,7 @@ StrokeRows::StrokeRows(const Path& path, double lineWidth, int mostPixels)
             }
         }
         std::transform(sums.begin(), sums.end(), quarters.begin() + std::ptrdiff_t(y) * width,
+                       // None is below 0. NOLINTNEXTLINE(bugprone-incorrect-roundings)
                        [](double sum) { return static_cast<td::BYTE>(std::min(sum / cHeights, 1.0) * 255 + 0.5); });
     }
 }

@@ -330,7 +330,7 @@ std::vector<ShapedRun> TextItemizer::findRuns(const Levels& levels)
         const hb_script_t script = scriptOf(_characters[i]);
         ShapedRun* const pRun = runs.empty() ? nullptr : &runs.back();
         if (pRun != nullptr && pRun->style == style && pRun->level == level && pRun->kind == kind &&
-            kind == ShapedRun::Kind::Text && (pFace == pNextFace || *pFace == *pNextFace) &&
+            kind == ShapedRun::Kind::Text && (pFace == pNextFace || (pFace != nullptr && *pFace == *pNextFace)) &&
             (pRun->script == script || pRun->script == HB_SCRIPT_COMMON))
             pRun->script = script;
         else

@@ -10,7 +10,7 @@ namespace gui
 {
 
 /// A top-level window of SDL. It has one while it shows a view: the view's own.
-class SDLWindow : public WindowPeer
+class SDLWindow final : public WindowPeer
 {
 public:
     SDLWindow(const char* title, const td::Size<double>& size)

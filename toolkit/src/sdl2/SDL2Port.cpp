@@ -67,7 +67,7 @@ std::string getClipboardText(Clipboard::Kind kind)
     else
         pText = SDL_GetPrimarySelectionText();
 #endif
-    const std::string text = pText != nullptr ? pText : "";
+    std::string text = pText != nullptr ? pText : "";
     SDL_free(pText);
     return text;
 }
