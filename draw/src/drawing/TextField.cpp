@@ -472,8 +472,8 @@ bool TextField::editAt(Point at, std::string_view string, const TextStyle& style
         return false;
     // A handler may change what these are from.
     const std::string begin(string);
-    const TextStyle text = style;
-    const TextPlacement where = placement;
+    const TextStyle text = style;          // NOLINT(performance-unnecessary-copy-initialization)
+    const TextPlacement where = placement; // NOLINT(performance-unnecessary-copy-initialization)
     commit();
     _pImpl->end();
     if (!_pImpl->canEdit())
